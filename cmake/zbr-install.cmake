@@ -1,0 +1,24 @@
+# Install rules: headers, library, CMake package (zbr::zbr) and pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS zbr EXPORT zbr-targets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY include/zbr DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT zbr-targets NAMESPACE zbr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zbr)
+
+configure_package_config_file(cmake/zbr-config.cmake.in ${PROJECT_BINARY_DIR}/zbr-config.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zbr)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zbr-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zbr-config.cmake ${PROJECT_BINARY_DIR}/zbr-config-version.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zbr)
+
+# Absolute install directories are allowed in the cache, so the paths are joined rather than prefixed.
+cmake_path(APPEND ZBR_PC_LIBDIR "\${prefix}" "${CMAKE_INSTALL_LIBDIR}")
+cmake_path(APPEND ZBR_PC_INCLUDEDIR "\${prefix}" "${CMAKE_INSTALL_INCLUDEDIR}")
+if(NOT BUILD_SHARED_LIBS)
+  set(ZBR_PC_CFLAGS " -DZBR_STATIC")
+endif()
+configure_file(cmake/zbr.pc.in ${PROJECT_BINARY_DIR}/zbr.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zbr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
