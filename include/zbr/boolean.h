@@ -6,9 +6,9 @@
 //
 // Good input: rings that are simple and do not touch other rings of the same list. Touching rings mostly work; self-crossing or
 // overlapping rings of one list give some result. A ring with a NaN or infinite coordinate is left out of the combination.
-// Known limits: the Boolean compares with 1e-9 of the caller's unit, so (1) coincidences that are inexact by 3e-10 to 1e-7 can break
-// a result, as can points rounded onto edges at coordinates above about 3e6; (2) results of an area below 1e-9 are dropped, and
-// zbrMakeLoopTree drops areas within the thread's tolerance. Scale the data by a power of two (exact) to avoid both.
+// Known limits: the Boolean compares with 1e-9 of the caller's unit, so (1) coincidences that are inexact by 3e-10 to 1e-7 can
+// break a result, as can points rounded onto edges at coordinates above about 3e6; (2) results of an area below 1e-9 are dropped,
+// and zbrMakeLoopTree drops areas within the thread's tolerance. Scale the data by a power of two (exact) to avoid both.
 //
 // Threads: calls on different threads are independent. Loops that both use must be set up (ZBR_LOOP::Setup) beforehand.
 #pragma once
@@ -84,10 +84,10 @@ class ZBR_CROSS_SORT_FUNCTOR {
 // then of B's edges (closing edge first).
 //
 // A vertex of B on a vertex of A gives two records, one per edge of B meeting there: equal directions for a passage, opposite ones
-// for a touch; zbrOptimizeCross merges or drops them. Other touches along one side give none or two of opposite directions. Rings of
-// fewer than three points (B open: two) give nothing, nor do rings with a NaN or infinite coordinate. The four ints (loop of A, loop
-// of B, polygon of A, polygon of B) are only stored.
-// Sets both loops up; uses the thread's tolerance. Cost: n log n + candidates, edge pairs whose boxes come within 0.001.
+// for a touch; zbrOptimizeCross merges or drops them. Other touches along one side give none or two of opposite directions. Rings
+// of fewer than three points (B open: two) give nothing, nor do rings with a NaN or infinite coordinate. The four ints (loop of A,
+// loop of B, polygon of A, polygon of B) are only stored. Sets both loops up; uses the thread's tolerance. Cost: n log n +
+// candidates, edge pairs whose boxes come within 0.001.
 ZBR_API void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
                                 int polyA, int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB);
 

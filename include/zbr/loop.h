@@ -65,11 +65,9 @@ class ZBR_LOOP : public ZBR_POLYGON {
   ZBR_API static double get_area(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
   // dst becomes a list of the same loops (shared, not copied).
-  ZBR_API static void CopyLoopsPtr(std::vector<std::shared_ptr<ZBR_LOOP>>& dst,
-                                   const std::vector<std::shared_ptr<ZBR_LOOP>>& src);
+  ZBR_API static void CopyLoopsPtr(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src);
   // dst becomes a list of copies of the loops and of their children. dst must not be src.
-  ZBR_API static void DeepCopyLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& dst,
-                                    const std::vector<std::shared_ptr<ZBR_LOOP>>& src);
+  ZBR_API static void DeepCopyLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src);
   // Appends a copy of o's points and cache as a loop of its own: no children, level -1.
   ZBR_API static void AppendTopLoopDup(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_LOOP& o);
 
@@ -96,15 +94,15 @@ enum ZBR_POLY_INSIDE {
   ZBR_PI_ON_VERTEX = 1,  // within eps of a vertex in x and in y
   ZBR_PI_ON_EDGE = 2,    // on an edge, within eps
   ZBR_PI_IN = 4,
-  ZBR_PI_OUT = 5         // outside, or the loop has fewer than three points
+  ZBR_PI_OUT = 5  // outside, or the loop has fewer than three points
 };
 
 // Relation of loop a to loop b.
 enum ZBR_POLY_REL {
-  ZBR_PR_SAME = 0,    // the boundaries coincide
+  ZBR_PR_SAME = 0,  // the boundaries coincide
   ZBR_PR_A_IN_B = 1,
   ZBR_PR_B_IN_A = 2,
-  ZBR_PR_APART = 3    // neither contains the other
+  ZBR_PR_APART = 3  // neither contains the other
 };
 
 // Relation of loop a to loop b taken together with b's children, its holes.
@@ -136,8 +134,7 @@ ZBR_API ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const s
 
 // Relation of a to the first loop of the list that contains it (or coincides with it) and that loop's children. A loop inside
 // none is ZBR_LR_OUTSIDE, also when it contains loops of the list: this form never answers ZBR_LR_CONTAINS.
-ZBR_API ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a,
-                                     const std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
+ZBR_API ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
 // Nests a flat list of loops, in any order and orientation, in place.
 //
@@ -152,8 +149,8 @@ ZBR_API void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
 // Locates many points relative to one loop, or to a region, in logarithmic time each.
 //
-// Built once (n log n; about 20 bytes per point beside a copy of the points), then read-only: one locator may serve any number of
-// threads, each with its own tolerance, which is read per call. It keeps nothing of its arguments.
+// Built once (n log n; a tree of about 8 bytes per point beside a copy of the points), then read-only: one locator may serve any
+// number of threads, each with its own tolerance, which is read per call. It keeps nothing of its arguments.
 class ZBR_LOOP_LOCATOR {
  public:
   // For the ring of one loop; IsInside(p) answers as zbrIsInside(p, loop, pos) does.

@@ -1,0 +1,146 @@
+// The Boolean of two regions: find the crossings, clean them up, then per operation trace, add what no crossing touches, nest.
+#include <algorithm>
+#include <optional>
+
+#include <zbr/boolean.h>
+
+#include "boolean/paths.h"
+#include "boolean/polygons.h"
+#include "boolean/search.h"
+#include "boolean/trace.h"
+#include "boolean/uncrossed.h"
+#include "core/constants.h"
+#include "core/tolerance_state.h"
+
+namespace zbr {
+
+namespace {
+
+// Walking directions along A and B: along the minuend the result lies on the same side as the operand, along the subtrahend on the
+// other; a union keeps both, an intersection turns both, so that its loops come out the same way round as traced.
+struct Directions {
+  bool forwardA;
+  bool forwardB;
+};
+
+Directions DirectionsOf(ZBR_BOOLEAN_OPE op) {
+  switch (op) {
+    case ZBR_BOOL_A_MINUS_B:
+      return {true, false};
+    case ZBR_BOOL_B_MINUS_A:
+      return {false, true};
+    case ZBR_BOOL_AND:
+      return {false, false};
+    default:
+      return {true, true};
+  }
+}
+
+// Everything one call works with. What does not depend on the operation is found once.
+class BooleanWork {
+ public:
+  BooleanWork(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses) : crosses_(crosses) {
+    families_[0].Set(a);
+    families_[1].Set(b);
+  }
+
+  void FindCrossings() {
+    Family& a = families_[0];
+    Family& b = families_[1];
+    SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen);
+    zbrOptimizeCross(*a.loops, *b.loops, crosses_, sorted_, true);
+  }
+
+  LoopList Combine(ZBR_BOOLEAN_OPE op) {
+    LoopList result;
+    if (crosses_.size() > 1) {
+      if (op == ZBR_BOOL_XOR) {
+        Trace(DirectionsOf(ZBR_BOOL_A_MINUS_B), result);
+        Trace(DirectionsOf(ZBR_BOOL_B_MINUS_A), result);
+      } else {
+        Trace(DirectionsOf(op), result);
+      }
+    }
+    AddUncrossed(op, 0, result);
+    AddUncrossed(op, 1, result);
+    zbrMakeLoopTree(result);
+    return result;
+  }
+
+  // Leaves in the crossings which of them the last walk used.
+  void MarkDone() {
+    if (!arePathsPrepared_) return;
+    for (std::size_t i = 0; i < crosses_.size(); ++i) crosses_[i].done = paths_.done(i);
+  }
+
+ private:
+  struct Family {
+    const LoopList* loops = nullptr;
+    std::vector<Polygon> polygons;
+    std::vector<std::uint32_t> firstPolygon;
+    std::vector<SearchedPolygon> seen;
+    std::optional<std::vector<UncrossedPolygon>> uncrossed;
+
+    void Set(const LoopList& list) {
+      loops = &list;
+      polygons = PolygonsOf(list);
+      firstPolygon.resize(list.size());
+      for (std::uint32_t i = 0; i < polygons.size(); ++i) {
+        if (polygons[i].key.poly() == 0) firstPolygon[static_cast<std::size_t>(polygons[i].key.loop())] = i;
+      }
+    }
+    std::size_t Number(ZBR_CROSS_LOOP key) const {
+      return firstPolygon[static_cast<std::size_t>(key.loop())] + static_cast<std::size_t>(key.poly());
+    }
+    TracedFamily Traced(bool forward) const { return {loops, &firstPolygon, &seen, forward}; }
+  };
+
+  void Trace(Directions directions, LoopList& result) {
+    if (!arePathsPrepared_) paths_.Prepare(crosses_, sorted_);
+    arePathsPrepared_ = true;
+    paths_.Find(directions.forwardA, directions.forwardB);
+    TracePaths(crosses_, paths_, families_[0].Traced(directions.forwardA), families_[1].Traced(directions.forwardB), result);
+  }
+
+  void AddUncrossed(ZBR_BOOLEAN_OPE op, int side, LoopList& result) {
+    Family& family = families_[side];
+    if (!family.uncrossed) {
+      std::vector<bool> touched(family.polygons.size(), false);
+      for (const ZBR_CROSS& c : crosses_) touched[family.Number(side == 0 ? c.a.loop : c.b.loop)] = true;
+      family.uncrossed = RelateUncrossed(family.polygons, touched, families_[1 - side].polygons);
+    }
+    for (const UncrossedPolygon& u : *family.uncrossed) {
+      if (IsKept(op, side, u.polygon->key.poly() != 0, u.relation)) ZBR_LOOP::AppendTopLoopDup(result, **u.polygon->loop);
+    }
+  }
+
+  std::vector<ZBR_CROSS>& crosses_;
+  std::vector<int> sorted_[2];
+  Family families_[2];
+  PathFinder paths_;
+  bool arePathsPrepared_ = false;
+};
+
+}  // namespace
+
+}  // namespace zbr
+
+void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
+                     ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
+                     std::vector<ZBR_CROSS>& crosses) {
+  const zbr::ToleranceScope tolerance(zbr::kBooleanEps);
+  crosses.clear();
+  zbr::BooleanWork work(A, B, crosses);
+  work.FindCrossings();
+  // A result list may be an operand: all are formed before the first is handed over.
+  std::vector<std::vector<std::shared_ptr<ZBR_LOOP>>> formed;
+  for (int k = 0; k < count; ++k) formed.push_back(work.Combine(ops[k]));
+  work.MarkDone();
+  for (int k = 0; k < count; ++k) results[k] = std::move(formed[static_cast<std::size_t>(k)]);
+}
+
+void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
+                     ZBR_BOOLEAN_OPE op, std::vector<std::shared_ptr<ZBR_LOOP>>& result) {
+  std::vector<ZBR_CROSS> crosses;
+  zbrBooleanLoops(A, B, &op, &result, 1, crosses);
+}

@@ -1,0 +1,82 @@
+// The contacts near vertices and along lines, told apart under the tolerance.
+//
+// Difficulty: a meeting at a vertex belongs to two edges of A and two of B and must not be found four times. So every contact has
+// one owner. What lies on a vertex of A belongs to the corner there: the edge that arrives leaves it to the next corner. An end of
+// B's edge on the open edge E counts at its start only (0 <= t < 1). One doubling is wanted: a vertex of B on A is found from both
+// edges of B that meet there, once arriving and once leaving; equal directions then tell a passage from a touch.
+//
+// The cases, first match wins; posQ is the side of the corner (which of A's sides, with both its edges), lineQ of E's line alone:
+//
+//   StartOnCorner   q0 on cur          by posQ1
+//   EndOnCorner     q1 on cur          by posQ0
+//   CornerOnEdge    cur inside q0-q1   by both; same side or both on A: a touch
+//   NextOnEnd       q0 or q1 on next   left to the next corner
+//   StartOnEdge     q0 on E's line     by lineQ1        q1 left of E           q1 /
+//   EndOnEdge       q1 on E's line     by lineQ0        B goes to the left:      /
+//   Proper          otherwise          by the turn                     cur --- q0 ----> next
+//
+// At a vertex where A doubles back on itself A has no sides; the first three cases record nothing there.
+#include "boolean/contact.h"
+
+namespace zbr {
+
+namespace {
+
+constexpr int kDoublesBack = -4;
+
+ZBR_CROSS_DIR LeftIf(bool left) {
+  return left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT;
+}
+
+}  // namespace
+
+void Corner::PrepareCorner() {
+  if (isPrepared_) return;
+  MakeCorner(prev_, cur_, next_, eps2_, info_);
+  isPrepared_ = true;
+}
+
+bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
+  PrepareCorner();
+  int prevSide = 0;
+  int lineQ0 = 0;
+  int lineQ1 = 0;
+  const int posQ0 = SideOfCorner(q0, prev_, cur_, next_, info_, eps2_, prevSide, lineQ0);
+  const int posQ1 = SideOfCorner(q1, prev_, cur_, next_, info_, eps2_, prevSide, lineQ1);
+
+  if (SamePoint(cur_, q0, eps2_)) {  // StartOnCorner
+    if (info_.state == kDoublesBack || posQ1 == 0) return false;
+    contact = {cur_, 0.0, 0.0, LeftIf(posQ1 == 1)};
+    return true;
+  }
+  if (SamePoint(cur_, q1, eps2_)) {  // EndOnCorner
+    if (info_.state == kDoublesBack || posQ0 == 0) return false;
+    contact = {cur_, 0.0, 1.0, LeftIf(posQ0 != 1)};
+    return true;
+  }
+  if (SideOfLine(cur_, q0, q1, eps2_) == 0) return MeetAtCorner(q0, q1, posQ0, posQ1, contact);  // CornerOnEdge
+  if (SamePoint(next_, q0, eps2_) || SamePoint(next_, q1, eps2_)) return false;                  // NextOnEnd
+  if (lineQ0 == 0 || lineQ1 == 0) return MeetOnEdge(q0, q1, lineQ0, lineQ1, contact);            // StartOnEdge, EndOnEdge
+  return SideOfLine(next_, q0, q1, eps2_) != 0 && Cross(q0, q1, contact);                        // Proper
+}
+
+bool Corner::MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, int posQ0, int posQ1, Contact& contact) const {
+  if (info_.state == kDoublesBack || posQ0 == posQ1) return false;
+  const double t = ParamOnLine(cur_, q0, q1);
+  if (!(0.0 <= t && t <= 1.0)) return false;
+  // From the right or, if q0 is on A, to the left.
+  contact = {cur_, 0.0, t, LeftIf(posQ0 == -1 || (posQ0 == 0 && posQ1 == 1))};
+  return true;
+}
+
+bool Corner::MeetOnEdge(const ZBR_PT& q0, const ZBR_PT& q1, int lineQ0, int lineQ1, Contact& contact) const {
+  const bool isStart = lineQ0 == 0;
+  const ZBR_PT& q = isStart ? q0 : q1;
+  const int other = isStart ? lineQ1 : lineQ0;
+  const double t = ParamOnLine(q, cur_, next_);
+  if (!(0.0 <= t && t < 1.0) || other == 0) return false;
+  contact = {q, t, isStart ? 0.0 : 1.0, LeftIf(isStart ? other == 1 : other == -1)};
+  return true;
+}
+
+}  // namespace zbr

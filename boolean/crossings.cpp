@@ -1,0 +1,257 @@
+// Finds where the boundaries of B meet the boundaries of A.
+//
+// Idea: walk A corner by corner; with the edge E leaving the corner, try every edge of B whose box comes within a margin of E's.
+// At most one contact is recorded per pair (contact.cpp says which edge owns what). The edges that come near are found by joining
+// two box hierarchies, one over all edges of A's polygons, one over all of B's, so that neither many small rings nor large ones far
+// apart cost more than their edges.
+// Order: records are wanted by loop of A, loop of B, polygon of A, polygon of B, corner, edge. The join gives them by polygon of A
+// as the index holds it, corner, then edge of B. With one polygon on either side these agree; otherwise every record keeps its rank
+// and the records are put in order at the end.
+// Runs of equal points act as one vertex: on A only the last of a run is a corner, and its predecessor is the last corner before;
+// on B a contact with a vertex is recorded at the last point of its run, so that the records of arriving and leaving meet.
+#include <algorithm>
+#include <numeric>
+#include <unordered_map>
+
+#include <zbr/boolean.h>
+
+#include "boolean/contact.h"
+#include "boolean/polygons.h"
+#include "boolean/search.h"
+#include "loops/edge_index.h"
+#include "loops/point_in_loop.h"
+
+namespace zbr {
+
+namespace {
+
+constexpr std::uint32_t kNoCorner = 0xffffffff;
+
+// For a ring with runs of equal points: the previous corner of each vertex, kNoCorner where the vertex is none.
+using CornerTable = std::vector<std::uint32_t>;
+
+// The first vertex that differs from its predecessor, or n if all are equal.
+std::uint32_t FirstCorner(const std::vector<ZBR_PT>& p, double eps2) {
+  const auto n = static_cast<std::uint32_t>(p.size());
+  std::uint32_t i = 0;
+  while (i < n && SamePoint(p[i], p[i == 0 ? n - 1 : i - 1], eps2)) ++i;
+  return i;
+}
+
+CornerTable CornersOf(const IndexedRing& ring, double eps2) {
+  CornerTable table(ring.n, kNoCorner);
+  std::uint32_t prev = ring.start == 0 ? ring.n - 1 : ring.start - 1;
+  for (std::uint32_t slot = 0; slot < ring.n; ++slot) {
+    const std::uint32_t cur = ring.Vertex(slot);
+    const ZBR_PT& p = ring.points[cur];
+    if (p.Distance2(ring.points[prev]) <= eps2 || ring.points[ring.Next(cur)].Distance2(p) <= eps2) continue;
+    table[cur] = prev;
+    prev = cur;
+  }
+  return table;
+}
+
+// Where a record stands in the wanted order.
+struct Rank {
+  std::uint32_t a;  // polygon of A, numbered through the list
+  std::uint32_t b;
+  std::uint32_t corner;
+  std::uint32_t edge;
+};
+
+class CrossingSearch {
+ public:
+  CrossingSearch(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& out)
+      : a_(a), b_(b), closedB_(closedB), eps2_(t_tolerance.eps2), out_(out) {}
+
+  void Run() {
+    const std::size_t before = out_.size();
+    if (!IndexBoth()) return;
+    needsRanks_ = a_.size() > 1 || b_.size() > 1;
+    BoxJoin::Run(indexA_.tree(), indexB_.tree(), [&](std::uint32_t leaf, std::span<const std::uint32_t> leavesB) {
+      progress_ = leaf;
+      SearchLeaf(indexA_.leaf(leaf), leavesB);
+      return true;
+    });
+    if (needsRanks_) PutInOrder(before);
+    for (std::size_t i = before; i < out_.size(); ++i) out_[i].index = static_cast<int>(i);
+  }
+
+  const EdgeIndex& indexA() const { return indexA_; }
+  const EdgeIndex& indexB() const { return indexB_; }
+
+ private:
+  bool IndexBoth() {
+    std::vector<IndexedRing> ringsA;
+    std::vector<IndexedRing> ringsB;
+    for (std::uint32_t i = 0; i < a_.size(); ++i) AddRing(a_[i], i, true, ringsA);
+    for (std::uint32_t i = 0; i < b_.size(); ++i) AddRing(b_[i], i, false, ringsB);
+    if (ringsA.empty() || ringsB.empty()) return false;
+    indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
+    indexB_.Build(std::move(ringsB), 0.0, eps2_);
+    for (std::uint32_t r = 0; r < indexA_.rings().size(); ++r) {
+      const IndexedRing& ring = indexA_.rings()[r];
+      if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
+    }
+    return true;
+  }
+
+  // A's slots are corners from the first on. B's are edges, the closing one first.
+  void AddRing(const Polygon& polygon, std::uint32_t id, bool isA, std::vector<IndexedRing>& rings) {
+    ZBR_LOOP& loop = **polygon.loop;
+    const auto n = static_cast<std::uint32_t>(loop.pt().size());
+    const bool isOpen = !isA && !closedB_;
+    if (n < (isOpen ? 2U : 3U)) return;
+    loop.Setup();
+    if (!IsFiniteRing(loop)) return;
+    const std::uint32_t start = isOpen ? 0 : isA ? FirstCorner(loop.pt(), eps2_) : n - 1;
+    if (start == n) return;
+    rings.push_back({loop.pt().data(), n, start, isOpen ? n - 1 : n, id, false});
+  }
+
+  void SearchLeaf(const EdgeIndex::Leaf& leaf, std::span<const std::uint32_t> leavesB) {
+    const IndexedRing& ring = indexA_.rings()[leaf.ring];
+    const CornerTable* table = ring.hasRepeats ? &corners_.at(leaf.ring) : nullptr;
+    const std::uint32_t last = indexA_.LastSlot(leaf);
+    for (std::uint32_t slot = leaf.first; slot < last; ++slot) {
+      const std::uint32_t cur = ring.Vertex(slot);
+      const std::uint32_t prev = table != nullptr ? (*table)[cur] : cur == 0 ? ring.n - 1 : cur - 1;
+      if (prev == kNoCorner) continue;
+      SearchCorner(ring, slot, prev, cur, leavesB);
+    }
+  }
+
+  void SearchCorner(const IndexedRing& ring, std::uint32_t slot, std::uint32_t prev, std::uint32_t cur,
+                    std::span<const std::uint32_t> leavesB) {
+    const ZBR_PT& p = ring.points[cur];
+    const ZBR_PT& next = ring.points[ring.Next(cur)];
+    const Box edgeBox = BoxOfSegment(p, next).Widened(kBoxMargin);
+    Corner corner(ring.points[prev], p, next, eps2_);
+    const Box* leafBoxes = indexB_.tree().Level(0);
+    Contact contact;
+    for (const std::uint32_t l : leavesB) {
+      if (!Overlap(edgeBox, leafBoxes[l])) continue;
+      const EdgeIndex::Leaf& leaf = indexB_.leaf(l);
+      const IndexedRing& other = indexB_.rings()[leaf.ring];
+      const std::uint32_t last = indexB_.LastSlot(leaf);
+      std::uint32_t j = other.Vertex(leaf.first);
+      for (std::uint32_t edge = leaf.first; edge < last; ++edge) {
+        const ZBR_PT& q0 = other.points[j];
+        const std::uint32_t from = j;
+        j = other.Next(j);
+        const ZBR_PT& q1 = other.points[j];
+        if (!Overlap(edgeBox, BoxOfSegment(q0, q1))) continue;
+        if (other.hasRepeats && SamePoint(q0, q1, eps2_)) continue;
+        if (!corner.Meet(q0, q1, contact) || !LoopBoxesMeet(ring, other, edgeBox)) continue;
+        Record(contact, {ring.id, other.id, slot, edge}, cur, PositionOnB(other, from, contact.tB));
+      }
+    }
+  }
+
+  // The tests on whole loops, by their cached boxes. The search implies them, but for the last bit of a rounded margin and for
+  // caches that a caller has let go stale.
+  bool LoopBoxesMeet(const IndexedRing& ringA, const IndexedRing& ringB, const Box& edgeBox) const {
+    const Box a = BoxOf(**a_[ringA.id].loop);
+    const Box b = BoxOf(**b_[ringB.id].loop);
+    return b.xmin <= a.xmax + kBoxMargin && a.xmin <= b.xmax + kBoxMargin && b.ymin <= a.ymax + kBoxMargin &&
+           a.ymin <= b.ymax + kBoxMargin && Overlap(b, edgeBox);
+  }
+
+  double PositionOnB(const IndexedRing& ring, std::uint32_t from, double t) const {
+    if (t != 1.0) return from + t;
+    std::uint32_t v = ring.Next(from);
+    if (!ring.hasRepeats) return v;
+    while ((closedB_ || v + 1 < ring.n) && SamePoint(ring.points[v], ring.points[ring.Next(v)], eps2_)) v = ring.Next(v);
+    return v;
+  }
+
+  void Record(const Contact& contact, const Rank& rank, std::uint32_t cur, double posB) {
+    if (out_.size() == out_.capacity()) Grow();
+    ZBR_CROSS& cross = out_.emplace_back();
+    cross.pt = contact.pt;
+    cross.dir = contact.dir;
+    cross.a.loop = a_[rank.a].key;
+    cross.a.pos = cur + contact.tA;
+    cross.b.loop = b_[rank.b].key;
+    cross.b.pos = posB;
+    cross.valid = true;
+    if (needsRanks_) ranks_.push_back(rank);
+  }
+
+  // Expects the rest of A to be crossed as often as what has been searched: one move of a large vector instead of many.
+  void Grow() {
+    const double share = (progress_ + 1.0) / indexA_.tree().Count(0);
+    const double expected = static_cast<double>(out_.size()) / share * 1.1;
+    const std::size_t doubled = 2 * out_.size() + 16;
+    const std::size_t most = 16 * out_.size() + 16;
+    out_.reserve(std::clamp(static_cast<std::size_t>(std::min(expected, 1e15)), doubled, most));
+  }
+
+  void PutInOrder(std::size_t before) {
+    const auto comesBefore = [&](const Rank& x, const Rank& y) {
+      const ZBR_CROSS_LOOP xa = a_[x.a].key, ya = a_[y.a].key, xb = b_[x.b].key, yb = b_[y.b].key;
+      if (xa.loop() != ya.loop()) return xa.loop() < ya.loop();
+      if (xb.loop() != yb.loop()) return xb.loop() < yb.loop();
+      if (x.a != y.a) return x.a < y.a;
+      if (x.b != y.b) return x.b < y.b;
+      return x.corner != y.corner ? x.corner < y.corner : x.edge < y.edge;
+    };
+    if (std::is_sorted(ranks_.begin(), ranks_.end(), comesBefore)) return;
+    std::vector<std::uint32_t> order(ranks_.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [&](std::uint32_t i, std::uint32_t j) { return comesBefore(ranks_[i], ranks_[j]); });
+    const std::vector<ZBR_CROSS> found(out_.begin() + static_cast<std::ptrdiff_t>(before), out_.end());
+    for (std::size_t i = 0; i < order.size(); ++i) out_[before + i] = found[order[i]];
+  }
+
+  const std::vector<Polygon>& a_;
+  const std::vector<Polygon>& b_;
+  bool closedB_;
+  double eps2_;
+  std::vector<ZBR_CROSS>& out_;
+  EdgeIndex indexA_;
+  EdgeIndex indexB_;
+  std::unordered_map<std::uint32_t, CornerTable> corners_;
+  std::vector<Rank> ranks_;  // of the records appended, kept only when they may need sorting
+  std::uint32_t progress_ = 0;
+  bool needsRanks_ = false;
+};
+
+void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPolygon>* seen) {
+  if (seen == nullptr) return;
+  seen->assign(polygons, {});
+  for (const IndexedRing& ring : index.rings()) (*seen)[ring.id].hasRepeats = ring.hasRepeats;
+}
+
+}  // namespace
+
+void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB) {
+  CrossingSearch search(a, b, closedB, crosses);
+  search.Run();
+  Note(search.indexA(), a.size(), seenA);
+  Note(search.indexB(), b.size(), seenB);
+}
+
+}  // namespace zbr
+
+void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB, int polyA,
+                        int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB) {
+  const std::vector<zbr::Polygon> a{{&A, ZBR_CROSS_LOOP(loopA, polyA)}};
+  const std::vector<zbr::Polygon> b{{&B, ZBR_CROSS_LOOP(loopB, polyB)}};
+  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr);
+}
+
+void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
+                     std::vector<ZBR_CROSS>& crosses) {
+  std::vector<zbr::Polygon> a;
+  std::vector<zbr::Polygon> b;
+  zbr::AppendPolygons(A, loopA, a);
+  zbr::AppendPolygons(B, loopB, b);
+  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr);
+}
+
+void zbrGetLoopsCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
+                      std::vector<ZBR_CROSS>& crosses) {
+  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr);
+}

@@ -1,0 +1,73 @@
+// Walks from crossing to crossing around the result of one operation.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <zbr/boolean.h>
+
+namespace zbr {
+
+// The sorted crossings of both sides in the compact form that the walks use; made once per Boolean, shared by its operations.
+struct CrossingRing {
+  struct Run {
+    std::uint32_t first;
+    std::uint32_t last;  // inclusive
+  };
+  std::vector<std::uint32_t> at;   // crossing at each place of the sorted list
+  std::vector<std::uint32_t> seq;  // place of each crossing
+  std::vector<std::uint32_t> run;  // run of each place
+  std::vector<Run> runs;           // places on one polygon
+
+  void Build(const std::vector<ZBR_CROSS>& crosses, int side, const std::vector<int>& sorted);
+};
+
+// Chains crossings into closed paths. A path alternates a stretch along A (from a crossing that goes to the left) and one along B.
+class PathFinder {
+ public:
+  void Prepare(const std::vector<ZBR_CROSS>& crosses, const std::vector<int>* sorted);
+
+  // Finds the closed paths that walk A forward or backward and B forward or backward. Starts from scratch.
+  void Find(bool forwardA, bool forwardB);
+
+  std::size_t count() const { return ends_.size(); }
+  // The crossings of path k; the first is repeated at its end.
+  std::span<const std::uint32_t> path(std::size_t k) const {
+    const std::size_t begin = k == 0 ? 0 : ends_[k - 1];
+    return std::span(items_).subspan(begin, ends_[k] - begin);
+  }
+  bool done(std::size_t crossing) const { return done_[crossing] != 0; }
+
+ private:
+  static constexpr std::uint32_t kNone = 0xffffffff;
+
+  // Answers "the next crossing along one side that is not done and has the wanted direction". Places are counted in walking order;
+  // skip[w] leads to the next place that may still answer, and is shortened on the way (union-find with path halving).
+  struct Walk {
+    const CrossingRing* ring = nullptr;
+    bool forward = true;
+    std::vector<std::uint32_t> skip;  // w itself while the crossing there can be taken; one more entry than places
+
+    std::uint32_t Place(std::uint32_t k) const { return forward ? k : static_cast<std::uint32_t>(ring->at.size()) - 1 - k; }
+    void Start(const CrossingRing& sorted, bool walksForward, const std::vector<std::uint8_t>& taken);
+    std::uint32_t FirstFrom(std::uint32_t w);
+    std::uint32_t Next(std::uint32_t crossing);
+    void Remove(std::uint32_t crossing);
+  };
+
+  void MarkFollowing(const CrossingRing& ring, std::uint8_t goesLeft, bool forward);
+  bool Trace(std::uint32_t start);
+  void Finish(std::uint32_t crossing);
+
+  CrossingRing rings_[2];
+  std::vector<std::uint8_t> goesLeft_;
+  std::vector<std::uint8_t> done_;
+  std::vector<std::uint8_t> taken_;
+  Walk alongA_;  // to crossings that go to the right
+  Walk alongB_;  // to crossings that go to the left
+  std::vector<std::uint32_t> items_;
+  std::vector<std::size_t> ends_;
+};
+
+}  // namespace zbr

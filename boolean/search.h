@@ -1,0 +1,23 @@
+// The search for crossings, as the Boolean uses it.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <zbr/boolean.h>
+
+#include "boolean/polygons.h"
+
+namespace zbr {
+
+// What the search learns of a polygon besides its crossings.
+struct SearchedPolygon {
+  bool hasRepeats = false;  // some edge is no longer than the tolerance
+};
+
+// Appends the crossings of the polygons of A with those of B; see zbrGetLoopsCross. `seenA` and `seenB`, if not null, receive an
+// entry per polygon.
+void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB);
+
+}  // namespace zbr

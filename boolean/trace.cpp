@@ -1,0 +1,158 @@
+// Builds the loops of a result from paths of crossings.
+//
+// A path is a sequence of stretches, each along one polygon from one crossing to the next: the crossing's point, then the polygon's
+// vertices strictly between the two positions. Points that coincide with the last one appended are left out.
+// Difficulty: positions say where on the ring a crossing lies, but not how often to go round. When no vertex lies between the two
+// positions the stretch is either empty or a whole turn, and which one depends on their order in walking direction; a position of 0
+// stands for n where it ends a stretch.
+#include "boolean/trace.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "boolean/cross_sort.h"
+#include "boolean/polygons.h"
+#include "core/planar_inline.h"
+
+namespace zbr {
+
+namespace {
+
+// The vertices of a ring of n points from `first` on, `count` of them, in walking order.
+struct VertexRange {
+  std::size_t first = 0;
+  std::size_t count = 0;
+};
+
+VertexRange ForwardRange(double p1, double p2, std::size_t n) {
+  const double up = std::ceil(p1);
+  const double down = std::floor(p2);
+  std::size_t first = static_cast<std::size_t>(up) + (up == p1 ? 1 : 0);
+  if (first == n) first = 0;
+  const std::size_t last = down != p2 ? static_cast<std::size_t>(down) : (down == 0.0 ? n : static_cast<std::size_t>(down)) - 1;
+  const bool isEmpty = p2 > p1 || (p2 == 0.0 && p1 != 0.0);
+  if ((last + 1 == n ? 0 : last + 1) == first) return {first, isEmpty ? 0 : n};
+  return {first, (last + n - first) % n + 1};
+}
+
+VertexRange BackwardRange(double p1, double p2, std::size_t n) {
+  const double down = std::floor(p1);
+  const double up = std::ceil(p2);
+  const std::size_t first = down != p1 ? static_cast<std::size_t>(down) : (down == 0.0 ? n : static_cast<std::size_t>(down)) - 1;
+  std::size_t last = static_cast<std::size_t>(up) + (up == p2 ? 1 : 0);
+  if (last == n) last = 0;
+  const bool isEmpty = p2 < p1 || (p1 == 0.0 && p2 != 0.0);
+  if ((last == 0 ? n - 1 : last - 1) == first) return {first, isEmpty ? 0 : n};
+  return {first, (first + n - last) % n + 1};
+}
+
+// One stretch of a path.
+struct Stretch {
+  const std::vector<ZBR_PT>* ring;
+  VertexRange vertices;
+  bool forward;
+  bool hasRepeats;
+  bool isNothing;  // not even the crossing's point
+};
+
+class Tracer {
+ public:
+  Tracer(const std::vector<ZBR_CROSS>& crosses, const TracedFamily& a, const TracedFamily& b)
+      : crosses_(crosses), families_{&a, &b} {}
+
+  // The loop of a path, or null when it is degenerate.
+  std::shared_ptr<ZBR_LOOP> Build(std::span<const std::uint32_t> path) {
+    std::size_t bound = 0;
+    stretches_.clear();
+    for (std::size_t i = 0; i + 1 < path.size(); ++i) {
+      stretches_.push_back(StretchBetween(crosses_[path[i]], crosses_[path[i + 1]]));
+      if (!stretches_.back().isNothing) bound += 1 + stretches_.back().vertices.count;
+    }
+    if (bound <= 2) return nullptr;
+    auto loop = std::make_shared<ZBR_LOOP>();
+    std::vector<ZBR_PT>& points = loop->pt();
+    points.reserve(bound);
+    for (std::size_t i = 0; i < stretches_.size(); ++i) {
+      if (!stretches_[i].isNothing) AppendStretch(crosses_[path[i]].pt, stretches_[i], points);
+    }
+    if (points.size() <= 2) return nullptr;
+    loop->Setup();
+    return WithinTol(loop->area(), t_tolerance.eps) ? nullptr : loop;
+  }
+
+ private:
+  Stretch StretchBetween(const ZBR_CROSS& c1, const ZBR_CROSS& c2) const {
+    const int side = c1.dir == ZBR_CROSS_TO_LEFT ? 0 : 1;
+    const TracedFamily& family = *families_[side];
+    const ZBR_CROSS_AB& from = Side(c1, side);
+    const ZBR_CROSS_AB& to = Side(c2, side);
+    const ZBR_CROSS_LOOP key = from.loop;
+    const std::vector<ZBR_PT>& ring = PolygonAt(*family.loops, key)->pt();
+    const std::uint32_t number =
+        (*family.firstPolygon)[static_cast<std::size_t>(key.loop())] + static_cast<std::uint32_t>(key.poly());
+    const bool areNeighbours = family.forward ? from.seq + 1 == to.seq : to.seq + 1 == from.seq;
+    Stretch stretch{&ring, {}, family.forward, (*family.seen)[number].hasRepeats, false};
+    if (WithinTol(from.pos, to.pos, t_tolerance.eps) && areNeighbours) {
+      stretch.isNothing = true;
+      return stretch;
+    }
+    // A position may have been rounded up to n; that is vertex 0.
+    const std::size_t n = ring.size();
+    const double p1 = from.pos >= static_cast<double>(n) ? 0.0 : from.pos;
+    const double p2 = to.pos >= static_cast<double>(n) ? 0.0 : to.pos;
+    stretch.vertices = family.forward ? ForwardRange(p1, p2, n) : BackwardRange(p1, p2, n);
+    return stretch;
+  }
+
+  static void AppendDistinct(const ZBR_PT& p, std::vector<ZBR_PT>& points) {
+    if (points.empty() || !SamePoint(p, points.back(), t_tolerance.eps2)) points.push_back(p);
+  }
+
+  static void AppendStretch(const ZBR_PT& start, const Stretch& stretch, std::vector<ZBR_PT>& points) {
+    AppendDistinct(start, points);
+    const std::vector<ZBR_PT>& ring = *stretch.ring;
+    const std::size_t n = ring.size();
+    const auto next = [&](std::size_t v) { return stretch.forward ? (v + 1 == n ? 0 : v + 1) : (v == 0 ? n : v) - 1; };
+    std::size_t v = stretch.vertices.first;
+    std::size_t left = stretch.vertices.count;
+    for (; left > 0; --left, v = next(v)) {
+      const std::size_t before = points.size();
+      AppendDistinct(ring[v], points);
+      // From the first vertex appended on, neighbours differ, unless the ring has repeats.
+      if (!stretch.hasRepeats && points.size() > before) {
+        --left;
+        v = next(v);
+        break;
+      }
+    }
+    while (left > 0) {
+      const std::size_t run = std::min(left, stretch.forward ? n - v : v + 1);
+      const auto from = ring.begin() + static_cast<std::ptrdiff_t>(v);
+      if (stretch.forward) {
+        points.insert(points.end(), from, from + static_cast<std::ptrdiff_t>(run));
+      } else {
+        points.insert(points.end(), std::make_reverse_iterator(from + 1),
+                      std::make_reverse_iterator(from + 1 - static_cast<std::ptrdiff_t>(run)));
+      }
+      left -= run;
+      v = stretch.forward ? 0 : n - 1;
+    }
+  }
+
+  const std::vector<ZBR_CROSS>& crosses_;
+  const TracedFamily* families_[2];
+  std::vector<Stretch> stretches_;
+};
+
+}  // namespace
+
+void TracePaths(const std::vector<ZBR_CROSS>& crosses, const PathFinder& paths, const TracedFamily& a, const TracedFamily& b,
+                LoopList& result) {
+  Tracer tracer(crosses, a, b);
+  for (std::size_t k = 0; k < paths.count(); ++k) {
+    std::shared_ptr<ZBR_LOOP> loop = tracer.Build(paths.path(k));
+    if (loop != nullptr) result.push_back(std::move(loop));
+  }
+}
+
+}  // namespace zbr

@@ -1,0 +1,72 @@
+// Signed area of a polygon, and of the part that a chord cuts off its boundary.
+//
+// Both are fans of triangles: from the first vertex, or from the first chord point. Taking differences first keeps the sum exact
+// to the polygon's own size when it lies far from the origin.
+#include <zbr/planar.h>
+
+#include "core/planar_inline.h"
+
+namespace {
+
+// The point at boundary parameter t in [0, n).
+ZBR_PT PointAt(const std::vector<ZBR_PT>& p, double t) {
+  const double whole = std::floor(t);
+  const auto i = static_cast<std::size_t>(whole);
+  const std::size_t j = i + 1 == p.size() ? 0 : i + 1;
+  return p[i] + (p[j] - p[i]) * (t - whole);
+}
+
+// First vertex strictly after parameter t, and last vertex strictly before it, on a ring of n points.
+std::size_t VertexAfter(double t, std::size_t n) {
+  const double up = std::ceil(t);
+  const auto i = static_cast<std::size_t>(up) + (up == t ? 1 : 0);
+  return i == n ? 0 : i;
+}
+
+std::size_t VertexBefore(double t, std::size_t n) {
+  const double down = std::floor(t);
+  const auto i = static_cast<std::size_t>(down);
+  if (down != t) return i;
+  return i == 0 ? n - 1 : i - 1;
+}
+
+}  // namespace
+
+double ZBR_POLYGON::get_area() const {
+  const std::vector<ZBR_PT>& p = points_;
+  if (p.size() < 3) return 0.0;
+  double sum = 0.0;
+  ZBR_PT prev = p[1] - p[0];
+  for (std::size_t i = 2; i < p.size(); ++i) {
+    const ZBR_PT cur = p[i] - p[0];
+    sum += zbr::Cross(prev, cur);
+    prev = cur;
+  }
+  return 0.5 * sum;
+}
+
+double ZBR_POLYGON::get_area(double ta, double tb) const {
+  if (ta == tb) return get_area();
+  if (points_.size() < 3) return 0.0;
+  return get_area(PointAt(points_, ta), PointAt(points_, tb), ta, tb);
+}
+
+double ZBR_POLYGON::get_area(const ZBR_PT& pa, const ZBR_PT& pb, double ta, double tb) const {
+  const std::vector<ZBR_PT>& p = points_;
+  const std::size_t n = p.size();
+  // The end of the last edge may arrive as n (an index plus a parameter rounds up); it is vertex 0.
+  if (ta == static_cast<double>(n)) ta = 0.0;
+  if (tb == static_cast<double>(n)) tb = 0.0;
+  if (ta == tb) return get_area();
+  if (n < 3) return 0.0;
+  if (zbr::WithinTol(ta, tb, zbr::t_tolerance.eps)) return 0.0;
+
+  const std::size_t first = VertexAfter(ta, n);
+  const std::size_t last = VertexBefore(tb, n);
+  const auto next = [n](std::size_t k) { return k + 1 == n ? 0 : k + 1; };
+  if (next(last) == first && (tb == 0.0 || tb > ta)) return 0.0;
+
+  double sum = 0.0;
+  for (std::size_t k = first; k != last; k = next(k)) sum += zbr::Cross(p[k] - pa, p[next(k)] - pa);
+  return 0.5 * (sum + zbr::Cross(p[last] - pa, pb - pa));
+}

@@ -1,0 +1,74 @@
+// Building the hierarchy over the edges of many rings.
+#include "loops/edge_index.h"
+
+#include "core/tolerance_state.h"
+
+namespace zbr {
+
+namespace {
+
+// With fewer rings than this the caller's order is kept: there is little to gain from another.
+constexpr std::size_t kMinRingsToReorder = 8;
+
+// A ring's place for the purpose of ordering: the middle of a few of its points is near enough, and cheaper than its box.
+ZBR_PT RoughCenter(const IndexedRing& ring) {
+  return (ring.points[0] + ring.points[ring.n / 3] + ring.points[2 * ring.n / 3]) / 3.0;
+}
+
+std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
+  std::vector<ZBR_PT> centers(rings.size());
+  for (std::size_t i = 0; i < rings.size(); ++i) centers[i] = RoughCenter(rings[i]);
+  const std::vector<std::uint32_t> order = HilbertOrder(centers);
+  std::vector<IndexedRing> sorted(rings.size());
+  for (std::size_t i = 0; i < rings.size(); ++i) sorted[i] = rings[order[i]];
+  return sorted;
+}
+
+// Grows `box` by the edges from vertex `from` on over `count` edges that do not wrap; whether one is within eps2.
+bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, double eps2, Box& box) {
+  bool repeats = false;
+  ZBR_PT prev = points[from];
+  box.Add(prev);
+  for (std::uint32_t i = from + 1; i <= from + count; ++i) {
+    const ZBR_PT cur = points[i];
+    box.Add(cur);
+    repeats |= cur.Distance2(prev) <= eps2;
+    prev = cur;
+  }
+  return repeats;
+}
+
+}  // namespace
+
+void EdgeIndex::Build(std::vector<IndexedRing> rings, double margin, double eps2) {
+  rings_ = rings.size() < kMinRingsToReorder ? std::move(rings) : AlongCurve(rings);
+  FillLeaves(margin, eps2);
+  tree_.BuildInner();
+}
+
+void EdgeIndex::FillLeaves(double margin, double eps2) {
+  std::size_t total = 0;
+  for (const IndexedRing& ring : rings_) total += (ring.slots + kLeafEdges - 1) / kLeafEdges;
+  leaves_.resize(total);
+  Box* box = tree_.StartLeaves(total).data();
+  Leaf* leaf = leaves_.data();
+  for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+    IndexedRing& ring = rings_[r];
+    for (std::uint32_t first = 0; first < ring.slots; first += kLeafEdges, ++leaf, ++box) {
+      *leaf = {r, first};
+      const std::uint32_t count = std::min(kLeafEdges, ring.slots - first);
+      const std::uint32_t from = ring.Vertex(first);
+      const std::uint32_t straight = std::min(count, ring.n - 1 - from);  // edges before the closing one
+      Box edges;
+      bool repeats = AddEdges(ring.points, from, straight, eps2, edges);
+      if (straight < count) {  // the closing edge and what follows it from vertex 0 on
+        repeats |= ring.points[0].Distance2(ring.points[ring.n - 1]) <= eps2;
+        repeats |= AddEdges(ring.points, 0, count - straight - 1, eps2, edges);
+      }
+      ring.hasRepeats |= repeats;
+      *box = edges.Widened(margin);
+    }
+  }
+}
+
+}  // namespace zbr

@@ -1,0 +1,169 @@
+// Whether one loop lies inside another, decided by samples.
+//
+// Loops that do not cross lie wholly on one side of each other, so one sample off the boundary decides. Vertices come first, then
+// edge midpoints. Loops may also touch at every vertex and midpoint without being equal (where one has extra vertices on the
+// other's edges); then the edges are sampled once more between those vertices, before the two are called coincident.
+#include "loops/include.h"
+
+#include <algorithm>
+
+#include "core/planar_inline.h"
+#include "loops/point_in_loop.h"
+
+namespace zbr {
+
+namespace {
+
+// A linear test touches every point once; building an index costs about as much as this many of them.
+constexpr std::uint32_t kScansBeforeIndex = 12;
+// Below this the linear test is no slower than the indexed one.
+constexpr std::size_t kMinIndexedPoints = 48;
+
+int Verdict(ZBR_POLY_INSIDE at) {
+  return at == ZBR_PI_IN ? 1 : at == ZBR_PI_OUT ? -1 : 0;
+}
+
+// Samples the edge s-e between the vertices of b that lie on it.
+int SampleStretches(const ZBR_PT& s, const ZBR_PT& e, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  scratch.params.clear();
+  b.VerticesOnSegment(s, e, eps, scratch.params);
+  if (scratch.params.empty()) return 0;
+  scratch.params.push_back(1.0);
+  std::sort(scratch.params.begin(), scratch.params.end());
+  double from = 0.0;
+  for (const double to : scratch.params) {
+    const int verdict = Verdict(b.At(s + (e - s) * ((from + to) / 2.0), eps, scratch));
+    if (verdict != 0) return verdict;
+    from = to;
+  }
+  return 0;
+}
+
+}  // namespace
+
+bool LoopProbe::UseIndex() {
+  if (locator_ != nullptr) return true;
+  if (loop_->pt().size() < kMinIndexedPoints || ++scans_ <= kScansBeforeIndex) return false;
+  const std::span<const ZBR_PT> ring(loop_->pt());
+  locator_ = std::make_unique<RingLocator>(std::span(&ring, 1));
+  return true;
+}
+
+ZBR_POLY_INSIDE LoopProbe::At(const ZBR_PT& p, double eps, IncludeScratch& scratch) {
+  const std::span<const ZBR_PT> ring(loop_->pt());
+  if (ring.size() < 3 || IsOutsideBox(p, BoxOf(*loop_), eps)) return ZBR_PI_OUT;
+  if (UseIndex()) return locator_->Locate(p, eps);
+  if (scratch.pos.size() < ring.size()) scratch.pos.resize(ring.size());
+  std::size_t used = 0;
+  return PointInRing(p, ring, eps, scratch.pos.data(), used);
+}
+
+void LoopProbe::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) {
+  if (UseIndex()) {
+    locator_->VerticesOnSegment(a, b, eps, params);
+    return;
+  }
+  for (const ZBR_PT& v : loop_->pt()) {
+    double t = 0.0;
+    if (IsOnSegment(v, a, b, eps * eps, nullptr, &t) && 0.0 < t && t < 1.0) params.push_back(t);
+  }
+}
+
+int SampleInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  const std::vector<ZBR_PT>& points = a.pt();
+  for (const ZBR_PT& v : points) {
+    const int verdict = Verdict(b.At(v, eps, scratch));
+    if (verdict != 0) return verdict;
+  }
+  if (points.empty()) return 0;
+  const ZBR_PT* prev = &points.back();
+  for (const ZBR_PT& v : points) {
+    const int verdict = Verdict(b.At((*prev + v) / 2.0, eps, scratch));
+    if (verdict != 0) return verdict;
+    prev = &v;
+  }
+  prev = &points.back();
+  for (const ZBR_PT& v : points) {
+    const int verdict = SampleStretches(*prev, v, b, eps, scratch);
+    if (verdict != 0) return verdict;
+    prev = &v;
+  }
+  return 0;
+}
+
+bool IsLoopInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  const ZBR_LOOP& o = b.loop();
+  if (!(o.xmin() - eps <= a.xmax() && o.ymin() - eps <= a.ymax() && a.xmin() - eps <= o.xmax() && a.ymin() - eps <= o.ymax())) {
+    return false;
+  }
+  return SampleInside(a, b, eps, scratch) >= 0;
+}
+
+ZBR_POLY_REL LoopRelation(LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  if (a.loop().outof(b.loop(), eps)) return ZBR_PR_APART;
+  const int aInB = SampleInside(a.loop(), b, eps, scratch);
+  if (aInB > 0) return ZBR_PR_A_IN_B;
+  const int bInA = SampleInside(b.loop(), a, eps, scratch);
+  if (bInA > 0) return ZBR_PR_B_IN_A;
+  return aInB == 0 && bInA == 0 ? ZBR_PR_SAME : ZBR_PR_APART;
+}
+
+namespace {
+
+ZBR_POLY_REL Relation(ZBR_LOOP& a, ZBR_LOOP& b) {
+  a.Setup();
+  b.Setup();
+  LoopProbe probeA(a);
+  LoopProbe probeB(b);
+  IncludeScratch scratch;
+  return LoopRelation(probeA, probeB, t_tolerance.eps, scratch);
+}
+
+// a is known to lie inside b: whether it lies in b's material or in (or as) one of its holes.
+ZBR_LOOP_REL RelationToHoles(ZBR_LOOP& a, const ZBR_LOOP& b) {
+  for (const std::shared_ptr<ZBR_LOOP>& hole : b.children()) {
+    const ZBR_POLY_REL rel = Relation(a, *hole);
+    if (rel == ZBR_PR_SAME) return ZBR_LR_SAME_AS_HOLE;
+    if (rel == ZBR_PR_A_IN_B) return ZBR_LR_IN_HOLE;
+  }
+  return ZBR_LR_INSIDE;
+}
+
+}  // namespace
+
+}  // namespace zbr
+
+bool zbrIsInside(ZBR_LOOP& a, ZBR_LOOP& b) {
+  a.Setup();
+  b.Setup();
+  zbr::LoopProbe probe(b);
+  zbr::IncludeScratch scratch;
+  return zbr::IsLoopInside(a, probe, zbr::t_tolerance.eps, scratch);
+}
+
+ZBR_POLY_REL zbrCheckInclude(ZBR_LOOP& a, ZBR_LOOP& b) {
+  return zbr::Relation(a, b);
+}
+
+ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const std::shared_ptr<ZBR_LOOP>& b) {
+  switch (zbr::Relation(*a, *b)) {
+    case ZBR_PR_SAME:
+      return ZBR_LR_SAME;
+    case ZBR_PR_B_IN_A:
+      return ZBR_LR_CONTAINS;
+    case ZBR_PR_APART:
+      return ZBR_LR_OUTSIDE;
+    case ZBR_PR_A_IN_B:
+      break;
+  }
+  return zbr::RelationToHoles(*a, *b);
+}
+
+ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
+  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
+    const ZBR_POLY_REL rel = zbr::Relation(*a, *loop);
+    if (rel == ZBR_PR_SAME) return ZBR_LR_SAME;
+    if (rel == ZBR_PR_A_IN_B) return zbr::RelationToHoles(*a, *loop);
+  }
+  return ZBR_LR_OUTSIDE;
+}

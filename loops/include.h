@@ -1,0 +1,47 @@
+// How one loop lies relative to another, for repeated use against the same loops.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include <zbr/loop.h>
+
+#include "loops/locator.h"
+
+namespace zbr {
+
+// Buffers of the inclusion tests, owned by whoever runs many of them; they only grow.
+struct IncludeScratch {
+  std::vector<ZBR_POS_PT_PT> pos;
+  std::vector<double> params;
+};
+
+// A loop that points are tested against. Large loops get an index once the linear tests on them have cost as much as building it.
+class LoopProbe {
+ public:
+  // The loop must be set up, outlive the probe and keep its points.
+  explicit LoopProbe(const ZBR_LOOP& loop) : loop_(&loop) {}
+
+  const ZBR_LOOP& loop() const { return *loop_; }
+  ZBR_POLY_INSIDE At(const ZBR_PT& p, double eps, IncludeScratch& scratch);
+  // Appends the parameters in (0, 1) at which vertices of this loop lie on the segment a-b.
+  void VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params);
+
+ private:
+  bool UseIndex();
+
+  const ZBR_LOOP* loop_;
+  std::uint32_t scans_ = 0;
+  std::unique_ptr<RingLocator> locator_;
+};
+
+// The first sample of a (vertices, edge midpoints, stretches of edges between vertices of b) that is clearly inside b gives +1, the
+// first that is clearly outside gives -1. 0: all of a lies on b's boundary.
+int SampleInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch);
+
+// zbrIsInside and zbrCheckInclude for two loops.
+bool IsLoopInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch);
+ZBR_POLY_REL LoopRelation(LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
+
+}  // namespace zbr

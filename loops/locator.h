@@ -1,0 +1,37 @@
+// Point location on one ring or on many rings at once, through a box hierarchy over the edges.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include <zbr/loop.h>
+
+#include "loops/edge_index.h"
+
+namespace zbr {
+
+// Answers for a set of rings what PointInRing answers for one; with several rings, inside means an odd number of rings around.
+// The rings' points must outlive the locator.
+class RingLocator {
+ public:
+  // Rings of fewer than three points are left out, as nothing is ever on or in them.
+  explicit RingLocator(std::span<const std::span<const ZBR_PT>> rings);
+
+  ZBR_POLY_INSIDE Locate(const ZBR_PT& p, double eps) const;
+
+  // Appends the parameters in (0, 1) at which vertices of the rings lie on the segment a-b.
+  void VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) const;
+
+ private:
+  struct LineScan;
+
+  bool IsFarBeyondRounding(const ZBR_PT& p, double eps) const;
+  ZBR_POLY_INSIDE ScanRings(const ZBR_PT& p, double eps) const;
+  void ScanLeaf(std::uint32_t leaf, LineScan& scan) const;
+
+  EdgeIndex index_;
+  Box box_;
+  double reach_ = 0.0;  // largest coordinate magnitude: the scale of rounding errors
+};
+
+}  // namespace zbr

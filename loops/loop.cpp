@@ -1,0 +1,169 @@
+// The loop record: cached area and box, copies, and operations on whole forests.
+//
+// Loops may be nested as deep as there are loops, so everything that visits children does so with a stack of its own instead of
+// recursion.
+#include <zbr/loop.h>
+
+#include <algorithm>
+
+#include "loops/point_in_loop.h"
+
+namespace {
+
+using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
+
+// Calls visit(loop) for every loop of the list and its descendants.
+template <class Visit>
+void ForEachLoop(const LoopList& loops, Visit visit) {
+  std::vector<const LoopList*> pending{&loops};
+  while (!pending.empty()) {
+    const LoopList& list = *pending.back();
+    pending.pop_back();
+    for (const std::shared_ptr<ZBR_LOOP>& loop : list) {
+      visit(*loop);
+      if (!loop->children().empty()) pending.push_back(&loop->children());
+    }
+  }
+}
+
+// Appends to `to` deep copies of the loops of `from`. The list to copy is taken by value, a list of pointers: the target may
+// lie among the loops that are read.
+void AppendCopies(LoopList& to, LoopList from) {
+  struct Job {
+    LoopList source;
+    LoopList* target;
+  };
+  std::vector<Job> pending;
+  pending.push_back({std::move(from), &to});
+  while (!pending.empty()) {
+    const Job job = std::move(pending.back());
+    pending.pop_back();
+    job.target->reserve(job.target->size() + job.source.size());
+    for (const std::shared_ptr<ZBR_LOOP>& loop : job.source) {
+      const auto copy = std::make_shared<ZBR_LOOP>();
+      copy->CopyMember(*loop);
+      job.target->push_back(copy);
+      if (!loop->children().empty()) pending.push_back({loop->children(), &copy->children()});
+    }
+  }
+}
+
+}  // namespace
+
+ZBR_LOOP::ZBR_LOOP(const ZBR_LOOP& o) = default;
+
+ZBR_LOOP& ZBR_LOOP::operator=(const ZBR_LOOP& o) {
+  if (this == &o) return *this;
+  const LoopList copied = o.children_;
+  CopyMember(o);
+  AppendCopies(children_, copied);
+  return *this;
+}
+
+ZBR_LOOP::~ZBR_LOOP() {
+  // A loop released here as last owner gives up its children first, so that no destructor calls another through the depth of the
+  // nesting.
+  LoopList pending = std::move(children_);
+  while (!pending.empty()) {
+    const std::shared_ptr<ZBR_LOOP> loop = std::move(pending.back());
+    pending.pop_back();
+    if (loop.use_count() != 1) continue;
+    std::move(loop->children_.begin(), loop->children_.end(), std::back_inserter(pending));
+    loop->children_.clear();
+  }
+}
+
+void ZBR_LOOP::CopyMember(const ZBR_LOOP& o) {
+  if (this == &o) return;
+  pt() = o.pt();
+  level_ = o.level_;
+  setuped_ = o.setuped_;
+  area_ = o.area_;
+  xmax_ = o.xmax_;
+  xmin_ = o.xmin_;
+  ymax_ = o.ymax_;
+  ymin_ = o.ymin_;
+}
+
+void ZBR_LOOP::Setup() {
+  if (setuped_) return;
+  area_ = get_area();
+  const zbr::Box box = zbr::BoundsOf(pt());
+  xmax_ = box.xmax;
+  xmin_ = box.xmin;
+  ymax_ = box.ymax;
+  ymin_ = box.ymin;
+  setuped_ = true;
+}
+
+void ZBR_LOOP::reverse() {
+  std::reverse(pt().begin(), pt().end());
+  area_ = -area_;
+}
+
+bool ZBR_LOOP::outof(const ZBR_LOOP& o, double d) const {
+  return o.xmin_ > xmax_ + d || o.ymin_ > ymax_ + d || xmin_ > o.xmax_ + d || ymin_ > o.ymax_ + d;
+}
+
+void ZBR_LOOP::Offset(const ZBR_PT& v) {
+  const auto translate = [&v](ZBR_LOOP& loop) {
+    for (ZBR_PT& p : loop.pt()) p += v;
+    loop.xmax_ += v.x();
+    loop.xmin_ += v.x();
+    loop.ymax_ += v.y();
+    loop.ymin_ += v.y();
+  };
+  translate(*this);
+  ForEachLoop(children_, translate);
+}
+
+void ZBR_LOOP::Offset(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_PT& v) {
+  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) loop->Offset(v);
+}
+
+ZBR_PT ZBR_LOOP::LinTo(double t) const {
+  const double whole = std::floor(t);
+  const auto i = static_cast<std::size_t>(whole);
+  const std::size_t j = i + 1 == pt().size() ? 0 : i + 1;
+  return pt()[i] + (pt()[j] - pt()[i]) * (t - whole);
+}
+
+double ZBR_LOOP::get_area(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
+  // A sum per list, as if by recursion: a child list is summed up before it is added to the sum of the list it hangs in.
+  struct Partial {
+    const LoopList* list;
+    std::size_t next;
+    double sum;
+  };
+  std::vector<Partial> stack{{&loops, 0, 0.0}};
+  for (;;) {
+    Partial& top = stack.back();
+    if (top.next < top.list->size()) {
+      stack.push_back({&(*top.list)[top.next]->children_, 0, 0.0});
+      continue;
+    }
+    const double sum = top.sum;
+    stack.pop_back();
+    if (stack.empty()) return sum;
+    Partial& up = stack.back();
+    up.sum += (*up.list)[up.next]->area_ + sum;
+    ++up.next;
+  }
+}
+
+void ZBR_LOOP::CopyLoopsPtr(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src) {
+  dst = src;
+}
+
+void ZBR_LOOP::DeepCopyLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src) {
+  const LoopList source = src;
+  dst.clear();
+  AppendCopies(dst, source);
+}
+
+void ZBR_LOOP::AppendTopLoopDup(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_LOOP& o) {
+  auto copy = std::make_shared<ZBR_LOOP>();
+  copy->CopyMember(o);
+  copy->level_ = -1;
+  loops.push_back(std::move(copy));
+}

@@ -1,0 +1,109 @@
+// Turning a flat loop list into a region: outer loops with their holes.
+//
+// Loops are nested largest first, so that a loop finds its containers already in place. The nesting may be any number of levels
+// deep; a region has two. Material and void alternate with depth, so every second level becomes an outer loop of its own: an island
+// in a hole moves to the top, its holes stay with it.
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include <zbr/loop.h>
+
+#include "core/radix_sort.h"
+#include "core/tolerance_state.h"
+#include "loops/nesting.h"
+
+namespace {
+
+using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
+using zbr::kNoParent;
+
+struct SizedLoop {
+  std::uint64_t key;  // descends with the area; areas that are not finite come last
+  std::uint32_t index;
+};
+
+// The bits of a non-negative double ascend with its value, so their complement descends.
+std::uint64_t DescendingKey(double area) {
+  return std::isfinite(area) ? ~std::bit_cast<std::uint64_t>(std::fabs(area)) : ~std::uint64_t{0};
+}
+
+void SortBySize(LoopList& loops) {
+  std::vector<SizedLoop> sized(loops.size());
+  std::vector<SizedLoop> scratch;
+  for (std::uint32_t i = 0; i < loops.size(); ++i) sized[i] = {DescendingKey(loops[i]->area()), i};
+  zbr::RadixSort(sized, scratch, 64, [](const SizedLoop& s) { return s.key; });
+  LoopList sorted(loops.size());
+  for (std::size_t i = 0; i < loops.size(); ++i) sorted[i] = std::move(loops[sized[i].index]);
+  loops = std::move(sorted);
+}
+
+bool IsDegenerate(const ZBR_LOOP& loop, double eps) {
+  return !std::isfinite(loop.area()) || zbr::WithinTol(loop.area(), eps);
+}
+
+// The order of the finished list: loops of even depth, depth by depth, in the order in which their parents' parents stand there.
+// `first` and `next` are the child lists of the forest, kNoParent standing for the end; roots hang on the extra last entry.
+struct Forest {
+  std::vector<std::uint32_t> first;
+  std::vector<std::uint32_t> next;
+
+  explicit Forest(const std::vector<std::uint32_t>& parents)
+      : first(parents.size() + 1, kNoParent), next(parents.size(), kNoParent) {
+    for (std::size_t i = parents.size(); i-- > 0;) {
+      std::uint32_t& head = first[parents[i] == kNoParent ? parents.size() : parents[i]];
+      next[i] = head;
+      head = static_cast<std::uint32_t>(i);
+    }
+  }
+
+  template <class Visit>
+  void ForEachChild(std::size_t parent, Visit visit) const {
+    for (std::uint32_t c = first[parent]; c != kNoParent; c = next[c]) visit(c);
+  }
+
+  std::vector<std::uint32_t> OuterLoops() const {
+    std::vector<std::uint32_t> outer;
+    ForEachChild(next.size(), [&](std::uint32_t root) { outer.push_back(root); });
+    for (std::size_t i = 0; i < outer.size(); ++i) {
+      ForEachChild(outer[i],
+                   [&](std::uint32_t hole) { ForEachChild(hole, [&](std::uint32_t island) { outer.push_back(island); }); });
+    }
+    return outer;
+  }
+};
+
+// Gives the loop its level and the orientation that goes with it.
+void Orient(ZBR_LOOP& loop, int level) {
+  loop.level() = level;
+  const bool isWrong = level == 0 ? loop.area() < 0.0 : loop.area() > 0.0;
+  if (isWrong) loop.reverse();
+}
+
+}  // namespace
+
+void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
+  if (loops.empty()) return;
+  const double eps = zbr::t_tolerance.eps;
+  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
+    loop->Setup();
+    loop->level() = 0;
+  }
+  SortBySize(loops);
+  const auto degenerate = std::find_if(loops.begin(), loops.end(), [eps](const auto& loop) { return IsDegenerate(*loop, eps); });
+  if (degenerate == loops.begin()) return;
+  loops.erase(degenerate, loops.end());
+  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) loop->children().clear();
+
+  const Forest forest(zbr::NestLoops(loops, eps));
+  LoopList outer;
+  for (const std::uint32_t i : forest.OuterLoops()) {
+    Orient(*loops[i], 0);
+    forest.ForEachChild(i, [&](std::uint32_t hole) {
+      Orient(*loops[hole], 1);
+      loops[i]->children().push_back(std::move(loops[hole]));
+    });
+    outer.push_back(std::move(loops[i]));
+  }
+  loops = std::move(outer);
+}
