@@ -4,6 +4,7 @@
 
 #include <zbr/boolean.h>
 
+#include "boolean/cross_clean.h"
 #include "boolean/paths.h"
 #include "boolean/polygons.h"
 #include "boolean/search.h"
@@ -48,7 +49,7 @@ class BooleanWork {
     Family& a = families_[0];
     Family& b = families_[1];
     SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen);
-    zbrOptimizeCross(*a.loops, *b.loops, crosses_, sorted_, true);
+    CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_);
   }
 
   LoopList Combine(ZBR_BOOLEAN_OPE op) {
@@ -96,7 +97,7 @@ class BooleanWork {
   };
 
   void Trace(Directions directions, LoopList& result) {
-    if (!arePathsPrepared_) paths_.Prepare(crosses_, sorted_);
+    if (!arePathsPrepared_) paths_.Prepare(sorted_);
     arePathsPrepared_ = true;
     paths_.Find(directions.forwardA, directions.forwardB);
     TracePaths(crosses_, paths_, families_[0].Traced(directions.forwardA), families_[1].Traced(directions.forwardB), result);
@@ -115,7 +116,7 @@ class BooleanWork {
   }
 
   std::vector<ZBR_CROSS>& crosses_;
-  std::vector<int> sorted_[2];
+  SortedCrossings sorted_;
   Family families_[2];
   PathFinder paths_;
   bool arePathsPrepared_ = false;

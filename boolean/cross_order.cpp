@@ -2,15 +2,15 @@
 //
 // What detection leaves: a vertex of one polygon on a vertex of the other twice, touches as two records of opposite directions, now
 // and then a polygon crossed one way only (a crossing was missed), and crossings at one place whose order positions cannot tell.
-// The tests below clear `valid`; after each the vector is compacted and both sorted lists are thinned out with it. Removing records
-// does not change the order of those that stay, so the lists are sorted once, and only ties are put in order again when `order` was
+// The tests below clear `valid`; after each the vector is compacted and both sorted sides are thinned out with it. Removing records
+// does not change the order of those that stay, so the sides are sorted once, and only ties are put in order again when `order` was
 // settled. Order of the tests: balance first, since a polygon crossed one way only has no partner for the other tests; coincidence
-// before ties, since duplicates are ties that need no order; renumbering last, it names places in the final lists.
+// before ties, since duplicates are ties that need no order; numbering last, it names places in the final lists.
 #include <cmath>
 
 #include <zbr/boolean.h>
 
-#include "boolean/cross_sort.h"
+#include "boolean/cross_clean.h"
 #include "boolean/spot_order.h"
 #include "core/tolerance_state.h"
 
@@ -20,12 +20,12 @@ namespace {
 
 class Cleaner {
  public:
-  Cleaner(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, std::vector<int>* sorted)
-      : families_{&a, &b}, crosses_(crosses), sorted_(sorted) {}
+  Cleaner(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, SortedCrossings& sorted)
+      : families_{&a, &b}, crosses_(crosses), side_(sorted.side) {}
 
   void Sort() {
-    SortAlongSide(crosses_, 0, sorted_[0]);
-    SortAlongSide(crosses_, 1, sorted_[1]);
+    SortAlongSide(crosses_, 0, side_[0]);
+    SortAlongSide(crosses_, 1, side_[1]);
   }
 
   bool DropUnbalanced(int side);
@@ -37,61 +37,62 @@ class Cleaner {
   bool Compact();
   void Clear() {
     crosses_.clear();
-    sorted_[0].clear();
-    sorted_[1].clear();
+    side_[0].clear();
+    side_[1].clear();
   }
   void ResortBoth() {
-    ResortTies(crosses_, 0, sorted_[0]);
-    ResortTies(crosses_, 1, sorted_[1]);
+    ResortTies(crosses_, 0, side_[0]);
+    ResortTies(crosses_, 1, side_[1]);
   }
-  void Renumber() {
-    for (std::size_t k = 0; k < crosses_.size(); ++k) {
-      At(0, k).a.seq = static_cast<int>(k);
-      At(1, k).b.seq = static_cast<int>(k);
-    }
-  }
+  void Number();
 
  private:
-  ZBR_CROSS& At(int side, std::size_t k) { return crosses_[static_cast<std::size_t>(sorted_[side][k])]; }
-  static bool AtSamePlace(const ZBR_CROSS_AB& x, const ZBR_CROSS_AB& y) {
-    return x.loop.value == y.loop.value && std::fabs(x.pos - y.pos) <= t_tolerance.eps;
+  ZBR_CROSS& RecordOf(const PlacedCrossing& p) { return crosses_[static_cast<std::size_t>(p.index)]; }
+  static bool AreCoincident(const PlacedCrossing& x, const PlacedCrossing& y) {
+    return x.loop == y.loop && std::fabs(x.pos - y.pos) <= t_tolerance.eps;
   }
   // The same with the band built around the second position, which may differ in its last bit.
-  static bool AreTied(const ZBR_CROSS_AB& x, const ZBR_CROSS_AB& y) {
-    return x.loop.value == y.loop.value && WithinTol(x.pos, y.pos, t_tolerance.eps);
+  static bool AreTied(const PlacedCrossing& x, const PlacedCrossing& y) {
+    return x.loop == y.loop && WithinTol(x.pos, y.pos, t_tolerance.eps);
   }
 
   const LoopList* families_[2];
   std::vector<ZBR_CROSS>& crosses_;
-  std::vector<int>* sorted_;
-  std::vector<int> newIndex_;
+  std::vector<PlacedCrossing>* side_;
+  std::vector<std::int32_t> renamed_;
+  std::vector<int> spot_;
 };
 
 // A closed boundary goes out as often as it comes in: a polygon crossed one way only has lost a crossing, and keeps none.
 bool Cleaner::DropUnbalanced(int side) {
   bool dropped = false;
-  ForEachPolygonRun(crosses_, side, sorted_[side], [&](std::size_t first, std::size_t last) {
+  const std::vector<PlacedCrossing>& list = side_[side];
+  const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
+  ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
     bool seen[2] = {false, false};
-    for (std::size_t k = first; k < last; ++k) {
-      if (At(side, k).valid) seen[At(side, k).dir == ZBR_CROSS_TO_LEFT ? 0 : 1] = true;
+    for (std::size_t k = first; k < last && !(seen[0] && seen[1]); ++k) {
+      if (RecordOf(list[k]).valid) seen[list[k].dir == ZBR_CROSS_TO_LEFT ? 0 : 1] = true;
     }
     if (seen[0] && seen[1]) return;
-    for (std::size_t k = first; k < last; ++k) At(side, k).valid = false;
+    for (std::size_t k = first; k < last; ++k) RecordOf(list[k]).valid = false;
     dropped = true;
   });
   return dropped;
 }
 
-// Two records at one place of both sides: a passage found twice keeps the first, a touch keeps none. The last entry meets the
-// first, as neighbours do on a ring, but positions are compared as they stand.
+// Two records at one place of both sides: a passage found twice keeps the first, a touch keeps none. The last entry meets the first,
+// as neighbours do on a ring, but positions are compared as they stand.
 bool Cleaner::DropCoincidentAlongA() {
-  const std::size_t n = crosses_.size();
+  const std::vector<PlacedCrossing>& list = side_[0];
+  const std::size_t n = list.size();
   if (n < 2) return false;
   bool dropped = false;
   for (std::size_t k = 0; k < (n == 2 ? 1 : n); ++k) {
-    ZBR_CROSS& p = At(0, k == 0 ? n - 1 : k - 1);
-    ZBR_CROSS& c = At(0, k);
-    if (!p.valid || !c.valid || !AtSamePlace(p.a, c.a) || !AtSamePlace(p.b, c.b)) continue;
+    const PlacedCrossing& before = list[k == 0 ? n - 1 : k - 1];
+    if (!AreCoincident(before, list[k])) continue;
+    ZBR_CROSS& p = RecordOf(before);
+    ZBR_CROSS& c = RecordOf(list[k]);
+    if (!p.valid || !c.valid || p.b.loop.value != c.b.loop.value || !(std::fabs(p.b.pos - c.b.pos) <= t_tolerance.eps)) continue;
     c.valid = false;
     if (p.dir != c.dir) p.valid = false;
     dropped = true;
@@ -101,11 +102,13 @@ bool Cleaner::DropCoincidentAlongA() {
 
 // An open polyline of B that meets A twice at one place of its own, in opposite directions, only touches.
 bool Cleaner::DropTouchesAlongB() {
+  const std::vector<PlacedCrossing>& list = side_[1];
   bool found = false;
-  for (std::size_t k = 1; k < crosses_.size(); ++k) {
-    ZBR_CROSS& p = At(1, k - 1);
-    ZBR_CROSS& c = At(1, k);
-    if (!p.valid || !c.valid || !AtSamePlace(p.b, c.b)) continue;
+  for (std::size_t k = 1; k < list.size(); ++k) {
+    if (!AreCoincident(list[k - 1], list[k])) continue;
+    ZBR_CROSS& p = RecordOf(list[k - 1]);
+    ZBR_CROSS& c = RecordOf(list[k]);
+    if (!p.valid || !c.valid) continue;
     found = true;
     if (p.dir == c.dir) continue;
     p.valid = false;
@@ -116,13 +119,14 @@ bool Cleaner::DropTouchesAlongB() {
 
 bool Cleaner::OrderTies(int side) {
   bool found = false;
-  const std::vector<int>& list = sorted_[side];
+  const std::vector<PlacedCrossing>& list = side_[side];
   for (std::size_t first = 0; first < list.size();) {
     std::size_t last = first + 1;
-    while (last < list.size() && AreTied(Side(At(side, last - 1), side), Side(At(side, last), side))) ++last;
+    while (last < list.size() && AreTied(list[last - 1], list[last])) ++last;
     if (last - first > 1) {
-      const std::span<const int> spot(list.data() + first, last - first);
-      found |= OrderSpot(crosses_, spot, side, *families_[side], *families_[1 - side]);
+      spot_.clear();
+      for (std::size_t k = first; k < last; ++k) spot_.push_back(list[k].index);
+      found |= OrderSpot(crosses_, spot_, side, *families_[side], *families_[1 - side]);
     }
     first = last;
   }
@@ -130,12 +134,12 @@ bool Cleaner::OrderTies(int side) {
 }
 
 bool Cleaner::Compact() {
-  constexpr int kRemoved = -1;
-  newIndex_.assign(crosses_.size(), kRemoved);
+  constexpr std::int32_t kRemoved = -1;
+  renamed_.assign(crosses_.size(), kRemoved);
   std::size_t kept = 0;
   for (std::size_t i = 0; i < crosses_.size(); ++i) {
     if (!crosses_[i].valid) continue;
-    newIndex_[i] = static_cast<int>(kept);
+    renamed_[i] = static_cast<std::int32_t>(kept);
     if (kept != i) crosses_[kept] = crosses_[i];
     crosses_[kept].index = static_cast<int>(kept);
     ++kept;
@@ -147,24 +151,36 @@ bool Cleaner::Compact() {
   if (kept == crosses_.size()) return true;
   crosses_.resize(kept);
   for (int side = 0; side < 2; ++side) {
-    std::vector<int>& list = sorted_[side];
+    std::vector<PlacedCrossing>& list = side_[side];
     std::size_t out = 0;
-    for (const int i : list) {
-      const int renamed = newIndex_[static_cast<std::size_t>(i)];
-      if (renamed != kRemoved) list[out++] = renamed;
+    for (PlacedCrossing p : list) {
+      p.index = renamed_[static_cast<std::size_t>(p.index)];
+      if (p.index != kRemoved) list[out++] = p;
     }
     list.resize(out);
   }
   return true;
 }
 
+void Cleaner::Number() {
+  // By way of a small array per side: a record is written once, and records are written in their own order.
+  std::vector<std::int32_t>& seqA = renamed_;
+  std::vector<std::int32_t> seqB(crosses_.size());
+  seqA.resize(crosses_.size());
+  for (std::size_t k = 0; k < crosses_.size(); ++k) {
+    seqA[static_cast<std::size_t>(side_[0][k].index)] = static_cast<std::int32_t>(k);
+    seqB[static_cast<std::size_t>(side_[1][k].index)] = static_cast<std::int32_t>(k);
+  }
+  for (std::size_t i = 0; i < crosses_.size(); ++i) {
+    crosses_[i].a.seq = seqA[i];
+    crosses_[i].b.seq = seqB[i];
+  }
+}
+
 }  // namespace
 
-}  // namespace zbr
-
-void zbrOptimizeCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
-                      std::vector<ZBR_CROSS>& crosses, std::vector<int>* sorted, bool bothClosed) {
-  zbr::Cleaner cleaner(A, B, crosses, sorted);
+void CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed, SortedCrossings& sorted) {
+  Cleaner cleaner(a, b, crosses, sorted);
   if (bothClosed && crosses.size() < 2) return cleaner.Clear();
   cleaner.Sort();
   if (bothClosed) {
@@ -174,23 +190,35 @@ void zbrOptimizeCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std
   }
   if (cleaner.DropCoincidentAlongA() && !cleaner.Compact()) return;
   if (!bothClosed && cleaner.DropTouchesAlongB() && !cleaner.Compact()) return;
-  cleaner.Renumber();
   for (int side = 0; side < (bothClosed ? 2 : 1); ++side) {
     if (!cleaner.OrderTies(side)) continue;
     if (!cleaner.Compact()) return;
     cleaner.ResortBoth();
-    cleaner.Renumber();
+  }
+  cleaner.Number();
+}
+
+}  // namespace zbr
+
+void zbrOptimizeCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
+                      std::vector<ZBR_CROSS>& crosses, std::vector<int>* sorted, bool bothClosed) {
+  zbr::SortedCrossings ordered;
+  zbr::CleanCrossings(A, B, crosses, bothClosed, ordered);
+  for (int side = 0; side < 2; ++side) {
+    sorted[side].clear();
+    for (const zbr::PlacedCrossing& p : ordered.side[side]) sorted[side].push_back(p.index);
   }
 }
 
 void zbrSetFollowingCrossDone(std::vector<ZBR_CROSS>& crosses, int side, const std::vector<int>& sorted, ZBR_CROSS_DIR dir,
                               bool forward) {
   if (crosses.size() < 2) return;
-  zbr::ForEachPolygonRun(crosses, side, sorted, [&](std::size_t first, std::size_t last) {
+  const auto recordAt = [&](std::size_t k) -> ZBR_CROSS& { return crosses[static_cast<std::size_t>(sorted[k])]; };
+  const auto loopAt = [&](std::size_t k) { return zbr::Side(recordAt(k), side).loop.value; };
+  zbr::ForEachPolygonRun(sorted.size(), loopAt, [&](std::size_t first, std::size_t last) {
     for (std::size_t k = first; k < last; ++k) {
       const std::size_t before = forward ? (k == first ? last : k) - 1 : (k + 1 == last ? first : k + 1);
-      ZBR_CROSS& c = crosses[static_cast<std::size_t>(sorted[k])];
-      if (c.dir == dir && crosses[static_cast<std::size_t>(sorted[before])].dir == dir) c.done = true;
+      if (recordAt(k).dir == dir && recordAt(before).dir == dir) recordAt(k).done = true;
     }
   });
 }

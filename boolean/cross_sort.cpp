@@ -6,9 +6,6 @@
 #include "boolean/cross_sort.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
-#include <numeric>
 
 #include "core/radix_sort.h"
 
@@ -28,20 +25,14 @@ namespace zbr {
 
 namespace {
 
-// What the sort needs of a crossing, close together.
-struct Entry {
-  std::uint64_t loop;  // the packed key, biased so that unsigned order is its order
-  double pos;
-  std::uint32_t edge;  // floor(pos)
-  int index;
-};
-
-void SortOneEdge(std::vector<Entry>& entries, std::size_t first, std::size_t last, const ZBR_CROSS_SORT_FUNCTOR& less) {
-  const auto before = [&less](const Entry& x, const Entry& y) { return x.pos != y.pos ? x.pos < y.pos : less(x.index, y.index); };
-  const auto begin = entries.begin() + static_cast<std::ptrdiff_t>(first);
-  const auto end = entries.begin() + static_cast<std::ptrdiff_t>(last);
+void SortOneEdge(std::vector<PlacedCrossing>& placed, std::size_t first, std::size_t last, const ZBR_CROSS_SORT_FUNCTOR& less) {
+  const auto before = [&less](const PlacedCrossing& x, const PlacedCrossing& y) {
+    return x.pos != y.pos ? x.pos < y.pos : less(x.index, y.index);
+  };
+  const auto begin = placed.begin() + static_cast<std::ptrdiff_t>(first);
+  const auto end = placed.begin() + static_cast<std::ptrdiff_t>(last);
   if (std::is_sorted(begin, end, before)) return;
-  const auto isNotDescending = [&](const Entry& x, const Entry& y) { return !before(y, x); };
+  const auto isNotDescending = [&](const PlacedCrossing& x, const PlacedCrossing& y) { return !before(y, x); };
   if (std::adjacent_find(begin, end, isNotDescending) == end) {
     std::reverse(begin, end);
   } else {
@@ -50,53 +41,49 @@ void SortOneEdge(std::vector<Entry>& entries, std::size_t first, std::size_t las
 }
 
 // Positions that name an edge; anything else (a caller's own records) is sorted by comparing alone.
-bool HasEdge(double pos) {
-  return pos >= 0.0 && pos < 4294967295.0;
-}
+bool HasEdge(double pos) { return pos >= 0.0 && pos < 4294967295.0; }
+std::uint32_t EdgeOf(const PlacedCrossing& p) { return static_cast<std::uint32_t>(p.pos); }
+// Biased so that unsigned order is the order of the signed keys.
+std::uint64_t LoopKey(const PlacedCrossing& p) { return static_cast<std::uint64_t>(p.loop) ^ (std::uint64_t{1} << 63U); }
 
 }  // namespace
 
-void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<int>& sorted) {
+void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed) {
   const ZBR_CROSS_SORT_FUNCTOR less(crosses, side, 1 - side);
-  sorted.resize(crosses.size());
-  std::iota(sorted.begin(), sorted.end(), 0);
-  if (!std::all_of(crosses.begin(), crosses.end(), [side](const ZBR_CROSS& c) { return HasEdge(Side(c, side).pos); })) {
-    std::stable_sort(sorted.begin(), sorted.end(), less);
-    return;
-  }
-
-  std::vector<Entry> entries(crosses.size());
+  placed.resize(crosses.size());
+  bool haveEdges = true;
   for (std::size_t i = 0; i < crosses.size(); ++i) {
     const ZBR_CROSS_AB& at = Side(crosses[i], side);
-    entries[i] = {static_cast<std::uint64_t>(at.loop.value) ^ (std::uint64_t{1} << 63U), at.pos, static_cast<std::uint32_t>(at.pos),
-                  static_cast<int>(i)};
+    placed[i] = {at.loop.value, at.pos, static_cast<std::int32_t>(i), crosses[i].dir};
+    haveEdges &= HasEdge(at.pos);
   }
-  const auto byEdge = [](const Entry& x, const Entry& y) { return x.loop != y.loop ? x.loop < y.loop : x.edge < y.edge; };
-  if (!std::is_sorted(entries.begin(), entries.end(), byEdge)) {
-    std::vector<Entry> scratch;
-    RadixSort(entries, scratch, 32, [](const Entry& e) { return e.edge; });
-    RadixSort(entries, scratch, 64, [](const Entry& e) { return e.loop; });
+  if (!haveEdges) {
+    std::stable_sort(placed.begin(), placed.end(), [&less](const PlacedCrossing& x, const PlacedCrossing& y) { return less(x.index, y.index); });
+    return;
   }
-  for (std::size_t first = 0; first < entries.size();) {
+  const auto byEdge = [](const PlacedCrossing& x, const PlacedCrossing& y) {
+    return x.loop != y.loop ? x.loop < y.loop : EdgeOf(x) < EdgeOf(y);
+  };
+  if (!std::is_sorted(placed.begin(), placed.end(), byEdge)) {
+    std::vector<PlacedCrossing> scratch;
+    RadixSort(placed, scratch, EdgeOf);
+    RadixSort(placed, scratch, LoopKey);
+  }
+  for (std::size_t first = 0; first < placed.size();) {
     std::size_t last = first + 1;
-    while (last < entries.size() && !byEdge(entries[first], entries[last])) ++last;
-    if (last - first > 1) SortOneEdge(entries, first, last, less);
+    while (last < placed.size() && !byEdge(placed[first], placed[last])) ++last;
+    if (last - first > 1) SortOneEdge(placed, first, last, less);
     first = last;
   }
-  for (std::size_t i = 0; i < entries.size(); ++i) sorted[i] = entries[i].index;
 }
 
-void ResortTies(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<int>& sorted) {
-  const auto same = [&](int i, int j) {
-    const ZBR_CROSS_AB& x = Side(crosses[static_cast<std::size_t>(i)], side);
-    const ZBR_CROSS_AB& y = Side(crosses[static_cast<std::size_t>(j)], side);
-    return x.loop.value == y.loop.value && x.pos == y.pos;
-  };
+void ResortTies(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed) {
   const ZBR_CROSS_SORT_FUNCTOR less(crosses, side, 1 - side);
-  for (auto first = sorted.begin(); first != sorted.end();) {
+  const auto before = [&less](const PlacedCrossing& x, const PlacedCrossing& y) { return less(x.index, y.index); };
+  for (auto first = placed.begin(); first != placed.end();) {
     auto last = first + 1;
-    while (last != sorted.end() && same(*first, *last)) ++last;
-    if (last - first > 1) std::stable_sort(first, last, less);
+    while (last != placed.end() && last->loop == first->loop && last->pos == first->pos) ++last;
+    if (last - first > 1) std::stable_sort(first, last, before);
     first = last;
   }
 }

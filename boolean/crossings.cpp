@@ -11,6 +11,7 @@
 // on B a contact with a vertex is recorded at the last point of its run, so that the records of arriving and leaving meet.
 #include <algorithm>
 #include <numeric>
+#include <tuple>
 #include <unordered_map>
 
 #include <zbr/boolean.h>
@@ -187,21 +188,44 @@ class CrossingSearch {
     out_.reserve(std::clamp(static_cast<std::size_t>(std::min(expected, 1e15)), doubled, most));
   }
 
+  // The records of one polygon of A lie together. They are brought into list order polygon by polygon, each sorted by B, corner and
+  // edge; where a loop of A has several polygons, loops of B come before them in the order and are sorted by last.
   void PutInOrder(std::size_t before) {
-    const auto comesBefore = [&](const Rank& x, const Rank& y) {
-      const ZBR_CROSS_LOOP xa = a_[x.a].key, ya = a_[y.a].key, xb = b_[x.b].key, yb = b_[y.b].key;
-      if (xa.loop() != ya.loop()) return xa.loop() < ya.loop();
-      if (xb.loop() != yb.loop()) return xb.loop() < yb.loop();
-      if (x.a != y.a) return x.a < y.a;
-      if (x.b != y.b) return x.b < y.b;
-      return x.corner != y.corner ? x.corner < y.corner : x.edge < y.edge;
+    const auto byPlace = [this](std::uint32_t i, std::uint32_t j) {
+      const Rank& x = ranks_[i];
+      const Rank& y = ranks_[j];
+      return std::tie(x.b, x.corner, x.edge) < std::tie(y.b, y.corner, y.edge);
     };
-    if (std::is_sorted(ranks_.begin(), ranks_.end(), comesBefore)) return;
+    std::vector<std::uint32_t> first(a_.size() + 1, 0);  // of each polygon's records in the final order
+    for (const Rank& rank : ranks_) ++first[rank.a + 1];
+    std::partial_sum(first.begin(), first.end(), first.begin());
     std::vector<std::uint32_t> order(ranks_.size());
-    std::iota(order.begin(), order.end(), 0U);
-    std::sort(order.begin(), order.end(), [&](std::uint32_t i, std::uint32_t j) { return comesBefore(ranks_[i], ranks_[j]); });
+    for (std::uint32_t i = 0; i < ranks_.size();) {
+      const std::uint32_t a = ranks_[i].a;
+      const auto begin = order.begin() + first[a];
+      const auto end = order.begin() + first[a + 1];
+      std::iota(begin, end, i);
+      if (!std::is_sorted(begin, end, byPlace)) std::sort(begin, end, byPlace);
+      i += first[a + 1] - first[a];
+    }
+    SortByLoopOfB(first, order);
+    if (std::is_sorted(order.begin(), order.end())) return;
     const std::vector<ZBR_CROSS> found(out_.begin() + static_cast<std::ptrdiff_t>(before), out_.end());
     for (std::size_t i = 0; i < order.size(); ++i) out_[before + i] = found[order[i]];
+  }
+
+  void SortByLoopOfB(const std::vector<std::uint32_t>& first, std::vector<std::uint32_t>& order) const {
+    const auto byLoop = [this](std::uint32_t i, std::uint32_t j) {
+      return b_[ranks_[i].b].key.loop() < b_[ranks_[j].b].key.loop();
+    };
+    for (std::size_t a = 0; a < a_.size();) {
+      std::size_t next = a + 1;
+      while (next < a_.size() && a_[next].key.loop() == a_[a].key.loop()) ++next;
+      const auto begin = order.begin() + first[a];
+      const auto end = order.begin() + first[next];
+      if (next - a > 1 && !std::is_sorted(begin, end, byLoop)) std::stable_sort(begin, end, byLoop);
+      a = next;
+    }
   }
 
   const std::vector<Polygon>& a_;

@@ -7,18 +7,17 @@
 // links that are shortened as they are followed, so that finding all paths is linear but for a factor nobody can measure.
 #include "boolean/paths.h"
 
-#include "boolean/cross_sort.h"
-
 namespace zbr {
 
-void CrossingRing::Build(const std::vector<ZBR_CROSS>& crosses, int side, const std::vector<int>& sorted) {
+void CrossingRing::Build(const std::vector<PlacedCrossing>& sorted) {
   at.resize(sorted.size());
   seq.resize(sorted.size());
   run.resize(sorted.size());
   runs.clear();
-  ForEachPolygonRun(crosses, side, sorted, [&](std::size_t first, std::size_t last) {
+  const auto loopAt = [&sorted](std::size_t k) { return sorted[k].loop; };
+  ForEachPolygonRun(sorted.size(), loopAt, [&](std::size_t first, std::size_t last) {
     for (std::size_t k = first; k < last; ++k) {
-      at[k] = static_cast<std::uint32_t>(sorted[k]);
+      at[k] = static_cast<std::uint32_t>(sorted[k].index);
       seq[at[k]] = static_cast<std::uint32_t>(k);
       run[k] = static_cast<std::uint32_t>(runs.size());
     }
@@ -26,11 +25,11 @@ void CrossingRing::Build(const std::vector<ZBR_CROSS>& crosses, int side, const 
   });
 }
 
-void PathFinder::Prepare(const std::vector<ZBR_CROSS>& crosses, const std::vector<int>* sorted) {
-  for (int side = 0; side < 2; ++side) rings_[side].Build(crosses, side, sorted[side]);
-  goesLeft_.resize(crosses.size());
-  for (std::size_t i = 0; i < crosses.size(); ++i) goesLeft_[i] = crosses[i].dir == ZBR_CROSS_TO_LEFT;
-  done_.assign(crosses.size(), 0);
+void PathFinder::Prepare(const SortedCrossings& sorted) {
+  for (int side = 0; side < 2; ++side) rings_[side].Build(sorted.side[side]);
+  goesLeft_.resize(sorted.side[0].size());
+  for (const PlacedCrossing& p : sorted.side[0]) goesLeft_[static_cast<std::size_t>(p.index)] = p.dir == ZBR_CROSS_TO_LEFT;
+  done_.assign(goesLeft_.size(), 0);
 }
 
 void PathFinder::Walk::Start(const CrossingRing& sorted, bool walksForward, const std::vector<std::uint8_t>& taken) {

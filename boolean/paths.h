@@ -7,6 +7,8 @@
 
 #include <zbr/boolean.h>
 
+#include "boolean/cross_clean.h"
+
 namespace zbr {
 
 // The sorted crossings of both sides in the compact form that the walks use; made once per Boolean, shared by its operations.
@@ -20,13 +22,13 @@ struct CrossingRing {
   std::vector<std::uint32_t> run;  // run of each place
   std::vector<Run> runs;           // places on one polygon
 
-  void Build(const std::vector<ZBR_CROSS>& crosses, int side, const std::vector<int>& sorted);
+  void Build(const std::vector<PlacedCrossing>& sorted);
 };
 
 // Chains crossings into closed paths. A path alternates a stretch along A (from a crossing that goes to the left) and one along B.
 class PathFinder {
  public:
-  void Prepare(const std::vector<ZBR_CROSS>& crosses, const std::vector<int>* sorted);
+  void Prepare(const SortedCrossings& sorted);
 
   // Finds the closed paths that walk A forward or backward and B forward or backward. Starts from scratch.
   void Find(bool forwardA, bool forwardB);

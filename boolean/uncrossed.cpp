@@ -95,7 +95,7 @@ class Relater {
   IncludeScratch scratch_;
 };
 
-// Polygons put into a hierarchy along a Hilbert curve.
+// Polygons put into a hierarchy along a space-filling curve.
 struct OrderedPolygons {
   std::vector<std::uint32_t> number;  // of each leaf
   BoxTree tree;
@@ -106,7 +106,7 @@ struct OrderedPolygons {
     for (const std::uint32_t i : chosen) places.push_back((**polygons[i].loop).pt().front());
     const std::span<Box> leaves = tree.StartLeaves(chosen.size());
     std::size_t leaf = 0;
-    for (const std::uint32_t i : HilbertOrder(places)) {
+    for (const std::uint32_t i : SpatialOrder(places)) {
       number.push_back(chosen[i]);
       leaves[leaf++] = boxOf(**polygons[chosen[i]].loop);
     }

@@ -1,4 +1,4 @@
-// Building box hierarchies, the inner steps of their join, and the order along a Hilbert curve.
+// Building box hierarchies, the inner steps of their join, and the order along a space-filling curve.
 #include "core/box_tree.h"
 
 #include "core/radix_sort.h"
@@ -61,26 +61,15 @@ BoxJoin::Frame BoxJoin::Split(const Box& box, const Frame& nodes) {
 
 namespace {
 
-constexpr double kHilbertCells = 65535.0;
-constexpr int kHilbertBits = 16;  // per axis: cells of 1/65536 of the extent, codes of 32 bits
+constexpr double kCells = 65535.0;  // per axis
 
-std::uint32_t HilbertCode(std::uint32_t x, std::uint32_t y) {
-  // Walks down the quadrants, turning the coordinates so that every quadrant is visited like the first (Hilbert 1891; the
-  // iterative form is folklore).
-  std::uint32_t code = 0;
-  for (std::uint32_t half = 1U << (kHilbertBits - 1); half > 0; half >>= 1U) {
-    const std::uint32_t rx = (x & half) != 0 ? 1 : 0;
-    const std::uint32_t ry = (y & half) != 0 ? 1 : 0;
-    code += half * half * ((3 * rx) ^ ry);
-    if (ry == 0) {
-      if (rx == 1) {
-        x = ~x;
-        y = ~y;
-      }
-      std::swap(x, y);
-    }
-  }
-  return code;
+// Spreads the low 16 bits to the even places.
+std::uint32_t Spread(std::uint32_t x) {
+  x = (x | x << 8U) & 0x00ff00ffU;
+  x = (x | x << 4U) & 0x0f0f0f0fU;
+  x = (x | x << 2U) & 0x33333333U;
+  x = (x | x << 1U) & 0x55555555U;
+  return x;
 }
 
 struct CodedIndex {
@@ -90,23 +79,23 @@ struct CodedIndex {
 
 }  // namespace
 
-std::vector<std::uint32_t> HilbertOrder(std::span<const ZBR_PT> centers) {
+std::vector<std::uint32_t> SpatialOrder(std::span<const ZBR_PT> centers) {
   Box extent;
   for (const ZBR_PT& c : centers) extent.Add(c);
   const double size = std::max(extent.xmax - extent.xmin, extent.ymax - extent.ymin);
-  const double scale = size > 0.0 && size < std::numeric_limits<double>::infinity() ? kHilbertCells / size : 0.0;
+  const double scale = size > 0.0 && size < std::numeric_limits<double>::infinity() ? kCells / size : 0.0;
 
   const auto cell = [scale](double offset) {
     const double c = offset * scale;
-    return c > 0.0 ? static_cast<std::uint32_t>(std::min(c, kHilbertCells)) : 0;  // NaN goes to 0 as well
+    return c > 0.0 ? static_cast<std::uint32_t>(std::min(c, kCells)) : 0;  // NaN goes to 0 as well
   };
 
   std::vector<CodedIndex> coded(centers.size());
   for (std::uint32_t i = 0; i < centers.size(); ++i) {
-    coded[i] = {HilbertCode(cell(centers[i].x() - extent.xmin), cell(centers[i].y() - extent.ymin)), i};
+    coded[i] = {Spread(cell(centers[i].x() - extent.xmin)) | Spread(cell(centers[i].y() - extent.ymin)) << 1U, i};
   }
   std::vector<CodedIndex> scratch;
-  RadixSort(coded, scratch, 2 * kHilbertBits, [](const CodedIndex& c) { return c.code; });
+  RadixSort(coded, scratch, [](const CodedIndex& c) { return c.code; });
 
   std::vector<std::uint32_t> order(centers.size());
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = coded[i].index;

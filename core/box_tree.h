@@ -2,7 +2,7 @@
 //
 // Idea: four neighbours of the sequence share a parent box, four parents a grandparent, and so on: no pointers, levels as flat
 // arrays, built in one pass. It is as good as the sequence is coherent in space. The edges of a ring are so by nature; rings and
-// points are first put in the order of a space-filling curve (HilbertOrder).
+// points are first put in the order of a space-filling curve (SpatialOrder).
 // The join walks two hierarchies against each other and reports, for each leaf of the first in sequence order, the leaves of the
 // second whose boxes overlap it, in sequence order too. Callers that need pairs in a given order get them so without sorting.
 #pragma once
@@ -129,7 +129,8 @@ class BoxJoin {
   std::size_t top_ = 1;
 };
 
-// The indices 0..n-1 in the order in which a Hilbert curve through `centers` meets them.
-std::vector<std::uint32_t> HilbertOrder(std::span<const ZBR_PT> centers);
+// The indices 0..n-1 in the order of a Z-curve through `centers` (Morton 1966): neighbours in it are mostly neighbours in the plane.
+// Linear.
+std::vector<std::uint32_t> SpatialOrder(std::span<const ZBR_PT> centers);
 
 }  // namespace zbr

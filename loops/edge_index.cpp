@@ -18,7 +18,7 @@ ZBR_PT RoughCenter(const IndexedRing& ring) {
 std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
   std::vector<ZBR_PT> centers(rings.size());
   for (std::size_t i = 0; i < rings.size(); ++i) centers[i] = RoughCenter(rings[i]);
-  const std::vector<std::uint32_t> order = HilbertOrder(centers);
+  const std::vector<std::uint32_t> order = SpatialOrder(centers);
   std::vector<IndexedRing> sorted(rings.size());
   for (std::size_t i = 0; i < rings.size(); ++i) sorted[i] = rings[order[i]];
   return sorted;

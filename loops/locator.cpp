@@ -1,12 +1,12 @@
 // Point location in logarithmic time, with the answers of the linear test.
 //
-// Idea: one line through the point is followed down the hierarchy. The leaves it passes hold every edge that can count for a ray
-// along it, every vertex it can graze, and every vertex and edge the point can be on, since the line runs through the point.
+// Idea: a ray from the point is followed down the hierarchy. The leaves it passes hold every edge that can count for it, every vertex it
+// can graze, and every vertex and edge that the point can be on, since the ray starts there.
 // Why the answer is the same: on-vertex and on-edge are decided by the same tests on the same edges. For inside and outside the
-// linear test chooses its quadrant by counting vertices; here both rays of each line are judged, in whichever order. The choice
-// cannot matter: a ray counts only if it stays clear of every vertex, and then its parity is the ring's. That rests on
-// rounding errors being far smaller than eps; where coordinates are too large for that, the rings are scanned linearly.
-// The verdict "unknown" takes all rays of all quadrants being abandoned, which is the same set of rays in any order.
+// linear test chooses its quadrant by counting vertices; here the quadrant with the nearest way out is taken, where fewest edges are
+// met. The choice cannot matter: a ray counts only if it stays clear of every vertex, and then its parity is the ring's. That rests
+// on rounding errors being far smaller than eps; where coordinates are too large for that, the rings are scanned linearly.
+// The verdict "unknown" takes the rays of all slopes in all quadrants being abandoned: the same set of rays in any order.
 #include "loops/locator.h"
 
 #include <cmath>
@@ -25,60 +25,63 @@ constexpr double kOffsetErrorUnits = 8.0;
 // Linear scanning starts where that error comes within this factor of eps.
 constexpr double kSafety = 4.0;
 
+int QuadrantOfNearestExit(const ZBR_PT& p, const Box& box) {
+  const bool right = box.xmax - p.x() <= p.x() - box.xmin;
+  const bool up = box.ymax - p.y() <= p.y() - box.ymin;
+  return up ? (right ? 0 : 1) : (right ? 3 : 2);
+}
+
 bool IsFinite(std::span<const ZBR_PT> ring) {
   return std::all_of(ring.begin(), ring.end(), [](const ZBR_PT& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); });
 }
 
 }  // namespace
 
-// One line through the point: what its two rays have met so far.
-struct RingLocator::LineScan {
+// One ray from the point: what it has met so far.
+struct RingLocator::RayScan {
   ZBR_PT p;
   double eps;
   double rayEps;
+  int quadrant;
   double slope;
-  double offset;  // of the line: y = slope * x + offset
-  int quadrants[2];
-  bool grazed[2] = {false, false};
-  bool odd[2] = {false, false};
+  double offset;  // of the ray's line: y = slope * x + offset
+  bool grazed = false;
+  bool odd = false;
   bool onEdge = false;
   bool onVertex = false;
 
-  LineScan(const ZBR_PT& point, double tolerance, double s)
+  RayScan(const ZBR_PT& point, double tolerance, int q, double steepness)
       : p(point),
         eps(tolerance),
         rayEps(std::fabs(tolerance * kRayEpsScale)),
-        slope(s),
-        offset(point.y() - s * point.x()),
-        quadrants{s > 0.0 ? 0 : 3, s > 0.0 ? 2 : 1} {}
+        quadrant(q),
+        slope(QuadrantX(q) == QuadrantY(q) ? steepness : -steepness),
+        offset(point.y() - slope * point.x()) {}
 
   double OffsetOf(const ZBR_PT& v) const { return v.y() - slope * v.x() - offset; }
 
-  // Whether the line, widened by `margin`, meets the box.
+  // Whether the ray, widened by `margin`, meets the box.
   bool Meets(const Box& b, double margin) const {
+    const bool right = QuadrantX(quadrant) > 0;
+    const bool up = QuadrantY(quadrant) > 0;
     const double x0 = slope > 0.0 ? b.xmin : b.xmax;
     const double x1 = slope > 0.0 ? b.xmax : b.xmin;
-    return (b.ymax - slope * x0 - offset >= -margin) & (b.ymin - slope * x1 - offset <= margin);
+    return ((right ? b.xmax - p.x() : p.x() - b.xmin) >= -margin) & ((up ? b.ymax - p.y() : p.y() - b.ymin) >= -margin) &
+           (b.ymax - slope * x0 - offset >= -margin) & (b.ymin - slope * x1 - offset <= margin);
   }
 
   void Edge(const ZBR_PT& u, const ZBR_PT& v) {
     const ZBR_POS_PT_PT pu = PositionOf(u, p, eps);
     const ZBR_POS_PT_PT pv = PositionOf(v, p, eps);
     if (pv.xPos == 0 && pv.yPos == 0) onVertex = true;
+    if (IsBehindQuadrant(pu, pv, quadrant)) return;
     if (!onEdge && !IsBesidePoint(pu, pv)) onEdge = IsOnSegment(p, u, v, eps * eps, nullptr, nullptr);
     const double h0 = OffsetOf(u);
     const double h1 = OffsetOf(v);
-    const bool grazes = WithinTol(h0, rayEps) || WithinTol(h1, rayEps);
-    if (!grazes && (h0 > 0.0) == (h1 > 0.0)) return;
-    for (int side = 0; side < 2; ++side) {
-      if (IsBehindQuadrant(pu, pv, quadrants[side])) continue;
-      if (grazes) {
-        grazed[side] = true;
-        continue;
-      }
-      const double x = u.x() + h0 / (h0 - h1) * (v.x() - u.x());
-      if (QuadrantX(quadrants[side]) > 0 ? x - rayEps > p.x() : p.x() - rayEps > x) odd[side] = !odd[side];
-    }
+    grazed |= WithinTol(h0, rayEps) || WithinTol(h1, rayEps);
+    if ((h0 > 0.0) == (h1 > 0.0)) return;
+    const double x = u.x() + h0 / (h0 - h1) * (v.x() - u.x());
+    odd ^= QuadrantX(quadrant) > 0 ? x - rayEps > p.x() : p.x() - rayEps > x;
   }
 };
 
@@ -106,10 +109,11 @@ ZBR_POLY_INSIDE RingLocator::Locate(const ZBR_PT& p, double eps) const {
   if (index_.tree().empty()) return ZBR_PI_OUT;
   if (!IsFarBeyondRounding(p, eps)) return ScanRings(p, eps);
   if (IsOutsideBox(p, box_, eps)) return ZBR_PI_OUT;
-  const double margin = 2.0 * eps;  // covers the snapping band (|slope| <= 1) and, as just checked, rounding
-  for (int k = 0; k < kRaySlopes; ++k) {
-    for (const double sign : {1.0, -1.0}) {
-      LineScan scan(p, eps, sign * RaySlope(k));
+  const double margin = 2.0 * eps;  // covers the snapping band (the slope is at most 1) and, as just checked, rounding
+  const int nearest = QuadrantOfNearestExit(p, box_);
+  for (int k = 0; k < 4; ++k) {
+    for (int s = 0; s < kRaySlopes; ++s) {
+      RayScan scan(p, eps, (nearest + k) % 4, RaySlope(s));
       index_.tree().Walk([&](const Box& box) { return scan.Meets(box, margin); },
                          [&](std::uint32_t leaf) {
                            ScanLeaf(leaf, scan);
@@ -117,15 +121,13 @@ ZBR_POLY_INSIDE RingLocator::Locate(const ZBR_PT& p, double eps) const {
                          });
       if (scan.onVertex) return ZBR_PI_ON_VERTEX;
       if (scan.onEdge) return ZBR_PI_ON_EDGE;
-      for (int side = 0; side < 2; ++side) {
-        if (!scan.grazed[side]) return scan.odd[side] ? ZBR_PI_IN : ZBR_PI_OUT;
-      }
+      if (!scan.grazed) return scan.odd ? ZBR_PI_IN : ZBR_PI_OUT;
     }
   }
   return ZBR_PI_UNKNOWN;
 }
 
-void RingLocator::ScanLeaf(std::uint32_t leaf, LineScan& scan) const {
+void RingLocator::ScanLeaf(std::uint32_t leaf, RayScan& scan) const {
   const EdgeIndex::Leaf& at = index_.leaf(leaf);
   const IndexedRing& ring = index_.rings()[at.ring];
   const std::uint32_t last = index_.LastSlot(at);

@@ -23,11 +23,11 @@ class RingLocator {
   void VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) const;
 
  private:
-  struct LineScan;
+  struct RayScan;
 
   bool IsFarBeyondRounding(const ZBR_PT& p, double eps) const;
   ZBR_POLY_INSIDE ScanRings(const ZBR_PT& p, double eps) const;
-  void ScanLeaf(std::uint32_t leaf, LineScan& scan) const;
+  void ScanLeaf(std::uint32_t leaf, RayScan& scan) const;
 
   EdgeIndex index_;
   Box box_;

@@ -32,7 +32,7 @@ void SortBySize(LoopList& loops) {
   std::vector<SizedLoop> sized(loops.size());
   std::vector<SizedLoop> scratch;
   for (std::uint32_t i = 0; i < loops.size(); ++i) sized[i] = {DescendingKey(loops[i]->area()), i};
-  zbr::RadixSort(sized, scratch, 64, [](const SizedLoop& s) { return s.key; });
+  zbr::RadixSort(sized, scratch, [](const SizedLoop& s) { return s.key; });
   LoopList sorted(loops.size());
   for (std::size_t i = 0; i < loops.size(); ++i) sorted[i] = std::move(loops[sized[i].index]);
   loops = std::move(sorted);

@@ -8,7 +8,7 @@
 // the innermost container, which is the parent found here. Two conditions are checked rather than assumed: that the curves stay
 // apart by more than the tolerances of the inclusion test, and that every parent comes before its children in the insertion order
 // (else loops would move, and lists would be ordered differently).
-// Both searches use one hierarchy over single edges along a Hilbert curve. Ring order would not do: the edges of concentric rings
+// Both searches use one hierarchy over single edges along a space-filling curve. Ring order would not do: the edges of concentric rings
 // have boxes that all overlap as soon as a few of a ring are taken together.
 #include <algorithm>
 #include <cmath>
@@ -86,7 +86,7 @@ class SeparateLoops {
  private:
   void CollectEdges(std::span<const std::shared_ptr<ZBR_LOOP>> loops);
 
-  std::vector<Edge> edges_;  // along a Hilbert curve through their midpoints
+  std::vector<Edge> edges_;  // along a space-filling curve through their midpoints
   BoxTree tree_;
   double clearance_ = 0.0;
   bool isMeasurable_ = false;
@@ -104,7 +104,7 @@ void SeparateLoops::CollectEdges(std::span<const std::shared_ptr<ZBR_LOOP>> loop
     }
   }
   edges_.reserve(edges.size());
-  for (const std::uint32_t i : HilbertOrder(middles)) edges_.push_back(edges[i]);
+  for (const std::uint32_t i : SpatialOrder(middles)) edges_.push_back(edges[i]);
 }
 
 std::uint32_t SeparateLoops::FirstToTheLeft(const ZBR_PT& p, std::uint32_t own) const {

@@ -64,7 +64,7 @@ class Inserter {
       const Box box = BoxOf(*loops_[i]);
       centers[i] = ZBR_PT((box.xmin + box.xmax) / 2.0, (box.ymin + box.ymax) / 2.0);
     }
-    const std::vector<std::uint32_t> order = HilbertOrder(centers);
+    const std::vector<std::uint32_t> order = SpatialOrder(centers);
     BoxTree vertices;
     BoxTree boxes;
     const std::span<Box> vertexLeaves = vertices.StartLeaves(n);
@@ -84,7 +84,7 @@ class Inserter {
     });
     if (few) {
       std::vector<Candidate> scratch;
-      RadixSort(candidates_, scratch, 64, [](const Candidate& c) { return c.Key(); });
+      RadixSort(candidates_, scratch, [](const Candidate& c) { return c.Key(); });
     }
     return few;
   }
