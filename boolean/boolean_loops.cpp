@@ -71,7 +71,7 @@ class BooleanWork {
   // Leaves in the crossings which of them the last walk used.
   void MarkDone() {
     if (!arePathsPrepared_) return;
-    for (std::size_t i = 0; i < crosses_.size(); ++i) crosses_[i].done = paths_.done(i);
+    for (std::size_t k = 0; k < crosses_.size(); ++k) crosses_[static_cast<std::size_t>(sorted_.side[0][k].index)].done = paths_.done(k);
   }
 
  private:
@@ -100,7 +100,7 @@ class BooleanWork {
     if (!arePathsPrepared_) paths_.Prepare(sorted_);
     arePathsPrepared_ = true;
     paths_.Find(directions.forwardA, directions.forwardB);
-    TracePaths(crosses_, paths_, families_[0].Traced(directions.forwardA), families_[1].Traced(directions.forwardB), result);
+    TracePaths(crosses_, sorted_.side[0], paths_, families_[0].Traced(directions.forwardA), families_[1].Traced(directions.forwardB), result);
   }
 
   void AddUncrossed(ZBR_BOOLEAN_OPE op, int side, LoopList& result) {

@@ -52,6 +52,12 @@ CornerTable CornersOf(const IndexedRing& ring, double eps2) {
   return table;
 }
 
+// The sides of the box beyond which p lies, a bit each (Cohen and Sutherland's outcode).
+unsigned SidesBeyond(const ZBR_PT& p, const Box& box) {
+  return static_cast<unsigned>(p.x() > box.xmax) | static_cast<unsigned>(p.x() < box.xmin) << 1U |
+         static_cast<unsigned>(p.y() > box.ymax) << 2U | static_cast<unsigned>(p.y() < box.ymin) << 3U;
+}
+
 // Where a record stands in the wanted order.
 struct Rank {
   std::uint32_t a;  // polygon of A, numbered through the list
@@ -107,7 +113,7 @@ class CrossingSearch {
     if (!IsFiniteRing(loop)) return;
     const std::uint32_t start = isOpen ? 0 : isA ? FirstCorner(loop.pt(), eps2_) : n - 1;
     if (start == n) return;
-    rings.push_back({loop.pt().data(), n, start, isOpen ? n - 1 : n, id, false});
+    rings.push_back({BoxOf(loop), loop.pt().data(), n, start, isOpen ? n - 1 : n, id, false});
   }
 
   void SearchLeaf(const EdgeIndex::Leaf& leaf, std::span<const std::uint32_t> leavesB) {
@@ -136,24 +142,25 @@ class CrossingSearch {
       const IndexedRing& other = indexB_.rings()[leaf.ring];
       const std::uint32_t last = indexB_.LastSlot(leaf);
       std::uint32_t j = other.Vertex(leaf.first);
+      unsigned beyond = SidesBeyond(other.points[j], edgeBox);
       for (std::uint32_t edge = leaf.first; edge < last; ++edge) {
-        const ZBR_PT& q0 = other.points[j];
         const std::uint32_t from = j;
+        const unsigned beyondFrom = beyond;
         j = other.Next(j);
+        const ZBR_PT& q0 = other.points[from];
         const ZBR_PT& q1 = other.points[j];
-        if (!Overlap(edgeBox, BoxOfSegment(q0, q1))) continue;
+        beyond = SidesBeyond(q1, edgeBox);
+        if ((beyondFrom & beyond) != 0) continue;  // the edge's box lies wholly beyond one side
         if (other.hasRepeats && SamePoint(q0, q1, eps2_)) continue;
-        if (!corner.Meet(q0, q1, contact) || !LoopBoxesMeet(ring, other, edgeBox)) continue;
+        if (!corner.Meet(q0, q1, contact) || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) continue;
         Record(contact, {ring.id, other.id, slot, edge}, cur, PositionOnB(other, from, contact.tB));
       }
     }
   }
 
-  // The tests on whole loops, by their cached boxes. The search implies them, but for the last bit of a rounded margin and for
-  // caches that a caller has let go stale.
-  bool LoopBoxesMeet(const IndexedRing& ringA, const IndexedRing& ringB, const Box& edgeBox) const {
-    const Box a = BoxOf(**a_[ringA.id].loop);
-    const Box b = BoxOf(**b_[ringB.id].loop);
+  // The tests on whole loops, by their cached boxes. The search implies them, but for the last bit of a rounded margin and for caches
+  // that a caller has let go stale.
+  static bool LoopBoxesMeet(const Box& a, const Box& b, const Box& edgeBox) {
     return b.xmin <= a.xmax + kBoxMargin && a.xmin <= b.xmax + kBoxMargin && b.ymin <= a.ymax + kBoxMargin &&
            a.ymin <= b.ymax + kBoxMargin && Overlap(b, edgeBox);
   }
@@ -210,8 +217,11 @@ class CrossingSearch {
     }
     SortByLoopOfB(first, order);
     if (std::is_sorted(order.begin(), order.end())) return;
-    const std::vector<ZBR_CROSS> found(out_.begin() + static_cast<std::ptrdiff_t>(before), out_.end());
-    for (std::size_t i = 0; i < order.size(); ++i) out_[before + i] = found[order[i]];
+    std::vector<ZBR_CROSS> ordered;
+    ordered.reserve(out_.size());
+    ordered.insert(ordered.end(), out_.begin(), out_.begin() + static_cast<std::ptrdiff_t>(before));
+    for (const std::uint32_t i : order) ordered.push_back(out_[before + i]);
+    out_ = std::move(ordered);
   }
 
   void SortByLoopOfB(const std::vector<std::uint32_t>& first, std::vector<std::uint32_t>& order) const {

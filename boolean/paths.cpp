@@ -9,36 +9,47 @@
 
 namespace zbr {
 
-void CrossingRing::Build(const std::vector<PlacedCrossing>& sorted) {
-  at.resize(sorted.size());
-  seq.resize(sorted.size());
-  run.resize(sorted.size());
+void SideOrder::FindRuns(const std::vector<PlacedCrossing>& sorted) {
   runs.clear();
   const auto loopAt = [&sorted](std::size_t k) { return sorted[k].loop; };
   ForEachPolygonRun(sorted.size(), loopAt, [&](std::size_t first, std::size_t last) {
-    for (std::size_t k = first; k < last; ++k) {
-      at[k] = static_cast<std::uint32_t>(sorted[k].index);
-      seq[at[k]] = static_cast<std::uint32_t>(k);
-      run[k] = static_cast<std::uint32_t>(runs.size());
-    }
     runs.push_back({static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(last - 1)});
   });
+  run.clear();
+  if (runs.size() < 2) return;
+  run.reserve(sorted.size());
+  for (std::uint32_t r = 0; r < runs.size(); ++r) run.insert(run.end(), runs[r].last - runs[r].first + 1, r);
 }
 
 void PathFinder::Prepare(const SortedCrossings& sorted) {
-  for (int side = 0; side < 2; ++side) rings_[side].Build(sorted.side[side]);
-  goesLeft_.resize(sorted.side[0].size());
-  for (const PlacedCrossing& p : sorted.side[0]) goesLeft_[static_cast<std::size_t>(p.index)] = p.dir == ZBR_CROSS_TO_LEFT;
-  done_.assign(goesLeft_.size(), 0);
+  const std::vector<PlacedCrossing>& alongA = sorted.side[0];
+  const std::vector<PlacedCrossing>& alongB = sorted.side[1];
+  const std::size_t n = alongA.size();
+  order_[0].FindRuns(alongA);
+  order_[1].FindRuns(alongB);
+  goesLeft_.resize(n);
+  done_.assign(n, 0);
+  std::vector<std::uint32_t> placeOnA(n);  // of each record
+  for (std::size_t k = 0; k < n; ++k) {
+    placeOnA[static_cast<std::size_t>(alongA[k].index)] = static_cast<std::uint32_t>(k);
+    goesLeft_[k] = alongA[k].dir == ZBR_CROSS_TO_LEFT;
+  }
+  order_[1].at.resize(n);
+  order_[1].place.resize(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    const std::uint32_t crossing = placeOnA[static_cast<std::size_t>(alongB[k].index)];
+    order_[1].at[k] = crossing;
+    order_[1].place[crossing] = static_cast<std::uint32_t>(k);
+  }
 }
 
-void PathFinder::Walk::Start(const CrossingRing& sorted, bool walksForward, const std::vector<std::uint8_t>& taken) {
-  ring = &sorted;
+void PathFinder::Walk::Start(const SideOrder& side, bool walksForward, const std::vector<std::uint8_t>& taken) {
+  order = &side;
+  count = static_cast<std::uint32_t>(taken.size());
   forward = walksForward;
-  const auto n = static_cast<std::uint32_t>(ring->at.size());
-  skip.resize(n + 1);
-  skip[n] = n;
-  for (std::uint32_t w = 0; w < n; ++w) skip[w] = taken[ring->at[Place(w)]] != 0 ? w + 1 : w;
+  skip.resize(count + 1);
+  skip[count] = count;
+  for (std::uint32_t w = 0; w < count; ++w) skip[w] = taken[order->At(Step(w))] != 0 ? w + 1 : w;
 }
 
 std::uint32_t PathFinder::Walk::FirstFrom(std::uint32_t w) {
@@ -50,28 +61,27 @@ std::uint32_t PathFinder::Walk::FirstFrom(std::uint32_t w) {
 }
 
 std::uint32_t PathFinder::Walk::Next(std::uint32_t crossing) {
-  const std::uint32_t k = ring->seq[crossing];
-  const CrossingRing::Run& run = ring->runs[ring->run[k]];
-  const std::uint32_t first = Place(forward ? run.first : run.last);
-  const std::uint32_t last = Place(forward ? run.last : run.first);
-  std::uint32_t w = FirstFrom(Place(k) + 1);
-  if (w > last) w = FirstFrom(first);  // wraps around the polygon
-  return w > last ? kNone : ring->at[Place(w)];
+  const std::uint32_t k = order->PlaceOf(crossing);
+  const SideOrder::Run& run = order->RunAt(k);
+  const std::uint32_t last = Step(forward ? run.last : run.first);
+  std::uint32_t w = FirstFrom(Step(k) + 1);
+  if (w > last) w = FirstFrom(Step(forward ? run.first : run.last));  // wraps around the polygon
+  return w > last ? kNone : order->At(Step(w));
 }
 
 void PathFinder::Walk::Remove(std::uint32_t crossing) {
-  const std::uint32_t w = Place(ring->seq[crossing]);
+  const std::uint32_t w = Step(order->PlaceOf(crossing));
   skip[w] = w + 1;
 }
 
 // zbrSetFollowingCrossDone on the compact form.
-void PathFinder::MarkFollowing(const CrossingRing& ring, std::uint8_t goesLeft, bool forward) {
-  for (const CrossingRing::Run& run : ring.runs) {
-    std::uint32_t before = forward ? run.last : run.first;
+void PathFinder::MarkFollowing(const SideOrder& order, std::uint8_t goesLeft, bool forward) {
+  for (const SideOrder::Run& run : order.runs) {
+    std::uint8_t before = goesLeft_[order.At(forward ? run.last : run.first)];
     for (std::uint32_t step = 0; step <= run.last - run.first; ++step) {
-      const std::uint32_t k = forward ? run.first + step : run.last - step;
-      if (goesLeft_[ring.at[k]] == goesLeft && goesLeft_[ring.at[before]] == goesLeft) done_[ring.at[k]] = 1;
-      before = k;
+      const std::uint32_t crossing = order.At(forward ? run.first + step : run.last - step);
+      if (goesLeft_[crossing] == goesLeft && before == goesLeft) done_[crossing] = 1;
+      before = goesLeft_[crossing];
     }
   }
 }
@@ -81,18 +91,18 @@ void PathFinder::Find(bool forwardA, bool forwardB) {
   ends_.clear();
   const std::size_t n = goesLeft_.size();
   done_.assign(n, 0);
-  MarkFollowing(rings_[0], 0, forwardA);
-  MarkFollowing(rings_[1], 1, forwardB);
+  MarkFollowing(order_[0], 0, forwardA);
+  MarkFollowing(order_[1], 1, forwardB);
 
   taken_.resize(n);
   for (std::size_t i = 0; i < n; ++i) taken_[i] = done_[i] | goesLeft_[i];
-  alongA_.Start(rings_[0], forwardA, taken_);
+  alongA_.Start(order_[0], forwardA, taken_);
   for (std::size_t i = 0; i < n; ++i) taken_[i] = done_[i] | (goesLeft_[i] ^ 1U);
-  alongB_.Start(rings_[1], forwardB, taken_);
+  alongB_.Start(order_[1], forwardB, taken_);
 
   // Starts come in the order of the list along B. Done crossings stay done, so one pass sees every start; a start whose path did
   // not close is tried again until it is done, each try using up a crossing.
-  for (const std::uint32_t start : rings_[1].at) {
+  for (const std::uint32_t start : order_[1].at) {
     while (goesLeft_[start] != 0 && done_[start] == 0) {
       const std::size_t begin = items_.size();
       if (Trace(start)) {

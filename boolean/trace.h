@@ -23,7 +23,7 @@ struct TracedFamily {
 };
 
 // Appends to `result` a loop for each path that encloses more than the tolerance.
-void TracePaths(const std::vector<ZBR_CROSS>& crosses, const PathFinder& paths, const TracedFamily& a, const TracedFamily& b,
-                LoopList& result);
+void TracePaths(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const PathFinder& paths,
+                const TracedFamily& a, const TracedFamily& b, LoopList& result);
 
 }  // namespace zbr

@@ -28,6 +28,7 @@ struct Box {
   }
   // The box widened by d on every side.
   Box Widened(double d) const { return {xmin - d, ymin - d, xmax + d, ymax + d}; }
+  ZBR_PT Center() const { return ZBR_PT((xmin + xmax) / 2.0, (ymin + ymax) / 2.0); }
   bool Contains(const ZBR_PT& p) const { return xmin <= p.x() && p.x() <= xmax && ymin <= p.y() && p.y() <= ymax; }
 };
 

@@ -1,6 +1,8 @@
 // Building box hierarchies, the inner steps of their join, and the order along a space-filling curve.
 #include "core/box_tree.h"
 
+#include <numeric>
+
 #include "core/radix_sort.h"
 
 namespace zbr {
@@ -61,15 +63,25 @@ BoxJoin::Frame BoxJoin::Split(const Box& box, const Frame& nodes) {
 
 namespace {
 
-constexpr double kCells = 65535.0;  // per axis
+constexpr double kCells = 65535.0;  // per axis, so that codes have 32 bits
 
-// Spreads the low 16 bits to the even places.
-std::uint32_t Spread(std::uint32_t x) {
-  x = (x | x << 8U) & 0x00ff00ffU;
-  x = (x | x << 4U) & 0x0f0f0f0fU;
-  x = (x | x << 2U) & 0x33333333U;
-  x = (x | x << 1U) & 0x55555555U;
-  return x;
+// Place of a cell along the Hilbert curve (Hilbert 1891). Each step takes one bit of either coordinate, names the quadrant, and turns
+// the rest of the coordinates so that the curve through that quadrant runs like the one through the whole. Without branches: their
+// outcome would be random.
+std::uint32_t HilbertCode(std::uint32_t x, std::uint32_t y) {
+  std::uint32_t code = 0;
+  for (int bit = 15; bit >= 0; --bit) {
+    const std::uint32_t rx = (x >> bit) & 1U;
+    const std::uint32_t ry = (y >> bit) & 1U;
+    code = code << 2U | ((3U * rx) ^ ry);
+    const std::uint32_t flip = 0U - (rx & ~ry);
+    x ^= flip;
+    y ^= flip;
+    const std::uint32_t exchange = (x ^ y) & (ry - 1U);
+    x ^= exchange;
+    y ^= exchange;
+  }
+  return code;
 }
 
 struct CodedIndex {
@@ -77,28 +89,57 @@ struct CodedIndex {
   std::uint32_t index;
 };
 
+// More centres in one cell than this are told apart by a grid of their own.
+constexpr std::ptrdiff_t kCrowd = 16;
+
+class CurveOrder {
+ public:
+  explicit CurveOrder(std::span<const ZBR_PT> centers) : centers_(centers) {}
+
+  void Sort(std::span<std::uint32_t> indices) {
+    Box extent;
+    for (const std::uint32_t i : indices) extent.Add(centers_[i]);
+    const double size = std::max(extent.xmax - extent.xmin, extent.ymax - extent.ymin);
+    if (!(size > 0.0 && size < std::numeric_limits<double>::infinity())) return;
+    const double scale = kCells / size;
+    const auto cell = [scale](double offset) {
+      const double c = offset * scale;
+      return c > 0.0 ? static_cast<std::uint32_t>(std::min(c, kCells)) : 0;  // NaN goes to 0 as well
+    };
+    std::vector<CodedIndex> coded(indices.size());
+    for (std::size_t k = 0; k < indices.size(); ++k) {
+      const ZBR_PT& c = centers_[indices[k]];
+      coded[k] = {HilbertCode(cell(c.x() - extent.xmin), cell(c.y() - extent.ymin)), indices[k]};
+    }
+    RadixSort(coded, scratch_, [](const CodedIndex& c) { return c.code; });
+    for (std::size_t k = 0; k < indices.size(); ++k) indices[k] = coded[k].index;
+    SortCrowds(coded, indices);
+  }
+
+ private:
+  // One centre far away makes the others share a cell. They span less than the whole, so every level has less to tell apart.
+  void SortCrowds(const std::vector<CodedIndex>& coded, std::span<std::uint32_t> indices) {
+    for (auto first = coded.begin(); first != coded.end();) {
+      auto last = first + 1;
+      while (last != coded.end() && last->code == first->code) ++last;
+      const auto count = last - first;
+      if (count > kCrowd && count < coded.end() - coded.begin()) {
+        Sort(indices.subspan(static_cast<std::size_t>(first - coded.begin()), static_cast<std::size_t>(count)));
+      }
+      first = last;
+    }
+  }
+
+  std::span<const ZBR_PT> centers_;
+  std::vector<CodedIndex> scratch_;
+};
+
 }  // namespace
 
 std::vector<std::uint32_t> SpatialOrder(std::span<const ZBR_PT> centers) {
-  Box extent;
-  for (const ZBR_PT& c : centers) extent.Add(c);
-  const double size = std::max(extent.xmax - extent.xmin, extent.ymax - extent.ymin);
-  const double scale = size > 0.0 && size < std::numeric_limits<double>::infinity() ? kCells / size : 0.0;
-
-  const auto cell = [scale](double offset) {
-    const double c = offset * scale;
-    return c > 0.0 ? static_cast<std::uint32_t>(std::min(c, kCells)) : 0;  // NaN goes to 0 as well
-  };
-
-  std::vector<CodedIndex> coded(centers.size());
-  for (std::uint32_t i = 0; i < centers.size(); ++i) {
-    coded[i] = {Spread(cell(centers[i].x() - extent.xmin)) | Spread(cell(centers[i].y() - extent.ymin)) << 1U, i};
-  }
-  std::vector<CodedIndex> scratch;
-  RadixSort(coded, scratch, [](const CodedIndex& c) { return c.code; });
-
   std::vector<std::uint32_t> order(centers.size());
-  for (std::size_t i = 0; i < order.size(); ++i) order[i] = coded[i].index;
+  std::iota(order.begin(), order.end(), 0U);
+  CurveOrder(centers).Sort(order);
   return order;
 }
 

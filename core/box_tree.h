@@ -32,7 +32,8 @@ class BoxTree {
   }
   const Box* Level(int level) const { return boxes_.data() + begin_[static_cast<std::size_t>(level)]; }
 
-  // Visits the leaves for which `enter(box)` holds on the way down, in order. `leaf(index)` returns false to end the walk.
+  // Visits the leaves for which `enter(box, level, index)` holds on the way down, in order. `leaf(index)` returns false to end the
+  // walk.
   template <class Enter, class Leaf>
   void Walk(Enter enter, Leaf leaf) const;
 
@@ -51,7 +52,7 @@ void BoxTree::Walk(Enter enter, Leaf leaf) const {
   };
   Node stack[64];
   int depth = 0;
-  if (enter(Level(TopLevel())[0])) stack[depth++] = {TopLevel(), 0};
+  if (enter(Level(TopLevel())[0], TopLevel(), std::uint32_t{0})) stack[depth++] = {TopLevel(), 0};
   while (depth > 0) {
     const Node node = stack[--depth];
     if (node.level == 0) {
@@ -63,7 +64,7 @@ void BoxTree::Walk(Enter enter, Leaf leaf) const {
     const std::uint32_t last = first + kFanOut < count ? first + kFanOut : count;
     const Box* boxes = Level(node.level - 1);
     for (std::uint32_t i = last; i-- > first;) {
-      if (enter(boxes[i])) stack[depth++] = {node.level - 1, i};
+      if (enter(boxes[i], node.level - 1, i)) stack[depth++] = {node.level - 1, i};
     }
   }
 }
@@ -129,8 +130,7 @@ class BoxJoin {
   std::size_t top_ = 1;
 };
 
-// The indices 0..n-1 in the order of a Z-curve through `centers` (Morton 1966): neighbours in it are mostly neighbours in the plane.
-// Linear.
+// The indices 0..n-1 in the order in which a Hilbert curve meets `centers`: neighbours in it are neighbours in the plane. Linear.
 std::vector<std::uint32_t> SpatialOrder(std::span<const ZBR_PT> centers);
 
 }  // namespace zbr

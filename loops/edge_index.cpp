@@ -9,15 +9,11 @@ namespace {
 
 // With fewer rings than this the caller's order is kept: there is little to gain from another.
 constexpr std::size_t kMinRingsToReorder = 8;
-
-// A ring's place for the purpose of ordering: the middle of a few of its points is near enough, and cheaper than its box.
-ZBR_PT RoughCenter(const IndexedRing& ring) {
-  return (ring.points[0] + ring.points[ring.n / 3] + ring.points[2 * ring.n / 3]) / 3.0;
-}
+constexpr std::uint32_t kRingsAhead = 6;
 
 std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
   std::vector<ZBR_PT> centers(rings.size());
-  for (std::size_t i = 0; i < rings.size(); ++i) centers[i] = RoughCenter(rings[i]);
+  for (std::size_t i = 0; i < rings.size(); ++i) centers[i] = rings[i].bounds.Center();
   const std::vector<std::uint32_t> order = SpatialOrder(centers);
   std::vector<IndexedRing> sorted(rings.size());
   for (std::size_t i = 0; i < rings.size(); ++i) sorted[i] = rings[order[i]];
@@ -46,6 +42,13 @@ void EdgeIndex::Build(std::vector<IndexedRing> rings, double margin, double eps2
   tree_.BuildInner();
 }
 
+// Rings in spatial order lie anywhere in memory; asking early hides most of the wait.
+void EdgeIndex::Prefetch([[maybe_unused]] std::size_t ring) const {
+#if defined(__GNUC__)
+  if (ring < rings_.size()) __builtin_prefetch(rings_[ring].points);
+#endif
+}
+
 void EdgeIndex::FillLeaves(double margin, double eps2) {
   std::size_t total = 0;
   for (const IndexedRing& ring : rings_) total += (ring.slots + kLeafEdges - 1) / kLeafEdges;
@@ -54,6 +57,7 @@ void EdgeIndex::FillLeaves(double margin, double eps2) {
   Leaf* leaf = leaves_.data();
   for (std::uint32_t r = 0; r < rings_.size(); ++r) {
     IndexedRing& ring = rings_[r];
+    Prefetch(r + kRingsAhead);
     for (std::uint32_t first = 0; first < ring.slots; first += kLeafEdges, ++leaf, ++box) {
       *leaf = {r, first};
       const std::uint32_t count = std::min(kLeafEdges, ring.slots - first);

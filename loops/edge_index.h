@@ -18,6 +18,7 @@ namespace zbr {
 
 // A ring (or open polyline) as the index walks it: slot k is the edge that starts at vertex (start + k) mod n.
 struct IndexedRing {
+  Box bounds;  // what the caller takes for the ring's box; only its middle matters to the index
   const ZBR_PT* points = nullptr;
   std::uint32_t n = 0;
   std::uint32_t start = 0;
@@ -56,6 +57,7 @@ class EdgeIndex {
 
  private:
   void FillLeaves(double margin, double eps2);
+  void Prefetch(std::size_t ring) const;
 
   std::vector<IndexedRing> rings_;
   std::vector<Leaf> leaves_;

@@ -1,12 +1,13 @@
 // Point location in logarithmic time, with the answers of the linear test.
 //
-// Idea: a ray from the point is followed down the hierarchy. The leaves it passes hold every edge that can count for it, every vertex it
-// can graze, and every vertex and edge that the point can be on, since the ray starts there.
-// Why the answer is the same: on-vertex and on-edge are decided by the same tests on the same edges. For inside and outside the
-// linear test chooses its quadrant by counting vertices; here the quadrant with the nearest way out is taken, where fewest edges are
-// met. The choice cannot matter: a ray counts only if it stays clear of every vertex, and then its parity is the ring's. That rests
-// on rounding errors being far smaller than eps; where coordinates are too large for that, the rings are scanned linearly.
-// The verdict "unknown" takes the rays of all slopes in all quadrants being abandoned: the same set of rays in any order.
+// Idea: whether a point is on a vertex or an edge is decided by the same tests as there, on the edges of the few leaves whose boxes hold
+// the point. For inside and outside one ray counts edges, but not one by one: a node of the hierarchy is a chain of edges, and if its
+// box does not hold the point, all its crossings with the ray's line lie on one side of the point. Then the chain crosses the ray
+// oddly often exactly if its two ends lie on different sides of the line. Only nodes that hold the point are opened.
+// Why passing close to a vertex does no harm here: the side of every vertex is computed once, in one way, whichever edge or chain asks,
+// so the parity is that of a ring whose vertices are moved by rounding errors; and the point is farther than the tolerance from
+// every edge. (The linear test gives such a ray up and tries another; where it has tried them all and answers "unknown", this one
+// still decides.) Where coordinates are so large that rounding errors approach the tolerance the rings are scanned linearly.
 #include "loops/locator.h"
 
 #include <cmath>
@@ -20,16 +21,10 @@ namespace zbr {
 namespace {
 
 constexpr double kUnitRoundoff = 0x1p-53;
-// Offsets from a line are sums of a few rounded products, so their error stays below this many units of the coordinates' size.
+// Offsets from the ray's line are sums of a few rounded products, so their error stays below this many units of the coordinates' size.
 constexpr double kOffsetErrorUnits = 8.0;
 // Linear scanning starts where that error comes within this factor of eps.
 constexpr double kSafety = 4.0;
-
-int QuadrantOfNearestExit(const ZBR_PT& p, const Box& box) {
-  const bool right = box.xmax - p.x() <= p.x() - box.xmin;
-  const bool up = box.ymax - p.y() <= p.y() - box.ymin;
-  return up ? (right ? 0 : 1) : (right ? 3 : 2);
-}
 
 bool IsFinite(std::span<const ZBR_PT> ring) {
   return std::all_of(ring.begin(), ring.end(), [](const ZBR_PT& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); });
@@ -37,51 +32,36 @@ bool IsFinite(std::span<const ZBR_PT> ring) {
 
 }  // namespace
 
-// One ray from the point: what it has met so far.
+// The ray from the point into the first quadrant, and what it has met so far.
 struct RingLocator::RayScan {
+  static constexpr double kSlope = 0.5;
+
   ZBR_PT p;
   double eps;
-  double rayEps;
-  int quadrant;
-  double slope;
-  double offset;  // of the ray's line: y = slope * x + offset
-  bool grazed = false;
+  double offset;  // of the ray's line: y = kSlope * x + offset
   bool odd = false;
   bool onEdge = false;
   bool onVertex = false;
 
-  RayScan(const ZBR_PT& point, double tolerance, int q, double steepness)
-      : p(point),
-        eps(tolerance),
-        rayEps(std::fabs(tolerance * kRayEpsScale)),
-        quadrant(q),
-        slope(QuadrantX(q) == QuadrantY(q) ? steepness : -steepness),
-        offset(point.y() - slope * point.x()) {}
+  RayScan(const ZBR_PT& point, double tolerance) : p(point), eps(tolerance), offset(point.y() - kSlope * point.x()) {}
 
-  double OffsetOf(const ZBR_PT& v) const { return v.y() - slope * v.x() - offset; }
+  bool IsAbove(const ZBR_PT& v) const { return v.y() - kSlope * v.x() - offset > 0.0; }
 
   // Whether the ray, widened by `margin`, meets the box.
   bool Meets(const Box& b, double margin) const {
-    const bool right = QuadrantX(quadrant) > 0;
-    const bool up = QuadrantY(quadrant) > 0;
-    const double x0 = slope > 0.0 ? b.xmin : b.xmax;
-    const double x1 = slope > 0.0 ? b.xmax : b.xmin;
-    return ((right ? b.xmax - p.x() : p.x() - b.xmin) >= -margin) & ((up ? b.ymax - p.y() : p.y() - b.ymin) >= -margin) &
-           (b.ymax - slope * x0 - offset >= -margin) & (b.ymin - slope * x1 - offset <= margin);
+    return (b.xmax - p.x() >= -margin) & (b.ymax - p.y() >= -margin) & (b.ymax - kSlope * b.xmin - offset >= -margin) &
+           (b.ymin - kSlope * b.xmax - offset <= margin);
   }
 
   void Edge(const ZBR_PT& u, const ZBR_PT& v) {
     const ZBR_POS_PT_PT pu = PositionOf(u, p, eps);
     const ZBR_POS_PT_PT pv = PositionOf(v, p, eps);
     if (pv.xPos == 0 && pv.yPos == 0) onVertex = true;
-    if (IsBehindQuadrant(pu, pv, quadrant)) return;
     if (!onEdge && !IsBesidePoint(pu, pv)) onEdge = IsOnSegment(p, u, v, eps * eps, nullptr, nullptr);
-    const double h0 = OffsetOf(u);
-    const double h1 = OffsetOf(v);
-    grazed |= WithinTol(h0, rayEps) || WithinTol(h1, rayEps);
-    if ((h0 > 0.0) == (h1 > 0.0)) return;
-    const double x = u.x() + h0 / (h0 - h1) * (v.x() - u.x());
-    odd ^= QuadrantX(quadrant) > 0 ? x - rayEps > p.x() : p.x() - rayEps > x;
+    if (IsAbove(u) == IsAbove(v)) return;
+    const double h0 = u.y() - kSlope * u.x() - offset;
+    const double h1 = v.y() - kSlope * v.x() - offset;
+    odd ^= u.x() + h0 / (h0 - h1) * (v.x() - u.x()) > p.x();
   }
 };
 
@@ -91,7 +71,7 @@ RingLocator::RingLocator(std::span<const std::span<const ZBR_PT>> rings) {
   for (const std::span<const ZBR_PT>& ring : rings) {
     if (ring.size() < 3) continue;
     const auto n = static_cast<std::uint32_t>(ring.size());
-    indexed.push_back({ring.data(), n, n - 1, n, 0, false});
+    indexed.push_back({BoundsOf(ring), ring.data(), n, n - 1, n, 0, false});
   }
   index_.Build(std::move(indexed), 0.0, 0.0);
   if (!index_.tree().empty()) box_ = index_.tree().Level(index_.tree().TopLevel())[0];
@@ -109,22 +89,43 @@ ZBR_POLY_INSIDE RingLocator::Locate(const ZBR_PT& p, double eps) const {
   if (index_.tree().empty()) return ZBR_PI_OUT;
   if (!IsFarBeyondRounding(p, eps)) return ScanRings(p, eps);
   if (IsOutsideBox(p, box_, eps)) return ZBR_PI_OUT;
-  const double margin = 2.0 * eps;  // covers the snapping band (the slope is at most 1) and, as just checked, rounding
-  const int nearest = QuadrantOfNearestExit(p, box_);
-  for (int k = 0; k < 4; ++k) {
-    for (int s = 0; s < kRaySlopes; ++s) {
-      RayScan scan(p, eps, (nearest + k) % 4, RaySlope(s));
-      index_.tree().Walk([&](const Box& box) { return scan.Meets(box, margin); },
-                         [&](std::uint32_t leaf) {
-                           ScanLeaf(leaf, scan);
-                           return !scan.onVertex;
-                         });
-      if (scan.onVertex) return ZBR_PI_ON_VERTEX;
-      if (scan.onEdge) return ZBR_PI_ON_EDGE;
-      if (!scan.grazed) return scan.odd ? ZBR_PI_IN : ZBR_PI_OUT;
-    }
+  const double margin = 2.0 * eps;  // covers the snapping band (the slope is less than 1) and, as just checked, rounding
+  const Box near = Box{p.x(), p.y(), p.x(), p.y()}.Widened(margin);
+  RayScan scan(p, eps);
+  // A chain away from the point settles with its ends; the walk only opens nodes near it.
+  const auto open = [&](const Box& box, int level, std::uint32_t node) {
+    if (!scan.Meets(box, margin)) return false;
+    if (Overlap(box, near)) return true;
+    scan.odd ^= IsChainCut(level, node, scan);
+    return false;
+  };
+  const auto scanLeaf = [&](std::uint32_t leaf) {
+    ScanLeaf(leaf, scan);
+    return !scan.onVertex;
+  };
+  index_.tree().Walk(open, scanLeaf);
+  if (scan.onVertex) return ZBR_PI_ON_VERTEX;
+  if (scan.onEdge) return ZBR_PI_ON_EDGE;
+  return scan.odd ? ZBR_PI_IN : ZBR_PI_OUT;
+}
+
+// Whether the ray's line parts the ends of the node's chain. Rings that lie in the node as a whole have no ends; where a node spans
+// rings, the first contributes its rest and the last its beginning, which both end where their ring begins.
+bool RingLocator::IsChainCut(int level, std::uint32_t node, const RayScan& scan) const {
+  const std::uint32_t width = 1U << (2 * static_cast<unsigned>(level));
+  const std::uint32_t leaves = index_.tree().Count(0);
+  const EdgeIndex::Leaf& first = index_.leaf(node * width);
+  const EdgeIndex::Leaf& last = index_.leaf((leaves - node * width > width ? node * width + width : leaves) - 1);
+  const IndexedRing& firstRing = index_.rings()[first.ring];
+  const IndexedRing& lastRing = index_.rings()[last.ring];
+  const std::uint32_t begin = firstRing.Vertex(first.first);
+  const std::uint32_t lastSlot = index_.LastSlot(last);
+  const std::uint32_t end = lastRing.Vertex(lastSlot == lastRing.slots ? 0 : lastSlot);
+  bool cut = scan.IsAbove(firstRing.points[begin]) != scan.IsAbove(lastRing.points[end]);
+  if (first.ring != last.ring) {
+    cut ^= scan.IsAbove(firstRing.points[firstRing.start]) != scan.IsAbove(lastRing.points[lastRing.start]);
   }
-  return ZBR_PI_UNKNOWN;
+  return cut;
 }
 
 void RingLocator::ScanLeaf(std::uint32_t leaf, RayScan& scan) const {
@@ -163,7 +164,7 @@ ZBR_POLY_INSIDE RingLocator::ScanRings(const ZBR_PT& p, double eps) const {
 
 void RingLocator::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) const {
   const Box near = BoxOfSegment(a, b).Widened(eps);
-  index_.tree().Walk([&](const Box& box) { return Overlap(box, near); },
+  index_.tree().Walk([&](const Box& box, int, std::uint32_t) { return Overlap(box, near); },
                      [&](std::uint32_t leaf) {
                        const EdgeIndex::Leaf& at = index_.leaf(leaf);
                        const IndexedRing& ring = index_.rings()[at.ring];

@@ -10,7 +10,8 @@
 
 namespace zbr {
 
-// Answers for a set of rings what PointInRing answers for one; with several rings, inside means an odd number of rings around.
+// Answers for a set of rings what PointInRing answers for one, and decides where that is left with ZBR_PI_UNKNOWN; with several rings,
+// inside means an odd number of rings around.
 // The rings' points must outlive the locator.
 class RingLocator {
  public:
@@ -28,6 +29,7 @@ class RingLocator {
   bool IsFarBeyondRounding(const ZBR_PT& p, double eps) const;
   ZBR_POLY_INSIDE ScanRings(const ZBR_PT& p, double eps) const;
   void ScanLeaf(std::uint32_t leaf, RayScan& scan) const;
+  bool IsChainCut(int level, std::uint32_t node, const RayScan& scan) const;
 
   EdgeIndex index_;
   Box box_;

@@ -19,6 +19,15 @@ namespace zbr {
 
 namespace {
 
+constexpr int kRaySlopes = 31;
+
+// Slope magnitudes in the order they are tried: a half, quarters, ... odd thirty-seconds.
+double RaySlope(int k) {
+  int denominator = 2;
+  for (; k >= denominator / 2; denominator *= 2) k -= denominator / 2;
+  return static_cast<double>(2 * k + 1) / denominator;
+}
+
 // What vertices and edges say about the point: on one of them, or else the quadrant into which rays are cast first.
 struct Snap {
   ZBR_POLY_INSIDE on = ZBR_PI_UNKNOWN;  // ZBR_PI_ON_VERTEX, ZBR_PI_ON_EDGE or, if on neither, ZBR_PI_UNKNOWN
@@ -75,12 +84,6 @@ ZBR_POLY_INSIDE CastQuadrantRays(const ZBR_PT& p, std::span<const ZBR_PT> ring, 
 }
 
 }  // namespace
-
-double RaySlope(int k) {
-  int denominator = 2;
-  for (; k >= denominator / 2; denominator *= 2) k -= denominator / 2;
-  return static_cast<double>(2 * k + 1) / denominator;
-}
 
 ZBR_POLY_INSIDE PointInRing(const ZBR_PT& p, std::span<const ZBR_PT> ring, double eps, ZBR_POS_PT_PT* pos, std::size_t& used) {
   const Snap snap = ClassifyVertices(p, ring, eps, pos, used);

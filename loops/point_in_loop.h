@@ -59,10 +59,6 @@ inline bool IsBehindQuadrant(ZBR_POS_PT_PT a, ZBR_POS_PT_PT b, int q) {
   return (a.xPos == -x && b.xPos == -x) || (a.yPos == -y && b.yPos == -y);
 }
 
-// Slope magnitudes of the rays in the order they are tried: halves, quarters, ... odd thirty-seconds.
-inline constexpr int kRaySlopes = 31;
-double RaySlope(int k);
-
 // Whether the box alone tells that p is outside. False for NaN.
 inline bool IsOutsideBox(const ZBR_PT& p, const Box& box, double eps) {
   return box.xmin - eps > p.x() || box.ymin - eps > p.y() || p.x() - eps > box.xmax || p.y() - eps > box.ymax;

@@ -153,7 +153,7 @@ ZBR_API void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 // number of threads, each with its own tolerance, which is read per call. It keeps nothing of its arguments.
 class ZBR_LOOP_LOCATOR {
  public:
-  // For the ring of one loop; IsInside(p) answers as zbrIsInside(p, loop, pos) does.
+  // For the ring of one loop; IsInside(p) answers as zbrIsInside(p, loop, pos) does, and decides where that answers ZBR_PI_UNKNOWN.
   ZBR_API explicit ZBR_LOOP_LOCATOR(const ZBR_LOOP& loop);
   // For a region as zbrMakeLoopTree leaves it: the loops of the list and their children, deeper ones are not read. A point is
   // ZBR_PI_IN when it lies in the region's interior, ZBR_PI_ON_VERTEX or ZBR_PI_ON_EDGE on any of its rings.
