@@ -71,7 +71,8 @@ class BooleanWork {
   // Leaves in the crossings which of them the last walk used.
   void MarkDone() {
     if (!arePathsPrepared_) return;
-    for (std::size_t k = 0; k < crosses_.size(); ++k) crosses_[static_cast<std::size_t>(sorted_.side[0][k].index)].done = paths_.done(k);
+    for (std::size_t k = 0; k < crosses_.size(); ++k)
+      crosses_[static_cast<std::size_t>(sorted_.side[0][k].index)].done = paths_.done(k);
   }
 
  private:
@@ -93,14 +94,15 @@ class BooleanWork {
     std::size_t Number(ZBR_CROSS_LOOP key) const {
       return firstPolygon[static_cast<std::size_t>(key.loop())] + static_cast<std::size_t>(key.poly());
     }
-    TracedFamily Traced(bool forward) const { return {loops, &firstPolygon, &seen, forward}; }
+    TracedFamily Traced(bool forward) const { return {&polygons, &firstPolygon, &seen, forward}; }
   };
 
   void Trace(Directions directions, LoopList& result) {
     if (!arePathsPrepared_) paths_.Prepare(sorted_);
     arePathsPrepared_ = true;
     paths_.Find(directions.forwardA, directions.forwardB);
-    TracePaths(crosses_, sorted_.side[0], paths_, families_[0].Traced(directions.forwardA), families_[1].Traced(directions.forwardB), result);
+    TracePaths(crosses_, sorted_.side[0], paths_, families_[0].Traced(directions.forwardA),
+               families_[1].Traced(directions.forwardB), result);
   }
 
   void AddUncrossed(ZBR_BOOLEAN_OPE op, int side, LoopList& result) {

@@ -22,7 +22,7 @@ namespace zbr {
 
 namespace {
 
-constexpr int kDoublesBack = -4;
+constexpr int kDoublesBack = -4;  // both sides get it, so MeetAtCorner finds no difference
 
 ZBR_CROSS_DIR LeftIf(bool left) {
   return left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT;
@@ -30,40 +30,43 @@ ZBR_CROSS_DIR LeftIf(bool left) {
 
 }  // namespace
 
-void Corner::PrepareCorner() {
-  if (isPrepared_) return;
-  MakeCorner(prev_, cur_, next_, eps2_, info_);
+// Side of the corner on which q lies. Which sides of the two edge lines is of no interest here.
+int Corner::SideOf(const ZBR_PT& q) {
+  if (!isPrepared_) MakeCorner(prev_, cur_, next_, eps2_, info_);
   isPrepared_ = true;
+  int prevLine = 0;
+  int nextLine = 0;
+  return SideOfCorner(q, prev_, cur_, next_, info_, eps2_, prevLine, nextLine);
 }
 
 bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
-  PrepareCorner();
-  int prevSide = 0;
-  int lineQ0 = 0;
-  int lineQ1 = 0;
-  const int posQ0 = SideOfCorner(q0, prev_, cur_, next_, info_, eps2_, prevSide, lineQ0);
-  const int posQ1 = SideOfCorner(q1, prev_, cur_, next_, info_, eps2_, prevSide, lineQ1);
-
   if (SamePoint(cur_, q0, eps2_)) {  // StartOnCorner
-    if (info_.state == kDoublesBack || posQ1 == 0) return false;
+    const int posQ1 = SideOf(q1);
+    if (posQ1 == 0 || posQ1 == kDoublesBack) return false;
     contact = {cur_, 0.0, 0.0, LeftIf(posQ1 == 1)};
     return true;
   }
   if (SamePoint(cur_, q1, eps2_)) {  // EndOnCorner
-    if (info_.state == kDoublesBack || posQ0 == 0) return false;
+    const int posQ0 = SideOf(q0);
+    if (posQ0 == 0 || posQ0 == kDoublesBack) return false;
     contact = {cur_, 0.0, 1.0, LeftIf(posQ0 != 1)};
     return true;
   }
-  if (SideOfLine(cur_, q0, q1, eps2_) == 0) return MeetAtCorner(q0, q1, posQ0, posQ1, contact);  // CornerOnEdge
-  if (SamePoint(next_, q0, eps2_) || SamePoint(next_, q1, eps2_)) return false;                  // NextOnEnd
-  if (lineQ0 == 0 || lineQ1 == 0) return MeetOnEdge(q0, q1, lineQ0, lineQ1, contact);            // StartOnEdge, EndOnEdge
-  return SideOfLine(next_, q0, q1, eps2_) != 0 && Cross(q0, q1, contact);                        // Proper
+  if (SideOfLine(cur_, q0, q1, eps2_) == 0) return MeetAtCorner(q0, q1, contact);  // CornerOnEdge
+  if (SamePoint(next_, q0, eps2_) || SamePoint(next_, q1, eps2_)) return false;    // NextOnEnd
+  const double invLen2 = 1.0 / edge_.Length2();
+  const int lineQ0 = SideOfLine(q0, cur_, next_, invLen2, eps2_);
+  const int lineQ1 = SideOfLine(q1, cur_, next_, invLen2, eps2_);
+  if (lineQ0 == 0 || lineQ1 == 0) return MeetOnEdge(q0, q1, lineQ0, lineQ1, contact);  // StartOnEdge, EndOnEdge
+  return SideOfLine(next_, q0, q1, eps2_) != 0 && Cross(q0, q1, contact);              // Proper
 }
 
-bool Corner::MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, int posQ0, int posQ1, Contact& contact) const {
-  if (info_.state == kDoublesBack || posQ0 == posQ1) return false;
+bool Corner::MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
   const double t = ParamOnLine(cur_, q0, q1);
   if (!(0.0 <= t && t <= 1.0)) return false;
+  const int posQ0 = SideOf(q0);
+  const int posQ1 = SideOf(q1);
+  if (posQ0 == posQ1) return false;
   // From the right or, if q0 is on A, to the left.
   contact = {cur_, 0.0, t, LeftIf(posQ0 == -1 || (posQ0 == 0 && posQ1 == 1))};
   return true;

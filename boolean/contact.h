@@ -52,10 +52,10 @@ class Corner {
 
   Outcome MeetInTheOpen(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
   bool MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
-  bool MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, int posQ0, int posQ1, Contact& contact) const;
+  bool MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   bool MeetOnEdge(const ZBR_PT& q0, const ZBR_PT& q1, int lineQ0, int lineQ1, Contact& contact) const;
   bool Cross(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
-  void PrepareCorner();
+  int SideOf(const ZBR_PT& q);
 
   ZBR_PT prev_;
   ZBR_PT cur_;

@@ -80,8 +80,8 @@ bool Cleaner::DropUnbalanced(int side) {
   return dropped;
 }
 
-// Two records at one place of both sides: a passage found twice keeps the first, a touch keeps none. The last entry meets the first,
-// as neighbours do on a ring, but positions are compared as they stand.
+// Two records at one place of both sides: a passage found twice keeps the first, a touch keeps none. The last entry meets the
+// first, as neighbours do on a ring, but positions are compared as they stand.
 bool Cleaner::DropCoincidentAlongA() {
   const std::vector<PlacedCrossing>& list = side_[0];
   const std::size_t n = list.size();
@@ -179,7 +179,8 @@ void Cleaner::Number() {
 
 }  // namespace
 
-void CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed, SortedCrossings& sorted) {
+void CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed,
+                    SortedCrossings& sorted) {
   Cleaner cleaner(a, b, crosses, sorted);
   if (bothClosed && crosses.size() < 2) return cleaner.Clear();
   cleaner.Sort();

@@ -41,10 +41,16 @@ void SortOneEdge(std::vector<PlacedCrossing>& placed, std::size_t first, std::si
 }
 
 // Positions that name an edge; anything else (a caller's own records) is sorted by comparing alone.
-bool HasEdge(double pos) { return pos >= 0.0 && pos < 4294967295.0; }
-std::uint32_t EdgeOf(const PlacedCrossing& p) { return static_cast<std::uint32_t>(p.pos); }
+bool HasEdge(double pos) {
+  return pos >= 0.0 && pos < 4294967295.0;
+}
+std::uint32_t EdgeOf(const PlacedCrossing& p) {
+  return static_cast<std::uint32_t>(p.pos);
+}
 // Biased so that unsigned order is the order of the signed keys.
-std::uint64_t LoopKey(const PlacedCrossing& p) { return static_cast<std::uint64_t>(p.loop) ^ (std::uint64_t{1} << 63U); }
+std::uint64_t LoopKey(const PlacedCrossing& p) {
+  return static_cast<std::uint64_t>(p.loop) ^ (std::uint64_t{1} << 63U);
+}
 
 }  // namespace
 
@@ -58,7 +64,8 @@ void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<
     haveEdges &= HasEdge(at.pos);
   }
   if (!haveEdges) {
-    std::stable_sort(placed.begin(), placed.end(), [&less](const PlacedCrossing& x, const PlacedCrossing& y) { return less(x.index, y.index); });
+    std::stable_sort(placed.begin(), placed.end(),
+                     [&less](const PlacedCrossing& x, const PlacedCrossing& y) { return less(x.index, y.index); });
     return;
   }
   const auto byEdge = [](const PlacedCrossing& x, const PlacedCrossing& y) {
@@ -66,8 +73,8 @@ void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<
   };
   if (!std::is_sorted(placed.begin(), placed.end(), byEdge)) {
     std::vector<PlacedCrossing> scratch;
-    RadixSort(placed, scratch, EdgeOf);
-    RadixSort(placed, scratch, LoopKey);
+    RadixSort(placed, scratch, [](const PlacedCrossing& p) { return EdgeOf(p); });
+    RadixSort(placed, scratch, [](const PlacedCrossing& p) { return LoopKey(p); });
   }
   for (std::size_t first = 0; first < placed.size();) {
     std::size_t last = first + 1;

@@ -9,8 +9,12 @@
 namespace zbr {
 
 // The record of one side of a crossing: 0 for a, 1 for b.
-inline const ZBR_CROSS_AB& Side(const ZBR_CROSS& c, int side) { return side == 0 ? c.a : c.b; }
-inline ZBR_CROSS_AB& Side(ZBR_CROSS& c, int side) { return side == 0 ? c.a : c.b; }
+inline const ZBR_CROSS_AB& Side(const ZBR_CROSS& c, int side) {
+  return side == 0 ? c.a : c.b;
+}
+inline ZBR_CROSS_AB& Side(ZBR_CROSS& c, int side) {
+  return side == 0 ? c.a : c.b;
+}
 
 // What walks along a side need of a crossing, close together: the records themselves lie in the order in which they were found, and
 // reading them in any other order costs more than the walk.

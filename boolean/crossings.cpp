@@ -52,12 +52,6 @@ CornerTable CornersOf(const IndexedRing& ring, double eps2) {
   return table;
 }
 
-// The sides of the box beyond which p lies, a bit each (Cohen and Sutherland's outcode).
-unsigned SidesBeyond(const ZBR_PT& p, const Box& box) {
-  return static_cast<unsigned>(p.x() > box.xmax) | static_cast<unsigned>(p.x() < box.xmin) << 1U |
-         static_cast<unsigned>(p.y() > box.ymax) << 2U | static_cast<unsigned>(p.y() < box.ymin) << 3U;
-}
-
 // Where a record stands in the wanted order.
 struct Rank {
   std::uint32_t a;  // polygon of A, numbered through the list
@@ -158,8 +152,8 @@ class CrossingSearch {
     }
   }
 
-  // The tests on whole loops, by their cached boxes. The search implies them, but for the last bit of a rounded margin and for caches
-  // that a caller has let go stale.
+  // The tests on whole loops, by their cached boxes. The search implies them, but for the last bit of a rounded margin and for
+  // caches that a caller has let go stale.
   static bool LoopBoxesMeet(const Box& a, const Box& b, const Box& edgeBox) {
     return b.xmin <= a.xmax + kBoxMargin && a.xmin <= b.xmax + kBoxMargin && b.ymin <= a.ymax + kBoxMargin &&
            a.ymin <= b.ymax + kBoxMargin && Overlap(b, edgeBox);

@@ -11,8 +11,8 @@
 
 namespace zbr {
 
-// One side's sorted crossings in the compact form that the walks use. A crossing is named by its place along A, so that walks along A,
-// whose neighbours are records that lie together, need no table.
+// One side's sorted crossings in the compact form that the walks use. A crossing is named by its place along A, so that walks along
+// A, whose neighbours are records that lie together, need no table.
 struct SideOrder {
   struct Run {
     std::uint32_t first;

@@ -8,7 +8,6 @@
 #include "boolean/trace.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "boolean/cross_sort.h"
 #include "boolean/polygons.h"
@@ -24,26 +23,32 @@ struct VertexRange {
   std::size_t count = 0;
 };
 
+// The vertices next to position p on a ring of n points, p itself excluded; 0 <= p < n.
+std::size_t VertexAfter(double p, std::size_t n) {
+  const std::size_t after = static_cast<std::size_t>(p) + 1;
+  return after == n ? 0 : after;
+}
+
+std::size_t VertexBefore(double p, std::size_t n) {
+  const auto whole = static_cast<std::size_t>(p);
+  if (static_cast<double>(whole) != p) return whole;
+  return (whole == 0 ? n : whole) - 1;
+}
+
 VertexRange ForwardRange(double p1, double p2, std::size_t n) {
-  const double up = std::ceil(p1);
-  const double down = std::floor(p2);
-  std::size_t first = static_cast<std::size_t>(up) + (up == p1 ? 1 : 0);
-  if (first == n) first = 0;
-  const std::size_t last = down != p2 ? static_cast<std::size_t>(down) : (down == 0.0 ? n : static_cast<std::size_t>(down)) - 1;
+  const std::size_t first = VertexAfter(p1, n);
+  const std::size_t last = VertexBefore(p2, n);
+  const std::size_t steps = last >= first ? last - first : last + n - first;
   const bool isEmpty = p2 > p1 || (p2 == 0.0 && p1 != 0.0);
-  if ((last + 1 == n ? 0 : last + 1) == first) return {first, isEmpty ? 0 : n};
-  return {first, (last + n - first) % n + 1};
+  return {first, steps + 1 == n && isEmpty ? 0 : steps + 1};
 }
 
 VertexRange BackwardRange(double p1, double p2, std::size_t n) {
-  const double down = std::floor(p1);
-  const double up = std::ceil(p2);
-  const std::size_t first = down != p1 ? static_cast<std::size_t>(down) : (down == 0.0 ? n : static_cast<std::size_t>(down)) - 1;
-  std::size_t last = static_cast<std::size_t>(up) + (up == p2 ? 1 : 0);
-  if (last == n) last = 0;
+  const std::size_t first = VertexBefore(p1, n);
+  const std::size_t last = VertexAfter(p2, n);
+  const std::size_t steps = first >= last ? first - last : first + n - last;
   const bool isEmpty = p2 < p1 || (p1 == 0.0 && p2 != 0.0);
-  if ((last == 0 ? n - 1 : last - 1) == first) return {first, isEmpty ? 0 : n};
-  return {first, (first + n - last) % n + 1};
+  return {first, steps + 1 == n && isEmpty ? 0 : steps + 1};
 }
 
 // One stretch of a path.
@@ -57,7 +62,8 @@ struct Stretch {
 
 class Tracer {
  public:
-  Tracer(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const TracedFamily& a, const TracedFamily& b)
+  Tracer(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const TracedFamily& a,
+         const TracedFamily& b)
       : crosses_(crosses), alongA_(alongA), families_{&a, &b} {}
 
   // Asks for the records of a path that is built soon: paths visit them in an order that the processor cannot foresee.
@@ -93,17 +99,18 @@ class Tracer {
   }
 
  private:
-  const ZBR_CROSS& CrossingAt(std::uint32_t placeOnA) const { return crosses_[static_cast<std::size_t>(alongA_[placeOnA].index)]; }
+  const ZBR_CROSS& CrossingAt(std::uint32_t placeOnA) const {
+    return crosses_[static_cast<std::size_t>(alongA_[placeOnA].index)];
+  }
 
   Stretch StretchBetween(const ZBR_CROSS& c1, const ZBR_CROSS& c2) const {
     const int side = c1.dir == ZBR_CROSS_TO_LEFT ? 0 : 1;
     const TracedFamily& family = *families_[side];
     const ZBR_CROSS_AB& from = Side(c1, side);
     const ZBR_CROSS_AB& to = Side(c2, side);
-    const ZBR_CROSS_LOOP key = from.loop;
-    const std::vector<ZBR_PT>& ring = PolygonAt(*family.loops, key)->pt();
-    const std::uint32_t number =
-        (*family.firstPolygon)[static_cast<std::size_t>(key.loop())] + static_cast<std::uint32_t>(key.poly());
+    const std::size_t number =
+        (*family.firstPolygon)[static_cast<std::size_t>(from.loop.loop())] + static_cast<std::size_t>(from.loop.poly());
+    const std::vector<ZBR_PT>& ring = (**(*family.polygons)[number].loop).pt();
     const bool areNeighbours = family.forward ? from.seq + 1 == to.seq : to.seq + 1 == from.seq;
     Stretch stretch{&ring, {}, family.forward, (*family.seen)[number].hasRepeats, false};
     if (WithinTol(from.pos, to.pos, t_tolerance.eps) && areNeighbours) {

@@ -16,7 +16,7 @@ using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
 // One family of polygons as the tracer reads it.
 struct TracedFamily {
-  const LoopList* loops = nullptr;
+  const std::vector<Polygon>* polygons = nullptr;            // in list order
   const std::vector<std::uint32_t>* firstPolygon = nullptr;  // number of each loop's polygon 0
   const std::vector<SearchedPolygon>* seen = nullptr;        // by polygon number
   bool forward = true;

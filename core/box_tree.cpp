@@ -65,9 +65,9 @@ namespace {
 
 constexpr double kCells = 65535.0;  // per axis, so that codes have 32 bits
 
-// Place of a cell along the Hilbert curve (Hilbert 1891). Each step takes one bit of either coordinate, names the quadrant, and turns
-// the rest of the coordinates so that the curve through that quadrant runs like the one through the whole. Without branches: their
-// outcome would be random.
+// Place of a cell along the Hilbert curve (Hilbert 1891). Each step takes one bit of either coordinate, names the quadrant, and
+// turns the rest of the coordinates so that the curve through that quadrant runs like the one through the whole. Without branches:
+// their outcome would be random.
 std::uint32_t HilbertCode(std::uint32_t x, std::uint32_t y) {
   std::uint32_t code = 0;
   for (int bit = 15; bit >= 0; --bit) {

@@ -1,6 +1,7 @@
 // Stable sorting by unsigned integer keys, digit by digit.
 //
-// Least significant digit first, 11 bits at a time, from one bit in which keys differ to the next. Linear, and several times faster than comparing for the hundred thousands of small records that the crossings and loops become.
+// Least significant digit first, 11 bits at a time, from one bit in which keys differ to the next. Linear, and several times faster
+// than comparing for the hundred thousands of small records that the crossings and loops become.
 #pragma once
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // A box hierarchy over the edges of many rings at once.
 //
 // Edges are taken in ring order, a leaf holding up to eight consecutive edges of one ring. With more than a few rings, the rings
-// follow one another along a space-filling curve, so that small neighbouring rings share parents however they are ordered in their list.
-// The index refers to the points given to it; they must outlive it and stay as they are.
+// follow one another along a space-filling curve, so that small neighbouring rings share parents however they are ordered in their
+// list. The index refers to the points given to it; they must outlive it and stay as they are.
 #pragma once
 
 #include <cstdint>

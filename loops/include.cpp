@@ -15,7 +15,7 @@ namespace zbr {
 namespace {
 
 // A linear test touches every point once; building an index costs about as much as this many of them.
-constexpr std::uint32_t kScansBeforeIndex = 12;
+constexpr std::uint32_t kScansBeforeIndex = 4;
 // Below this the linear test is no slower than the indexed one.
 constexpr std::size_t kMinIndexedPoints = 48;
 

@@ -1,10 +1,10 @@
 // Point location in logarithmic time, with the answers of the linear test.
 //
-// Idea: whether a point is on a vertex or an edge is decided by the same tests as there, on the edges of the few leaves whose boxes hold
-// the point. For inside and outside one ray counts edges, but not one by one: a node of the hierarchy is a chain of edges, and if its
-// box does not hold the point, all its crossings with the ray's line lie on one side of the point. Then the chain crosses the ray
-// oddly often exactly if its two ends lie on different sides of the line. Only nodes that hold the point are opened.
-// Why passing close to a vertex does no harm here: the side of every vertex is computed once, in one way, whichever edge or chain asks,
+// Idea: whether a point is on a vertex or an edge is decided by the same tests as there, on the edges of the few leaves whose boxes
+// hold the point. For inside and outside one ray counts edges, but not one by one: a node of the hierarchy is a chain of edges, and
+// if its box does not hold the point, all its crossings with the ray's line lie on one side of the point. Then the chain crosses
+// the ray oddly often exactly if its two ends lie on different sides of the line. Only nodes that hold the point are opened. Why
+// passing close to a vertex does no harm here: the side of every vertex is computed once, in one way, whichever edge or chain asks,
 // so the parity is that of a ring whose vertices are moved by rounding errors; and the point is farther than the tolerance from
 // every edge. (The linear test gives such a ray up and tries another; where it has tried them all and answers "unknown", this one
 // still decides.) Where coordinates are so large that rounding errors approach the tolerance the rings are scanned linearly.
@@ -21,7 +21,8 @@ namespace zbr {
 namespace {
 
 constexpr double kUnitRoundoff = 0x1p-53;
-// Offsets from the ray's line are sums of a few rounded products, so their error stays below this many units of the coordinates' size.
+// Offsets from the ray's line are sums of a few rounded products, so their error stays below this many units of the coordinates'
+// size.
 constexpr double kOffsetErrorUnits = 8.0;
 // Linear scanning starts where that error comes within this factor of eps.
 constexpr double kSafety = 4.0;

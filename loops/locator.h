@@ -10,9 +10,8 @@
 
 namespace zbr {
 
-// Answers for a set of rings what PointInRing answers for one, and decides where that is left with ZBR_PI_UNKNOWN; with several rings,
-// inside means an odd number of rings around.
-// The rings' points must outlive the locator.
+// Answers for a set of rings what PointInRing answers for one, and decides where that is left with ZBR_PI_UNKNOWN; with several
+// rings, inside means an odd number of rings around. The rings' points must outlive the locator.
 class RingLocator {
  public:
   // Rings of fewer than three points are left out, as nothing is ever on or in them.

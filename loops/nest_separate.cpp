@@ -8,8 +8,8 @@
 // the innermost container, which is the parent found here. Two conditions are checked rather than assumed: that the curves stay
 // apart by more than the tolerances of the inclusion test, and that every parent comes before its children in the insertion order
 // (else loops would move, and lists would be ordered differently).
-// Both searches use one hierarchy over single edges along a space-filling curve. Ring order would not do: the edges of concentric rings
-// have boxes that all overlap as soon as a few of a ring are taken together.
+// Both searches use one hierarchy over single edges along a space-filling curve. Ring order would not do: the edges of concentric
+// rings have boxes that all overlap as soon as a few of a ring are taken together.
 #include <algorithm>
 #include <cmath>
 #include <numeric>

@@ -4,10 +4,10 @@
 // need a look. One join of a hierarchy of first vertices with a hierarchy of boxes finds them; they are decided on the spot, while
 // both loops are near in memory, and the pairs answered yes, sorted by the later of the two loops, lie ready when that loop is
 // inserted.
-// Invariant: `parents` is the forest. A list of the forest holds its loops in insertion order: a new loop is appended, and loops that
-// move below a new loop keep their order and precede whatever is hung there later.
-// Where loops are nested thousands deep the pairs themselves grow with the square; then nest_separate.cpp takes over, and where
-// that cannot (the loops touch), the pairs are enumerated loop by loop without being stored.
+// Invariant: `parents` is the forest. A list of the forest holds its loops in insertion order: a new loop is appended, and loops
+// that move below a new loop keep their order and precede whatever is hung there later. Where loops are nested thousands deep the
+// pairs themselves grow with the square; then nest_separate.cpp takes over, and where that cannot (the loops touch), the pairs are
+// enumerated loop by loop without being stored.
 #include "loops/nesting.h"
 
 #include "core/radix_sort.h"
