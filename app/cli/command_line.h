@@ -1,0 +1,49 @@
+// The command line: every option of every command, declared once. Help texts and the manual page are made from this.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+
+namespace tool {
+
+// Prose of the manual beside the options; `zbr help TOPIC` prints one.
+struct Topic {
+  std::string name;
+  std::string text;  // paragraphs separated by blank lines, to be filled; lines that start with two blanks are kept as they are
+};
+const std::vector<Topic>& Topics();
+
+class CommandLine {
+ public:
+  CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  // Parses and runs. Returns the exit code.
+  int Run(std::vector<std::string> arguments);
+
+ private:
+  void DeclareInput(CLI::App& command, InputOptions& input);
+  void DeclareBool();
+  void DeclareNest();
+  void DeclareInside();
+  void DeclareFile(const std::string& name, const std::string& description, FileOptions& options);
+  void DeclareHelp();
+  int RunChosen();
+  int RunHelp();
+  int PrintHelp(const CLI::App& app) const;
+
+  CLI::App app_;
+  BoolOptions bool_;
+  NestOptions nest_;
+  InsideOptions inside_;
+  FileOptions info_, check_;
+  std::string topic_;
+  bool manual_ = false;
+};
+
+}  // namespace tool

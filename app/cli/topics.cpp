@@ -1,0 +1,85 @@
+#include "cli/command_line.h"
+
+namespace tool {
+
+const std::vector<Topic>& Topics() {
+  static const std::vector<Topic> kTopics = {
+      {"formats",
+       R"(The format of a file follows from its extension: .dxf, .geojson or .json, .wkt, .loops or .txt, and for output
+.svg. For '-', standard input or output, and for names with other extensions --format tells it; without it,
+standard output has the format of the first drawing.
+
+DXF (read and written): closed LWPOLYLINE and POLYLINE with bulges, CIRCLE, ELLIPSE, and LINE, ARC and open
+polylines that are joined end to end into loops. Arcs are replaced by chords (--deviation). The units
+($INSUNITS) are kept; a second drawing in other units is converted to those of the first. Other entities are
+left out, with a note. Blocks are not expanded. Results are LWPOLYLINEs on a layer named after each operation.
+
+GeoJSON (read and written): Polygon and MultiPolygon, alone or in Feature, FeatureCollection and
+GeometryCollection. Polygons of one file are united where they overlap. Results are a FeatureCollection with one
+MultiPolygon for each operation.
+
+WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, any number in one file. Polygons of one
+file are united where they overlap. Results are one line for each operation.
+
+text (read and written): one "x y" a line, a blank line between loops, '#' starts a comment:
+
+  # a triangle with a hole
+  0 0
+  9 0
+  0 9
+
+  1 1
+  3 1
+  1 3
+
+svg (written): a picture of the operands' outlines and the filled results.
+
+In DXF and text a point belongs to the drawing when an odd number of loops is around it, whatever the loops'
+directions. Numbers are written with the fewest digits that read back as the same number. Drawings are computed
+in a frame scaled by a power of two, so any unit and size does; loops of less than about 1e-16 of the area of the
+drawing's box are dropped.
+)"},
+      {"outputs",
+       R"(One operation: every -o names a file for its result.
+
+Several operations: they share one search for crossings. With as many outputs as operations each file holds one
+result, in the order of --op. A name with {op} stands for one file for each operation:
+
+  zbr bool --op union,a-b A.dxf B.dxf -o out-{op}.dxf
+
+Any other number of outputs: each file holds all results, as layers (DXF), features (GeoJSON), lines (WKT),
+blocks under a comment (text) or panels of one picture (SVG).
+
+Files appear when they are complete; after an error none is left behind.
+)"},
+      {"check",
+       R"(A drawing bounds a region when its loops close, enclose some area and neither cross themselves or each other nor
+run along each other; loops may touch. 'zbr check' prints one line 'file:line: finding at (x, y)' for each
+breach, with the line where the loop starts in the file. The other commands note the first breach on standard
+error and go on: open contours are left out, and results may be wrong where loops cross.
+)"},
+      {"exit",
+       R"(0: done. 1: 'zbr check' found something. 2: an error; one line on standard error tells which, for malformed
+files as 'file:line: cause'.
+)"},
+      {"examples",
+       R"(A picture of all five combinations of two drawings:
+
+  zbr bool --op union,intersection,a-b,b-a,xor bracket.dxf gasket.dxf -o all.svg
+
+The difference as DXF and as WKT, with sizes and times:
+
+  zbr bool --op a-b --stats bracket.dxf gasket.dxf -o cut.dxf -o cut.wkt
+
+Loops through a pipe:
+
+  zbr bool --op xor a.txt b.txt -o - | zbr info - --format text
+
+Which of the points are in the drawing:
+
+  zbr inside bracket.dxf 10 20 -5 0
+)"}};
+  return kTopics;
+}
+
+}  // namespace tool

@@ -1,0 +1,42 @@
+// Reading the drawings that a command works on.
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "formats/format.h"
+#include "geometry/frame.h"
+#include "geometry/region.h"
+#include "io/progress.h"
+
+namespace tool {
+
+struct Loaded {
+  std::vector<Contours> contours;    // one for each file
+  std::set<std::string> layers;      // names found in the files
+  int units = 0;                     // of the first file
+  Format format = Format::kUnknown;  // of the first file
+  Frame frame;                       // for all files together
+};
+
+// Reads the files and makes contours of them, with one set of tolerances and one frame, so that what coincides in the files still
+// does. A file in other units than the first is converted. What was left out is noted on standard error.
+Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress);
+
+// The region of a file; a note says where its rings cross.
+Region LoadRegion(const Contours& contours, const Frame& frame, Progress& progress);
+
+// "1 contour that does not close"
+std::string OpenText(std::size_t count);
+
+// "(x, y)"
+std::string PointText(const ZBR_PT& p);
+
+// What a contact is called: "loop crosses the loop of line 9 at (1, 2)".
+std::string Describe(const Contact& contact, const Contours& contours, const Frame& frame);
+
+Format FormatOption(const InputOptions& options);
+
+}  // namespace tool

@@ -1,0 +1,46 @@
+#include "commands/stats.h"
+
+#include <algorithm>
+#include <array>
+
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+using Row = std::array<std::string, 5>;
+
+Row RowOf(const std::string& label, const Layer& layer) {
+  return {label, std::to_string(CountVertices(layer.loops)), std::to_string(layer.loops.size() + CountHoles(layer.loops)),
+          std::to_string(CountHoles(layer.loops)), NumberText(layer.area)};
+}
+
+// The first column is aligned to the left, numbers to the right.
+std::string Table(const std::vector<Row>& rows) {
+  std::array<std::size_t, 5> widths{};
+  for (const Row& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  std::string text;
+  for (const Row& row : rows) {
+    text += row[0] + std::string(widths[0] - row[0].size(), ' ');
+    for (std::size_t i = 1; i < row.size(); ++i) text += std::string(2 + widths[i] - row[i].size(), ' ') + row[i];
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string Stats::Report(const std::vector<Layer>& operands, const std::vector<Layer>& results) const {
+  std::vector<Row> rows = {{"", "edges", "loops", "holes", "area"}};
+  constexpr std::array<const char*, 2> kLabels = {"A ", "B "};
+  for (std::size_t i = 0; i < operands.size(); ++i) rows.push_back(RowOf(kLabels[i] + operands[i].name, operands[i]));
+  for (const Layer& result : results) rows.push_back(RowOf(result.name, result));
+  std::string text = Table(rows) + "crossings  " + std::to_string(crossings) + "\n";
+  for (const auto& [name, milliseconds] : stages)
+    text += name + std::string(11 - name.size(), ' ') + FixedText(milliseconds, 2) + " ms\n";
+  return text;
+}
+
+}  // namespace tool

@@ -1,0 +1,23 @@
+// What --stats prints.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "geometry/region.h"
+
+namespace tool {
+
+struct Stats {
+  std::size_t crossings = 0;
+  std::vector<std::pair<std::string, double>> stages;  // name, milliseconds
+
+  void Stage(const std::string& name, double milliseconds) { stages.emplace_back(name, milliseconds); }
+
+  // A table of operands and results, the number of crossings, and the time of each stage.
+  std::string Report(const std::vector<Layer>& operands, const std::vector<Layer>& results) const;
+};
+
+}  // namespace tool

@@ -1,0 +1,77 @@
+#include "formats/format.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <string_view>
+
+#include "io/failure.h"
+#include "io/files.h"
+
+namespace tool {
+namespace {
+
+struct NamedFormat {
+  std::string_view name;
+  Format format;
+};
+
+constexpr std::array<NamedFormat, 5> kNames = {
+    {{"dxf", Format::kDxf}, {"geojson", Format::kGeoJson}, {"wkt", Format::kWkt}, {"text", Format::kText}, {"svg", Format::kSvg}}};
+
+constexpr std::array<NamedFormat, 7> kExtensions = {{{".dxf", Format::kDxf},
+                                                     {".geojson", Format::kGeoJson},
+                                                     {".json", Format::kGeoJson},
+                                                     {".wkt", Format::kWkt},
+                                                     {".loops", Format::kText},
+                                                     {".txt", Format::kText},
+                                                     {".svg", Format::kSvg}}};
+
+template <class Table>
+Format Find(const Table& table, std::string_view name) {
+  for (const NamedFormat& entry : table) {
+    if (entry.name == name) return entry.format;
+  }
+  return Format::kUnknown;
+}
+
+}  // namespace
+
+Format FormatOf(const std::string& file, Format fallback) {
+  std::string extension = std::filesystem::path(file).extension().string();
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  const Format format = Find(kExtensions, extension);
+  return format != Format::kUnknown ? format : fallback;
+}
+
+Format FormatByName(const std::string& name) {
+  return Find(kNames, name);
+}
+
+std::string NameOf(Format format) {
+  for (const NamedFormat& entry : kNames) {
+    if (entry.format == format) return std::string(entry.name);
+  }
+  return "unknown";
+}
+
+Drawing ReadDrawing(const std::string& file, Format fallback) {
+  const Format format = FormatOf(file, fallback);
+  if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
+  if (format == Format::kSvg) throw Failure(file + ": pictures are written, not read");
+  const std::string text = ReadFile(file);
+  if (format == Format::kDxf) return ReadDxf(text, file);
+  if (format == Format::kGeoJson) return ReadGeoJson(text, file);
+  if (format == Format::kWkt) return ReadWkt(text, file);
+  return ReadLoopText(text, file);
+}
+
+std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units) {
+  if (format == Format::kDxf) return WriteDxf(layers, units);
+  if (format == Format::kGeoJson) return WriteGeoJson(layers, units);
+  if (format == Format::kWkt) return WriteWkt(layers);
+  return WriteLoopText(layers);
+}
+
+}  // namespace tool

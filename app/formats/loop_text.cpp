@@ -1,0 +1,98 @@
+// Plain text of loops: a line for each point, x and y separated by blanks or a comma; a blank line between loops; '#' starts a
+// comment. Every loop is closed; stating the first point again at the end is allowed.
+
+#include <optional>
+#include <string_view>
+
+#include "formats/format.h"
+#include "io/failure.h"
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\f\v";
+
+std::string_view NextToken(std::string_view& rest) {
+  const std::size_t start = rest.find_first_not_of(kBlanks);
+  if (start == std::string_view::npos) return rest = {};
+  const std::size_t end = std::min(rest.find_first_of(kBlanks, start), rest.size());
+  const std::string_view token = rest.substr(start, end - start);
+  rest.remove_prefix(end);
+  return token;
+}
+
+class LoopTextReader {
+ public:
+  explicit LoopTextReader(const std::string& file) { drawing_.file = file; }
+
+  Drawing Read(std::string_view text) {
+    while (!text.empty()) {
+      ++line_;
+      const std::size_t end = std::min(text.find('\n'), text.size());
+      ReadLine(text.substr(0, end));
+      text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return std::move(drawing_);
+  }
+
+ private:
+  void ReadLine(std::string_view text) {
+    const std::size_t comment = text.find('#');
+    std::string line(text.substr(0, comment));
+    for (char& c : line) c = c == ',' ? ' ' : c;
+    std::string_view rest = line;
+    const std::string_view x = NextToken(rest);
+    if (x.empty()) {
+      inLoop_ = inLoop_ && comment != std::string_view::npos;  // a comment between points does not end the loop
+      return;
+    }
+    const std::string_view y = NextToken(rest);
+    if (y.empty()) FailAt(drawing_.file, line_, "a point needs two numbers");
+    if (const std::string_view more = NextToken(rest); !more.empty()) FailAt(drawing_.file, line_, "unexpected " + Quoted(more));
+    if (!inLoop_) {
+      drawing_.paths.emplace_back();
+      drawing_.paths.back().closed = true;
+      drawing_.paths.back().line = line_;
+    }
+    inLoop_ = true;
+    AddPoint({Coordinate(x), Coordinate(y)});
+  }
+
+  double Coordinate(std::string_view token) const {
+    const std::optional<double> value = ParseNumber(token);
+    if (!value) FailAt(drawing_.file, line_, Quoted(token) + " is not a finite number");
+    return *value;
+  }
+
+  void AddPoint(const ZBR_PT& p) { drawing_.paths.back().points.push_back(p); }
+
+  Drawing drawing_;
+  std::size_t line_ = 0;
+  bool inLoop_ = false;
+};
+
+}  // namespace
+
+Drawing ReadLoopText(const std::string& text, const std::string& file) {
+  return LoopTextReader(file).Read(text);
+}
+
+std::string WriteLoopText(const std::vector<Layer>& layers) {
+  std::string text;
+  for (const Layer& layer : layers) {
+    if (layers.size() > 1) text += "# " + layer.name + "\n\n";
+    ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) {
+      for (const ZBR_PT& p : ring.pt()) {
+        AppendNumber(text, p.x());
+        text += ' ';
+        AppendNumber(text, p.y());
+        text += '\n';
+      }
+      text += '\n';
+    });
+  }
+  return text;
+}
+
+}  // namespace tool

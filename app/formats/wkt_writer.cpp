@@ -1,0 +1,49 @@
+// Well-known text: one line for each result.
+
+#include "formats/format.h"
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+void AppendRing(std::string& text, const std::vector<ZBR_PT>& points) {
+  text += '(';
+  for (std::size_t i = 0; i <= points.size(); ++i) {
+    const ZBR_PT& p = points[i % points.size()];  // rings repeat their first point
+    if (i > 0) text += ", ";
+    AppendNumber(text, p.x());
+    text += ' ';
+    AppendNumber(text, p.y());
+  }
+  text += ')';
+}
+
+void AppendPolygon(std::string& text, const ZBR_LOOP& outer) {
+  text += '(';
+  AppendRing(text, outer.pt());
+  for (const auto& hole : outer.children()) {
+    text += ", ";
+    AppendRing(text, hole->pt());
+  }
+  text += ')';
+}
+
+}  // namespace
+
+std::string WriteWkt(const std::vector<Layer>& layers) {
+  std::string text;
+  for (const Layer& layer : layers) {
+    text += layer.loops.size() == 1 ? "POLYGON " : "MULTIPOLYGON ";
+    if (layer.loops.empty()) text += "EMPTY";
+    if (layer.loops.size() > 1) text += '(';
+    for (std::size_t i = 0; i < layer.loops.size(); ++i) {
+      if (i > 0) text += ", ";
+      AppendPolygon(text, *layer.loops[i]);
+    }
+    if (layer.loops.size() > 1) text += ')';
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace tool

@@ -1,0 +1,129 @@
+#include "io/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+
+#include "io/failure.h"
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void FailWithErrno(const std::string& name, const char* what) {
+  throw Failure(name + ": " + what + ": " + std::strerror(errno));
+}
+
+void WriteAll(int descriptor, const std::string& contents, const std::string& name) {
+  std::size_t done = 0;
+  while (done < contents.size()) {
+    const ssize_t n = ::write(descriptor, contents.data() + done, contents.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) FailWithErrno(name, "cannot write");
+    done += static_cast<std::size_t>(n);
+  }
+}
+
+void WriteDirectly(const std::string& name, const std::string& contents) {
+  const int descriptor = ::open(name.c_str(), O_WRONLY | O_CLOEXEC);
+  if (descriptor < 0) FailWithErrno(name, "cannot open");
+  const std::unique_ptr<const int, void (*)(const int*)> closer(&descriptor, [](const int* d) { ::close(*d); });
+  WriteAll(descriptor, contents, name);
+}
+
+// mkstemp creates private files; an output has the mode of the file it replaces, or that of any new file.
+void SetMode(int descriptor, const std::string& target) {
+  struct stat old;
+  if (::stat(target.c_str(), &old) == 0) {
+    ::fchmod(descriptor, old.st_mode & 07777U);
+    return;
+  }
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  ::fchmod(descriptor, 0666U & ~mask);
+}
+
+bool IsRegularOrNew(const std::string& name) {
+  std::error_code ignored;
+  const fs::file_status status = fs::status(name, ignored);
+  if (fs::is_directory(status)) throw Failure(name + ": is a directory");
+  return !fs::exists(status) || fs::is_regular_file(status);
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& name) {
+  const bool standardInput = name == "-";
+  std::error_code ignored;
+  if (!standardInput && fs::is_directory(name, ignored)) throw Failure(name + ": is a directory");
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> owned(nullptr, &std::fclose);
+  std::FILE* stream = stdin;
+  if (!standardInput) {
+    owned.reset(std::fopen(name.c_str(), "rb"));
+    if (!owned) FailWithErrno(name, "cannot open");
+    stream = owned.get();
+  }
+  std::string contents;
+  constexpr std::size_t kBlock = std::size_t{1} << 20;
+  std::size_t got = kBlock;
+  while (got == kBlock) {
+    const std::size_t before = contents.size();
+    contents.resize(before + kBlock);
+    got = std::fread(contents.data() + before, 1, kBlock, stream);
+    contents.resize(before + got);
+  }
+  if (std::ferror(stream) != 0) FailWithErrno(name, "cannot read");
+  return contents;
+}
+
+std::string BaseName(const std::string& name) {
+  return name == "-" ? "standard input" : fs::path(name).filename().string();
+}
+
+OutputFiles::~OutputFiles() {
+  for (const Pending& file : files_) {
+    if (!file.temporary.empty()) ::unlink(file.temporary.c_str());
+  }
+}
+
+void OutputFiles::Add(const std::string& name, std::string contents) {
+  for (const Pending& file : files_) {
+    if (file.name == name) throw Failure(name + ": named twice as output");
+  }
+  files_.push_back({name, std::move(contents), "", name});
+}
+
+void OutputFiles::Commit() {
+  for (Pending& file : files_) {
+    if (file.name == "-" || !IsRegularOrNew(file.name)) continue;
+    std::error_code ignored;
+    if (fs::is_symlink(file.name, ignored)) file.target = fs::weakly_canonical(file.name).string();  // the link itself stays
+    std::string pattern = file.target + ".XXXXXX";
+    const int descriptor = ::mkstemp(pattern.data());
+    if (descriptor < 0) FailWithErrno(file.name, "cannot write");
+    file.temporary = pattern;
+    const std::unique_ptr<const int, void (*)(const int*)> closer(&descriptor, [](const int* d) { ::close(*d); });
+    SetMode(descriptor, file.target);
+    WriteAll(descriptor, file.contents, file.name);
+  }
+  for (Pending& file : files_) {
+    if (file.name == "-") {
+      WriteAll(STDOUT_FILENO, file.contents, "standard output");
+    } else if (file.temporary.empty()) {
+      WriteDirectly(file.name, file.contents);
+    } else if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) {
+      FailWithErrno(file.name, "cannot write");
+    } else {
+      file.temporary.clear();
+    }
+  }
+}
+
+}  // namespace tool

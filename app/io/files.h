@@ -1,0 +1,39 @@
+// Whole files in, whole files out. "-" names standard input or output.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+// The contents of a file. Fails when it cannot be read.
+std::string ReadFile(const std::string& name);
+
+// The name as shown to people: "standard input" has no better one than "-".
+std::string BaseName(const std::string& name);
+
+// Files that appear complete or not at all: each is written under a temporary name beside its target, and only when all of them
+// are on disk are they renamed. Targets that are no regular files (pipes, devices) are written directly.
+class OutputFiles {
+ public:
+  OutputFiles() = default;
+  OutputFiles(const OutputFiles&) = delete;
+  OutputFiles& operator=(const OutputFiles&) = delete;
+  ~OutputFiles();
+
+  // Fails when the name was added before.
+  void Add(const std::string& name, std::string contents);
+  void Commit();
+
+ private:
+  struct Pending {
+    std::string name;
+    std::string contents;
+    std::string temporary;  // empty until written, and again once renamed
+    std::string target;
+  };
+  std::vector<Pending> files_;
+};
+
+}  // namespace tool

@@ -1,0 +1,99 @@
+#include "picture/svg_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace tool {
+namespace {
+
+constexpr double kMergeDistance = 0.05;  // pixels: far below what a screen or a printer shows
+
+// Length of the UTF-8 sequence that starts here; 0 if there is none.
+std::size_t SequenceLength(const std::string& text, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+  const unsigned first = byte(at);
+  const std::size_t length = first < 0x80                      ? 1
+                             : (first >= 0xC2 && first < 0xE0) ? 2
+                             : (first >= 0xE0 && first < 0xF0) ? 3
+                             : (first >= 0xF0 && first < 0xF5) ? 4
+                                                               : 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(at + i) & 0xC0U) != 0x80) return 0;
+  }
+  return length;
+}
+
+void AppendPx(std::string& text, double value) {
+  std::array<char, 64> buffer;
+  const double hundredths = std::round(value * 100.0) / 100.0 + 0.0;
+  text.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), hundredths).ptr);
+}
+
+void AppendPoint(std::string& text, char command, const ZBR_PT& p) {
+  text += command;
+  AppendPx(text, p.x());
+  text += ' ';
+  AppendPx(text, p.y());
+}
+
+}  // namespace
+
+PageMap::PageMap(const Extent& extent, double width, double height) : boxMiddle_(width / 2, height / 2), scale_(1.0) {
+  if (extent.empty()) return;
+  middle_.Set(extent.xmin / 2 + extent.xmax / 2, extent.ymin / 2 + extent.ymax / 2);
+  const double halfWidth = extent.xmax / 2 - extent.xmin / 2;
+  const double halfHeight = extent.ymax / 2 - extent.ymin / 2;
+  if (halfWidth > 0 || halfHeight > 0) scale_ = 1.0 / std::max(halfWidth / (width / 2), halfHeight / (height / 2));
+}
+
+ZBR_PT PageMap::operator()(const ZBR_PT& p) const {
+  return ZBR_PT(boxMiddle_.x() + (p.x() - middle_.x()) * scale_, boxMiddle_.y() - (p.y() - middle_.y()) * scale_);
+}
+
+std::string Escaped(const std::string& text) {
+  std::string escaped;
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = SequenceLength(text, i);
+    const char c = text[i];
+    if (length == 0 || (length == 1 && static_cast<unsigned char>(c) < 0x20)) {
+      escaped += '?';
+    } else if (c == '&' || c == '<' || c == '>' || c == '"') {
+      escaped += c == '&' ? "&amp;" : (c == '<' ? "&lt;" : (c == '>' ? "&gt;" : "&quot;"));
+    } else {
+      escaped += text.substr(i, length);
+    }
+    i += std::max<std::size_t>(length, 1);
+  }
+  return escaped;
+}
+
+std::string Px(double value) {
+  std::string text;
+  AppendPx(text, value);
+  return text;
+}
+
+std::string PathData(const LoopList& loops, const PageMap& map) {
+  std::string text;
+  ForEachRing(loops, [&](const ZBR_LOOP& ring) {
+    if (ring.pt().empty()) return;
+    ZBR_PT last = map(ring.pt().front());
+    AppendPoint(text, 'M', last);
+    for (const ZBR_PT& p : ring.pt()) {
+      const ZBR_PT q = map(p);
+      if (q.Distance(last) < kMergeDistance) continue;
+      AppendPoint(text, 'L', q);
+      last = q;
+    }
+    text += "Z\n";
+  });
+  return text;
+}
+
+std::string TextElement(double x, double y, const std::string& style, const std::string& text) {
+  return "<text x=\"" + Px(x) + "\" y=\"" + Px(y) + "\" " + style + ">" + Escaped(text) + "</text>\n";
+}
+
+}  // namespace tool

@@ -1,0 +1,36 @@
+// Pieces of SVG text.
+#pragma once
+
+#include <zbr/planar.h>
+
+#include <string>
+
+#include "geometry/region.h"
+
+namespace tool {
+
+// Maps a drawing into a box that starts at the origin, y up becoming y down, centred and with equal scale on both axes.
+class PageMap {
+ public:
+  PageMap(const Extent& extent, double width, double height);
+  ZBR_PT operator()(const ZBR_PT& p) const;
+  double PixelsPerUnit() const { return scale_; }
+
+ private:
+  ZBR_PT middle_, boxMiddle_;
+  double scale_;
+};
+
+// Attributes and text content with the characters that mean something to XML replaced; bytes that are not valid UTF-8 become '?'.
+std::string Escaped(const std::string& text);
+
+// A coordinate of the page, to a hundredth of a pixel.
+std::string Px(double value);
+
+// Path data for all rings of nested loops.
+std::string PathData(const LoopList& loops, const PageMap& map);
+
+// <text>; style holds attributes.
+std::string TextElement(double x, double y, const std::string& style, const std::string& text);
+
+}  // namespace tool

@@ -1,0 +1,91 @@
+// Peak memory of a Boolean above its loaded inputs, results included, for our library and its peers.
+//
+// Each measurement is a process of its own, forked when the input is loaded and the freed memory is given back: its resident set
+// then starts as the parent's, and its high-water mark counts what the run touches beyond that. Prints, as comma-separated values,
+// family, size, operation, peer, and the peak in MiB. For Linux.
+
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "peer.h"
+#include "selection.h"
+
+namespace bench {
+namespace {
+
+const std::vector<Sizes> kSizes = {{"coast", {100'000}, {1'000'000}}};
+
+// A value of this process's status file, in MiB.
+double StatusMib(const std::string& key) {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  double kib = 0.0;
+  while (status >> word) {
+    if (word == key + ":") status >> kib;
+  }
+  return kib / 1024.0;
+}
+
+// Runs in the forked process; returns its exit code.
+int MeasureHere(BooleanPeer& peer, const std::vector<Op>& ops, const std::string& name) {
+  const double before = StatusMib("VmRSS");
+  try {
+    peer.Run(ops);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", name.c_str(), error.what());
+    return 1;
+  }
+  std::printf("%s,%.1f\n", name.c_str(), StatusMib("VmHWM") - before);
+  std::fflush(stdout);
+  return 0;
+}
+
+// Whether the measurement succeeded.
+bool MeasureForked(BooleanPeer& peer, const std::vector<Op>& ops, const std::string& name) {
+  malloc_trim(0);
+  std::fflush(stdout);
+  const pid_t child = fork();
+  if (child == 0) _exit(MeasureHere(peer, ops, name));
+  int status = 0;
+  return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool MeasureFamily(const PairFamily& family, std::size_t size) {
+  bool good = true;
+  for (const Entry<BooleanPeer>& entry : BooleanPeers()) {
+    const auto peer = entry.make();
+    peer->Load(family.make(size));
+    const auto measure = [&](const std::string& operation, const std::vector<Op>& ops) {
+      good &= MeasureForked(*peer, ops, std::string(family.name) + "," + std::to_string(size) + "," + operation + "," + entry.name);
+    };
+    for (const Op op : kAllOps) {
+      if (!IsLeftOut(entry.name, family.name, OpName(op), size)) measure(OpName(op), {op});
+    }
+    if (&entry == &BooleanPeers().front()) measure("all", std::vector<Op>(std::begin(kAllOps), std::end(kAllOps)));
+  }
+  return good;
+}
+
+}  // namespace
+}  // namespace bench
+
+int main(int argc, char** argv) {
+  const bench::Selection selection = bench::ParseSelection(argc, argv, bench::kSizes);
+  bool good = true;
+  for (const bench::Sizes& sizes : bench::kSizes) {
+    if (!selection.Wants(sizes.family)) continue;
+    for (const bench::PairFamily& family : bench::PairFamilies()) {
+      if (family.name != sizes.family) continue;
+      for (const std::size_t size : selection.Of(sizes)) good &= bench::MeasureFamily(family, size);
+    }
+  }
+  return good ? 0 : 1;
+}

@@ -1,0 +1,155 @@
+// Clipper 6.4, which works on integer coordinates.
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <polyclipping/clipper.hpp>
+#include <stdexcept>
+#include <vector>
+
+#include "peers.h"
+
+namespace bench {
+namespace {
+
+using ClipperLib::cInt;
+using ClipperLib::IntPoint;
+using ClipperLib::Path;
+using ClipperLib::Paths;
+using ClipperLib::PolyNode;
+using ClipperLib::PolyTree;
+
+ClipperLib::ClipType ClipType(Op op) {
+  switch (op) {
+    case Op::kUnion:
+      return ClipperLib::ctUnion;
+    case Op::kIntersection:
+      return ClipperLib::ctIntersection;
+    case Op::kAMinusB:
+    case Op::kBMinusA:
+      return ClipperLib::ctDifference;
+    case Op::kXor:
+      return ClipperLib::ctXor;
+  }
+  return ClipperLib::ctUnion;
+}
+
+std::vector<Ring> RingsOf(const Region& region) {
+  std::vector<Ring> rings;
+  for (const Polygon& polygon : region) {
+    rings.push_back(polygon.outer);
+    rings.insert(rings.end(), polygon.holes.begin(), polygon.holes.end());
+  }
+  return rings;
+}
+
+double LargestCoordinate(const std::vector<Ring>& rings) {
+  double largest = 0.0;
+  for (const Ring& ring : rings) {
+    for (const ZBR_PT& p : ring) largest = std::max({largest, std::abs(p.x()), std::abs(p.y())});
+  }
+  return largest;
+}
+
+// The largest power of two that keeps coordinates within 30 bits, where Clipper multiplies in plain 64-bit integers. Beyond that it
+// turns to a slow 128-bit arithmetic, and the measurement would be of that.
+double ScaleFor(double largest) {
+  constexpr double kFinest = 0x1p20;  // the grid of the workloads: finer gains nothing
+  double scale = kFinest;
+  while (largest * scale > 0x3fffffff) scale *= 0.5;
+  return scale;
+}
+
+Paths Scaled(const std::vector<Ring>& rings, double scale) {
+  Paths paths;
+  for (const Ring& ring : rings) {
+    Path path;
+    for (const ZBR_PT& p : ring) path.emplace_back(std::llround(p.x() * scale), std::llround(p.y() * scale));
+    paths.push_back(std::move(path));
+  }
+  return paths;
+}
+
+// Clipper gives holes the opposite orientation, so that their areas are negative.
+Summary Summarise(const Paths& paths, double scale) {
+  Summary summary;
+  for (const Path& path : paths) summary.Add(ClipperLib::Area(path) / (scale * scale));
+  return summary;
+}
+
+Summary Summarise(const PolyTree& tree, double scale) {
+  Summary summary;
+  for (const PolyNode* node = tree.GetFirst(); node != nullptr; node = node->GetNext()) {
+    summary.Add(ClipperLib::Area(node->Contour) / (scale * scale));
+  }
+  return summary;
+}
+
+// Solution is Paths, a flat list, or PolyTree, which tells what lies in what.
+template <class Solution>
+class ClipperBoolean : public BooleanPeer {
+ public:
+  void Load(const RegionPair& pair) override {
+    const std::vector<Ring> a = RingsOf(pair.a);
+    const std::vector<Ring> b = RingsOf(pair.b);
+    scale_ = ScaleFor(std::max(LargestCoordinate(a), LargestCoordinate(b)));
+    const Paths pathsA = Scaled(a, scale_);
+    const Paths pathsB = Scaled(b, scale_);
+    forward_.AddPaths(pathsA, ClipperLib::ptSubject, true);
+    forward_.AddPaths(pathsB, ClipperLib::ptClip, true);
+    backward_.AddPaths(pathsB, ClipperLib::ptSubject, true);
+    backward_.AddPaths(pathsA, ClipperLib::ptClip, true);
+  }
+  void Run(const std::vector<Op>& ops) override {
+    for (const Op op : ops) {
+      auto& clipper = op == Op::kBMinusA ? backward_ : forward_;
+      solutions_.push_back(std::make_unique<Solution>());
+      if (!clipper.Execute(ClipType(op), *solutions_.back(), ClipperLib::pftEvenOdd)) throw std::runtime_error("Execute failed");
+    }
+  }
+  std::vector<Summary> Describe() const override {
+    std::vector<Summary> summaries;
+    for (const auto& solution : solutions_) summaries.push_back(Summarise(*solution, scale_));
+    return summaries;
+  }
+  void Drop() override { solutions_.clear(); }
+
+ private:
+  double scale_ = 1.0;
+  ClipperLib::Clipper forward_;   // A is the subject
+  ClipperLib::Clipper backward_;  // B is, for B - A
+  std::vector<std::unique_ptr<Solution>> solutions_;
+};
+
+// Nesting of rings that do not cross: their even-odd union, as a tree.
+class ClipperNest : public NestPeer {
+ public:
+  void Load(const std::vector<Ring>& rings) override {
+    scale_ = ScaleFor(LargestCoordinate(rings));
+    clipper_.AddPaths(Scaled(rings, scale_), ClipperLib::ptSubject, true);
+  }
+  void Run() override {
+    if (!clipper_.Execute(ClipperLib::ctUnion, tree_, ClipperLib::pftEvenOdd)) throw std::runtime_error("Execute failed");
+  }
+  Summary Describe() const override { return Summarise(tree_, scale_); }
+  void Drop() override { tree_.Clear(); }
+
+ private:
+  double scale_ = 1.0;
+  ClipperLib::Clipper clipper_;
+  PolyTree tree_;
+};
+
+}  // namespace
+
+std::unique_ptr<BooleanPeer> MakeClipperFlat() {
+  return std::make_unique<ClipperBoolean<Paths>>();
+}
+std::unique_ptr<BooleanPeer> MakeClipperTree() {
+  return std::make_unique<ClipperBoolean<PolyTree>>();
+}
+std::unique_ptr<NestPeer> MakeClipperNest() {
+  return std::make_unique<ClipperNest>();
+}
+
+}  // namespace bench

@@ -1,0 +1,135 @@
+// GEOS, through its C interface.
+
+#include <geos_c.h>
+
+#include <cmath>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "geos_geometry.h"
+#include "peers.h"
+
+namespace bench {
+namespace {
+
+double RingArea(const GeosContext& geos, const GEOSGeometry* line) {
+  const GEOSCoordSequence* points = GEOSGeom_getCoordSeq_r(geos.handle(), line);
+  unsigned int size = 0;
+  GEOSCoordSeq_getSize_r(geos.handle(), points, &size);
+  std::vector<double> xy(2 * static_cast<std::size_t>(size));
+  GEOSCoordSeq_copyToBuffer_r(geos.handle(), points, xy.data(), 0, 0);
+  Ring ring;
+  ring.reserve(size);
+  for (std::size_t i = 0; i < xy.size(); i += 2) ring.emplace_back(xy[i], xy[i + 1]);
+  return std::abs(Area(ring));
+}
+
+// Of a polygon or a collection of polygons.
+Summary Summarise(const GeosContext& geos, const GEOSGeometry* geometry) {
+  Summary summary;
+  const int parts = GEOSGetNumGeometries_r(geos.handle(), geometry);
+  for (int i = 0; i < parts; ++i) {
+    const GEOSGeometry* part = GEOSGetGeometryN_r(geos.handle(), geometry, i);
+    if (GEOSisEmpty_r(geos.handle(), part) != 0 || GEOSGeomTypeId_r(geos.handle(), part) != GEOS_POLYGON) continue;
+    summary.Add(RingArea(geos, GEOSGetExteriorRing_r(geos.handle(), part)));
+    const int holes = GEOSGetNumInteriorRings_r(geos.handle(), part);
+    for (int k = 0; k < holes; ++k) summary.Add(-RingArea(geos, GEOSGetInteriorRingN_r(geos.handle(), part, k)));
+  }
+  return summary;
+}
+
+class GeosBoolean : public BooleanPeer {
+ public:
+  void Load(const RegionPair& pair) override {
+    a_ = MakeGeometry(geos_, pair.a);
+    b_ = MakeGeometry(geos_, pair.b);
+  }
+  void Run(const std::vector<Op>& ops) override {
+    for (const Op op : ops) results_.push_back(geos_.Own(Combine(op)));
+  }
+  std::vector<Summary> Describe() const override {
+    std::vector<Summary> summaries;
+    for (const GeosGeometry& result : results_) summaries.push_back(Summarise(geos_, result.get()));
+    return summaries;
+  }
+  void Drop() override { results_.clear(); }
+
+ private:
+  GEOSGeometry* Combine(Op op) const {
+    switch (op) {
+      case Op::kUnion:
+        return GEOSUnion_r(geos_.handle(), a_.get(), b_.get());
+      case Op::kIntersection:
+        return GEOSIntersection_r(geos_.handle(), a_.get(), b_.get());
+      case Op::kAMinusB:
+        return GEOSDifference_r(geos_.handle(), a_.get(), b_.get());
+      case Op::kBMinusA:
+        return GEOSDifference_r(geos_.handle(), b_.get(), a_.get());
+      case Op::kXor:
+        return GEOSSymDifference_r(geos_.handle(), a_.get(), b_.get());
+    }
+    return nullptr;
+  }
+
+  GeosContext geos_;
+  GeosGeometry a_;
+  GeosGeometry b_;
+  std::vector<GeosGeometry> results_;
+};
+
+// Nesting of rings that do not cross: the areal geometry that their lines bound.
+class GeosNest : public NestPeer {
+ public:
+  void Load(const std::vector<Ring>& rings) override { lines_ = MakeLines(geos_, rings); }
+  void Run() override { result_ = geos_.Own(GEOSBuildArea_r(geos_.handle(), lines_.get())); }
+  Summary Describe() const override { return Summarise(geos_, result_.get()); }
+  void Drop() override { result_.reset(); }
+
+ private:
+  GeosContext geos_;
+  GeosGeometry lines_;
+  GeosGeometry result_;
+};
+
+// A prepared geometry builds its index at the first question, so Build asks one. The points are made beforehand.
+class GeosPrepared : public LocatePeer {
+ public:
+  ~GeosPrepared() override { GEOSPreparedGeom_destroy_r(geos_.handle(), prepared_); }
+  void Load(const Region& region, const std::vector<ZBR_PT>& points) override {
+    region_ = MakeGeometry(geos_, region);
+    for (const ZBR_PT& p : points) points_.push_back(geos_.Own(GEOSGeom_createPointFromXY_r(geos_.handle(), p.x(), p.y())));
+  }
+  void Build() override {
+    GEOSPreparedGeom_destroy_r(geos_.handle(), prepared_);
+    prepared_ = GEOSPrepare_r(geos_.handle(), region_.get());
+    char inside = 0;
+    Query(0, 1, &inside);
+  }
+  void Query(std::size_t first, std::size_t last, char* inside) const override {
+    for (std::size_t i = first; i < last; ++i) {
+      *inside++ = GEOSPreparedContains_r(geos_.handle(), prepared_, points_[i].get()) == 1 ? 1 : 0;
+    }
+  }
+
+ private:
+  GeosContext geos_;
+  GeosGeometry region_;
+  std::vector<GeosGeometry> points_;
+  const GEOSPreparedGeometry* prepared_ = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<BooleanPeer> MakeGeosBoolean() {
+  return std::make_unique<GeosBoolean>();
+}
+std::unique_ptr<NestPeer> MakeGeosNest() {
+  return std::make_unique<GeosNest>();
+}
+std::unique_ptr<LocatePeer> MakeGeosPrepared() {
+  return std::make_unique<GeosPrepared>();
+}
+
+}  // namespace bench

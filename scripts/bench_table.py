@@ -1,0 +1,198 @@
+#!/usr/bin/env python3
+"""Prints the tables of a benchmark run: times, ratio to the fastest peer, growth, and the bars to reach.
+
+usage: bench_table.py RESULTS    the folder that scripts/bench filled
+Exit code 1 when a benchmark reported an error, as a result that differs from a peer's; a missed bar is only marked.
+"""
+
+import csv
+import json
+import math
+import statistics
+import sys
+from collections import defaultdict
+from pathlib import Path
+
+OURS = "zbr"
+PEERS = ["clipper", "clipper-tree", "geos", "boost"]
+COLUMNS = [OURS, "zbr-linear"] + PEERS  # "zbr-linear" is our test of one point, without an index
+
+# Upper bounds in nanoseconds of CPU time per unit (input edge, crossing, ring, point), at the sizes they were set for.
+BARS = {
+    "star": (60, {100_000, 1_000_000}),
+    "coast": (60, {100_000, 1_000_000}),
+    "tiles": (120, {10_000, 100_000}),
+    "holes": (120, {10_000, 100_000}),
+    "comb": (120, {1000, 2000}),
+    "grid": (200, {128, 512}),
+    "nest": (30e6 / 10_000, {10_000}),
+    "nestw": (60e6 / 100_000, {100_000}),
+    "locate-ring": (300, {100_000}),
+    "locate-region": (300, {100_000}),
+}
+GROWTH_BAR = 1.1
+ALL_OPERATIONS_BAR = 2.5  # five operations in one call, in terms of the average single one
+MEMORY_BAR = (150, "coast", 1_000_000)  # MiB above the inputs
+
+
+class Measured:
+    """The runs of one benchmark: family, size, operation, peer."""
+
+    def __init__(self):
+        self.nanoseconds = []
+        self.units = 0.0
+        self.unit = ""
+        self.note = ""  # how the result differs from ours, where that is known of the peer
+
+    def per_unit(self):
+        return statistics.median(self.nanoseconds) / self.units
+
+
+def read_benchmarks(folder):
+    """Returns {(family, size, operation): {peer: Measured}} and the list of errors, in the order of the files."""
+    table = defaultdict(dict)
+    errors = []
+    to_nanoseconds = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+    for path in sorted(Path(folder).glob("*.json")):
+        for run in json.loads(path.read_text())["benchmarks"]:
+            if run["run_type"] != "iteration":
+                continue
+            family, size, operation, peer = run["run_name"].split("/")[:4]
+            if run.get("error_occurred"):
+                errors.append(f"{run['run_name']}: {run['error_message']}")
+                continue
+            measured = table[family, int(size), operation].setdefault(peer, Measured())
+            measured.nanoseconds.append(run["cpu_time"] * to_nanoseconds[run["time_unit"]])
+            measured.units = run["units"]
+            measured.unit, _, measured.note = run["label"].partition("; ")
+    add_sums(table)
+    return table, list(dict.fromkeys(errors))
+
+
+def add_sums(table):
+    """Only we form several results in one call: beside that belong the sums of the peers' single operations."""
+    for family, size, _ in [key for key in table if key[2] == "all"]:
+        singles = [row for (f, s, o), row in table.items() if (f, s) == (family, size) and o != "all"]
+        for peer in PEERS:
+            if all(peer in row for row in singles):
+                total = table[family, size, "all"].setdefault(peer, Measured())
+                total.nanoseconds = [sum(statistics.median(row[peer].nanoseconds) for row in singles)]
+                total.units, total.unit = singles[0][peer].units, singles[0][peer].unit
+
+
+def fastest_peer(row):
+    times = [row[peer].per_unit() for peer in PEERS if peer in row]
+    return min(times) if times else None
+
+
+def growth(table, key, value):
+    """Exponent by which the time value(row) * units grows from the size before, in units; where these are the same (points
+    asked about), in the size. None where there is nothing to compare."""
+    family, size, operation = key
+    smaller = [s for f, s, o in table if f == family and o == operation and s < size]
+    if not smaller:
+        return None
+    row, before = table[key], table[family, max(smaller), operation]
+    if OURS not in row or OURS not in before or value(row) is None or value(before) is None:
+        return None
+    units = row[OURS].units / before[OURS].units
+    return math.log(value(row) / value(before) * units) / math.log(units if units != 1.0 else size / max(smaller))
+
+
+def verdict(bound, met):
+    return f"{bound} {'met' if met else 'MISSED'}"
+
+
+def time_verdict(table, key):
+    family, size, operation = key
+    row = table[key]
+    if OURS not in row or operation == "build":
+        return ""
+    if operation == "all":
+        singles = [other for (f, s, o), other in table.items() if (f, s) == (family, size) and o != "all" and OURS in other]
+        average = statistics.mean(other[OURS].per_unit() for other in singles)
+        ratio = row[OURS].per_unit() / average
+        return verdict(f"{ratio:.2f} x one op <= {ALL_OPERATIONS_BAR}", ratio <= ALL_OPERATIONS_BAR)
+    if family in BARS and size in BARS[family][1]:
+        bar = BARS[family][0]
+        return verdict(f"<= {bar:.0f}", row[OURS].per_unit() <= bar)
+    return ""
+
+
+def text_number(value, form):
+    return "-" if value is None else format(value, form)
+
+
+def print_table(head, lines):
+    widths = [max(len(line[i]) for line in [head] + lines) for i in range(len(head))]
+    for line in [head, ["-" * width for width in widths]] + lines:
+        print("  ".join(cell.ljust(w) if i in (0, 2, len(head) - 1) else cell.rjust(w)
+                        for i, (cell, w) in enumerate(zip(line, widths))).rstrip())
+    print()
+
+
+def time_cell(row, column):
+    return f"{row[column].per_unit():.1f}{'*' if row[column].note else ''}" if column in row else "-"
+
+
+def print_notes(table):
+    notes = [f"* {'/'.join(map(str, key))}/{peer}: {measured.note}"
+             for key, row in table.items() for peer, measured in row.items() if measured.note]
+    if notes:
+        print("\n".join(notes) + "\n")
+
+
+def print_times(table):
+    columns = [column for column in COLUMNS if any(column in row for row in table.values())]
+    head = ["family", "size", "operation"] + columns + ["ns per", "ratio", "growth", "peer's", "bar"]
+    lines = []
+    for key, row in table.items():
+        ours = row[OURS].per_unit() if OURS in row else None
+        peer = fastest_peer(row)
+        exponent = growth(table, key, lambda r: r[OURS].per_unit())
+        grown = text_number(exponent, ".2f")
+        if exponent is not None and exponent > GROWTH_BAR and key[2] not in ("build", "query"):
+            grown += "!"
+        lines.append([key[0], str(key[1]), key[2]]
+                     + [time_cell(row, column) for column in columns]
+                     + [next(iter(row.values())).unit, text_number(peer / ours if peer and ours else None, ".1f"), grown,
+                        text_number(growth(table, key, fastest_peer), ".2f"), time_verdict(table, key)])
+    print_table(head, lines)
+    print("CPU time, median; ratio: fastest peer / zbr; growth: exponent from the size before in units, zbr's and the fastest")
+    print(f"peer's, ! marks more than {GROWTH_BAR}; clipper-tree is Clipper with a nested result, as ours always is; for all")
+    print("operations in one call the peers' times are added up; * a result that differs as listed below. Memory that a run has")
+    print("freed is kept for the next.\n")
+    print_notes(table)
+
+
+def print_memory(path):
+    bar, bar_family, bar_size = MEMORY_BAR
+    rows = defaultdict(dict)
+    for family, size, operation, peer, mib in csv.reader(path.read_text().splitlines()):
+        rows[family, int(size), operation][peer] = float(mib)
+    columns = [column for column in COLUMNS if any(column in row for row in rows.values())]
+    lines = []
+    for (family, size, operation), row in rows.items():
+        judged = OURS in row and (family, size) == (bar_family, bar_size) and operation != "all"
+        lines.append([family, str(size), operation] + [text_number(row.get(column), ".1f") for column in columns]
+                     + [verdict(f"<= {bar}", row[OURS] <= bar) if judged else ""])
+    print_table(["family", "size", "operation"] + columns + ["bar"], lines)
+    print("Peak memory above the inputs in MiB, results included.\n")
+
+
+def main():
+    if len(sys.argv) != 2 or not Path(sys.argv[1]).is_dir():
+        sys.exit(__doc__)
+    table, errors = read_benchmarks(sys.argv[1])
+    if table:
+        print_times(table)
+    memory = Path(sys.argv[1]) / "memory.csv"
+    if memory.exists():
+        print_memory(memory)
+    for error in errors:
+        print(f"ERROR {error}")
+    sys.exit(1 if errors else 0)
+
+
+if __name__ == "__main__":
+    main()

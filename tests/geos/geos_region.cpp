@@ -1,0 +1,64 @@
+#include "geos/geos_region.h"
+
+#include <cmath>
+
+Geos::Geometry Geos::Line(const std::vector<ZBR_PT>& ring, bool asRing) const {
+  const auto n = static_cast<unsigned>(ring.size());
+  GEOSCoordSequence* points = GEOSCoordSeq_create_r(context_, n + 1, 2);
+  for (unsigned i = 0; i <= n; ++i) GEOSCoordSeq_setXY_r(context_, points, i, ring[i % n].x(), ring[i % n].y());
+  return Own(asRing ? GEOSGeom_createLinearRing_r(context_, points) : GEOSGeom_createLineString_r(context_, points));
+}
+
+Geos::Geometry Geos::Polygon(const std::vector<ZBR_PT>& ring) const {
+  Geometry line = Line(ring, true);
+  if (!line) return line;
+  Geometry polygon = Own(GEOSGeom_createPolygon_r(context_, line.release(), nullptr, 0));
+  if (polygon && GEOSisValid_r(context_, polygon.get()) != 1) polygon = Own(GEOSMakeValid_r(context_, polygon.get()));
+  return polygon;
+}
+
+Geos::Geometry Geos::Region(const LoopList& loops) const {
+  Geometry region = Own(GEOSGeom_createEmptyPolygon_r(context_));
+  for (const auto& loop : loops) {
+    Geometry part = Polygon(loop->pt());
+    for (const auto& hole : loop->children()) {
+      if (part) part = Own(GEOSDifference_r(context_, part.get(), Polygon(hole->pt()).get()));
+    }
+    if (!part || !region) return nullptr;
+    region = Own(GEOSUnion_r(context_, region.get(), part.get()));
+  }
+  return region;
+}
+
+Geos::Geometry Geos::Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geometry& b) const {
+  switch (op) {
+    case ZBR_BOOL_A_MINUS_B:
+      return Own(GEOSDifference_r(context_, a.get(), b.get()));
+    case ZBR_BOOL_B_MINUS_A:
+      return Own(GEOSDifference_r(context_, b.get(), a.get()));
+    case ZBR_BOOL_OR:
+      return Own(GEOSUnion_r(context_, a.get(), b.get()));
+    case ZBR_BOOL_AND:
+      return Own(GEOSIntersection_r(context_, a.get(), b.get()));
+    case ZBR_BOOL_XOR:
+      return Own(GEOSSymDifference_r(context_, a.get(), b.get()));
+  }
+  return nullptr;
+}
+
+double Geos::Area(const Geometry& g) const {
+  double area = std::nan("");
+  if (g) GEOSArea_r(context_, g.get(), &area);
+  return area;
+}
+
+bool Geos::RingsAreApart(const LoopList& loops) const {
+  std::vector<GEOSGeometry*> lines;
+  for (const Ring& ring : RingsOf(loops)) {
+    if (ring.size() < 3) return false;
+    lines.push_back(Line(ring, false).release());
+  }
+  const Geometry all =
+      Own(GEOSGeom_createCollection_r(context_, GEOS_MULTILINESTRING, lines.data(), static_cast<unsigned>(lines.size())));
+  return all && GEOSisSimple_r(context_, all.get()) == 1;
+}

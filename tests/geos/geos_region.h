@@ -1,0 +1,38 @@
+// Regions as GEOS geometries: an independent answer for random and foreign input.
+#pragma once
+
+#include <geos_c.h>
+
+#include <array>
+#include <memory>
+
+#include "support/shapes.h"
+
+// One GEOS context; geometries made with it must not outlive it.
+class Geos {
+ public:
+  struct Destroy {
+    GEOSContextHandle_t context = nullptr;
+    void operator()(GEOSGeometry* g) const { GEOSGeom_destroy_r(context, g); }
+  };
+  using Geometry = std::unique_ptr<GEOSGeometry, Destroy>;
+
+  Geos() : context_(GEOS_init_r()) {}
+  ~Geos() { GEOS_finish_r(context_); }
+  Geos(const Geos&) = delete;
+  Geos& operator=(const Geos&) = delete;
+
+  // Outer loops less their holes, united; rings that touch themselves are repaired first. Null when GEOS cannot.
+  Geometry Region(const LoopList& loops) const;
+  Geometry Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geometry& b) const;
+  double Area(const Geometry& g) const;
+  // Whether every ring is simple and no two rings meet.
+  bool RingsAreApart(const LoopList& loops) const;
+
+ private:
+  Geometry Own(GEOSGeometry* g) const { return Geometry(g, Destroy{context_}); }
+  Geometry Line(const std::vector<ZBR_PT>& ring, bool asRing) const;
+  Geometry Polygon(const std::vector<ZBR_PT>& ring) const;
+
+  GEOSContextHandle_t context_;
+};

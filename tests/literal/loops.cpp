@@ -1,0 +1,205 @@
+// Loop against loop by samples, and the loop tree.
+#include "literal/loops.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace literal {
+
+namespace {
+
+// +1 when p lies inside b, -1 outside, 0 undecided or on the boundary.
+int Sample(const ZBR_PT& p, const Loop& b, const Tol& tol) {
+  std::vector<ZBR_POS_PT_PT> pos;
+  const ZBR_POLY_INSIDE r = IsInside(p, b, pos, tol);
+  if (r == ZBR_PI_IN) return 1;
+  return r == ZBR_PI_OUT ? -1 : 0;
+}
+
+// Samples one edge of a between the vertices of b that lie on it.
+int SampleBetween(const ZBR_PT& from, const ZBR_PT& to, const Loop& b, const Tol& tol) {
+  if (Same(from, to, tol)) return 0;
+  std::vector<std::pair<double, ZBR_PT>> stops;
+  for (const ZBR_PT& v : b.pt) {
+    double t = 0.0;
+    if (OnSegment(v, from, to, &t, tol)) stops.emplace_back(t, v);
+  }
+  std::stable_sort(stops.begin(), stops.end(), [](const auto& x, const auto& y) { return x.first < y.first; });
+  stops.emplace(stops.begin(), 0.0, from);
+  stops.emplace_back(1.0, to);
+  for (std::size_t k = 1; k < stops.size(); ++k) {
+    const int r = Sample((stops[k - 1].second + stops[k].second) / 2.0, b, tol);
+    if (r != 0) return r;
+  }
+  return 0;
+}
+
+// The first sample of a that is clearly inside (+1) or outside (-1) b: vertices, edge midpoints, stretches between b's vertices.
+int SampleInside(const Loop& a, const Loop& b, const Tol& tol) {
+  for (const ZBR_PT& v : a.pt) {
+    if (const int r = Sample(v, b, tol); r != 0) return r;
+  }
+  const std::size_t n = a.pt.size();
+  for (std::size_t i = 0; i < n; ++i) {
+    if (const int r = Sample((a.pt[(i + n - 1) % n] + a.pt[i]) / 2.0, b, tol); r != 0) return r;
+  }
+  for (std::size_t i = 0; i < n; ++i) {
+    if (const int r = SampleBetween(a.pt[(i + n - 1) % n], a.pt[i], b, tol); r != 0) return r;
+  }
+  return 0;
+}
+
+ZBR_LOOP_REL RelationToHoles(const Loop& a, const Loop& b, const Tol& tol) {
+  for (const auto& child : b.children) {
+    const ZBR_POLY_REL r = CheckInclude(a, *child, tol);
+    if (r == ZBR_PR_SAME) return ZBR_LR_SAME_AS_HOLE;
+    if (r == ZBR_PR_A_IN_B) return ZBR_LR_IN_HOLE;
+  }
+  return ZBR_LR_INSIDE;
+}
+
+void InsertLoop(Loops& forest, const std::shared_ptr<Loop>& loop, const Tol& tol) {
+  for (const auto& root : forest) {
+    if (IsInside(*loop, *root, tol)) {
+      InsertLoop(root->children, loop, tol);
+      return;
+    }
+  }
+  for (std::size_t i = 0; i < forest.size();) {
+    if (IsInside(*forest[i], *loop, tol)) {
+      loop->children.push_back(forest[i]);
+      forest.erase(forest.begin() + static_cast<std::ptrdiff_t>(i));
+    } else {
+      ++i;
+    }
+  }
+  forest.push_back(loop);
+}
+
+void FlattenLoopTree(Loops& list) {
+  for (;;) {
+    Loops lifted;
+    for (const auto& top : list) {
+      for (const auto& child : top->children) {
+        lifted.insert(lifted.end(), child->children.begin(), child->children.end());
+        child->children.clear();
+      }
+    }
+    if (lifted.empty()) return;
+    list.insert(list.end(), lifted.begin(), lifted.end());
+  }
+}
+
+}  // namespace
+
+void Loop::Setup() {
+  area = Area(pt);
+  xmin = xmax = pt.empty() ? 0.0 : pt[0].x();
+  ymin = ymax = pt.empty() ? 0.0 : pt[0].y();
+  for (const ZBR_PT& p : pt) {
+    if (p.x() > xmax) xmax = p.x();
+    if (p.y() > ymax) ymax = p.y();
+    if (p.x() < xmin) xmin = p.x();
+    if (p.y() < ymin) ymin = p.y();
+  }
+}
+
+void Loop::Reverse() {
+  std::reverse(pt.begin(), pt.end());
+  area = -area;
+}
+
+std::shared_ptr<Loop> FromRing(const std::vector<ZBR_PT>& ring) {
+  auto loop = std::make_shared<Loop>();
+  loop->pt = ring;
+  loop->Setup();
+  return loop;
+}
+
+Loops FromZbr(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
+  Loops copies;
+  for (const auto& loop : loops) {
+    copies.push_back(FromRing(loop->pt()));
+    Loop& copy = *copies.back();
+    copy.level = loop->level();
+    if (loop->IsSetuped()) copy.area = loop->area();
+    copy.children = FromZbr(loop->children());
+  }
+  return copies;
+}
+
+bool IsInside(const Loop& a, const Loop& b, const Tol& tol) {
+  const double e = tol.eps;
+  if (!(b.xmin - e <= a.xmax && b.ymin - e <= a.ymax && a.xmin - e <= b.xmax && a.ymin - e <= b.ymax)) return false;
+  return SampleInside(a, b, tol) >= 0;
+}
+
+ZBR_POLY_REL CheckInclude(const Loop& a, const Loop& b, const Tol& tol) {
+  const double e = tol.eps;
+  if (b.xmin > a.xmax + e || b.ymin > a.ymax + e || a.xmin > b.xmax + e || a.ymin > b.ymax + e) return ZBR_PR_APART;
+  const int ab = SampleInside(a, b, tol);
+  if (ab > 0) return ZBR_PR_A_IN_B;
+  const int ba = SampleInside(b, a, tol);
+  if (ba > 0) return ZBR_PR_B_IN_A;
+  return ab == 0 && ba == 0 ? ZBR_PR_SAME : ZBR_PR_APART;
+}
+
+ZBR_LOOP_REL CheckIncludeLoop(const Loop& a, const Loop& b, const Tol& tol) {
+  switch (CheckInclude(a, b, tol)) {
+    case ZBR_PR_SAME:
+      return ZBR_LR_SAME;
+    case ZBR_PR_B_IN_A:
+      return ZBR_LR_CONTAINS;
+    case ZBR_PR_APART:
+      return ZBR_LR_OUTSIDE;
+    default:
+      return RelationToHoles(a, b, tol);
+  }
+}
+
+ZBR_LOOP_REL CheckIncludeList(const Loop& a, const Loops& loops, const Tol& tol) {
+  for (const auto& loop : loops) {
+    const ZBR_POLY_REL r = CheckInclude(a, *loop, tol);
+    if (r == ZBR_PR_SAME) return ZBR_LR_SAME;
+    if (r == ZBR_PR_A_IN_B) return RelationToHoles(a, *loop, tol);
+  }
+  return ZBR_LR_OUTSIDE;
+}
+
+ZBR_LOOP_REL CheckIncludeInnermost(const Loop& a, const Loops& loops, const Tol& tol) {
+  ZBR_LOOP_REL answer = ZBR_LR_OUTSIDE;
+  for (const auto& loop : loops) {
+    const ZBR_POLY_REL r = CheckInclude(a, *loop, tol);
+    if (r == ZBR_PR_SAME) return ZBR_LR_SAME;
+    if (r != ZBR_PR_A_IN_B) continue;
+    answer = RelationToHoles(a, *loop, tol);
+    if (answer != ZBR_LR_IN_HOLE) return answer;
+  }
+  return answer;
+}
+
+void MakeLoopTree(Loops& loops, const Tol& tol) {
+  if (loops.empty()) return;
+  const auto size = [](const Loop& loop) { return std::isfinite(loop.area) ? std::abs(loop.area) : 0.0; };
+  for (const auto& loop : loops) loop->level = 0;
+  std::stable_sort(loops.begin(), loops.end(), [&](const auto& a, const auto& b) { return size(*a) > size(*b); });
+  const auto degenerate = std::find_if(loops.begin(), loops.end(), [&](const auto& l) { return Within(size(*l), tol.eps); });
+  if (degenerate == loops.begin()) return;
+  loops.erase(degenerate, loops.end());
+
+  Loops forest;
+  for (const auto& loop : loops) loop->children.clear();
+  for (const auto& loop : loops) InsertLoop(forest, loop, tol);
+  FlattenLoopTree(forest);
+  for (const auto& loop : forest) {
+    loop->level = 0;
+    if (loop->area < 0.0) loop->Reverse();
+    for (const auto& child : loop->children) {
+      child->level = 1;
+      if (child->area > 0.0) child->Reverse();
+    }
+  }
+  loops = std::move(forest);
+}
+
+}  // namespace literal

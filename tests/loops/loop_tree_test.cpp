@@ -1,0 +1,100 @@
+// Nesting by named case. A tree is written as its outer loops in order, each with its holes in brackets, by their signed areas.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "support/shapes.h"
+
+namespace {
+
+std::string Tree(const LoopList& loops) {
+  std::string out;
+  for (const auto& loop : loops) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%s%g", out.empty() ? "" : " ", loop->area());
+    out += text;
+    if (!loop->children().empty()) out += '(' + Tree(loop->children()) + ')';
+  }
+  return out;
+}
+
+TEST(LoopTree, Cases) {
+  const struct {
+    const char* what;
+    const char* rings;
+    const char* tree;
+  } rows[] = {
+      {"nothing", "", ""},
+      {"clockwise square", "0 0, 0 2, 2 2, 2 0", "4"},
+      {"two apart, larger first", "0 0, 1 0, 1 1, 0 1; 5 5, 7 5, 7 7, 5 7", "4 1"},
+      {"hole and island", "4 4, 6 4, 6 6, 4 6; 0 0, 10 0, 10 10, 0 10; 2 2, 2 8, 8 8, 8 2", "100(-36) 4"},
+      {"island with a hole", "0 0, 10 0, 10 10, 0 10; 1 1, 9 1, 9 9, 1 9; 2 2, 8 2, 8 8, 2 8; 3 3, 4 3, 4 4, 3 4",
+       "100(-64) 36(-1)"},
+      {"islands stand behind all outer loops", "0 0, 10 0, 10 10, 0 10; 1 1, 9 1, 9 9, 1 9; 2 2, 8 2, 8 8, 2 8; 20 0, 21 0, 21 1",
+       "100(-64) 0.5 36"},
+      {"degenerate removed", "0 0, 1 1, 2 2; 5 5, 7 5, 7 7, 5 7", "4"},
+      {"only degenerate stays", "0 0, 1 1, 2 2; 3 3, 4 4", "0 0"},
+      {"equal squares", "0 0, 1 0, 1 1, 0 1; 1 1, 1 0, 0 0, 0 1", "1(-1)"},
+      {"hole touching its outer loop in a corner", "0 0, 4 0, 4 4, 0 4; 0 0, 2 1, 1 2", "16(-1.5)"},
+      {"equal areas keep their order", "9 0, 10 0, 10 1, 9 1; 0 0, 1 0, 1 1, 0 1; 9 0.5, 10 0.5, 9.5 0.75", "1(-0.125) 1"},
+  };
+  for (const auto& row : rows) {
+    LoopList loops = ParseLoops(row.rings);
+    zbrMakeLoopTree(loops);
+    EXPECT_EQ(Tree(loops), row.tree) << row.what;
+    for (const auto& loop : loops) {
+      EXPECT_EQ(loop->level(), 0) << row.what;
+      for (const auto& child : loop->children()) EXPECT_EQ(child->level(), 1) << row.what;
+    }
+  }
+}
+
+TEST(LoopTree, AreasAreComparedWithTheLengthTolerance) {
+  LoopList loops = MakeLoops({Square(0, 0, 1), Square(5, 5, std::sqrt(0.9e-5)), Square(7, 7, std::sqrt(1.1e-5))});
+  zbrMakeLoopTree(loops);
+  EXPECT_EQ(loops.size(), 2U) << "an area of 0.9e-5 counts as nothing under eps 1e-5; intended";
+}
+
+TEST(LoopTree, NonFiniteLoopsCountAsDegenerate) {
+  LoopList loops = MakeLoops({{{0, 0}, {NAN, 0}, {1, 1}}, Square(0, 0, 2), {{0, 0}, {INFINITY, 0}, {1, 1}}, Square(0.5, 0.5, 1)});
+  zbrMakeLoopTree(loops);
+  EXPECT_EQ(Tree(loops), "4(-1)");
+  LoopList bad = MakeLoops({{{0, 0}, {NAN, 0}, {1, 1}}, {{0, 0}, {INFINITY, 1e300}, {1, 1}}});
+  zbrMakeLoopTree(bad);
+  EXPECT_EQ(bad.size(), 2U);
+}
+
+TEST(LoopTree, SameObjectsAndPointsAfterwards) {
+  LoopList loops = ParseLoops("0 0, 4 0, 4 4, 0 4; 1 1, 1 2, 2 2, 2 1; 8 8, 9 8, 9 9");
+  LoopList objects = loops;
+  const std::string before = ToText(loops);
+  zbrOptimizeLoops(loops);
+  EXPECT_EQ(ToText(loops), before);
+  EXPECT_EQ(loops[0], objects[0]);
+  EXPECT_EQ(loops[0]->children()[0], objects[1]);
+  zbrOptimizeLoops(loops);
+  EXPECT_EQ(Tree(loops), "16 0.5") << "the list is flat again: children are dropped before nesting";
+}
+
+TEST(LoopTree, OptimizeLoopAppendsWhateverIsThere) {
+  LoopList loops = {MakeLoop(Square(0, 0, 1))};
+  for (int i = 0; i < 20; ++i) zbrOptimizeLoop(loops[0], loops);
+  EXPECT_EQ(loops.size(), 21U);
+  EXPECT_EQ(std::count(loops.begin(), loops.end(), loops[0]), 21);
+}
+
+TEST(LoopTree, ThousandsOfConcentricRingsAlternate) {
+  std::vector<Ring> rings;
+  for (int half = 1; half <= 3000; ++half) rings.push_back(Square(-half, -half, 2.0 * half));
+  LoopList loops = MakeLoops(rings);
+  zbrMakeLoopTree(loops);
+  ASSERT_EQ(loops.size(), 1500U);
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    const double outer = 2.0 * (3000.0 - 2.0 * static_cast<double>(i));
+    ASSERT_EQ(loops[i]->area(), outer * outer);
+    ASSERT_EQ(loops[i]->children().at(0)->area(), -(outer - 2.0) * (outer - 2.0));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#include "support/expect.h"
+
+#include <cmath>
+#include <sstream>
+
+namespace {
+
+struct Expected {
+  double area = 0.0;
+  int outer = -1;  // -1: not asked
+  int holes = -1;
+};
+using ExpectedAll = std::array<Expected, 5>;
+
+ExpectedAll ParseExpected(const std::string& text) {
+  ExpectedAll all;
+  std::istringstream in(text);
+  for (Expected& e : all) {
+    std::string token;
+    in >> token;
+    const std::size_t colon = token.find(':');
+    e.area = std::stod(token.substr(0, colon));
+    if (colon == std::string::npos) continue;
+    e.outer = std::stoi(token.substr(colon + 1));
+    e.holes = std::stoi(token.substr(token.find('+') + 1));
+  }
+  return all;
+}
+
+void ExpectOnce(const std::vector<Ring>& a, const std::vector<Ring>& b, const ExpectedAll& expected, double areaScale) {
+  const LoopList A = Nest(a);
+  const LoopList B = Nest(b);
+  const BooleanResults results = RunAll(A, B);
+  const std::array<double, 5> areas = AreasOf(results);
+  for (std::size_t k = 0; k < kOps.size(); ++k) {
+    SCOPED_TRACE("operation " + std::to_string(kOps[k]) + " gave " + ToText(results.loops[k]) + "\n  on " + Describe(A, B));
+    EXPECT_NEAR(areas[k] / areaScale, expected[k].area, 1e-9);
+    EXPECT_TRUE(IsNested(results.loops[k], kBooleanEps));
+    if (expected[k].outer < 0) continue;
+    int holes = 0;
+    for (const auto& loop : results.loops[k]) holes += static_cast<int>(loop->children().size());
+    EXPECT_EQ(static_cast<int>(results.loops[k].size()), expected[k].outer);
+    EXPECT_EQ(holes, expected[k].holes);
+  }
+}
+
+}  // namespace
+
+BooleanResults RunAll(const LoopList& A, const LoopList& B) {
+  BooleanResults results;
+  std::array<ZBR_BOOLEAN_OPE, 5> ops = kOps;
+  zbrBooleanLoops(A, B, ops.data(), results.loops.data(), 5, results.crosses);
+  return results;
+}
+
+std::array<double, 5> AreasOf(const BooleanResults& results) {
+  std::array<double, 5> areas;
+  for (std::size_t k = 0; k < areas.size(); ++k) areas[k] = NetArea(results.loops[k]);
+  return areas;
+}
+
+testing::AssertionResult IsNested(const LoopList& loops, double eps) {
+  for (const auto& loop : loops) {
+    LoopList rings = {loop};
+    rings.insert(rings.end(), loop->children().begin(), loop->children().end());
+    for (const auto& ring : rings) {
+      const bool hole = ring != loop;
+      ZBR_LOOP fresh;
+      fresh.pt() = ring->pt();
+      fresh.Setup();
+      if (ring->level() != (hole ? 1 : 0)) return testing::AssertionFailure() << "level " << ring->level();
+      if (hole && !ring->children().empty()) return testing::AssertionFailure() << "a hole with children";
+      if (!ring->IsSetuped()) return testing::AssertionFailure() << "a loop that is not set up";
+      // A reversed loop keeps the area of its former order, which may round another way.
+      if (std::abs(ring->area() - fresh.area()) > 1e-12 * (1.0 + std::abs(fresh.area())) || ring->xmin() != fresh.xmin() ||
+          ring->xmax() != fresh.xmax() || ring->ymin() != fresh.ymin() || ring->ymax() != fresh.ymax()) {
+        return testing::AssertionFailure() << "a stale cache";
+      }
+      if ((hole ? -ring->area() : ring->area()) <= eps) return testing::AssertionFailure() << "area " << ring->area();
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
+testing::AssertionResult AreasAgree(double areaA, double areaB, const std::array<double, 5>& areas, double slack) {
+  const auto [aMinusB, bMinusA, either, both, one] = areas;
+  const double gaps[] = {areaA + areaB - either - both, areaA - both - aMinusB, areaB - both - bMinusA, aMinusB + bMinusA - one};
+  for (const double gap : gaps) {
+    if (!(std::abs(gap) <= slack)) {
+      return testing::AssertionFailure() << "areas " << areaA << ", " << areaB << " give " << testing::PrintToString(areas);
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
+std::string Describe(const LoopList& A, const LoopList& B) {
+  return "A: " + ToText(A) + "\n  B: " + ToText(B);
+}
+std::string Describe(const std::vector<Ring>& a, const std::vector<Ring>& b) {
+  return Describe(MakeLoops(a), MakeLoops(b));
+}
+
+void ExpectBoolean(const std::string& a, const std::string& b, const std::string& expected) {
+  const std::vector<Ring> ringsA = RingsOf(ParseLoops(a));
+  const std::vector<Ring> ringsB = RingsOf(ParseLoops(b));
+  const ExpectedAll all = ParseExpected(expected);
+  ExpectedAll swapped = all;
+  std::swap(swapped[0], swapped[1]);
+  ExpectOnce(ringsA, ringsB, all, 1.0);
+  ExpectOnce(ringsB, ringsA, swapped, 1.0);
+  for (std::uint64_t seed = 0; seed < 4; ++seed) {
+    std::mt19937_64 random(seed);
+    const double scale = std::ldexp(1.0, static_cast<int>(seed) * 3 - 4);
+    const ZBR_PT shift(seed % 2 == 0 ? 1024.0 : -4096.0, seed < 2 ? 65536.0 : -512.0);
+    SCOPED_TRACE("disguise " + std::to_string(seed));
+    ExpectOnce(Moved(Disguise(ringsA, random), scale, shift), Moved(Disguise(ringsB, random), scale, shift), all, scale * scale);
+    ExpectOnce(Disguise(ringsB, random), Disguise(ringsA, random), swapped, 1.0);
+  }
+}

@@ -1,0 +1,42 @@
+// Loop lists in a text form that a person can read, and copies of them in disguise.
+//
+// Text: numbers in pairs, separated by blanks, commas or line ends; a ring ends at ';' or at an empty line; '#' starts a comment.
+// "0 0, 4 0, 4 4; 1 1, 2 1, 2 2" is a list of two triangles. What ToText prints for a failed case can be pasted into a test.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <zbr/zbr.h>
+
+using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
+using Ring = std::vector<ZBR_PT>;
+
+constexpr double kBooleanEps = 1e-9;
+constexpr std::array<ZBR_BOOLEAN_OPE, 5> kOps = {ZBR_BOOL_A_MINUS_B, ZBR_BOOL_B_MINUS_A, ZBR_BOOL_OR, ZBR_BOOL_AND, ZBR_BOOL_XOR};
+
+std::shared_ptr<ZBR_LOOP> MakeLoop(Ring points);
+LoopList MakeLoops(const std::vector<Ring>& rings);
+// The rings of the text as a flat list, in order, not nested and not set up.
+LoopList ParseLoops(std::string_view text);
+std::shared_ptr<ZBR_LOOP> ParseLoop(std::string_view text);
+// The same, nested by zbrMakeLoopTree with the Boolean's tolerance. A ';' inside a ring list needs no order: nesting finds holes.
+LoopList ParseRegion(std::string_view text);
+LoopList Nest(const std::vector<Ring>& rings);
+
+std::string ToText(const LoopList& loops);
+// Every ring of a list, children behind their loop.
+std::vector<Ring> RingsOf(const LoopList& loops);
+double NetArea(const LoopList& loops);
+
+// The axis-parallel square from (x, y) with the given side, counter-clockwise.
+Ring Square(double x, double y, double side);
+
+// The same rings written another way: every ring started elsewhere, some reversed, the list shuffled.
+std::vector<Ring> Disguise(std::vector<Ring> rings, std::mt19937_64& random);
+// Every point p becomes p * scale + shift.
+std::vector<Ring> Moved(std::vector<Ring> rings, double scale, const ZBR_PT& shift);
