@@ -12,6 +12,7 @@
 #include "boolean/cross_sort.h"
 #include "boolean/polygons.h"
 #include "core/planar_inline.h"
+#include "core/prefetch.h"
 
 namespace zbr {
 
@@ -66,16 +67,10 @@ class Tracer {
          const TracedFamily& b)
       : crosses_(crosses), alongA_(alongA), families_{&a, &b} {}
 
-  // Asks for the records of a path that is built soon: paths visit them in an order that the processor cannot foresee.
-  void Prefetch([[maybe_unused]] std::span<const std::uint32_t> path) const {
-#if defined(__GNUC__)
+  // Asks for the records of a path that is built soon.
+  void PrefetchPath(std::span<const std::uint32_t> path) const {
     constexpr std::size_t kMostPrefetched = 8;
-    for (std::size_t i = 0; i + 1 < std::min(path.size(), kMostPrefetched); ++i) {
-      const char* record = reinterpret_cast<const char*>(&CrossingAt(path[i]));
-      __builtin_prefetch(record);
-      __builtin_prefetch(record + sizeof(ZBR_CROSS) - 1);
-    }
-#endif
+    for (std::size_t i = 0; i + 1 < std::min(path.size(), kMostPrefetched); ++i) PrefetchObject(CrossingAt(path[i]));
   }
 
   // The loop of a path, or null when it is degenerate.
@@ -99,9 +94,7 @@ class Tracer {
   }
 
  private:
-  const ZBR_CROSS& CrossingAt(std::uint32_t placeOnA) const {
-    return crosses_[static_cast<std::size_t>(alongA_[placeOnA].index)];
-  }
+  const ZBR_CROSS& CrossingAt(std::uint32_t placeOnA) const { return crosses_[static_cast<std::size_t>(alongA_[placeOnA].index)]; }
 
   Stretch StretchBetween(const ZBR_CROSS& c1, const ZBR_CROSS& c2) const {
     const int side = c1.dir == ZBR_CROSS_TO_LEFT ? 0 : 1;
@@ -170,11 +163,10 @@ class Tracer {
 
 void TracePaths(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const PathFinder& paths,
                 const TracedFamily& a, const TracedFamily& b, LoopList& result) {
-  constexpr std::size_t kPathsAhead = 8;
   Tracer tracer(crosses, alongA, a, b);
   result.reserve(result.size() + paths.count());
   for (std::size_t k = 0; k < paths.count(); ++k) {
-    if (k + kPathsAhead < paths.count()) tracer.Prefetch(paths.path(k + kPathsAhead));
+    if (k + kItemsAhead < paths.count()) tracer.PrefetchPath(paths.path(k + kItemsAhead));
     std::shared_ptr<ZBR_LOOP> loop = tracer.Build(paths.path(k));
     if (loop != nullptr) result.push_back(std::move(loop));
   }

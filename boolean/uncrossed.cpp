@@ -83,10 +83,10 @@ class Relater {
   }
 
   Lies LieOf(LoopProbe& p, LoopProbe& ring) {
-    if (p.loop().outof(ring.loop(), eps_)) return Lies::kApart;
-    const int verdict = SampleInside(p.loop(), ring, eps_, scratch_);
+    if (AreApart(p.box(), ring.box(), eps_)) return Lies::kApart;
+    const int verdict = SampleInside(p, ring, eps_, scratch_);
     if (verdict != 0) return verdict > 0 ? Lies::kInside : Lies::kApart;
-    return SampleInside(ring.loop(), p, eps_, scratch_) == 0 ? Lies::kSame : Lies::kApart;
+    return SampleInside(ring, p, eps_, scratch_) == 0 ? Lies::kSame : Lies::kApart;
   }
 
   const std::vector<Polygon>& other_;

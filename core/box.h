@@ -50,6 +50,11 @@ inline bool Overlap(const Box& a, const Box& b) {
 #endif
 }
 
+// Whether the boxes are farther apart than d on some axis.
+inline bool AreApart(const Box& a, const Box& b, double d) {
+  return b.xmin > a.xmax + d || b.ymin > a.ymax + d || a.xmin > b.xmax + d || a.ymin > b.ymax + d;
+}
+
 // The sides of the box beyond which p lies, a bit each (Cohen and Sutherland's outcode). Two points with a bit in common span a box
 // that misses this one.
 inline unsigned SidesBeyond(const ZBR_PT& p, const Box& box) {

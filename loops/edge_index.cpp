@@ -1,7 +1,7 @@
 // Building the hierarchy over the edges of many rings.
 #include "loops/edge_index.h"
 
-#include "core/tolerance_state.h"
+#include "core/prefetch.h"
 
 namespace zbr {
 
@@ -9,7 +9,6 @@ namespace {
 
 // With fewer rings than this the caller's order is kept: there is little to gain from another.
 constexpr std::size_t kMinRingsToReorder = 8;
-constexpr std::uint32_t kRingsAhead = 6;
 
 std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
   std::vector<ZBR_PT> centers(rings.size());
@@ -42,13 +41,6 @@ void EdgeIndex::Build(std::vector<IndexedRing> rings, double margin, double eps2
   tree_.BuildInner();
 }
 
-// Rings in spatial order lie anywhere in memory; asking early hides most of the wait.
-void EdgeIndex::Prefetch([[maybe_unused]] std::size_t ring) const {
-#if defined(__GNUC__)
-  if (ring < rings_.size()) __builtin_prefetch(rings_[ring].points);
-#endif
-}
-
 void EdgeIndex::FillLeaves(double margin, double eps2) {
   std::size_t total = 0;
   for (const IndexedRing& ring : rings_) total += (ring.slots + kLeafEdges - 1) / kLeafEdges;
@@ -57,7 +49,7 @@ void EdgeIndex::FillLeaves(double margin, double eps2) {
   Leaf* leaf = leaves_.data();
   for (std::uint32_t r = 0; r < rings_.size(); ++r) {
     IndexedRing& ring = rings_[r];
-    Prefetch(r + kRingsAhead);
+    if (r + kItemsAhead < rings_.size()) Prefetch(rings_[r + kItemsAhead].points);
     for (std::uint32_t first = 0; first < ring.slots; first += kLeafEdges, ++leaf, ++box) {
       *leaf = {r, first};
       const std::uint32_t count = std::min(kLeafEdges, ring.slots - first);

@@ -57,7 +57,6 @@ class EdgeIndex {
 
  private:
   void FillLeaves(double margin, double eps2);
-  void Prefetch(std::size_t ring) const;
 
   std::vector<IndexedRing> rings_;
   std::vector<Leaf> leaves_;

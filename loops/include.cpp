@@ -43,19 +43,17 @@ int SampleStretches(const ZBR_PT& s, const ZBR_PT& e, LoopProbe& b, double eps, 
 
 bool LoopProbe::UseIndex() {
   if (locator_ != nullptr) return true;
-  if (loop_->pt().size() < kMinIndexedPoints || ++scans_ <= kScansBeforeIndex) return false;
-  const std::span<const ZBR_PT> ring(loop_->pt());
-  locator_ = std::make_unique<RingLocator>(std::span(&ring, 1));
+  if (ring_.size() < kMinIndexedPoints || ++scans_ <= kScansBeforeIndex) return false;
+  locator_ = std::make_unique<RingLocator>(std::span(&ring_, 1));
   return true;
 }
 
 ZBR_POLY_INSIDE LoopProbe::At(const ZBR_PT& p, double eps, IncludeScratch& scratch) {
-  const std::span<const ZBR_PT> ring(loop_->pt());
-  if (ring.size() < 3 || IsOutsideBox(p, BoxOf(*loop_), eps)) return ZBR_PI_OUT;
+  if (ring_.size() < 3 || IsOutsideBox(p, box_, eps)) return ZBR_PI_OUT;
   if (UseIndex()) return locator_->Locate(p, eps);
-  if (scratch.pos.size() < ring.size()) scratch.pos.resize(ring.size());
+  if (scratch.pos.size() < ring_.size()) scratch.pos.resize(ring_.size());
   std::size_t used = 0;
-  return PointInRing(p, ring, eps, scratch.pos.data(), used);
+  return PointInRing(p, ring_, eps, scratch.pos.data(), used);
 }
 
 void LoopProbe::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) {
@@ -63,14 +61,14 @@ void LoopProbe::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, 
     locator_->VerticesOnSegment(a, b, eps, params);
     return;
   }
-  for (const ZBR_PT& v : loop_->pt()) {
+  for (const ZBR_PT& v : ring_) {
     double t = 0.0;
     if (IsOnSegment(v, a, b, eps * eps, nullptr, &t) && 0.0 < t && t < 1.0) params.push_back(t);
   }
 }
 
-int SampleInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
-  const std::vector<ZBR_PT>& points = a.pt();
+int SampleInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  const std::span<const ZBR_PT> points = a.ring();
   for (const ZBR_PT& v : points) {
     const int verdict = Verdict(b.At(v, eps, scratch));
     if (verdict != 0) return verdict;
@@ -91,19 +89,19 @@ int SampleInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& sc
   return 0;
 }
 
-bool IsLoopInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
-  const ZBR_LOOP& o = b.loop();
-  if (!(o.xmin() - eps <= a.xmax() && o.ymin() - eps <= a.ymax() && a.xmin() - eps <= o.xmax() && a.ymin() - eps <= o.ymax())) {
+bool IsLoopInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  const Box& in = a.box();
+  const Box& out = b.box();
+  if (!(out.xmin - eps <= in.xmax && out.ymin - eps <= in.ymax && in.xmin - eps <= out.xmax && in.ymin - eps <= out.ymax))
     return false;
-  }
   return SampleInside(a, b, eps, scratch) >= 0;
 }
 
 ZBR_POLY_REL LoopRelation(LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
-  if (a.loop().outof(b.loop(), eps)) return ZBR_PR_APART;
-  const int aInB = SampleInside(a.loop(), b, eps, scratch);
+  if (AreApart(a.box(), b.box(), eps)) return ZBR_PR_APART;
+  const int aInB = SampleInside(a, b, eps, scratch);
   if (aInB > 0) return ZBR_PR_A_IN_B;
-  const int bInA = SampleInside(b.loop(), a, eps, scratch);
+  const int bInA = SampleInside(b, a, eps, scratch);
   if (bInA > 0) return ZBR_PR_B_IN_A;
   return aInB == 0 && bInA == 0 ? ZBR_PR_SAME : ZBR_PR_APART;
 }
@@ -136,9 +134,10 @@ ZBR_LOOP_REL RelationToHoles(ZBR_LOOP& a, const ZBR_LOOP& b) {
 bool zbrIsInside(ZBR_LOOP& a, ZBR_LOOP& b) {
   a.Setup();
   b.Setup();
-  zbr::LoopProbe probe(b);
+  const zbr::LoopProbe inner(a);
+  zbr::LoopProbe outer(b);
   zbr::IncludeScratch scratch;
-  return zbr::IsLoopInside(a, probe, zbr::t_tolerance.eps, scratch);
+  return zbr::IsLoopInside(inner, outer, zbr::t_tolerance.eps, scratch);
 }
 
 ZBR_POLY_REL zbrCheckInclude(ZBR_LOOP& a, ZBR_LOOP& b) {

@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include <zbr/loop.h>
 
 #include "loops/locator.h"
+#include "loops/point_in_loop.h"
 
 namespace zbr {
 
@@ -20,10 +22,11 @@ struct IncludeScratch {
 // A loop that points are tested against. Large loops get an index once the linear tests on them have cost as much as building it.
 class LoopProbe {
  public:
-  // The loop must be set up, outlive the probe and keep its points.
-  explicit LoopProbe(const ZBR_LOOP& loop) : loop_(&loop) {}
+  // The loop must be set up and keep its points while the probe is used.
+  explicit LoopProbe(const ZBR_LOOP& loop) : ring_(loop.pt()), box_(BoxOf(loop)) {}
 
-  const ZBR_LOOP& loop() const { return *loop_; }
+  std::span<const ZBR_PT> ring() const { return ring_; }
+  const Box& box() const { return box_; }
   ZBR_POLY_INSIDE At(const ZBR_PT& p, double eps, IncludeScratch& scratch);
   // Appends the parameters in (0, 1) at which vertices of this loop lie on the segment a-b.
   void VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params);
@@ -31,17 +34,18 @@ class LoopProbe {
  private:
   bool UseIndex();
 
-  const ZBR_LOOP* loop_;
+  std::span<const ZBR_PT> ring_;
+  Box box_;
   std::uint32_t scans_ = 0;
   std::unique_ptr<RingLocator> locator_;
 };
 
 // The first sample of a (vertices, edge midpoints, stretches of edges between vertices of b) that is clearly inside b gives +1, the
 // first that is clearly outside gives -1. 0: all of a lies on b's boundary.
-int SampleInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch);
+int SampleInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
 
 // zbrIsInside and zbrCheckInclude for two loops.
-bool IsLoopInside(const ZBR_LOOP& a, LoopProbe& b, double eps, IncludeScratch& scratch);
+bool IsLoopInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
 ZBR_POLY_REL LoopRelation(LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
 
 }  // namespace zbr

@@ -102,7 +102,7 @@ void ZBR_LOOP::reverse() {
 }
 
 bool ZBR_LOOP::outof(const ZBR_LOOP& o, double d) const {
-  return o.xmin_ > xmax_ + d || o.ymin_ > ymax_ + d || xmin_ > o.xmax_ + d || ymin_ > o.ymax_ + d;
+  return zbr::AreApart(zbr::BoxOf(*this), zbr::BoxOf(o), d);
 }
 
 void ZBR_LOOP::Offset(const ZBR_PT& v) {

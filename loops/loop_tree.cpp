@@ -9,6 +9,7 @@
 
 #include <zbr/loop.h>
 
+#include "core/prefetch.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
 #include "loops/nesting.h"
@@ -80,30 +81,40 @@ void Orient(ZBR_LOOP& loop, int level) {
   if (isWrong) loop.reverse();
 }
 
+// Hangs every hole below its outer loop, orients both, and returns the outer loops.
+LoopList OuterLoopsWithHoles(LoopList& loops, const Forest& forest) {
+  const std::vector<std::uint32_t> outer = forest.OuterLoops();
+  LoopList result;
+  result.reserve(outer.size());
+  for (std::size_t k = 0; k < outer.size(); ++k) {
+    if (k + zbr::kItemsAhead < outer.size()) zbr::PrefetchObject(*loops[outer[k + zbr::kItemsAhead]]);
+    std::shared_ptr<ZBR_LOOP>& loop = loops[outer[k]];
+    Orient(*loop, 0);
+    forest.ForEachChild(outer[k], [&](std::uint32_t hole) {
+      Orient(*loops[hole], 1);
+      loop->children().push_back(std::move(loops[hole]));
+    });
+    result.push_back(std::move(loop));
+  }
+  return result;
+}
+
 }  // namespace
 
 void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
-  if (loops.empty()) return;
   const double eps = zbr::t_tolerance.eps;
+  bool allDegenerate = true;
   for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
     loop->Setup();
     loop->level() = 0;
+    allDegenerate &= IsDegenerate(*loop, eps);
+  }
+  if (!allDegenerate) {
+    for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
+      if (!IsDegenerate(*loop, eps)) loop->children().clear();
+    }
+    std::erase_if(loops, [eps](const std::shared_ptr<ZBR_LOOP>& loop) { return IsDegenerate(*loop, eps); });
   }
   SortBySize(loops);
-  const auto degenerate = std::find_if(loops.begin(), loops.end(), [eps](const auto& loop) { return IsDegenerate(*loop, eps); });
-  if (degenerate == loops.begin()) return;
-  loops.erase(degenerate, loops.end());
-  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) loop->children().clear();
-
-  const Forest forest(zbr::NestLoops(loops, eps));
-  LoopList outer;
-  for (const std::uint32_t i : forest.OuterLoops()) {
-    Orient(*loops[i], 0);
-    forest.ForEachChild(i, [&](std::uint32_t hole) {
-      Orient(*loops[hole], 1);
-      loops[i]->children().push_back(std::move(loops[hole]));
-    });
-    outer.push_back(std::move(loops[i]));
-  }
-  loops = std::move(outer);
+  if (!allDegenerate) loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
 }

@@ -169,7 +169,7 @@ bool NestSeparateLoops(std::span<const std::shared_ptr<ZBR_LOOP>> loops, std::sp
   for (const std::uint32_t i : fromLeft) {
     const std::uint32_t met = separate.FirstToTheLeft(LeftmostPoint(*loops[i]), i);
     if (met == kNoParent) continue;
-    found[i] = IsLoopInside(*loops[i], probes[met], eps, scratch) ? met : found[met];
+    found[i] = IsLoopInside(probes[i], probes[met], eps, scratch) ? met : found[met];
     if (found[i] != kNoParent && found[i] > i) return false;
   }
   parents = std::move(found);

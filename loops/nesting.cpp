@@ -10,8 +10,8 @@
 // enumerated loop by loop without being stored.
 #include "loops/nesting.h"
 
+#include "core/prefetch.h"
 #include "core/radix_sort.h"
-#include "loops/point_in_loop.h"
 
 namespace zbr {
 
@@ -38,7 +38,10 @@ class Inserter {
   Inserter(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps)
       : loops_(loops), eps_(eps), parents_(loops.size(), kNoParent) {
     probes_.reserve(loops.size());
-    for (const std::shared_ptr<ZBR_LOOP>& loop : loops) probes_.emplace_back(*loop);
+    for (std::size_t i = 0; i < loops.size(); ++i) {
+      if (i + kItemsAhead < loops.size()) PrefetchObject(*loops[i + kItemsAhead]);
+      probes_.emplace_back(*loops[i]);
+    }
   }
 
   std::vector<std::uint32_t> Run() {
@@ -56,22 +59,20 @@ class Inserter {
   // Fills inclusions_, sorted for insertion. False when there are too many pairs.
   bool FindInclusions() {
     const std::size_t n = loops_.size();
-    std::vector<Box> boxOf(n);
-    std::vector<ZBR_PT> firstVertex(n);
     std::vector<ZBR_PT> centers(n);
-    for (std::size_t i = 0; i < n; ++i) {
-      boxOf[i] = BoxOf(*loops_[i]);
-      firstVertex[i] = loops_[i]->pt().front();
-      centers[i] = boxOf[i].Center();
-    }
+    for (std::size_t i = 0; i < n; ++i) centers[i] = probes_[i].box().Center();
     const std::vector<std::uint32_t> order = SpatialOrder(centers);
+    const auto prefetchPoints = [&](std::size_t leaf) {
+      if (leaf + kItemsAhead < n) Prefetch(probes_[order[leaf + kItemsAhead]].ring().data());
+    };
     BoxTree vertices;
     BoxTree boxes;
     const std::span<Box> vertexLeaves = vertices.StartLeaves(n);
     const std::span<Box> boxLeaves = boxes.StartLeaves(n);
     for (std::size_t i = 0; i < n; ++i) {
-      vertexLeaves[i].Add(firstVertex[order[i]]);
-      boxLeaves[i] = boxOf[order[i]].Widened(2.0 * eps_);  // more than the box test of a point allows
+      prefetchPoints(i);
+      vertexLeaves[i].Add(probes_[order[i]].ring().front());
+      boxLeaves[i] = probes_[order[i]].box().Widened(2.0 * eps_);  // more than the box test of a point allows
     }
     vertices.BuildInner();
     boxes.BuildInner();
@@ -82,6 +83,7 @@ class Inserter {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> noted;
     const bool isShallow = BoxJoin::Run(vertices, boxes, [&](std::uint32_t leaf, std::span<const std::uint32_t> found) {
       pairs += found.size();
+      prefetchPoints(leaf);
       for (const std::uint32_t other : found) {
         if (pairs <= limitAtOnce) {
           Decide(order[leaf], order[other]);
@@ -100,7 +102,7 @@ class Inserter {
 
   // Notes whether x lies inside y.
   void Decide(std::uint32_t x, std::uint32_t y) {
-    if (x == y || !IsLoopInside(*loops_[x], probes_[y], eps_, scratch_)) return;
+    if (x == y || !IsLoopInside(probes_[x], probes_[y], eps_, scratch_)) return;
     inclusions_.push_back(x > y ? Inclusion{x, y, true} : Inclusion{y, x, false});
   }
 

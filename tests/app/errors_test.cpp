@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <random>
-#include <regex>
 #include <sstream>
 
 #include "tool.h"
@@ -106,6 +105,17 @@ TEST_F(Tool, WrongUse) {
   }
 }
 
+// Lines of standard error that are no notes or warnings.
+int ErrorLines(const std::string& text) {
+  std::istringstream lines(text);
+  int count = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const bool remark = line.find(": note: ") != std::string::npos || line.find(": warning: ") != std::string::npos;
+    count += remark ? 0 : 1;
+  }
+  return count;
+}
+
 // Files damaged at random: an answer or one line of error, never a crash.
 TEST_F(Tool, DamagedFiles) {
   Run("nest $EX/gasket.dxf --deviation 3 -o g.dxf -o g.wkt -o g.geojson -o g.txt; cp $EX/bracket.dxf .");
@@ -137,10 +147,8 @@ TEST_F(Tool, DamagedFiles) {
     Write("damaged-" + file, text);
     const Outcome outcome =
         Run((below(2) == 0 ? "bool --op xor,union damaged-" + file + " g.txt -o out.svg" : "check damaged-" + file));
-    const std::string errors = std::regex_replace(outcome.err, std::regex("[^\n]*: (note|warning): [^\n]*\n"), "");
     ASSERT_LE(outcome.code, 2) << file << " in round " << round << "\n" << outcome.err;
-    ASSERT_EQ(std::count(errors.begin(), errors.end(), '\n'), outcome.code == 2 ? 1 : 0) << file << " in round " << round << "\n"
-                                                                                         << errors;
+    ASSERT_EQ(ErrorLines(outcome.err), outcome.code == 2 ? 1 : 0) << file << " in round " << round << "\n" << outcome.err;
     refused += outcome.code == 2 ? 1 : 0;
   }
   EXPECT_GT(refused, 30);

@@ -1,7 +1,6 @@
 // Help and the manual page.
 
-#include <regex>
-#include <set>
+#include <sstream>
 
 #include "tool.h"
 
@@ -15,9 +14,10 @@ TEST_F(Tool, EveryOptionOfEveryCommandIsInTheManual) {
     EXPECT_NE(manual.find(".SS zbr " + command), std::string::npos);
     const std::string help = Run("help " + command).out;
     EXPECT_EQ(help, Run(command + " --help").out);
-    const std::regex option("\n  (-[a-z],)?--([a-z]+)");
-    for (std::sregex_iterator it(help.begin(), help.end(), option), end; it != end; ++it, ++options) {
-      EXPECT_NE(manual.find("\\-\\-" + (*it)[2].str() + "\\fR"), std::string::npos) << (*it)[2];
+    for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2), ++options) {
+      const std::string name = help.substr(at + 2, help.find_first_of(" ,.
+'", at) - at - 2);
+      EXPECT_NE(manual.find("\-\-" + name), std::string::npos) << name;
     }
   }
   EXPECT_GT(options, 20U);
@@ -31,10 +31,11 @@ TEST_F(Tool, EveryOptionOfEveryCommandIsInTheManual) {
 TEST_F(Tool, HelpFitsTheTerminal) {
   for (const char* arguments : {"help", "help bool", "help formats", "--help"}) {
     const std::string help = Run(arguments).out;
-    EXPECT_FALSE(std::regex_search(help, std::regex("[^\n]{100}"))) << help;
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 96U) << line;
     EXPECT_TRUE(arguments == std::string("help formats") || help.find("Usage: zbr") != std::string::npos) << help;
   }
-  EXPECT_TRUE(std::regex_match(Run("--version").out, std::regex("zbr \\d+\\.\\d+\\.\\d+\n")));
+  EXPECT_EQ(Run("--version").out, "zbr " ZBR_VERSION "\n");
 }
 
 }  // namespace
