@@ -15,9 +15,8 @@ TEST_F(Tool, EveryOptionOfEveryCommandIsInTheManual) {
     const std::string help = Run("help " + command).out;
     EXPECT_EQ(help, Run(command + " --help").out);
     for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2), ++options) {
-      const std::string name = help.substr(at + 2, help.find_first_of(" ,.
-'", at) - at - 2);
-      EXPECT_NE(manual.find("\-\-" + name), std::string::npos) << name;
+      const std::string name = help.substr(at + 2, help.find_first_of(" ,.\n'", at) - at - 2);
+      EXPECT_NE(manual.find("\\-\\-" + name), std::string::npos) << name;
     }
   }
   EXPECT_GT(options, 20U);
