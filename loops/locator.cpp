@@ -115,8 +115,10 @@ ZBR_POLY_INSIDE RingLocator::Locate(const ZBR_PT& p, double eps) const {
 bool RingLocator::IsChainCut(int level, std::uint32_t node, const RayScan& scan) const {
   const std::uint32_t width = 1U << (2 * static_cast<unsigned>(level));
   const std::uint32_t leaves = index_.tree().Count(0);
+  const std::uint32_t behind = leaves - node * width > width ? node * width + width : leaves;
   const EdgeIndex::Leaf& first = index_.leaf(node * width);
-  const EdgeIndex::Leaf& last = index_.leaf((leaves - node * width > width ? node * width + width : leaves) - 1);
+  const EdgeIndex::Leaf& last = index_.leaf(behind - 1);
+  if (first.first == 0 && (behind == leaves || index_.leaf(behind).first == 0)) return false;  // whole rings only
   const IndexedRing& firstRing = index_.rings()[first.ring];
   const IndexedRing& lastRing = index_.rings()[last.ring];
   const std::uint32_t begin = firstRing.Vertex(first.first);

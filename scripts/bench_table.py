@@ -31,6 +31,7 @@ BARS = {
     "locate-region": (300, {100_000}),
 }
 GROWTH_BAR = 1.1
+OPERATIONS = 5
 ALL_OPERATIONS_BAR = 2.5  # five operations in one call, in terms of the average single one
 MEMORY_BAR = (150, "coast", 1_000_000)  # MiB above the inputs
 
@@ -74,7 +75,7 @@ def add_sums(table):
     for family, size, _ in [key for key in table if key[2] == "all"]:
         singles = [row for (f, s, o), row in table.items() if (f, s) == (family, size) and o != "all"]
         for peer in PEERS:
-            if all(peer in row for row in singles):
+            if len(singles) == OPERATIONS and all(peer in row for row in singles):
                 total = table[family, size, "all"].setdefault(peer, Measured())
                 total.nanoseconds = [sum(statistics.median(row[peer].nanoseconds) for row in singles)]
                 total.units, total.unit = singles[0][peer].units, singles[0][peer].unit
@@ -110,6 +111,8 @@ def time_verdict(table, key):
         return ""
     if operation == "all":
         singles = [other for (f, s, o), other in table.items() if (f, s) == (family, size) and o != "all" and OURS in other]
+        if len(singles) < OPERATIONS:
+            return ""
         average = statistics.mean(other[OURS].per_unit() for other in singles)
         ratio = row[OURS].per_unit() / average
         return verdict(f"{ratio:.2f} x one op <= {ALL_OPERATIONS_BAR}", ratio <= ALL_OPERATIONS_BAR)

@@ -18,6 +18,10 @@ TEST_F(Tool, CheckNamesEachBreachWithItsPlace) {
       {"0 0\n4 0\n4 4\n0 4\n\n2 -1\n6 -1\n4 4\n3 9\n", "t.txt:1: loop crosses the loop of line 6 at "},
       {"0 0\n4 0\n4 4\n0 4\n\n4 1\n8 1\n8 3\n4 3\n", "t.txt:1: loop runs along the loop of line 6 at (4, 2)\n"},
       {"0 0\n4 0\n4 4\n0 4\n\n1 1\n3 1\n3 0\n5 0\n5 -1\n1 -1\n", "t.txt:1: loop crosses the loop of line 6 at "},
+      // Through two corners, and through a vertex of either on an edge of the other.
+      {"0 0\n4 0\n4 4\n0 4\n\n-1 -1\n0 0\n2 2.5\n4 4\n6 5\n8 -5\n",
+       "t.txt:1: loop crosses the loop of line 6 at (0, 0) and 1 more places\n"},
+      {"0 0\n4 0\n4 4\n0 4\n\n2 3\n4 2\n6 1\n6 5\n", "t.txt:1: loop crosses the loop of line 6 at (4, 2) and 1 more places\n"},
       {"0 0\n4 0\n8 0\n4 0\n4 4\n", "t.txt:1: loop turns back on itself at (8, 0)\n"},
       {"0 0\n4 0\n4 0\n4 4\n", "t.txt:1: loop repeats a point at (4, 0)\n"},
       {"\n0 0\n4 0\n", "t.txt:2: loop of 2 different points encloses no area at (0, 0)\n"},

@@ -166,15 +166,14 @@ TEST(Boolean, PositionsRoundedUpToTheEndOfARing) {
   const double h = 0x1p-24;
   const LoopList big = Nest({Square(0, 0, 0x1p30)});
   const LoopList corner = Nest({{{-10, -10}, {h, -10}, {h, h}, {-10, h}}});
-  for (const bool swapped : {false, true}) {
-    const BooleanResults results = swapped ? RunAll(corner, big) : RunAll(big, corner);
-    EXPECT_EQ(results.crosses.size(), 2U);
-    const std::array<double, 5> areas = AreasOf(results);
-    EXPECT_EQ(areas[2], 0x1p60 + 100.0);
-    EXPECT_NEAR(areas[swapped ? 0 : 1], 100.0, 1e-5);
-    EXPECT_EQ(areas[swapped ? 1 : 0], 0x1p60);
-    EXPECT_EQ(areas[3], 0.0);
-  }
+  const BooleanResults results = RunAll(big, corner);
+  ASSERT_EQ(results.crosses.size(), 2U);
+  EXPECT_EQ(results.crosses[1].a.pos, 4.0);
+  const std::array<double, 5> areas = AreasOf(results);
+  EXPECT_EQ(areas[0], 0x1p60);
+  EXPECT_NEAR(areas[1], 100.0, 1e-5);
+  EXPECT_EQ(areas[2], 0x1p60 + 100.0);
+  EXPECT_EQ(areas[3], 0.0);
 }
 
 TEST(Boolean, TinyResultsAreDropped) {
