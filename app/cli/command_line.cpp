@@ -1,3 +1,4 @@
+// Declares every command and option, parses arguments and runs the command they name.
 #include "cli/command_line.h"
 
 #include <algorithm>

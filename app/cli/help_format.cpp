@@ -1,3 +1,4 @@
+// The layout of help texts: usage lines, names of arguments, breaking of long lines.
 #include "cli/help_format.h"
 
 #include <sstream>

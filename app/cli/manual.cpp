@@ -1,3 +1,4 @@
+// Builds the manual page from the declared commands and options.
 #include "cli/manual.h"
 
 #include <cctype>

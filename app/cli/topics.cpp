@@ -1,3 +1,4 @@
+// The prose of the manual.
 #include "cli/command_line.h"
 
 namespace tool {

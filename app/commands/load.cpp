@@ -1,3 +1,4 @@
+// From file names to contours in one frame, with notes about what was left out or looks wrong.
 #include "commands/load.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Sharing results out among output files.
 #include "commands/outputs.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The table of --stats.
 #include "commands/stats.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Lines, arcs, circles, ellipses and polylines of a DXF file as paths.
 #include "formats/dxf_entities.h"
 
 #include <algorithm>

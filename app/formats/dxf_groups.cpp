@@ -1,3 +1,4 @@
+// Splitting a DXF text into groups.
 #include "formats/dxf_groups.h"
 
 #include <algorithm>

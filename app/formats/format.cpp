@@ -1,3 +1,4 @@
+// The table of formats, and the way from a file name to its reader or writer.
 #include "formats/format.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Positions, rings and polygons from nested arrays, built from the inside.
 #include "formats/geojson_coordinates.h"
 
 namespace tool {

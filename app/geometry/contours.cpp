@@ -1,3 +1,4 @@
+// Flattening of curves, with the default tolerances.
 #include "geometry/contours.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Points of curves, and boxes.
 #include "geometry/drawing.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The choice of scale and shift.
 #include "geometry/frame.h"
 
 #include <algorithm>

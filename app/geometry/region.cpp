@@ -1,3 +1,4 @@
+// Regions from rings: nesting, union of polygons, depths.
 #include "geometry/region.h"
 
 #include <zbr/boolean.h>

@@ -1,3 +1,4 @@
+// The table of units.
 #include "geometry/units.h"
 
 #include <array>

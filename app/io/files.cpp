@@ -1,3 +1,4 @@
+// Reading whole files, and writing files that appear complete or not at all.
 #include "io/files.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// Parsing and printing of numbers.
 #include "io/numbers.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// The line of progress on a terminal, refreshed by a thread of its own.
 #include "io/progress.h"
 
 #include <unistd.h>

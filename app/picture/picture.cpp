@@ -1,3 +1,4 @@
+// The layout of a picture: title, legend, scale bar and panels.
 #include "picture/picture.h"
 
 #include <algorithm>

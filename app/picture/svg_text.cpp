@@ -1,3 +1,4 @@
+// Coordinates, paths and texts of SVG.
 #include "picture/svg_text.h"
 
 #include <algorithm>

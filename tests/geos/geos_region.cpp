@@ -52,6 +52,11 @@ double Geos::Area(const Geometry& g) const {
   return area;
 }
 
+double Geos::Difference(const Geometry& a, const Geometry& b, double negligible) const {
+  const double area = Area(Operate(ZBR_BOOL_XOR, a, b));
+  return area <= negligible ? area : Area(Own(GEOSSymDifferencePrec_r(context_, a.get(), b.get(), 0x1p-30)));
+}
+
 bool Geos::RingsAreApart(const LoopList& loops) const {
   std::vector<GEOSGeometry*> lines;
   for (const Ring& ring : RingsOf(loops)) {

@@ -26,6 +26,9 @@ class Geos {
   Geometry Region(const LoopList& loops) const;
   Geometry Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geometry& b) const;
   double Area(const Geometry& g) const;
+  // Area of the symmetric difference. When it is not negligible, it is formed again on a grid: GEOS now and then contradicts itself
+  // where two boundaries agree but for rounding errors (a less b is larger than b less a although a and b are equally large).
+  double Difference(const Geometry& a, const Geometry& b, double negligible) const;
   // Whether every ring is simple and no two rings meet.
   bool RingsAreApart(const LoopList& loops) const;
 
