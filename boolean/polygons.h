@@ -1,6 +1,7 @@
 // The polygons of a loop list: every loop and its direct children, in list order.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -37,9 +38,14 @@ inline const ZBR_LOOP* PolygonAt(const std::vector<std::shared_ptr<ZBR_LOOP>>& l
   return key.poly() > 0 && hole < loop->children().size() ? loop->children()[hole].get() : nullptr;
 }
 
-// Whether a ring takes part in a combination: its area tells of every coordinate that is not finite.
+// Whether a ring takes part in a combination. The area of three points or more tells of every coordinate that is not finite; an
+// open polyline of two points has none. Extents whose square overflows leave nothing to compare lengths with and count as infinite.
 inline bool IsFiniteRing(const ZBR_LOOP& loop) {
-  return std::isfinite(loop.area()) && std::isfinite(loop.xmax() - loop.xmin());
+  const double size2 = ZBR_PT(loop.xmax() - loop.xmin(), loop.ymax() - loop.ymin()).Length2();
+  if (!std::isfinite(loop.area()) || !std::isfinite(size2)) return false;
+  if (loop.pt().size() > 2) return true;
+  return std::all_of(loop.pt().begin(), loop.pt().end(),
+                     [](const ZBR_PT& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); });
 }
 
 }  // namespace zbr

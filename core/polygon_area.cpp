@@ -16,6 +16,11 @@ ZBR_PT PointAt(const std::vector<ZBR_PT>& p, double t) {
   return p[i] + (p[j] - p[i]) * (t - whole);
 }
 
+// The end of the last edge may arrive as n (an index plus a parameter rounds up); it is vertex 0.
+double Folded(double t, std::size_t n) {
+  return t == static_cast<double>(n) ? 0.0 : t;
+}
+
 // First vertex strictly after parameter t, and last vertex strictly before it, on a ring of n points.
 std::size_t VertexAfter(double t, std::size_t n) {
   const double up = std::ceil(t);
@@ -46,6 +51,8 @@ double ZBR_POLYGON::get_area() const {
 }
 
 double ZBR_POLYGON::get_area(double ta, double tb) const {
+  ta = Folded(ta, points_.size());
+  tb = Folded(tb, points_.size());
   if (ta == tb) return get_area();
   if (points_.size() < 3) return 0.0;
   return get_area(PointAt(points_, ta), PointAt(points_, tb), ta, tb);
@@ -54,9 +61,8 @@ double ZBR_POLYGON::get_area(double ta, double tb) const {
 double ZBR_POLYGON::get_area(const ZBR_PT& pa, const ZBR_PT& pb, double ta, double tb) const {
   const std::vector<ZBR_PT>& p = points_;
   const std::size_t n = p.size();
-  // The end of the last edge may arrive as n (an index plus a parameter rounds up); it is vertex 0.
-  if (ta == static_cast<double>(n)) ta = 0.0;
-  if (tb == static_cast<double>(n)) tb = 0.0;
+  ta = Folded(ta, n);
+  tb = Folded(tb, n);
   if (ta == tb) return get_area();
   if (n < 3) return 0.0;
   if (zbr::WithinTol(ta, tb, zbr::t_tolerance.eps)) return 0.0;

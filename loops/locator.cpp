@@ -7,7 +7,7 @@
 // passing close to a vertex does no harm here: the side of every vertex is computed once, in one way, whichever edge or chain asks,
 // so the parity is that of a ring whose vertices are moved by rounding errors; and the point is farther than the tolerance from
 // every edge. (The linear test gives such a ray up and tries another; where it has tried them all and answers "unknown", this one
-// still decides.) Where coordinates are so large that rounding errors approach the tolerance the rings are scanned linearly.
+// still decides.) Where coordinates are so large that rounding errors approach the tolerance, the rays are cast linearly.
 #include "loops/locator.h"
 
 #include <cmath>
@@ -50,8 +50,11 @@ struct RingLocator::RayScan {
 
   // Whether the ray, widened by `margin`, meets the box.
   bool Meets(const Box& b, double margin) const {
-    return (b.xmax - p.x() >= -margin) & (b.ymax - p.y() >= -margin) & (b.ymax - kSlope * b.xmin - offset >= -margin) &
-           (b.ymin - kSlope * b.xmax - offset <= margin);
+    const double right = b.xmax - p.x();
+    const double up = b.ymax - p.y();
+    const double highest = b.ymax - kSlope * b.xmin - offset;
+    const double lowest = b.ymin - kSlope * b.xmax - offset;
+    return (right >= -margin) & (up >= -margin) & (highest >= -margin) & (lowest <= margin);
   }
 
   void Edge(const ZBR_PT& u, const ZBR_PT& v) {
@@ -81,15 +84,30 @@ RingLocator::RingLocator(std::span<const std::span<const ZBR_PT>> rings) {
   if (!std::all_of(rings.begin(), rings.end(), IsFinite)) reach_ = std::numeric_limits<double>::infinity();
 }
 
-bool RingLocator::IsFarBeyondRounding(const ZBR_PT& p, double eps) const {
-  const double size = std::max({reach_, std::fabs(p.x()), std::fabs(p.y())});
-  return size * (kSafety * kOffsetErrorUnits * kUnitRoundoff) < eps;
+double RingLocator::RoundingAt(const ZBR_PT& p) const {
+  return std::max({reach_, std::fabs(p.x()), std::fabs(p.y())}) * (kOffsetErrorUnits * kUnitRoundoff);
+}
+
+// On a vertex, else on an edge, else ZBR_PI_UNKNOWN: by the linear test's own comparisons, on the edges near the point.
+ZBR_POLY_INSIDE RingLocator::Snap(const ZBR_PT& p, double eps) const {
+  const Box near = Box{p.x(), p.y(), p.x(), p.y()}.Widened(2.0 * eps + kSafety * RoundingAt(p));
+  RayScan scan(p, eps);
+  index_.tree().Walk([&](const Box& box, int, std::uint32_t) { return Overlap(box, near); },
+                     [&](std::uint32_t leaf) {
+                       ScanLeaf(leaf, scan);
+                       return !scan.onVertex;
+                     });
+  return scan.onVertex ? ZBR_PI_ON_VERTEX : scan.onEdge ? ZBR_PI_ON_EDGE : ZBR_PI_UNKNOWN;
 }
 
 ZBR_POLY_INSIDE RingLocator::Locate(const ZBR_PT& p, double eps) const {
   if (index_.tree().empty()) return ZBR_PI_OUT;
-  if (!IsFarBeyondRounding(p, eps)) return ScanRings(p, eps);
+  if (!std::isfinite(reach_) || !std::isfinite(p.x()) || !std::isfinite(p.y())) return ScanRings(p, eps);
   if (IsOutsideBox(p, box_, eps)) return ZBR_PI_OUT;
+  if (!(RoundingAt(p) * kSafety < eps)) {
+    const ZBR_POLY_INSIDE on = Snap(p, eps);
+    return on != ZBR_PI_UNKNOWN ? on : ScanRings(p, eps);
+  }
   const double margin = 2.0 * eps;  // covers the snapping band (the slope is less than 1) and, as just checked, rounding
   const Box near = Box{p.x(), p.y(), p.x(), p.y()}.Widened(margin);
   RayScan scan(p, eps);

@@ -25,7 +25,8 @@ class RingLocator {
  private:
   struct RayScan;
 
-  bool IsFarBeyondRounding(const ZBR_PT& p, double eps) const;
+  double RoundingAt(const ZBR_PT& p) const;
+  ZBR_POLY_INSIDE Snap(const ZBR_PT& p, double eps) const;
   ZBR_POLY_INSIDE ScanRings(const ZBR_PT& p, double eps) const;
   void ScanLeaf(std::uint32_t leaf, RayScan& scan) const;
   bool IsChainCut(int level, std::uint32_t node, const RayScan& scan) const;

@@ -5,6 +5,8 @@
 #include <zbr/loop.h>
 
 #include <algorithm>
+#include <atomic>
+#include <iterator>
 
 #include "loops/point_in_loop.h"
 
@@ -26,19 +28,19 @@ void ForEachLoop(const LoopList& loops, Visit visit) {
   }
 }
 
-// Appends to `to` deep copies of the loops of `from`. The list to copy is taken by value, a list of pointers: the target may
-// lie among the loops that are read.
-void AppendCopies(LoopList& to, LoopList from) {
+// Deep copies of the loops of a list. They are hung nowhere until all are made: the place they go to may lie among the loops read.
+LoopList CopiesOf(const LoopList& loops) {
   struct Job {
     LoopList source;
     LoopList* target;
   };
+  LoopList copies;
   std::vector<Job> pending;
-  pending.push_back({std::move(from), &to});
+  pending.push_back({loops, &copies});
   while (!pending.empty()) {
     const Job job = std::move(pending.back());
     pending.pop_back();
-    job.target->reserve(job.target->size() + job.source.size());
+    job.target->reserve(job.source.size());
     for (const std::shared_ptr<ZBR_LOOP>& loop : job.source) {
       const auto copy = std::make_shared<ZBR_LOOP>();
       copy->CopyMember(*loop);
@@ -46,6 +48,7 @@ void AppendCopies(LoopList& to, LoopList from) {
       if (!loop->children().empty()) pending.push_back({loop->children(), &copy->children()});
     }
   }
+  return copies;
 }
 
 }  // namespace
@@ -54,9 +57,9 @@ ZBR_LOOP::ZBR_LOOP(const ZBR_LOOP& o) = default;
 
 ZBR_LOOP& ZBR_LOOP::operator=(const ZBR_LOOP& o) {
   if (this == &o) return *this;
-  const LoopList copied = o.children_;
+  LoopList copies = CopiesOf(o.children_);
   CopyMember(o);
-  AppendCopies(children_, copied);
+  std::move(copies.begin(), copies.end(), std::back_inserter(children_));
   return *this;
 }
 
@@ -68,6 +71,7 @@ ZBR_LOOP::~ZBR_LOOP() {
     const std::shared_ptr<ZBR_LOOP> loop = std::move(pending.back());
     pending.pop_back();
     if (loop.use_count() != 1) continue;
+    std::atomic_thread_fence(std::memory_order_acquire);  // other owners may have let go of it on other threads
     std::move(loop->children_.begin(), loop->children_.end(), std::back_inserter(pending));
     loop->children_.clear();
   }
@@ -106,7 +110,7 @@ bool ZBR_LOOP::outof(const ZBR_LOOP& o, double d) const {
 }
 
 void ZBR_LOOP::Offset(const ZBR_PT& v) {
-  const auto translate = [&v](ZBR_LOOP& loop) {
+  const auto translate = [v](ZBR_LOOP& loop) {  // by value: v may be a point of the loop
     for (ZBR_PT& p : loop.pt()) p += v;
     loop.xmax_ += v.x();
     loop.xmin_ += v.x();
@@ -118,7 +122,8 @@ void ZBR_LOOP::Offset(const ZBR_PT& v) {
 }
 
 void ZBR_LOOP::Offset(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_PT& v) {
-  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) loop->Offset(v);
+  const ZBR_PT by = v;
+  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) loop->Offset(by);
 }
 
 ZBR_PT ZBR_LOOP::LinTo(double t) const {
@@ -152,13 +157,13 @@ double ZBR_LOOP::get_area(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
 }
 
 void ZBR_LOOP::CopyLoopsPtr(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src) {
-  dst = src;
+  // The assignment may release the loop that owns src.
+  LoopList copy = src;
+  dst = std::move(copy);
 }
 
 void ZBR_LOOP::DeepCopyLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src) {
-  const LoopList source = src;
-  dst.clear();
-  AppendCopies(dst, source);
+  dst = CopiesOf(src);
 }
 
 void ZBR_LOOP::AppendTopLoopDup(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_LOOP& o) {

@@ -39,8 +39,9 @@ void SortBySize(LoopList& loops) {
   loops = std::move(sorted);
 }
 
+// The number of points is asked too: no area is within a tolerance of NaN.
 bool IsDegenerate(const ZBR_LOOP& loop, double eps) {
-  return !std::isfinite(loop.area()) || zbr::WithinTol(loop.area(), eps);
+  return loop.pt().size() < 3 || !std::isfinite(loop.area()) || zbr::WithinTol(loop.area(), eps);
 }
 
 // The order of the finished list: loops of even depth, depth by depth, in the order in which their parents' parents stand there.

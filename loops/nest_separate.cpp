@@ -25,6 +25,11 @@ namespace {
 constexpr double kRoundoffScale = 0x1p-44;  // rounding errors of coordinates and offsets, generously, relative to their size
 constexpr double kClearance = 4.0;          // in units of eps: inclusion tests look no farther than one
 
+// Pairs of edges looked at before giving up: the boxes of long slanting edges side by side all overlap, and then comparing them in
+// pairs costs more than nesting level by level.
+constexpr std::size_t kPairsPerEdge = 64;
+constexpr std::size_t kPairsAtLeast = 65536;
+
 struct Edge {
   ZBR_PT s;
   ZBR_PT e;
@@ -66,14 +71,18 @@ class SeparateLoops {
     clearance_ = kClearance * eps + roundoff;
   }
 
-  // Whether all loops stay apart by more than the tolerance, and coordinates are small enough to tell.
+  // Whether all loops are seen to stay apart by more than the tolerance: coordinates must be small enough to tell, edges must not
+  // be too many to compare.
   bool KeepClear() const {
     if (!isMeasurable_) return false;
     BoxTree widened;
     const std::span<Box> leaves = widened.StartLeaves(edges_.size());
     for (std::size_t i = 0; i < leaves.size(); ++i) leaves[i] = tree_.Level(0)[i].Widened(clearance_);
     widened.BuildInner();
+    std::size_t pairsLeft = kPairsAtLeast + kPairsPerEdge * edges_.size();
     return BoxJoin::Run(widened, tree_, [&](std::uint32_t i, std::span<const std::uint32_t> found) {
+      if (found.size() > pairsLeft) return false;
+      pairsLeft -= found.size();
       return std::all_of(found.begin(), found.end(), [&](std::uint32_t j) {
         return j >= i || edges_[i].loop == edges_[j].loop || KeepApart(edges_[i], edges_[j], clearance_);
       });

@@ -27,7 +27,7 @@ class CommandLine {
   int Run(std::vector<std::string> arguments);
 
  private:
-  void DeclareInput(CLI::App& command, InputOptions& input);
+  static void DeclareInput(CLI::App& command, InputOptions& input);
   void DeclareBool();
   void DeclareNest();
   void DeclareInside();

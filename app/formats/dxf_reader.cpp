@@ -123,7 +123,7 @@ class DxfReader {
     if (part_ != "LWPOLYLINE") return;
     if (group.code == 90 && !isFirst) Fail(group.line, "the number of vertices is given twice");
     if (group.code == 90) announced_ = *ParseInteger(group.value);
-    if ((group.code == 10 || group.code == 42) && seen_.count(90) == 0) Fail(group.line, "a vertex before the number of vertices");
+    if ((group.code == 10 || group.code == 42) && !seen_.contains(90)) Fail(group.line, "a vertex before the number of vertices");
     if (group.code == 42 && xs_ == 0) Fail(group.line, "a bulge before the first vertex");
     xs_ += group.code == 10 ? 1 : 0;
     ys_ += group.code == 20 ? 1 : 0;
@@ -136,7 +136,7 @@ class DxfReader {
     const std::vector<int>* required = isTaken_ ? RequiredDxfCodes(part_) : nullptr;
     if (required == nullptr) return;
     for (const int code : *required) {
-      if (seen_.count(code) == 0) Fail(partLine_, part_ + " lacks group " + std::to_string(code));
+      if (!seen_.contains(code)) Fail(partLine_, part_ + " lacks group " + std::to_string(code));
     }
     if (part_ == "LWPOLYLINE" && (xs_ != announced_ || ys_ != announced_)) {
       Fail(partLine_,

@@ -105,12 +105,13 @@ class Joiner {
     if (found == ends_.end()) return;
     std::vector<End>& ends = found->second;
     while (!ends.empty() && !free_[ends.back().path]) ends.pop_back();
-    for (auto end = ends.rbegin(); end != ends.rend(); ++end) {
-      if (!free_[end->path]) continue;
-      const double distance = p.Distance(PointOf(*end));
-      if (distance < best || (distance == best && (!nearest || end->path < nearest->path))) {
+    for (std::size_t i = ends.size(); i-- > 0;) {
+      const End& end = ends[i];
+      if (!free_[end.path]) continue;
+      const double distance = p.Distance(PointOf(end));
+      if (distance < best || (distance == best && (!nearest || end.path < nearest->path))) {
         best = distance;
-        nearest = *end;
+        nearest = end;
       }
       if (distance == 0) return;
     }

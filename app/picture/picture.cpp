@@ -34,7 +34,10 @@ struct Layout {
   double width = 0, height = 0;
 
   double PanelLeft(std::size_t i) const { return kMargin + static_cast<double>(i % Columns()) * (panelWidth + kGap); }
-  double PanelTop(std::size_t i) const { return kMargin + kHeader + static_cast<double>(i / Columns()) * (PanelHeight() + kGap); }
+  double PanelTop(std::size_t i) const {
+    const std::size_t row = i / Columns();
+    return kMargin + kHeader + static_cast<double>(row) * (PanelHeight() + kGap);
+  }
   double PanelHeight() const { return kCaptionHeight + plotHeight + kInset; }
   std::size_t Columns() const { return static_cast<std::size_t>(columns); }
 };

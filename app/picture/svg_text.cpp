@@ -41,7 +41,7 @@ void AppendPoint(std::string& text, char command, const ZBR_PT& p) {
 
 }  // namespace
 
-PageMap::PageMap(const Extent& extent, double width, double height) : boxMiddle_(width / 2, height / 2), scale_(1.0) {
+PageMap::PageMap(const Extent& extent, double width, double height) : boxMiddle_(width / 2, height / 2) {
   if (extent.empty()) return;
   middle_.Set(extent.xmin / 2 + extent.xmax / 2, extent.ymin / 2 + extent.ymax / 2);
   const double halfWidth = extent.xmax / 2 - extent.xmin / 2;

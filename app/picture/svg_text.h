@@ -18,7 +18,7 @@ class PageMap {
 
  private:
   ZBR_PT middle_, boxMiddle_;
-  double scale_;
+  double scale_ = 1.0;
 };
 
 // Attributes and text content with the characters that mean something to XML replaced; bytes that are not valid UTF-8 become '?'.

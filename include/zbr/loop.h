@@ -66,7 +66,7 @@ class ZBR_LOOP : public ZBR_POLYGON {
 
   // dst becomes a list of the same loops (shared, not copied).
   ZBR_API static void CopyLoopsPtr(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src);
-  // dst becomes a list of copies of the loops and of their children. dst must not be src.
+  // dst becomes a list of copies of the loops and of their children.
   ZBR_API static void DeepCopyLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& dst, const std::vector<std::shared_ptr<ZBR_LOOP>>& src);
   // Appends a copy of o's points and cache as a loop of its own: no children, level -1.
   ZBR_API static void AppendTopLoopDup(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_LOOP& o);

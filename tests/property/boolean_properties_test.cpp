@@ -55,6 +55,37 @@ TEST_P(BooleanProperties, AreasAddUpAndResultsAreNested) {
   });
 }
 
+// Point by point: a result holds what its operation says. Points on any boundary are passed over.
+TEST_P(BooleanProperties, ResultsHoldTheRightPoints) {
+  long tested = 0;
+  ForEachPair(200, [&tested](Pair pair, List A, List B, Results results, Random& random) {
+    const ZBR_LOOP_LOCATOR inA(A);
+    const ZBR_LOOP_LOCATOR inB(B);
+    std::vector<ZBR_LOOP_LOCATOR> inResult(results.loops.begin(), results.loops.end());
+    Ring corners = {{-1, -1}};
+    for (const Ring& ring : pair.a) corners.insert(corners.end(), ring.begin(), ring.end());
+    for (const Ring& ring : pair.b) corners.insert(corners.end(), ring.begin(), ring.end());
+    for (int i = 0; i < 100; ++i) {
+      const ZBR_PT& p = corners[random() % corners.size()];
+      const ZBR_PT& q = corners[random() % corners.size()];
+      const ZBR_PT at(p.x() + (q.x() - p.x()) * Unit(random), p.y() + (q.y() - p.y()) * Unit(random));
+      const ZBR_POLY_INSIDE a = inA.IsInside(at);
+      const ZBR_POLY_INSIDE b = inB.IsInside(at);
+      if (a < ZBR_PI_IN || b < ZBR_PI_IN) continue;
+      const bool isA = a == ZBR_PI_IN;
+      const bool isB = b == ZBR_PI_IN;
+      const bool expected[5] = {isA && !isB, isB && !isA, isA || isB, isA && isB, isA != isB};
+      for (std::size_t k = 0; k < 5; ++k) {
+        ASSERT_EQ(inResult[k].IsInside(at), expected[k] ? ZBR_PI_IN : ZBR_PI_OUT)
+            << kOps[k] << " at " << at.x() << ' ' << at.y() << '\n'
+            << Describe(A, B);
+      }
+      ++tested;
+    }
+  });
+  EXPECT_GT(tested, 2000);
+}
+
 TEST_P(BooleanProperties, OperandsExchanged) {
   ForEachPair(300, [](Pair, List A, List B, Results results, Random&) {
     std::array<double, 5> swapped = AreasOf(RunAll(B, A));
