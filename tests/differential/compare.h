@@ -60,6 +60,13 @@ inline testing::AssertionResult SameLoops(const LoopList& got, const literal::Lo
   return testing::AssertionSuccess();
 }
 
+// Moves every point by up to `eps` on either axis: equal points come to differ, coincidences to miss each other closely.
+inline void Jitter(std::vector<Ring>& rings, double eps, Random& random) {
+  for (Ring& ring : rings) {
+    for (ZBR_PT& p : ring) p += ZBR_PT(Unit(random) - 0.5, Unit(random) - 0.5) * (2.0 * eps);
+  }
+}
+
 // One pair of a family made harder: other order and starts, repeated points, far away, another size. Seeds give equal pairs.
 inline OperandPair DrawHard(const Family& family, std::uint64_t seed) {
   Random random(seed);

@@ -27,11 +27,12 @@ TEST_P(Differential, Detection) {
   const int cases = Scaled(1500);
   long records = 0;
   for (int seed = 0; seed < cases; ++seed) {
-    const OperandPair pair = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
-    const LoopList A = Nest(pair.a);
-    const LoopList B = seed % 2 == 0 ? Nest(pair.b) : MakeLoops(pair.b);
+    OperandPair pair = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
     Random random(static_cast<std::uint64_t>(seed));
     const literal::Tol tol(DrawEps(random));
+    if (seed % 3 == 0) Jitter(pair.b, tol.eps, random);
+    const LoopList A = Nest(pair.a);
+    const LoopList B = seed % 2 == 0 ? Nest(pair.b) : MakeLoops(pair.b);
     const ZBR_TmpEps guard(tol.eps);
     const literal::Loops literalA = literal::FromZbr(A);
     const literal::Loops literalB = literal::FromZbr(B);
@@ -60,11 +61,12 @@ TEST_P(Differential, CleanUp) {
   long left = 0;
   long crowded = 0;
   for (int seed = 0; seed < cases; ++seed) {
-    const OperandPair pair = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
-    const LoopList A = Nest(pair.a);
-    const LoopList B = Nest(pair.b);
+    OperandPair pair = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
     Random random(static_cast<std::uint64_t>(seed));
     const literal::Tol tol(DrawEps(random));
+    if (seed % 3 == 0) Jitter(pair.b, tol.eps, random);
+    const LoopList A = Nest(pair.a);
+    const LoopList B = Nest(pair.b);
     const ZBR_TmpEps guard(tol.eps);
     const bool bothClosed = seed % 4 != 0;
     const literal::Loops literalA = literal::FromZbr(A);
