@@ -71,7 +71,9 @@ ZBR_LOOP::~ZBR_LOOP() {
     const std::shared_ptr<ZBR_LOOP> loop = std::move(pending.back());
     pending.pop_back();
     if (loop.use_count() != 1) continue;
+#if !defined(__SANITIZE_THREAD__)                         // which does not model fences
     std::atomic_thread_fence(std::memory_order_acquire);  // other owners may have let go of it on other threads
+#endif
     std::move(loop->children_.begin(), loop->children_.end(), std::back_inserter(pending));
     loop->children_.clear();
   }

@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "geometry/pinches.h"
+
 namespace tool {
 namespace {
 
@@ -35,12 +37,16 @@ LoopList UnitePolygons(const Contours& contours, const LoopList& rings) {
     current = contours.rings[i].polygon;
     parts.back().push_back(rings[i]);
   }
-  for (LoopList& part : parts) Nest(part);
+  for (LoopList& part : parts) {
+    Nest(part);
+    SplitPinches(part);
+  }
   while (parts.size() > 1) {
     std::vector<LoopList> united;
     for (std::size_t i = 0; i + 1 < parts.size(); i += 2) {
       united.emplace_back();
       zbrBooleanLoops(parts[i], parts[i + 1], ZBR_BOOL_OR, united.back());
+      SplitPinches(united.back());
     }
     if (parts.size() % 2 != 0) united.push_back(std::move(parts.back()));
     parts = std::move(united);
@@ -78,10 +84,12 @@ Region MakeRegion(const Contours& contours, const Frame& frame) {
   region.contacts = FindContacts(rings, HasPolygons(contours) ? kMostContacts : 1).list;
   region.loops = rings;
   Nest(region.loops);
-  if (!HasPolygons(contours)) return region;
-  if (!region.contacts.empty() || !PolygonsAgreeWithNesting(contours, rings, region.loops)) {
+  if (HasPolygons(contours) && (!region.contacts.empty() || !PolygonsAgreeWithNesting(contours, rings, region.loops))) {
     region.loops = UnitePolygons(contours, rings);
+  } else {
+    SplitPinches(region.loops);
   }
+  if (!HasPolygons(contours)) return region;
   std::erase_if(region.contacts,
                 [&](const Contact& c) { return contours.rings[c.ringA].polygon != contours.rings[c.ringB].polygon; });
   return region;

@@ -1,5 +1,6 @@
 // Combinations, and where results go.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -55,6 +56,30 @@ TEST_F(Bool, AreasOfTheExamplesAgree) {
   EXPECT_EQ(Info("all.dxf", "units"), "mm");
   const std::string wkt = Read("all.wkt");
   EXPECT_EQ(std::count(wkt.begin(), wkt.end(), '\n'), 5);
+}
+
+// A ring that touches itself at a vertex, as unions of polygons make them, where the other drawing passes: areas of union, common
+// part and the two differences.
+TEST_F(Bool, RingsThatTouchThemselvesAreTakenApart) {
+  const struct {
+    const char *a, *b;
+    double areas[4];
+  } cases[] = {
+      {"6 6,6 10,5 10,5 11,3 11,3 7,4 7,4 6,3 6,3 7,1 7,1 4,2 4,2 2,6 2", "1 7,3 7,3 10,1 10", {39, 0, 33, 6}},
+      {"7 6,7 4,8 4,11 4,11 8,8 8,8 7,7 7,7 8,8 8,8 9,7 9,7 10,6 10,6 9,6 8,6 6", "8 5,12 5,12 9,8 9", {27, 9, 11, 7}},
+      {"7 7,7 9,3 9,3 7,2 7,2 5,6 5,6 6,7 6,7 5,6 5,6 1,8 1,8 3,11 3,11 7", "4 4,6 4,6 6,4 6", {41, 2, 37, 2}},
+  };
+  for (const auto& c : cases) {
+    const auto onePerLine = [](std::string text) {
+      std::replace(text.begin(), text.end(), ',', '\n');
+      return text + "\n";
+    };
+    Write("pinched.txt", onePerLine(c.a));
+    Write("other.txt", onePerLine(c.b));
+    EXPECT_EQ(Run("bool --op union,intersection,a-b,b-a pinched.txt other.txt -o '{op}.wkt'").code, 0);
+    int k = 0;
+    for (const std::string op : {"union", "intersection", "a-b", "b-a"}) EXPECT_EQ(Area(op + ".wkt"), c.areas[k++]) << c.a << op;
+  }
 }
 
 // Scaling by a power of two is exact on the way in and out, so results differ by the same factor and nothing else.

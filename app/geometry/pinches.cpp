@@ -1,0 +1,63 @@
+// Taking rings apart at vertices that they visit more than once.
+//
+// A ring is walked with the points so far on a stack. When the walk comes back to a point that is still on it, what lies above is a
+// ring of its own, which is cut off.
+#include "geometry/pinches.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace tool {
+namespace {
+
+using Points = std::vector<ZBR_PT>;
+
+std::pair<double, double> KeyOf(const ZBR_PT& p) {
+  return {p.x(), p.y()};
+}
+
+bool VisitsTwice(const Points& points) {
+  std::vector<std::pair<double, double>> keys;
+  keys.reserve(points.size());
+  for (const ZBR_PT& p : points) keys.push_back(KeyOf(p));
+  std::sort(keys.begin(), keys.end());
+  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
+}
+
+std::shared_ptr<ZBR_LOOP> MakeLoop(Points points) {
+  auto loop = std::make_shared<ZBR_LOOP>();
+  loop->pt() = std::move(points);
+  return loop;
+}
+
+void AppendSimpleRings(const Points& points, LoopList& rings) {
+  Points open;
+  std::map<std::pair<double, double>, std::size_t> place;  // of each point in `open`
+  for (const ZBR_PT& p : points) {
+    const auto [at, isNew] = place.try_emplace(KeyOf(p), open.size());
+    if (isNew) {
+      open.push_back(p);
+      continue;
+    }
+    const std::size_t first = at->second;
+    for (std::size_t i = first + 1; i < open.size(); ++i) place.erase(KeyOf(open[i]));
+    rings.push_back(MakeLoop(Points(open.begin() + static_cast<std::ptrdiff_t>(first), open.end())));
+    open.resize(first + 1);
+  }
+  rings.push_back(MakeLoop(std::move(open)));
+}
+
+}  // namespace
+
+void SplitPinches(LoopList& nested) {
+  bool any = false;
+  ForEachRing(nested, [&any](const ZBR_LOOP& loop) { any = any || VisitsTwice(loop.pt()); });
+  if (!any) return;
+  LoopList rings;
+  ForEachRing(nested, [&rings](const ZBR_LOOP& loop) { AppendSimpleRings(loop.pt(), rings); });
+  nested = std::move(rings);
+  Nest(nested);
+}
+
+}  // namespace tool
