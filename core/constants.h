@@ -1,6 +1,8 @@
 // Named constants of the library: what each is measured in, why it has its value, and what changing it does.
 #pragma once
 
+#include <cstddef>
+
 namespace zbr {
 
 // Length added around boxes before edges are compared. It only rejects early, so any value above the tolerance in force is
@@ -17,5 +19,20 @@ inline constexpr double kRayEpsScale = 1e-5;
 
 // Length below which a vector normalises to zero instead of dividing by (almost) zero.
 inline constexpr double kMinNormalizeLength = 1e-100;
+
+// Scalar product of a plane's unit normal and a line's direction below which the two do not meet: only exact parallels and
+// underflow.
+inline constexpr double kMinPlaneSlope = 1e-100;
+
+// Length tolerance while one triangle hides edges of another, for coordinates of ordinary size (up to about 1e6). Neighbours must
+// have vertices equal to within it.
+inline constexpr double kOcclusionEps = 1e-7;
+
+// Length tolerance while visible stretches are chained: gaps left by the rounding of many small stretches close, and a drawing in
+// millimetres loses nothing that can be seen.
+inline constexpr double kChainEps = 0.001;
+
+// Triangles up to which a quadtree node is not split.
+inline constexpr std::size_t kQuadLeafSize = 200;
 
 }  // namespace zbr

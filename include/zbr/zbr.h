@@ -4,10 +4,18 @@
 //   planar.h      planar points, segments, corners, intersections, polygon areas
 //   loop.h        closed loops, point and loop inclusion, nesting, point location
 //   boolean.h     crossings and Boolean combinations of planar regions
+//   spatial.h     spatial points, segments, planes, relations of lines
+//   segments.h    repeated segments removed
+//   hidden_line.h hidden-line removal on triangle shells, picking
+//   outline.h     visible lines chained into polylines
 #pragma once
 
 #include <zbr/boolean.h>
 #include <zbr/export.h>
+#include <zbr/hidden_line.h>
 #include <zbr/loop.h>
+#include <zbr/outline.h>
 #include <zbr/planar.h>
+#include <zbr/segments.h>
+#include <zbr/spatial.h>
 #include <zbr/tolerance.h>

@@ -1,0 +1,69 @@
+#include "hiddenline/covered_parts.h"
+
+#include <cmath>
+
+#include "core/planar_inline.h"
+#include "core/tolerance_state.h"
+
+namespace zbr {
+namespace {
+
+// The range of g over which `other` lies within eps of it; false when there is none longer than a point.
+bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, std::pair<double, double>& range) {
+  const ZBR_PT along = g.e() - g.s();
+  const double length2 = along.Length2();
+  double t0 = along.InnerProduct(other.s() - g.s()) / length2;
+  double t1 = along.InnerProduct(other.e() - g.s()) / length2;
+  ZBR_PT p0 = other.s();
+  ZBR_PT p1 = other.e();
+  if (t0 > t1) {
+    std::swap(t0, t1);
+    std::swap(p0, p1);
+  }
+  const double least = eps / std::sqrt(length2);
+  range = {std::max(t0, 0.0), std::min(t1, 1.0)};
+  if (!(range.second - range.first > least)) return false;
+  // Distances at the ends of the common range: a long line may leave g's elsewhere.
+  const auto isNear = [&](double t) {
+    const ZBR_PT at = p0 + (p1 - p0) * ((t - t0) / (t1 - t0));
+    const double c = Cross(along, at - g.s());
+    return c * c <= eps * eps * length2;
+  };
+  return isNear(range.first) && isNear(range.second);
+}
+
+}  // namespace
+
+CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments)
+    : others_(others), segments_(segments) {
+  const std::size_t n = segments.size() + others.size();
+  std::vector<ZBR_PT> centres(n);
+  for (std::size_t i = 0; i < n; ++i) centres[i] = (At(i).s() + At(i).e()) / 2.0;
+  order_ = SpatialOrder(centres);
+  const std::span<Box> leaves = tree_.StartLeaves(n);
+  for (std::size_t i = 0; i < n; ++i) leaves[i] = BoxOfSegment(At(order_[i]).s(), At(order_[i]).e());
+  tree_.BuildInner();
+}
+
+double CoveredParts::Shortest(std::size_t i) const {
+  return t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
+}
+
+std::vector<std::pair<double, double>> CoveredParts::Covered(std::size_t i) const {
+  const double eps = t_tolerance.eps;
+  const ZBR_SEG& g = segments_[i];
+  const Box box = BoxOfSegment(g.s(), g.e()).Widened(eps);
+  std::vector<std::pair<double, double>> ranges;
+  std::pair<double, double> range;
+  tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
+             [&](std::uint32_t leaf) {
+               const std::size_t k = order_[leaf];
+               const bool counts = k < i || k >= segments_.size();
+               if (counts && RangeAlong(g, At(k), eps, range)) ranges.push_back(range);
+               return true;
+             });
+  std::sort(ranges.begin(), ranges.end());
+  return ranges;
+}
+
+}  // namespace zbr

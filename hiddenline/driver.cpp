@@ -1,0 +1,156 @@
+// The driver: which triangles are tried against which edge.
+//
+// A triangle first meets its neighbours, as wholes, because sharing an edge decides for both triangles. After that its edges have
+// nothing to do with each other: each still visible edge searches the occluders' trees for triangles that meet the box of what is
+// left of it and reach its height, highest first, and is done as soon as nothing is left. A pair that is clearly without effect is
+// told from the occluder's vertices and plane alone (QuickLook); the others go through the full rule.
+//
+// The visible intervals of an edge are the intersection of what each occluder leaves, so neither the order of the pairs nor leaving
+// out pairs without effect changes them. Occluders are only read: shells can be processed at once that hide each other.
+#include <algorithm>
+#include <limits>
+#include <span>
+#include <vector>
+
+#include <zbr/hidden_line.h>
+
+#include "core/box_tree.h"
+#include "core/constants.h"
+#include "core/tolerance_state.h"
+#include "hiddenline/driver.h"
+#include "hiddenline/occluders.h"
+#include "hiddenline/occlusion.h"
+#include "hiddenline/quick_look.h"
+
+std::atomic<int> ZBR_HiddenLine::max_shell_index{0};
+
+namespace zbr {
+namespace {
+
+// The neighbours that a triangle has met, by position.
+struct Neighbours {
+  int positions[3];
+  int count = 0;
+
+  bool Has(int position) const { return std::find(positions, positions + count, position) != positions + count; }
+};
+
+Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratch& lists) {
+  Neighbours met;
+  for (const int idx : t.adj) {
+    if (idx == -1) continue;
+    const int position = PositionOf(shell, idx);
+    if (position < 0 || shell.tris[position].IsTriSkip() || met.Has(position)) continue;
+    met.positions[met.count++] = position;
+    HideByTriangle(t, shell.tris[position], lists);
+    if (!t.any_edge_visible) break;
+  }
+  return met;
+}
+
+// The box of what is left of an edge, with room for the tolerance, and the least height at which it can be hidden.
+OccluderTree::Query QueryFor(const Intervals& visible, const OccluderTree& tree) {
+  const ZBR_PT3& p = visible.front().s.pt;
+  const ZBR_PT3& q = visible.back().e.pt;
+  return tree.MakeQuery(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin), std::min(p.z(), q.z()) - kBoxMargin);
+}
+
+// One edge of a triangle against all occluders of one shell.
+class EdgeSearch {
+ public:
+  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const OccluderTree& tree, const Neighbours& met,
+             const Scratch& lists)
+      : t_(t), edge_(edge), shell_(shell), tree_(tree), met_(met), lists_(lists), look_(t.pt[edge], t.pt[(edge + 1) % 3]) {}
+
+  void Run() {
+    tree_.Search(QueryFor(t_.intvl_v[edge_], tree_),
+                 [this](int position, OccluderTree::Query& query) { return Try(position, query); });
+  }
+
+ private:
+  // False when nothing is left of the edge.
+  bool Try(int position, OccluderTree::Query& query) {
+    const ZBR_HL_TRI& o = shell_.tris[position];
+    unsigned front = 0;
+    unsigned on = 0;
+    if (!look_.CanHide(o, front, on) || o.IsTriSkip() || &o == &t_ || met_.Has(position)) return true;
+    VisibleParts(t_, edge_, front, on, o, lists_.result, lists_);
+    if (IsWholeEdge(lists_.result)) return true;
+    if (!NarrowEdge(t_, edge_, lists_.result, lists_.work)) return false;
+    query = QueryFor(t_.intvl_v[edge_], tree_);
+    return true;
+  }
+
+  ZBR_HL_TRI& t_;
+  int edge_;
+  const ZBR_HL_SHELL& shell_;
+  const OccluderTree& tree_;
+  const Neighbours& met_;
+  const Scratch& lists_;
+  QuickLook look_;
+};
+
+// Where several triangles may share an idx, any of them can be a neighbour: whole triangles are tried.
+void HideByAnyNumbering(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Neighbours& met, const Scratch& lists) {
+  const OccluderTree& tree = shell.occluders->tree;
+  const Box box = BoxOf(t).Widened(kBoxMargin);
+  tree.Search(tree.MakeQuery(box, t.min_z - kBoxMargin), [&](int position, OccluderTree::Query&) {
+    const ZBR_HL_TRI& o = shell.tris[position];
+    if (!o.IsTriSkip() && !met.Has(position)) HideByTriangle(t, o, lists);
+    return t.any_edge_visible;
+  });
+}
+
+bool CanReach(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& b) {
+  return t.min_z <= b.max_z && b.min_x - kBoxMargin <= t.max_x && b.min_y - kBoxMargin <= t.max_y &&
+         t.min_x <= b.max_x + kBoxMargin && t.min_y <= b.max_y + kBoxMargin;
+}
+
+void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, const Scratch& lists) {
+  Neighbours met;
+  if (t.shell == &b) met = MeetNeighbours(t, b, lists);
+  if (!b.occluders->uniqueIds && t.shell == &b) {
+    if (t.any_edge_visible) HideByAnyNumbering(t, b, met, lists);
+  } else {
+    for (int i = 0; i < 3; ++i) {
+      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, b.occluders->tree, met, lists).Run();
+    }
+  }
+}
+
+}  // namespace
+
+int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
+  const auto& map = shell.id_map;
+  // Most callers number triangles by position.
+  if (idx >= 0 && static_cast<std::size_t>(idx) < map.size() && map[static_cast<std::size_t>(idx)].first == idx) {
+    return map[static_cast<std::size_t>(idx)].second;
+  }
+  const auto place = std::lower_bound(map.begin(), map.end(), idx, [](const auto& entry, int key) { return entry.first < key; });
+  return place != map.end() && place->first == idx ? place->second : -1;
+}
+
+bool CanHide(const ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
+  return a.min_z <= b.max_z && b.min_x <= a.max_x + kBoxMargin && b.min_y <= a.max_y + kBoxMargin &&
+         a.min_x - kBoxMargin <= b.max_x && a.min_y - kBoxMargin <= b.max_y;
+}
+
+void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders) {
+  const ToleranceScope scope(kOcclusionEps);
+  const Scratch lists = ScratchOf(&a);
+  for (unsigned i = 0; i < a.count; ++i) {
+    ZBR_HL_TRI& t = a.tris[i];
+    for (const ZBR_HL_SHELL* b : occluders) {
+      if (!t.any_edge_visible) break;
+      if (b != &a && !CanReach(t, *b)) continue;
+      if (b->occluders != nullptr) HideTriangle(t, *b, lists);
+    }
+  }
+}
+
+}  // namespace zbr
+
+void ZBR_HiddenLine::HiddenLine_ShellByShell(ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
+  const ZBR_HL_SHELL* const occluder[] = {&b};
+  if (b.count != 0) zbr::HideShell(a, occluder);
+}

@@ -1,0 +1,124 @@
+// Hidden stretches of drawable edges, as planar segments.
+//
+// A stretch is a gap in an edge's list of visible intervals. As they come, stretches repeat what other triangles' copies of an edge
+// draw; the higher modes remove what is visible elsewhere, by equality or (CoveredParts) by overlap.
+#include <vector>
+
+#include <zbr/hidden_line.h>
+
+#include "core/planar_inline.h"
+#include "core/tolerance_state.h"
+#include "hiddenline/covered_parts.h"
+#include "hiddenline/interval.h"
+#include "segments/segment_set.h"
+
+namespace zbr {
+namespace {
+
+struct Stretches {
+  std::vector<ZBR_SEG> segments;
+  std::vector<ZBR_HL_SOURCE> sources;
+};
+
+// The place of parameter t; the ends are met exactly.
+ZBR_PT PlaneAt(const ZBR_PT3& p, const ZBR_PT3& q, double t) {
+  return t == 1.0 ? q.xy() : p.xy() + (q.xy() - p.xy()) * t;
+}
+
+// Adds the stretch of an edge between two parameters unless it is too short to be seen.
+class Collector {
+ public:
+  Collector(const ZBR_HL_TRI& t, const ZBR_HL_SOURCE& source, Stretches& out)
+      : p_(t.pt[source.edge]), q_(t.pt[(source.edge + 1) % 3]), source_(source), out_(out) {}
+
+  void Add(double t0, double t1) {
+    const ZBR_PT s = PlaneAt(p_, q_, t0);
+    const ZBR_PT e = PlaneAt(p_, q_, t1);
+    if (SamePoint(s, e, t_tolerance.eps2)) return;
+    out_.segments.emplace_back(s, e);
+    out_.sources.push_back(source_);
+  }
+
+ private:
+  const ZBR_PT3& p_;
+  const ZBR_PT3& q_;
+  const ZBR_HL_SOURCE& source_;
+  Stretches& out_;
+};
+
+void AddGaps(const Intervals& visible, Collector out) {
+  double from = 0.0;
+  for (const ZBR_HL_INTERVAL& v : visible) {
+    if (v.s.t > from) out.Add(from, v.s.t);
+    from = v.e.t;
+  }
+  if (from < 1.0) out.Add(from, 1.0);
+}
+
+void AddVisible(const Intervals& visible, Collector out) {
+  for (const ZBR_HL_INTERVAL& v : visible) out.Add(v.s.t, v.e.t);
+}
+
+template <class AddEdge>
+Stretches Collect(const ZBR_HL_SHELL* shells, unsigned count, AddEdge add) {
+  Stretches out;
+  for (unsigned s = 0; s < count; ++s) {
+    for (unsigned k = 0; k < shells[s].count; ++k) {
+      const ZBR_HL_TRI& t = shells[s].tris[k];
+      for (int i = 0; i < 3; ++i) {
+        if (!t.dispj[i]) continue;
+        const ZBR_HL_SOURCE source{static_cast<int>(s), static_cast<int>(k), i};
+        add(t.intvl_v[i], Collector(t, source, out));
+      }
+    }
+  }
+  return out;
+}
+
+void Keep(Stretches& stretches, const std::vector<char>& marks) {
+  KeepMarked(stretches.segments, marks);
+  KeepMarked(stretches.sources, marks);
+}
+
+// Replaces each stretch by its parts that no visible line and no earlier stretch covers.
+void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible) {
+  Stretches rest;
+  const CoveredParts covered(visible, hidden.segments);
+  for (std::size_t i = 0; i < hidden.segments.size(); ++i) {
+    const ZBR_SEG& g = hidden.segments[i];
+    covered.ForEachGap(i, [&](double t0, double t1) {
+      rest.segments.emplace_back(t0 == 0.0 ? g.s() : g.s() + (g.e() - g.s()) * t0,
+                                 t1 == 1.0 ? g.e() : g.s() + (g.e() - g.s()) * t1);
+      rest.sources.push_back(hidden.sources[i]);
+    });
+  }
+  hidden = std::move(rest);
+}
+
+Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode) {
+  Stretches hidden = Collect(shells, count, AddGaps);
+  if (mode >= 2) {
+    const Stretches visible = Collect(shells, count, AddVisible);
+    Keep(hidden, NotIn(visible.segments, hidden.segments));
+    if (mode >= 3) {
+      Keep(hidden, FirstOfEach(hidden.segments));
+      KeepUncovered(hidden, visible.segments);
+    }
+  }
+  Keep(hidden, FirstOfEach(hidden.segments));
+  return hidden;
+}
+
+}  // namespace
+}  // namespace zbr
+
+void ZBR_HiddenLine::GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count) {
+  out = zbr::HiddenStretches(shells, count, mode).segments;
+}
+
+void ZBR_HiddenLine::GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count,
+                                      std::vector<ZBR_HL_SOURCE>& sources) {
+  zbr::Stretches hidden = zbr::HiddenStretches(shells, count, mode);
+  out = std::move(hidden.segments);
+  sources = std::move(hidden.sources);
+}

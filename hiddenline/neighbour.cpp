@@ -1,0 +1,81 @@
+// The rule for two triangles of a shell that share an edge.
+//
+// Sharing an edge settles most of the pair without comparing planes, where rounding would speak at random: the surface either goes
+// on beyond the edge, and then the neighbour can hide nothing of this triangle, or folds back over it. The shared edge is drawn
+// once, by the triangle that comes first, if it draws it.
+#include "core/constants.h"
+#include "core/spatial_inline.h"
+#include "core/tolerance_state.h"
+#include "hiddenline/occlusion.h"
+
+namespace zbr {
+namespace {
+
+// The edge against a vertical neighbour, on whose line it lies.
+void HideBesideVertical(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, const Scratch& lists) {
+  if (!self.IsEdgeAvailable(i)) return;
+  BesideVertical(self, self.pt[i], self.pt[(i + 1) % 3], o, lists.result, lists);
+  NarrowEdge(self, i, lists.result, lists.work);
+}
+
+// Two walls on one line: of two that meet along their long edges, or both below their apexes, one draws the shared edge.
+bool BothVertical(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, const Scratch& lists) {
+  const bool isLong = i == self.vert_edge;
+  const bool isLongInO = k == o.vert_edge;
+  const bool longEdges = self.vert_upper && !o.vert_upper && isLong && isLongInO;
+  const bool flanks = self.vert_upper && o.vert_upper && !isLong && !isLongInO;
+  if (longEdges || flanks) {
+    if (KeepsLine(o, k, self)) self.SetEdgeUnavailable(i);
+  } else {
+    HideBesideVertical(self, o, i, lists);
+  }
+  return longEdges;
+}
+
+// A wall beside a face: the face draws the shared edge, and all of the wall when it hangs from that edge.
+void WallByFace(ZBR_HL_TRI& self, int i) {
+  self.SetEdgeUnavailable(i);
+  if (!self.vert_upper && i == self.vert_edge) {
+    self.SetEdgeUnavailable((i + 1) % 3);
+    self.SetEdgeUnavailable((i + 2) % 3);
+  }
+}
+
+bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet) {
+  if (KeepsLine(o, k, self)) self.SetEdgeUnavailable(i);
+  // Where both run the same way round in projection they lie on opposite sides of the shared edge.
+  const bool sameWay = SamePoint(self.pt[i], o.pt[k], t_tolerance.eps2);
+  if (sameWay == (self.clockwise != o.clockwise)) return true;
+  const int third = (i + 2) % 3;
+  const double d = o.normal.distance(self.pt[third]);
+  if (o.clockwise ? d < 0.0 : d > 0.0) return true;
+  const auto thirdBit = static_cast<unsigned char>(1U << static_cast<unsigned>(third));
+  self.pos = {};
+  self.pos.bits[1] = static_cast<unsigned char>(7U & ~thirdBit);
+  self.pos.bits[o.clockwise ? 0 : 2] = thirdBit;
+  posSet = true;
+  return false;
+}
+
+}  // namespace
+
+bool HideByNeighbour(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet, const Scratch& lists) {
+  if (o.edge_state[k] == kVertical) return true;
+  if (self.IsTriVertical()) {
+    if (o.IsTriVertical()) return BothVertical(self, o, i, k, lists);
+    WallByFace(self, i);
+    return true;
+  }
+  if (o.IsTriVertical()) {
+    if ((k == o.vert_edge) == o.vert_upper) HideBesideVertical(self, o, i, lists);
+    return true;
+  }
+  return BothFaces(self, o, i, k, posSet);
+}
+
+}  // namespace zbr
+
+bool ZBR_HL_TRI::HiddenLine_TriByTriAdjacent(const ZBR_HL_TRI& o, int i, bool& pos_set) {
+  const int k = GetAdjEdge(i, o);
+  return k >= 0 && zbr::HideByNeighbour(*this, o, i, k, pos_set, zbr::ScratchOf(shell));
+}

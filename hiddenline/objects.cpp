@@ -1,0 +1,185 @@
+// Objects of several shells: hidden by themselves, and by one another.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include <zbr/hidden_line.h>
+#include <zbr/outline.h>
+
+#include "core/box_tree.h"
+#include "core/constants.h"
+#include "core/tolerance_state.h"
+#include "hiddenline/driver.h"
+
+namespace {
+
+using ShellList = std::vector<const ZBR_HL_SHELL*>;
+using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
+
+zbr::Box BoxOf(const ZBR_HL_SHELL& s) {
+  return {s.min_x, s.min_y, s.max_x, s.max_y};
+}
+
+// Finds the shells of an object that can hide something of a given one.
+class ShellSearch {
+ public:
+  ShellSearch(const ZBR_HL_SHELL* shells, unsigned count) : shells_(shells) {
+    std::vector<ZBR_PT> centres(count);
+    for (unsigned i = 0; i < count; ++i) centres[i] = BoxOf(shells[i]).Center();
+    order_ = zbr::SpatialOrder(centres);
+    const auto leaves = tree_.StartLeaves(count);
+    for (unsigned i = 0; i < count; ++i) leaves[i] = BoxOf(shells[order_[i]]);
+    tree_.BuildInner();
+  }
+
+  // Those other than `a` itself, the nearest to the viewer first: it hides the most.
+  void Find(const ZBR_HL_SHELL& a, ShellList& found) const {
+    found.clear();
+    const zbr::Box box = BoxOf(a).Widened(2.0 * zbr::kBoxMargin);
+    tree_.Walk([&box](const zbr::Box& node, int, std::uint32_t) { return zbr::Overlap(box, node); },
+               [&](std::uint32_t leaf) {
+                 const ZBR_HL_SHELL& b = shells_[order_[leaf]];
+                 if (&b != &a && a.count != 0 && b.count != 0 && zbr::CanHide(a, b)) found.push_back(&b);
+                 return true;
+               });
+    std::stable_sort(found.begin(), found.end(), [](const auto* p, const auto* q) { return p->max_z > q->max_z; });
+  }
+
+ private:
+  const ZBR_HL_SHELL* shells_;
+  std::vector<std::uint32_t> order_;
+  zbr::BoxTree tree_;
+};
+
+void Prepare(ZBR_HL_SHELL* shells, unsigned count) {
+  for (unsigned i = 0; i < count; ++i) shells[i].HiddenLineSelf();
+}
+
+void HideBehind(ZBR_HL_SHELL* a, unsigned na, const ZBR_HL_SHELL* b, unsigned nb) {
+  const ShellSearch search(b, nb);
+  ShellList found;
+  for (unsigned i = 0; i < na; ++i) {
+    search.Find(a[i], found);
+    zbr::HideShell(a[i], found);
+  }
+}
+
+// Counts places at which one of two objects is nearer.
+class Comparison {
+ public:
+  Comparison(const ZBR_HL_SHELL* a, const ZBR_HL_SHELL* b, unsigned na, unsigned nb) : a_(a), b_(b), na_(na), nb_(nb) {}
+
+  void Sample(const ZBR_PT& at) {
+    double za = std::numeric_limits<double>::lowest();
+    double zb = za;
+    const bool hit =
+        ZBR_HiddenLine::PickShells(at.x(), at.y(), a_, na_, za) && ZBR_HiddenLine::PickShells(at.x(), at.y(), b_, nb_, zb);
+    if (!hit) return;
+    if (za > zb + zbr::t_tolerance.eps) ++nearerA_;
+    if (zb > za + zbr::t_tolerance.eps) ++nearerB_;
+  }
+  int Result() const { return nearerA_ > nearerB_ ? 1 : nearerB_ > nearerA_ ? 2 : 0; }
+
+ private:
+  const ZBR_HL_SHELL* a_;
+  const ZBR_HL_SHELL* b_;
+  unsigned na_;
+  unsigned nb_;
+  long nearerA_ = 0;
+  long nearerB_ = 0;
+};
+
+// Samples beside the middle of every edge, a little way inside, where both objects are likely to lie.
+void SampleAlong(ZBR_LOOP& outer, const ZBR_LOOP_LOCATOR& region, Comparison& comparison) {
+  outer.Setup();
+  const auto& pts = outer.pt();
+  const double width = std::sqrt(std::fabs(outer.area()));
+  for (std::size_t i = 0; i < pts.size(); ++i) {
+    const ZBR_PT& s = pts[i];
+    const ZBR_PT& e = pts[i + 1 < pts.size() ? i + 1 : 0];
+    const ZBR_PT along = e - s;
+    const double length = along.Length();
+    if (!(length > 0.0)) continue;
+    const double in = 1e-3 * std::min(length, width) / length * (outer.area() < 0.0 ? -1.0 : 1.0);
+    const ZBR_PT at = (s + e) / 2.0 + ZBR_PT(-along.y(), along.x()) * in;
+    if (region.IsInside(at) == ZBR_PI_IN) comparison.Sample(at);
+  }
+}
+
+double HighestOf(const ZBR_HL_SHELL* shells, unsigned count) {
+  double z = std::numeric_limits<double>::lowest();
+  for (unsigned i = 0; i < count; ++i) {
+    if (shells[i].count != 0) z = std::max(z, shells[i].max_z);
+  }
+  return z;
+}
+
+// Whether object a counts as nearer where the outlines of the two overlap.
+bool IsNearer(const ZBR_HL_SHELL* a, const ZBR_HL_SHELL* b, unsigned na, unsigned nb, const Loops& overlap,
+              const std::vector<ZBR_CROSS>& crosses) {
+  const int closer =
+      crosses.empty() ? ZBR_HiddenLine::CheckCloser(a, b, na, nb, overlap) : ZBR_HiddenLine::CheckCloser(a, b, na, nb, crosses);
+  if (closer == 1 || closer == 2) return closer == 1;
+  return HighestOf(b, nb) <= HighestOf(a, na);
+}
+
+}  // namespace
+
+void ZBR_HiddenLine::GetMaxMin(ZBR_HL_SHELL* shells, unsigned count) {
+  for (unsigned i = 0; i < count; ++i) {
+    if (!shells[i].maxmin_valid) shells[i].GetMaxMin();
+  }
+}
+
+void ZBR_HiddenLine::HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count) {
+  GetMaxMin(shells, count);
+  Prepare(shells, count);
+  if (count > 1) HideBehind(shells, count, shells, count);
+}
+
+void ZBR_HiddenLine::HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>* out, unsigned count) {
+  if (count == 0) return;
+  HiddenLine_Shells(shells, count);
+  if (out != nullptr) zbrOptimizeHiddenLine(shells, *out, count);
+}
+
+void ZBR_HiddenLine::HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb) {
+  if (na == 0 || nb == 0) return;
+  Prepare(a, na);
+  Prepare(b, nb);
+  HideBehind(a, na, b, nb);
+}
+
+void ZBR_HiddenLine::HiddenLineObjByObj(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb, bool both) {
+  if (na == 0 || nb == 0) return;
+  HiddenLineObjByObjMain(a, b, na, nb);
+  if (both) HiddenLineObjByObjMain(b, a, nb, na);
+
+  ZBR_BOOLEAN_OPE operations[] = {ZBR_BOOL_AND, ZBR_BOOL_A_MINUS_B, ZBR_BOOL_B_MINUS_A};
+  Loops results[3];
+  std::vector<ZBR_CROSS> crosses;
+  zbrBooleanLoops(a[0].outline, b[0].outline, operations, results, both ? 3 : 2, crosses);
+  if (zbr::WithinTol(ZBR_LOOP::get_area(results[0]), zbr::t_tolerance.eps)) return;  // apart in plan
+  if (!IsNearer(a, b, na, nb, results[0], crosses)) {
+    a[0].outline.clear();
+    ZBR_LOOP::DeepCopyLoops(a[0].outline, results[1]);
+  } else if (both) {
+    b[0].outline.clear();
+    ZBR_LOOP::DeepCopyLoops(b[0].outline, results[2]);
+  }
+}
+
+int ZBR_HiddenLine::CheckCloser(const ZBR_HL_SHELL* a, const ZBR_HL_SHELL* b, unsigned na, unsigned nb, const Loops& overlap) {
+  Comparison comparison(a, b, na, nb);
+  const ZBR_LOOP_LOCATOR region(overlap);
+  for (const auto& outer : overlap) SampleAlong(*outer, region, comparison);
+  return comparison.Result();
+}
+
+int ZBR_HiddenLine::CheckCloser(const ZBR_HL_SHELL* a, const ZBR_HL_SHELL* b, unsigned na, unsigned nb,
+                                const std::vector<ZBR_CROSS>& crosses) {
+  Comparison comparison(a, b, na, nb);
+  for (const ZBR_CROSS& cross : crosses) comparison.Sample(cross.pt);
+  return comparison.Result();
+}

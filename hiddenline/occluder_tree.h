@@ -1,0 +1,115 @@
+// A search tree over triangles: which can hide something within a box and above a height.
+//
+// Idea: triangles in the order of a space-filling curve through their centres, four neighbours to a node, four nodes to a parent,
+// and so on. A node holds the boxes of its four children side by side in single precision (rounded outwards, relative to the
+// model's centre), so that one node is one and a half cache lines and the four are tested together. Children are kept by decreasing
+// height: what is nearest the viewer is met first, and hides the most.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#if defined(__SSE__)
+#include <xmmintrin.h>
+#endif
+
+#include <zbr/spatial.h>
+
+#include "core/box.h"
+
+namespace zbr {
+
+class OccluderTree {
+ public:
+  static constexpr std::uint32_t kFanOut = 4;
+
+  // A triangle as the tree sees it.
+  struct Item {
+    Box box;
+    double minZ;
+    double maxZ;
+    int position;  // what a search reports
+  };
+
+  // What to search for: boxes that meet this one and reach at least the height, in the tree's coordinates.
+  struct Query {
+    float xmin, ymin, xmax, ymax, z;
+  };
+
+  void Build(std::span<const Item> items);
+  bool empty() const { return nodes_.empty(); }
+  Query MakeQuery(const Box& box, double z) const;
+
+  // Visits items whose boxes meet the query, roughly from the highest down. `visit(position, query)` returns false to end the
+  // search and may shrink the query.
+  template <class Visit>
+  void Search(Query query, Visit visit) const;
+
+ private:
+  struct alignas(16) Node {
+    std::array<float, kFanOut> xmin, ymin, xmax, ymax, zmax;  // xmin > xmax in unused lanes
+    std::array<std::int32_t, kFanOut> child;                  // node; ~position in the lowest nodes
+  };
+
+  // A lane of a node while the tree is built.
+  struct Lane {
+    float xmin, ymin, xmax, ymax, zmax;
+    std::int32_t child;
+  };
+
+  static Node MakeNode(std::span<Lane> lanes);
+  static Lane Around(const Node& node, std::int32_t child);
+  static unsigned Hits(const Node& node, const Query& q);
+
+  ZBR_PT3 centre_;
+  std::vector<Node> nodes_;  // the root last
+};
+
+inline unsigned OccluderTree::Hits(const Node& node, const Query& q) {
+#if defined(__SSE__)
+  const auto load = [](const std::array<float, kFanOut>& a) { return _mm_load_ps(a.data()); };
+  const __m128 x =
+      _mm_and_ps(_mm_cmple_ps(load(node.xmin), _mm_set1_ps(q.xmax)), _mm_cmpge_ps(load(node.xmax), _mm_set1_ps(q.xmin)));
+  const __m128 y =
+      _mm_and_ps(_mm_cmple_ps(load(node.ymin), _mm_set1_ps(q.ymax)), _mm_cmpge_ps(load(node.ymax), _mm_set1_ps(q.ymin)));
+  const __m128 z = _mm_cmpge_ps(load(node.zmax), _mm_set1_ps(q.z));
+  return static_cast<unsigned>(_mm_movemask_ps(_mm_and_ps(_mm_and_ps(x, y), z)));
+#else
+  unsigned hits = 0;
+  for (unsigned i = 0; i < kFanOut; ++i) {
+    const bool hit = (node.xmin[i] <= q.xmax) & (node.xmax[i] >= q.xmin) & (node.ymin[i] <= q.ymax) & (node.ymax[i] >= q.ymin) &
+                     (node.zmax[i] >= q.z);
+    hits |= static_cast<unsigned>(hit) << i;
+  }
+  return hits;
+#endif
+}
+
+template <class Visit>
+void OccluderTree::Search(Query query, Visit visit) const {
+  if (empty()) return;
+  std::int32_t stack[64];  // three siblings wait per level, and sixteen levels hold more than there are ints
+  int depth = 0;
+  stack[depth++] = static_cast<std::int32_t>(nodes_.size()) - 1;
+  while (depth > 0) {
+    const Node& node = nodes_[static_cast<std::size_t>(stack[--depth])];
+    unsigned hits = Hits(node, query);
+    if (node.child[0] >= 0) {
+      // The highest goes on top of the stack.
+      while (hits != 0) {
+        const unsigned last = static_cast<unsigned>(std::bit_width(hits)) - 1U;
+        hits ^= 1U << last;
+        stack[depth++] = node.child[last];
+      }
+    } else {
+      for (; hits != 0; hits &= hits - 1U) {
+        if (!visit(~node.child[static_cast<unsigned>(std::countr_zero(hits))], query)) return;
+      }
+    }
+  }
+}
+
+}  // namespace zbr

@@ -1,0 +1,42 @@
+// Chaining of segments into polylines.
+#pragma once
+
+#include <vector>
+
+#include <zbr/export.h>
+#include <zbr/hidden_line.h>
+#include <zbr/planar.h>
+
+// How far the chaining of a segment end has come.
+enum ZBR_HL_OPT_STATE {
+  OPT_NEW = 1,     // not yet classified
+  OPT_JOINED = 2,  // linked to one other end at its vertex: the chain passes through
+  OPT_END = 3,     // free end: nothing to continue to
+  OPT_BRANCH = 4,  // at a vertex where three or more ends meet, and branches are kept
+  OPT_LAST = 5,    // last end of a traced chain
+  OPT_PASSED = 6,  // passed through while tracing
+  OPT_FIRST = 7,   // first end of a traced open chain, or a free end reached as its last
+  OPT_ZERO = 8     // end of a segment that is shorter than eps or repeats another; takes no part
+};
+
+// One end of a segment. Ends 2k and 2k + 1 of an array are those of segment k, so the other end of end i is i ^ 1.
+struct ZBR_HL_OPT_PT {
+  ZBR_PT pt;
+  int index = -1;       // place in the array
+  int vertex = -1;      // number of the vertex that the ends within eps of each other share
+  int link = -1;        // the end at the same vertex through which the chain goes on; -1 when none
+  int state = OPT_NEW;  // ZBR_HL_OPT_STATE
+};
+
+// Joins segments into as few polylines as following them from end to end gives.
+//
+// Ends within eps of a vertex (the position of the first end seen there) share it; where three or more meet they are joined in
+// pairs, in order. Segments shorter than eps and repeats are left out, and points lying straight between their neighbours are
+// removed. `out` is replaced by the open polylines, then the closed ones (whose last point is an exact copy of the first). Returns
+// the number of open ones. The fields vertex, link and state of the records are overwritten. n log n; one vertex's many ends cost
+// no more.
+ZBR_API int zbrOptimizeSegs(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::vector<ZBR_PT>>& out);
+
+// The visible lines of `count` shells as polylines in the XY plane: chains the visible intervals of all their triangles under a
+// tolerance of 0.001 (restored afterwards). Changes nothing in the shells. Output and result as zbrOptimizeSegs.
+ZBR_API int zbrOptimizeHiddenLine(const ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>& out, unsigned int count);
