@@ -145,6 +145,25 @@ void SortByStart(Intervals& list) {
   std::stable_sort(list.begin(), list.end(), [](const ZBR_HL_INTERVAL& a, const ZBR_HL_INTERVAL& b) { return a.s.t < b.s.t; });
 }
 
+bool IsLess(const ZBR_PT3& a, const ZBR_PT3& b) {
+  if (a.x() != b.x()) return a.x() < b.x();
+  return a.y() != b.y() ? a.y() < b.y() : a.z() < b.z();
+}
+
+// Two triangles that share a side cut an edge at one parameter, yet the points computed from each may differ in the last bit. Both
+// lists then get the smaller one, lest the order in which triangles are taken decide.
+void AgreeOnPoints(Intervals& list, Intervals& result) {
+  const auto agree = [](PtLin& a, PtLin& b) {
+    if (a.t == b.t) a.pt = b.pt = IsLess(a.pt, b.pt) ? ZBR_PT3(a.pt) : ZBR_PT3(b.pt);
+  };
+  for (ZBR_HL_INTERVAL& r : result) {
+    for (ZBR_HL_INTERVAL& v : list) {
+      agree(r.s, v.s);
+      agree(r.e, v.e);
+    }
+  }
+}
+
 // Sides of o's plane on which the vertices of self lie: in front, on it, behind, with front on the viewer's side.
 bool CanBeHidden(ZBR_HL_TRI& self, const ZBR_HL_TRI& o) {
   const unsigned on = self.pos.bits[1];
@@ -200,11 +219,12 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
   zbrIntervalOptimize(out);
 }
 
-bool NarrowEdge(ZBR_HL_TRI& self, int i, const Intervals& result, Intervals& work) {
+bool NarrowEdge(ZBR_HL_TRI& self, int i, Intervals& result, Intervals& work) {
   Intervals& list = self.intvl_v[i];
   if (result.empty()) {
     list.clear();
   } else if (!IsWholeEdge(result)) {
+    AgreeOnPoints(list, result);
     zbrIntervalIntersection(list, result, work);
     zbrIntervalOptimize(list);
   }

@@ -39,7 +39,7 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
                   const Scratch& lists);
 
 // Intersects the list of edge i with `result`, which is consumed. False when nothing is left of the edge.
-bool NarrowEdge(ZBR_HL_TRI& self, int i, const Intervals& result, Intervals& work);
+bool NarrowEdge(ZBR_HL_TRI& self, int i, Intervals& result, Intervals& work);
 
 // The rules for stretches on the projected line of an edge of o (coplanar.cpp). Each returns the size of out.
 int BesideVertical(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o, Intervals& out,
