@@ -15,6 +15,7 @@
 
 #include <zbr/hidden_line.h>
 
+#include "core/small_sort.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/interval.h"
 #include "hiddenline/occlusion.h"
@@ -134,7 +135,7 @@ int ZBR_HL_TRI::SetVerticalInfo(int e) {
   vert_axis = max_x - min_x >= max_y - min_y ? 1 : 2;
   const auto along = [this](int k) { return vert_axis == 1 ? pt[k].x() : pt[k].y(); };
   int order[3] = {0, 1, 2};
-  std::stable_sort(order, order + 3, [&](int i, int j) { return along(i) > along(j); });
+  zbr::SmallSort(order, order + 3, [&](int i, int j) { return along(i) > along(j); });
   std::copy(order, order + 3, vert_order);
   const double lowest = along(order[2]);
   vert_ratio = std::clamp((along(order[1]) - lowest) / (along(order[0]) - lowest), 0.0, 1.0);

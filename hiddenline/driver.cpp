@@ -18,6 +18,7 @@
 #include "core/constants.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
+#include "hiddenline/extents.h"
 #include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/quick_look.h"

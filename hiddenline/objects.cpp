@@ -133,7 +133,6 @@ void ZBR_HiddenLine::GetMaxMin(ZBR_HL_SHELL* shells, unsigned count) {
 }
 
 void ZBR_HiddenLine::HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count) {
-  GetMaxMin(shells, count);
   Prepare(shells, count);
   if (count > 1) HideBehind(shells, count, shells, count);
 }

@@ -1,24 +1,28 @@
+// Building: Morton order, lowest nodes, levels above.
 #include "hiddenline/occluder_tree.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "core/radix_sort.h"
+#include "core/small_sort.h"
+#include "hiddenline/float_key.h"
 
 namespace zbr {
 namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-// The nearest float at most, or at least, d.
+// A float at most, or at least, d: the nearest one and a step outwards, which is cheaper than to see whether it is needed.
+constexpr float kStep = 1.2e-7F;  // a little more than the distance between neighbours, relative
 float RoundDown(double d) {
-  const auto f = static_cast<float>(d);
-  return f > d ? std::nextafter(f, -kInfinity) : f;
+  const float f = ToFloat(d);
+  return f - std::fabs(f) * kStep - std::numeric_limits<float>::min();
 }
 float RoundUp(double d) {
-  const auto f = static_cast<float>(d);
-  return f < d ? std::nextafter(f, kInfinity) : f;
+  return -RoundDown(-d);
 }
 
 // The 16 bits of c with two zeros between neighbours.
@@ -31,36 +35,65 @@ std::uint64_t Spread(std::uint32_t c) {
   return v;
 }
 
-struct Keyed {
-  std::uint64_t key;
-  std::uint32_t item;
-};
+// Morton's order of the centres of boxes on a cubic grid (as in Lauterbach et al., "Fast BVH construction on GPUs", 2009). Depth
+// counts like width: on a closed surface, clusters that are compact in space have small boxes seen from anywhere.
+class CurveOrder {
+ public:
+  CurveOrder(std::span<const Extents> extents, const ZBR_PT3& low, double size)
+      : extents_(extents), low_(low), scale_(size > 0.0 ? kCells / size : 0.0) {}
 
-// The items' indices in Morton's order of their centres, on a cubic grid (as in Lauterbach et al., "Fast BVH construction on GPUs",
-// 2009). Depth counts like width: on a closed surface, clusters that are compact in space have small boxes seen from anywhere.
-std::vector<Keyed> CurveOrder(std::span<const OccluderTree::Item> items, const ZBR_PT3& low, double size) {
-  static constexpr double kCells = 65535.0;
-  const double scale = size > 0.0 ? kCells / size : 0.0;
-  const auto cell = [scale](double c, double from) {
-    return static_cast<std::uint32_t>(std::clamp((c - from) * scale, 0.0, kCells));
-  };
-  std::vector<Keyed> keyed(items.size());
-  std::vector<Keyed> scratch;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    const OccluderTree::Item& item = items[i];
-    const ZBR_PT centre = item.box.Center();
-    const double z = item.minZ / 2.0 + item.maxZ / 2.0;
-    keyed[i] = {Spread(cell(centre.x(), low.x())) | Spread(cell(centre.y(), low.y())) << 1U | Spread(cell(z, low.z())) << 2U,
-                static_cast<std::uint32_t>(i)};
+  void Sort(std::vector<int>& positions) const {
+    std::vector<Keyed> keyed(positions.size());
+    std::vector<Keyed> scratch;
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+      keyed[i] = {static_cast<std::uint32_t>(FullKey(positions[i]) >> kFineBits), positions[i]};
+    }
+    RadixSort(keyed, scratch, [](const Keyed& k) { return k.key; });
+    SortCrowdedCells(keyed);
+    for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = keyed[i].position;
   }
-  RadixSort(keyed, scratch, [](const Keyed& k) { return k.key; });
-  return keyed;
-}
+
+ private:
+  static constexpr double kCells = 65535.0;
+  static constexpr int kFineBits = 18;         // of 48: ten bits an axis suffice unless detail is unevenly spread
+  static constexpr std::size_t kCrowded = 16;  // triangles in one coarse cell
+
+  struct Keyed {
+    std::uint32_t key;
+    int position;
+  };
+
+  std::uint64_t FullKey(int position) const {
+    const Extents& e = extents_[static_cast<std::size_t>(position)];
+    const ZBR_PT centre = e.box.Center();
+    return Spread(Cell(centre.x() - low_.x())) | Spread(Cell(centre.y() - low_.y())) << 1U |
+           Spread(Cell((e.minZ + e.maxZ) / 2.0 - low_.z())) << 2U;
+  }
+  std::uint32_t Cell(double d) const { return static_cast<std::uint32_t>(std::min(std::max(d * scale_, 0.0), kCells)); }
+
+  void SortCrowdedCells(std::vector<Keyed>& keyed) const {
+    for (std::size_t begin = 0; begin < keyed.size();) {
+      std::size_t end = begin + 1;
+      while (end < keyed.size() && keyed[end].key == keyed[begin].key) ++end;
+      if (end - begin > kCrowded) {
+        std::vector<std::pair<std::uint64_t, int>> cell;
+        for (std::size_t i = begin; i < end; ++i) cell.emplace_back(FullKey(keyed[i].position), keyed[i].position);
+        std::sort(cell.begin(), cell.end());
+        for (std::size_t i = begin; i < end; ++i) keyed[i].position = cell[i - begin].second;
+      }
+      begin = end;
+    }
+  }
+
+  std::span<const Extents> extents_;
+  ZBR_PT3 low_;
+  double scale_;
+};
 
 }  // namespace
 
 OccluderTree::Node OccluderTree::MakeNode(std::span<Lane> lanes) {
-  std::stable_sort(lanes.begin(), lanes.end(), [](const Lane& a, const Lane& b) { return a.zmax > b.zmax; });
+  SmallSort(lanes.begin(), lanes.end(), [](const Lane& a, const Lane& b) { return a.zmax > b.zmax; });
   Node node;
   for (std::size_t i = 0; i < kFanOut; ++i) {
     const bool used = i < lanes.size();
@@ -75,38 +108,39 @@ OccluderTree::Node OccluderTree::MakeNode(std::span<Lane> lanes) {
   return node;
 }
 
+OccluderTree::Lane OccluderTree::LaneOf(const Extents& e, int position) const {
+  const Query q = MakeQuery(e.box, 0.0);
+  return {q.xmin, q.ymin, q.xmax, q.ymax, RoundUp(e.maxZ - centre_.z()), ~position};
+}
+
 OccluderTree::Lane OccluderTree::Around(const Node& node, std::int32_t child) {
   const auto least = [](const auto& a) { return *std::min_element(a.begin(), a.end()); };
   const auto most = [](const auto& a) { return *std::max_element(a.begin(), a.end()); };
   return {least(node.xmin), least(node.ymin), most(node.xmax), most(node.ymax), node.zmax[0], child};
 }
 
-void OccluderTree::Build(std::span<const Item> items) {
+void OccluderTree::Build(std::span<const Extents> extents, std::span<const int> positions) {
   nodes_.clear();
-  if (items.empty()) return;
+  if (positions.empty()) return;
   Box box;
   double zmin = std::numeric_limits<double>::infinity();
   double zmax = -zmin;
-  for (const Item& item : items) {
-    box.Add(item.box);
-    zmin = std::min(zmin, item.minZ);
-    zmax = std::max(zmax, item.maxZ);
+  for (const int position : positions) {
+    const Extents& e = extents[static_cast<std::size_t>(position)];
+    box.Add(e.box);
+    zmin = std::min(zmin, e.minZ);
+    zmax = std::max(zmax, e.maxZ);
   }
-  // Halves, because sums and differences of the largest numbers overflow.
-  centre_ = ZBR_PT3(box.xmin / 2.0 + box.xmax / 2.0, box.ymin / 2.0 + box.ymax / 2.0, zmin / 2.0 + zmax / 2.0);
-  const double half = std::max({box.xmax / 2.0 - box.xmin / 2.0, box.ymax / 2.0 - box.ymin / 2.0, zmax / 2.0 - zmin / 2.0});
-  const std::vector<Keyed> order = CurveOrder(items, ZBR_PT3(box.xmin, box.ymin, zmin), 2.0 * half);
+  centre_ = ZBR_PT3((box.xmin + box.xmax) / 2.0, (box.ymin + box.ymax) / 2.0, (zmin + zmax) / 2.0);
+  std::vector<int> order(positions.begin(), positions.end());
+  CurveOrder(extents, ZBR_PT3(box.xmin, box.ymin, zmin), std::max({box.xmax - box.xmin, box.ymax - box.ymin, zmax - zmin}))
+      .Sort(order);
 
-  nodes_.reserve(items.size() / 3 + 16);
+  nodes_.reserve(order.size() / 3 + 16);
   std::array<Lane, kFanOut> lanes;
   for (std::size_t i = 0; i < order.size(); i += kFanOut) {
     const std::size_t n = std::min<std::size_t>(kFanOut, order.size() - i);
-    for (std::size_t k = 0; k < n; ++k) {
-      const Item& item = items[order[i + k].item];
-      lanes[k] = {RoundDown(item.box.xmin - centre_.x()), RoundDown(item.box.ymin - centre_.y()),
-                  RoundUp(item.box.xmax - centre_.x()),   RoundUp(item.box.ymax - centre_.y()),
-                  RoundUp(item.maxZ - centre_.z()),       ~item.position};
-    }
+    for (std::size_t k = 0; k < n; ++k) lanes[k] = LaneOf(extents[static_cast<std::size_t>(order[i + k])], order[i + k]);
     nodes_.push_back(MakeNode(std::span(lanes).first(n)));
   }
   for (std::size_t begin = 0; nodes_.size() - begin > 1;) {

@@ -19,6 +19,7 @@
 #include <zbr/spatial.h>
 
 #include "core/box.h"
+#include "hiddenline/extents.h"
 
 namespace zbr {
 
@@ -26,24 +27,17 @@ class OccluderTree {
  public:
   static constexpr std::uint32_t kFanOut = 4;
 
-  // A triangle as the tree sees it.
-  struct Item {
-    Box box;
-    double minZ;
-    double maxZ;
-    int position;  // what a search reports
-  };
-
   // What to search for: boxes that meet this one and reach at least the height, in the tree's coordinates.
   struct Query {
     float xmin, ymin, xmax, ymax, z;
   };
 
-  void Build(std::span<const Item> items);
+  // Of the triangles at the given positions, whose extents are given by position.
+  void Build(std::span<const Extents> extents, std::span<const int> positions);
   bool empty() const { return nodes_.empty(); }
   Query MakeQuery(const Box& box, double z) const;
 
-  // Visits items whose boxes meet the query, roughly from the highest down. `visit(position, query)` returns false to end the
+  // Visits triangles whose boxes meet the query, roughly from the highest down. `visit(position, query)` returns false to end the
   // search and may shrink the query.
   template <class Visit>
   void Search(Query query, Visit visit) const;
@@ -61,6 +55,7 @@ class OccluderTree {
   };
 
   static Node MakeNode(std::span<Lane> lanes);
+  Lane LaneOf(const Extents& e, int position) const;
   static Lane Around(const Node& node, std::int32_t child);
   static unsigned Hits(const Node& node, const Query& q);
 

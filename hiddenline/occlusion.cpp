@@ -20,6 +20,7 @@
 #include <utility>
 
 #include "core/constants.h"
+#include "core/small_sort.h"
 #include "core/spatial_inline.h"
 #include "core/tolerance_state.h"
 
@@ -140,11 +141,6 @@ void VisiblePartsAcross(const ZBR_HL_TRI& self, const ZBR_HL_INTERVAL& whole, bo
   }
 }
 
-void SortByStart(Intervals& list) {
-  if (list.size() < 2) return;
-  std::stable_sort(list.begin(), list.end(), [](const ZBR_HL_INTERVAL& a, const ZBR_HL_INTERVAL& b) { return a.s.t < b.s.t; });
-}
-
 bool IsLess(const ZBR_PT3& a, const ZBR_PT3& b) {
   if (a.x() != b.x()) return a.x() < b.x();
   return a.y() != b.y() ? a.y() < b.y() : a.z() < b.z();
@@ -215,7 +211,7 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
   } else {
     VisiblePartsAcross(self, whole, front == 1, o, out, lists);
   }
-  SortByStart(out);
+  SmallSort(out.begin(), out.end(), [](const ZBR_HL_INTERVAL& a, const ZBR_HL_INTERVAL& b) { return a.s.t < b.s.t; });
   zbrIntervalOptimize(out);
 }
 

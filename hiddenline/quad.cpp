@@ -91,13 +91,13 @@ ZBR_HL_QUAD* MakeChild(ZBR_HL_QUAD& node, unsigned quadrant, double xmid, double
 }
 
 // Deals node.tris out to its children. `quadrants` is scratch.
-void Split(ZBR_HL_QUAD& node, std::span<const Box> boxes, std::vector<std::uint8_t>& quadrants) {
+void Split(ZBR_HL_QUAD& node, std::span<const Extents> extents, std::vector<std::uint8_t>& quadrants) {
   const double xmid = (node.max_x + node.min_x) / 2.0;
   const double ymid = (node.max_y + node.min_y) / 2.0;
   std::array<std::size_t, 5> count{};
   quadrants.resize(node.tris.size());
   for (std::size_t i = 0; i < node.tris.size(); ++i) {
-    const unsigned q = QuadrantOf(boxes[static_cast<std::size_t>(node.tris[i])], xmid, ymid);
+    const unsigned q = QuadrantOf(extents[static_cast<std::size_t>(node.tris[i])].box, xmid, ymid);
     quadrants[i] = static_cast<std::uint8_t>(q);
     ++count[q];
   }
@@ -117,18 +117,20 @@ void Split(ZBR_HL_QUAD& node, std::span<const Box> boxes, std::vector<std::uint8
 
 }  // namespace
 
-void BuildQuad(ZBR_HL_QUAD& root, std::span<const Box> boxes, ZBR_HL_TRI* tris) {
+void BuildQuad(ZBR_HL_QUAD& root, std::span<const Extents> extents, ZBR_HL_TRI* tris) {
   std::vector<std::uint8_t> quadrants;
+  std::vector<ZBR_HL_QUAD*> filedIn(extents.size());  // noted here first: the records are far apart
   std::vector<ZBR_HL_QUAD*> open{&root};
   while (!open.empty()) {
     ZBR_HL_QUAD& node = *open.back();
     open.pop_back();
-    if (node.tris.size() > kQuadLeafSize) Split(node, boxes, quadrants);
-    for (const int position : node.tris) tris[position].quad = &node;
+    if (node.tris.size() > kQuadLeafSize) Split(node, extents, quadrants);
+    for (const int position : node.tris) filedIn[static_cast<std::size_t>(position)] = &node;
     for (ZBR_HL_QUAD* child : node.child) {
       if (child != nullptr) open.push_back(child);
     }
   }
+  for (std::size_t i = 0; i < filedIn.size(); ++i) tris[i].quad = filedIn[i];
 }
 
 const ZBR_HL_QUAD* FindQuad(const ZBR_HL_QUAD& start, const Box& box) {

@@ -1,17 +1,18 @@
 // The shell: preparing its triangles, its tree and its search index, and its own state.
 //
-// Preparation is one pass per array: extents, numbers and planes, states, order by height, tree, index. The tree is part of the
-// interface; the index is what the driver searches (occluders.h).
+// Preparation is one pass over the triangles (extents, numbers, planes, states), and then the order by height, the tree, which is
+// part of the interface, and the occluders, which the driver searches (occluders.h); all of these from extents kept apart from the
+// records.
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <numeric>
+#include <span>
 
 #include <zbr/hidden_line.h>
 
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
-#include "hiddenline/double_key.h"
+#include "hiddenline/float_key.h"
 #include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/quad.h"
@@ -64,39 +65,98 @@ void ZBR_HL_SHELL::Init() {
   work.reserve(10);
 }
 
-void ZBR_HL_SHELL::GetMaxMin() {
-  max_x = max_y = max_z = -std::numeric_limits<double>::infinity();
-  min_x = min_y = min_z = std::numeric_limits<double>::infinity();
-  for (unsigned i = 0; i < count; ++i) {
-    ZBR_HL_TRI& t = tris[i];
-    t.GetMaxMin();
-    if (!zbr::HasFiniteExtents(t)) continue;  // will be invalid; must not spoil the box of the others
-    max_x = std::max(max_x, t.max_x);
-    min_x = std::min(min_x, t.min_x);
-    max_y = std::max(max_y, t.max_y);
-    min_y = std::min(min_y, t.min_y);
-    max_z = std::max(max_z, t.max_z);
-    min_z = std::min(min_z, t.min_z);
-  }
-  if (min_x > max_x) max_x = min_x = max_y = min_y = max_z = min_z = 0.0;
-  maxmin_valid = true;
-}
+namespace {
 
-void ZBR_HL_SHELL::CheckTriangle() {
-  if (count == 0) return;
-  const bool number = tris[0].idx == -1;
-  id_map.resize(count);
-  for (unsigned i = 0; i < count; ++i) {
-    ZBR_HL_TRI& t = tris[i];
-    if (number) t.idx = static_cast<int>(i);
-    t.shell_idx = index;
-    t.shell = this;
-    id_map[i] = {t.idx, static_cast<int>(i)};
+// The shell's box, grown triangle by triangle.
+class BoxOfShell {
+ public:
+  // Triangles that are not finite will be invalid; they must not spoil the box of the others.
+  void Add(const zbr::Extents& e) {
+    if (!zbr::IsFinite(e)) return;
+    box_.Add(e.box);
+    minZ_ = std::min(minZ_, e.minZ);
+    maxZ_ = std::max(maxZ_, e.maxZ);
+  }
+  void WriteTo(ZBR_HL_SHELL& shell) const {
+    const bool empty = minZ_ > maxZ_;
+    shell.max_x = empty ? 0.0 : box_.xmax;
+    shell.min_x = empty ? 0.0 : box_.xmin;
+    shell.max_y = empty ? 0.0 : box_.ymax;
+    shell.min_y = empty ? 0.0 : box_.ymin;
+    shell.max_z = empty ? 0.0 : maxZ_;
+    shell.min_z = empty ? 0.0 : minZ_;
+    shell.maxmin_valid = true;
+  }
+
+ private:
+  zbr::Box box_;
+  double minZ_ = std::numeric_limits<double>::infinity();
+  double maxZ_ = -std::numeric_limits<double>::infinity();
+};
+
+// Numbers and classifies the triangles of a shell, one by one.
+class Checker {
+ public:
+  explicit Checker(ZBR_HL_SHELL& shell) : shell_(shell), number_(shell.tris[0].idx == -1) { shell.id_map.resize(shell.count); }
+
+  void Check(unsigned position) {
+    ZBR_HL_TRI& t = shell_.tris[position];
+    if (number_) t.idx = static_cast<int>(position);
+    t.shell_idx = shell_.index;
+    t.shell = &shell_;
+    shell_.id_map[position] = {t.idx, static_cast<int>(position)};
     t.normal.Set(t.pt[0], t.pt[1], t.pt[2]);
     t.clockwise = !(t.normal.normal().z() > 0.0);
     t.CheckTriangle();
   }
-  if (!std::is_sorted(id_map.begin(), id_map.end())) std::sort(id_map.begin(), id_map.end());
+  void Finish() {
+    auto& map = shell_.id_map;
+    if (!std::is_sorted(map.begin(), map.end())) std::sort(map.begin(), map.end());
+  }
+
+ private:
+  ZBR_HL_SHELL& shell_;
+  bool number_;
+};
+
+std::vector<zbr::Extents> ExtentsOf(const ZBR_HL_SHELL& shell) {
+  std::vector<zbr::Extents> extents(shell.count);
+  for (unsigned i = 0; i < shell.count; ++i) extents[i] = zbr::ExtentsOf(shell.tris[i]);
+  return extents;
+}
+
+// Extents and CheckTriangle in one pass, as records are bulky; returns the triangles' extents.
+std::vector<zbr::Extents> CheckAll(ZBR_HL_SHELL& shell) {
+  std::vector<zbr::Extents> extents(shell.count);
+  BoxOfShell box;
+  Checker checker(shell);
+  for (unsigned i = 0; i < shell.count; ++i) {
+    if (!shell.maxmin_valid) shell.tris[i].GetMaxMin();
+    extents[i] = zbr::ExtentsOf(shell.tris[i]);
+    box.Add(extents[i]);
+    checker.Check(i);
+  }
+  checker.Finish();
+  if (!shell.maxmin_valid) box.WriteTo(shell);
+  return extents;
+}
+
+}  // namespace
+
+void ZBR_HL_SHELL::GetMaxMin() {
+  BoxOfShell box;
+  for (unsigned i = 0; i < count; ++i) {
+    tris[i].GetMaxMin();
+    box.Add(zbr::ExtentsOf(tris[i]));
+  }
+  box.WriteTo(*this);
+}
+
+void ZBR_HL_SHELL::CheckTriangle() {
+  if (count == 0) return;
+  Checker checker(*this);
+  for (unsigned i = 0; i < count; ++i) checker.Check(i);
+  checker.Finish();
 }
 
 void ZBR_HL_SHELL::QuadRemoveInvalid(ZBR_HL_QUAD& node) {
@@ -109,17 +169,30 @@ void ZBR_HL_SHELL::QuadRemoveInvalid(ZBR_HL_QUAD& node) {
 namespace {
 
 // Positions by decreasing max_z, equal heights in array order; what is no number comes last.
-std::vector<int> OrderByHeight(const ZBR_HL_TRI* tris, unsigned count) {
+std::vector<int> OrderByHeight(std::span<const zbr::Extents> extents) {
   struct Item {
-    std::uint64_t key;
+    std::uint32_t key;  // of the height as a float; heights that differ by less are told apart afterwards
     int position;
   };
-  std::vector<Item> items(count);
+  std::vector<Item> items(extents.size());
   std::vector<Item> scratch;
-  for (unsigned i = 0; i < count; ++i) items[i] = {~zbr::DoubleKey(tris[i].max_z), static_cast<int>(i)};
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    items[i] = {~zbr::FloatKey(zbr::ToFloat(extents[i].maxZ)), static_cast<int>(i)};
+  }
   zbr::RadixSort(items, scratch, [](const Item& item) { return item.key; });
-  std::vector<int> order(count);
+  std::vector<int> order(items.size());
   std::transform(items.begin(), items.end(), order.begin(), [](const Item& item) { return item.position; });
+  const auto isHigher = [&extents](int i, int j) {
+    return extents[static_cast<std::size_t>(i)].maxZ > extents[static_cast<std::size_t>(j)].maxZ;
+  };
+  for (std::size_t begin = 0; begin < items.size();) {
+    std::size_t end = begin + 1;
+    while (end < items.size() && items[end].key == items[begin].key) ++end;
+    const auto first = order.begin() + static_cast<std::ptrdiff_t>(begin);
+    const auto last = order.begin() + static_cast<std::ptrdiff_t>(end);
+    if (!std::is_sorted(first, last, isHigher)) std::stable_sort(first, last, isHigher);
+    begin = end;
+  }
   return order;
 }
 
@@ -141,15 +214,14 @@ void ZBR_HL_SHELL::HiddenLineSelf() {
     done = true;
     return;
   }
-  if (!maxmin_valid) GetMaxMin();
   index = ZBR_HiddenLine::max_shell_index.fetch_add(1);
-  CheckTriangle();
+  const std::vector<zbr::Extents> extents = CheckAll(*this);
   if (!quad_built) {
-    order = OrderByHeight(tris, count);
+    order = OrderByHeight(extents);
     ResetRoot(*this, zbr::t_tolerance.eps);
-    zbr::BuildQuad(root, zbr::BoxesOf(*this), tris);
-    QuadRemoveInvalid(root);
-    occluders = std::make_shared<const Occluders>(*this);
+    zbr::BuildQuad(root, extents, tris);
+    if (std::any_of(tris, tris + count, [](const ZBR_HL_TRI& t) { return t.IsTriInvalid(); })) QuadRemoveInvalid(root);
+    occluders = std::make_shared<const Occluders>(*this, extents);
     quad_built = true;
   }
   ZBR_HiddenLine::HiddenLine_ShellByShell(*this, *this);
@@ -183,7 +255,7 @@ void ZBR_HL_SHELL::Offset(const ZBR_PT3& d) {
   min_z += d.z();
   for (unsigned i = 0; i < count; ++i) tris[i].Offset(d);
   zbr::OffsetQuad(root, d.x(), d.y());
-  if (occluders != nullptr) occluders = std::make_shared<const Occluders>(*this);
+  if (occluders != nullptr) occluders = std::make_shared<const Occluders>(*this, ExtentsOf(*this));
   const ZBR_PT planar(d.x(), d.y());
   ZBR_LOOP::Offset(outline, planar);
   ZBR_LOOP::Offset(outline_all, planar);

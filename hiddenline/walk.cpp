@@ -9,7 +9,7 @@
 
 #include "core/constants.h"
 #include "hiddenline/driver.h"
-#include "hiddenline/occluders.h"
+#include "hiddenline/extents.h"
 #include "hiddenline/quad.h"
 
 namespace {

@@ -1,0 +1,26 @@
+// Doubles as floats, and floats as unsigned integers that sort the same way.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace zbr {
+
+// The nearest float; the largest one of its sign for what is larger.
+inline float ToFloat(double d) {
+  constexpr double kLargest = std::numeric_limits<float>::max();
+  return static_cast<float>(std::min(std::max(d, -kLargest), kLargest));
+}
+
+// Ascending in f; what is no number comes first.
+inline std::uint32_t FloatKey(float f) {
+  if (std::isnan(f)) return 0;
+  const auto bits = std::bit_cast<std::uint32_t>(f + 0.0F);  // one zero
+  constexpr std::uint32_t kSign = std::uint32_t{1} << 31U;
+  return (bits & kSign) != 0 ? ~bits : bits | kSign;
+}
+
+}  // namespace zbr
