@@ -49,28 +49,25 @@ Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratc
   return met;
 }
 
-// The box of what is left of an edge, with room for the tolerance, and the least height at which it can be hidden.
-OccluderTree::Query QueryFor(const Intervals& visible, const OccluderTree& tree) {
-  const ZBR_PT3& p = visible.front().s.pt;
-  const ZBR_PT3& q = visible.back().e.pt;
-  return tree.MakeQuery(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin), std::min(p.z(), q.z()) - kBoxMargin);
-}
-
 // One edge of a triangle against all occluders of one shell.
 class EdgeSearch {
  public:
-  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const OccluderTree& tree, const Neighbours& met,
-             const Scratch& lists)
-      : t_(t), edge_(edge), shell_(shell), tree_(tree), met_(met), lists_(lists), look_(t.pt[edge], t.pt[(edge + 1) % 3]) {}
+  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const Neighbours& met, const Scratch& lists)
+      : t_(t), edge_(edge), shell_(shell), met_(met), lists_(lists), look_(t.pt[edge], t.pt[(edge + 1) % 3]) {}
 
+  // Searches within the box of the whole edge, with room for the tolerance, even when part of it is hidden already: what an
+  // occluder does to the hidden part can still move a cut by less than the tolerance.
   void Run() {
-    tree_.Search(QueryFor(t_.intvl_v[edge_], tree_),
-                 [this](int position, OccluderTree::Query& query) { return Try(position, query); });
+    const ZBR_PT3& p = t_.pt[edge_];
+    const ZBR_PT3& q = t_.pt[(edge_ + 1) % 3];
+    const OccluderTree& tree = shell_.occluders->tree;
+    tree.Search(tree.MakeQuery(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin), std::min(p.z(), q.z()) - kBoxMargin),
+                [this](int position) { return Try(position); });
   }
 
  private:
   // False when nothing is left of the edge.
-  bool Try(int position, OccluderTree::Query& query) {
+  bool Try(int position) {
     const ZBR_HL_TRI& o = shell_.tris[position];
     unsigned front = 0;
     unsigned on = 0;
@@ -78,14 +75,12 @@ class EdgeSearch {
     VisibleParts(t_, edge_, front, on, o, lists_.result, lists_);
     if (IsWholeEdge(lists_.result)) return true;
     if (!NarrowEdge(t_, edge_, lists_.result, lists_.work)) return false;
-    query = QueryFor(t_.intvl_v[edge_], tree_);
     return true;
   }
 
   ZBR_HL_TRI& t_;
   int edge_;
   const ZBR_HL_SHELL& shell_;
-  const OccluderTree& tree_;
   const Neighbours& met_;
   const Scratch& lists_;
   QuickLook look_;
@@ -95,7 +90,7 @@ class EdgeSearch {
 void HideByAnyNumbering(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Neighbours& met, const Scratch& lists) {
   const OccluderTree& tree = shell.occluders->tree;
   const Box box = BoxOf(t).Widened(kBoxMargin);
-  tree.Search(tree.MakeQuery(box, t.min_z - kBoxMargin), [&](int position, OccluderTree::Query&) {
+  tree.Search(tree.MakeQuery(box, t.min_z - kBoxMargin), [&](int position) {
     const ZBR_HL_TRI& o = shell.tris[position];
     if (!o.IsTriSkip() && !met.Has(position)) HideByTriangle(t, o, lists);
     return t.any_edge_visible;
@@ -114,7 +109,7 @@ void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, const Scratch& lists) {
     if (t.any_edge_visible) HideByAnyNumbering(t, b, met, lists);
   } else {
     for (int i = 0; i < 3; ++i) {
-      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, b.occluders->tree, met, lists).Run();
+      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, met, lists).Run();
     }
   }
 }

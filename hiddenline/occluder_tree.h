@@ -37,10 +37,10 @@ class OccluderTree {
   bool empty() const { return nodes_.empty(); }
   Query MakeQuery(const Box& box, double z) const;
 
-  // Visits triangles whose boxes meet the query, roughly from the highest down. `visit(position, query)` returns false to end the
-  // search and may shrink the query.
+  // Visits triangles whose boxes meet the query, roughly from the highest down, by position. `visit` returns false to end the
+  // search.
   template <class Visit>
-  void Search(Query query, Visit visit) const;
+  void Search(const Query& query, Visit visit) const;
 
  private:
   struct alignas(16) Node {
@@ -84,7 +84,7 @@ inline unsigned OccluderTree::Hits(const Node& node, const Query& q) {
 }
 
 template <class Visit>
-void OccluderTree::Search(Query query, Visit visit) const {
+void OccluderTree::Search(const Query& query, Visit visit) const {
   if (empty()) return;
   std::int32_t stack[64];  // three siblings wait per level, and sixteen levels hold more than there are ints
   int depth = 0;
@@ -101,7 +101,7 @@ void OccluderTree::Search(Query query, Visit visit) const {
       }
     } else {
       for (; hits != 0; hits &= hits - 1U) {
-        if (!visit(~node.child[static_cast<unsigned>(std::countr_zero(hits))], query)) return;
+        if (!visit(~node.child[static_cast<unsigned>(std::countr_zero(hits))])) return;
       }
     }
   }
