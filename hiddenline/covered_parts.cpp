@@ -1,8 +1,10 @@
 #include "hiddenline/covered_parts.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/planar_inline.h"
+#include "core/radix_sort.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -45,15 +47,30 @@ CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_
   tree_.BuildInner();
 }
 
-double CoveredParts::Shortest(std::size_t i) const {
-  return t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
+std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
+  std::vector<Gap> gaps;
+  Ranges ranges;
+  for (const std::uint32_t i : order_) {  // neighbours in the plane read the same part of the tree
+    if (i >= segments_.size()) continue;
+    FindCovered(i, ranges);
+    const double least = t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
+    double from = 0.0;
+    for (const auto& [t0, t1] : ranges) {
+      if (t0 - from > least) gaps.push_back({i, from, t0});
+      from = std::max(from, t1);
+    }
+    if (1.0 - from > least) gaps.push_back({i, from, 1.0});
+  }
+  std::vector<Gap> scratch;
+  RadixSort(gaps, scratch, [](const Gap& gap) { return gap.segment; });
+  return gaps;
 }
 
-std::vector<std::pair<double, double>> CoveredParts::Covered(std::size_t i) const {
+void CoveredParts::FindCovered(std::size_t i, Ranges& ranges) const {
   const double eps = t_tolerance.eps;
   const ZBR_SEG& g = segments_[i];
   const Box box = BoxOfSegment(g.s(), g.e()).Widened(eps);
-  std::vector<std::pair<double, double>> ranges;
+  ranges.clear();
   std::pair<double, double> range;
   tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
              [&](std::uint32_t leaf) {
@@ -63,7 +80,6 @@ std::vector<std::pair<double, double>> CoveredParts::Covered(std::size_t i) cons
                return true;
              });
   std::sort(ranges.begin(), ranges.end());
-  return ranges;
 }
 
 }  // namespace zbr

@@ -1,7 +1,6 @@
-// Which parts of a set of segments other segments run over.
+// Which parts of a set of segments nothing else runs over.
 #pragma once
 
-#include <algorithm>
 #include <span>
 #include <utility>
 #include <vector>
@@ -12,29 +11,27 @@
 
 namespace zbr {
 
-// A segment is covered where a segment of `others`, or an earlier one of `segments`, lies on it within the thread's tolerance of
-// the time of the question. n log n on segments that are spread out. Refers to both lists.
+// A segment is covered where a segment of `others`, or an earlier one of `segments`, lies on it within the thread's tolerance. n
+// log n on segments that are spread out. Refers to both lists.
 class CoveredParts {
  public:
   CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments);
 
-  // Calls visit(t0, t1) for each uncovered part of segment i that is longer than the tolerance, in order.
-  template <class Visit>
-  void ForEachGap(std::size_t i, Visit visit) const {
-    double from = 0.0;
-    const double least = Shortest(i);
-    for (const auto& [t0, t1] : Covered(i)) {
-      if (t0 - from > least) visit(from, t0);
-      from = std::max(from, t1);
-    }
-    if (1.0 - from > least) visit(from, 1.0);
-  }
+  // A part of a segment, longer than the tolerance, that is not covered.
+  struct Gap {
+    std::uint32_t segment;
+    double from;  // parameters along the segment
+    double to;
+  };
+  // All of them, by segment and then along it.
+  std::vector<Gap> Gaps() const;
 
  private:
+  using Ranges = std::vector<std::pair<double, double>>;
+
   const ZBR_SEG& At(std::size_t i) const { return i < segments_.size() ? segments_[i] : others_[i - segments_.size()]; }
-  double Shortest(std::size_t i) const;
   // The covered ranges of segment i, sorted.
-  std::vector<std::pair<double, double>> Covered(std::size_t i) const;
+  void FindCovered(std::size_t i, Ranges& ranges) const;
 
   std::span<const ZBR_SEG> others_;
   std::span<const ZBR_SEG> segments_;

@@ -1,8 +1,8 @@
 // The driver: which triangles are tried against which edge.
 //
 // A triangle first meets its neighbours, as wholes, because sharing an edge decides for both triangles. After that its edges have
-// nothing to do with each other: each still visible edge searches the occluders' trees for triangles that meet the box of what is
-// left of it and reach its height, highest first, and is done as soon as nothing is left. A pair that is clearly without effect is
+// nothing to do with each other: each still visible edge searches the occluders' trees for triangles that meet its box and
+// reach its height, highest first, and is done as soon as nothing is left. A pair that is clearly without effect is
 // told from the occluder's vertices and plane alone (QuickLook); the others go through the full rule.
 //
 // The visible intervals of an edge are the intersection of what each occluder leaves, so neither the order of the pairs nor leaving

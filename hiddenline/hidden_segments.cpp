@@ -9,6 +9,7 @@
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/covered_parts.h"
+#include "hiddenline/driver.h"
 #include "hiddenline/interval.h"
 #include "segments/segment_set.h"
 
@@ -59,20 +60,25 @@ void AddVisible(const Intervals& visible, Collector out) {
   for (const ZBR_HL_INTERVAL& v : visible) out.Add(v.s.t, v.e.t);
 }
 
-template <class AddEdge>
-Stretches Collect(const ZBR_HL_SHELL* shells, unsigned count, AddEdge add) {
+// Runs add(visible intervals, collector) on each drawable edge that is wanted.
+template <class AddEdge, class Wanted>
+Stretches Collect(const ZBR_HL_SHELL* shells, unsigned count, AddEdge add, Wanted wanted) {
   Stretches out;
   for (unsigned s = 0; s < count; ++s) {
     for (unsigned k = 0; k < shells[s].count; ++k) {
       const ZBR_HL_TRI& t = shells[s].tris[k];
       for (int i = 0; i < 3; ++i) {
-        if (!t.dispj[i]) continue;
         const ZBR_HL_SOURCE source{static_cast<int>(s), static_cast<int>(k), i};
-        add(t.intvl_v[i], Collector(t, source, out));
+        if (t.dispj[i] && wanted(source)) add(t.intvl_v[i], Collector(t, source, out));
       }
     }
   }
   return out;
+}
+
+template <class AddEdge>
+Stretches Collect(const ZBR_HL_SHELL* shells, unsigned count, AddEdge add) {
+  return Collect(shells, count, add, [](const ZBR_HL_SOURCE&) { return true; });
 }
 
 void Keep(Stretches& stretches, const std::vector<char>& marks) {
@@ -80,31 +86,44 @@ void Keep(Stretches& stretches, const std::vector<char>& marks) {
   KeepMarked(stretches.sources, marks);
 }
 
+// Whether the neighbour across edge i of the triangle has the edge too and accounts for all of it: it draws some, or comes first.
+bool IsLeftToNeighbour(const ZBR_HL_SHELL& shell, const ZBR_HL_SOURCE& source) {
+  const ZBR_HL_TRI& t = shell.tris[source.triangle];
+  const int i = source.edge;
+  if (!t.intvl_v[i].empty() || t.adj[i] == -1) return false;
+  const int position = PositionOf(shell, t.adj[i]);
+  if (position < 0 || position == source.triangle) return false;
+  const ZBR_HL_TRI& neighbour = shell.tris[position];
+  const int k = t.GetAdjEdge(i, neighbour);
+  if (k < 0 || !neighbour.dispj[k] || neighbour.adj[k] != t.idx) return false;
+  return !neighbour.intvl_v[k].empty() || position < source.triangle;
+}
+
 // Replaces each stretch by its parts that no visible line and no earlier stretch covers.
 void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible) {
   Stretches rest;
-  const CoveredParts covered(visible, hidden.segments);
-  for (std::size_t i = 0; i < hidden.segments.size(); ++i) {
-    const ZBR_SEG& g = hidden.segments[i];
-    covered.ForEachGap(i, [&](double t0, double t1) {
-      rest.segments.emplace_back(t0 == 0.0 ? g.s() : g.s() + (g.e() - g.s()) * t0,
-                                 t1 == 1.0 ? g.e() : g.s() + (g.e() - g.s()) * t1);
-      rest.sources.push_back(hidden.sources[i]);
-    });
+  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments).Gaps()) {
+    const ZBR_SEG& g = hidden.segments[gap.segment];
+    const ZBR_PT along = g.e() - g.s();
+    rest.segments.emplace_back(gap.from == 0.0 ? g.s() : g.s() + along * gap.from, gap.to == 1.0 ? g.e() : g.s() + along * gap.to);
+    rest.sources.push_back(hidden.sources[gap.segment]);
   }
   hidden = std::move(rest);
 }
 
+// As a person draws: each line once, and no hidden line along a visible one.
+Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, unsigned count) {
+  const Stretches visible = Collect(shells, count, AddVisible);
+  Stretches hidden = Collect(shells, count, AddGaps,
+                             [shells](const ZBR_HL_SOURCE& source) { return !IsLeftToNeighbour(shells[source.shell], source); });
+  KeepUncovered(hidden, visible.segments);
+  return hidden;
+}
+
 Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode) {
+  if (mode >= 3) return HiddenDrawing(shells, count);
   Stretches hidden = Collect(shells, count, AddGaps);
-  if (mode >= 2) {
-    const Stretches visible = Collect(shells, count, AddVisible);
-    Keep(hidden, NotIn(visible.segments, hidden.segments));
-    if (mode >= 3) {
-      Keep(hidden, FirstOfEach(hidden.segments));
-      KeepUncovered(hidden, visible.segments);
-    }
-  }
+  if (mode == 2) Keep(hidden, NotIn(Collect(shells, count, AddVisible).segments, hidden.segments));
   Keep(hidden, FirstOfEach(hidden.segments));
   return hidden;
 }
