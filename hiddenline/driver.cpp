@@ -102,10 +102,10 @@ bool CanReach(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& b) {
          t.min_x <= b.max_x + kBoxMargin && t.min_y <= b.max_y + kBoxMargin;
 }
 
-void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, const Scratch& lists) {
+void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, const Scratch& lists) {
   Neighbours met;
-  if (t.shell == &b) met = MeetNeighbours(t, b, lists);
-  if (!b.occluders->uniqueIds && t.shell == &b) {
+  if (isOwn) met = MeetNeighbours(t, b, lists);
+  if (isOwn && !b.occluders->uniqueIds) {
     if (t.any_edge_visible) HideByAnyNumbering(t, b, met, lists);
   } else {
     for (int i = 0; i < 3; ++i) {
@@ -138,8 +138,8 @@ void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders) 
     ZBR_HL_TRI& t = a.tris[i];
     for (const ZBR_HL_SHELL* b : occluders) {
       if (!t.any_edge_visible) break;
-      if (b != &a && !CanReach(t, *b)) continue;
-      if (b->occluders != nullptr) HideTriangle(t, *b, lists);
+      const bool isOwn = b == &a;
+      if (b->occluders != nullptr && (isOwn || CanReach(t, *b))) HideTriangle(t, *b, isOwn, lists);
     }
   }
 }

@@ -96,7 +96,7 @@ int zbrIntervalIntersection(Intervals& a, const Intervals& b, Intervals& work) {
   }
   work.clear();
   Overlaps(a, b, t_tolerance.eps, work);
-  a.swap(work);
+  a.assign(work.begin(), work.end());  // not swapped: the lists of edges are many, and keep no spare room
   work.clear();
   return zbrIntervalOptimize(a);
 }

@@ -217,13 +217,10 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
 
 bool NarrowEdge(ZBR_HL_TRI& self, int i, Intervals& result, Intervals& work) {
   Intervals& list = self.intvl_v[i];
-  if (result.empty()) {
-    list.clear();
-  } else if (!IsWholeEdge(result)) {
-    AgreeOnPoints(list, result);
-    zbrIntervalIntersection(list, result, work);
-    zbrIntervalOptimize(list);
-  }
+  if (IsWholeEdge(result)) return !list.empty();
+  AgreeOnPoints(list, result);
+  zbrIntervalIntersection(list, result, work);
+  zbrIntervalOptimize(list);
   if (!list.empty()) return true;
   self.SetEdgeUnavailable(i);
   return false;

@@ -30,7 +30,7 @@ unsigned ZBR_HL_TRI::GetDispSegNum() const {
 }
 
 void ZBR_HL_TRI::SetEdgeUnavailable(int i) {
-  intvl_v[i].clear();
+  intvl_v[i] = zbr::Intervals();  // and its storage: most edges of a large model end here
   if (!IsEdgeAvailableAtLeastOne((i + 1) % 3, (i + 2) % 3)) any_edge_visible = false;
 }
 
