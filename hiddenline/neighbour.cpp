@@ -49,6 +49,9 @@ bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet
   const int third = (i + 2) % 3;
   const double d = o.normal.distance(self.pt[third]);
   if (o.clockwise ? d < 0.0 : d > 0.0) return true;
+  // Folded flat onto the neighbour, where the sign of d means nothing: the planes are compared as of any two triangles, and lines
+  // in a common plane stay.
+  if (WithinTol(d, t_tolerance.eps)) return false;
   const auto thirdBit = static_cast<unsigned char>(1U << static_cast<unsigned>(third));
   self.pos = {};
   self.pos.bits[1] = static_cast<unsigned char>(7U & ~thirdBit);

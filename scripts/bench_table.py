@@ -35,6 +35,17 @@ OPERATIONS = 5
 ALL_OPERATIONS_BAR = 2.5  # five operations in one call, in terms of the average single one
 MEMORY_BAR = (150, "coast", 1_000_000)  # MiB above the inputs
 
+# Hidden lines. The peer's visible length may differ from ours by this part, and by more in scenes where it is understood why. Edges
+# of three and more triangles are not counted: either library may draw one several times.
+HIDDEN_PEER = "occt"
+HIDDEN_TOLERANCE = 0.0002
+HIDDEN_DIFFERENCES = {
+    "lattice": (0.01, "where a line runs exactly under a side shared by two nearer triangles, the peer draws hidden parts of it"),
+    "beetle": (0.002, "flaps folded flat onto themselves: which of two triangles in one plane hides the other is a tie"),
+}
+HIDDEN_STEPS = ["model", "scene", "scenes-4", "remove", "chain", "hidden-0", "hidden-3"]
+GROWTH_FROM = 8_000  # triangles: smaller scenes tell little about growth
+
 
 class Measured:
     """The runs of one benchmark: family, size, operation, peer."""
@@ -126,10 +137,11 @@ def text_number(value, form):
     return "-" if value is None else format(value, form)
 
 
-def print_table(head, lines):
+def print_table(head, lines, left=(0, 2)):
+    """Columns are aligned to the right but those in `left` and the last one."""
     widths = [max(len(line[i]) for line in [head] + lines) for i in range(len(head))]
     for line in [head, ["-" * width for width in widths]] + lines:
-        print("  ".join(cell.ljust(w) if i in (0, 2, len(head) - 1) else cell.rjust(w)
+        print("  ".join(cell.ljust(w) if i in (*left, len(head) - 1) else cell.rjust(w)
                         for i, (cell, w) in enumerate(zip(line, widths))).rstrip())
     print()
 
@@ -183,6 +195,81 @@ def print_memory(path):
     print("Peak memory above the inputs in MiB, results included.\n")
 
 
+def read_hidden(path):
+    """Returns {(scene, triangles, edges): {library: {operation: value}}} in the order of the file."""
+    scenes = defaultdict(lambda: defaultdict(dict))
+    names = {}
+    for _, scene, triangles, edges, operation, library, value, _ in csv.reader(path.read_text().splitlines()):
+        # A run that was stopped knows no sizes: it belongs to the scene of that name.
+        key = names.setdefault(scene, (scene, int(triangles), int(edges)))
+        scenes[key][library][operation] = float(value)
+    return scenes
+
+
+def short_name(scene):
+    return Path(scene).stem if "/" in scene else scene
+
+
+def kind_of(scene):
+    return short_name(scene).partition(":")[0]
+
+
+def hidden_growth(scenes, key, library):
+    """Exponent of the removal's time in triangles, from the smallest scene of this kind that counts."""
+    if ":" not in key[0]:
+        return None
+    same = [other for other in scenes if kind_of(other[0]) == kind_of(key[0]) and GROWTH_FROM <= other[1] < key[1]]
+    if not same:
+        return None
+    first = min(same, key=lambda other: other[1])
+    times = [scenes[k][library].get("remove") for k in (first, key)]
+    return math.log(times[1] / times[0]) / math.log(key[1] / first[1]) if all(times) else None
+
+
+def compare_lengths(key, libraries):
+    """Returns the text of the column, and an error or None."""
+    ours, peer = libraries.get(OURS, {}), libraries.get(HIDDEN_PEER, {})
+    if "visible" not in ours or "visible" not in peer:
+        return "-", None
+    ours_length, peer_length = (library["visible"] - library["visible-junctions"] for library in (ours, peer))
+    difference = peer_length / ours_length - 1.0 if ours_length else 0.0
+    tolerance, note = HIDDEN_DIFFERENCES.get(kind_of(key[0]), (HIDDEN_TOLERANCE, ""))
+    text = f"{100 * difference:+.3f} %{'*' if note else ''}"
+    if abs(difference) <= tolerance:
+        return text, None
+    return text, f"{key[0]}: visible length differs by {100 * difference:.3f} % from the peer's"
+
+
+def print_hidden(path):
+    scenes = read_hidden(path)
+    lines, steps, errors = [], [], []
+    for key, libraries in scenes.items():
+        ours, peer = libraries.get(OURS, {}), libraries.get(HIDDEN_PEER, {})
+        agreement, error = compare_lengths(key, libraries)
+        errors += [error] if error else []
+        grown = hidden_growth(scenes, key, OURS)
+        peer_time = text_number(peer.get("remove"), ".3f")
+        if "stopped-after" in peer:
+            peer_time = f"> {peer['stopped-after']:.0f}"
+        ratio = peer["remove"] / ours["remove"] if "remove" in peer and "remove" in ours else None
+        lines.append([short_name(key[0]), str(key[1]), str(key[2]), text_number(ours.get("remove"), ".4f"), peer_time,
+                      text_number(ratio, ".1f"), text_number(grown, ".2f") + ("!" if (grown or 0) > GROWTH_BAR else ""),
+                      text_number(hidden_growth(scenes, key, HIDDEN_PEER), ".2f"), agreement]
+                     + [text_number(library.get(what), ".0f") for what in ("memory", "memory-added") for library in (ours, peer)])
+        steps.append([short_name(key[0])] + [text_number(ours.get(step), ".4f") for step in HIDDEN_STEPS])
+    print_table(["scene", "triangles", "edges", OURS, HIDDEN_PEER, "ratio", "growth", "peer's", "length", "MiB", "peer's", "added",
+                 "peer's"], lines, left=(0,))
+    print(f"CPU seconds of removing the hidden lines, median; ratio: {HIDDEN_PEER} / {OURS}; growth: exponent in triangles from the")
+    print(f"smallest scene of that kind above {GROWTH_FROM}, ! marks more than {GROWTH_BAR}; length: what the peer shows more than we")
+    print("do, edges of three and more triangles apart; memory of the whole process at its peak, and what of it the removal added.")
+    shown = {kind_of(key[0]) for key in scenes}
+    print("".join(f"* {kind}: {note}\n" for kind, (_, note) in HIDDEN_DIFFERENCES.items() if kind in shown))
+    print_table(["scene"] + HIDDEN_STEPS, steps, left=(0,))
+    print("CPU seconds of our steps: the mesh becomes a model, that a scene, four scenes; removal; visible lines as polylines;")
+    print("hidden stretches as they are, and as a person draws them.\n")
+    return errors
+
+
 def main():
     if len(sys.argv) != 2 or not Path(sys.argv[1]).is_dir():
         sys.exit(__doc__)
@@ -192,6 +279,9 @@ def main():
     memory = Path(sys.argv[1]) / "memory.csv"
     if memory.exists():
         print_memory(memory)
+    hidden = Path(sys.argv[1]) / "hidden.csv"
+    if hidden.exists():
+        errors += print_hidden(hidden)
     for error in errors:
         print(f"ERROR {error}")
     sys.exit(1 if errors else 0)

@@ -4,10 +4,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # Debian packages for the tool with its library, and what the tests and checks need beyond them. Everything the presets look for
 # at configuration is in the first list, so that all scripts share one build tree.
-build_packages=(g++ cmake ninja-build libcli11-dev libdxflib-dev nlohmann-json3-dev libgtest-dev libgeos-dev librsvg2-bin)
+build_packages=(g++ cmake ninja-build libcli11-dev libdxflib-dev libassimp-dev nlohmann-json3-dev libgtest-dev libgeos-dev
+                librsvg2-bin)
 check_packages=("${build_packages[@]}" binutils pkg-config clang clang-format)
 lint_packages=("${check_packages[@]}" clang-tidy)
-bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev)
+bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev libassimp-dev
+                libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev)
 
 say() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }

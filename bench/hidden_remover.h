@@ -1,0 +1,49 @@
+// What the hidden-line benchmarks need of a library: the same small interface for ours and for its peer.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "model/model.h"
+#include "model/scene.h"
+#include "model/view.h"
+
+namespace bench {
+
+// Of a drawing, what can be compared: lengths are those of the projections, in scene units.
+struct DrawnLines {
+  double visible = 0.0;
+  double visibleJunctions = 0.0;  // the part of it on edges of three and more triangles, counted once or more
+  std::size_t pieces = 0;         // visible stretches, not chained
+  std::uint64_t checksum = 0;     // of all ends of the stretches, to the bit; ours only
+};
+
+// Goes any number of times through Load (outside the clock: brings the model into the library's own form, without anything that an
+// earlier Run left), Run (timed: removes the hidden lines) and Describe.
+class HiddenRemover {
+ public:
+  virtual ~HiddenRemover() = default;
+  virtual void Load(const tool::Model& model, const tool::View& view) = 0;
+  virtual void Run() = 0;
+  virtual DrawnLines Describe() const = 0;
+};
+
+// Ours, whose scene stays open to what follows a removal.
+class ZbrRemover final : public HiddenRemover {
+ public:
+  void Load(const tool::Model& model, const tool::View& view) override;
+  void Run() override;
+  DrawnLines Describe() const override;
+  const tool::Scene& scene() const { return scene_; }
+
+ private:
+  tool::Scene scene_;
+};
+
+// The polygonal algorithm of Open CASCADE; only where it was found when this was built.
+std::unique_ptr<HiddenRemover> MakeOpenCascadeRemover();
+
+}  // namespace bench

@@ -1,0 +1,30 @@
+// The scenes of the hidden-line benchmarks, by name.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/mesh.h"
+#include "model/view.h"
+
+namespace bench {
+
+// A scene is called KIND:SIZE, as "gear:100000", or is the name of a file.
+struct HiddenScene {
+  std::string family;  // as the user selects it
+  std::string name;
+  bool quick = false;  // part of a quick run too
+};
+
+// All scenes in the order of the table; meshes of the folder that were found included.
+std::vector<HiddenScene> HiddenScenes(const std::string& meshFolder);
+
+struct SceneInput {
+  tool::Mesh mesh;
+  tool::View view;
+};
+
+// Makes the mesh of a scene or reads its file. Throws std::runtime_error on a name that means nothing.
+SceneInput MakeSceneInput(const std::string& name);
+
+}  // namespace bench

@@ -1,0 +1,48 @@
+// Our removal of hidden lines.
+
+#include <zbr/hidden_line.h>
+#include <zbr/tolerance.h>
+
+#include <bit>
+
+#include "hidden_remover.h"
+
+namespace bench {
+namespace {
+
+// FNV-1a over the bytes of a value.
+void Hash(double value, std::uint64_t& hash) {
+  const auto bits = std::bit_cast<std::uint64_t>(value);
+  for (unsigned shift = 0; shift < 64; shift += 8) hash = (hash ^ ((bits >> shift) & 0xffU)) * 0x100000001b3U;
+}
+
+}  // namespace
+
+void ZbrRemover::Load(const tool::Model& model, const tool::View& view) {
+  tool::MakeScene(model, view, scene_);
+}
+
+void ZbrRemover::Run() {
+  const ZBR_TmpEps eps(tool::kSceneTolerance);
+  ZBR_HiddenLine::HiddenLine_Shells(scene_.shells.data(), scene_.ShellCount());
+}
+
+DrawnLines ZbrRemover::Describe() const {
+  DrawnLines lines;
+  lines.checksum = 0xcbf29ce484222325U;
+  for (std::size_t t = 0; t < scene_.triangles.size(); ++t) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (const ZBR_HL_INTERVAL& interval : scene_.triangles[t].intvl_v[i]) {
+        const double length = interval.s.pt.DistanceXY(interval.e.pt);
+        lines.visible += length;
+        if (scene_.classes[t][i] == tool::EdgeClass::kJunction) lines.visibleJunctions += length;
+        ++lines.pieces;
+        Hash(interval.s.t, lines.checksum);
+        Hash(interval.e.t, lines.checksum);
+      }
+    }
+  }
+  return lines;
+}
+
+}  // namespace bench
