@@ -8,7 +8,7 @@
 // The visible intervals of an edge are the intersection of what each occluder leaves, so neither the order of the pairs nor leaving
 // out pairs without effect changes them. Occluders are only read: shells can be processed at once that hide each other.
 #include <algorithm>
-#include <limits>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -49,11 +49,17 @@ Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratc
   return met;
 }
 
+// What a pass over a shell carries along.
+struct Pass {
+  Scratch lists;
+  std::uint64_t pairs = 0;  // that went through the full rule
+};
+
 // One edge of a triangle against all occluders of one shell.
 class EdgeSearch {
  public:
-  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const Neighbours& met, const Scratch& lists)
-      : t_(t), edge_(edge), shell_(shell), met_(met), lists_(lists), look_(t.pt[edge], t.pt[(edge + 1) % 3]) {}
+  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const Neighbours& met, Pass& pass)
+      : t_(t), edge_(edge), shell_(shell), met_(met), pass_(pass), look_(t.pt[edge], t.pt[(edge + 1) % 3]) {}
 
   // Searches within the box of the whole edge, with room for the tolerance, even when part of it is hidden already: what an
   // occluder does to the hidden part can still move a cut by less than the tolerance.
@@ -72,17 +78,17 @@ class EdgeSearch {
     unsigned front = 0;
     unsigned on = 0;
     if (!look_.CanHide(o, front, on) || o.IsTriSkip() || &o == &t_ || met_.Has(position)) return true;
-    VisibleParts(t_, edge_, front, on, o, lists_.result, lists_);
-    if (IsWholeEdge(lists_.result)) return true;
-    if (!NarrowEdge(t_, edge_, lists_.result, lists_.work)) return false;
-    return true;
+    ++pass_.pairs;
+    const Scratch& lists = pass_.lists;
+    VisibleParts(t_, edge_, front, on, o, lists.result, lists);
+    return NarrowEdge(t_, edge_, lists.result, lists.work);
   }
 
   ZBR_HL_TRI& t_;
   int edge_;
   const ZBR_HL_SHELL& shell_;
   const Neighbours& met_;
-  const Scratch& lists_;
+  Pass& pass_;
   QuickLook look_;
 };
 
@@ -102,14 +108,14 @@ bool CanReach(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& b) {
          t.min_x <= b.max_x + kBoxMargin && t.min_y <= b.max_y + kBoxMargin;
 }
 
-void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, const Scratch& lists) {
+void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, Pass& pass) {
   Neighbours met;
-  if (isOwn) met = MeetNeighbours(t, b, lists);
+  if (isOwn) met = MeetNeighbours(t, b, pass.lists);
   if (isOwn && !b.occluders->uniqueIds) {
-    if (t.any_edge_visible) HideByAnyNumbering(t, b, met, lists);
+    if (t.any_edge_visible) HideByAnyNumbering(t, b, met, pass.lists);
   } else {
     for (int i = 0; i < 3; ++i) {
-      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, met, lists).Run();
+      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, met, pass).Run();
     }
   }
 }
@@ -133,15 +139,16 @@ bool CanHide(const ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
 
 void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders) {
   const ToleranceScope scope(kOcclusionEps);
-  const Scratch lists = ScratchOf(&a);
+  Pass pass{ScratchOf(&a)};
   for (unsigned i = 0; i < a.count; ++i) {
     ZBR_HL_TRI& t = a.tris[i];
     for (const ZBR_HL_SHELL* b : occluders) {
       if (!t.any_edge_visible) break;
       const bool isOwn = b == &a;
-      if (b->occluders != nullptr && (isOwn || CanReach(t, *b))) HideTriangle(t, *b, isOwn, lists);
+      if (b->occluders != nullptr && (isOwn || CanReach(t, *b))) HideTriangle(t, *b, isOwn, pass);
     }
   }
+  a.pairs_tried += pass.pairs;
 }
 
 }  // namespace zbr

@@ -49,6 +49,7 @@ ZBR_HL_SHELL& ZBR_HL_SHELL::operator=(const ZBR_HL_SHELL& o) {
   root = o.root;
   id_map = o.id_map;
   occluders = o.occluders;
+  pairs_tried = o.pairs_tried;
   return *this;
 }
 
@@ -59,6 +60,7 @@ void ZBR_HL_SHELL::Init() {
   done = false;
   maxmin_valid = false;
   quad_built = false;
+  pairs_tried = 0;
   tri_result.reserve(3);
   xy_result.reserve(3);
   for (auto& list : edge_result) list.reserve(3);

@@ -20,6 +20,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -258,6 +259,7 @@ struct ZBR_HL_SHELL {
   std::vector<std::pair<int, int>> id_map;  // (idx, position), sorted by idx
   struct Occluders;
   std::shared_ptr<const Occluders> occluders;  // the driver's search structure; opaque
+  std::uint64_t pairs_tried = 0;               // edges of this shell against triangles, as far as the driver had to look closely
   // Scratch; the contents never matter between calls and are not copied.
   std::vector<ZBR_HL_INTERVAL> tri_result;
   std::vector<ZBR_HL_INTERVAL> xy_result;
