@@ -2,7 +2,10 @@
 #include "cli/command_line.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <limits>
+#include <string_view>
 
 #include "cli/help_format.h"
 #include "cli/manual.h"
@@ -12,10 +15,16 @@
 namespace tool {
 namespace {
 
+// Whether it is a negative number or starts a list of numbers: "-3", "-1,0,2.5".
+bool StartsNegative(const std::string& argument) {
+  return argument.size() > 1 && argument.front() == '-' && argument.find_first_of("0123456789.") == 1 &&
+         argument.find_first_not_of("0123456789.,+-eE", 1) == std::string::npos;
+}
+
 // The parser takes "-3" for an option; behind a blank it is a value.
 void Protect(std::vector<std::string>& arguments) {
   for (std::string& argument : arguments) {
-    if (argument.size() > 1 && argument.front() == '-' && ParseNumber(argument)) argument.insert(0, 1, ' ');
+    if (StartsNegative(argument)) argument.insert(0, 1, ' ');
   }
 }
 
@@ -23,24 +32,57 @@ std::string Unprotected(const std::string& argument) {
   return argument.substr(argument.rfind(' ', 0) == 0 ? 1 : 0);
 }
 
-// Lengths are parsed by the tool's own routine: the parser's depends on the locale and takes "nan".
-CLI::Option* AddLength(CLI::App& command, const std::string& name, double& value, const std::string& description) {
+// What an option takes.
+struct NumberKind {
+  const char* typeName;
+  const char* expected;  // "'x' is not ..."
+  double low, high;
+};
+constexpr NumberKind kLength = {"LENGTH", "a length", 0, std::numeric_limits<double>::max()};
+constexpr NumberKind kDegrees = {"DEGREES", "an angle from 0 to 180 degrees", 0, 180};
+constexpr NumberKind kPart = {"PART", "a number from 0 to 0.1", 0, 0.1};
+
+// Numbers are parsed by the tool's own routine: the parser's depends on the locale and takes "nan".
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, const NumberKind& kind, double& value,
+                       const std::string& description) {
   return command
       .add_option_function<std::string>(
           name,
-          [&value, name](const std::string& text) {
+          [&value, &kind, name](const std::string& text) {
             const std::string number = Unprotected(text);
-            const auto length = ParseNumber(number);
-            if (!length || *length < 0) throw CLI::ValidationError(name, Quoted(number) + " is not a length");
-            value = *length;
+            const auto parsed = ParseNumber(number);
+            if (!parsed || *parsed < kind.low || *parsed > kind.high)
+              throw CLI::ValidationError(name, Quoted(number) + " is not " + kind.expected);
+            value = *parsed;
           },
           description)
-      ->type_name("LENGTH");
+      ->type_name(kind.typeName);
+}
+
+CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const std::string& description,
+                     const std::string& typeName) {
+  return command.add_option(name, values, description)->delimiter(',')->allow_extra_args(false)->type_name(typeName);
+}
+
+CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value, const std::vector<std::string>& choices,
+                       const std::string& description, const std::string& typeName) {
+  return command.add_option(name, value, description)->check(CLI::IsMember(choices).description(""))->type_name(typeName);
+}
+
+void AddWeld(CLI::App& command, double& weld) {
+  AddNumber(command, "--weld", kPart, weld,
+            "Join points closer together than this part of the diagonal of the model's box; by default only equal ones");
+}
+
+void AddAxes(CLI::App& command, std::string& axes) {
+  AddChoice(command, "--axes", axes, {"y", "z"}, "Axis of the model that points up; by default what the format says, else z",
+            "AXIS");
 }
 
 }  // namespace
 
-CommandLine::CommandLine() : app_("Combines, nests and examines planar drawings.", "zbr") {
+CommandLine::CommandLine()
+    : app_("Combines, nests and examines planar drawings, and draws triangle models without their hidden lines.", "zbr") {
   app_.set_version_flag("--version", "zbr " ZBR_VERSION, "Print the version and exit");
   app_.set_help_flag("-h,--help", "Print help and exit");
   app_.require_subcommand(1);
@@ -51,6 +93,8 @@ CommandLine::CommandLine() : app_("Combines, nests and examines planar drawings.
   DeclareFile("info", "Print what a drawing holds: loops, vertices, area, box, depth of nesting", info_);
   DeclareFile("check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any",
               check_);
+  DeclareDraw();
+  DeclarePick();
   DeclareHelp();
   std::string topics;
   for (const Topic& topic : Topics()) topics += (topics.empty() ? "" : ", ") + topic.name;
@@ -63,23 +107,17 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
                   "Format of '-' and of files whose extension does not tell it: dxf, geojson, wkt, text or svg")
       ->check(CLI::IsMember({"dxf", "geojson", "wkt", "text", "svg"}).description(""))
       ->type_name("FORMAT");
-  command.add_option("--layer", input.layers, "Read only these layers of DXF files, or features of this name of GeoJSON files")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("NAME,...");
-  AddLength(command, "--deviation", input.flatten.deviation,
+  AddList(command, "--layer", input.layers, "Read only these layers of DXF files, or features of this name of GeoJSON files",
+          "NAME,...");
+  AddNumber(command, "--deviation", kLength, input.flatten.deviation,
             "Largest distance of a flattened arc from the true one; by default 1/10000 of the larger side of all drawings read");
-  AddLength(command, "--join", input.flatten.join,
+  AddNumber(command, "--join", kLength, input.flatten.join,
             "Join ends of DXF lines and arcs that are at most this far apart; by default 1/1000000 of the larger side");
 }
 
 void CommandLine::DeclareBool() {
   CLI::App& command = *app_.add_subcommand("bool", "Combine two drawings: union, intersection, differences, symmetric difference");
-  command.add_option("--op", bool_.operations, "One or several of union, intersection, a-b, b-a, xor")
-      ->required()
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("OP,...");
+  AddList(command, "--op", bool_.operations, "One or several of union, intersection, a-b, b-a, xor", "OP,...")->required();
   command.add_option("files", bool_.files, "The two drawings, A and B")->required()->expected(2, 100)->type_name("A B");
   command
       .add_option("-o,--output", bool_.outputs,
@@ -108,6 +146,68 @@ void CommandLine::DeclareInside() {
                   "Coordinates, x and y in turn; without any, points are read from standard input, one a line")
       ->type_name("X Y ...");
   DeclareInput(command, inside_.input);
+}
+
+void CommandLine::DeclareDraw() {
+  CLI::App& command = *app_.add_subcommand("draw", "Draw models of triangles without their hidden lines, in one or several views");
+  command.add_option("models", draw_.models, "Files of triangles: STL, OBJ, PLY, OFF, glTF. Several are drawn together")
+      ->required()
+      ->type_name("MODEL ...");
+  command
+      .add_option("-o,--output", draw_.outputs,
+                  "File for the drawing, .svg, .dxf or .json; may be repeated. Without it the table of --stats is printed")
+      ->allow_extra_args(false)
+      ->type_name("OUT");
+  AddList(command, "--view", draw_.views,
+          "One or several of front, back, left, right, top, bottom, iso and dimetric; by default iso. See 'zbr help views'",
+          "VIEW,...");
+  command.add_option("--look", draw_.look, "A view along this direction, beside those of --view")->type_name("X,Y,Z");
+  command.add_option("--up", draw_.up, "With --look: the direction that is drawn upwards; by default that of --axes")
+      ->type_name("X,Y,Z");
+  AddAxes(command, draw_.axes);
+  AddNumber(command, "--crease", kDegrees, draw_.crease, "Draw edges at which the surface bends by more than this; by default 30");
+  AddWeld(command, draw_.weld);
+  DeclareSheet(command);
+  command.add_option("--jobs", draw_.jobs, "Threads to use; by default as many as there are processors")
+      ->check(CLI::Range(1U, 256U).description(""))
+      ->type_name("N");
+  command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
+  AddChoice(command, "--format", draw_.format, {"svg", "dxf", "json"},
+            "Format of '-' and of outputs whose extension does not tell it: svg, dxf or json", "FORMAT");
+}
+
+// Options on how the views come to paper.
+void CommandLine::DeclareSheet(CLI::App& command) {
+  AddChoice(command, "--sheet", draw_.sheet, {"first", "third"},
+            "Arrange the views in first- or third-angle projection on a sheet with frame and title; by default first for several "
+            "views, and no sheet for one",
+            "ANGLE");
+  AddChoice(command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
+            "Hidden lines: none, dashed (by default) or layer, on a layer that is switched off", "STYLE");
+  command.add_option("--scale", draw_.scale, "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 5, 10, ... that fits")
+      ->type_name("SCALE");
+  command
+      .add_option("--paper", draw_.paper,
+                  "A4 to A0, lying or standing as it suits, or WIDTHxHEIGHT in mm; by default A4 for one view and A3 for several")
+      ->type_name("SIZE");
+  command.add_option("--unit", draw_.unit, "Unit of the model: mm (by default), cm, m, in, ft, ...")->type_name("UNIT");
+  command.add_option("--title", draw_.title, "Title of the sheet; by default the name of the model")->type_name("TEXT");
+}
+
+void CommandLine::DeclarePick() {
+  CLI::App& command =
+      *app_.add_subcommand("pick", "Tell which triangle of a model is seen at points of a drawing, and how high it is");
+  command.add_option("model", pick_.file, "The model")->required()->type_name("MODEL");
+  command
+      .add_option("points", pick_.coordinates,
+                  "Coordinates in the drawing, x and y in turn, in the unit of the model; without any, points are read from "
+                  "standard input, one a line")
+      ->type_name("X Y ...");
+  command.add_option("--view", pick_.view.view, "The view, by its name; by default iso. See 'zbr help views'")->type_name("VIEW");
+  command.add_option("--look", pick_.view.look, "The view along this direction, in place of --view")->type_name("X,Y,Z");
+  command.add_option("--up", pick_.view.up, "With --look: the direction that is drawn upwards")->type_name("X,Y,Z");
+  AddAxes(command, pick_.view.axes);
+  AddWeld(command, pick_.weld);
 }
 
 void CommandLine::DeclareFile(const std::string& name, const std::string& description, FileOptions& options) {
@@ -145,10 +245,16 @@ int CommandLine::Run(std::vector<std::string> arguments) {
 int CommandLine::RunChosen() {
   if (app_.got_subcommand("bool")) return RunBool(bool_);
   if (app_.got_subcommand("nest")) return RunNest(nest_);
-  for (std::string& coordinate : inside_.coordinates) coordinate = Unprotected(coordinate);
+  for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
+    for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
+  }
+  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &pick_.view.look, &pick_.view.up})
+    *text = Unprotected(*text);
   if (app_.got_subcommand("inside")) return RunInside(inside_);
   if (app_.got_subcommand("info")) return RunInfo(info_);
   if (app_.got_subcommand("check")) return RunCheck(check_);
+  if (app_.got_subcommand("draw")) return RunDraw(draw_);
+  if (app_.got_subcommand("pick")) return RunPick(pick_);
   return RunHelp();
 }
 

@@ -31,6 +31,9 @@ class CommandLine {
   void DeclareBool();
   void DeclareNest();
   void DeclareInside();
+  void DeclareDraw();
+  void DeclareSheet(CLI::App& command);
+  void DeclarePick();
   void DeclareFile(const std::string& name, const std::string& description, FileOptions& options);
   void DeclareHelp();
   int RunChosen();
@@ -41,6 +44,8 @@ class CommandLine {
   BoolOptions bool_;
   NestOptions nest_;
   InsideOptions inside_;
+  DrawOptions draw_;
+  PickOptions pick_;
   FileOptions info_, check_;
   std::string topic_;
   bool manual_ = false;

@@ -59,6 +59,27 @@ run along each other; loops may touch. 'zbr check' prints one line 'file:line: f
 breach, with the line where the loop starts in the file. The other commands note the first breach on standard
 error and go on: open contours are left out, and results may be wrong where loops cross.
 )"},
+      {"views",
+       R"(front is seen along the y axis of the model, right from positive x, top from positive z, with z drawn upwards;
+with y up (--axes y, and glTF files), front is seen against z and top from positive y. iso shows front, top and
+right side at equal scales; dimetric shows the front at nearly its true shape. --look X,Y,Z is the view along any
+direction.
+
+An edge of a triangle is drawn when it is a border (of one triangle), a crease (the surface bends by more than
+--crease), a junction (of three and more triangles), or a silhouette (the surface turns away there). Triangles that
+share edges form a shell; any number of shells may hide each other, and any may be open.
+
+Several views make a sheet. In first-angle projection the view from above stands below the front view and the view
+from the left on its right; in third-angle projection it is the other way round. iso, dimetric and --look take a
+corner. All views have the same scale; SVG and DXF are in millimetres on paper:
+
+  SVG   a group for each view, within it for hidden and visible lines, for each class of edges
+  DXF   layers VISIBLE, OUTLINE (silhouettes), HIDDEN, FRAME and TITLE
+  JSON  every line with its points, in the unit of the model, and the edges it is part of
+
+Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
+second. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
+)"},
       {"exit",
        R"(0: done. 1: 'zbr check' found something. 2: an error; one line on standard error tells which, for malformed
 files as 'file:line: cause'.
@@ -79,6 +100,10 @@ Loops through a pipe:
 Which of the points are in the drawing:
 
   zbr inside bracket.dxf 10 20 -5 0
+
+A sheet with three views and a pictorial one, and the same for a program to go on with:
+
+  zbr draw housing.obj --view front,top,left,iso -o housing.svg -o housing.json
 )"}};
   return kTopics;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "commands/view_options.h"
 #include "geometry/contours.h"
 
 namespace tool {
@@ -44,10 +45,36 @@ struct FileOptions {
   std::string file;
 };
 
+struct DrawOptions {
+  std::vector<std::string> models;
+  std::vector<std::string> outputs;
+  std::vector<std::string> views;  // names
+  std::string look, up, axes;      // as in ViewOptions; a view beside the named ones
+  std::string sheet;               // "first", "third" or empty: by the number of views
+  std::string hidden = "dashed";
+  std::string scale, paper;  // empty: what fits
+  std::string title;         // empty: the names of the models
+  std::string unit = "mm";
+  std::string format;  // of outputs whose names do not tell
+  double crease = 30.0;
+  double weld = 0.0;
+  unsigned jobs = 0;  // 0: as many as there are processors
+  bool stats = false;
+};
+
+struct PickOptions {
+  std::string file;
+  ViewOptions view;
+  double weld = 0.0;
+  std::vector<std::string> coordinates;  // empty: points are read from standard input
+};
+
 int RunBool(const BoolOptions& options);
 int RunNest(const NestOptions& options);
 int RunInside(const InsideOptions& options);
 int RunInfo(const FileOptions& options);
 int RunCheck(const FileOptions& options);
+int RunDraw(const DrawOptions& options);
+int RunPick(const PickOptions& options);
 
 }  // namespace tool

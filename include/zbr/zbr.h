@@ -8,12 +8,16 @@
 //   segments.h    repeated segments removed
 //   hidden_line.h hidden-line removal on triangle shells, picking
 //   outline.h     visible lines chained into polylines
+//   mesh.h        triangle meshes as records of shells, triangles, edges and vertices
+//   allocator.h   many small buffers, released at once
 #pragma once
 
+#include <zbr/allocator.h>
 #include <zbr/boolean.h>
 #include <zbr/export.h>
 #include <zbr/hidden_line.h>
 #include <zbr/loop.h>
+#include <zbr/mesh.h>
 #include <zbr/outline.h>
 #include <zbr/planar.h>
 #include <zbr/segments.h>

@@ -1,0 +1,176 @@
+// zbr draw: hidden-line drawings of triangle models.
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+
+#include "commands/draw_plan.h"
+#include "drawing/removal.h"
+#include "drawing/writers.h"
+#include "io/failure.h"
+#include "io/files.h"
+#include "io/numbers.h"
+#include "io/progress.h"
+#include "model/mesh_reader.h"
+#include "model/scene.h"
+
+namespace tool {
+namespace {
+
+// Milliseconds of a view's stages.
+struct Times {
+  double scene = 0.0, removal = 0.0, chaining = 0.0;
+};
+
+struct Input {
+  Mesh mesh;
+  std::vector<ModelFile> files;
+};
+
+// All files as one mesh; the first tells which axis points up.
+Input ReadModels(const std::vector<std::string>& files) {
+  Input input;
+  for (const std::string& file : files) {
+    Mesh mesh = ReadMesh(file);
+    input.files.push_back({BaseName(file), input.mesh.triangles.size()});
+    if (input.files.size() == 1) {
+      input.mesh = std::move(mesh);
+      continue;
+    }
+    const auto shift = static_cast<std::uint32_t>(input.mesh.points.size());
+    input.mesh.points.insert(input.mesh.points.end(), mesh.points.begin(), mesh.points.end());
+    for (std::array<std::uint32_t, 3> triangle : mesh.triangles) {
+      for (std::uint32_t& corner : triangle) corner += shift;
+      input.mesh.triangles.push_back(triangle);
+    }
+  }
+  return input;
+}
+
+ViewLines DrawView(const Model& model, const NamedDirection& view, bool hidden, unsigned threads, Times& times) {
+  Stopwatch watch;
+  Scene scene = MakeScene(model, view.view);
+  times.scene = watch.Lap();
+  RemoveHidden(scene, threads);
+  times.removal = watch.Lap();
+  ViewLines lines = CollectLines(model, scene, hidden);
+  lines.name = view.name;
+  times.chaining = watch.Lap();
+  return lines;
+}
+
+// Threads go to the views first, which need nothing of each other, and what is left of them to the shells of each.
+std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progress& progress, std::vector<Times>& times) {
+  std::vector<ViewLines> drawn(plan.views.size());
+  times.resize(plan.views.size());
+  const auto count = static_cast<unsigned>(plan.views.size());
+  const unsigned atOnce = std::min(plan.threads, count);
+  std::atomic<unsigned> done{0};
+  RunParallel(plan.views.size(), atOnce, [&](std::size_t i) {
+    const std::string counter =
+        count > 1 ? " (" + std::to_string(done.load()) + " of " + std::to_string(count) + " views done)" : "";
+    progress.Stage("removing hidden lines" + counter);
+    const bool hidden = plan.sheet.hidden != HiddenStyle::kNone;
+    drawn[i] = DrawView(model, plan.views[i], hidden, std::max(plan.threads / atOnce, 1U), times[i]);
+    ++done;
+  });
+  return drawn;
+}
+
+std::string WriteSheet(const Sheet& sheet, SheetFormat format, const Input& input, const Model& model) {
+  if (format == SheetFormat::kSvg) return WriteSheetSvg(sheet);
+  if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet);
+  return WriteSheetJson(sheet, input.files, model.ShellCount());
+}
+
+// Two columns; numbers are aligned to the right.
+class Report {
+ public:
+  void Count(const std::string& label, std::size_t count) { rows_.emplace_back(label, std::to_string(count)); }
+  void Time(const std::string& label, double milliseconds) { rows_.emplace_back(label, FixedText(milliseconds, 2) + " ms"); }
+
+  std::string Text() const {
+    std::size_t label = 0, value = 0;
+    for (const auto& [l, v] : rows_) {
+      label = std::max(label, l.size());
+      value = std::max(value, v.size());
+    }
+    std::string text;
+    for (const auto& [l, v] : rows_) text += l + std::string(label - l.size() + 2 + value - v.size(), ' ') + v + "\n";
+    return text;
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::string>> rows_;
+};
+
+void CountLines(Report& report, const Sheet& sheet) {
+  for (const PlacedView& view : sheet.views) {
+    const auto& lines = view.lines.lines;
+    const auto hidden = static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [](const Line& l) { return l.hidden; }));
+    report.Count(view.lines.name + ": drawable edges", view.lines.drawable);
+    report.Count(view.lines.name + ": pairs tried", view.lines.pairs);
+    report.Count(view.lines.name + ": visible lines", lines.size() - hidden);
+    report.Count(view.lines.name + ": hidden lines", hidden);
+  }
+}
+
+// The stages of views that ran at once are summed up.
+void AddViewTimes(Report& report, const std::vector<Times>& times) {
+  Times sum;
+  for (const Times& t : times) {
+    sum.scene += t.scene;
+    sum.removal += t.removal;
+    sum.chaining += t.chaining;
+  }
+  report.Time("scene", sum.scene);
+  report.Time("removal", sum.removal);
+  report.Time("chaining", sum.chaining);
+}
+
+}  // namespace
+
+int RunDraw(const DrawOptions& options) {
+  Progress progress;
+  DrawPlan plan = PlanDraw(options);
+  Report report;
+  Stopwatch watch;
+  progress.Stage("reading");
+  const Input input = ReadModels(options.models);
+  plan.views = ChooseViews(options, input.mesh.yUp);
+  const double read = watch.Lap();
+
+  progress.Stage("joining triangles");
+  const Model model = MakeModel(input.mesh, options.crease, options.weld);
+  if (model.triangles.empty()) throw Failure(options.models.front() + ": no triangle has an area");
+  const double prepared = watch.Lap();
+
+  std::vector<Times> times;
+  std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
+  watch.Lap();
+
+  progress.Stage("writing");
+  const Sheet sheet = LayOut(std::move(views), plan.sheet);
+  OutputFiles files;
+  for (const SheetOutput& output : plan.outputs) files.Add(output.file, WriteSheet(sheet, output.format, input, model));
+  files.Commit();
+  progress.Stage("");
+
+  if (options.stats || plan.outputs.empty()) {
+    report.Count("triangles", model.triangles.size());
+    report.Count("left out", model.collapsed + model.repeated);
+    report.Count("shells", model.ShellCount());
+    CountLines(report, sheet);
+    report.Time("read", read);
+    report.Time("model", prepared);
+    AddViewTimes(report, times);
+    report.Time("write", watch.Lap());
+    const bool pipe = std::any_of(plan.outputs.begin(), plan.outputs.end(), [](const SheetOutput& o) { return o.file == "-"; });
+    std::fputs(report.Text().c_str(), pipe ? stderr : stdout);
+  }
+  return kExitFine;
+}
+
+}  // namespace tool

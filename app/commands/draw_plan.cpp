@@ -1,0 +1,107 @@
+// From the options of `zbr draw` to views, sheet and outputs.
+#include "commands/draw_plan.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <thread>
+
+#include "geometry/units.h"
+#include "io/failure.h"
+#include "io/files.h"
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* kLook = "look";
+
+std::size_t ViewCount(const DrawOptions& options) {
+  return std::max<std::size_t>(options.views.size() + (options.look.empty() ? 0 : 1), 1);
+}
+
+SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
+  std::string extension = std::filesystem::path(file).extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  for (const std::string& name : {extension, "." + chosen}) {
+    if (name == ".svg") return SheetFormat::kSvg;
+    if (name == ".dxf") return SheetFormat::kDxf;
+    if (name == ".json") return SheetFormat::kJson;
+  }
+  throw Failure(file + ": the name does not tell the format, svg, dxf or json; give --format");
+}
+
+double MillimetresOf(const std::string& unit) {
+  constexpr int kLastCode = 20, kMillimetre = 4;
+  for (int code = 1; code <= kLastCode; ++code) {
+    if (UnitName(code) == unit) return UnitFactor(code, kMillimetre);
+  }
+  throw Failure("--unit: " + Quoted(unit) + " is no unit; there are mm, cm, m, in, ft and others");
+}
+
+std::string TitleOf(const DrawOptions& options) {
+  if (!options.title.empty()) return options.title;
+  std::string title;
+  for (const std::string& model : options.models)
+    title += (title.empty() ? "" : ", ") + std::filesystem::path(model).stem().string();
+  return title;
+}
+
+SheetOptions PlanSheet(const DrawOptions& options) {
+  SheetOptions sheet;
+  if (options.sheet == "third") {
+    sheet.projection = Projection::kThird;
+  } else if (options.sheet == "first" || ViewCount(options) > 1) {
+    sheet.projection = Projection::kFirst;
+  }
+  if (options.hidden == "none") sheet.hidden = HiddenStyle::kNone;
+  if (options.hidden == "layer") sheet.hidden = HiddenStyle::kLayer;
+  if (!options.scale.empty()) sheet.scale = ParseScale(options.scale);
+  if (!options.paper.empty()) sheet.paper = ParsePaper(options.paper);
+  sheet.unit = options.unit;
+  sheet.millimetres = MillimetresOf(options.unit);
+  sheet.title = TitleOf(options);
+  return sheet;
+}
+
+NamedDirection LookDirection(const DrawOptions& options, bool yUp) {
+  const ZBR_PT3 up = options.up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(options.up, "--up");
+  return {kLook, LookAlong(ParseVector(options.look, "--look"), up)};
+}
+
+}  // namespace
+
+DrawPlan PlanDraw(const DrawOptions& options) {
+  if (!options.up.empty() && options.look.empty()) throw Failure("--up is of use with --look only");
+  ChooseViews(options, false);
+  DrawPlan plan;
+  plan.sheet = PlanSheet(options);
+  for (const std::string& file : options.outputs) {
+    const auto same = [&](const SheetOutput& o) { return o.file == file; };
+    if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file + ": named twice as output");
+    plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
+  }
+  plan.threads = options.jobs > 0 ? options.jobs : std::max(std::thread::hardware_concurrency(), 1U);
+  return plan;
+}
+
+std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile) {
+  const bool yUp = YUp(options.axes, yUpInFile);
+  std::vector<NamedDirection> views;
+  for (const std::string& name : options.views) {
+    if (std::any_of(views.begin(), views.end(), [&](const NamedDirection& v) { return v.name == name; }))
+      throw Failure("--view: " + Quoted(name) + " is named twice");
+    const auto view = NamedView(name, yUp);
+    if (!view) {
+      std::string names;
+      for (const std::string& known : ViewNames()) names += (names.empty() ? "" : ", ") + known;
+      throw Failure("--view: " + Quoted(name) + " is no view; there are " + names);
+    }
+    views.push_back({name, *view});
+  }
+  if (!options.look.empty()) views.push_back(LookDirection(options, yUp));
+  if (views.empty()) views.push_back({"iso", *NamedView("iso", yUp)});
+  return views;
+}
+
+}  // namespace tool

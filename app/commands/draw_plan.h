@@ -1,0 +1,38 @@
+// What the options of `zbr draw` ask for.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "drawing/sheet.h"
+#include "model/view.h"
+
+namespace tool {
+
+enum class SheetFormat { kSvg, kDxf, kJson };
+
+struct SheetOutput {
+  std::string file;
+  SheetFormat format = SheetFormat::kSvg;
+};
+
+struct NamedDirection {
+  std::string name;
+  View view;
+};
+
+struct DrawPlan {
+  SheetOptions sheet;
+  std::vector<SheetOutput> outputs;
+  std::vector<NamedDirection> views;
+  unsigned threads = 1;
+};
+
+// All but the views, which depend on what the models say. Fails on options that make no sense, before anything is read.
+DrawPlan PlanDraw(const DrawOptions& options);
+
+// Named views in the order given, then the one of --look; iso if there is none. Fails on views named twice.
+std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile);
+
+}  // namespace tool

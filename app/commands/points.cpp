@@ -1,0 +1,41 @@
+// Points from arguments or from standard input.
+#include "commands/points.h"
+
+#include "formats/format.h"
+#include "io/failure.h"
+#include "io/files.h"
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+double Coordinate(const std::string& text) {
+  const auto value = ParseNumber(text);
+  if (!value) throw Failure(Quoted(text) + " is not a finite number");
+  return *value;
+}
+
+std::vector<ZBR_PT> PointsFromArguments(const std::vector<std::string>& coordinates) {
+  if (coordinates.size() % 2 != 0) throw Failure("a point needs two numbers, but there are " + std::to_string(coordinates.size()));
+  std::vector<ZBR_PT> points;
+  for (std::size_t i = 0; i < coordinates.size(); i += 2)
+    points.emplace_back(Coordinate(coordinates[i]), Coordinate(coordinates[i + 1]));
+  return points;
+}
+
+std::vector<ZBR_PT> PointsFromStandardInput() {
+  std::vector<ZBR_PT> points;
+  for (const Path& path : ReadLoopText(ReadFile("-"), "-").paths)
+    points.insert(points.end(), path.points.begin(), path.points.end());
+  return points;
+}
+
+}  // namespace
+
+std::vector<ZBR_PT> ReadPoints(const std::vector<std::string>& coordinates, const std::string& file) {
+  if (!coordinates.empty()) return PointsFromArguments(coordinates);
+  if (file == "-") throw Failure("-: standard input cannot hold both the file and the points");
+  return PointsFromStandardInput();
+}
+
+}  // namespace tool

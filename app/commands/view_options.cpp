@@ -1,0 +1,55 @@
+// From options to a view.
+#include "commands/view_options.h"
+
+#include <vector>
+
+#include "io/failure.h"
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+std::string NamesText() {
+  std::string text;
+  for (const std::string& name : ViewNames()) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+}  // namespace
+
+bool YUp(const std::string& axes, bool yUpInFile) {
+  if (axes.empty()) return yUpInFile;
+  if (axes != "y" && axes != "z") throw Failure("--axes: " + Quoted(axes) + " is neither y nor z");
+  return axes == "y";
+}
+
+ZBR_PT3 ParseVector(const std::string& text, const std::string& option) {
+  std::vector<double> parts;
+  std::size_t begin = 0;
+  while (begin <= text.size()) {
+    const std::size_t end = std::min(text.find(',', begin), text.size());
+    const auto value = ParseNumber(std::string_view(text).substr(begin, end - begin));
+    if (!value) break;
+    parts.push_back(*value);
+    begin = end + 1;
+  }
+  if (begin <= text.size() || parts.size() != 3)
+    throw Failure(option + ": " + Quoted(text) + " is no vector; three finite numbers are needed, as in 1,0,-0.5");
+  return ZBR_PT3(parts[0], parts[1], parts[2]);
+}
+
+View ChooseView(const ViewOptions& options, bool yUpInFile) {
+  const bool yUp = YUp(options.axes, yUpInFile);
+  if (options.look.empty()) {
+    if (!options.up.empty()) throw Failure("--up needs --look");
+    const std::string name = options.view.empty() ? "iso" : options.view;
+    const auto view = NamedView(name, yUp);
+    if (!view) throw Failure("--view: " + Quoted(name) + " is none of " + NamesText());
+    return *view;
+  }
+  if (!options.view.empty()) throw Failure("--view and --look exclude each other");
+  const ZBR_PT3 up = yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1);
+  return LookAlong(ParseVector(options.look, "--look"), options.up.empty() ? up : ParseVector(options.up, "--up"));
+}
+
+}  // namespace tool

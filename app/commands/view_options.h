@@ -1,0 +1,25 @@
+// The options that say from where a model is seen.
+#pragma once
+
+#include <string>
+
+#include "model/view.h"
+
+namespace tool {
+
+struct ViewOptions {
+  std::string view;      // a name; by default iso
+  std::string look, up;  // three numbers, separated by commas, in the place of a name
+  std::string axes;      // "z" or "y": the axis of the model that points up in named views; empty: as the file's format says
+};
+
+// The view chosen by one set of options. Fails when they contradict each other or make no view.
+View ChooseView(const ViewOptions& options, bool yUpInFile);
+
+// Whether y points up, by the option or else by the file.
+bool YUp(const std::string& axes, bool yUpInFile);
+
+// "x,y,z". `option` is named when it fails.
+ZBR_PT3 ParseVector(const std::string& text, const std::string& option);
+
+}  // namespace tool

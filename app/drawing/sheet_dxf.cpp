@@ -1,0 +1,56 @@
+// Sheets as DXF drawings.
+#include "drawing/writers.h"
+#include "formats/dxf_document.h"
+
+namespace tool {
+namespace {
+
+constexpr const char* kVisible = "VISIBLE";
+constexpr const char* kOutline = "OUTLINE";
+constexpr const char* kHidden = "HIDDEN";
+constexpr const char* kFrame = "FRAME";
+constexpr const char* kTitle = "TITLE";
+
+int Hundredths(double millimetres) {
+  return static_cast<int>(millimetres * 100 + 0.5);
+}
+
+DxfSetup SetupOf(const Sheet& sheet) {
+  constexpr int kMillimetres = 4, kBlack = 7, kBlue = 5, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
+  const bool dashed = sheet.options.hidden == HiddenStyle::kDashed;
+  const std::string continuous = "CONTINUOUS";
+  DxfSetup setup;
+  setup.variables = {{"$INSUNITS", kMillimetres}, {"$MEASUREMENT", 1}, {"$LWDISPLAY", 1}};
+  setup.linetypes = {{"HIDDEN", "Hidden __ __ __ __", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
+  setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous, false},
+                  {kOutline, kBlue, Hundredths(sheet.wide), continuous, false},
+                  {kHidden, kGrey, Hundredths(sheet.thin), dashed ? "HIDDEN" : continuous, !dashed},
+                  {kFrame, kBlack, kFrameWidth, continuous, false},
+                  {kTitle, kBlack, kTitleWidth, continuous, false}};
+  return setup;
+}
+
+const char* LayerOf(const Line& line) {
+  if (line.hidden) return kHidden;
+  return line.edgeClass == EdgeClass::kSilhouette ? kOutline : kVisible;
+}
+
+}  // namespace
+
+std::string WriteSheetDxf(const Sheet& sheet) {
+  DxfDocument document(SetupOf(sheet));
+  for (const PlacedView& view : sheet.views) {
+    for (const Line& line : view.lines.lines) {
+      std::vector<ZBR_PT> points;
+      for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
+      if (line.chain.closed) points.pop_back();
+      document.AddPolyline(points, line.chain.closed, LayerOf(line));
+    }
+  }
+  for (const SheetPath& path : sheet.paths) document.AddPolyline(path.points, path.closed, path.wide ? kFrame : kTitle);
+  for (const SheetCircle& circle : sheet.circles) document.AddCircle(circle.centre, circle.radius, kTitle);
+  for (const SheetText& text : sheet.texts) document.AddText(text.at, text.height, text.text, kTitle);
+  return document.Take();
+}
+
+}  // namespace tool

@@ -1,0 +1,117 @@
+// Sheets as JSON, for programs that go on with the lines.
+//
+// A tree of JSON values serves what is there once; the lines, of which there may be a million, are written directly, one a line.
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+#include "drawing/writers.h"
+#include "io/numbers.h"
+
+namespace tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Coordinates of one view, rounded to a billionth of the model's size: what is beyond says nothing and takes room.
+class Coordinates {
+ public:
+  explicit Coordinates(const ViewLines& view) : middle_(view.middle.xy()) {
+    const double size = std::max(view.extent.Size(), view.extent.Magnitude());
+    if (size > 0) power_ = std::pow(10.0, 9 - std::floor(std::log10(size)));
+    if (!std::isnormal(power_)) power_ = 0.0;
+  }
+  void Append(std::string& text, const ZBR_PT& p) const {
+    text += '[';
+    AppendNumber(text, Rounded(p.x() + middle_.x()));
+    text += ',';
+    AppendNumber(text, Rounded(p.y() + middle_.y()));
+    text += ']';
+  }
+
+ private:
+  double Rounded(double value) const {
+    const double rounded = std::round(value * power_) / power_;
+    return std::isfinite(rounded) ? rounded : value;
+  }
+
+  ZBR_PT middle_;
+  double power_ = 1.0;
+};
+
+Json Vector(const ZBR_PT3& v) {
+  return {v.x() + 0.0, v.y() + 0.0, v.z() + 0.0};  // without the sign of a zero
+}
+
+const char* BoolText(bool value) {
+  return value ? "true" : "false";
+}
+
+void AppendPolyline(std::string& text, const Line& line, const Coordinates& coordinates) {
+  text += std::string("{\"class\":\"") + NameOf(line.edgeClass) + "\",\"visible\":" + BoolText(!line.hidden) +
+          ",\"closed\":" + BoolText(line.chain.closed) + ",\"shell\":" + std::to_string(line.shell) + ",\"edges\":[";
+  for (const EdgeRef& edge : line.chain.edges) {
+    if (&edge != &line.chain.edges.front()) text += ',';
+    text += '[' + std::to_string(edge.triangle) + ',' + std::to_string(edge.edge) + ']';
+  }
+  text += "],\"points\":[";
+  for (const ZBR_PT& p : line.chain.points) {
+    if (&p != &line.chain.points.front()) text += ',';
+    coordinates.Append(text, p);
+  }
+  text += "]}";
+}
+
+std::string TextOf(const Json& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// The object with one more member, a list, left open for its elements.
+std::string Opened(const Json& object, const char* name) {
+  std::string text = TextOf(object);
+  text.pop_back();
+  return text + ",\"" + name + "\":[";
+}
+
+// Points times scale plus origin give millimetres on paper.
+std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
+  const ViewLines& view = placed.lines;
+  const ZBR_PT origin = placed.origin - view.middle.xy() * sheet.perUnit;
+  const Json header = {{"name", view.name},
+                       {"right", Vector(view.view.right)},
+                       {"up", Vector(view.view.up)},
+                       {"to_viewer", Vector(view.view.toViewer)},
+                       {"origin", {origin.x(), origin.y()}}};
+  const Coordinates coordinates(view);
+  std::string text = Opened(header, "polylines");
+  for (const Line& line : view.lines) {
+    text += &line == &view.lines.front() ? "\n" : ",\n";
+    AppendPolyline(text, line, coordinates);
+  }
+  return text + "\n]}";
+}
+
+const char* ProjectionName(Projection projection) {
+  if (projection == Projection::kNone) return "none";
+  return projection == Projection::kFirst ? "first" : "third";
+}
+
+}  // namespace
+
+std::string WriteSheetJson(const Sheet& sheet, const std::vector<ModelFile>& files, std::size_t shells) {
+  Json header = {{"title", sheet.options.title},
+                 {"unit", sheet.options.unit},
+                 {"scale", sheet.scale},
+                 {"millimetres_per_unit", sheet.perUnit},
+                 {"paper", {sheet.paper.width, sheet.paper.height}},
+                 {"projection", ProjectionName(sheet.options.projection)},
+                 {"models", Json::array()},
+                 {"shells", shells}};
+  for (const ModelFile& file : files) header["models"].push_back({{"file", file.name}, {"first_triangle", file.firstTriangle}});
+  std::string text = Opened(header, "views");
+  for (const PlacedView& view : sheet.views) text += (&view == &sheet.views.front() ? "\n" : ",\n") + ViewText(sheet, view);
+  return text + "\n]}\n";
+}
+
+}  // namespace tool

@@ -1,0 +1,64 @@
+// Chooses the reader by the file's extension and checks what all meshes must be.
+#include "model/mesh_reader.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <map>
+
+#include "io/failure.h"
+#include "io/files.h"
+#include "model/readers.h"
+
+namespace tool {
+namespace {
+
+// Products of four coordinates stay finite, and three edges of each triangle can be numbered with 32 bits.
+constexpr double kLargest = 1e75;
+constexpr std::size_t kMost = 700'000'000;
+
+using Reader = Mesh (*)(const std::string& text, const std::string& file);
+
+Reader ReaderFor(const std::string& file) {
+  static const std::map<std::string, Reader> kReaders = {{"obj", ReadObj}, {"off", ReadOff},   {"stl", ReadStl},
+                                                         {"ply", ReadPly}, {"gltf", ReadGltf}, {"glb", ReadGltf}};
+  const std::size_t dot = file.rfind('.');
+  std::string extension = dot == std::string::npos ? "" : file.substr(dot + 1);
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  const auto found = kReaders.find(extension);
+  if (found == kReaders.end()) throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb");
+  return found->second;
+}
+
+bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
+  const ZBR_PT3 n = (b - a).OuterProduct(c - a);
+  return n.x() != 0 || n.y() != 0 || n.z() != 0;
+}
+
+void Check(const Mesh& mesh, const std::string& file) {
+  if (mesh.triangles.empty()) throw Failure(file + ": no triangles");
+  if (mesh.triangles.size() > kMost || mesh.points.size() > kMost) throw Failure(file + ": too many triangles");
+  for (std::size_t i = 0; i < mesh.points.size(); ++i) {
+    const ZBR_PT3& p = mesh.points[i];
+    const double largest = std::max({std::abs(p.x()), std::abs(p.y()), std::abs(p.z())});
+    if (!(largest <= kLargest)) throw Failure(file + ": a coordinate of point " + std::to_string(i + 1) + " is too large");
+  }
+  const auto hasArea = [&](const std::array<std::uint32_t, 3>& t) {
+    return HasArea(mesh.points[t[0]], mesh.points[t[1]], mesh.points[t[2]]);
+  };
+  if (std::none_of(mesh.triangles.begin(), mesh.triangles.end(), hasArea)) throw Failure(file + ": no triangles with an area");
+}
+
+}  // namespace
+
+Mesh ReadMesh(const std::string& file) {
+  const Reader reader = ReaderFor(file);
+  const std::string text = ReadFile(file);
+  if (text.empty()) throw Failure(file + ": the file is empty");
+  Mesh mesh = reader(text, file);
+  Check(mesh, file);
+  mesh.yUp = file.size() > 4 && std::tolower(static_cast<unsigned char>(file[file.rfind('.') + 1])) == 'g';  // glTF
+  return mesh;
+}
+
+}  // namespace tool

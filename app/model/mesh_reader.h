@@ -1,0 +1,14 @@
+// Reads triangle meshes of the formats that CAD and modelling programs exchange.
+#pragma once
+
+#include <string>
+
+#include "model/mesh.h"
+
+namespace tool {
+
+// Reads STL, OBJ, PLY, OFF and glTF files, told apart by their extensions. Polygons are split into triangles, several objects
+// put together as the file places them. Fails when the file cannot be read, has no triangles or has points that are not finite.
+Mesh ReadMesh(const std::string& file);
+
+}  // namespace tool

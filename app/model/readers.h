@@ -1,0 +1,19 @@
+// One reader for each format. All fail for malformed contents.
+#pragma once
+
+#include <string>
+
+#include "model/mesh.h"
+
+namespace tool {
+
+// `text` is the whole file, `file` its name for messages.
+Mesh ReadObj(const std::string& text, const std::string& file);
+Mesh ReadOff(const std::string& text, const std::string& file);
+Mesh ReadPly(const std::string& text, const std::string& file);
+Mesh ReadStl(const std::string& text, const std::string& file);
+
+// The file and those that it refers to are opened by the library used.
+Mesh ReadGltf(const std::string& text, const std::string& file);
+
+}  // namespace tool

@@ -1,0 +1,293 @@
+// Hidden-line drawings, from models small enough to count their lines.
+
+#include <zbr/planar.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+
+#include "tool.h"
+
+namespace {
+
+using Json = nlohmann::json;
+
+using Point = std::array<double, 3>;
+
+// A box: its corners, and the corners of its twelve triangles.
+struct Box {
+  Point low, size;
+
+  Point Corner(int k) const { return {low[0] + size[0] * (k & 1), low[1] + size[1] * (k >> 1 & 1), low[2] + size[2] * (k >> 2)}; }
+  static constexpr int kTriangles[12][3] = {{0, 2, 3}, {0, 3, 1}, {4, 5, 7}, {4, 7, 6}, {0, 1, 5}, {0, 5, 4},
+                                            {2, 6, 7}, {2, 7, 3}, {0, 4, 6}, {0, 6, 2}, {1, 3, 7}, {1, 7, 5}};
+};
+
+std::string ObjText(const std::vector<Box>& boxes) {
+  std::ostringstream text;
+  int first = 1;
+  for (const Box& box : boxes) {
+    for (int k = 0; k < 8; ++k) text << "v " << box.Corner(k)[0] << ' ' << box.Corner(k)[1] << ' ' << box.Corner(k)[2] << '\n';
+    for (const auto& t : Box::kTriangles) text << "f " << first + t[0] << ' ' << first + t[1] << ' ' << first + t[2] << '\n';
+    first += 8;
+  }
+  return text.str();
+}
+
+// Boxes side by side under a roof. Some touch: then edges of two shells coincide.
+std::string ManyBoxes() {
+  std::vector<Box> boxes = {{{-1, -1, 10}, {26, 38, 0.5}}};
+  for (int i = 0; i < 96; ++i)
+    boxes.push_back({{3.0 * (i % 8), 3.0 * (i / 8), 0}, {i % 3 == 0 ? 2.0 : 3.0, 2.0 + i % 2, 1 + i / 3 % 5 * 0.7}});
+  return ObjText(boxes);
+}
+
+double LengthOf(const Json& polyline) {
+  double length = 0;
+  const Json& points = polyline["points"];
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const double dx = double(points[i][0]) - double(points[i - 1][0]), dy = double(points[i][1]) - double(points[i - 1][1]);
+    length += std::hypot(dx, dy);
+  }
+  return length;
+}
+
+struct Drawn {
+  double visible = 0, hidden = 0;  // lengths
+  std::set<std::pair<int, int>> visibleEdges, hiddenEdges;
+  std::size_t hiddenLines = 0;
+};
+
+Drawn Measure(const Json& view) {
+  Drawn drawn;
+  for (const Json& polyline : view["polylines"]) {
+    const bool visible = polyline["visible"];
+    (visible ? drawn.visible : drawn.hidden) += LengthOf(polyline);
+    for (const Json& edge : polyline["edges"]) (visible ? drawn.visibleEdges : drawn.hiddenEdges).emplace(edge[0], edge[1]);
+    drawn.hiddenLines += visible ? 0 : 1;
+  }
+  return drawn;
+}
+
+class Draw : public Tool {
+ protected:
+  Draw() {
+    Write("box.obj", ObjText({{{10, 20, 30}, {4, 3, 2}}}));
+    Write("many.obj", ManyBoxes());
+  }
+  Json Drawing(const std::string& arguments) {
+    const Outcome outcome = Run("draw " + arguments + " -o drawing.json");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    return Json::parse(Read("drawing.json"), nullptr, false);
+  }
+};
+
+// Of the twelve edges nine are seen; the three others meet in the hidden corner. Lengths are foreshortened by the view's axes.
+TEST_F(Draw, BoxFromCornerAndAlongAnAxis) {
+  const Json corner = Drawing("box.obj --view iso");
+  const Json& view = corner["views"][0];
+  const Drawn iso = Measure(view);
+  const double foreshortening = std::sqrt(2.0 / 3.0);
+  EXPECT_NEAR(iso.visible, 3 * (4 + 3 + 2) * foreshortening, 1e-6);
+  EXPECT_NEAR(iso.hidden, (4 + 3 + 2) * foreshortening, 1e-6);
+  EXPECT_EQ(iso.visibleEdges.size(), 9U);
+  EXPECT_EQ(iso.hiddenEdges.size(), 3U);
+  std::map<std::pair<long, long>, int> ends;
+  for (const Json& polyline : view["polylines"]) {
+    if (polyline["visible"]) continue;
+    for (const Json& p : polyline["points"]) ++ends[{std::lround(double(p[0]) * 1e6), std::lround(double(p[1]) * 1e6)}];
+  }
+  EXPECT_EQ(ends.size(), 4U) << "three far ends and the corner";
+
+  const Json top = Drawing("box.obj --view top");
+  ASSERT_EQ(top["views"][0]["polylines"].size(), 1U);
+  const Json& square = top["views"][0]["polylines"][0];
+  EXPECT_TRUE(square["visible"] && square["closed"]);
+  EXPECT_NEAR(LengthOf(square), 14, 1e-9);
+  for (const Json& p : square["points"]) EXPECT_TRUE((p[0] == 10 || p[0] == 14) && (p[1] == 20 || p[1] == 23)) << p;
+}
+
+// What is not visible is hidden: together both have the length of all edges, where no two lie on one line in the drawing. Every
+// line names its shell and edges, and runs along them.
+TEST_F(Draw, LinesLeadBackToTheirEdges) {
+  const std::vector<Box> boxes = {{{0, 0, 0}, {4, 3, 2}}, {{1, -5, -1}, {2, 2.5, 9}}};
+  Write("two.obj", ObjText(boxes));
+  const Json drawing = Drawing("two.obj --look 0.3,0.9,-0.41");
+  const Json& view = drawing["views"][0];
+  EXPECT_EQ(drawing["shells"], 2);
+  const auto project = [&](const Point& p) {
+    const auto along = [&](const char* axis) {
+      return p[0] * double(view[axis][0]) + p[1] * double(view[axis][1]) + p[2] * double(view[axis][2]);
+    };
+    return ZBR_PT(along("right"), along("up"));
+  };
+  double expected = 0;
+  for (const Box& box : boxes) {
+    for (const int k : {1, 2, 4}) expected += 4 * project(box.Corner(k)).Distance(project(box.Corner(0)));
+  }
+  const Drawn drawn = Measure(view);
+  EXPECT_NEAR(drawn.visible + drawn.hidden, expected, 1e-3);
+  EXPECT_GT(drawn.hidden, 8);
+  std::set<std::pair<int, int>> edges = drawn.visibleEdges;
+  edges.insert(drawn.hiddenEdges.begin(), drawn.hiddenEdges.end());
+  EXPECT_EQ(edges.size(), 24U);
+
+  for (const Json& polyline : view["polylines"]) {
+    EXPECT_EQ(polyline["class"], "crease");
+    std::vector<std::pair<ZBR_PT, ZBR_PT>> named;
+    for (const Json& edge : polyline["edges"]) {
+      const int triangle = edge[0], i = edge[1];
+      ASSERT_TRUE(triangle >= 0 && triangle < 24 && i >= 0 && i < 3) << edge;
+      EXPECT_EQ(triangle / 12, int(polyline["shell"]));
+      const Box& box = boxes[static_cast<std::size_t>(triangle / 12)];
+      const auto& corners = Box::kTriangles[triangle % 12];
+      named.emplace_back(project(box.Corner(corners[i])), project(box.Corner(corners[(i + 1) % 3])));
+    }
+    for (const Json& p : polyline["points"]) {
+      double nearest = 1e9;  // detour over p from one end of an edge to the other
+      for (const auto& [s, e] : named) {
+        const ZBR_PT at(p[0], p[1]);
+        nearest = std::min(nearest, at.Distance(s) + at.Distance(e) - s.Distance(e));
+      }
+      EXPECT_LT(nearest, 1e-6) << polyline;
+    }
+  }
+}
+
+TEST_F(Draw, ThreadsDoNotChangeTheDrawing) {
+  const std::string options = "draw many.obj --view iso,front,top --look 1,2,-0.5 ";
+  ASSERT_EQ(Run(options + "--jobs 1 -o 1.svg -o 1.dxf -o 1.json").code, 0);
+  ASSERT_EQ(Run(options + "--jobs 4 -o 4.svg -o 4.dxf -o 4.json").code, 0);
+  ASSERT_EQ(Run("draw many.obj --jobs 1 -o 1o.json").code, 0);
+  ASSERT_EQ(Run("draw many.obj --jobs 4 -o 4o.json").code, 0);  // all threads to the shells of one view
+  for (const char* file : {".svg", ".dxf", ".json", "o.json"})
+    EXPECT_EQ(Read(std::string("1") + file), Read(std::string("4") + file));
+  EXPECT_GT(Read("1.svg").size(), 10000U);
+}
+
+// Box of the lines of a view on paper: x0, x1, y0, y1.
+std::vector<double> OnPaper(const Json& drawing, const std::string& name) {
+  std::vector<double> box = {1e9, -1e9, 1e9, -1e9};
+  const double scale = drawing["millimetres_per_unit"];
+  for (const Json& view : drawing["views"]) {
+    if (view["name"] != name) continue;
+    for (const Json& polyline : view["polylines"]) {
+      for (const Json& p : polyline["points"]) {
+        for (const std::size_t axis : {0U, 1U}) {
+          const double at = double(view["origin"][axis]) + scale * double(p[axis]);
+          box[2 * axis] = std::min(box[2 * axis], at);
+          box[2 * axis + 1] = std::max(box[2 * axis + 1], at);
+        }
+      }
+    }
+  }
+  return box;
+}
+
+TEST_F(Draw, SheetsLineUp) {
+  for (const bool first : {true, false}) {
+    const Json drawing = Drawing(std::string("many.obj --view iso,left,dimetric,top,front,back --look 1,2,-1 --sheet ") +
+                                 (first ? "first" : "third"));
+    const auto front = OnPaper(drawing, "front"), top = OnPaper(drawing, "top"), left = OnPaper(drawing, "left");
+    for (const std::size_t side : {0U, 1U}) {
+      EXPECT_NEAR(front[side], top[side], 1e-6);
+      EXPECT_NEAR(front[2 + side], left[2 + side], 1e-6);
+    }
+    EXPECT_EQ(top[3] < front[2], first);
+    EXPECT_EQ(left[0] > front[1], first);
+    // Nothing overlaps, and all is on the paper.
+    std::vector<std::vector<double>> boxes;
+    for (const char* name : {"front", "top", "left", "back", "iso", "dimetric", "look"}) boxes.push_back(OnPaper(drawing, name));
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+      const auto& a = boxes[i];
+      EXPECT_TRUE(a[0] > 20 && a[1] < 410 && a[2] > 26 && a[3] < 287) << i;
+      for (std::size_t j = 0; j < i; ++j) {
+        const auto& b = boxes[j];
+        EXPECT_TRUE(a[0] > b[1] || b[0] > a[1] || a[2] > b[3] || b[2] > a[3]) << i << ' ' << j;
+      }
+    }
+  }
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+TEST_F(Draw, ScalePaperAndHiddenLinesInFiles) {
+  EXPECT_EQ(Drawing("box.obj --view top --paper A4")["scale"], 50);                    // 4 x 3 on 277 x 190
+  EXPECT_EQ(Drawing("box.obj --view left --paper 60x200")["paper"], Json({60, 200}));  // as asked for, not turned
+  EXPECT_EQ(Drawing("box.obj --view top --unit cm --scale 2:1")["millimetres_per_unit"], 20);
+  EXPECT_EQ(Drawing("box.obj --view front,top --scale 100:1")["paper"], Json({594, 841}));  // 400 x 515 mm of drawing
+  ASSERT_EQ(Run("draw box.obj --view top --scale 10:1 -o top.dxf").code, 0);
+  EXPECT_NEAR(Area("top.dxf"), 1200, 1e-9);  // read back by the tool: one closed line
+  EXPECT_EQ(Info("top.dxf", "units"), "mm");
+
+  ASSERT_EQ(Run("draw box.obj -o dashed.svg -o dashed.dxf").code, 0);
+  ASSERT_EQ(Run("draw box.obj --hidden layer -o layer.svg -o layer.dxf").code, 0);
+  ASSERT_EQ(Run("draw box.obj --hidden none -o none.svg").code, 0);
+  EXPECT_NE(Read("dashed.svg").find("stroke-dasharray=\"3 0.75\""), std::string::npos);
+  EXPECT_EQ(CountOf(Read("layer.svg"), "display=\"none\""), 1U);
+  EXPECT_EQ(CountOf(Read("none.svg"), "hidden"), 0U);
+  const std::string dxf = Read("dashed.dxf"), off = Read("layer.dxf");
+  EXPECT_GT(CountOf(dxf, "\nLWPOLYLINE\n"), 1U);
+  EXPECT_EQ(CountOf(dxf, "\n-8\n"), 0U);  // a layer is switched off by a negative colour
+  EXPECT_EQ(CountOf(off, "\n-8\n"), 1U);
+}
+
+TEST_F(Draw, ErrorsLeaveNothingBehind) {
+  Write("points.obj", "v 0 0 0\nv 1 0 0\n");
+  Write("flat.obj", "v 0 0 0\nv 1 0 0\nv 2 0 0\nf 1 1 2\n");
+  Write("nan.obj", "v nan 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+  const std::size_t files = Files().size();
+  const std::pair<const char*, const char*> cases[] = {
+      {"missing.obj -o a.svg", "missing.obj"},
+      {"points.obj -o a.svg", "no triangle"},
+      {"flat.obj -o a.svg", "no triangle"},
+      {"nan.obj -o a.svg", "nan.obj"},
+      {"box.obj -o no/a.svg", "no/a.svg"},
+      {"box.obj -o a.svg -o no/a.svg", "no/a.svg"},
+      {"box.obj -o a.png", "a.png: the name does not tell the format"},
+      {"box.obj -o -", "give --format"},
+      {"box.obj -o a.svg -o a.svg", "a.svg: named twice"},
+      {"box.obj --view top,top -o a.svg", "'top' is named twice"},
+      {"box.obj --view up -o a.svg", "'up' is no view"},
+      {"box.obj --look 0,0,0 -o a.svg", "direction of view"},
+      {"box.obj --look 1,nan,0 -o a.svg", "--look"},
+      {"box.obj --look 0,0,1 --up 0,0,2 -o a.svg", "is the direction of view"},
+      {"box.obj --up 0,0,1 -o a.svg", "--up"},
+      {"box.obj --scale -1 -o a.svg", "'-1' is no scale"},
+      {"box.obj --scale 1:inf -o a.svg", "'1:inf' is no scale"},
+      {"box.obj --scale 1000 --paper A4 -o a.svg", "do not fit on A4"},
+      {"box.obj --scale 1e9 -o a.svg", "more than 100 m"},
+      {"box.obj --paper A9 -o a.svg", "'A9' is no paper size"},
+      {"box.obj --unit furlong -o a.svg", "'furlong' is no unit"},
+      {"box.obj --crease nan -o a.svg", "'nan' is not an angle"},
+      {"box.obj --jobs 0 -o a.svg", "--jobs"},
+      {"box.obj --sheet second -o a.svg", "--sheet"},
+  };
+  for (const auto& [arguments, error] : cases) {
+    const Outcome outcome = Run(std::string("draw ") + arguments);
+    EXPECT_EQ(outcome.code, 2) << arguments;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << arguments << '\n' << outcome.err;
+    EXPECT_NE(outcome.err.find(error), std::string::npos) << arguments << '\n' << outcome.err;
+    EXPECT_EQ(outcome.out, "") << arguments;
+    EXPECT_EQ(Files().size(), files) << arguments;
+  }
+}
+
+TEST_F(Draw, ReportAndStandardOutput) {
+  const Outcome report = Run("draw box.obj");
+  EXPECT_EQ(report.code, 0) << report.err;
+  EXPECT_NE(report.out.find("iso: drawable edges"), std::string::npos) << report.out;
+  const Outcome piped = Run("draw box.obj --format json --stats -o -");
+  EXPECT_FALSE(Json::parse(piped.out, nullptr, false).is_discarded());
+  EXPECT_NE(piped.err.find("removal"), std::string::npos);
+}
+
+}  // namespace

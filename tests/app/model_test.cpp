@@ -1,0 +1,315 @@
+// Models and scenes: what is one surface, which edges are drawn, and that generated meshes are sound.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "io/failure.h"
+#include "model/scene.h"
+#include "model/triangulate.h"
+#include "models/models.h"
+
+namespace tool {
+namespace {
+
+std::size_t CountOf(const std::vector<std::array<EdgeClass, 3>>& classes, EdgeClass wanted) {
+  std::size_t count = 0;
+  for (const auto& row : classes) count += static_cast<std::size_t>(std::count(row.begin(), row.end(), wanted));
+  return count;
+}
+
+// V - E + F of a shell without borders and junctions.
+long Euler(const Model& model, std::size_t shell) {
+  std::set<std::uint32_t> points;
+  for (std::uint32_t t = model.shellBegin[shell]; t < model.shellBegin[shell + 1]; ++t)
+    points.insert(model.triangles[t].begin(), model.triangles[t].end());
+  const long faces = static_cast<long>(model.shellBegin[shell + 1] - model.shellBegin[shell]);
+  return static_cast<long>(points.size()) - faces * 3 / 2 + faces;
+}
+
+// Adjacency is mutual and between equal edges of one shell; shells come in order, and so do the triangles in each.
+void CheckModel(const Model& model) {
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    for (std::uint32_t t = model.shellBegin[s]; t < model.shellBegin[s + 1]; ++t) {
+      if (t > model.shellBegin[s]) {
+        ASSERT_LT(model.source[t - 1], model.source[t]);
+      }
+      for (std::size_t i = 0; i < 3; ++i) {
+        const std::int32_t u = model.adjacent[t][i];
+        const bool isOpen = model.classes[t][i] == EdgeClass::kBorder || model.classes[t][i] == EdgeClass::kJunction;
+        ASSERT_EQ(u < 0, isOpen);
+        if (u < 0) continue;
+        ASSERT_GE(u, static_cast<std::int32_t>(model.shellBegin[s]));
+        ASSERT_LT(u, static_cast<std::int32_t>(model.shellBegin[s + 1]));
+        const auto n = static_cast<std::size_t>(u), k = static_cast<std::size_t>(model.adjacentEdge[t][i]);
+        ASSERT_EQ(model.adjacent[n][k], static_cast<std::int32_t>(t));
+        ASSERT_EQ(model.classes[n][k], model.classes[t][i]);
+        const std::set<std::uint32_t> here = {model.triangles[t][i], model.triangles[t][(i + 1) % 3]};
+        ASSERT_EQ(here, (std::set<std::uint32_t>{model.triangles[n][k], model.triangles[n][(k + 1) % 3]}));
+      }
+    }
+    if (s > 0) {
+      ASSERT_LT(model.source[model.shellBegin[s - 1]], model.source[model.shellBegin[s]]);
+    }
+  }
+}
+
+struct Sound {
+  const char* name;
+  Mesh mesh;
+  std::size_t shells;
+  long euler;         // of each shell, or of the first when they differ
+  std::size_t drawn;  // drawable edges seen from nowhere; 0: not counted here
+};
+
+TEST(Model, GeneratedBodiesAreClosedAndFaceOutwards) {
+  const Sound kCases[] = {
+      {"box", example::Box(ZBR_PT3(0, 0, 0), ZBR_PT3(1, 2, 3)), 1, 2, 12},
+      {"prism of twelve sides, which bends by just the limit", example::Cylinder(12, 1, 2), 1, 2, 24},
+      {"prism of eleven sides", example::Cylinder(11, 1, 2), 1, 2, 33},
+      {"L", example::LSolid(1), 1, 2, 18},
+      {"U", example::USolid(1), 1, 2, 24},
+      {"torus", example::Torus(2000), 1, 0, 0},
+      {"gear", example::Gear(2300), 1, 0, 0},
+      {"fine gear", example::Gear(30000), 1, 0, 0},
+      {"boxes", example::BoxesOnPlate(4), 17, 2, 17 * 12},
+      {"gears", example::Gears(2, 1000), 8, 0, 0},
+      {"housing: a bore, four bolt holes, six in the flange", example::Housing(), 1, 2 - 2 * 11, 0},
+      {"house, first its walls with ten openings", example::House(), 23, 2 - 2 * 10, 0},
+  };
+  for (const Sound& c : kCases) {
+    SCOPED_TRACE(c.name);
+    const Model model = MakeModel(c.mesh, 30);
+    CheckModel(model);
+    EXPECT_EQ(model.triangles.size(), c.mesh.triangles.size());
+    ASSERT_EQ(model.ShellCount(), c.shells);
+    EXPECT_TRUE(std::all_of(model.facing.begin(), model.facing.end(), [](Facing f) { return f == Facing::kOutward; }));
+    EXPECT_EQ(Euler(model, 0), c.euler);
+    EXPECT_EQ(CountOf(model.classes, EdgeClass::kBorder) + CountOf(model.classes, EdgeClass::kJunction), 0U);
+    if (c.drawn > 0) {
+      EXPECT_EQ(CountOf(model.classes, EdgeClass::kCrease), 2 * c.drawn);
+    }
+  }
+}
+
+// A mesh whose triangles have points of their own, as in STL files, each moved by up to `noise`.
+Mesh Loose(const Mesh& mesh, double noise) {
+  Mesh loose;
+  for (const auto& t : mesh.triangles) {
+    const auto n = static_cast<std::uint32_t>(loose.points.size());
+    for (const std::uint32_t p : t) {
+      const double d = noise * (static_cast<double>(loose.points.size() % 7) - 3.0) / 6.0;
+      loose.points.push_back(mesh.points[p] + ZBR_PT3(d, -d, d / 2));
+    }
+    loose.triangles.push_back({n, n + 1, n + 2});
+  }
+  return loose;
+}
+
+TEST(Model, LoosePointsAreWelded) {
+  const Mesh torus = example::Torus(1000);
+  const Model exact = MakeModel(Loose(torus, 0), 30), noisy = MakeModel(Loose(torus, 1e-6), 30);
+  EXPECT_EQ(exact.points.size(), torus.points.size());
+  EXPECT_EQ(noisy.ShellCount(), torus.triangles.size());
+  const Model welded = MakeModel(Loose(torus, 1e-6), 30, 1e-6);
+  CheckModel(welded);
+  EXPECT_EQ(welded.points.size(), torus.points.size());
+  EXPECT_EQ(welded.ShellCount(), 1U);
+  EXPECT_EQ(welded.facing[0], Facing::kOutward);
+  // A tolerance of the size of the triangles leaves few of them, but nothing invalid.
+  const Model coarse = MakeModel(torus, 30, 0.1);
+  CheckModel(coarse);
+  EXPECT_GT(coarse.collapsed, 0U);
+}
+
+TEST(Model, MeshesThatAreNoSurface) {
+  Mesh mesh;
+  mesh.points = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {0, 0, 4}, {0, -4, 0}, {2, 3e-7, 0}, {-0.0, 0, 0}};
+  const auto made = [&](std::vector<std::array<std::uint32_t, 3>> triangles) {
+    mesh.triangles = std::move(triangles);
+    Model model = MakeModel(mesh, 30);
+    CheckModel(model);
+    return model;
+  };
+  // Three leaves of a book: the spine is a junction and parts them.
+  const Model book = made({{0, 1, 2}, {0, 1, 3}, {1, 0, 4}});
+  EXPECT_EQ(CountOf(book.classes, EdgeClass::kJunction), 3U);
+  EXPECT_EQ(book.ShellCount(), 3U);
+  EXPECT_EQ(MakeScene(book, View()).drawable, 7U);
+  // Repeated triangles, turned round or not, and those that end where they start, 0 and -0 being the same.
+  const Model twice = made({{0, 1, 2}, {1, 3, 2}, {2, 1, 0}, {1, 2, 0}, {0, 6, 1}, {5, 5, 1}});
+  EXPECT_EQ(twice.repeated, 2U);
+  EXPECT_EQ(twice.collapsed, 2U);
+  EXPECT_EQ(twice.triangles.size(), 2U);
+  // A flat triangle between a long edge and two short ones, turned over by rounding, is no reason to draw them.
+  const Model gap = made({{0, 1, 2}, {0, 5, 1}, {5, 0, 4}, {1, 5, 4}});
+  EXPECT_EQ(CountOf(gap.classes, EdgeClass::kCrease), 0U);
+  EXPECT_EQ(CountOf(gap.classes, EdgeClass::kBorder), 4U);
+  // Neighbours of opposite orientation are flat still, and their fold is not.
+  EXPECT_EQ(CountOf(made({{0, 1, 2}, {0, 1, 4}}).classes, EdgeClass::kCrease), 0U);
+  EXPECT_EQ(CountOf(made({{0, 1, 2}, {0, 1, 3}}).classes, EdgeClass::kCrease), 2U);
+  // Nothing at all.
+  const Model empty = made({});
+  EXPECT_EQ(empty.ShellCount(), 0U);
+  EXPECT_EQ(MakeScene(empty, View()).drawable, 0U);
+}
+
+// A band of n quads that is turned by half on the way round.
+Mesh Moebius(std::uint32_t n) {
+  Mesh mesh;
+  for (std::uint32_t i = 0; i < n; ++i) {
+    const double a = 6.283185307179586 * i / n, c = std::cos(a / 2) * 0.3, s = std::sin(a / 2) * 0.3;
+    for (const double side : {-1.0, 1.0})
+      mesh.points.emplace_back((1 + side * c) * std::cos(a), (1 + side * c) * std::sin(a), side * s);
+  }
+  for (std::uint32_t i = 0; i < n; ++i) {
+    const std::uint32_t a = 2 * i, b = a + 1, c = i + 1 < n ? a + 2 : 1, d = i + 1 < n ? a + 3 : 0;
+    mesh.triangles.push_back({a, c, b});
+    mesh.triangles.push_back({b, c, d});
+  }
+  return mesh;
+}
+
+TEST(Model, OneSidedBandIsSmoothThroughout) {
+  const Model model = MakeModel(Moebius(60), 30);
+  CheckModel(model);
+  EXPECT_EQ(model.ShellCount(), 1U);
+  EXPECT_EQ(model.facing[0], Facing::kUnknown);
+  EXPECT_EQ(CountOf(model.classes, EdgeClass::kCrease), 0U);
+  EXPECT_EQ(CountOf(model.classes, EdgeClass::kBorder), 120U);
+}
+
+TEST(View, NamedViewsAreRightHanded) {
+  for (const bool yUp : {false, true}) {
+    for (const std::string& name : ViewNames()) {
+      const View v = NamedView(name, yUp).value();
+      EXPECT_LT(v.right.OuterProduct(v.up).Distance(v.toViewer), 1e-15) << name;
+    }
+  }
+  const ZBR_PT3 p(1, 2, 3);
+  EXPECT_EQ(NamedView("front")->In(p), ZBR_PT3(1, 3, -2));
+  EXPECT_EQ(NamedView("left")->In(p), ZBR_PT3(-2, 3, -1));
+  EXPECT_EQ(NamedView("top")->In(p), p);
+  EXPECT_EQ(NamedView("bottom")->In(p), ZBR_PT3(1, -2, -3));
+  EXPECT_EQ(NamedView("front", true)->In(p), p);
+  EXPECT_EQ(NamedView("top", true)->In(p), ZBR_PT3(1, -3, 2));
+  EXPECT_EQ(NamedView("iso")->Out(NamedView("iso")->In(p)), p);
+  EXPECT_FALSE(NamedView("Front").has_value());
+  const ZBR_PT3 shortened = NamedView("dimetric")->In(ZBR_PT3(0, 1, 0));
+  EXPECT_NEAR(shortened.LengthXY(), NamedView("dimetric")->In(ZBR_PT3(1, 0, 0)).LengthXY() / 2, 1e-12);
+}
+
+TEST(View, BadVectorsFail) {
+  const double inf = INFINITY;
+  EXPECT_THROW(LookAlong(ZBR_PT3(0, 0, 0), ZBR_PT3(0, 0, 1)), Failure);
+  EXPECT_THROW(LookAlong(ZBR_PT3(1, 0, 0), ZBR_PT3(0, 0, 0)), Failure);
+  EXPECT_THROW(LookAlong(ZBR_PT3(0, 0, 3), ZBR_PT3(0, 0, -1e200)), Failure);
+  EXPECT_THROW(LookAlong(ZBR_PT3(0, std::nan(""), 1), ZBR_PT3(0, 0, 1)), Failure);
+  EXPECT_THROW(LookAlong(ZBR_PT3(0, 1, 0), ZBR_PT3(0, inf, 1)), Failure);
+  EXPECT_EQ(LookAlong(ZBR_PT3(0, 1e-300, 0), ZBR_PT3(0, 0, 1e300)).right, ZBR_PT3(1, 0, 0));
+}
+
+TEST(Scene, SilhouettesOfCylinders) {
+  constexpr int kSides = 48;
+  for (const std::size_t inverted : {0U, 1U, 2U}) {  // none of the triangles, all, every other one
+    Mesh mesh = example::Cylinder(kSides, 1, 2);
+    for (std::size_t t = 0; inverted > 0 && t < mesh.triangles.size(); t += inverted)
+      std::swap(mesh.triangles[t][0], mesh.triangles[t][1]);
+    const Model model = MakeModel(mesh, 30);
+    const auto silhouettes = [&](const View& view) { return CountOf(MakeScene(model, view).classes, EdgeClass::kSilhouette) / 2; };
+    EXPECT_EQ(silhouettes(LookAlong(ZBR_PT3(0.3, 1, -0.4), ZBR_PT3(0, 0, 1))), 2U);
+    EXPECT_EQ(silhouettes(*NamedView("top")), 0U);
+  }
+}
+
+// A wall seen edge-on under a dome and over a flared foot, all of it smooth: the upper edge of the wall is drawn.
+TEST(Scene, UpperEdgesOfWallsSeenEdgeOn) {
+  constexpr std::uint32_t kSides = 24;
+  struct Row {
+    double radius, z;
+  };
+  for (const bool hasFoot : {false, true}) {
+    for (const bool isInverted : {false, true}) {
+      Mesh mesh;
+      mesh.points = {{0, 0, 3}, {0, 0, -3}};
+      const Row rows[] = {{1, 2.8}, {1.5, 2.5}, {1.5, 1}, {hasFoot ? 1.8 : 1.2, 0.5}};
+      for (const Row& row : rows) {
+        for (std::uint32_t i = 0; i < kSides; ++i) {
+          const double a = 6.283185307179586 * i / kSides;
+          mesh.points.emplace_back(row.radius * std::cos(a), row.radius * std::sin(a), row.z);
+        }
+      }
+      for (std::uint32_t i = 0; i < kSides; ++i) {
+        const std::uint32_t a = 2 + i, b = 2 + (i + 1) % kSides;
+        mesh.triangles.push_back({0, a, b});
+        mesh.triangles.push_back({1, b + 3 * kSides, a + 3 * kSides});
+        for (std::uint32_t k = 0; k < 3 * kSides; k += kSides) {
+          mesh.triangles.push_back({a + k, a + k + kSides, b + k + kSides});
+          mesh.triangles.push_back({a + k, b + k + kSides, b + k});
+        }
+      }
+      for (auto& t : mesh.triangles) {
+        if (isInverted) std::swap(t[0], t[1]);
+      }
+      const Model model = MakeModel(mesh, 120);
+      ASSERT_EQ(model.facing[0], isInverted ? Facing::kInward : Facing::kOutward);
+      const Scene scene = MakeScene(model, View());
+      std::map<double, int> heights;  // of drawn edges, in the model's unit
+      for (const ZBR_HL_TRI& t : scene.triangles) {
+        for (std::size_t i = 0; i < 3; ++i) {
+          const double z = scene.ToDrawing(t.pt[i]).z();
+          if (t.dispj[i] && std::abs(z - scene.ToDrawing(t.pt[(i + 1) % 3]).z()) < 1e-9) ++heights[std::round(z * 1e6) / 1e6];
+        }
+      }
+      const int both = 2 * static_cast<int>(kSides);  // each edge in two triangles
+      const std::map<double, int> dome = {{2.5, both}}, domeAndFoot = {{2.5, both}, {1, both}, {0.5, both}};
+      EXPECT_EQ(heights, hasFoot ? domeAndFoot : dome);
+    }
+  }
+}
+
+TEST(Scene, IsTurnedScaledAndCanBeFilledAgain) {
+  Mesh mesh = example::Box(ZBR_PT3(10, 20, 30), ZBR_PT3(11, 22, 33));
+  example::Append(mesh, example::Torus(500));
+  const Model model = MakeModel(mesh, 30);
+  Scene scene = MakeScene(model, *NamedView("front"));
+  const ZBR_HL_TRI* const storage = scene.triangles.data();
+  MakeScene(model, *NamedView("iso"), scene);
+  EXPECT_EQ(scene.triangles.data(), storage);
+  const Scene fresh = MakeScene(model, *NamedView("iso"));
+  ASSERT_EQ(scene.shells.size(), 2U);
+  EXPECT_EQ(scene.drawable, fresh.drawable);
+  EXPECT_EQ(scene.classes, fresh.classes);
+  for (std::size_t t = 0; t < model.triangles.size(); ++t) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(scene.triangles[t].pt[i], fresh.triangles[t].pt[i]);
+      const ZBR_PT3 p = scene.ToDrawing(scene.triangles[t].pt[i]);
+      EXPECT_LT(p.Distance(scene.view.In(model.points[model.triangles[t][i]])), 1e-12);
+      EXPECT_LT(scene.FromDrawing(p).Length(), kSceneDiagonal / 2 + 1e-9);
+    }
+  }
+}
+
+TEST(Triangulate, AreasAddUp) {
+  // A comb with a hole, points in line, and a corner that an ear's diagonal would pass.
+  const std::vector<ZBR_PT> points = {{0, 0}, {3, 0}, {6, 0}, {6, 4}, {5, 4}, {5, 1}, {4, 1}, {4, 4}, {2, 4},
+                                      {2, 3}, {1, 3}, {1, 4}, {0, 4}, {1, 1}, {1, 2}, {2, 2}, {2, 1}};
+  const auto triangles = Triangulate(points, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, {13, 14, 15, 16}});
+  EXPECT_EQ(triangles.size(), 17U);  // points + 2 holes - 2
+  double area = 0.0;
+  for (const auto& t : triangles) {
+    const double twice = (points[t[1]] - points[t[0]]).OuterProduct(points[t[2]] - points[t[0]]);
+    EXPECT_GT(twice, 0.0);
+    area += twice / 2;
+  }
+  EXPECT_DOUBLE_EQ(area, 24 - 3 - 1 - 1);
+  EXPECT_TRUE(Triangulate(points, {{2, 1, 0, 12}}).empty());
+}
+
+}  // namespace
+}  // namespace tool

@@ -1,0 +1,328 @@
+// Intervals, triangle states and the rules of one pair, case by case.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "differential/compare.h"
+#include "literal/hidden_line.h"
+
+namespace {
+
+using Intervals = std::vector<ZBR_HL_INTERVAL>;
+
+const ZBR_PT3 kStart(0, 0, 0);
+const ZBR_PT3 kEnd(10, 20, 30);
+
+Intervals Make(const std::vector<double>& ends) {
+  Intervals list;
+  for (std::size_t k = 0; k < ends.size(); k += 2) list.emplace_back(kEnd * ends[k], kEnd * ends[k + 1], ends[k], ends[k + 1]);
+  return list;
+}
+
+std::vector<double> EndsOf(const Intervals& list) {
+  std::vector<double> ends;
+  for (const ZBR_HL_INTERVAL& v : list) ends.insert(ends.end(), {v.s.t, v.e.t});
+  return ends;
+}
+using Ends = std::vector<double>;
+
+TEST(Interval, DifferencesByName) {
+  const struct {
+    double a0, a1, b0, b1;
+    int pieces;
+    double r0, r1;
+  } rows[] = {
+      {0, 1, 0.25, 0.5, 2, 0.25, 0.5}, {0, 1, 0.5, 0.25, 2, 0.25, 0.5}, {1, 0, 0.25, 0.5, 2, 0.5, 0.25},
+      {0, 1, -1, 0.5, 1, 0.5, 1},      {1, 0, -1, 0.5, 1, 1, 0.5},      {0, 1, 0.5, 2, 1, 0, 0.5},
+      {0, 1, 0.5, 1, 1, 0, 0.5},       {0, 1, 1, 2, 1, 0, 1},           {0, 1, 2, 3, 1, 0, 1},
+      {0, 1, -2, -1, 1, 0, 1},         {0, 1, -1, 2, 0, 7, 7},          {0, 1, 0, 1, 0, 7, 7},
+      {0, 0, 1, 2, 1, 0, 0},           {0, 0, -2, -1, 0, 7, 7},         {0, 1, 1e-6, 1, 0, 7, 7},
+      {0, 1, -1, 0.999999, 0, 7, 7},
+  };
+  for (const auto& row : rows) {
+    double r0 = 7;
+    double r1 = 7;
+    EXPECT_EQ(zbrDifferenceOfRealSeg(row.a0, row.a1, row.b0, row.b1, r0, r1), row.pieces);
+    EXPECT_EQ(r0, row.r0) << row.a0 << ' ' << row.a1 << " without " << row.b0 << ' ' << row.b1;
+    EXPECT_EQ(r1, row.r1) << row.a0 << ' ' << row.a1 << " without " << row.b0 << ' ' << row.b1;
+  }
+}
+
+TEST(Interval, IntersectionCountsAndWholeEdges) {
+  Intervals work;
+  Intervals a = Make({0.1, 0.2, 0.3, 0.4});
+  EXPECT_EQ(zbrIntervalIntersection(a, Make({0, 1}), work), 2);
+  EXPECT_EQ(EndsOf(a), Ends({0.1, 0.2, 0.3, 0.4}));
+  Intervals whole = Make({0, 1});
+  EXPECT_EQ(zbrIntervalIntersection(whole, Make({0.1, 0.2, 0.3, 0.4}), work), 1);  // the former size, intended
+  EXPECT_EQ(EndsOf(whole), Ends({0.1, 0.2, 0.3, 0.4}));
+  EXPECT_EQ(zbrIntervalIntersection(a, {}, work), 0);
+  EXPECT_TRUE(a.empty());
+  a = Make({0, 0.5, 0.500001, 1});
+  EXPECT_EQ(zbrIntervalOptimize(a), 1);
+  EXPECT_EQ(EndsOf(a), Ends({0, 1}));
+  a = Make({0, 0.000001, 0.5, 0.6});
+  EXPECT_EQ(zbrIntervalOptimize(a), 1);
+  EXPECT_EQ(EndsOf(a), Ends({0.5, 0.6}));
+}
+
+TEST(Interval, AgreesWithTheLiteralForm) {
+  std::size_t kept = 0;
+  for (int seed = 0; seed < Scaled(2000); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const double eps = seed % 3 == 0 ? 1e-7 : 0.02;
+    const ZBR_TmpEps guard(eps);
+    Intervals lists[2];
+    for (Intervals& list : lists) {
+      Ends ends(2U * static_cast<unsigned>(Below(random, 6)));
+      for (double& t : ends) t = 0.1 * Below(random, 11) + eps * 0.6 * (Below(random, 3) - 1);
+      std::sort(ends.begin(), ends.end());
+      list = Make(ends);
+    }
+    literal::Stretches expected[2];
+    for (int k = 0; k < 2; ++k) {
+      for (const ZBR_HL_INTERVAL& v : lists[k]) expected[k].push_back({v.s.pt, v.e.pt, v.s.t, v.e.t});
+    }
+    Intervals work;
+    zbrIntervalIntersection(lists[0], lists[1], work);
+    literal::Intersect(expected[0], expected[1], eps);
+    zbrIntervalOptimize(lists[1]);
+    literal::Optimize(expected[1], eps);
+    for (int k = 0; k < 2; ++k) {
+      ASSERT_EQ(lists[k].size(), expected[k].size()) << "seed " << seed;
+      for (std::size_t j = 0; j < lists[k].size(); ++j) {
+        ASSERT_TRUE(SameBits(lists[k][j].s.t, expected[k][j].s) && SameBits(lists[k][j].e.t, expected[k][j].e)) << "seed " << seed;
+        ASSERT_TRUE(SameBits(lists[k][j].e.pt.xy(), expected[k][j].pe.xy())) << "seed " << seed;
+      }
+      kept += lists[k].size();
+    }
+    double got[2] = {7, 7};
+    double wanted[2] = {7, 7};
+    const auto real = [&] { return 0.1 * Below(random, 4) + eps * (Below(random, 3) - 1); };
+    const double a0 = real(), a1 = real(), b0 = real(), b1 = real();
+    ASSERT_EQ(zbrDifferenceOfRealSeg(a0, a1, b0, b1, got[0], got[1]),
+              literal::Difference(a0, a1, b0, b1, wanted[0], wanted[1], eps));
+    ASSERT_TRUE(got[0] == wanted[0] && got[1] == wanted[1]) << "seed " << seed;
+  }
+  EXPECT_GT(kept, 1000U);
+}
+
+// A shell of triangles given by their vertices, all edges drawable, processed or only classified.
+struct Body {
+  explicit Body(const std::vector<std::array<ZBR_PT3, 3>>& triangles) : tris(triangles.size()) {
+    for (std::size_t k = 0; k < tris.size(); ++k) {
+      for (int i = 0; i < 3; ++i) {
+        tris[k].pt[i] = triangles[k][static_cast<std::size_t>(i)];
+        tris[k].dispj[i] = true;
+      }
+    }
+    shell = ZBR_HL_SHELL(tris.data(), static_cast<unsigned>(tris.size()));
+  }
+  ZBR_HL_TRI& Classified() {
+    shell.GetMaxMin();
+    shell.CheckTriangle();
+    return tris[0];
+  }
+  std::vector<ZBR_HL_TRI> tris;
+  ZBR_HL_SHELL shell;
+};
+
+TEST(TriangleState, DegenerateTriangles) {
+  const ZBR_PT3 o;
+  const struct {
+    const char* name;
+    std::array<ZBR_PT3, 3> pt;
+    int state;
+    std::array<int, 3> edges;
+  } rows[] = {
+      {"general", {o, ZBR_PT3(1, 0, 0), ZBR_PT3(0, 1, 0)}, 1, {1, 1, 1}},
+      {"one point", {o, ZBR_PT3(1e-6, 0, 0), ZBR_PT3(0, 1e-6, 0)}, 3, {3, 3, 3}},
+      {"needle", {o, ZBR_PT3(1e-6, 0, 0), ZBR_PT3(1, 0, 0)}, 3, {3, 1, 3}},
+      {"upright needle", {o, ZBR_PT3(0, 0, 1e-6), ZBR_PT3(0, 0, 1)}, 3, {3, 3, 3}},
+      {"flat line", {o, ZBR_PT3(1, 1, 1), ZBR_PT3(2, 2, 2)}, 3, {3, 3, 3}},
+      {"upright line", {o, ZBR_PT3(0, 0, 1), ZBR_PT3(0, 0, 2)}, 3, {3, 3, 3}},
+      {"not a number", {o, ZBR_PT3(1, 0, NAN), ZBR_PT3(0, 1, 0)}, 3, {3, 3, 3}},
+      {"infinite", {o, ZBR_PT3(INFINITY, 0, 0), ZBR_PT3(0, 1, 0)}, 3, {3, 3, 3}},
+      {"too large", {o, ZBR_PT3(1e200, 0, 0), ZBR_PT3(0, 1e200, 0)}, 3, {3, 3, 3}},
+      {"almost edge-on", {o, ZBR_PT3(1, 0, 0), ZBR_PT3(0.5, 9e-6, 1)}, 2, {3, 1, 1}},
+      {"steep", {o, ZBR_PT3(1, 0, 0), ZBR_PT3(0.5, 2e-5, 1)}, 1, {1, 1, 1}},
+  };
+  for (const auto& row : rows) {
+    Body body({row.pt});
+    const ZBR_HL_TRI& t = body.Classified();
+    EXPECT_EQ(t.tri_state, row.state) << row.name;
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(t.edge_state[i], row.edges[i]) << row.name << ", edge " << i;
+      EXPECT_EQ(t.intvl_v[i].empty(), t.edge_state[i] != 1) << row.name << ", edge " << i;
+    }
+  }
+}
+
+// What a triangle seen edge-on draws. L is its long edge, n and p the next and the previous one; in the second half n is end-on.
+struct EdgeOnRow {
+  bool endOn, upper, drawN, drawP;
+  std::array<const char*, 3> draws;  // of L, n, p: "" nothing, "all", or the part of L "before" or "after" the apex
+};
+
+TEST(TriangleState, EdgeOnTrianglesDrawTheirUpperOutline) {
+  const EdgeOnRow rows[] = {
+      {false, false, true, true, {"all", "", ""}},      {false, false, false, false, {"all", "", ""}},
+      {false, true, true, true, {"", "all", "all"}},    {false, true, true, false, {"before", "all", ""}},
+      {false, true, false, true, {"after", "", "all"}}, {false, true, false, false, {"all", "", ""}},
+      {true, false, true, true, {"all", "", ""}},       {true, false, true, false, {"all", "", ""}},
+      {true, true, true, true, {"", "", "all"}},        {true, true, false, true, {"", "", "all"}},
+      {true, true, true, false, {"all", "", ""}},
+  };
+  for (const EdgeOnRow& row : rows) {
+    for (int variant = 0; variant < 24; ++variant) {
+      const int turn = variant % 3;  // L is edge `turn`
+      const bool alongY = variant / 3 % 2 == 1;
+      const bool falling = variant / 6 % 2 == 1;
+      const bool drawL = variant / 12 == 0;
+      const auto place = [&](double along, double z) {
+        const double c = falling ? 4.0 - along : along;
+        return alongY ? ZBR_PT3(3, c, z) : ZBR_PT3(c, 3, z);
+      };
+      const std::array<ZBR_PT3, 3> pt = {place(0, 0), place(4, 0), place(row.endOn ? 4 : 1, row.upper ? 1 : -1)};
+      std::array<ZBR_PT3, 3> turned;
+      for (std::size_t i = 0; i < 3; ++i) turned[(i + static_cast<std::size_t>(turn)) % 3] = pt[i];
+      Body body({turned});
+      const bool draw[] = {drawL, row.drawN, row.drawP};
+      for (int i = 0; i < 3; ++i) body.tris[0].dispj[(i + turn) % 3] = draw[i];
+      const ZBR_HL_TRI& t = body.Classified();
+      ASSERT_EQ(t.tri_state, 2);
+      EXPECT_EQ(t.vert_edge, turn);
+      EXPECT_EQ(t.vert_upper, row.upper);
+      EXPECT_EQ(t.vert_axis, alongY ? 2 : 1);
+      for (std::size_t i = 0; i < 3; ++i) {
+        const std::string draws = draw[i] ? row.draws[i] : "";
+        const Ends expected = draws.empty()       ? Ends()
+                              : draws == "before" ? Ends({0, 0.25})
+                              : draws == "after"  ? Ends({0.25, 1})
+                                                  : Ends({0, 1});
+        const Intervals& got = t.intvl_v[(static_cast<int>(i) + turn) % 3];
+        EXPECT_EQ(EndsOf(got), expected) << "variant " << variant << " edge " << i << " upper " << row.upper << " end-on "
+                                         << row.endOn;
+        EXPECT_TRUE(draws != "before" || got[0].e.pt.Distance(place(1, 0)) == 0.0);
+      }
+    }
+  }
+}
+
+TEST(TriangleState, PriorityAndFlags) {
+  ZBR_HL_TRI a;
+  ZBR_HL_TRI b;
+  a.idx = 5;
+  a.shell_idx = 1;
+  b.idx = 3;
+  b.shell_idx = 2;
+  EXPECT_TRUE(a.IsPriorTo(b) && b.IsPriorTo(a));  // key by key, intended
+  b.edge_state[0] = 1;
+  EXPECT_FALSE(a.ToHide(b, 0));
+  a.shell_idx = 2;
+  EXPECT_TRUE(a.ToHide(b, 0));
+  EXPECT_FALSE(a.ToHide(b, 1));  // not a general edge
+
+  a.intvl_v[0] = a.intvl_v[1] = Make({0, 1});
+  a.any_edge_visible = true;
+  a.SetEdgeUnavailable(0);
+  EXPECT_TRUE(a.any_edge_visible);
+  a.SetEdgeUnavailable(1);
+  EXPECT_FALSE(a.any_edge_visible);
+
+  EXPECT_EQ(ZBR_HL_TRI::EqualSegSeg(kStart, kEnd, kStart, kEnd, 1e-9), 0);
+  EXPECT_EQ(ZBR_HL_TRI::EqualSegSeg(kStart, kEnd, kEnd, kStart, 1e-9), 1);
+  EXPECT_EQ(ZBR_HL_TRI::EqualSegSeg(kStart, kEnd, kStart, {10, 21, 30}, 1e-9), -1);
+  EXPECT_EQ(ZBR_HL_TRI::EqualSegSegX(kStart, kEnd, kStart, {10, 21, 30}, 1e-9), 0);
+  EXPECT_EQ(ZBR_HL_TRI::CheckPosZ({5, 10, 15.1}, kStart, kEnd), 1);
+  EXPECT_EQ(ZBR_HL_TRI::CheckPosZ({0, 10, 14.9}, kStart, kEnd), -1);  // y is the wider coordinate
+}
+
+// The visible parts of the edge (p, q) of a triangle hanging down from it, against the occluder written in all six ways.
+void ExpectVisible(const ZBR_PT3& p, const ZBR_PT3& q, const std::array<ZBR_PT3, 3>& occluder, const Ends& expected) {
+  std::array<std::size_t, 3> order = {0, 1, 2};
+  do {
+    Body body({{p, q, (p + q) * 0.5 + ZBR_PT3(0.01, 0.02, -50)}, {occluder[order[0]], occluder[order[1]], occluder[order[2]]}});
+    body.Classified();
+    body.tris[0].HiddenLine_TriByTri(body.tris[1]);
+    const Ends got = EndsOf(body.tris[0].intvl_v[0]);
+    ASSERT_EQ(got.size(), expected.size()) << order[0] << order[1] << order[2];
+    for (std::size_t k = 0; k < got.size(); ++k) EXPECT_NEAR(got[k], expected[k], 1e-12) << order[0] << order[1] << order[2];
+  } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST(Pair, EdgeAgainstOccluder) {
+  const std::array<ZBR_PT3, 3> level = {ZBR_PT3(1, -1, 0), ZBR_PT3(1, 1, 0), ZBR_PT3(0, 0, 0)};
+  // Through a vertex and the side opposite it: beyond that side the edge comes out again.
+  ExpectVisible({-1, 0, -1}, {3, 0, -1}, level, {0, 0.25, 0.5, 1});
+  ExpectVisible({-1, 0.5, -1}, {3, 0.5, -1}, level, {0, 0.375, 0.5, 1});
+  ExpectVisible({-1, 0, 1}, {3, 0, 1}, level, {0, 1});                      // above
+  ExpectVisible({0.5, 0, -1}, {0.9, 0.1, -1}, level, {});                   // below, covered
+  ExpectVisible({-1, 0, 1}, {3, 0, -1}, level, {0, 1});                     // through the plane beyond the occluder
+  ExpectVisible({-1, 0, -1}, {3, 0, 1}, level, {0, 0.25, 0.5, 1});          // through the plane at the far side
+  ExpectVisible({-1, 0, -2.5}, {3, 0, 3.5}, level, {0, 0.25, 2.5 / 6, 1});  // through the occluder
+  ExpectVisible({0.5, 0, 0}, {0.75, 0.1, 0}, level, {0, 1});                // in it
+  ExpectVisible({1, -2, -1}, {1, 2, -1}, level, {0, 0.25, 0.75, 1});        // under its side
+  // Seen edge-on, it hides what lies straight below it.
+  ExpectVisible({-1, 0, -1}, {3, 0, -1}, {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(0.5, 0, 1)}, {0, 0.25, 0.5, 1});
+}
+
+TEST(Pair, LineStaysWhenTheKeeperDoesNotDrawIt) {
+  const std::array<ZBR_PT3, 3> right = {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(1, 1, 0)};
+  const std::array<ZBR_PT3, 3> left = {ZBR_PT3(1, 0, 0), ZBR_PT3(0, 0, 0), ZBR_PT3(0, -1, 0)};
+  for (const bool neighbours : {false, true}) {
+    for (const bool draws : {false, true}) {
+      Body body({right, left});
+      body.tris[0].dispj[0] = draws;
+      if (neighbours) {
+        body.tris[0].adj[0] = 1;
+        body.tris[1].adj[0] = 0;
+      }
+      body.shell.HiddenLineSelf();
+      EXPECT_EQ(body.tris[1].intvl_v[0].empty(), draws) << neighbours;
+      EXPECT_EQ(body.tris[0].intvl_v[0].empty(), !draws) << neighbours;
+    }
+  }
+}
+
+TEST(Pair, LinesStayOnANeighbourFoldedFlat) {
+  Body body({{ZBR_PT3(0, 0, 0), ZBR_PT3(4, 0, 1), ZBR_PT3(0, 4, 0.1)}, {ZBR_PT3(4, 0, 1), ZBR_PT3(0, 0, 0), ZBR_PT3(1, 2, 0.3)}});
+  body.tris[0].adj[0] = 1;
+  body.tris[1].adj[0] = 0;
+  body.shell.HiddenLineSelf();
+  EXPECT_EQ(body.shell.GetDispSegNum(), 5U);  // all but one copy of the shared edge
+}
+
+TEST(Pair, RestoresTheTolerance) {
+  Body body({{ZBR_PT3(0, 0, 0), ZBR_PT3(4, 0, 0), ZBR_PT3(0, 4, 0)}, {ZBR_PT3(1, -1, 1), ZBR_PT3(2, 9, 1), ZBR_PT3(1, 9, 1)}});
+  body.Classified();
+  const ZBR_TmpEps guard(0.125);
+  body.tris[0].HiddenLine_TriByTri(body.tris[1]);
+  body.tris[0].HiddenLine_TriByTri(body.tris[0]);
+  EXPECT_TRUE(zbr_EpsE(0.125));
+  EXPECT_FALSE(zbr_EpsE(0.1250001));
+  EXPECT_EQ(body.tris[0].intvl_v[0].size(), 2U);
+}
+
+TEST(Triangle, DumpText) {
+  Body body({{ZBR_PT3(0, 0, 0), ZBR_PT3(4, 0, 0.5), ZBR_PT3(4, 0, 2)}});
+  body.Classified();
+  body.tris[0].dispj[1] = false;
+  body.shell.index = 7;
+  testing::internal::CaptureStderr();
+  body.tris[0].OutputInfo("title ", 3, -1);
+  EXPECT_EQ(
+      testing::internal::GetCapturedStderr(),
+      "*************************\ntitle idx : 0 s(3), shell : 7  ★vertical  ■右回り \nadj : -1 , -1 , -1\nprofile : -1 , -1 , "
+      "-1\npt[0] : 0 , 0 , 0\npt[1] : 4 , 0 , 0.5\npt[2] : 4 , 0 , 2\nnormal : 0 , -1 , 0\ndispj : 1 , 0 , 1\ninvalid , vertical "
+      ", general , \nintvl_v[0] \nintvl_v[1] \nintvl_v[2] [ 0 , 1 ] , \n********************\n\n");
+  testing::internal::CaptureStderr();
+  ZBR_HL_TRI().OutputInfo("", -1, 2);
+  const std::string text = testing::internal::GetCapturedStderr();
+  EXPECT_NE(text.find("idx : -1 e(2), shell : "), std::string::npos);
+  EXPECT_EQ(text.find("回り"), std::string::npos);  // no plane, no sense of rotation
+}
+
+}  // namespace
