@@ -5,34 +5,12 @@
 #include <cmath>
 
 #include "commands/load.h"
-#include "io/failure.h"
+#include "commands/points.h"
 #include "io/files.h"
 #include "io/numbers.h"
 
 namespace tool {
 namespace {
-
-double Coordinate(const std::string& text) {
-  const auto value = ParseNumber(text);
-  if (!value) throw Failure(Quoted(text) + " is not a finite number");
-  return *value;
-}
-
-std::vector<ZBR_PT> PointsFromArguments(const std::vector<std::string>& coordinates) {
-  if (coordinates.size() % 2 != 0) throw Failure("a point needs two numbers, but there are " + std::to_string(coordinates.size()));
-  std::vector<ZBR_PT> points;
-  for (std::size_t i = 0; i < coordinates.size(); i += 2)
-    points.emplace_back(Coordinate(coordinates[i]), Coordinate(coordinates[i + 1]));
-  return points;
-}
-
-std::vector<ZBR_PT> PointsFromStandardInput(const std::string& file) {
-  if (file == "-") throw Failure("-: standard input cannot hold both the drawing and the points");
-  std::vector<ZBR_PT> points;
-  for (const Path& path : ReadLoopText(ReadFile("-"), "-").paths)
-    points.insert(points.end(), path.points.begin(), path.points.end());
-  return points;
-}
 
 const char* Word(ZBR_POLY_INSIDE place) {
   switch (place) {
@@ -54,9 +32,7 @@ const char* Word(ZBR_POLY_INSIDE place) {
 
 int RunInside(const InsideOptions& options) {
   Progress progress;
-  const bool fromArguments = !options.coordinates.empty();
-  const std::vector<ZBR_PT> points =
-      fromArguments ? PointsFromArguments(options.coordinates) : PointsFromStandardInput(options.file);
+  const std::vector<ZBR_PT> points = ReadPoints(options.coordinates, options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Region region = LoadRegion(loaded.contours.front(), loaded.frame, progress);
   progress.Stage("locating points");
