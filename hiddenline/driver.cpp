@@ -9,12 +9,12 @@
 // out pairs without effect changes them. Occluders are only read: shells can be processed at once that hide each other.
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include <zbr/hidden_line.h>
 
-#include "core/box_tree.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
@@ -22,6 +22,7 @@
 #include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/quick_look.h"
+#include "hiddenline/shell_search.h"
 
 std::atomic<int> ZBR_HiddenLine::max_shell_index{0};
 
@@ -132,20 +133,22 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
   return place != map.end() && place->first == idx ? place->second : -1;
 }
 
-bool CanHide(const ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
-  return a.min_z <= b.max_z && b.min_x <= a.max_x + kBoxMargin && b.min_y <= a.max_y + kBoxMargin &&
-         a.min_x - kBoxMargin <= b.max_x && a.min_y - kBoxMargin <= b.max_y;
-}
-
 void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders) {
+  // Below, asking a hierarchy costs more than asking all.
+  constexpr std::size_t kManyQuestions = 4096;
   const ToleranceScope scope(kOcclusionEps);
   Pass pass{ScratchOf(&a)};
+  std::optional<ShellSearch> search;
+  if (occluders.size() > 16 && occluders.size() * a.count > kManyQuestions) search.emplace(occluders);
+  ShellList found(occluders.begin(), occluders.end());
   for (unsigned i = 0; i < a.count; ++i) {
     ZBR_HL_TRI& t = a.tris[i];
-    for (const ZBR_HL_SHELL* b : occluders) {
-      if (!t.any_edge_visible) break;
+    if (!t.any_edge_visible) continue;
+    if (search) search->Find(BoxOf(t), t.min_z, found);
+    for (const ZBR_HL_SHELL* b : found) {
       const bool isOwn = b == &a;
       if (b->occluders != nullptr && (isOwn || CanReach(t, *b))) HideTriangle(t, *b, isOwn, pass);
+      if (!t.any_edge_visible) break;
     }
   }
   a.pairs_tried += pass.pairs;

@@ -10,9 +10,6 @@ namespace zbr {
 // The position of the triangle with the given idx; -1 when there is none.
 int PositionOf(const ZBR_HL_SHELL& shell, int idx);
 
-// Whether b's box meets a's and reaches as high, so that b can hide something of a.
-bool CanHide(const ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b);
-
 // Removes from a's triangles what the occluders, each a processed shell, hide. a itself may be among them.
 void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders);
 

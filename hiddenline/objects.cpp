@@ -7,60 +7,28 @@
 #include <zbr/hidden_line.h>
 #include <zbr/outline.h>
 
-#include "core/box_tree.h"
-#include "core/constants.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
+#include "hiddenline/shell_search.h"
 
 namespace {
 
-using ShellList = std::vector<const ZBR_HL_SHELL*>;
 using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
-
-zbr::Box BoxOf(const ZBR_HL_SHELL& s) {
-  return {s.min_x, s.min_y, s.max_x, s.max_y};
-}
-
-// Finds the shells of an object that can hide something of a given one.
-class ShellSearch {
- public:
-  ShellSearch(const ZBR_HL_SHELL* shells, unsigned count) : shells_(shells) {
-    std::vector<ZBR_PT> centres(count);
-    for (unsigned i = 0; i < count; ++i) centres[i] = BoxOf(shells[i]).Center();
-    order_ = zbr::SpatialOrder(centres);
-    const auto leaves = tree_.StartLeaves(count);
-    for (unsigned i = 0; i < count; ++i) leaves[i] = BoxOf(shells[order_[i]]);
-    tree_.BuildInner();
-  }
-
-  // Those other than `a` itself, the nearest to the viewer first: it hides the most.
-  void Find(const ZBR_HL_SHELL& a, ShellList& found) const {
-    found.clear();
-    const zbr::Box box = BoxOf(a).Widened(2.0 * zbr::kBoxMargin);
-    tree_.Walk([&box](const zbr::Box& node, int, std::uint32_t) { return zbr::Overlap(box, node); },
-               [&](std::uint32_t leaf) {
-                 const ZBR_HL_SHELL& b = shells_[order_[leaf]];
-                 if (&b != &a && a.count != 0 && b.count != 0 && zbr::CanHide(a, b)) found.push_back(&b);
-                 return true;
-               });
-    std::stable_sort(found.begin(), found.end(), [](const auto* p, const auto* q) { return p->max_z > q->max_z; });
-  }
-
- private:
-  const ZBR_HL_SHELL* shells_;
-  std::vector<std::uint32_t> order_;
-  zbr::BoxTree tree_;
-};
 
 void Prepare(ZBR_HL_SHELL* shells, unsigned count) {
   for (unsigned i = 0; i < count; ++i) shells[i].HiddenLineSelf();
 }
 
 void HideBehind(ZBR_HL_SHELL* a, unsigned na, const ZBR_HL_SHELL* b, unsigned nb) {
-  const ShellSearch search(b, nb);
-  ShellList found;
+  zbr::ShellList occluders;
+  for (unsigned i = 0; i < nb; ++i) {
+    if (b[i].count != 0) occluders.push_back(&b[i]);
+  }
+  const zbr::ShellSearch search(occluders);
+  zbr::ShellList found;
   for (unsigned i = 0; i < na; ++i) {
-    search.Find(a[i], found);
+    search.Find({a[i].min_x, a[i].min_y, a[i].max_x, a[i].max_y}, a[i].min_z, found);
+    std::erase(found, &a[i]);
     zbr::HideShell(a[i], found);
   }
 }

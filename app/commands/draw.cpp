@@ -98,7 +98,7 @@ class Report {
       value = std::max(value, v.size());
     }
     std::string text;
-    for (const auto& [l, v] : rows_) text += l + std::string(label - l.size() + 2 + value - v.size(), ' ') + v + "\n";
+    for (const auto& [l, v] : rows_) text.append(l).append(label - l.size() + 2 + value - v.size(), ' ').append(v).append("\n");
     return text;
   }
 

@@ -1,4 +1,6 @@
 // Sheets as DXF drawings.
+#include <cmath>
+
 #include "drawing/writers.h"
 #include "formats/dxf_document.h"
 
@@ -12,7 +14,7 @@ constexpr const char* kFrame = "FRAME";
 constexpr const char* kTitle = "TITLE";
 
 int Hundredths(double millimetres) {
-  return static_cast<int>(millimetres * 100 + 0.5);
+  return static_cast<int>(std::lround(millimetres * 100));
 }
 
 DxfSetup SetupOf(const Sheet& sheet) {

@@ -1,0 +1,30 @@
+// Finding, among many shells, those that can hide something.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <zbr/hidden_line.h>
+
+#include "core/box_tree.h"
+
+namespace zbr {
+
+using ShellList = std::vector<const ZBR_HL_SHELL*>;
+
+// A box hierarchy over shells, in spatial order. The shells must stay in place, and their extents as they are.
+class ShellSearch {
+ public:
+  explicit ShellSearch(std::span<const ZBR_HL_SHELL* const> shells);
+
+  // Replaces `found` by the shells whose boxes meet the given one, widened by kBoxMargin, and reach the height; highest first,
+  // since what is nearest the viewer hides the most.
+  void Find(const Box& box, double minZ, ShellList& found) const;
+
+ private:
+  ShellList shells_;
+  BoxTree tree_;
+};
+
+}  // namespace zbr
