@@ -134,12 +134,12 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
 }
 
 void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders) {
-  // Below, asking a hierarchy costs more than asking all.
-  constexpr std::size_t kManyQuestions = 4096;
+  // Fewer shells than this are asked one by one faster than through a hierarchy.
+  constexpr std::size_t kManyShells = 128;
   const ToleranceScope scope(kOcclusionEps);
   Pass pass{ScratchOf(&a)};
   std::optional<ShellSearch> search;
-  if (occluders.size() > 16 && occluders.size() * a.count > kManyQuestions) search.emplace(occluders);
+  if (occluders.size() > kManyShells && a.count > kManyShells) search.emplace(occluders);
   ShellList found(occluders.begin(), occluders.end());
   for (unsigned i = 0; i < a.count; ++i) {
     ZBR_HL_TRI& t = a.tris[i];
