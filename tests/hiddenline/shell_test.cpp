@@ -111,6 +111,7 @@ TEST(Shell, CopiesAndRebuilds) {
     std::vector<ZBR_HL_SHELL> copies = shells;  // trees and all
     const std::vector<ZBR_HL_SHELL>& same = copies;
     copies = same;
+    EXPECT_EQ(copies[0].GetTriOrder(copies[0].tris[1].idx), 1);
     shells.clear();
     for (ZBR_HL_SHELL& shell : copies) shell.Init();
     Remove(copies);
@@ -119,38 +120,47 @@ TEST(Shell, CopiesAndRebuilds) {
     for (ZBR_HL_SHELL& shell : moved) shell.Init();
     Remove(moved);
     EXPECT_EQ(StateText(moved), expected);
-    // The walk: a copied tree is whole, and its nodes know their new parents.
-    std::vector<int> filed;
-    Collect(moved[0], moved[0].root, filed);
-    const ZBR_HL_QUAD root = moved[0].root;
-    for (const ZBR_HL_QUAD* child : root.child) EXPECT_TRUE(child == nullptr || child->parent == &root);
+    // Copied and moved trees are whole, and their nodes know their new parents.
+    for (const ZBR_HL_SHELL& shell : moved) {
+      std::vector<int> filed;
+      Collect(shell, shell.root, filed);
+      ZBR_HL_QUAD copied = shell.root;
+      for (const ZBR_HL_QUAD* child : copied.child) EXPECT_TRUE(child == nullptr || child->parent == &copied);
+      const ZBR_HL_QUAD taken = std::move(copied);
+      for (const ZBR_HL_QUAD* child : taken.child) EXPECT_TRUE(child == nullptr || child->parent == &taken);
+    }
   }
 }
 
 TEST(Shell, MovesTogetherWithItsTree) {
-  const ZBR_PT3 d(1024, -2048, 512);
-  Drawing drawing = Draw({example::Torus(1000)}, *tool::NamedView("top"));
-  std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
-  shells[0].HiddenLineSelf();
-  const ZBR_HL_TRI& t = drawing.bodies[0][0];
-  const ZBR_PT3 c = (t.pt[0] + t.pt[1] + t.pt[2]) * (1.0 / 3);
-  double z = std::numeric_limits<double>::lowest();
-  double moved = z;
-  EXPECT_TRUE(ZBR_HiddenLine::PickShell(c.x(), c.y(), shells[0], z));
-  shells[0].Offset(d);
-  EXPECT_TRUE(ZBR_HiddenLine::PickShell(c.x() + d.x(), c.y() + d.y(), shells[0], moved));
-  EXPECT_NEAR(moved, z + d.z(), 1e-9);
-  // An occluder that has been moved hides where it is now.
-  std::vector<ZBR_HL_TRI> tris = Scattered(2);
-  for (int i = 0; i < 3; ++i) {
-    tris[0].pt[i] = c + d + ZBR_PT3(i == 1 ? 1e-3 : 0, i == 2 ? 1e-3 : 0, -100);
-    tris[1].pt[i] = c + ZBR_PT3(i == 1 ? 1e-3 : 0, i == 2 ? 1e-3 : 0, -100);
+  for (const double sign : {1.0, -1.0}) {
+    const ZBR_PT3 d = ZBR_PT3(1024, 2048, 512) * sign;
+    Drawing drawing = Draw({example::Torus(1000)}, *tool::NamedView("top"));
+    std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+    shells[0].HiddenLineSelf();
+    const ZBR_HL_TRI& t = drawing.bodies[0][0];
+    const ZBR_PT3 c = (t.pt[0] + t.pt[1] + t.pt[2]) * (1.0 / 3);
+    double z = std::numeric_limits<double>::lowest();
+    double moved = z;
+    EXPECT_TRUE(ZBR_HiddenLine::PickShell(c.x(), c.y(), shells[0], z));
+    shells[0].Offset(d);
+    EXPECT_TRUE(ZBR_HiddenLine::PickShell(c.x() + d.x(), c.y() + d.y(), shells[0], moved));
+    EXPECT_NEAR(moved, z + d.z(), 1e-9);
+    // It hides where it is now: one small triangle below its new place, one below its former place, twice the same.
+    std::vector<ZBR_HL_TRI> tris = Scattered(4);
+    for (int k = 0; k < 12; ++k) {
+      tris[static_cast<std::size_t>(k / 3)].pt[k % 3] =
+          c + (k / 3 % 2 == 0 ? d : ZBR_PT3()) + ZBR_PT3(k % 3 == 1 ? 1e-3 : 0, k % 3 == 2 ? 1e-3 : 0, -1000 - k / 6);
+    }
+    ZBR_HL_SHELL behind[] = {{&tris[0], 2}, {&tris[2], 2}};
+    for (ZBR_HL_SHELL& shell : behind) shell.HiddenLineSelf();
+    ZBR_HiddenLine::HiddenLine_ShellByShell(behind[0], shells[0]);
+    for (ZBR_HL_TRI* u : {&tris[2], &tris[3]}) ZBR_HiddenLine::HiddenLine_TriByShell(*u, shells[0]);
+    for (const std::size_t k : {0U, 2U}) {
+      EXPECT_FALSE(tris[k].any_edge_visible) << k;
+      EXPECT_TRUE(tris[k + 1].any_edge_visible) << k;
+    }
   }
-  ZBR_HL_SHELL behind(tris.data(), 2);
-  behind.HiddenLineSelf();
-  ZBR_HiddenLine::HiddenLine_ShellByShell(behind, shells[0]);
-  EXPECT_FALSE(tris[0].any_edge_visible);
-  EXPECT_TRUE(tris[1].any_edge_visible);
 }
 
 TEST(Shell, TrianglesSurviveGrowthSortingAndReturn) {
@@ -261,6 +271,8 @@ TEST(HiddenSegments, Modes) {
   tris[1].intvl_v[0].clear();
   see(tris[1], 0.1, 0.6);
   EXPECT_EQ(text(3), "0-1 of 0; 6-7 of 0; ");
+  tris[1].intvl_v[0] = tris[0].intvl_v[0];
+  EXPECT_EQ(text(0), "0-2 of 0; 5-7 of 0; ");  // each place once
 }
 
 TEST(Saving, RestoresTheState) {
@@ -354,6 +366,10 @@ TEST(Picking, OutsideAndAtCrossings) {
   crosses[1].pt = {0.25, 0.25};
   EXPECT_TRUE(ZBR_HiddenLine::PickShells(crosses, &shell, 1, z));
   EXPECT_EQ(z, 0.0);
+  for (const ZBR_PT3& p : tris[0].pt) {  // the border belongs to the triangle
+    z = -7;
+    EXPECT_TRUE(ZBR_HiddenLine::PickShell(p.x(), p.y(), shell, z));
+  }
 }
 
 // Triangles that are not finite draw and hide nothing: the others are as if they were not there. Those with very large coordinates
@@ -385,6 +401,8 @@ TEST(BadInput, DoesNoHarm) {
     Remove(cleanShells);
     for (std::size_t b = 0; b < shells.size() && !huge; ++b) {
       EXPECT_EQ(shells[b].GetDispSegNum(), cleanShells[b].GetDispSegNum()) << "seed " << seed;
+      EXPECT_TRUE(std::isfinite(shells[b].max_x - shells[b].min_x) && std::isfinite(shells[b].max_z - shells[b].min_y))
+          << "seed " << seed;
     }
     std::vector<std::vector<ZBR_PT>> lines;
     std::vector<ZBR_SEG> hidden;
