@@ -32,6 +32,9 @@ inline constexpr double kOcclusionEps = 1e-7;
 // millimetres loses nothing that can be seen.
 inline constexpr double kChainEps = 0.001;
 
+// Coordinates beyond this make a triangle invalid: products of four of them still are finite.
+inline constexpr double kLargestCoordinate = 1e75;
+
 // Triangles up to which a quadtree node is not split.
 inline constexpr std::size_t kQuadLeafSize = 200;
 

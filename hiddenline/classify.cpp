@@ -17,6 +17,7 @@
 
 #include "core/small_sort.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/extents.h"
 #include "hiddenline/interval.h"
 #include "hiddenline/occlusion.h"
 
@@ -26,14 +27,12 @@ using zbr::kVertical;
 
 namespace {
 
-bool IsFinite(const ZBR_PT3& p) {
-  return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
+bool IsUsable(const ZBR_PT3& p) {
+  return zbr::IsUsable(p.x()) && zbr::IsUsable(p.y()) && zbr::IsUsable(p.z());
 }
 
-// False for vertices that are not numbers, and for sizes whose products overflow.
 bool CanBeComputedWith(const ZBR_HL_TRI& t) {
-  return IsFinite(t.pt[0]) && IsFinite(t.pt[1]) && IsFinite(t.pt[2]) && IsFinite(t.normal.normal()) &&
-         std::isfinite(t.normal.distance());
+  return IsUsable(t.pt[0]) && IsUsable(t.pt[1]) && IsUsable(t.pt[2]);
 }
 
 void Invalidate(ZBR_HL_TRI& t) {

@@ -133,15 +133,12 @@ int ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(const ZBR_PT3& p, const ZBR_PT3& q, c
   const int parts =
       zbrDifferenceOfRealSeg(from, zbr::Coordinate(q, alongX), zbr::Coordinate(a, alongX), zbr::Coordinate(b, alongX), r0, r1);
   if (parts == 0) return 0;
-  // Parameters close to an end become the end exactly, so that an untouched end stays recognisable.
+  // A start close to 0 and an end close to 1 become these exactly, so that an untouched end stays recognisable.
   const double eps = zbr::t_tolerance.eps;
-  const auto parameter = [&](double r) {
-    const double u = (r - from) / length;
-    if (u <= eps) return 0.0;
-    return u >= 1.0 - eps ? 1.0 : u;
-  };
-  const double u0 = parameter(r0);
-  const double u1 = parameter(r1);
+  const double start = (r0 - from) / length;
+  const double end = (r1 - from) / length;
+  const double u0 = start <= eps ? 0.0 : start;
+  const double u1 = end >= 1.0 - eps ? 1.0 : end;
   if (parts == 1) {
     out.emplace_back(zbr::PointAt(p, q, u0), zbr::PointAt(p, q, u1), u0, u1);
   } else {

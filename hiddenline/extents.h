@@ -6,6 +6,7 @@
 #include <zbr/hidden_line.h>
 
 #include "core/box.h"
+#include "core/constants.h"
 
 namespace zbr {
 
@@ -23,9 +24,14 @@ inline Extents ExtentsOf(const ZBR_HL_TRI& t) {
   return {BoxOf(t), t.min_z, t.max_z};
 }
 
-inline bool IsFinite(const Extents& e) {
-  const auto spans = [](double lo, double hi) { return std::isfinite(lo) && std::isfinite(hi); };
-  return spans(e.box.xmin, e.box.xmax) && spans(e.box.ymin, e.box.ymax) && spans(e.minZ, e.maxZ);
+// False for what is not finite, and for what is too large to compute with.
+inline bool IsUsable(double c) {
+  return std::fabs(c) <= kLargestCoordinate;
+}
+
+inline bool IsUsable(const Extents& e) {
+  return IsUsable(e.box.xmin) && IsUsable(e.box.xmax) && IsUsable(e.box.ymin) && IsUsable(e.box.ymax) && IsUsable(e.minZ) &&
+         IsUsable(e.maxZ);
 }
 
 }  // namespace zbr

@@ -2,6 +2,7 @@
 //
 // A stretch is a gap in an edge's list of visible intervals. As they come, stretches repeat what other triangles' copies of an edge
 // draw; the higher modes remove what is visible elsewhere, by equality or (CoveredParts) by overlap.
+#include <cmath>
 #include <vector>
 
 #include <zbr/hidden_line.h>
@@ -11,6 +12,7 @@
 #include "hiddenline/covered_parts.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/interval.h"
+#include "hiddenline/occlusion.h"
 #include "segments/segment_set.h"
 
 namespace zbr {
@@ -35,7 +37,8 @@ class Collector {
   void Add(double t0, double t1) {
     const ZBR_PT s = PlaneAt(p_, q_, t0);
     const ZBR_PT e = PlaneAt(p_, q_, t1);
-    if (SamePoint(s, e, t_tolerance.eps2)) return;
+    const double length2 = s.Distance2(e);
+    if (!std::isfinite(length2) || WithinTol(length2, t_tolerance.eps2)) return;
     out_.segments.emplace_back(s, e);
     out_.sources.push_back(source_);
   }
@@ -95,7 +98,7 @@ bool IsLeftToNeighbour(const ZBR_HL_SHELL& shell, const ZBR_HL_SOURCE& source) {
   if (position < 0 || position == source.triangle) return false;
   const ZBR_HL_TRI& neighbour = shell.tris[position];
   const int k = t.GetAdjEdge(i, neighbour);
-  if (k < 0 || !neighbour.dispj[k] || neighbour.adj[k] != t.idx) return false;
+  if (!IsEdgeNumber(k) || !neighbour.dispj[k] || neighbour.adj[k] != t.idx) return false;
   return !neighbour.intvl_v[k].empty() || position < source.triangle;
 }
 

@@ -175,7 +175,7 @@ bool HideSharedEdges(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists
   for (int i = 0; i < 3; ++i) {
     if (self.edge_state[i] != kGeneral || self.adj[i] != o.idx) continue;
     const int k = self.GetAdjEdge(i, o);
-    if (k < 0) continue;  // the records disagree: not neighbours
+    if (!IsEdgeNumber(k)) continue;  // the records disagree: not neighbours
     if (HideByNeighbour(self, o, i, k, posSet, lists)) return false;
     if (!self.IsEdgeAvailableAtLeastOne((i + 1) % 3, (i + 2) % 3)) return false;
     edgeDone[i] = true;

@@ -12,6 +12,10 @@ inline constexpr int kGeneral = 1;
 inline constexpr int kVertical = 2;
 inline constexpr int kInvalid = 3;
 
+inline bool IsEdgeNumber(int k) {
+  return 0 <= k && k < 3;
+}
+
 // Lists lent by a shell to the rules, so that none is allocated per pair.
 struct Scratch {
   Intervals& result;     // of one edge against one triangle

@@ -30,8 +30,15 @@ void TakeOver(ZBR_HL_QUAD& to, ZBR_HL_QUAD& from) {
 
 }  // namespace
 
-ZBR_HL_QUAD::ZBR_HL_QUAD(const ZBR_HL_QUAD& o)
-    : depth(o.depth), quadrant(o.quadrant), tris(o.tris), max_x(o.max_x), min_x(o.min_x), max_y(o.max_y), min_y(o.min_y) {
+// Delegates, so that the destructor frees the children made so far when memory runs out.
+ZBR_HL_QUAD::ZBR_HL_QUAD(const ZBR_HL_QUAD& o) : ZBR_HL_QUAD() {
+  depth = o.depth;
+  quadrant = o.quadrant;
+  tris = o.tris;
+  max_x = o.max_x;
+  min_x = o.min_x;
+  max_y = o.max_y;
+  min_y = o.min_y;
   for (int q = 0; q < 4; ++q) {
     if (o.child[q] == nullptr) continue;
     child[q] = new ZBR_HL_QUAD(*o.child[q]);
@@ -94,6 +101,9 @@ ZBR_HL_QUAD* MakeChild(ZBR_HL_QUAD& node, unsigned quadrant, double xmid, double
 void Split(ZBR_HL_QUAD& node, std::span<const Extents> extents, std::vector<std::uint8_t>& quadrants) {
   const double xmid = (node.max_x + node.min_x) / 2.0;
   const double ymid = (node.max_y + node.min_y) / 2.0;
+  // Boxes of a few units in the last place do not get smaller, and points in them would sink for ever.
+  const bool shrinks = (node.min_x < xmid && xmid < node.max_x) || (node.min_y < ymid && ymid < node.max_y);
+  if (!shrinks) return;
   std::array<std::size_t, 5> count{};
   quadrants.resize(node.tris.size());
   for (std::size_t i = 0; i < node.tris.size(); ++i) {

@@ -74,7 +74,7 @@ class BoxOfShell {
  public:
   // Triangles that are not finite will be invalid; they must not spoil the box of the others.
   void Add(const zbr::Extents& e) {
-    if (!zbr::IsFinite(e)) return;
+    if (!zbr::IsUsable(e)) return;
     box_.Add(e.box);
     minZ_ = std::min(minZ_, e.minZ);
     maxZ_ = std::max(maxZ_, e.maxZ);

@@ -43,7 +43,8 @@ void WalkFrom(const ZBR_HL_QUAD& start, OnNode onNode, OnSubtree onSubtree) {
 // The neighbours of t, hidden by first and skipped afterwards.
 class NeighboursFirst {
  public:
-  NeighboursFirst(ZBR_HL_TRI& t, ZBR_HL_SHELL& s) {
+  NeighboursFirst() = default;
+  void Take(ZBR_HL_TRI& t, ZBR_HL_SHELL& s) {
     for (const int idx : t.adj) {
       const int position = idx == -1 ? -1 : zbr::PositionOf(s, idx);
       if (position < 0 || s.tris[position].IsTriSkip()) continue;
@@ -117,7 +118,8 @@ void ZBR_HiddenLine::HiddenLine_ShellByQuad(ZBR_HL_SHELL& a, const ZBR_HL_QUAD& 
       HiddenLine_TriByShell(t, a);
       continue;
     }
-    const NeighboursFirst neighbours(t, a);
+    NeighboursFirst neighbours;
+    neighbours.Take(t, a);
     if (t.any_edge_visible) HiddenLine_TriByShell(t, a);
   }
 }

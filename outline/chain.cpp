@@ -54,6 +54,7 @@ int MergeEnds(Ends& ends) {
     const bool finite = IsFinite(ends[i].pt) && IsFinite(ends[i + 1].pt);
     if (!finite || zbr::SamePoint(ends[i].pt, ends[i + 1].pt, eps2)) Leave(ends, i);
   }
+  if (ends.size() % 2 != 0) ends.back().state = OPT_ZERO;  // half a segment
   zbr::VertexGrid vertices(ends.size());
   for (ZBR_HL_OPT_PT& end : ends) {
     if (end.state != OPT_ZERO) end.vertex = vertices.At(end.pt);

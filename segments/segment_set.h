@@ -35,10 +35,15 @@ class SegmentSet {
     entries_.reserve(capacity);
   }
 
+  // A segment that is equal to the last decimal to one in the set is not added again: many copies would be searched in vain.
   void Add(const Segment& g) {
-    Ends cells = EndsOf(g);
+    const Ends ends = EndsOf(g);
+    Ends cells = ends;
     for (double& c : cells) c = CellOf(c);
     std::int32_t& bucket = first_[Hash(cells)];
+    for (std::int32_t i = bucket; i != kNone; i = entries_[static_cast<std::size_t>(i)].next) {
+      if (EndsOf(entries_[static_cast<std::size_t>(i)].segment) == ends) return;
+    }
     entries_.push_back({g, bucket});
     bucket = static_cast<std::int32_t>(entries_.size()) - 1;
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include <zbr/export.h>
 
@@ -23,7 +24,11 @@ class ZBR_CSimpleAlloc {
 
   // `size` bytes; zero bytes give the address of the next buffer. Throws std::bad_alloc when memory runs out, and for 2^31 bytes
   // and more.
-  ZBR_API void* GetBuffer(unsigned int size);
+  void* GetBuffer(unsigned int size) {
+    if (size - 1U >= room_->left) return NewRoom(size);  // for zero bytes, too: there may be no block yet
+    room_->left -= size;
+    return std::exchange(room_->next, room_->next + size);
+  }
   // A copy of s, terminating zero included. Null for a null s.
   ZBR_API char* PushString(const char* s);
   // Takes back all buffers. Blocks are kept, but for those made for a single request.
@@ -32,6 +37,14 @@ class ZBR_CSimpleAlloc {
  private:
   ZBR_CSimpleAlloc() = default;
 
+  // What is left of the block that is being filled.
+  struct Room {
+    unsigned int left = 0;
+    char* next = nullptr;
+  };
   class Blocks;
+  ZBR_API void* NewRoom(unsigned int size);
+
   std::shared_ptr<Blocks> blocks_;
+  Room* room_ = nullptr;  // of the blocks
 };

@@ -12,8 +12,8 @@
 // An edge shared by two triangles is drawn once, by the one that is prior, so both flag it. Vertices of neighbours are equal
 // exactly (pairs are compared within 1e-7; coordinates up to about 1e6 suit that), or `adj_edge` is filled.
 //
-// Bad input: triangles that are degenerate, not finite or too large to compute with become invalid: they draw and hide nothing.
-// Nothing here throws but std::bad_alloc.
+// Bad input: triangles that are degenerate, not finite or beyond 1e75 become invalid and hide nothing; of a triangle without width
+// one edge may be drawn, of the others none. Nothing here throws but std::bad_alloc.
 //
 // Threads: different shells may be processed at once by the caller's threads, each shell by one; shells that only hide others are
 // read. The library makes no threads.
@@ -257,14 +257,15 @@ struct ZBR_HL_SHELL {
   std::vector<int> order;     // positions by decreasing max_z
   ZBR_HL_QUAD root;
   std::vector<std::pair<int, int>> id_map;  // (idx, position), sorted by idx
-  struct Occluders;
-  std::shared_ptr<const Occluders> occluders;  // the driver's search structure; opaque
-  std::uint64_t pairs_tried = 0;               // edges of this shell against triangles, as far as the driver had to look closely
   // Scratch; the contents never matter between calls and are not copied.
   std::vector<ZBR_HL_INTERVAL> tri_result;
   std::vector<ZBR_HL_INTERVAL> xy_result;
   std::vector<ZBR_HL_INTERVAL> edge_result[3];
   std::vector<ZBR_HL_INTERVAL> work;
+
+  struct Occluders;
+  std::shared_ptr<const Occluders> occluders;  // the driver's search structure; opaque
+  std::uint64_t pairs_tried = 0;               // edges of this shell against triangles, as far as the driver had to look closely
 
   ZBR_API ZBR_HL_SHELL();
   ZBR_API ZBR_HL_SHELL(ZBR_HL_TRI* triangles, unsigned number);
