@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <new>
 #include <string>
 #include <vector>
@@ -15,7 +16,11 @@
 int main(int argc, char** argv) {
   try {
     zbrSetEps(tool::kTolerance);
-    return tool::CommandLine().Run(std::vector<std::string>(argv + 1, argv + argc));
+    const int code = tool::CommandLine().Run(std::vector<std::string>(argv + 1, argv + argc));
+    // What was printed may not have arrived: on a full disk, at a closed pipe.
+    std::cout.flush();
+    if (!std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0) throw tool::Failure("standard output: cannot write");
+    return code;
   } catch (const tool::Failure& failure) {
     std::fprintf(stderr, "%s\n", failure.what());
   } catch (const std::bad_alloc&) {

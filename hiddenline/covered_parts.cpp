@@ -10,8 +10,8 @@
 namespace zbr {
 namespace {
 
-// The range of g over which `other` lies within eps of it; false when there is none longer than a point.
-bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, std::pair<double, double>& range) {
+// The range of g over which `other` runs within `width` of it; false when there is none longer than eps.
+bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, double width, std::pair<double, double>& range) {
   const ZBR_PT along = g.e() - g.s();
   const double length2 = along.Length2();
   double t0 = along.InnerProduct(other.s() - g.s()) / length2;
@@ -29,15 +29,15 @@ bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, std::pair<do
   const auto isNear = [&](double t) {
     const ZBR_PT at = p0 + (p1 - p0) * ((t - t0) / (t1 - t0));
     const double c = Cross(along, at - g.s());
-    return c * c <= eps * eps * length2;
+    return c * c <= width * width * length2;
   };
   return isNear(range.first) && isNear(range.second);
 }
 
 }  // namespace
 
-CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments)
-    : others_(others), segments_(segments) {
+CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width)
+    : others_(others), segments_(segments), width_(width) {
   const std::size_t n = segments.size() + others.size();
   std::vector<ZBR_PT> centres(n);
   for (std::size_t i = 0; i < n; ++i) centres[i] = (At(i).s() + At(i).e()) / 2.0;
@@ -69,14 +69,14 @@ std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
 void CoveredParts::FindCovered(std::size_t i, Ranges& ranges) const {
   const double eps = t_tolerance.eps;
   const ZBR_SEG& g = segments_[i];
-  const Box box = BoxOfSegment(g.s(), g.e()).Widened(eps);
+  const Box box = BoxOfSegment(g.s(), g.e()).Widened(width_);
   ranges.clear();
   std::pair<double, double> range;
   tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
              [&](std::uint32_t leaf) {
                const std::size_t k = order_[leaf];
                const bool counts = k < i || k >= segments_.size();
-               if (counts && RangeAlong(g, At(k), eps, range)) ranges.push_back(range);
+               if (counts && RangeAlong(g, At(k), eps, width_, range)) ranges.push_back(range);
                return true;
              });
   std::sort(ranges.begin(), ranges.end());

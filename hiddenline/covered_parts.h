@@ -11,11 +11,11 @@
 
 namespace zbr {
 
-// A segment is covered where a segment of `others`, or an earlier one of `segments`, lies on it within the thread's tolerance. n
+// A segment is covered where a segment of `others`, or an earlier one of `segments`, runs no farther than `width` beside it. n
 // log n on segments that are spread out. Refers to both lists.
 class CoveredParts {
  public:
-  CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments);
+  CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width);
 
   // A part of a segment, longer than the tolerance, that is not covered.
   struct Gap {
@@ -35,6 +35,7 @@ class CoveredParts {
 
   std::span<const ZBR_SEG> others_;
   std::span<const ZBR_SEG> segments_;
+  double width_;
   std::vector<std::uint32_t> order_;  // of both lists, segments first
   BoxTree tree_;
 };

@@ -2,6 +2,7 @@
 //
 // A stretch is a gap in an edge's list of visible intervals. As they come, stretches repeat what other triangles' copies of an edge
 // draw; the higher modes remove what is visible elsewhere, by equality or (CoveredParts) by overlap.
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -103,9 +104,9 @@ bool IsLeftToNeighbour(const ZBR_HL_SHELL& shell, const ZBR_HL_SOURCE& source) {
 }
 
 // Replaces each stretch by its parts that no visible line and no earlier stretch covers.
-void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible) {
+void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, double width) {
   Stretches rest;
-  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments).Gaps()) {
+  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments, width).Gaps()) {
     const ZBR_SEG& g = hidden.segments[gap.segment];
     const ZBR_PT along = g.e() - g.s();
     rest.segments.emplace_back(gap.from == 0.0 ? g.s() : g.s() + along * gap.from, gap.to == 1.0 ? g.e() : g.s() + along * gap.to);
@@ -115,16 +116,16 @@ void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible) {
 }
 
 // As a person draws: each line once, and no hidden line along a visible one.
-Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, unsigned count) {
+Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, unsigned count, double width) {
   const Stretches visible = Collect(shells, count, AddVisible);
   Stretches hidden = Collect(shells, count, AddGaps,
                              [shells](const ZBR_HL_SOURCE& source) { return !IsLeftToNeighbour(shells[source.shell], source); });
-  KeepUncovered(hidden, visible.segments);
+  KeepUncovered(hidden, visible.segments, width);
   return hidden;
 }
 
-Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode) {
-  if (mode >= 3) return HiddenDrawing(shells, count);
+Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode, double width) {
+  if (mode >= 3) return HiddenDrawing(shells, count, std::max(width, t_tolerance.eps));
   Stretches hidden = Collect(shells, count, AddGaps);
   if (mode == 2) Keep(hidden, NotIn(Collect(shells, count, AddVisible).segments, hidden.segments));
   Keep(hidden, FirstOfEach(hidden.segments));
@@ -135,12 +136,12 @@ Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode) 
 }  // namespace zbr
 
 void ZBR_HiddenLine::GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count) {
-  out = zbr::HiddenStretches(shells, count, mode).segments;
+  out = zbr::HiddenStretches(shells, count, mode, 0.0).segments;
 }
 
 void ZBR_HiddenLine::GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count,
-                                      std::vector<ZBR_HL_SOURCE>& sources) {
-  zbr::Stretches hidden = zbr::HiddenStretches(shells, count, mode);
+                                      std::vector<ZBR_HL_SOURCE>& sources, double width) {
+  zbr::Stretches hidden = zbr::HiddenStretches(shells, count, mode, width);
   out = std::move(hidden.segments);
   sources = std::move(hidden.sources);
 }

@@ -67,7 +67,7 @@ direction.
 
 An edge of a triangle is drawn when it is a border (of one triangle), a crease (the surface bends by more than
 --crease), a junction (of three and more triangles), or a silhouette (the surface turns away there). Triangles that
-share edges form a shell; any number of shells may hide each other, and any may be open.
+share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
 
 Several views make a sheet. In first-angle projection the view from above stands below the front view and the view
 from the left on its right; in third-angle projection it is the other way round. iso, dimetric and --look take a

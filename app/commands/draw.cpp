@@ -144,7 +144,7 @@ int RunDraw(const DrawOptions& options) {
 
   progress.Stage("joining triangles");
   const Model model = MakeModel(input.mesh, options.crease, options.weld);
-  if (model.triangles.empty()) throw Failure(options.models.front() + ": no triangle has an area");
+  if (model.TriangleCount() == 0) throw Failure(options.models.front() + ": no triangle has an area");
   const double prepared = watch.Lap();
 
   std::vector<Times> times;
@@ -159,7 +159,7 @@ int RunDraw(const DrawOptions& options) {
   progress.Stage("");
 
   if (options.stats || plan.outputs.empty()) {
-    report.Count("triangles", model.triangles.size());
+    report.Count("triangles", model.TriangleCount());
     report.Count("left out", model.collapsed + model.repeated);
     report.Count("shells", model.ShellCount());
     CountLines(report, sheet);

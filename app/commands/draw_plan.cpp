@@ -77,8 +77,11 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   DrawPlan plan;
   plan.sheet = PlanSheet(options);
   for (const std::string& file : options.outputs) {
-    const auto same = [&](const SheetOutput& o) { return o.file == file; };
+    const auto same = [&](const SheetOutput& o) { return IsSameFile(o.file, file); };
     if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file + ": named twice as output");
+    for (const std::string& model : options.models) {
+      if (IsSameFile(model, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
+    }
     plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
   }
   plan.threads = options.jobs > 0 ? options.jobs : std::max(std::thread::hardware_concurrency(), 1U);

@@ -12,6 +12,9 @@
 namespace tool {
 namespace {
 
+// Lines that run closer together are one on paper: about a tenth of a line's width on a sheet filled by the view. Vertices of
+// meshes, scanned ones above all, are that far off the planes and edges they stand for.
+constexpr double kOneLine = 0.02;
 constexpr double kChainTolerance = 1e-3;  // in scene units: a hundred-thousandth of the model's diagonal, nothing on paper
 
 struct BinnedSegment {
@@ -51,7 +54,7 @@ class Collector {
     std::vector<ZBR_SEG> hidden;
     std::vector<ZBR_HL_SOURCE> sources;
     constexpr int kAsDrawn = 3;
-    ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources);
+    ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine);
     for (std::size_t i = 0; i < hidden.size(); ++i)
       Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
   }

@@ -88,6 +88,15 @@ std::string BaseName(const std::string& name) {
   return name == "-" ? "standard input" : fs::path(name).filename().string();
 }
 
+bool IsSameFile(const std::string& a, const std::string& b) {
+  if (a == b) return true;
+  if (a == "-" || b == "-") return false;
+  std::error_code error;
+  const fs::path first = fs::weakly_canonical(fs::absolute(a), error);
+  if (error) return false;
+  return first == fs::weakly_canonical(fs::absolute(b), error) && !error;
+}
+
 OutputFiles::~OutputFiles() {
   for (const Pending& file : files_) {
     if (!file.temporary.empty()) ::unlink(file.temporary.c_str());
@@ -96,7 +105,7 @@ OutputFiles::~OutputFiles() {
 
 void OutputFiles::Add(const std::string& name, std::string contents) {
   for (const Pending& file : files_) {
-    if (file.name == name) throw Failure(name + ": named twice as output");
+    if (IsSameFile(file.name, name)) throw Failure(name + ": named twice as output");
   }
   files_.push_back({name, std::move(contents), "", name});
 }

@@ -13,6 +13,9 @@ std::string ReadFile(const std::string& name);
 // The name as shown to people: "standard input" has no better one than "-".
 std::string BaseName(const std::string& name);
 
+// Whether two names stand for one file, however they are spelt.
+bool IsSameFile(const std::string& a, const std::string& b);
+
 // Files that appear complete or not at all: each is written under a temporary name beside its target, and only when all of them
 // are on disk are they renamed. Targets that are no regular files (pipes, devices) are written directly.
 class OutputFiles {
@@ -22,7 +25,7 @@ class OutputFiles {
   OutputFiles& operator=(const OutputFiles&) = delete;
   ~OutputFiles();
 
-  // Fails when the name was added before.
+  // Fails when the file was added before.
   void Add(const std::string& name, std::string contents);
   void Commit();
 

@@ -50,9 +50,9 @@ ZBR_PT3 YUp(const ZBR_PT3& v) {
 
 View LookAlong(const ZBR_PT3& direction, const ZBR_PT3& up) {
   View view;
-  view.toViewer = -Direction(direction, "direction of view");
-  const ZBR_PT3 right = Direction(up, "up direction").OuterProduct(view.toViewer);
-  if (right.Length() < kSmallestAngle) throw Failure("the up direction is the direction of view");
+  view.toViewer = -Direction(direction, "--look: the direction");
+  const ZBR_PT3 right = Direction(up, "--up: the direction").OuterProduct(view.toViewer);
+  if (right.Length() < kSmallestAngle) throw Failure("--look: the direction of view is the upward one; choose another with --up");
   view.right = right * (1.0 / right.Length());
   view.up = view.toViewer.OuterProduct(view.right);
   return view;

@@ -359,10 +359,11 @@ class ZBR_HiddenLine {
   //   mode 0, 1  as they are
   //   mode 2     without those equal to a visible stretch
   //   mode 3     as a person draws: the parts of hidden stretches over which a visible line runs are cut out
-  // sources, in the second form, receives for each segment the edge it is part of.
+  // sources, in the second form, receives for each segment the edge it is part of; lines that run no farther apart than width (or
+  // eps, if that is more) count as one in mode 3, which on meshes with noisy coordinates wants about the width of a drawn line.
   ZBR_API static void GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count);
   ZBR_API static void GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count,
-                                       std::vector<ZBR_HL_SOURCE>& sources);
+                                       std::vector<ZBR_HL_SOURCE>& sources, double width = 0.0);
 
   // Picking: the highest point over (x, y), or over p's projection. z is raised to the height of the highest triangle found that
   // lies above z; returns whether there was one. Start with the lowest double, and hand the same z to several calls to get the

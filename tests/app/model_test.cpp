@@ -23,38 +23,63 @@ std::size_t CountOf(const std::vector<std::array<EdgeClass, 3>>& classes, EdgeCl
   return count;
 }
 
-// V - E + F of a shell without borders and junctions.
-long Euler(const Model& model, std::size_t shell) {
-  std::set<std::uint32_t> points;
-  for (std::uint32_t t = model.shellBegin[shell]; t < model.shellBegin[shell + 1]; ++t)
-    points.insert(model.triangles[t].begin(), model.triangles[t].end());
-  const long faces = static_cast<long>(model.shellBegin[shell + 1] - model.shellBegin[shell]);
-  return static_cast<long>(points.size()) - faces * 3 / 2 + faces;
+std::size_t CountOf(const Model& model, EdgeClass wanted) {
+  std::size_t count = 0;
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    for (int e = 0; e < model.Shell(s).GetEdgeCnt(); ++e) count += model.Class(s, *model.Shell(s).GetEdge(e)) == wanted ? 1 : 0;
+  }
+  return count;
 }
 
-// Adjacency is mutual and between equal edges of one shell; shells come in order, and so do the triangles in each.
+std::size_t PointCount(const Model& model) {
+  std::size_t count = 0;
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) count += static_cast<std::size_t>(model.Shell(s).GetVertexCnt());
+  return count;
+}
+
+// V - E + F.
+long Euler(const Model& model, std::size_t s) {
+  const ZBR_ZBREPS& shell = model.Shell(s);
+  return shell.GetVertexCnt() - shell.GetEdgeCnt() + shell.GetTriangleCnt();
+}
+
+bool RunsAlong(const ZBR_ZBREPT& t, const ZBR_ZBREPE& edge) {
+  for (std::size_t i = 0; i < 3; ++i) {
+    if (&EdgeOf(t, i) == &edge) return VertexOf(t, i).GetIndex() == edge.GetV0();
+  }
+  ADD_FAILURE() << "not an edge of the triangle";
+  return false;
+}
+
+// Records and scene tell the same neighbours, which are mutual, in one shell and at one edge; notes say how they run; shells come
+// in order, and so do the triangles in each.
 void CheckModel(const Model& model) {
+  const Scene scene = MakeScene(model, View());
   for (std::size_t s = 0; s < model.ShellCount(); ++s) {
-    for (std::uint32_t t = model.shellBegin[s]; t < model.shellBegin[s + 1]; ++t) {
-      if (t > model.shellBegin[s]) {
-        ASSERT_LT(model.source[t - 1], model.source[t]);
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    const std::size_t begin = model.shellBegin[s];
+    ASSERT_EQ(static_cast<std::size_t>(shell.GetTriangleCnt()), model.shellBegin[s + 1] - begin);
+    for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
+      const ZBR_ZBREPT& t = *shell.GetTriangle(k);
+      const ZBR_HL_TRI& seen = scene.shells[s].tris[k];
+      if (k > 0) {
+        ASSERT_LT(model.source[begin + k - 1], model.source[begin + k]);
       }
       for (std::size_t i = 0; i < 3; ++i) {
-        const std::int32_t u = model.adjacent[t][i];
-        const bool isOpen = model.classes[t][i] == EdgeClass::kBorder || model.classes[t][i] == EdgeClass::kJunction;
-        ASSERT_EQ(u < 0, isOpen);
-        if (u < 0) continue;
-        ASSERT_GE(u, static_cast<std::int32_t>(model.shellBegin[s]));
-        ASSERT_LT(u, static_cast<std::int32_t>(model.shellBegin[s + 1]));
-        const auto n = static_cast<std::size_t>(u), k = static_cast<std::size_t>(model.adjacentEdge[t][i]);
-        ASSERT_EQ(model.adjacent[n][k], static_cast<std::int32_t>(t));
-        ASSERT_EQ(model.classes[n][k], model.classes[t][i]);
-        const std::set<std::uint32_t> here = {model.triangles[t][i], model.triangles[t][(i + 1) % 3]};
-        ASSERT_EQ(here, (std::set<std::uint32_t>{model.triangles[n][k], model.triangles[n][(k + 1) % 3]}));
+        ZBR_ZBREPE& edge = EdgeOf(t, i);
+        const ZBR_ZBREPT* const next = model.Across(s, t, edge);
+        const EdgeClass edgeClass = model.Class(s, edge);
+        ASSERT_EQ(next == nullptr, edgeClass == EdgeClass::kBorder || edgeClass == EdgeClass::kJunction);
+        ASSERT_EQ(seen.adj[i], next == nullptr ? -1 : next->GetIndex());
+        if (next == nullptr) continue;
+        ASSERT_EQ(next, shell.GetTriangle(next->GetIndex()));
+        ASSERT_EQ(&EdgeOf(*next, static_cast<std::size_t>(seen.adj_edge[i])), &edge);
+        ASSERT_EQ(model.Across(s, *next, edge), &t);
+        ASSERT_EQ(model.Note(s, edge).isSameWay, RunsAlong(t, edge) == RunsAlong(*next, edge));
       }
     }
     if (s > 0) {
-      ASSERT_LT(model.source[model.shellBegin[s - 1]], model.source[model.shellBegin[s]]);
+      ASSERT_LT(model.source[model.shellBegin[s - 1]], model.source[begin]);
     }
   }
 }
@@ -86,13 +111,13 @@ TEST(Model, GeneratedBodiesAreClosedAndFaceOutwards) {
     SCOPED_TRACE(c.name);
     const Model model = MakeModel(c.mesh, 30);
     CheckModel(model);
-    EXPECT_EQ(model.triangles.size(), c.mesh.triangles.size());
+    EXPECT_EQ(model.TriangleCount(), c.mesh.triangles.size());
     ASSERT_EQ(model.ShellCount(), c.shells);
     EXPECT_TRUE(std::all_of(model.facing.begin(), model.facing.end(), [](Facing f) { return f == Facing::kOutward; }));
     EXPECT_EQ(Euler(model, 0), c.euler);
-    EXPECT_EQ(CountOf(model.classes, EdgeClass::kBorder) + CountOf(model.classes, EdgeClass::kJunction), 0U);
+    EXPECT_EQ(CountOf(model, EdgeClass::kBorder) + CountOf(model, EdgeClass::kJunction), 0U);
     if (c.drawn > 0) {
-      EXPECT_EQ(CountOf(model.classes, EdgeClass::kCrease), 2 * c.drawn);
+      EXPECT_EQ(CountOf(model, EdgeClass::kCrease), c.drawn);
     }
   }
 }
@@ -114,11 +139,11 @@ Mesh Loose(const Mesh& mesh, double noise) {
 TEST(Model, LoosePointsAreWelded) {
   const Mesh torus = example::Torus(1000);
   const Model exact = MakeModel(Loose(torus, 0), 30), noisy = MakeModel(Loose(torus, 1e-6), 30);
-  EXPECT_EQ(exact.points.size(), torus.points.size());
+  EXPECT_EQ(PointCount(exact), torus.points.size());
   EXPECT_EQ(noisy.ShellCount(), torus.triangles.size());
   const Model welded = MakeModel(Loose(torus, 1e-6), 30, 1e-6);
   CheckModel(welded);
-  EXPECT_EQ(welded.points.size(), torus.points.size());
+  EXPECT_EQ(PointCount(welded), torus.points.size());
   EXPECT_EQ(welded.ShellCount(), 1U);
   EXPECT_EQ(welded.facing[0], Facing::kOutward);
   // A tolerance of the size of the triangles leaves few of them, but nothing invalid.
@@ -138,21 +163,21 @@ TEST(Model, MeshesThatAreNoSurface) {
   };
   // Three leaves of a book: the spine is a junction and parts them.
   const Model book = made({{0, 1, 2}, {0, 1, 3}, {1, 0, 4}});
-  EXPECT_EQ(CountOf(book.classes, EdgeClass::kJunction), 3U);
+  EXPECT_EQ(CountOf(book, EdgeClass::kJunction), 3U);
   EXPECT_EQ(book.ShellCount(), 3U);
   EXPECT_EQ(MakeScene(book, View()).drawable, 7U);
   // Repeated triangles, turned round or not, and those that end where they start, 0 and -0 being the same.
   const Model twice = made({{0, 1, 2}, {1, 3, 2}, {2, 1, 0}, {1, 2, 0}, {0, 6, 1}, {5, 5, 1}});
   EXPECT_EQ(twice.repeated, 2U);
   EXPECT_EQ(twice.collapsed, 2U);
-  EXPECT_EQ(twice.triangles.size(), 2U);
+  EXPECT_EQ(twice.TriangleCount(), 2U);
   // A flat triangle between a long edge and two short ones, turned over by rounding, is no reason to draw them.
   const Model gap = made({{0, 1, 2}, {0, 5, 1}, {5, 0, 4}, {1, 5, 4}});
-  EXPECT_EQ(CountOf(gap.classes, EdgeClass::kCrease), 0U);
-  EXPECT_EQ(CountOf(gap.classes, EdgeClass::kBorder), 4U);
+  EXPECT_EQ(CountOf(gap, EdgeClass::kCrease), 0U);
+  EXPECT_EQ(CountOf(gap, EdgeClass::kBorder), 4U);
   // Neighbours of opposite orientation are flat still, and their fold is not.
-  EXPECT_EQ(CountOf(made({{0, 1, 2}, {0, 1, 4}}).classes, EdgeClass::kCrease), 0U);
-  EXPECT_EQ(CountOf(made({{0, 1, 2}, {0, 1, 3}}).classes, EdgeClass::kCrease), 2U);
+  EXPECT_EQ(CountOf(made({{0, 1, 2}, {0, 1, 4}}), EdgeClass::kCrease), 0U);
+  EXPECT_EQ(CountOf(made({{0, 1, 2}, {0, 1, 3}}), EdgeClass::kCrease), 1U);
   // Nothing at all.
   const Model empty = made({});
   EXPECT_EQ(empty.ShellCount(), 0U);
@@ -180,8 +205,8 @@ TEST(Model, OneSidedBandIsSmoothThroughout) {
   CheckModel(model);
   EXPECT_EQ(model.ShellCount(), 1U);
   EXPECT_EQ(model.facing[0], Facing::kUnknown);
-  EXPECT_EQ(CountOf(model.classes, EdgeClass::kCrease), 0U);
-  EXPECT_EQ(CountOf(model.classes, EdgeClass::kBorder), 120U);
+  EXPECT_EQ(CountOf(model, EdgeClass::kCrease), 0U);
+  EXPECT_EQ(CountOf(model, EdgeClass::kBorder), 120U);
 }
 
 TEST(View, NamedViewsAreRightHanded) {
@@ -227,7 +252,8 @@ TEST(Scene, SilhouettesOfCylinders) {
   }
 }
 
-// A wall seen edge-on under a dome and over a flared foot, all of it smooth: the upper edge of the wall is drawn.
+// A wall seen edge-on under a dome and over a flared foot, all of it smooth:
+// the upper edge of the wall is drawn.
 TEST(Scene, UpperEdgesOfWallsSeenEdgeOn) {
   constexpr std::uint32_t kSides = 24;
   struct Row {
@@ -285,11 +311,11 @@ TEST(Scene, IsTurnedScaledAndCanBeFilledAgain) {
   ASSERT_EQ(scene.shells.size(), 2U);
   EXPECT_EQ(scene.drawable, fresh.drawable);
   EXPECT_EQ(scene.classes, fresh.classes);
-  for (std::size_t t = 0; t < model.triangles.size(); ++t) {
+  for (std::size_t t = 0; t < model.TriangleCount(); ++t) {
     for (std::size_t i = 0; i < 3; ++i) {
       EXPECT_EQ(scene.triangles[t].pt[i], fresh.triangles[t].pt[i]);
       const ZBR_PT3 p = scene.ToDrawing(scene.triangles[t].pt[i]);
-      EXPECT_LT(p.Distance(scene.view.In(model.points[model.triangles[t][i]])), 1e-12);
+      EXPECT_LT(p.Distance(scene.view.In(mesh.points[mesh.triangles[t][i]])), 1e-12);
       EXPECT_LT(scene.FromDrawing(p).Length(), kSceneDiagonal / 2 + 1e-9);
     }
   }

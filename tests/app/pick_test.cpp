@@ -166,7 +166,8 @@ TEST_F(Tool, MalformedModels) {
   EXPECT_EQ(Run("pick box.obj 1").err, "a point needs two numbers, but there are 1\n");
   EXPECT_EQ(Run("pick box.obj --look 1,2 0 0").err,
             "--look: '1,2' is no vector; three finite numbers are needed, as in 1,0,-0.5\n");
-  EXPECT_EQ(Run("pick box.obj --look 0,0,1 0 0").err, "the up direction is the direction of view\n");
+  EXPECT_EQ(Run("pick box.obj --look 0,0,1 0 0").err,
+            "--look: the direction of view is the upward one; choose another with --up\n");
   EXPECT_EQ(Run("pick box.obj --up 0,0,1 0 0").err, "--up needs --look\n");
   EXPECT_EQ(Run("pick box.obj --view nowhere 0 0").err,
             "--view: 'nowhere' is none of front, back, left, right, top, bottom, iso, dimetric\n");

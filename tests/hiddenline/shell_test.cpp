@@ -231,6 +231,30 @@ TEST(Driver, CloserOfTwoObjects) {
   EXPECT_EQ(ZBR_HiddenLine::CheckCloser(&a, &b, 1, 1, crosses), 0);
 }
 
+// Of a roof's border and the floor's border a little beside it, below: one line to the eye.
+TEST(HiddenSegments, LinesWithinAWidthCountAsOne) {
+  std::vector<ZBR_HL_TRI> tris(2);
+  for (std::size_t k = 0; k < 2; ++k) {
+    const double beside = k == 0 ? 0.0 : 0.01;  // the floor's border lies inside the roof
+    const double z = k == 0 ? 1.0 : 0.0;
+    tris[k].pt[0].Set(0, beside, z);
+    tris[k].pt[1].Set(10, beside, z);
+    tris[k].pt[2].Set(5, 5, z);
+    tris[k].dispj[0] = true;
+  }
+  ZBR_HL_SHELL shell(tris.data(), 2);
+  ZBR_HiddenLine::HiddenLineObj(&shell, nullptr, 1);
+  std::vector<ZBR_SEG> out;
+  std::vector<ZBR_HL_SOURCE> sources;
+  ZBR_HiddenLine::GetHiddenLineObj(&shell, out, 3, 1, sources);
+  EXPECT_EQ(out.size(), 1U);
+  ZBR_HiddenLine::GetHiddenLineObj(&shell, out, 3, 1, sources, 0.009);
+  EXPECT_EQ(out.size(), 1U);
+  ZBR_HiddenLine::GetHiddenLineObj(&shell, out, 3, 1, sources, 0.011);
+  EXPECT_TRUE(out.empty());
+  EXPECT_TRUE(sources.empty());
+}
+
 // One edge from (0, 0) to (10, 0) with two visible parts, and another triangle's edge over it, visible from 1 to 6.
 TEST(HiddenSegments, Modes) {
   std::vector<ZBR_HL_TRI> tris(2);
