@@ -156,7 +156,7 @@ void MeasureOurs(const HiddenScene& scene, const Options& options) {
   {
     const tool::Model model = tool::MakeModel(input.mesh, kCreaseDegrees);
     remover.Load(model, input.view);
-    report.SetSize(model.triangles.size(), remover.scene().drawable);
+    report.SetSize(model.TriangleCount(), remover.scene().drawable);
   }
   const double loaded = ResetPeak();
   times.remove.push_back(Time([&] { remover.Run(); }));
@@ -191,7 +191,7 @@ void MeasurePeer(const HiddenScene& scene, const Options& options, HiddenRemover
   for (int k = 0; k < options.repetitions; ++k) {
     {
       const tool::Model model = tool::MakeModel(input.mesh, kCreaseDegrees);
-      if (k == 0) report.SetSize(model.triangles.size(), tool::MakeScene(model, input.view).drawable);
+      if (k == 0) report.SetSize(model.TriangleCount(), tool::MakeScene(model, input.view).drawable);
       remover.Load(model, input.view);
     }
     if (k == 0) loaded = ResetPeak();

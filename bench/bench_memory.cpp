@@ -1,4 +1,4 @@
-// Peak memory of a Boolean above its loaded inputs, results included, for our library and its peers.
+// Peak memory of a Boolean, and of building a mesh, above the loaded inputs, results included, for our library and its peers.
 //
 // Each measurement is a process of its own, forked when the input is loaded and the freed memory is given back: its resident set
 // then starts as the parent's, and its high-water mark counts what the run touches beyond that. Prints, as comma-separated values,
@@ -15,13 +15,17 @@
 #include <string>
 #include <vector>
 
+#include "mesh_peer.h"
 #include "peer.h"
 #include "selection.h"
 
 namespace bench {
 namespace {
 
-const std::vector<Sizes> kSizes = {{"coast", {100'000}, {1'000'000}}};
+const std::vector<Sizes> kSizes = {
+    {"coast", {100'000}, {1'000'000}},
+    {"mesh", {100'000}, {1'000'000}},
+};
 
 // A value of this process's status file, in MiB.
 double StatusMib(const std::string& key) {
@@ -35,10 +39,11 @@ double StatusMib(const std::string& key) {
 }
 
 // Runs in the forked process; returns its exit code.
-int MeasureHere(BooleanPeer& peer, const std::vector<Op>& ops, const std::string& name) {
+template <class Work>
+int MeasureHere(const Work& work, const std::string& name) {
   const double before = StatusMib("VmRSS");
   try {
-    peer.Run(ops);
+    work();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s: %s\n", name.c_str(), error.what());
     return 1;
@@ -49,11 +54,12 @@ int MeasureHere(BooleanPeer& peer, const std::vector<Op>& ops, const std::string
 }
 
 // Whether the measurement succeeded.
-bool MeasureForked(BooleanPeer& peer, const std::vector<Op>& ops, const std::string& name) {
+template <class Work>
+bool MeasureForked(const Work& work, const std::string& name) {
   malloc_trim(0);
   std::fflush(stdout);
   const pid_t child = fork();
-  if (child == 0) _exit(MeasureHere(peer, ops, name));
+  if (child == 0) _exit(MeasureHere(work, name));
   int status = 0;
   return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
@@ -64,12 +70,24 @@ bool MeasureFamily(const PairFamily& family, std::size_t size) {
     const auto peer = entry.make();
     peer->Load(family.make(size));
     const auto measure = [&](const std::string& operation, const std::vector<Op>& ops) {
-      good &= MeasureForked(*peer, ops, std::string(family.name) + "," + std::to_string(size) + "," + operation + "," + entry.name);
+      good &= MeasureForked([&] { peer->Run(ops); },
+                            std::string(family.name) + "," + std::to_string(size) + "," + operation + "," + entry.name);
     };
     for (const Op op : kAllOps) {
       if (!IsLeftOut(entry.name, family.name, OpName(op), size)) measure(OpName(op), {op});
     }
     if (&entry == &BooleanPeers().front()) measure("all", std::vector<Op>(std::begin(kAllOps), std::end(kAllOps)));
+  }
+  return good;
+}
+
+bool MeasureMeshes(std::size_t size) {
+  bool good = true;
+  const tool::Mesh mesh = MeshInput(size, false);
+  for (const Entry<MeshPeer>& entry : MeshPeers()) {
+    const auto peer = entry.make();
+    peer->Load(mesh);
+    good &= MeasureForked([&] { peer->Run(); }, "mesh," + std::to_string(size) + ",ordered," + entry.name);
   }
   return good;
 }
@@ -82,6 +100,9 @@ int main(int argc, char** argv) {
   bool good = true;
   for (const bench::Sizes& sizes : bench::kSizes) {
     if (!selection.Wants(sizes.family)) continue;
+    if (sizes.family == "mesh") {
+      for (const std::size_t size : selection.Of(sizes)) good &= bench::MeasureMeshes(size);
+    }
     for (const bench::PairFamily& family : bench::PairFamilies()) {
       if (family.name != sizes.family) continue;
       for (const std::size_t size : selection.Of(sizes)) good &= bench::MeasureFamily(family, size);

@@ -39,7 +39,7 @@ constexpr double kShapeTolerance = 1e-7;
 class ShapeBuilder {
  public:
   ShapeBuilder(const tool::Model& model, const tool::Scene& scene)
-      : model_(model), scene_(scene), taken_(model.triangles.size()), node_(model.points.size()), edges_(model.triangles.size()) {}
+      : model_(model), scene_(scene), taken_(model.TriangleCount()), edges_(model.TriangleCount()) {}
 
   TopoDS_Compound Build();
   const TopTools_MapOfShape& junctions() const { return junctions_; }
@@ -47,6 +47,10 @@ class ShapeBuilder {
  private:
   bool IsDrawn(std::size_t t, std::size_t i) const { return scene_.classes[t][i] != tool::EdgeClass::kSmooth; }
   bool IsAway(std::size_t t) const;
+  // The triangle across edge i; -1 at borders and junctions.
+  std::ptrdiff_t Across(std::size_t t, std::size_t i) const;
+  // The number of vertex i in the shell.
+  std::size_t Vertex(std::size_t t, std::size_t i) const;
   void CollectPatch(std::size_t first);
   Handle(Poly_Triangulation) Triangulate();
   TopoDS_Face MakeFace(const Handle(Poly_Triangulation) & triangulation) const;
@@ -57,7 +61,9 @@ class ShapeBuilder {
   const tool::Scene& scene_;
   std::vector<bool> taken_;         // of each triangle: it is in a patch
   std::vector<std::size_t> patch_;  // the triangles of the patch being built
-  std::vector<int> node_;           // of each point of that patch: its number there, from 1
+  std::size_t shell_ = 0;           // of the patch
+  std::vector<int> node_;           // of each point of the shell that is in the patch:
+                                    // its number there, from 1
   std::vector<std::array<TopoDS_Edge, 3>> edges_;
   TopTools_MapOfShape junctions_;
   BRep_Builder builder_;
@@ -75,6 +81,8 @@ TopoDS_Compound ShapeBuilder::Build() {
   for (std::size_t s = 0; s < model_.ShellCount(); ++s) {
     TopoDS_Shell shell;
     builder_.MakeShell(shell);
+    shell_ = s;
+    node_.resize(static_cast<std::size_t>(model_.Shell(s).GetVertexCnt()));
     for (std::size_t t = model_.shellBegin[s]; t < model_.shellBegin[s + 1]; ++t) {
       if (taken_[t]) continue;
       CollectPatch(t);
@@ -95,14 +103,24 @@ bool ShapeBuilder::IsAway(std::size_t t) const {
   return (pt[1] - pt[0]).OuterProductXY(pt[2] - pt[0]) < 0.0;
 }
 
+std::ptrdiff_t ShapeBuilder::Across(std::size_t t, std::size_t i) const {
+  const int next = scene_.triangles[t].adj[i];
+  return next < 0 ? -1 : next + static_cast<std::ptrdiff_t>(model_.shellBegin[shell_]);
+}
+
+std::size_t ShapeBuilder::Vertex(std::size_t t, std::size_t i) const {
+  const ZBR_ZBREPT& triangle = *model_.Shell(shell_).GetTriangle(static_cast<int>(t - model_.shellBegin[shell_]));
+  return static_cast<std::size_t>(tool::VertexOf(triangle, i % 3).GetIndex());
+}
+
 void ShapeBuilder::CollectPatch(std::size_t first) {
   patch_.assign(1, first);
   taken_[first] = true;
   for (std::size_t k = 0; k < patch_.size(); ++k) {
     const std::size_t t = patch_[k];
     for (std::size_t i = 0; i < 3; ++i) {
-      if (IsDrawn(t, i) || model_.adjacent[t][i] < 0) continue;
-      const auto next = static_cast<std::size_t>(model_.adjacent[t][i]);
+      if (IsDrawn(t, i) || Across(t, i) < 0) continue;
+      const auto next = static_cast<std::size_t>(Across(t, i));
       if (taken_[next] || IsAway(next) != IsAway(first)) continue;
       taken_[next] = true;
       patch_.push_back(next);
@@ -112,12 +130,12 @@ void ShapeBuilder::CollectPatch(std::size_t first) {
 
 Handle(Poly_Triangulation) ShapeBuilder::Triangulate() {
   for (const std::size_t t : patch_) {
-    for (const std::uint32_t v : model_.triangles[t]) node_[v] = 0;
+    for (std::size_t i = 0; i < 3; ++i) node_[Vertex(t, i)] = 0;
   }
   std::vector<gp_Pnt> points;
   for (const std::size_t t : patch_) {
     for (std::size_t i = 0; i < 3; ++i) {
-      int& node = node_[model_.triangles[t][i]];
+      int& node = node_[Vertex(t, i)];
       if (node != 0) continue;
       const ZBR_PT3& p = scene_.triangles[t].pt[i];
       points.emplace_back(p.x(), p.y(), p.z());
@@ -133,8 +151,7 @@ Handle(Poly_Triangulation) ShapeBuilder::Triangulate() {
   }
   int k = 0;
   for (const std::size_t t : patch_) {
-    const auto& v = model_.triangles[t];
-    result->SetTriangle(++k, Poly_Triangle(node_[v[0]], node_[v[1]], node_[v[2]]));
+    result->SetTriangle(++k, Poly_Triangle(node_[Vertex(t, 0)], node_[Vertex(t, 1)], node_[Vertex(t, 2)]));
   }
   return result;
 }
@@ -148,9 +165,9 @@ TopoDS_Face ShapeBuilder::MakeFace(const Handle(Poly_Triangulation) & triangulat
 
 // The edge object that the triangles on both sides share.
 TopoDS_Edge& ShapeBuilder::EdgeAt(std::size_t t, std::size_t i) {
-  if (model_.adjacent[t][i] >= 0) {
-    const auto other = static_cast<std::size_t>(model_.adjacent[t][i]);
-    if (other < t) return edges_[other][static_cast<std::size_t>(model_.adjacentEdge[t][i])];
+  if (Across(t, i) >= 0) {
+    const auto other = static_cast<std::size_t>(Across(t, i));
+    if (other < t) return edges_[other][static_cast<std::size_t>(scene_.triangles[t].adj_edge[i])];
   }
   return edges_[t][i];
 }
@@ -165,8 +182,8 @@ void ShapeBuilder::AddEdges(const Handle(Poly_Triangulation) & triangulation, To
       if (edge.IsNull()) builder_.MakeEdge(edge, line_, kShapeTolerance);
       builder_.UpdateEdge(edge, planeLine_, face, kShapeTolerance);
       TColStd_Array1OfInteger nodes(1, 2);
-      nodes(1) = node_[model_.triangles[t][i]];
-      nodes(2) = node_[model_.triangles[t][(i + 1) % 3]];
+      nodes(1) = node_[Vertex(t, i)];
+      nodes(2) = node_[Vertex(t, i + 1)];
       TColStd_Array1OfReal parameters(1, 2);
       parameters(1) = 0.0;
       parameters(2) = 1.0;

@@ -3,22 +3,13 @@
 // An edge is known by its two vertices in ascending order, whichever way a triangle runs along it. Edges are numbered in the order
 // in which triangles first need them.
 #include <algorithm>
-#include <cstdint>
 #include <utility>
 
 #include <zbr/mesh.h>
 
-namespace {
-
-// Of an ordered pair.
-std::uint64_t KeyOf(int a, int b) {
-  return static_cast<std::uint64_t>(static_cast<std::uint32_t>(b)) << 32U | static_cast<std::uint32_t>(a);
-}
-
-}  // namespace
-
 void ZBR_ZBREPS::SetVertexCnt(int n) {
   vertices_.resize(static_cast<std::size_t>(n));
+  edgeMap_.SetVertexCnt(vertices_.size());
 }
 
 void ZBR_ZBREPS::SetVertex(int i, double x, double y, double z) {
@@ -31,11 +22,14 @@ void ZBR_ZBREPS::SetTriangleCnt(int n) {
   triangles_.resize(static_cast<std::size_t>(n));
 }
 
+// A surface with one handle has two edges more than expected; without some room the whole array would grow to twice its size. Room
+// that is not used is not touched.
 void ZBR_ZBREPS::ReserveEdge() {
   const std::size_t corners = vertices_.size() + triangles_.size();
   if (corners <= 2) return;
-  edges_.reserve(corners - 2);
-  edgeMap_.Reserve(corners - 2);
+  const std::size_t edges = corners - 2 + corners / 16;
+  edges_.reserve(edges);
+  edgeMap_.Reserve(edges);
 }
 
 void ZBR_ZBREPS::SetTriangleWithEdge(int i, int a, int b, int c) {
@@ -52,7 +46,7 @@ void ZBR_ZBREPS::SetTriangleWithEdge(int i, int a, int b, int c) {
 int ZBR_ZBREPS::FindOrAddEdge(int a, int b, int triangle) {
   if (a > b) std::swap(a, b);
   const int next = GetEdgeCnt();
-  const int found = edgeMap_.FindOrAdd(KeyOf(a, b), next);
+  const int found = edgeMap_.FindOrAdd(a, b);
   if (found == next) {
     ZBR_ZBREPE& added = edges_.emplace_back();
     added.SetIndex(next);
@@ -65,7 +59,7 @@ int ZBR_ZBREPS::FindOrAddEdge(int a, int b, int triangle) {
 
 ZBR_ZBREPE* ZBR_ZBREPS::GetEdge(int& a, int& b) {
   if (a > b) std::swap(a, b);
-  const int found = edgeMap_.Find(KeyOf(a, b));
+  const int found = edgeMap_.Find(a, b);
   return found < 0 ? nullptr : GetEdge(found);
 }
 

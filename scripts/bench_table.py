@@ -14,8 +14,9 @@ from collections import defaultdict
 from pathlib import Path
 
 OURS = "zbr"
-PEERS = ["clipper", "clipper-tree", "geos", "boost"]
+PEERS = ["clipper", "clipper-tree", "geos", "boost", "cgal", "openmesh", "std", "pmr", "malloc"]
 COLUMNS = [OURS, "zbr-linear"] + PEERS  # "zbr-linear" is our test of one point, without an index
+OWN_TABLES = ["mesh", "alloc"]  # families whose peers are others than those of planar loops
 
 # Upper bounds in nanoseconds of CPU time per unit (input edge, crossing, ring, point), at the sizes they were set for.
 BARS = {
@@ -29,6 +30,15 @@ BARS = {
     "nestw": (60e6 / 100_000, {100_000}),
     "locate-ring": (300, {100_000}),
     "locate-region": (300, {100_000}),
+}
+# Lower bounds of the ratio to the fastest peer.
+RATIO_BARS = {
+    ("mesh", "ordered"): (2.0, {100_000, 1_000_000}),
+    ("mesh", "mixed"): (2.0, {100_000, 1_000_000}),
+    ("alloc", "buffers"): (1.0, {1_000_000, 10_000_000}),
+    ("alloc", "buffers-again"): (1.0, {1_000_000, 10_000_000}),
+    ("alloc", "strings"): (1.0, {1_000_000, 10_000_000}),
+    ("alloc", "strings-again"): (1.0, {1_000_000, 10_000_000}),
 }
 GROWTH_BAR = 1.1
 OPERATIONS = 5
@@ -130,6 +140,9 @@ def time_verdict(table, key):
     if family in BARS and size in BARS[family][1]:
         bar = BARS[family][0]
         return verdict(f"<= {bar:.0f}", row[OURS].per_unit() <= bar)
+    bar, sizes = RATIO_BARS.get((family, operation), (None, ()))
+    if size in sizes and fastest_peer(row):
+        return verdict(f"{bar} x", fastest_peer(row) / row[OURS].per_unit() >= bar)
     return ""
 
 
@@ -158,6 +171,19 @@ def print_notes(table):
 
 
 def print_times(table):
+    """The planar families in one table, each of the others in one of its own."""
+    for families in [{key[0] for key in table} - set(OWN_TABLES)] + [{family} for family in OWN_TABLES]:
+        part = {key: row for key, row in table.items() if key[0] in families}
+        if part:
+            print_times_table(part)
+    print("CPU time, median; ratio: fastest peer / zbr; growth: exponent from the size before in units, zbr's and the fastest")
+    print(f"peer's, ! marks more than {GROWTH_BAR}; clipper-tree is Clipper with a nested result, as ours always is; for all")
+    print("operations in one call the peers' times are added up; * a result that differs as listed below. Memory that a run has")
+    print("freed is kept for the next. Meshes: ordered row after row, or mixed; map is the table of edges by itself, of a mixed one.\n")
+    print_notes(table)
+
+
+def print_times_table(table):
     columns = [column for column in COLUMNS if any(column in row for row in table.values())]
     head = ["family", "size", "operation"] + columns + ["ns per", "ratio", "growth", "peer's", "bar"]
     lines = []
@@ -173,11 +199,6 @@ def print_times(table):
                      + [next(iter(row.values())).unit, text_number(peer / ours if peer and ours else None, ".1f"), grown,
                         text_number(growth(table, key, fastest_peer), ".2f"), time_verdict(table, key)])
     print_table(head, lines)
-    print("CPU time, median; ratio: fastest peer / zbr; growth: exponent from the size before in units, zbr's and the fastest")
-    print(f"peer's, ! marks more than {GROWTH_BAR}; clipper-tree is Clipper with a nested result, as ours always is; for all")
-    print("operations in one call the peers' times are added up; * a result that differs as listed below. Memory that a run has")
-    print("freed is kept for the next.\n")
-    print_notes(table)
 
 
 def print_memory(path):

@@ -9,7 +9,7 @@ build_packages=(g++ cmake ninja-build libcli11-dev libdxflib-dev libassimp-dev n
 check_packages=("${build_packages[@]}" binutils pkg-config clang clang-format)
 lint_packages=("${check_packages[@]}" clang-tidy)
 bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev libassimp-dev
-                libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev)
+                libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev libcgal-dev libopenmesh-dev)
 
 say() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
