@@ -90,7 +90,9 @@ CommandLine::CommandLine()
   DeclareBool();
   DeclareNest();
   DeclareInside();
-  DeclareFile("info", "Print what a drawing holds: loops, vertices, area, box, depth of nesting", info_);
+  DeclareFile("info",
+              "Print what a drawing holds: loops, vertices, area, box, depth of nesting; or a model, and what is wrong with it",
+              info_);
   DeclareFile("check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any",
               check_);
   DeclareDraw();

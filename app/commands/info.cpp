@@ -1,12 +1,14 @@
-// zbr info: what a drawing holds.
+// zbr info: what a drawing holds. Models have a report of their own.
 
 #include <algorithm>
 #include <cstdio>
 
+#include "commands/info_mesh.h"
 #include "commands/load.h"
 #include "geometry/units.h"
 #include "io/files.h"
 #include "io/numbers.h"
+#include "model/mesh_reader.h"
 
 namespace tool {
 namespace {
@@ -35,6 +37,7 @@ int Depth(const LoopList& rings) {
 }  // namespace
 
 int RunInfo(const FileOptions& options) {
+  if (IsMeshFile(options.file)) return RunMeshInfo(options);
   Progress progress;
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();

@@ -24,24 +24,23 @@ constexpr int kLongestDetour = 64;
 
 constexpr double kPi = 3.14159265358979323846;
 
-int LongestEdge(const Model& model, std::size_t t) {
-  const auto& triangle = model.triangles[t];
-  int longest = 0;
+std::size_t LongestEdge(const ZBR_ZBREPT& t) {
+  std::size_t longest = 0;
   double length = -1.0;
   for (std::size_t i = 0; i < 3; ++i) {
-    const double d = model.points[triangle[i]].Distance(model.points[triangle[(i + 1) % 3]]);
+    const double d = VertexOf(t, i).GetPt().Distance(VertexOf(t, (i + 1) % 3).GetPt());
     if (!(d > length)) continue;
-    longest = static_cast<int>(i);
+    longest = i;
     length = d;
   }
   return longest;
 }
 
 // In units of the diagonal, so that products neither overflow nor vanish. Zero for a flat triangle.
-ZBR_PT3 OwnNormal(const Model& model, const std::array<std::uint32_t, 3>& triangle, double perDiagonal) {
-  const ZBR_PT3& a = model.points[triangle[0]];
-  const ZBR_PT3 ab = (model.points[triangle[1]] - a) * perDiagonal;
-  const ZBR_PT3 ac = (model.points[triangle[2]] - a) * perDiagonal;
+ZBR_PT3 OwnNormal(const ZBR_ZBREPT& t, double perDiagonal) {
+  const ZBR_PT3& a = t.GetVertex0()->GetPt();
+  const ZBR_PT3 ab = (t.GetVertex1()->GetPt() - a) * perDiagonal;
+  const ZBR_PT3 ac = (t.GetVertex2()->GetPt() - a) * perDiagonal;
   const ZBR_PT3 n = ab.OuterProduct(ac);
   const double doubleArea = n.Length();
   const double longest = std::sqrt(std::max({ab.Length2(), ac.Length2(), (ac - ab).Length2()}));
@@ -52,35 +51,40 @@ bool IsZero(const ZBR_PT3& n) {
   return n.x() == 0 && n.y() == 0 && n.z() == 0;
 }
 
-ZBR_PT3 BorrowedNormal(const Model& model, const std::vector<ZBR_PT3>& own, std::size_t t) {
+std::size_t PlaceOf(const ZBR_ZBREPT& t) {
+  return static_cast<std::size_t>(t.GetIndex());
+}
+
+// `own` are the normals of the shell.
+ZBR_PT3 BorrowedNormal(const Model& model, std::size_t shell, const ZBR_PT3* own, const ZBR_ZBREPT* t) {
   double sign = 1.0;
   for (int step = 0; step < kLongestDetour; ++step) {
-    const auto edge = static_cast<std::size_t>(LongestEdge(model, t));
-    const std::int32_t next = model.adjacent[t][edge];
-    if (next < 0) break;
-    if (model.SameWay(t, static_cast<int>(edge))) sign = -sign;
-    t = static_cast<std::size_t>(next);
-    if (!IsZero(own[t])) return own[t] * sign;
+    ZBR_ZBREPE& edge = EdgeOf(*t, LongestEdge(*t));
+    t = model.Across(shell, *t, edge);
+    if (t == nullptr) break;
+    if (model.Note(shell, edge).isSameWay) sign = -sign;
+    if (!IsZero(own[PlaceOf(*t)])) return own[PlaceOf(*t)] * sign;
   }
   return ZBR_PT3();
 }
 
-bool IsClosedAndOriented(const Model& model, std::size_t begin, std::size_t end) {
-  for (std::size_t t = begin; t < end; ++t) {
-    for (int i = 0; i < 3; ++i) {
-      if (model.adjacent[t][static_cast<std::size_t>(i)] < 0 || model.SameWay(t, i)) return false;
-    }
+bool IsClosedAndOriented(const Model& model, std::size_t s) {
+  const ZBR_ZBREPS& shell = model.Shell(s);
+  for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+    const ZBR_ZBREPE& edge = *shell.GetEdge(e);
+    const EdgeNote note = model.Note(s, edge);
+    if (note.isJunction || note.isSameWay || edge.GetTriangle1() == nullptr) return false;
   }
   return true;
 }
 
 // Six times the volume inside, in diagonals; negative when the triangles face inwards.
-double Volume(const Model& model, std::size_t begin, std::size_t end, double perDiagonal) {
-  const ZBR_PT3 origin = model.points[model.triangles[begin][0]];
+double Volume(const ZBR_ZBREPS& shell, double perDiagonal) {
+  const ZBR_PT3 origin = shell.GetTriangle(0)->GetVertex0()->GetPt();
   double sum = 0.0;
-  for (std::size_t t = begin; t < end; ++t) {
+  for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
     ZBR_PT3 corners[3];
-    for (std::size_t i = 0; i < 3; ++i) corners[i] = (model.points[model.triangles[t][i]] - origin) * perDiagonal;
+    for (std::size_t i = 0; i < 3; ++i) corners[i] = (VertexOf(*shell.GetTriangle(k), i).GetPt() - origin) * perDiagonal;
     sum += corners[0].InnerProduct(corners[1].OuterProduct(corners[2]));
   }
   return sum;
@@ -96,28 +100,38 @@ double PerDiagonal(const Model& model) {
 void SetNormals(Model& model) {
   const double perDiagonal = PerDiagonal(model);
   model.normals.clear();
-  model.normals.reserve(model.triangles.size());
-  std::vector<std::size_t> flat;
-  for (std::size_t t = 0; t < model.triangles.size(); ++t) {
-    model.normals.push_back(OwnNormal(model, model.triangles[t], perDiagonal));
-    if (IsZero(model.normals.back())) flat.push_back(t);
+  model.normals.reserve(model.TriangleCount());
+  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    std::vector<int> flat;
+    for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
+      model.normals.push_back(OwnNormal(*shell.GetTriangle(k), perDiagonal));
+      if (IsZero(model.normals.back())) flat.push_back(k);
+    }
+    model.flat += flat.size();
+    ZBR_PT3* const own = model.normals.data() + model.shellBegin[s];
+    std::vector<ZBR_PT3> borrowed;
+    for (const int k : flat) borrowed.push_back(BorrowedNormal(model, s, own, shell.GetTriangle(k)));
+    for (std::size_t k = 0; k < flat.size(); ++k) own[flat[k]] = borrowed[k];
   }
-  std::vector<ZBR_PT3> borrowed;
-  for (const std::size_t t : flat) borrowed.push_back(BorrowedNormal(model, model.normals, t));
-  for (std::size_t k = 0; k < flat.size(); ++k) model.normals[flat[k]] = borrowed[k];
 }
 
-void FindCreases(Model& model, double creaseDegrees) {
+void ShowEdges(Model& model, double creaseDegrees) {
   const double limit = std::cos(std::clamp(creaseDegrees + kAngleSlack, 0.0, 180.0) * kPi / 180.0);
-  for (std::size_t t = 0; t < model.triangles.size(); ++t) {
-    for (std::size_t i = 0; i < 3; ++i) {
-      const auto u = static_cast<std::size_t>(model.adjacent[t][i]);
-      if (model.adjacent[t][i] < 0 || u < t) continue;
-      if (IsZero(model.normals[t]) || IsZero(model.normals[u])) continue;
-      const double cosine = model.normals[t].InnerProduct(model.normals[u]);
-      if (!((model.SameWay(t, static_cast<int>(i)) ? -cosine : cosine) < limit)) continue;
-      model.classes[t][i] = EdgeClass::kCrease;
-      model.classes[u][static_cast<std::size_t>(model.adjacentEdge[t][i])] = EdgeClass::kCrease;
+  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+    ZBR_ZBREPS& shell = *model.body.GetShell(static_cast<int>(s));
+    const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];
+    const auto isCrease = [&](const ZBR_ZBREPE& edge, const ZBR_ZBREPT& other) {
+      const ZBR_PT3& a = normals[PlaceOf(*edge.GetTriangle0())];
+      const ZBR_PT3& b = normals[PlaceOf(other)];
+      if (IsZero(a) || IsZero(b)) return false;
+      const double cosine = a.InnerProduct(b);
+      return (model.Note(s, edge).isSameWay ? -cosine : cosine) < limit;
+    };
+    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+      ZBR_ZBREPE& edge = *shell.GetEdge(e);
+      const ZBR_ZBREPT* const other = edge.GetTriangle1();
+      edge.SetShow(other == nullptr || model.Note(s, edge).isJunction || isCrease(edge, *other));
     }
   }
 }
@@ -126,8 +140,7 @@ void FindFacing(Model& model) {
   const double perDiagonal = PerDiagonal(model);
   model.facing.clear();
   for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
-    const std::size_t begin = model.shellBegin[s], end = model.shellBegin[s + 1];
-    const double volume = IsClosedAndOriented(model, begin, end) ? Volume(model, begin, end, perDiagonal) : 0.0;
+    const double volume = IsClosedAndOriented(model, s) ? Volume(model.Shell(s), perDiagonal) : 0.0;
     model.facing.push_back(volume > 0 ? Facing::kOutward : volume < 0 ? Facing::kInward : Facing::kUnknown);
   }
 }

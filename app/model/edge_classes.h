@@ -5,11 +5,11 @@
 
 namespace tool {
 
-// Sets the normals. Needs triangles, adjacency and the box.
+// Sets the normals and counts flat triangles. Needs body, notes and the box.
 void SetNormals(Model& model);
 
-// Turns smooth edges into creases where the surface bends by more than creaseDegrees.
-void FindCreases(Model& model, double creaseDegrees);
+// Lets borders, junctions and creases show: edges where the surface bends by more than creaseDegrees.
+void ShowEdges(Model& model, double creaseDegrees);
 
 // Sets the facing of all shells.
 void FindFacing(Model& model);

@@ -19,6 +19,7 @@ constexpr std::size_t kMost = 700'000'000;
 
 using Reader = Mesh (*)(const std::string& text, const std::string& file);
 
+// Null when there is none.
 Reader ReaderFor(const std::string& file) {
   static const std::map<std::string, Reader> kReaders = {{"obj", ReadObj}, {"off", ReadOff},   {"stl", ReadStl},
                                                          {"ply", ReadPly}, {"gltf", ReadGltf}, {"glb", ReadGltf}};
@@ -26,8 +27,7 @@ Reader ReaderFor(const std::string& file) {
   std::string extension = dot == std::string::npos ? "" : file.substr(dot + 1);
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   const auto found = kReaders.find(extension);
-  if (found == kReaders.end()) throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb");
-  return found->second;
+  return found == kReaders.end() ? nullptr : found->second;
 }
 
 bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
@@ -51,8 +51,13 @@ void Check(const Mesh& mesh, const std::string& file) {
 
 }  // namespace
 
+bool IsMeshFile(const std::string& file) {
+  return ReaderFor(file) != nullptr;
+}
+
 Mesh ReadMesh(const std::string& file) {
   const Reader reader = ReaderFor(file);
+  if (reader == nullptr) throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb");
   const std::string text = ReadFile(file);
   if (text.empty()) throw Failure(file + ": the file is empty");
   Mesh mesh = reader(text, file);

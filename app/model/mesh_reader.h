@@ -7,6 +7,9 @@
 
 namespace tool {
 
+// Whether the extension is that of a mesh.
+bool IsMeshFile(const std::string& file);
+
 // Reads STL, OBJ, PLY, OFF and glTF files, told apart by their extensions. Polygons are split into triangles, several objects
 // put together as the file places them. Fails when the file cannot be read, has no triangles or has points that are not finite.
 Mesh ReadMesh(const std::string& file);

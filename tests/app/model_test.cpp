@@ -11,6 +11,7 @@
 
 #include "io/failure.h"
 #include "model/scene.h"
+#include "model/survey.h"
 #include "model/triangulate.h"
 #include "models/models.h"
 
@@ -37,12 +38,6 @@ std::size_t PointCount(const Model& model) {
   return count;
 }
 
-// V - E + F.
-long Euler(const Model& model, std::size_t s) {
-  const ZBR_ZBREPS& shell = model.Shell(s);
-  return shell.GetVertexCnt() - shell.GetEdgeCnt() + shell.GetTriangleCnt();
-}
-
 bool RunsAlong(const ZBR_ZBREPT& t, const ZBR_ZBREPE& edge) {
   for (std::size_t i = 0; i < 3; ++i) {
     if (&EdgeOf(t, i) == &edge) return VertexOf(t, i).GetIndex() == edge.GetV0();
@@ -63,7 +58,8 @@ void CheckModel(const Model& model) {
       const ZBR_ZBREPT& t = *shell.GetTriangle(k);
       const ZBR_HL_TRI& seen = scene.shells[s].tris[k];
       if (k > 0) {
-        ASSERT_LT(model.source[begin + k - 1], model.source[begin + k]);
+        const std::size_t place = begin + static_cast<std::size_t>(k);
+        ASSERT_LT(model.source[place - 1], model.source[place]);
       }
       for (std::size_t i = 0; i < 3; ++i) {
         ZBR_ZBREPE& edge = EdgeOf(t, i);
@@ -114,8 +110,10 @@ TEST(Model, GeneratedBodiesAreClosedAndFaceOutwards) {
     EXPECT_EQ(model.TriangleCount(), c.mesh.triangles.size());
     ASSERT_EQ(model.ShellCount(), c.shells);
     EXPECT_TRUE(std::all_of(model.facing.begin(), model.facing.end(), [](Facing f) { return f == Facing::kOutward; }));
-    EXPECT_EQ(Euler(model, 0), c.euler);
-    EXPECT_EQ(CountOf(model, EdgeClass::kBorder) + CountOf(model, EdgeClass::kJunction), 0U);
+    const Survey survey = MakeSurvey(model);
+    EXPECT_TRUE(survey.IsClean());
+    EXPECT_EQ(survey.shells[0].euler, c.euler);
+    EXPECT_EQ(survey.shells[0].genus, (2 - c.euler) / 2);
     if (c.drawn > 0) {
       EXPECT_EQ(CountOf(model, EdgeClass::kCrease), c.drawn);
     }
@@ -171,6 +169,7 @@ TEST(Model, MeshesThatAreNoSurface) {
   EXPECT_EQ(twice.repeated, 2U);
   EXPECT_EQ(twice.collapsed, 2U);
   EXPECT_EQ(twice.TriangleCount(), 2U);
+  EXPECT_EQ(made({{0, 1, 2}, {2, 1, 0}}).repeated, 1U);
   // A flat triangle between a long edge and two short ones, turned over by rounding, is no reason to draw them.
   const Model gap = made({{0, 1, 2}, {0, 5, 1}, {5, 0, 4}, {1, 5, 4}});
   EXPECT_EQ(CountOf(gap, EdgeClass::kCrease), 0U);
@@ -182,6 +181,29 @@ TEST(Model, MeshesThatAreNoSurface) {
   const Model empty = made({});
   EXPECT_EQ(empty.ShellCount(), 0U);
   EXPECT_EQ(MakeScene(empty, View()).drawable, 0U);
+}
+
+TEST(Survey, TellsPinchesFromHandles) {
+  Mesh mesh = example::Torus(1000);
+  for (auto& t : mesh.triangles) {
+    for (std::uint32_t& p : t) p = p == 250 ? 0 : p == 350 ? 100 : p;
+  }
+  const Survey pinched = MakeSurvey(MakeModel(mesh, 30));
+  ASSERT_EQ(pinched.shells.size(), 1U);
+  EXPECT_EQ(pinched.pinches, 2U);
+  EXPECT_EQ(pinched.shells[0].euler, -2);
+  EXPECT_EQ(pinched.shells[0].genus, 1);
+  // A fin on two edges makes junctions of them, and no pinch between them.
+  const auto edge = mesh.triangles[400];
+  mesh.points.emplace_back(5, 5, 5);
+  const auto tip = static_cast<std::uint32_t>(mesh.points.size() - 1);
+  mesh.triangles.push_back({edge[0], edge[1], tip});
+  mesh.triangles.push_back({edge[1], edge[2], tip});
+  const Survey fin = MakeSurvey(MakeModel(mesh, 30));
+  EXPECT_EQ(fin.junctions, 2U);
+  EXPECT_EQ(fin.borders, 2U);
+  EXPECT_EQ(fin.pinches, 2U);
+  EXPECT_EQ(fin.shells[0].genus, -1);
 }
 
 // A band of n quads that is turned by half on the way round.
@@ -252,8 +274,7 @@ TEST(Scene, SilhouettesOfCylinders) {
   }
 }
 
-// A wall seen edge-on under a dome and over a flared foot, all of it smooth:
-// the upper edge of the wall is drawn.
+// A wall seen edge-on under a dome and over a flared foot, all of it smooth: the upper edge of the wall is drawn.
 TEST(Scene, UpperEdgesOfWallsSeenEdgeOn) {
   constexpr std::uint32_t kSides = 24;
   struct Row {

@@ -1,0 +1,102 @@
+// zbr info of a model: its size and shells, and what keeps them from being closed surfaces that face outwards.
+#include "commands/info_mesh.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "io/failure.h"
+#include "io/files.h"
+#include "io/numbers.h"
+#include "io/progress.h"
+#include "model/mesh_reader.h"
+#include "model/survey.h"
+
+namespace tool {
+namespace {
+
+constexpr std::size_t kMostShells = 10;
+
+class Report {
+ public:
+  void Line(const std::string& label, const std::string& value) {
+    text_ += label + std::string(label.size() < 10 ? 10 - label.size() : 1, ' ') + value + "\n";
+  }
+
+  // Nothing for a count of 0. The noun comes in its two forms.
+  void Finding(const std::string& label, std::size_t count, const std::string& singular, const std::string& plural,
+               const std::string& more) {
+    if (count > 0) Line(label, std::to_string(count) + " " + (count == 1 ? singular : plural) + more);
+  }
+
+  std::string Take() { return std::move(text_); }
+
+ private:
+  std::string text_;
+};
+
+std::string FormatName(const std::string& file) {
+  std::string name = file.substr(file.rfind('.') + 1);
+  for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return name;
+}
+
+std::string PointText(const ZBR_PT3& p) {
+  return NumberText(p.x()) + " " + NumberText(p.y()) + " " + NumberText(p.z());
+}
+
+std::string ShellText(const ShellSurvey& shell) {
+  std::string text = std::to_string(shell.triangles) + (shell.triangles == 1 ? " triangle, " : " triangles, ");
+  text += std::string(shell.isClosed      ? "closed"
+                      : shell.borders > 0 ? "open"
+                                          : "ends at junctions") +
+          ", Euler number " + std::to_string(shell.euler);
+  if (shell.genus >= 0) text += ", genus " + std::to_string(shell.genus);
+  return text + (shell.isInward ? ", facing inwards" : "");
+}
+
+void AddShells(const Survey& survey, Report& report) {
+  const std::size_t count = survey.shells.size(), shown = std::min(count, kMostShells);
+  report.Line("shells", std::to_string(count));
+  for (std::size_t s = 0; s < shown; ++s) report.Line("shell " + std::to_string(s), ShellText(survey.shells[s]));
+  if (shown < count) report.Line("shell ...", "and " + std::to_string(count - shown) + " more");
+}
+
+void AddFindings(const Survey& survey, Report& report) {
+  report.Finding("open", survey.borders, "edge", "edges", " of one triangle");
+  report.Finding("junction", survey.junctions, "edge", "edges", " of more than two triangles");
+  report.Finding("turned", survey.turned, "edge", "edges", " along which both triangles run the same way");
+  report.Finding("pinched", survey.pinches, "place", "places", " where a surface touches itself at a point");
+  report.Finding("repeated", survey.repeated, "triangle", "triangles", " with the corners of another one");
+  report.Finding("flat", survey.flat, "triangle", "triangles", " without area but for rounding");
+  report.Finding("inward", survey.inward, "shell", "shells", " facing inwards, as only those of cavities should");
+  if (survey.IsClean()) report.Line("clean", "closed surfaces that face outwards");
+}
+
+}  // namespace
+
+int RunMeshInfo(const FileOptions& options) {
+  if (!options.input.layers.empty()) throw Failure(options.file + ": a model has no layers to choose");
+  Progress progress;
+  progress.Stage("reading " + options.file);
+  const Mesh mesh = ReadMesh(options.file);
+  progress.Stage("examining");
+  constexpr double kAnyCrease = 180;  // no lines are drawn
+  const Model model = MakeModel(mesh, kAnyCrease);
+  Report report;
+  report.Line("file", BaseName(options.file));
+  report.Line("format", FormatName(options.file));
+  report.Line("triangles", std::to_string(mesh.triangles.size()));
+  report.Line("points", std::to_string(model.pointCount));
+  report.Line("box", PointText(model.low) + " to " + PointText(model.high));
+  const Survey survey = MakeSurvey(model);
+  AddShells(survey, report);
+  AddFindings(survey, report);
+  progress.Stage("");
+  OutputFiles output;
+  output.Add("-", report.Take());
+  output.Commit();
+  return kExitFine;
+}
+
+}  // namespace tool

@@ -1,0 +1,10 @@
+// The part of `zbr info` that reports on models.
+#pragma once
+
+#include "commands/commands.h"
+
+namespace tool {
+
+int RunMeshInfo(const FileOptions& options);
+
+}  // namespace tool
