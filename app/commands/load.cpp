@@ -56,7 +56,7 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
     KeepLayers(drawing, options.layers);
     ConvertUnits(drawing, drawings.front().units, progress);
     for (const Path& path : drawing.paths) {
-      if (!path.layer.empty()) loaded.layers.insert(path.layer);
+      if (!path.layer.empty()) loaded.layers.emplace(path.layer);
     }
     extent.Add(ExtentOf(drawing));
   }

@@ -171,7 +171,7 @@ bool DxfEntities::IsFlat(const char* name) {
 
 void DxfEntities::AddPath(Path path) {
   path.line = line_;
-  path.layer = attributes.getLayer();
+  path.layer = drawing_.names->Keep(attributes.getLayer());
   drawing_.paths.push_back(std::move(path));
 }
 

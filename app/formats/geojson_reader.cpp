@@ -203,7 +203,7 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
       FailAt(drawing.file, object.line, type.empty() ? "an object without a type" : "unknown type " + Quoted(type));
     }
     if (type != "Feature") return;
-    for (std::size_t i = object.firstPath; i < drawing.paths.size(); ++i) drawing.paths[i].layer = object.name;
+    for (std::size_t i = object.firstPath; i < drawing.paths.size(); ++i) drawing.paths[i].layer = drawing.names->Keep(object.name);
   }
 
   void TakePolygons(const OpenObject& object, int height) {

@@ -5,8 +5,12 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "io/names.h"
 
 namespace tool {
 
@@ -24,13 +28,14 @@ struct Path {
   std::vector<ZBR_PT> points;
   std::vector<Curve> curves;  // ascending in `at`
   bool closed = false;
-  std::size_t line = 0;  // of the file, where the contour starts
-  int polygon = -1;      // number of the polygon that the ring belongs to, in formats that say so
-  std::string layer;
+  std::size_t line = 0;    // of the file, where the contour starts
+  int polygon = -1;        // number of the polygon that the ring belongs to, in formats that say so
+  std::string_view layer;  // kept by the drawing's names
 };
 
 struct Drawing {
   std::string file;
+  std::shared_ptr<Names> names = std::make_shared<Names>();  // of layers; shared by copies of the drawing
   std::vector<Path> paths;
   int units = 0;                       // code of the unit of length (units.h), 0 when the file names none
   bool joinsEnds = false;              // whether open contours may be meant to be joined end to end
