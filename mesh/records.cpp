@@ -1,4 +1,4 @@
-// Edges, triangles and bodies: what their getters find, and the comparison of bodies.
+// Edges, triangles and bodies beyond plain access: adjacency noted, normals, the comparison of bodies.
 #include <zbr/mesh.h>
 
 #include "core/spatial_inline.h"
@@ -12,65 +12,6 @@ int ZBR_ZBREPE::SetAdjTriangle(int t) {
   if (tri1_ != -1) return 2;
   tri1_ = t;
   return 1;
-}
-
-ZBR_ZBREPV* ZBR_ZBREPE::GetVertex0() const {
-  return shell_->GetVertex(vertex0_);
-}
-
-ZBR_ZBREPV* ZBR_ZBREPE::GetVertex1() const {
-  return shell_->GetVertex(vertex1_);
-}
-
-ZBR_ZBREPT* ZBR_ZBREPE::GetTriangle0() const {
-  return tri0_ == -1 ? nullptr : shell_->GetTriangle(tri0_);
-}
-
-ZBR_ZBREPT* ZBR_ZBREPE::GetTriangle1() const {
-  return tri1_ == -1 ? nullptr : shell_->GetTriangle(tri1_);
-}
-
-ZBR_ZBREPV* ZBR_ZBREPT::GetVertex0() const {
-  return shell_->GetVertex(vtx_[0]);
-}
-
-ZBR_ZBREPV* ZBR_ZBREPT::GetVertex1() const {
-  return shell_->GetVertex(vtx_[1]);
-}
-
-ZBR_ZBREPV* ZBR_ZBREPT::GetVertex2() const {
-  return shell_->GetVertex(vtx_[2]);
-}
-
-ZBR_ZBREPE* ZBR_ZBREPT::GetEdge0() const {
-  return shell_->GetEdge(edge_[0]);
-}
-
-ZBR_ZBREPE* ZBR_ZBREPT::GetEdge1() const {
-  return shell_->GetEdge(edge_[1]);
-}
-
-ZBR_ZBREPE* ZBR_ZBREPT::GetEdge2() const {
-  return shell_->GetEdge(edge_[2]);
-}
-
-ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle(ZBR_ZBREPE* edge) const {
-  ZBR_ZBREPT* const first = edge->GetTriangle0();
-  ZBR_ZBREPT* const second = edge->GetTriangle1();
-  if (first == this) return second;
-  return second == this ? first : nullptr;
-}
-
-ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle0() const {
-  return GetAdjTriangle(GetEdge0());
-}
-
-ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle1() const {
-  return GetAdjTriangle(GetEdge1());
-}
-
-ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle2() const {
-  return GetAdjTriangle(GetEdge2());
 }
 
 ZBR_PT3 ZBR_ZBREPT::GetFaceNormal() {

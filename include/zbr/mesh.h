@@ -53,11 +53,11 @@ class ZBR_ZBREPE {
   // A flag for the caller, who may mean "to be drawn".
   void SetShow(bool show) { show_ = show; }
   bool GetShow() const { return show_; }
-  ZBR_API ZBR_ZBREPV* GetVertex0() const;
-  ZBR_API ZBR_ZBREPV* GetVertex1() const;
+  ZBR_ZBREPV* GetVertex0() const;
+  ZBR_ZBREPV* GetVertex1() const;
   // Null when there is no such triangle.
-  ZBR_API ZBR_ZBREPT* GetTriangle0() const;
-  ZBR_API ZBR_ZBREPT* GetTriangle1() const;
+  ZBR_ZBREPT* GetTriangle0() const;
+  ZBR_ZBREPT* GetTriangle1() const;
 
  private:
   friend class ZBR_ZBREPS;
@@ -87,18 +87,18 @@ class ZBR_ZBREPT {
     edge_[1] = b;
     edge_[2] = c;
   }
-  ZBR_API ZBR_ZBREPV* GetVertex0() const;
-  ZBR_API ZBR_ZBREPV* GetVertex1() const;
-  ZBR_API ZBR_ZBREPV* GetVertex2() const;
-  ZBR_API ZBR_ZBREPE* GetEdge0() const;
-  ZBR_API ZBR_ZBREPE* GetEdge1() const;
-  ZBR_API ZBR_ZBREPE* GetEdge2() const;
+  ZBR_ZBREPV* GetVertex0() const;
+  ZBR_ZBREPV* GetVertex1() const;
+  ZBR_ZBREPV* GetVertex2() const;
+  ZBR_ZBREPE* GetEdge0() const;
+  ZBR_ZBREPE* GetEdge1() const;
+  ZBR_ZBREPE* GetEdge2() const;
   // The other triangle of the two that the edge notes; null when there is none, or when neither is this one (which is so for the
   // third and further triangles at one edge).
-  ZBR_API ZBR_ZBREPT* GetAdjTriangle(ZBR_ZBREPE* edge) const;
-  ZBR_API ZBR_ZBREPT* GetAdjTriangle0() const;
-  ZBR_API ZBR_ZBREPT* GetAdjTriangle1() const;
-  ZBR_API ZBR_ZBREPT* GetAdjTriangle2() const;
+  ZBR_ZBREPT* GetAdjTriangle(ZBR_ZBREPE* edge) const;
+  ZBR_ZBREPT* GetAdjTriangle0() const;
+  ZBR_ZBREPT* GetAdjTriangle1() const;
+  ZBR_ZBREPT* GetAdjTriangle2() const;
   // Unit normal by the right-hand rule over the vertices; (0, 0, 0) for a triangle without area.
   ZBR_API ZBR_PT3 GetFaceNormal();
 
@@ -206,3 +206,64 @@ class ZBR_ZBREPB {
  private:
   std::vector<ZBR_ZBREPS> shells_;
 };
+
+// The getters that go through the shell, inline: passes over a mesh do little else.
+
+inline ZBR_ZBREPV* ZBR_ZBREPE::GetVertex0() const {
+  return shell_->GetVertex(vertex0_);
+}
+
+inline ZBR_ZBREPV* ZBR_ZBREPE::GetVertex1() const {
+  return shell_->GetVertex(vertex1_);
+}
+
+inline ZBR_ZBREPT* ZBR_ZBREPE::GetTriangle0() const {
+  return tri0_ == -1 ? nullptr : shell_->GetTriangle(tri0_);
+}
+
+inline ZBR_ZBREPT* ZBR_ZBREPE::GetTriangle1() const {
+  return tri1_ == -1 ? nullptr : shell_->GetTriangle(tri1_);
+}
+
+inline ZBR_ZBREPV* ZBR_ZBREPT::GetVertex0() const {
+  return shell_->GetVertex(vtx_[0]);
+}
+
+inline ZBR_ZBREPV* ZBR_ZBREPT::GetVertex1() const {
+  return shell_->GetVertex(vtx_[1]);
+}
+
+inline ZBR_ZBREPV* ZBR_ZBREPT::GetVertex2() const {
+  return shell_->GetVertex(vtx_[2]);
+}
+
+inline ZBR_ZBREPE* ZBR_ZBREPT::GetEdge0() const {
+  return shell_->GetEdge(edge_[0]);
+}
+
+inline ZBR_ZBREPE* ZBR_ZBREPT::GetEdge1() const {
+  return shell_->GetEdge(edge_[1]);
+}
+
+inline ZBR_ZBREPE* ZBR_ZBREPT::GetEdge2() const {
+  return shell_->GetEdge(edge_[2]);
+}
+
+inline ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle(ZBR_ZBREPE* edge) const {
+  ZBR_ZBREPT* const first = edge->GetTriangle0();
+  ZBR_ZBREPT* const second = edge->GetTriangle1();
+  if (first == this) return second;
+  return second == this ? first : nullptr;
+}
+
+inline ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle0() const {
+  return GetAdjTriangle(GetEdge0());
+}
+
+inline ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle1() const {
+  return GetAdjTriangle(GetEdge1());
+}
+
+inline ZBR_ZBREPT* ZBR_ZBREPT::GetAdjTriangle2() const {
+  return GetAdjTriangle(GetEdge2());
+}
