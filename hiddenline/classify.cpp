@@ -74,8 +74,7 @@ void GiveStretch(ZBR_HL_TRI& t, int edge, bool fromStart) {
 }
 
 // Makes the edges that are not part of the upper outline invalid.
-void KeepOutline(ZBR_HL_TRI& t, bool hasEndOnEdge) {
-  const int longEdge = t.vert_edge;
+void KeepOutline(ZBR_HL_TRI& t, int longEdge, bool hasEndOnEdge) {
   const int next = (longEdge + 1) % 3;  // the end-on edge, if there is one
   const int prev = (longEdge + 2) % 3;
   if (hasEndOnEdge) {
@@ -100,8 +99,8 @@ void CheckThreeEdges(ZBR_HL_TRI& t, double eps) {
     Invalidate(t);
   } else if (endOn == 1 || std::fabs(t.normal.normal().z()) <= eps) {
     t.tri_state = kVertical;
-    t.SetVerticalInfo(endOn == 0 ? -1 : static_cast<int>(std::find(t.edge_state, t.edge_state + 3, kVertical) - t.edge_state));
-    KeepOutline(t, endOn == 1);
+    const int endOnEdge = endOn == 0 ? -1 : static_cast<int>(std::find(t.edge_state, t.edge_state + 3, kVertical) - t.edge_state);
+    KeepOutline(t, t.SetVerticalInfo(endOnEdge), endOn == 1);
   }
 }
 

@@ -72,6 +72,7 @@ const char* StateLabel(int state) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes the title by value
 void ZBR_HL_TRI::OutputInfo(std::string title, int s, int e) const {
   std::ostringstream out;
   out << "*************************\n" << title;

@@ -76,7 +76,7 @@ int ZBR_ZBREP_EDGE_MAP::FindInChain(int a, int b, int& length) const {
 std::size_t ZBR_ZBREP_EDGE_MAP::Place(std::uint64_t key) const {
   const std::size_t mask = table_.size() - 1;
   const auto bits = static_cast<unsigned>(std::countr_zero(table_.size()));
-  std::size_t place = static_cast<std::size_t>((key ^ key >> 32U) * 0x9e3779b97f4a7c15ULL >> (64U - bits));
+  auto place = static_cast<std::size_t>((key ^ key >> 32U) * 0x9e3779b97f4a7c15ULL >> (64U - bits));
   while (table_[place].edge >= 0 && table_[place].key != key) place = (place + 1) & mask;
   return place;
 }

@@ -27,7 +27,7 @@ void KeepReaders(Assimp::Importer& importer) {
   for (std::size_t i = importer.GetImporterCount(); i-- > 0;) {
     std::set<std::string> extensions;
     importer.GetImporter(i)->GetExtensionList(extensions);
-    if (extensions.count("gltf") > 0) continue;
+    if (extensions.contains("gltf")) continue;
     Assimp::BaseImporter* const unwanted = importer.GetImporter(i);
     importer.UnregisterLoader(unwanted);
     delete unwanted;  // unregistering hands it over

@@ -171,9 +171,10 @@ class PlyReader {
   }
 
   void ReadList(const Property& property, Values& values, bool isCorners) {
-    const double size = values.Next(property.count);
+    constexpr double kMost = 1e15;
+    const auto size = static_cast<std::size_t>(std::clamp(values.Next(property.count), 0.0, kMost));
     corners_.clear();
-    for (double i = 0; i < size; ++i) {
+    for (std::size_t i = 0; i < size; ++i) {
       const double place = values.Next(property.type);
       if (!isCorners) continue;
       if (!(place >= 0 && place < static_cast<double>(mesh_.points.size())) || place != std::floor(place))

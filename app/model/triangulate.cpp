@@ -83,6 +83,7 @@ class Triangulator {
       }
     }
     std::sort(pairs.begin(), pairs.end());
+    // NOLINTNEXTLINE(readability-use-anyofallof): a deed, not a question
     for (const Pair& pair : pairs) {
       const std::uint32_t from = ring_[pair.inRing], to = holes_[pair.hole][pair.inHole];
       if (!InCorner(pair.inRing, to) || !Sees(from, to)) continue;

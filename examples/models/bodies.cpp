@@ -125,7 +125,9 @@ Mesh Gears(int k, std::size_t triangles, std::uint64_t seed) {
     Mesh turned = gear;
     const ZBR_PT3 axis = RandomDirection(random);
     Turn(turned, axis, random.Between(0, 1));
-    Move(turned, ZBR_PT3(i % k, i / k % k, i / k / k) * kPitch);
+    const int row = i / k;
+    const int layer = row / k;
+    Move(turned, ZBR_PT3(i % k, row % k, layer) * kPitch);
     Append(mesh, turned);
   }
   return mesh;
