@@ -74,9 +74,7 @@ int RunCheck(const FileOptions& options) {
   progress.Stage("");
   const bool clean = findings.empty();
   if (clean) findings = options.file + ": clean, " + std::to_string(contours.rings.size()) + " loops\n";
-  OutputFiles output;
-  output.Add("-", std::move(findings));
-  output.Commit();
+  WriteToStandardOutput(std::move(findings));
   return clean ? kExitFine : kExitFound;
 }
 

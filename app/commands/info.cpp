@@ -64,9 +64,7 @@ int RunInfo(const FileOptions& options) {
   line("depth", std::to_string(Depth(rings)));
   if (!contours.open.empty()) line("open", OpenText(contours.open.size()));
   progress.Stage("");
-  OutputFiles output;
-  output.Add("-", std::move(text));
-  output.Commit();
+  WriteToStandardOutput(std::move(text));
   return kExitFine;
 }
 

@@ -93,9 +93,7 @@ int RunMeshInfo(const FileOptions& options) {
   AddShells(survey, report);
   AddFindings(survey, report);
   progress.Stage("");
-  OutputFiles output;
-  output.Add("-", report.Take());
-  output.Commit();
+  WriteToStandardOutput(report.Take());
   return kExitFine;
 }
 

@@ -47,9 +47,7 @@ int RunInside(const InsideOptions& options) {
     text += std::string(" ") + Word(far ? ZBR_PI_OUT : locator.IsInside(p)) + "\n";
   }
   progress.Stage("");
-  OutputFiles output;
-  output.Add("-", std::move(text));
-  output.Commit();
+  WriteToStandardOutput(std::move(text));
   return kExitFine;
 }
 

@@ -88,9 +88,7 @@ int RunPick(const PickOptions& options) {
   std::string text;
   for (const ZBR_PT& point : points) text += Line(point, scene, model);
   progress.Stage("");
-  OutputFiles output;
-  output.Add("-", std::move(text));
-  output.Commit();
+  WriteToStandardOutput(std::move(text));
   return kExitFine;
 }
 

@@ -136,4 +136,10 @@ void OutputFiles::Commit() {
   }
 }
 
+void WriteToStandardOutput(std::string text) {
+  OutputFiles output;
+  output.Add("-", std::move(text));
+  output.Commit();
+}
+
 }  // namespace tool

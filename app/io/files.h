@@ -39,4 +39,7 @@ class OutputFiles {
   std::vector<Pending> files_;
 };
 
+// The whole text, or an error.
+void WriteToStandardOutput(std::string text);
+
 }  // namespace tool

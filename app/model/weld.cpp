@@ -53,17 +53,17 @@ Cell CellOfPosition(const ZBR_PT3& p) {
           std::bit_cast<std::uint64_t>(p.z() + 0.0)};
 }
 
-std::vector<std::uint32_t> WeldEqual(std::vector<ZBR_PT3>& points) {
+// Keeps the points near which none is kept: find(table, p, cell) gives a kept point, or kNone. Returns where each point went.
+template <class CellOf, class Find>
+std::vector<std::uint32_t> Weld(std::vector<ZBR_PT3>& points, CellOf cellOf, Find find) {
   CellTable table(points.size());
   std::vector<std::uint32_t> places;
   places.reserve(points.size());
   std::uint32_t kept = 0;
   for (std::size_t i = 0; i < points.size(); ++i) {
     const ZBR_PT3 p = points[i];
-    const Cell cell = CellOfPosition(p);
-    const auto same = [&](std::uint32_t k) { return points[k].x() == p.x() && points[k].y() == p.y() && points[k].z() == p.z(); };
-    std::uint32_t found = table.First(cell);
-    while (found != kNone && !same(found)) found = table.Next(found);
+    const Cell cell = cellOf(p);
+    std::uint32_t found = find(table, p, cell);
     if (found == kNone) {
       table.Add(cell);
       found = kept;
@@ -73,6 +73,15 @@ std::vector<std::uint32_t> WeldEqual(std::vector<ZBR_PT3>& points) {
   }
   points.resize(kept);
   return places;
+}
+
+std::vector<std::uint32_t> WeldEqual(std::vector<ZBR_PT3>& points) {
+  return Weld(points, CellOfPosition, [&points](const CellTable& table, const ZBR_PT3& p, const Cell& cell) {
+    const auto same = [&](const ZBR_PT3& q) { return q.x() == p.x() && q.y() == p.y() && q.z() == p.z(); };
+    std::uint32_t found = table.First(cell);
+    while (found != kNone && !same(points[found])) found = table.Next(found);
+    return found;
+  });
 }
 
 // Cells of a grid of the tolerance, counted from a corner of the box of all points.
@@ -107,23 +116,9 @@ std::uint32_t FindClose(const CellTable& table, const std::vector<ZBR_PT3>& poin
 
 std::vector<std::uint32_t> WeldClose(std::vector<ZBR_PT3>& points, double tolerance) {
   const Grid grid(points, tolerance);
-  CellTable table(points.size());
-  std::vector<std::uint32_t> places;
-  places.reserve(points.size());
-  std::uint32_t kept = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const ZBR_PT3 p = points[i];
-    const Cell cell = grid.At(p);
-    std::uint32_t found = FindClose(table, points, p, cell, tolerance);
-    if (found == kNone) {
-      table.Add(cell);
-      found = kept;
-      points[kept++] = p;
-    }
-    places.push_back(found);
-  }
-  points.resize(kept);
-  return places;
+  return Weld(
+      points, [&grid](const ZBR_PT3& p) { return grid.At(p); },
+      [&](const CellTable& table, const ZBR_PT3& p, const Cell& cell) { return FindClose(table, points, p, cell, tolerance); });
 }
 
 }  // namespace
