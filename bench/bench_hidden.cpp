@@ -32,6 +32,7 @@
 
 #include "hidden_remover.h"
 #include "hidden_scenes.h"
+#include "process_status.h"
 
 namespace bench {
 namespace {
@@ -64,17 +65,6 @@ double Time(const Work& work) {
 double Median(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   return values[values.size() / 2];
-}
-
-// A value of this process's status file, in MiB.
-double StatusMib(const std::string& key) {
-  std::ifstream status("/proc/self/status");
-  std::string word;
-  double kib = 0.0;
-  while (status >> word) {
-    if (word == key + ":") status >> kib;
-  }
-  return kib / 1024.0;
 }
 
 // Gives freed memory back and lets the high-water mark start again from what is left, which is returned in MiB.

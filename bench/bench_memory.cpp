@@ -10,13 +10,13 @@
 
 #include <cstdio>
 #include <exception>
-#include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "mesh_peer.h"
 #include "peer.h"
+#include "process_status.h"
 #include "selection.h"
 
 namespace bench {
@@ -26,17 +26,6 @@ const std::vector<Sizes> kSizes = {
     {"coast", {100'000}, {1'000'000}},
     {"mesh", {100'000}, {1'000'000}},
 };
-
-// A value of this process's status file, in MiB.
-double StatusMib(const std::string& key) {
-  std::ifstream status("/proc/self/status");
-  std::string word;
-  double kib = 0.0;
-  while (status >> word) {
-    if (word == key + ":") status >> kib;
-  }
-  return kib / 1024.0;
-}
 
 // Runs in the forked process; returns its exit code.
 template <class Work>

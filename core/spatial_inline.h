@@ -19,15 +19,11 @@ inline bool SamePoint(const ZBR_PT3& p, const ZBR_PT3& q, double eps2) {
 
 // Side of the projected line through a and b, which are known to differ in space: c*c / |d|^2 is the squared distance from the
 // line. A line of no projected direction gives 0/0, which is no side, or, at a rounding error, an infinite distance.
-inline int SideOfLineXY(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b, double eps2) {
-  const ZBR_PT d = b - a;
-  const double c = Cross(d, p - a);
+inline int SideOfLineXY(const ZBR_PT3& p, const ZBR_PT3& a, const ZBR_PT3& b, double eps2) {
+  const ZBR_PT d = b.xy() - a.xy();
+  const double c = Cross(d, p.xy() - a.xy());
   if (c * c / d.Length2() > eps2) return c > 0.0 ? 1 : -1;
   return 0;
-}
-
-inline int SideOfLineXY(const ZBR_PT3& p, const ZBR_PT3& a, const ZBR_PT3& b, double eps2) {
-  return SideOfLineXY(p.xy(), a.xy(), b.xy(), eps2);
 }
 
 }  // namespace zbr

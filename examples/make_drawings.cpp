@@ -9,10 +9,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
+
+#include "write_file.h"
 
 namespace {
 
@@ -215,14 +216,6 @@ std::string Gasket() {
   return drawing.Finish();
 }
 
-bool Write(const std::string& file, const std::string& text) {
-  std::ofstream stream(file, std::ios::binary);
-  stream << text;
-  stream.close();
-  if (!stream) std::cerr << file << ": cannot write\n";
-  return static_cast<bool>(stream);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -231,5 +224,5 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string folder = std::string(argv[1]) + "/";
-  return Write(folder + "bracket.dxf", Bracket()) && Write(folder + "gasket.dxf", Gasket()) ? 0 : 2;
+  return WriteFile(folder + "bracket.dxf", Bracket()) && WriteFile(folder + "gasket.dxf", Gasket()) ? 0 : 2;
 }

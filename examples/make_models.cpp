@@ -7,11 +7,11 @@
 
 #include <cmath>
 #include <cstdio>
-#include <fstream>
 #include <iostream>
 #include <string>
 
 #include "models/models.h"
+#include "write_file.h"
 
 namespace {
 
@@ -34,14 +34,6 @@ std::string Obj(const std::string& title, const tool::Mesh& mesh) {
   return text;
 }
 
-bool Write(const std::string& file, const std::string& text) {
-  std::ofstream stream(file, std::ios::binary);
-  stream << text;
-  stream.close();
-  if (!stream) std::cerr << file << ": cannot write\n";
-  return static_cast<bool>(stream);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -50,8 +42,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::string folder = std::string(argv[1]) + "/";
-  return Write(folder + "housing.obj", Obj("Bearing housing, millimetres", example::Housing())) &&
-                 Write(folder + "house.obj", Obj("House, metres", example::House()))
+  return WriteFile(folder + "housing.obj", Obj("Bearing housing, millimetres", example::Housing())) &&
+                 WriteFile(folder + "house.obj", Obj("House, metres", example::House()))
              ? 0
              : 2;
 }

@@ -1,10 +1,10 @@
 #include "outline/vertices.h"
 
 #include <bit>
-#include <cmath>
 #include <cstdint>
 
 #include "core/planar_inline.h"
+#include "core/tolerance_cell.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -18,10 +18,6 @@ constexpr double kCellWidth = 4.0;  // in units of the tolerance
 VertexGrid::VertexGrid(std::size_t expected)
     : eps_(t_tolerance.eps), eps2_(t_tolerance.eps2), first_(std::bit_ceil(expected + expected / 2 + 2), -1) {
   vertices_.reserve(expected);
-}
-
-double VertexGrid::CellOf(double c) const {
-  return (eps_ > 0.0 ? std::floor(c / (kCellWidth * eps_)) : c) + 0.0;  // adding zero makes the two zeros one
 }
 
 std::size_t VertexGrid::Bucket(double cellX, double cellY) const {
@@ -45,15 +41,15 @@ int VertexGrid::BestInBucket(const ZBR_PT& p, std::size_t bucket, int best) cons
 }
 
 int VertexGrid::At(const ZBR_PT& p) {
-  const double x[] = {CellOf(p.x() - eps_), CellOf(p.x() + eps_)};
-  const double y[] = {CellOf(p.y() - eps_), CellOf(p.y() + eps_)};
+  const double x[] = {CellOf(p.x() - eps_, kCellWidth, eps_), CellOf(p.x() + eps_, kCellWidth, eps_)};
+  const double y[] = {CellOf(p.y() - eps_, kCellWidth, eps_), CellOf(p.y() + eps_, kCellWidth, eps_)};
   int best = -1;
   for (int i = 0; i < (x[0] == x[1] ? 1 : 2); ++i) {
     for (int j = 0; j < (y[0] == y[1] ? 1 : 2); ++j) best = BestInBucket(p, Bucket(x[i], y[j]), best);
   }
   if (best >= 0) return best;
   const int number = size();
-  int& first = first_[Bucket(CellOf(p.x()), CellOf(p.y()))];
+  int& first = first_[Bucket(CellOf(p.x(), kCellWidth, eps_), CellOf(p.y(), kCellWidth, eps_))];
   vertices_.push_back({p, first});
   first = number;
   return number;

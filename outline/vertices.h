@@ -24,7 +24,6 @@ class VertexGrid {
     int next;  // in the same bucket
   };
 
-  double CellOf(double c) const;
   std::size_t Bucket(double cellX, double cellY) const;
   // The better of `best` and the vertices of one bucket.
   int BestInBucket(const ZBR_PT& p, std::size_t bucket, int best) const;

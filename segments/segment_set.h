@@ -15,6 +15,7 @@
 #include <zbr/spatial.h>
 
 #include "core/spatial_inline.h"
+#include "core/tolerance_cell.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -60,8 +61,7 @@ class SegmentSet {
     std::int32_t next;
   };
 
-  // Zero tolerance makes every value a cell of its own; adding zero makes the two zeros one.
-  double CellOf(double c) const { return (eps_ > 0.0 ? std::floor(c / (kCellWidth * eps_)) : c) + 0.0; }
+  double CellOf(double c) const { return zbr::CellOf(c, kCellWidth, eps_); }
 
   std::size_t Hash(const Ends& cells) const {
     std::uint64_t h = 0;
