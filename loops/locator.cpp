@@ -184,19 +184,10 @@ ZBR_POLY_INSIDE RingLocator::ScanRings(const ZBR_PT& p, double eps) const {
 }
 
 void RingLocator::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) const {
-  const Box near = BoxOfSegment(a, b).Widened(eps);
-  index_.tree().Walk([&](const Box& box, int, std::uint32_t) { return Overlap(box, near); },
-                     [&](std::uint32_t leaf) {
-                       const EdgeIndex::Leaf& at = index_.leaf(leaf);
-                       const IndexedRing& ring = index_.rings()[at.ring];
-                       for (std::uint32_t slot = at.first; slot < index_.LastSlot(at); ++slot) {
-                         double t = 0.0;
-                         if (IsOnSegment(ring.points[ring.Vertex(slot)], a, b, eps * eps, nullptr, &t) && 0.0 < t && t < 1.0) {
-                           params.push_back(t);
-                         }
-                       }
-                       return true;
-                     });
+  EdgesNear(BoxOfSegment(a, b).Widened(eps), [&](const ZBR_PT& vertex, const ZBR_PT&) {
+    double t = 0.0;
+    if (IsOnSegment(vertex, a, b, eps * eps, nullptr, &t) && 0.0 < t && t < 1.0) params.push_back(t);
+  });
 }
 
 }  // namespace zbr

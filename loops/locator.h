@@ -19,6 +19,10 @@ class RingLocator {
 
   ZBR_POLY_INSIDE Locate(const ZBR_PT& p, double eps) const;
 
+  // Calls visit(p, q) for edges p-q of the rings, at least for all whose boxes meet `box`.
+  template <class Visit>
+  void EdgesNear(const Box& box, Visit visit) const;
+
   // Appends the parameters in (0, 1) at which vertices of the rings lie on the segment a-b.
   void VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) const;
 
@@ -35,5 +39,22 @@ class RingLocator {
   Box box_;
   double reach_ = 0.0;  // largest coordinate magnitude: the scale of rounding errors
 };
+
+template <class Visit>
+void RingLocator::EdgesNear(const Box& box, Visit visit) const {
+  index_.tree().Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(node, box); },
+                     [&](std::uint32_t leaf) {
+                       const EdgeIndex::Leaf& at = index_.leaf(leaf);
+                       const IndexedRing& ring = index_.rings()[at.ring];
+                       const std::uint32_t last = index_.LastSlot(at);
+                       std::uint32_t u = ring.Vertex(at.first);
+                       for (std::uint32_t slot = at.first; slot < last; ++slot) {
+                         const std::uint32_t v = ring.Next(u);
+                         visit(ring.points[u], ring.points[v]);
+                         u = v;
+                       }
+                       return true;
+                     });
+}
 
 }  // namespace zbr

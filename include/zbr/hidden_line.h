@@ -99,7 +99,7 @@ struct ZBR_HL_TRI {
   int adj[3] = {-1, -1, -1};                // idx of the triangle across edge i; -1: none
   int adj_edge[3] = {-1, -1, -1};           // which of that triangle's edges it is; -1: found by comparing vertices
   bool dispj[3] = {false, false, false};    // edge i is to be drawn
-  int profile[3] = {-1, -1, -1};            // outline marker of edge i
+  int profile[3] = {-1, -1, -1};            // edge i lies on the outline: 0 not, 1 in part, 2 wholly; -1: not examined
   std::vector<ZBR_HL_INTERVAL> intvl_v[3];  // visible intervals of edge i
 
   // Of a triangle that is seen edge-on ("vertical"):
@@ -249,12 +249,12 @@ struct ZBR_HL_SHELL {
   double max_x = 0.0, min_x = 0.0, max_y = 0.0, min_y = 0.0, max_z = 0.0, min_z = 0.0;  // by GetMaxMin
   ZBR_HL_TRI* tris = nullptr;
   unsigned count = 0;
-  std::vector<std::shared_ptr<ZBR_LOOP>> outline;
-  std::vector<std::shared_ptr<ZBR_LOOP>> outline_all;
-  bool done = false;          // HiddenLineSelf has run
-  bool maxmin_valid = false;  // the extents are set
-  bool quad_built = false;    // order, root and occluders are built
-  std::vector<int> order;     // positions by decreasing max_z
+  std::vector<std::shared_ptr<ZBR_LOOP>> outline;      // of the object whose first shell this is, as far as it is not covered
+  std::vector<std::shared_ptr<ZBR_LOOP>> outline_all;  // of the same object, whole
+  bool done = false;                                   // HiddenLineSelf has run
+  bool maxmin_valid = false;                           // the extents are set
+  bool quad_built = false;                             // order, root and occluders are built
+  std::vector<int> order;                              // positions by decreasing max_z
   ZBR_HL_QUAD root;
   std::vector<std::pair<int, int>> id_map;  // (idx, position), sorted by idx
   // Scratch; the contents never matter between calls and are not copied.
@@ -320,8 +320,8 @@ class ZBR_HiddenLine {
   // The next shell's index.
   ZBR_API static std::atomic<int> max_shell_index;
 
-  // One object of `count` shells: removes its hidden lines and, when out is not null, writes the visible ones as polylines
-  // (zbrOptimizeHiddenLine).
+  // One object of `count` shells: removes its hidden lines, finds its outline (OutLineObj) and, when out is not null, writes the
+  // visible lines as polylines (zbrOptimizeHiddenLine).
   ZBR_API static void HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>* out, unsigned count);
   // Hides the lines of object a behind object b and, if both, those of b behind a; then takes from the farther object's outline
   // what the nearer one covers (b's only if both).
@@ -354,6 +354,27 @@ class ZBR_HiddenLine {
                                  const std::vector<std::shared_ptr<ZBR_LOOP>>& overlap);
   ZBR_API static int CheckCloser(const ZBR_HL_SHELL* a, const ZBR_HL_SHELL* b, unsigned na, unsigned nb,
                                  const std::vector<ZBR_CROSS>& crosses);
+
+  // The outline of an object of `count` shells: the boundary of the union of the projections of all its triangles but the vertical
+  // and the invalid ones, as outer loops (counter-clockwise, level 0) with holes (clockwise, level 1). It replaces
+  // shells[0].outline_all; outline becomes a deep copy of it. Sets `profile` of all triangles. Shells that are not processed
+  // are classified first (GetMaxMin, CheckTriangle, with the thread's tolerance).
+  //
+  // Loops are simple: they may touch each other at vertices, but neither cross nor pass a vertex twice. Vertices of triangles
+  // appear unchanged. What is narrower than about 1e-9 of the object's larger side (gaps between triangles that should meet,
+  // slivers) counts as closed. n log n in the triangles' edges that do not cancel with a neighbour's, and in the crossings
+  // between those. Not for two threads at once on one shell.
+  ZBR_API static void OutLineObj(ZBR_HL_SHELL* shells, unsigned count);
+
+  // The same question for a single edge, by a walk over quadtrees: takes from `parts` (sorted stretches of edge `edge` of t) those
+  // beside which, on the right of the edge as t runs counter-clockwise, a triangle of s lies. What all shells of an object leave
+  // of the whole edge is outline. Within the thread's tolerance. s must have been processed. The ByQuad forms return whether
+  // nothing is left.
+  ZBR_API static void OutLine_TriByShell(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& s, std::vector<ZBR_HL_INTERVAL>& parts);
+  ZBR_API static bool OutLine_TriByQuad(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& s, const ZBR_HL_QUAD& node,
+                                        std::vector<ZBR_HL_INTERVAL>& parts);
+  ZBR_API static bool OutLine_TriByChildQuad(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& s, const ZBR_HL_QUAD& node,
+                                             std::vector<ZBR_HL_INTERVAL>& parts);
 
   // The hidden stretches of the drawable edges, in projection. Stretches of at most eps are left out, and repeats.
   //   mode 0, 1  as they are

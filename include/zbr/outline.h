@@ -1,10 +1,12 @@
-// Chaining of segments into polylines.
+// Chaining of segments into polylines, and of outline pieces into loops.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <zbr/export.h>
 #include <zbr/hidden_line.h>
+#include <zbr/loop.h>
 #include <zbr/planar.h>
 
 // How far the chaining of a segment end has come.
@@ -40,3 +42,14 @@ ZBR_API int zbrOptimizeSegs(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::ve
 // The visible lines of `count` shells as polylines in the XY plane: chains the visible intervals of all their triangles under a
 // tolerance of 0.001 (restored afterwards). Changes nothing in the shells. Output and result as zbrOptimizeSegs.
 ZBR_API int zbrOptimizeHiddenLine(const ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>& out, unsigned int count);
+
+// Closes directed pieces of a region's boundary into loops. Records 2k and 2k + 1 are the start and the end of piece k, which has
+// the region on its left; the order of the pieces is free. `loops` is replaced by outer loops (counter-clockwise, level 0) with
+// their holes (clockwise, level 1), nested by zbrMakeLoopTree; returns the number of outer loops.
+//
+// Ends within 1e-9 of the larger side of the pieces' box share a vertex. Pieces shorter than that, repeats, pairs of opposite
+// pieces, pieces that do not close and loops narrower than that are left out; so are points lying straight between their
+// neighbours. Where several pieces leave a vertex, the one that turns most sharply to the left goes on, and a loop that comes back
+// to a vertex is cut off there: loops touch, but do not cross. The fields index, vertex, link (the record at the same vertex
+// through which the boundary goes on) and state of the records are overwritten. n log n.
+ZBR_API int zbrMakeOutLineLoops(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
