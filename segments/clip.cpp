@@ -35,8 +35,8 @@ int ClipSegs(std::span<const ZBR_SEG3> segs, Region region, std::vector<ZBR_SEG3
 // Strings the pieces of consecutive segments together.
 class PolylineClipper {
  public:
-  PolylineClipper(Region region, std::vector<Polyline>& inside, std::vector<Polyline>* outside)
-      : cutter_(region, zbr::t_tolerance.eps), inside_(inside), outside_(outside) {}
+  PolylineClipper(zbr::RegionCutter& cutter, std::vector<Polyline>& inside, std::vector<Polyline>* outside)
+      : cutter_(cutter), inside_(inside), outside_(outside) {}
 
   int Run(const Polyline& line) {
     for (std::size_t i = 0; i + 1 < line.size(); ++i) Add(line[i], line[i + 1]);
@@ -72,7 +72,7 @@ class PolylineClipper {
     open_.clear();
   }
 
-  zbr::RegionCutter cutter_;
+  zbr::RegionCutter& cutter_;
   std::vector<Polyline>& inside_;
   std::vector<Polyline>* outside_;
   Polyline open_;
@@ -105,10 +105,25 @@ int zbrClipSegs(const std::vector<ZBR_SEG3>& segs, const std::vector<std::shared
 
 int zbrClipPolyline(const std::vector<ZBR_PT3>& line, const std::shared_ptr<ZBR_LOOP>& region,
                     std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside) {
-  return PolylineClipper({&region, 1}, inside, outside).Run(line);
+  zbr::RegionCutter cutter({&region, 1}, zbr::t_tolerance.eps);
+  return PolylineClipper(cutter, inside, outside).Run(line);
 }
 
 int zbrClipPolyline(const std::vector<ZBR_PT3>& line, const std::vector<std::shared_ptr<ZBR_LOOP>>& region,
                     std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside) {
-  return PolylineClipper(region, inside, outside).Run(line);
+  zbr::RegionCutter cutter(region, zbr::t_tolerance.eps);
+  return PolylineClipper(cutter, inside, outside).Run(line);
+}
+
+int zbrClipPolylines(const std::vector<std::vector<ZBR_PT3>>& lines, const std::vector<std::shared_ptr<ZBR_LOOP>>& region,
+                     std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside,
+                     std::vector<int>* inside_of, std::vector<int>* outside_of) {
+  zbr::RegionCutter cutter(region, zbr::t_tolerance.eps);
+  int count = 0;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    count += PolylineClipper(cutter, inside, outside).Run(lines[i]);
+    if (inside_of != nullptr) inside_of->resize(inside.size(), static_cast<int>(i));
+    if (outside_of != nullptr && outside != nullptr) outside_of->resize(outside->size(), static_cast<int>(i));
+  }
+  return count;
 }

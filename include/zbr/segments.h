@@ -54,3 +54,9 @@ ZBR_API int zbrClipPolyline(const std::vector<ZBR_PT3>& line, const std::shared_
                             std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside);
 ZBR_API int zbrClipPolyline(const std::vector<ZBR_PT3>& line, const std::vector<std::shared_ptr<ZBR_LOOP>>& region,
                             std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside);
+
+// The same for many polylines. inside_of and outside_of, which may be null, receive for each piece the place of its polyline in
+// `lines`; they run along with `inside` and `outside` and are resized with them.
+ZBR_API int zbrClipPolylines(const std::vector<std::vector<ZBR_PT3>>& lines, const std::vector<std::shared_ptr<ZBR_LOOP>>& region,
+                             std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside,
+                             std::vector<int>* inside_of, std::vector<int>* outside_of);
