@@ -108,6 +108,7 @@ void ZBR_HiddenLine::HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count) {
 void ZBR_HiddenLine::HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>* out, unsigned count) {
   if (count == 0) return;
   HiddenLine_Shells(shells, count);
+  OutLineObj(shells, count);
   if (out != nullptr) zbrOptimizeHiddenLine(shells, *out, count);
 }
 

@@ -1,0 +1,81 @@
+// The outline of an object: the boundary of the union of its projected triangles.
+//
+// Idea: let every projected triangle run counter-clockwise. The sum of their boundaries winds around each place once for each
+// triangle that covers it, and two triangles on opposite sides of a common edge cancel there. So only the edges that do not
+// cancel (silhouettes, borders, neighbours of vertical triangles) are needed to know everywhere how many triangles there are:
+// arranged in the plane (Arrangement), they divide it into parts with one number each (BoundarySides), and the outline runs where a
+// positive number meets 0. As boundary of a set of parts it closes by itself, whatever rounding did to the arrangement
+// before (TraceRings, NestRings). Its size is that of the silhouettes, not of the mesh.
+#include <memory>
+#include <vector>
+
+#include <zbr/hidden_line.h>
+#include <zbr/loop.h>
+
+#include "outline/arrangement.h"
+#include "outline/bare_edges.h"
+#include "outline/loop_builder.h"
+#include "outline/winding_sweep.h"
+
+namespace {
+
+using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
+
+void Classify(ZBR_HL_SHELL* shells, unsigned count) {
+  for (unsigned i = 0; i < count; ++i) {
+    if (shells[i].done) continue;
+    shells[i].GetMaxMin();
+    shells[i].CheckTriangle();
+  }
+}
+
+// Whether a side lies on the outline: not (0), in part (1), wholly (2).
+int ProfileOf(std::size_t side, const zbr::Arrangement& arrangement, const std::vector<std::int8_t>& boundary) {
+  bool some = false;
+  bool all = true;
+  arrangement.PiecesOf(side, [&](std::uint32_t piece) {
+    const bool on = piece != zbr::Arrangement::kNoPiece && boundary[piece] != 0;
+    some |= on;
+    all &= on;
+  });
+  return !some ? 0 : all ? 2 : 1;
+}
+
+void SetProfiles(ZBR_HL_SHELL* shells, const zbr::BareEdges& bare, const zbr::Arrangement& arrangement,
+                 const std::vector<std::int8_t>& boundary) {
+  for (std::size_t i = 0; i < bare.sides.size(); ++i) {
+    const zbr::TriangleSide& side = bare.sides[i];
+    shells[side.shell].tris[side.triangle].profile[side.edge] = ProfileOf(i, arrangement, boundary);
+  }
+}
+
+Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::int8_t>& boundary) {
+  std::vector<zbr::BoundaryPiece> pieces;
+  for (std::size_t i = 0; i < boundary.size(); ++i) {
+    const zbr::Arrangement::Piece& p = arrangement.pieces()[i];
+    if (boundary[i] > 0) pieces.push_back({p.from, p.to});
+    if (boundary[i] < 0) pieces.push_back({p.to, p.from});
+  }
+  // Turns are judged on the grid, where nothing crosses.
+  std::vector<ZBR_PT> places;
+  places.reserve(arrangement.nodes().size());
+  for (const zbr::GridPoint& node : arrangement.nodes()) places.emplace_back(node.x, node.y);
+  std::vector<std::uint32_t> next;
+  const std::vector<zbr::Ring> rings = zbr::TraceRings(pieces, places, next);
+  return zbr::NestRings(rings, arrangement.points(), arrangement.step());
+}
+
+}  // namespace
+
+void ZBR_HiddenLine::OutLineObj(ZBR_HL_SHELL* shells, unsigned count) {
+  if (count == 0) return;
+  Classify(shells, count);
+  const zbr::BareEdges bare = zbr::CollectBareEdges(shells, count);
+  const zbr::Arrangement arrangement(bare.edges);
+  const std::vector<std::int8_t> boundary = zbr::BoundarySides(arrangement);
+  SetProfiles(shells, bare, arrangement, boundary);
+  shells[0].outline_all = LoopsAround(arrangement, boundary);
+  Loops copy;
+  ZBR_LOOP::DeepCopyLoops(copy, shells[0].outline_all);
+  shells[0].outline.swap(copy);
+}
