@@ -9,6 +9,7 @@
 #include "core/box.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/extents.h"
 #include "outline/loop_builder.h"
 #include "outline/vertices.h"
 
@@ -16,12 +17,12 @@ namespace {
 
 using Ends = std::vector<ZBR_HL_OPT_PT>;
 
-bool IsFinite(const ZBR_PT& p) {
-  return std::isfinite(p.x()) && std::isfinite(p.y());
+bool IsUsable(const ZBR_PT& p) {
+  return zbr::IsUsable(p.x()) && zbr::IsUsable(p.y());
 }
 
 bool IsUsable(const Ends& ends, std::size_t piece) {
-  return IsFinite(ends[2 * piece].pt) && IsFinite(ends[2 * piece + 1].pt);
+  return IsUsable(ends[2 * piece].pt) && IsUsable(ends[2 * piece + 1].pt);
 }
 
 double WidthFor(const Ends& ends) {
@@ -92,11 +93,10 @@ class LoosePieces {
     std::vector<Item> items;
     std::vector<Item> scratch;
     for (std::size_t k = 0; k < ends_.size() / 2; ++k) {
-      const int u = ends_[2 * k].vertex;
-      const int v = ends_[2 * k + 1].vertex;
-      if (u == v) continue;  // too short, or not finite
-      const auto [low, high] = std::minmax(static_cast<std::uint64_t>(u), static_cast<std::uint64_t>(v));
-      items.push_back({low << 32U | high, static_cast<std::uint32_t>(k), u > v});
+      const auto from = static_cast<std::uint32_t>(ends_[2 * k].vertex);
+      const auto to = static_cast<std::uint32_t>(ends_[2 * k + 1].vertex);
+      if (from == to) continue;  // too short, or not finite
+      items.push_back({std::uint64_t{std::min(from, to)} << 32U | std::max(from, to), static_cast<std::uint32_t>(k), from > to});
     }
     zbr::RadixSort(items, scratch, [](const Item& item) { return item.ends; });
     for (std::size_t begin = 0; begin < items.size();) {

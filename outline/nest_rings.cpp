@@ -82,6 +82,7 @@ std::shared_ptr<ZBR_LOOP> ScaledLoop(const Points& ring, const ZBR_PT& centre, i
 }  // namespace
 
 std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> points, double width) {
+  if (rings.empty()) return {};
   Box box;
   for (const Ring& ring : rings) {
     for (const std::uint32_t v : ring) box.Add(points[v]);

@@ -25,7 +25,8 @@ ZBR_API void zbrRemoveSameSeg(const std::vector<ZBR_SEG3>& ref, std::vector<ZBR_
 
 // Clipping of spatial segments by a planar region, seen along z.
 //
-// A region is a loop with its children as holes, or a list of such loops as zbrMakeLoopTree leaves it. Orientation does not matter.
+// A region is a loop with its children as holes, or a list of such loops as zbrMakeLoopTree leaves it; loops that overlap count
+// even and odd. Orientation does not matter.
 // The pieces of a segment follow one another from its start to its end, share their end points exactly, and begin and end with the
 // segment's own points; the points between are those at the parameter of the crossing, x, y and z alike. So the inside and the
 // outside pieces together are the segment.
