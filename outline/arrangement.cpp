@@ -1,13 +1,15 @@
 // Idea: put the vertices on a grid, on which the side of a point and the order along an edge are exact integers; cut the edges
 // where they cross or pass vertices; move the crossings to grid nodes as well; and since that bends edges a little, look again at
 // those that were cut, until nothing crosses any more. (Compare Hobby, "Practical segment intersection with finite precision
-// output", 1999, whose hot pixels do it in one pass and with more effort.) In the first round an edge is also led through vertices
-// that it passes within one and a half steps: more than rounding to the grid can move it, so what should meet but for the rounding
-// errors of its coordinates, meets.
+// output", 1999, whose hot pixels do it in one pass and with more effort.)
+//
+// An edge is led through every vertex that it passes within a reach: in the first round one and a half steps, more than
+// rounding to the grid can move it, so what should meet but for the rounding errors of its coordinates, meets; later three quarters
+// of a step, as far as a crossing can be moved from its edges. Without that, long edges that are nearly parallel would slide along
+// each other, crossing anew one step farther in each round. Two or three rounds are the rule; the reach grows if they go on.
 //
 // Edges that share both ends are one line with a count from the start, so that the sides of triangles that were never told to be
-// neighbours cancel before anything is searched. The first round joins all lines with all; later ones only lines that were cut with
-// the rest, and mostly there is just one, which finds nothing.
+// neighbours cancel before anything is searched. The first round joins all lines with all, later ones the lines just cut with all.
 #include "outline/arrangement.h"
 
 #include <algorithm>
@@ -21,8 +23,12 @@
 namespace zbr {
 namespace {
 
-constexpr double kReach = 1.5;  // steps within which a vertex draws an edge to it
-constexpr int kMaxRounds = 32;  // three or four are the most that was ever seen
+constexpr int kMaxRounds = 32;
+
+// How close to a vertex, in steps, an edge must pass to be led through it.
+double ReachIn(int round) {
+  return round == 0 ? 1.5 : std::ldexp(0.75, round / 8);
+}
 
 // An edge while it is cut. Lines cut from the same edge stand together, in its order.
 struct Line {
@@ -91,8 +97,8 @@ class EdgeCutter {
   }
 
   void Run() {
-    for (int round = 0; round < kMaxRounds; ++round) {
-      FindCuts(round == 0);
+    for (round_ = 0; round_ < kMaxRounds; ++round_) {
+      FindCuts();
       if (cuts_.empty()) break;
       ApplyCuts();
     }
@@ -110,7 +116,7 @@ class EdgeCutter {
 
   void MakeLines(std::span<const DirectedEdge> edges);
   void SortInSpace();
-  void FindCuts(bool first);
+  void FindCuts();
   void Cross(std::uint32_t i, std::uint32_t j);
   bool CutNear(std::uint32_t line, std::uint32_t vertex, std::int64_t side, double limit);
   void CutAtCrossing(std::uint32_t i, std::uint32_t j, const ZBR_PT& place);
@@ -122,7 +128,8 @@ class EdgeCutter {
 
   Arrangement& out_;
   GridVertices vertices_;
-  double reach_ = kReach;
+  int round_ = 0;
+  double reach_ = 0.0;
   std::vector<Line> lines_;
   std::vector<Line> origins_;
   std::vector<std::uint32_t> fresh_;  // lines cut in the last round
@@ -184,11 +191,11 @@ BoxTree TreeOver(std::span<const std::uint32_t> members, BoxOfLine boxOfLine) {
 
 }  // namespace
 
-void EdgeCutter::FindCuts(bool first) {
+void EdgeCutter::FindCuts() {
   cuts_.clear();
-  reach_ = first ? kReach : 0.0;
+  reach_ = ReachIn(round_);
   std::vector<std::uint32_t> others;  // that have been joined with each other already
-  if (first) {
+  if (round_ == 0) {
     fresh_.resize(lines_.size());
     for (std::uint32_t i = 0; i < lines_.size(); ++i) fresh_[i] = i;
   } else {
@@ -229,11 +236,11 @@ void EdgeCutter::Cross(std::uint32_t i, std::uint32_t j) {
   };
   const std::int64_t sideR = Side(p, q, r);
   const std::int64_t sideS = Side(p, q, s);
-  const double limitA = reach_ == 0.0 ? 0.0 : reach_ * PointOn(p).Distance(PointOn(q));
+  const double limitA = reach_ * PointOn(p).Distance(PointOn(q));
   if (isBeside(sideR, sideS, limitA)) return;
   const std::int64_t sideP = Side(r, s, p);
   const std::int64_t sideQ = Side(r, s, q);
-  const double limitB = reach_ == 0.0 ? 0.0 : reach_ * PointOn(r).Distance(PointOn(s));
+  const double limitB = reach_ * PointOn(r).Distance(PointOn(s));
   if (isBeside(sideP, sideQ, limitB)) return;
   bool met = CutNear(i, b.from, sideR, limitA);
   met |= CutNear(i, b.to, sideS, limitA);
@@ -256,7 +263,8 @@ bool EdgeCutter::CutNear(std::uint32_t line, std::uint32_t vertex, std::int64_t 
 
 void EdgeCutter::CutAtCrossing(std::uint32_t i, std::uint32_t j, const ZBR_PT& place) {
   const ZBR_PT point = TrueCrossing(i, j, place);
-  const std::uint32_t vertex = reach_ > 0.0 ? vertices_.At(point) : vertices_.OnNode(GridVertices::NodeAt(place), point);
+  // In the first round crossings at one place become one vertex, even across the border of two nodes.
+  const std::uint32_t vertex = round_ == 0 ? vertices_.At(point) : vertices_.OnNode(GridVertices::NodeAt(place), point);
   for (const std::uint32_t line : {i, j}) {
     if (vertex != lines_[line].from && vertex != lines_[line].to) cuts_.push_back({line, vertex});
   }
