@@ -184,7 +184,7 @@ ZBR_POLY_INSIDE RingLocator::ScanRings(const ZBR_PT& p, double eps) const {
 }
 
 void RingLocator::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) const {
-  EdgesNear(BoxOfSegment(a, b).Widened(eps), [&](const ZBR_PT& vertex, const ZBR_PT&) {
+  EdgesNear(a, b, eps, [&](const ZBR_PT& vertex, const ZBR_PT&) {
     double t = 0.0;
     if (IsOnSegment(vertex, a, b, eps * eps, nullptr, &t) && 0.0 < t && t < 1.0) params.push_back(t);
   });

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <iterator>
+#include <new>
 
 #include "loops/point_in_loop.h"
 
@@ -63,9 +64,25 @@ ZBR_LOOP& ZBR_LOOP::operator=(const ZBR_LOOP& o) {
   return *this;
 }
 
+namespace {
+
+// False when there is no memory for `more` loops: loops are released in that case, too, and nothing may throw then.
+bool MakeRoom(LoopList& list, std::size_t more) {
+  const std::size_t needed = list.size() + more;
+  if (needed <= list.capacity()) return true;
+  try {
+    list.reserve(std::max(needed, 2 * list.capacity()));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 ZBR_LOOP::~ZBR_LOOP() {
   // A loop released here as last owner gives up its children first, so that no destructor calls another through the depth of the
-  // nesting.
+  // nesting (as long as there is memory).
   LoopList pending = std::move(children_);
   while (!pending.empty()) {
     const std::shared_ptr<ZBR_LOOP> loop = std::move(pending.back());
@@ -74,6 +91,7 @@ ZBR_LOOP::~ZBR_LOOP() {
 #if !defined(__SANITIZE_THREAD__)                         // which does not model fences
     std::atomic_thread_fence(std::memory_order_acquire);  // other owners may have let go of it on other threads
 #endif
+    if (!MakeRoom(pending, loop->children_.size())) continue;  // its own destructor does it, one level deeper
     std::move(loop->children_.begin(), loop->children_.end(), std::back_inserter(pending));
     loop->children_.clear();
   }

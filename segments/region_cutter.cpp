@@ -43,7 +43,7 @@ RegionCutter::RegionCutter(std::span<const std::shared_ptr<ZBR_LOOP>> region, do
 void RegionCutter::FindCuts(const ZBR_PT& a, const ZBR_PT& b) {
   cuts_.clear();
   const ZBR_PT d = b - a;
-  locator_.EdgesNear(BoxOfSegment(a, b).Widened(eps_), [&](const ZBR_PT& p, const ZBR_PT& q) {
+  locator_.EdgesNear(a, b, eps_, [&](const ZBR_PT& p, const ZBR_PT& q) {
     double t = 0.0;
     if (IsOnSegment(p, a, b, eps_ * eps_, nullptr, &t)) cuts_.push_back(t);
     if ((Cross(d, p - a) > 0.0) == (Cross(d, q - a) > 0.0)) return;
