@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <numeric>
 #include <utility>
 
 #include "core/box_tree.h"
@@ -24,6 +25,7 @@ namespace zbr {
 namespace {
 
 constexpr int kMaxRounds = 32;
+constexpr std::size_t kManyParts = 6;  // of a line, from which sorting them in space pays
 
 // How close to a vertex, in steps, an edge must pass to be led through it.
 double ReachIn(int round) {
@@ -90,7 +92,7 @@ class EdgeCutter {
   EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges) : out_(out), vertices_(BoxOf(edges), edges.size() / 2 + 16) {
     out_.step_ = vertices_.step();
     MakeLines(edges);
-    SortInSpace();
+    SortLines();
     origins_ = lines_;
     out_.lineBegin_.resize(lines_.size() + 1);
     for (std::uint32_t i = 0; i <= lines_.size(); ++i) out_.lineBegin_[i] = i;
@@ -115,7 +117,8 @@ class EdgeCutter {
   }
 
   void MakeLines(std::span<const DirectedEdge> edges);
-  void SortInSpace();
+  std::vector<std::uint32_t> InSpace(std::span<const std::uint32_t> lines) const;
+  void SortLines();
   void FindCuts();
   void Cross(std::uint32_t i, std::uint32_t j);
   bool CutNear(std::uint32_t line, std::uint32_t vertex, std::int64_t side, double limit);
@@ -132,7 +135,8 @@ class EdgeCutter {
   double reach_ = 0.0;
   std::vector<Line> lines_;
   std::vector<Line> origins_;
-  std::vector<std::uint32_t> fresh_;  // lines cut in the last round
+  std::vector<std::uint32_t> fresh_;  // what became of the lines cut in the last round
+  std::size_t linesCut_ = 0;          // how many those were
   std::vector<Cut> cuts_;
   std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
 };
@@ -158,12 +162,21 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges) {
   });
 }
 
-// Puts neighbours in the plane next to each other; the lines cut from them stay so.
-void EdgeCutter::SortInSpace() {
+// The lines in an order in which neighbours in the plane are near each other.
+std::vector<std::uint32_t> EdgeCutter::InSpace(std::span<const std::uint32_t> lines) const {
   std::vector<ZBR_PT> centres;
-  centres.reserve(lines_.size());
-  for (const Line& line : lines_) centres.push_back((PointOn(Node(line.from)) + PointOn(Node(line.to))) / 2.0);
-  const std::vector<std::uint32_t> order = SpatialOrder(centres);
+  centres.reserve(lines.size());
+  for (const std::uint32_t i : lines) centres.push_back((PointOn(Node(lines_[i].from)) + PointOn(Node(lines_[i].to))) / 2.0);
+  std::vector<std::uint32_t> order = SpatialOrder(centres);
+  for (std::uint32_t& i : order) i = lines[i];
+  return order;
+}
+
+// Puts the lines themselves into that order; what is cut from them later stays together.
+void EdgeCutter::SortLines() {
+  std::vector<std::uint32_t> all(lines_.size());
+  std::iota(all.begin(), all.end(), 0U);
+  const std::vector<std::uint32_t> order = InSpace(all);
   std::vector<Line> sorted(lines_.size());
   std::vector<std::uint32_t> place(lines_.size());
   for (std::uint32_t i = 0; i < order.size(); ++i) {
@@ -196,8 +209,9 @@ void EdgeCutter::FindCuts() {
   reach_ = ReachIn(round_);
   std::vector<std::uint32_t> others;  // that have been joined with each other already
   if (round_ == 0) {
+    linesCut_ = lines_.size();
     fresh_.resize(lines_.size());
-    for (std::uint32_t i = 0; i < lines_.size(); ++i) fresh_[i] = i;
+    std::iota(fresh_.begin(), fresh_.end(), 0U);
   } else {
     others.reserve(lines_.size() - fresh_.size());
     for (std::uint32_t i = 0, k = 0; i < lines_.size(); ++i) {
@@ -208,6 +222,8 @@ void EdgeCutter::FindCuts() {
       }
     }
   }
+  // A row of many parts of one line is no good neighbourhood, but good for the memory's caches.
+  if (fresh_.size() > kManyParts * linesCut_) fresh_ = InSpace(fresh_);
   const auto boxOfLine = [this](std::uint32_t i) {
     return BoxOfSegment(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to))).Widened(reach_ / 2.0);
   };
@@ -290,6 +306,7 @@ void EdgeCutter::ApplyCuts() {
   std::vector<Line> next;
   next.reserve(lines_.size() + cuts_.size());
   fresh_.clear();
+  linesCut_ = 0;
   std::vector<std::uint32_t> begin(lines_.size() + 1);
   std::size_t k = 0;
   for (std::uint32_t i = 0; i < lines_.size(); ++i) {
@@ -297,6 +314,7 @@ void EdgeCutter::ApplyCuts() {
     const std::size_t firstCut = k;
     while (k < cuts_.size() && cuts_[k].line == i) ++k;
     CutLine(lines_[i], std::span(cuts_).subspan(firstCut, k - firstCut), next);
+    linesCut_ += k > firstCut ? 1U : 0U;
     for (std::uint32_t made = begin[i]; k > firstCut && made < next.size(); ++made) fresh_.push_back(made);
   }
   begin[lines_.size()] = static_cast<std::uint32_t>(next.size());
