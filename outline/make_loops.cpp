@@ -87,7 +87,7 @@ class LoosePieces {
   void DropRepeats() {
     struct Item {
       std::uint64_t ends;  // the smaller vertex first
-      std::uint32_t piece;
+      std::size_t piece;
       bool reversed;
     };
     std::vector<Item> items;
@@ -96,7 +96,7 @@ class LoosePieces {
       const auto from = static_cast<std::uint32_t>(ends_[2 * k].vertex);
       const auto to = static_cast<std::uint32_t>(ends_[2 * k + 1].vertex);
       if (from == to) continue;  // too short, or not finite
-      items.push_back({std::uint64_t{std::min(from, to)} << 32U | std::max(from, to), static_cast<std::uint32_t>(k), from > to});
+      items.push_back({std::uint64_t{std::min(from, to)} << 32U | std::max(from, to), k, from > to});
     }
     zbr::RadixSort(items, scratch, [](const Item& item) { return item.ends; });
     for (std::size_t begin = 0; begin < items.size();) {
@@ -108,7 +108,7 @@ class LoosePieces {
       begin = end;
     }
     std::sort(number_.begin(), number_.end());
-    for (const std::uint32_t k : number_) {
+    for (const std::size_t k : number_) {
       pieces_.push_back({static_cast<std::uint32_t>(ends_[2 * k].vertex), static_cast<std::uint32_t>(ends_[2 * k + 1].vertex)});
     }
   }
@@ -116,7 +116,7 @@ class LoosePieces {
   Ends& ends_;
   std::vector<ZBR_PT> points_;
   std::vector<zbr::BoundaryPiece> pieces_;
-  std::vector<std::uint32_t> number_;  // of the piece among those given
+  std::vector<std::size_t> number_;  // of the piece among those given
 };
 
 }  // namespace
