@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #if defined(__SSE2__)
@@ -72,5 +73,29 @@ inline unsigned SidesBeyond(const ZBR_PT& p, const Box& box) {
 inline Box BoxOfSegment(const ZBR_PT& p, const ZBR_PT& q) {
   return {std::min(p.x(), q.x()), std::min(p.y(), q.y()), std::max(p.x(), q.x()), std::max(p.y(), q.y())};
 }
+
+// What lies within a margin of a segment, for searching boxes: the box of a slanting segment holds much that is far from it.
+class SegmentBand {
+ public:
+  SegmentBand(const ZBR_PT& a, const ZBR_PT& b, double margin)
+      : box_(BoxOfSegment(a, b).Widened(margin)),
+        a_(a),
+        d_(b - a),
+        reach_(2.0 * margin * (std::fabs(d_.x()) + std::fabs(d_.y()))) {}  // at least margin * |d|, and room for rounding
+
+  // False only for boxes that are farther away than the margin.
+  bool Meets(const Box& box) const {
+    if (!Overlap(box, box_)) return false;
+    const ZBR_PT off = box.Center() - a_;
+    const double extent = std::fabs(d_.x()) * (box.ymax - box.ymin) + std::fabs(d_.y()) * (box.xmax - box.xmin);
+    return std::fabs(d_.x() * off.y() - d_.y() * off.x()) <= 0.5 * extent + reach_;
+  }
+
+ private:
+  Box box_;
+  ZBR_PT a_;
+  ZBR_PT d_;
+  double reach_;
+};
 
 }  // namespace zbr

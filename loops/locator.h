@@ -1,7 +1,6 @@
 // Point location on one ring or on many rings at once, through a box hierarchy over the edges.
 #pragma once
 
-#include <cmath>
 #include <span>
 #include <vector>
 
@@ -43,16 +42,8 @@ class RingLocator {
 
 template <class Visit>
 void RingLocator::EdgesNear(const ZBR_PT& a, const ZBR_PT& b, double margin, Visit visit) const {
-  const Box near = BoxOfSegment(a, b).Widened(margin);
-  // Boxes wholly on one side of the line are passed by, too: the box of a slanting segment holds much that is far from it.
-  const ZBR_PT d = b - a;
-  const double reach = 2.0 * margin * (std::fabs(d.x()) + std::fabs(d.y()));  // more than margin * |d|
-  const auto isBeside = [&](const Box& box) {
-    const ZBR_PT off = box.Center() - a;
-    const double extent = std::fabs(d.x()) * (box.ymax - box.ymin) + std::fabs(d.y()) * (box.xmax - box.xmin);
-    return std::fabs(d.x() * off.y() - d.y() * off.x()) > 0.5 * extent + reach;
-  };
-  index_.tree().Walk([&](const Box& node, int, std::uint32_t) { return Overlap(node, near) && !isBeside(node); },
+  const SegmentBand band(a, b, margin);
+  index_.tree().Walk([&band](const Box& node, int, std::uint32_t) { return band.Meets(node); },
                      [&](std::uint32_t leaf) {
                        const EdgeIndex::Leaf& at = index_.leaf(leaf);
                        const IndexedRing& ring = index_.rings()[at.ring];

@@ -1,15 +1,16 @@
-// Idea: put the vertices on a grid, on which the side of a point and the order along an edge are exact integers; cut the edges
-// where they cross or pass vertices; move the crossings to grid nodes as well; and since that bends edges a little, look again at
-// those that were cut, until nothing crosses any more. (Compare Hobby, "Practical segment intersection with finite precision
-// output", 1999, whose hot pixels do it in one pass and with more effort.)
+// Snap rounding (Hobby, "Practical segment intersection with finite precision output", 1999; Guibas and Marimont, "Rounding
+// arrangements dynamically", 1998): put the vertices on a grid; find all crossings of the edges between them; call the cell around
+// the grid node of a vertex or a crossing hot; and lead every edge through the nodes of the hot cells that it passes. What results
+// does not cross and passes no vertex: if a piece between two nodes passed a third, the edge, which is no farther from the piece
+// than half a cell anywhere, would have passed that one's cell. That holds exactly, however many edges crowd together, because
+// everything is exact: edges have integer ends, so sides are exact in 64 bits, and the cell of a crossing in 128.
 //
-// An edge is led through every vertex that it passes within a reach: in the first round one and a half steps, more than
-// rounding to the grid can move it, so what should meet but for the rounding errors of its coordinates, meets; later three quarters
-// of a step, as far as a crossing can be moved from its edges. Without that, long edges that are nearly parallel would slide along
-// each other, crossing anew one step farther in each round. Two or three rounds are the rule; the reach grows if they go on.
+// Before that, edges are led through the vertices that they pass within one and a half steps. That is more than putting both on the
+// grid can have moved them apart; so what should meet but for the rounding errors of its coordinates, meets, and triangles with
+// vertices on each other's edges leave no cracks.
 //
 // Edges that share both ends are one line with a count from the start, so that the sides of triangles that were never told to be
-// neighbours cancel before anything is searched. The first round joins all lines with all, later ones the lines just cut with all.
+// neighbours cancel before anything is searched.
 #include "outline/arrangement.h"
 
 #include <algorithm>
@@ -24,13 +25,8 @@
 namespace zbr {
 namespace {
 
-constexpr int kMaxRounds = 32;
-constexpr std::size_t kManyParts = 6;  // of a line, from which sorting them in space pays
-
-// How close to a vertex, in steps, an edge must pass to be led through it.
-double ReachIn(int round) {
-  return round == 0 ? 1.5 : std::ldexp(0.75, round / 8);
-}
+// How close to a vertex, in steps, an edge must pass to be led through it in any case.
+constexpr double kReach = 1.5;
 
 // An edge while it is cut. Lines cut from the same edge stand together, in its order.
 struct Line {
@@ -38,11 +34,6 @@ struct Line {
   std::uint32_t to;
   std::int32_t net;      // from `from` to `to`
   std::uint32_t origin;  // the line that it was cut from in the first place
-};
-
-struct Cut {
-  std::uint32_t line;
-  std::uint32_t vertex;
 };
 
 // A line or its place, to be sorted by both ends.
@@ -99,11 +90,9 @@ class EdgeCutter {
   }
 
   void Run() {
-    for (round_ = 0; round_ < kMaxRounds; ++round_) {
-      FindCuts();
-      if (cuts_.empty()) break;
-      ApplyCuts();
-    }
+    CutLines(kReach, [this](const Line& line, std::uint32_t v) { return IsWithinReach(line, v); });
+    AddCrossings();
+    CutLines(0.5, [this](const Line& line, std::uint32_t v) { return PassesCell(line, v); });
     NumberVertices();
     MergeLines();
   }
@@ -117,27 +106,22 @@ class EdgeCutter {
   }
 
   void MakeLines(std::span<const DirectedEdge> edges);
-  std::vector<std::uint32_t> InSpace(std::span<const std::uint32_t> lines) const;
   void SortLines();
-  void FindCuts();
-  void Cross(std::uint32_t i, std::uint32_t j);
-  bool CutNear(std::uint32_t line, std::uint32_t vertex, std::int64_t side, double limit);
-  void CutAtCrossing(std::uint32_t i, std::uint32_t j, const ZBR_PT& place);
-  ZBR_PT TrueCrossing(std::uint32_t i, std::uint32_t j, const ZBR_PT& place) const;
-  void ApplyCuts();
-  void CutLine(const Line& line, std::span<Cut> cuts, std::vector<Line>& next);
+  bool IsWithinReach(const Line& line, std::uint32_t v) const;
+  bool PassesCell(const Line& line, std::uint32_t v) const;
+  template <class IsHit>
+  void CutLines(double margin, IsHit isHit);
+  void CutLine(const Line& line, std::vector<std::uint32_t>& hits, std::vector<Line>& next) const;
+  void AddCrossings();
+  void Cross(const Line& a, const Line& b);
+  ZBR_PT TrueCrossing(const Line& a, const Line& b, const ZBR_PT& place) const;
   void NumberVertices();
   void MergeLines();
 
   Arrangement& out_;
   GridVertices vertices_;
-  int round_ = 0;
-  double reach_ = 0.0;
   std::vector<Line> lines_;
   std::vector<Line> origins_;
-  std::vector<std::uint32_t> fresh_;  // what became of the lines cut in the last round
-  std::size_t linesCut_ = 0;          // how many those were
-  std::vector<Cut> cuts_;
   std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
 };
 
@@ -162,21 +146,12 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges) {
   });
 }
 
-// The lines in an order in which neighbours in the plane are near each other.
-std::vector<std::uint32_t> EdgeCutter::InSpace(std::span<const std::uint32_t> lines) const {
-  std::vector<ZBR_PT> centres;
-  centres.reserve(lines.size());
-  for (const std::uint32_t i : lines) centres.push_back((PointOn(Node(lines_[i].from)) + PointOn(Node(lines_[i].to))) / 2.0);
-  std::vector<std::uint32_t> order = SpatialOrder(centres);
-  for (std::uint32_t& i : order) i = lines[i];
-  return order;
-}
-
-// Puts the lines themselves into that order; what is cut from them later stays together.
+// Puts neighbours in the plane next to each other; what is cut from them stays together.
 void EdgeCutter::SortLines() {
-  std::vector<std::uint32_t> all(lines_.size());
-  std::iota(all.begin(), all.end(), 0U);
-  const std::vector<std::uint32_t> order = InSpace(all);
+  std::vector<ZBR_PT> centres;
+  centres.reserve(lines_.size());
+  for (const Line& line : lines_) centres.push_back((PointOn(Node(line.from)) + PointOn(Node(line.to))) / 2.0);
+  const std::vector<std::uint32_t> order = SpatialOrder(centres);
   std::vector<Line> sorted(lines_.size());
   std::vector<std::uint32_t> place(lines_.size());
   for (std::uint32_t i = 0; i < order.size(); ++i) {
@@ -190,150 +165,144 @@ void EdgeCutter::SortLines() {
   }
 }
 
-namespace {
+bool EdgeCutter::IsWithinReach(const Line& line, std::uint32_t v) const {
+  const GridPoint p = Node(line.from);
+  const GridPoint q = Node(line.to);
+  const std::int64_t along = Along(p, q, Node(v));
+  const std::int64_t length2 = Along(p, q, q);
+  if (along <= 0 || along >= length2) return false;
+  return std::fabs(static_cast<double>(Side(p, q, Node(v)))) <= kReach * std::sqrt(static_cast<double>(length2));
+}
 
-// A hierarchy over some of the lines; its leaves are in the order of `members`.
-template <class BoxOfLine>
-BoxTree TreeOver(std::span<const std::uint32_t> members, BoxOfLine boxOfLine) {
+// Whether the line meets the cell of the vertex: the square of one step around its node, with its lower and left sides, but without
+// the others. Seen along x, along y and along the line the two must overlap. If the line only touches the cell, it does so in a
+// corner, or along a side, and these belong to the cell or not.
+bool EdgeCutter::PassesCell(const Line& line, std::uint32_t v) const {
+  const GridPoint p = Node(line.from);
+  const GridPoint q = Node(line.to);
+  const GridPoint c = Node(v);
+  if (c.x < p.x || c.x > q.x || c.y < std::min(p.y, q.y) || c.y > std::max(p.y, q.y)) return false;
+  const std::int64_t dx = std::int64_t{q.x} - p.x;  // never negative
+  const std::int64_t dy = std::int64_t{q.y} - p.y;
+  const std::int64_t twiceSide = 2 * Side(p, q, c);
+  const std::int64_t width = dx + std::abs(dy);
+  if (std::abs(twiceSide) != width) return std::abs(twiceSide) < width;
+  return twiceSide > 0 ? dy <= 0 : dx == 0;
+}
+
+// Cuts every line at the vertices that isHit says. The vertices are searched in groups of four that are near each other.
+template <class IsHit>
+void EdgeCutter::CutLines(double margin, IsHit isHit) {
+  constexpr std::uint32_t kGroup = 4;
+  std::vector<ZBR_PT> places;
+  places.reserve(vertices_.size());
+  for (std::uint32_t v = 0; v < vertices_.size(); ++v) places.push_back(PointOn(Node(v)));
+  const std::vector<std::uint32_t> order = SpatialOrder(places);
   BoxTree tree;
-  const std::span<Box> leaves = tree.StartLeaves(members.size());
-  for (std::size_t i = 0; i < members.size(); ++i) leaves[i] = boxOfLine(members[i]);
+  const std::span<Box> leaves = tree.StartLeaves((order.size() + kGroup - 1) / kGroup);
+  for (std::size_t i = 0; i < order.size(); ++i) leaves[i / kGroup].Add(places[order[i]]);
   tree.BuildInner();
-  return tree;
-}
 
-}  // namespace
-
-void EdgeCutter::FindCuts() {
-  cuts_.clear();
-  reach_ = ReachIn(round_);
-  std::vector<std::uint32_t> others;  // that have been joined with each other already
-  if (round_ == 0) {
-    linesCut_ = lines_.size();
-    fresh_.resize(lines_.size());
-    std::iota(fresh_.begin(), fresh_.end(), 0U);
-  } else {
-    others.reserve(lines_.size() - fresh_.size());
-    for (std::uint32_t i = 0, k = 0; i < lines_.size(); ++i) {
-      if (k < fresh_.size() && fresh_[k] == i) {
-        ++k;
-      } else {
-        others.push_back(i);
-      }
-    }
-  }
-  // A row of many parts of one line is no good neighbourhood, but good for the memory's caches.
-  if (fresh_.size() > kManyParts * linesCut_) fresh_ = InSpace(fresh_);
-  const auto boxOfLine = [this](std::uint32_t i) {
-    return BoxOfSegment(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to))).Widened(reach_ / 2.0);
-  };
-  const BoxTree fresh = TreeOver(fresh_, boxOfLine);
-  BoxJoin::Run(fresh, fresh, [this](std::uint32_t i, std::span<const std::uint32_t> hits) {
-    for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) Cross(fresh_[i], fresh_[*j]);
-    return true;
-  });
-  BoxJoin::Run(fresh, TreeOver(others, boxOfLine), [&](std::uint32_t i, std::span<const std::uint32_t> hits) {
-    for (const std::uint32_t j : hits) Cross(fresh_[i], others[j]);
-    return true;
-  });
-}
-
-// Cuts two lines where they meet: each at the ends of the other that lie on it, or, if there are none, both where they cross.
-// (Lines led through an end of the other that cross elsewhere, too, are so flat that they do it again in the next round.)
-void EdgeCutter::Cross(std::uint32_t i, std::uint32_t j) {
-  const Line& a = lines_[i];
-  const Line& b = lines_[j];
-  const GridPoint p = Node(a.from);
-  const GridPoint q = Node(a.to);
-  const GridPoint r = Node(b.from);
-  const GridPoint s = Node(b.to);
-  const auto isBeside = [](std::int64_t u, std::int64_t v, double limit) {
-    return static_cast<double>(std::min(u, v)) > limit || static_cast<double>(std::max(u, v)) < -limit;
-  };
-  const std::int64_t sideR = Side(p, q, r);
-  const std::int64_t sideS = Side(p, q, s);
-  const double limitA = reach_ * PointOn(p).Distance(PointOn(q));
-  if (isBeside(sideR, sideS, limitA)) return;
-  const std::int64_t sideP = Side(r, s, p);
-  const std::int64_t sideQ = Side(r, s, q);
-  const double limitB = reach_ * PointOn(r).Distance(PointOn(s));
-  if (isBeside(sideP, sideQ, limitB)) return;
-  bool met = CutNear(i, b.from, sideR, limitA);
-  met |= CutNear(i, b.to, sideS, limitA);
-  met |= CutNear(j, a.from, sideP, limitB);
-  met |= CutNear(j, a.to, sideQ, limitB);
-  if (met || sideR == 0 || sideS == 0 || sideP == 0 || sideQ == 0) return;
-  if ((sideR > 0) == (sideS > 0) || (sideP > 0) == (sideQ > 0)) return;
-  const double share = static_cast<double>(sideP) / (static_cast<double>(sideP) - static_cast<double>(sideQ));
-  CutAtCrossing(i, j, PointOn(p) + (PointOn(q) - PointOn(p)) * share);
-}
-
-bool EdgeCutter::CutNear(std::uint32_t line, std::uint32_t vertex, std::int64_t side, double limit) {
-  const Line& l = lines_[line];
-  if (static_cast<double>(std::abs(side)) > limit || vertex == l.from || vertex == l.to) return false;
-  const std::int64_t along = Along(Node(l.from), Node(l.to), Node(vertex));
-  if (along <= 0 || along >= Along(Node(l.from), Node(l.to), Node(l.to))) return false;
-  cuts_.push_back({line, vertex});
-  return true;
-}
-
-void EdgeCutter::CutAtCrossing(std::uint32_t i, std::uint32_t j, const ZBR_PT& place) {
-  const ZBR_PT point = TrueCrossing(i, j, place);
-  // In the first round crossings at one place become one vertex, even across the border of two nodes.
-  const std::uint32_t vertex = round_ == 0 ? vertices_.At(point) : vertices_.OnNode(GridVertices::NodeAt(place), point);
-  for (const std::uint32_t line : {i, j}) {
-    if (vertex != lines_[line].from && vertex != lines_[line].to) cuts_.push_back({line, vertex});
-  }
-}
-
-// The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.
-ZBR_PT EdgeCutter::TrueCrossing(std::uint32_t i, std::uint32_t j, const ZBR_PT& place) const {
-  constexpr double kNear = 2.0;  // steps
-  const auto [first, second] = std::minmax(lines_[i].origin, lines_[j].origin);
-  const ZBR_PT& p = vertices_.point(origins_[first].from);
-  const ZBR_PT& r = vertices_.point(origins_[second].from);
-  const ZBR_PT d = vertices_.point(origins_[first].to) - p;
-  const ZBR_PT e = vertices_.point(origins_[second].to) - r;
-  const ZBR_PT point = p + d * ((r - p).OuterProduct(e) / d.OuterProduct(e));
-  const ZBR_PT off = vertices_.ToGrid(point) - place;
-  const bool isNear = std::fabs(off.x()) <= kNear && std::fabs(off.y()) <= kNear;  // false for NaN
-  return isNear ? point : vertices_.FromGrid(place);
-}
-
-void EdgeCutter::ApplyCuts() {
-  std::vector<Cut> scratch;
-  RadixSort(cuts_, scratch, [](const Cut& c) { return c.line; });
   std::vector<Line> next;
-  next.reserve(lines_.size() + cuts_.size());
-  fresh_.clear();
-  linesCut_ = 0;
+  next.reserve(lines_.size() + vertices_.size());
   std::vector<std::uint32_t> begin(lines_.size() + 1);
-  std::size_t k = 0;
-  for (std::uint32_t i = 0; i < lines_.size(); ++i) {
+  std::vector<std::uint32_t> hits;
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
     begin[i] = static_cast<std::uint32_t>(next.size());
-    const std::size_t firstCut = k;
-    while (k < cuts_.size() && cuts_[k].line == i) ++k;
-    CutLine(lines_[i], std::span(cuts_).subspan(firstCut, k - firstCut), next);
-    linesCut_ += k > firstCut ? 1U : 0U;
-    for (std::uint32_t made = begin[i]; k > firstCut && made < next.size(); ++made) fresh_.push_back(made);
+    const Line& line = lines_[i];
+    hits.clear();
+    const SegmentBand band(PointOn(Node(line.from)), PointOn(Node(line.to)), margin);
+    tree.Walk([&](const Box& box, int, std::uint32_t) { return band.Meets(box); },
+              [&](std::uint32_t leaf) {
+                const std::size_t end = std::min<std::size_t>(order.size(), (leaf + 1) * std::size_t{kGroup});
+                for (std::size_t k = leaf * std::size_t{kGroup}; k < end; ++k) {
+                  if (order[k] != line.from && order[k] != line.to && isHit(line, order[k])) hits.push_back(order[k]);
+                }
+                return true;
+              });
+    CutLine(line, hits, next);
   }
   begin[lines_.size()] = static_cast<std::uint32_t>(next.size());
   lines_.swap(next);
   for (std::uint32_t& line : out_.lineBegin_) line = begin[line];
 }
 
-// Appends the parts of the line between the cuts.
-void EdgeCutter::CutLine(const Line& line, std::span<Cut> cuts, std::vector<Line>& next) {
-  const auto along = [&](const Cut& c) { return std::pair(Along(Node(line.from), Node(line.to), Node(c.vertex)), c.vertex); };
-  std::sort(cuts.begin(), cuts.end(), [&](const Cut& c, const Cut& d) { return along(c) < along(d); });
+// Appends the parts of the line between the vertices.
+void EdgeCutter::CutLine(const Line& line, std::vector<std::uint32_t>& hits, std::vector<Line>& next) const {
+  if (hits.size() > 1) {
+    const auto along = [&](std::uint32_t v) { return std::pair(Along(Node(line.from), Node(line.to), Node(v)), v); };
+    std::sort(hits.begin(), hits.end(), [&](std::uint32_t u, std::uint32_t v) { return along(u) < along(v); });
+  }
   std::uint32_t from = line.from;
-  const auto goTo = [&](std::uint32_t to) {
-    if (to == from) return;
-    next.push_back(LineBetween(from, to, line.net, line.origin));
-    from = to;
-  };
-  for (const Cut& c : cuts) goTo(c.vertex);
-  goTo(line.to);
+  for (const std::uint32_t v : hits) {
+    next.push_back(LineBetween(from, v, line.net, line.origin));
+    from = v;
+  }
+  next.push_back(LineBetween(from, line.to, line.net, line.origin));
+}
+
+// Makes a vertex of every crossing.
+void EdgeCutter::AddCrossings() {
+  BoxTree tree;
+  const std::span<Box> leaves = tree.StartLeaves(lines_.size());
+  for (std::size_t i = 0; i < lines_.size(); ++i)
+    leaves[i] = BoxOfSegment(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to)));
+  tree.BuildInner();
+  BoxJoin::Run(tree, tree, [this](std::uint32_t i, std::span<const std::uint32_t> hits) {
+    for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) Cross(lines_[i], lines_[*j]);
+    return true;
+  });
+}
+
+namespace {
+
+__extension__ using Int128 = __int128;
+
+// p + d * share / whole, with 0 < share < whole, rounded to the nearest integer, halves up.
+std::int32_t RoundedPlace(std::int32_t p, std::int64_t d, std::int64_t share, std::int64_t whole) {
+  constexpr double kSure = 1e-3;  // far more than the error of the computation in doubles
+  const double place = p + static_cast<double>(d) * (static_cast<double>(share) / static_cast<double>(whole)) + 0.5;
+  const double border = std::nearbyint(place);
+  if (std::fabs(place - border) > kSure) return static_cast<std::int32_t>(std::floor(place));
+  const auto k = static_cast<std::int64_t>(border);
+  const bool reaches = Int128{2} * d * share >= Int128{2 * (k - p) - 1} * whole;
+  return static_cast<std::int32_t>(reaches ? k : k - 1);
+}
+
+}  // namespace
+
+// Ends that lie on the other line are vertices already, so only proper crossings count.
+void EdgeCutter::Cross(const Line& a, const Line& b) {
+  const GridPoint p = Node(a.from);
+  const GridPoint q = Node(a.to);
+  const GridPoint r = Node(b.from);
+  const GridPoint s = Node(b.to);
+  const auto areApart = [](std::int64_t u, std::int64_t v) { return (u < 0 && v > 0) || (u > 0 && v < 0); };
+  if (!areApart(Side(p, q, r), Side(p, q, s))) return;
+  const std::int64_t sideP = Side(r, s, p);
+  const std::int64_t sideQ = Side(r, s, q);
+  if (!areApart(sideP, sideQ)) return;
+  const std::int64_t share = std::abs(sideP);
+  const std::int64_t whole = share + std::abs(sideQ);
+  const GridPoint node = {RoundedPlace(p.x, std::int64_t{q.x} - p.x, share, whole),
+                          RoundedPlace(p.y, std::int64_t{q.y} - p.y, share, whole)};
+  const double t = static_cast<double>(share) / static_cast<double>(whole);
+  vertices_.OnNode(node, TrueCrossing(a, b, PointOn(p) + (PointOn(q) - PointOn(p)) * t));
+}
+
+// The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.
+ZBR_PT EdgeCutter::TrueCrossing(const Line& a, const Line& b, const ZBR_PT& place) const {
+  constexpr double kNear = 2.0;  // steps
+  const Line& first = origins_[std::min(a.origin, b.origin)];
+  const Line& second = origins_[std::max(a.origin, b.origin)];
+  const ZBR_PT& p = vertices_.point(first.from);
+  const ZBR_PT& r = vertices_.point(second.from);
+  const ZBR_PT d = vertices_.point(first.to) - p;
+  const ZBR_PT e = vertices_.point(second.to) - r;
+  const ZBR_PT point = p + d * ((r - p).OuterProduct(e) / d.OuterProduct(e));
+  const ZBR_PT off = vertices_.ToGrid(point) - place;
+  const bool isNear = std::fabs(off.x()) <= kNear && std::fabs(off.y()) <= kNear;  // false for NaN
+  return isNear ? point : vertices_.FromGrid(place);
 }
 
 void EdgeCutter::NumberVertices() {
