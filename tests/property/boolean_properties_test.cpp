@@ -114,7 +114,7 @@ TEST_P(BooleanProperties, MovedAndScaledByPowersOfTwo) {
       }
     }
     const double scale = std::ldexp(1.0, Below(random, 9) - 4);
-    const ZBR_PT shift(std::ldexp(1.0, 4 + Below(random, 12)), -std::ldexp(1.0, 4 + Below(random, 12)));
+    const ZBR_PT shift{std::ldexp(1.0, 4 + Below(random, 12)), -std::ldexp(1.0, 4 + Below(random, 12))};
     const BooleanResults here = RunAll(Nest(a), Nest(b));
     const BooleanResults there = RunAll(Nest(Moved(a, scale, shift)), Nest(Moved(b, scale, shift)));
     ASSERT_EQ(here.crosses.size(), there.crosses.size()) << Describe(a, b);

@@ -177,16 +177,16 @@ std::vector<Ring> DrawTileFamily(Random& random, double step, const ZBR_PT& shif
 
 OperandPair DrawTiles(Random& random) {
   const double exact[] = {0.0, 0.5, 1.0, 1.5, 2.0, Unit(random)};
-  const ZBR_PT shift(exact[Below(random, 6)], exact[Below(random, 6)]);
+  const ZBR_PT shift{exact[Below(random, 6)], exact[Below(random, 6)]};
   const double step = Below(random, 2) == 0 ? 2.5 : 3.0;
   return {DrawTileFamily(random, step, {0.0, 0.0}), DrawTileFamily(random, step, shift), {}};
 }
 
 // Triangles around one apex, and in them rings that share it: every ring of the family passes the apex.
 std::vector<Ring> DrawFanFamily(Random& random) {
-  const ZBR_PT apex = Below(random, 3) == 0 ? ZBR_PT(Below(random, 3), Below(random, 3)) : ZBR_PT(0, 0);
+  const ZBR_PT apex = Below(random, 3) == 0 ? ZBR_PT{1.0 * Below(random, 3), 1.0 * Below(random, 3)} : ZBR_PT(0, 0);
   std::vector<ZBR_PT> arms;
-  for (int tries = 4 + Below(random, 8); tries > 0; --tries) arms.emplace_back(Below(random, 9) - 4, Below(random, 9) - 4);
+  for (int tries = 4 + Below(random, 8); tries > 0; --tries) arms.push_back({Below(random, 9) - 4.0, Below(random, 9) - 4.0});
   const auto angle = [](const ZBR_PT& arm) { return std::atan2(arm.y(), arm.x()); };
   std::sort(arms.begin(), arms.end(), [&](const ZBR_PT& a, const ZBR_PT& b) { return angle(a) < angle(b); });
   std::vector<Ring> rings;
@@ -212,7 +212,7 @@ std::vector<Ring> DrawScribbleFamily(Random& random) {
   for (Ring& ring : rings) {
     for (int n = 3 + Below(random, 6); n > 0; --n) {
       if (!ring.empty() && Below(random, 6) == 0) ring.push_back(ring.back());
-      ring.emplace_back(Below(random, 6), Below(random, 6));
+      ring.push_back({1.0 * Below(random, 6), 1.0 * Below(random, 6)});
     }
   }
   return rings;
