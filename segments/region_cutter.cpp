@@ -1,6 +1,7 @@
 // Idea: cut the segment wherever the boundary crosses it or has a vertex on it. Between two cuts nothing changes: the stretch lies
 // inside, outside or along the boundary as a whole, and one point of it tells which. So nothing depends on how often, and from
-// which side, several edges meet the segment at one place.
+// which side, several edges meet the segment at one place. Only where the boundary does nothing but cross the segment, steeply and
+// away from vertices, are points saved: each such crossing changes sides.
 #include "segments/region_cutter.h"
 
 #include <algorithm>
@@ -38,38 +39,58 @@ bool IsOn(ZBR_POLY_INSIDE at) {
 
 RegionCutter::RegionCutter(std::span<const std::shared_ptr<ZBR_LOOP>> region, double eps) : eps_(eps), locator_(RingsOf(region)) {}
 
-// Crossings are told by the signs of exact sides, so that an edge near the segment's line counts on one side or the other; its ends
-// then are cuts as well, and the stretches between them, along the edge.
+namespace {
+
+constexpr double kWellAway = 4.0;    // tolerances that an edge's ends keep from the segment, for its crossing to be plain
+constexpr double kSteep = 0.125;     // sine of the angle at least
+constexpr double kLongStretch = 32;  // tolerances that a stretch is long whose side is inferred from the one before: at that angle,
+                                     // more than twice what an edge keeps within the tolerance
+
+}  // namespace
+
 void RegionCutter::FindCuts(const ZBR_PT& a, const ZBR_PT& b) {
   cuts_.clear();
-  const ZBR_PT d = b - a;
-  locator_.EdgesNear(a, b, eps_, [&](const ZBR_PT& p, const ZBR_PT& q) {
-    double t = 0.0;
-    if (IsOnSegment(p, a, b, eps_ * eps_, nullptr, &t)) cuts_.push_back(t);
-    if ((Cross(d, p - a) > 0.0) == (Cross(d, q - a) > 0.0)) return;
-    const double sa = Cross(q - p, a - p);
-    const double sb = Cross(q - p, b - p);
-    if ((sa > 0.0) != (sb > 0.0)) cuts_.push_back(sa / (sa - sb));
-  });
+  plain_ = true;
+  locator_.EdgesNear(a, b, kWellAway * eps_, [&](const ZBR_PT& p, const ZBR_PT& q) { CutAtEdge(a, b, p, q); });
   std::sort(cuts_.begin(), cuts_.end());
+}
+
+// Crossings are told by the signs of exact sides, so that an edge near the segment's line counts on one side or the other; its ends
+// then are cuts as well, and the stretches between them, along the edge.
+void RegionCutter::CutAtEdge(const ZBR_PT& a, const ZBR_PT& b, const ZBR_PT& p, const ZBR_PT& q) {
+  double t = 0.0;
+  if (IsOnSegment(p, a, b, eps_ * eps_, nullptr, &t)) cuts_.push_back(t);
+  const ZBR_PT d = b - a;
+  const double sideP = Cross(d, p - a);
+  const double sideQ = Cross(d, q - a);
+  const double length = d.Length();
+  const bool isAway = std::min(std::fabs(sideP), std::fabs(sideQ)) > kWellAway * eps_ * length;
+  if ((sideP > 0.0) == (sideQ > 0.0)) {
+    plain_ &= isAway;
+    return;
+  }
+  plain_ &= isAway && std::fabs(sideP - sideQ) >= kSteep * length * p.Distance(q);
+  const double sideA = Cross(q - p, a - p);
+  const double sideB = Cross(q - p, b - p);
+  if ((sideA > 0.0) != (sideB > 0.0)) cuts_.push_back(sideA / (sideA - sideB));
 }
 
 // Drops cuts closer than `least` to the one before or to the segment's ends.
 void RegionCutter::KeepApart(double least) {
   double last = 0.0;
-  std::erase_if(cuts_, [&](double t) {
+  const std::size_t dropped = std::erase_if(cuts_, [&](double t) {
     if (!(t - last > least) || !(1.0 - t > least)) return true;
     last = t;
     return false;
   });
+  plain_ &= dropped == 0;
 }
 
 // A place on the boundary says little alone: the stretch may just pass it. It runs along the boundary if another place does, too.
-bool RegionCutter::IsStretchInside(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1) const {
+ZBR_POLY_INSIDE RegionCutter::LocateStretch(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1) const {
   const auto at = [&](double share) { return Locate(a + (b - a) * (t0 + (t1 - t0) * share)); };
-  ZBR_POLY_INSIDE place = at(0.5);
-  if (IsOn(place)) place = at(0.3125);
-  return place == ZBR_PI_IN || IsOn(place);
+  const ZBR_POLY_INSIDE middle = at(0.5);
+  return IsOn(middle) ? at(0.3125) : middle;
 }
 
 std::span<const CutPiece> RegionCutter::Cut(const ZBR_PT3& a, const ZBR_PT3& b) {
@@ -80,19 +101,28 @@ std::span<const CutPiece> RegionCutter::Cut(const ZBR_PT3& a, const ZBR_PT3& b) 
   }
   cuts_.clear();
   const double length = a.xy().Distance(b.xy());
+  const double least = eps_ / length;
   if (length > eps_) {
     FindCuts(a.xy(), b.xy());
-    KeepApart(eps_ / length);
+    KeepApart(least);
   }
   cuts_.push_back(1.0);
+  ZBR_POLY_INSIDE place = ZBR_PI_UNKNOWN;  // of the last stretch, if it is sure to be off the boundary
   double from = 0.0;
   for (const double to : cuts_) {
-    const bool inside = IsStretchInside(a.xy(), b.xy(), from, to);
+    const bool isLong = to - from > kLongStretch * least;
+    if (plain_ && isLong && (place == ZBR_PI_IN || place == ZBR_PI_OUT)) {
+      place = place == ZBR_PI_IN ? ZBR_PI_OUT : ZBR_PI_IN;
+    } else {
+      place = LocateStretch(a.xy(), b.xy(), from, to);
+    }
+    const bool inside = place == ZBR_PI_IN || IsOn(place);
     if (!pieces_.empty() && pieces_.back().inside == inside) {
       pieces_.back().t1 = to;
     } else {
       pieces_.push_back({from, to, inside});
     }
+    if (!isLong) place = ZBR_PI_UNKNOWN;
     from = to;
   }
   return pieces_;

@@ -33,12 +33,14 @@ class RegionCutter {
 
  private:
   void FindCuts(const ZBR_PT& a, const ZBR_PT& b);
+  void CutAtEdge(const ZBR_PT& a, const ZBR_PT& b, const ZBR_PT& p, const ZBR_PT& q);
   void KeepApart(double least);
-  bool IsStretchInside(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1) const;
+  ZBR_POLY_INSIDE LocateStretch(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1) const;
 
   double eps_;
   RingLocator locator_;
   std::vector<double> cuts_;
+  bool plain_ = true;  // every edge near the segment crosses it, steeply and well away from the edge's ends
   std::vector<CutPiece> pieces_;
 };
 

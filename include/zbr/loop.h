@@ -147,8 +147,8 @@ ZBR_API ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const s
 // Cost: n log n in loops and points. Only loops nested thousands deep that also touch each other cost the depth per loop.
 ZBR_API void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
-// Locates many points relative to one loop, or to a region, in logarithmic time each; in linear time where eps is not well above
-// the rounding errors of the coordinates (about 4e-15 of their size).
+// Locates many points relative to one loop, or to a region, in logarithmic time each, and some for each ring around the point; in
+// linear time where eps is not well above the rounding errors of the coordinates (about 4e-15 of their size).
 //
 // Built once (n log n; a tree of about 8 bytes per point beside a copy of the points), then read-only: one locator may serve any
 // number of threads, each with its own tolerance, which is read per call. It keeps nothing of its arguments.

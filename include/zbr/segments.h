@@ -39,7 +39,7 @@ ZBR_API void zbrRemoveSameSeg(const std::vector<ZBR_SEG3>& ref, std::vector<ZBR_
 // inside pieces appended. A loop with fewer than three points is left out.
 //
 // The region is only read, so threads may share it. For one segment linear in the region; for n segments n log n in segments and
-// region, and linear in the pieces.
+// region, and linear in the pieces (of which those that touch vertices or run along the boundary cost some for each ring around).
 ZBR_API int zbrClipSeg(const ZBR_SEG3& seg, const std::shared_ptr<ZBR_LOOP>& region, std::vector<ZBR_SEG3>& inside,
                        std::vector<ZBR_SEG3>* outside);
 ZBR_API int zbrClipSeg(const ZBR_SEG3& seg, const std::vector<std::shared_ptr<ZBR_LOOP>>& region, std::vector<ZBR_SEG3>& inside,
