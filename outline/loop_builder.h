@@ -30,7 +30,8 @@ std::vector<Ring> TraceRings(std::span<const BoundaryPiece> pieces, std::span<co
 inline constexpr double kOutlineTolerance = 1e-9;
 
 // The loops of rings through the given points, nested by zbrMakeLoopTree whatever their size and place. Points lying straight
-// between their neighbours, but for rounding errors, are removed; rings narrower than the width given are left out.
+// between their neighbours, but for rounding errors, and points within the width of the one before are removed; rings narrower
+// than the width are left out.
 std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> points, double width);
 
 }  // namespace zbr

@@ -23,12 +23,28 @@ constexpr double kStraight = 1e-14;
 // at most that count as none.
 constexpr int kNestingExponent = 10;
 
+// Takes from rings the points that say nothing about their shape.
 class RingShape {
  public:
-  explicit RingShape(const Box& box)
-      : straight_(kStraight * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)})) {}
+  RingShape(const Box& box, double width)
+      : straight_(kStraight * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)})),
+        width_(width) {}
 
-  // The ring without the points that lie straight between their neighbours.
+  Points Simplify(const Points& ring) const { return Straighten(Thin(ring)); }
+
+ private:
+  // Without points closer than the width to the one before: a crossing of more than two edges may be several vertices.
+  Points Thin(const Points& ring) const {
+    Points kept;
+    kept.reserve(ring.size());
+    for (const ZBR_PT& p : ring) {
+      if (kept.empty() || p.Distance(kept.back()) > width_) kept.push_back(p);
+    }
+    while (kept.size() > 1 && !(kept.back().Distance(kept[0]) > width_)) kept.pop_back();
+    return kept;
+  }
+
+  // Without points that lie straight between their neighbours.
   Points Straighten(const Points& ring) const {
     Points kept;
     kept.reserve(ring.size());
@@ -41,7 +57,6 @@ class RingShape {
     return kept;
   }
 
- private:
   bool IsStraight(const ZBR_PT& before, const ZBR_PT& p, const ZBR_PT& after) const {
     const ZBR_PT d = after - before;
     const double off = Cross(d, p - before);
@@ -49,6 +64,7 @@ class RingShape {
   }
 
   double straight_;
+  double width_;
 };
 
 // Twice the signed area, computed near the origin.
@@ -87,12 +103,12 @@ std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, st
   for (const Ring& ring : rings) {
     for (const std::uint32_t v : ring) box.Add(points[v]);
   }
-  const RingShape shape(box);
+  const RingShape shape(box, width);
   std::vector<Points> shapes;
   for (const Ring& ring : rings) {
     Points given(ring.size());
     std::transform(ring.begin(), ring.end(), given.begin(), [&](std::uint32_t v) { return points[v]; });
-    Points kept = shape.Straighten(given);
+    Points kept = shape.Simplify(given);
     if (!IsNarrow(kept, width)) shapes.push_back(std::move(kept));
   }
   const int exponent = kNestingExponent - std::ilogb(std::max(box.xmax - box.xmin, box.ymax - box.ymin));
