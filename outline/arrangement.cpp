@@ -3,7 +3,7 @@
 // the grid node of a vertex or a crossing hot; and lead every edge through the nodes of the hot cells that it passes. What results
 // does not cross and passes no vertex: if a piece between two nodes passed a third, the edge, which is no farther from the piece
 // than half a cell anywhere, would have passed that one's cell. That holds exactly, however many edges crowd together, because
-// everything is exact: edges have integer ends, so sides are exact in 64 bits, and the cell of a crossing in 128.
+// everything is exact: edges have integer ends, so sides are exact in 64 bits, and the cell of a crossing in 96.
 //
 // Before that, edges are led through the vertices that they pass within one and a half steps. That is more than putting both on the
 // grid can have moved them apart; so what should meet but for the rounding errors of its coordinates, meets, and triangles with
@@ -256,7 +256,18 @@ void EdgeCutter::AddCrossings() {
 
 namespace {
 
-__extension__ using Int128 = __int128;
+// The product of a factor of at most 2^31 in size and one from 0 to 2^62, as high * 2^32 + low.
+struct WideProduct {
+  std::int64_t high;
+  std::int64_t low;  // from 0 below 2^32
+
+  WideProduct(std::int64_t a, std::int64_t b) {
+    const std::int64_t partial = a * (b & 0xffffffff);
+    high = a * (b >> 32) + (partial >> 32);
+    low = partial & 0xffffffff;
+  }
+  bool operator>=(const WideProduct& o) const { return high != o.high ? high > o.high : low >= o.low; }
+};
 
 // p + d * share / whole, with 0 < share < whole, rounded to the nearest integer, halves up.
 std::int32_t RoundedPlace(std::int32_t p, std::int64_t d, std::int64_t share, std::int64_t whole) {
@@ -265,7 +276,7 @@ std::int32_t RoundedPlace(std::int32_t p, std::int64_t d, std::int64_t share, st
   const double border = std::nearbyint(place);
   if (std::fabs(place - border) > kSure) return static_cast<std::int32_t>(std::floor(place));
   const auto k = static_cast<std::int64_t>(border);
-  const bool reaches = Int128{2} * d * share >= Int128{2 * (k - p) - 1} * whole;
+  const bool reaches = WideProduct(2 * d, share) >= WideProduct(2 * (k - p) - 1, whole);
   return static_cast<std::int32_t>(reaches ? k : k - 1);
 }
 
