@@ -74,20 +74,50 @@ void AddWeld(CLI::App& command, double& weld) {
             "Join points closer together than this part of the diagonal of the model's box; by default only equal ones");
 }
 
+void AddObjects(CLI::App& command, std::vector<std::string>& models, std::vector<std::string>& objects) {
+  command.add_option("models", models, "Files of triangles: STL, OBJ, PLY, OFF, glTF. Several are objects that hide one another")
+      ->type_name("MODEL ...");
+  command
+      .add_option(
+          "--object", objects,
+          "One more object, moved by DX, DY, DZ in the coordinates of the models; may be repeated, and may name a file again")
+      ->allow_extra_args(false)
+      ->type_name("MODEL[,DX,DY,DZ]");
+}
+
+void AddUnit(CLI::App& command, std::string& unit) {
+  command.add_option("--unit", unit, "Unit of the model: mm (by default), cm, m, in, ft, ...")->type_name("UNIT");
+}
+
+void AddJobs(CLI::App& command, unsigned& jobs) {
+  command.add_option("--jobs", jobs, "Threads to use; by default as many as there are processors")
+      ->check(CLI::Range(1U, 256U).description(""))
+      ->type_name("N");
+}
+
 void AddAxes(CLI::App& command, std::string& axes) {
   AddChoice(command, "--axes", axes, {"y", "z"}, "Axis of the model that points up; by default what the format says, else z",
             "AXIS");
 }
 
+void AddView(CLI::App& command, ViewOptions& view) {
+  command.add_option("--view", view.view, "The view, by its name; by default iso. See 'zbr help views'")->type_name("VIEW");
+  command.add_option("--look", view.look, "The view along this direction, in place of --view")->type_name("X,Y,Z");
+  command.add_option("--up", view.up, "With --look: the direction that is drawn upwards; by default that of --axes")
+      ->type_name("X,Y,Z");
+  AddAxes(command, view.axes);
+}
+
 }  // namespace
 
 CommandLine::CommandLine()
-    : app_("Combines, nests and examines planar drawings, and draws triangle models without their hidden lines.", "zbr") {
+    : app_("Combines, clips and examines planar drawings, and draws triangle models without their hidden lines.", "zbr") {
   app_.set_version_flag("--version", "zbr " ZBR_VERSION, "Print the version and exit");
   app_.set_help_flag("-h,--help", "Print help and exit");
   app_.require_subcommand(1);
   app_.formatter(std::make_shared<HelpFormat>());
   DeclareBool();
+  DeclareClip();
   DeclareNest();
   DeclareInside();
   DeclareFile("info",
@@ -96,6 +126,7 @@ CommandLine::CommandLine()
   DeclareFile("check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any",
               check_);
   DeclareDraw();
+  DeclareOutline();
   DeclarePick();
   DeclareHelp();
   std::string topics;
@@ -152,9 +183,7 @@ void CommandLine::DeclareInside() {
 
 void CommandLine::DeclareDraw() {
   CLI::App& command = *app_.add_subcommand("draw", "Draw models of triangles without their hidden lines, in one or several views");
-  command.add_option("models", draw_.models, "Files of triangles: STL, OBJ, PLY, OFF, glTF. Several are drawn together")
-      ->required()
-      ->type_name("MODEL ...");
+  AddObjects(command, draw_.models, draw_.objects);
   command
       .add_option("-o,--output", draw_.outputs,
                   "File for the drawing, .svg, .dxf or .json; may be repeated. Without it the table of --stats is printed")
@@ -170,9 +199,7 @@ void CommandLine::DeclareDraw() {
   AddNumber(command, "--crease", kDegrees, draw_.crease, "Draw edges at which the surface bends by more than this; by default 30");
   AddWeld(command, draw_.weld);
   DeclareSheet(command);
-  command.add_option("--jobs", draw_.jobs, "Threads to use; by default as many as there are processors")
-      ->check(CLI::Range(1U, 256U).description(""))
-      ->type_name("N");
+  AddJobs(command, draw_.jobs);
   command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
   AddChoice(command, "--format", draw_.format, {"svg", "dxf", "json"},
             "Format of '-' and of outputs whose extension does not tell it: svg, dxf or json", "FORMAT");
@@ -192,7 +219,11 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       .add_option("--paper", draw_.paper,
                   "A4 to A0, lying or standing as it suits, or WIDTHxHEIGHT in mm; by default A4 for one view and A3 for several")
       ->type_name("SIZE");
-  command.add_option("--unit", draw_.unit, "Unit of the model: mm (by default), cm, m, in, ft, ...")->type_name("UNIT");
+  command.add_flag(
+      "--fill", draw_.fill,
+      "Fill what each object covers and nearer ones leave visible: in SVG in a light shade, in DXF as closed polylines on "
+      "layers FILL-name, in JSON as polygons");
+  AddUnit(command, draw_.unit);
   command.add_option("--title", draw_.title, "Title of the sheet; by default the name of the model")->type_name("TEXT");
 }
 
@@ -205,11 +236,48 @@ void CommandLine::DeclarePick() {
                   "Coordinates in the drawing, x and y in turn, in the unit of the model; without any, points are read from "
                   "standard input, one a line")
       ->type_name("X Y ...");
-  command.add_option("--view", pick_.view.view, "The view, by its name; by default iso. See 'zbr help views'")->type_name("VIEW");
-  command.add_option("--look", pick_.view.look, "The view along this direction, in place of --view")->type_name("X,Y,Z");
-  command.add_option("--up", pick_.view.up, "With --look: the direction that is drawn upwards")->type_name("X,Y,Z");
-  AddAxes(command, pick_.view.axes);
+  AddView(command, pick_.view);
   AddWeld(command, pick_.weld);
+}
+
+void CommandLine::DeclareOutline() {
+  CLI::App& command = *app_.add_subcommand(
+      "outline", "Find what models cover in a view: their silhouettes as regions, loops with holes, in the unit of the model");
+  AddObjects(command, outline_.models, outline_.objects);
+  command
+      .add_option(
+          "-o,--output", outline_.outputs,
+          "File for the outlines of all objects, the format by its extension; may be repeated. {object} in a name stands for "
+          "one file for each object. Without it the table of --stats is printed. See 'zbr help outlines'")
+      ->allow_extra_args(false)
+      ->type_name("OUT");
+  AddView(command, outline_.view);
+  command.add_flag("--whole", outline_.whole, "Whole outlines, even where nearer objects cover them");
+  AddWeld(command, outline_.weld);
+  AddUnit(command, outline_.unit);
+  AddJobs(command, outline_.jobs);
+  command.add_flag("--stats", outline_.stats, "Print edges, loops, holes, areas and the milliseconds of each stage");
+  AddChoice(command, "--format", outline_.format, {"dxf", "geojson", "wkt", "text", "svg"},
+            "Format of '-' and of outputs whose extension does not tell it: dxf, geojson, wkt, text or svg", "FORMAT");
+}
+
+void CommandLine::DeclareClip() {
+  CLI::App& command = *app_.add_subcommand("clip", "Cut lines where a region begins and ends, and keep those inside or outside");
+  command.add_option("lines", clip_.lines, "The lines, open or closed, with heights if the file has any")
+      ->required()
+      ->type_name("LINES");
+  command.add_option("region", clip_.region, "The drawing that bounds the region")->required()->type_name("REGION");
+  command
+      .add_option("-o,--output", clip_.outputs,
+                  "File for the lines, the format by its extension; may be repeated. Without it the table of --stats is printed")
+      ->allow_extra_args(false)
+      ->type_name("OUT");
+  command.add_flag("--outside", clip_.outside, "Keep what is outside of the region");
+  command.add_flag("--both", clip_.both, "Keep both, on layers of their own");
+  command.add_flag("--stats", clip_.stats, "Print numbers of lines, lengths and the milliseconds of each stage");
+  AddList(command, "--region-layer", clip_.regionLayers,
+          "Read only these layers of the region's file; --layer chooses among those of the lines", "NAME,...");
+  DeclareInput(command, clip_.input);
 }
 
 void CommandLine::DeclareFile(const std::string& name, const std::string& description, FileOptions& options) {
@@ -246,17 +314,20 @@ int CommandLine::Run(std::vector<std::string> arguments) {
 
 int CommandLine::RunChosen() {
   if (app_.got_subcommand("bool")) return RunBool(bool_);
+  if (app_.got_subcommand("clip")) return RunClip(clip_);
   if (app_.got_subcommand("nest")) return RunNest(nest_);
   for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
   }
-  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &pick_.view.look, &pick_.view.up})
+  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &pick_.view.look, &pick_.view.up,
+                            &outline_.view.look, &outline_.view.up})
     *text = Unprotected(*text);
   if (app_.got_subcommand("inside")) return RunInside(inside_);
   if (app_.got_subcommand("info")) return RunInfo(info_);
   if (app_.got_subcommand("check")) return RunCheck(check_);
   if (app_.got_subcommand("draw")) return RunDraw(draw_);
   if (app_.got_subcommand("pick")) return RunPick(pick_);
+  if (app_.got_subcommand("outline")) return RunOutline(outline_);
   return RunHelp();
 }
 

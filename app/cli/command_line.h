@@ -34,6 +34,8 @@ class CommandLine {
   void DeclareDraw();
   void DeclareSheet(CLI::App& command);
   void DeclarePick();
+  void DeclareOutline();
+  void DeclareClip();
   void DeclareFile(const std::string& name, const std::string& description, FileOptions& options);
   void DeclareHelp();
   int RunChosen();
@@ -46,6 +48,8 @@ class CommandLine {
   InsideOptions inside_;
   DrawOptions draw_;
   PickOptions pick_;
+  OutlineOptions outline_;
+  ClipOptions clip_;
   FileOptions info_, check_;
   std::string topic_;
   bool manual_ = false;

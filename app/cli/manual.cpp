@@ -69,7 +69,7 @@ std::string CommandEntry(const CLI::App& command) {
 
 std::string ManualPage(const CLI::App& app, const std::vector<Topic>& topics, const std::string& version) {
   std::string page = ".TH ZBR 1 \"\" \"zbr " + version + "\" \"User Commands\"\n";
-  page += ".SH NAME\nzbr \\- combine and examine planar drawings, draw models without hidden lines\n";
+  page += ".SH NAME\nzbr \\- combine, clip and examine planar drawings, draw models and their outlines\n";
   page += ".SH SYNOPSIS\n\\fBzbr\\fR \\fICOMMAND\\fR [\\fIOPTION\\fR]... [\\fIFILE\\fR]...\n";
   page += ".SH DESCRIPTION\n" + Roff(app.get_description()) + "\n";
   for (const CLI::Option* option : app.get_options()) page += OptionEntry(*option);

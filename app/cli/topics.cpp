@@ -35,6 +35,10 @@ text (read and written): one "x y" a line, a blank line between loops, '#' start
 
 svg (written): a picture of the operands' outlines and the filled results.
 
+Lines, which 'zbr clip' cuts, are every contour of a file, open or closed, each for itself. Beside the above they
+are LineString and MultiLineString (GeoJSON, WKT), blocks of points that do not close (text), and LINE, open
+polylines and polylines in space (DXF). Heights are kept: third numbers of points, elevations, z in DXF.
+
 In DXF and text a point belongs to the drawing when an odd number of loops is around it, whatever the loops'
 directions. Numbers are written with the fewest digits that read back as the same number. Drawings are computed
 in a frame scaled by a power of two, so any unit and size does; loops of less than about 1e-16 of the area of the
@@ -53,6 +57,24 @@ blocks under a comment (text) or panels of one picture (SVG).
 
 Files appear when they are complete; after an error none is left behind.
 )"},
+      {"outlines",
+       R"(The outline of an object in a view bounds what its triangles cover, holes included. Triangles seen edge-on cover
+nothing; whether surfaces are closed or face outwards does not matter. Coordinates are those of the view, in the
+unit of the model: x to the right, y up, and the origin of the model is at the origin. In views along an axis the
+vertices have the coordinates of the file to the last digit, so outlines can go on to 'zbr bool' and 'zbr clip'.
+Each run is for one view.
+
+Several models, and those of --object, are objects that hide one another, each a region of its own: a layer
+(DXF), feature (GeoJSON), line (WKT), block under a comment (text) or colour (svg), named after its file. Nearer
+objects take from those behind what they cover; --whole leaves it. Objects are compared two by two, in the order
+given. The nearer of two is the one that is nearer at more of the places where their outlines cross, or along the
+overlap where they do not. So of two objects that hide each other in part, or pass through each other, one counts
+as nearer everywhere.
+
+The place of an object, DX,DY,DZ, is added to its coordinates:
+
+  zbr outline base.stl --object lid.stl,0,0,40 --view front -o front.dxf
+)"},
       {"check",
        R"(A drawing bounds a region when its loops close, enclose some area and neither cross themselves or each other nor
 run along each other; loops may touch. 'zbr check' prints one line 'file:line: finding at (x, y)' for each
@@ -69,6 +91,8 @@ An edge of a triangle is drawn when it is a border (of one triangle), a crease (
 --crease), a junction (of three and more triangles), or a silhouette (the surface turns away there). Triangles that
 share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
 
+Each file and each --object is an object: its surfaces are joined with each other, not with those of other objects.
+
 Several views make a sheet. In first-angle projection the view from above stands below the front view and the view
 from the left on its right; in third-angle projection it is the other way round. iso, dimetric and --look take a
 corner. All views have the same scale; SVG and DXF are in millimetres on paper:
@@ -76,6 +100,9 @@ corner. All views have the same scale; SVG and DXF are in millimetres on paper:
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
   DXF   layers VISIBLE, OUTLINE (silhouettes), HIDDEN, FRAME and TITLE
   JSON  every line with its points, in the unit of the model, and the edges it is part of
+
+--fill adds what each object covers, as far as nearer ones leave it visible (see 'zbr help outlines'): a shade
+below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.
 
 Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
 second. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
@@ -104,6 +131,16 @@ Which of the points are in the drawing:
 A sheet with three views and a pictorial one, and the same for a program to go on with:
 
   zbr draw housing.obj --view front,top,left,iso -o housing.svg -o housing.json
+
+Two objects, filled, and what each covers in the view from above:
+
+  zbr draw housing.obj --object housing.obj,40,130,0 --fill -o both.svg
+  zbr outline housing.obj --object housing.obj,40,130,0 --view top -o both.dxf
+
+The lines of a drawing within a region, and all of them on layers that tell inside from outside:
+
+  zbr clip gasket.dxf bracket.dxf -o inside.dxf
+  zbr clip gasket.dxf bracket.dxf --both -o both.dxf -o both.svg
 )"}};
   return kTopics;
 }

@@ -47,6 +47,7 @@ struct FileOptions {
 
 struct DrawOptions {
   std::vector<std::string> models;
+  std::vector<std::string> objects;  // further ones, "FILE,DX,DY,DZ"
   std::vector<std::string> outputs;
   std::vector<std::string> views;  // names
   std::string look, up, axes;      // as in ViewOptions; a view beside the named ones
@@ -59,6 +60,7 @@ struct DrawOptions {
   double crease = 30.0;
   double weld = 0.0;
   unsigned jobs = 0;  // 0: as many as there are processors
+  bool fill = false;
   bool stats = false;
 };
 
@@ -69,6 +71,28 @@ struct PickOptions {
   std::vector<std::string> coordinates;  // empty: points are read from standard input
 };
 
+struct OutlineOptions {
+  std::vector<std::string> models;
+  std::vector<std::string> objects;  // further ones, "FILE,DX,DY,DZ"
+  std::vector<std::string> outputs;
+  ViewOptions view;
+  std::string unit = "mm";
+  std::string format;  // of outputs whose names do not tell
+  double weld = 0.0;
+  unsigned jobs = 0;   // 0: as many as there are processors
+  bool whole = false;  // whatever nearer objects cover
+  bool stats = false;
+};
+
+struct ClipOptions {
+  InputOptions input;                     // its layers are those of the lines
+  std::vector<std::string> regionLayers;  // empty: all
+  std::string lines, region;
+  std::vector<std::string> outputs;
+  bool outside = false, both = false;
+  bool stats = false;
+};
+
 int RunBool(const BoolOptions& options);
 int RunNest(const NestOptions& options);
 int RunInside(const InsideOptions& options);
@@ -76,5 +100,7 @@ int RunInfo(const FileOptions& options);
 int RunCheck(const FileOptions& options);
 int RunDraw(const DrawOptions& options);
 int RunPick(const PickOptions& options);
+int RunOutline(const OutlineOptions& options);
+int RunClip(const ClipOptions& options);
 
 }  // namespace tool

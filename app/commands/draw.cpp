@@ -1,19 +1,17 @@
 // zbr draw: hidden-line drawings of triangle models.
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <cstdint>
 #include <cstdio>
 
 #include "commands/draw_plan.h"
+#include "drawing/outlines.h"
 #include "drawing/removal.h"
 #include "drawing/writers.h"
 #include "io/failure.h"
 #include "io/files.h"
 #include "io/numbers.h"
 #include "io/progress.h"
-#include "model/mesh_reader.h"
 #include "model/scene.h"
 
 namespace tool {
@@ -21,43 +19,23 @@ namespace {
 
 // Milliseconds of a view's stages.
 struct Times {
-  double scene = 0.0, removal = 0.0, chaining = 0.0;
+  double scene = 0.0, removal = 0.0, chaining = 0.0, outlines = 0.0;
 };
 
-struct Input {
-  Mesh mesh;
-  std::vector<ModelFile> files;
-};
-
-// All files as one mesh; the first tells which axis points up.
-Input ReadModels(const std::vector<std::string>& files) {
-  Input input;
-  for (const std::string& file : files) {
-    Mesh mesh = ReadMesh(file);
-    input.files.push_back({BaseName(file), input.mesh.triangles.size()});
-    if (input.files.size() == 1) {
-      input.mesh = std::move(mesh);
-      continue;
-    }
-    const auto shift = static_cast<std::uint32_t>(input.mesh.points.size());
-    input.mesh.points.insert(input.mesh.points.end(), mesh.points.begin(), mesh.points.end());
-    for (std::array<std::uint32_t, 3> triangle : mesh.triangles) {
-      for (std::uint32_t& corner : triangle) corner += shift;
-      input.mesh.triangles.push_back(triangle);
-    }
-  }
-  return input;
-}
-
-ViewLines DrawView(const Model& model, const NamedDirection& view, bool hidden, unsigned threads, Times& times) {
+ViewLines DrawView(const Model& model, const NamedDirection& view, const DrawPlan& plan, unsigned threads, Times& times) {
   Stopwatch watch;
   Scene scene = MakeScene(model, view.view);
   times.scene = watch.Lap();
   RemoveHidden(scene, threads);
   times.removal = watch.Lap();
-  ViewLines lines = CollectLines(model, scene, hidden);
+  ViewLines lines = CollectLines(model, scene, plan.sheet.hidden != HiddenStyle::kNone);
   lines.name = view.name;
   times.chaining = watch.Lap();
+  if (!plan.fill) return lines;
+  constexpr bool kNarrow = true;
+  FindOutlines(model, scene, kNarrow, threads);
+  lines.outlines = OutlinesAroundMiddle(model, scene);
+  times.outlines = watch.Lap();
   return lines;
 }
 
@@ -72,17 +50,16 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
     const std::string counter =
         count > 1 ? " (" + std::to_string(done.load()) + " of " + std::to_string(count) + " views done)" : "";
     progress.Stage("removing hidden lines" + counter);
-    const bool hidden = plan.sheet.hidden != HiddenStyle::kNone;
-    drawn[i] = DrawView(model, plan.views[i], hidden, std::max(plan.threads / atOnce, 1U), times[i]);
+    drawn[i] = DrawView(model, plan.views[i], plan, std::max(plan.threads / atOnce, 1U), times[i]);
     ++done;
   });
   return drawn;
 }
 
-std::string WriteSheet(const Sheet& sheet, SheetFormat format, const Input& input, const Model& model) {
-  if (format == SheetFormat::kSvg) return WriteSheetSvg(sheet);
-  if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet);
-  return WriteSheetJson(sheet, input.files, model.ShellCount());
+std::string WriteSheet(const Sheet& sheet, SheetFormat format, const std::vector<ObjectFile>& objects, const Model& model) {
+  if (format == SheetFormat::kSvg) return WriteSheetSvg(sheet, objects);
+  if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet, objects);
+  return WriteSheetJson(sheet, objects, model.ShellCount());
 }
 
 // Two columns; numbers are aligned to the right.
@@ -118,16 +95,18 @@ void CountLines(Report& report, const Sheet& sheet) {
 }
 
 // The stages of views that ran at once are summed up.
-void AddViewTimes(Report& report, const std::vector<Times>& times) {
+void AddViewTimes(Report& report, const std::vector<Times>& times, bool fill) {
   Times sum;
   for (const Times& t : times) {
     sum.scene += t.scene;
     sum.removal += t.removal;
     sum.chaining += t.chaining;
+    sum.outlines += t.outlines;
   }
   report.Time("scene", sum.scene);
   report.Time("removal", sum.removal);
   report.Time("chaining", sum.chaining);
+  if (fill) report.Time("outlines", sum.outlines);
 }
 
 }  // namespace
@@ -138,13 +117,13 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  const Input input = ReadModels(options.models);
-  plan.views = ChooseViews(options, input.mesh.yUp);
+  const Objects objects = ReadObjects(plan.objects);
+  plan.views = ChooseViews(options, objects.mesh.yUp);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
-  const Model model = MakeModel(input.mesh, options.crease, options.weld);
-  if (model.TriangleCount() == 0) throw Failure(options.models.front() + ": no triangle has an area");
+  const Model model = MakeModel(objects.mesh, options.crease, options.weld);
+  if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file + ": no triangle has an area");
   const double prepared = watch.Lap();
 
   std::vector<Times> times;
@@ -154,7 +133,7 @@ int RunDraw(const DrawOptions& options) {
   progress.Stage("writing");
   const Sheet sheet = LayOut(std::move(views), plan.sheet);
   OutputFiles files;
-  for (const SheetOutput& output : plan.outputs) files.Add(output.file, WriteSheet(sheet, output.format, input, model));
+  for (const SheetOutput& output : plan.outputs) files.Add(output.file, WriteSheet(sheet, output.format, objects.files, model));
   files.Commit();
   progress.Stage("");
 
@@ -165,7 +144,7 @@ int RunDraw(const DrawOptions& options) {
     CountLines(report, sheet);
     report.Time("read", read);
     report.Time("model", prepared);
-    AddViewTimes(report, times);
+    AddViewTimes(report, times, plan.fill);
     report.Time("write", watch.Lap());
     const bool pipe = std::any_of(plan.outputs.begin(), plan.outputs.end(), [](const SheetOutput& o) { return o.file == "-"; });
     std::fputs(report.Text().c_str(), pipe ? stderr : stdout);

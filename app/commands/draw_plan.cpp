@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <thread>
 
 #include "geometry/units.h"
 #include "io/failure.h"
@@ -32,22 +31,11 @@ SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
 }
 
 double MillimetresOf(const std::string& unit) {
-  constexpr int kLastCode = 20, kMillimetre = 4;
-  for (int code = 1; code <= kLastCode; ++code) {
-    if (UnitName(code) == unit) return UnitFactor(code, kMillimetre);
-  }
-  throw Failure("--unit: " + Quoted(unit) + " is no unit; there are mm, cm, m, in, ft and others");
+  constexpr int kMillimetre = 4;
+  return UnitFactor(UnitOption(unit), kMillimetre);
 }
 
-std::string TitleOf(const DrawOptions& options) {
-  if (!options.title.empty()) return options.title;
-  std::string title;
-  for (const std::string& model : options.models)
-    title += (title.empty() ? "" : ", ") + std::filesystem::path(model).stem().string();
-  return title;
-}
-
-SheetOptions PlanSheet(const DrawOptions& options) {
+SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>& objects) {
   SheetOptions sheet;
   if (options.sheet == "third") {
     sheet.projection = Projection::kThird;
@@ -60,7 +48,7 @@ SheetOptions PlanSheet(const DrawOptions& options) {
   if (!options.paper.empty()) sheet.paper = ParsePaper(options.paper);
   sheet.unit = options.unit;
   sheet.millimetres = MillimetresOf(options.unit);
-  sheet.title = TitleOf(options);
+  sheet.title = options.title.empty() ? TitleOf(objects) : options.title;
   return sheet;
 }
 
@@ -75,16 +63,18 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   if (!options.up.empty() && options.look.empty()) throw Failure("--up is of use with --look only");
   ChooseViews(options, false);
   DrawPlan plan;
-  plan.sheet = PlanSheet(options);
+  plan.objects = ListObjects(options.models, options.objects);
+  plan.sheet = PlanSheet(options, plan.objects);
   for (const std::string& file : options.outputs) {
     const auto same = [&](const SheetOutput& o) { return IsSameFile(o.file, file); };
     if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file + ": named twice as output");
-    for (const std::string& model : options.models) {
-      if (IsSameFile(model, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
+    for (const PlacedFile& object : plan.objects) {
+      if (IsSameFile(object.file, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
     }
     plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
   }
-  plan.threads = options.jobs > 0 ? options.jobs : std::max(std::thread::hardware_concurrency(), 1U);
+  plan.threads = ThreadCount(options.jobs);
+  plan.fill = options.fill;
   return plan;
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "drawing/objects.h"
 #include "drawing/sheet.h"
 #include "model/view.h"
 
@@ -24,9 +25,11 @@ struct NamedDirection {
 
 struct DrawPlan {
   SheetOptions sheet;
+  std::vector<PlacedFile> objects;
   std::vector<SheetOutput> outputs;
   std::vector<NamedDirection> views;
   unsigned threads = 1;
+  bool fill = false;
 };
 
 // All but the views, which depend on what the models say. Fails on options that make no sense, before anything is read.

@@ -17,20 +17,6 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
   if (drawing.paths.empty()) throw Failure(drawing.file + ": nothing on the chosen layers");
 }
 
-void ConvertUnits(Drawing& drawing, int units, Progress& progress) {
-  const double factor = UnitFactor(drawing.units, units);
-  if (factor == 0 || factor == 1) return;
-  for (Path& path : drawing.paths) {
-    for (ZBR_PT& p : path.points) p *= factor;
-    for (Curve& curve : path.curves) {
-      curve.centre *= factor;
-      curve.u *= factor;
-      curve.v *= factor;
-    }
-  }
-  progress.Note(drawing.file + ": note: converted from " + UnitName(drawing.units) + " to " + UnitName(units));
-}
-
 void NoteIgnored(const Drawing& drawing, Progress& progress) {
   std::string list;
   for (const auto& [what, count] : drawing.ignored) list += (list.empty() ? "" : ", ") + std::to_string(count) + " " + what;
@@ -43,6 +29,30 @@ const char* VerbFor(ContactKind kind) {
 
 }  // namespace
 
+Drawing ReadInput(const std::string& file, Format format, Content content, const std::vector<std::string>& layers,
+                  Progress& progress) {
+  progress.Stage("reading " + file);
+  Drawing drawing = ReadDrawing(file, format, content);
+  NoteIgnored(drawing, progress);
+  KeepLayers(drawing, layers);
+  return drawing;
+}
+
+void ConvertUnits(Drawing& drawing, int units, Progress& progress) {
+  const double factor = UnitFactor(drawing.units, units);
+  if (factor == 0 || factor == 1) return;
+  for (Path& path : drawing.paths) {
+    for (ZBR_PT& p : path.points) p *= factor;
+    for (double& z : path.heights) z *= factor;
+    for (Curve& curve : path.curves) {
+      curve.centre *= factor;
+      curve.u *= factor;
+      curve.v *= factor;
+    }
+  }
+  progress.Note(drawing.file + ": note: converted from " + UnitName(drawing.units) + " to " + UnitName(units));
+}
+
 Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress) {
   const Format fallback = FormatOption(options);
   if (std::count(files.begin(), files.end(), "-") > 1) throw Failure("-: standard input can be read only once");
@@ -50,10 +60,7 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   std::vector<Drawing> drawings;
   Extent extent;
   for (const std::string& file : files) {
-    progress.Stage("reading " + file);
-    Drawing& drawing = drawings.emplace_back(ReadDrawing(file, fallback));
-    NoteIgnored(drawing, progress);
-    KeepLayers(drawing, options.layers);
+    Drawing& drawing = drawings.emplace_back(ReadInput(file, fallback, Content::kRegions, options.layers, progress));
     ConvertUnits(drawing, drawings.front().units, progress);
     for (const Path& path : drawing.paths) {
       if (!path.layer.empty()) loaded.layers.emplace(path.layer);

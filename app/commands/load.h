@@ -25,6 +25,12 @@ struct Loaded {
 // does. A file in other units than the first is converted. What was left out is noted on standard error.
 Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress);
 
+// The parts of that, for commands that read files for different things: one file, without the layers that are not wanted (none
+// named: all), with a note of what was left out; and a drawing brought to the units of another one.
+Drawing ReadInput(const std::string& file, Format format, Content content, const std::vector<std::string>& layers,
+                  Progress& progress);
+void ConvertUnits(Drawing& drawing, int units, Progress& progress);
+
 // The region of a file; a note says where its rings cross.
 Region LoadRegion(const Contours& contours, const Frame& frame, Progress& progress);
 

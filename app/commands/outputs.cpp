@@ -12,14 +12,14 @@ namespace {
 
 constexpr std::string_view kPlaceholder = "{op}";
 
+}  // namespace
+
 Format OutputFormat(const std::string& file, Format chosen, const std::string& input) {
   Format format = FormatOf(file, chosen);
   if (format == Format::kUnknown && file == "-") format = FormatOf(input, chosen);
   if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
   return format;
 }
-
-}  // namespace
 
 std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const std::vector<std::string>& results, Format chosen,
                                     const std::string& input) {

@@ -20,6 +20,9 @@ struct OutputPlan {
 std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const std::vector<std::string>& results, Format chosen,
                                     const std::string& input);
 
+// One output: its format as told there.
+Format OutputFormat(const std::string& file, Format chosen, const std::string& input);
+
 // Whether a plan writes to standard output, so that reports have to go to standard error.
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans);
 

@@ -33,15 +33,27 @@ std::string Table(const std::vector<Row>& rows) {
 
 }  // namespace
 
-std::string Stats::Report(const std::vector<Layer>& operands, const std::vector<Layer>& results) const {
+std::string LayerTable(const std::vector<std::string>& labels, const std::vector<Layer>& layers) {
   std::vector<Row> rows = {{"", "edges", "loops", "holes", "area"}};
-  constexpr std::array<const char*, 2> kLabels = {"A ", "B "};
-  for (std::size_t i = 0; i < operands.size(); ++i) rows.push_back(RowOf(kLabels[i] + operands[i].name, operands[i]));
-  for (const Layer& result : results) rows.push_back(RowOf(result.name, result));
-  std::string text = Table(rows) + "crossings  " + std::to_string(crossings) + "\n";
+  for (std::size_t i = 0; i < layers.size(); ++i) rows.push_back(RowOf(labels[i], layers[i]));
+  return Table(rows);
+}
+
+std::string StageTable(const std::vector<std::pair<std::string, double>>& stages) {
+  std::string text;
   for (const auto& [name, milliseconds] : stages)
     text += name + std::string(11 - name.size(), ' ') + FixedText(milliseconds, 2) + " ms\n";
   return text;
+}
+
+std::string Stats::Report(const std::vector<Layer>& operands, const std::vector<Layer>& results) const {
+  constexpr std::array<const char*, 2> kLabels = {"A ", "B "};
+  std::vector<std::string> labels;
+  for (std::size_t i = 0; i < operands.size(); ++i) labels.push_back(kLabels[i] + operands[i].name);
+  for (const Layer& result : results) labels.push_back(result.name);
+  std::vector<Layer> layers = operands;
+  layers.insert(layers.end(), results.begin(), results.end());
+  return LayerTable(labels, layers) + "crossings  " + std::to_string(crossings) + "\n" + StageTable(stages);
 }
 
 }  // namespace tool

@@ -10,6 +10,12 @@
 
 namespace tool {
 
+// A line for each layer, with its edges, loops, holes and area, under a line of headings.
+std::string LayerTable(const std::vector<std::string>& labels, const std::vector<Layer>& layers);
+
+// A line for each stage with its milliseconds.
+std::string StageTable(const std::vector<std::pair<std::string, double>>& stages);
+
 struct Stats {
   std::size_t crossings = 0;
   std::vector<std::pair<std::string, double>> stages;  // name, milliseconds

@@ -1,8 +1,11 @@
-// From options to a view.
+// From options to a view, a unit, a number of threads.
 #include "commands/view_options.h"
 
+#include <algorithm>
+#include <thread>
 #include <vector>
 
+#include "geometry/units.h"
 #include "io/failure.h"
 #include "io/numbers.h"
 
@@ -21,6 +24,18 @@ bool YUp(const std::string& axes, bool yUpInFile) {
   if (axes.empty()) return yUpInFile;
   if (axes != "y" && axes != "z") throw Failure("--axes: " + Quoted(axes) + " is neither y nor z");
   return axes == "y";
+}
+
+int UnitOption(const std::string& name) {
+  constexpr int kLastCode = 20;
+  for (int code = 1; code <= kLastCode; ++code) {
+    if (UnitName(code) == name) return code;
+  }
+  throw Failure("--unit: " + Quoted(name) + " is no unit; there are mm, cm, m, in, ft and others");
+}
+
+unsigned ThreadCount(unsigned jobs) {
+  return jobs > 0 ? jobs : std::max(std::thread::hardware_concurrency(), 1U);
 }
 
 ZBR_PT3 ParseVector(const std::string& text, const std::string& option) {

@@ -1,4 +1,4 @@
-// The options that say from where a model is seen.
+// The options that commands on models share: from where it is seen, its unit, threads.
 #pragma once
 
 #include <string>
@@ -18,6 +18,12 @@ View ChooseView(const ViewOptions& options, bool yUpInFile);
 
 // Whether y points up, by the option or else by the file.
 bool YUp(const std::string& axes, bool yUpInFile);
+
+// The code of a unit by its name. Fails when there is none of this name.
+int UnitOption(const std::string& name);
+
+// Threads to use for --jobs, 0 when it was not given.
+unsigned ThreadCount(unsigned jobs);
 
 // "x,y,z". `option` is named when it fails.
 ZBR_PT3 ParseVector(const std::string& text, const std::string& option);

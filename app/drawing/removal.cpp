@@ -30,8 +30,7 @@ bool MayHide(const ZBR_HL_SHELL& b, const ZBR_HL_SHELL& a) {
 // reach into many cells are kept in a list of their own.
 class ShellGrid {
  public:
-  explicit ShellGrid(const std::vector<ZBR_HL_SHELL>& shells) : shells_(shells) {
-    low_ = ZBR_PT(shells[0].min_x, shells[0].min_y);
+  explicit ShellGrid(const std::vector<ZBR_HL_SHELL>& shells) : shells_(shells), low_(shells[0].min_x, shells[0].min_y) {
     ZBR_PT high(shells[0].max_x, shells[0].max_y);
     for (const ZBR_HL_SHELL& s : shells) {
       low_.Set(std::min(low_.x(), s.min_x), std::min(low_.y(), s.min_y));

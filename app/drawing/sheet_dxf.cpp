@@ -1,8 +1,10 @@
 // Sheets as DXF drawings.
+#include <algorithm>
 #include <cmath>
 
 #include "drawing/writers.h"
 #include "formats/dxf_document.h"
+#include "geometry/region.h"
 
 namespace tool {
 namespace {
@@ -17,7 +19,15 @@ int Hundredths(double millimetres) {
   return static_cast<int>(std::lround(millimetres * 100));
 }
 
-DxfSetup SetupOf(const Sheet& sheet) {
+bool HasOutlines(const Sheet& sheet) {
+  return std::any_of(sheet.views.begin(), sheet.views.end(), [](const PlacedView& v) { return !v.lines.outlines.empty(); });
+}
+
+std::string FillLayer(const ObjectFile& object) {
+  return "FILL-" + object.id;
+}
+
+DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectFile>& objects) {
   constexpr int kMillimetres = 4, kBlack = 7, kBlue = 5, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
   const bool dashed = sheet.options.hidden == HiddenStyle::kDashed;
   const std::string continuous = "CONTINUOUS";
@@ -29,6 +39,12 @@ DxfSetup SetupOf(const Sheet& sheet) {
                   {kHidden, kGrey, Hundredths(sheet.thin), dashed ? "HIDDEN" : continuous, !dashed},
                   {kFrame, kBlack, kFrameWidth, continuous, false},
                   {kTitle, kBlack, kTitleWidth, continuous, false}};
+  if (!HasOutlines(sheet)) return setup;
+  constexpr int kFirstGrey = 251, kGreys = 4, kHairline = 5;
+  for (std::size_t k = 0; k < objects.size(); ++k) {
+    const int grey = kFirstGrey + static_cast<int>(k) % kGreys;
+    setup.layers.push_back({FillLayer(objects[k]), grey, kHairline, continuous, false});
+  }
   return setup;
 }
 
@@ -37,11 +53,22 @@ const char* LayerOf(const Line& line) {
   return line.edgeClass == EdgeClass::kSilhouette ? kOutline : kVisible;
 }
 
+void AddOutlines(DxfDocument& document, const Sheet& sheet, const PlacedView& view, const std::vector<ObjectFile>& objects) {
+  for (std::size_t k = 0; k < view.lines.outlines.size(); ++k) {
+    ForEachRing(view.lines.outlines[k], [&](const ZBR_LOOP& ring) {
+      std::vector<ZBR_PT> points;
+      for (const ZBR_PT& p : ring.pt()) points.push_back(sheet.OnPaper(view, p));
+      document.AddPolyline(points, true, FillLayer(objects[k]));
+    });
+  }
+}
+
 }  // namespace
 
-std::string WriteSheetDxf(const Sheet& sheet) {
-  DxfDocument document(SetupOf(sheet));
+std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectFile>& objects) {
+  DxfDocument document(SetupOf(sheet, objects));
   for (const PlacedView& view : sheet.views) {
+    AddOutlines(document, sheet, view, objects);
     for (const Line& line : view.lines.lines) {
       std::vector<ZBR_PT> points;
       for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));

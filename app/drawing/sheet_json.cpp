@@ -74,6 +74,41 @@ std::string Opened(const Json& object, const char* name) {
   return text + ",\"" + name + "\":[";
 }
 
+void AppendRing(std::string& text, const ZBR_LOOP& ring, const Coordinates& coordinates) {
+  text += '[';
+  for (const ZBR_PT& p : ring.pt()) {
+    coordinates.Append(text, p);
+    text += ',';
+  }
+  coordinates.Append(text, ring.pt().front());  // rings repeat their first point
+  text += ']';
+}
+
+// A polygon is a list of rings, the outer one first.
+void AppendOutline(std::string& text, std::size_t object, const LoopList& loops, const Coordinates& coordinates) {
+  text += "{\"object\":" + std::to_string(object) + ",\"polygons\":[";
+  for (const auto& outer : loops) {
+    text += outer == loops.front() ? "[" : ",[";
+    AppendRing(text, *outer, coordinates);
+    for (const auto& hole : outer->children()) {
+      text += ',';
+      AppendRing(text, *hole, coordinates);
+    }
+    text += ']';
+  }
+  text += "]}";
+}
+
+std::string OutlinesText(const ViewLines& view, const Coordinates& coordinates) {
+  std::string text;
+  if (view.outlines.empty()) return text;
+  for (std::size_t k = 0; k < view.outlines.size(); ++k) {
+    text += k == 0 ? "\n],\"outlines\":[\n" : ",\n";
+    AppendOutline(text, k, view.outlines[k], coordinates);
+  }
+  return text;
+}
+
 // Points times scale plus origin give millimetres on paper.
 std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
   const ViewLines& view = placed.lines;
@@ -89,7 +124,7 @@ std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
     text += &line == &view.lines.front() ? "\n" : ",\n";
     AppendPolyline(text, line, coordinates);
   }
-  return text + "\n]}";
+  return text + OutlinesText(view, coordinates) + "\n]}";
 }
 
 const char* ProjectionName(Projection projection) {
@@ -99,7 +134,7 @@ const char* ProjectionName(Projection projection) {
 
 }  // namespace
 
-std::string WriteSheetJson(const Sheet& sheet, const std::vector<ModelFile>& files, std::size_t shells) {
+std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectFile>& objects, std::size_t shells) {
   Json header = {{"title", sheet.options.title},
                  {"unit", sheet.options.unit},
                  {"scale", sheet.scale},
@@ -108,7 +143,11 @@ std::string WriteSheetJson(const Sheet& sheet, const std::vector<ModelFile>& fil
                  {"projection", ProjectionName(sheet.options.projection)},
                  {"models", Json::array()},
                  {"shells", shells}};
-  for (const ModelFile& file : files) header["models"].push_back({{"file", file.name}, {"first_triangle", file.firstTriangle}});
+  for (const ObjectFile& object : objects) {
+    header["models"].push_back({{"file", object.name}, {"first_triangle", object.firstTriangle}});
+    const ZBR_PT3& d = object.shift;
+    if (d.x() != 0 || d.y() != 0 || d.z() != 0) header["models"].back()["shift"] = Vector(d);
+  }
   std::string text = Opened(header, "views");
   for (const PlacedView& view : sheet.views) text += (&view == &sheet.views.front() ? "\n" : ",\n") + ViewText(sheet, view);
   return text + "\n]}\n";

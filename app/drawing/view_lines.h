@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "drawing/chains.h"
+#include "geometry/contacts.h"
 #include "geometry/drawing.h"
 #include "model/scene.h"
 
@@ -24,11 +25,12 @@ struct Line {
 struct ViewLines {
   std::string name;
   View view;
-  ZBR_PT3 middle;            // the origin, in the view's axes
-  Extent extent;             // of the model
-  std::vector<Line> lines;   // visible ones first, then by class, then by shell
-  std::size_t drawable = 0;  // edges
-  std::uint64_t pairs = 0;   // of edges and triangles that the removal looked at closely
+  ZBR_PT3 middle;                  // the origin, in the view's axes
+  Extent extent;                   // of the model
+  std::vector<Line> lines;         // visible ones first, then by class, then by shell
+  std::vector<LoopList> outlines;  // of the objects, as far as nearer ones leave them visible, where asked for
+  std::size_t drawable = 0;        // edges
+  std::uint64_t pairs = 0;         // of edges and triangles that the removal looked at closely
 
   double VisibleLength() const;
 };

@@ -4,6 +4,7 @@
 #include <dxflib/dl_dxf.h>
 #include <dxflib/dl_writer_ascii.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <set>
@@ -167,14 +168,60 @@ DxfDocument::DxfDocument(const DxfSetup& setup) : writers_(std::make_unique<Writ
 
 DxfDocument::~DxfDocument() = default;
 
-void DxfDocument::AddPolyline(const std::vector<ZBR_PT>& points, bool closed, const std::string& layer) {
+void DxfDocument::AddPolyline(const std::vector<ZBR_PT>& points, bool closed, const std::string& layer, double height) {
   constexpr int kClosed = 1;
   constexpr int kPatternRunsThrough = 128;  // else each short edge of a curve starts a dash of its own
   auto& [dxf, text, dashed] = *writers_;
   const int flags = (closed ? kClosed : 0) + (dashed.contains(layer) ? kPatternRunsThrough : 0);
   dxf.writePolyline(text, DL_PolylineData(static_cast<int>(points.size()), 0, 0, flags), OnLayer(layer));
+  constexpr int kElevation = 38;
+  if (height != 0) text.dxfReal(kElevation, height);
   for (const ZBR_PT& p : points) dxf.writeVertex(text, DL_VertexData(p.x(), p.y()));
   dxf.writePolylineEnd(text);
+}
+
+void DxfDocument::AddLine(const std::vector<ZBR_PT3>& points, bool closed, const std::string& layer) {
+  const ZBR_PT3& first = points.front();
+  const bool isLevel = std::all_of(points.begin(), points.end(), [&](const ZBR_PT3& p) { return p.z() == first.z(); });
+  if (points.size() == 2 && !closed) {
+    const ZBR_PT3& last = points.back();
+    writers_->dxf.writeLine(writers_->text, DL_LineData(first.x(), first.y(), first.z(), last.x(), last.y(), last.z()),
+                            OnLayer(layer));
+  } else if (isLevel) {
+    std::vector<ZBR_PT> flat;
+    for (const ZBR_PT3& p : points) flat.push_back(p.xy());
+    AddPolyline(flat, closed, layer, first.z());
+  } else {
+    AddSpacePolyline(points, closed, layer);
+  }
+}
+
+// The writing library knows polylines of the plane alone.
+void DxfDocument::AddSpacePolyline(const std::vector<ZBR_PT3>& points, bool closed, const std::string& layer) {
+  constexpr int kSubclass = 100, kVerticesFollow = 66, kFlags = 70, kClosed = 1, kInSpace = 8, kVertexInSpace = 32;
+  const TextWriter& text = writers_->text;
+  const auto start = [&](const char* entity, const char* subclass) {
+    text.entity(entity);
+    text.dxfString(kSubclass, "AcDbEntity");
+    text.entityAttributes(OnLayer(layer));
+    if (subclass != nullptr) text.dxfString(kSubclass, subclass);
+  };
+  const auto coordinates = [&](const ZBR_PT3& p) {
+    text.dxfReal(10, p.x());
+    text.dxfReal(20, p.y());
+    text.dxfReal(30, p.z());
+  };
+  start("POLYLINE", "AcDb3dPolyline");
+  text.dxfInt(kVerticesFollow, 1);
+  coordinates(ZBR_PT3());
+  text.dxfInt(kFlags, kInSpace + (closed ? kClosed : 0));
+  for (const ZBR_PT3& p : points) {
+    start("VERTEX", "AcDbVertex");
+    text.dxfString(kSubclass, "AcDb3dPolylineVertex");
+    coordinates(p);
+    text.dxfInt(kFlags, kVertexInSpace);
+  }
+  start("SEQEND", nullptr);
 }
 
 void DxfDocument::AddCircle(const ZBR_PT& centre, double radius, const std::string& layer) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zbr/planar.h>
+#include <zbr/spatial.h>
 
 #include <memory>
 #include <string>
@@ -41,7 +42,9 @@ class DxfDocument {
   ~DxfDocument();
 
   // A LWPOLYLINE; of a closed one the last point does not repeat the first.
-  void AddPolyline(const std::vector<ZBR_PT>& points, bool closed, const std::string& layer);
+  void AddPolyline(const std::vector<ZBR_PT>& points, bool closed, const std::string& layer, double height = 0.0);
+  // A line in space: a LINE, a LWPOLYLINE at a height, or a polyline in space.
+  void AddLine(const std::vector<ZBR_PT3>& points, bool closed, const std::string& layer);
   void AddCircle(const ZBR_PT& centre, double radius, const std::string& layer);
   // Text in UTF-8 that starts at a point of its base line.
   void AddText(const ZBR_PT& at, double height, const std::string& text, const std::string& layer);
@@ -50,6 +53,7 @@ class DxfDocument {
 
  private:
   struct Writers;
+  void AddSpacePolyline(const std::vector<ZBR_PT3>& points, bool closed, const std::string& layer);
   std::unique_ptr<Writers> writers_;
 };
 

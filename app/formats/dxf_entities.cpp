@@ -62,6 +62,7 @@ void DxfEntities::setVariableInt(const std::string& key, int value, int) {
 void DxfEntities::addLine(const DL_LineData& data) {
   Path path;
   path.points = {{data.x1, data.y1}, {data.x2, data.y2}};
+  SetHeights(path, {data.z1, data.z2});
   AddPath(std::move(path));
 }
 
@@ -79,6 +80,8 @@ void DxfEntities::addArc(const DL_ArcData& data) {
   Path path;
   path.points = {arc.centre + arc.u, end};
   path.curves = {arc};
+  const double height = IsMirrored() ? -data.cz : data.cz;
+  SetHeights(path, {height, height});
   if (IsMirrored()) {
     Mirror(path.curves[0]);
     for (ZBR_PT& p : path.points) p = Mirrored(p);
@@ -94,7 +97,7 @@ void DxfEntities::addCircle(const DL_CircleData& data) {
   circle.v.Set(0, data.radius);
   circle.t1 = 2 * kPi;
   if (IsMirrored()) Mirror(circle);
-  AddCurve(circle, true);
+  AddCurve(circle, true, IsMirrored() ? -data.cz : data.cz);
 }
 
 // The axes of an ellipse are given in the drawing's own plane; only its direction of travel depends on the extrusion.
@@ -108,7 +111,7 @@ void DxfEntities::addEllipse(const DL_EllipseData& data) {
   const bool closed = std::abs(std::abs(data.angle2 - data.angle1) - 2 * kPi) < 1e-9 || sweep == 0;
   ellipse.t0 = data.angle1;
   ellipse.t1 = data.angle1 + (closed ? 2 * kPi : (sweep > 0 ? sweep : sweep + 2 * kPi));
-  AddCurve(ellipse, closed);
+  AddCurve(ellipse, closed, data.cz);
 }
 
 void DxfEntities::addPolyline(const DL_PolylineData& data) {
@@ -124,13 +127,16 @@ void DxfEntities::addPolyline(const DL_PolylineData& data) {
   polyline_ = Path();
   polyline_.closed = (data.flags & kClosed) != 0;
   isMirrored_ = IsMirrored();
+  elevation_ = data.elevation;
   bulges_.clear();
+  heights_.clear();
 }
 
 void DxfEntities::addVertex(const DL_VertexData& data) {
   if (!inPolyline_) return;
   polyline_.points.emplace_back(data.x, data.y);
   bulges_.push_back(data.bulge);
+  if (keepHeights_) heights_.push_back(elevation_ + data.z);
 }
 
 void DxfEntities::endEntity() {
@@ -146,6 +152,7 @@ void DxfEntities::FinishPolyline() {
   inPolyline_ = false;
   std::vector<ZBR_PT>& points = polyline_.points;
   if (isMirrored_) {
+    for (double& z : heights_) z = -z;
     for (ZBR_PT& p : points) p = Mirrored(p);
   }
   const std::size_t edges = polyline_.closed ? points.size() : std::max<std::size_t>(points.size(), 1) - 1;
@@ -154,6 +161,7 @@ void DxfEntities::FinishPolyline() {
     if (std::abs(bulge) < kStraight) continue;
     polyline_.curves.push_back(BulgeArc(points[i], points[(i + 1) % points.size()], bulge, i));
   }
+  SetHeights(polyline_, std::move(heights_));
   if (!points.empty()) AddPath(std::move(polyline_));
 }
 
@@ -169,18 +177,24 @@ bool DxfEntities::IsFlat(const char* name) {
   return flat;
 }
 
+void DxfEntities::SetHeights(Path& path, std::vector<double> heights) const {
+  if (keepHeights_ && std::any_of(heights.begin(), heights.end(), [](double z) { return z != 0; }))
+    path.heights = std::move(heights);
+}
+
 void DxfEntities::AddPath(Path path) {
   path.line = line_;
   path.layer = drawing_.names->Keep(attributes.getLayer());
   drawing_.paths.push_back(std::move(path));
 }
 
-void DxfEntities::AddCurve(const Curve& curve, bool closed) {
+void DxfEntities::AddCurve(const Curve& curve, bool closed, double height) {
   Path path;
   path.closed = closed;
   path.points = {curve.At(curve.t0)};
   if (!closed) path.points.push_back(curve.At(curve.t1));
   path.curves = {curve};
+  SetHeights(path, std::vector<double>(path.points.size(), height));
   AddPath(std::move(path));
 }
 

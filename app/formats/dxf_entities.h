@@ -18,7 +18,7 @@ const std::vector<int>* RequiredDxfCodes(std::string_view entity);
 // Turns parsed entities into paths. The reader sets `line` before it lets an entity be parsed.
 class DxfEntities : public DL_CreationAdapter {
  public:
-  explicit DxfEntities(Drawing& drawing) : drawing_(drawing) {}
+  DxfEntities(Drawing& drawing, bool keepHeights) : drawing_(drawing), keepHeights_(keepHeights) {}
 
   void SetLine(std::size_t line) { line_ = line; }
 
@@ -37,15 +37,19 @@ class DxfEntities : public DL_CreationAdapter {
   bool IsFlat(const char* name);
   bool IsMirrored();
   void AddPath(Path path);
-  void AddCurve(const Curve& curve, bool closed);
+  void AddCurve(const Curve& curve, bool closed, double height);
+  // Sets the heights of a path's points where they are to be kept and any is not 0.
+  void SetHeights(Path& path, std::vector<double> heights) const;
   void FinishPolyline();
 
   Drawing& drawing_;
+  bool keepHeights_;
   std::size_t line_ = 0;
   bool inPolyline_ = false;
   bool isMirrored_ = false;
   Path polyline_;
-  std::vector<double> bulges_;
+  double elevation_ = 0.0;
+  std::vector<double> bulges_, heights_;  // of the polyline's vertices
 };
 
 }  // namespace tool

@@ -29,7 +29,8 @@ bool DescribesShape(int code) {
 
 class DxfReader {
  public:
-  DxfReader(std::string_view text, const std::string& file) : groups_(text, file), file_(file), entities_(drawing_) {
+  DxfReader(std::string_view text, const std::string& file, Content content)
+      : groups_(text, file), file_(file), entities_(drawing_, content == Content::kLines) {
     drawing_.file = file;
     drawing_.joinsEnds = true;
     std::istringstream none;
@@ -205,8 +206,8 @@ class DxfReader {
 
 }  // namespace
 
-Drawing ReadDxf(const std::string& text, const std::string& file) {
-  return DxfReader(text, file).Read(text);
+Drawing ReadDxf(const std::string& text, const std::string& file, Content content) {
+  return DxfReader(text, file, content).Read(text);
 }
 
 }  // namespace tool

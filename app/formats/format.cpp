@@ -57,15 +57,15 @@ std::string NameOf(Format format) {
   return "unknown";
 }
 
-Drawing ReadDrawing(const std::string& file, Format fallback) {
+Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   const Format format = FormatOf(file, fallback);
   if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
   if (format == Format::kSvg) throw Failure(file + ": pictures are written, not read");
   const std::string text = ReadFile(file);
-  if (format == Format::kDxf) return ReadDxf(text, file);
-  if (format == Format::kGeoJson) return ReadGeoJson(text, file);
-  if (format == Format::kWkt) return ReadWkt(text, file);
-  return ReadLoopText(text, file);
+  if (format == Format::kDxf) return ReadDxf(text, file, content);
+  if (format == Format::kGeoJson) return ReadGeoJson(text, file, content);
+  if (format == Format::kWkt) return ReadWkt(text, file, content);
+  return ReadLoopText(text, file, content);
 }
 
 std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units) {
@@ -73,6 +73,13 @@ std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int un
   if (format == Format::kGeoJson) return WriteGeoJson(layers, units);
   if (format == Format::kWkt) return WriteWkt(layers);
   return WriteLoopText(layers);
+}
+
+std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights) {
+  if (format == Format::kDxf) return WriteDxfLines(layers, units);
+  if (format == Format::kGeoJson) return WriteGeoJsonLines(layers, units, heights);
+  if (format == Format::kWkt) return WriteWktLines(layers, heights);
+  return WriteTextLines(layers, heights);
 }
 
 }  // namespace tool

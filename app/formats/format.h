@@ -5,9 +5,13 @@
 #include <vector>
 
 #include "geometry/drawing.h"
+#include "geometry/lines.h"
 #include "geometry/region.h"
 
 namespace tool {
+
+// What a drawing is read for. Lines may be open and may have heights; formats that tell regions from lines then give both.
+enum class Content { kRegions, kLines };
 
 enum class Format { kUnknown, kDxf, kGeoJson, kWkt, kText, kSvg };
 
@@ -18,20 +22,28 @@ Format FormatByName(const std::string& name);
 std::string NameOf(Format format);
 
 // Reads a file whose format FormatOf tells. Fails with "file:line: cause" on malformed contents.
-Drawing ReadDrawing(const std::string& file, Format fallback);
+Drawing ReadDrawing(const std::string& file, Format fallback, Content content = Content::kRegions);
 
 // The text of a file with one layer, feature or line for each result. Not for pictures.
 std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units);
 
+// The same for lines, with their heights or without.
+std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights);
+
 // Each reads the text of one file; `file` is its name for messages.
-Drawing ReadDxf(const std::string& text, const std::string& file);
-Drawing ReadGeoJson(const std::string& text, const std::string& file);
-Drawing ReadWkt(const std::string& text, const std::string& file);
-Drawing ReadLoopText(const std::string& text, const std::string& file);
+Drawing ReadDxf(const std::string& text, const std::string& file, Content content);
+Drawing ReadGeoJson(const std::string& text, const std::string& file, Content content);
+Drawing ReadWkt(const std::string& text, const std::string& file, Content content);
+Drawing ReadLoopText(const std::string& text, const std::string& file, Content content = Content::kRegions);
 
 std::string WriteDxf(const std::vector<Layer>& layers, int units);
 std::string WriteGeoJson(const std::vector<Layer>& layers, int units);
 std::string WriteWkt(const std::vector<Layer>& layers);
 std::string WriteLoopText(const std::vector<Layer>& layers);
+
+std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units);
+std::string WriteGeoJsonLines(const std::vector<LineLayer>& layers, int units, bool heights);
+std::string WriteWktLines(const std::vector<LineLayer>& layers, bool heights);
+std::string WriteTextLines(const std::vector<LineLayer>& layers, bool heights);
 
 }  // namespace tool

@@ -21,6 +21,7 @@ const char* GeoJsonCoordinates::AddNumber(double value) {
   if (level.childHeight > 0) return kUneven;
   if (level.numbers == 0) level.x = value;
   if (level.numbers == 1) level.y = value;
+  if (level.numbers == 2) level.z = value;
   ++level.numbers;
   return nullptr;
 }
@@ -31,7 +32,7 @@ const char* GeoJsonCoordinates::CloseArray() {
   if (level.numbers == 1) return "a position needs two numbers";
   const bool empty = level.numbers == 0 && level.childHeight == 0;
   const int height = empty ? 0 : level.childHeight + 1;
-  if (height == 1) points_.emplace_back(level.x, level.y);
+  if (height == 1) AddPoint(level);
   if (height == 2) rings_.push_back({points_.size(), level.line});
   if (height == 3) polygonEnds_.push_back(rings_.size());
   if (open_.empty()) {
@@ -42,6 +43,12 @@ const char* GeoJsonCoordinates::CloseArray() {
   if (!empty && expected != 0 && expected != height) return kUneven;
   if (!empty) expected = height;
   return nullptr;
+}
+
+void GeoJsonCoordinates::AddPoint(const Level& position) {
+  if (keepHeights_ && position.numbers > 2 && heights_.empty()) heights_.resize(points_.size());  // those before are at 0
+  points_.emplace_back(position.x, position.y);
+  if (keepHeights_ && (position.numbers > 2 || !heights_.empty())) heights_.push_back(position.z);
 }
 
 }  // namespace tool

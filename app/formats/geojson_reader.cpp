@@ -67,7 +67,10 @@ struct OpenObject {
 
 class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
  public:
-  GeoJsonHandler(const std::string& file, const Progress& progress) : progress_(progress) { drawing.file = file; }
+  GeoJsonHandler(const std::string& file, Content content, const Progress& progress)
+      : isForLines_(content == Content::kLines), progress_(progress) {
+    drawing.file = file;
+  }
 
   Drawing drawing;
 
@@ -118,7 +121,7 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
     if (InCoordinates()) {
       Check(top.coordinates.OpenArray(progress_.Line()));
     } else if (!top.isProperties && top.key == "coordinates") {
-      top.coordinates = GeoJsonCoordinates();
+      top.coordinates = GeoJsonCoordinates(isForLines_);
       top.hasCoordinates = true;
       Check(top.coordinates.OpenArray(progress_.Line()));
     } else if (!top.isProperties && (top.key == "features" || top.key == "geometries")) {
@@ -149,7 +152,7 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
       cause = colon == std::string::npos ? cause : cause.substr(colon + 2);
     }
     constexpr std::size_t kLongest = 160;
-    if (cause.size() > kLongest) cause = cause.substr(0, kLongest) + "...";
+    if (cause.size() > kLongest) cause.replace(kLongest, std::string::npos, "...");
     Fail(cause);
   }
 
@@ -197,6 +200,8 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
     const std::string& type = object.type;
     if (type == "Polygon" || type == "MultiPolygon") {
       TakePolygons(object, type == "Polygon" ? 3 : 4);
+    } else if (isForLines_ && (type == "LineString" || type == "MultiLineString")) {
+      TakeLines(object, type == "LineString" ? 2 : 3);
     } else if (std::find(kOthers.begin(), kOthers.end(), type) != kOthers.end()) {
       ++drawing.ignored[type];
     } else if (std::find(kContainers.begin(), kContainers.end(), type) == kContainers.end()) {
@@ -206,28 +211,43 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
     for (std::size_t i = object.firstPath; i < drawing.paths.size(); ++i) drawing.paths[i].layer = drawing.names->Keep(object.name);
   }
 
-  void TakePolygons(const OpenObject& object, int height) {
-    const GeoJsonCoordinates& all = object.coordinates;
+  void CheckNesting(const OpenObject& object, int height) const {
     if (!object.hasCoordinates) FailAt(drawing.file, object.line, object.type + " without coordinates");
-    if (all.height() != 0 && all.height() != height) {
-      FailAt(drawing.file, object.line, "coordinates do not have the nesting of a " + object.type);
-    }
-    std::size_t ring = 0;
-    std::size_t point = 0;
-    for (const std::size_t end : all.polygonEnds()) {
-      for (; ring < end; ++ring) {
-        const GeoJsonCoordinates::RingRange& range = all.rings()[ring];
-        Path& path = drawing.paths.emplace_back();
-        path.points.assign(all.points().begin() + static_cast<std::ptrdiff_t>(point),
-                           all.points().begin() + static_cast<std::ptrdiff_t>(range.end));
-        path.line = range.line;
-        path.polygon = polygons_;
-        point = range.end;
-      }
+    const int found = object.coordinates.height();
+    if (found != 0 && found != height) FailAt(drawing.file, object.line, "coordinates do not have the nesting of a " + object.type);
+  }
+
+  // Ring `ring` as a path; `point` is its first point, and becomes that of the next.
+  void TakeRing(const GeoJsonCoordinates& all, std::size_t ring, std::size_t& point, int polygon) {
+    const GeoJsonCoordinates::RingRange& range = all.rings()[ring];
+    const auto begin = static_cast<std::ptrdiff_t>(point), end = static_cast<std::ptrdiff_t>(range.end);
+    Path& path = drawing.paths.emplace_back();
+    path.points.assign(all.points().begin() + begin, all.points().begin() + end);
+    if (!all.heights().empty()) path.heights.assign(all.heights().begin() + begin, all.heights().begin() + end);
+    path.line = range.line;
+    path.polygon = polygon;
+    point = range.end;
+  }
+
+  void TakePolygons(const OpenObject& object, int height) {
+    CheckNesting(object, height);
+    std::size_t ring = 0, point = 0;
+    for (const std::size_t end : object.coordinates.polygonEnds()) {
+      for (; ring < end; ++ring) TakeRing(object.coordinates, ring, point, polygons_);
       ++polygons_;
     }
   }
 
+  // The nesting of lines is that of rings.
+  void TakeLines(const OpenObject& object, int height) {
+    CheckNesting(object, height);
+    constexpr int kNoPolygon = -1;
+    std::size_t point = 0;
+    for (std::size_t ring = 0; ring < object.coordinates.rings().size(); ++ring)
+      TakeRing(object.coordinates, ring, point, kNoPolygon);
+  }
+
+  bool isForLines_;
   const Progress& progress_;
   std::vector<OpenObject> objects_;
   int skipped_ = 0;  // depth inside a value that does not matter
@@ -236,9 +256,9 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
 
 }  // namespace
 
-Drawing ReadGeoJson(const std::string& text, const std::string& file) {
+Drawing ReadGeoJson(const std::string& text, const std::string& file, Content content) {
   Progress progress;
-  GeoJsonHandler handler(file, progress);
+  GeoJsonHandler handler(file, content, progress);
   nlohmann::json::sax_parse(CountingIterator(text.data(), &progress), CountingIterator(text.data() + text.size(), &progress),
                             &handler);
   return std::move(handler.drawing);

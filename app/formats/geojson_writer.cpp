@@ -37,10 +37,16 @@ void AppendPolygon(std::string& text, const ZBR_LOOP& outer) {
   text += ']';
 }
 
-void AppendFeature(std::string& text, const Layer& layer, int units) {
-  text += R"({"type":"Feature","properties":{"name":)" + JsonString(layer.name);
-  if (std::isfinite(layer.area)) text += R"(,"area":)" + NumberText(layer.area);  // JSON has no infinity
+// The start of a feature, up to its properties, among them a measure of it.
+std::string FeatureStart(const std::string& name, const char* measure, double value, int units) {
+  std::string text = R"({"type":"Feature","properties":{"name":)" + JsonString(name);
+  if (std::isfinite(value)) text += std::string(",\"") + measure + "\":" + NumberText(value);  // JSON has no infinity
   if (!UnitName(units).empty()) text += R"(,"units":)" + JsonString(UnitName(units));
+  return text;
+}
+
+void AppendFeature(std::string& text, const Layer& layer, int units) {
+  text += FeatureStart(layer.name, "area", layer.area, units);
   text += R"(},"geometry":{"type":"MultiPolygon","coordinates":[)";
   for (std::size_t i = 0; i < layer.loops.size(); ++i) {
     text += i > 0 ? ",\n" : "\n";
@@ -49,7 +55,36 @@ void AppendFeature(std::string& text, const Layer& layer, int units) {
   text += "]}}";
 }
 
+void AppendLine(std::string& text, const SpaceLine& line, bool heights) {
+  for (const ZBR_PT3& p : line.points) {
+    text += &p == &line.points.front() ? "[[" : ",[";
+    AppendNumber(text, p.x());
+    text += ',';
+    AppendNumber(text, p.y());
+    if (heights) {
+      text += ',';
+      AppendNumber(text, p.z());
+    }
+    text += ']';
+  }
+  text += ']';
+}
+
 }  // namespace
+
+std::string WriteGeoJsonLines(const std::vector<LineLayer>& layers, int units, bool heights) {
+  std::string text = "{\"type\":\"FeatureCollection\",\"features\":[";
+  for (const LineLayer& layer : layers) {
+    text += (&layer == &layers.front() ? "\n" : ",\n") + FeatureStart(layer.name, "length", layer.Length(), units);
+    text += R"(},"geometry":{"type":"MultiLineString","coordinates":[)";
+    for (const SpaceLine& line : layer.lines) {
+      text += &line == &layer.lines.front() ? "\n" : ",\n";
+      AppendLine(text, line, heights);
+    }
+    text += "]}}";
+  }
+  return text + "\n]}\n";
+}
 
 std::string WriteGeoJson(const std::vector<Layer>& layers, int units) {
   std::string text = "{\"type\":\"FeatureCollection\",\"features\":[";

@@ -1,5 +1,6 @@
 // Plain text of loops: a line for each point, x and y separated by blanks or a comma; a blank line between loops; '#' starts a
-// comment. Every loop is closed; stating the first point again at the end is allowed.
+// comment. Every loop is closed; stating the first point again at the end is allowed. Of lines each is as open as it is given, and
+// points may have a third number, the height.
 
 #include <optional>
 #include <string_view>
@@ -24,7 +25,7 @@ std::string_view NextToken(std::string_view& rest) {
 
 class LoopTextReader {
  public:
-  explicit LoopTextReader(const std::string& file) { drawing_.file = file; }
+  LoopTextReader(const std::string& file, Content content) : isForLines_(content == Content::kLines) { drawing_.file = file; }
 
   Drawing Read(std::string_view text) {
     while (!text.empty()) {
@@ -49,14 +50,18 @@ class LoopTextReader {
     }
     const std::string_view y = NextToken(rest);
     if (y.empty()) FailAt(drawing_.file, line_, "a point needs two numbers");
+    const std::string_view z = isForLines_ ? NextToken(rest) : std::string_view();
     if (const std::string_view more = NextToken(rest); !more.empty()) FailAt(drawing_.file, line_, "unexpected " + Quoted(more));
     if (!inLoop_) {
       drawing_.paths.emplace_back();
-      drawing_.paths.back().closed = true;
+      drawing_.paths.back().closed = !isForLines_;
       drawing_.paths.back().line = line_;
     }
     inLoop_ = true;
-    AddPoint({Coordinate(x), Coordinate(y)});
+    Path& path = drawing_.paths.back();
+    if (!z.empty() && path.heights.empty()) path.heights.resize(path.points.size());  // those before are at 0
+    path.points.emplace_back(Coordinate(x), Coordinate(y));
+    if (!path.heights.empty() || !z.empty()) path.heights.push_back(z.empty() ? 0.0 : Coordinate(z));
   }
 
   double Coordinate(std::string_view token) const {
@@ -65,17 +70,16 @@ class LoopTextReader {
     return *value;
   }
 
-  void AddPoint(const ZBR_PT& p) { drawing_.paths.back().points.push_back(p); }
-
   Drawing drawing_;
+  bool isForLines_;
   std::size_t line_ = 0;
   bool inLoop_ = false;
 };
 
 }  // namespace
 
-Drawing ReadLoopText(const std::string& text, const std::string& file) {
-  return LoopTextReader(file).Read(text);
+Drawing ReadLoopText(const std::string& text, const std::string& file, Content content) {
+  return LoopTextReader(file, content).Read(text);
 }
 
 std::string WriteLoopText(const std::vector<Layer>& layers) {
@@ -91,6 +95,27 @@ std::string WriteLoopText(const std::vector<Layer>& layers) {
       }
       text += '\n';
     });
+  }
+  return text;
+}
+
+std::string WriteTextLines(const std::vector<LineLayer>& layers, bool heights) {
+  std::string text;
+  for (const LineLayer& layer : layers) {
+    if (layers.size() > 1) text += "# " + layer.name + "\n\n";
+    for (const SpaceLine& line : layer.lines) {
+      for (const ZBR_PT3& p : line.points) {
+        AppendNumber(text, p.x());
+        text += ' ';
+        AppendNumber(text, p.y());
+        if (heights) {
+          text += ' ';
+          AppendNumber(text, p.z());
+        }
+        text += '\n';
+      }
+      text += '\n';
+    }
   }
   return text;
 }

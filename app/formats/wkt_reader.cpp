@@ -1,5 +1,6 @@
 // Reads well-known text: any number of geometries, usually one a line. Polygons, multi-polygons and collections of them are taken;
-// points and lines are left out and counted. Z and M values are read and dropped. An "SRID=...;" before a geometry is allowed.
+// points are left out and counted, and so are lines unless they are asked for. Z values are kept for lines alone, M values dropped.
+// An "SRID=...;" before a geometry is allowed.
 
 #include <algorithm>
 #include <array>
@@ -18,7 +19,8 @@ constexpr int kDeepestCollection = 64;
 
 class WktReader {
  public:
-  WktReader(std::string_view text, const std::string& file) : text_(text) {
+  WktReader(std::string_view text, const std::string& file, Content content)
+      : text_(text), isForLines_(content == Content::kLines) {
     drawing_.file = file;
     Advance();
   }
@@ -72,17 +74,24 @@ class WktReader {
     if (Word() == "SRID") SkipReference();
     std::string kind = Word();
     // "POLYGONZ" and "POLYGON Z" mean the same.
-    while (kind.size() > 5 && (kind.back() == 'Z' || kind.back() == 'M')) kind.pop_back();
+    hasHeights_ = false;
+    while (kind.size() > 5 && (kind.back() == 'Z' || kind.back() == 'M')) {
+      hasHeights_ = isForLines_ && kind.back() == 'Z';
+      kind.pop_back();
+    }
     static constexpr std::array<std::string_view, 7> kKinds = {"POLYGON",    "MULTIPOLYGON", "GEOMETRYCOLLECTION", "POINT",
                                                                "MULTIPOINT", "LINESTRING",   "MULTILINESTRING"};
     if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end()) Fail("a geometry");
     Advance();
     const std::string dimension = Word();
     if (dimension == "Z" || dimension == "M" || dimension == "ZM") Advance();
+    if (isForLines_ && dimension.starts_with('Z')) hasHeights_ = true;
     if (Word() == "EMPTY") return Advance();
     if (kind == "POLYGON") return ReadPolygon();
     if (kind == "MULTIPOLYGON") return ReadList([&] { ReadPolygon(); });
     if (kind == "GEOMETRYCOLLECTION") return ReadList([&] { ReadGeometry(depth + 1); });
+    if (isForLines_ && kind == "LINESTRING") return ReadLine();
+    if (isForLines_ && kind == "MULTILINESTRING") return ReadList([&] { ReadLine(); });
     ++drawing_.ignored[kind];
     SkipParentheses();
   }
@@ -112,16 +121,29 @@ class WktReader {
       Path ring;
       ring.line = line_;
       ring.polygon = polygon;
-      ReadList([&] { ring.points.push_back(ReadPoint()); });
+      ReadList([&] { ReadPoint(ring); });
       drawing_.paths.push_back(std::move(ring));
     });
   }
 
-  ZBR_PT ReadPoint() {
+  void ReadLine() {
+    if (Word() == "EMPTY") return Advance();
+    Path line;
+    line.line = line_;
+    ReadList([&] { ReadPoint(line); });
+    drawing_.paths.push_back(std::move(line));
+  }
+
+  void ReadPoint(Path& path) {
     const double x = ReadNumber();
     const double y = ReadNumber();
-    for (int more = 0; more < 2 && token_ != "," && token_ != ")"; ++more) ReadNumber();
-    return {x, y};
+    path.points.emplace_back(x, y);
+    double z = 0;
+    for (int more = 0; more < 2 && token_ != "," && token_ != ")"; ++more) {
+      const double value = ReadNumber();
+      if (more == 0) z = value;
+    }
+    if (hasHeights_) path.heights.push_back(z);
   }
 
   double ReadNumber() {
@@ -143,13 +165,15 @@ class WktReader {
   std::string_view token_;
   std::size_t line_ = 1;
   int polygons_ = 0;
+  bool isForLines_;
+  bool hasHeights_ = false;  // of the geometry being read
   Drawing drawing_;
 };
 
 }  // namespace
 
-Drawing ReadWkt(const std::string& text, const std::string& file) {
-  return WktReader(text, file).Read();
+Drawing ReadWkt(const std::string& text, const std::string& file, Content content) {
+  return WktReader(text, file, content).Read();
 }
 
 }  // namespace tool

@@ -28,7 +28,35 @@ void AppendPolygon(std::string& text, const ZBR_LOOP& outer) {
   text += ')';
 }
 
+void AppendLine(std::string& text, const SpaceLine& line, bool heights) {
+  text += '(';
+  for (const ZBR_PT3& p : line.points) {
+    if (&p != &line.points.front()) text += ", ";
+    AppendNumber(text, p.x());
+    text += ' ';
+    AppendNumber(text, p.y());
+    if (!heights) continue;
+    text += ' ';
+    AppendNumber(text, p.z());
+  }
+  text += ')';
+}
+
 }  // namespace
+
+std::string WriteWktLines(const std::vector<LineLayer>& layers, bool heights) {
+  std::string text;
+  for (const LineLayer& layer : layers) {
+    text += heights ? "MULTILINESTRING Z " : "MULTILINESTRING ";
+    if (layer.lines.empty()) text += "EMPTY";
+    for (const SpaceLine& line : layer.lines) {
+      text += &line == &layer.lines.front() ? "(" : ", ";
+      AppendLine(text, line, heights);
+    }
+    text += layer.lines.empty() ? "\n" : ")\n";
+  }
+  return text;
+}
 
 std::string WriteWkt(const std::vector<Layer>& layers) {
   std::string text;

@@ -31,17 +31,10 @@ int ChordsFor(const Curve& curve, double deviation) {
   return std::max(1, static_cast<int>(std::ceil(perTurn * turns - 1e-9)));
 }
 
-std::vector<ZBR_PT> FlattenPath(const Path& path, double deviation) {
+std::vector<ZBR_PT> FlattenedPoints(const Path& path, double deviation) {
   std::vector<ZBR_PT> points;
   points.reserve(path.points.size());
-  auto curve = path.curves.begin();
-  for (std::size_t i = 0; i < path.points.size(); ++i) {
-    points.push_back(path.points[i]);
-    if (curve == path.curves.end() || curve->at != i) continue;
-    const int chords = ChordsFor(*curve, deviation);
-    for (int k = 1; k < chords; ++k) points.push_back(curve->At(curve->t0 + (curve->t1 - curve->t0) * k / chords));
-    ++curve;
-  }
+  FlattenPath(path, deviation, [&](const ZBR_PT& p, std::size_t, double) { points.push_back(p); });
   return points;
 }
 
@@ -63,6 +56,18 @@ void CloseExactly(Path& path) {
 
 }  // namespace
 
+void FlattenPath(const Path& path, double deviation, const std::function<void(const ZBR_PT&, std::size_t, double)>& visit) {
+  auto curve = path.curves.begin();
+  for (std::size_t i = 0; i < path.points.size(); ++i) {
+    visit(path.points[i], i, 0);
+    if (curve == path.curves.end() || curve->at != i) continue;
+    const int chords = ChordsFor(*curve, deviation);
+    for (int k = 1; k < chords; ++k)
+      visit(curve->At(curve->t0 + (curve->t1 - curve->t0) * k / chords), i, static_cast<double>(k) / chords);
+    ++curve;
+  }
+}
+
 FlattenOptions WithDefaults(FlattenOptions options, const Extent& extent) {
   if (options.deviation < 0) options.deviation = kDefaultDeviation * extent.Size();
   if (options.join < 0) options.join = kDefaultJoin * extent.Size();
@@ -76,7 +81,7 @@ Contours MakeContours(Drawing drawing, const FlattenOptions& options) {
   contours.file = drawing.file;
   for (Path& path : drawing.paths) {
     for (const Curve& curve : path.curves) CheckFinite({curve.centre, curve.u, curve.v}, drawing.file, path.line);
-    std::vector<ZBR_PT> points = path.curves.empty() ? std::move(path.points) : FlattenPath(path, options.deviation);
+    std::vector<ZBR_PT> points = path.curves.empty() ? std::move(path.points) : FlattenedPoints(path, options.deviation);
     CheckFinite(points, drawing.file, path.line);
     if (path.closed) {
       contours.rings.push_back({std::move(points), path.line, path.polygon});

@@ -1,6 +1,8 @@
 // From the contours of a drawing to rings of straight edges: open ends joined, curves flattened.
 #pragma once
 
+#include <functional>
+
 #include "geometry/drawing.h"
 
 namespace tool {
@@ -12,6 +14,10 @@ struct FlattenOptions {
 
 // The default tolerances for drawings of this extent, where the caller gave none (negative).
 FlattenOptions WithDefaults(FlattenOptions options, const Extent& extent);
+
+// Calls visit for every point of the path with its curves replaced by chords, with the vertex at or behind which it is and the part
+// of the way from there to the next vertex.
+void FlattenPath(const Path& path, double deviation, const std::function<void(const ZBR_PT&, std::size_t, double)>& visit);
 
 // Fails, naming the line, when a coordinate overflows.
 Contours MakeContours(Drawing drawing, const FlattenOptions& options);

@@ -26,7 +26,8 @@ struct Curve {
 // A contour as read: vertices, and curves in place of some of the edges.
 struct Path {
   std::vector<ZBR_PT> points;
-  std::vector<Curve> curves;  // ascending in `at`
+  std::vector<Curve> curves;    // ascending in `at`
+  std::vector<double> heights;  // of the points, where a drawing is read for its lines and tells any
   bool closed = false;
   std::size_t line = 0;    // of the file, where the contour starts
   int polygon = -1;        // number of the polygon that the ring belongs to, in formats that say so

@@ -13,10 +13,6 @@
 namespace tool {
 namespace {
 
-// Products of four coordinates stay finite, and three edges of each triangle can be numbered with 32 bits.
-constexpr double kLargest = 1e75;
-constexpr std::size_t kMost = 700'000'000;
-
 using Reader = Mesh (*)(const std::string& text, const std::string& file);
 
 // Null when there is none.
@@ -37,11 +33,10 @@ bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
 
 void Check(const Mesh& mesh, const std::string& file) {
   if (mesh.triangles.empty()) throw Failure(file + ": no triangles");
-  if (mesh.triangles.size() > kMost || mesh.points.size() > kMost) throw Failure(file + ": too many triangles");
+  if (mesh.triangles.size() > kMostMeshPoints || mesh.points.size() > kMostMeshPoints) throw Failure(file + ": too many triangles");
   for (std::size_t i = 0; i < mesh.points.size(); ++i) {
-    const ZBR_PT3& p = mesh.points[i];
-    const double largest = std::max({std::abs(p.x()), std::abs(p.y()), std::abs(p.z())});
-    if (!(largest <= kLargest)) throw Failure(file + ": a coordinate of point " + std::to_string(i + 1) + " is too large");
+    if (!IsMeshCoordinate(mesh.points[i]))
+      throw Failure(file + ": a coordinate of point " + std::to_string(i + 1) + " is too large");
   }
   const auto hasArea = [&](const std::array<std::uint32_t, 3>& t) {
     return HasArea(mesh.points[t[0]], mesh.points[t[1]], mesh.points[t[2]]);
@@ -50,6 +45,11 @@ void Check(const Mesh& mesh, const std::string& file) {
 }
 
 }  // namespace
+
+bool IsMeshCoordinate(const ZBR_PT3& p) {
+  constexpr double kLargest = 1e75;
+  return std::abs(p.x()) <= kLargest && std::abs(p.y()) <= kLargest && std::abs(p.z()) <= kLargest;
+}
 
 bool IsMeshFile(const std::string& file) {
   return ReaderFor(file) != nullptr;

@@ -1,11 +1,18 @@
 // Reads triangle meshes of the formats that CAD and modelling programs exchange.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "model/mesh.h"
 
 namespace tool {
+
+// Three edges of each triangle can be numbered with 32 bits.
+inline constexpr std::size_t kMostMeshPoints = 700'000'000;
+
+// Whether a point is finite and small enough: products of four coordinates have to stay finite.
+bool IsMeshCoordinate(const ZBR_PT3& p);
 
 // Whether the extension is that of a mesh.
 bool IsMeshFile(const std::string& file);

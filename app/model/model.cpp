@@ -30,10 +30,27 @@ struct Gathered {
   std::vector<std::uint32_t> source;
 };
 
+// Joins the points of each object for itself: objects that touch stay objects. Returns where each point of the mesh went.
+std::vector<std::uint32_t> WeldObjects(const Mesh& mesh, double weld, std::vector<ZBR_PT3>& points) {
+  if (mesh.objects.size() <= 1) {
+    points = mesh.points;
+    return WeldPoints(points, weld);
+  }
+  std::vector<std::uint32_t> places;
+  for (std::size_t k = 0; k < mesh.objects.size(); ++k) {
+    const std::size_t end = k + 1 < mesh.objects.size() ? mesh.objects[k + 1].firstPoint : mesh.points.size();
+    std::vector<ZBR_PT3> own(mesh.points.begin() + mesh.objects[k].firstPoint,
+                             mesh.points.begin() + static_cast<std::ptrdiff_t>(end));
+    const auto before = static_cast<std::uint32_t>(points.size());
+    for (const std::uint32_t place : WeldPoints(own, weld)) places.push_back(before + place);
+    points.insert(points.end(), own.begin(), own.end());
+  }
+  return places;
+}
+
 Gathered Gather(const Mesh& mesh, double weld, Model& model) {
   Gathered gathered;
-  gathered.points = mesh.points;
-  const std::vector<std::uint32_t> places = WeldPoints(gathered.points, weld);
+  const std::vector<std::uint32_t> places = WeldObjects(mesh, weld, gathered.points);
   gathered.triangles.reserve(mesh.triangles.size());
   gathered.source.reserve(mesh.triangles.size());
   for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
@@ -169,6 +186,16 @@ void FillBody(Gathered& gathered, Model& model) {
   model.source = std::move(gathered.source);
 }
 
+// Shells are in the order of their first triangles in the mesh, and so those of an object follow one another.
+void FindObjects(const std::vector<MeshObject>& objects, Model& model) {
+  std::size_t s = 0;
+  for (std::size_t k = 1; k < objects.size(); ++k) {
+    while (s < model.ShellCount() && model.source[model.shellBegin[s]] < objects[k].firstTriangle) ++s;
+    model.objectBegin.push_back(static_cast<std::uint32_t>(s));
+  }
+  model.objectBegin.push_back(static_cast<std::uint32_t>(model.ShellCount()));
+}
+
 double WeldDistance(const std::vector<ZBR_PT3>& points, double weld) {
   if (points.empty() || !(weld > kSmallestWeld)) return 0.0;
   ZBR_PT3 low = points.front(), high = low;
@@ -192,6 +219,7 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
   SetNormals(model);
   ShowEdges(model, creaseDegrees);
   FindFacing(model);
+  FindObjects(mesh.objects, model);
   return model;
 }
 

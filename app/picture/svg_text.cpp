@@ -39,6 +39,20 @@ void AppendPoint(std::string& text, char command, const ZBR_PT& p) {
   AppendPx(text, p.y());
 }
 
+// Points too close to the one before are left out, but for one that would leave nothing to see.
+void AppendPoints(std::string& text, const std::vector<ZBR_PT>& points, const PageMap& map) {
+  ZBR_PT last = map(points.front());
+  AppendPoint(text, 'M', last);
+  bool any = false;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const ZBR_PT q = map(points[i]);
+    if (q.Distance(last) < kMergeDistance && (any || i + 1 < points.size())) continue;
+    AppendPoint(text, 'L', q);
+    last = q;
+    any = true;
+  }
+}
+
 }  // namespace
 
 PageMap::PageMap(const Extent& extent, double width, double height) : boxMiddle_(width / 2, height / 2) {
@@ -80,17 +94,18 @@ std::string PathData(const LoopList& loops, const PageMap& map) {
   std::string text;
   ForEachRing(loops, [&](const ZBR_LOOP& ring) {
     if (ring.pt().empty()) return;
-    ZBR_PT last = map(ring.pt().front());
-    AppendPoint(text, 'M', last);
-    for (const ZBR_PT& p : ring.pt()) {
-      const ZBR_PT q = map(p);
-      if (q.Distance(last) < kMergeDistance) continue;
-      AppendPoint(text, 'L', q);
-      last = q;
-    }
+    AppendPoints(text, ring.pt(), map);
     text += "Z\n";
   });
   return text;
+}
+
+std::string PathData(const std::vector<ZBR_PT>& line, const PageMap& map) {
+  if (line.empty()) return "";
+  const bool isClosed = line.size() > 2 && line.front().x() == line.back().x() && line.front().y() == line.back().y();
+  std::string text;
+  AppendPoints(text, line, map);
+  return text + (isClosed ? "Z\n" : "\n");
 }
 
 std::string TextElement(double x, double y, const std::string& style, const std::string& text) {

@@ -4,6 +4,7 @@
 #include <zbr/planar.h>
 
 #include <string>
+#include <vector>
 
 #include "geometry/region.h"
 
@@ -29,6 +30,9 @@ std::string Px(double value);
 
 // Path data for all rings of nested loops.
 std::string PathData(const LoopList& loops, const PageMap& map);
+
+// Path data for an open line, or a closed one whose last point repeats the first.
+std::string PathData(const std::vector<ZBR_PT>& line, const PageMap& map);
 
 // <text>; style holds attributes.
 std::string TextElement(double x, double y, const std::string& style, const std::string& text);

@@ -3,40 +3,17 @@
 #include <zbr/planar.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 
+#include "boxes.h"
 #include "tool.h"
 
 namespace {
 
 using Json = nlohmann::json;
-
-using Point = std::array<double, 3>;
-
-// A box: its corners, and the corners of its twelve triangles.
-struct Box {
-  Point low, size;
-
-  Point Corner(int k) const { return {low[0] + size[0] * (k & 1), low[1] + size[1] * (k >> 1 & 1), low[2] + size[2] * (k >> 2)}; }
-  static constexpr int kTriangles[12][3] = {{0, 2, 3}, {0, 3, 1}, {4, 5, 7}, {4, 7, 6}, {0, 1, 5}, {0, 5, 4},
-                                            {2, 6, 7}, {2, 7, 3}, {0, 4, 6}, {0, 6, 2}, {1, 3, 7}, {1, 7, 5}};
-};
-
-std::string ObjText(const std::vector<Box>& boxes) {
-  std::ostringstream text;
-  int first = 1;
-  for (const Box& box : boxes) {
-    for (int k = 0; k < 8; ++k) text << "v " << box.Corner(k)[0] << ' ' << box.Corner(k)[1] << ' ' << box.Corner(k)[2] << '\n';
-    for (const auto& t : Box::kTriangles) text << "f " << first + t[0] << ' ' << first + t[1] << ' ' << first + t[2] << '\n';
-    first += 8;
-  }
-  return text.str();
-}
 
 // Boxes side by side under a roof. Some touch: then edges of two shells coincide.
 std::string ManyBoxes() {
@@ -159,7 +136,7 @@ TEST_F(Draw, LinesLeadBackToTheirEdges) {
 }
 
 TEST_F(Draw, ThreadsDoNotChangeTheDrawing) {
-  const std::string options = "draw many.obj --view iso,front,top --look 1,2,-0.5 ";
+  const std::string options = "draw many.obj --object box.obj,-8,0,9 --fill --view iso,front,top --look 1,2,-0.5 ";
   ASSERT_EQ(Run(options + "--jobs 1 -o 1.svg -o 1.dxf -o 1.json").code, 0);
   ASSERT_EQ(Run(options + "--jobs 4 -o 4.svg -o 4.dxf -o 4.json").code, 0);
   ASSERT_EQ(Run("draw many.obj --jobs 1 -o 1o.json").code, 0);
@@ -270,6 +247,10 @@ TEST_F(Draw, ErrorsLeaveNothingBehind) {
       {"box.obj --crease nan -o a.svg", "'nan' is not an angle"},
       {"box.obj --jobs 0 -o a.svg", "--jobs"},
       {"box.obj --sheet second -o a.svg", "--sheet"},
+      {"-o a.svg", "no model is named"},
+      {"--object box.obj,1,2 -o a.svg", "'box.obj,1,2' is no model and its place"},
+      {"--object box.obj,1,2,inf -o a.svg", "'box.obj,1,2,inf' is no model and its place"},
+      {"--object box.obj,1e80,0,0 -o a.svg", "box.obj: the place given carries it too far away"},
   };
   for (const auto& [arguments, error] : cases) {
     const Outcome outcome = Run(std::string("draw ") + arguments);
@@ -279,6 +260,55 @@ TEST_F(Draw, ErrorsLeaveNothingBehind) {
     EXPECT_EQ(outcome.out, "") << arguments;
     EXPECT_EQ(Files().size(), files) << arguments;
   }
+}
+
+double AreaOf(const Json& ring) {
+  double area = 0;
+  for (std::size_t i = 1; i < ring.size(); ++i)
+    area += (double(ring[i - 1][0]) * double(ring[i][1]) - double(ring[i][0]) * double(ring[i - 1][1])) / 2;
+  return area;
+}
+
+// What is filled is what `zbr outline` finds, on paper at its scale.
+TEST_F(Draw, FillsWhatNearerObjectsLeave) {
+  const std::string objects = "many.obj --object box.obj,-8,0,9 --object box.obj,4,-9,3 ";
+  const Json drawing = Drawing(objects + "--fill --view front,top,iso -o fill.dxf -o fill.svg");
+  ASSERT_EQ(drawing["models"].size(), 3U);
+  EXPECT_EQ(drawing["models"][1]["shift"], Json({-8, 0, 9}));
+  const double scale = drawing["millimetres_per_unit"];
+  double onPaper = 0;
+  for (const Json& view : drawing["views"]) {
+    const std::string name = view["name"];
+    ASSERT_EQ(Run("outline " + objects + "--view " + name + " -o " + name + "-{object}.wkt").code, 0);
+    ASSERT_EQ(view["outlines"].size(), 3U);
+    for (const Json& outline : view["outlines"]) {
+      double area = 0;
+      for (const Json& polygon : outline["polygons"]) {
+        for (const Json& ring : polygon) area += AreaOf(ring);
+      }
+      const char* const kNames[] = {"many", "box", "box-2"};
+      const double found = Area(name + "-" + kNames[int(outline["object"])] + ".wkt");
+      EXPECT_NEAR(area, found, 1e-6 * found) << name << outline["object"];
+      onPaper += area * scale * scale;
+    }
+  }
+  EXPECT_NEAR(Area("fill.dxf --layer FILL-many,FILL-box,FILL-box-2"), onPaper, 1e-6 * onPaper);
+  EXPECT_EQ(CountOf(Read("fill.svg"), "id=\"view-top-fill-"), 3U);
+  EXPECT_EQ(CountOf(Read("drawing.json"), "\"outlines\""), 3U);
+  EXPECT_EQ(Drawing("box.obj")["views"][0].count("outlines"), 0U);
+}
+
+// An edge that two objects share is drawn once, and neither joins their surfaces nor makes a junction.
+TEST_F(Draw, ObjectsThatTouchStayObjects) {
+  Write("unit.obj", ObjText({{{0, 0, 0}, {1, 1, 1}}}));
+  const Json drawing = Drawing("unit.obj --object unit.obj,1,0,0 --view front");
+  EXPECT_EQ(drawing["shells"], 2);
+  double length = 0;
+  for (const Json& polyline : drawing["views"][0]["polylines"]) {
+    EXPECT_EQ(polyline["class"], "crease");
+    length += LengthOf(polyline);
+  }
+  EXPECT_NEAR(length, 7, 1e-6);
 }
 
 TEST_F(Draw, ReportAndStandardOutput) {

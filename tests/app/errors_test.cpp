@@ -145,8 +145,9 @@ TEST_F(Tool, DamagedFiles) {
       }
     }
     Write("damaged-" + file, text);
-    const Outcome outcome =
-        Run((below(2) == 0 ? "bool --op xor,union damaged-" + file + " g.txt -o out.svg" : "check damaged-" + file));
+    const std::string commands[] = {"bool --op xor,union damaged-" + file + " g.txt -o out.svg", "check damaged-" + file,
+                                    "clip damaged-" + file + " g.txt --both -o out.svg -o out.dxf"};
+    const Outcome outcome = Run(commands[below(3)]);
     ASSERT_LE(outcome.code, 2) << file << " in round " << round << "\n" << outcome.err;
     ASSERT_EQ(ErrorLines(outcome.err), outcome.code == 2 ? 1 : 0) << file << " in round " << round << "\n" << outcome.err;
     refused += outcome.code == 2 ? 1 : 0;

@@ -10,17 +10,19 @@ TEST_F(Tool, EveryOptionOfEveryCommandIsInTheManual) {
   const std::string manual = Run("help --man").out;
   EXPECT_EQ(manual.rfind(".TH ZBR 1", 0), 0U);
   std::size_t options = 0;
-  for (const std::string command : {"bool", "nest", "inside", "info", "check", "help"}) {
+  for (const std::string command : {"bool", "clip", "nest", "inside", "info", "check", "draw", "outline", "pick", "help"}) {
     EXPECT_NE(manual.find(".SS zbr " + command), std::string::npos);
     const std::string help = Run("help " + command).out;
     EXPECT_EQ(help, Run(command + " --help").out);
     for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2), ++options) {
-      const std::string name = help.substr(at + 2, help.find_first_of(" ,.\n'", at) - at - 2);
-      EXPECT_NE(manual.find("\\-\\-" + name), std::string::npos) << name;
+      std::string name = "\\-\\-";
+      for (const char c : help.substr(at + 2, help.find_first_of(" ,.;\n'", at) - at - 2))
+        name.append(c == '-' ? "\\-" : std::string(1, c));
+      EXPECT_NE(manual.find(name), std::string::npos) << name;
     }
   }
   EXPECT_GT(options, 20U);
-  for (const std::string topic : {"formats", "outputs", "check", "exit", "examples"}) {
+  for (const std::string topic : {"formats", "outputs", "outlines", "check", "views", "exit", "examples"}) {
     const Outcome outcome = Run("help " + topic);
     EXPECT_EQ(outcome.code, 0);
     EXPECT_GT(outcome.out.size(), 80U) << topic;

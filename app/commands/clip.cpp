@@ -1,0 +1,225 @@
+// zbr clip: the parts of lines inside and outside of a region.
+
+#include <zbr/segments.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <utility>
+
+#include "commands/load.h"
+#include "commands/outputs.h"
+#include "commands/stats.h"
+#include "geometry/lines.h"
+#include "io/failure.h"
+#include "io/files.h"
+#include "io/numbers.h"
+#include "picture/plot.h"
+
+namespace tool {
+namespace {
+
+enum class Side { kInside, kOutside };
+
+const char* NameOf(Side side) {
+  return side == Side::kInside ? "inside" : "outside";
+}
+
+// The lines on one side of the region.
+struct Part {
+  Side side = Side::kInside;
+  std::vector<SpaceLine> lines;
+};
+
+// What the run works with, filled stage by stage.
+struct Run {
+  std::string linesName, regionName;
+  int units = 0;
+  Drawing drawing;  // keeps the names of layers
+  bool hasHeights = false;
+  std::vector<SpaceLine> lines;
+  Frame frame;
+  Contours contours;
+  Layer region;             // in the drawing's coordinates
+  std::vector<Part> parts;  // those asked for
+};
+
+using Points = std::vector<ZBR_PT3>;
+
+Points In(const Frame& frame, const Points& points) {
+  Points moved;
+  moved.reserve(points.size());
+  for (const ZBR_PT3& p : points) {
+    const ZBR_PT q = frame.In(p.xy());
+    moved.emplace_back(q.x(), q.y(), p.z());
+  }
+  return moved;
+}
+
+Points Out(const Frame& frame, Points points) {
+  for (ZBR_PT3& p : points) p.xy() = frame.Out(p.xy());
+  return points;
+}
+
+bool SamePoint(const ZBR_PT3& p, const ZBR_PT3& q) {
+  return p.x() == q.x() && p.y() == q.y() && p.z() == q.z();
+}
+
+// A closed line is cut where it starts: of its pieces, first to last, the last one goes on in the first.
+void JoinAtSeam(const Points& line, Points& first, Points& last) {
+  const bool isClosed = line.size() > 2 && SamePoint(line.front(), line.back());
+  if (!isClosed || !SamePoint(first.front(), line.front()) || !SamePoint(last.back(), line.back())) return;
+  last.insert(last.end(), first.begin() + 1, first.end());
+  first = std::move(last);
+  last.clear();
+}
+
+// Pieces in the frame, each with its line, become lines of the drawing. The pieces are used up.
+std::vector<SpaceLine> Placed(std::vector<Points>& pieces, const std::vector<int>& lineOf, const std::vector<Points>& framed,
+                              const Run& run) {
+  std::vector<SpaceLine> placed;
+  for (std::size_t i = 0, next = 0; i < pieces.size(); i = next) {
+    while (next < pieces.size() && lineOf[next] == lineOf[i]) ++next;
+    const auto line = static_cast<std::size_t>(lineOf[i]);
+    if (next > i + 1) JoinAtSeam(framed[line], pieces[i], pieces[next - 1]);
+    for (std::size_t k = i; k < next; ++k) {
+      if (!pieces[k].empty()) placed.push_back({Out(run.frame, std::move(pieces[k])), run.lines[line].layer});
+    }
+  }
+  return placed;
+}
+
+// The frame suits the region and what is around it. Lines may go on far beyond: one stray point must not make the region vanish.
+Frame FrameAround(const Extent& region, const Extent& lines) {
+  if (region.empty() || lines.empty()) return Frame::For(lines);
+  constexpr double kAround = 1000;
+  const double reach = kAround * region.Size();
+  Extent near = region;
+  near.Add({std::clamp(lines.xmin, region.xmin - reach, region.xmax + reach),
+            std::clamp(lines.ymin, region.ymin - reach, region.ymax + reach)});
+  near.Add({std::clamp(lines.xmax, region.xmin - reach, region.xmax + reach),
+            std::clamp(lines.ymax, region.ymin - reach, region.ymax + reach)});
+  return Frame::For(near);
+}
+
+void Read(const ClipOptions& options, Run& run, Progress& progress) {
+  const Format format = FormatOption(options.input);
+  run.drawing = ReadInput(options.lines, format, Content::kLines, options.input.layers, progress);
+  Drawing region = ReadInput(options.region, format, Content::kRegions, options.regionLayers, progress);
+  run.units = run.drawing.units != 0 ? run.drawing.units : region.units;
+  ConvertUnits(region, run.units, progress);
+  Extent extent = ExtentOf(run.drawing);
+  extent.Add(ExtentOf(region));
+  const FlattenOptions flatten = WithDefaults(options.input.flatten, extent);
+  run.lines = MakeLines(run.drawing, flatten);
+  run.hasHeights = HasHeights(run.drawing);
+  run.contours = MakeContours(std::move(region), flatten);
+  run.frame = FrameAround(ExtentOf(run.contours.rings), ExtentOf(run.lines));
+}
+
+void Clip(Run& run, const LoopList& region) {
+  std::vector<Points> framed;
+  for (const SpaceLine& line : run.lines) framed.push_back(In(run.frame, line.points));
+  std::vector<Points> inside, outside;
+  std::vector<int> insideOf, outsideOf;
+  zbrClipPolylines(framed, region, inside, &outside, &insideOf, &outsideOf);
+  for (Part& part : run.parts) {
+    const bool isInside = part.side == Side::kInside;
+    part.lines = Placed(isInside ? inside : outside, isInside ? insideOf : outsideOf, framed, run);
+  }
+}
+
+// Lines stay on their layers. Where both parts are written the layers tell them apart.
+std::string LayerName(const Run& run, const Part& part, const SpaceLine& line) {
+  const std::string side = NameOf(part.side);
+  if (line.layer.empty() || line.layer == "0") return side;
+  return run.parts.size() == 1 ? std::string(line.layer) : std::string(line.layer) + "-" + side;
+}
+
+std::vector<LineLayer> LayersOf(const Run& run) {
+  std::vector<LineLayer> layers;
+  std::map<std::string, std::size_t> places;
+  const auto layerOf = [&](const std::string& name) -> LineLayer& {
+    const auto [at, isNew] = places.try_emplace(name, layers.size());
+    if (isNew) layers.push_back({name, {}});
+    return layers[at->second];
+  };
+  for (const Part& part : run.parts) {
+    if (part.lines.empty()) layerOf(NameOf(part.side));
+    for (const SpaceLine& line : part.lines) layerOf(LayerName(run, part, line)).lines.push_back(line);
+  }
+  return layers;
+}
+
+double LengthOf(const std::vector<SpaceLine>& lines) {
+  double length = 0.0;
+  for (const SpaceLine& line : lines) length += line.Length();
+  return length;
+}
+
+std::string PictureOf(const Run& run) {
+  Plot plot;
+  plot.title = run.linesName + " and " + run.regionName;
+  plot.caption = run.parts.size() == 2 ? "Lines inside and outside" : std::string("Lines ") + NameOf(run.parts[0].side);
+  plot.units = run.units;
+  plot.items.push_back({run.regionName, run.region.area, run.region.loops, {}, "#e8edf3", "#94a3b8", 1.0});
+  for (const Part& part : run.parts) {
+    const bool isInside = part.side == Side::kInside;
+    PlotItem item{NameOf(part.side), LengthOf(part.lines), {}, {}, "", isInside ? "#0f766e" : "#d97706", 1.5};
+    for (const SpaceLine& line : part.lines) {
+      std::vector<ZBR_PT>& points = item.lines.emplace_back();
+      for (const ZBR_PT3& p : line.points) points.push_back(p.xy());
+    }
+    plot.items.push_back(std::move(item));
+  }
+  return WriteSvg(plot);
+}
+
+// Rows of names and numbers, aligned.
+std::string Report(const Run& run, const std::vector<std::pair<std::string, double>>& stages) {
+  const auto row = [](const std::string& name, std::size_t lines, const std::string& length) {
+    std::string text = name + std::string(11 - std::min<std::size_t>(name.size(), 10), ' ');
+    const std::string count = std::to_string(lines);
+    return text + std::string(8 - std::min<std::size_t>(count.size(), 8), ' ') + count + "  " + length + "\n";
+  };
+  std::string text = "              lines  length\n" + row("read", run.lines.size(), NumberText(LengthOf(run.lines)));
+  for (const Part& part : run.parts) text += row(NameOf(part.side), part.lines.size(), NumberText(LengthOf(part.lines)));
+  return text + "region     area " + NumberText(run.region.area) + "\n" + StageTable(stages);
+}
+
+}  // namespace
+
+int RunClip(const ClipOptions& options) {
+  Progress progress;
+  if (options.lines == "-" && options.region == "-") throw Failure("-: standard input can be read only once");
+  if (options.outside && options.both) throw Failure("--outside and --both exclude each other");
+  const auto plans = PlanOutputs(options.outputs, {"lines"}, FormatOption(options.input), options.lines);
+  Run run;
+  run.linesName = BaseName(options.lines);
+  run.regionName = BaseName(options.region);
+  if (!options.outside) run.parts.push_back({Side::kInside, {}});
+  if (options.outside || options.both || options.outputs.empty()) run.parts.push_back({Side::kOutside, {}});
+  std::vector<std::pair<std::string, double>> stages;
+  Stopwatch watch;
+  Read(options, run, progress);
+  stages.emplace_back("read", watch.Lap());
+  Region region = LoadRegion(run.contours, run.frame, progress);
+  stages.emplace_back("nest", watch.Lap());
+  progress.Stage("clipping");
+  Clip(run, region.loops);
+  stages.emplace_back("clip", watch.Lap());
+  progress.Stage("writing");
+  run.region = MakeLayer(run.regionName, std::move(region.loops), run.frame);
+  OutputFiles files;
+  for (const OutputPlan& plan : plans) {
+    files.Add(plan.file,
+              plan.format == Format::kSvg ? PictureOf(run) : WriteLines(plan.format, LayersOf(run), run.units, run.hasHeights));
+  }
+  files.Commit();
+  stages.emplace_back("write", watch.Lap());
+  progress.Stage("");
+  if (options.stats || plans.empty()) std::fputs(Report(run, stages).c_str(), UsesStandardOutput(plans) ? stderr : stdout);
+  return kExitFine;
+}
+
+}  // namespace tool

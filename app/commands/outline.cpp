@@ -1,0 +1,182 @@
+// zbr outline: what models cover in a view, as regions.
+
+#include <zbr/tolerance.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
+#include "commands/load.h"
+#include "commands/outputs.h"
+#include "commands/stats.h"
+#include "commands/view_options.h"
+#include "drawing/objects.h"
+#include "drawing/outlines.h"
+#include "io/failure.h"
+#include "io/files.h"
+#include "picture/page.h"
+#include "picture/plot.h"
+
+namespace tool {
+namespace {
+
+constexpr std::string_view kPlaceholder = "{object}";
+
+struct Output {
+  std::string file;
+  Format format = Format::kUnknown;
+};
+
+std::vector<Output> PlanOutputs(const OutlineOptions& options, const std::vector<PlacedFile>& objects) {
+  std::vector<Output> outputs;
+  const Format chosen = options.format.empty() ? Format::kUnknown : FormatByName(options.format);
+  for (const std::string& file : options.outputs) {
+    for (const PlacedFile& object : objects) {
+      if (IsSameFile(object.file, file)) throw Failure(file + ": is a model to be read; the outline needs another name");
+    }
+    outputs.push_back({file, OutputFormat(file, chosen, "")});
+  }
+  return outputs;
+}
+
+std::string ViewName(const ViewOptions& view) {
+  if (!view.look.empty()) return "seen along " + view.look;
+  return (view.view.empty() ? "iso" : view.view) + " view";
+}
+
+// What the run works with, filled stage by stage.
+struct Run {
+  std::vector<Output> outputs;
+  int units = 0;
+  std::string title, view;
+  std::vector<Layer> layers;  // one for each object
+};
+
+// Far from the origin areas would lose digits; in a frame they do not.
+double AreaOf(const LoopList& loops) {
+  Extent extent;
+  ForEachRing(loops, [&](const ZBR_LOOP& ring) {
+    for (const ZBR_PT& p : ring.pt()) extent.Add(p);
+  });
+  const Frame frame = Frame::For(extent);
+  double area = 0.0;
+  ForEachRing(loops, [&](const ZBR_LOOP& ring) {
+    ZBR_LOOP framed;
+    for (const ZBR_PT& p : ring.pt()) framed.pt().push_back(frame.In(p));
+    area += framed.get_area();
+  });
+  return frame.AreaOut(area);
+}
+
+std::vector<Layer> FindLayers(const Objects& objects, const Model& model, Scene& scene, const OutlineOptions& options) {
+  FindOutlines(model, scene, !options.whole, ThreadCount(options.jobs));
+  std::vector<Layer> layers;
+  for (LoopList& loops : OutlinesInPlace(model, scene)) {
+    const double area = AreaOf(loops);
+    layers.push_back({objects.files[layers.size()].id, std::move(loops), area});
+  }
+  return layers;
+}
+
+std::string PictureOf(const Run& run, const std::vector<Layer>& layers) {
+  struct Colours {
+    const char *fill, *stroke;
+  };
+  static constexpr std::array<Colours, 6> kColours = {{{"#c3ccd6", "#334155"},
+                                                       {"#b5d8cd", "#0f766e"},
+                                                       {"#f3d3b3", "#b45309"},
+                                                       {"#c9cdf0", "#4338ca"},
+                                                       {"#efc6cf", "#be123c"},
+                                                       {"#dcdca8", "#4d7c0f"}}};
+  Plot plot;
+  plot.title = run.title;
+  plot.caption = layers.size() == 1 ? "Outline, " + run.view : "Outlines, " + run.view;
+  plot.units = run.units;
+  if (layers.size() == 1) plot.remark = Quantities(layers[0].area, AreaUnit(run.units))(layers[0].area);
+  for (const Layer& layer : layers) {
+    const Colours& colours = kColours[static_cast<std::size_t>(&layer - layers.data()) % kColours.size()];
+    PlotItem item;
+    if (layers.size() > 1) item.label = layer.name;  // else there is nothing to tell apart
+    item.quantity = layer.area;
+    item.region = layer.loops;
+    item.fill = colours.fill;
+    item.stroke = colours.stroke;
+    plot.items.push_back(std::move(item));
+  }
+  return WriteSvg(plot);
+}
+
+std::string TextOf(const Run& run, const std::vector<Layer>& layers, Format format) {
+  return format == Format::kSvg ? PictureOf(run, layers) : WriteDrawing(format, layers, run.units);
+}
+
+// All objects in each file, or, where a name asks for it, one in each.
+void WriteOutputs(const Run& run) {
+  OutputFiles files;
+  for (const auto& [file, format] : run.outputs) {
+    const std::size_t place = file.find(kPlaceholder);
+    if (place == std::string::npos) {
+      files.Add(file, TextOf(run, run.layers, format));
+      continue;
+    }
+    for (const Layer& layer : run.layers) {
+      std::string name = file;
+      files.Add(name.replace(place, kPlaceholder.size(), layer.name), TextOf(run, {layer}, format));
+    }
+  }
+  files.Commit();
+}
+
+void NoteEmpty(const Objects& objects, const std::vector<Layer>& layers, Progress& progress) {
+  for (std::size_t k = 0; k < layers.size(); ++k) {
+    if (layers[k].loops.empty())
+      progress.Note(objects.files[k].name + ": note: nothing of it is seen in this view; its outline is empty");
+  }
+}
+
+std::vector<std::string> NamesOf(const std::vector<Layer>& layers) {
+  std::vector<std::string> names;
+  for (const Layer& layer : layers) names.push_back(layer.name);
+  return names;
+}
+
+}  // namespace
+
+int RunOutline(const OutlineOptions& options) {
+  Progress progress;
+  const std::vector<PlacedFile> files = ListObjects(options.models, options.objects);
+  Run run{PlanOutputs(options, files), UnitOption(options.unit), TitleOf(files), ViewName(options.view), {}};
+  ChooseView(options.view, false);  // fails before anything is read
+  std::vector<std::pair<std::string, double>> stages;
+  Stopwatch watch;
+  progress.Stage("reading");
+  const Objects objects = ReadObjects(files);
+  const View view = ChooseView(options.view, objects.mesh.yUp);
+  stages.emplace_back("read", watch.Lap());
+
+  progress.Stage("joining triangles");
+  constexpr double kAnyCrease = 180;  // no lines are drawn
+  const Model model = MakeModel(objects.mesh, kAnyCrease, options.weld);
+  if (model.TriangleCount() == 0) throw Failure(files.front().file + ": no triangle has an area");
+  Scene scene = MakeScene(model, view);
+  stages.emplace_back("model", watch.Lap());
+
+  progress.Stage("finding outlines");
+  run.layers = FindLayers(objects, model, scene, options);
+  stages.emplace_back("outline", watch.Lap());
+  NoteEmpty(objects, run.layers, progress);
+
+  progress.Stage("writing");
+  WriteOutputs(run);
+  stages.emplace_back("write", watch.Lap());
+  progress.Stage("");
+  if (options.stats || run.outputs.empty()) {
+    const std::string report = LayerTable(NamesOf(run.layers), run.layers) + "triangles  " + std::to_string(model.TriangleCount()) +
+                               "\n" + StageTable(stages);
+    const bool pipe = std::any_of(run.outputs.begin(), run.outputs.end(), [](const Output& o) { return o.file == "-"; });
+    std::fputs(report.c_str(), pipe ? stderr : stdout);
+  }
+  return kExitFine;
+}
+
+}  // namespace tool

@@ -1,0 +1,39 @@
+// The objects that a drawing or an outline is made of: files of triangles, each where it was read or moved.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/mesh.h"
+
+namespace tool {
+
+// One file as an object.
+struct PlacedFile {
+  std::string file;
+  ZBR_PT3 shift;  // added to all its points
+};
+
+// What an object's lines and outlines can be traced back to.
+struct ObjectFile {
+  std::string name;  // of the file
+  std::string id;    // the same without folder and extension, numbered where that would repeat: for layers
+  ZBR_PT3 shift;
+  std::size_t firstTriangle = 0;  // triangles of all objects are numbered through
+};
+
+struct Objects {
+  Mesh mesh;  // all of them; which axis points up is what the first file says
+  std::vector<ObjectFile> files;
+};
+
+// The models as they are, then the further objects, "FILE" or "FILE,DX,DY,DZ". Fails for what is neither, and without any.
+std::vector<PlacedFile> ListObjects(const std::vector<std::string>& models, const std::vector<std::string>& objects);
+
+// Fails when a file cannot be read or a shift carries points out of range.
+Objects ReadObjects(const std::vector<PlacedFile>& files);
+
+// The names of all files, separated by commas, without folders and extensions.
+std::string TitleOf(const std::vector<PlacedFile>& files);
+
+}  // namespace tool
