@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "peer.h"
 #include "workloads.h"
 
 namespace bench {
@@ -40,5 +41,14 @@ GeosGeometry MakeGeometry(const GeosContext& geos, const Region& region);
 
 // The rings as a collection of closed lines.
 GeosGeometry MakeLines(const GeosContext& geos, const std::vector<Ring>& rings);
+
+// The rings as polygons of their own, which may overlap: a multipolygon that is not valid, but can be united.
+GeosGeometry MakePolygons(const GeosContext& geos, const std::vector<Ring>& rings);
+
+// An open line of at least two points.
+GeosGeometry MakeLine(const GeosContext& geos, const std::vector<ZBR_PT>& line);
+
+// Area and rings of a polygon or a collection of polygons.
+Summary Summarise(const GeosContext& geos, const GEOSGeometry* geometry);
 
 }  // namespace bench

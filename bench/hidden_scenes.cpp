@@ -57,14 +57,15 @@ SceneInput ReadFile(const std::string& file) {
 #endif
 }
 
-void AddFiles(const std::string& folder, std::vector<HiddenScene>& scenes) {
+void AddFiles(const std::string& prefix, const std::string& folder, std::vector<HiddenScene>& scenes) {
 #ifdef BENCH_WITH_MESH_READER
   for (const char* name : {"fandisk.obj", "stanford-bunny.obj", "beetle.obj"}) {
     const std::filesystem::path file = std::filesystem::path(folder) / name;
     std::error_code ignored;
-    if (std::filesystem::is_regular_file(file, ignored)) scenes.push_back({"hidden-models", file.string(), true});
+    if (std::filesystem::is_regular_file(file, ignored)) scenes.push_back({prefix + "-models", file.string(), true});
   }
 #else
+  static_cast<void>(prefix);
   static_cast<void>(folder);
   static_cast<void>(scenes);
 #endif
@@ -72,16 +73,16 @@ void AddFiles(const std::string& folder, std::vector<HiddenScene>& scenes) {
 
 }  // namespace
 
-std::vector<HiddenScene> HiddenScenes(const std::string& meshFolder) {
+std::vector<HiddenScene> HiddenScenes(const std::string& prefix, const std::string& meshFolder) {
   std::vector<HiddenScene> scenes = {
-      {"hidden-boxes", "boxes:10", true},    {"hidden-boxes", "boxes:32", true},     {"hidden-boxes", "boxes:100"},
-      {"hidden-boxes", "boxes:300"},         {"hidden-boxes", "boxes-top:32", true}, {"hidden-boxes", "boxes-top:100"},
-      {"hidden-boxes", "lattice:32", true},  {"hidden-boxes", "lattice:100"},        {"hidden-torus", "torus:1000", true},
-      {"hidden-torus", "torus:10000", true}, {"hidden-torus", "torus:100000", true}, {"hidden-torus", "torus:1000000"},
-      {"hidden-gear", "gear:1000", true},    {"hidden-gear", "gear:10000", true},    {"hidden-gear", "gear:100000", true},
-      {"hidden-gear", "gear:1000000"},       {"hidden-gears", "gears:2", true},      {"hidden-gears", "gears:6"},
+      {"boxes", "boxes:10", true},     {"boxes", "boxes:32", true},    {"boxes", "boxes:100"},          {"boxes", "boxes:300"},
+      {"boxes", "boxes-top:32", true}, {"boxes", "boxes-top:100"},     {"boxes", "lattice:32", true},   {"boxes", "lattice:100"},
+      {"torus", "torus:1000", true},   {"torus", "torus:10000", true}, {"torus", "torus:100000", true}, {"torus", "torus:1000000"},
+      {"gear", "gear:1000", true},     {"gear", "gear:10000", true},   {"gear", "gear:100000", true},   {"gear", "gear:1000000"},
+      {"gears", "gears:2", true},      {"gears", "gears:6"},
   };
-  AddFiles(meshFolder, scenes);
+  for (HiddenScene& scene : scenes) scene.family = prefix + "-" + scene.family;
+  AddFiles(prefix, meshFolder, scenes);
   return scenes;
 }
 

@@ -1,4 +1,4 @@
-// The scenes of the hidden-line benchmarks, by name.
+// The scenes of the hidden-line and outline benchmarks, by name.
 #pragma once
 
 #include <string>
@@ -16,8 +16,9 @@ struct HiddenScene {
   bool quick = false;  // part of a quick run too
 };
 
-// All scenes in the order of the table; meshes of the folder that were found included.
-std::vector<HiddenScene> HiddenScenes(const std::string& meshFolder);
+// All scenes in the order of the table; meshes of the folder that were found included. The families are called PREFIX-boxes and so
+// on.
+std::vector<HiddenScene> HiddenScenes(const std::string& prefix, const std::string& meshFolder);
 
 struct SceneInput {
   tool::Mesh mesh;

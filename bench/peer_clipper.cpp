@@ -1,22 +1,17 @@
 // Clipper 6.4, which works on integer coordinates.
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
-#include <polyclipping/clipper.hpp>
 #include <stdexcept>
 #include <vector>
 
+#include "clipper_paths.h"
 #include "peers.h"
 
 namespace bench {
 namespace {
 
-using ClipperLib::cInt;
-using ClipperLib::IntPoint;
-using ClipperLib::Path;
 using ClipperLib::Paths;
-using ClipperLib::PolyNode;
 using ClipperLib::PolyTree;
 
 ClipperLib::ClipType ClipType(Op op) {
@@ -32,57 +27,6 @@ ClipperLib::ClipType ClipType(Op op) {
       return ClipperLib::ctXor;
   }
   return ClipperLib::ctUnion;
-}
-
-std::vector<Ring> RingsOf(const Region& region) {
-  std::vector<Ring> rings;
-  for (const Polygon& polygon : region) {
-    rings.push_back(polygon.outer);
-    rings.insert(rings.end(), polygon.holes.begin(), polygon.holes.end());
-  }
-  return rings;
-}
-
-double LargestCoordinate(const std::vector<Ring>& rings) {
-  double largest = 0.0;
-  for (const Ring& ring : rings) {
-    for (const ZBR_PT& p : ring) largest = std::max({largest, std::abs(p.x()), std::abs(p.y())});
-  }
-  return largest;
-}
-
-// The largest power of two that keeps coordinates within 30 bits, where Clipper multiplies in plain 64-bit integers. Beyond that it
-// turns to a slow 128-bit arithmetic, and the measurement would be of that.
-double ScaleFor(double largest) {
-  constexpr double kFinest = 0x1p20;  // the grid of the workloads: finer gains nothing
-  double scale = kFinest;
-  while (largest * scale > 0x3fffffff) scale *= 0.5;
-  return scale;
-}
-
-Paths Scaled(const std::vector<Ring>& rings, double scale) {
-  Paths paths;
-  for (const Ring& ring : rings) {
-    Path path;
-    for (const ZBR_PT& p : ring) path.emplace_back(std::llround(p.x() * scale), std::llround(p.y() * scale));
-    paths.push_back(std::move(path));
-  }
-  return paths;
-}
-
-// Clipper gives holes the opposite orientation, so that their areas are negative.
-Summary Summarise(const Paths& paths, double scale) {
-  Summary summary;
-  for (const Path& path : paths) summary.Add(ClipperLib::Area(path) / (scale * scale));
-  return summary;
-}
-
-Summary Summarise(const PolyTree& tree, double scale) {
-  Summary summary;
-  for (const PolyNode* node = tree.GetFirst(); node != nullptr; node = node->GetNext()) {
-    summary.Add(ClipperLib::Area(node->Contour) / (scale * scale));
-  }
-  return summary;
 }
 
 // Solution is Paths, a flat list, or PolyTree, which tells what lies in what.

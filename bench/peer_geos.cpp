@@ -2,10 +2,7 @@
 
 #include <geos_c.h>
 
-#include <cmath>
 #include <memory>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "geos_geometry.h"
@@ -13,32 +10,6 @@
 
 namespace bench {
 namespace {
-
-double RingArea(const GeosContext& geos, const GEOSGeometry* line) {
-  const GEOSCoordSequence* points = GEOSGeom_getCoordSeq_r(geos.handle(), line);
-  unsigned int size = 0;
-  GEOSCoordSeq_getSize_r(geos.handle(), points, &size);
-  std::vector<double> xy(2 * static_cast<std::size_t>(size));
-  GEOSCoordSeq_copyToBuffer_r(geos.handle(), points, xy.data(), 0, 0);
-  Ring ring;
-  ring.reserve(size);
-  for (std::size_t i = 0; i < xy.size(); i += 2) ring.emplace_back(xy[i], xy[i + 1]);
-  return std::abs(Area(ring));
-}
-
-// Of a polygon or a collection of polygons.
-Summary Summarise(const GeosContext& geos, const GEOSGeometry* geometry) {
-  Summary summary;
-  const int parts = GEOSGetNumGeometries_r(geos.handle(), geometry);
-  for (int i = 0; i < parts; ++i) {
-    const GEOSGeometry* part = GEOSGetGeometryN_r(geos.handle(), geometry, i);
-    if (GEOSisEmpty_r(geos.handle(), part) != 0 || GEOSGeomTypeId_r(geos.handle(), part) != GEOS_POLYGON) continue;
-    summary.Add(RingArea(geos, GEOSGetExteriorRing_r(geos.handle(), part)));
-    const int holes = GEOSGetNumInteriorRings_r(geos.handle(), part);
-    for (int k = 0; k < holes; ++k) summary.Add(-RingArea(geos, GEOSGetInteriorRingN_r(geos.handle(), part, k)));
-  }
-  return summary;
-}
 
 class GeosBoolean : public BooleanPeer {
  public:

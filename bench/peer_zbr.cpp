@@ -8,11 +8,10 @@
 #include <zbr/zbr.h>
 
 #include "peers.h"
+#include "zbr_loops.h"
 
 namespace bench {
 namespace {
-
-using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
 ZBR_BOOLEAN_OPE LibraryOp(Op op) {
   switch (op) {
@@ -28,33 +27,6 @@ ZBR_BOOLEAN_OPE LibraryOp(Op op) {
       return ZBR_BOOL_XOR;
   }
   return ZBR_BOOL_OR;
-}
-
-std::shared_ptr<ZBR_LOOP> MakeLoop(const Ring& ring) {
-  auto loop = std::make_shared<ZBR_LOOP>();
-  loop->pt() = ring;
-  loop->Setup();
-  return loop;
-}
-
-LoopList MakeNested(const Region& region) {
-  LoopList loops;
-  for (const Polygon& polygon : region) {
-    loops.push_back(MakeLoop(polygon.outer));
-    for (const Ring& hole : polygon.holes) loops.push_back(MakeLoop(hole));
-  }
-  zbrMakeLoopTree(loops);
-  return loops;
-}
-
-// Areas are computed again from the points: what the loops have cached is the library's own word.
-Summary Summarise(const LoopList& loops) {
-  Summary summary;
-  for (const auto& loop : loops) {
-    summary.Add(Area(loop->pt()));
-    for (const auto& hole : loop->children()) summary.Add(Area(hole->pt()));
-  }
-  return summary;
 }
 
 class ZbrBoolean : public BooleanPeer {

@@ -16,7 +16,8 @@ from pathlib import Path
 OURS = "zbr"
 PEERS = ["clipper", "clipper-tree", "geos", "boost", "cgal", "openmesh", "std", "pmr", "malloc"]
 COLUMNS = [OURS, "zbr-linear"] + PEERS  # "zbr-linear" is our test of one point, without an index
-OWN_TABLES = ["mesh", "alloc"]  # families whose peers are others than those of planar loops
+# Families whose peers are others than those of planar loops, by the beginnings of their names: a table each.
+OWN_TABLES = ["mesh", "alloc", "segs", "clip"]
 
 # Upper bounds in nanoseconds of CPU time per unit (input edge, crossing, ring, point), at the sizes they were set for.
 BARS = {
@@ -41,6 +42,7 @@ RATIO_BARS = {
     ("alloc", "strings-again"): (1.0, {1_000_000, 10_000_000}),
 }
 GROWTH_BAR = 1.1
+SECONDS_BARS = {"segs": (3.0, 1_000_000)}  # upper bound of one run's CPU seconds, from that size on
 OPERATIONS = 5
 ALL_OPERATIONS_BAR = 2.5  # five operations in one call, in terms of the average single one
 MEMORY_BAR = (150, "coast", 1_000_000)  # MiB above the inputs
@@ -53,6 +55,9 @@ HIDDEN_DIFFERENCES = {
     "lattice": (0.01, "where a line runs exactly under a side shared by two nearer triangles, the peer draws hidden parts of it"),
     "beetle": (0.002, "flaps folded flat onto themselves: which of two triangles in one plane hides the other is a tie"),
 }
+OUTLINE_PEERS = ["geos", "clipper", "cgal"]
+OUTLINE_TOLERANCE = 1e-6  # of the area
+OUTLINE_GROWTH_BAR = 1.2
 HIDDEN_STEPS = ["model", "scene", "scenes-4", "remove", "chain", "hidden-0", "hidden-3"]
 GROWTH_FROM = 8_000  # triangles: smaller scenes tell little about growth
 
@@ -143,6 +148,10 @@ def time_verdict(table, key):
     bar, sizes = RATIO_BARS.get((family, operation), (None, ()))
     if size in sizes and fastest_peer(row):
         return verdict(f"{bar} x", fastest_peer(row) / row[OURS].per_unit() >= bar)
+    bar, least = SECONDS_BARS.get(family.partition("-")[0], (None, 0))
+    if bar and size >= least:
+        seconds = row[OURS].per_unit() * row[OURS].units * 1e-9
+        return verdict(f"{seconds:.2f} s <= {bar:.0f}", seconds <= bar)
     return ""
 
 
@@ -172,14 +181,17 @@ def print_notes(table):
 
 def print_times(table):
     """The planar families in one table, each of the others in one of its own."""
-    for families in [{key[0] for key in table} - set(OWN_TABLES)] + [{family} for family in OWN_TABLES]:
-        part = {key: row for key, row in table.items() if key[0] in families}
+    for kind in [""] + OWN_TABLES:
+        kinds = {key: key[0].partition("-")[0] for key in table}
+        part = {key: row for key, row in table.items() if kinds[key] == kind or kind == "" and kinds[key] not in OWN_TABLES}
         if part:
             print_times_table(part)
     print("CPU time, median; ratio: fastest peer / zbr; growth: exponent from the size before in units, zbr's and the fastest")
     print(f"peer's, ! marks more than {GROWTH_BAR}; clipper-tree is Clipper with a nested result, as ours always is; for all")
     print("operations in one call the peers' times are added up; * a result that differs as listed below. Memory that a run has")
-    print("freed is kept for the next. Meshes: ordered row after row, or mixed; map is the table of edges by itself, of a mixed one.\n")
+    print("freed is kept for the next. Meshes: ordered row after row, or mixed; map is the table of edges by itself, of a mixed one.")
+    print("Segments: std sorts as many by coordinates, without tolerance; same has two sets. Clipping: lines of the given kinds over")
+    print("one ring of so many edges.\n")
     print_notes(table)
 
 
@@ -235,15 +247,15 @@ def kind_of(scene):
     return short_name(scene).partition(":")[0]
 
 
-def hidden_growth(scenes, key, library):
-    """Exponent of the removal's time in triangles, from the smallest scene of this kind that counts."""
+def hidden_growth(scenes, key, library, operation="remove"):
+    """Exponent of a time in triangles, from the smallest scene of this kind that counts."""
     if ":" not in key[0]:
         return None
     same = [other for other in scenes if kind_of(other[0]) == kind_of(key[0]) and GROWTH_FROM <= other[1] < key[1]]
     if not same:
         return None
     first = min(same, key=lambda other: other[1])
-    times = [scenes[k][library].get("remove") for k in (first, key)]
+    times = [scenes[k][library].get(operation) for k in (first, key)]
     return math.log(times[1] / times[0]) / math.log(key[1] / first[1]) if all(times) else None
 
 
@@ -291,6 +303,63 @@ def print_hidden(path):
     return errors
 
 
+def outline_differences(key, libraries):
+    """Returns the largest relative difference of a peer's area, other numbers of loops as text, and errors."""
+    ours = libraries.get(OURS, {})
+    if "area" not in ours:
+        return None, "", [f"{key[0]}: no outline"]
+    worst, loops, errors = None, "", []
+    for peer in OUTLINE_PEERS:
+        other = libraries.get(peer, {})
+        if "area" not in other:
+            continue
+        difference = other["area"] / ours["area"] - 1.0 if ours["area"] else other["area"]
+        worst = difference if worst is None else max(worst, difference, key=abs)
+        if not abs(difference) <= OUTLINE_TOLERANCE:
+            errors.append(f"{key[0]}: the area by {peer} differs by {difference:.2e}")
+        if other["loops"] != ours["loops"]:
+            loops += f" {peer} {other['loops']:.0f}"
+    return worst, loops, errors
+
+
+def outline_peer_time(libraries, peer):
+    other = libraries.get(peer, {})
+    if "stopped-after" in other:
+        return f"> {other['stopped-after']:.0f}"
+    return text_number(other.get("union"), ".3f")
+
+
+def print_outlines(path):
+    scenes = read_hidden(path)
+    lines, errors = [], []
+    for key, libraries in scenes.items():
+        ours = libraries.get(OURS, {})
+        worst, loops, found = outline_differences(key, libraries)
+        errors += found
+        fresh, remove = ours.get("outline-fresh"), ours.get("remove")
+        peers = [libraries[peer]["union"] for peer in OUTLINE_PEERS if "union" in libraries.get(peer, {})]
+        added = [libraries[peer]["memory-added"] for peer in OUTLINE_PEERS if "union" in libraries.get(peer, {})]
+        grown = hidden_growth(scenes, key, OURS, "outline-fresh")
+        lines.append([short_name(key[0]), str(key[1])]
+                     + [text_number(ours.get(step), ".4f") for step in ("outline-fresh", "outline", "remove")]
+                     + [verdict(f"{fresh / remove:.2f} <= 1", fresh <= remove) if fresh and remove else "-"]
+                     + [outline_peer_time(libraries, peer) for peer in OUTLINE_PEERS]
+                     + [text_number(min(peers) / fresh if peers and fresh else None, ".1f"),
+                        text_number(grown, ".2f") + ("!" if (grown or 0) > OUTLINE_GROWTH_BAR else ""),
+                        text_number(ours.get("memory-added"), ".0f"), text_number(min(added) if added else None, ".0f"),
+                        text_number(ours.get("points"), ".0f"), text_number(worst, ".0e"),
+                        text_number(ours.get("loops"), ".0f") + loops])
+    print_table(["scene", "triangles", OURS, "processed", "remove", "of removal"] + OUTLINE_PEERS
+                + ["ratio", "growth", "added", "peer's", "points", "area", "loops"], lines, left=(0,))
+    print("CPU seconds, median: our outline of a fresh scene (classification included), of one whose hidden lines are removed, that")
+    print("removal, and what the first is of it; the peers' unions of the projected triangles; ratio: fastest peer / ours; growth:")
+    print(f"exponent in triangles from the smallest scene of that kind above {GROWTH_FROM}, ! marks more than {OUTLINE_GROWTH_BAR}; "
+          "MiB added by")
+    print("ours and by the thriftiest peer; points of our loops; the largest relative difference of a peer's area; our loops, and")
+    print("those of peers that have another number.\n")
+    return errors
+
+
 def main():
     if len(sys.argv) != 2 or not Path(sys.argv[1]).is_dir():
         sys.exit(__doc__)
@@ -303,6 +372,9 @@ def main():
     hidden = Path(sys.argv[1]) / "hidden.csv"
     if hidden.exists():
         errors += print_hidden(hidden)
+    outlines = Path(sys.argv[1]) / "outline.csv"
+    if outlines.exists():
+        errors += print_outlines(outlines)
     for error in errors:
         print(f"ERROR {error}")
     sys.exit(1 if errors else 0)
