@@ -30,6 +30,14 @@ Geos::Geometry Geos::Region(const LoopList& loops) const {
   return region;
 }
 
+Geos::Geometry Geos::Union(const std::vector<Ring>& rings, double grid) const {
+  std::vector<GEOSGeometry*> parts;
+  for (const Ring& ring : rings) parts.push_back(Polygon(ring).release());
+  const Geometry all =
+      Own(GEOSGeom_createCollection_r(context_, GEOS_GEOMETRYCOLLECTION, parts.data(), static_cast<unsigned>(parts.size())));
+  return Own(grid == 0.0 ? GEOSUnaryUnion_r(context_, all.get()) : GEOSUnaryUnionPrec_r(context_, all.get(), grid));
+}
+
 Geos::Geometry Geos::Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geometry& b) const {
   switch (op) {
     case ZBR_BOOL_A_MINUS_B:
@@ -50,6 +58,25 @@ double Geos::Area(const Geometry& g) const {
   double area = std::nan("");
   if (g) GEOSArea_r(context_, g.get(), &area);
   return area;
+}
+
+std::array<int, 2> Geos::CountRings(const Geometry& g, double thin) const {
+  std::array<int, 2> counts = {0, 0};
+  const auto count = [&](const GEOSGeometry* line, std::size_t kind) {
+    double length = 0.0;
+    GEOSLength_r(context_, line, &length);
+    const Geometry polygon = Own(GEOSGeom_createPolygon_r(context_, GEOSGeom_clone_r(context_, line), nullptr, 0));
+    if (2.0 * Area(polygon) > thin * length) ++counts[kind];
+  };
+  for (int i = 0; i < GEOSGetNumGeometries_r(context_, g.get()); ++i) {
+    const GEOSGeometry* part = GEOSGetGeometryN_r(context_, g.get(), i);
+    if (GEOSGeomTypeId_r(context_, part) != GEOS_POLYGON || GEOSisEmpty_r(context_, part) != 0) continue;
+    count(GEOSGetExteriorRing_r(context_, part), 0);
+    for (int k = 0; k < GEOSGetNumInteriorRings_r(context_, part); ++k) {
+      count(GEOSGetInteriorRingN_r(context_, part, k), 1);
+    }
+  }
+  return counts;
 }
 
 double Geos::Difference(const Geometry& a, const Geometry& b, double negligible) const {

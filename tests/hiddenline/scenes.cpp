@@ -256,11 +256,26 @@ Mesh Moved(Mesh mesh, const ZBR_PT3& by) {
   return mesh;
 }
 
+Mesh Turned(Mesh mesh, const ZBR_PT3& axis, double turns) {
+  example::Turn(mesh, axis, turns);
+  return mesh;
+}
+
 View RandomView(Random& random) {
   const int n = Below(random, 12);
   const std::vector<std::string>& names = tool::ViewNames();
   if (n < 8 && static_cast<std::size_t>(n) < names.size()) return *tool::NamedView(names[static_cast<std::size_t>(n)]);
   return tool::LookAlong(RandomPoint(random, 2.0) - ZBR_PT3(1, 1, 1.001), RandomPoint(random, 2.0) - ZBR_PT3(1.002, 1, 1));
+}
+
+std::vector<std::pair<std::string, View>> ViewsAround() {
+  std::vector<std::pair<std::string, View>> views;
+  for (const std::string& name : tool::ViewNames()) views.emplace_back(name, *tool::NamedView(name));
+  views.emplace_back("slanting", tool::LookAlong({1.1, 2.3, -0.7}, {0, 0, 1}));
+  views.emplace_back("steep", tool::LookAlong({-0.3, 0.1, -2.0}, {0, 1, 0}));
+  views.emplace_back("diagonal", tool::LookAlong({1, 1, 0}, {0, 0, 1}));
+  views.emplace_back("turned", tool::LookAlong({3, 4, 0}, {0.1, 0.2, 1}));
+  return views;
 }
 
 std::string StateText(const std::vector<ZBR_HL_SHELL>& shells) {
@@ -286,6 +301,38 @@ const std::vector<SceneFamily>& SceneFamilies() {
       {"lattices", Lattices}, {"round", Round}, {"sheets", Sheets}, {"soups", Soups},
   };
   return families;
+}
+
+std::vector<NamedScene> NamedScenes() {
+  const auto box = [](double x, double y, double z, double X, double Y, double Z) { return example::Box({x, y, z}, {X, Y, Z}); };
+  Mesh touching = box(0, 0, 0, 1, 1, 1);
+  example::Append(touching, box(1, 0, 0, 2, 1, 1));
+  const std::vector<double> flat(16, 0.0);
+  return {
+      {"box", {box(0, 0, 0, 1, 2, 3)}},
+      {"boxes stacked", {box(0, 0, 0, 2, 2, 1), box(0.5, 0.5, 1, 1.5, 1.5, 2), box(0, 0, 2, 2, 1, 3)}},
+      {"boxes touching", {box(0, 0, 0, 1, 1, 1), box(1, 0, 0, 2, 1, 1), box(1, 1, 0, 2, 2, 1)}},
+      {"boxes joined at a face", {touching}},
+      {"boxes interpenetrating", {box(0, 0, 0, 2, 2, 2), box(1, 1, 1, 3, 3, 3)}},
+      {"boxes through each other", {box(0, 1, 1, 3, 2, 2), box(1, 0, 1.25, 2, 3, 1.75), box(1.25, 1.25, 0, 1.75, 1.75, 3)}},
+      {"boxes one inside", {box(0, 0, 0, 3, 3, 3), box(1, 1, 1, 2, 2, 2)}},
+      {"boxes on a plate", {example::BoxesOnPlate(5)}},
+      {"boxes on a lattice", {example::BoxesOnPlate(5, true)}},
+      {"L solid", {example::LSolid(1.0)}},
+      {"U solid", {example::USolid(1.0)}},
+      {"L through U", {example::LSolid(1.0), Moved(Turned(example::USolid(2.0), {1, 1, 0}, 0.2), {0.3, 0.1, 0.2})}},
+      {"prism of 3 sides", {example::Cylinder(3, 1.0, 2.0)}},
+      {"cylinder", {example::Cylinder(48, 1.0, 2.0)}},
+      {"cylinders crossing",
+       {example::Cylinder(24, 1.0, 4.0), Moved(Turned(example::Cylinder(24, 0.7, 4.0), {0, 1, 0}, 0.25), {-2, 0, 2})}},
+      {"torus", {example::Torus(800)}},
+      {"tori linked", {example::Torus(800), Moved(Turned(example::Torus(800), {1, 0, 0}, 0.25), {1, 0, 0})}},
+      {"gear", {example::Gear(900)}},
+      {"gears", {example::Gears(2, 200)}},
+      {"open sheet", {Sheet(3, flat)}},
+      {"open sheets both ways", {Sheet(3, flat), Reversed(Moved(Sheet(3, flat), {0.5, 0.5, 1}))}},
+      {"open sheet on edge", {Turned(Sheet(3, flat), {1, 0, 0}, 0.25), box(0.5, -1, 0.5, 1.5, 1, 1.5)}},
+  };
 }
 
 Drawing DrawHard(const SceneFamily& family, std::uint64_t seed) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <zbr/hidden_line.h>
@@ -43,8 +44,12 @@ void ForgetNeighbours(Drawing& drawing);
 Mesh Sheet(int cells, const std::vector<double>& heights);
 Mesh Reversed(Mesh mesh);
 Mesh Moved(Mesh mesh, const ZBR_PT3& by);
+Mesh Turned(Mesh mesh, const ZBR_PT3& axis, double turns);
 // Along an axis or slanting, at random.
 View RandomView(Random& random);
+
+// The standard views, two slanting ones, and two along walls that stand at an angle, where rounding errors show.
+std::vector<std::pair<std::string, View>> ViewsAround();
 
 // The visible intervals of all edges, to the last bit.
 std::string StateText(const std::vector<ZBR_HL_SHELL>& shells);
@@ -67,6 +72,13 @@ inline void PrintTo(const SceneFamily& family, std::ostream* out) {
 // sheets   open sheets, flat or bumpy, facing either way, over and through each other
 // soups    triangles at random, or between lattice points so that they share vertices and edges
 const std::vector<SceneFamily>& SceneFamilies();
+
+// Bodies by name: boxes in every kind of contact, L and U, prisms, round ones, open sheets.
+struct NamedScene {
+  const char* name;
+  std::vector<Mesh> bodies;
+};
+std::vector<NamedScene> NamedScenes();
 
 // One scene of a family, disguised; some without neighbours, some with needles, some with other edges drawn, some a
 // thousand times larger.

@@ -77,47 +77,6 @@ void ExpectTrue(const Tally& tally) {
   EXPECT_LE(tally.twice, kShare * tally.length);
 }
 
-struct NamedScene {
-  const char* name;
-  std::vector<Mesh> bodies;
-};
-
-Mesh Turned(Mesh mesh, const ZBR_PT3& axis, double turns) {
-  example::Turn(mesh, axis, turns);
-  return mesh;
-}
-
-std::vector<NamedScene> NamedScenes() {
-  const auto box = [](double x, double y, double z, double X, double Y, double Z) { return example::Box({x, y, z}, {X, Y, Z}); };
-  Mesh touching = box(0, 0, 0, 1, 1, 1);
-  example::Append(touching, box(1, 0, 0, 2, 1, 1));
-  const std::vector<double> flat(16, 0.0);
-  return {
-      {"box", {box(0, 0, 0, 1, 2, 3)}},
-      {"boxes stacked", {box(0, 0, 0, 2, 2, 1), box(0.5, 0.5, 1, 1.5, 1.5, 2), box(0, 0, 2, 2, 1, 3)}},
-      {"boxes touching", {box(0, 0, 0, 1, 1, 1), box(1, 0, 0, 2, 1, 1), box(1, 1, 0, 2, 2, 1)}},
-      {"boxes joined at a face", {touching}},
-      {"boxes interpenetrating", {box(0, 0, 0, 2, 2, 2), box(1, 1, 1, 3, 3, 3)}},
-      {"boxes through each other", {box(0, 1, 1, 3, 2, 2), box(1, 0, 1.25, 2, 3, 1.75), box(1.25, 1.25, 0, 1.75, 1.75, 3)}},
-      {"boxes one inside", {box(0, 0, 0, 3, 3, 3), box(1, 1, 1, 2, 2, 2)}},
-      {"boxes on a plate", {example::BoxesOnPlate(5)}},
-      {"boxes on a lattice", {example::BoxesOnPlate(5, true)}},
-      {"L solid", {example::LSolid(1.0)}},
-      {"U solid", {example::USolid(1.0)}},
-      {"L through U", {example::LSolid(1.0), Moved(Turned(example::USolid(2.0), {1, 1, 0}, 0.2), {0.3, 0.1, 0.2})}},
-      {"prism of 3 sides", {example::Cylinder(3, 1.0, 2.0)}},
-      {"cylinder", {example::Cylinder(48, 1.0, 2.0)}},
-      {"cylinders crossing",
-       {example::Cylinder(24, 1.0, 4.0), Moved(Turned(example::Cylinder(24, 0.7, 4.0), {0, 1, 0}, 0.25), {-2, 0, 2})}},
-      {"torus", {example::Torus(800)}},
-      {"gear", {example::Gear(900)}},
-      {"gears", {example::Gears(2, 200)}},
-      {"open sheet", {Sheet(3, flat)}},
-      {"open sheets both ways", {Sheet(3, flat), Reversed(Moved(Sheet(3, flat), {0.5, 0.5, 1}))}},
-      {"open sheet on edge", {Turned(Sheet(3, flat), {1, 0, 0}, 0.25), box(0.5, -1, 0.5, 1.5, 1, 1.5)}},
-  };
-}
-
 TEST(HiddenTruth, NamedScenesFromAllSides) {
   for (const NamedScene& scene : NamedScenes()) {
     Tally sum;

@@ -1,0 +1,337 @@
+// Outlines of random scenes against the projected triangles themselves, and loops closed from pieces.
+//
+// Lengths are compared on the scale of the object: what is narrower than a billionth of its larger side is nothing.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "hiddenline/scenes.h"
+#include "support/expect.h"
+
+namespace {
+
+LoopList OutlineOf(std::vector<ZBR_HL_SHELL>& shells) {
+  ZBR_HiddenLine::OutLineObj(shells.data(), static_cast<unsigned>(shells.size()));
+  return shells.empty() ? LoopList() : shells[0].outline_all;
+}
+LoopList OutlineOf(Drawing& drawing) {
+  std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+  return OutlineOf(shells);
+}
+
+std::vector<const ZBR_HL_TRI*> Faces(const Drawing& drawing) {
+  std::vector<const ZBR_HL_TRI*> faces;
+  for (const auto& body : drawing.bodies) {
+    for (const ZBR_HL_TRI& t : body) {
+      if (t.tri_state == 1) faces.push_back(&t);
+    }
+  }
+  return faces;
+}
+
+// The largest coordinate: about the size, as scenes lie near the origin.
+double SizeOf(const Drawing& drawing) {
+  double size = 0.0;
+  for (const ZBR_HL_TRI* t : Faces(drawing)) size = std::max({size, t->max_x, t->max_y, -t->min_x, -t->min_y});
+  return size;
+}
+
+std::vector<ZBR_SEG> EdgesOf(const LoopList& loops) {
+  std::vector<ZBR_SEG> edges;
+  for (const Ring& ring : RingsOf(loops)) {
+    for (std::size_t i = 0; i < ring.size(); ++i) edges.emplace_back(ring[i], ring[(i + 1) % ring.size()]);
+  }
+  return edges;
+}
+
+// Distance from the line a-b, positive on its left.
+double Left(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
+  return (b - a).OuterProduct(p - a) / a.Distance(b);
+}
+
+// The part of a-b, as a range of parameters, along which s runs within `slack`.
+std::pair<double, double> Along(const ZBR_PT& a, const ZBR_PT& b, const ZBR_SEG& s, double slack) {
+  double low = 0.0;
+  double high = 1.0;
+  const double from = (s.s() - a).InnerProduct(b - a) / a.Distance2(b);
+  const double to = (s.e() - a).InnerProduct(b - a) / a.Distance2(b);
+  low = std::max(low, std::min(from, to));
+  high = std::min(high, std::max(from, to));
+  if (!(high > low)) return {0.0, 0.0};
+  for (const double t : {low, high}) {
+    const ZBR_PT p = s.s() + (s.e() - s.s()) * ((t - from) / (to - from));
+    if (std::abs(Left(p, a, b)) > slack) return {0.0, 0.0};
+  }
+  return {low, high};
+}
+
+bool IsOnOutline(const ZBR_PT& p, const std::vector<ZBR_SEG>& outline, double slack) {
+  return std::any_of(outline.begin(), outline.end(), [&](const ZBR_SEG& s) {
+    const double t = std::clamp((p - s.s()).InnerProduct(s.e() - s.s()) / s.s().Distance2(s.e()), 0.0, 1.0);
+    return p.Distance(s.s() + (s.e() - s.s()) * t) <= slack;
+  });
+}
+
+// Loops are nested, and their edges neither cross nor, for longer than `alike`, run over each other; no loop passes a vertex twice.
+void ExpectSound(const LoopList& loops, double size, double alike = 1e-5) {
+  EXPECT_TRUE(IsNested(loops, 0.0));
+  const std::vector<ZBR_SEG> edges = EdgesOf(loops);
+  const double slack = 1e-8 * size;
+  const auto parts = [&](const ZBR_SEG& a, const ZBR_SEG& b) {
+    const double s = Left(a.s(), b.s(), b.e());
+    const double e = Left(a.e(), b.s(), b.e());
+    return std::min(s, e) < -slack && std::max(s, e) > slack;
+  };
+  for (const ZBR_SEG& a : edges) {
+    EXPECT_GT(a.s().Distance2(a.e()), 0.0);
+    for (const ZBR_SEG& b : edges) {
+      if (&b <= &a) continue;
+      const auto [low, high] = Along(a.s(), a.e(), b, 1e-10 * size);
+      EXPECT_FALSE(parts(a, b) && parts(b, a)) << "crossing near " << a.s().x() << ' ' << a.s().y();
+      EXPECT_LE((high - low) * a.s().Distance(a.e()), alike * size) << "twice near " << a.s().x() << ' ' << a.s().y();
+    }
+  }
+  for (const Ring& ring : RingsOf(loops)) {
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      for (std::size_t k = 0; k < i; ++k) EXPECT_GT(ring[i].Distance(ring[k]), 1e-10 * size) << "passed twice";
+    }
+  }
+}
+
+bool IsCovered(const ZBR_PT& p, const ZBR_HL_TRI& t) {
+  const bool a = Left(p, t.pt[0].xy(), t.pt[1].xy()) > 0.0;
+  return a == (Left(p, t.pt[1].xy(), t.pt[2].xy()) > 0.0) && a == (Left(p, t.pt[2].xy(), t.pt[0].xy()) > 0.0);
+}
+
+// Places all over, and beside edges where mistakes are likely, are inside exactly when a triangle lies over them.
+void ExpectCovered(const Drawing& drawing, const LoopList& loops, double size, Random& random) {
+  const std::vector<const ZBR_HL_TRI*> faces = Faces(drawing);
+  const std::vector<ZBR_SEG> edges = EdgesOf(loops);
+  std::vector<ZBR_POS_PT_PT> pos;
+  for (int n = faces.empty() ? 0 : 200; n > 0; --n) {
+    const ZBR_HL_TRI& t = *faces[static_cast<std::size_t>(Below(random, static_cast<int>(faces.size())))];
+    const double spread = Below(random, 2) == 0 ? 0.5 : 1e-5;
+    const ZBR_PT at = t.pt[0].xy() + (t.pt[1].xy() - t.pt[0].xy()) * Unit(random);
+    const ZBR_PT p = at + ZBR_PT{Unit(random) - 0.5, Unit(random) - 0.5} * (spread * size);
+    if (IsOnOutline(p, edges, 1e-7 * size)) continue;
+    const ZBR_TmpEps guard(1e-9 * size);
+    const bool inside = std::any_of(loops.begin(), loops.end(), [&](const auto& loop) {
+      return zbrIsInside(p, *loop, pos) == ZBR_PI_IN && std::none_of(loop->children().begin(), loop->children().end(),
+                                                                     [&](auto& h) { return zbrIsInside(p, *h, pos) == ZBR_PI_IN; });
+    });
+    const bool covered = std::any_of(faces.begin(), faces.end(), [&](const ZBR_HL_TRI* f) { return IsCovered(p, *f); });
+    ASSERT_EQ(inside, covered) << std::hexfloat << "at " << p.x() << ' ' << p.y();
+  }
+}
+
+// `profile`, and what the walk over quadtrees leaves of each edge, against the loops.
+void ExpectEdgesTold(const Drawing& drawing, const std::vector<ZBR_HL_SHELL>& shells, const LoopList& loops, double size) {
+  const std::vector<ZBR_SEG> outline = EdgesOf(loops);
+  for (std::size_t n = 0; const ZBR_HL_TRI* t : Faces(drawing)) {
+    const auto i = static_cast<int>(n++ % 3);
+    const ZBR_PT a = t->pt[i].xy();
+    const ZBR_PT b = t->pt[(i + 1) % 3].xy();
+    if (a.Distance(b) < 1e-3 * size) continue;
+    const auto shareOn = [&](double slack) {
+      double share = 0.0;
+      for (const ZBR_SEG& s : outline) {
+        const auto [low, high] = Along(a, b, s, slack);
+        share += high - low;
+      }
+      return share;
+    };
+    const double on = shareOn(1e-8 * size);
+    const bool isSome = on > 1e-3 && on < 1.0 - 1e-3;
+    const bool isClear = on < 1e-9 || on > 1.0 - 1e-9 || isSome;
+    EXPECT_TRUE(!isClear || t->profile[i] == (isSome ? 1 : on < 0.5 ? 0 : 2)) << on << " is on the outline, told " << t->profile[i];
+    std::vector<ZBR_HL_INTERVAL> parts = {{t->pt[i], t->pt[(i + 1) % 3], 0.0, 1.0}};
+    for (const ZBR_HL_SHELL& shell : shells) ZBR_HiddenLine::OutLine_TriByShell(*t, i, shell, parts);
+    double left = 0.0;
+    for (const ZBR_HL_INTERVAL& part : parts) {
+      left += part.e.t - part.s.t;
+      if (part.e.t - part.s.t < 1e-3) continue;
+      EXPECT_TRUE(IsOnOutline((part.s.pt.xy() + part.e.pt.xy()) * 0.5, outline, 1e-5));
+    }
+    EXPECT_GE(left, on - 1e-2);
+    EXPECT_LE(left, shareOn(2e-5) + 1e-2);  // within the tolerance of the walk
+  }
+}
+
+Drawing Copied(const Drawing& drawing) {
+  Drawing copy;
+  for (const auto& from : drawing.bodies) {
+    auto& body = copy.bodies.emplace_back(from.size());
+    for (std::size_t k = 0; k < from.size(); ++k) body[k] = from[k];
+  }
+  return copy;
+}
+
+// The same triangles in another order, as other bodies, without neighbours, among others that are no triangles.
+Drawing Scattered(const Drawing& drawing, Random& random) {
+  const double nan = std::nan("");
+  Drawing other;
+  other.bodies.resize(1 + static_cast<std::size_t>(Below(random, 4)));
+  for (const auto& body : drawing.bodies) {
+    for (const ZBR_HL_TRI& t : body) {
+      auto& to = other.bodies[random() % other.bodies.size()].emplace_back();
+      for (int i = 0; i < 3; ++i) to.pt[i] = t.pt[i];
+      if (Below(random, 2) == 0) std::swap(to.pt[0], to.pt[1]);
+    }
+  }
+  for (const double bad : {nan, HUGE_VAL, 1e80, 0.0}) {
+    auto& to = other.bodies[random() % other.bodies.size()].emplace_back();
+    for (ZBR_PT3& p : to.pt) p.Set(bad, bad == 0.0 ? 5.0 : 3.0, 1.0);
+  }
+  Disguise(other, random);
+  ForgetNeighbours(other);
+  return other;
+}
+
+class OutlineOfScenes : public testing::TestWithParam<SceneFamily> {};
+
+TEST_P(OutlineOfScenes, AreTheEdgesOfWhatTrianglesCover) {
+  std::size_t loopCount = 0;
+  for (int seed = 0; seed < Scaled(40); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Random random(static_cast<std::uint64_t>(seed));
+    Drawing drawing = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
+    Drawing processed = Copied(drawing);
+    std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+    const LoopList loops = OutlineOf(shells);
+    const double size = SizeOf(drawing);
+    loopCount += RingsOf(loops).size();
+    ExpectSound(loops, size);
+    ExpectCovered(drawing, loops, size, random);
+    ASSERT_EQ(ToText(shells[0].outline), ToText(loops));
+    if (!loops.empty()) {
+      ASSERT_NE(shells[0].outline[0], loops[0]);
+    }
+    std::vector<ZBR_HL_SHELL> again = processed.Shells();
+    ZBR_HiddenLine::HiddenLine_Shells(again.data(), static_cast<unsigned>(again.size()));
+    const std::string visible = StateText(again);
+    ASSERT_EQ(ToText(OutlineOf(again)), ToText(loops));
+    ASSERT_EQ(StateText(again), visible);
+    if (size < 1e3) ExpectEdgesTold(processed, again, loops, size);
+    Drawing other = Scattered(drawing, random);
+    const LoopList same = OutlineOf(other);
+    EXPECT_EQ(RingsOf(same).size(), RingsOf(loops).size());
+    EXPECT_EQ(same.size(), loops.size());
+    EXPECT_NEAR(NetArea(same), NetArea(loops), 1e-9 * size * size);
+    ASSERT_FALSE(HasFailure());
+  }
+  EXPECT_GE(loopCount, 40U);
+}
+
+// Many long edges that run almost the same way: faces seen nearly edge-on, between points of one curve or of a few, which noise of
+// rounding errors up to a ten-thousandth of the size moves.
+Drawing Crowd(Random& random) {
+  Drawing drawing;
+  auto& body = drawing.bodies.emplace_back();
+  const double noise = std::pow(10.0, -4.0 - Below(random, 12));
+  const double bend = Below(random, 3) == 0 ? 0.0 : std::pow(10.0, -1.0 - Below(random, 9));
+  const double turn = Unit(random);
+  std::vector<ZBR_PT3> points;
+  for (int n = 4 + Below(random, 60); n > 0; --n) {
+    const double t = Below(random, 2) == 0 ? Unit(random) : Below(random, 8) / 8.0;
+    const double off = bend * t * (1.0 - t) + noise * (Unit(random) - 0.5);
+    points.push_back(ZBR_PT3(t - turn * off, turn * t + off, Unit(random)) * 100.0);
+  }
+  const auto pick = [&] { return points[random() % points.size()]; };
+  for (int n = 1 + Below(random, 120); n > 0; --n) {
+    ZBR_HL_TRI& t = body.emplace_back();
+    for (ZBR_PT3& p : t.pt) p = pick();
+    if (Below(random, 30) == 0) t.pt[2] = ZBR_PT3{Unit(random), Unit(random), 0.0} * 100.0;
+  }
+  return drawing;
+}
+
+TEST(OutlineOfCrowds, AreTheEdgesOfWhatTrianglesCover) {
+  const ZBR_TmpEps guard(1e-12);
+  for (int seed = 0; seed < Scaled(200); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Random random(static_cast<std::uint64_t>(seed));
+    Drawing drawing = Crowd(random);
+    const LoopList loops = OutlineOf(drawing);
+    ExpectSound(loops, SizeOf(drawing), 1.0);
+    ExpectCovered(drawing, loops, SizeOf(drawing), random);
+    ASSERT_FALSE(HasFailure());
+  }
+}
+
+// Size and place do not matter as long as the coordinates can tell the triangles.
+TEST_P(OutlineOfScenes, OfAnySize) {
+  const ZBR_TmpEps guard(1e-9);
+  for (int seed = 0; seed < Scaled(10); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const std::vector<Mesh> bodies = GetParam().bodies(random);
+    Drawing drawing = Draw(bodies, RandomView(random));
+    Drawing other = Copied(drawing);
+    const LoopList loops = OutlineOf(drawing);
+    const double factor = seed % 2 == 0 ? 0x1p30 : 0x1p-10;
+    Scale(other, ZBR_PT3(factor, factor, factor));
+    LoopList scaled = MakeLoops(Moved(RingsOf(OutlineOf(other)), 1.0 / factor, {0, 0}));
+    EXPECT_EQ(RingsOf(scaled).size(), RingsOf(loops).size()) << "seed " << seed;
+    EXPECT_NEAR(NetArea(scaled), NetArea(loops), 1e-9 * SizeOf(drawing) * SizeOf(drawing)) << "seed " << seed;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, OutlineOfScenes, testing::ValuesIn(SceneFamilies()),
+                         [](const auto& family) { return std::string(family.param.name); });
+
+TEST(OutlineLoops, CasesByName) {
+  const struct {
+    const char* name;
+    const char* rings;   // as directed
+    const char* others;  // open lines of pieces that belong to no loop
+    const char* expected;
+  } rows[] = {
+      {"nothing", "", "", ""},
+      {"a square", "0 0, 4 0, 4 4, 0 4", "", "16:1+0 by 4"},
+      {"points straight between others", "0 0, 1 0, 4 0, 4 4, 2 4, 0 4", "", "16:1+0 by 4"},
+      {"squares touching at a corner", "0 0, 4 0, 4 4, 0 4; 4 4, 8 4, 8 8, 4 8", "", "32:2+0 by 8"},
+      {"squares touching at two corners", "0 0, 4 0, 4 4, 0 4; 4 4, 8 4, 8 8, -4 8, -4 4, 0 4, 2 6", "", "60:2+0 by 11"},
+      {"a hole", "0 0, 8 0, 8 8, 0 8; 2 2, 2 4, 4 4, 4 2", "", "60:1+1 by 8"},
+      {"a hole touching the outer loop", "0 0, 8 0, 8 8, 0 8; 0 0, 2 4, 4 2", "", "58:1+1 by 7"},
+      {"holes touching each other", "0 0, 8 0, 8 8, 0 8; 2 2, 2 4, 4 4, 4 2; 4 4, 4 6, 6 6, 6 4", "", "56:1+2 by 12"},
+      {"an island touching its hole", "0 0, 8 0, 8 8, 0 8; 2 2, 2 6, 6 6, 6 2; 2 2, 4 3, 3 4", "", "49.5:2+1 by 11"},
+      {"repeats", "0 0, 4 0, 4 4, 0 4; 0 0, 4 0, 4 4, 0 4", "", "16:1+0 by 4"},
+      {"squares sharing a side", "0 0, 4 0, 4 4, 0 4; 4 0, 8 0, 8 4, 4 4", "", "32:1+0 by 4"},
+      {"pieces that do not close", "0 0, 4 0, 4 4, 0 4", "4 4, 5 5, 6 5; 4 4, 3 3, 3 2; 2 2, 0 4; 9 9, 8 9", "16:1+0 by 4"},
+      {"a way there and back", "0 0, 4 0, 4 4, 0 4", "4 4, 6 6, 4 4", "16:1+0 by 4"},
+      {"a loop without width", "0 0, 4 0, 4 4, 0 4; 1 6, 3 6, 2 6.000000001", "", "16:1+0 by 4"},
+      {"points", "0 0, 4 0, 4 4, 0 4", "4 4, 4 4; 1 1, 1 1", "16:1+0 by 4"},
+  };
+  for (const auto& row : rows) {
+    std::vector<ZBR_SEG> pieces = EdgesOf(ParseLoops(row.rings));
+    for (const Ring& line : RingsOf(ParseLoops(row.others))) {
+      for (std::size_t i = 0; i + 1 < line.size(); ++i) pieces.emplace_back(line[i], line[i + 1]);
+    }
+    for (std::uint64_t seed = 0; seed < 30; ++seed) {
+      SCOPED_TRACE(std::string(row.name) + " seed " + std::to_string(seed));
+      Random random(seed);
+      std::vector<ZBR_HL_OPT_PT> ends;
+      for (std::size_t n = pieces.size(); n > 0; --n) {
+        std::swap(pieces[n - 1], pieces[random() % n]);
+        ends.emplace_back().pt = pieces[n - 1].s();
+        ends.emplace_back().pt = pieces[n - 1].e();
+      }
+      if (seed % 3 == 0) ends.emplace_back().pt.Set(std::nan(""), 0.0);
+      if (seed % 6 == 0) ends.emplace_back().pt.Set(0.0, 0.0);
+      LoopList loops = ParseLoops("7 7, 9 7, 9 9");  // to be replaced
+      const int count = zbrMakeOutLineLoops(ends, loops);
+      EXPECT_EQ(count, static_cast<int>(loops.size()));
+      std::size_t points = 0;
+      for (const Ring& ring : RingsOf(loops)) points += ring.size();
+      char text[64] = "";
+      if (count > 0) {
+        std::snprintf(text, sizeof text, "%g:%d+%zu by %zu", NetArea(loops), count, RingsOf(loops).size() - loops.size(), points);
+      }
+      EXPECT_STREQ(text, row.expected) << ToText(loops);
+      ExpectSound(loops, 8.0);
+    }
+  }
+}
+
+}  // namespace
