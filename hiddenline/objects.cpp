@@ -58,6 +58,12 @@ class Comparison {
   long nearerB_ = 0;
 };
 
+// With a tolerance no larger than `most`, so that a place so far from the boundary does not count as on it.
+bool IsInside(const ZBR_PT& at, const ZBR_LOOP_LOCATOR& region, double most) {
+  const zbr::ToleranceScope scope(std::min(zbr::t_tolerance.eps, most));
+  return region.IsInside(at) == ZBR_PI_IN;
+}
+
 // Samples beside the middle of every edge, a little way inside, where both objects are likely to lie.
 void SampleAlong(ZBR_LOOP& outer, const ZBR_LOOP_LOCATOR& region, Comparison& comparison) {
   outer.Setup();
@@ -71,7 +77,7 @@ void SampleAlong(ZBR_LOOP& outer, const ZBR_LOOP_LOCATOR& region, Comparison& co
     if (!(length > 0.0)) continue;
     const double in = 1e-3 * std::min(length, width) / length * (outer.area() < 0.0 ? -1.0 : 1.0);
     const ZBR_PT at = (s + e) / 2.0 + ZBR_PT(-along.y(), along.x()) * in;
-    if (region.IsInside(at) == ZBR_PI_IN) comparison.Sample(at);
+    if (IsInside(at, region, std::fabs(in) * length / 8.0)) comparison.Sample(at);
   }
 }
 

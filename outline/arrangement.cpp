@@ -241,12 +241,54 @@ void EdgeCutter::CutLine(const Line& line, std::vector<std::uint32_t>& hits, std
   next.push_back(LineBetween(from, line.to, line.net, line.origin));
 }
 
+namespace {
+
+// The frame in which boxes around lines are joined: turned so that the longest lines run along its axes, since the box of a
+// slanting line meets those of all lines beside it.
+class LeaningFrame {
+ public:
+  explicit LeaningFrame(std::span<const ZBR_PT> directions) {
+    // Lengths by direction, a quarter turn being the same; each bin knows its longest line.
+    constexpr int kBins = 32;
+    double length[kBins] = {};
+    ZBR_PT longest[kBins];
+    for (const ZBR_PT& d : directions) {
+      const ZBR_PT along = (d.x() > 0.0) == (d.y() > 0.0) ? d : ZBR_PT(-d.y(), d.x());
+      const double x = std::fabs(along.x());
+      const double y = std::fabs(along.y());
+      const auto bin = static_cast<int>(kBins * (y / (x + y)) * (1.0 - 1e-9));
+      length[bin] += d.Length();
+      if (along.Length2() > longest[bin].Length2()) longest[bin] = ZBR_PT(x, y);
+    }
+    const auto best = std::max_element(length, length + kBins) - length;
+    axis_ = longest[best] / std::max(longest[best].Length(), 1.0);
+  }
+
+  // The box around a segment, with room for rounding.
+  Box Around(const ZBR_PT& p, const ZBR_PT& q) const { return BoxOfSegment(Turned(p), Turned(q)).Widened(kRoom); }
+
+ private:
+  static constexpr double kRoom = 1e-3;  // steps; coordinates are at most 2^30 in size
+
+  ZBR_PT Turned(const ZBR_PT& p) const {
+    return ZBR_PT(axis_.x() * p.x() + axis_.y() * p.y(), axis_.x() * p.y() - axis_.y() * p.x());
+  }
+
+  ZBR_PT axis_;
+};
+
+}  // namespace
+
 // Makes a vertex of every crossing.
 void EdgeCutter::AddCrossings() {
+  std::vector<ZBR_PT> directions;
+  directions.reserve(lines_.size());
+  for (const Line& line : lines_) directions.push_back(PointOn(Node(line.to)) - PointOn(Node(line.from)));
+  const LeaningFrame frame(directions);
   BoxTree tree;
   const std::span<Box> leaves = tree.StartLeaves(lines_.size());
   for (std::size_t i = 0; i < lines_.size(); ++i)
-    leaves[i] = BoxOfSegment(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to)));
+    leaves[i] = frame.Around(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to)));
   tree.BuildInner();
   BoxJoin::Run(tree, tree, [this](std::uint32_t i, std::span<const std::uint32_t> hits) {
     for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) Cross(lines_[i], lines_[*j]);
@@ -298,7 +340,7 @@ void EdgeCutter::Cross(const Line& a, const Line& b) {
   const GridPoint node = {RoundedPlace(p.x, std::int64_t{q.x} - p.x, share, whole),
                           RoundedPlace(p.y, std::int64_t{q.y} - p.y, share, whole)};
   const double t = static_cast<double>(share) / static_cast<double>(whole);
-  vertices_.OnNode(node, TrueCrossing(a, b, PointOn(p) + (PointOn(q) - PointOn(p)) * t));
+  vertices_.AddOnNode(node, TrueCrossing(a, b, PointOn(p) + (PointOn(q) - PointOn(p)) * t));
 }
 
 // The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.

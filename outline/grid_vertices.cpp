@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 namespace zbr {
 namespace {
@@ -20,7 +22,7 @@ double StepFor(const Box& box) {
 }  // namespace
 
 GridVertices::GridVertices(const Box& box, std::size_t expected)
-    : centre_(box.Center()), step_(StepFor(box)), table_(std::bit_ceil(2 * expected + 16), kNone) {
+    : centre_(box.Center()), step_(StepFor(box)), table_(std::bit_ceil(2 * expected + 16)) {
   nodes_.reserve(expected);
   points_.reserve(expected);
 }
@@ -32,44 +34,56 @@ std::size_t GridVertices::Slot(GridPoint node) const {
   h ^= h >> 32U;
   const std::size_t mask = table_.size() - 1;
   std::size_t slot = static_cast<std::size_t>(h * 0xbf58476d1ce4e5b9ULL >> 20U) & mask;
-  while (table_[slot] != kNone && !(nodes_[table_[slot]] == node)) slot = (slot + 1) & mask;
+  while (table_[slot].vertex != kNone && !(table_[slot].node == node)) slot = (slot + 1) & mask;
   return slot;
 }
 
 std::uint32_t GridVertices::FindBeside(GridPoint node, const ZBR_PT& p) const {
   for (std::int32_t dx = -1; dx <= 1; ++dx) {
     for (std::int32_t dy = -1; dy <= 1; ++dy) {
-      const std::uint32_t vertex = Find({node.x + dx, node.y + dy});
+      const std::uint32_t vertex = table_[Slot({node.x + dx, node.y + dy})].vertex;
       if (vertex != kNone && points_[vertex].Distance2(p) <= step_ * step_) return vertex;
     }
   }
   return kNone;
 }
 
-std::uint32_t GridVertices::Add(GridPoint node, const ZBR_PT& p) {
-  if (2 * (nodes_.size() + 1) > table_.size()) Grow();
-  const std::uint32_t vertex = size();
-  table_[Slot(node)] = vertex;
+std::uint32_t GridVertices::AddVertex(GridPoint node, const ZBR_PT& p) {
   nodes_.push_back(node);
   points_.push_back(p);
-  return vertex;
+  return size() - 1;
+}
+
+void GridVertices::Enter(GridPoint node, std::uint32_t vertex) {
+  if (2 * (entries_ + 1) > table_.size()) Grow();
+  table_[Slot(node)] = {node, vertex};
+  ++entries_;
 }
 
 void GridVertices::Grow() {
-  table_.assign(2 * table_.size(), kNone);
-  for (std::uint32_t v = 0; v < size(); ++v) table_[Slot(nodes_[v])] = v;
+  const std::vector<Entry> old = std::exchange(table_, std::vector<Entry>(2 * table_.size()));
+  for (const Entry& entry : old) {
+    if (entry.vertex != kNone) table_[Slot(entry.node)] = entry;
+  }
 }
 
 std::uint32_t GridVertices::At(const ZBR_PT& p) {
   const GridPoint node = NodeAt(ToGrid(p));
-  std::uint32_t vertex = Find(node);
-  if (vertex == kNone) vertex = FindBeside(node, p);
-  return vertex != kNone ? vertex : Add(node, p);
+  std::uint32_t vertex = table_[Slot(node)].vertex;
+  if (vertex != kNone) return vertex;
+  vertex = FindBeside(node, p);
+  if (vertex == kNone) vertex = AddVertex(node, p);
+  Enter(node, vertex);
+  return vertex;
 }
 
-std::uint32_t GridVertices::OnNode(GridPoint node, const ZBR_PT& p) {
-  const std::uint32_t vertex = Find(node);
-  return vertex != kNone ? vertex : Add(node, p);
+void GridVertices::AddOnNode(GridPoint node, const ZBR_PT& p) {
+  Entry& entry = table_[Slot(node)];
+  if (entry.vertex == kNone) {
+    Enter(node, AddVertex(node, p));
+  } else if (!(nodes_[entry.vertex] == node)) {
+    entry.vertex = AddVertex(node, p);
+  }
 }
 
 }  // namespace zbr

@@ -35,16 +35,17 @@ inline bool IsBefore(GridPoint a, GridPoint b) {
   return a.x != b.x ? a.x < b.x : a.y < b.y;
 }
 
-// Numbered vertices, at most one per grid node, each with the exact point that it stands for. The grid's step is between 1e-9 and
-// 2e-9 of the larger side of the box given.
+// Numbered vertices, at most one per grid node, each with the exact point that it stands for. Every node gives the same vertex
+// whenever it is asked for, so that the edges at a point meet. The grid's step is between 1e-9 and 2e-9 of the larger side of the
+// box given.
 class GridVertices {
  public:
   GridVertices(const Box& box, std::size_t expected);
 
-  // The vertex of p, made when there is none: the one on p's node, else one whose point is within a step of p.
+  // The vertex of p's node, made when there is none: one whose point is within a step of p, else a new one on the node.
   std::uint32_t At(const ZBR_PT& p);
-  // The vertex on the given node; made, to stand for p, when there is none.
-  std::uint32_t OnNode(GridPoint node, const ZBR_PT& p);
+  // Makes a vertex exactly on the given node, to stand for p, unless there is one. Not to be followed by At.
+  void AddOnNode(GridPoint node, const ZBR_PT& p);
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(nodes_.size()); }
   GridPoint node(std::uint32_t vertex) const { return nodes_[vertex]; }
@@ -60,17 +61,23 @@ class GridVertices {
   static constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
   static std::int32_t Nearest(double c) { return static_cast<std::int32_t>(c < 0.0 ? c - 0.5 : c + 0.5); }
+  struct Entry {
+    GridPoint node;
+    std::uint32_t vertex = kNone;  // on the node or beside it
+  };
+
   std::size_t Slot(GridPoint node) const;
-  std::uint32_t Find(GridPoint node) const { return table_[Slot(node)]; }
   std::uint32_t FindBeside(GridPoint node, const ZBR_PT& p) const;
-  std::uint32_t Add(GridPoint node, const ZBR_PT& p);
+  std::uint32_t AddVertex(GridPoint node, const ZBR_PT& p);
+  void Enter(GridPoint node, std::uint32_t vertex);
   void Grow();
 
   ZBR_PT centre_;
   double step_;
   std::vector<GridPoint> nodes_;
   std::vector<ZBR_PT> points_;
-  std::vector<std::uint32_t> table_;  // open addressing: vertex numbers by node
+  std::vector<Entry> table_;  // by node, open addressing
+  std::size_t entries_ = 0;
 };
 
 }  // namespace zbr

@@ -29,9 +29,10 @@ std::vector<Ring> TraceRings(std::span<const BoundaryPiece> pieces, std::span<co
 // The width below which a gap or a part of a region counts as none, relative to the larger side of its box.
 inline constexpr double kOutlineTolerance = 1e-9;
 
-// The loops of rings through the given points, nested by zbrMakeLoopTree whatever their size and place. Points lying straight
-// between their neighbours, but for rounding errors, and points within the width of the one before are removed; rings narrower
-// than the width are left out.
-std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> points, double width);
+// The loops of rings through the given points, nested by zbrMakeLoopTree whatever their size and place. Nesting looks at `places`,
+// where rings must touch and contain each other exactly as traced. Points within the width of the one before, and points that
+// lie straight between their neighbours but for rounding errors, are removed; rings narrower than the width are left out.
+std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places,
+                                                 std::span<const ZBR_PT> points, double width);
 
 }  // namespace zbr

@@ -1,12 +1,12 @@
-// From rings to a region: straight points, slivers, nesting.
+// From rings to a region: nesting, slivers, points without meaning.
 //
 // Nesting compares areas and distances with one absolute tolerance. It therefore sees the rings moved to the origin and scaled to a
-// fixed size; the true points are put in place afterwards.
+// fixed size, and before any point is removed, so that rings that touch have vertices there that are equal to the bit; the true
+// points are put in place afterwards.
 #include <algorithm>
 #include <cmath>
 
 #include "core/box.h"
-#include "core/constants.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 #include "outline/loop_builder.h"
@@ -14,20 +14,49 @@
 namespace zbr {
 namespace {
 
+using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 using Points = std::vector<ZBR_PT>;
 
-// Distance from a straight line up to which a point on it counts as such, relative to the size of the coordinates: what rounding
-// errors amount to.
-constexpr double kStraight = 1e-14;
-// The side to which the rings' box is scaled for nesting (or half of it): it makes the Boolean's tolerance 1e-12 of it, and areas
-// at most that count as none.
-constexpr int kNestingExponent = 10;
+// Distance from a straight line up to which a point on it counts as such, relative to the size of the coordinates: rounding errors
+// of a few units in the last place.
+constexpr double kStraight = 1e-15;
+// The rings' larger side while they are nested is 2^19 or up to twice that, and the tolerance 1e-14 of it: above the rounding
+// errors of doubles, and small enough that no area counts as none that a grid of 2^30 nodes can hold.
+constexpr int kNestingExponent = 19;
+constexpr double kNestingEps = 1e-8;
+
+// The directions in which a line from a fixed point passes all the points that it has to, within a distance.
+class Corridor {
+ public:
+  Corridor(const ZBR_PT& from, double width) : from_(from), width_(width) {}
+
+  // From now on, p is to be passed.
+  void Pass(const ZBR_PT& p) {
+    const ZBR_PT d = p - from_;
+    const ZBR_PT aside = ZBR_PT(-d.y(), d.x()) * (width_ / d.Length());
+    if (!bounded_ || Cross(d + aside, left_) > 0.0) left_ = d + aside;
+    if (!bounded_ || Cross(right_, d - aside) > 0.0) right_ = d - aside;
+    bounded_ = true;
+  }
+  bool Allows(const ZBR_PT& p) const {
+    const ZBR_PT d = p - from_;
+    return !bounded_ || (Cross(right_, d) >= 0.0 && Cross(d, left_) >= 0.0);
+  }
+
+ private:
+  ZBR_PT from_;
+  double width_;
+  ZBR_PT left_;
+  ZBR_PT right_;
+  bool bounded_ = false;
+};
 
 // Takes from rings the points that say nothing about their shape.
 class RingShape {
  public:
   RingShape(const Box& box, double width)
-      : straight_(kStraight * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)})),
+      : straight_(std::min(
+            kStraight * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)}), width)),
         width_(width) {}
 
   Points Simplify(const Points& ring) const { return Straighten(Thin(ring)); }
@@ -44,23 +73,31 @@ class RingShape {
     return kept;
   }
 
-  // Without points that lie straight between their neighbours.
+  // Without points that lie straight between those that stay. All points left out since the last one kept are held near the line,
+  // so that small deviations do not add up.
   Points Straighten(const Points& ring) const {
-    Points kept;
-    kept.reserve(ring.size());
-    for (std::size_t i = 0; i < ring.size(); ++i) {
-      const ZBR_PT& before = kept.empty() ? ring.back() : kept.back();
-      if (!IsStraight(before, ring[i], ring[i + 1 < ring.size() ? i + 1 : 0])) kept.push_back(ring[i]);
+    const std::size_t n = ring.size();
+    const auto at = [&](std::size_t i) { return ring[i < n ? i : i - n]; };
+    std::size_t start = 0;
+    while (start < n && IsStraight(at(start + n - 1), at(start), at(start + 1))) ++start;
+    if (start == n) return {};  // no corner at all
+    Points kept{ring[start]};
+    Corridor corridor(kept.back(), straight_);
+    for (std::size_t i = start + 1; i < start + n; ++i) {
+      const ZBR_PT& p = at(i);
+      const ZBR_PT next = at(i + 1);
+      corridor.Pass(p);
+      if (corridor.Allows(next) && (p - kept.back()).InnerProduct(next - p) > 0.0) continue;
+      kept.push_back(p);
+      corridor = Corridor(p, straight_);
     }
-    // The first point was judged by a last one that may be gone.
-    if (kept.size() > 2 && IsStraight(kept.back(), kept[0], kept[1])) kept.erase(kept.begin());
     return kept;
   }
 
   bool IsStraight(const ZBR_PT& before, const ZBR_PT& p, const ZBR_PT& after) const {
-    const ZBR_PT d = after - before;
-    const double off = Cross(d, p - before);
-    return std::fabs(off) <= straight_ * d.Length() && (p - before).InnerProduct(after - p) > 0.0;
+    Corridor corridor(before, straight_);
+    corridor.Pass(p);
+    return corridor.Allows(after) && (p - before).InnerProduct(after - p) > 0.0;
   }
 
   double straight_;
@@ -84,45 +121,55 @@ bool IsNarrow(const Points& ring, double width) {
   return ring.size() < 3 || !(std::fabs(TwiceArea(ring)) > width * Perimeter(ring));
 }
 
-// A loop of the ring's shape, moved and scaled.
-std::shared_ptr<ZBR_LOOP> ScaledLoop(const Points& ring, const ZBR_PT& centre, int exponent) {
-  auto loop = std::make_shared<ZBR_LOOP>();
-  loop->pt().reserve(ring.size());
-  for (const ZBR_PT& p : ring) {
-    loop->pt().emplace_back(std::ldexp(p.x() - centre.x(), exponent), std::ldexp(p.y() - centre.y(), exponent));
+Points PointsOf(const Ring& ring, std::span<const ZBR_PT> points) {
+  Points list(ring.size());
+  std::transform(ring.begin(), ring.end(), list.begin(), [&](std::uint32_t v) { return points[v]; });
+  return list;
+}
+
+// Loops of the rings' shape, moved to the origin and scaled.
+LoopList ScaledLoops(std::span<const Ring> rings, std::span<const ZBR_PT> places) {
+  Box box;
+  for (const Ring& ring : rings) {
+    for (const std::uint32_t v : ring) box.Add(places[v]);
   }
-  loop->Setup();
-  return loop;
+  const int exponent = kNestingExponent - std::ilogb(std::max(box.xmax - box.xmin, box.ymax - box.ymin));
+  const ZBR_PT centre = box.Center();
+  LoopList loops;
+  for (const Ring& ring : rings) {
+    loops.push_back(std::make_shared<ZBR_LOOP>());
+    for (const ZBR_PT& p : PointsOf(ring, places)) {
+      loops.back()->pt().emplace_back(std::ldexp(p.x() - centre.x(), exponent), std::ldexp(p.y() - centre.y(), exponent));
+    }
+  }
+  return loops;
 }
 
 }  // namespace
 
-std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> points, double width) {
-  if (rings.empty()) return {};
+LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, std::span<const ZBR_PT> points, double width) {
   Box box;
   for (const Ring& ring : rings) {
     for (const std::uint32_t v : ring) box.Add(points[v]);
   }
   const RingShape shape(box, width);
+  std::vector<Ring> wide;
   std::vector<Points> shapes;
   for (const Ring& ring : rings) {
-    Points given(ring.size());
-    std::transform(ring.begin(), ring.end(), given.begin(), [&](std::uint32_t v) { return points[v]; });
-    Points kept = shape.Simplify(given);
-    if (!IsNarrow(kept, width)) shapes.push_back(std::move(kept));
+    Points kept = shape.Simplify(PointsOf(ring, points));
+    if (IsNarrow(kept, width)) continue;
+    wide.push_back(ring);
+    shapes.push_back(std::move(kept));
   }
-  const int exponent = kNestingExponent - std::ilogb(std::max(box.xmax - box.xmin, box.ymax - box.ymin));
-  std::vector<std::shared_ptr<ZBR_LOOP>> loops;
-  for (const Points& ring : shapes) loops.push_back(ScaledLoop(ring, box.Center(), exponent));
-  const std::vector<std::shared_ptr<ZBR_LOOP>> all = loops;
-  std::vector<bool> wasPositive(all.size());
-  for (std::size_t i = 0; i < all.size(); ++i) wasPositive[i] = all[i]->area() > 0.0;
+  if (wide.empty()) return {};
+  LoopList loops = ScaledLoops(wide, places);
+  const LoopList all = loops;
   {
-    const ToleranceScope scope(kBooleanEps);
+    const ToleranceScope scope(kNestingEps);
     zbrMakeLoopTree(loops);
   }
   for (std::size_t i = 0; i < all.size(); ++i) {
-    if (wasPositive[i] != (all[i]->area() > 0.0)) std::reverse(shapes[i].begin(), shapes[i].end());
+    if ((TwiceArea(shapes[i]) > 0.0) != (all[i]->area() > 0.0)) std::reverse(shapes[i].begin(), shapes[i].end());
     all[i]->pt() = std::move(shapes[i]);
     all[i]->Reset();
     all[i]->Setup();

@@ -56,13 +56,13 @@ Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::in
     if (boundary[i] > 0) pieces.push_back({p.from, p.to});
     if (boundary[i] < 0) pieces.push_back({p.to, p.from});
   }
-  // Turns are judged on the grid, where nothing crosses.
+  // Turns and nesting are judged on the grid, where nothing crosses.
   std::vector<ZBR_PT> places;
   places.reserve(arrangement.nodes().size());
   for (const zbr::GridPoint& node : arrangement.nodes()) places.emplace_back(node.x, node.y);
   std::vector<std::uint32_t> next;
   const std::vector<zbr::Ring> rings = zbr::TraceRings(pieces, places, next);
-  return zbr::NestRings(rings, arrangement.points(), arrangement.step());
+  return zbr::NestRings(rings, places, arrangement.points(), arrangement.step());
 }
 
 }  // namespace
