@@ -136,10 +136,8 @@ void ZBR_HiddenLine::HiddenLineObjByObj(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsign
   zbrBooleanLoops(a[0].outline, b[0].outline, operations, results, both ? 3 : 2, crosses);
   if (zbr::WithinTol(ZBR_LOOP::get_area(results[0]), zbr::t_tolerance.eps)) return;  // apart in plan
   if (!IsNearer(a, b, na, nb, results[0], crosses)) {
-    a[0].outline.clear();
     ZBR_LOOP::DeepCopyLoops(a[0].outline, results[1]);
   } else if (both) {
-    b[0].outline.clear();
     ZBR_LOOP::DeepCopyLoops(b[0].outline, results[2]);
   }
 }

@@ -74,8 +74,9 @@ void ZBR_HiddenLine::OutLineObj(ZBR_HL_SHELL* shells, unsigned count) {
   const zbr::Arrangement arrangement(bare.edges);
   const std::vector<std::int8_t> boundary = zbr::BoundarySides(arrangement);
   SetProfiles(shells, bare, arrangement, boundary);
-  shells[0].outline_all = LoopsAround(arrangement, boundary);
+  Loops all = LoopsAround(arrangement, boundary);
   Loops copy;
-  ZBR_LOOP::DeepCopyLoops(copy, shells[0].outline_all);
+  ZBR_LOOP::DeepCopyLoops(copy, all);
+  shells[0].outline_all.swap(all);
   shells[0].outline.swap(copy);
 }

@@ -2,7 +2,7 @@
 //
 // Idea: hash the grid cells of both ends. A cell is sixteen times as wide as the tolerance, so an end has to be looked for in the
 // one cell it is in, and in a neighbour only when it is close to the border. Both ends enter the key, so that fans of segments from
-// one point do not share a bucket. Expected constant time per segment.
+// one point do not share a bucket; they do so alike, so that a segment and its reverse do. Expected constant time per segment.
 #pragma once
 
 #include <array>
@@ -49,30 +49,8 @@ class SegmentSet {
     bucket = static_cast<std::int32_t>(entries_.size()) - 1;
   }
 
-  bool Has(const Segment& g) const { return HasDirected(g) || HasDirected(Segment(g.e(), g.s())); }
-
- private:
-  using Ends = decltype(EndsOf(Segment()));
-  static constexpr std::int32_t kNone = -1;
-  static constexpr double kCellWidth = 16.0;  // in units of the tolerance
-
-  struct Entry {
-    Segment segment;
-    std::int32_t next;
-  };
-
-  double CellOf(double c) const { return zbr::CellOf(c, kCellWidth, eps_); }
-
-  std::size_t Hash(const Ends& cells) const {
-    std::uint64_t h = 0;
-    for (const double c : cells) {
-      h = (h ^ std::bit_cast<std::uint64_t>(c)) * 0x9e3779b97f4a7c15ULL;
-      h ^= h >> 29U;
-    }
-    return static_cast<std::size_t>(h) & (first_.size() - 1);
-  }
-
-  bool HasDirected(const Segment& g) const {
+  // Whether the set holds a segment that coincides with g, in either direction.
+  bool Has(const Segment& g) const {
     const Ends ends = EndsOf(g);
     Ends low;
     Ends high;
@@ -94,10 +72,37 @@ class SegmentSet {
     }
   }
 
+ private:
+  using Ends = decltype(EndsOf(Segment()));
+  static constexpr std::int32_t kNone = -1;
+  static constexpr double kCellWidth = 16.0;    // in units of the tolerance
+  static constexpr double kCellShift = 6.1115;  // the same: an odd share of the width, as round coordinates would lie on borders
+
+  struct Entry {
+    Segment segment;
+    std::int32_t next;
+  };
+
+  double CellOf(double c) const { return zbr::CellOf(c + kCellShift * eps_, kCellWidth, eps_); }
+
+  std::size_t Hash(const Ends& cells) const {
+    std::uint64_t sum = 0;
+    for (std::size_t end = 0; end < 2; ++end) {
+      std::uint64_t h = 0;
+      for (std::size_t i = 0; i < cells.size() / 2; ++i) {
+        h = (h ^ std::bit_cast<std::uint64_t>(cells[end * cells.size() / 2 + i])) * 0x9e3779b97f4a7c15ULL;
+        h ^= h >> 29U;
+      }
+      sum += h * 0xbf58476d1ce4e5b9ULL;
+    }
+    return static_cast<std::size_t>(sum >> 20U) & (first_.size() - 1);
+  }
+
   bool HasInBucket(std::size_t bucket, const Segment& g) const {
     for (std::int32_t i = first_[bucket]; i != kNone; i = entries_[static_cast<std::size_t>(i)].next) {
       const Segment& other = entries_[static_cast<std::size_t>(i)].segment;
       if (SamePoint(g.s(), other.s(), eps2_) && SamePoint(g.e(), other.e(), eps2_)) return true;
+      if (SamePoint(g.s(), other.e(), eps2_) && SamePoint(g.e(), other.s(), eps2_)) return true;
     }
     return false;
   }

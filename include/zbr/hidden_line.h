@@ -243,7 +243,7 @@ struct ZBR_HL_QUAD {
 // The triangles of one surface. Refers to the caller's array, which must stay in place and outlive it.
 //
 // Copies and moved shells refer to the same triangles, whose `shell` and `quad` keep pointing at the original until the new shell
-// is processed (Init, then HiddenLineSelf). So build the vector of shells first, then process.
+// is processed (Init, then HiddenLineSelf). So build the vector of shells first, then process. Copies share the outlines' loops.
 struct ZBR_HL_SHELL {
   int index = 0;  // drawn from ZBR_HiddenLine::max_shell_index when processed
   double max_x = 0.0, min_x = 0.0, max_y = 0.0, min_y = 0.0, max_z = 0.0, min_z = 0.0;  // by GetMaxMin
@@ -363,7 +363,8 @@ class ZBR_HiddenLine {
   // Loops are simple: they may touch each other at vertices, but neither cross nor pass a vertex twice. Vertices of triangles
   // appear unchanged. What is narrower than about 1e-9 of the object's larger side (gaps between triangles that should meet,
   // slivers) counts as closed. n log n in the triangles' edges that do not cancel with a neighbour's, and in the crossings
-  // between those. Not for two threads at once on one shell.
+  // between those; more where long edges lie side by side in many directions at once, and where loops meet by the thousands
+  // at one vertex. Not for two threads at once on one shell.
   ZBR_API static void OutLineObj(ZBR_HL_SHELL* shells, unsigned count);
 
   // The same question for a single edge, by a walk over quadtrees: takes from `parts` (sorted stretches of edge `edge` of t) those

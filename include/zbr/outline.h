@@ -51,5 +51,6 @@ ZBR_API int zbrOptimizeHiddenLine(const ZBR_HL_SHELL* shells, std::vector<std::v
 // pieces, pieces that do not close and loops narrower than that are left out; so are points lying straight between their
 // neighbours. Where several pieces leave a vertex, the one that turns most sharply to the left goes on, and a loop that comes back
 // to a vertex is cut off there: loops touch, but do not cross. The fields index, vertex, link (the record at the same vertex
-// through which the boundary goes on) and state of the records are overwritten. n log n.
+// through which the boundary goes on) and state of the records are overwritten. n log n, unless loops meet by the thousands
+// at one vertex.
 ZBR_API int zbrMakeOutLineLoops(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::shared_ptr<ZBR_LOOP>>& loops);

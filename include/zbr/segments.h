@@ -35,8 +35,8 @@ ZBR_API void zbrRemoveSameSeg(const std::vector<ZBR_SEG3>& ref, std::vector<ZBR_
 //     touching it from inside an inside one.
 //   - A segment at most eps long in projection is not cut: it is inside when its middle is, or when it is on the boundary.
 //   - A segment with a coordinate that is not finite is outside, as is everything when the region is empty or null.
-// Pieces are appended to `inside` and, unless it is null, to `outside`, in the order of the segments; the result is the number of
-// inside pieces appended. A loop with fewer than three points is left out.
+// Pieces are appended to `inside` and, unless it is null, to `outside`, in the order of the segments; neither may be the input. The
+// result is the number of inside pieces appended. A loop with fewer than three points is left out. Coordinates up to about 1e75.
 //
 // The region is only read, so threads may share it. For one segment linear in the region; for n segments n log n in segments and
 // region, and linear in the pieces (of which those that touch vertices or run along the boundary cost some for each ring around).
@@ -57,7 +57,7 @@ ZBR_API int zbrClipPolyline(const std::vector<ZBR_PT3>& line, const std::vector<
                             std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside);
 
 // The same for many polylines. inside_of and outside_of, which may be null, receive for each piece the place of its polyline in
-// `lines`; they run along with `inside` and `outside` and are resized with them.
+// `lines`; they run along with `inside` and `outside` and are resized with them, so start with all of them empty.
 ZBR_API int zbrClipPolylines(const std::vector<std::vector<ZBR_PT3>>& lines, const std::vector<std::shared_ptr<ZBR_LOOP>>& region,
                              std::vector<std::vector<ZBR_PT3>>& inside, std::vector<std::vector<ZBR_PT3>>* outside,
                              std::vector<int>* inside_of, std::vector<int>* outside_of);
