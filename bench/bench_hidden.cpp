@@ -8,7 +8,6 @@
 //
 // Times are CPU seconds, medians, and every repetition starts from a freshly loaded scene.
 
-#include <unistd.h>
 #include <zbr/hidden_line.h>
 #include <zbr/outline.h>
 #include <zbr/tolerance.h>
@@ -112,9 +111,9 @@ void MeasurePeer(const HiddenScene& scene, const SceneOptions& options, HiddenRe
       remover.Load(model, input.view);
     }
     if (k == 0) loaded = ResetPeak();
-    alarm(options.peerSeconds);
+    LimitCpu(options.peerSeconds);
     seconds.push_back(Time([&] { remover.Run(); }));
-    alarm(0);
+    LimitCpu(0);
     if (k == 0) report.Memory(loaded);
     if (seconds.back() > 5.0) break;  // so long that the spread does not matter
   }

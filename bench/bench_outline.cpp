@@ -8,7 +8,6 @@
 // Times are CPU seconds, medians. Operations: "outline-fresh" is OutLineObj on shells that are not processed, which it then has to
 // classify; "outline" on processed ones; "remove" the removal of the hidden lines, which processes them; "union" a peer's.
 
-#include <unistd.h>
 #include <zbr/hidden_line.h>
 #include <zbr/tolerance.h>
 
@@ -147,9 +146,9 @@ void MeasurePeer(const HiddenScene& scene, const SceneOptions& options, const En
   const double loaded = ResetPeak();
   std::vector<double> seconds;
   for (int k = 0; k < options.repetitions; ++k) {
-    alarm(options.peerSeconds);
+    LimitCpu(options.peerSeconds);
     seconds.push_back(Time([&] { peer->Run(); }));
-    alarm(0);
+    LimitCpu(0);
     if (k == 0) report.Memory(loaded);
     if (seconds.back() > 5.0) break;  // so long that the spread does not matter
   }

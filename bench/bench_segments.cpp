@@ -37,7 +37,7 @@ struct ClipCase {
 const std::vector<std::size_t> kQuick = {10'000, 100'000};
 const std::vector<std::size_t> kFull = {10'000, 100'000, 1'000'000};
 
-// A long line has about 10 and 100 pieces over the coasts, a third of the teeth over the combs.
+// A long line has one or two pieces over the coasts, and over the combs more than half as many as there are teeth.
 const std::vector<ClipCase> kClipCases = {
     {{"clip-coast-1k", kQuick, kFull}, "coast", 1'000, "short"},
     {{"clip-coast-1k", kQuick, kFull}, "coast", 1'000, "long"},

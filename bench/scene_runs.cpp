@@ -3,6 +3,7 @@
 #include "scene_runs.h"
 
 #include <malloc.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -130,6 +131,12 @@ void Report::Memory(double loaded) const {
   Row("memory-added", peak - loaded, "MiB");
 }
 
+void LimitCpu(unsigned seconds) {
+  itimerval timer = {};
+  timer.it_value.tv_sec = static_cast<time_t>(seconds);
+  setitimer(ITIMER_PROF, &timer, nullptr);
+}
+
 Outcome Forked(const std::string& name, const std::function<void()>& measure) {
   std::fflush(stdout);
   const pid_t child = fork();
@@ -146,7 +153,7 @@ Outcome Forked(const std::string& name, const std::function<void()>& measure) {
   }
   int status = 0;
   if (child < 0 || waitpid(child, &status, 0) != child) return Outcome::kFailed;
-  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM) return Outcome::kTooLong;
+  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGPROF) return Outcome::kTooLong;
   if (WIFSIGNALED(status)) std::fprintf(stderr, "%s: ended by signal %d\n", name.c_str(), WTERMSIG(status));
   return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? Outcome::kGood : Outcome::kFailed;
 }

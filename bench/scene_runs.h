@@ -17,7 +17,7 @@ namespace bench {
 struct SceneOptions {
   bool quick = false;
   int repetitions = 3;
-  unsigned peerSeconds = 60;  // that one run of a peer may take, by the clock on the wall; 0: no peers
+  unsigned peerSeconds = 60;  // of CPU time that one run of a peer may take; 0: no peers
   std::string meshFolder;
   std::optional<std::string> once;    // a scene
   std::vector<std::string> families;  // none: all
@@ -68,7 +68,10 @@ class Report {
   std::size_t edges_ = 0;
 };
 
-// How a child process ended. It is given a time by alarm().
+// Ends this process when it has used so much more CPU time; 0 lifts the limit.
+void LimitCpu(unsigned seconds);
+
+// How a child process ended.
 enum class Outcome { kGood, kFailed, kTooLong };
 
 // Runs `measure` in a child process; an exception's message goes to standard error, behind `name`.

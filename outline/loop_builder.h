@@ -29,10 +29,15 @@ std::vector<Ring> TraceRings(std::span<const BoundaryPiece> pieces, std::span<co
 // The width below which a gap or a part of a region counts as none, relative to the larger side of its box.
 inline constexpr double kOutlineTolerance = 1e-9;
 
+// How close rings may come to touch, relative to the larger side of their box: on a grid, where they share vertices or do not
+// touch, just above the rounding errors that nesting allows for.
+inline constexpr double kTouchOnGrid = 6e-14;
+
 // The loops of rings through the given points, nested by zbrMakeLoopTree whatever their size and place. Nesting looks at `places`,
-// where rings must touch and contain each other exactly as traced. Points within the width of the one before, and points that
-// lie straight between their neighbours but for rounding errors, are removed; rings narrower than the width are left out.
+// where rings must not cross; `touch` is how close to another ring a place counts as on it (kTouchOnGrid or kOutlineTolerance).
+// Points within the width of the one before, and points that lie straight between their neighbours but for rounding errors, are
+// removed; rings narrower than the width are left out.
 std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places,
-                                                 std::span<const ZBR_PT> points, double width);
+                                                 std::span<const ZBR_PT> points, double width, double touch);
 
 }  // namespace zbr

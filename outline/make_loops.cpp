@@ -127,6 +127,6 @@ int zbrMakeOutLineLoops(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::shared
   std::vector<std::uint32_t> next;
   const std::vector<zbr::Ring> rings = zbr::TraceRings(loose.pieces(), loose.points(), next);
   loose.Link(next);
-  loops = zbr::NestRings(rings, loose.points(), loose.points(), width);
+  loops = zbr::NestRings(rings, loose.points(), loose.points(), width, zbr::kOutlineTolerance);
   return static_cast<int>(loops.size());
 }

@@ -20,10 +20,9 @@ using Points = std::vector<ZBR_PT>;
 // Distance from a straight line up to which a point on it counts as such, relative to the size of the coordinates: rounding errors
 // of a few units in the last place.
 constexpr double kStraight = 1e-15;
-// The rings' larger side while they are nested is 2^19 or up to twice that, and the tolerance 1e-14 of it: above the rounding
-// errors of doubles, and small enough that no area counts as none that a grid of 2^30 nodes can hold.
+// The rings' larger side while they are nested is 2^19 or up to twice that: then no area counts as none that a grid of 2^30 nodes
+// can hold, with either tolerance.
 constexpr int kNestingExponent = 19;
-constexpr double kNestingEps = 1e-8;
 
 // The directions in which a line from a fixed point passes all the points that it has to, within a distance.
 class Corridor {
@@ -147,7 +146,8 @@ LoopList ScaledLoops(std::span<const Ring> rings, std::span<const ZBR_PT> places
 
 }  // namespace
 
-LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, std::span<const ZBR_PT> points, double width) {
+LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, std::span<const ZBR_PT> points, double width,
+                   double touch) {
   Box box;
   for (const Ring& ring : rings) {
     for (const std::uint32_t v : ring) box.Add(points[v]);
@@ -165,7 +165,7 @@ LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, 
   LoopList loops = ScaledLoops(wide, places);
   const LoopList all = loops;
   {
-    const ToleranceScope scope(kNestingEps);
+    const ToleranceScope scope(std::ldexp(touch, kNestingExponent + 1));
     zbrMakeLoopTree(loops);
   }
   for (std::size_t i = 0; i < all.size(); ++i) {

@@ -24,8 +24,10 @@ using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
 void Classify(ZBR_HL_SHELL* shells, unsigned count) {
   for (unsigned i = 0; i < count; ++i) {
     if (shells[i].done) continue;
+    const bool wasValid = shells[i].maxmin_valid;
     shells[i].GetMaxMin();
     shells[i].CheckTriangle();
+    shells[i].maxmin_valid = wasValid;  // the caller may still move the triangles before they are processed
   }
 }
 
@@ -62,7 +64,7 @@ Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::in
   for (const zbr::GridPoint& node : arrangement.nodes()) places.emplace_back(node.x, node.y);
   std::vector<std::uint32_t> next;
   const std::vector<zbr::Ring> rings = zbr::TraceRings(pieces, places, next);
-  return zbr::NestRings(rings, places, arrangement.points(), arrangement.step());
+  return zbr::NestRings(rings, places, arrangement.points(), arrangement.step(), zbr::kTouchOnGrid);
 }
 
 }  // namespace

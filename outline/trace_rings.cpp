@@ -24,9 +24,9 @@ class Leaving {
 
   std::span<const std::uint32_t> At(std::uint32_t v) const { return std::span(list_).subspan(begin_[v], end_[v] - begin_[v]); }
   void Remove(std::uint32_t v, std::uint32_t piece) {
-    const auto first = list_.begin() + begin_[v];
     const auto last = list_.begin() + end_[v];
-    std::copy(std::find(first, last, piece) + 1, last, std::find(first, last, piece));
+    const auto place = std::find(list_.begin() + begin_[v], last, piece);
+    std::copy(place + 1, last, place);
     --end_[v];
   }
 

@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build_packages=(g++ cmake ninja-build libcli11-dev libdxflib-dev libassimp-dev nlohmann-json3-dev libgtest-dev libgeos-dev
                 librsvg2-bin)
 check_packages=("${build_packages[@]}" binutils pkg-config clang clang-format)
-lint_packages=("${check_packages[@]}" clang-tidy)
+lint_packages=("${check_packages[@]}" clang-tidy cppcheck)
 bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev libassimp-dev
                 libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev libcgal-dev libopenmesh-dev)
 

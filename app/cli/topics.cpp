@@ -2,11 +2,10 @@
 #include "cli/command_line.h"
 
 namespace tool {
+namespace {
 
-const std::vector<Topic>& Topics() {
-  static const std::vector<Topic> kTopics = {
-      {"formats",
-       R"(The format of a file follows from its extension: .dxf, .geojson or .json, .wkt, .loops or .txt, and for output
+constexpr const char* kFormats =
+    R"(The format of a file follows from its extension: .dxf, .geojson or .json, .wkt, .loops or .txt, and for output
 .svg. For '-', standard input or output, and for names with other extensions --format tells it; without it,
 standard output has the format of the first drawing.
 
@@ -43,9 +42,10 @@ In DXF and text a point belongs to the drawing when an odd number of loops is ar
 directions. Numbers are written with the fewest digits that read back as the same number. Drawings are computed
 in a frame scaled by a power of two, so any unit and size does; loops of less than about 1e-16 of the area of the
 drawing's box are dropped.
-)"},
-      {"outputs",
-       R"(One operation: every -o names a file for its result.
+)";
+
+constexpr const char* kOutputs =
+    R"(One operation: every -o names a file for its result.
 
 Several operations: they share one search for crossings. With as many outputs as operations each file holds one
 result, in the order of --op. A name with {op} stands for one file for each operation:
@@ -56,9 +56,10 @@ Any other number of outputs: each file holds all results, as layers (DXF), featu
 blocks under a comment (text) or panels of one picture (SVG).
 
 Files appear when they are complete; after an error none is left behind.
-)"},
-      {"outlines",
-       R"(The outline of an object in a view bounds what its triangles cover, holes included. Triangles seen edge-on cover
+)";
+
+constexpr const char* kOutlines =
+    R"(The outline of an object in a view bounds what its triangles cover, holes included. Triangles seen edge-on cover
 nothing; whether surfaces are closed or face outwards does not matter. Coordinates are those of the view, in the
 unit of the model: x to the right, y up, and the origin of the model is at the origin. In views along an axis the
 vertices have the coordinates of the file to the last digit, so outlines can go on to 'zbr bool' and 'zbr clip'.
@@ -74,15 +75,17 @@ as nearer everywhere.
 The place of an object, DX,DY,DZ, is added to its coordinates:
 
   zbr outline base.stl --object lid.stl,0,0,40 --view front -o front.dxf
-)"},
-      {"check",
-       R"(A drawing bounds a region when its loops close, enclose some area and neither cross themselves or each other nor
+)";
+
+constexpr const char* kCheck =
+    R"(A drawing bounds a region when its loops close, enclose some area and neither cross themselves or each other nor
 run along each other; loops may touch. 'zbr check' prints one line 'file:line: finding at (x, y)' for each
 breach, with the line where the loop starts in the file. The other commands note the first breach on standard
 error and go on: open contours are left out, and results may be wrong where loops cross.
-)"},
-      {"views",
-       R"(front is seen along the y axis of the model, right from positive x, top from positive z, with z drawn upwards;
+)";
+
+constexpr const char* kViews =
+    R"(front is seen along the y axis of the model, right from positive x, top from positive z, with z drawn upwards;
 with y up (--axes y, and glTF files), front is seen against z and top from positive y. iso shows front, top and
 right side at equal scales; dimetric shows the front at nearly its true shape. --look X,Y,Z is the view along any
 direction.
@@ -106,13 +109,15 @@ below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines"
 
 Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
 second. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
-)"},
-      {"exit",
-       R"(0: done. 1: 'zbr check' found something. 2: an error; one line on standard error tells which, for malformed
+)";
+
+constexpr const char* kExit =
+    R"(0: done. 1: 'zbr check' found something. 2: an error; one line on standard error tells which, for malformed
 files as 'file:line: cause'.
-)"},
-      {"examples",
-       R"(A picture of all five combinations of two drawings:
+)";
+
+constexpr const char* kExamples =
+    R"(A picture of all five combinations of two drawings:
 
   zbr bool --op union,intersection,a-b,b-a,xor bracket.dxf gasket.dxf -o all.svg
 
@@ -141,7 +146,14 @@ The lines of a drawing within a region, and all of them on layers that tell insi
 
   zbr clip gasket.dxf bracket.dxf -o inside.dxf
   zbr clip gasket.dxf bracket.dxf --both -o both.dxf -o both.svg
-)"}};
+)";
+
+}  // namespace
+
+const std::vector<Topic>& Topics() {
+  static const std::vector<Topic> kTopics = {{"formats", kFormats},  {"outputs", kOutputs}, {"outlines", kOutlines},
+                                             {"check", kCheck},      {"views", kViews},     {"exit", kExit},
+                                             {"examples", kExamples}};
   return kTopics;
 }
 

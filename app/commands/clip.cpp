@@ -131,7 +131,7 @@ void Clip(Run& run, const LoopList& region) {
 
 // Lines stay on their layers. Where both parts are written the layers tell them apart.
 std::string LayerName(const Run& run, const Part& part, const SpaceLine& line) {
-  const std::string side = NameOf(part.side);
+  std::string side = NameOf(part.side);
   if (line.layer.empty() || line.layer == "0") return side;
   return run.parts.size() == 1 ? std::string(line.layer) : std::string(line.layer) + "-" + side;
 }

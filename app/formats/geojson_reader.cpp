@@ -152,7 +152,10 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
       cause = colon == std::string::npos ? cause : cause.substr(colon + 2);
     }
     constexpr std::size_t kLongest = 160;
-    if (cause.size() > kLongest) cause.replace(kLongest, std::string::npos, "...");
+    if (cause.size() > kLongest) {
+      cause.resize(kLongest);
+      cause += "...";
+    }
     Fail(cause);
   }
 

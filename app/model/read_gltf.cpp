@@ -97,9 +97,30 @@ class MeshBuilder {
   std::vector<std::uint32_t> corners_;
 };
 
+// The number at a place of the binary form, its lowest byte first.
+std::size_t NumberAt(const std::string& text, std::size_t at) {
+  std::size_t number = 0;
+  for (std::size_t i = 4; i-- > 0;) number = number << 8U | static_cast<unsigned char>(text[at + i]);
+  return number;
+}
+
+// The binary form tells the lengths of its parts. Assimp makes room for what they say before it looks whether it is there.
+void CheckLengths(const std::string& text, const std::string& file) {
+  constexpr std::size_t kHeader = 12, kChunkHeader = 8, kTotalAt = 8;
+  if (text.rfind("glTF", 0) != 0) return;
+  const std::size_t total = text.size() < kHeader ? text.size() + 1 : NumberAt(text, kTotalAt);
+  if (total > text.size()) throw Failure(file + ": the file ends too early");
+  for (std::size_t at = kHeader; total >= at && total - at >= kChunkHeader;) {
+    const std::size_t length = NumberAt(text, at), rest = total - at - kChunkHeader;
+    if (length > rest) throw Failure(file + ": a part is said to be longer than the file");
+    at += kChunkHeader + length;
+  }
+}
+
 }  // namespace
 
-Mesh ReadGltf(const std::string&, const std::string& file) {
+Mesh ReadGltf(const std::string& text, const std::string& file) {
+  CheckLengths(text, file);
   Assimp::Importer importer;
   KeepReaders(importer);
   try {

@@ -76,8 +76,9 @@ class Legend {
     const Quantities areaText(area, AreaUnit(units)), lengthText(length, UnitName(units));
     std::string svg;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
-      const double x = kPageMargin + kEntryWidth * static_cast<double>(i % kPerRow);
-      const double y = kPageMargin + 54 + kEntryHeight * static_cast<double>(i / kPerRow);
+      const std::size_t column = i % kPerRow, row = i / kPerRow;
+      const double x = kPageMargin + kEntryWidth * static_cast<double>(column);
+      const double y = kPageMargin + 54 + kEntryHeight * static_cast<double>(row);
       const PlotItem& item = *entries_[i];
       const bool isRest = i + 1 == kMostEntries && count_ > kMostEntries;
       svg += Swatch(item, x, y);

@@ -3,12 +3,12 @@
 // The viewer looks along -z from far above: everything is projected to the XY plane, and of two points over the same place the one
 // with the larger z is nearer. A caller
 //   1. fills an array of ZBR_HL_TRI per shell: vertices in view coordinates, `adj` (the neighbour across each edge, by position or
-//   by
-//      `idx`), `dispj` (the edges to draw) and optionally `idx`;
+//      by `idx`), `dispj` (the edges to draw) and optionally `idx`;
 //   2. wraps each array in a ZBR_HL_SHELL and calls ZBR_HiddenLine::HiddenLineObj (or HiddenLineSelf on a shell, and
 //      HiddenLine_ShellByShell on pairs);
-//   3. reads the visible intervals of each edge, or collects them as polylines (outline.h) or as hidden segments
-//   (GetHiddenLineObj).
+//   3. reads the visible intervals of each edge, or collects them as polylines (outline.h), or the hidden ones as segments
+//      (GetHiddenLineObj), and the object's outline (GetOutLine).
+//
 // An edge shared by two triangles is drawn once, by the one that is prior, so both flag it. Vertices of neighbours are equal
 // exactly (pairs are compared within 1e-7; coordinates up to about 1e6 suit that), or `adj_edge` is filled.
 //

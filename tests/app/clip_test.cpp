@@ -60,6 +60,8 @@ TEST_F(Clip, KeepsHeightsInAllFormats) {
   }
   ASSERT_EQ(Run("clip lines.txt region.txt -o flat.svg --both").code, 0);
   EXPECT_NE(Read("flat.svg").find(">inside<"), std::string::npos);
+  Write("mixed.wkt", "LINESTRINGZ (1 1 5, 2 2 6)\nLINESTRING M (1 3 9, 2 3 9)\n");
+  EXPECT_EQ(Run("clip mixed.wkt region.txt --format text -o -").out, "1 1 5\n2 2 6\n\n1 3 0\n2 3 0\n\n");
   // Without heights none are written.
   Write("flat.txt", "-5 5\n5 5\n");
   EXPECT_EQ(Run("clip flat.txt region.txt --format wkt -o - --both").out,
@@ -110,15 +112,15 @@ TEST_F(Clip, LinesFarBeyondTheRegion) {
 
 // A closed contour that stays whole stays closed; one that is cut goes on across the point where it starts. Arcs are flattened.
 TEST_F(Clip, ClosedContours) {
-  Write(
-      "lines.dxf",
-      DxfText(
-          "CIRCLE 10 2 20 2 40 1; CIRCLE 10 10 20 5 40 2 30 3; LWPOLYLINE 90 4 70 1 38 5 10 1 20 8 10 3 20 8 10 3 20 9 10 1 20 9"));
+  Write("lines.dxf",
+        DxfText("CIRCLE 10 2 20 2 40 1; CIRCLE 10 10 20 5 30 7.25 40 2; LWPOLYLINE 90 4 70 1 38 5.5 10 -1 20 8 10 -3 20 8 "
+                "10 -3 20 9 10 -1 20 9 210 0 220 0 230 -1"));
   ASSERT_EQ(Run("clip lines.dxf region.txt --both -o both.dxf -o both.wkt").code, 0);
   EXPECT_NEAR(Area("both.dxf --layer inside"), 3.141592 + 2, 1e-2);  // what is closed; the half circle is not
   const std::string wkt = Read("both.wkt");
   EXPECT_EQ(std::count(wkt.begin(), wkt.end(), '('), 6) << "three lines inside, one outside";
-  EXPECT_NE(wkt.find("8 3"), std::string::npos) << "the height of the half circle";
+  EXPECT_NE(wkt.find("8 5 7.25"), std::string::npos) << wkt;
+  EXPECT_NE(wkt.find("3 8 -5.5"), std::string::npos) << "seen from behind, and so is its height";
 }
 
 TEST_F(Clip, LayersAndUnits) {

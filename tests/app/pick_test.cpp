@@ -153,6 +153,8 @@ TEST_F(Tool, MalformedModels) {
       {"m.stl", "solid\nfacet\nouter loop\nvertex 0 0 0\n", ":5: the file ends within a triangle"},
       {"m.stl", "hello", ":1: unexpected 'hello'"},
       {"m.stl", Stl(true).substr(0, 600).replace(0, 5, "bytes"), ": the file ends before the last of its 12 triangles"},
+      {"m.glb", std::string("glTF\2\0\0\0\x18\0\0\0\xf0\xff\xff\xffJSON{}  ", 24), ": a part is said to be longer than the file"},
+      {"m.glb", std::string("glTF\2\0\0\0\x19\0\0\0\4\0\0\0JSON{}  ", 24), ": the file ends too early"},
       {"m.txt", points, ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb"},
   };
   for (const Case& c : kCases) {

@@ -31,11 +31,16 @@ std::vector<const ZBR_HL_TRI*> Faces(const Drawing& drawing) {
   return faces;
 }
 
-// The largest coordinate: about the size, as scenes lie near the origin.
 double SizeOf(const Drawing& drawing) {
-  double size = 0.0;
-  for (const ZBR_HL_TRI* t : Faces(drawing)) size = std::max({size, t->max_x, t->max_y, -t->min_x, -t->min_y});
-  return size;
+  double low[2] = {HUGE_VAL, HUGE_VAL};
+  double high[2] = {-HUGE_VAL, -HUGE_VAL};
+  for (const ZBR_HL_TRI* t : Faces(drawing)) {
+    low[0] = std::min(low[0], t->min_x);
+    low[1] = std::min(low[1], t->min_y);
+    high[0] = std::max(high[0], t->max_x);
+    high[1] = std::max(high[1], t->max_y);
+  }
+  return std::max({high[0] - low[0], high[1] - low[1], 0.0});
 }
 
 std::vector<ZBR_SEG> EdgesOf(const LoopList& loops) {
@@ -100,29 +105,34 @@ void ExpectSound(const LoopList& loops, double size, double alike = 1e-5) {
   }
 }
 
-bool IsCovered(const ZBR_PT& p, const ZBR_HL_TRI& t) {
-  const bool a = Left(p, t.pt[0].xy(), t.pt[1].xy()) > 0.0;
-  return a == (Left(p, t.pt[1].xy(), t.pt[2].xy()) > 0.0) && a == (Left(p, t.pt[2].xy(), t.pt[0].xy()) > 0.0);
+// Whether one of the faces lies over p: 1 yes, 0 no, -1 unclear, as p is close to the line of an edge.
+int IsCovered(const ZBR_PT& p, const std::vector<const ZBR_HL_TRI*>& faces, double slack) {
+  bool covered = false;
+  for (const ZBR_HL_TRI* t : faces) {
+    int left = 0;
+    for (int i = 0; i < 3; ++i) {
+      const double off = Left(p, t->pt[i].xy(), t->pt[(i + 1) % 3].xy());
+      if (std::abs(off) < slack) return -1;
+      left += off > 0.0 ? 1 : 0;
+    }
+    covered |= left % 3 == 0;
+  }
+  return covered ? 1 : 0;
 }
 
 // Places all over, and beside edges where mistakes are likely, are inside exactly when a triangle lies over them.
 void ExpectCovered(const Drawing& drawing, const LoopList& loops, double size, Random& random) {
   const std::vector<const ZBR_HL_TRI*> faces = Faces(drawing);
-  const std::vector<ZBR_SEG> edges = EdgesOf(loops);
-  std::vector<ZBR_POS_PT_PT> pos;
+  const ZBR_TmpEps guard(1e-9 * size);
+  const ZBR_LOOP_LOCATOR inside(loops);
   for (int n = faces.empty() ? 0 : 200; n > 0; --n) {
-    const ZBR_HL_TRI& t = *faces[static_cast<std::size_t>(Below(random, static_cast<int>(faces.size())))];
+    const ZBR_HL_TRI& t = *faces[random() % faces.size()];
     const double spread = Below(random, 2) == 0 ? 0.5 : 1e-5;
     const ZBR_PT at = t.pt[0].xy() + (t.pt[1].xy() - t.pt[0].xy()) * Unit(random);
     const ZBR_PT p = at + ZBR_PT{Unit(random) - 0.5, Unit(random) - 0.5} * (spread * size);
-    if (IsOnOutline(p, edges, 1e-7 * size)) continue;
-    const ZBR_TmpEps guard(1e-9 * size);
-    const bool inside = std::any_of(loops.begin(), loops.end(), [&](const auto& loop) {
-      return zbrIsInside(p, *loop, pos) == ZBR_PI_IN && std::none_of(loop->children().begin(), loop->children().end(),
-                                                                     [&](auto& h) { return zbrIsInside(p, *h, pos) == ZBR_PI_IN; });
-    });
-    const bool covered = std::any_of(faces.begin(), faces.end(), [&](const ZBR_HL_TRI* f) { return IsCovered(p, *f); });
-    ASSERT_EQ(inside, covered) << std::hexfloat << "at " << p.x() << ' ' << p.y();
+    const int covered = IsCovered(p, faces, 1e-7 * size);
+    if (covered < 0) continue;
+    ASSERT_EQ(inside.IsInside(p), covered == 1 ? ZBR_PI_IN : ZBR_PI_OUT) << std::hexfloat << "at " << p.x() << ' ' << p.y();
   }
 }
 
@@ -144,7 +154,12 @@ void ExpectEdgesTold(const Drawing& drawing, const std::vector<ZBR_HL_SHELL>& sh
     };
     const double on = shareOn(1e-8 * size);
     const bool isSome = on > 1e-3 && on < 1.0 - 1e-3;
-    const bool isClear = on < 1e-9 || on > 1.0 - 1e-9 || isSome;
+    // An edge that passes a corner of the outline may have a part there that is shorter than what counts as something.
+    const bool isPassing = std::any_of(outline.begin(), outline.end(), [&](const ZBR_SEG& s) {
+      const double place = (s.s() - a).InnerProduct(b - a) / a.Distance2(b);
+      return place > 0.0 && place < 1.0 && std::abs(Left(s.s(), a, b)) < 1e-8 * size;
+    });
+    const bool isClear = (on < 1e-9 && !isPassing) || on > 1.0 - 1e-9 || isSome;
     EXPECT_TRUE(!isClear || t->profile[i] == (isSome ? 1 : on < 0.5 ? 0 : 2)) << on << " is on the outline, told " << t->profile[i];
     std::vector<ZBR_HL_INTERVAL> parts = {{t->pt[i], t->pt[(i + 1) % 3], 0.0, 1.0}};
     for (const ZBR_HL_SHELL& shell : shells) ZBR_HiddenLine::OutLine_TriByShell(*t, i, shell, parts);
@@ -224,32 +239,34 @@ TEST_P(OutlineOfScenes, AreTheEdgesOfWhatTrianglesCover) {
   EXPECT_GE(loopCount, 40U);
 }
 
-// Many long edges that run almost the same way: faces seen nearly edge-on, between points of one curve or of a few, which noise of
-// rounding errors up to a ten-thousandth of the size moves.
+// Triangles between points of a lattice, which share corners and sides, or of a curve that is almost straight, so that faces are
+// seen nearly edge-on; shaken by rounding errors up to a ten-thousandth of the size; near the origin or far from it.
 Drawing Crowd(Random& random) {
-  Drawing drawing;
-  auto& body = drawing.bodies.emplace_back();
-  const double noise = std::pow(10.0, -4.0 - Below(random, 12));
+  const bool isLattice = Below(random, 2) == 0;
+  const double shake = std::pow(10.0, Below(random, 2) == 0 ? -9.0 + Unit(random) : -4.0 - Below(random, 12));
   const double bend = Below(random, 3) == 0 ? 0.0 : std::pow(10.0, -1.0 - Below(random, 9));
   const double turn = Unit(random);
+  const double far[] = {0.0, 0.0, 1e6, 1e8};
+  const ZBR_PT3 place = ZBR_PT3(1, -0.3, 0) * far[Below(random, 4)];
   std::vector<ZBR_PT3> points;
-  for (int n = 4 + Below(random, 60); n > 0; --n) {
-    const double t = Below(random, 2) == 0 ? Unit(random) : Below(random, 8) / 8.0;
-    const double off = bend * t * (1.0 - t) + noise * (Unit(random) - 0.5);
-    points.push_back(ZBR_PT3(t - turn * off, turn * t + off, Unit(random)) * 100.0);
+  for (int n = isLattice ? 75 : 4 + Below(random, 60); n > 0; --n) {
+    const double t = isLattice ? n % 5 / 5.0 : Below(random, 2) == 0 ? Unit(random) : Below(random, 8) / 8.0;
+    const double off = isLattice ? n / 15 / 5.0 : bend * t * (1.0 - t);
+    const ZBR_PT3 shaken{shake * Unit(random), shake * Unit(random), Unit(random)};
+    points.push_back((ZBR_PT3(t - turn * off, turn * t + off, 0.0) + shaken) * 100.0 + place);
   }
-  const auto pick = [&] { return points[random() % points.size()]; };
-  for (int n = 1 + Below(random, 120); n > 0; --n) {
-    ZBR_HL_TRI& t = body.emplace_back();
-    for (ZBR_PT3& p : t.pt) p = pick();
-    if (Below(random, 30) == 0) t.pt[2] = ZBR_PT3{Unit(random), Unit(random), 0.0} * 100.0;
+  Drawing drawing;
+  drawing.bodies.resize(1);
+  for (int n = 6 + Below(random, isLattice ? 15 : 120); n > 0; --n) {
+    ZBR_HL_TRI& t = drawing.bodies[0].emplace_back();
+    for (ZBR_PT3& p : t.pt) p = points[random() % points.size()];
   }
   return drawing;
 }
 
 TEST(OutlineOfCrowds, AreTheEdgesOfWhatTrianglesCover) {
   const ZBR_TmpEps guard(1e-12);
-  for (int seed = 0; seed < Scaled(200); ++seed) {
+  for (int seed = 0; seed < Scaled(500); ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Random random(static_cast<std::uint64_t>(seed));
     Drawing drawing = Crowd(random);

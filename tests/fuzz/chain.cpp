@@ -1,0 +1,94 @@
+// Chaining of segments into polylines and of pieces into loops: lattice segments keep their length, polylines are the literal ones,
+// and the steps around cells close into loops of the cells' area.
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "fuzz/regions.h"
+#include "literal/hidden_line.h"
+#include "support/expect.h"
+
+namespace {
+
+using Ends = std::vector<ZBR_HL_OPT_PT>;
+using Lines = std::vector<std::vector<ZBR_PT>>;
+
+void Append(Ends& ends, const ZBR_PT& s, const ZBR_PT& e) {
+  ends.emplace_back().pt = s;
+  ends.emplace_back().pt = e;
+}
+
+void Chain(Bytes& bytes) {
+  const int kind = bytes.Below(3);  // lattice, plain, wild
+  Ends ends;
+  std::set<std::set<std::pair<double, double>>> seen;
+  double length = 0.0;  // repeats do not count
+  for (int n = bytes.Below(40); n > 0; --n) {
+    const auto point = [&] { return kind == 0 ? bytes.Lattice(5, 1).xy() : bytes.Point(kind == 2); };
+    const ZBR_PT s = point();
+    const ZBR_PT e = point();
+    Append(ends, s, e);
+    if (kind == 0 && seen.insert(std::set<std::pair<double, double>>{{s.x(), s.y()}, {e.x(), e.y()}}).second)
+      length += s.Distance(e);
+  }
+  const ZBR_TmpEps guard(0.001);
+  Ends expectedEnds = ends;
+  Lines lines;
+  Lines expected;
+  const int open = zbrOptimizeSegs(ends, lines);
+  for (const auto& line : lines) {
+    for (std::size_t i = 1; i < line.size(); ++i) length -= line[i - 1].Distance(line[i]);
+  }
+  Require(kind != 0 || std::abs(length) < 1e-9, "the length is kept");
+  if (kind == 2) return;
+  Require(open == literal::Chain(expectedEnds, expected, literal::Tol(0.001)), "as many open ones as in the literal form");
+  const auto samePoint = [](const ZBR_PT& a, const ZBR_PT& b) { return a.x() == b.x() && a.y() == b.y(); };
+  const auto sameLine = [&](const auto& a, const auto& b) { return std::equal(a.begin(), a.end(), b.begin(), b.end(), samePoint); };
+  Require(std::equal(lines.begin(), lines.end(), expected.begin(), expected.end(), sameLine), "the literal polylines");
+}
+
+LoopList Close(Ends pieces) {
+  LoopList loops;
+  Require(zbrMakeOutLineLoops(pieces, loops) == static_cast<int>(loops.size()), "the number of outer loops");
+  return loops;
+}
+
+// Some steps twice, some in two parts, points and a piece that runs both ways among them.
+void CloseCells(Bytes& bytes) {
+  const Cells cells(bytes, true);
+  const Skew skew(bytes);
+  std::vector<ZBR_SEG> pieces = {{{20, 1}, {25, bytes.Plain()}}};
+  pieces.emplace_back(pieces[0].e(), pieces[0].s());
+  for (const ZBR_SEG& step : cells.Steps()) {
+    const ZBR_PT s = skew(step.s());
+    const ZBR_PT e = skew(step.e());
+    const ZBR_PT middle = (s + e) * 0.5;
+    const int manner = bytes.Below(6);
+    if (manner == 1) pieces.emplace_back(s, e);
+    if (manner == 2) pieces.emplace_back(middle, middle);
+    if (manner == 3) pieces.emplace_back(middle, e);
+    pieces.emplace_back(s, manner == 3 ? middle : e);
+  }
+  for (std::size_t k = 1; k < pieces.size(); ++k)
+    std::swap(pieces[k], pieces[static_cast<std::size_t>(bytes.Below(256)) % (k + 1)]);
+  Ends ends;
+  for (const ZBR_SEG& piece : pieces) Append(ends, piece.s(), piece.e());
+  const LoopList loops = Close(ends);
+  const auto describe = [&] { return ToText(loops); };
+  Require(std::abs(NetArea(loops) - cells.Area()) < 1e-9, "the loops hold the cells", describe);
+  Require(bool(IsNested(loops, 0.0)) && IsSimple(loops), "the loops are simple and nested", describe);
+}
+
+void CloseAny(Bytes& bytes) {
+  Ends ends;
+  const bool wild = bytes.Flag();
+  for (int n = bytes.Below(60); n > 0; --n) ends.emplace_back().pt = bytes.Point(wild);  // perhaps half a piece
+  Close(ends);
+}
+
+}  // namespace
+
+void Fuzz(Bytes& bytes) {
+  constexpr void (*kKinds[])(Bytes&) = {Chain, CloseCells, CloseAny};
+  kKinds[bytes.Below(3)](bytes);
+}

@@ -1,0 +1,126 @@
+// Several threads at work on shared input that is only read, each with a tolerance of its own; objects processed side by side that
+// then hide each other; tolerance guards that exceptions unwind.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <stdexcept>
+#include <thread>
+
+#include "hiddenline/scenes.h"
+#include "reliability/digest.h"
+
+namespace {
+
+constexpr int kThreads = 4;
+
+double EpsOf(int thread) {
+  return 1e-5 / (1 + thread % 2);
+}
+
+// What work(thread) gives under each thread's tolerance, one thread after the other and all at once, must be the same.
+void ExpectSameAtOnce(const std::function<std::uint64_t(int)>& work) {
+  const auto run = [&](int thread) {
+    const ZBR_TmpEps tolerance(EpsOf(thread));
+    const std::uint64_t digest = work(thread);
+    return zbr_EpsE(EpsOf(thread)) && !zbr_EpsE(EpsOf(thread) * 1.0000001) ? digest : 0;
+  };
+  std::uint64_t expected[kThreads];
+  std::uint64_t got[kThreads] = {};
+  for (int k = 0; k < kThreads; ++k) expected[k] = run(k);
+  std::vector<std::thread> threads;
+  for (int k = 0; k < kThreads; ++k) threads.emplace_back([&, k] { got[k] = run(k); });
+  for (std::thread& thread : threads) thread.join();
+  for (int k = 0; k < kThreads; ++k) {
+    EXPECT_NE(expected[k], 0U);
+    EXPECT_EQ(got[k], expected[k]) << "thread " << k;
+  }
+}
+
+TEST(SharedInput, OneRegionClipsForAll) {
+  Random random(5);
+  const LoopList region = Nest(FamilyNamed("stars").draw(random).a);
+  std::vector<ZBR_SEG3> segs;
+  for (int k = 0; k < 200; ++k) segs.push_back({ZBR_PT3(-3.0, 0.03 * k - 3.0, 0.0), ZBR_PT3(4.0, 3.0 - 0.03 * k, 1.0)});
+  ExpectSameAtOnce([&](int) {
+    Digest digest;
+    for (int repeat = 0; repeat < 10; ++repeat) {
+      std::vector<ZBR_SEG3> inside, outside;
+      std::vector<std::vector<ZBR_PT3>> lines;
+      zbrClipSegs(segs, region, inside, &outside);
+      zbrClipPolyline({segs[7].s(), segs[7].e(), segs[90].s()}, region, lines, nullptr);
+      digest.Add(inside, outside, lines);
+    }
+    return digest.value();
+  });
+}
+
+// Each thread's objects are its own; what they are drawn behind, and whose outline covers theirs, is read by all.
+TEST(SharedInput, ObjectsBehindOneObject) {
+  Drawing drawing = Draw({Moved(example::Torus(600), {1, 1, 2})}, *tool::NamedView("iso"));
+  std::vector<ZBR_HL_SHELL> front = drawing.Shells();
+  ZBR_HiddenLine::HiddenLineObj(front.data(), nullptr, 1);
+  ExpectSameAtOnce([&](int) {
+    Digest digest;
+    for (std::uint64_t seed = 0; seed < 8; ++seed) {
+      Drawing own = DrawHard(SceneFamilies()[seed % 3], seed);
+      std::vector<ZBR_HL_SHELL> shells = own.Shells();
+      const auto count = static_cast<unsigned>(shells.size());
+      ZBR_HiddenLine::HiddenLineObj(shells.data(), nullptr, count);
+      ZBR_HiddenLine::HiddenLineObjByObj(shells.data(), front.data(), count, 1, false);
+      const ZBR_HL_TRI& t = shells[0].tris[0];
+      std::vector<ZBR_HL_INTERVAL> parts = {ZBR_HL_INTERVAL(t.pt[0], t.pt[1], 0.0, 1.0)};
+      ZBR_HiddenLine::OutLine_TriByShell(t, 0, front[0], parts);
+      digest.Add(shells, shells[0].outline, parts);
+    }
+    return digest.value();
+  });
+}
+
+// The shells of one scene: prepared by a thread each, then hidden by a thread each behind all others.
+TEST(SharedInput, ShellsOfOneSceneHideEachOther) {
+  const auto draw = [] {
+    return Draw({example::Gear(900), Moved(example::Torus(600), {0, 1, 1}), example::USolid(1.0)}, *tool::NamedView("iso"));
+  };
+  Drawing alone = draw();
+  std::vector<ZBR_HL_SHELL> expected = alone.Shells();
+  ZBR_HiddenLine::HiddenLine_Shells(expected.data(), static_cast<unsigned>(expected.size()));
+
+  Drawing drawing = draw();
+  std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+  const auto forEach = [&](const std::function<void(ZBR_HL_SHELL&)>& work) {
+    std::vector<std::thread> threads;
+    for (ZBR_HL_SHELL& shell : shells) threads.emplace_back([&] { work(shell); });
+    for (std::thread& thread : threads) thread.join();
+  };
+  forEach([](ZBR_HL_SHELL& shell) { shell.HiddenLineSelf(); });
+  forEach([&](ZBR_HL_SHELL& shell) {
+    for (const ZBR_HL_SHELL& other : shells) {
+      if (&other != &shell) ZBR_HiddenLine::HiddenLine_ShellByShell(shell, other);
+    }
+  });
+  EXPECT_EQ(StateText(shells), StateText(expected));
+}
+
+// Guards, nested as deep as there are threads, are left by an exception; each thread gets its own tolerance back.
+TEST(SharedInput, GuardsUnwoundByExceptions) {
+  ExpectSameAtOnce([](int thread) {
+    int caught = 0;
+    for (int depth = 0; depth < 100; ++depth) {
+      const std::function<void(int)> nest = [&](int left) {
+        const ZBR_TmpEps tolerance(1.0 / (1 + left));
+        const ZBR_ScaleEps scale(0.5);
+        if (!zbr_EpsE(0.5 / (1 + left)) || left == 0) throw std::runtime_error("innermost");
+        nest(left - 1);
+      };
+      try {
+        nest(depth);
+      } catch (const std::runtime_error&) {
+        caught += zbr_EpsE(EpsOf(thread)) && !zbr_EpsE(EpsOf(thread) * 1.0000001) ? 1 : 0;
+      }
+    }
+    return static_cast<std::uint64_t>(caught == 100);
+  });
+}
+
+}  // namespace
