@@ -27,6 +27,8 @@ namespace {
 
 // How close to a vertex, in steps, an edge must pass to be led through it in any case.
 constexpr double kReach = 1.5;
+// The same for an edge that may pass the vertex's cell: a little more than half a diagonal.
+constexpr double kCellReach = 0.75;
 
 // An edge while it is cut. Lines cut from the same edge stand together, in its order.
 struct Line {
@@ -75,6 +77,40 @@ std::int32_t NetOf(std::span<const Keyed> group) {
   return net;
 }
 
+// The frame in which boxes around lines are joined: turned so that the longest lines run along its axes, since the box of a
+// slanting line meets those of all lines beside it.
+class LeaningFrame {
+ public:
+  LeaningFrame() = default;
+  explicit LeaningFrame(std::span<const ZBR_PT> directions) {
+    // Lengths by direction, a quarter turn being the same; each bin knows its longest line.
+    constexpr int kBins = 32;
+    double length[kBins] = {};
+    ZBR_PT longest[kBins];
+    for (const ZBR_PT& d : directions) {
+      const ZBR_PT along = (d.x() > 0.0) == (d.y() > 0.0) ? d : ZBR_PT(-d.y(), d.x());
+      const double x = std::fabs(along.x());
+      const double y = std::fabs(along.y());
+      const auto bin = static_cast<int>(kBins * (y / (x + y)) * (1.0 - 1e-9));
+      length[bin] += d.Length();
+      if (along.Length2() > longest[bin].Length2()) longest[bin] = ZBR_PT(x, y);
+    }
+    const auto best = std::max_element(length, length + kBins) - length;
+    axis_ = longest[best] / std::max(longest[best].Length(), 1.0);
+  }
+
+  ZBR_PT Turned(const ZBR_PT& p) const {
+    return ZBR_PT(axis_.x() * p.x() + axis_.y() * p.y(), axis_.x() * p.y() - axis_.y() * p.x());
+  }
+  // The box around a segment, with room for rounding.
+  Box Around(const ZBR_PT& p, const ZBR_PT& q) const { return BoxOfSegment(Turned(p), Turned(q)).Widened(kRoom); }
+
+ private:
+  static constexpr double kRoom = 1e-3;  // steps; coordinates are at most 2^30 in size
+
+  ZBR_PT axis_{1.0, 0.0};
+};
+
 }  // namespace
 
 // The work of building an arrangement.
@@ -90,9 +126,11 @@ class EdgeCutter {
   }
 
   void Run() {
-    CutLines(kReach, [this](const Line& line, std::uint32_t v) { return IsWithinReach(line, v); });
+    const bool anyBent = CutLines(0, kReach, [this](const Line& line, std::uint32_t v) { return IsWithinReach(line, v); });
+    const std::uint32_t firstCrossing = vertices_.size();
     AddCrossings();
-    CutLines(0.5, [this](const Line& line, std::uint32_t v) { return PassesCell(line, v); });
+    // Lines that were not led through vertices above pass none of those, so only the crossings are left to be passed.
+    CutLines(anyBent ? 0 : firstCrossing, kCellReach, [this](const Line& line, std::uint32_t v) { return PassesCell(line, v); });
     NumberVertices();
     MergeLines();
   }
@@ -109,8 +147,9 @@ class EdgeCutter {
   void SortLines();
   bool IsWithinReach(const Line& line, std::uint32_t v) const;
   bool PassesCell(const Line& line, std::uint32_t v) const;
+  BoxTree TreeOverLines(double margin) const;
   template <class IsHit>
-  void CutLines(double margin, IsHit isHit);
+  bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
   void CutLine(const Line& line, std::vector<std::uint32_t>& hits, std::vector<Line>& next) const;
   void AddCrossings();
   void Cross(const Line& a, const Line& b);
@@ -120,6 +159,7 @@ class EdgeCutter {
 
   Arrangement& out_;
   GridVertices vertices_;
+  LeaningFrame frame_;
   std::vector<Line> lines_;
   std::vector<Line> origins_;
   std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
@@ -146,11 +186,17 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges) {
   });
 }
 
-// Puts neighbours in the plane next to each other; what is cut from them stays together.
+// Puts neighbours in the plane next to each other; what is cut from them stays together. Chooses the frame to join them in.
 void EdgeCutter::SortLines() {
   std::vector<ZBR_PT> centres;
+  std::vector<ZBR_PT> directions;
   centres.reserve(lines_.size());
-  for (const Line& line : lines_) centres.push_back((PointOn(Node(line.from)) + PointOn(Node(line.to))) / 2.0);
+  directions.reserve(lines_.size());
+  for (const Line& line : lines_) {
+    directions.push_back(PointOn(Node(line.to)) - PointOn(Node(line.from)));
+    centres.push_back((PointOn(Node(line.from)) + PointOn(Node(line.to))) / 2.0);
+  }
+  frame_ = LeaningFrame(directions);
   const std::vector<std::uint32_t> order = SpatialOrder(centres);
   std::vector<Line> sorted(lines_.size());
   std::vector<std::uint32_t> place(lines_.size());
@@ -190,41 +236,65 @@ bool EdgeCutter::PassesCell(const Line& line, std::uint32_t v) const {
   return twiceSide > 0 ? dy <= 0 : dx == 0;
 }
 
-// Cuts every line at the vertices that isHit says. The vertices are searched in groups of four that are near each other.
+BoxTree EdgeCutter::TreeOverLines(double margin) const {
+  BoxTree tree;
+  const std::span<Box> leaves = tree.StartLeaves(lines_.size());
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    leaves[i] = frame_.Around(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to))).Widened(margin);
+  }
+  tree.BuildInner();
+  return tree;
+}
+
+// Cuts every line at those vertices, from the given one on, that isHit says. Returns whether there were any. The vertices are
+// searched in groups of four that are near each other.
 template <class IsHit>
-void EdgeCutter::CutLines(double margin, IsHit isHit) {
+bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit) {
   constexpr std::uint32_t kGroup = 4;
   std::vector<ZBR_PT> places;
-  places.reserve(vertices_.size());
-  for (std::uint32_t v = 0; v < vertices_.size(); ++v) places.push_back(PointOn(Node(v)));
+  places.reserve(vertices_.size() - firstVertex);
+  for (std::uint32_t v = firstVertex; v < vertices_.size(); ++v) places.push_back(frame_.Turned(PointOn(Node(v))));
   const std::vector<std::uint32_t> order = SpatialOrder(places);
-  BoxTree tree;
-  const std::span<Box> leaves = tree.StartLeaves((order.size() + kGroup - 1) / kGroup);
+  BoxTree groups;
+  const std::span<Box> leaves = groups.StartLeaves((order.size() + kGroup - 1) / kGroup);
   for (std::size_t i = 0; i < order.size(); ++i) leaves[i / kGroup].Add(places[order[i]]);
-  tree.BuildInner();
+  groups.BuildInner();
 
   std::vector<Line> next;
-  next.reserve(lines_.size() + vertices_.size());
-  std::vector<std::uint32_t> begin(lines_.size() + 1);
+  next.reserve(lines_.size() + places.size());
+  std::vector<std::uint32_t> begin;
+  begin.reserve(lines_.size() + 1);
+  const auto keepUpTo = [&](std::size_t line) {
+    while (begin.size() < line) {
+      next.push_back(lines_[begin.size()]);
+      begin.push_back(static_cast<std::uint32_t>(next.size()) - 1);
+    }
+  };
   std::vector<std::uint32_t> hits;
-  for (std::size_t i = 0; i < lines_.size(); ++i) {
-    begin[i] = static_cast<std::uint32_t>(next.size());
+  bool any = false;
+  BoxJoin::Run(TreeOverLines(margin), groups, [&](std::uint32_t i, std::span<const std::uint32_t> near) {
     const Line& line = lines_[i];
     hits.clear();
-    const SegmentBand band(PointOn(Node(line.from)), PointOn(Node(line.to)), margin);
-    tree.Walk([&](const Box& box, int, std::uint32_t) { return band.Meets(box); },
-              [&](std::uint32_t leaf) {
-                const std::size_t end = std::min<std::size_t>(order.size(), (leaf + 1) * std::size_t{kGroup});
-                for (std::size_t k = leaf * std::size_t{kGroup}; k < end; ++k) {
-                  if (order[k] != line.from && order[k] != line.to && isHit(line, order[k])) hits.push_back(order[k]);
-                }
-                return true;
-              });
+    for (const std::uint32_t group : near) {
+      const std::size_t end = std::min<std::size_t>(order.size(), (group + 1) * std::size_t{kGroup});
+      for (std::size_t k = group * std::size_t{kGroup}; k < end; ++k) {
+        const std::uint32_t v = firstVertex + order[k];
+        if (v != line.from && v != line.to && isHit(line, v)) hits.push_back(v);
+      }
+    }
+    if (hits.empty()) return true;
+    any = true;
+    keepUpTo(i);
+    begin.push_back(static_cast<std::uint32_t>(next.size()));
     CutLine(line, hits, next);
-  }
-  begin[lines_.size()] = static_cast<std::uint32_t>(next.size());
+    return true;
+  });
+  if (!any) return false;
+  keepUpTo(lines_.size());
+  begin.push_back(static_cast<std::uint32_t>(next.size()));
   lines_.swap(next);
   for (std::uint32_t& line : out_.lineBegin_) line = begin[line];
+  return true;
 }
 
 // Appends the parts of the line between the vertices.
@@ -241,55 +311,9 @@ void EdgeCutter::CutLine(const Line& line, std::vector<std::uint32_t>& hits, std
   next.push_back(LineBetween(from, line.to, line.net, line.origin));
 }
 
-namespace {
-
-// The frame in which boxes around lines are joined: turned so that the longest lines run along its axes, since the box of a
-// slanting line meets those of all lines beside it.
-class LeaningFrame {
- public:
-  explicit LeaningFrame(std::span<const ZBR_PT> directions) {
-    // Lengths by direction, a quarter turn being the same; each bin knows its longest line.
-    constexpr int kBins = 32;
-    double length[kBins] = {};
-    ZBR_PT longest[kBins];
-    for (const ZBR_PT& d : directions) {
-      const ZBR_PT along = (d.x() > 0.0) == (d.y() > 0.0) ? d : ZBR_PT(-d.y(), d.x());
-      const double x = std::fabs(along.x());
-      const double y = std::fabs(along.y());
-      const auto bin = static_cast<int>(kBins * (y / (x + y)) * (1.0 - 1e-9));
-      length[bin] += d.Length();
-      if (along.Length2() > longest[bin].Length2()) longest[bin] = ZBR_PT(x, y);
-    }
-    const auto best = std::max_element(length, length + kBins) - length;
-    axis_ = longest[best] / std::max(longest[best].Length(), 1.0);
-  }
-
-  // The box around a segment, with room for rounding.
-  Box Around(const ZBR_PT& p, const ZBR_PT& q) const { return BoxOfSegment(Turned(p), Turned(q)).Widened(kRoom); }
-
- private:
-  static constexpr double kRoom = 1e-3;  // steps; coordinates are at most 2^30 in size
-
-  ZBR_PT Turned(const ZBR_PT& p) const {
-    return ZBR_PT(axis_.x() * p.x() + axis_.y() * p.y(), axis_.x() * p.y() - axis_.y() * p.x());
-  }
-
-  ZBR_PT axis_;
-};
-
-}  // namespace
-
 // Makes a vertex of every crossing.
 void EdgeCutter::AddCrossings() {
-  std::vector<ZBR_PT> directions;
-  directions.reserve(lines_.size());
-  for (const Line& line : lines_) directions.push_back(PointOn(Node(line.to)) - PointOn(Node(line.from)));
-  const LeaningFrame frame(directions);
-  BoxTree tree;
-  const std::span<Box> leaves = tree.StartLeaves(lines_.size());
-  for (std::size_t i = 0; i < lines_.size(); ++i)
-    leaves[i] = frame.Around(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to)));
-  tree.BuildInner();
+  const BoxTree tree = TreeOverLines(0.0);
   BoxJoin::Run(tree, tree, [this](std::uint32_t i, std::span<const std::uint32_t> hits) {
     for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) Cross(lines_[i], lines_[*j]);
     return true;
