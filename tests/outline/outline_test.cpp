@@ -277,6 +277,33 @@ TEST(OutlineOfCrowds, AreTheEdgesOfWhatTrianglesCover) {
   }
 }
 
+// Many crossings close to grid cells' corners, in every frame that the search may be turned to.
+TEST(OutlineOfCrowds, BarsAcrossBarsAtAnyAngle) {
+  constexpr int kBars = 40;
+  const double width = 0.6 / kBars;
+  for (const double slope : {0.0, 0.2, 0.31, 0.77, 1.0, 2.9}) {
+    const ZBR_PT along = ZBR_PT(1.0, slope) / std::hypot(1.0, slope);
+    std::vector<ZBR_HL_TRI> tris(4 * kBars);
+    for (int k = 0; k < 2 * kBars; ++k) {
+      const double from = static_cast<double>(k / 2) / kBars;
+      ZBR_PT corners[] = {{from, -0.1}, {from + width, -0.1}, {from + width, 1.1}, {from, 1.1}};
+      for (ZBR_PT& c : corners) {
+        if (k % 2 == 1) c.Set(c.y(), c.x());
+        c = along * c.x() + ZBR_PT(-along.y(), along.x()) * c.y();
+      }
+      const int vertices[2][3] = {{0, 1, 2}, {0, 2, 3}};
+      for (int t = 0; t < 2; ++t) {
+        for (int i = 0; i < 3; ++i) tris[static_cast<std::size_t>(2 * k + t)].pt[i].xy() = corners[vertices[t][i]];
+      }
+    }
+    ZBR_HL_SHELL shell(tris.data(), static_cast<unsigned>(tris.size()));
+    ZBR_HiddenLine::OutLineObj(&shell, 1);
+    ASSERT_EQ(shell.outline_all.size(), 1U) << slope;
+    EXPECT_EQ(shell.outline_all[0]->children().size(), std::size_t{(kBars - 1) * (kBars - 1)}) << slope;
+    EXPECT_NEAR(NetArea(shell.outline_all), kBars * width * (2.4 - kBars * width), 1e-9) << slope;
+  }
+}
+
 // Size and place do not matter as long as the coordinates can tell the triangles.
 TEST_P(OutlineOfScenes, OfAnySize) {
   const ZBR_TmpEps guard(1e-9);
