@@ -144,7 +144,8 @@ ZBR_API ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const s
 // none is removed: the list is only sorted and its levels set to 0, recognisable by the area of its first loop.
 // Children that the loops had before are dropped. Of two coincident loops the later becomes a hole of the earlier.
 // Points stay as they are, except that a loop may be reversed. Every loop must be in the list once; none may be null.
-// Cost: n log n in loops and points. Only loops nested thousands deep that also touch each other cost the depth per loop.
+// Cost: n log n in loops and points. Only loops nested thousands deep that also touch each other, or whose coordinates exceed about
+// 1e13 eps, cost the depth per loop.
 ZBR_API void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
 // Locates many points relative to one loop, or to a region, in logarithmic time each, and some for each ring around the point; in
