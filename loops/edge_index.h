@@ -54,6 +54,19 @@ class EdgeIndex {
     const std::uint32_t end = leaf.first + kLeafEdges;
     return end < rings_[leaf.ring].slots ? end : rings_[leaf.ring].slots;
   }
+  // Calls visit(p, q) for the edges p-q of a leaf.
+  template <class Visit>
+  void VisitEdges(std::uint32_t leaf, Visit visit) const {
+    const Leaf& at = leaves_[leaf];
+    const IndexedRing& ring = rings_[at.ring];
+    const std::uint32_t last = LastSlot(at);
+    std::uint32_t u = ring.Vertex(at.first);
+    for (std::uint32_t slot = at.first; slot < last; ++slot) {
+      const std::uint32_t v = ring.Next(u);
+      visit(ring.points[u], ring.points[v]);
+      u = v;
+    }
+  }
 
  private:
   void FillLeaves(double margin, double eps2);

@@ -150,15 +150,7 @@ bool RingLocator::IsChainCut(int level, std::uint32_t node, const RayScan& scan)
 }
 
 void RingLocator::ScanLeaf(std::uint32_t leaf, RayScan& scan) const {
-  const EdgeIndex::Leaf& at = index_.leaf(leaf);
-  const IndexedRing& ring = index_.rings()[at.ring];
-  const std::uint32_t last = index_.LastSlot(at);
-  std::uint32_t u = ring.Vertex(at.first);
-  for (std::uint32_t slot = at.first; slot < last; ++slot) {
-    const std::uint32_t v = ring.Next(u);
-    scan.Edge(ring.points[u], ring.points[v]);
-    u = v;
-  }
+  index_.VisitEdges(leaf, [&scan](const ZBR_PT& p, const ZBR_PT& q) { scan.Edge(p, q); });
 }
 
 // The linear test, ring by ring, combined: on a vertex of any ring, else on an edge of any, else the parity of the rings around.

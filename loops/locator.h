@@ -45,15 +45,7 @@ void RingLocator::EdgesNear(const ZBR_PT& a, const ZBR_PT& b, double margin, Vis
   const SegmentBand band(a, b, margin);
   index_.tree().Walk([&band](const Box& node, int, std::uint32_t) { return band.Meets(node); },
                      [&](std::uint32_t leaf) {
-                       const EdgeIndex::Leaf& at = index_.leaf(leaf);
-                       const IndexedRing& ring = index_.rings()[at.ring];
-                       const std::uint32_t last = index_.LastSlot(at);
-                       std::uint32_t u = ring.Vertex(at.first);
-                       for (std::uint32_t slot = at.first; slot < last; ++slot) {
-                         const std::uint32_t v = ring.Next(u);
-                         visit(ring.points[u], ring.points[v]);
-                         u = v;
-                       }
+                       index_.VisitEdges(leaf, visit);
                        return true;
                      });
 }
