@@ -46,6 +46,17 @@ bool IsMarkedRight(const ZBR_HL_TRI& t, int i, const Shells& shells) {
   return t.IsTriInvalid() || t.IsTriVertical() || t.profile[i] == (share < 1e-4 ? 0 : share > 1.0 - 1e-4 ? 2 : 1);
 }
 
+// The Boolean that takes from one outline what the other covers promises nothing for these.
+bool HaveTouchingRings(const LoopList& region) {
+  const std::vector<Ring> rings = RingsOf(region);
+  return std::any_of(rings.begin(), rings.end(), [&](const Ring& ring) {
+    const ZBR_LOOP_LOCATOR locator(*MakeLoop(ring));
+    const auto isOn = [&](const ZBR_PT& p) { return locator.IsInside(p) <= ZBR_PI_ON_EDGE; };
+    return std::any_of(rings.begin(), rings.end(),
+                       [&](const Ring& other) { return &other != &ring && std::any_of(other.begin(), other.end(), isOn); });
+  });
+}
+
 }  // namespace
 
 void Fuzz(Bytes& bytes) {
@@ -74,7 +85,7 @@ void Fuzz(Bytes& bytes) {
   ZBR_HiddenLine::HiddenLineObj(shells.data(), nullptr, 1);
   ZBR_HiddenLine::HiddenLineObj(shells.data() + 1, nullptr, count - 1);
   ZBR_HiddenLine::HiddenLineObjByObj(shells.data(), shells.data() + 1, 1, count - 1, both);
-  if (points != Points::kLattice) return;
+  if (points != Points::kLattice || HaveTouchingRings(shells[0].outline_all) || HaveTouchingRings(shells[1].outline_all)) return;
   const double areas[] = {NetArea(shells[0].outline_all), NetArea(shells[1].outline_all)};
   const double taken[] = {areas[0] - NetArea(shells[0].outline), areas[1] - NetArea(shells[1].outline)};
   const double common = areas[0] + areas[1] - whole;
