@@ -44,34 +44,31 @@ bool Boolean(int n) {
   return Near(NetArea(A) + NetArea(B), NetArea(results[0]) + NetArea(results[1]));
 }
 
+// Far apart enough for the tolerance, and near enough to the origin for its own being far above the rounding errors.
+constexpr double kStep = 0.125;
 std::vector<Ring> Squares(int n) {
   std::vector<Ring> rings;
-  for (int k = 0; k < n; ++k) rings.push_back(Square(k - n, k - n, 2.0 * (n - k)));
+  for (int k = 0; k < n; ++k) rings.push_back(Square((k - n) * kStep, (k - n) * kStep, 2.0 * (n - k) * kStep));
   return rings;
 }
 
-// n squares around one another: nested, copied, located in and cutting a line.
+// n squares around one another: nested, copied, located in, cutting a line, and united with a bar from their middle to beyond.
 bool NestedRings(int n) {
   const LoopList region = Nest(Squares(n));
   LoopList copy;
   ZBR_LOOP::DeepCopyLoops(copy, region);
   ZBR_LOOP::Offset(copy, {0.0, 1.0});
   std::vector<ZBR_SEG3> inside;
-  const ZBR_PT3 far(n + 1.0, 0.5, 0.0);
+  const ZBR_PT3 far(n + 1.0, 0.5 * kStep, 0.0);
   const int pieces = zbrClipSeg({-far, far}, region, inside, nullptr);
-  const bool isIn = ZBR_LOOP_LOCATOR(region).IsInside({0.5, 0.5}) == ZBR_PI_IN;
-  return NetArea(copy) == NetArea(region) && pieces == n && isIn == (n % 2 == 1);
-}
-
-// The same cut by a bar from their middle to beyond the outermost.
-bool CutRings(int n) {
-  const LoopList region = Nest(Squares(n));
-  const LoopList bar = Nest({{{0.0, -0.25}, {n + 1.0, -0.25}, {n + 1.0, 0.25}, {0.0, 0.25}}});
+  const bool isIn = ZBR_LOOP_LOCATOR(region).IsInside({0.05, 0.05}) == ZBR_PI_IN;
+  const LoopList bar = Nest({{{0.0, -0.05}, {n + 1.0, -0.05}, {n + 1.0, 0.05}, {0.0, 0.05}}});
   LoopList both;
   LoopList either;
   zbrBooleanLoops(region, bar, ZBR_BOOL_AND, both);
   zbrBooleanLoops(region, bar, ZBR_BOOL_OR, either);
-  return Near(NetArea(region) + NetArea(bar), NetArea(both) + NetArea(either));
+  return NetArea(copy) == NetArea(region) && pieces == n && isIn == (n % 2 == 1) &&
+         Near(NetArea(region) + NetArea(bar), NetArea(both) + NetArea(either));
 }
 
 // A tree of loops as deep as there are loops, which the library itself never makes.
@@ -171,13 +168,8 @@ struct Case {
   int size;
 };
 const Case kCases[] = {
-    {"boolean", Boolean, 10'000'000},
-    {"nested-rings", NestedRings, 100'000},
-    {"cut-rings", CutRings, 10'000},
-    {"deep-tree", DeepTree, 1'000'000},
-    {"segments", Segments, 1'000'000},
-    {"clipping", Clipping, 1'000'000},
-    {"same-triangles", SameTriangles, 100'000},
+    {"boolean", Boolean, 10'000'000},  {"nested-rings", NestedRings, 100'000}, {"deep-tree", DeepTree, 1'000'000},
+    {"segments", Segments, 1'000'000}, {"clipping", Clipping, 1'000'000},      {"same-triangles", SameTriangles, 100'000},
     {"frames", Frames, 50'000},
 };
 
