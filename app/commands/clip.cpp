@@ -205,6 +205,7 @@ int RunClip(const ClipOptions& options) {
   stages.emplace_back("read", watch.Lap());
   Region region = LoadRegion(run.contours, run.frame, progress);
   stages.emplace_back("nest", watch.Lap());
+  if (region.loops.empty()) progress.Note(options.region + ": note: holds no region; everything is outside");
   progress.Stage("clipping");
   Clip(run, region.loops);
   stages.emplace_back("clip", watch.Lap());

@@ -25,7 +25,7 @@ std::vector<ZBR_PT> PointsFromArguments(const std::vector<std::string>& coordina
 
 std::vector<ZBR_PT> PointsFromStandardInput() {
   std::vector<ZBR_PT> points;
-  for (const Path& path : ReadLoopText(ReadFile("-"), "-").paths)
+  for (const Path& path : ReadLoopText(ReadText("-"), "-").paths)
     points.insert(points.end(), path.points.begin(), path.points.end());
   return points;
 }

@@ -17,6 +17,10 @@
 namespace tool {
 namespace {
 
+// What hidden lines must take for walls seen edge-on still is part of an outline, so only triangles that are flat but for rounding
+// errors are left out.
+constexpr double kOutlineTolerance = 1e-12;
+
 struct Place {
   std::uint64_t x, y;
   bool operator==(const Place&) const = default;
@@ -139,7 +143,10 @@ class ExactPlaces {
 void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned threads) {
   GiveUpLines(scene);
   const std::vector<ShellRange> objects = ObjectsOf(model, scene);
-  RunParallel(objects.size(), threads, [&](std::size_t i) { ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count); });
+  RunParallel(objects.size(), threads, [&](std::size_t i) {
+    const ZBR_TmpEps hold(kOutlineTolerance);
+    ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count);
+  });
   if (!narrow || objects.size() < 2) return;
   RunParallel(scene.shells.size(), threads, [&](std::size_t s) { scene.shells[s].HiddenLineSelf(); });
   const ZBR_TmpEps hold(kSceneTolerance);

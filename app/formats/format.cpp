@@ -61,7 +61,7 @@ Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   const Format format = FormatOf(file, fallback);
   if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
   if (format == Format::kSvg) throw Failure(file + ": pictures are written, not read");
-  const std::string text = ReadFile(file);
+  const std::string text = ReadText(file);
   if (format == Format::kDxf) return ReadDxf(text, file, content);
   if (format == Format::kGeoJson) return ReadGeoJson(text, file, content);
   if (format == Format::kWkt) return ReadWkt(text, file, content);

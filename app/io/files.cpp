@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <string_view>
 
 #include "io/failure.h"
 
@@ -84,6 +85,13 @@ std::string ReadFile(const std::string& name) {
   return contents;
 }
 
+std::string ReadText(const std::string& name) {
+  constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+  std::string text = ReadFile(name);
+  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+  return text;
+}
+
 std::string BaseName(const std::string& name) {
   return name == "-" ? "standard input" : fs::path(name).filename().string();
 }
@@ -123,16 +131,18 @@ void OutputFiles::Commit() {
     SetMode(descriptor, file.target);
     WriteAll(descriptor, file.contents, file.name);
   }
+  // What may still fail comes before any file gets its name.
   for (Pending& file : files_) {
     if (file.name == "-") {
       WriteAll(STDOUT_FILENO, file.contents, "standard output");
     } else if (file.temporary.empty()) {
       WriteDirectly(file.name, file.contents);
-    } else if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) {
-      FailWithErrno(file.name, "cannot write");
-    } else {
-      file.temporary.clear();
     }
+  }
+  for (Pending& file : files_) {
+    if (file.temporary.empty()) continue;
+    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) FailWithErrno(file.name, "cannot write");
+    file.temporary.clear();
   }
 }
 

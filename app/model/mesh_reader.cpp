@@ -58,7 +58,7 @@ bool IsMeshFile(const std::string& file) {
 Mesh ReadMesh(const std::string& file) {
   const Reader reader = ReaderFor(file);
   if (reader == nullptr) throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb");
-  const std::string text = ReadFile(file);
+  const std::string text = reader == ReadStl ? ReadFile(file) : ReadText(file);  // a binary STL may begin with anything
   if (text.empty()) throw Failure(file + ": the file is empty");
   Mesh mesh = reader(text, file);
   Check(mesh, file);

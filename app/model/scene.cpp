@@ -17,6 +17,15 @@ bool IsSilhouette(double a, double b, Facing facing) {
   return (a > kFlat) != (b > kFlat) || (a < -kFlat) != (b < -kFlat);
 }
 
+// Whether the removal takes the triangle for a wall because of its shape: long and thin, its short edge towards the viewer, as at
+// the sides of a slender rod.
+bool HasEdgeSeenEndOn(const ZBR_HL_TRI& t) {
+  for (int i = 0; i < 3; ++i) {
+    if (ZBR_HL_TRI::EqualPtPt(t.pt[i], t.pt[(i + 1) % 3], kSceneTolerance)) return true;
+  }
+  return false;
+}
+
 class SceneMaker {
  public:
   SceneMaker(const Model& model, Scene& scene) : model_(model), scene_(scene), centre_(model.Centre()) {}
@@ -51,8 +60,8 @@ class SceneMaker {
     for (std::size_t i = 0; i < 3; ++i) {
       triangle.pt[i] = points_[static_cast<std::size_t>(VertexOf(record, i).GetIndex())];
       triangle.profile[i] = -1;
-      SetEdge(t, i, EdgeOf(record, i));
     }
+    for (std::size_t i = 0; i < 3; ++i) SetEdge(t, i, EdgeOf(record, i));
   }
 
   // The first triangle of an edge makes a border of it, the second connects the two.
@@ -85,7 +94,8 @@ class SceneMaker {
 
   EdgeClass SmoothClass(std::size_t t, std::size_t u, EdgeNote note) const {
     const ZBR_PT3* const normals = model_.normals.data() + model_.shellBegin[shell_];
-    const double here = normals[t].InnerProduct(scene_.view.toViewer), other = normals[u].InnerProduct(scene_.view.toViewer);
+    const double here = HasEdgeSeenEndOn(triangles_[t]) ? 0.0 : normals[t].InnerProduct(scene_.view.toViewer);
+    const double other = HasEdgeSeenEndOn(triangles_[u]) ? 0.0 : normals[u].InnerProduct(scene_.view.toViewer);
     return IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_]) ? EdgeClass::kSilhouette : EdgeClass::kSmooth;
   }
 

@@ -324,7 +324,8 @@ class ZBR_HiddenLine {
   // visible lines as polylines (zbrOptimizeHiddenLine).
   ZBR_API static void HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>* out, unsigned count);
   // Hides the lines of object a behind object b and, if both, those of b behind a; then takes from the farther object's outline
-  // what the nearer one covers (b's only if both).
+  // what the nearer one covers (b's only if both). Outlines are those that HiddenLineObj or OutLineObj found for each object
+  // before.
   ZBR_API static void HiddenLineObjByObj(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb, bool both);
   // Its first step: processes shells of either object that are not, then hides lines of a behind b.
   ZBR_API static void HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb);

@@ -3,6 +3,7 @@
 #include <zbr/planar.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -62,6 +63,29 @@ class Draw : public Tool {
     return Json::parse(Read("drawing.json"), nullptr, false);
   }
 };
+
+// The facets at the sides of a slender rod are so narrow in projection that the removal takes them for walls: their silhouettes
+// must be found all the same, and their width belongs to the outline.
+TEST_F(Draw, SidesOfSlenderRods) {
+  constexpr int kFacets = 1000;
+  std::string text = "\xef\xbb\xbf";  // as some editors begin a file
+  for (int k = 0; k < 2 * kFacets; ++k) {
+    const double angle = std::acos(-1.0) * (k / 2) / kFacets * 2.0;
+    text += "v " + std::to_string(k % 2 * 6000) + ' ' + std::to_string(5.0 * std::cos(angle)) + ' ' +
+            std::to_string(5.0 * std::sin(angle)) + '\n';
+  }
+  for (int k = 0; k < kFacets; ++k) {
+    const int a = 2 * k + 1, b = 2 * ((k + 1) % kFacets) + 1;
+    for (const auto& [p, q, r] : {std::array{a, b + 1, b}, std::array{a, a + 1, b + 1}})
+      text += "f " + std::to_string(p) + ' ' + std::to_string(q) + ' ' + std::to_string(r) + '\n';
+  }
+  Write("rod.obj", text);
+  const Drawn drawn = Measure(Drawing("rod.obj --view top")["views"][0]);
+  EXPECT_GE(drawn.visible, 12000.0);
+  EXPECT_LE(drawn.visible, 12020.1);
+  ASSERT_EQ(Run("outline rod.obj --view top -o rod.wkt").code, 0);
+  EXPECT_NE(Read("rod.wkt").find("6000 5,"), std::string::npos) << Read("rod.wkt");
+}
 
 // Of the twelve edges nine are seen; the three others meet in the hidden corner. Lengths are foreshortened by the view's axes.
 TEST_F(Draw, BoxFromCornerAndAlongAnAxis) {

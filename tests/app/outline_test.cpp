@@ -115,6 +115,7 @@ TEST_F(Outline, ErrorsLeaveNothingBehind) {
       {"box.obj -o a.png", "a.png: the name does not tell the format; give --format"},
       {"box.obj -o -", "-: the name does not tell the format; give --format"},
       {"box.obj -o a.svg -o a.svg", "a.svg: named twice as output"},
+      {"box.obj --format wkt -o a.svg -o /dev/full", "/dev/full: cannot write: No space left on device"},
       {"box.obj --format svg -o box.obj", "box.obj: is a model to be read; the outline needs another name"},
       {"box.obj --view up -o a.svg", "--view: 'up' is none of front, back, left, right, top, bottom, iso, dimetric"},
       {"box.obj --view top --look 0,0,1 -o a.svg", "--view and --look exclude each other"},
