@@ -47,7 +47,18 @@ bool Fails() {
 void* operator new(std::size_t size) {
   return Allocate(size);
 }
+// Both forms, as sanitizers bring one that does not call the other.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return Allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 void operator delete(void* memory) noexcept {
+  Release(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
   Release(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
