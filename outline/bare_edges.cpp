@@ -1,7 +1,6 @@
 #include "outline/bare_edges.h"
 
 #include <algorithm>
-#include <array>
 
 #include "hiddenline/driver.h"
 #include "hiddenline/occlusion.h"

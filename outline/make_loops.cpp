@@ -1,7 +1,6 @@
 // Closing loose boundary pieces, which carry their ends as points, into loops: ends are merged into vertices, what can't be part of
 // a boundary is dropped, the rest is traced.
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include <zbr/outline.h>

@@ -126,12 +126,17 @@ Points PointsOf(const Ring& ring, std::span<const ZBR_PT> points) {
   return list;
 }
 
-// Loops of the rings' shape, moved to the origin and scaled.
-LoopList ScaledLoops(std::span<const Ring> rings, std::span<const ZBR_PT> places) {
+Box BoxOf(std::span<const Ring> rings, std::span<const ZBR_PT> points) {
   Box box;
   for (const Ring& ring : rings) {
-    for (const std::uint32_t v : ring) box.Add(places[v]);
+    for (const std::uint32_t v : ring) box.Add(points[v]);
   }
+  return box;
+}
+
+// Loops of the rings' shape, moved to the origin and scaled.
+LoopList ScaledLoops(std::span<const Ring> rings, std::span<const ZBR_PT> places) {
+  const Box box = BoxOf(rings, places);
   const int exponent = kNestingExponent - std::ilogb(std::max(box.xmax - box.xmin, box.ymax - box.ymin));
   const ZBR_PT centre = box.Center();
   LoopList loops;
@@ -148,11 +153,7 @@ LoopList ScaledLoops(std::span<const Ring> rings, std::span<const ZBR_PT> places
 
 LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, std::span<const ZBR_PT> points, double width,
                    double touch) {
-  Box box;
-  for (const Ring& ring : rings) {
-    for (const std::uint32_t v : ring) box.Add(points[v]);
-  }
-  const RingShape shape(box, width);
+  const RingShape shape(BoxOf(rings, points), width);
   std::vector<Ring> wide;
   std::vector<Points> shapes;
   for (const Ring& ring : rings) {
