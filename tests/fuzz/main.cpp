@@ -1,6 +1,7 @@
 // How a fuzzer is called: by clang's fuzzing engine, or, where there is none, on the files of a folder and on seeded random bytes.
 // usage without engine: PROGRAM FOLDER RANDOM-INPUTS
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -18,8 +19,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 #ifndef ZBR_FUZZ_ENGINE
 namespace {
 
+std::string s_input;  // the name of what runs
+struct sigaction s_before[NSIG];
+
+// Leaves the signal to whoever had it before, a sanitizer perhaps: what raised it runs again.
+void TellInput(int signal) {
+  std::fprintf(stderr, "on input %s\n", s_input.c_str());
+  sigaction(signal, &s_before[signal], nullptr);
+}
+
+void ListenTo(int signal) {
+  struct sigaction action = {};
+  action.sa_handler = TellInput;
+  sigaction(signal, &action, &s_before[signal]);
+}
+
 void Run(const std::string& name, const std::string& text) {
-  std::fprintf(stderr, "\r%s ", name.c_str());  // the last one named is the one that failed
+  s_input = name;
   const std::vector<std::uint8_t> data(text.begin(), text.end());
   LLVMFuzzerTestOneInput(data.data(), data.size());
 }
@@ -28,6 +44,7 @@ void Run(const std::string& name, const std::string& text) {
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
+  for (const int signal : {SIGABRT, SIGSEGV, SIGFPE}) ListenTo(signal);
   std::vector<std::filesystem::path> files;
   for (const auto& entry : std::filesystem::directory_iterator(argv[1])) files.push_back(entry.path());
   std::sort(files.begin(), files.end());
@@ -42,7 +59,7 @@ int main(int argc, char** argv) {
     for (char& c : text) c = static_cast<char>(random());
     Run("seed " + std::to_string(seed), text);
   }
-  std::fprintf(stderr, "\n%zu files, %d random inputs\n", files.size(), inputs);
+  std::fprintf(stderr, "%zu files, %d random inputs\n", files.size(), inputs);
   return files.empty() ? 1 : 0;
 }
 #endif

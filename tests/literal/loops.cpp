@@ -2,7 +2,6 @@
 #include "literal/loops.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace literal {
 
@@ -18,17 +17,14 @@ int Sample(const ZBR_PT& p, const Loop& b, const Tol& tol) {
 
 // Samples one edge of a between the vertices of b that lie on it.
 int SampleBetween(const ZBR_PT& from, const ZBR_PT& to, const Loop& b, const Tol& tol) {
-  if (Same(from, to, tol)) return 0;
-  std::vector<std::pair<double, ZBR_PT>> stops;
+  std::vector<double> stops{0.0, 1.0};
   for (const ZBR_PT& v : b.pt) {
     double t = 0.0;
-    if (OnSegment(v, from, to, &t, tol)) stops.emplace_back(t, v);
+    if (OnSegment(v, from, to, &t, tol) && 0.0 < t && t < 1.0) stops.push_back(t);
   }
-  std::stable_sort(stops.begin(), stops.end(), [](const auto& x, const auto& y) { return x.first < y.first; });
-  stops.emplace(stops.begin(), 0.0, from);
-  stops.emplace_back(1.0, to);
-  for (std::size_t k = 1; k < stops.size(); ++k) {
-    const int r = Sample((stops[k - 1].second + stops[k].second) / 2.0, b, tol);
+  std::sort(stops.begin(), stops.end());
+  for (std::size_t k = 1; stops.size() > 2 && k < stops.size(); ++k) {
+    const int r = Sample(from + (to - from) * ((stops[k - 1] + stops[k]) / 2.0), b, tol);
     if (r != 0) return r;
   }
   return 0;
