@@ -1,4 +1,4 @@
-// Stable sorting by unsigned integer keys, digit by digit.
+// Stable sorting by unsigned integer keys, digit by digit, and walking what is sorted key by key.
 //
 // Least significant digit first, 11 bits at a time, from one bit in which keys differ to the next. Linear, and several times faster
 // than comparing for the hundred thousands of small records that the crossings and loops become.
@@ -9,6 +9,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace zbr {
@@ -43,6 +44,17 @@ void RadixSort(std::vector<T>& items, std::vector<T>& scratch, Key key) {
     for (const T& item : items) scratch[start[digit(item)]++] = item;
     items.swap(scratch);
     varying &= ~(static_cast<KeyType>(kBuckets - 1) << shift);
+  }
+}
+
+// Calls visit(run) for every longest run of neighbours with the same key; sorted items fall into one run for each key.
+template <class T, class Key, class Visit>
+void ForEachRun(std::vector<T>& items, Key key, Visit visit) {
+  for (std::size_t begin = 0; begin < items.size();) {
+    std::size_t end = begin + 1;
+    while (end < items.size() && key(items[end]) == key(items[begin])) ++end;
+    visit(std::span(items).subspan(begin, end - begin));
+    begin = end;
   }
 }
 

@@ -48,8 +48,11 @@ class CurveOrder {
     for (std::size_t i = 0; i < positions.size(); ++i) {
       keyed[i] = {static_cast<std::uint32_t>(FullKey(positions[i]) >> kFineBits), positions[i]};
     }
-    RadixSort(keyed, scratch, [](const Keyed& k) { return k.key; });
-    SortCrowdedCells(keyed);
+    const auto key = [](const Keyed& k) { return k.key; };
+    RadixSort(keyed, scratch, key);
+    ForEachRun(keyed, key, [this](std::span<Keyed> cell) {
+      if (cell.size() > kCrowded) SortFinely(cell);
+    });
     for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = keyed[i].position;
   }
 
@@ -71,18 +74,11 @@ class CurveOrder {
   }
   std::uint32_t Cell(double d) const { return static_cast<std::uint32_t>(std::min(std::max(d * scale_, 0.0), kCells)); }
 
-  void SortCrowdedCells(std::vector<Keyed>& keyed) const {
-    for (std::size_t begin = 0; begin < keyed.size();) {
-      std::size_t end = begin + 1;
-      while (end < keyed.size() && keyed[end].key == keyed[begin].key) ++end;
-      if (end - begin > kCrowded) {
-        std::vector<std::pair<std::uint64_t, int>> cell;
-        for (std::size_t i = begin; i < end; ++i) cell.emplace_back(FullKey(keyed[i].position), keyed[i].position);
-        std::sort(cell.begin(), cell.end());
-        for (std::size_t i = begin; i < end; ++i) keyed[i].position = cell[i - begin].second;
-      }
-      begin = end;
-    }
+  void SortFinely(std::span<Keyed> cell) const {
+    std::vector<std::pair<std::uint64_t, int>> fine;
+    for (const Keyed& k : cell) fine.emplace_back(FullKey(k.position), k.position);
+    std::sort(fine.begin(), fine.end());
+    for (std::size_t i = 0; i < cell.size(); ++i) cell[i].position = fine[i].second;
   }
 
   std::span<const Extents> extents_;

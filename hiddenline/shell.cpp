@@ -181,20 +181,16 @@ std::vector<int> OrderByHeight(std::span<const zbr::Extents> extents) {
   for (std::size_t i = 0; i < items.size(); ++i) {
     items[i] = {~zbr::FloatKey(zbr::ToFloat(extents[i].maxZ)), static_cast<int>(i)};
   }
-  zbr::RadixSort(items, scratch, [](const Item& item) { return item.key; });
+  const auto key = [](const Item& item) { return item.key; };
+  zbr::RadixSort(items, scratch, key);
+  const auto isHigher = [&extents](const Item& a, const Item& b) {
+    return extents[static_cast<std::size_t>(a.position)].maxZ > extents[static_cast<std::size_t>(b.position)].maxZ;
+  };
+  zbr::ForEachRun(items, key, [&](std::span<Item> near) {
+    if (!std::is_sorted(near.begin(), near.end(), isHigher)) std::stable_sort(near.begin(), near.end(), isHigher);
+  });
   std::vector<int> order(items.size());
   std::transform(items.begin(), items.end(), order.begin(), [](const Item& item) { return item.position; });
-  const auto isHigher = [&extents](int i, int j) {
-    return extents[static_cast<std::size_t>(i)].maxZ > extents[static_cast<std::size_t>(j)].maxZ;
-  };
-  for (std::size_t begin = 0; begin < items.size();) {
-    std::size_t end = begin + 1;
-    while (end < items.size() && items[end].key == items[begin].key) ++end;
-    const auto first = order.begin() + static_cast<std::ptrdiff_t>(begin);
-    const auto last = order.begin() + static_cast<std::ptrdiff_t>(end);
-    if (!std::is_sorted(first, last, isHigher)) std::stable_sort(first, last, isHigher);
-    begin = end;
-  }
   return order;
 }
 

@@ -61,14 +61,10 @@ ZBR_PT PointOn(GridPoint p) {
 // Sorts by both ends and calls visit(group) for each run of equal ones.
 template <class Visit>
 void ForEachGroup(std::vector<Keyed>& keyed, Visit visit) {
+  const auto ends = [](const Keyed& k) { return k.ends; };
   std::vector<Keyed> scratch;
-  RadixSort(keyed, scratch, [](const Keyed& k) { return k.ends; });
-  for (std::size_t begin = 0; begin < keyed.size();) {
-    std::size_t end = begin + 1;
-    while (end < keyed.size() && keyed[end].ends == keyed[begin].ends) ++end;
-    visit(std::span<const Keyed>(keyed).subspan(begin, end - begin));
-    begin = end;
-  }
+  RadixSort(keyed, scratch, ends);
+  ForEachRun(keyed, ends, visit);
 }
 
 std::int32_t NetOf(std::span<const Keyed> group) {

@@ -97,15 +97,12 @@ class LoosePieces {
       if (from == to) continue;  // too short, or not finite
       items.push_back({std::uint64_t{std::min(from, to)} << 32U | std::max(from, to), k, from > to});
     }
-    zbr::RadixSort(items, scratch, [](const Item& item) { return item.ends; });
-    for (std::size_t begin = 0; begin < items.size();) {
-      std::size_t end = begin + 1;
-      while (end < items.size() && items[end].ends == items[begin].ends) ++end;
-      const auto isLikeFirst = [&](const Item& item) { return item.reversed == items[begin].reversed; };
-      const auto first = items.begin() + static_cast<std::ptrdiff_t>(begin);
-      if (std::all_of(first, items.begin() + static_cast<std::ptrdiff_t>(end), isLikeFirst)) number_.push_back(first->piece);
-      begin = end;
-    }
+    const auto ends = [](const Item& item) { return item.ends; };
+    zbr::RadixSort(items, scratch, ends);
+    zbr::ForEachRun(items, ends, [this](std::span<const Item> repeats) {
+      const auto isLikeFirst = [&](const Item& item) { return item.reversed == repeats[0].reversed; };
+      if (std::all_of(repeats.begin(), repeats.end(), isLikeFirst)) number_.push_back(repeats[0].piece);
+    });
     std::sort(number_.begin(), number_.end());
     for (const std::size_t k : number_) {
       pieces_.push_back({static_cast<std::uint32_t>(ends_[2 * k].vertex), static_cast<std::uint32_t>(ends_[2 * k + 1].vertex)});
