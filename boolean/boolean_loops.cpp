@@ -50,6 +50,7 @@ class BooleanWork {
     Family& b = families_[1];
     SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen);
     CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_);
+    for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);
   }
 
   LoopList Combine(ZBR_BOOLEAN_OPE op) {
@@ -81,6 +82,7 @@ class BooleanWork {
     std::vector<Polygon> polygons;
     std::vector<std::uint32_t> firstPolygon;
     std::vector<SearchedPolygon> seen;
+    std::vector<bool> touched;  // by a crossing
     std::optional<std::vector<UncrossedPolygon>> uncrossed;
 
     void Set(const LoopList& list) {
@@ -94,23 +96,42 @@ class BooleanWork {
     std::size_t Number(ZBR_CROSS_LOOP key) const {
       return firstPolygon[static_cast<std::size_t>(key.loop())] + static_cast<std::size_t>(key.poly());
     }
-    TracedFamily Traced(bool forward) const { return {&polygons, &firstPolygon, &seen, forward}; }
   };
 
-  void Trace(Directions directions, LoopList& result) {
-    if (!arePathsPrepared_) paths_.Prepare(sorted_);
+  // Once for each run of crossings on one polygon.
+  void NoteCrossedPolygons(int side) {
+    Family& family = families_[side];
+    family.touched.assign(family.polygons.size(), false);
+    const std::vector<PlacedCrossing>& list = sorted_.side[side];
+    const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
+    ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t) {
+      const std::size_t number = family.Number(list[first].loop);
+      family.touched[number] = true;
+      traced_.polygons[side].push_back(family.seen[number]);
+    });
+  }
+
+  void PrepareTracing() {
+    paths_.Prepare(sorted_);
+    std::vector<PlacedCrossing>().swap(sorted_.side[1]);
+    traced_.crossings.reserve(crosses_.size());
+    for (const PlacedCrossing& p : sorted_.side[0]) {
+      const ZBR_CROSS& c = crosses_[static_cast<std::size_t>(p.index)];
+      traced_.crossings.push_back({c.pt, {c.a.pos, c.b.pos}});
+    }
     arePathsPrepared_ = true;
+  }
+
+  void Trace(Directions directions, LoopList& result) {
+    if (!arePathsPrepared_) PrepareTracing();
     paths_.Find(directions.forwardA, directions.forwardB);
-    TracePaths(crosses_, sorted_.side[0], paths_, families_[0].Traced(directions.forwardA),
-               families_[1].Traced(directions.forwardB), result);
+    TracePaths(traced_, paths_, directions.forwardA, directions.forwardB, result);
   }
 
   void AddUncrossed(ZBR_BOOLEAN_OPE op, int side, LoopList& result) {
     Family& family = families_[side];
     if (!family.uncrossed) {
-      std::vector<bool> touched(family.polygons.size(), false);
-      for (const ZBR_CROSS& c : crosses_) touched[family.Number(side == 0 ? c.a.loop : c.b.loop)] = true;
-      family.uncrossed = RelateUncrossed(family.polygons, touched, families_[1 - side].polygons);
+      family.uncrossed = RelateUncrossed(family.polygons, family.touched, families_[1 - side].polygons);
     }
     for (const UncrossedPolygon& u : *family.uncrossed) {
       if (IsKept(op, side, u.polygon->key.poly() != 0, u.relation)) ZBR_LOOP::AppendTopLoopDup(result, **u.polygon->loop);
@@ -121,6 +142,7 @@ class BooleanWork {
   SortedCrossings sorted_;
   Family families_[2];
   PathFinder paths_;
+  TracedRegions traced_;
   bool arePathsPrepared_ = false;
 };
 

@@ -4,8 +4,10 @@
 // and then a polygon crossed one way only (a crossing was missed), and crossings at one place whose order positions cannot tell.
 // The tests below clear `valid`; after each the vector is compacted and both sorted sides are thinned out with it. Removing records
 // does not change the order of those that stay, so the sides are sorted once, and only ties are put in order again when `order` was
-// settled. Order of the tests: balance first, since a polygon crossed one way only has no partner for the other tests; coincidence
-// before ties, since duplicates are ties that need no order; numbering last, it names places in the final lists.
+// settled. In a tie it is `order` that holds, not the positions: on slanting edges one place comes out with positions an ulp apart,
+// and noise puts boundaries that touch a little beside or across each other. Order of the tests: balance first, since a polygon
+// crossed one way only has no partner for the other tests; coincidence before ties, since duplicates are ties that need no order;
+// numbering last, it names places in the final lists.
 #include <cmath>
 
 #include <zbr/boolean.h>
@@ -50,10 +52,6 @@ class Cleaner {
   ZBR_CROSS& RecordOf(const PlacedCrossing& p) { return crosses_[static_cast<std::size_t>(p.index)]; }
   static bool AreCoincident(const PlacedCrossing& x, const PlacedCrossing& y) {
     return x.loop == y.loop && std::fabs(x.pos - y.pos) <= t_tolerance.eps;
-  }
-  // The same with the band built around the second position, which may differ in its last bit.
-  static bool AreTied(const PlacedCrossing& x, const PlacedCrossing& y) {
-    return x.loop == y.loop && WithinTol(x.pos, y.pos, t_tolerance.eps);
   }
 
   const LoopList* families_[2];
@@ -121,8 +119,7 @@ bool Cleaner::OrderTies(int side) {
   bool found = false;
   const std::vector<PlacedCrossing>& list = side_[side];
   for (std::size_t first = 0; first < list.size();) {
-    std::size_t last = first + 1;
-    while (last < list.size() && AreTied(list[last - 1], list[last])) ++last;
+    const std::size_t last = EndOfTie(list, first);
     if (last - first > 1) {
       spot_.clear();
       for (std::size_t k = first; k < last; ++k) spot_.push_back(list[k].index);

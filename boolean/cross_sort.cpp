@@ -85,12 +85,12 @@ void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<
 }
 
 void ResortTies(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed) {
-  const ZBR_CROSS_SORT_FUNCTOR less(crosses, side, 1 - side);
-  const auto before = [&less](const PlacedCrossing& x, const PlacedCrossing& y) { return less(x.index, y.index); };
-  for (auto first = placed.begin(); first != placed.end();) {
-    auto last = first + 1;
-    while (last != placed.end() && last->loop == first->loop && last->pos == first->pos) ++last;
-    if (last - first > 1) std::stable_sort(first, last, before);
+  const auto orderOf = [&](const PlacedCrossing& p) { return Side(crosses[static_cast<std::size_t>(p.index)], side).order; };
+  const auto before = [&](const PlacedCrossing& x, const PlacedCrossing& y) { return orderOf(x) < orderOf(y); };
+  for (std::size_t first = 0; first < placed.size();) {
+    const std::size_t last = EndOfTie(placed, first);
+    const auto begin = placed.begin() + static_cast<std::ptrdiff_t>(first);
+    if (last - first > 1) std::stable_sort(begin, placed.begin() + static_cast<std::ptrdiff_t>(last), before);
     first = last;
   }
 }

@@ -6,6 +6,8 @@
 
 #include <zbr/boolean.h>
 
+#include "core/tolerance_state.h"
+
 namespace zbr {
 
 // The record of one side of a crossing: 0 for a, 1 for b.
@@ -29,7 +31,20 @@ struct PlacedCrossing {
 // keep their order.
 void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed);
 
-// Puts `placed`, in order but for changed `order` fields, in order again.
+// Whether two neighbours along a side share one place: positions that differ by less than the tolerance are one, since each pair of
+// edges computes its own. The band is built around the second position, which may differ in its last bit.
+inline bool AreTied(const PlacedCrossing& x, const PlacedCrossing& y) {
+  return x.loop == y.loop && WithinTol(x.pos, y.pos, t_tolerance.eps);
+}
+
+// The end of the tied neighbours from `first` on.
+inline std::size_t EndOfTie(const std::vector<PlacedCrossing>& list, std::size_t first) {
+  std::size_t last = first + 1;
+  while (last < list.size() && AreTied(list[last - 1], list[last])) ++last;
+  return last;
+}
+
+// Puts tied neighbours in the order of their `order` fields, whatever their positions say.
 void ResortTies(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed);
 
 // Calls visit(first, last) for each run of places on the same polygon; loopAt(k) is the packed key at place k.

@@ -5,13 +5,12 @@
 // two box hierarchies, one over all edges of A's polygons, one over all of B's, so that neither many small rings nor large ones far
 // apart cost more than their edges.
 // Order: records are wanted by loop of A, loop of B, polygon of A, polygon of B, corner, edge. The join gives them by polygon of A
-// as the index holds it, corner, then edge of B. With one polygon on either side these agree; otherwise every record keeps its rank
-// and the records are put in order at the end.
+// as the index holds it, corner, then edge of B. With one polygon on either side these agree; otherwise the records are put in
+// order at the end.
 // Runs of equal points act as one vertex: on A only the last of a run is a corner, and its predecessor is the last corner before;
 // on B a contact with a vertex is recorded at the last point of its run, so that the records of arriving and leaving meet.
 #include <algorithm>
 #include <numeric>
-#include <tuple>
 #include <unordered_map>
 
 #include <zbr/boolean.h>
@@ -19,6 +18,9 @@
 #include "boolean/contact.h"
 #include "boolean/polygons.h"
 #include "boolean/search.h"
+#include "core/prefetch.h"
+#include "core/radix_sort.h"
+#include "core/small_sort.h"
 #include "loops/edge_index.h"
 #include "loops/point_in_loop.h"
 
@@ -52,12 +54,16 @@ CornerTable CornersOf(const IndexedRing& ring, double eps2) {
   return table;
 }
 
-// Where a record stands in the wanted order.
-struct Rank {
-  std::uint32_t a;  // polygon of A, numbered through the list
+// The polygons of a record, numbered through their lists.
+struct PolygonPair {
+  std::uint32_t a;
   std::uint32_t b;
-  std::uint32_t corner;
-  std::uint32_t edge;
+};
+
+// A record on its way to its place: its number as found, and what it is sorted by.
+struct SortedRecord {
+  std::uint32_t b;
+  std::uint32_t found;
 };
 
 class CrossingSearch {
@@ -68,14 +74,13 @@ class CrossingSearch {
   void Run() {
     const std::size_t before = out_.size();
     if (!IndexBoth()) return;
-    needsRanks_ = a_.size() > 1 || b_.size() > 1;
+    needsOrder_ = a_.size() > 1 || b_.size() > 1;
     BoxJoin::Run(indexA_.tree(), indexB_.tree(), [&](std::uint32_t leaf, std::span<const std::uint32_t> leavesB) {
       progress_ = leaf;
       SearchLeaf(indexA_.leaf(leaf), leavesB);
       return true;
     });
-    if (needsRanks_) PutInOrder(before);
-    for (std::size_t i = before; i < out_.size(); ++i) out_[i].index = static_cast<int>(i);
+    if (needsOrder_) PutInOrder(before);
   }
 
   const EdgeIndex& indexA() const { return indexA_; }
@@ -85,8 +90,8 @@ class CrossingSearch {
   bool IndexBoth() {
     std::vector<IndexedRing> ringsA;
     std::vector<IndexedRing> ringsB;
-    for (std::uint32_t i = 0; i < a_.size(); ++i) AddRing(a_[i], i, true, ringsA);
-    for (std::uint32_t i = 0; i < b_.size(); ++i) AddRing(b_[i], i, false, ringsB);
+    AddRings(a_, true, ringsA);
+    AddRings(b_, false, ringsB);
     if (ringsA.empty() || ringsB.empty()) return false;
     indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
     indexB_.Build(std::move(ringsB), 0.0, eps2_);
@@ -95,6 +100,15 @@ class CrossingSearch {
       if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
     }
     return true;
+  }
+
+  void AddRings(const std::vector<Polygon>& polygons, bool isA, std::vector<IndexedRing>& rings) {
+    rings.reserve(polygons.size());
+    for (std::uint32_t i = 0; i < polygons.size(); ++i) {
+      if (i + 2 * kItemsAhead < polygons.size()) PrefetchObject(**polygons[i + 2 * kItemsAhead].loop);
+      if (i + kItemsAhead < polygons.size()) Prefetch((**polygons[i + kItemsAhead].loop).pt().data());
+      AddRing(polygons[i], i, isA, rings);
+    }
   }
 
   // A's slots are corners from the first on. B's are edges, the closing one first.
@@ -118,12 +132,11 @@ class CrossingSearch {
       const std::uint32_t cur = ring.Vertex(slot);
       const std::uint32_t prev = table != nullptr ? (*table)[cur] : cur == 0 ? ring.n - 1 : cur - 1;
       if (prev == kNoCorner) continue;
-      SearchCorner(ring, slot, prev, cur, leavesB);
+      SearchCorner(ring, prev, cur, leavesB);
     }
   }
 
-  void SearchCorner(const IndexedRing& ring, std::uint32_t slot, std::uint32_t prev, std::uint32_t cur,
-                    std::span<const std::uint32_t> leavesB) {
+  void SearchCorner(const IndexedRing& ring, std::uint32_t prev, std::uint32_t cur, std::span<const std::uint32_t> leavesB) {
     const ZBR_PT& p = ring.points[cur];
     const ZBR_PT& next = ring.points[ring.Next(cur)];
     const Box edgeBox = BoxOfSegment(p, next).Widened(kBoxMargin);
@@ -147,7 +160,7 @@ class CrossingSearch {
         if ((beyondFrom & beyond) != 0) continue;  // the edge's box lies wholly beyond one side
         if (other.hasRepeats && SamePoint(q0, q1, eps2_)) continue;
         if (!corner.Meet(q0, q1, contact) || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) continue;
-        Record(contact, {ring.id, other.id, slot, edge}, cur, PositionOnB(other, from, contact.tB));
+        Record(contact, {ring.id, other.id}, cur, PositionOnB(other, from, contact.tB));
       }
     }
   }
@@ -167,17 +180,18 @@ class CrossingSearch {
     return v;
   }
 
-  void Record(const Contact& contact, const Rank& rank, std::uint32_t cur, double posB) {
+  void Record(const Contact& contact, PolygonPair polygons, std::uint32_t cur, double posB) {
     if (out_.size() == out_.capacity()) Grow();
     ZBR_CROSS& cross = out_.emplace_back();
     cross.pt = contact.pt;
     cross.dir = contact.dir;
-    cross.a.loop = a_[rank.a].key;
+    cross.a.loop = a_[polygons.a].key;
     cross.a.pos = cur + contact.tA;
-    cross.b.loop = b_[rank.b].key;
+    cross.b.loop = b_[polygons.b].key;
     cross.b.pos = posB;
     cross.valid = true;
-    if (needsRanks_) ranks_.push_back(rank);
+    cross.index = static_cast<int>(out_.size()) - 1;
+    if (needsOrder_) polygons_.push_back(polygons);
   }
 
   // Expects the rest of A to be crossed as often as what has been searched: one move of a large vector instead of many.
@@ -189,47 +203,60 @@ class CrossingSearch {
     out_.reserve(std::clamp(static_cast<std::size_t>(std::min(expected, 1e15)), doubled, most));
   }
 
-  // The records of one polygon of A lie together. They are brought into list order polygon by polygon, each sorted by B, corner and
-  // edge; where a loop of A has several polygons, loops of B come before them in the order and are sorted by last.
+  // The records of one polygon of A lie together, by corner, and those of one corner by edge of B. So they are brought into list
+  // order polygon by polygon, each sorted stably by polygon of B; where a loop of A has several polygons, loops of B come before
+  // them in the order and are sorted by last.
   void PutInOrder(std::size_t before) {
-    const auto byPlace = [this](std::uint32_t i, std::uint32_t j) {
-      const Rank& x = ranks_[i];
-      const Rank& y = ranks_[j];
-      return std::tie(x.b, x.corner, x.edge) < std::tie(y.b, y.corner, y.edge);
-    };
     std::vector<std::uint32_t> first(a_.size() + 1, 0);  // of each polygon's records in the final order
-    for (const Rank& rank : ranks_) ++first[rank.a + 1];
+    for (const PolygonPair& p : polygons_) ++first[p.a + 1];
     std::partial_sum(first.begin(), first.end(), first.begin());
-    std::vector<std::uint32_t> order(ranks_.size());
-    for (std::uint32_t i = 0; i < ranks_.size();) {
-      const std::uint32_t a = ranks_[i].a;
-      const auto begin = order.begin() + first[a];
-      const auto end = order.begin() + first[a + 1];
-      std::iota(begin, end, i);
-      if (!std::is_sorted(begin, end, byPlace)) std::sort(begin, end, byPlace);
-      i += first[a + 1] - first[a];
+    std::vector<SortedRecord> order(polygons_.size());
+    for (std::uint32_t i = 0; i < polygons_.size();) {
+      const std::uint32_t a = polygons_[i].a;
+      const std::span<SortedRecord> records = std::span(order).subspan(first[a], first[a + 1] - first[a]);
+      for (SortedRecord& r : records) {
+        r = {polygons_[i].b, i};
+        ++i;
+      }
+      StableSort(records, [](const SortedRecord& r) { return r.b; });
     }
     SortByLoopOfB(first, order);
-    if (std::is_sorted(order.begin(), order.end())) return;
-    std::vector<ZBR_CROSS> ordered;
-    ordered.reserve(out_.size());
-    ordered.insert(ordered.end(), out_.begin(), out_.begin() + static_cast<std::ptrdiff_t>(before));
-    for (const std::uint32_t i : order) ordered.push_back(out_[before + i]);
-    out_ = std::move(ordered);
+    const auto byFound = [](const SortedRecord& x, const SortedRecord& y) { return x.found < y.found; };
+    if (!std::is_sorted(order.begin(), order.end(), byFound)) MoveRecords(before, order);
   }
 
-  void SortByLoopOfB(const std::vector<std::uint32_t>& first, std::vector<std::uint32_t>& order) const {
-    const auto byLoop = [this](std::uint32_t i, std::uint32_t j) {
-      return b_[ranks_[i].b].key.loop() < b_[ranks_[j].b].key.loop();
-    };
+  void SortByLoopOfB(const std::vector<std::uint32_t>& first, std::vector<SortedRecord>& order) {
     for (std::size_t a = 0; a < a_.size();) {
       std::size_t next = a + 1;
       while (next < a_.size() && a_[next].key.loop() == a_[a].key.loop()) ++next;
-      const auto begin = order.begin() + first[a];
-      const auto end = order.begin() + first[next];
-      if (next - a > 1 && !std::is_sorted(begin, end, byLoop)) std::stable_sort(begin, end, byLoop);
+      if (next - a > 1) {
+        StableSort(std::span(order).subspan(first[a], first[next] - first[a]),
+                   [this](const SortedRecord& r) { return static_cast<std::uint32_t>(b_[r.b].key.loop()); });
+      }
       a = next;
     }
+  }
+
+  template <class Key>
+  void StableSort(std::span<SortedRecord> records, Key key) {
+    constexpr std::size_t kFew = 32;
+    const auto less = [key](const SortedRecord& x, const SortedRecord& y) { return key(x) < key(y); };
+    if (std::is_sorted(records.begin(), records.end(), less)) return;
+    if (records.size() <= kFew) return SmallSort(records.begin(), records.end(), less);
+    sorted_.assign(records.begin(), records.end());
+    RadixSort(sorted_, scratch_, key);
+    std::copy(sorted_.begin(), sorted_.end(), records.begin());
+  }
+
+  void MoveRecords(std::size_t before, const std::vector<SortedRecord>& order) {
+    std::vector<ZBR_CROSS> moved;
+    moved.reserve(out_.size());
+    moved.insert(moved.end(), out_.begin(), out_.begin() + static_cast<std::ptrdiff_t>(before));
+    for (const SortedRecord& r : order) {
+      moved.push_back(out_[before + r.found]);
+      moved.back().index = static_cast<int>(moved.size()) - 1;
+    }
+    out_ = std::move(moved);
   }
 
   const std::vector<Polygon>& a_;
@@ -240,15 +267,17 @@ class CrossingSearch {
   EdgeIndex indexA_;
   EdgeIndex indexB_;
   std::unordered_map<std::uint32_t, CornerTable> corners_;
-  std::vector<Rank> ranks_;  // of the records appended, kept only when they may need sorting
+  std::vector<PolygonPair> polygons_;  // of the records appended, kept only when they may need sorting
+  std::vector<SortedRecord> sorted_;   // scratch of StableSort, as the next
+  std::vector<SortedRecord> scratch_;
   std::uint32_t progress_ = 0;
-  bool needsRanks_ = false;
+  bool needsOrder_ = false;
 };
 
 void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPolygon>* seen) {
   if (seen == nullptr) return;
   seen->assign(polygons, {});
-  for (const IndexedRing& ring : index.rings()) (*seen)[ring.id].hasRepeats = ring.hasRepeats;
+  for (const IndexedRing& ring : index.rings()) (*seen)[ring.id] = {{ring.points, ring.n}, ring.hasRepeats};
 }
 
 }  // namespace

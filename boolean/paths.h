@@ -43,6 +43,7 @@ class PathFinder {
     const std::size_t begin = k == 0 ? 0 : ends_[k - 1];
     return std::span(items_).subspan(begin, ends_[k] - begin);
   }
+  const SideOrder& order(int side) const { return order_[side]; }
   // Whether the last Find used up, or passed over, the crossing at a place along A.
   bool done(std::size_t placeOnA) const { return done_[placeOnA] != 0; }
 

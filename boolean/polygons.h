@@ -9,6 +9,8 @@
 
 #include <zbr/boolean.h>
 
+#include "core/prefetch.h"
+
 namespace zbr {
 
 struct Polygon {
@@ -25,7 +27,10 @@ inline void AppendPolygons(const std::shared_ptr<ZBR_LOOP>& loop, int index, std
 inline std::vector<Polygon> PolygonsOf(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
   std::vector<Polygon> polygons;
   polygons.reserve(loops.size());
-  for (std::size_t i = 0; i < loops.size(); ++i) AppendPolygons(loops[i], static_cast<int>(i), polygons);
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    if (i + kItemsAhead < loops.size()) PrefetchObject(*loops[i + kItemsAhead]);
+    AppendPolygons(loops[i], static_cast<int>(i), polygons);
+  }
   return polygons;
 }
 

@@ -1,7 +1,7 @@
 // The search for crossings, as the Boolean uses it.
 #pragma once
 
-#include <cstdint>
+#include <span>
 #include <vector>
 
 #include <zbr/boolean.h>
@@ -10,8 +10,10 @@
 
 namespace zbr {
 
-// What the search learns of a polygon besides its crossings.
+// What the search learns of a polygon besides its crossings. Kept for those who walk the polygon later: to ask the loop again would
+// be another wait for memory.
 struct SearchedPolygon {
+  std::span<const ZBR_PT> points;
   bool hasRepeats = false;  // some edge is no longer than the tolerance
 };
 

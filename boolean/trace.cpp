@@ -4,13 +4,11 @@
 // vertices strictly between the two positions. Points that coincide with the last one appended are left out.
 // Difficulty: positions say where on the ring a crossing lies, but not how often to go round. When no vertex lies between the two
 // positions the stretch is either empty or a whole turn, and which one depends on their order in walking direction; a position of 0
-// stands for n where it ends a stretch.
+// stands for n where it ends a stretch. Of two crossings at one place the lists know the order, the positions may contradict it.
 #include "boolean/trace.h"
 
 #include <algorithm>
 
-#include "boolean/cross_sort.h"
-#include "boolean/polygons.h"
 #include "core/planar_inline.h"
 #include "core/prefetch.h"
 
@@ -54,7 +52,7 @@ VertexRange BackwardRange(double p1, double p2, std::size_t n) {
 
 // One stretch of a path.
 struct Stretch {
-  const std::vector<ZBR_PT>* ring;
+  std::span<const ZBR_PT> ring;
   VertexRange vertices;
   bool forward;
   bool hasRepeats;
@@ -63,14 +61,13 @@ struct Stretch {
 
 class Tracer {
  public:
-  Tracer(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const TracedFamily& a,
-         const TracedFamily& b)
-      : crosses_(crosses), alongA_(alongA), families_{&a, &b} {}
+  Tracer(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB)
+      : regions_(regions), paths_(paths), forward_{forwardA, forwardB} {}
 
-  // Asks for the records of a path that is built soon.
+  // Asks for the crossings of a path that is built soon.
   void PrefetchPath(std::span<const std::uint32_t> path) const {
     constexpr std::size_t kMostPrefetched = 8;
-    for (std::size_t i = 0; i + 1 < std::min(path.size(), kMostPrefetched); ++i) PrefetchObject(CrossingAt(path[i]));
+    for (std::size_t i = 0; i + 1 < std::min(path.size(), kMostPrefetched); ++i) PrefetchObject(regions_.crossings[path[i]]);
   }
 
   // The loop of a path, or null when it is degenerate.
@@ -78,7 +75,7 @@ class Tracer {
     std::size_t bound = 0;
     stretches_.clear();
     for (std::size_t i = 0; i + 1 < path.size(); ++i) {
-      stretches_.push_back(StretchBetween(CrossingAt(path[i]), CrossingAt(path[i + 1])));
+      stretches_.push_back(StretchBetween(path[i], path[i + 1], static_cast<int>(i % 2)));  // a path starts along A
       if (!stretches_.back().isNothing) bound += 1 + stretches_.back().vertices.count;
     }
     if (bound <= 2) return nullptr;
@@ -86,7 +83,7 @@ class Tracer {
     std::vector<ZBR_PT>& points = loop->pt();
     points.reserve(bound);
     for (std::size_t i = 0; i < stretches_.size(); ++i) {
-      if (!stretches_[i].isNothing) AppendStretch(CrossingAt(path[i]).pt, stretches_[i], points);
+      if (!stretches_[i].isNothing) AppendStretch(regions_.crossings[path[i]].pt, stretches_[i], points);
     }
     if (points.size() <= 2) return nullptr;
     loop->Setup();
@@ -94,28 +91,32 @@ class Tracer {
   }
 
  private:
-  const ZBR_CROSS& CrossingAt(std::uint32_t placeOnA) const { return crosses_[static_cast<std::size_t>(alongA_[placeOnA].index)]; }
-
-  Stretch StretchBetween(const ZBR_CROSS& c1, const ZBR_CROSS& c2) const {
-    const int side = c1.dir == ZBR_CROSS_TO_LEFT ? 0 : 1;
-    const TracedFamily& family = *families_[side];
-    const ZBR_CROSS_AB& from = Side(c1, side);
-    const ZBR_CROSS_AB& to = Side(c2, side);
-    const std::size_t number =
-        (*family.firstPolygon)[static_cast<std::size_t>(from.loop.loop())] + static_cast<std::size_t>(from.loop.poly());
-    const std::vector<ZBR_PT>& ring = (**(*family.polygons)[number].loop).pt();
-    const bool areNeighbours = family.forward ? from.seq + 1 == to.seq : to.seq + 1 == from.seq;
-    Stretch stretch{&ring, {}, family.forward, (*family.seen)[number].hasRepeats, false};
-    if (WithinTol(from.pos, to.pos, t_tolerance.eps) && areNeighbours) {
-      stretch.isNothing = true;
-      return stretch;
+  Stretch StretchBetween(std::uint32_t c1, std::uint32_t c2, int side) const {
+    const SideOrder& order = paths_.order(side);
+    const bool forward = forward_[side];
+    const std::uint32_t run = order.run.empty() ? 0 : order.run[order.PlaceOf(c1)];
+    const SearchedPolygon& polygon = regions_.polygons[side][run];
+    const double from = regions_.crossings[c1].pos[side];
+    const double to = regions_.crossings[c2].pos[side];
+    Stretch stretch{polygon.points, {}, forward, polygon.hasRepeats, false};
+    const bool isTie = WithinTol(from, to, t_tolerance.eps);
+    const bool isAheadByPosition = forward ? to > from : to < from;
+    if (isTie || !isAheadByPosition) {
+      const std::int64_t steps = forward ? StepsBetween(order, c1, c2) : StepsBetween(order, c2, c1);
+      stretch.isNothing = steps == 1 && isTie;
+      // What the list has ahead though its position is not, lies at the same place.
+      if (stretch.isNothing || (steps > 0 && !isAheadByPosition)) return stretch;
     }
     // A position may have been rounded up to n; that is vertex 0.
-    const std::size_t n = ring.size();
-    const double p1 = from.pos >= static_cast<double>(n) ? 0.0 : from.pos;
-    const double p2 = to.pos >= static_cast<double>(n) ? 0.0 : to.pos;
-    stretch.vertices = family.forward ? ForwardRange(p1, p2, n) : BackwardRange(p1, p2, n);
+    const std::size_t n = polygon.points.size();
+    const double p1 = from >= static_cast<double>(n) ? 0.0 : from;
+    const double p2 = to >= static_cast<double>(n) ? 0.0 : to;
+    stretch.vertices = forward ? ForwardRange(p1, p2, n) : BackwardRange(p1, p2, n);
     return stretch;
+  }
+
+  static std::int64_t StepsBetween(const SideOrder& order, std::uint32_t from, std::uint32_t to) {
+    return static_cast<std::int64_t>(order.PlaceOf(to)) - static_cast<std::int64_t>(order.PlaceOf(from));
   }
 
   static void AppendDistinct(const ZBR_PT& p, std::vector<ZBR_PT>& points) {
@@ -124,7 +125,7 @@ class Tracer {
 
   static void AppendStretch(const ZBR_PT& start, const Stretch& stretch, std::vector<ZBR_PT>& points) {
     AppendDistinct(start, points);
-    const std::vector<ZBR_PT>& ring = *stretch.ring;
+    const std::span<const ZBR_PT> ring = stretch.ring;
     const std::size_t n = ring.size();
     const auto next = [&](std::size_t v) { return stretch.forward ? (v + 1 == n ? 0 : v + 1) : (v == 0 ? n : v) - 1; };
     std::size_t v = stretch.vertices.first;
@@ -153,17 +154,16 @@ class Tracer {
     }
   }
 
-  const std::vector<ZBR_CROSS>& crosses_;
-  const std::vector<PlacedCrossing>& alongA_;
-  const TracedFamily* families_[2];
+  const TracedRegions& regions_;
+  const PathFinder& paths_;
+  bool forward_[2];
   std::vector<Stretch> stretches_;
 };
 
 }  // namespace
 
-void TracePaths(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const PathFinder& paths,
-                const TracedFamily& a, const TracedFamily& b, LoopList& result) {
-  Tracer tracer(crosses, alongA, a, b);
+void TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result) {
+  Tracer tracer(regions, paths, forwardA, forwardB);
   result.reserve(result.size() + paths.count());
   for (std::size_t k = 0; k < paths.count(); ++k) {
     if (k + kItemsAhead < paths.count()) tracer.PrefetchPath(paths.path(k + kItemsAhead));

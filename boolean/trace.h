@@ -14,16 +14,20 @@ namespace zbr {
 
 using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
-// One family of polygons as the tracer reads it.
-struct TracedFamily {
-  const std::vector<Polygon>* polygons = nullptr;            // in list order
-  const std::vector<std::uint32_t>* firstPolygon = nullptr;  // number of each loop's polygon 0
-  const std::vector<SearchedPolygon>* seen = nullptr;        // by polygon number
-  bool forward = true;
+// What tracing needs of a crossing, close together: paths meet the crossings in an order of their own, and every record they touch
+// is a wait for memory.
+struct TracedCrossing {
+  ZBR_PT pt;
+  double pos[2];  // along A and B
 };
 
-// Appends to `result` a loop for each path that encloses more than the tolerance.
-void TracePaths(const std::vector<ZBR_CROSS>& crosses, const std::vector<PlacedCrossing>& alongA, const PathFinder& paths,
-                const TracedFamily& a, const TracedFamily& b, LoopList& result);
+// What the operations of one call trace in common.
+struct TracedRegions {
+  std::vector<TracedCrossing> crossings;     // by place along A
+  std::vector<SearchedPolygon> polygons[2];  // of each run along A and B
+};
+
+// Appends to `result` a loop for each path that encloses more than the tolerance. The paths were found with these directions.
+void TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result);
 
 }  // namespace zbr

@@ -20,7 +20,7 @@ bool SamePos(const ZBR_CROSS_AB& p, const ZBR_CROSS_AB& c, const Tol& tol) {
   return p.loop.value == c.loop.value && Within(p.pos - c.pos, tol.eps);
 }
 
-void Resort(const Crosses& crosses, std::vector<int>* sorted) {
+void Resort(const Crosses& crosses, std::vector<int>* sorted, const Tol& tol) {
   for (int s = 0; s < 2; ++s) {
     sorted[s].resize(crosses.size());
     std::iota(sorted[s].begin(), sorted[s].end(), 0);
@@ -31,6 +31,13 @@ void Resort(const Crosses& crosses, std::vector<int>* sorted) {
     std::stable_sort(sorted[s].begin(), sorted[s].end(), [&](int i, int j) {
       return std::make_pair(key(i, s), key(i, 1 - s)) < std::make_pair(key(j, s), key(j, 1 - s));
     });
+    // Among tied neighbours `order` goes before the position.
+    const auto at = [&](int i) { return SideOf(crosses[static_cast<std::size_t>(i)], s); };
+    for (auto first = sorted[s].begin(), last = first; first != sorted[s].end(); first = last) {
+      while (++last != sorted[s].end() && SamePos(at(last[-1]), at(*last), tol)) {
+      }
+      std::stable_sort(first, last, [&](int i, int j) { return at(i).order < at(j).order; });
+    }
   }
 }
 
@@ -41,7 +48,7 @@ void Renumber(Crosses& crosses, const std::vector<int>* sorted) {
 }
 
 // Removes invalid crossings and sorts again. Returns false when too few are left; then everything is empty.
-bool Compact(Crosses& crosses, std::vector<int>* sorted) {
+bool Compact(Crosses& crosses, std::vector<int>* sorted, const Tol& tol) {
   std::erase_if(crosses, [](const ZBR_CROSS& c) { return !c.valid; });
   if (crosses.size() < 2) {
     crosses.clear();
@@ -50,7 +57,7 @@ bool Compact(Crosses& crosses, std::vector<int>* sorted) {
     return false;
   }
   for (std::size_t i = 0; i < crosses.size(); ++i) crosses[i].index = static_cast<int>(i);
-  Resort(crosses, sorted);
+  Resort(crosses, sorted, tol);
   return true;
 }
 
@@ -152,23 +159,23 @@ bool HasCrowdedSpot(Crosses& crosses, const std::vector<int>& list, int s, const
 bool OptimizeCross(const Loops& A, const Loops& B, Crosses& crosses, std::vector<int>* sorted, bool bothClosed, const Tol& tol) {
   if (bothClosed && crosses.size() < 2) {
     for (ZBR_CROSS& c : crosses) c.valid = false;
-    Compact(crosses, sorted);
+    Compact(crosses, sorted, tol);
     return false;
   }
-  Resort(crosses, sorted);
+  Resort(crosses, sorted, tol);
   if (bothClosed) {
     const bool a = DropUnbalanced(crosses, sorted[0], 0);
     const bool b = DropUnbalanced(crosses, sorted[1], 1);
-    if ((a || b) && !Compact(crosses, sorted)) return false;
+    if ((a || b) && !Compact(crosses, sorted, tol)) return false;
   }
-  if (DropCoincidentAlongA(crosses, sorted[0], tol) && !Compact(crosses, sorted)) return false;
-  if (!bothClosed && DropTouchesAlongB(crosses, sorted[1], tol) && !Compact(crosses, sorted)) return false;
+  if (DropCoincidentAlongA(crosses, sorted[0], tol) && !Compact(crosses, sorted, tol)) return false;
+  if (!bothClosed && DropTouchesAlongB(crosses, sorted[1], tol) && !Compact(crosses, sorted, tol)) return false;
   Renumber(crosses, sorted);
   bool crowded = HasCrowdedSpot(crosses, sorted[0], 0, tol);
   if (bothClosed) crowded = HasCrowdedSpot(crosses, sorted[1], 1, tol) || crowded;
   for (int s = 0; s < (bothClosed ? 2 : 1); ++s) {
     if (!OrderTies(s == 0 ? B : A, crosses, sorted[s], s, tol)) continue;
-    if (!Compact(crosses, sorted)) return crowded;
+    if (!Compact(crosses, sorted, tol)) return crowded;
     Renumber(crosses, sorted);
   }
   return crowded;

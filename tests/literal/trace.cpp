@@ -94,6 +94,7 @@ void AppendStretch(Loop& loop, const std::vector<ZBR_PT>& ring, const ZBR_CROSS&
   const int seq2 = SideOf(c2, side).seq;
   if (p2 - tol.eps <= p1 && p1 <= p2 + tol.eps && (forward ? seq1 + 1 == seq2 : seq2 + 1 == seq1)) return;
   AppendPoint(loop, c1.pt, tol);
+  if (forward ? seq1 < seq2 && p2 <= p1 : seq2 < seq1 && p1 <= p2) return;  // tied
   // Only now: the end of a ring is near its beginning on the plane, but a whole turn away from it along the ring.
   p1 = folded(p1);
   p2 = folded(p2);
