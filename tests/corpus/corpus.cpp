@@ -135,26 +135,26 @@ double Slack(const std::vector<LoopList>& regions) {
   return slack;
 }
 
-// The rings of the polygons that g is made of.
-std::vector<Ring> RingsOf(GEOSContextHandle_t context, const GEOSGeometry* g) {
-  std::vector<Ring> rings;
-  for (int k = 0; k < GEOSGetNumGeometries_r(context, g); ++k) {
-    const GEOSGeometry* const polygon = GEOSGetGeometryN_r(context, g, k);
-    if (GEOSGeomTypeId_r(context, polygon) != GEOS_POLYGON || GEOSisEmpty_r(context, polygon) == 1) continue;
-    for (int i = -1; i < GEOSGetNumInteriorRings_r(context, polygon); ++i) {
-      const GEOSGeometry* const line =
-          i < 0 ? GEOSGetExteriorRing_r(context, polygon) : GEOSGetInteriorRingN_r(context, polygon, i);
-      const GEOSCoordSequence* const points = GEOSGeom_getCoordSeq_r(context, line);
-      Ring& ring = rings.emplace_back(static_cast<std::size_t>(GEOSGeomGetNumPoints_r(context, line)) - 1);
-      for (std::size_t v = 0; v < ring.size(); ++v) {
-        double x = 0.0;
-        double y = 0.0;
-        GEOSCoordSeq_getXY_r(context, points, static_cast<unsigned>(v), &x, &y);
-        ring[v].Set(x, y);
-      }
+// Appends the rings of the polygons that g is made of; collections may hold collections.
+void AppendRings(GEOSContextHandle_t context, const GEOSGeometry* g, std::vector<Ring>& rings) {
+  if (GEOSGeomTypeId_r(context, g) != GEOS_POLYGON) {
+    for (int k = 0; k < GEOSGetNumGeometries_r(context, g); ++k) {
+      const GEOSGeometry* const part = GEOSGetGeometryN_r(context, g, k);
+      if (part != g) AppendRings(context, part, rings);
+    }
+    return;
+  }
+  for (int i = -1; i < GEOSGetNumInteriorRings_r(context, g) && GEOSisEmpty_r(context, g) == 0; ++i) {
+    const GEOSGeometry* const line = i < 0 ? GEOSGetExteriorRing_r(context, g) : GEOSGetInteriorRingN_r(context, g, i);
+    const GEOSCoordSequence* const points = GEOSGeom_getCoordSeq_r(context, line);
+    Ring& ring = rings.emplace_back(static_cast<std::size_t>(GEOSGeomGetNumPoints_r(context, line)) - 1);
+    for (std::size_t v = 0; v < ring.size(); ++v) {
+      double x = 0.0;
+      double y = 0.0;
+      GEOSCoordSeq_getXY_r(context, points, static_cast<unsigned>(v), &x, &y);
+      ring[v].Set(x, y);
     }
   }
-  return rings;
 }
 
 // What an odd number of the rings [from, to) surrounds; joined in halves, as that costs least.
@@ -174,7 +174,9 @@ bool RunCleaned(const Record& record, const Geos& geos, bool& agrees) {
   for (const auto& rings : record.operands) {
     Geos::Geometry region = ParityRegion(rings, 0, rings.size(), geos);
     if (!region) return false;
-    regions.push_back(Nest(RingsOf(region.get_deleter().context, region.get())));
+    std::vector<Ring> cleaned;
+    AppendRings(region.get_deleter().context, region.get(), cleaned);
+    regions.push_back(Nest(cleaned));
     if (!expected) {
       expected = std::move(region);
     } else if (!record.unary) {
