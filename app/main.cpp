@@ -2,6 +2,7 @@
 
 #include <zbr/tolerance.h>
 
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <iostream>
@@ -14,6 +15,7 @@
 #include "io/failure.h"
 
 int main(int argc, char** argv) {
+  std::signal(SIGXFSZ, SIG_IGN);  // writing then fails, and what was written is removed
   try {
     zbrSetEps(tool::kTolerance);
     const int code = tool::CommandLine().Run(std::vector<std::string>(argv + 1, argv + argc));

@@ -3,12 +3,11 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # Debian packages for the tool with its library, and what the tests and checks need beyond them. Everything the presets look for
-# at configuration is in the first list, so that all scripts share one build tree. (libassimp-dev wants zlib1g-dev without saying so.)
-build_packages=(g++ cmake ninja-build libcli11-dev libdxflib-dev libassimp-dev zlib1g-dev nlohmann-json3-dev libgtest-dev
-                libgeos-dev librsvg2-bin)
-check_packages=("${build_packages[@]}" binutils pkg-config clang clang-format)
+# at configuration is in the first list, so that all scripts share one build tree.
+build_packages=(g++ cmake ninja-build libcli11-dev libdxflib-dev nlohmann-json3-dev libgtest-dev libgeos-dev librsvg2-bin)
+check_packages=("${build_packages[@]}" binutils pkg-config clang libclang-rt-dev clang-format)
 lint_packages=("${check_packages[@]}" clang-tidy cppcheck)
-bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev libassimp-dev zlib1g-dev
+bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev nlohmann-json3-dev
                 libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev libcgal-dev libopenmesh-dev)
 
 say() { printf '\n== %s\n' "$*"; }

@@ -11,6 +11,7 @@
 #include "cli/manual.h"
 #include "io/failure.h"
 #include "io/numbers.h"
+#include "model/mesh_reader.h"
 
 namespace tool {
 namespace {
@@ -85,6 +86,11 @@ void AddObjects(CLI::App& command, std::vector<std::string>& models, std::vector
       ->type_name("MODEL[,DX,DY,DZ]");
 }
 
+void AddModelFormat(CLI::App& command, std::string& format) {
+  AddChoice(command, "--model-format", format, MeshFormats(),
+            "Format of models whose extension does not tell it, and of '-': stl, obj, ply, off, gltf or glb", "FORMAT");
+}
+
 void AddUnit(CLI::App& command, std::string& unit) {
   command.add_option("--unit", unit, "Unit of the model: mm (by default), cm, m, in, ft, ...")->type_name("UNIT");
 }
@@ -123,6 +129,7 @@ CommandLine::CommandLine()
   DeclareFile("info",
               "Print what a drawing holds: loops, vertices, area, box, depth of nesting; or a model, and what is wrong with it",
               info_);
+  AddModelFormat(*app_.get_subcommand("info"), info_.modelFormat);
   DeclareFile("check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any",
               check_);
   DeclareDraw();
@@ -184,6 +191,7 @@ void CommandLine::DeclareInside() {
 void CommandLine::DeclareDraw() {
   CLI::App& command = *app_.add_subcommand("draw", "Draw models of triangles without their hidden lines, in one or several views");
   AddObjects(command, draw_.models, draw_.objects);
+  AddModelFormat(command, draw_.modelFormat);
   command
       .add_option("-o,--output", draw_.outputs,
                   "File for the drawing, .svg, .dxf or .json; may be repeated. Without it the table of --stats is printed")
@@ -236,6 +244,7 @@ void CommandLine::DeclarePick() {
                   "Coordinates in the drawing, x and y in turn, in the unit of the model; without any, points are read from "
                   "standard input, one a line")
       ->type_name("X Y ...");
+  AddModelFormat(command, pick_.modelFormat);
   AddView(command, pick_.view);
   AddWeld(command, pick_.weld);
 }
@@ -244,6 +253,7 @@ void CommandLine::DeclareOutline() {
   CLI::App& command = *app_.add_subcommand(
       "outline", "Find what models cover in a view: their silhouettes as regions, loops with holes, in the unit of the model");
   AddObjects(command, outline_.models, outline_.objects);
+  AddModelFormat(command, outline_.modelFormat);
   command
       .add_option(
           "-o,--output", outline_.outputs,
@@ -269,12 +279,13 @@ void CommandLine::DeclareClip() {
   command.add_option("region", clip_.region, "The drawing that bounds the region")->required()->type_name("REGION");
   command
       .add_option("-o,--output", clip_.outputs,
-                  "File for the lines, the format by its extension; may be repeated. Without it the table of --stats is printed")
+                  "File for the lines, the format by its extension; may be repeated. {side} in a name stands for one file for each "
+                  "side. Without it the table of --stats is printed")
       ->allow_extra_args(false)
       ->type_name("OUT");
   command.add_flag("--outside", clip_.outside, "Keep what is outside of the region");
-  command.add_flag("--both", clip_.both, "Keep both, on layers of their own");
-  command.add_flag("--stats", clip_.stats, "Print numbers of lines, lengths and the milliseconds of each stage");
+  command.add_flag("--both", clip_.both, "Keep both, on layers of their own; what is inside comes first");
+  command.add_flag("--stats", clip_.stats, "Print numbers of lines, their lengths in space and the milliseconds of each stage");
   AddList(command, "--region-layer", clip_.regionLayers,
           "Read only these layers of the region's file; --layer chooses among those of the lines", "NAME,...");
   DeclareInput(command, clip_.input);

@@ -21,7 +21,7 @@ MultiPolygon for each operation.
 WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, any number in one file. Polygons of one
 file are united where they overlap. Results are one line for each operation.
 
-text (read and written): one "x y" a line, a blank line between loops, '#' starts a comment:
+text (read and written): one "x y" or "x y z" a line, a blank line between loops, '#' starts a comment:
 
   # a triangle with a hole
   0 0
@@ -36,7 +36,11 @@ svg (written): a picture of the operands' outlines and the filled results.
 
 Lines, which 'zbr clip' cuts, are every contour of a file, open or closed, each for itself. Beside the above they
 are LineString and MultiLineString (GeoJSON, WKT), blocks of points that do not close (text), and LINE, open
-polylines and polylines in space (DXF). Heights are kept: third numbers of points, elevations, z in DXF.
+polylines and polylines in space (DXF). Heights are kept: third numbers of points, elevations, z in DXF. With --both
+layers and features are named after their sides; what is inside comes first.
+
+Models (read): STL, OBJ, PLY, OFF and glTF 2, the latter with the nodes of its scene in their places. Other names, and
+'-', need --model-format.
 
 In DXF and text a point belongs to the drawing when an odd number of loops is around it, whatever the loops'
 directions. Numbers are written with the fewest digits that read back as the same number. Drawings are computed
@@ -51,6 +55,8 @@ Several operations: they share one search for crossings. With as many outputs as
 result, in the order of --op. A name with {op} stands for one file for each operation:
 
   zbr bool --op union,a-b A.dxf B.dxf -o out-{op}.dxf
+
+A name with {side} ('zbr clip --both') or {object} ('zbr outline') stands for one file for each of these.
 
 Any other number of outputs: each file holds all results, as layers (DXF), features (GeoJSON), lines (WKT),
 blocks under a comment (text) or panels of one picture (SVG).

@@ -106,7 +106,7 @@ int RunBool(const BoolOptions& options) {
   run.operations = FindOperations(options.operations);
   const std::vector<std::string> names = NamesOf(run.operations);
   const std::vector<std::string> inputs(options.files.begin(), options.files.begin() + 2);
-  run.plans = PlanOutputs(AllOutputs(options), names, FormatOption(options.input), inputs[0]);
+  run.plans = PlanOutputs(AllOutputs(options), {names, "{op}", true}, FormatOption(options.input), inputs[0]);
 
   Stopwatch watch;
   Stats stats;

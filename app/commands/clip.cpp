@@ -129,24 +129,28 @@ void Clip(Run& run, const LoopList& region) {
   }
 }
 
+// What one file holds.
+using Parts = std::vector<const Part*>;
+
 // Lines stay on their layers. Where both parts are written the layers tell them apart.
-std::string LayerName(const Run& run, const Part& part, const SpaceLine& line) {
+std::string LayerName(const Part& part, const SpaceLine& line, bool isAlone) {
   std::string side = NameOf(part.side);
   if (line.layer.empty() || line.layer == "0") return side;
-  return run.parts.size() == 1 ? std::string(line.layer) : std::string(line.layer) + "-" + side;
+  return isAlone ? std::string(line.layer) : std::string(line.layer) + "-" + side;
 }
 
-std::vector<LineLayer> LayersOf(const Run& run) {
+std::vector<LineLayer> LayersOf(const Parts& parts) {
   std::vector<LineLayer> layers;
-  std::map<std::string, std::size_t> places;
-  const auto layerOf = [&](const std::string& name) -> LineLayer& {
-    const auto [at, isNew] = places.try_emplace(name, layers.size());
-    if (isNew) layers.push_back({name, {}});
+  std::map<std::string, std::size_t> known;
+  const auto layerOf = [&](const std::string& name, const std::string& side) -> LineLayer& {
+    const auto [at, isNew] = known.try_emplace(name, layers.size());
+    if (isNew) layers.push_back({name, side, {}});
     return layers[at->second];
   };
-  for (const Part& part : run.parts) {
-    if (part.lines.empty()) layerOf(NameOf(part.side));
-    for (const SpaceLine& line : part.lines) layerOf(LayerName(run, part, line)).lines.push_back(line);
+  for (const Part* const part : parts) {
+    const std::string side = NameOf(part->side);
+    if (part->lines.empty()) layerOf(side, side);
+    for (const SpaceLine& line : part->lines) layerOf(LayerName(*part, line, parts.size() == 1), side).lines.push_back(line);
   }
   return layers;
 }
@@ -157,22 +161,33 @@ double LengthOf(const std::vector<SpaceLine>& lines) {
   return length;
 }
 
-std::string PictureOf(const Run& run) {
+std::string PictureOf(const Run& run, const Parts& parts) {
   Plot plot;
   plot.title = run.linesName + " and " + run.regionName;
-  plot.caption = run.parts.size() == 2 ? "Lines inside and outside" : std::string("Lines ") + NameOf(run.parts[0].side);
+  plot.caption = parts.size() == 2 ? "Lines inside and outside" : std::string("Lines ") + NameOf(parts[0]->side);
   plot.units = run.units;
   plot.items.push_back({run.regionName, run.region.area, run.region.loops, {}, "#e8edf3", "#94a3b8", 1.0});
-  for (const Part& part : run.parts) {
-    const bool isInside = part.side == Side::kInside;
-    PlotItem item{NameOf(part.side), LengthOf(part.lines), {}, {}, "", isInside ? "#0f766e" : "#d97706", 1.5};
-    for (const SpaceLine& line : part.lines) {
+  for (const Part* const part : parts) {
+    const bool isInside = part->side == Side::kInside;
+    PlotItem item{NameOf(part->side), LengthOf(part->lines), {}, {}, "", isInside ? "#0f766e" : "#d97706", 1.5};
+    for (const SpaceLine& line : part->lines) {
       std::vector<ZBR_PT>& points = item.lines.emplace_back();
       for (const ZBR_PT3& p : line.points) points.push_back(p.xy());
     }
     plot.items.push_back(std::move(item));
   }
   return WriteSvg(plot);
+}
+
+void WriteOutputs(const Run& run, const std::vector<OutputPlan>& plans) {
+  OutputFiles files;
+  for (const OutputPlan& plan : plans) {
+    Parts parts;
+    for (const std::size_t i : plan.results) parts.push_back(&run.parts[i]);
+    files.Add(plan.file, plan.format == Format::kSvg ? PictureOf(run, parts)
+                                                     : WriteLines(plan.format, LayersOf(parts), run.units, run.hasHeights));
+  }
+  files.Commit();
 }
 
 // Rows of names and numbers, aligned.
@@ -193,12 +208,14 @@ int RunClip(const ClipOptions& options) {
   Progress progress;
   if (options.lines == "-" && options.region == "-") throw Failure("-: standard input can be read only once");
   if (options.outside && options.both) throw Failure("--outside and --both exclude each other");
-  const auto plans = PlanOutputs(options.outputs, {"lines"}, FormatOption(options.input), options.lines);
   Run run;
   run.linesName = BaseName(options.lines);
   run.regionName = BaseName(options.region);
   if (!options.outside) run.parts.push_back({Side::kInside, {}});
   if (options.outside || options.both || options.outputs.empty()) run.parts.push_back({Side::kOutside, {}});
+  Results results{{}, "{side}", false};
+  for (const Part& part : run.parts) results.names.emplace_back(NameOf(part.side));
+  const auto plans = PlanOutputs(options.outputs, results, FormatOption(options.input), options.lines);
   std::vector<std::pair<std::string, double>> stages;
   Stopwatch watch;
   Read(options, run, progress);
@@ -211,12 +228,7 @@ int RunClip(const ClipOptions& options) {
   stages.emplace_back("clip", watch.Lap());
   progress.Stage("writing");
   run.region = MakeLayer(run.regionName, std::move(region.loops), run.frame);
-  OutputFiles files;
-  for (const OutputPlan& plan : plans) {
-    files.Add(plan.file,
-              plan.format == Format::kSvg ? PictureOf(run) : WriteLines(plan.format, LayersOf(run), run.units, run.hasHeights));
-  }
-  files.Commit();
+  WriteOutputs(run, plans);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");
   if (options.stats || plans.empty()) std::fputs(Report(run, stages).c_str(), UsesStandardOutput(plans) ? stderr : stdout);

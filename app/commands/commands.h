@@ -43,6 +43,7 @@ struct InsideOptions {
 struct FileOptions {
   InputOptions input;
   std::string file;
+  std::string modelFormat;  // of info alone; set: the file is a model
 };
 
 struct DrawOptions {
@@ -51,6 +52,7 @@ struct DrawOptions {
   std::vector<std::string> outputs;
   std::vector<std::string> views;  // names
   std::string look, up, axes;      // as in ViewOptions; a view beside the named ones
+  std::string modelFormat;         // of models whose names do not tell
   std::string sheet;               // "first", "third" or empty: by the number of views
   std::string hidden = "dashed";
   std::string scale, paper;  // empty: what fits
@@ -66,6 +68,7 @@ struct DrawOptions {
 
 struct PickOptions {
   std::string file;
+  std::string modelFormat;  // where the name does not tell
   ViewOptions view;
   double weld = 0.0;
   std::vector<std::string> coordinates;  // empty: points are read from standard input
@@ -77,7 +80,7 @@ struct OutlineOptions {
   std::vector<std::string> outputs;
   ViewOptions view;
   std::string unit = "mm";
-  std::string format;  // of outputs whose names do not tell
+  std::string modelFormat, format;  // of models and of outputs whose names do not tell
   double weld = 0.0;
   unsigned jobs = 0;   // 0: as many as there are processors
   bool whole = false;  // whatever nearer objects cover

@@ -109,6 +109,16 @@ void AddViewTimes(Report& report, const std::vector<Times>& times, bool fill) {
   if (fill) report.Time("outlines", sum.outlines);
 }
 
+// An object may be shaded in one view and covered, or seen edge-on, in another.
+void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<ObjectFile>& objects, Progress& progress) {
+  for (const ViewLines& view : views) {
+    for (std::size_t k = 0; k < view.outlines.size(); ++k) {
+      if (view.outlines[k].empty())
+        progress.Note(objects[k].name + ": note: nothing of it is seen in the view " + view.name + ", and nothing is filled there");
+    }
+  }
+}
+
 }  // namespace
 
 int RunDraw(const DrawOptions& options) {
@@ -117,7 +127,7 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  const Objects objects = ReadObjects(plan.objects);
+  const Objects objects = ReadObjects(plan.objects, options.modelFormat);
   plan.views = ChooseViews(options, objects.mesh.yUp);
   const double read = watch.Lap();
 
@@ -128,6 +138,7 @@ int RunDraw(const DrawOptions& options) {
 
   std::vector<Times> times;
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
+  NoteEmptyOutlines(views, objects.files, progress);
   watch.Lap();
 
   progress.Stage("writing");

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "commands/outputs.h"
 #include "geometry/units.h"
 #include "io/failure.h"
 #include "io/files.h"
@@ -68,9 +69,8 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   for (const std::string& file : options.outputs) {
     const auto same = [&](const SheetOutput& o) { return IsSameFile(o.file, file); };
     if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file + ": named twice as output");
-    for (const PlacedFile& object : plan.objects) {
-      if (IsSameFile(object.file, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
-    }
+    if (AreRead(plan.objects, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
+    CheckPlaceholders(file, "");
     plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
   }
   plan.threads = ThreadCount(options.jobs);

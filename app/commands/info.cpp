@@ -37,7 +37,7 @@ int Depth(const LoopList& rings) {
 }  // namespace
 
 int RunInfo(const FileOptions& options) {
-  if (IsMeshFile(options.file)) return RunMeshInfo(options);
+  if (IsMeshFile(options.file) || !options.modelFormat.empty()) return RunMeshInfo(options);
   Progress progress;
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();

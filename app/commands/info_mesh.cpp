@@ -35,8 +35,8 @@ class Report {
   std::string text_;
 };
 
-std::string FormatName(const std::string& file) {
-  std::string name = file.substr(file.rfind('.') + 1);
+std::string FormatName(const FileOptions& options) {
+  std::string name = IsMeshFile(options.file) ? options.file.substr(options.file.rfind('.') + 1) : options.modelFormat;
   for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return name;
 }
@@ -79,13 +79,13 @@ int RunMeshInfo(const FileOptions& options) {
   if (!options.input.layers.empty()) throw Failure(options.file + ": a model has no layers to choose");
   Progress progress;
   progress.Stage("reading " + options.file);
-  const Mesh mesh = ReadMesh(options.file);
+  const Mesh mesh = ReadMesh(options.file, options.modelFormat);
   progress.Stage("examining");
   constexpr double kAnyCrease = 180;  // no lines are drawn
   const Model model = MakeModel(mesh, kAnyCrease);
   Report report;
   report.Line("file", BaseName(options.file));
-  report.Line("format", FormatName(options.file));
+  report.Line("format", FormatName(options));
   report.Line("triangles", std::to_string(mesh.triangles.size()));
   report.Line("points", std::to_string(model.pointCount));
   report.Line("box", PointText(model.low) + " to " + PointText(model.high));

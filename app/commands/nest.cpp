@@ -50,7 +50,7 @@ std::string PictureOf(const Layer& layer, int units) {
 int RunNest(const NestOptions& options) {
   Progress progress;
   const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
-  const auto plans = PlanOutputs(options.outputs, {name}, FormatOption(options.input), options.file);
+  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   Region region = LoadRegion(loaded.contours.front(), loaded.frame, progress);
   OutputFiles files;

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <string_view>
 
 #include "commands/load.h"
 #include "commands/outputs.h"
@@ -20,23 +19,15 @@
 namespace tool {
 namespace {
 
-constexpr std::string_view kPlaceholder = "{object}";
-
-struct Output {
-  std::string file;
-  Format format = Format::kUnknown;
-};
-
-std::vector<Output> PlanOutputs(const OutlineOptions& options, const std::vector<PlacedFile>& objects) {
-  std::vector<Output> outputs;
+std::vector<OutputPlan> PlanOutputs(const OutlineOptions& options, const std::vector<PlacedFile>& objects) {
   const Format chosen = options.format.empty() ? Format::kUnknown : FormatByName(options.format);
-  for (const std::string& file : options.outputs) {
-    for (const PlacedFile& object : objects) {
-      if (IsSameFile(object.file, file)) throw Failure(file + ": is a model to be read; the outline needs another name");
-    }
-    outputs.push_back({file, OutputFormat(file, chosen, "")});
+  Results results{{}, "{object}", false};
+  for (const PlacedFile& object : objects) results.names.push_back(object.id);
+  std::vector<OutputPlan> plans = PlanOutputs(options.outputs, results, chosen, "");
+  for (const OutputPlan& plan : plans) {
+    if (AreRead(objects, plan.file)) throw Failure(plan.file + ": is a model to be read; the outline needs another name");
   }
-  return outputs;
+  return plans;
 }
 
 std::string ViewName(const ViewOptions& view) {
@@ -46,7 +37,7 @@ std::string ViewName(const ViewOptions& view) {
 
 // What the run works with, filled stage by stage.
 struct Run {
-  std::vector<Output> outputs;
+  std::vector<OutputPlan> plans;
   int units = 0;
   std::string title, view;
   std::vector<Layer> layers;  // one for each object
@@ -110,19 +101,12 @@ std::string TextOf(const Run& run, const std::vector<Layer>& layers, Format form
   return format == Format::kSvg ? PictureOf(run, layers) : WriteDrawing(format, layers, run.units);
 }
 
-// All objects in each file, or, where a name asks for it, one in each.
 void WriteOutputs(const Run& run) {
   OutputFiles files;
-  for (const auto& [file, format] : run.outputs) {
-    const std::size_t place = file.find(kPlaceholder);
-    if (place == std::string::npos) {
-      files.Add(file, TextOf(run, run.layers, format));
-      continue;
-    }
-    for (const Layer& layer : run.layers) {
-      std::string name = file;
-      files.Add(name.replace(place, kPlaceholder.size(), layer.name), TextOf(run, {layer}, format));
-    }
+  for (const OutputPlan& plan : run.plans) {
+    std::vector<Layer> layers;
+    for (const std::size_t i : plan.results) layers.push_back(run.layers[i]);
+    files.Add(plan.file, TextOf(run, layers, plan.format));
   }
   files.Commit();
 }
@@ -150,7 +134,7 @@ int RunOutline(const OutlineOptions& options) {
   std::vector<std::pair<std::string, double>> stages;
   Stopwatch watch;
   progress.Stage("reading");
-  const Objects objects = ReadObjects(files);
+  const Objects objects = ReadObjects(files, options.modelFormat);
   const View view = ChooseView(options.view, objects.mesh.yUp);
   stages.emplace_back("read", watch.Lap());
 
@@ -170,11 +154,10 @@ int RunOutline(const OutlineOptions& options) {
   WriteOutputs(run);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");
-  if (options.stats || run.outputs.empty()) {
+  if (options.stats || run.plans.empty()) {
     const std::string report = LayerTable(NamesOf(run.layers), run.layers) + "triangles  " + std::to_string(model.TriangleCount()) +
                                "\n" + StageTable(stages);
-    const bool pipe = std::any_of(run.outputs.begin(), run.outputs.end(), [](const Output& o) { return o.file == "-"; });
-    std::fputs(report.c_str(), pipe ? stderr : stdout);
+    std::fputs(report.c_str(), UsesStandardOutput(run.plans) ? stderr : stdout);
   }
   return kExitFine;
 }

@@ -2,17 +2,13 @@
 #include "commands/outputs.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <numeric>
-#include <string_view>
 
 #include "io/failure.h"
 
 namespace tool {
 namespace {
-
-constexpr std::string_view kPlaceholder = "{op}";
-
-}  // namespace
 
 Format OutputFormat(const std::string& file, Format chosen, const std::string& input) {
   Format format = FormatOf(file, chosen);
@@ -21,23 +17,42 @@ Format OutputFormat(const std::string& file, Format chosen, const std::string& i
   return format;
 }
 
-std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const std::vector<std::string>& results, Format chosen,
+bool IsSmallLetter(char c) {
+  return c >= 'a' && c <= 'z';
+}
+
+}  // namespace
+
+void CheckPlaceholders(const std::string& file, const std::string& placeholder) {
+  for (std::size_t open = file.find('{'); open != std::string::npos; open = file.find('{', open + 1)) {
+    const auto end = std::find_if_not(file.begin() + static_cast<std::ptrdiff_t>(open) + 1, file.end(), IsSmallLetter);
+    const std::string word(file.begin() + static_cast<std::ptrdiff_t>(open), end);
+    if (word.size() == 1 || end == file.end() || *end != '}' || word + "}" == placeholder) continue;
+    std::string cause = file + ": ";
+    cause.append(word).append("} stands for nothing here");
+    if (!placeholder.empty()) cause.append("; there is ").append(placeholder);
+    throw Failure(cause);
+  }
+}
+
+std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const Results& results, Format chosen,
                                     const std::string& input) {
-  std::vector<std::size_t> all(results.size());
+  std::vector<std::size_t> all(results.names.size());
   std::iota(all.begin(), all.end(), std::size_t{0});
-  const bool onePerResult = results.size() > 1 && outputs.size() == results.size();
+  const bool onePerResult = results.sharedOut && all.size() > 1 && outputs.size() == all.size();
   std::vector<OutputPlan> plans;
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     const std::string& output = outputs[i];
+    CheckPlaceholders(output, results.placeholder);
     const Format format = OutputFormat(output, chosen, input);
-    const std::size_t place = output.find(kPlaceholder);
+    const std::size_t place = results.placeholder.empty() ? std::string::npos : output.find(results.placeholder);
     if (place == std::string::npos) {
       plans.push_back({output, format, onePerResult ? std::vector<std::size_t>{i} : all});
       continue;
     }
     for (const std::size_t k : all) {
       std::string name = output;
-      plans.push_back({name.replace(place, kPlaceholder.size(), results[k]), format, {k}});
+      plans.push_back({name.replace(place, results.placeholder.size(), results.names[k]), format, {k}});
     }
   }
   return plans;

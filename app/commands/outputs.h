@@ -8,20 +8,27 @@
 
 namespace tool {
 
+// What a run has to write: results by name, and how the names of outputs may refer to them.
+struct Results {
+  std::vector<std::string> names;
+  std::string placeholder;  // such as "{op}"
+  bool sharedOut = false;   // one output for each result in turn when there are several results and as many outputs
+};
+
 struct OutputPlan {
   std::string file;
   Format format = Format::kUnknown;
   std::vector<std::size_t> results;  // indices
 };
 
-// One output for each result in turn when there are several results and as many outputs; an output with "{op}" in its name stands
-// for one file for each result; every other output gets all results. The format follows from the name; for standard output and
-// names that tell nothing it is `chosen`, and if none was chosen standard output gets that of the input file.
-std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const std::vector<std::string>& results, Format chosen,
+// An output with the placeholder in its name stands for one file for each result, every other one gets all results unless they are
+// shared out. The format follows from the name; for standard output and names that tell nothing it is `chosen`, and if none was
+// chosen standard output gets that of the input file.
+std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const Results& results, Format chosen,
                                     const std::string& input);
 
-// One output: its format as told there.
-Format OutputFormat(const std::string& file, Format chosen, const std::string& input);
+// Fails where a name has a placeholder, a word in braces, other than this one.
+void CheckPlaceholders(const std::string& file, const std::string& placeholder);
 
 // Whether a plan writes to standard output, so that reports have to go to standard error.
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans);

@@ -76,7 +76,7 @@ int RunPick(const PickOptions& options) {
   Progress progress;
   const std::vector<ZBR_PT> points = ReadPoints(options.coordinates, options.file);
   progress.Stage("reading " + options.file);
-  const Mesh mesh = ReadMesh(options.file);
+  const Mesh mesh = ReadMesh(options.file, options.modelFormat);
   const View view = ChooseView(options.view, mesh.yUp);
   progress.Stage("preparing");
   constexpr double kAnyCrease = 180;  // no lines are drawn

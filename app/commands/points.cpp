@@ -25,8 +25,10 @@ std::vector<ZBR_PT> PointsFromArguments(const std::vector<std::string>& coordina
 
 std::vector<ZBR_PT> PointsFromStandardInput() {
   std::vector<ZBR_PT> points;
-  for (const Path& path : ReadLoopText(ReadText("-"), "-").paths)
+  for (const Path& path : ReadLoopText(ReadText("-"), "-", Content::kLines).paths) {
+    if (!path.heights.empty()) FailAt("-", path.line, "a point from here on has three numbers");
     points.insert(points.end(), path.points.begin(), path.points.end());
+  }
   return points;
 }
 

@@ -23,7 +23,7 @@ std::string StemOf(const std::string& file) {
 
 // A name that ends like a model's is a name as a whole, whatever commas it has.
 PlacedFile ParseObject(const std::string& text) {
-  if (IsMeshFile(text)) return {text, {}};
+  if (IsMeshFile(text) || text == "-") return {text, {}, ""};
   std::array<double, 3> shift{};
   std::string rest = text;
   for (std::size_t axis = 3; axis-- > 0;) {
@@ -33,7 +33,7 @@ PlacedFile ParseObject(const std::string& text) {
     shift[axis] = *value;
     rest.resize(comma);
   }
-  return {rest, ZBR_PT3(shift[0], shift[1], shift[2])};
+  return {rest, ZBR_PT3(shift[0], shift[1], shift[2]), ""};
 }
 
 void Move(Mesh& mesh, const PlacedFile& placed) {
@@ -73,20 +73,27 @@ std::string FreeName(const std::string& name, std::set<std::string>& taken) {
 
 std::vector<PlacedFile> ListObjects(const std::vector<std::string>& models, const std::vector<std::string>& objects) {
   std::vector<PlacedFile> files;
-  for (const std::string& model : models) files.push_back({model, {}});
+  for (const std::string& model : models) files.push_back({model, {}, ""});
   for (const std::string& object : objects) files.push_back(ParseObject(object));
   if (files.empty()) throw Failure("no model is named; see 'zbr help'");
+  if (std::count_if(files.begin(), files.end(), [](const PlacedFile& placed) { return placed.file == "-"; }) > 1)
+    throw Failure("-: standard input can be read only once");
+  std::set<std::string> ids;
+  for (PlacedFile& placed : files) placed.id = FreeName(StemOf(placed.file), ids);
   return files;
 }
 
-Objects ReadObjects(const std::vector<PlacedFile>& files) {
+bool AreRead(const std::vector<PlacedFile>& files, const std::string& output) {
+  return output != "-" &&
+         std::any_of(files.begin(), files.end(), [&](const PlacedFile& placed) { return IsSameFile(placed.file, output); });
+}
+
+Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format) {
   Objects objects;
-  std::set<std::string> ids;
   for (const PlacedFile& placed : files) {
-    Mesh mesh = ReadMesh(placed.file);
+    Mesh mesh = ReadMesh(placed.file, format);
     Move(mesh, placed);
-    const std::string id = FreeName(StemOf(placed.file), ids);
-    objects.files.push_back({BaseName(placed.file), id, placed.shift, objects.mesh.triangles.size()});
+    objects.files.push_back({BaseName(placed.file), placed.id, placed.shift, objects.mesh.triangles.size()});
     Append(std::move(mesh), objects.mesh);
   }
   return objects;

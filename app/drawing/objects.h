@@ -11,13 +11,14 @@ namespace tool {
 // One file as an object.
 struct PlacedFile {
   std::string file;
-  ZBR_PT3 shift;  // added to all its points
+  ZBR_PT3 shift;   // added to all its points
+  std::string id;  // the name without folder and extension, numbered where that would repeat: for layers and files
 };
 
 // What an object's lines and outlines can be traced back to.
 struct ObjectFile {
   std::string name;  // of the file
-  std::string id;    // the same without folder and extension, numbered where that would repeat: for layers
+  std::string id;
   ZBR_PT3 shift;
   std::size_t firstTriangle = 0;  // triangles of all objects are numbered through
 };
@@ -30,8 +31,11 @@ struct Objects {
 // The models as they are, then the further objects, "FILE" or "FILE,DX,DY,DZ". Fails for what is neither, and without any.
 std::vector<PlacedFile> ListObjects(const std::vector<std::string>& models, const std::vector<std::string>& objects);
 
-// Fails when a file cannot be read or a shift carries points out of range.
-Objects ReadObjects(const std::vector<PlacedFile>& files);
+// Whether writing this file would overwrite one of them.
+bool AreRead(const std::vector<PlacedFile>& files, const std::string& output);
+
+// Fails when a file cannot be read or a shift carries points out of range. `format` is that of files whose names do not tell.
+Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format);
 
 // The names of all files, separated by commas, without folders and extensions.
 std::string TitleOf(const std::vector<PlacedFile>& files);

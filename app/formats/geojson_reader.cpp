@@ -12,6 +12,7 @@
 #include "formats/format.h"
 #include "formats/geojson_coordinates.h"
 #include "io/failure.h"
+#include "io/json_cause.h"
 #include "io/numbers.h"
 
 namespace tool {
@@ -144,19 +145,8 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
   }
 
   bool parse_error(std::size_t, const std::string& token, const nlohmann::detail::exception& error) override {
-    // The parser's own text is "[json.exception...] parse error at line 3, column 5: cause; last read: ...".
-    std::string cause = error.what();
     if (error.id == 406) Fail("number " + Quoted(token) + " is out of range");
-    if (const std::size_t column = cause.find(", column "); column != std::string::npos) {
-      const std::size_t colon = cause.find(": ", column);
-      cause = colon == std::string::npos ? cause : cause.substr(colon + 2);
-    }
-    constexpr std::size_t kLongest = 160;
-    if (cause.size() > kLongest) {
-      cause.resize(kLongest);
-      cause += "...";
-    }
-    Fail(cause);
+    Fail(JsonCause(error.what()));
   }
 
  private:

@@ -76,7 +76,7 @@ std::string WriteGeoJsonLines(const std::vector<LineLayer>& layers, int units, b
   std::string text = "{\"type\":\"FeatureCollection\",\"features\":[";
   for (const LineLayer& layer : layers) {
     text += (&layer == &layers.front() ? "\n" : ",\n") + FeatureStart(layer.name, "length", layer.Length(), units);
-    text += R"(},"geometry":{"type":"MultiLineString","coordinates":[)";
+    text += R"(,"side":")" + layer.side + R"("},"geometry":{"type":"MultiLineString","coordinates":[)";
     for (const SpaceLine& line : layer.lines) {
       text += &line == &layer.lines.front() ? "\n" : ",\n";
       AppendLine(text, line, heights);

@@ -1,6 +1,6 @@
 // Plain text of loops: a line for each point, x and y separated by blanks or a comma; a blank line between loops; '#' starts a
 // comment. Every loop is closed; stating the first point again at the end is allowed. Of lines each is as open as it is given, and
-// points may have a third number, the height.
+// points may have a third number, the height; regions have none, and take no notice of it.
 
 #include <optional>
 #include <string_view>
@@ -50,7 +50,7 @@ class LoopTextReader {
     }
     const std::string_view y = NextToken(rest);
     if (y.empty()) FailAt(drawing_.file, line_, "a point needs two numbers");
-    const std::string_view z = isForLines_ ? NextToken(rest) : std::string_view();
+    const std::string_view z = NextToken(rest);
     if (const std::string_view more = NextToken(rest); !more.empty()) FailAt(drawing_.file, line_, "unexpected " + Quoted(more));
     if (!inLoop_) {
       drawing_.paths.emplace_back();
@@ -59,9 +59,10 @@ class LoopTextReader {
     }
     inLoop_ = true;
     Path& path = drawing_.paths.back();
-    if (!z.empty() && path.heights.empty()) path.heights.resize(path.points.size());  // those before are at 0
+    if (isForLines_ && !z.empty() && path.heights.empty()) path.heights.resize(path.points.size());  // those before are at 0
     path.points.emplace_back(Coordinate(x), Coordinate(y));
-    if (!path.heights.empty() || !z.empty()) path.heights.push_back(z.empty() ? 0.0 : Coordinate(z));
+    const double height = z.empty() ? 0.0 : Coordinate(z);
+    if (isForLines_ && (!path.heights.empty() || !z.empty())) path.heights.push_back(height);
   }
 
   double Coordinate(std::string_view token) const {

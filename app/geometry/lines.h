@@ -24,6 +24,7 @@ struct SpaceLine {
 // A named result in the coordinates of the drawing.
 struct LineLayer {
   std::string name;
+  std::string side;  // of the region: "inside" or "outside"
   std::vector<SpaceLine> lines;
 
   double Length() const;

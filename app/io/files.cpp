@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -131,7 +133,9 @@ void OutputFiles::Commit() {
     SetMode(descriptor, file.target);
     WriteAll(descriptor, file.contents, file.name);
   }
-  // What may still fail comes before any file gets its name.
+  // What may still fail comes before any file gets its name. A reader that has gone must not end the run while files are left over.
+  const auto isLeftOver = [](const Pending& file) { return !file.temporary.empty(); };
+  if (std::any_of(files_.begin(), files_.end(), isLeftOver)) std::signal(SIGPIPE, SIG_IGN);
   for (Pending& file : files_) {
     if (file.name == "-") {
       WriteAll(STDOUT_FILENO, file.contents, "standard output");

@@ -2,9 +2,10 @@
 #include "model/mesh_reader.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
-#include <map>
+#include <utility>
 
 #include "io/failure.h"
 #include "io/files.h"
@@ -15,15 +16,21 @@ namespace {
 
 using Reader = Mesh (*)(const std::string& text, const std::string& file);
 
+constexpr std::array<std::pair<const char*, Reader>, 6> kReaders = {
+    {{"stl", ReadStl}, {"obj", ReadObj}, {"ply", ReadPly}, {"off", ReadOff}, {"gltf", ReadGltf}, {"glb", ReadGltf}}};
+
 // Null when there is none.
-Reader ReaderFor(const std::string& file) {
-  static const std::map<std::string, Reader> kReaders = {{"obj", ReadObj}, {"off", ReadOff},   {"stl", ReadStl},
-                                                         {"ply", ReadPly}, {"gltf", ReadGltf}, {"glb", ReadGltf}};
+Reader ReaderOf(const std::string& format) {
+  const auto* const found =
+      std::find_if(kReaders.begin(), kReaders.end(), [&](const auto& entry) { return entry.first == format; });
+  return found == kReaders.end() ? nullptr : found->second;
+}
+
+std::string ExtensionOf(const std::string& file) {
   const std::size_t dot = file.rfind('.');
   std::string extension = dot == std::string::npos ? "" : file.substr(dot + 1);
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  const auto found = kReaders.find(extension);
-  return found == kReaders.end() ? nullptr : found->second;
+  return extension;
 }
 
 bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
@@ -52,17 +59,27 @@ bool IsMeshCoordinate(const ZBR_PT3& p) {
 }
 
 bool IsMeshFile(const std::string& file) {
-  return ReaderFor(file) != nullptr;
+  return ReaderOf(ExtensionOf(file)) != nullptr;
 }
 
-Mesh ReadMesh(const std::string& file) {
-  const Reader reader = ReaderFor(file);
-  if (reader == nullptr) throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb");
+const std::vector<std::string>& MeshFormats() {
+  static const std::vector<std::string> kFormats = [] {
+    std::vector<std::string> formats;
+    for (const auto& [format, reader] : kReaders) formats.emplace_back(format);
+    return formats;
+  }();
+  return kFormats;
+}
+
+Mesh ReadMesh(const std::string& file, const std::string& format) {
+  const Reader reader = ReaderOf(IsMeshFile(file) ? ExtensionOf(file) : format);
+  if (reader == nullptr)
+    throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give --model-format");
   const std::string text = reader == ReadStl ? ReadFile(file) : ReadText(file);  // a binary STL may begin with anything
   if (text.empty()) throw Failure(file + ": the file is empty");
   Mesh mesh = reader(text, file);
   Check(mesh, file);
-  mesh.yUp = file.size() > 4 && std::tolower(static_cast<unsigned char>(file[file.rfind('.') + 1])) == 'g';  // glTF
+  mesh.yUp = reader == ReadGltf;
   return mesh;
 }
 

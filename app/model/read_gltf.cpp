@@ -1,137 +1,182 @@
-// glTF through assimp, of which only the reader of this format is switched on.
+// glTF 2: a tree of nodes, each with a place and perhaps a mesh, whose primitives are lists of triangles, strips and fans.
 //
-// None of its processing steps is asked for: they drop or turn triangles, or join points by rules of their own. Nodes are walked
-// here, so that mirrored ones keep their outer side.
-#include <assimp/scene.h>
-
-#include <assimp/BaseImporter.h>
-#include <algorithm>
-#include <assimp/Importer.hpp>
-#include <cctype>
+// Places are composed in double precision. What nodes look like, moves or bends does not matter here: neither are materials read,
+// nor skins, targets of morphing or animations.
+#include <array>
 #include <cmath>
-#include <cstddef>
-#include <exception>
-#include <set>
-#include <string>
+#include <cstdint>
+#include <map>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "io/failure.h"
-#include "model/polygons.h"
+#include "model/gltf_accessor.h"
+#include "model/gltf_file.h"
+#include "model/mesh_reader.h"
 #include "model/readers.h"
 
 namespace tool {
 namespace {
 
-// Readers of other formats guess by content and may take over a file that they then misread.
-void KeepReaders(Assimp::Importer& importer) {
-  for (std::size_t i = importer.GetImporterCount(); i-- > 0;) {
-    std::set<std::string> extensions;
-    importer.GetImporter(i)->GetExtensionList(extensions);
-    if (extensions.contains("gltf")) continue;
-    Assimp::BaseImporter* const unwanted = importer.GetImporter(i);
-    importer.UnregisterLoader(unwanted);
-    delete unwanted;  // unregistering hands it over
+// Where a node puts what belongs to it: its axes and its origin.
+struct Place {
+  ZBR_PT3 x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, origin;
+
+  ZBR_PT3 Direction(const ZBR_PT3& d) const { return x * d.x() + y * d.y() + z * d.z(); }
+  ZBR_PT3 Point(const ZBR_PT3& p) const { return Direction(p) + origin; }
+  Place operator*(const Place& inner) const {
+    return {Direction(inner.x), Direction(inner.y), Direction(inner.z), Point(inner.origin)};
   }
-}
-
-// As one line.
-std::string Cause(const char* message) {
-  std::string text = message;
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; }, ' ');
-  return text.empty() ? "cannot be read" : text;
-}
-
-struct Placed {
-  const aiNode* node;
-  aiMatrix4x4 place;
+  bool IsMirror() const { return x.OuterProduct(y).InnerProduct(z) < 0; }
 };
+
+// The quaternion x, y, z, w as axes. Files give it with few digits, so it is brought to unit length; 0 is no rotation.
+Place Rotation(const std::vector<double>& q) {
+  const double length2 = q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3];
+  if (!std::isnormal(length2)) return {};
+  const double f = 2 / length2, x = q[0], y = q[1], z = q[2], w = q[3];
+  Place place;
+  place.x.Set(1 - f * (y * y + z * z), f * (x * y + z * w), f * (x * z - y * w));
+  place.y.Set(f * (x * y - z * w), 1 - f * (x * x + z * z), f * (y * z + x * w));
+  place.z.Set(f * (x * z + y * w), f * (y * z - x * w), 1 - f * (x * x + y * y));
+  return place;
+}
+
+// A matrix, column by column, or else scale, rotation and translation.
+Place PlaceOf(const GltfItem& node) {
+  if (node.Has("matrix")) {
+    const std::vector<double> m = node.Numbers("matrix", std::vector<double>(16));
+    return {{m[0], m[1], m[2]}, {m[4], m[5], m[6]}, {m[8], m[9], m[10]}, {m[12], m[13], m[14]}};
+  }
+  const std::vector<double> origin = node.Numbers("translation", {0, 0, 0}), scale = node.Numbers("scale", {1, 1, 1});
+  Place place = Rotation(node.Numbers("rotation", {0, 0, 0, 1}));
+  place.x *= scale[0];
+  place.y *= scale[1];
+  place.z *= scale[2];
+  place.origin.Set(origin[0], origin[1], origin[2]);
+  return place;
+}
 
 class MeshBuilder {
  public:
-  MeshBuilder(const aiScene& scene, const std::string& file) : scene_(scene), file_(file) {}
+  MeshBuilder(GltfFile& gltf, const std::string& file) : gltf_(gltf), root_(gltf.Root()), file_(file) {}
 
   // Nodes in the order of the file, without recursion: files nest them as deeply as they like.
   Mesh Build() {
-    std::vector<Placed> open;
-    if (scene_.mRootNode != nullptr) open.push_back({scene_.mRootNode, scene_.mRootNode->mTransformation});
+    RefuseCompressed();
+    std::vector<bool> isDone(root_.CountOf("nodes"));
+    std::vector<Open> open;
+    Push(open, Roots(), Place());
     while (!open.empty()) {
-      const Placed placed = open.back();
+      const Open next = open.back();
       open.pop_back();
-      for (unsigned i = 0; i < placed.node->mNumMeshes; ++i) Add(*scene_.mMeshes[placed.node->mMeshes[i]], placed.place);
-      for (unsigned i = placed.node->mNumChildren; i-- > 0;) {
-        const aiNode* const child = placed.node->mChildren[i];
-        open.push_back({child, placed.place * child->mTransformation});
-      }
+      const GltfItem node = root_.Element("nodes", next.node);
+      if (isDone[next.node]) node.Fail("belongs to itself, or to two others");
+      isDone[next.node] = true;
+      const Place place = next.outer * PlaceOf(node);
+      if (node.Has("mesh")) AddMesh(root_.Element("meshes", node.Whole("mesh")), place);
+      Push(open, node.Wholes("children"), place);
     }
     return std::move(mesh_);
   }
 
  private:
-  void Add(const aiMesh& part, const aiMatrix4x4& place) {
-    const std::size_t first = mesh_.points.size();
-    for (unsigned i = 0; i < part.mNumVertices; ++i) AddPoint(place.IsIdentity() ? part.mVertices[i] : place * part.mVertices[i]);
-    const bool isMirrored = place.Determinant() < 0;
-    for (unsigned i = 0; i < part.mNumFaces; ++i) {
-      const aiFace& face = part.mFaces[i];
-      if (face.mNumIndices < 3) continue;  // a point or a line
-      corners_.clear();
-      for (unsigned k = 0; k < face.mNumIndices; ++k) {
-        if (face.mIndices[k] >= part.mNumVertices) throw Failure(file_ + ": a face refers to a point that is not there");
-        corners_.push_back(static_cast<std::uint32_t>(first + face.mIndices[k]));
-      }
-      if (isMirrored) std::reverse(corners_.begin(), corners_.end());
-      AddPolygon(mesh_, corners_);
+  struct Open {
+    std::size_t node;
+    Place outer;
+  };
+  enum Mode : std::size_t { kTriangles = 4, kStrip = 5, kFan = 6 };
+
+  void RefuseCompressed() const {
+    for (const std::string& extension : root_.Texts("extensionsRequired")) {
+      if (extension == "KHR_draco_mesh_compression" || extension == "EXT_meshopt_compression")
+        root_.Fail("compressed with " + extension + ", which is not supported");
     }
   }
 
-  void AddPoint(const aiVector3D& p) {
-    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
-      throw Failure(file_ + ": a coordinate of point " + std::to_string(mesh_.points.size() + 1) + " is not a finite number");
-    mesh_.points.emplace_back(p.x, p.y, p.z);
+  // The nodes of the scene to be shown; all that belong to no other where the file has no scenes.
+  std::vector<std::size_t> Roots() const {
+    if (root_.CountOf("scenes") > 0) return root_.Element("scenes", root_.Whole("scene", 0)).Wholes("nodes");
+    std::vector<bool> isChild(root_.CountOf("nodes"));
+    for (std::size_t i = 0; i < isChild.size(); ++i) {
+      for (const std::size_t child : root_.Element("nodes", i).Wholes("children")) {
+        if (child < isChild.size()) isChild[child] = true;
+      }
+    }
+    std::vector<std::size_t> roots;
+    for (std::size_t i = 0; i < isChild.size(); ++i) {
+      if (!isChild[i]) roots.push_back(i);
+    }
+    return roots;
   }
 
-  const aiScene& scene_;
+  static void Push(std::vector<Open>& open, const std::vector<std::size_t>& nodes, const Place& outer) {
+    for (std::size_t i = nodes.size(); i-- > 0;) open.push_back({nodes[i], outer});
+  }
+
+  void AddMesh(const GltfItem& mesh, const Place& place) {
+    std::map<std::size_t, std::uint32_t> firstPoints;  // primitives may share their points
+    for (std::size_t i = 0; i < mesh.CountOf("primitives"); ++i) {
+      const GltfItem primitive = mesh.Element("primitives", i);
+      const std::size_t mode = primitive.Whole("mode", kTriangles);
+      if (mode > kFan) primitive.Fail("mode " + std::to_string(mode) + " is unknown");
+      const GltfItem attributes = primitive.Child("attributes");
+      if (mode < kTriangles || !attributes.Has("POSITION")) continue;  // points and lines, or nothing to be seen
+      const GltfAccessor points(gltf_, attributes.Whole("POSITION"), "VEC3");
+      const auto [first, isNew] = firstPoints.try_emplace(attributes.Whole("POSITION"), mesh_.points.size());
+      if (isNew) AddPoints(points, place);
+      AddTriangles(static_cast<Mode>(mode), CornersOf(primitive, first->second, points.Count()), place.IsMirror());
+    }
+  }
+
+  void AddPoints(const GltfAccessor& points, const Place& place) {
+    if (points.Count() > kMostMeshPoints - mesh_.points.size()) throw Failure(file_ + ": too many points");
+    for (std::size_t i = 0; i < points.Count(); ++i) {
+      const ZBR_PT3 p = place.Point({points.At(i, 0), points.At(i, 1), points.At(i, 2)});
+      if (!std::isfinite(p.x()) || !std::isfinite(p.y()) || !std::isfinite(p.z()))
+        throw Failure(file_ + ": a coordinate of point " + std::to_string(mesh_.points.size() + 1) + " is not a finite number");
+      mesh_.points.push_back(p);
+    }
+  }
+
+  // The points of a primitive in the order in which they are used: that of its indices if it has any.
+  std::vector<std::uint32_t> CornersOf(const GltfItem& primitive, std::uint32_t firstPoint, std::size_t pointCount) {
+    std::optional<GltfAccessor> indices;
+    if (primitive.Has("indices")) indices.emplace(gltf_, primitive.Whole("indices"), "SCALAR");
+    std::vector<std::uint32_t> corners(indices ? indices->Count() : pointCount);
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+      const double place = indices ? indices->At(i, 0) : static_cast<double>(i);
+      if (!(place >= 0 && place < static_cast<double>(pointCount)) || place != std::floor(place))
+        throw Failure(file_ + ": a face refers to a point that is not there");
+      corners[i] = firstPoint + static_cast<std::uint32_t>(place);
+    }
+    return corners;
+  }
+
+  void AddTriangles(Mode mode, const std::vector<std::uint32_t>& corners, bool isMirrored) {
+    if (corners.size() / (mode == kTriangles ? 3 : 1) > kMostMeshPoints - mesh_.triangles.size())
+      throw Failure(file_ + ": too many triangles");
+    const std::size_t step = mode == kTriangles ? 3 : 1;
+    for (std::size_t i = 0; i + 2 < corners.size(); i += step) {
+      std::array<std::uint32_t, 3> t = {corners[mode == kFan ? 0 : i], corners[i + 1], corners[i + 2]};
+      if (mode == kStrip && i % 2 == 1) std::swap(t[0], t[1]);  // every other one runs backwards
+      if (isMirrored) std::swap(t[0], t[2]);                    // so that the outer side stays outside
+      mesh_.triangles.push_back(t);
+    }
+  }
+
+  GltfFile& gltf_;
+  GltfItem root_;
   const std::string& file_;
   Mesh mesh_;
-  std::vector<std::uint32_t> corners_;
 };
-
-// The number at a place of the binary form, its lowest byte first.
-std::size_t NumberAt(const std::string& text, std::size_t at) {
-  std::size_t number = 0;
-  for (std::size_t i = 4; i-- > 0;) number = number << 8U | static_cast<unsigned char>(text[at + i]);
-  return number;
-}
-
-// The binary form tells the lengths of its parts. Assimp makes room for what they say before it looks whether it is there.
-void CheckLengths(const std::string& text, const std::string& file) {
-  constexpr std::size_t kHeader = 12, kChunkHeader = 8, kTotalAt = 8;
-  if (text.rfind("glTF", 0) != 0) return;
-  const std::size_t total = text.size() < kHeader ? text.size() + 1 : NumberAt(text, kTotalAt);
-  if (total > text.size()) throw Failure(file + ": the file ends too early");
-  for (std::size_t at = kHeader; total >= at && total - at >= kChunkHeader;) {
-    const std::size_t length = NumberAt(text, at), rest = total - at - kChunkHeader;
-    if (length > rest) throw Failure(file + ": a part is said to be longer than the file");
-    at += kChunkHeader + length;
-  }
-}
 
 }  // namespace
 
 Mesh ReadGltf(const std::string& text, const std::string& file) {
-  CheckLengths(text, file);
-  Assimp::Importer importer;
-  KeepReaders(importer);
-  try {
-    const aiScene* const scene = importer.ReadFile(file, 0);
-    if (scene == nullptr) throw Failure(file + ": " + Cause(importer.GetErrorString()));
-    return MeshBuilder(*scene, file).Build();
-  } catch (const Failure&) {
-    throw;
-  } catch (const std::exception& error) {
-    throw Failure(file + ": " + Cause(error.what()));
-  }
+  GltfFile gltf(text, file);
+  return MeshBuilder(gltf, file).Build();
 }
 
 }  // namespace tool

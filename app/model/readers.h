@@ -13,7 +13,7 @@ Mesh ReadOff(const std::string& text, const std::string& file);
 Mesh ReadPly(const std::string& text, const std::string& file);
 Mesh ReadStl(const std::string& text, const std::string& file);
 
-// The file and those that it refers to are opened by the library used.
+// Files that it refers to are read from its folder.
 Mesh ReadGltf(const std::string& text, const std::string& file);
 
 }  // namespace tool

@@ -57,13 +57,14 @@ TEST_F(Tool, DxfEntitiesBoundTheAreaTheyDescribe) {
 // Readers stop at a record of the TABLES section that stands in no table.
 TEST_F(Tool, DxfRecordsStandInTheirTables) {
   std::istringstream groups(Run("nest - --format dxf -o -", DxfText("CIRCLE 10 0 20 0 40 1")).out);
-  std::string code, value, section, table;
+  std::string code, value, table;
+  bool isSectionNamed = false, isInTables = false;
   int tables = 0;
   while (std::getline(groups, code) && std::getline(groups, value)) {
-    if (code == "  2" && section == "?") section = value;
-    if (code != "  0") continue;
-    if (value == "SECTION" || value == "ENDSEC") section = value == "SECTION" ? "?" : "";
-    if (section != "TABLES") continue;
+    if (code == "  2" && isSectionNamed) isInTables = value == "TABLES";
+    isSectionNamed = code == "  0" && value == "SECTION";
+    if (code == "  0" && value == "ENDSEC") isInTables = false;
+    if (code != "  0" || !isInTables) continue;
     const bool opens = value == "TABLE";
     EXPECT_EQ(opens, table.empty()) << value << " after " << table;
     tables += opens ? 1 : 0;
@@ -87,54 +88,6 @@ TEST_F(Tool, ChordsStayWithinTheDeviation) {
     EXPECT_LE(farthest, deviation);
     EXPECT_GE(farthest, deviation / 3) << "more chords than needed";
   }
-}
-
-TEST_F(Tool, EndsWithinTheJoinToleranceBelongTogether) {
-  Write("d.dxf", DxfText("LINE 10 0 20 0 11 10 21 0; LINE 10 10 20 0.01 11 0 21 10; LINE 10 0.01 20 10 11 0 21 0.01"));
-  EXPECT_EQ(Info("d.dxf --join 0.02", "vertices"), "3");
-  const Outcome apart = Run("info d.dxf");
-  EXPECT_NE(apart.out.find("open      3 contours"), std::string::npos) << apart.out;
-  EXPECT_EQ(apart.err, "d.dxf:15: warning: left out 3 contours that do not close\n");
-}
-
-TEST_F(Tool, UnitsAreKeptAndConverted) {
-  Write("mm.dxf", DxfText("LWPOLYLINE 90 4 70 1 10 0 20 0 10 25.4 20 0 10 25.4 20 25.4 10 0 20 25.4", 4));
-  Write("inch.dxf", DxfText("LWPOLYLINE 90 4 70 1 10 0 20 0 10 1 20 0 10 1 20 1 10 0 20 1", 1));
-  const Outcome outcome = Run("bool --op xor,union mm.dxf inch.dxf -o '{op}.dxf'");
-  EXPECT_EQ(outcome.err, "inch.dxf: note: converted from in to mm\n");
-  EXPECT_EQ(Area("xor.dxf"), 0);
-  EXPECT_DOUBLE_EQ(Area("union.dxf"), 25.4 * 25.4);
-  EXPECT_EQ(Info("union.dxf", "units"), "mm");
-}
-
-TEST_F(Tool, PolygonsOfOneFileAreUnited) {
-  const std::string big = "((0 0, 9 0, 9 9, 0 9, 0 0))";
-  const struct {
-    std::string wkt;
-    double area;
-  } kCases[] = {
-      {"POLYGON " + big + "\nPOLYGON ((12 5, 12 7, 5 7, 5 5, 12 5))", 81 + 6},
-      {"MULTIPOLYGON (" + big + ", ((1 1, 3 1, 3 3, 1 3, 1 1)))", 81},  // one inside the other is no hole
-      {"GEOMETRYCOLLECTION (POLYGON " + big + ", POLYGON ((9 0, 10 0, 10 9, 9 9, 9 0)), POINT (1 1))", 90},  // a common edge
-      {"POLYGON Z ((0 0 1, 9 0 1, 9 9 1, 0 9 1, 0 0 1), (1 1 1, 3 1 1, 3 3 1, 1 3 1, 1 1 1))", 77},
-      {"SRID=4326;POLYGON EMPTY", 0},
-  };
-  for (const auto& test : kCases) {
-    Write("p.wkt", test.wkt);
-    EXPECT_EQ(Area("p.wkt"), test.area) << test.wkt;
-  }
-}
-
-TEST_F(Tool, GeoJsonMembersComeInAnyOrderAndForeignOnesAreSkipped) {
-  Write("g.json",
-        R"({"features":[{"geometry":{"coordinates":[[[[0,0],[4,0,7],[4,4],[0,4],[0,0]]]],"type":"MultiPolygon"},
-            "properties":{"name":"a","type":"x","coordinates":[1,"2"]},"type":"Feature"},
-           {"type":"Feature","properties":null,"geometry":null},
-           {"type":"Feature","properties":{"name":"b"},"geometry":{"type":"Polygon","coordinates":[[[5,0],[6,0],[6,1],[5,0]]]}}],
-          "bbox":[[{"type":"Polygon"}]],"type":"FeatureCollection"})");
-  EXPECT_EQ(Area("g.json"), 16.5);
-  EXPECT_EQ(Info("g.json", "layers"), "a, b");
-  EXPECT_EQ(Area("g.json --layer b"), 0.5);
 }
 
 }  // namespace

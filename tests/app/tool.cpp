@@ -18,11 +18,11 @@ Tool::~Tool() {
   fs::remove_all(folder_);
 }
 
-Outcome Tool::Run(const std::string& arguments, const std::string& input) const {
+Outcome Tool::Shell(const std::string& line, const std::string& input) const {
   const std::string captured = folder_ + ".captured";
   fs::create_directory(captured);
   std::ofstream(captured + "/in", std::ios::binary) << input;
-  const std::string script = "EX=" ZBR_EXAMPLES "\nzbr() { " ZBR_TOOL " \"$@\"; }\ncd " + folder_ + "\nzbr " + arguments + "\n";
+  const std::string script = "EX=" ZBR_EXAMPLES "\nzbr() { " ZBR_TOOL " \"$@\"; }\ncd " + folder_ + "\n" + line + "\n";
   std::ofstream(captured + "/script") << script;
   const std::string redirections = " <" + captured + "/in >" + captured + "/out 2>" + captured + "/err";
   const int status = std::system(("sh " + captured + "/script" + redirections).c_str());
@@ -32,6 +32,17 @@ Outcome Tool::Run(const std::string& arguments, const std::string& input) const 
   outcome.err = Read("../" + fs::path(captured).filename().string() + "/err");
   fs::remove_all(captured);
   return outcome;
+}
+
+Outcome Tool::Run(const std::string& arguments, const std::string& input) const {
+  return Shell("zbr " + arguments, input);
+}
+
+std::string Tool::Output(const std::string& arguments, const std::string& input) const {
+  const Outcome outcome = Run(arguments, input);
+  EXPECT_EQ(outcome.code, 0) << arguments;
+  EXPECT_EQ(outcome.err, "") << arguments;
+  return outcome.out;
 }
 
 void Tool::Write(const std::string& file, const std::string& text) const {

@@ -17,8 +17,11 @@ class Tool : public testing::Test {
   Tool();
   ~Tool() override;
 
-  // `arguments` as for the shell, in which $EX names the folder of the example drawings; ` | zbr ...` goes on with another run.
+  // A line of shell, in which $EX names the folder of the example drawings and zbr is the tool; and one that begins with "zbr".
+  Outcome Shell(const std::string& line, const std::string& input = "") const;
   Outcome Run(const std::string& arguments, const std::string& input = "") const;
+  // What is printed by a run that has nothing to complain of.
+  std::string Output(const std::string& arguments, const std::string& input = "") const;
 
   void Write(const std::string& file, const std::string& text) const;
   std::string Read(const std::string& file) const;
