@@ -109,6 +109,7 @@ class BooleanWork {
       family.touched[number] = true;
       traced_.polygons[side].push_back(family.seen[number]);
     });
+    std::vector<SearchedPolygon>().swap(family.seen);
   }
 
   void PrepareTracing() {

@@ -277,7 +277,7 @@ class CrossingSearch {
 void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPolygon>* seen) {
   if (seen == nullptr) return;
   seen->assign(polygons, {});
-  for (const IndexedRing& ring : index.rings()) (*seen)[ring.id] = {{ring.points, ring.n}, ring.hasRepeats};
+  for (const IndexedRing& ring : index.rings()) (*seen)[ring.id] = {ring.points, ring.n, ring.hasRepeats};
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The search for crossings, as the Boolean uses it.
 #pragma once
 
-#include <span>
+#include <cstdint>
 #include <vector>
 
 #include <zbr/boolean.h>
@@ -13,7 +13,8 @@ namespace zbr {
 // What the search learns of a polygon besides its crossings. Kept for those who walk the polygon later: to ask the loop again would
 // be another wait for memory.
 struct SearchedPolygon {
-  std::span<const ZBR_PT> points;
+  const ZBR_PT* points = nullptr;
+  std::uint32_t count = 0;
   bool hasRepeats = false;  // some edge is no longer than the tolerance
 };
 

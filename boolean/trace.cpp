@@ -98,7 +98,8 @@ class Tracer {
     const SearchedPolygon& polygon = regions_.polygons[side][run];
     const double from = regions_.crossings[c1].pos[side];
     const double to = regions_.crossings[c2].pos[side];
-    Stretch stretch{polygon.points, {}, forward, polygon.hasRepeats, false};
+    const std::size_t n = polygon.count;
+    Stretch stretch{{polygon.points, n}, {}, forward, polygon.hasRepeats, false};
     const bool isTie = WithinTol(from, to, t_tolerance.eps);
     const bool isAheadByPosition = forward ? to > from : to < from;
     if (isTie || !isAheadByPosition) {
@@ -108,7 +109,6 @@ class Tracer {
       if (stretch.isNothing || (steps > 0 && !isAheadByPosition)) return stretch;
     }
     // A position may have been rounded up to n; that is vertex 0.
-    const std::size_t n = polygon.points.size();
     const double p1 = from >= static_cast<double>(n) ? 0.0 : from;
     const double p2 = to >= static_cast<double>(n) ? 0.0 : to;
     stretch.vertices = forward ? ForwardRange(p1, p2, n) : BackwardRange(p1, p2, n);

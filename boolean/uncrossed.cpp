@@ -114,14 +114,15 @@ struct OrderedPolygons {
   }
 };
 
-// Those that take part: set up, of finite coordinates, not touched by a crossing. Rings without points lie nowhere.
+// Those that are wanted and take part: set up, of finite coordinates. Rings without points lie nowhere.
 template <class IsWanted>
 std::vector<std::uint32_t> Choose(const std::vector<Polygon>& polygons, IsWanted isWanted) {
   std::vector<std::uint32_t> chosen;
   for (std::uint32_t i = 0; i < polygons.size(); ++i) {
+    if (!isWanted(i)) continue;
     ZBR_LOOP& loop = **polygons[i].loop;
     loop.Setup();
-    if (!loop.pt().empty() && IsFiniteRing(loop) && isWanted(i)) chosen.push_back(i);
+    if (!loop.pt().empty() && IsFiniteRing(loop)) chosen.push_back(i);
   }
   return chosen;
 }

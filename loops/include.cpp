@@ -42,15 +42,32 @@ int SampleStretches(const ZBR_PT& s, const ZBR_PT& e, LoopProbe& b, double eps, 
 }  // namespace
 
 bool LoopProbe::UseIndex() {
-  if (locator_ != nullptr) return true;
+  if (index_ != nullptr) return true;
   if (ring_.size() < kMinIndexedPoints || ++scans_ <= kScansBeforeIndex) return false;
-  locator_ = std::make_unique<RingLocator>(std::span(&ring_, 1));
+  index_ = std::make_unique<Index>(Index{RingLocator(std::span(&ring_, 1)), {}});
   return true;
+}
+
+ZBR_POLY_INSIDE LoopProbe::Index::At(const ZBR_PT& p, double eps) {
+  // A square costs as much as an answer: where they give few, because the points keep close to the ring, only now and then one is
+  // looked for.
+  constexpr std::uint32_t kTestsBetween = 16;
+  if (clear.Contains(p)) {
+    ++hits;
+    return inside;
+  }
+  const ZBR_POLY_INSIDE at = locator.Locate(p, eps);
+  if (4 * squares < hits || ++passed % kTestsBetween == 0) {
+    clear = locator.ClearSquare(p, eps);
+    inside = at;
+    ++squares;
+  }
+  return at;
 }
 
 ZBR_POLY_INSIDE LoopProbe::At(const ZBR_PT& p, double eps, IncludeScratch& scratch) {
   if (ring_.size() < 3 || IsOutsideBox(p, box_, eps)) return ZBR_PI_OUT;
-  if (UseIndex()) return locator_->Locate(p, eps);
+  if (UseIndex()) return index_->At(p, eps);
   if (scratch.pos.size() < ring_.size()) scratch.pos.resize(ring_.size());
   std::size_t used = 0;
   return PointInRing(p, ring_, eps, scratch.pos.data(), used);
@@ -58,7 +75,7 @@ ZBR_POLY_INSIDE LoopProbe::At(const ZBR_PT& p, double eps, IncludeScratch& scrat
 
 void LoopProbe::VerticesOnSegment(const ZBR_PT& a, const ZBR_PT& b, double eps, std::vector<double>& params) {
   if (UseIndex()) {
-    locator_->VerticesOnSegment(a, b, eps, params);
+    index_->locator.VerticesOnSegment(a, b, eps, params);
     return;
   }
   for (const ZBR_PT& v : ring_) {

@@ -31,6 +31,20 @@ bool IsFinite(std::span<const ZBR_PT> ring) {
   return std::all_of(ring.begin(), ring.end(), [](const ZBR_PT& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); });
 }
 
+// A leaf near a point, found by going straight down to the nearest box.
+template <class Distance>
+std::uint32_t LeafNear(const BoxTree& tree, Distance distance) {
+  const auto isNearer = [&](const Box& x, const Box& y) { return distance(x) < distance(y); };
+  std::uint32_t node = 0;
+  for (int level = tree.TopLevel(); level > 0; --level) {
+    const Box* below = tree.Level(level - 1);
+    const std::uint32_t first = node * BoxTree::kFanOut;
+    const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree.Count(level - 1));
+    node = static_cast<std::uint32_t>(std::min_element(below + first, below + last, isNearer) - below);
+  }
+  return node;
+}
+
 }  // namespace
 
 // The ray from the point into the first quadrant, and what it has met so far.
@@ -126,6 +140,25 @@ ZBR_POLY_INSIDE RingLocator::Locate(const ZBR_PT& p, double eps) const {
   if (scan.onVertex) return ZBR_PI_ON_VERTEX;
   if (scan.onEdge) return ZBR_PI_ON_EDGE;
   return scan.odd ? ZBR_PI_IN : ZBR_PI_OUT;
+}
+
+// The distances are those of the square: the larger of the offsets along the axes.
+Box RingLocator::ClearSquare(const ZBR_PT& p, double eps) const {
+  if (index_.tree().empty() || !(RoundingAt(p) * (2.0 * kSafety) < eps)) return {};
+  const auto distance = [&p](const Box& b) { return std::max({b.xmin - p.x(), p.x() - b.xmax, b.ymin - p.y(), p.y() - b.ymax}); };
+  double nearest = std::numeric_limits<double>::infinity();
+  const auto scanLeaf = [&](std::uint32_t leaf) {
+    index_.VisitEdges(leaf, [&](const ZBR_PT& u, const ZBR_PT& v) {
+      const ZBR_PT d = v - u;
+      const double toLine = std::fabs(Cross(d, p - u)) / (std::fabs(d.x()) + std::fabs(d.y()));  // NaN where u is v
+      nearest = std::min(nearest, std::max(distance(BoxOfSegment(u, v)), toLine));
+    });
+    return nearest > 0.0;
+  };
+  scanLeaf(LeafNear(index_.tree(), distance));  // what is found there spares the walk most of the nodes
+  index_.tree().Walk([&](const Box& box, int, std::uint32_t) { return distance(box) < nearest; }, scanLeaf);
+  const double reach = nearest - 4.0 * eps;  // twice what Locate opens around a point
+  return reach > 0.0 ? Box{p.x(), p.y(), p.x(), p.y()}.Widened(reach) : Box{};
 }
 
 // Whether the ray's line parts the ends of the node's chain. Rings that lie in the node as a whole have no ends; where a node spans

@@ -19,6 +19,9 @@ class RingLocator {
 
   ZBR_POLY_INSIDE Locate(const ZBR_PT& p, double eps) const;
 
+  // A square around p for all points of which Locate gives the same answer, since no edge comes near it; empty when there is none.
+  Box ClearSquare(const ZBR_PT& p, double eps) const;
+
   // Calls visit(p, q) for edges p-q of the rings, at least for all that come within `margin` of the segment a-b.
   template <class Visit>
   void EdgesNear(const ZBR_PT& a, const ZBR_PT& b, double margin, Visit visit) const;
