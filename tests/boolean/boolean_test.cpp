@@ -27,32 +27,22 @@ void ExpectAll(const std::vector<Row>& rows) {
 
 TEST(Boolean, Crossing) {
   ExpectAll({
-      {"two squares in general position", "0 0, 4 0, 4 4, 0 4", "2 1, 6 1, 6 5, 2 5", "10:1+0 10:1+0 26:1+0 6:1+0 20:2+0"},
-      {"a bar cuts a square in two", "0 0, 4 0, 4 4, 0 4", "1 -1, 3 -1, 3 5, 1 5", "8:2+0 4:2+0 20:1+0 8:1+0 12:4+0"},
       {"a spear through one edge: the walk goes all the way round", "0 0, 4 0, 4 4, 0 4", "1 -1, 3 -1, 2 1",
        "15.5:1+0 1.5:1+0 17.5:1+0 0.5:1+0 17:2+0"},
-      {"a cross", "-1 1, 4 1, 4 2, -1 2", "1 -1, 2 -1, 2 4, 1 4", "4:2+0 4:2+0 9:1+0 1:1+0 8:4+0"},
       {"combs close a row of holes", "0 0, 7 0, 7 3, 6 3, 6 1, 5 1, 5 3, 4 3, 4 1, 3 1, 3 3, 2 3, 2 1, 1 1, 1 3, 0 3",
        "0 2, 7 2, 7 4, 0 4", "11:1+0 10 25:1+3 4:4+0 21"},
       {"a ring cut through its hole", "0 0, 6 0, 6 6, 0 6; 2 2, 4 2, 4 4, 2 4", "3 -1, 9 -1, 9 7, 3 7",
        "16:1+0 32 64:1+1 16:1+0 48"},
-      {"an edge through two corners", "0 0, 2 0, 2 2, 0 2", "-1 -1, 3 3, -1 3", "2:1+0 6:1+0 10:1+0 2:1+0 8"},
       {"crossing at a vertex of both", "0 0, 2 2, 0 4", "1 2, 2 2, 4 0, 4 4, 1 3", "3.5 6 10 0.5 9.5"},
   });
 }
 
 TEST(Boolean, SharedEdges) {
   ExpectAll({
-      {"side by side", kUnit, "1 0, 2 0, 2 1, 1 1", "1:1+0 1:1+0 2:1+0 0:0+0 2"},
       {"side by side, shorter", "0 0, 3 0, 3 3, 0 3", "3 1, 4 1, 4 2, 3 2", "9:1+0 1:1+0 10:1+0 0:0+0 10"},
-      {"side by side, shifted", "0 0, 3 0, 3 3, 0 3", "3 1, 4 1, 4 5, 3 5", "9 4 13:1+0 0:0+0 13"},
       {"inside, along one side", "0 0, 3 0, 3 3, 0 3", "0 1, 1 1, 1 2, 0 2", "8:1+0 0:0+0 9:1+0 1:1+0 8:1+0"},
-      {"overlap with a common side line", "0 0, 3 0, 3 3, 0 3", "1 0, 5 0, 5 3, 1 3", "3:1+0 6:1+0 15:1+0 6:1+0 9:2+0"},
       {"a plug fills a hole but for a slit", "0 0, 5 0, 5 5, 0 5; 1 1, 4 1, 4 4, 1 4", "1 1, 3 1, 3 4, 1 4",
        "16:1+1 6:1+0 22:1+1 0:0+0 22"},
-      {"touching corners", kUnit, "1 1, 2 1, 2 2, 1 2", "1:1+0 1:1+0 2 0:0+0 2"},
-      {"T-junction from outside", "0 0, 2 0, 2 2, 0 2", "2 1, 3 0, 3 2", "4:1+0 1:1+0 5 0:0+0 5"},
-      {"T-junction from inside", "0 0, 4 0, 4 4, 0 4", "0 2, 2 1, 2 3", "14 0:0+0 16:1+0 2:1+0 14"},
       {"hole touching the other's outer loop", "0 0, 6 0, 6 6, 0 6; 2 2, 4 2, 4 4, 2 4", "2 2, 4 2, 3 3", "32 1 33 0 33"},
   });
 }
@@ -91,26 +81,17 @@ TEST(Boolean, InnermostContainerDecides) {
   });
 }
 
-TEST(Boolean, SingleFormEqualsMultiForm) {
-  Random random(5);
-  const OperandPair pair = FamilyNamed("cells").draw(random);
-  const LoopList A = Nest(pair.a);
-  const LoopList B = Nest(pair.b);
-  const BooleanResults all = RunAll(A, B);
-  for (std::size_t k = 0; k < kOps.size(); ++k) {
-    LoopList one = ParseLoops(kUnit);
-    zbrBooleanLoops(A, B, kOps[k], one);
-    EXPECT_EQ(ToText(one), ToText(all.loops[k])) << kOps[k];
-  }
-}
-
 TEST(Boolean, OperandsStayAndResultsAreNew) {
   const LoopList A = ParseRegion("0 0, 6 0, 6 6, 0 6; 2 2, 4 2, 4 4, 2 4");
   const LoopList B = ParseRegion("9 9, 10 9, 10 10");
   const std::string before = Describe(A, B);
-  LoopList result;
-  zbrBooleanLoops(A, B, ZBR_BOOL_OR, result);
-  result[0]->pt().clear();
+  const BooleanResults all = RunAll(A, B);
+  for (std::size_t k = 0; k < kOps.size(); ++k) {
+    LoopList one = ParseLoops(kUnit);
+    zbrBooleanLoops(A, B, kOps[k], one);
+    EXPECT_EQ(ToText(one), ToText(all.loops[k])) << "one operation alone, " << kOps[k];
+    for (const auto& loop : one) loop->pt().clear();
+  }
   EXPECT_EQ(Describe(A, B), before);
 }
 
@@ -202,11 +183,8 @@ TEST(Boolean, AnyToleranceIsSurvived) {
       ParseLoops("0 0, 4 0, 4 4, 0 4; 2 1, 6 1, 6 5, 2 5; 1 1; 1 1, 3 3; 1 1, 2 1, 2 2, 1 2; 0 0, 4 4, 4 0, 0 4");
   for (const double eps : {0.0, 1.0, 1e300, HUGE_VAL, std::nan("")}) {
     const ZBR_TmpEps tolerance(eps);
-    LoopList loops;
-    for (int copies = 0; copies < 4; ++copies) {
-      for (Ring& ring : RingsOf(shapes)) loops.push_back(MakeLoop(std::move(ring)));
-      loops.push_back(MakeLoop({}));
-    }
+    LoopList loops = MakeLoops(RingsOf(shapes));
+    loops.push_back(MakeLoop({}));
     std::vector<ZBR_CROSS> crosses;
     std::vector<int> sorted[2];
     zbrGetLoopsCross(loops, shapes, crosses);
@@ -218,40 +196,9 @@ TEST(Boolean, AnyToleranceIsSurvived) {
       EXPECT_EQ(ZBR_LOOP_LOCATOR(*loop).IsInside({9, 9}), zbrIsInside({9, 9}, *loop, pos));
     }
     zbrMakeLoopTree(loops);
-    EXPECT_LE(loops.size(), 28U);
+    EXPECT_LE(loops.size(), shapes.size() + 1);
     LoopList result;
     zbrBooleanLoops(loops, shapes, ZBR_BOOL_XOR, result);
-  }
-}
-
-// Anything may come out, but it comes, is nested, and leaves the operands alone.
-TEST(Boolean, BadGeometryHasSomeResult) {
-  const char* const shapes[] = {"",
-                                "1 1",
-                                "0 0, 4 4",
-                                "2 2, 2 2, 2 2, 2 2",
-                                "0 0, 4 0, 2 0",
-                                "0 0, 4 4, 4 0, 0 4",
-                                "0 0, 4 0, 0 0, 4 0, 4 4",
-                                "0 0, 4 0, 4 4, 0 4; 0 0, 4 0, 4 4, 0 4; 2 2, 6 2, 6 6, 2 6",
-                                "0 0, 1e300 0, 1e300 1e300, 0 1e300",
-                                "-1e308 0, 1e308 1, 0 1e308",
-                                "0 0, 1e-300 0, 1e-300 1e-300",
-                                "0 0, 4 1e-10, 4 0, 8 0, 8 4, 0 4"};
-  for (const char* a : shapes) {
-    for (const char* b : shapes) {
-      for (const bool nested : {false, true}) {
-        const LoopList A = nested ? ParseRegion(a) : ParseLoops(a);
-        const LoopList B = nested ? ParseRegion(b) : ParseLoops(b);
-        const std::string before = Describe(A, B);
-        const BooleanResults results = RunAll(A, B);
-        EXPECT_EQ(Describe(A, B), before);
-        zbrCheckPolyBoolean(A, B, true);
-        for (const LoopList& loops : results.loops) {
-          for (const Ring& ring : RingsOf(loops)) EXPECT_LT(ring.size(), 100U) << before;
-        }
-      }
-    }
   }
 }
 

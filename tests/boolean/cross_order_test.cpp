@@ -1,4 +1,4 @@
-// Sorting, clean-up and order of crossings at one spot, on records made by hand.
+// Sorting and clean-up of crossings, on records made by hand.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -75,26 +75,26 @@ std::vector<ZBR_CROSS> WithPair(std::vector<ZBR_CROSS> crosses) {
 
 TEST(CrossSort, KeysInTurn) {
   std::vector<ZBR_CROSS> c(2, Make({3, 1, 2.5}, {4, 2, 1.5}, L));
-  const auto before = [&](int i, int j, int primary) { return ZBR_CROSS_SORT_FUNCTOR(c, primary, 1 - primary)(i, j); };
-  EXPECT_FALSE(before(0, 1, 0));
-  EXPECT_FALSE(before(1, 0, 0)) << "equal records";
-  const auto expectFirst = [&](int first) {
-    EXPECT_EQ(before(0, 1, 0), first == 0);
-    EXPECT_EQ(before(1, 0, 0), first == 1);
+  // Which of the two comes first by side a, after a change of an earlier key each time.
+  const auto first = [&](int primary) {
+    const ZBR_CROSS_SORT_FUNCTOR before(c, primary, 1 - primary);
+    return before(0, 1) ? '0' : before(1, 0) ? '1' : '=';
   };
+  std::string order = {first(0)};
   c[1].b.order = -1;
-  expectFirst(1);
+  order += first(0);
   c[0].b.pos = 1.4;
-  expectFirst(0);
+  order += first(0);
   c[1].b.loop = ZBR_CROSS_LOOP(4, 1);
-  expectFirst(1);
+  order += first(0);
   c[0].a.order = -1;
-  expectFirst(0);
+  order += first(0);
   c[1].a.pos = std::nextafter(2.5, 0.0);
-  expectFirst(1);
+  order += first(0);
   c[0].a.loop = ZBR_CROSS_LOOP(2, 9);
-  expectFirst(0);
-  EXPECT_TRUE(before(1, 0, 1)) << "by side b the other one is first";
+  order += first(0);
+  EXPECT_EQ(order, "=101010");
+  EXPECT_EQ(first(1), '1') << "by side b the other one is first";
 }
 
 TEST(OptimizeCross, FewerThanTwoOfClosedFamiliesClearsAll) {
@@ -134,118 +134,20 @@ TEST(OptimizeCross, TouchesOfOpenLines) {
   EXPECT_EQ(LeftOf(touch(L), false), 4U) << "same direction: kept";
 }
 
-// Two crossings of opposite directions at 0.5 of side s, on one ring of the other side at 0.5 and 1.5. Expected are both orders.
-TEST(OptimizeCross, TieOnOnePolygonFollowsTheStripArea) {
-  const auto orders = [](int s, bool leftFirst, bool clockwise) {
-    Ring ring = Square(0, 0, 4);
-    if (clockwise) std::reverse(ring.begin(), ring.end());
-    const LoopList other = {MakeLoop(ring)};
-    const LoopList own = {MakeLoop(Square(-9, -9, 40))};
-    const ZBR_CROSS_DIR d0 = leftFirst ? L : R;
-    const auto make = [&](double own0, double pos, ZBR_CROSS_DIR dir) {
-      const Side here = {0, 0, own0};
-      const Side there = {0, 0, pos};
-      return Make(s == 0 ? here : there, s == 0 ? there : here, dir, other[0]->LinTo(pos));
-    };
-    const auto cleaned =
-        Clean({make(0.5, 0.5, d0), make(0.5, 1.5, leftFirst ? R : L)}, true, s == 0 ? own : other, s == 0 ? other : own);
-    EXPECT_EQ(cleaned.crosses.size(), 2U);
-    if (cleaned.crosses.size() != 2) return std::string();
-    std::string text;
-    for (const ZBR_CROSS& c : cleaned.crosses) text += std::to_string((s == 0 ? c.a : c.b).order);
-    return text;
-  };
-  // On side 0 the strip runs from the left crossing to the right one, on side 1 the other way round. Of a closed ring both strips
-  // have the sign of its orientation.
-  EXPECT_EQ(orders(0, true, false), "21");
-  EXPECT_EQ(orders(0, false, false), "12");
-  EXPECT_EQ(orders(0, true, true), "12");
-  EXPECT_EQ(orders(0, false, true), "21");
-  EXPECT_EQ(orders(1, true, false), "12");
-  EXPECT_EQ(orders(1, false, false), "21");
-  EXPECT_EQ(orders(1, true, true), "21");
-  EXPECT_EQ(orders(1, false, true), "12");
-}
-
 TEST(OptimizeCross, TieWithoutAStripBetweenIsDropped) {
   const LoopList other = {MakeLoop(Square(0, 0, 4))};
   const std::vector<ZBR_CROSS> tie = {Make({0, 0, 0.5}, {0, 0, 0.25}, L, {1, 0}), Make({0, 0, 0.5}, {0, 0, 0.75}, R, {3, 0})};
   EXPECT_EQ(Clean(tie, true, TwoSquares(), other).crosses.size(), 0U);
 }
 
-TEST(OptimizeCross, TieOfTwoPolygonsAsksForTheirLoop) {
-  const auto orders = [](int s, Side first, Side second, ZBR_CROSS_DIR d0) {
-    // The second pair balances both polygons of the other side.
-    const ZBR_CROSS_DIR d1 = d0 == L ? R : L;
-    const Side own = {0, 0, 0.5};
-    const Side far1 = {0, 0, 2.5};
-    const Side far2 = {0, 0, 3.5};
-    const auto make = [s](Side mine, Side theirs, ZBR_CROSS_DIR d) {
-      return s == 0 ? Make(mine, theirs, d) : Make(theirs, mine, d);
-    };
-    Side back1 = first;
-    Side back2 = second;
-    back1.pos += 1.0;
-    back2.pos += 1.0;
-    const auto cleaned = Clean({make(own, first, d0), make(own, second, d1), make(far1, back1, d1), make(far2, back2, d0)}, true,
-                               TwoSquares(), TwoSquares());
-    std::string text;
-    for (const ZBR_CROSS& c : cleaned.crosses) text += std::to_string((s == 0 ? c.a : c.b).order);
-    return text;
-  };
-  const Side outer = {0, 0, 0.5};
-  const Side hole = {0, 1, 0.5};
-  const Side otherHole = {0, 2, 0.5};
-  const Side otherLoop = {1, 0, 0.5};
-  EXPECT_EQ(orders(0, outer, hole, L), "2100") << "one loop: material lies between outer boundary and hole";
-  EXPECT_EQ(orders(0, hole, otherHole, L), "2100");
-  EXPECT_EQ(orders(0, outer, hole, R), "1200");
-  EXPECT_EQ(orders(0, outer, otherLoop, L), "1200") << "two loops: void lies between";
-  EXPECT_EQ(orders(0, hole, otherLoop, L), "1200") << "also when one is a hole";
-  EXPECT_EQ(orders(0, outer, otherLoop, R), "2100");
-  EXPECT_EQ(orders(1, outer, hole, L), "1200");
-  EXPECT_EQ(orders(1, outer, hole, R), "2100");
-  EXPECT_EQ(orders(1, outer, otherLoop, L), "2100");
-  EXPECT_EQ(orders(1, outer, otherLoop, R), "1200");
-}
-
 TEST(SetFollowingCrossDone, CyclicPredecessorWithinAPolygon) {
-  const struct {
-    const char* what;
-    const char* dirs;  // along one polygon in list order; ' ' begins the next polygon
-    ZBR_CROSS_DIR dir;
-    bool forward;
-    const char* done;
-  } rows[] = {
-      {"forward", "RRLR", R, true, "11.."},
-      {"backward", "RRLR", R, false, "1..1"},
-      {"other direction", "RRLR", L, true, "...."},
-      {"all of one direction", "RRR", R, true, "111"},
-      {"polygons apart", "RL LR RR", R, true, "....11"},
-      {"single", "RL R", R, false, "..1"},
-      {"left, backward", "LLRL", L, false, "1..1"},
-  };
-  for (const auto& row : rows) {
-    for (int side = 0; side < 2; ++side) {
-      std::vector<ZBR_CROSS> crosses;
-      std::vector<int> list;
-      int loop = 0;
-      for (const char* d = row.dirs; *d != '\0'; ++d) {
-        if (*d == ' ') {
-          ++loop;
-          continue;
-        }
-        const Side here = {loop, 0, 0.0};
-        const Side there = {0, 0, 0.0};
-        list.push_back(static_cast<int>(crosses.size()));
-        crosses.push_back(Make(side == 0 ? here : there, side == 0 ? there : here, *d == 'L' ? L : R));
-      }
-      zbrSetFollowingCrossDone(crosses, side, list, row.dir, row.forward);
-      std::string done;
-      for (const ZBR_CROSS& c : crosses) done += c.done ? '1' : '.';
-      EXPECT_EQ(done, row.done) << row.what;
-    }
-  }
+  std::vector<ZBR_CROSS> crosses;
+  for (const int loop : {0, 0, 0, 1, 2, 2}) crosses.push_back(Make({loop, 0, 0.0}, {0, 0, 0.0}, crosses.size() == 1 ? L : R));
+  const std::vector<int> list = {0, 1, 2, 3, 4, 5};
+  zbrSetFollowingCrossDone(crosses, 0, list, R, true);
+  std::string done;
+  for (const ZBR_CROSS& c : crosses) done += c.done ? '1' : '.';
+  EXPECT_EQ(done, "1..111") << "RLR: the first follows the last; a single one follows itself";
   std::vector<ZBR_CROSS> one = {Make({0, 0, 0}, {0, 0, 0}, R)};
   zbrSetFollowingCrossDone(one, 0, {0}, R, true);
   EXPECT_FALSE(one[0].done) << "fewer than two: nothing to follow";

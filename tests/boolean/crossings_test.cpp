@@ -119,6 +119,7 @@ TEST(PolygonCross, OpenPolyline) {
   ExpectRecords({{"segment", kSquare, "-1 1, 5 1", "1.25:0.833333R 3.75:0.166667L"},
                  {"one point", kSquare, "1 1", ""},
                  {"ends on the boundary", kSquare, "2 0, 2 2", "0.5:0L"},
+                 {"ends where it began, in repeats", kSquare, "2 0, 2 0, 3 2, 1 2, 2 0", "0.5:1L 0.5:4R"},
                  {"last point is no start", kSquare, "-1 1, 2 1, 2 4", "2.5:2R 3.75:0.333333L"}},
                 false);
 }

@@ -36,9 +36,8 @@ TEST(LoadedAtRunTime, EachThreadHasItsOwnTolerance) {
   std::vector<int> agreed(kThreads, 0);
   std::latch loaded(1);
   std::barrier<> allSet(kThreads);
-
   // Every thread sets its tolerance and reads it again after all others have set theirs.
-  auto run = [&](int i) {
+  const auto run = [&](int i) {
     loaded.wait();
     if (library.isZero == nullptr) return;
     const bool startsWithDefault = ToleranceIs(library, 1e-5);
@@ -47,13 +46,15 @@ TEST(LoadedAtRunTime, EachThreadHasItsOwnTolerance) {
     allSet.arrive_and_wait();
     agreed[static_cast<std::size_t>(i)] = startsWithDefault && ToleranceIs(library, eps);
   };
-
   {
     std::vector<std::jthread> threads;
-    for (int i = 0; i < kThreads / 2; ++i) threads.emplace_back(run, i);  // these run before the library is there
-    library.Load();
-    loaded.count_down();
-    for (int i = kThreads / 2; i < kThreads; ++i) threads.emplace_back(run, i);
+    for (int i = 0; i < kThreads; ++i) {
+      if (i == kThreads / 2) {  // half of them run before the library is there
+        library.Load();
+        loaded.count_down();
+      }
+      threads.emplace_back(run, i);
+    }
   }
   ASSERT_FALSE(HasFatalFailure());
   EXPECT_EQ(agreed, std::vector<int>(kThreads, 1));

@@ -59,29 +59,3 @@ inline testing::AssertionResult SameLoops(const LoopList& got, const literal::Lo
   }
   return testing::AssertionSuccess();
 }
-
-// Moves every point by up to `eps` on either axis: equal points come to differ, coincidences to miss each other closely.
-inline void Jitter(std::vector<Ring>& rings, double eps, Random& random) {
-  for (Ring& ring : rings) {
-    for (ZBR_PT& p : ring) p += ZBR_PT(Unit(random) - 0.5, Unit(random) - 0.5) * (2.0 * eps);
-  }
-}
-
-// One pair of a family made harder: other order and starts, repeated points, far away, another size. Seeds give equal pairs.
-inline OperandPair DrawHard(const Family& family, std::uint64_t seed) {
-  Random random(seed);
-  OperandPair pair = family.draw(random);
-  const bool rough = Below(random, 2) == 0;
-  for (std::vector<Ring>* rings : {&pair.a, &pair.b}) {
-    if (rough) Roughen(*rings, random);
-    if (!rough) *rings = Disguise(std::move(*rings), random);
-  }
-  const double scale = std::ldexp(1.0, Below(random, 9) - 4);
-  const ZBR_PT shift = Below(random, 3) == 0 ? ZBR_PT(0x1p20, -0x1p19) : ZBR_PT(0.0, 0.0);
-  pair.a = Moved(std::move(pair.a), scale, shift);
-  pair.b = Moved(std::move(pair.b), scale, shift);
-  if (pair.areas) {
-    for (double& area : *pair.areas) area *= scale * scale;
-  }
-  return pair;
-}

@@ -1,11 +1,11 @@
-// Chaining of segments into polylines and of pieces into loops: lattice segments keep their length, polylines are the literal ones,
-// and the steps around cells close into loops of the cells' area.
+// Chaining of segments into polylines and of pieces into loops: lattice segments keep their length and are joined wherever two ends
+// meet, and the steps around cells close into loops of the cells' area.
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
 #include "fuzz/regions.h"
-#include "literal/hidden_line.h"
 #include "support/expect.h"
 
 namespace {
@@ -22,29 +22,28 @@ void Chain(Bytes& bytes) {
   const int kind = bytes.Below(3);  // lattice, plain, wild
   Ends ends;
   std::set<std::set<std::pair<double, double>>> seen;
+  std::map<std::pair<double, double>, int> degrees;
   double length = 0.0;  // repeats do not count
   for (int n = bytes.Below(40); n > 0; --n) {
     const auto point = [&] { return kind == 0 ? bytes.Lattice(5, 1).xy() : bytes.Point(kind == 2); };
     const ZBR_PT s = point();
     const ZBR_PT e = point();
     Append(ends, s, e);
-    if (kind == 0 && seen.insert(std::set<std::pair<double, double>>{{s.x(), s.y()}, {e.x(), e.y()}}).second)
-      length += s.Distance(e);
+    if (kind != 0 || !seen.insert(std::set<std::pair<double, double>>{{s.x(), s.y()}, {e.x(), e.y()}}).second) continue;
+    length += s.Distance(e);
+    if (s.Distance(e) == 0.0) continue;
+    for (const ZBR_PT& p : {s, e}) ++degrees[{p.x(), p.y()}];
   }
   const ZBR_TmpEps guard(0.001);
-  Ends expectedEnds = ends;
   Lines lines;
-  Lines expected;
   const int open = zbrOptimizeSegs(ends, lines);
   for (const auto& line : lines) {
     for (std::size_t i = 1; i < line.size(); ++i) length -= line[i - 1].Distance(line[i]);
   }
-  Require(kind != 0 || std::abs(length) < 1e-9, "the length is kept");
-  if (kind == 2) return;
-  Require(open == literal::Chain(expectedEnds, expected, literal::Tol(0.001)), "as many open ones as in the literal form");
-  const auto samePoint = [](const ZBR_PT& a, const ZBR_PT& b) { return a.x() == b.x() && a.y() == b.y(); };
-  const auto sameLine = [&](const auto& a, const auto& b) { return std::equal(a.begin(), a.end(), b.begin(), b.end(), samePoint); };
-  Require(std::equal(lines.begin(), lines.end(), expected.begin(), expected.end(), sameLine), "the literal polylines");
+  if (kind != 0) return;
+  Require(std::abs(length) < 1e-9, "the length is kept");
+  const auto odd = std::count_if(degrees.begin(), degrees.end(), [](const auto& place) { return place.second % 2 == 1; });
+  Require(open == odd / 2, "lines end where an end has no partner");
 }
 
 LoopList Close(Ends pieces) {

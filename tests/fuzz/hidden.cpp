@@ -8,25 +8,6 @@ namespace {
 
 using Shells = std::vector<ZBR_HL_SHELL>;
 
-// Every shell by itself and by every other, told triangle by triangle.
-void Walk(Shells& shells) {
-  for (ZBR_HL_SHELL& shell : shells) {
-    shell.HiddenLineSelf();
-    shell.CheckTriangle();
-    ZBR_HiddenLine::HiddenLine_ShellByChildQuad(shell, shell.root, true);
-    for (unsigned k = 0; k < shell.count; ++k) {  // the tree has no invalid ones, of which one edge may be drawn
-      if (shell.tris[k].IsTriInvalid()) ZBR_HiddenLine::HiddenLine_TriByShell(shell.tris[k], shell);
-    }
-  }
-  for (ZBR_HL_SHELL& a : shells) {
-    for (const ZBR_HL_SHELL& b : shells) {
-      for (unsigned k = 0; &a != &b && k < a.count; ++k) {
-        if (a.tris[k].any_edge_visible) ZBR_HiddenLine::HiddenLine_TriByShell(a.tris[k], b);
-      }
-    }
-  }
-}
-
 // The list is sorted, disjoint and within the edge; what it leaves of a drawable edge is among the hidden segments.
 bool MakesUpEdge(const ZBR_HL_TRI& t, int i, const std::vector<ZBR_SEG>& hidden) {
   const ZBR_PT p = t.pt[i].xy();
@@ -70,7 +51,7 @@ void Fuzz(Bytes& bytes) {
   Shells walkedShells = walked.Shells();
   const auto count = static_cast<unsigned>(shells.size());
   ZBR_HiddenLine::HiddenLine_Shells(shells.data(), count);
-  Walk(walkedShells);
+  WalkTrees(walkedShells);
   Require(StateText(shells) == StateText(walkedShells), "driver and walk agree");
 
   std::vector<std::vector<ZBR_PT>> lines;

@@ -1,34 +1,24 @@
-// Input that once hung, crashed or leaked, and must not again.
+// Input that is no drawing, or once hung, crashed or leaked, and must not again.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <vector>
 
-#include <zbr/zbr.h>
+#include "hiddenline/scenes.h"
 
 namespace {
-
-ZBR_HL_TRI Triangle(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
-  ZBR_HL_TRI t;
-  t.pt[0] = a;
-  t.pt[1] = b;
-  t.pt[2] = c;
-  for (bool& drawn : t.dispj) drawn = true;
-  return t;
-}
 
 // Many triangles that are points in plan, in a corner of the shell, where boxes stop getting smaller.
 TEST(Hostile, PointsInPlanDoNotSinkForEver) {
   for (const double size : {1.0, 1e12, 1.5e308}) {
     const ZBR_TmpEps exact(size == 1.0 ? 0.0 : 1e-5);
     const double low = 0.3 * size;
-    std::vector<ZBR_HL_TRI> tris;
-    tris.push_back(Triangle({low, low, 0}, {size, low, 0}, {low, size, 0}));
-    for (int i = 0; i < 300; ++i) tris.push_back(Triangle({low, low, 1}, {low, low, 2}, {low, low, 3}));
-    ZBR_HL_SHELL shell(tris.data(), static_cast<unsigned>(tris.size()));
+    std::vector<Corners> corners(301, {ZBR_PT3(low, low, 1), ZBR_PT3(low, low, 2), ZBR_PT3(low, low, 3)});
+    corners[0] = {ZBR_PT3(low, low, 0), ZBR_PT3(size, low, 0), ZBR_PT3(low, size, 0)};
+    Drawing drawing = DrawTriangles(corners);
+    ZBR_HL_SHELL shell = drawing.Shells()[0];
     shell.HiddenLineSelf();
-    EXPECT_EQ(tris[0].any_edge_visible, size < 1e75);
+    EXPECT_EQ(drawing.bodies[0][0].any_edge_visible, size < 1e75);
     EXPECT_EQ(shell.GetAvailableTriNum(), size < 1e75 ? 1U : 0U);
   }
 }
@@ -43,33 +33,67 @@ TEST(Hostile, HalfASegmentTakesNoPart) {
   }
 }
 
-TEST(Hostile, HiddenSegmentsAreFinite) {
-  for (const double bad : {std::nan(""), std::numeric_limits<double>::infinity(), 1e308}) {
-    std::vector<ZBR_HL_TRI> tris;
-    tris.push_back(Triangle({0, 0, 0}, {1, 0, 0}, {0, 1, bad}));
-    tris.push_back(Triangle({0, 0, 0}, {bad, 0, 0}, {-bad, 1, 0}));
-    ZBR_HL_SHELL shell(tris.data(), 2);
-    ZBR_HiddenLine::HiddenLineObj(&shell, nullptr, 1);
-    for (int mode = 0; mode <= 3; ++mode) {
-      std::vector<ZBR_SEG> hidden;
-      ZBR_HiddenLine::GetHiddenLineObj(&shell, hidden, mode, 1);
-      for (const ZBR_SEG& s : hidden) EXPECT_TRUE(std::isfinite(s.s().Distance2(s.e()))) << "mode " << mode;
-    }
-  }
-}
-
 TEST(Hostile, EdgeNumbersOutOfRangeAreNoNeighbours) {
   for (const int wrong : {3, 1000000, -7}) {
-    std::vector<ZBR_HL_TRI> tris;
-    tris.push_back(Triangle({0, 0, 0}, {1, 0, 0}, {0, 1, 0}));
-    tris.push_back(Triangle({1, 0, 0}, {0, 0, 0}, {0, -1, 0}));
-    tris[0].adj[0] = 1;
-    tris[1].adj[0] = 0;
-    tris[0].adj_edge[0] = tris[1].adj_edge[0] = wrong;
-    ZBR_HL_SHELL shell(tris.data(), 2);
+    Drawing drawing = DrawTriangles(
+        {{ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(0, 1, 0)}, {ZBR_PT3(1, 0, 0), ZBR_PT3(0, 0, 0), ZBR_PT3(0, -1, 0)}});
+    for (int k = 0; k < 2; ++k) {
+      drawing.bodies[0][static_cast<std::size_t>(k)].adj[0] = 1 - k;
+      drawing.bodies[0][static_cast<std::size_t>(k)].adj_edge[0] = wrong;
+    }
+    ZBR_HL_SHELL shell = drawing.Shells()[0];
     std::vector<std::vector<ZBR_PT>> lines;
     ZBR_HiddenLine::HiddenLineObj(&shell, &lines, 1);
     EXPECT_FALSE(lines.empty());
+  }
+}
+
+// Triangles that are not finite draw and hide nothing: the others are as if they were not there. Those with very large coordinates
+// take part or not, as far as one can compute with them; what is drawn has numbers for coordinates.
+TEST(Hostile, BadCoordinatesDoNoHarm) {
+  const double bad[] = {NAN, INFINITY, -INFINITY, 1e100, -1e200, std::numeric_limits<double>::max()};
+  for (int seed = 0; seed < Scaled(60); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const bool huge = seed % 2 == 1;
+    Random random(static_cast<std::uint64_t>(seed));
+    const std::vector<Mesh> bodies = SceneFamilies()[static_cast<std::size_t>(seed) / 2 % SceneFamilies().size()].bodies(random);
+    const View view = RandomView(random);
+    Drawing poisoned = Draw(bodies, view);
+    Drawing clean = Draw(bodies, view);
+    ForgetNeighbours(poisoned);
+    ForgetNeighbours(clean);
+    for (std::size_t b = 0; b < clean.bodies.size(); ++b) {
+      for (std::size_t k = clean.bodies[b].size(); k-- > 0;) {
+        if (Below(random, 5) != 0) continue;
+        ZBR_PT3& p = poisoned.bodies[b][k].pt[Below(random, 3)];
+        const double c = bad[Below(random, 3) + (huge ? 3 : 0)];
+        const int axis = Below(random, 3);
+        p.Set(axis == 0 ? c : p.x(), axis == 1 ? c : p.y(), axis == 2 ? c : p.z());
+        clean.bodies[b].erase(clean.bodies[b].begin() + static_cast<std::ptrdiff_t>(k));
+      }
+    }
+    std::vector<ZBR_HL_SHELL> shells = poisoned.Shells();
+    std::vector<ZBR_HL_SHELL> cleanShells = clean.Shells();
+    const auto count = static_cast<unsigned>(shells.size());
+    ZBR_HiddenLine::HiddenLine_Shells(shells.data(), count);
+    ZBR_HiddenLine::HiddenLine_Shells(cleanShells.data(), count);
+    for (std::size_t b = 0; b < count && !huge; ++b) {
+      EXPECT_EQ(shells[b].GetDispSegNum(), cleanShells[b].GetDispSegNum());
+      EXPECT_TRUE(std::isfinite(shells[b].max_x - shells[b].min_x) && std::isfinite(shells[b].max_z - shells[b].min_y));
+    }
+    for (int mode = 0; mode <= 3; ++mode) {
+      std::vector<ZBR_SEG> hidden;
+      ZBR_HiddenLine::GetHiddenLineObj(shells.data(), hidden, mode, count);
+      for (const ZBR_SEG& s : hidden) EXPECT_TRUE(std::isfinite(s.s().Distance2(s.e()))) << "mode " << mode;
+    }
+    std::vector<std::vector<ZBR_PT>> lines;
+    zbrOptimizeHiddenLine(shells.data(), lines, count);
+    for (const auto& line : lines) {
+      for (const ZBR_PT& p : line) ASSERT_TRUE(std::isfinite(p.x()) && std::isfinite(p.y()));
+    }
+    double z = 0.0;
+    ZBR_HiddenLine::PickShells(1.0, 1.0, shells.data(), count, z);
+    EXPECT_FALSE(std::isnan(z));
   }
 }
 

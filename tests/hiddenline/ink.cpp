@@ -9,7 +9,7 @@ namespace {
 // above it they count.
 constexpr double kNear = 1e-8;
 constexpr double kBeside = 1e-8;
-constexpr double kAbove = 1e-6;
+constexpr double kAbove = 1e-7;
 // How far off a line may be drawn where walls are almost edge-on, and how far along it ends are looked past.
 constexpr double kOff = 1e-6;
 constexpr double kEnd = 3e-5;
@@ -20,8 +20,7 @@ double Cross(const ZBR_PT& u, const ZBR_PT& v) {
   return u.x() * v.y() - u.y() * v.x();
 }
 
-}  // namespace
-
+// Whether s passes over p within the tolerance; t receives p's place on it.
 bool PassesOver(const ZBR_PT& s, const ZBR_PT& e, const ZBR_PT& p, double tolerance, double& t) {
   if (p.x() < std::min(s.x(), e.x()) - tolerance || p.x() > std::max(s.x(), e.x()) + tolerance) return false;
   if (p.y() < std::min(s.y(), e.y()) - tolerance || p.y() > std::max(s.y(), e.y()) + tolerance) return false;
@@ -31,6 +30,8 @@ bool PassesOver(const ZBR_PT& s, const ZBR_PT& e, const ZBR_PT& p, double tolera
   t = std::clamp(d.InnerProduct(p - s) / length2, 0.0, 1.0);
   return (s + d * t - p).Length() <= tolerance;
 }
+
+}  // namespace
 
 Ink::Ink(const std::vector<ZBR_HL_SHELL>& shells) {
   double reach = 0.0;
@@ -83,14 +84,10 @@ std::vector<InkSample> Ink::Samples(int total) const {
   return samples;
 }
 
-double Ink::Reach(bool beside) const {
-  return (beside ? kOff : kNear) * size_;
-}
-
 bool Ink::IsDrawn(const ZBR_PT& p, bool beside) const {
   double t = 0.0;
   return std::any_of(visible_.begin(), visible_.end(),
-                     [&](const Edge& e) { return PassesOver(e.p.xy(), e.q.xy(), p, Reach(beside), t); });
+                     [&](const Edge& e) { return PassesOver(e.p.xy(), e.q.xy(), p, (beside ? kOff : kNear) * size_, t); });
 }
 
 bool Ink::IsBehindFace(const ZBR_PT3& at, const ZBR_PT& beside) const {
@@ -115,7 +112,8 @@ bool Ink::ShouldBeDrawn(const InkSample& sample, bool beside) const {
   if (!IsHidden(sample.at, sample.along)) return true;
   return std::any_of(edges_.begin(), edges_.end(), [&](const Edge& e) {
     double t = 0.0;
-    return PassesOver(e.p.xy(), e.q.xy(), sample.at.xy(), Reach(beside), t) && !IsHidden(e.p + (e.q - e.p) * t, e.along);
+    return PassesOver(e.p.xy(), e.q.xy(), sample.at.xy(), (beside ? kOff : kNear) * size_, t) &&
+           !IsHidden(e.p + (e.q - e.p) * t, e.along);
   });
 }
 

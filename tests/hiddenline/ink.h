@@ -22,13 +22,8 @@ class Ink {
   // Whether a visible stretch passes over p; `beside`, here and below, allows for walls that are almost edge-on, of whose edges one
   // draws for both.
   bool IsDrawn(const ZBR_PT& p, bool beside = false) const;
-  // Whether a drawable edge passes over the sample that nothing hides there. An edge is hidden where, on both sides of it and a
-  // little apart, a face lies above it that it is not part of.
-  bool ShouldBeDrawn(const InkSample& sample, bool beside = false) const;
   // Whether the drawing is wrong at the sample and a little before and after it along the edge.
   bool IsWrong(const InkSample& sample) const;
-  // How near a line passes over a place, or passes it beside.
-  double Reach(bool beside) const;
 
  private:
   struct Edge {
@@ -41,6 +36,9 @@ class Ink {
     double low[2], high[2];
   };
   void AddFace(const ZBR_HL_TRI& t);
+  // Whether a drawable edge passes over the sample that nothing hides there. An edge is hidden where, on both sides of it and a
+  // little apart, a face lies above it that it is not part of.
+  bool ShouldBeDrawn(const InkSample& sample, bool beside = false) const;
   bool IsBehindFace(const ZBR_PT3& at, const ZBR_PT& beside) const;
   bool IsHidden(const ZBR_PT3& at, const ZBR_PT3& along) const;
 
@@ -49,6 +47,3 @@ class Ink {
   std::vector<Face> faces_;
   double size_ = 0.0;
 };
-
-// Whether s passes over p within the tolerance; t receives p's place on it.
-bool PassesOver(const ZBR_PT& s, const ZBR_PT& e, const ZBR_PT& p, double tolerance, double& t);

@@ -27,6 +27,28 @@ ZBR_PT3 LatticePoint(Random& random, int size, double step) {
   return ZBR_PT3(x, y, Below(random, size)) * step;
 }
 
+// A flat or bumpy sheet of cells x cells squares with the given heights over its (cells + 1)^2 points, row by row.
+Mesh Sheet(int cells, const std::vector<double>& heights) {
+  Mesh mesh;
+  const auto side = static_cast<std::uint32_t>(cells + 1);
+  for (std::uint32_t k = 0; k < side * side; ++k) {
+    mesh.points.emplace_back(2.0 * (k % side) / cells, 2.0 * (k / side) / cells, heights[k]);
+  }
+  for (std::uint32_t y = 0; y + 1 < side; ++y) {
+    for (std::uint32_t x = 0; x + 1 < side; ++x) {
+      const std::uint32_t k = y * side + x;
+      mesh.triangles.push_back({k, k + 1, k + side + 1});
+      mesh.triangles.push_back({k, k + side + 1, k + side});
+    }
+  }
+  return mesh;
+}
+
+Mesh Reversed(Mesh mesh) {
+  for (auto& t : mesh.triangles) std::swap(t[1], t[2]);
+  return mesh;
+}
+
 Mesh TurnedAtRandom(Mesh mesh, Random& random) {
   example::Turn(mesh, RandomPoint(random, 2.0) - ZBR_PT3(1, 1, 1), Unit(random));
   return Moved(std::move(mesh), RandomPoint(random, 2.0));
@@ -76,11 +98,9 @@ std::vector<Mesh> Prisms(Random& random) {
   return bodies;
 }
 
+template <bool isLattice>
 std::vector<Mesh> Plates(Random& random) {
-  return {example::BoxesOnPlate(1 + Below(random, 7), false, random())};
-}
-std::vector<Mesh> Lattices(Random& random) {
-  return {example::BoxesOnPlate(1 + Below(random, 7), true, random())};
+  return {example::BoxesOnPlate(1 + Below(random, 7), isLattice, random())};
 }
 
 std::vector<Mesh> Round(Random& random) {
@@ -184,10 +204,14 @@ std::vector<ZBR_HL_SHELL> Drawing::Shells() {
   return shells;
 }
 
-std::size_t Drawing::TriangleCount() const {
-  std::size_t count = 0;
-  for (const auto& body : bodies) count += body.size();
-  return count;
+Drawing DrawTriangles(const std::vector<Corners>& triangles) {
+  Drawing drawing;
+  auto& body = drawing.bodies.emplace_back(triangles.size());
+  for (std::size_t k = 0; k < body.size(); ++k) {
+    std::copy(triangles[k].begin(), triangles[k].end(), std::begin(body[k].pt));
+    std::fill(std::begin(body[k].dispj), std::end(body[k].dispj), true);
+  }
+  return drawing;
 }
 
 Drawing Draw(const std::vector<Mesh>& bodies, const View& view) {
@@ -230,52 +254,40 @@ void ForgetNeighbours(Drawing& drawing) {
   }
 }
 
-Mesh Sheet(int cells, const std::vector<double>& heights) {
-  Mesh mesh;
-  const auto side = static_cast<std::uint32_t>(cells + 1);
-  for (std::uint32_t k = 0; k < side * side; ++k) {
-    mesh.points.emplace_back(2.0 * (k % side) / cells, 2.0 * (k / side) / cells, heights[k]);
-  }
-  for (std::uint32_t y = 0; y + 1 < side; ++y) {
-    for (std::uint32_t x = 0; x + 1 < side; ++x) {
-      const std::uint32_t k = y * side + x;
-      mesh.triangles.push_back({k, k + 1, k + side + 1});
-      mesh.triangles.push_back({k, k + side + 1, k + side});
-    }
-  }
-  return mesh;
-}
-
-Mesh Reversed(Mesh mesh) {
-  for (auto& t : mesh.triangles) std::swap(t[1], t[2]);
-  return mesh;
-}
-
 Mesh Moved(Mesh mesh, const ZBR_PT3& by) {
   example::Move(mesh, by);
   return mesh;
 }
 
-Mesh Turned(Mesh mesh, const ZBR_PT3& axis, double turns) {
-  example::Turn(mesh, axis, turns);
-  return mesh;
-}
-
 View RandomView(Random& random) {
-  const int n = Below(random, 12);
+  const int n = Below(random, 14);
   const std::vector<std::string>& names = tool::ViewNames();
   if (n < 8 && static_cast<std::size_t>(n) < names.size()) return *tool::NamedView(names[static_cast<std::size_t>(n)]);
+  if (n == 12) return tool::LookAlong({1, 1, 0}, {0, 0, 1});
+  if (n == 13) return tool::LookAlong({3, 4, 0}, {0.1, 0.2, 1});
   return tool::LookAlong(RandomPoint(random, 2.0) - ZBR_PT3(1, 1, 1.001), RandomPoint(random, 2.0) - ZBR_PT3(1.002, 1, 1));
 }
 
-std::vector<std::pair<std::string, View>> ViewsAround() {
-  std::vector<std::pair<std::string, View>> views;
-  for (const std::string& name : tool::ViewNames()) views.emplace_back(name, *tool::NamedView(name));
-  views.emplace_back("slanting", tool::LookAlong({1.1, 2.3, -0.7}, {0, 0, 1}));
-  views.emplace_back("steep", tool::LookAlong({-0.3, 0.1, -2.0}, {0, 1, 0}));
-  views.emplace_back("diagonal", tool::LookAlong({1, 1, 0}, {0, 0, 1}));
-  views.emplace_back("turned", tool::LookAlong({3, 4, 0}, {0.1, 0.2, 1}));
-  return views;
+void Classify(ZBR_HL_SHELL& shell) {
+  shell.HiddenLineSelf();  // makes the tree as well
+  shell.CheckTriangle();
+}
+
+void WalkTrees(std::vector<ZBR_HL_SHELL>& shells) {
+  for (ZBR_HL_SHELL& shell : shells) {
+    Classify(shell);
+    ZBR_HiddenLine::HiddenLine_ShellByChildQuad(shell, shell.root, true);
+    for (unsigned k = 0; k < shell.count; ++k) {  // the tree has no invalid ones, of which one edge may be drawn
+      if (shell.tris[k].IsTriInvalid()) ZBR_HiddenLine::HiddenLine_TriByShell(shell.tris[k], shell);
+    }
+  }
+  for (ZBR_HL_SHELL& a : shells) {
+    for (const ZBR_HL_SHELL& b : shells) {
+      for (unsigned k = 0; &a != &b && k < a.count; ++k) {
+        if (a.tris[k].any_edge_visible) ZBR_HiddenLine::HiddenLine_TriByShell(a.tris[k], b);
+      }
+    }
+  }
 }
 
 std::string StateText(const std::vector<ZBR_HL_SHELL>& shells) {
@@ -297,42 +309,10 @@ std::string StateText(const std::vector<ZBR_HL_SHELL>& shells) {
 
 const std::vector<SceneFamily>& SceneFamilies() {
   static const std::vector<SceneFamily> families = {
-      {"boxes", Boxes},       {"poses", Poses}, {"prisms", Prisms}, {"plates", Plates},
-      {"lattices", Lattices}, {"round", Round}, {"sheets", Sheets}, {"soups", Soups},
+      {"boxes", Boxes},           {"poses", Poses}, {"prisms", Prisms}, {"plates", Plates<false>},
+      {"lattices", Plates<true>}, {"round", Round}, {"sheets", Sheets}, {"soups", Soups},
   };
   return families;
-}
-
-std::vector<NamedScene> NamedScenes() {
-  const auto box = [](double x, double y, double z, double X, double Y, double Z) { return example::Box({x, y, z}, {X, Y, Z}); };
-  Mesh touching = box(0, 0, 0, 1, 1, 1);
-  example::Append(touching, box(1, 0, 0, 2, 1, 1));
-  const std::vector<double> flat(16, 0.0);
-  return {
-      {"box", {box(0, 0, 0, 1, 2, 3)}},
-      {"boxes stacked", {box(0, 0, 0, 2, 2, 1), box(0.5, 0.5, 1, 1.5, 1.5, 2), box(0, 0, 2, 2, 1, 3)}},
-      {"boxes touching", {box(0, 0, 0, 1, 1, 1), box(1, 0, 0, 2, 1, 1), box(1, 1, 0, 2, 2, 1)}},
-      {"boxes joined at a face", {touching}},
-      {"boxes interpenetrating", {box(0, 0, 0, 2, 2, 2), box(1, 1, 1, 3, 3, 3)}},
-      {"boxes through each other", {box(0, 1, 1, 3, 2, 2), box(1, 0, 1.25, 2, 3, 1.75), box(1.25, 1.25, 0, 1.75, 1.75, 3)}},
-      {"boxes one inside", {box(0, 0, 0, 3, 3, 3), box(1, 1, 1, 2, 2, 2)}},
-      {"boxes on a plate", {example::BoxesOnPlate(5)}},
-      {"boxes on a lattice", {example::BoxesOnPlate(5, true)}},
-      {"L solid", {example::LSolid(1.0)}},
-      {"U solid", {example::USolid(1.0)}},
-      {"L through U", {example::LSolid(1.0), Moved(Turned(example::USolid(2.0), {1, 1, 0}, 0.2), {0.3, 0.1, 0.2})}},
-      {"prism of 3 sides", {example::Cylinder(3, 1.0, 2.0)}},
-      {"cylinder", {example::Cylinder(48, 1.0, 2.0)}},
-      {"cylinders crossing",
-       {example::Cylinder(24, 1.0, 4.0), Moved(Turned(example::Cylinder(24, 0.7, 4.0), {0, 1, 0}, 0.25), {-2, 0, 2})}},
-      {"torus", {example::Torus(800)}},
-      {"tori linked", {example::Torus(800), Moved(Turned(example::Torus(800), {1, 0, 0}, 0.25), {1, 0, 0})}},
-      {"gear", {example::Gear(900)}},
-      {"gears", {example::Gears(2, 200)}},
-      {"open sheet", {Sheet(3, flat)}},
-      {"open sheets both ways", {Sheet(3, flat), Reversed(Moved(Sheet(3, flat), {0.5, 0.5, 1}))}},
-      {"open sheet on edge", {Turned(Sheet(3, flat), {1, 0, 0}, 0.25), box(0.5, -1, 0.5, 1.5, 1, 1.5)}},
-  };
 }
 
 Drawing DrawHard(const SceneFamily& family, std::uint64_t seed) {

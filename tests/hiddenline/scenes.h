@@ -1,9 +1,9 @@
 // Seeded scenes for hidden-line removal: bodies of several families seen from many sides. The same seed gives the same scene.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <zbr/hidden_line.h>
@@ -27,9 +27,11 @@ struct Drawing {
 
   // Shells over the bodies, not processed.
   std::vector<ZBR_HL_SHELL> Shells();
-  std::size_t TriangleCount() const;
 };
 
+// One body of triangles given by their corners, all edges drawn.
+using Corners = std::array<ZBR_PT3, 3>;
+Drawing DrawTriangles(const std::vector<Corners>& triangles);
 // Each body by itself (no points or edges shared between bodies), 16 units of the drawing to the unit of the mesh.
 Drawing Draw(const std::vector<Mesh>& bodies, const View& view);
 // Every point becomes p with its coordinates multiplied. A negative factor mirrors.
@@ -40,17 +42,14 @@ void Disguise(Drawing& drawing, Random& random);
 // No triangle knows its neighbours any more.
 void ForgetNeighbours(Drawing& drawing);
 
-// A flat or bumpy sheet of cells x cells squares with the given heights over its (cells + 1)^2 points, row by row.
-Mesh Sheet(int cells, const std::vector<double>& heights);
-Mesh Reversed(Mesh mesh);
 Mesh Moved(Mesh mesh, const ZBR_PT3& by);
-Mesh Turned(Mesh mesh, const ZBR_PT3& axis, double turns);
-// Along an axis or slanting, at random.
+// Along an axis, slanting, or along walls that stand at an angle, where rounding errors show.
 View RandomView(Random& random);
 
-// The standard views, two slanting ones, and two along walls that stand at an angle, where rounding errors show.
-std::vector<std::pair<std::string, View>> ViewsAround();
-
+// Prepares a shell's triangles, all edges whole.
+void Classify(ZBR_HL_SHELL& shell);
+// Hides every shell by itself and by every other as the driver does, but told triangle by triangle.
+void WalkTrees(std::vector<ZBR_HL_SHELL>& shells);
 // The visible intervals of all edges, to the last bit.
 std::string StateText(const std::vector<ZBR_HL_SHELL>& shells);
 
@@ -72,13 +71,6 @@ inline void PrintTo(const SceneFamily& family, std::ostream* out) {
 // sheets   open sheets, flat or bumpy, facing either way, over and through each other
 // soups    triangles at random, or between lattice points so that they share vertices and edges
 const std::vector<SceneFamily>& SceneFamilies();
-
-// Bodies by name: boxes in every kind of contact, L and U, prisms, round ones, open sheets.
-struct NamedScene {
-  const char* name;
-  std::vector<Mesh> bodies;
-};
-std::vector<NamedScene> NamedScenes();
 
 // One scene of a family, disguised; some without neighbours, some with needles, some with other edges drawn, some a
 // thousand times larger.

@@ -5,8 +5,7 @@
 #include <array>
 #include <cmath>
 
-#include "differential/compare.h"
-#include "literal/hidden_line.h"
+#include "hiddenline/scenes.h"
 
 namespace {
 
@@ -68,64 +67,16 @@ TEST(Interval, IntersectionCountsAndWholeEdges) {
   EXPECT_EQ(EndsOf(a), Ends({0.5, 0.6}));
 }
 
-TEST(Interval, AgreesWithTheLiteralForm) {
-  std::size_t kept = 0;
-  for (int seed = 0; seed < Scaled(2000); ++seed) {
-    Random random(static_cast<std::uint64_t>(seed));
-    const double eps = seed % 3 == 0 ? 1e-7 : 0.02;
-    const ZBR_TmpEps guard(eps);
-    Intervals lists[2];
-    for (Intervals& list : lists) {
-      Ends ends(2U * static_cast<unsigned>(Below(random, 6)));
-      for (double& t : ends) t = 0.1 * Below(random, 11) + eps * 0.6 * (Below(random, 3) - 1);
-      std::sort(ends.begin(), ends.end());
-      list = Make(ends);
-    }
-    literal::Stretches expected[2];
-    for (int k = 0; k < 2; ++k) {
-      for (const ZBR_HL_INTERVAL& v : lists[k]) expected[k].push_back({v.s.pt, v.e.pt, v.s.t, v.e.t});
-    }
-    Intervals work;
-    zbrIntervalIntersection(lists[0], lists[1], work);
-    literal::Intersect(expected[0], expected[1], eps);
-    zbrIntervalOptimize(lists[1]);
-    literal::Optimize(expected[1], eps);
-    for (int k = 0; k < 2; ++k) {
-      ASSERT_EQ(lists[k].size(), expected[k].size()) << "seed " << seed;
-      for (std::size_t j = 0; j < lists[k].size(); ++j) {
-        ASSERT_TRUE(SameBits(lists[k][j].s.t, expected[k][j].s) && SameBits(lists[k][j].e.t, expected[k][j].e)) << "seed " << seed;
-        ASSERT_TRUE(SameBits(lists[k][j].e.pt.xy(), expected[k][j].pe.xy())) << "seed " << seed;
-      }
-      kept += lists[k].size();
-    }
-    double got[2] = {7, 7};
-    double wanted[2] = {7, 7};
-    const auto real = [&] { return 0.1 * Below(random, 4) + eps * (Below(random, 3) - 1); };
-    const double a0 = real(), a1 = real(), b0 = real(), b1 = real();
-    ASSERT_EQ(zbrDifferenceOfRealSeg(a0, a1, b0, b1, got[0], got[1]),
-              literal::Difference(a0, a1, b0, b1, wanted[0], wanted[1], eps));
-    ASSERT_TRUE(got[0] == wanted[0] && got[1] == wanted[1]) << "seed " << seed;
-  }
-  EXPECT_GT(kept, 1000U);
-}
-
-// A shell of triangles given by their vertices, all edges drawable, processed or only classified.
+// A shell of triangles given by their vertices, processed or only classified.
 struct Body {
-  explicit Body(const std::vector<std::array<ZBR_PT3, 3>>& triangles) : tris(triangles.size()) {
-    for (std::size_t k = 0; k < tris.size(); ++k) {
-      for (int i = 0; i < 3; ++i) {
-        tris[k].pt[i] = triangles[k][static_cast<std::size_t>(i)];
-        tris[k].dispj[i] = true;
-      }
-    }
-    shell = ZBR_HL_SHELL(tris.data(), static_cast<unsigned>(tris.size()));
-  }
+  explicit Body(const std::vector<Corners>& corners) : drawing(DrawTriangles(corners)), shell(drawing.Shells()[0]) {}
   ZBR_HL_TRI& Classified() {
     shell.GetMaxMin();
     shell.CheckTriangle();
     return tris[0];
   }
-  std::vector<ZBR_HL_TRI> tris;
+  Drawing drawing;
+  std::vector<ZBR_HL_TRI>& tris = drawing.bodies[0];
   ZBR_HL_SHELL shell;
 };
 
@@ -133,7 +84,7 @@ TEST(TriangleState, DegenerateTriangles) {
   const ZBR_PT3 o;
   const struct {
     const char* name;
-    std::array<ZBR_PT3, 3> pt;
+    Corners pt;
     int state;
     std::array<int, 3> edges;
   } rows[] = {
@@ -185,8 +136,8 @@ TEST(TriangleState, EdgeOnTrianglesDrawTheirUpperOutline) {
         const double c = falling ? 4.0 - along : along;
         return alongY ? ZBR_PT3(3, c, z) : ZBR_PT3(c, 3, z);
       };
-      const std::array<ZBR_PT3, 3> pt = {place(0, 0), place(4, 0), place(row.endOn ? 4 : 1, row.upper ? 1 : -1)};
-      std::array<ZBR_PT3, 3> turned;
+      const Corners pt = {place(0, 0), place(4, 0), place(row.endOn ? 4 : 1, row.upper ? 1 : -1)};
+      Corners turned;
       for (std::size_t i = 0; i < 3; ++i) turned[(i + static_cast<std::size_t>(turn)) % 3] = pt[i];
       Body body({turned});
       const bool draw[] = {drawL, row.drawN, row.drawP};
@@ -241,7 +192,7 @@ TEST(TriangleState, PriorityAndFlags) {
 }
 
 // The visible parts of the edge (p, q) of a triangle hanging down from it, against the occluder written in all six ways.
-void ExpectVisible(const ZBR_PT3& p, const ZBR_PT3& q, const std::array<ZBR_PT3, 3>& occluder, const Ends& expected) {
+void ExpectVisible(const ZBR_PT3& p, const ZBR_PT3& q, const Corners& occluder, const Ends& expected) {
   std::array<std::size_t, 3> order = {0, 1, 2};
   do {
     Body body({{p, q, (p + q) * 0.5 + ZBR_PT3(0.01, 0.02, -50)}, {occluder[order[0]], occluder[order[1]], occluder[order[2]]}});
@@ -254,7 +205,7 @@ void ExpectVisible(const ZBR_PT3& p, const ZBR_PT3& q, const std::array<ZBR_PT3,
 }
 
 TEST(Pair, EdgeAgainstOccluder) {
-  const std::array<ZBR_PT3, 3> level = {ZBR_PT3(1, -1, 0), ZBR_PT3(1, 1, 0), ZBR_PT3(0, 0, 0)};
+  const Corners level = {ZBR_PT3(1, -1, 0), ZBR_PT3(1, 1, 0), ZBR_PT3(0, 0, 0)};
   // Through a vertex and the side opposite it: beyond that side the edge comes out again.
   ExpectVisible({-1, 0, -1}, {3, 0, -1}, level, {0, 0.25, 0.5, 1});
   ExpectVisible({-1, 0.5, -1}, {3, 0.5, -1}, level, {0, 0.375, 0.5, 1});
@@ -270,8 +221,8 @@ TEST(Pair, EdgeAgainstOccluder) {
 }
 
 TEST(Pair, LineStaysWhenTheKeeperDoesNotDrawIt) {
-  const std::array<ZBR_PT3, 3> right = {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(1, 1, 0)};
-  const std::array<ZBR_PT3, 3> left = {ZBR_PT3(1, 0, 0), ZBR_PT3(0, 0, 0), ZBR_PT3(0, -1, 0)};
+  const Corners right = {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(1, 1, 0)};
+  const Corners left = {ZBR_PT3(1, 0, 0), ZBR_PT3(0, 0, 0), ZBR_PT3(0, -1, 0)};
   for (const bool neighbours : {false, true}) {
     for (const bool draws : {false, true}) {
       Body body({right, left});
@@ -293,17 +244,6 @@ TEST(Pair, LinesStayOnANeighbourFoldedFlat) {
   body.tris[1].adj[0] = 0;
   body.shell.HiddenLineSelf();
   EXPECT_EQ(body.shell.GetDispSegNum(), 5U);  // all but one copy of the shared edge
-}
-
-TEST(Pair, RestoresTheTolerance) {
-  Body body({{ZBR_PT3(0, 0, 0), ZBR_PT3(4, 0, 0), ZBR_PT3(0, 4, 0)}, {ZBR_PT3(1, -1, 1), ZBR_PT3(2, 9, 1), ZBR_PT3(1, 9, 1)}});
-  body.Classified();
-  const ZBR_TmpEps guard(0.125);
-  body.tris[0].HiddenLine_TriByTri(body.tris[1]);
-  body.tris[0].HiddenLine_TriByTri(body.tris[0]);
-  EXPECT_TRUE(zbr_EpsE(0.125));
-  EXPECT_FALSE(zbr_EpsE(0.1250001));
-  EXPECT_EQ(body.tris[0].intvl_v[0].size(), 2U);
 }
 
 TEST(Triangle, DumpText) {

@@ -112,8 +112,8 @@ bool SwapsPair(const Loops& other, const ZBR_CROSS& c1, const ZBR_CROSS& c2, int
     const ZBR_CROSS* from = c1Left ? &c1 : &c2;
     const ZBR_CROSS* to = c1Left ? &c2 : &c1;
     if (s == 1) std::swap(from, to);
-    const std::vector<ZBR_PT>& ring = PolygonOf(other, SideOf(c1, o).loop).pt;
-    const double area = StripArea(ring, from->pt, to->pt, SideOf(*from, o).pos, SideOf(*to, o).pos, tol);
+    const ZBR_POLYGON ring(PolygonOf(other, SideOf(c1, o).loop).pt);
+    const double area = ring.get_area(from->pt, to->pt, SideOf(*from, o).pos, SideOf(*to, o).pos);
     *drop = Within(area, tol.eps);
     leftSwaps = (area > 0.0) == (s == 0);
   } else {

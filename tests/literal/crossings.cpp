@@ -9,10 +9,6 @@ namespace {
 
 constexpr double kMargin = 0.001;
 
-double Cross(const ZBR_PT& u, const ZBR_PT& v) {
-  return u.x() * v.y() - u.y() * v.x();
-}
-
 bool EdgeBoxesApart(const ZBR_PT& a0, const ZBR_PT& a1, double xmin, double xmax, double ymin, double ymax) {
   return xmin > std::max(a0.x(), a1.x()) + kMargin || std::min(a0.x(), a1.x()) - kMargin > xmax ||
          ymin > std::max(a0.y(), a1.y()) + kMargin || std::min(a0.y(), a1.y()) - kMargin > ymax;
@@ -24,68 +20,64 @@ struct Contact {
   ZBR_CROSS_DIR dir;
 };
 
-ZBR_CROSS_DIR LeftIf(bool left) {
-  return left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT;
-}
+// A corner of A with its leaving edge E = cur->next.
+struct Corner {
+  Corner(const ZBR_PT& p, const ZBR_PT& c, const ZBR_PT& n) : prev(p), cur(c), next(n) {
+    ZBR_PT::Get3PtInfo(prev, cur, next, info);
+  }
+  // Side of the corner (0 on it, -4 when A doubles back there); `line` receives the side of E's line.
+  int Position(const ZBR_PT& q, int& line) const {
+    int prevLine = 0;
+    return q.CheckPos(prev, cur, next, info, prevLine, line);
+  }
+  ZBR_PT prev, cur, next;
+  ZBR_3PT_INFO info;
+};
 
-// The corner of A with its leaving edge E = p1->p2 against the edge F = q0->q1. Returns whether they meet.
+// The corner against the edge q0->q1. Returns whether they meet.
 bool FindContact(const Corner& corner, const ZBR_PT& q0, const ZBR_PT& q1, const Tol& tol, Contact& out) {
-  const ZBR_PT& cur = corner.p1;
-  const ZBR_PT& next = corner.p2;
+  const ZBR_PT& cur = corner.cur;
+  const ZBR_PT& next = corner.next;
   int lineQ0 = 0;
   int lineQ1 = 0;
-  const int posQ0 = corner.Position(q0, lineQ0, tol);
-  const int posQ1 = corner.Position(q1, lineQ1, tol);
-
-  if (Same(cur, q0, tol)) {
-    if (corner.reverses || posQ1 == 0) return false;
-    out = {cur, 0.0, 0.0, LeftIf(posQ1 == 1)};
+  const int posQ0 = corner.Position(q0, lineQ0);
+  const int posQ1 = corner.Position(q1, lineQ1);
+  const bool doublesBack = posQ0 == -4;
+  const auto meet = [&](const ZBR_PT& pt, double tA, double tB, bool left) {
+    out = {pt, tA, tB, left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT};
     return true;
+  };
+  if (cur == q0) return !doublesBack && posQ1 != 0 && meet(cur, 0.0, 0.0, posQ1 == 1);
+  if (cur == q1) return !doublesBack && posQ0 != 0 && meet(cur, 0.0, 1.0, posQ0 != 1);
+  if (cur.CheckPos(q0, q1) == 0) {
+    const double t = cur.LinFrom(q0, q1);
+    if (doublesBack || !(0.0 <= t && t <= 1.0) || posQ0 == posQ1) return false;
+    return meet(cur, 0.0, t, posQ0 == 0 ? posQ1 == 1 : posQ0 == -1);
   }
-  if (Same(cur, q1, tol)) {
-    if (corner.reverses || posQ0 == 0) return false;
-    out = {cur, 0.0, 1.0, LeftIf(posQ0 != 1)};
-    return true;
+  if (next == q0 || next == q1) return false;
+  if (lineQ0 == 0 || lineQ1 == 0) {
+    const ZBR_PT& q = lineQ0 == 0 ? q0 : q1;
+    const double t = q.LinFrom(cur, next);
+    if (!(0.0 <= t && t < 1.0) || (lineQ0 == 0 && lineQ1 == 0)) return false;
+    return lineQ0 == 0 ? meet(q, t, 0.0, lineQ1 == 1) : meet(q, t, 1.0, lineQ0 == -1);
   }
-  if (SideOfLine(cur, q0, q1, tol) == 0) {
-    if (corner.reverses) return false;
-    const double t = Along(cur, q0, q1);
-    if (!(0.0 <= t && t <= 1.0) || posQ0 == posQ1) return false;
-    out = {cur, 0.0, t, LeftIf(posQ0 == 0 ? posQ1 == 1 : posQ0 == -1)};
-    return true;
-  }
-  if (Same(next, q0, tol) || Same(next, q1, tol)) return false;
-  if (lineQ0 == 0) {
-    const double t = Along(q0, cur, next);
-    if (!(0.0 <= t && t < 1.0) || lineQ1 == 0) return false;
-    out = {q0, t, 0.0, LeftIf(lineQ1 == 1)};
-    return true;
-  }
-  if (lineQ1 == 0) {
-    const double t = Along(q1, cur, next);
-    if (!(0.0 <= t && t < 1.0)) return false;
-    out = {q1, t, 1.0, LeftIf(lineQ0 == -1)};
-    return true;
-  }
-  if (SideOfLine(next, q0, q1, tol) == 0) return false;
+  if (next.CheckPos(q0, q1) == 0) return false;
   const ZBR_PT a = next - cur;
   const ZBR_PT b = q1 - q0;
   const ZBR_PT w = cur - q0;
-  const double d = Cross(b, a);
+  const double d = b.OuterProduct(a);
   if (std::abs(d) <= tol.eps2) return false;
-  const double tA = Cross(w, b) / d;
-  const double tB = Cross(w, a) / d;
-  if (!(0.0 <= tA && tA <= 1.0 && 0.0 <= tB && tB <= 1.0)) return false;
-  out = {cur + a * tA, tA, tB, LeftIf(d < 0.0)};
-  return true;
+  const double tA = w.OuterProduct(b) / d;
+  const double tB = w.OuterProduct(a) / d;
+  return 0.0 <= tA && tA <= 1.0 && 0.0 <= tB && tB <= 1.0 && meet(cur + a * tA, tA, tB, d < 0.0);
 }
 
 // Position on B. A vertex counts as the last one of its run of equal points, so that arriving and leaving edges agree.
-double PositionOnB(const std::vector<ZBR_PT>& Q, std::size_t j0, double tB, bool closedB, const Tol& tol) {
+double PositionOnB(const std::vector<ZBR_PT>& Q, std::size_t j0, double tB, bool closedB) {
   if (tB != 1.0) return static_cast<double>(j0) + tB;
   const std::size_t n = Q.size();
   std::size_t j = (j0 + 1) % n;
-  while ((closedB || j + 1 < n) && Same(Q[j], Q[(j + 1) % n], tol)) j = (j + 1) % n;
+  while ((closedB || j + 1 < n) && Q[j] == Q[(j + 1) % n]) j = (j + 1) % n;
   return static_cast<double>(j);
 }
 
@@ -102,22 +94,22 @@ void GetPolygonCross(const Loop& A, const Loop& B, ZBR_CROSS_LOOP keyA, ZBR_CROS
     return;
   }
   std::size_t start = 0;
-  while (start < nA && Same(P[(start + nA - 1) % nA], P[start], tol)) ++start;
+  while (start < nA && P[(start + nA - 1) % nA] == P[start]) ++start;
   if (start == nA) return;
 
   std::size_t prev = (start + nA - 1) % nA;
   for (std::size_t step = 0; step < nA; ++step) {
     const std::size_t cur = (start + step) % nA;
     const std::size_t next = (cur + 1) % nA;
-    if (Same(P[cur], P[prev], tol) || Same(P[next], P[cur], tol)) continue;
-    const Corner corner(P[prev], P[cur], P[next], tol);
+    if (P[cur] == P[prev] || P[next] == P[cur]) continue;
+    const Corner corner(P[prev], P[cur], P[next]);
     prev = cur;
     if (EdgeBoxesApart(P[cur], P[next], B.xmin, B.xmax, B.ymin, B.ymax)) continue;
     for (std::size_t e = closedB ? 0 : 1; e < nB; ++e) {
       const std::size_t j0 = (e + nB - 1) % nB;
       const ZBR_PT& q0 = Q[j0];
       const ZBR_PT& q1 = Q[e];
-      if (Same(q0, q1, tol)) continue;
+      if (q0 == q1) continue;
       if (EdgeBoxesApart(P[cur], P[next], std::min(q0.x(), q1.x()), std::max(q0.x(), q1.x()), std::min(q0.y(), q1.y()),
                          std::max(q0.y(), q1.y()))) {
         continue;
@@ -128,7 +120,7 @@ void GetPolygonCross(const Loop& A, const Loop& B, ZBR_CROSS_LOOP keyA, ZBR_CROS
       cross.pt = contact.pt;
       cross.dir = contact.dir;
       cross.a = {keyA, static_cast<double>(cur) + contact.tA, -1, 0};
-      cross.b = {keyB, PositionOnB(Q, j0, contact.tB, closedB, tol), -1, 0};
+      cross.b = {keyB, PositionOnB(Q, j0, contact.tB, closedB), -1, 0};
       cross.valid = true;
       cross.index = static_cast<int>(crosses.size());
       crosses.push_back(cross);

@@ -20,7 +20,7 @@ int SampleBetween(const ZBR_PT& from, const ZBR_PT& to, const Loop& b, const Tol
   std::vector<double> stops{0.0, 1.0};
   for (const ZBR_PT& v : b.pt) {
     double t = 0.0;
-    if (OnSegment(v, from, to, &t, tol) && 0.0 < t && t < 1.0) stops.push_back(t);
+    if (zbrIsOnSeg(v, from, to, nullptr, &t) && 0.0 < t && t < 1.0) stops.push_back(t);
   }
   std::sort(stops.begin(), stops.end());
   for (std::size_t k = 1; stops.size() > 2 && k < stops.size(); ++k) {
@@ -89,7 +89,7 @@ void FlattenLoopTree(Loops& list) {
 }  // namespace
 
 void Loop::Setup() {
-  area = Area(pt);
+  area = ZBR_POLYGON(pt).get_area();
   xmin = xmax = pt.empty() ? 0.0 : pt[0].x();
   ymin = ymax = pt.empty() ? 0.0 : pt[0].y();
   for (const ZBR_PT& p : pt) {
@@ -138,28 +138,6 @@ ZBR_POLY_REL CheckInclude(const Loop& a, const Loop& b, const Tol& tol) {
   const int ba = SampleInside(b, a, tol);
   if (ba > 0) return ZBR_PR_B_IN_A;
   return ab == 0 && ba == 0 ? ZBR_PR_SAME : ZBR_PR_APART;
-}
-
-ZBR_LOOP_REL CheckIncludeLoop(const Loop& a, const Loop& b, const Tol& tol) {
-  switch (CheckInclude(a, b, tol)) {
-    case ZBR_PR_SAME:
-      return ZBR_LR_SAME;
-    case ZBR_PR_B_IN_A:
-      return ZBR_LR_CONTAINS;
-    case ZBR_PR_APART:
-      return ZBR_LR_OUTSIDE;
-    default:
-      return RelationToHoles(a, b, tol);
-  }
-}
-
-ZBR_LOOP_REL CheckIncludeList(const Loop& a, const Loops& loops, const Tol& tol) {
-  for (const auto& loop : loops) {
-    const ZBR_POLY_REL r = CheckInclude(a, *loop, tol);
-    if (r == ZBR_PR_SAME) return ZBR_LR_SAME;
-    if (r == ZBR_PR_A_IN_B) return RelationToHoles(a, *loop, tol);
-  }
-  return ZBR_LR_OUTSIDE;
 }
 
 ZBR_LOOP_REL CheckIncludeInnermost(const Loop& a, const Loops& loops, const Tol& tol) {

@@ -27,12 +27,8 @@ std::shared_ptr<Loop> FromRing(const std::vector<ZBR_PT>& ring);
 Loops FromZbr(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
 ZBR_POLY_INSIDE IsInside(const ZBR_PT& pt, const Loop& loop, std::vector<ZBR_POS_PT_PT>& pos, const Tol& tol);
-// Interior, boundary or exterior of a region: even-odd over all its rings, undecided when one of them is.
-ZBR_POLY_INSIDE IsInside(const ZBR_PT& pt, const Loops& region, const Tol& tol);
 bool IsInside(const Loop& a, const Loop& b, const Tol& tol);
 ZBR_POLY_REL CheckInclude(const Loop& a, const Loop& b, const Tol& tol);
-ZBR_LOOP_REL CheckIncludeLoop(const Loop& a, const Loop& b, const Tol& tol);
-ZBR_LOOP_REL CheckIncludeList(const Loop& a, const Loops& loops, const Tol& tol);
 // The relation to the innermost container: a loop in a hole may lie on an island farther down the list.
 ZBR_LOOP_REL CheckIncludeInnermost(const Loop& a, const Loops& loops, const Tol& tol);
 

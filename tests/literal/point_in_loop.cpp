@@ -32,8 +32,7 @@ int ClassifyVertices(const ZBR_PT& pt, const Loop& loop, std::vector<ZBR_POS_PT_
   for (std::size_t i = 0, prev = loop.pt.size() - 1; i < loop.pt.size(); prev = i++) {
     const bool besideX = pos[prev].xPos == pos[i].xPos && pos[i].xPos != 0;
     const bool besideY = pos[prev].yPos == pos[i].yPos && pos[i].yPos != 0;
-    double t = 0.0;
-    if (!besideX && !besideY && OnSegment(pt, loop.pt[prev], loop.pt[i], &t, tol)) return ZBR_PI_ON_EDGE;
+    if (!besideX && !besideY && zbrIsOnSeg(pt, loop.pt[prev], loop.pt[i], nullptr, nullptr)) return ZBR_PI_ON_EDGE;
   }
   quadrant = 0;
   for (int q = 1; q < 4; ++q) {
@@ -95,28 +94,6 @@ ZBR_POLY_INSIDE IsInside(const ZBR_PT& pt, const Loop& loop, std::vector<ZBR_POS
     if (r != ZBR_PI_UNKNOWN) return r;
   }
   return ZBR_PI_UNKNOWN;
-}
-
-ZBR_POLY_INSIDE IsInside(const ZBR_PT& pt, const Loops& region, const Tol& tol) {
-  std::vector<ZBR_POS_PT_PT> pos;
-  Loops rings;
-  for (const auto& loop : region) {
-    rings.push_back(loop);
-    rings.insert(rings.end(), loop->children.begin(), loop->children.end());
-  }
-  int count = 0;
-  bool onEdge = false;
-  bool undecided = false;
-  for (const auto& ring : rings) {
-    const ZBR_POLY_INSIDE r = IsInside(pt, *ring, pos, tol);
-    if (r == ZBR_PI_ON_VERTEX) return r;
-    if (r == ZBR_PI_ON_EDGE) onEdge = true;
-    if (r == ZBR_PI_UNKNOWN) undecided = true;
-    if (r == ZBR_PI_IN) ++count;
-  }
-  if (onEdge) return ZBR_PI_ON_EDGE;
-  if (undecided) return ZBR_PI_UNKNOWN;
-  return count % 2 == 1 ? ZBR_PI_IN : ZBR_PI_OUT;
 }
 
 }  // namespace literal

@@ -1,6 +1,8 @@
 // Tracing: paths that alternate between A and B, loops from paths, polygons that no crossing touches.
 #include <set>
 
+#include <zbr/tolerance.h>
+
 #include "literal/boolean.h"
 
 namespace literal {
@@ -79,8 +81,8 @@ std::vector<std::vector<int>> ChainPaths(const Walk& w) {
   }
 }
 
-void AppendPoint(Loop& loop, const ZBR_PT& p, const Tol& tol) {
-  if (loop.pt.empty() || !Same(p, loop.pt.back(), tol)) loop.pt.push_back(p);
+void AppendPoint(Loop& loop, const ZBR_PT& p) {
+  if (loop.pt.empty() || !(p == loop.pt.back())) loop.pt.push_back(p);
 }
 
 void AppendStretch(Loop& loop, const std::vector<ZBR_PT>& ring, const ZBR_CROSS& c1, const ZBR_CROSS& c2, int side, bool forward,
@@ -93,7 +95,7 @@ void AppendStretch(Loop& loop, const std::vector<ZBR_PT>& ring, const ZBR_CROSS&
   const int seq1 = SideOf(c1, side).seq;
   const int seq2 = SideOf(c2, side).seq;
   if (p2 - tol.eps <= p1 && p1 <= p2 + tol.eps && (forward ? seq1 + 1 == seq2 : seq2 + 1 == seq1)) return;
-  AppendPoint(loop, c1.pt, tol);
+  AppendPoint(loop, c1.pt);
   if (forward ? seq1 < seq2 && p2 <= p1 : seq2 < seq1 && p1 <= p2) return;  // tied
   // Only now: the end of a ring is near its beginning on the plane, but a whole turn away from it along the ring.
   p1 = folded(p1);
@@ -114,7 +116,7 @@ void AppendStretch(Loop& loop, const std::vector<ZBR_PT>& ring, const ZBR_CROSS&
   }
   if ((last + step) % n == first && empty) return;
   for (int k = first;; k = (k + step) % n) {
-    AppendPoint(loop, ring[static_cast<std::size_t>(k)], tol);
+    AppendPoint(loop, ring[static_cast<std::size_t>(k)]);
     if (k == last) break;
   }
 }
@@ -186,6 +188,7 @@ void ClearDone(std::vector<ZBR_CROSS>& crosses) {
 
 BooleanResult BooleanLoops(const Loops& A, const Loops& B, const std::vector<ZBR_BOOLEAN_OPE>& ops) {
   const Tol tol(1e-9);
+  const ZBR_TmpEps guard(tol.eps);
   BooleanResult out;
   std::vector<int> sorted[2];
   GetLoopsCross(A, B, out.crosses, tol);

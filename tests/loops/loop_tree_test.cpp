@@ -84,16 +84,25 @@ TEST(LoopTree, OptimizeLoopAppendsWhateverIsThere) {
   EXPECT_EQ(std::count(loops.begin(), loops.end(), loops[0]), 21);
 }
 
-TEST(LoopTree, ThousandsOfConcentricRingsAlternate) {
-  std::vector<Ring> rings;
-  for (int half = 1; half <= 3000; ++half) rings.push_back(Square(-half, -half, 2.0 * half));
-  LoopList loops = MakeLoops(rings);
-  zbrMakeLoopTree(loops);
-  ASSERT_EQ(loops.size(), 1500U);
-  for (std::size_t i = 0; i < loops.size(); ++i) {
-    const double outer = 2.0 * (3000.0 - 2.0 * static_cast<double>(i));
-    ASSERT_EQ(loops[i]->area(), outer * outer);
-    ASSERT_EQ(loops[i]->children().at(0)->area(), -(outer - 2.0) * (outer - 2.0));
+// Rings inside each other, apart, touching in a common corner, or with gaps of a few tolerances on the left: outer loops and holes
+// alternate.
+TEST(LoopTree, DeepNests) {
+  const struct {
+    int rings;
+    double left, bottom;  // of a ring, by its half side
+  } rows[] = {{6000, -1.0, -1.0}, {260, 0.0, 0.0}, {260, -5e-5, -1.0}, {260, -1e-5, -1.0}};
+  for (const auto& row : rows) {
+    std::vector<Ring> rings;
+    for (int half = 1; half <= row.rings; ++half) rings.push_back(Square(row.left * half, row.bottom * half, 2.0 * half));
+    std::mt19937_64 random(1);
+    LoopList loops = MakeLoops(Disguise(rings, random));
+    zbrMakeLoopTree(loops);
+    ASSERT_EQ(loops.size(), rings.size() / 2) << row.left;
+    for (std::size_t i = 0; i < loops.size(); ++i) {
+      const double side = 2.0 * (row.rings - 2.0 * static_cast<double>(i));
+      ASSERT_NEAR(loops[i]->area(), side * side, 1e-6) << row.left;
+      ASSERT_NEAR(loops[i]->children().at(0)->area(), -(side - 2.0) * (side - 2.0), 1e-6) << row.left;
+    }
   }
 }
 

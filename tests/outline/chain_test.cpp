@@ -1,10 +1,9 @@
-// Chaining of segments into polylines: against the literal form, and the cases by name.
+// Chaining of segments into polylines, case by case.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "differential/compare.h"
-#include "literal/hidden_line.h"
+#include "support/shapes.h"
 
 namespace {
 
@@ -63,67 +62,37 @@ TEST(Chain, CasesByName) {
     EXPECT_EQ(got.open, row.open) << row.name;
     EXPECT_EQ(Text(got.lines), row.lines) << row.name;
     for (std::size_t k = static_cast<std::size_t>(got.open); k < got.lines.size(); ++k) {
-      EXPECT_TRUE(SameBits(got.lines[k].front(), got.lines[k].back())) << row.name;
+      EXPECT_EQ(got.lines[k].front().Distance(got.lines[k].back()), 0.0) << row.name;
     }
   }
 }
 
 TEST(Chain, StatesOfTheEnds) {
-  const Chained got = ChainOf({{0, 0}, {1, 0}, {1, 0}, {1, 1}, {7, 7}, {7, 7}, {1, 1}, {1, 0}});
+  const Chained got = ChainOf({{0, 0}, {1, 0}, {1, 0}, {1, 1}, {1, 1}, {1, 0}, {7, 7}, {7, 7}});
   const int states[] = {OPT_FIRST, OPT_PASSED, OPT_PASSED, OPT_FIRST, OPT_ZERO, OPT_ZERO, OPT_ZERO, OPT_ZERO};
   const int links[] = {-1, 2, 1, -1, -1, -1, -1, -1};
+  const int vertices[] = {0, 1, 1, 2, 2, 1, -1, -1};
   for (std::size_t k = 0; k < 8; ++k) {
     EXPECT_EQ(got.ends[k].state, states[k]) << k;
     EXPECT_EQ(got.ends[k].link, links[k]) << k;
+    EXPECT_EQ(got.ends[k].vertex, vertices[k]) << k;
   }
 }
 
-TEST(Chain, OfAVertexTheNearestToTheLeftCounts) {
-  // The point between two vertices, within reach of both, joins the left one, though the right one is older.
-  const Chained got = ChainOf({{1.0015, 0}, {2, 1}, {1, 0}, {0, 1}, {1.00075, 0}, {1, -1}});
-  EXPECT_EQ(got.ends[4].vertex, got.ends[2].vertex);
-  EXPECT_NE(got.ends[4].vertex, got.ends[0].vertex);
+// A point within reach of two vertices joins the left one, though the right one is older, and of equally far left ones the older.
+TEST(Chain, LeftmostVertexCountsThenOldest) {
+  const Chained left = ChainOf({{1.0015, 0}, {2, 1}, {1, 0}, {0, 1}, {1.00075, 0}, {1, -1}});
+  EXPECT_EQ(left.ends[4].vertex, left.ends[2].vertex);
+  EXPECT_NE(left.ends[4].vertex, left.ends[0].vertex);
+  for (const double older : {0.0, 0.0015}) {
+    const Chained level = ChainOf({{1, older}, {2, 1}, {1, 0.0015 - older}, {0, 1}, {1, 0.00075}, {1, -1}});
+    EXPECT_EQ(level.ends[4].vertex, level.ends[0].vertex);
+  }
 }
 
 TEST(Chain, PointsThatAreNotFiniteDoNoHarm) {
   const Chained got = ChainOf({{0, 0}, {NAN, 0}, {INFINITY, 1}, {-INFINITY, 1}, {1, 1}, {2, 2}, {1e308, 0}, {-1e308, 0}});
   EXPECT_GE(got.lines.size(), 1U);
-}
-
-// Lattice points off by about the tolerance: many ends at a place, repeats, ends in reach of several vertices.
-TEST(Chain, AgreesWithTheLiteralForm) {
-  std::size_t closed = 0;
-  for (int seed = 0; seed < Scaled(300); ++seed) {
-    Random random(static_cast<std::uint64_t>(seed));
-    const double eps = seed % 2 == 0 ? 1e-3 : 0.3;
-    const int size = 2 + Below(random, 6);
-    const auto c = [&] { return Below(random, size) + 0.7 * eps * (Below(random, 3) - 1); };
-    std::vector<ZBR_HL_OPT_PT> got;
-    for (int n = 2 * Below(random, 50); n > 0; --n) {
-      const double x = c();
-      got.emplace_back().pt = ZBR_PT(x, c());
-    }
-    std::vector<ZBR_HL_OPT_PT> expected = got;
-    Lines lines;
-    Lines expectedLines;
-    const ZBR_TmpEps guard(eps);
-    const int open = zbrOptimizeSegs(got, lines);
-    ASSERT_EQ(open, literal::Chain(expected, expectedLines, literal::Tol(eps))) << "seed " << seed;
-    ASSERT_EQ(lines.size(), expectedLines.size()) << "seed " << seed;
-    for (std::size_t k = 0; k < lines.size(); ++k) {
-      ASSERT_TRUE(std::equal(lines[k].begin(), lines[k].end(), expectedLines[k].begin(), expectedLines[k].end(),
-                             [](const ZBR_PT& a, const ZBR_PT& b) { return SameBits(a, b); }))
-          << "seed " << seed << " line " << k;
-    }
-    for (std::size_t k = 0; k < got.size(); ++k) {
-      const ZBR_HL_OPT_PT& g = got[k];
-      const ZBR_HL_OPT_PT& e = expected[k];
-      ASSERT_TRUE(g.index == e.index && g.vertex == e.vertex && g.link == e.link && g.state == e.state)
-          << "seed " << seed << " end " << k;
-    }
-    closed += lines.size() - static_cast<std::size_t>(open);
-  }
-  EXPECT_GT(closed, 20U);
 }
 
 }  // namespace

@@ -32,15 +32,11 @@ std::vector<const ZBR_HL_TRI*> Faces(const Drawing& drawing) {
 }
 
 double SizeOf(const Drawing& drawing) {
-  double low[2] = {HUGE_VAL, HUGE_VAL};
-  double high[2] = {-HUGE_VAL, -HUGE_VAL};
-  for (const ZBR_HL_TRI* t : Faces(drawing)) {
-    low[0] = std::min(low[0], t->min_x);
-    low[1] = std::min(low[1], t->min_y);
-    high[0] = std::max(high[0], t->max_x);
-    high[1] = std::max(high[1], t->max_y);
+  double size = 0.0;
+  for (const ZBR_HL_TRI* s : Faces(drawing)) {
+    for (const ZBR_HL_TRI* t : Faces(drawing)) size = std::max({size, t->max_x - s->min_x, t->max_y - s->min_y});
   }
-  return std::max({high[0] - low[0], high[1] - low[1], 0.0});
+  return size;
 }
 
 std::vector<ZBR_SEG> EdgesOf(const LoopList& loops) {
@@ -58,25 +54,16 @@ double Left(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
 
 // The part of a-b, as a range of parameters, along which s runs within `slack`.
 std::pair<double, double> Along(const ZBR_PT& a, const ZBR_PT& b, const ZBR_SEG& s, double slack) {
-  double low = 0.0;
-  double high = 1.0;
   const double from = (s.s() - a).InnerProduct(b - a) / a.Distance2(b);
   const double to = (s.e() - a).InnerProduct(b - a) / a.Distance2(b);
-  low = std::max(low, std::min(from, to));
-  high = std::min(high, std::max(from, to));
+  const double low = std::max(0.0, std::min(from, to));
+  const double high = std::min(1.0, std::max(from, to));
   if (!(high > low)) return {0.0, 0.0};
   for (const double t : {low, high}) {
     const ZBR_PT p = s.s() + (s.e() - s.s()) * ((t - from) / (to - from));
     if (std::abs(Left(p, a, b)) > slack) return {0.0, 0.0};
   }
   return {low, high};
-}
-
-bool IsOnOutline(const ZBR_PT& p, const std::vector<ZBR_SEG>& outline, double slack) {
-  return std::any_of(outline.begin(), outline.end(), [&](const ZBR_SEG& s) {
-    const double t = std::clamp((p - s.s()).InnerProduct(s.e() - s.s()) / s.s().Distance2(s.e()), 0.0, 1.0);
-    return p.Distance(s.s() + (s.e() - s.s()) * t) <= slack;
-  });
 }
 
 // Loops are nested, and their edges neither cross nor, for longer than `alike`, run over each other; no loop passes a vertex twice.
@@ -136,74 +123,6 @@ void ExpectCovered(const Drawing& drawing, const LoopList& loops, double size, R
   }
 }
 
-// `profile`, and what the walk over quadtrees leaves of each edge, against the loops.
-void ExpectEdgesTold(const Drawing& drawing, const std::vector<ZBR_HL_SHELL>& shells, const LoopList& loops, double size) {
-  const std::vector<ZBR_SEG> outline = EdgesOf(loops);
-  for (std::size_t n = 0; const ZBR_HL_TRI* t : Faces(drawing)) {
-    const auto i = static_cast<int>(n++ % 3);
-    const ZBR_PT a = t->pt[i].xy();
-    const ZBR_PT b = t->pt[(i + 1) % 3].xy();
-    if (a.Distance(b) < 1e-3 * size) continue;
-    const auto shareOn = [&](double slack) {
-      double share = 0.0;
-      for (const ZBR_SEG& s : outline) {
-        const auto [low, high] = Along(a, b, s, slack);
-        share += high - low;
-      }
-      return share;
-    };
-    const double on = shareOn(1e-8 * size);
-    const bool isSome = on > 1e-3 && on < 1.0 - 1e-3;
-    // An edge that passes a corner of the outline may have a part there that is shorter than what counts as something.
-    const bool isPassing = std::any_of(outline.begin(), outline.end(), [&](const ZBR_SEG& s) {
-      const double place = (s.s() - a).InnerProduct(b - a) / a.Distance2(b);
-      return place > 0.0 && place < 1.0 && std::abs(Left(s.s(), a, b)) < 1e-8 * size;
-    });
-    const bool isClear = (on < 1e-9 && !isPassing) || on > 1.0 - 1e-9 || isSome;
-    EXPECT_TRUE(!isClear || t->profile[i] == (isSome ? 1 : on < 0.5 ? 0 : 2)) << on << " is on the outline, told " << t->profile[i];
-    std::vector<ZBR_HL_INTERVAL> parts = {{t->pt[i], t->pt[(i + 1) % 3], 0.0, 1.0}};
-    for (const ZBR_HL_SHELL& shell : shells) ZBR_HiddenLine::OutLine_TriByShell(*t, i, shell, parts);
-    double left = 0.0;
-    for (const ZBR_HL_INTERVAL& part : parts) {
-      left += part.e.t - part.s.t;
-      if (part.e.t - part.s.t < 1e-3) continue;
-      EXPECT_TRUE(IsOnOutline((part.s.pt.xy() + part.e.pt.xy()) * 0.5, outline, 1e-5));
-    }
-    EXPECT_GE(left, on - 1e-2);
-    EXPECT_LE(left, shareOn(2e-5) + 1e-2);  // within the tolerance of the walk
-  }
-}
-
-Drawing Copied(const Drawing& drawing) {
-  Drawing copy;
-  for (const auto& from : drawing.bodies) {
-    auto& body = copy.bodies.emplace_back(from.size());
-    for (std::size_t k = 0; k < from.size(); ++k) body[k] = from[k];
-  }
-  return copy;
-}
-
-// The same triangles in another order, as other bodies, without neighbours, among others that are no triangles.
-Drawing Scattered(const Drawing& drawing, Random& random) {
-  const double nan = std::nan("");
-  Drawing other;
-  other.bodies.resize(1 + static_cast<std::size_t>(Below(random, 4)));
-  for (const auto& body : drawing.bodies) {
-    for (const ZBR_HL_TRI& t : body) {
-      auto& to = other.bodies[random() % other.bodies.size()].emplace_back();
-      for (int i = 0; i < 3; ++i) to.pt[i] = t.pt[i];
-      if (Below(random, 2) == 0) std::swap(to.pt[0], to.pt[1]);
-    }
-  }
-  for (const double bad : {nan, HUGE_VAL, 1e80, 0.0}) {
-    auto& to = other.bodies[random() % other.bodies.size()].emplace_back();
-    for (ZBR_PT3& p : to.pt) p.Set(bad, bad == 0.0 ? 5.0 : 3.0, 1.0);
-  }
-  Disguise(other, random);
-  ForgetNeighbours(other);
-  return other;
-}
-
 class OutlineOfScenes : public testing::TestWithParam<SceneFamily> {};
 
 TEST_P(OutlineOfScenes, AreTheEdgesOfWhatTrianglesCover) {
@@ -212,7 +131,7 @@ TEST_P(OutlineOfScenes, AreTheEdgesOfWhatTrianglesCover) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Random random(static_cast<std::uint64_t>(seed));
     Drawing drawing = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
-    Drawing processed = Copied(drawing);
+    Drawing processed = DrawHard(GetParam(), static_cast<std::uint64_t>(seed));
     std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
     const LoopList loops = OutlineOf(shells);
     const double size = SizeOf(drawing);
@@ -228,15 +147,9 @@ TEST_P(OutlineOfScenes, AreTheEdgesOfWhatTrianglesCover) {
     const std::string visible = StateText(again);
     ASSERT_EQ(ToText(OutlineOf(again)), ToText(loops));
     ASSERT_EQ(StateText(again), visible);
-    if (size < 1e3) ExpectEdgesTold(processed, again, loops, size);
-    Drawing other = Scattered(drawing, random);
-    const LoopList same = OutlineOf(other);
-    EXPECT_EQ(RingsOf(same).size(), RingsOf(loops).size());
-    EXPECT_EQ(same.size(), loops.size());
-    EXPECT_NEAR(NetArea(same), NetArea(loops), 1e-9 * size * size);
     ASSERT_FALSE(HasFailure());
   }
-  EXPECT_GE(loopCount, 40U);
+  EXPECT_GE(loopCount, static_cast<std::size_t>(Scaled(40)));
 }
 
 // Triangles between points of a lattice, which share corners and sides, or of a curve that is almost straight, so that faces are
@@ -308,21 +221,21 @@ TEST(OutlineOfCrowds, BarsAcrossBarsAtAnyAngle) {
 TEST_P(OutlineOfScenes, OfAnySize) {
   const ZBR_TmpEps guard(1e-9);
   for (int seed = 0; seed < Scaled(10); ++seed) {
-    Random random(static_cast<std::uint64_t>(seed));
-    const std::vector<Mesh> bodies = GetParam().bodies(random);
-    Drawing drawing = Draw(bodies, RandomView(random));
-    Drawing other = Copied(drawing);
-    const LoopList loops = OutlineOf(drawing);
-    const double factor = seed % 2 == 0 ? 0x1p30 : 0x1p-10;
-    Scale(other, ZBR_PT3(factor, factor, factor));
-    LoopList scaled = MakeLoops(Moved(RingsOf(OutlineOf(other)), 1.0 / factor, {0, 0}));
-    EXPECT_EQ(RingsOf(scaled).size(), RingsOf(loops).size()) << "seed " << seed;
-    EXPECT_NEAR(NetArea(scaled), NetArea(loops), 1e-9 * SizeOf(drawing) * SizeOf(drawing)) << "seed " << seed;
+    LoopList loops[2];
+    const double factors[] = {1.0, seed % 2 == 0 ? 0x1p30 : 0x1p-10};
+    for (int k = 0; k < 2; ++k) {
+      Random random(static_cast<std::uint64_t>(seed));
+      const std::vector<Mesh> bodies = GetParam().bodies(random);
+      Drawing drawing = Draw(bodies, RandomView(random));
+      Scale(drawing, ZBR_PT3(1, 1, 1) * factors[k]);
+      loops[k] = OutlineOf(drawing);
+    }
+    EXPECT_EQ(RingsOf(loops[0]).size(), RingsOf(loops[1]).size()) << "seed " << seed;
+    EXPECT_NEAR(NetArea(loops[1]) / (factors[1] * factors[1]), NetArea(loops[0]), 1e-9 * NetArea(loops[0])) << "seed " << seed;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Families, OutlineOfScenes, testing::ValuesIn(SceneFamilies()),
-                         [](const auto& family) { return std::string(family.param.name); });
+INSTANTIATE_TEST_SUITE_P(Families, OutlineOfScenes, testing::ValuesIn(SceneFamilies()), testing::PrintToStringParamName());
 
 TEST(OutlineLoops, CasesByName) {
   const struct {

@@ -102,7 +102,8 @@ void DropStraightPoints(Ring& ring) {
   ring = std::move(kept);
 }
 
-OperandPair DrawCells(Random& random, bool fillSaddles) {
+template <bool fillSaddles>
+OperandPair DrawCells(Random& random) {
   const int limit = Below(random, 50) == 0 ? 40 : 7;
   const int width = 2 + Below(random, limit);
   const int height = 2 + Below(random, limit);
@@ -218,33 +219,31 @@ std::vector<Ring> DrawScribbleFamily(Random& random) {
   return rings;
 }
 
+template <std::vector<Ring> (*draw)(Random&)>
+OperandPair DrawTwice(Random& random) {
+  std::vector<Ring> a = draw(random);
+  return {std::move(a), draw(random), {}};
+}
+
 }  // namespace
 
 const std::vector<Family>& Families() {
-  static const std::vector<Family> families = {{"cells", [](Random& r) { return DrawCells(r, false); }, true},
-                                               {"blocks", [](Random& r) { return DrawCells(r, true); }, true},
-                                               {"stars",
-                                                [](Random& r) {
-                                                  return OperandPair{DrawStarFamily(r), DrawStarFamily(r), {}};
-                                                },
-                                                true},
-                                               {"nests",
-                                                [](Random& r) {
-                                                  return OperandPair{DrawNestFamily(r), DrawNestFamily(r), {}};
-                                                },
-                                                true},
-                                               {"tiles", DrawTiles, true},
-                                               {"fans",
-                                                [](Random& r) {
-                                                  return OperandPair{DrawFanFamily(r), DrawFanFamily(r), {}};
-                                                },
-                                                true},
-                                               {"scribbles",
-                                                [](Random& r) {
-                                                  return OperandPair{DrawScribbleFamily(r), DrawScribbleFamily(r), {}};
-                                                },
-                                                false}};
+  static const std::vector<Family> families = {
+      {"cells", DrawCells<false>, true},
+      {"blocks", DrawCells<true>, true},
+      {"stars", DrawTwice<DrawStarFamily>, true},
+      {"nests", DrawTwice<DrawNestFamily>, true},
+      {"tiles", DrawTiles, true},
+      {"fans", DrawTwice<DrawFanFamily>, true},
+      {"scribbles", DrawTwice<DrawScribbleFamily>, false},
+  };
   return families;
+}
+
+std::vector<Family> RegionFamilies() {
+  std::vector<Family> regions = Families();
+  std::erase_if(regions, [](const Family& family) { return !family.regions; });
+  return regions;
 }
 
 const Family& FamilyNamed(const std::string& name) {
@@ -267,12 +266,26 @@ void Roughen(std::vector<Ring>& rings, Random& random) {
   rings = Disguise(std::move(rings), random);
 }
 
-double TestScale() {
-  const char* text = std::getenv("ZBR_TEST_SCALE");
-  const double scale = text == nullptr ? 1.0 : std::strtod(text, nullptr);
-  return scale > 0.0 ? scale : 1.0;
+OperandPair DrawHard(const Family& family, std::uint64_t seed) {
+  Random random(seed);
+  OperandPair pair = family.draw(random);
+  const bool rough = Below(random, 2) == 0;
+  for (std::vector<Ring>* rings : {&pair.a, &pair.b}) {
+    if (rough) Roughen(*rings, random);
+    if (!rough) *rings = Disguise(std::move(*rings), random);
+  }
+  const double scale = std::ldexp(1.0, Below(random, 9) - 4);
+  const ZBR_PT shift = Below(random, 3) == 0 ? ZBR_PT(0x1p20, -0x1p19) : ZBR_PT(0.0, 0.0);
+  pair.a = Moved(std::move(pair.a), scale, shift);
+  pair.b = Moved(std::move(pair.b), scale, shift);
+  if (pair.areas) {
+    for (double& area : *pair.areas) area *= scale * scale;
+  }
+  return pair;
 }
 
 int Scaled(int count) {
-  return std::max(1, static_cast<int>(std::lround(count * TestScale())));
+  const char* text = std::getenv("ZBR_TEST_SCALE");
+  const double scale = text == nullptr ? 1.0 : std::strtod(text, nullptr);
+  return std::max(1, static_cast<int>(std::lround(count * (scale > 0.0 ? scale : 1.0))));
 }

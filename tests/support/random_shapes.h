@@ -38,13 +38,16 @@ inline void PrintTo(const Family& family, std::ostream* out) {
 // fans      triangles around an apex, and in them rings that share it: up to a dozen boundaries cross at one spot
 // scribbles few random integer points per ring, crossing themselves and each other; repeated points
 const std::vector<Family>& Families();
+std::vector<Family> RegionFamilies();
 const Family& FamilyNamed(const std::string& name);
 
 // Adds what changes no region: repeated points, points on edges (exact for even coordinates), another order and start.
 void Roughen(std::vector<Ring>& rings, Random& random);
 
-// How many times as many random cases to run as by default, from the environment variable ZBR_TEST_SCALE (1 when not set).
-double TestScale();
+// One pair of a family made harder: other order and starts, repeated points, far away, another size. Seeds give equal pairs.
+OperandPair DrawHard(const Family& family, std::uint64_t seed);
+
+// The count times the environment variable ZBR_TEST_SCALE, at least 1.
 int Scaled(int count);
 
 inline int Below(Random& random, int n) {

@@ -2,51 +2,17 @@
 
 #include <algorithm>
 #include <charconv>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
 
-bool EndsRing(char c) {
-  return c == ';' || c == '\n';
-}
-
-// Splits the text at ';' and at empty lines. A comment is dropped up to its line end, which then does not count as an empty line.
-std::vector<std::string> RingTexts(std::string_view text) {
-  std::vector<std::string> rings(1);
-  bool lineIsEmpty = false;
-  bool inComment = false;
-  for (const char c : text) {
-    if (c == '#') inComment = true;
-    if (c == '\n') {
-      if (lineIsEmpty && !inComment) rings.emplace_back();
-      lineIsEmpty = !inComment;
-      inComment = false;
-    } else if (c != ' ' && !inComment) {
-      lineIsEmpty = false;
-    }
-    if (inComment) continue;
-    if (c == ';') rings.emplace_back();
-    rings.back() += EndsRing(c) || c == ',' ? ' ' : c;
-  }
-  return rings;
-}
-
-Ring ParseRing(const std::string& text) {
-  std::vector<double> numbers;
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  for (;;) {
-    while (at != end && *at == ' ') ++at;
-    if (at == end) break;
-    double value = 0.0;
-    const auto [next, error] = std::from_chars(at, end, value);
-    if (error != std::errc()) throw std::invalid_argument("not a ring: " + text);
-    numbers.push_back(value);
-    at = next;
-  }
-  if (numbers.size() % 2 != 0) throw std::invalid_argument("odd count of numbers: " + text);
+Ring ParseRing(std::string text) {
+  std::replace(text.begin(), text.end(), ',', ' ');
+  std::istringstream in(text);
   Ring ring;
-  for (std::size_t i = 0; i < numbers.size(); i += 2) ring.emplace_back(numbers[i], numbers[i + 1]);
+  for (double x = 0.0, y = 0.0; in >> x >> y;) ring.emplace_back(x, y);
+  if (!in.eof()) throw std::invalid_argument("not a ring: " + text);
   return ring;
 }
 
@@ -70,16 +36,17 @@ LoopList MakeLoops(const std::vector<Ring>& rings) {
   return loops;
 }
 
-LoopList ParseLoops(std::string_view text) {
+LoopList ParseLoops(const std::string& text) {
   LoopList loops;
-  for (const std::string& ringText : RingTexts(text)) {
+  std::istringstream in(text);
+  for (std::string ringText; std::getline(in, ringText, ';');) {
     Ring ring = ParseRing(ringText);
     if (!ring.empty()) loops.push_back(MakeLoop(std::move(ring)));
   }
   return loops;
 }
 
-std::shared_ptr<ZBR_LOOP> ParseLoop(std::string_view text) {
+std::shared_ptr<ZBR_LOOP> ParseLoop(const std::string& text) {
   return ParseLoops(text).at(0);
 }
 
@@ -90,7 +57,7 @@ LoopList Nest(const std::vector<Ring>& rings) {
   return loops;
 }
 
-LoopList ParseRegion(std::string_view text) {
+LoopList ParseRegion(const std::string& text) {
   return Nest(RingsOf(ParseLoops(text)));
 }
 

@@ -1,6 +1,6 @@
 // Loop lists in a text form that a person can read, and copies of them in disguise.
 //
-// Text: numbers in pairs, separated by blanks, commas or line ends; a ring ends at ';' or at an empty line; '#' starts a comment.
+// Text: numbers in pairs, separated by blanks or commas; a ring ends at ';'.
 // "0 0, 4 0, 4 4; 1 1, 2 1, 2 2" is a list of two triangles. What ToText prints for a failed case can be pasted into a test.
 #pragma once
 
@@ -8,7 +8,6 @@
 #include <memory>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <zbr/zbr.h>
@@ -22,10 +21,10 @@ constexpr std::array<ZBR_BOOLEAN_OPE, 5> kOps = {ZBR_BOOL_A_MINUS_B, ZBR_BOOL_B_
 std::shared_ptr<ZBR_LOOP> MakeLoop(Ring points);
 LoopList MakeLoops(const std::vector<Ring>& rings);
 // The rings of the text as a flat list, in order, not nested and not set up.
-LoopList ParseLoops(std::string_view text);
-std::shared_ptr<ZBR_LOOP> ParseLoop(std::string_view text);
+LoopList ParseLoops(const std::string& text);
+std::shared_ptr<ZBR_LOOP> ParseLoop(const std::string& text);
 // The same, nested by zbrMakeLoopTree with the Boolean's tolerance. A ';' inside a ring list needs no order: nesting finds holes.
-LoopList ParseRegion(std::string_view text);
+LoopList ParseRegion(const std::string& text);
 LoopList Nest(const std::vector<Ring>& rings);
 
 std::string ToText(const LoopList& loops);
