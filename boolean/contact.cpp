@@ -15,7 +15,8 @@
 //   EndOnEdge       q1 on E's line     by lineQ0        B goes to the left:      /
 //   Proper          otherwise          by the turn                     cur --- q0 ----> next
 //
-// At a vertex where A doubles back on itself A has no sides; the first three cases record nothing there.
+// At a vertex where A doubles back on itself A has no sides; the first three cases record nothing there. An edge of A at the corner
+// with both ends on the line of q0-q1 lies on it, whichever is longer.
 #include "boolean/contact.h"
 
 namespace zbr {
@@ -31,23 +32,28 @@ ZBR_CROSS_DIR LeftIf(bool left) {
 }  // namespace
 
 // Side of the corner on which q lies. Which sides of the two edge lines is of no interest here.
-int Corner::SideOf(const ZBR_PT& q) {
+int Corner::SideOf(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1) {
   if (!isPrepared_) MakeCorner(prev_, cur_, next_, eps2_, info_);
   isPrepared_ = true;
   int prevLine = 0;
   int nextLine = 0;
-  return SideOfCorner(q, prev_, cur_, next_, info_, eps2_, prevLine, nextLine);
+  // On which side of a short edge the far end of a long one lies, would depend on the noise of the short one: a rounded vertex can
+  // turn it by more than the tolerance there. So what lies on the line of q0-q1 is taken out first.
+  ZBR_3PT_INFO info = info_;
+  if (SideOfLine(prev_, q0, q1, eps2_) == 0) info.invLen2Prev = 0.0;
+  if (SideOfLine(next_, q0, q1, eps2_) == 0) info.invLen2Next = 0.0;
+  return SideOfCorner(q, prev_, cur_, next_, info, eps2_, prevLine, nextLine);
 }
 
 bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
   if (SamePoint(cur_, q0, eps2_)) {  // StartOnCorner
-    const int posQ1 = SideOf(q1);
+    const int posQ1 = SideOf(q1, q0, q1);
     if (posQ1 == 0 || posQ1 == kDoublesBack) return false;
     contact = {cur_, 0.0, 0.0, LeftIf(posQ1 == 1)};
     return true;
   }
   if (SamePoint(cur_, q1, eps2_)) {  // EndOnCorner
-    const int posQ0 = SideOf(q0);
+    const int posQ0 = SideOf(q0, q0, q1);
     if (posQ0 == 0 || posQ0 == kDoublesBack) return false;
     contact = {cur_, 0.0, 1.0, LeftIf(posQ0 != 1)};
     return true;
@@ -64,8 +70,8 @@ bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
 bool Corner::MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
   const double t = ParamOnLine(cur_, q0, q1);
   if (!(0.0 <= t && t <= 1.0)) return false;
-  const int posQ0 = SideOf(q0);
-  const int posQ1 = SideOf(q1);
+  const int posQ0 = SideOf(q0, q0, q1);
+  const int posQ1 = SideOf(q1, q0, q1);
   if (posQ0 == posQ1) return false;
   // From the right or, if q0 is on A, to the left.
   contact = {cur_, 0.0, t, LeftIf(posQ0 == -1 || (posQ0 == 0 && posQ1 == 1))};

@@ -55,7 +55,7 @@ class Corner {
   bool MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   bool MeetOnEdge(const ZBR_PT& q0, const ZBR_PT& q1, int lineQ0, int lineQ1, Contact& contact) const;
   bool Cross(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
-  int SideOf(const ZBR_PT& q);
+  int SideOf(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1);
 
   ZBR_PT prev_;
   ZBR_PT cur_;

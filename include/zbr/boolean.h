@@ -47,14 +47,14 @@ struct ZBR_CROSS_AB {
   ZBR_CROSS_LOOP loop;
   double pos = 0.0;  // index of the edge's start vertex + parameter on the edge; may round up to the number of vertices
   int seq = -1;      // place among all crossings sorted along this side
-  int order = 0;     // rank among crossings at the same pos of this side
+  int order = 0;     // rank among crossings at one place of this side, whatever the last bits of pos
 };
 
 // One place where the boundaries meet, and which fields hold when:
 //
 //   after             seq                 order                        valid  done                    index
 //   detection         -1                  0                            true   false                   place in the vector
-//   zbrOptimizeCross  place in the list   1, 2, ... at a shared pos,   true   false                   place in the vector
+//   zbrOptimizeCross  place in the list   1, 2, ... at a shared place, true   false                   place in the vector
 //                     of the side         else 0
 //   zbrBooleanLoops   the same            the same                     true   used by the last walk   place in the vector
 struct ZBR_CROSS {
@@ -107,8 +107,8 @@ ZBR_API void zbrGetLoopsCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, c
 //   crosses      changed in place; emptied when fewer than two crossings are left (unless an open B had fewer to begin with)
 //   sorted       two lists, refilled: sorted[0] holds the crossings' indices in order along A, sorted[1] along B
 //   bothClosed   true for two families of rings, false when B holds open polylines
-// Positions are compared with the thread's eps as they stand, as vertex index + parameter (intended, also on long edges).
-// Cost: n log n in crossings.
+// Positions are compared with the thread's eps as they stand, as vertex index + parameter (intended, also on long edges). Those
+// within eps of each other are one place; there `order` ranks the lists, whatever the positions say. Cost: n log n in crossings.
 ZBR_API void zbrOptimizeCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
                               std::vector<ZBR_CROSS>& crosses, std::vector<int>* sorted, bool bothClosed);
 

@@ -25,10 +25,16 @@ struct Corner {
   Corner(const ZBR_PT& p, const ZBR_PT& c, const ZBR_PT& n) : prev(p), cur(c), next(n) {
     ZBR_PT::Get3PtInfo(prev, cur, next, info);
   }
-  // Side of the corner (0 on it, -4 when A doubles back there); `line` receives the side of E's line.
-  int Position(const ZBR_PT& q, int& line) const {
+  // Side of the corner (0 on it, -4 when A doubles back there) of q, an end of q0-q1; an edge with both ends on the line of q0-q1
+  // lies on it. `line` receives the side of E's line.
+  int Position(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1, int& line) const {
     int prevLine = 0;
-    return q.CheckPos(prev, cur, next, info, prevLine, line);
+    q.CheckPos(prev, cur, next, info, prevLine, line);
+    ZBR_3PT_INFO along = info;
+    if (prev.CheckPos(q0, q1) == 0) along.invLen2Prev = 0.0;
+    if (next.CheckPos(q0, q1) == 0) along.invLen2Next = 0.0;
+    int nextLine = 0;
+    return q.CheckPos(prev, cur, next, along, prevLine, nextLine);
   }
   ZBR_PT prev, cur, next;
   ZBR_3PT_INFO info;
@@ -40,8 +46,8 @@ bool FindContact(const Corner& corner, const ZBR_PT& q0, const ZBR_PT& q1, const
   const ZBR_PT& next = corner.next;
   int lineQ0 = 0;
   int lineQ1 = 0;
-  const int posQ0 = corner.Position(q0, lineQ0);
-  const int posQ1 = corner.Position(q1, lineQ1);
+  const int posQ0 = corner.Position(q0, q0, q1, lineQ0);
+  const int posQ1 = corner.Position(q1, q0, q1, lineQ1);
   const bool doublesBack = posQ0 == -4;
   const auto meet = [&](const ZBR_PT& pt, double tA, double tB, bool left) {
     out = {pt, tA, tB, left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT};

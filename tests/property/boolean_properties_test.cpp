@@ -1,6 +1,7 @@
 // What holds for every pair of regions, without knowing the answer or when the construction knows it.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdio>
 
 #include "support/expect.h"
@@ -69,5 +70,35 @@ TEST_P(BooleanProperties, ResultsAreOperands) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, BooleanProperties, testing::ValuesIn(RegionFamilies()), testing::PrintToStringParamName());
+
+// The battlements of A stand on a long edge of B, many short edges along it; the two are turned, so that none lies on it exactly.
+TEST(ShortEdgesAlongALongOne, AreOnIt) {
+  for (int seed = 0; seed < Scaled(500); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const double length = std::pow(10.0, 1.0 + 4.0 * Unit(random));
+    const double t = Unit(random);
+    const auto turned = [&](double x, double y) {
+      return ZBR_PT((1.0 - t * t) * x - 2.0 * t * y, 2.0 * t * x + (1.0 - t * t) * y) * (length / (1.0 + t * t));
+    };
+    Ring a;
+    const int teeth = 2 + Below(random, 5);
+    for (int k = 0; k < teeth; ++k) {
+      const double from = (k + 0.5 * Unit(random)) / teeth;
+      const double to = from + 0.4 * std::pow(10.0, -3.0 * Unit(random)) / teeth;
+      if (k > 0) a.push_back(turned(from, 0.1));
+      a.push_back(turned(from, 0.0));
+      a.push_back(turned(to, 0.0));
+      if (k + 1 < teeth) a.push_back(turned(to, 0.1));
+    }
+    a.push_back(turned(1.0, 0.2));
+    a.push_back(turned(0.0, 0.2));
+    const LoopList A = Nest({a});
+    const LoopList B = Nest({{turned(-0.1, 0.0), turned(1.1, 0.0), turned(1.1, 0.3), turned(-0.1, 0.3)}});
+    const std::array<double, 5> areas = AreasOf(RunAll(A, B));
+    const double slack = 1e-9 * length * length;
+    ASSERT_NEAR(areas[0], 0.0, slack) << "seed " << seed << '\n' << Describe(A, B);
+    ASSERT_TRUE(AreasAgree(NetArea(A), NetArea(B), areas, slack)) << "seed " << seed << '\n' << Describe(A, B);
+  }
+}
 
 }  // namespace
