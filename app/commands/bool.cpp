@@ -9,6 +9,7 @@
 #include "commands/load.h"
 #include "commands/outputs.h"
 #include "commands/stats.h"
+#include "geometry/result.h"
 #include "io/failure.h"
 #include "io/files.h"
 #include "picture/picture.h"
@@ -71,7 +72,7 @@ void Combine(Run& run, const std::vector<Region>& regions, Stats& stats) {
   zbrBooleanLoops(regions[0].loops, regions[1].loops, codes.data(), results.data(), static_cast<int>(codes.size()), crosses);
   stats.crossings = crosses.size();
   for (std::size_t i = 0; i < results.size(); ++i) {
-    run.results.push_back(MakeLayer(run.operations[i].name, std::move(results[i]), run.loaded.frame));
+    run.results.push_back(MakeResult(run.operations[i].name, std::move(results[i]), run.loaded.frame));
   }
 }
 

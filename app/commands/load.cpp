@@ -23,6 +23,13 @@ void NoteIgnored(const Drawing& drawing, Progress& progress) {
   if (!list.empty()) progress.Note(drawing.file + ": note: left out " + list);
 }
 
+void LeaveOutRepeats(Drawing& drawing, Progress& progress) {
+  const std::size_t count = DropRepeats(drawing.paths);
+  if (count == 0) return;
+  const std::string what = count == 1 ? " line or arc that repeats another one" : " lines and arcs that repeat others";
+  progress.Note(drawing.file + ": note: left out " + std::to_string(count) + what);
+}
+
 const char* VerbFor(ContactKind kind) {
   return kind == ContactKind::kCrossing ? "crosses" : (kind == ContactKind::kOverlap ? "runs along" : "turns back on");
 }
@@ -35,6 +42,7 @@ Drawing ReadInput(const std::string& file, Format format, Content content, const
   Drawing drawing = ReadDrawing(file, format, content);
   NoteIgnored(drawing, progress);
   KeepLayers(drawing, layers);
+  if (content == Content::kRegions && drawing.joinsEnds) LeaveOutRepeats(drawing, progress);
   return drawing;
 }
 

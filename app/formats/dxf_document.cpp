@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "io/numbers.h"
+#include "io/utf8.h"
 
 namespace tool {
 namespace {
@@ -114,17 +115,14 @@ DL_Attributes OnLayer(const std::string& layer) {
 std::string TextContent(const std::string& text) {
   std::string content;
   for (std::size_t i = 0; i < text.size();) {
-    const auto first = static_cast<unsigned char>(text[i++]);
-    if (first < 0x80) {
-      content += first < 0x20 ? '?' : static_cast<char>(first);
+    const auto [code, length] = CharacterAt(text, i);
+    i += length;
+    if (code < 0x20 || code > 0xFFFF) {
+      content += '?';
       continue;
     }
-    const int more = first >= 0xF0 ? 3 : (first >= 0xE0 ? 2 : 1);
-    unsigned code = first >= 0xC0 ? first & (0x3FU >> static_cast<unsigned>(more)) : 0x10000U;
-    for (int k = 0; k < more && i < text.size() && (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80; ++k)
-      code = code << 6U | (static_cast<unsigned char>(text[i++]) & 0x3FU);
-    if (code > 0xFFFF) {
-      content += '?';
+    if (code < 0x80) {
+      content += static_cast<char>(code);
       continue;
     }
     content += "\\U+";

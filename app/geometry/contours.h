@@ -22,6 +22,9 @@ void FlattenPath(const Path& path, double deviation, const std::function<void(co
 // Fails, naming the line, when a coordinate overflows.
 Contours MakeContours(Drawing drawing, const FlattenOptions& options);
 
+// Leaves out lines and arcs that repeat an earlier one exactly, and returns how many those were.
+std::size_t DropRepeats(std::vector<Path>& paths);
+
 // Joins open paths end to end; what closes is marked closed. Deterministic: paths are taken up in file order, each continued with
 // the nearest free end, the earlier one on a tie.
 std::vector<Path> JoinPaths(std::vector<Path> paths, double tolerance);

@@ -4,7 +4,8 @@
 // ring of its own, which is cut off.
 #include "geometry/pinches.h"
 
-#include <algorithm>
+#include <bit>
+#include <functional>
 #include <map>
 #include <utility>
 
@@ -17,12 +18,21 @@ std::pair<double, double> KeyOf(const ZBR_PT& p) {
   return {p.x(), p.y()};
 }
 
+// The usual ring does not. A table of places by hash tells so several times faster than sorting.
 bool VisitsTwice(const Points& points) {
-  std::vector<std::pair<double, double>> keys;
-  keys.reserve(points.size());
-  for (const ZBR_PT& p : points) keys.push_back(KeyOf(p));
-  std::sort(keys.begin(), keys.end());
-  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
+  constexpr auto kFree = static_cast<std::size_t>(-1);
+  const std::size_t mask = std::bit_ceil(2 * points.size() + 1) - 1;
+  std::vector<std::size_t> table(mask + 1, kFree);
+  const std::hash<double> hash;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const std::size_t mixed = (hash(points[i].x()) * 0x9E3779B97F4A7C15U + hash(points[i].y())) * 0xBF58476D1CE4E5B9U;
+    std::size_t place = (mixed >> 32U) & mask;
+    for (; table[place] != kFree; place = (place + 1) & mask) {
+      if (KeyOf(points[table[place]]) == KeyOf(points[i])) return true;
+    }
+    table[place] = i;
+  }
+  return false;
 }
 
 std::shared_ptr<ZBR_LOOP> MakeLoop(Points points) {

@@ -98,10 +98,17 @@ std::string Unescaped(std::string_view uri) {
   return text;
 }
 
-// A file beside the document. A device or a pipe would not end, and what lies elsewhere was not meant to be given away.
+// Whether a path leads within the folder it starts from.
+bool StaysWithin(const fs::path& path) {
+  return std::none_of(path.begin(), path.end(), [](const fs::path& part) { return part == ".."; });
+}
+
+// A file beside the document, or in a folder beside it. A device or a pipe would not end, and what lies elsewhere was not meant to
+// be given away.
 std::string ReadBeside(const std::string& file, const std::string& uri, const GltfItem& buffer) {
   const std::string name = Unescaped(uri);
-  if (name.empty() || name.front() == '/' || name.find_first_of(":\\") != std::string::npos || name.find('\0') != std::string::npos)
+  if (name.empty() || name.front() == '/' || name.find_first_of(":\\") != std::string::npos ||
+      name.find('\0') != std::string::npos || !StaysWithin(name))
     buffer.Fail("uri " + Quoted(uri) + " is no name of a file beside this one");
   const fs::path path = fs::path(file == "-" ? "" : file).parent_path() / name;
   std::error_code ignored;

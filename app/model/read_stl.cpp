@@ -34,9 +34,20 @@ bool StartsAsText(const std::string& text) {
   return first != std::string::npos && text.compare(first, 5, "solid") == 0;
 }
 
+std::string Lower(std::string_view word) {
+  std::string lower(word);
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return lower;
+}
+
+// No text, but a binary file that was cut off or has a wrong count.
+bool IsBrokenBinary(const std::string& text) {
+  return text.find('\0') != std::string::npos && Lower(text).find("facet") == std::string::npos;
+}
+
 bool IsBinary(const std::string& text) {
   if (text.size() < kHeader + kCount) return false;
-  return text.size() == BinarySize(text) || !StartsAsText(text);
+  return text.size() == BinarySize(text) || !StartsAsText(text) || IsBrokenBinary(text);
 }
 
 void AddTriangle(Mesh& mesh) {
@@ -66,12 +77,6 @@ Mesh ReadBinary(const std::string& text, const std::string& file) {
     AddTriangle(mesh);
   }
   return mesh;
-}
-
-std::string Lower(std::string_view word) {
-  std::string lower(word);
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return lower;
 }
 
 Mesh ReadText(const std::string& text, const std::string& file) {

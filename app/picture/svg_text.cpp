@@ -6,25 +6,12 @@
 #include <charconv>
 #include <cmath>
 
+#include "io/utf8.h"
+
 namespace tool {
 namespace {
 
 constexpr double kMergeDistance = 0.05;  // pixels: far below what a screen or a printer shows
-
-// Length of the UTF-8 sequence that starts here; 0 if there is none.
-std::size_t SequenceLength(const std::string& text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-  const unsigned first = byte(at);
-  const std::size_t length = first < 0x80                      ? 1
-                             : (first >= 0xC2 && first < 0xE0) ? 2
-                             : (first >= 0xE0 && first < 0xF0) ? 3
-                             : (first >= 0xF0 && first < 0xF5) ? 4
-                                                               : 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(at + i) & 0xC0U) != 0x80) return 0;
-  }
-  return length;
-}
 
 void AppendPx(std::string& text, double value) {
   std::array<char, 64> buffer;
@@ -70,16 +57,16 @@ ZBR_PT PageMap::operator()(const ZBR_PT& p) const {
 std::string Escaped(const std::string& text) {
   std::string escaped;
   for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = SequenceLength(text, i);
+    const auto [code, length] = CharacterAt(text, i);
     const char c = text[i];
-    if (length == 0 || (length == 1 && static_cast<unsigned char>(c) < 0x20)) {
+    if (code < 0x20) {
       escaped += '?';
     } else if (c == '&' || c == '<' || c == '>' || c == '"') {
       escaped += c == '&' ? "&amp;" : (c == '<' ? "&lt;" : (c == '>' ? "&gt;" : "&quot;"));
     } else {
       escaped += text.substr(i, length);
     }
-    i += std::max<std::size_t>(length, 1);
+    i += length;
   }
   return escaped;
 }

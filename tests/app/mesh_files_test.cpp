@@ -201,6 +201,7 @@ TEST_F(Tool, BinaryModelsThatEndTooEarly) {
   } kCases[] = {
       {"m.ply", BinaryPly(false).substr(0, 300), ": the file ends too early"},
       {"m.stl", Stl(true).substr(0, 600).replace(0, 5, "bytes"), ": the file ends before the last of its 12 triangles"},
+      {"m.stl", Stl(true).substr(0, 600).replace(0, 5, "solid"), ": the file ends before the last of its 12 triangles"},
       {"m.glb", glb.substr(0, 600), ": the file ends too early"},
       {"m.glb", glb.substr(0, 12) + "\xf0\xff\xff\xff" + glb.substr(16), ": a part is said to be longer than the file"},
       {"m.glb", glb.substr(0, 4) + "\1" + glb.substr(5), ": glTF of another version than 2"},
