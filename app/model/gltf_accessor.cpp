@@ -47,7 +47,7 @@ GltfAccessor::GltfAccessor(GltfFile& gltf, std::size_t place, const std::string&
   const Kind& kind = KindOf(item);
   code_ = kind.code;
   componentSize_ = kind.size;
-  if (item.Flag("normalized")) greatest_ = kind.greatest;
+  if (item.Flag("normalized") && kind.size < 4) greatest_ = kind.greatest;  // of floats and long numbers it says nothing
   elementSize_ = (type == "VEC3" ? 3 : 1) * componentSize_;
   bytes_ = gltf.BytesOf(item);
   const std::size_t stride = gltf.Root().Element("bufferViews", item.Whole("bufferView")).Whole("byteStride", 0);

@@ -2,11 +2,14 @@
 //
 // Places are composed in double precision. What nodes look like, moves or bends does not matter here: neither are materials read,
 // nor skins, targets of morphing or animations.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -64,7 +67,7 @@ class MeshBuilder {
 
   // Nodes in the order of the file, without recursion: files nest them as deeply as they like.
   Mesh Build() {
-    RefuseCompressed();
+    RefuseExtensions();
     std::vector<bool> isDone(root_.CountOf("nodes"));
     std::vector<Open> open;
     Push(open, Roots(), Place());
@@ -88,10 +91,14 @@ class MeshBuilder {
   };
   enum Mode : std::size_t { kTriangles = 4, kStrip = 5, kFan = 6 };
 
-  void RefuseCompressed() const {
+  // Extensions that a file requires may move or multiply what is there, unless they are known to be about looks and numbers only.
+  void RefuseExtensions() const {
+    constexpr std::string_view kHarmless[] = {"KHR_mesh_quantization", "KHR_materials_", "KHR_texture_", "EXT_texture_",
+                                              "KHR_lights_"};
     for (const std::string& extension : root_.Texts("extensionsRequired")) {
-      if (extension == "KHR_draco_mesh_compression" || extension == "EXT_meshopt_compression")
-        root_.Fail("compressed with " + extension + ", which is not supported");
+      const auto begins = [&](std::string_view start) { return extension.starts_with(start); };
+      if (std::none_of(std::begin(kHarmless), std::end(kHarmless), begins))
+        root_.Fail("requires " + extension + ", which is not supported");
     }
   }
 
