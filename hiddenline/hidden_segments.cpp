@@ -10,7 +10,7 @@
 
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
-#include "hiddenline/covered_parts.h"
+#include "segments/covered_parts.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/interval.h"
 #include "hiddenline/occlusion.h"

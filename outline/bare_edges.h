@@ -6,7 +6,7 @@
 
 #include <zbr/hidden_line.h>
 
-#include "outline/arrangement.h"
+#include "arrangement/arrangement.h"
 
 namespace zbr {
 

@@ -9,8 +9,8 @@
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/extents.h"
-#include "outline/loop_builder.h"
-#include "outline/vertices.h"
+#include "arrangement/loop_builder.h"
+#include "segments/vertices.h"
 
 namespace {
 

@@ -12,10 +12,10 @@
 #include <zbr/hidden_line.h>
 #include <zbr/loop.h>
 
-#include "outline/arrangement.h"
+#include "arrangement/arrangement.h"
 #include "outline/bare_edges.h"
-#include "outline/loop_builder.h"
-#include "outline/winding_sweep.h"
+#include "arrangement/loop_builder.h"
+#include "arrangement/winding_sweep.h"
 
 namespace {
 

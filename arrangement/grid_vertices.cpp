@@ -1,4 +1,4 @@
-#include "outline/grid_vertices.h"
+#include "arrangement/grid_vertices.h"
 
 #include <algorithm>
 #include <bit>

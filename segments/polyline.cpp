@@ -1,4 +1,4 @@
-#include "outline/polyline.h"
+#include "segments/polyline.h"
 
 #include <cmath>
 

@@ -2,7 +2,7 @@
 // them the winding number is constant: 0 below all, and across each piece it grows by the piece's net count (Bentley and Ottmann's
 // sweep, 1979, without their crossings: there are none). At a vertex the pieces that end there make room for those that begin
 // there; what lies below the former lies below the latter. Only where none ends, the place is searched for.
-#include "outline/winding_sweep.h"
+#include "arrangement/winding_sweep.h"
 
 #include <algorithm>
 #include <set>

@@ -11,7 +11,7 @@
 //
 // Edges that share both ends are one line with a count from the start, so that the sides of triangles that were never told to be
 // neighbours cancel before anything is searched.
-#include "outline/arrangement.h"
+#include "arrangement/arrangement.h"
 
 #include <algorithm>
 #include <cmath>

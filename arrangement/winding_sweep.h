@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "outline/arrangement.h"
+#include "arrangement/arrangement.h"
 
 namespace zbr {
 

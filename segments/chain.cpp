@@ -11,8 +11,8 @@
 #include "core/constants.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
-#include "outline/polyline.h"
-#include "outline/vertices.h"
+#include "segments/polyline.h"
+#include "segments/vertices.h"
 
 namespace {
 

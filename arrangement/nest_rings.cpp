@@ -9,7 +9,7 @@
 #include "core/box.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
-#include "outline/loop_builder.h"
+#include "arrangement/loop_builder.h"
 
 namespace zbr {
 namespace {

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "core/planar_inline.h"
-#include "outline/loop_builder.h"
+#include "arrangement/loop_builder.h"
 
 namespace zbr {
 namespace {

@@ -1,4 +1,4 @@
-#include "outline/vertices.h"
+#include "segments/vertices.h"
 
 #include <bit>
 #include <cstdint>

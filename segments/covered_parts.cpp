@@ -1,4 +1,4 @@
-#include "hiddenline/covered_parts.h"
+#include "segments/covered_parts.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,7 +7,7 @@
 
 #include <zbr/planar.h>
 
-#include "outline/grid_vertices.h"
+#include "arrangement/grid_vertices.h"
 
 namespace zbr {
 
