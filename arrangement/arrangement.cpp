@@ -3,11 +3,12 @@
 // the grid node of a vertex or a crossing hot; and lead every edge through the nodes of the hot cells that it passes. What results
 // does not cross and passes no vertex: if a piece between two nodes passed a third, the edge, which is no farther from the piece
 // than half a cell anywhere, would have passed that one's cell. That holds exactly, however many edges crowd together, because
-// everything is exact: edges have integer ends, so sides are exact in 64 bits, and the cell of a crossing in 96.
+// everything is exact: edges have integer ends, so the signs of areas and the cells of crossings can be decided (grid_point.h).
 //
-// Before that, edges are led through the vertices that they pass within one and a half steps. That is more than putting both on the
-// grid can have moved them apart; so what should meet but for the rounding errors of its coordinates, meets, and triangles with
-// vertices on each other's edges leave no cracks.
+// Before that, points within a tolerance become one vertex, and edges are led through the vertices that they pass within a
+// tolerance. On a coarse grid it is one and a half steps: more than putting both on the grid can have moved them apart, so that
+// what should meet but for rounding, meets, and triangles with vertices on each other's edges leave no cracks. On a fine grid it is
+// what the caller counts as noise; what lies farther apart stays apart, to the grid's step.
 //
 // Edges that share both ends are one line with a count from the start, so that the sides of triangles that were never told to be
 // neighbours cancel before anything is searched.
@@ -19,22 +20,23 @@
 #include <numeric>
 #include <utility>
 
+#include "arrangement/leaning_frame.h"
 #include "core/box_tree.h"
 #include "core/radix_sort.h"
 
 namespace zbr {
 namespace {
 
-// How close to a vertex, in steps, an edge must pass to be led through it in any case.
-constexpr double kReach = 1.5;
 // The same for an edge that may pass the vertex's cell: a little more than half a diagonal.
 constexpr double kCellReach = 0.75;
+// Up to here the reach is that of a grid far coarser than doubles.
+constexpr double kCoarseReach = 1.5;
 
 // An edge while it is cut. Lines cut from the same edge stand together, in its order.
 struct Line {
   std::uint32_t from;
   std::uint32_t to;
-  std::int32_t net;      // from `from` to `to`
+  Winding net;           // from `from` to `to`
   std::uint32_t origin;  // the line that it was cut from in the first place
 };
 
@@ -42,7 +44,7 @@ struct Line {
 struct Keyed {
   std::uint64_t ends;
   std::uint32_t index;
-  std::int32_t net;
+  Winding net;
 };
 
 Box BoxOf(std::span<const DirectedEdge> edges) {
@@ -54,10 +56,6 @@ Box BoxOf(std::span<const DirectedEdge> edges) {
   return box;
 }
 
-ZBR_PT PointOn(GridPoint p) {
-  return ZBR_PT(p.x, p.y);
-}
-
 // Sorts by both ends and calls visit(group) for each run of equal ones.
 template <class Visit>
 void ForEachGroup(std::vector<Keyed>& keyed, Visit visit) {
@@ -67,54 +65,25 @@ void ForEachGroup(std::vector<Keyed>& keyed, Visit visit) {
   ForEachRun(keyed, ends, visit);
 }
 
-std::int32_t NetOf(std::span<const Keyed> group) {
-  std::int32_t net = 0;
+Winding NetOf(std::span<const Keyed> group) {
+  Winding net;
   for (const Keyed& k : group) net += k.net;
   return net;
 }
-
-// The frame in which boxes around lines are joined: turned so that the longest lines run along its axes, since the box of a
-// slanting line meets those of all lines beside it.
-class LeaningFrame {
- public:
-  LeaningFrame() = default;
-  explicit LeaningFrame(std::span<const ZBR_PT> directions) {
-    // Lengths by direction, a quarter turn being the same; each bin knows its longest line.
-    constexpr int kBins = 32;
-    double length[kBins] = {};
-    ZBR_PT longest[kBins];
-    for (const ZBR_PT& d : directions) {
-      const ZBR_PT along = (d.x() > 0.0) == (d.y() > 0.0) ? d : ZBR_PT(-d.y(), d.x());
-      const double x = std::fabs(along.x());
-      const double y = std::fabs(along.y());
-      const auto bin = static_cast<int>(kBins * (y / (x + y)) * (1.0 - 1e-9));
-      length[bin] += d.Length();
-      if (along.Length2() > longest[bin].Length2()) longest[bin] = ZBR_PT(x, y);
-    }
-    const auto best = std::max_element(length, length + kBins) - length;
-    axis_ = longest[best] / std::max(longest[best].Length(), 1.0);
-  }
-
-  ZBR_PT Turned(const ZBR_PT& p) const {
-    return ZBR_PT(axis_.x() * p.x() + axis_.y() * p.y(), axis_.x() * p.y() - axis_.y() * p.x());
-  }
-  // The box around a segment, with room for rounding.
-  Box Around(const ZBR_PT& p, const ZBR_PT& q) const { return BoxOfSegment(Turned(p), Turned(q)).Widened(kRoom); }
-
- private:
-  static constexpr double kRoom = 1e-3;  // steps; coordinates are at most 2^30 in size
-
-  ZBR_PT axis_{1.0, 0.0};
-};
 
 }  // namespace
 
 // The work of building an arrangement.
 class EdgeCutter {
  public:
-  EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges) : out_(out), vertices_(BoxOf(edges), edges.size() / 2 + 16) {
+  EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges, const Box& box, const Resolution& resolution,
+             std::size_t secondOperand)
+      : out_(out),
+        vertices_(box, resolution, edges.size() / 2 + 16),
+        reach_(resolution.reach / resolution.step),
+        isFine_(resolution.reach > kCoarseReach * resolution.step) {
     out_.step_ = vertices_.step();
-    MakeLines(edges);
+    MakeLines(edges, secondOperand);
     SortLines();
     origins_ = lines_;
     out_.lineBegin_.resize(lines_.size() + 1);
@@ -122,7 +91,7 @@ class EdgeCutter {
   }
 
   void Run() {
-    const bool anyBent = CutLines(0, kReach, [this](const Line& line, std::uint32_t v) { return IsWithinReach(line, v); });
+    const bool anyBent = CutLines(0, reach_, [this](const Line& line, std::uint32_t v) { return IsWithinReach(line, v); });
     const std::uint32_t firstCrossing = vertices_.size();
     AddCrossings();
     // Lines that were not led through vertices above pass none of those, so only the crossings are left to be passed.
@@ -135,11 +104,11 @@ class EdgeCutter {
   GridPoint Node(std::uint32_t vertex) const { return vertices_.node(vertex); }
 
   // A line between the two vertices, in the order of a sweep.
-  Line LineBetween(std::uint32_t from, std::uint32_t to, std::int32_t net, std::uint32_t origin) const {
+  Line LineBetween(std::uint32_t from, std::uint32_t to, const Winding& net, std::uint32_t origin) const {
     return IsBefore(Node(from), Node(to)) ? Line{from, to, net, origin} : Line{to, from, -net, origin};
   }
 
-  void MakeLines(std::span<const DirectedEdge> edges);
+  void MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand);
   void SortLines();
   bool IsWithinReach(const Line& line, std::uint32_t v) const;
   bool PassesCell(const Line& line, std::uint32_t v) const;
@@ -154,14 +123,16 @@ class EdgeCutter {
   void MergeLines();
 
   Arrangement& out_;
-  GridVertices vertices_;
+  VertexSet vertices_;
+  double reach_;  // in steps
+  bool isFine_;   // so that every node is itself a point to stand for
   LeaningFrame frame_;
   std::vector<Line> lines_;
   std::vector<Line> origins_;
   std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
 };
 
-void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges) {
+void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand) {
   out_.lineOfEdge_.assign(edges.size(), Arrangement::kNoPiece);
   std::vector<Keyed> keyed;
   keyed.reserve(edges.size());
@@ -169,12 +140,12 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges) {
     const std::uint32_t from = vertices_.At(edges[i].from);
     const std::uint32_t to = vertices_.At(edges[i].to);
     if (from == to) continue;
-    const Line line = LineBetween(from, to, 1, 0);
+    const Line line = LineBetween(from, to, i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
     keyed.push_back({std::uint64_t{line.from} << 32U | line.to, i, line.net});
   }
   ForEachGroup(keyed, [this](std::span<const Keyed> group) {
-    const std::int32_t net = NetOf(group);
-    if (net == 0) return;
+    const Winding net = NetOf(group);
+    if (net.IsZero()) return;
     const auto number = static_cast<std::uint32_t>(lines_.size());
     for (const Keyed& k : group) out_.lineOfEdge_[k.index] = number;
     const std::uint64_t ends = group[0].ends;
@@ -189,8 +160,8 @@ void EdgeCutter::SortLines() {
   centres.reserve(lines_.size());
   directions.reserve(lines_.size());
   for (const Line& line : lines_) {
-    directions.push_back(PointOn(Node(line.to)) - PointOn(Node(line.from)));
-    centres.push_back((PointOn(Node(line.from)) + PointOn(Node(line.to))) / 2.0);
+    directions.push_back(Node(line.to).Point() - Node(line.from).Point());
+    centres.push_back((Node(line.from).Point() + Node(line.to).Point()) / 2.0);
   }
   frame_ = LeaningFrame(directions);
   const std::vector<std::uint32_t> order = SpatialOrder(centres);
@@ -210,10 +181,10 @@ void EdgeCutter::SortLines() {
 bool EdgeCutter::IsWithinReach(const Line& line, std::uint32_t v) const {
   const GridPoint p = Node(line.from);
   const GridPoint q = Node(line.to);
-  const std::int64_t along = Along(p, q, Node(v));
-  const std::int64_t length2 = Along(p, q, q);
-  if (along <= 0 || along >= length2) return false;
-  return std::fabs(static_cast<double>(Side(p, q, Node(v)))) <= kReach * std::sqrt(static_cast<double>(length2));
+  const double along = Along(p, q, Node(v));
+  const double length2 = Along(p, q, q);
+  if (!(along > 0.0 && along < length2)) return false;
+  return std::fabs(SideProducts(p, q, Node(v)).Value()) <= reach_ * std::sqrt(length2);
 }
 
 // Whether the line meets the cell of the vertex: the square of one step around its node, with its lower and left sides, but without
@@ -224,19 +195,23 @@ bool EdgeCutter::PassesCell(const Line& line, std::uint32_t v) const {
   const GridPoint q = Node(line.to);
   const GridPoint c = Node(v);
   if (c.x < p.x || c.x > q.x || c.y < std::min(p.y, q.y) || c.y > std::max(p.y, q.y)) return false;
-  const std::int64_t dx = std::int64_t{q.x} - p.x;  // never negative
-  const std::int64_t dy = std::int64_t{q.y} - p.y;
-  const std::int64_t twiceSide = 2 * Side(p, q, c);
-  const std::int64_t width = dx + std::abs(dy);
-  if (std::abs(twiceSide) != width) return std::abs(twiceSide) < width;
-  return twiceSide > 0 ? dy <= 0 : dx == 0;
+  const double dx = q.x - p.x;  // never negative
+  const double dy = q.y - p.y;
+  const double width = dx + std::fabs(dy);  // twice the reach of the cell to either side of the line, times the line's length
+  const SideProducts side(p, q, c);
+  const double beyond = 2.0 * std::fabs(side.Value()) - width;
+  if (std::fabs(beyond) > 2.0 * side.Error()) return beyond < 0.0;
+  const Int128 exact = ExactSide(p, q, c);
+  const Int128 twice = exact.Abs() + exact.Abs() - Int128(static_cast<std::int64_t>(width));
+  if (twice.Sign() != 0) return twice.Sign() < 0;
+  return exact.Sign() > 0 ? dy <= 0.0 : dx == 0.0;
 }
 
 BoxTree EdgeCutter::TreeOverLines(double margin) const {
   BoxTree tree;
   const std::span<Box> leaves = tree.StartLeaves(lines_.size());
   for (std::size_t i = 0; i < lines_.size(); ++i) {
-    leaves[i] = frame_.Around(PointOn(Node(lines_[i].from)), PointOn(Node(lines_[i].to))).Widened(margin);
+    leaves[i] = frame_.Around(Node(lines_[i].from).Point(), Node(lines_[i].to).Point()).Widened(margin);
   }
   tree.BuildInner();
   return tree;
@@ -249,7 +224,7 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
   constexpr std::uint32_t kGroup = 4;
   std::vector<ZBR_PT> places;
   places.reserve(vertices_.size() - firstVertex);
-  for (std::uint32_t v = firstVertex; v < vertices_.size(); ++v) places.push_back(frame_.Turned(PointOn(Node(v))));
+  for (std::uint32_t v = firstVertex; v < vertices_.size(); ++v) places.push_back(frame_.Turned(Node(v).Point()));
   const std::vector<std::uint32_t> order = SpatialOrder(places);
   BoxTree groups;
   const std::span<Box> leaves = groups.StartLeaves((order.size() + kGroup - 1) / kGroup);
@@ -296,8 +271,10 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
 // Appends the parts of the line between the vertices.
 void EdgeCutter::CutLine(const Line& line, std::vector<std::uint32_t>& hits, std::vector<Line>& next) const {
   if (hits.size() > 1) {
-    const auto along = [&](std::uint32_t v) { return std::pair(Along(Node(line.from), Node(line.to), Node(v)), v); };
-    std::sort(hits.begin(), hits.end(), [&](std::uint32_t u, std::uint32_t v) { return along(u) < along(v); });
+    std::sort(hits.begin(), hits.end(), [&](std::uint32_t u, std::uint32_t v) {
+      const int ahead = AheadSign(Node(line.from), Node(line.to), Node(u), Node(v));
+      return ahead != 0 ? ahead > 0 : u < v;
+    });
   }
   std::uint32_t from = line.from;
   for (const std::uint32_t v : hits) {
@@ -318,28 +295,21 @@ void EdgeCutter::AddCrossings() {
 
 namespace {
 
-// The product of a factor of at most 2^31 in size and one from 0 to 2^62, as high * 2^32 + low.
-struct WideProduct {
-  std::int64_t high;
-  std::int64_t low;  // from 0 below 2^32
-
-  WideProduct(std::int64_t a, std::int64_t b) {
-    const std::int64_t partial = a * (b & 0xffffffff);
-    high = a * (b >> 32) + (partial >> 32);
-    low = partial & 0xffffffff;
+// p + d * share / whole, with 0 < share < whole, rounded to the nearest integer, halves up. The remainder of the quotient that
+// doubles give is small, so that arithmetic modulo 2^128 knows it exactly.
+double RoundedPlace(double p, double d, const Int128& share, const Int128& whole, double t) {
+  const auto step = static_cast<std::int64_t>(d);
+  auto quotient = static_cast<std::int64_t>(std::floor(d * t + 0.5));
+  Int128 rest = share * step - whole * quotient;
+  while (!(rest + rest < whole)) {
+    ++quotient;
+    rest = rest - whole;
   }
-  bool operator>=(const WideProduct& o) const { return high != o.high ? high > o.high : low >= o.low; }
-};
-
-// p + d * share / whole, with 0 < share < whole, rounded to the nearest integer, halves up.
-std::int32_t RoundedPlace(std::int32_t p, std::int64_t d, std::int64_t share, std::int64_t whole) {
-  constexpr double kSure = 1e-3;  // far more than the error of the computation in doubles
-  const double place = p + static_cast<double>(d) * (static_cast<double>(share) / static_cast<double>(whole)) + 0.5;
-  const double border = std::nearbyint(place);
-  if (std::fabs(place - border) > kSure) return static_cast<std::int32_t>(std::floor(place));
-  const auto k = static_cast<std::int64_t>(border);
-  const bool reaches = WideProduct(2 * d, share) >= WideProduct(2 * (k - p) - 1, whole);
-  return static_cast<std::int32_t>(reaches ? k : k - 1);
+  while (rest + rest < -whole) {
+    --quotient;
+    rest = rest + whole;
+  }
+  return p + static_cast<double>(quotient);
 }
 
 }  // namespace
@@ -350,17 +320,14 @@ void EdgeCutter::Cross(const Line& a, const Line& b) {
   const GridPoint q = Node(a.to);
   const GridPoint r = Node(b.from);
   const GridPoint s = Node(b.to);
-  const auto areApart = [](std::int64_t u, std::int64_t v) { return (u < 0 && v > 0) || (u > 0 && v < 0); };
-  if (!areApart(Side(p, q, r), Side(p, q, s))) return;
-  const std::int64_t sideP = Side(r, s, p);
-  const std::int64_t sideQ = Side(r, s, q);
-  if (!areApart(sideP, sideQ)) return;
-  const std::int64_t share = std::abs(sideP);
-  const std::int64_t whole = share + std::abs(sideQ);
-  const GridPoint node = {RoundedPlace(p.x, std::int64_t{q.x} - p.x, share, whole),
-                          RoundedPlace(p.y, std::int64_t{q.y} - p.y, share, whole)};
-  const double t = static_cast<double>(share) / static_cast<double>(whole);
-  vertices_.AddOnNode(node, TrueCrossing(a, b, PointOn(p) + (PointOn(q) - PointOn(p)) * t));
+  if (SideSign(p, q, r) * SideSign(p, q, s) >= 0) return;
+  if (SideSign(r, s, p) * SideSign(r, s, q) >= 0) return;
+  const Int128 share = ExactSide(r, s, p).Abs();
+  const Int128 whole = share + ExactSide(r, s, q).Abs();
+  const double t = share.ToDouble() / whole.ToDouble();
+  const GridPoint node = {RoundedPlace(p.x, q.x - p.x, share, whole, t), RoundedPlace(p.y, q.y - p.y, share, whole, t)};
+  const ZBR_PT place = p.Point() + (q.Point() - p.Point()) * t;
+  vertices_.OnNode(node, isFine_ ? vertices_.FromGrid(node.Point()) : TrueCrossing(a, b, place));
 }
 
 // The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.
@@ -378,20 +345,28 @@ ZBR_PT EdgeCutter::TrueCrossing(const Line& a, const Line& b, const ZBR_PT& plac
   return isNear ? point : vertices_.FromGrid(place);
 }
 
+// By the upper digits of x first; what they leave undecided is compared.
 void EdgeCutter::NumberVertices() {
-  constexpr std::uint32_t kBias = std::uint32_t{1} << 31U;
+  constexpr double kMostKeys = 0x1p32 - 1.0;
   struct Item {
-    std::uint64_t place;
+    std::uint32_t key;
     std::uint32_t vertex;
   };
   std::vector<Item> items(vertices_.size());
   std::vector<Item> scratch;
+  const auto [leftmost, rightmost] = std::minmax_element(vertices_.nodes().begin(), vertices_.nodes().end(),
+                                                         [](const GridPoint& a, const GridPoint& b) { return a.x < b.x; });
+  const double left = leftmost->x;
+  const double keysPerStep = kMostKeys / std::max(rightmost->x - left, 1.0);
   for (std::uint32_t v = 0; v < items.size(); ++v) {
-    const GridPoint node = Node(v);
-    const auto key = [](std::int32_t c) { return std::uint64_t{static_cast<std::uint32_t>(c) + kBias}; };
-    items[v] = {key(node.x) << 32U | key(node.y), v};
+    items[v] = {static_cast<std::uint32_t>((Node(v).x - left) * keysPerStep), v};
   }
-  RadixSort(items, scratch, [](const Item& item) { return item.place; });
+  const auto keyOf = [](const Item& item) { return item.key; };
+  RadixSort(items, scratch, keyOf);
+  ForEachRun(items, keyOf, [this](std::span<Item> run) {
+    if (run.size() < 2) return;
+    std::sort(run.begin(), run.end(), [this](const Item& i, const Item& j) { return IsBefore(Node(i.vertex), Node(j.vertex)); });
+  });
   number_.resize(items.size());
   out_.nodes_.reserve(items.size());
   out_.points_.reserve(items.size());
@@ -411,16 +386,19 @@ void EdgeCutter::MergeLines() {
   }
   out_.pieceOfLine_.assign(lines_.size(), Arrangement::kNoPiece);
   ForEachGroup(keyed, [this](std::span<const Keyed> group) {
-    const std::int32_t net = NetOf(group);
-    if (net == 0) return;
+    const Winding net = NetOf(group);
+    if (net.IsZero()) return;
     for (const Keyed& k : group) out_.pieceOfLine_[k.index] = static_cast<std::uint32_t>(out_.pieces_.size());
     const std::uint64_t ends = group[0].ends;
     out_.pieces_.push_back({static_cast<std::uint32_t>(ends >> 32U), static_cast<std::uint32_t>(ends), net});
   });
 }
 
-Arrangement::Arrangement(std::span<const DirectedEdge> edges) {
-  if (!edges.empty()) EdgeCutter(*this, edges).Run();
+Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand) {
+  if (!edges.empty()) EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
 }
+
+Arrangement::Arrangement(std::span<const DirectedEdge> edges)
+    : Arrangement(edges, Resolution::Coarse(BoxOf(edges)), edges.size()) {}
 
 }  // namespace zbr

@@ -7,7 +7,8 @@
 
 #include <zbr/planar.h>
 
-#include "arrangement/grid_vertices.h"
+#include "arrangement/grid_point.h"
+#include "arrangement/vertex_set.h"
 
 namespace zbr {
 
@@ -16,22 +17,40 @@ struct DirectedEdge {
   ZBR_PT to;
 };
 
+// How often the edges of each of two operands run along a piece, or wind around a place.
+struct Winding {
+  std::int32_t of[2] = {0, 0};
+
+  Winding& operator+=(const Winding& o) {
+    of[0] += o.of[0];
+    of[1] += o.of[1];
+    return *this;
+  }
+  friend Winding operator+(Winding a, const Winding& b) { return a += b; }
+  friend Winding operator-(const Winding& a) { return {{-a.of[0], -a.of[1]}}; }
+  bool IsZero() const { return (of[0] | of[1]) == 0; }
+};
+
+// A straight piece of an arrangement between two vertices, from < to. `net` counts the edges along it, those that run from `from`
+// to `to` positive, the others negative; it is never zero for both operands.
+struct ArrangedPiece {
+  std::uint32_t from;
+  std::uint32_t to;
+  Winding net;
+};
+
 // A planar arrangement of directed edges.
 //
 // Vertices lie on the nodes of a grid and are numbered in the order of a sweep (IsBefore); the pieces between them neither cross
 // nor overlap nor pass a vertex, exactly so on the grid. Each vertex keeps the true point that it stands for.
 class Arrangement {
  public:
-  // A straight piece between two vertices, from < to. `net` counts the edges along it, those that run from `from` to `to`
-  // positive, the others negative; it is never 0.
-  struct Piece {
-    std::uint32_t from;
-    std::uint32_t to;
-    std::int32_t net;
-  };
+  using Piece = ArrangedPiece;
   static constexpr std::uint32_t kNoPiece = ~std::uint32_t{0};
 
-  // Edges must have finite ends.
+  // Edges must have finite ends; those from `secondOperand` on count for the second operand.
+  Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand);
+  // Of one operand, on the coarse grid.
   explicit Arrangement(std::span<const DirectedEdge> edges);
 
   // By vertex: its place on the grid, and its true point.
@@ -43,7 +62,7 @@ class Arrangement {
   const std::vector<Piece>& pieces() const { return pieces_; }
 
   // Calls visit(piece) for what became of the given edge; kNoPiece stands for a part along which as many edges run one way as the
-  // other.
+  // other. An edge whose ends merged visits nothing.
   template <class Visit>
   void PiecesOf(std::size_t edge, Visit visit) const {
     const std::uint32_t first = lineOfEdge_[edge];

@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "arrangement/loop_builder.h"
 #include "core/box.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
-#include "arrangement/loop_builder.h"
 
 namespace zbr {
 namespace {

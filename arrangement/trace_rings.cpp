@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/planar_inline.h"
 #include "arrangement/loop_builder.h"
+#include "core/planar_inline.h"
 
 namespace zbr {
 namespace {

@@ -5,127 +5,114 @@
 #include "arrangement/winding_sweep.h"
 
 #include <algorithm>
-#include <set>
 #include <span>
+
+#include "arrangement/sweep_status.h"
+#include "core/radix_sort.h"
 
 namespace zbr {
 namespace {
 
 class WindingSweep {
  public:
-  explicit WindingSweep(const Arrangement& arrangement)
-      : pieces_(arrangement.pieces()),
-        nodes_(arrangement.nodes()),
-        status_(Below{this}),
-        below_(pieces_.size()),
-        at_(pieces_.size()) {
-    CollectEnding();
+  WindingSweep(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces)
+      : pieces_(pieces), nodes_(nodes), status_(nodes, pieces) {
+    swept_.below.resize(pieces.size());
+    swept_.under.resize(pieces.size());
+    ending_.reserve(pieces.size());
+    for (std::uint32_t i = 0; i < pieces.size(); ++i) ending_.push_back({pieces[i].to, i});
+    std::vector<End> scratch;
+    RadixSort(ending_, scratch, [](const End& e) { return e.vertex; });
   }
 
-  void Run() {
-    std::uint32_t beginning = 0;
-    for (std::uint32_t v = 0; v < nodes_.size(); ++v) {
-      beginning_.clear();
-      for (; beginning < pieces_.size() && pieces_[beginning].from == v; ++beginning) beginning_.push_back(beginning);
-      const std::span<std::uint32_t> ending = std::span(ending_).subspan(endingBegin_[v], endingBegin_[v + 1] - endingBegin_[v]);
-      if (beginning_.empty() && ending.empty()) continue;
-      Pass(v, ending);
+  SweptPieces Run() {
+    std::uint32_t begin = 0;
+    std::size_t end = 0;
+    while (end < ending_.size()) {
+      std::uint32_t v = ending_[end].vertex;
+      if (begin < pieces_.size()) v = std::min(v, pieces_[begin].from);
+      beginningHere_.clear();
+      endingHere_.clear();
+      for (; begin < pieces_.size() && pieces_[begin].from == v; ++begin) beginningHere_.push_back(begin);
+      for (; end < ending_.size() && ending_[end].vertex == v; ++end) endingHere_.push_back(ending_[end].piece);
+      Pass(nodes_[v]);
     }
+    return std::move(swept_);
   }
-
-  std::int32_t WindingBelow(std::uint32_t piece) const { return below_[piece]; }
 
  private:
-  // An entry may come to stand for another piece at the same place.
-  struct Entry {
-    mutable std::uint32_t piece;
+  struct End {
+    std::uint32_t vertex;
+    std::uint32_t piece;
   };
-  // Exact for pieces that do not cross and that the sweep line meets both, and for its place on a vertex that is on neither.
-  struct Below {
-    using is_transparent = void;
-    const WindingSweep* sweep;
-
-    bool operator()(const Entry& a, const Entry& b) const { return sweep->IsBelow(a.piece, b.piece); }
-    bool operator()(const Entry& a, GridPoint p) const { return Side(sweep->From(a.piece), sweep->To(a.piece), p) > 0; }
-    bool operator()(GridPoint p, const Entry& a) const { return Side(sweep->From(a.piece), sweep->To(a.piece), p) < 0; }
-  };
-  using Status = std::multiset<Entry, Below>;
 
   GridPoint From(std::uint32_t piece) const { return nodes_[pieces_[piece].from]; }
   GridPoint To(std::uint32_t piece) const { return nodes_[pieces_[piece].to]; }
 
-  bool IsBelow(std::uint32_t a, std::uint32_t b) const {
-    if (pieces_[a].from == pieces_[b].from) return Side(From(a), To(a), To(b)) > 0;
-    if (pieces_[a].from > pieces_[b].from) return Side(From(b), To(b), From(a)) < 0;
-    return Side(From(a), To(a), From(b)) > 0;
+  // Lowest first.
+  void SortAround(GridPoint p) {
+    if (beginningHere_.size() > 1) {
+      std::sort(beginningHere_.begin(), beginningHere_.end(),
+                [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, To(a), To(b)) > 0; });
+    }
+    if (endingHere_.size() > 1) {
+      std::sort(endingHere_.begin(), endingHere_.end(),
+                [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, From(a), From(b)) < 0; });
+    }
   }
 
-  void CollectEnding() {
-    endingBegin_.assign(nodes_.size() + 1, 0);
-    for (const Arrangement::Piece& p : pieces_) ++endingBegin_[p.to + 1];
-    for (std::size_t v = 1; v < endingBegin_.size(); ++v) endingBegin_[v] += endingBegin_[v - 1];
-    ending_.resize(pieces_.size());
-    std::vector<std::uint32_t> place(endingBegin_.begin(), endingBegin_.end() - 1);
-    for (std::uint32_t i = 0; i < pieces_.size(); ++i) ending_[place[pieces_[i].to]++] = i;
-  }
-
-  void Pass(std::uint32_t v, std::span<std::uint32_t> ending) {
-    const GridPoint p = nodes_[v];
-    if (beginning_.size() > 1) {
-      std::sort(beginning_.begin(), beginning_.end(), [&](std::uint32_t a, std::uint32_t b) { return Side(p, To(a), To(b)) > 0; });
-    }
-    if (ending.size() > 1) {
-      std::sort(ending.begin(), ending.end(), [&](std::uint32_t a, std::uint32_t b) { return Side(p, From(a), From(b)) < 0; });
-    }
-    Status::iterator next;
-    std::int32_t winding = 0;
-    std::size_t reused = 0;
-    if (ending.empty()) {
-      next = status_.lower_bound(p);
-      if (next != status_.begin()) winding = WindingAbove(std::prev(next)->piece);
+  void Pass(GridPoint p) {
+    SortAround(p);
+    Winding winding;
+    std::uint32_t under = kNoPieceBelow;
+    std::uint32_t lower = SweepStatus::kNone;
+    if (endingHere_.empty()) {
+      lower = status_.HighestBelow(p);
+      under = lower;
+      if (lower != SweepStatus::kNone) winding = swept_.below[lower] + pieces_[lower].net;
     } else {
-      winding = below_[ending[0]];
-      reused = std::min(ending.size(), beginning_.size());
-      next = std::next(at_[ending.back()]);
+      winding = swept_.below[endingHere_[0]];
+      under = swept_.under[endingHere_[0]];
     }
-    for (std::size_t i = 0; i < ending.size(); ++i) {
+    const std::size_t reused = std::min(endingHere_.size(), beginningHere_.size());
+    for (std::size_t i = reused; i < endingHere_.size(); ++i) status_.Erase(endingHere_[i]);
+    for (std::size_t i = 0; i < beginningHere_.size(); ++i) {
+      const std::uint32_t piece = beginningHere_[i];
       if (i < reused) {
-        at_[beginning_[i]] = at_[ending[i]];
-        at_[beginning_[i]]->piece = beginning_[i];
+        status_.Replace(endingHere_[i], piece);
       } else {
-        status_.erase(at_[ending[i]]);
+        status_.InsertAbove(lower, piece);
       }
-    }
-    for (std::size_t i = 0; i < beginning_.size(); ++i) {
-      const std::uint32_t piece = beginning_[i];
-      if (i >= reused) at_[piece] = status_.insert(next, Entry{piece});
-      below_[piece] = winding;
+      lower = piece;
+      swept_.below[piece] = winding;
+      swept_.under[piece] = under;
       winding += pieces_[piece].net;
+      under = piece;
     }
   }
 
-  std::int32_t WindingAbove(std::uint32_t piece) const { return below_[piece] + pieces_[piece].net; }
-
-  const std::vector<Arrangement::Piece>& pieces_;
-  const std::vector<GridPoint>& nodes_;
-  Status status_;
-  std::vector<std::int32_t> below_;
-  std::vector<Status::iterator> at_;
-  std::vector<std::uint32_t> beginning_;
-  std::vector<std::uint32_t> ending_;  // pieces by the vertex at which they end
-  std::vector<std::uint32_t> endingBegin_;
+  std::span<const ArrangedPiece> pieces_;
+  std::span<const GridPoint> nodes_;
+  SweepStatus status_;
+  SweptPieces swept_;
+  std::vector<End> ending_;  // pieces by the vertex at which they end
+  std::vector<std::uint32_t> beginningHere_;
+  std::vector<std::uint32_t> endingHere_;
 };
 
 }  // namespace
 
+SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces) {
+  return WindingSweep(nodes, pieces).Run();
+}
+
 std::vector<std::int8_t> BoundarySides(const Arrangement& arrangement) {
-  WindingSweep sweep(arrangement);
-  sweep.Run();
   const auto& pieces = arrangement.pieces();
+  const SweptPieces swept = SweepWindings(arrangement.nodes(), pieces);
   std::vector<std::int8_t> sides(pieces.size());
   for (std::uint32_t i = 0; i < pieces.size(); ++i) {
-    const bool below = sweep.WindingBelow(i) > 0;
-    const bool above = sweep.WindingBelow(i) + pieces[i].net > 0;
+    const bool below = swept.below[i].of[0] > 0;
+    const bool above = swept.below[i].of[0] + pieces[i].net.of[0] > 0;
     sides[i] = static_cast<std::int8_t>(static_cast<int>(above) - static_cast<int>(below));
   }
   return sides;

@@ -1,15 +1,28 @@
-// Which pieces of an arrangement bound what its edges wind around.
+// What the edges of an arrangement wind around, and which piece lies below which.
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "arrangement/arrangement.h"
 
 namespace zbr {
 
-// For each piece: 1 when the winding number is positive on its left only, as seen from its `from` to its `to`; -1 when it is so on
-// its right only; 0 when both sides are alike. n log n.
+inline constexpr std::uint32_t kNoPieceBelow = ~std::uint32_t{0};
+
+struct SweptPieces {
+  // By piece: the winding below it, which is on its right as it runs from `from` to `to`; above it is that and the piece's net.
+  std::vector<Winding> below;
+  // By piece: one that the face below it lies directly above; kNoPieceBelow where that is the outer face.
+  std::vector<std::uint32_t> under;
+};
+
+// Of pieces between the given nodes, sorted by `from`, that meet at nodes only. They may be some of an arrangement's. n log n.
+SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces);
+
+// For each piece: 1 when the winding number of the first operand is positive on its left only, as seen from its `from` to its
+// `to`; -1 when it is so on its right only; 0 when both sides are alike. n log n.
 std::vector<std::int8_t> BoundarySides(const Arrangement& arrangement);
 
 }  // namespace zbr

@@ -13,9 +13,9 @@
 #include <zbr/loop.h>
 
 #include "arrangement/arrangement.h"
-#include "outline/bare_edges.h"
 #include "arrangement/loop_builder.h"
 #include "arrangement/winding_sweep.h"
+#include "outline/bare_edges.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::in
   // Turns and nesting are judged on the grid, where nothing crosses.
   std::vector<ZBR_PT> places;
   places.reserve(arrangement.nodes().size());
-  for (const zbr::GridPoint& node : arrangement.nodes()) places.emplace_back(node.x, node.y);
+  for (const zbr::GridPoint& node : arrangement.nodes()) places.push_back(node.Point());
   std::vector<std::uint32_t> next;
   const std::vector<zbr::Ring> rings = zbr::TraceRings(pieces, places, next);
   return zbr::NestRings(rings, places, arrangement.points(), arrangement.step(), zbr::kTouchOnGrid);

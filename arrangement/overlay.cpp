@@ -1,0 +1,205 @@
+// Idea: arrange all edges; sweep once for the winding numbers of both operands on either side of every piece; then an operation is
+// nothing but a choice of faces, and its result the border of these. Where the border only passes a vertex, because an edge was led
+// through it or another one ends there, and no second part of the border does, the vertex is left out again: the edge is straight
+// as it was. Nothing can come to cross by that: what lay within the tolerance of the edge lies on it.
+#include "arrangement/overlay.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "core/planar_inline.h"
+
+namespace zbr {
+namespace {
+
+std::vector<DirectedEdge> EdgesOf(std::span<const RingSpan> rings) {
+  std::size_t count = 0;
+  for (const RingSpan& ring : rings) count += ring.size();
+  std::vector<DirectedEdge> edges;
+  edges.reserve(count);
+  for (const RingSpan& ring : rings) {
+    for (std::size_t i = 0; i < ring.size(); ++i) edges.push_back({ring[i], ring[i + 1 < ring.size() ? i + 1 : 0]});
+  }
+  return edges;
+}
+
+std::size_t CountPoints(std::span<const RingSpan> rings) {
+  std::size_t count = 0;
+  for (const RingSpan& ring : rings) count += ring.size();
+  return count;
+}
+
+Box BoxOf(std::span<const RingSpan> rings) {
+  Box box;
+  for (const RingSpan& ring : rings) {
+    for (const ZBR_PT& p : ring) box.Add(p);
+  }
+  return box;
+}
+
+double ParameterOn(const DirectedEdge& edge, const ZBR_PT& p) {
+  const ZBR_PT d = edge.to - edge.from;
+  return (p - edge.from).InnerProduct(d) / d.Length2();
+}
+
+}  // namespace
+
+double OverlayTolerance(const Box& box, double wanted) {
+  constexpr double kDigits = 16.0 * std::numeric_limits<double>::epsilon();
+  const double size = std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
+  return std::max(wanted, kDigits * size);
+}
+
+Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance)
+    : tolerance_(tolerance),
+      edges_(EdgesOf(rings)),
+      arrangement_(edges_, Resolution::Fine(BoxOf(rings), tolerance), CountPoints(rings.first(secondOperand))),
+      swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces())) {
+  CollectSources(edges_.size());
+}
+
+void Overlay::CollectSources(std::size_t edges) {
+  sourceBegin_.assign(arrangement_.pieces().size() + 1, 0);
+  for (std::size_t e = 0; e < edges; ++e) {
+    arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
+      if (piece != Arrangement::kNoPiece) ++sourceBegin_[piece + 1];
+    });
+  }
+  for (std::size_t p = 1; p < sourceBegin_.size(); ++p) sourceBegin_[p] += sourceBegin_[p - 1];
+  sources_.resize(sourceBegin_.back());
+  std::vector<std::uint32_t> place(sourceBegin_.begin(), sourceBegin_.end() - 1);
+  for (std::uint32_t e = 0; e < edges; ++e) {
+    arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
+      if (piece != Arrangement::kNoPiece) sources_[place[piece]++] = e;
+    });
+  }
+}
+
+// Makes points, rings and polygons of traced boundaries.
+class Overlay::Assembler {
+ public:
+  Assembler(const Overlay& overlay, std::vector<std::int8_t> sides, bool withSources)
+      : overlay_(overlay),
+        pieces_(overlay.arrangement_.pieces()),
+        sides_(std::move(sides)),
+        rings_(TraceBoundary(overlay.arrangement_.nodes(), pieces_, sides_, overlay.swept_)),
+        withSources_(withSources) {
+    CountTouches();
+  }
+
+  FlatRegion Run() {
+    // Holes by their outer rings.
+    std::vector<std::uint32_t> begin(rings_.size() + 1, 0);
+    for (const std::uint32_t parent : rings_.parent) {
+      if (parent != BoundaryRings::kOuter) ++begin[parent + 1];
+    }
+    for (std::size_t r = 1; r < begin.size(); ++r) begin[r] += begin[r - 1];
+    std::vector<std::uint32_t> holes(begin.back());
+    std::vector<std::uint32_t> place(begin.begin(), begin.end() - 1);
+    for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+      if (rings_.parent[r] != BoundaryRings::kOuter) holes[place[rings_.parent[r]]++] = r;
+    }
+    for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+      if (rings_.parent[r] != BoundaryRings::kOuter || !AddRing(r)) continue;
+      for (std::uint32_t h = begin[r]; h < begin[r + 1]; ++h) AddRing(holes[h]);
+      region_.polygonEnds.push_back(static_cast<std::uint32_t>(region_.ringEnds.size()));
+    }
+    return std::move(region_);
+  }
+
+ private:
+  std::uint32_t Start(std::uint32_t piece) const { return StartOf(pieces_[piece], sides_[piece]); }
+  std::uint32_t End(std::uint32_t piece) const { return EndOf(pieces_[piece], sides_[piece]); }
+
+  void CountTouches() {
+    passes_.assign(overlay_.arrangement_.nodes().size(), 0);
+    for (const std::uint32_t piece : rings_.pieces) {
+      std::uint8_t& count = passes_[Start(piece)];
+      count = count == 0 ? 1 : 2;
+    }
+  }
+
+  // Whether the border goes straight on from one piece to the next, along one edge.
+  bool GoesOn(std::uint32_t piece, std::uint32_t next) const {
+    if (passes_[Start(next)] != 1) return false;
+    const std::span<const std::uint32_t> a = overlay_.SourcesOf(piece);
+    const std::span<const std::uint32_t> b = overlay_.SourcesOf(next);
+    return std::find_first_of(a.begin(), a.end(), b.begin(), b.end()) != a.end();
+  }
+
+  bool AddRing(std::uint32_t r) {
+    const std::span<const std::uint32_t> pieces = rings_.ring(r);
+    const std::size_t n = pieces.size();
+    corners_.clear();
+    for (std::size_t i = 0; i < n; ++i) {
+      if (!GoesOn(pieces[i == 0 ? n - 1 : i - 1], pieces[i])) corners_.push_back(static_cast<std::uint32_t>(i));
+    }
+    if (IsNarrow(pieces)) return false;
+    for (std::size_t c = 0; c < corners_.size(); ++c) {
+      region_.points.push_back(PointAt(pieces[corners_[c]]));
+      if (withSources_) AddSources(pieces, c);
+    }
+    region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size()));
+    return true;
+  }
+
+  const ZBR_PT& PointAt(std::uint32_t piece) const { return overlay_.arrangement_.points()[Start(piece)]; }
+
+  // The area of a narrow ring is its width times half the way around it.
+  bool IsNarrow(std::span<const std::uint32_t> pieces) const {
+    if (corners_.size() < 3) return true;
+    const ZBR_PT& origin = PointAt(pieces[corners_[0]]);
+    double twiceArea = 0.0;
+    double perimeter = 0.0;
+    for (std::size_t c = 0; c < corners_.size(); ++c) {
+      const ZBR_PT& p = PointAt(pieces[corners_[c]]);
+      const ZBR_PT& q = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
+      twiceArea += Cross(p - origin, q - origin);
+      perimeter += p.Distance(q);
+    }
+    return !(std::fabs(twiceArea) > overlay_.tolerance_ * perimeter);
+  }
+
+  // Of the edge from corner c to the next: the input edges that run along the whole of it.
+  void AddSources(std::span<const std::uint32_t> pieces, std::size_t c) {
+    const std::size_t first = corners_[c];
+    const std::size_t last = corners_[c + 1 < corners_.size() ? c + 1 : 0];
+    const ZBR_PT& from = PointAt(pieces[first]);
+    const ZBR_PT& to = PointAt(pieces[last]);
+    for (const std::uint32_t edge : overlay_.SourcesOf(pieces[first])) {
+      bool runsAlong = true;
+      for (std::size_t i = first + 1 == pieces.size() ? 0 : first + 1; runsAlong && i != last && i != first;
+           i = i + 1 == pieces.size() ? 0 : i + 1) {
+        const std::span<const std::uint32_t> sources = overlay_.SourcesOf(pieces[i]);
+        runsAlong = std::find(sources.begin(), sources.end(), edge) != sources.end();
+      }
+      if (!runsAlong) continue;
+      const DirectedEdge& e = overlay_.edges_[edge];
+      region_.sources.push_back({edge, ParameterOn(e, from), ParameterOn(e, to)});
+    }
+    region_.sourceEnds.push_back(static_cast<std::uint32_t>(region_.sources.size()));
+  }
+
+  const Overlay& overlay_;
+  const std::vector<ArrangedPiece>& pieces_;
+  std::vector<std::int8_t> sides_;
+  BoundaryRings rings_;
+  bool withSources_;
+  std::vector<std::uint8_t> passes_;    // by vertex: 1 when the border passes it once, 2 when more often
+  std::vector<std::uint32_t> corners_;  // of the ring in work, as places in its list of pieces
+  FlatRegion region_;
+};
+
+FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
+  const auto& pieces = arrangement_.pieces();
+  std::vector<std::int8_t> sides(pieces.size());
+  for (std::uint32_t i = 0; i < pieces.size(); ++i) {
+    const bool below = inside(swept_.below[i]);
+    const bool above = inside(swept_.below[i] + pieces[i].net);
+    sides[i] = static_cast<std::int8_t>(static_cast<int>(above) - static_cast<int>(below));
+  }
+  return Assembler(*this, std::move(sides), withSources).Run();
+}
+
+}  // namespace zbr

@@ -1,0 +1,53 @@
+// Regions by winding numbers: any rings, any rule of filling, any operation, decided exactly.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+#include "arrangement/arrangement.h"
+#include "arrangement/boundary.h"
+#include "arrangement/flat_region.h"
+#include "arrangement/winding_sweep.h"
+
+namespace zbr {
+
+// A ring of an operand: any closed polygon, which may cross itself and others. Points must be finite.
+using RingSpan = std::span<const ZBR_PT>;
+
+// The tolerance for rings within a box when `wanted` is asked for: no finer than a few digits of the coordinates.
+double OverlayTolerance(const Box& box, double wanted);
+
+// The rings of one or two operands, arranged once, combined as often as wanted.
+//
+// Nothing is decided in rounded arithmetic but which points and edges count as meeting, which those do that come within the
+// tolerance. Result points are points of the input, to the bit, or crossings.
+class Overlay {
+ public:
+  // What is in the result, told by the winding numbers around a place.
+  using Inside = std::function<bool(Winding)>;
+
+  // Rings from `secondOperand` on belong to the second operand.
+  Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance);
+
+  // The region where `inside` holds. Rings that are nowhere wider than the tolerance are left out.
+  FlatRegion Region(const Inside& inside, bool withSources) const;
+
+ private:
+  class Assembler;
+
+  void CollectSources(std::size_t edges);
+  std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {
+    return std::span(sources_).subspan(sourceBegin_[piece], sourceBegin_[piece + 1] - sourceBegin_[piece]);
+  }
+
+  double tolerance_;
+  std::vector<DirectedEdge> edges_;
+  Arrangement arrangement_;
+  SweptPieces swept_;
+  std::vector<std::uint32_t> sourceBegin_;  // by piece
+  std::vector<std::uint32_t> sources_;      // edges, ascending within a piece
+};
+
+}  // namespace zbr

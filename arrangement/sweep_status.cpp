@@ -1,0 +1,81 @@
+#include "arrangement/sweep_status.h"
+
+#include <algorithm>
+
+namespace zbr {
+
+std::uint32_t SweepStatus::HighestBelow(GridPoint p) const {
+  const auto above =
+      std::partition_point(order_.begin(), order_.end(), [&](std::uint32_t chunk) { return IsBelow(chunks_[chunk].items[0], p); });
+  if (above == order_.begin()) return kNone;
+  const Chunk& chunk = chunks_[*(above - 1)];
+  const std::uint32_t* const end =
+      std::partition_point(chunk.items, chunk.items + chunk.count, [&](std::uint32_t piece) { return IsBelow(piece, p); });
+  return end[-1];
+}
+
+std::uint32_t* SweepStatus::Find(std::uint32_t piece) {
+  Chunk& chunk = chunks_[chunkOf_[piece]];
+  return std::find(chunk.items, chunk.items + chunk.count, piece);
+}
+
+std::size_t SweepStatus::PlaceOf(std::uint32_t chunk) const {
+  return static_cast<std::size_t>(std::find(order_.begin(), order_.end(), chunk) - order_.begin());
+}
+
+std::uint32_t SweepStatus::NewChunk(std::size_t place) {
+  std::uint32_t chunk = static_cast<std::uint32_t>(chunks_.size());
+  if (free_.empty()) {
+    chunks_.emplace_back();
+  } else {
+    chunk = free_.back();
+    free_.pop_back();
+    chunks_[chunk].count = 0;
+  }
+  order_.insert(order_.begin() + static_cast<std::ptrdiff_t>(place), chunk);
+  return chunk;
+}
+
+// Moves the upper half to a chunk of its own.
+void SweepStatus::Split(std::uint32_t chunk) {
+  constexpr std::uint32_t kKept = kCapacity / 2;
+  const std::uint32_t upper = NewChunk(PlaceOf(chunk) + 1);
+  Chunk& from = chunks_[chunk];
+  Chunk& to = chunks_[upper];
+  to.count = from.count - kKept;
+  std::copy(from.items + kKept, from.items + from.count, to.items);
+  from.count = kKept;
+  for (std::uint32_t i = 0; i < to.count; ++i) chunkOf_[to.items[i]] = upper;
+}
+
+void SweepStatus::InsertAbove(std::uint32_t lower, std::uint32_t piece) {
+  if (order_.empty()) NewChunk(0);
+  std::uint32_t chunk = lower == kNone ? order_[0] : chunkOf_[lower];
+  if (chunks_[chunk].count == kCapacity) {
+    Split(chunk);
+    if (lower != kNone) chunk = chunkOf_[lower];
+  }
+  Chunk& at = chunks_[chunk];
+  std::uint32_t* const place = lower == kNone ? at.items : Find(lower) + 1;
+  std::copy_backward(place, at.items + at.count, at.items + at.count + 1);
+  *place = piece;
+  ++at.count;
+  chunkOf_[piece] = chunk;
+}
+
+void SweepStatus::Replace(std::uint32_t old, std::uint32_t piece) {
+  *Find(old) = piece;
+  chunkOf_[piece] = chunkOf_[old];
+}
+
+void SweepStatus::Erase(std::uint32_t piece) {
+  const std::uint32_t chunk = chunkOf_[piece];
+  Chunk& at = chunks_[chunk];
+  std::uint32_t* const place = Find(piece);
+  std::copy(place + 1, at.items + at.count, place);
+  if (--at.count > 0) return;
+  order_.erase(order_.begin() + static_cast<std::ptrdiff_t>(PlaceOf(chunk)));
+  free_.push_back(chunk);
+}
+
+}  // namespace zbr

@@ -1,0 +1,52 @@
+// The pieces that a sweep line meets, from the lowest to the highest.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "arrangement/arrangement.h"
+
+namespace zbr {
+
+// An ordered list in chunks: a look-up halves the list of chunks and then one chunk; to insert or remove a piece beside one that is
+// known moves some of one chunk, and now and then a place in the list of chunks, which is thirty times shorter than the status.
+// Pieces know their chunk, so that what begins where others end takes their places without any search.
+class SweepStatus {
+ public:
+  static constexpr std::uint32_t kNone = ~std::uint32_t{0};
+
+  SweepStatus(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces)
+      : nodes_(nodes), pieces_(pieces), chunkOf_(pieces.size()) {}
+
+  // The highest piece below a point that lies on none, or kNone.
+  std::uint32_t HighestBelow(GridPoint p) const;
+  void InsertAbove(std::uint32_t lower, std::uint32_t piece);  // kNone: lowest of all
+  void Replace(std::uint32_t old, std::uint32_t piece);
+  void Erase(std::uint32_t piece);
+
+ private:
+  static constexpr std::uint32_t kCapacity = 31;
+
+  struct Chunk {
+    std::uint32_t count = 0;
+    std::uint32_t items[kCapacity];
+  };
+
+  bool IsBelow(std::uint32_t piece, GridPoint p) const {
+    return SideSign(nodes_[pieces_[piece].from], nodes_[pieces_[piece].to], p) > 0;
+  }
+  std::uint32_t* Find(std::uint32_t piece);
+  std::uint32_t NewChunk(std::size_t place);
+  void Split(std::uint32_t chunk);
+  std::size_t PlaceOf(std::uint32_t chunk) const;
+
+  std::span<const GridPoint> nodes_;
+  std::span<const ArrangedPiece> pieces_;
+  std::vector<std::uint32_t> chunkOf_;  // by piece
+  std::vector<Chunk> chunks_;
+  std::vector<std::uint32_t> order_;  // chunks from the lowest to the highest
+  std::vector<std::uint32_t> free_;
+};
+
+}  // namespace zbr

@@ -1,0 +1,115 @@
+#include "arrangement/vertex_set.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace zbr {
+namespace {
+
+constexpr double kCellWidth = 4.0;  // in merging distances
+
+double LargerSide(const Box& box) {
+  return std::max(box.xmax - box.xmin, box.ymax - box.ymin);
+}
+
+double Magnitude(const Box& box) {
+  return std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
+}
+
+// The smallest power of two at least 2^-bits of the value.
+double PowerOfTwoFor(double value, int bits) {
+  if (!(value > 0.0)) return 1.0;
+  int exponent = 0;
+  const double fraction = std::frexp(value, &exponent);  // value = fraction * 2^exponent, fraction in [0.5, 1)
+  return std::max(std::ldexp(1.0, exponent - (fraction == 0.5 ? bits + 1 : bits)), std::numeric_limits<double>::min());
+}
+
+}  // namespace
+
+// Half the box is at most 2^29 steps.
+Resolution Resolution::Coarse(const Box& box) {
+  const double step = PowerOfTwoFor(LargerSide(box), 30);
+  return {step, step, 1.5 * step};
+}
+
+Resolution Resolution::Fine(const Box& box, double tolerance) {
+  const double side = LargerSide(box);
+  const double step = side > 0.0 ? std::max(PowerOfTwoFor(side, 51), PowerOfTwoFor(Magnitude(box), 52)) : 1.0;
+  return {step, std::max(tolerance, 2.0 * step), std::max(tolerance, 2.0 * step)};
+}
+
+// The centre is a node of the grid that passes through the origin: then coordinates of few bits keep their places exactly.
+VertexSet::VertexSet(const Box& box, const Resolution& resolution, std::size_t expected)
+    : centre_(std::floor(box.Center().x() / resolution.step) * resolution.step,
+              std::floor(box.Center().y() / resolution.step) * resolution.step),
+      step_(resolution.step),
+      merge_(resolution.merge / resolution.step),
+      first_(std::bit_ceil(2 * expected + 16), kNone) {
+  merge2_ = merge_ * merge_;
+  inverseCell_ = 1.0 / (kCellWidth * merge_);
+  nodes_.reserve(expected);
+  points_.reserve(expected);
+  next_.reserve(expected);
+}
+
+std::size_t VertexSet::Bucket(double cellX, double cellY) const {
+  const auto x = static_cast<std::uint64_t>(static_cast<std::int64_t>(cellX));
+  const auto y = static_cast<std::uint64_t>(static_cast<std::int64_t>(cellY));
+  std::uint64_t h = x * 0x9e3779b97f4a7c15ULL;
+  h = ((h ^ h >> 29U) + y) * 0xbf58476d1ce4e5b9ULL;
+  return static_cast<std::size_t>(h ^ h >> 32U) & (first_.size() - 1);
+}
+
+std::uint32_t VertexSet::Add(GridPoint node, const ZBR_PT& p) {
+  if (nodes_.size() >= first_.size()) Grow();
+  const std::uint32_t vertex = size();
+  std::uint32_t& first = first_[Bucket(CellOf(node.x), CellOf(node.y))];
+  nodes_.push_back(node);
+  points_.push_back(p);
+  next_.push_back(first);
+  first = vertex;
+  return vertex;
+}
+
+void VertexSet::Grow() {
+  first_.assign(2 * first_.size(), kNone);
+  for (std::uint32_t v = 0; v < size(); ++v) {
+    std::uint32_t& first = first_[Bucket(CellOf(nodes_[v].x), CellOf(nodes_[v].y))];
+    next_[v] = first;
+    first = v;
+  }
+}
+
+std::uint32_t VertexSet::At(const ZBR_PT& p) {
+  const ZBR_PT g = ToGrid(p);
+  const GridPoint node = NodeAt(g);
+  const double room = merge_ + 1.0;  // vertices are filed by their nodes, half a step beside their points
+  const double x[] = {CellOf(g.x() - room), CellOf(g.x() + room)};
+  const double y[] = {CellOf(g.y() - room), CellOf(g.y() + room)};
+  std::uint32_t best = kNone;
+  double bestDistance2 = merge2_;
+  for (int i = 0; i < (x[0] == x[1] ? 1 : 2); ++i) {
+    for (int j = 0; j < (y[0] == y[1] ? 1 : 2); ++j) {
+      for (std::uint32_t v = first_[Bucket(x[i], y[j])]; v != kNone; v = next_[v]) {
+        if (nodes_[v] == node) return v;
+        const double distance2 = ToGrid(points_[v]).Distance2(g);
+        if (distance2 < bestDistance2 || (distance2 == bestDistance2 && v < best)) {
+          best = v;
+          bestDistance2 = distance2;
+        }
+      }
+    }
+  }
+  return best != kNone ? best : Add(node, p);
+}
+
+std::uint32_t VertexSet::OnNode(GridPoint node, const ZBR_PT& p) {
+  for (std::uint32_t v = first_[Bucket(CellOf(node.x), CellOf(node.y))]; v != kNone; v = next_[v]) {
+    if (nodes_[v] == node) return v;
+  }
+  return Add(node, p);
+}
+
+}  // namespace zbr

@@ -1,0 +1,67 @@
+// The vertices of a planar arrangement, on an integer grid.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <zbr/planar.h>
+
+#include "arrangement/grid_point.h"
+#include "core/box.h"
+
+namespace zbr {
+
+// The grid of an arrangement and what counts as one place on it.
+struct Resolution {
+  double step;   // of the grid, a power of two
+  double merge;  // points within this distance of a vertex are that vertex; at least a step
+  double reach;  // an edge that passes a vertex within this distance is led through it; at least one and a half steps
+
+  // A step of 1e-9 to 2e-9 of the box's larger side, and what it takes to join what should meet but for rounding to that grid.
+  static Resolution Coarse(const Box& box);
+  // The finest grid on which every node is a point that doubles tell exactly. Coordinates are never off by more than half a step.
+  static Resolution Fine(const Box& box, double tolerance);
+};
+
+// Numbered vertices, at most one per grid node, each with the exact point that it stands for.
+class VertexSet {
+ public:
+  VertexSet(const Box& box, const Resolution& resolution, std::size_t expected);
+
+  // The vertex of p: one on p's node or within the merging distance, the nearest first, made when there is none.
+  std::uint32_t At(const ZBR_PT& p);
+  // The vertex exactly on the given node; made to stand for p when there is none.
+  std::uint32_t OnNode(GridPoint node, const ZBR_PT& p);
+
+  std::uint32_t size() const { return static_cast<std::uint32_t>(nodes_.size()); }
+  GridPoint node(std::uint32_t vertex) const { return nodes_[vertex]; }
+  const ZBR_PT& point(std::uint32_t vertex) const { return points_[vertex]; }
+  const std::vector<GridPoint>& nodes() const { return nodes_; }
+  double step() const { return step_; }
+
+  // Between points and (fractional) grid coordinates.
+  ZBR_PT ToGrid(const ZBR_PT& p) const { return ZBR_PT((p.x() - centre_.x()) / step_, (p.y() - centre_.y()) / step_); }
+  ZBR_PT FromGrid(const ZBR_PT& g) const { return ZBR_PT(centre_.x() + g.x() * step_, centre_.y() + g.y() * step_); }
+  static GridPoint NodeAt(const ZBR_PT& g) { return {Nearest(g.x()), Nearest(g.y())}; }
+
+ private:
+  static constexpr std::uint32_t kNone = ~std::uint32_t{0};
+
+  static double Nearest(double c) { return std::floor(c + 0.5) + 0.0; }
+  std::size_t Bucket(double cellX, double cellY) const;
+  double CellOf(double c) const { return std::floor(c * inverseCell_); }
+  std::uint32_t Add(GridPoint node, const ZBR_PT& p);
+  void Grow();
+
+  ZBR_PT centre_;
+  double step_;
+  double merge2_;       // squared, in steps
+  double merge_;        // in steps
+  double inverseCell_;  // cells are a few merging distances wide, so that a look-up reads one to four
+  std::vector<GridPoint> nodes_;
+  std::vector<ZBR_PT> points_;
+  std::vector<std::uint32_t> next_;   // in the same bucket
+  std::vector<std::uint32_t> first_;  // by bucket
+};
+
+}  // namespace zbr
