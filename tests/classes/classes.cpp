@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <numeric>
 
@@ -13,7 +12,6 @@ using Rings = std::vector<Ring>;
 using Ops = std::vector<ZBR_BOOLEAN_OPE>;
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr double kSize = 100.0;  // of a drawing
 const Ops kAllOps(kOps.begin(), kOps.end());
 
 double Between(Random& random, double from, double to) {
@@ -29,8 +27,9 @@ ZBR_PT Spot(Random& random) {
   return {Between(random, -50.0, 50.0), Between(random, -50.0, 50.0)};
 }
 
-const ZBR_PT& AnyOf(const Ring& ring, Random& random) {
-  return ring[static_cast<std::size_t>(Below(random, static_cast<int>(ring.size())))];
+template <typename Items>
+const auto& AnyOf(const Items& items, Random& random) {
+  return items[static_cast<std::size_t>(Below(random, static_cast<int>(items.size())))];
 }
 
 // On an edge, but for rounding; now and then a vertex.
@@ -77,6 +76,10 @@ Ring Around(Ring points) {
   return points;
 }
 
+Ring Rectangle(double x, double y, double width, double height) {
+  return {{x, y}, {x + width, y}, {x + width, y + height}, {x, y + height}};
+}
+
 Rings Turned(Rings rings, double angle, const ZBR_PT& centre = {}) {
   for (Ring& ring : rings) {
     for (ZBR_PT& p : ring) {
@@ -102,12 +105,8 @@ Pair MakePair(Rings a, Rings b) {
 
 Pair Gridded(Random& random) {
   static const std::array<const char*, 4> families = {"cells", "blocks", "nests", "tiles"};
-  OperandPair pair = FamilyNamed(families[static_cast<std::size_t>(Below(random, 4))]).draw(random);
-  double extent = 1.0;
-  for (const Ring& ring : pair.a) {
-    for (const ZBR_PT& p : ring) extent = std::max({extent, std::abs(p.x()), std::abs(p.y())});
-  }
-  const double scale = std::ldexp(1.0, std::ilogb(kSize / extent));  // keeps exact what is exact
+  OperandPair pair = FamilyNamed(AnyOf(families, random)).draw(random);
+  const double scale = Below(random, 2) == 0 ? 8.0 : 4.0;  // keeps exact what is exact
   return MakePair(Moved(std::move(pair.a), scale, {}), Moved(std::move(pair.b), scale, {}));
 }
 
@@ -244,13 +243,36 @@ Pair Dirty(JudgeFill fill, Random& random) {
       Rings{Tangle(random)},
   };
   const auto draw = [&] {
-    Rings rings = drawings[static_cast<std::size_t>(Below(random, static_cast<int>(drawings.size())))];
+    Rings rings = AnyOf(drawings, random);
     if (Below(random, 2) == 0) rings = Turned(std::move(rings), Between(random, 0.0, 2.0 * kPi));
     return Disguise(Moved(std::move(rings), 1.0, Below(random, 2) == 0 ? ZBR_PT() : Spot(random) * 0.5), random);
   };
   Pair pair = MakePair(draw(), Below(random, 2) == 0 ? Rings{Square(-12, -12, 37)} : draw());
   pair.a.fill = pair.b.fill = fill;
   return pair;
+}
+
+// Rounded to some digits behind the point, as files have them.
+Pair Printed(Random& random) {
+  Pair pair = Coincident(random);
+  const double unit = std::pow(10.0, 3 + Below(random, 10));
+  for (Region* region : {&pair.a, &pair.b}) {
+    for (Ring& ring : region->rings) {
+      for (ZBR_PT& p : ring) p.Set(std::round(p.x() * unit) / unit, std::round(p.y() * unit) / unit);
+    }
+  }
+  return pair;
+}
+
+// A coast, and the same turned a little or in part moved.
+Pair Large(Random& random) {
+  Ring coast = Circle({}, 50.0, 500 + Below(random, 2500), 0.0);
+  for (ZBR_PT& p : coast) p = p * Between(random, 0.9, 1.0);
+  if (Below(random, 2) == 0) return MakePair({coast}, Turned({coast}, Small(random, 2.0, 9.0)));
+  const Rings shaken = Shaken({coast}, Small(random, 2.0, 12.0), random);
+  Ring other = coast;
+  for (std::size_t i = 0; i < coast.size(); ++i) other[i] = Below(random, 4) == 0 ? shaken[0][i] : coast[i];
+  return MakePair({coast}, {other});
 }
 
 // ---- results as operands
@@ -260,9 +282,8 @@ Rings ToolShape(Random& random, double angle) {
   if (Below(random, 3) == 0) angle = Between(random, 0.0, 2.0 * kPi);
   const double x = Below(random, 20) * 5.0 - 50.0;
   const double y = Below(random, 20) * 5.0 - 50.0;
-  const double w = 5.0 + 5.0 * Below(random, 8);
-  const double h = 5.0 + 5.0 * Below(random, 8);
-  return Turned({{{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}}, angle);
+  const double width = 5.0 + 5.0 * Below(random, 8);
+  return Turned({Rectangle(x, y, width, 5.0 + 5.0 * Below(random, 8))}, angle);
 }
 
 void FedBack(Random& random, const Visit& visit) {
@@ -287,9 +308,8 @@ void UnionTree(Random& random, const Visit& visit) {
   for (Region& part : parts) {
     const double x = Below(random, 60);
     const double y = Below(random, 60);
-    const double w = 1.0 + Below(random, 12);
-    const double h = 1.0 + Below(random, 12);
-    part.rings = {{{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}};
+    const double width = 1.0 + Below(random, 12);
+    part.rings = {Rectangle(x, y, width, 1.0 + Below(random, 12))};
   }
   for (; parts.size() > 1; parts.resize((parts.size() + 1) / 2)) {
     for (std::size_t i = 0; i + 1 < parts.size(); i += 2) {
@@ -303,43 +323,19 @@ void UnionTree(Random& random, const Visit& visit) {
 
 // ---- files
 
-Rings ReadRings(std::istream& in) {
-  std::string name;
-  std::size_t count = 0;
-  in >> name >> count;
-  Rings rings(count);
-  for (Ring& ring : rings) {
-    std::size_t points = 0;
-    in >> points;
-    ring.resize(points);
-    for (ZBR_PT& p : ring) {
-      double x = 0.0;
-      double y = 0.0;
-      in >> x >> y;
-      p.Set(x, y);
-    }
-  }
-  return rings;
-}
-
-std::vector<Pair> ReadFaults(const std::string& folder) {
-  std::vector<std::filesystem::path> files;
-  if (std::filesystem::is_directory(folder)) {
-    for (const auto& file : std::filesystem::directory_iterator(folder)) files.push_back(file.path());
-  }
-  std::sort(files.begin(), files.end());
+std::vector<Pair> ReadCases(const std::string& file) {
+  std::ifstream in(file);
   std::vector<Pair> pairs;
-  for (const auto& file : files) {
-    std::ifstream in(file);
-    Rings a = ReadRings(in);
-    pairs.push_back(MakePair(std::move(a), ReadRings(in)));
+  for (std::string key, text; in >> key && std::getline(in >> std::ws, text);) {
+    if (key == "A") pairs.push_back(MakePair(RingsOf(ParseLoops(text)), {}));
+    if (key == "B") pairs.back().b.rings = RingsOf(ParseLoops(text));
   }
   return pairs;
 }
 
 // As they are, or in other units, moved or turned.
-Pair DrawFault(const std::vector<Pair>& faults, Random& random) {
-  Pair pair = faults[static_cast<std::size_t>(Below(random, static_cast<int>(faults.size())))];
+Pair DrawCase(const std::vector<Pair>& cases, Random& random) {
+  Pair pair = AnyOf(cases, random);
   const int kind = Below(random, 4);
   const double scale = kind == 1 ? std::ldexp(1.0, Below(random, 12)) : 1.0;
   const double angle = kind == 3 ? Between(random, 0.0, 2.0 * kPi) : 0.0;
@@ -351,10 +347,10 @@ Pair DrawFault(const std::vector<Pair>& faults, Random& random) {
 
 }  // namespace
 
-std::vector<InputClass> InputClasses(const std::string& faults) {
+std::vector<InputClass> InputClasses(const std::string& cases) {
   std::vector<InputClass> classes;
   const auto add = [&](const std::string& name, auto drawPair, double noise = 0.0) {
-    classes.push_back({name, noise, 1, [=](Random& random, const Visit& visit) { visit(drawPair(random), kAllOps); }});
+    classes.push_back({name, noise, 1, false, [=](Random& random, const Visit& visit) { visit(drawPair(random), kAllOps); }});
   };
   add("general", [](Random& random) {
     Rings a = BlobWithHole(random);
@@ -377,17 +373,21 @@ std::vector<InputClass> InputClasses(const std::string& faults) {
   add("spikes", Spikes);
   add("tangent", TangentCircles);
   add("far", FarAway);
+  add("printed", Printed);
+  add("large", Large);
+  classes.back().cost = 50;
   const std::array<const char*, 4> fills = {"even-odd", "non-zero", "positive", "negative"};
   for (const JudgeFill fill : {kFillEvenOdd, kFillNonZero, kFillPositive, kFillNegative}) {
     add(std::string("dirty-") + fills[fill], [fill](Random& random) { return Dirty(fill, random); });
+    classes.back().needsFills = fill != kFillEvenOdd;
   }
-  classes.push_back({"fed-back", 0.0, 1, FedBack});
-  classes.push_back({"chains", 0.0, 20, [](Random& random, const Visit& visit) { Chain(false, random, visit); }});
-  classes.push_back({"chains-xor", 0.0, 20, [](Random& random, const Visit& visit) { Chain(true, random, visit); }});
-  classes.push_back({"union-tree", 0.0, 60, UnionTree});
-  if (std::vector<Pair> pairs = ReadFaults(faults); !pairs.empty()) {
+  classes.push_back({"fed-back", 0.0, 1, false, FedBack});
+  classes.push_back({"chains", 0.0, 20, false, [](Random& random, const Visit& visit) { Chain(false, random, visit); }});
+  classes.push_back({"chains-xor", 0.0, 20, false, [](Random& random, const Visit& visit) { Chain(true, random, visit); }});
+  classes.push_back({"union-tree", 0.0, 60, false, UnionTree});
+  if (std::vector<Pair> pairs = ReadCases(cases); !pairs.empty()) {
     add(
-        "fault-files", [pairs = std::move(pairs)](Random& random) { return DrawFault(pairs, random); }, 1e-6);
+        "cases", [pairs = std::move(pairs)](Random& random) { return DrawCase(pairs, random); }, 1e-6);
   }
   return classes;
 }

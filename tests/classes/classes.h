@@ -1,4 +1,5 @@
-// Classes of input on which combinations of regions are measured. The same seed gives the same pairs on every machine.
+// Classes of input on which combinations of regions are measured. Drawings are about 100 large; a program draws the same pairs from
+// the same seed.
 #pragma once
 
 #include <functional>
@@ -19,11 +20,11 @@ using Visit = std::function<std::optional<Region>(const Pair&, const std::vector
 
 struct InputClass {
   std::string name;
-  double noise;  // how far the points of the drawing are from where they were meant to be
-  int cost;      // one drawing stands for so many: long chains are drawn more seldom
+  double noise;     // how far the points of the drawing are from where they were meant to be
+  int cost;         // one drawing stands for so many: long chains are drawn more seldom
+  bool needsFills;  // not for engines that know the even-odd rule only
   std::function<void(Random&, const Visit&)> draw;
 };
 
-// `faults`: a folder of pairs as text ("A", number of rings, for each ring the number of points and the points; the same for "B");
-// its class is left out when the folder is not there.
-std::vector<InputClass> InputClasses(const std::string& faults);
+// `cases`: a file of entries like tests/data/regressions.txt, which gives a class of its own; may be empty.
+std::vector<InputClass> InputClasses(const std::string& cases);

@@ -1,20 +1,15 @@
 #include "classes/engines.h"
 
-#include <geos_c.h>
-
 #include <algorithm>
 #include <cmath>
-#include <memory>
+
+#include "geos/geos_region.h"
 
 #ifdef ZBR_HAVE_CLIPPER
 #include <polyclipping/clipper.hpp>
 #endif
 
 namespace {
-
-void Close(Region& region) {
-  region.ends.push_back(region.rings.size());
-}
 
 // ---- this library
 
@@ -41,131 +36,31 @@ Answer CombineLoops(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
   for (const auto& loop : loops) {
     answer.region.rings.push_back(loop->pt());
     for (const auto& hole : loop->children()) answer.region.rings.push_back(hole->pt());
-    Close(answer.region);
+    answer.region.ends.push_back(answer.region.rings.size());
   }
   return answer;
 }
 
 // ---- GEOS
 
-struct DestroyGeometry {
-  void operator()(GEOSGeometry* g) const;
-};
-using Geometry = std::unique_ptr<GEOSGeometry, DestroyGeometry>;
-
-GEOSContextHandle_t Context() {
-  static const std::unique_ptr<GEOSContextHandle_HS, void (*)(GEOSContextHandle_t)> context(GEOS_init_r(), GEOS_finish_r);
-  return context.get();
+const Geos& TheGeos() {
+  static const Geos geos;
+  return geos;
 }
 
-void DestroyGeometry::operator()(GEOSGeometry* g) const {
-  GEOSGeom_destroy_r(Context(), g);
-}
-
-GEOSGeometry* MakeRing(const Ring& ring) {
-  const auto n = static_cast<unsigned>(ring.size());
-  GEOSCoordSequence* const points = GEOSCoordSeq_create_r(Context(), n + 1, 2);
-  for (unsigned i = 0; i <= n; ++i) GEOSCoordSeq_setXY_r(Context(), points, i, ring[i % n].x(), ring[i % n].y());
-  return GEOSGeom_createLinearRing_r(Context(), points);
-}
-
-// Null when a ring has fewer than three points.
-Geometry MakePolygon(const Region& region, std::size_t first, std::size_t end) {
-  std::vector<GEOSGeometry*> rings;
-  for (std::size_t i = first; i < end; ++i) {
-    rings.push_back(region.rings[i].size() < 3 ? nullptr : MakeRing(region.rings[i]));
-  }
-  if (std::find(rings.begin(), rings.end(), nullptr) == rings.end()) {
-    return Geometry(GEOSGeom_createPolygon_r(Context(), rings[0], rings.data() + 1, static_cast<unsigned>(rings.size() - 1)));
-  }
-  for (GEOSGeometry* ring : rings) GEOSGeom_destroy_r(Context(), ring);
-  return nullptr;
-}
-
-Geometry MakePolygons(const Region& region) {
-  std::vector<GEOSGeometry*> parts;
-  std::size_t first = 0;
-  for (const std::size_t end : region.ends) {
-    parts.push_back(MakePolygon(region, first, end).release());
-    first = end;
-  }
-  const bool complete = std::find(parts.begin(), parts.end(), nullptr) == parts.end();
-  if (complete) {
-    const auto count = static_cast<unsigned>(parts.size());
-    return Geometry(GEOSGeom_createCollection_r(Context(), GEOS_MULTIPOLYGON, parts.data(), count));
-  }
-  for (GEOSGeometry* part : parts) GEOSGeom_destroy_r(Context(), part);
-  return nullptr;
-}
-
-bool IsValid(const Geometry& g) {
-  return g && GEOSisValid_r(Context(), g.get()) == 1;
-}
-
-// The even-odd region of the rings: what an odd number of them enclose.
-Geometry MakeGeometry(const Region& region) {
-  if (!region.ends.empty()) {
-    if (Geometry polygons = MakePolygons(region); IsValid(polygons)) return polygons;
-  }
-  Geometry all(GEOSGeom_createEmptyPolygon_r(Context()));
-  for (std::size_t i = 0; i < region.rings.size(); ++i) {
-    Geometry ring = MakePolygon(region, i, i + 1);
-    if (!ring) continue;
-    if (!IsValid(ring)) ring.reset(GEOSMakeValid_r(Context(), ring.get()));
-    if (ring) all.reset(GEOSSymDifference_r(Context(), all.get(), ring.get()));
-    if (!ring || !all) return nullptr;
-  }
-  return all;
-}
-
-Ring ReadRing(const GEOSGeometry* line, bool counterClockwise) {
-  const GEOSCoordSequence* const points = GEOSGeom_getCoordSeq_r(Context(), line);
-  unsigned n = 0;
-  GEOSCoordSeq_getSize_r(Context(), points, &n);
-  Ring ring;
-  for (unsigned i = 0; i + 1 < n; ++i) {
-    double x = 0.0;
-    double y = 0.0;
-    GEOSCoordSeq_getXY_r(Context(), points, i, &x, &y);
-    ring.emplace_back(x, y);
-  }
-  char turns = 0;
-  GEOSCoordSeq_isCCW_r(Context(), points, &turns);
-  if ((turns == 1) != counterClockwise) std::reverse(ring.begin(), ring.end());
-  return ring;
-}
-
-Geometry CombineGeometries(const Geometry& a, const Geometry& b, ZBR_BOOLEAN_OPE op) {
-  switch (op) {
-    case ZBR_BOOL_A_MINUS_B:
-      return Geometry(GEOSDifference_r(Context(), a.get(), b.get()));
-    case ZBR_BOOL_B_MINUS_A:
-      return Geometry(GEOSDifference_r(Context(), b.get(), a.get()));
-    case ZBR_BOOL_OR:
-      return Geometry(GEOSUnion_r(Context(), a.get(), b.get()));
-    case ZBR_BOOL_AND:
-      return Geometry(GEOSIntersection_r(Context(), a.get(), b.get()));
-    case ZBR_BOOL_XOR:
-      return Geometry(GEOSSymDifference_r(Context(), a.get(), b.get()));
-  }
-  return nullptr;
+// Polygons that GEOS itself would take, as they are.
+Geos::Geometry ToGeometry(const Region& region) {
+  Geos::Geometry polygons = region.ends.empty() ? nullptr : TheGeos().Polygons(region.rings, region.ends);
+  return TheGeos().IsValid(polygons) ? std::move(polygons) : TheGeos().EvenOdd(region.rings);
 }
 
 Answer CombineGeos(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
-  const Geometry first = MakeGeometry(a);
-  const Geometry second = MakeGeometry(b);
-  const Geometry both = first && second ? CombineGeometries(first, second, op) : nullptr;
+  const Geos::Geometry first = ToGeometry(a);
+  const Geos::Geometry second = ToGeometry(b);
+  const Geos::Geometry both = first && second ? TheGeos().Operate(op, first, second) : nullptr;
   Answer answer;
   answer.failed = !both;
-  for (int i = 0; both && i < GEOSGetNumGeometries_r(Context(), both.get()); ++i) {
-    const GEOSGeometry* const part = GEOSGetGeometryN_r(Context(), both.get(), i);
-    if (GEOSGeomTypeId_r(Context(), part) != GEOS_POLYGON || GEOSisEmpty_r(Context(), part) != 0) continue;
-    answer.region.rings.push_back(ReadRing(GEOSGetExteriorRing_r(Context(), part), true));
-    for (int k = 0; k < GEOSGetNumInteriorRings_r(Context(), part); ++k) {
-      answer.region.rings.push_back(ReadRing(GEOSGetInteriorRingN_r(Context(), part, k), false));
-    }
-    Close(answer.region);
-  }
+  if (both) TheGeos().Read(both, answer.region.rings, answer.region.ends);
   return answer;
 }
 
@@ -206,7 +101,7 @@ void AppendOuters(const ClipperLib::PolyNode& parent, int exponent, Region& regi
   for (const ClipperLib::PolyNode* outer : parent.Childs) {
     AppendPath(outer->Contour, exponent, region);
     for (const ClipperLib::PolyNode* hole : outer->Childs) AppendPath(hole->Contour, exponent, region);
-    Close(region);
+    region.ends.push_back(region.rings.size());
     for (const ClipperLib::PolyNode* hole : outer->Childs) AppendOuters(*hole, exponent, region);
   }
 }
@@ -249,15 +144,13 @@ const std::vector<Engine>& Engines() {
   return engines;
 }
 
-bool IsValidRegion(const Region& region) {
-  return IsValid(MakePolygons(region));
-}
-
-bool HasValidPolygons(const Region& region) {
-  std::size_t first = 0;
+bool IsValid(const Region& region, bool eachAlone) {
+  if (!eachAlone) return TheGeos().IsValid(TheGeos().Polygons(region.rings, region.ends));
+  auto first = region.rings.begin();
   for (const std::size_t end : region.ends) {
-    if (!IsValid(MakePolygon(region, first, end))) return false;
-    first = end;
+    const std::vector<Ring> polygon(first, region.rings.begin() + static_cast<std::ptrdiff_t>(end));
+    if (!TheGeos().IsValid(TheGeos().Polygons(polygon, {polygon.size()}))) return false;
+    first += static_cast<std::ptrdiff_t>(polygon.size());
   }
   return true;
 }

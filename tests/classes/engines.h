@@ -31,7 +31,5 @@ struct Engine {
 // Those whose libraries were found, this library first.
 const std::vector<Engine>& Engines();
 
-// Simple rings, holes inside, nothing shared but points.
-bool IsValidRegion(const Region& region);
-// The same for each polygon alone.
-bool HasValidPolygons(const Region& region);
+// Whether the region's polygons are valid by the rules for simple features, all together or each by itself.
+bool IsValid(const Region& region, bool eachAlone);
