@@ -27,6 +27,14 @@ class Geos {
   // What any of the rings encloses. On a grid, coordinates are rounded to multiples of its step; without one (0) the union may fail
   // on coordinates that nearly coincide, or leave slivers there. Null when GEOS cannot.
   Geometry Union(const std::vector<Ring>& rings, double grid) const;
+  // What an odd number of the rings encloses. Null when GEOS cannot.
+  Geometry EvenOdd(const std::vector<Ring>& rings) const;
+  // Polygons as they are, valid or not: rings up to ends[k] belong to polygon k, its outer ring first, then its holes. Null when a
+  // ring has fewer than three points.
+  Geometry Polygons(const std::vector<Ring>& rings, const std::vector<std::size_t>& ends) const;
+  // The same back: outer rings counter-clockwise, holes clockwise. What is not an area is left out.
+  void Read(const Geometry& g, std::vector<Ring>& rings, std::vector<std::size_t>& ends) const;
+  bool IsValid(const Geometry& g) const { return g && GEOSisValid_r(context_, g.get()) == 1; }
   Geometry Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geometry& b) const;
   double Area(const Geometry& g) const;
   // Numbers of outer rings and of holes, without those narrower than `thin`.
@@ -43,6 +51,7 @@ class Geos {
   Geometry Own(GEOSGeometry* g) const { return Geometry(g, Destroy{context_}); }
   Geometry Line(const std::vector<ZBR_PT>& ring, bool asRing) const;
   Geometry Polygon(const std::vector<ZBR_PT>& ring) const;
+  Ring ReadRing(const GEOSGeometry* line, bool counterClockwise) const;
 
   GEOSContextHandle_t context_;
 };
