@@ -1,12 +1,15 @@
 // Idea: arrange all edges; sweep once for the winding numbers of both operands on either side of every piece; then an operation is
 // nothing but a choice of faces, and its result the border of these. Where the border only passes a vertex, because an edge was led
 // through it or another one ends there, and no second part of the border does, the vertex is left out again: the edge is straight
-// as it was. Nothing can come to cross by that: what lay within the tolerance of the edge lies on it.
+// as it was. Nothing comes to cross by that where the vertex lies on the edge but for rounding. Where it lay aside by what the
+// tolerance allows, something may; such a result is arranged once more, as it stands.
 #include "arrangement/overlay.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 #include "core/planar_inline.h"
 
@@ -51,8 +54,9 @@ double OverlayTolerance(const Box& box, double wanted) {
   return std::max(wanted, kDigits * size);
 }
 
-Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance)
+Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width)
     : tolerance_(tolerance),
+      width_(width),
       edges_(EdgesOf(rings)),
       arrangement_(edges_, Resolution::Fine(BoxOf(rings), tolerance), CountPoints(rings.first(secondOperand))),
       swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces())) {
@@ -107,10 +111,11 @@ class Overlay::Assembler {
     }
     return std::move(region_);
   }
+  // Whether an edge was made straight past a vertex that lies beside it.
+  bool straightened() const { return straightened_; }
 
  private:
   std::uint32_t Start(std::uint32_t piece) const { return StartOf(pieces_[piece], sides_[piece]); }
-  std::uint32_t End(std::uint32_t piece) const { return EndOf(pieces_[piece], sides_[piece]); }
 
   void CountTouches() {
     passes_.assign(overlay_.arrangement_.nodes().size(), 0);
@@ -120,21 +125,55 @@ class Overlay::Assembler {
     }
   }
 
-  // Whether the border goes straight on from one piece to the next, along one edge.
-  bool GoesOn(std::uint32_t piece, std::uint32_t next) const {
+  // Narrows what the border has run along since its last corner to what it runs along in the next piece as well. False when it
+  // turns before that piece.
+  bool GoesOn(std::uint32_t next) {
     if (passes_[Start(next)] != 1) return false;
-    const std::span<const std::uint32_t> a = overlay_.SourcesOf(piece);
-    const std::span<const std::uint32_t> b = overlay_.SourcesOf(next);
-    return std::find_first_of(a.begin(), a.end(), b.begin(), b.end()) != a.end();
+    const std::span<const std::uint32_t> sources = overlay_.SourcesOf(next);
+    common_.clear();
+    std::set_intersection(along_.begin(), along_.end(), sources.begin(), sources.end(), std::back_inserter(common_));
+    if (common_.empty()) return false;
+    along_.swap(common_);
+    straightened_ = straightened_ || LiesAside(Start(next), overlay_.edges_[along_[0]]);
+    return true;
+  }
+
+  bool LiesAside(std::uint32_t vertex, const DirectedEdge& edge) const {
+    constexpr double kOnEdge = 3.0;  // steps
+    const ZBR_PT d = edge.to - edge.from;
+    const double side = Cross(d, overlay_.arrangement_.points()[vertex] - edge.from);
+    return std::fabs(side) > kOnEdge * overlay_.arrangement_.step() * d.Length();
+  }
+
+  void StartAlong(std::uint32_t piece) {
+    const std::span<const std::uint32_t> sources = overlay_.SourcesOf(piece);
+    along_.assign(sources.begin(), sources.end());
+  }
+
+  // Where the border turns, as places in the ring's list of pieces. The walk begins at a sure corner; the leftmost point is one
+  // when neighbours have edges in common all around.
+  void FindCorners(std::span<const std::uint32_t> pieces) {
+    const std::size_t n = pieces.size();
+    std::size_t first = n;
+    std::size_t leftmost = 0;
+    for (std::size_t i = 0; i < n && first == n; ++i) {
+      StartAlong(pieces[i == 0 ? n - 1 : i - 1]);
+      if (!GoesOn(pieces[i])) first = i;
+      if (Start(pieces[i]) < Start(pieces[leftmost])) leftmost = i;
+    }
+    if (first == n) first = leftmost;
+    corners_.clear();
+    for (std::size_t k = 0; k < n; ++k) {
+      const std::size_t i = first + k < n ? first + k : first + k - n;
+      if (k > 0 && GoesOn(pieces[i])) continue;
+      corners_.push_back(static_cast<std::uint32_t>(i));
+      StartAlong(pieces[i]);
+    }
   }
 
   bool AddRing(std::uint32_t r) {
     const std::span<const std::uint32_t> pieces = rings_.ring(r);
-    const std::size_t n = pieces.size();
-    corners_.clear();
-    for (std::size_t i = 0; i < n; ++i) {
-      if (!GoesOn(pieces[i == 0 ? n - 1 : i - 1], pieces[i])) corners_.push_back(static_cast<std::uint32_t>(i));
-    }
+    FindCorners(pieces);
     if (IsNarrow(pieces)) return false;
     for (std::size_t c = 0; c < corners_.size(); ++c) {
       region_.points.push_back(PointAt(pieces[corners_[c]]));
@@ -158,7 +197,7 @@ class Overlay::Assembler {
       twiceArea += Cross(p - origin, q - origin);
       perimeter += p.Distance(q);
     }
-    return !(std::fabs(twiceArea) > overlay_.tolerance_ * perimeter);
+    return !(std::fabs(twiceArea) > overlay_.width_ * perimeter);
   }
 
   // Of the edge from corner c to the next: the input edges that run along the whole of it.
@@ -186,8 +225,11 @@ class Overlay::Assembler {
   std::vector<std::int8_t> sides_;
   BoundaryRings rings_;
   bool withSources_;
+  bool straightened_ = false;
   std::vector<std::uint8_t> passes_;    // by vertex: 1 when the border passes it once, 2 when more often
   std::vector<std::uint32_t> corners_;  // of the ring in work, as places in its list of pieces
+  std::vector<std::uint32_t> along_;    // edges that the border has run along since its last corner
+  std::vector<std::uint32_t> common_;
   FlatRegion region_;
 };
 
@@ -199,7 +241,39 @@ FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
     const bool above = inside(swept_.below[i] + pieces[i].net);
     sides[i] = static_cast<std::int8_t>(static_cast<int>(above) - static_cast<int>(below));
   }
-  return Assembler(*this, std::move(sides), withSources).Run();
+  Assembler assembler(*this, std::move(sides), withSources);
+  const FlatRegion region = assembler.Run();
+  return assembler.straightened() ? Settled(region) : region;
+}
+
+// The region once more, from its own rings.
+FlatRegion Overlay::Settled(const FlatRegion& region) const {
+  std::vector<RingSpan> rings;
+  for (std::size_t i = 0; i < region.ringEnds.size(); ++i) rings.push_back(region.Ring(i));
+  const Overlay again(rings, rings.size(), 0.0, width_);
+  const bool withSources = !region.sourceEnds.empty();
+  FlatRegion settled = again.Region([](Winding w) { return w.of[0] > 0; }, withSources);
+  if (withSources) TraceBack(region, settled);
+  return settled;
+}
+
+// Replaces sources that are edges of the region before by the sources of these.
+void Overlay::TraceBack(const FlatRegion& before, FlatRegion& region) const {
+  std::vector<FlatSource> sources;
+  std::uint32_t first = 0;
+  for (std::size_t i = 0; i < region.points.size(); ++i) {
+    for (std::uint32_t k = first; k < region.sourceEnds[i]; ++k) {
+      const FlatSource& piece = region.sources[k];
+      const std::uint32_t begin = piece.edge == 0 ? 0 : before.sourceEnds[piece.edge - 1];
+      for (std::uint32_t s = begin; s < before.sourceEnds[piece.edge]; ++s) {
+        const FlatSource& whole = before.sources[s];
+        const double length = whole.t1 - whole.t0;
+        sources.push_back({whole.edge, whole.t0 + length * piece.t0, whole.t0 + length * piece.t1});
+      }
+    }
+    first = std::exchange(region.sourceEnds[i], static_cast<std::uint32_t>(sources.size()));
+  }
+  region.sources = std::move(sources);
 }
 
 }  // namespace zbr

@@ -28,21 +28,25 @@ class Overlay {
   // What is in the result, told by the winding numbers around a place.
   using Inside = std::function<bool(Winding)>;
 
-  // Rings from `secondOperand` on belong to the second operand.
-  Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance);
+  // Rings from `secondOperand` on belong to the second operand. Points within the tolerance become one; rings that are narrower
+  // than `width` on the average are left out of results.
+  Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width);
 
-  // The region where `inside` holds. Rings that are nowhere wider than the tolerance are left out.
+  // The region where `inside` holds.
   FlatRegion Region(const Inside& inside, bool withSources) const;
 
  private:
   class Assembler;
 
   void CollectSources(std::size_t edges);
+  FlatRegion Settled(const FlatRegion& region) const;
+  void TraceBack(const FlatRegion& before, FlatRegion& region) const;
   std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {
     return std::span(sources_).subspan(sourceBegin_[piece], sourceBegin_[piece + 1] - sourceBegin_[piece]);
   }
 
   double tolerance_;
+  double width_;
   std::vector<DirectedEdge> edges_;
   Arrangement arrangement_;
   SweptPieces swept_;
