@@ -234,6 +234,12 @@ class Overlay::Assembler {
 };
 
 FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
+  bool straightened = false;
+  const FlatRegion region = Assembled(inside, withSources, straightened);
+  return straightened ? Settled(region) : region;
+}
+
+FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& straightened) const {
   const auto& pieces = arrangement_.pieces();
   std::vector<std::int8_t> sides(pieces.size());
   for (std::uint32_t i = 0; i < pieces.size(); ++i) {
@@ -242,8 +248,9 @@ FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
     sides[i] = static_cast<std::int8_t>(static_cast<int>(above) - static_cast<int>(below));
   }
   Assembler assembler(*this, std::move(sides), withSources);
-  const FlatRegion region = assembler.Run();
-  return assembler.straightened() ? Settled(region) : region;
+  FlatRegion region = assembler.Run();
+  straightened = assembler.straightened();
+  return region;
 }
 
 // The region once more, from its own rings.
@@ -252,7 +259,8 @@ FlatRegion Overlay::Settled(const FlatRegion& region) const {
   for (std::size_t i = 0; i < region.ringEnds.size(); ++i) rings.push_back(region.Ring(i));
   const Overlay again(rings, rings.size(), 0.0, width_);
   const bool withSources = !region.sourceEnds.empty();
-  FlatRegion settled = again.Region([](Winding w) { return w.of[0] > 0; }, withSources);
+  bool straightened = false;
+  FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, straightened);
   if (withSources) TraceBack(region, settled);
   return settled;
 }

@@ -39,6 +39,7 @@ class Overlay {
   class Assembler;
 
   void CollectSources(std::size_t edges);
+  FlatRegion Assembled(const Inside& inside, bool withSources, bool& straightened) const;
   FlatRegion Settled(const FlatRegion& region) const;
   void TraceBack(const FlatRegion& before, FlatRegion& region) const;
   std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {

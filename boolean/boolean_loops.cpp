@@ -1,10 +1,12 @@
 // The Boolean of two regions: find the crossings, clean them up, then per operation trace, add what no crossing touches, nest.
+// Where one of these steps can't be certain, the operands go through the exact arrangement instead.
 #include <algorithm>
 #include <optional>
 
 #include <zbr/boolean.h>
 
 #include "boolean/cross_clean.h"
+#include "boolean/exact_loops.h"
 #include "boolean/paths.h"
 #include "boolean/polygons.h"
 #include "boolean/search.h"
@@ -48,26 +50,33 @@ class BooleanWork {
   void FindCrossings() {
     Family& a = families_[0];
     Family& b = families_[1];
-    SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen);
-    CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_);
+    SearchReport report;
+    SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, &report);
+    const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_);
+    isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] == Simplicity::kSimple &&
+                 report.simplicity[1] == Simplicity::kSimple;
     for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);
   }
 
   LoopList Combine(ZBR_BOOLEAN_OPE op) {
     LoopList result;
-    if (crosses_.size() > 1) {
+    if (isCertain_ && crosses_.size() > 1) {
       if (op == ZBR_BOOL_XOR) {
-        Trace(DirectionsOf(ZBR_BOOL_A_MINUS_B), result);
-        Trace(DirectionsOf(ZBR_BOOL_B_MINUS_A), result);
+        isCertain_ &= Trace(DirectionsOf(ZBR_BOOL_A_MINUS_B), result);
+        isCertain_ &= Trace(DirectionsOf(ZBR_BOOL_B_MINUS_A), result);
       } else {
-        Trace(DirectionsOf(op), result);
+        isCertain_ &= Trace(DirectionsOf(op), result);
       }
     }
+    if (!isCertain_) return CombineExactly(op);
     AddUncrossed(op, 0, result);
     AddUncrossed(op, 1, result);
     zbrMakeLoopTree(result);
     return result;
   }
+
+  // Whether some result came from the exact arrangement.
+  bool WasExact() const { return exact_.has_value(); }
 
   // Leaves in the crossings which of them the last walk used.
   void MarkDone() {
@@ -123,10 +132,17 @@ class BooleanWork {
     arePathsPrepared_ = true;
   }
 
-  void Trace(Directions directions, LoopList& result) {
+  // False when a path did not close.
+  bool Trace(Directions directions, LoopList& result) {
     if (!arePathsPrepared_) PrepareTracing();
-    paths_.Find(directions.forwardA, directions.forwardB);
+    if (!paths_.Find(directions.forwardA, directions.forwardB)) return false;
     TracePaths(traced_, paths_, directions.forwardA, directions.forwardB, result);
+    return true;
+  }
+
+  LoopList CombineExactly(ZBR_BOOLEAN_OPE op) {
+    if (!exact_) exact_.emplace(families_[0].polygons, families_[1].polygons);
+    return exact_->Combine(op);
   }
 
   void AddUncrossed(ZBR_BOOLEAN_OPE op, int side, LoopList& result) {
@@ -144,7 +160,9 @@ class BooleanWork {
   Family families_[2];
   PathFinder paths_;
   TracedRegions traced_;
+  std::optional<ExactLoops> exact_;
   bool arePathsPrepared_ = false;
+  bool isCertain_ = true;  // that walking along the crossings gives the region asked for
 };
 
 }  // namespace

@@ -29,6 +29,24 @@ ZBR_CROSS_DIR LeftIf(bool left) {
   return left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT;
 }
 
+bool IsNearVertex(const ZBR_PT& p, const ZBR_PT& q, double eps2) {
+  const double distance2 = p.Distance2(q);
+  return distance2 > kSurelyOn * kSurelyOn * eps2 && distance2 < kSurelyApart * kSurelyApart * eps2;
+}
+
+// Beyond the edge's ends its vertices are asked.
+bool IsBesideEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b, double eps2) {
+  const ZBR_PT d = b - a;
+  const ZBR_PT w = p - a;
+  const double length2 = d.Length2();
+  const double side = Cross(d, w);
+  const double least = kSurelyOn * kSurelyOn * eps2 * length2;
+  const double most = kSurelyOff * kSurelyOff * eps2 * length2;
+  if (!(side * side > least && side * side < most)) return false;
+  const double along = d.InnerProduct(w);
+  return along > 0.0 && along < length2;
+}
+
 }  // namespace
 
 // Side of the corner on which q lies. Which sides of the two edge lines is of no interest here.
@@ -45,7 +63,16 @@ int Corner::SideOf(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1) {
   return SideOfCorner(q, prev_, cur_, next_, info, eps2_, prevLine, nextLine);
 }
 
+// What is within kSurelyOn tolerances is on, what is farther than kSurelyOff is not, whoever asks and however it is computed.
+// Between them a point can be on a line and not on the vertex where the line ends, or on one edge and not on the next.
+void Corner::Doubt(const ZBR_PT& q0, const ZBR_PT& q1) {
+  isDoubtful_ = isDoubtful_ || IsNearVertex(cur_, q0, eps2_) || IsNearVertex(cur_, q1, eps2_) || IsNearVertex(next_, q0, eps2_) ||
+                IsNearVertex(next_, q1, eps2_) || IsBesideEdge(q0, cur_, next_, eps2_) || IsBesideEdge(q1, cur_, next_, eps2_) ||
+                IsBesideEdge(cur_, q0, q1, eps2_) || IsBesideEdge(next_, q0, q1, eps2_);
+}
+
 bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
+  Doubt(q0, q1);
   if (SamePoint(cur_, q0, eps2_)) {  // StartOnCorner
     const int posQ1 = SideOf(q1, q0, q1);
     if (posQ1 == 0 || posQ1 == kDoublesBack) return false;
@@ -58,8 +85,11 @@ bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
     contact = {cur_, 0.0, 1.0, LeftIf(posQ0 != 1)};
     return true;
   }
-  if (SideOfLine(cur_, q0, q1, eps2_) == 0) return MeetAtCorner(q0, q1, contact);  // CornerOnEdge
-  if (SamePoint(next_, q0, eps2_) || SamePoint(next_, q1, eps2_)) return false;    // NextOnEnd
+  if (SideOfLine(cur_, q0, q1, eps2_) == 0) {
+    const double t = ParamOnLine(cur_, q0, q1);
+    if (0.0 <= t && t <= 1.0) return MeetAtCorner(t, q0, q1, contact);  // CornerOnEdge
+  }
+  if (SamePoint(next_, q0, eps2_) || SamePoint(next_, q1, eps2_)) return false;  // NextOnEnd
   const double invLen2 = 1.0 / edge_.Length2();
   const int lineQ0 = SideOfLine(q0, cur_, next_, invLen2, eps2_);
   const int lineQ1 = SideOfLine(q1, cur_, next_, invLen2, eps2_);
@@ -67,9 +97,7 @@ bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
   return SideOfLine(next_, q0, q1, eps2_) != 0 && Cross(q0, q1, contact);              // Proper
 }
 
-bool Corner::MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
-  const double t = ParamOnLine(cur_, q0, q1);
-  if (!(0.0 <= t && t <= 1.0)) return false;
+bool Corner::MeetAtCorner(double t, const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
   const int posQ0 = SideOf(q0, q0, q1);
   const int posQ1 = SideOf(q1, q0, q1);
   if (posQ0 == posQ1) return false;

@@ -28,6 +28,10 @@ class Corner {
   Corner(const ZBR_PT& prev, const ZBR_PT& cur, const ZBR_PT& next, double eps2)
       : prev_(prev), cur_(cur), next_(next), edge_(next - cur), eps2_(eps2), clear_(kClearFactor * eps2 * edge_.Length2()) {}
 
+  // Whether some edge met so far came so close to what the tolerance says that other cases, looking at the same place, may see it
+  // otherwise.
+  bool isDoubtful() const { return isDoubtful_; }
+
   // At most one contact of the edge q0->q1 of B, which has two different ends.
   bool Meet(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
     switch (MeetInTheOpen(q0, q1, contact)) {
@@ -52,7 +56,8 @@ class Corner {
 
   Outcome MeetInTheOpen(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
   bool MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
-  bool MeetAtCorner(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
+  void Doubt(const ZBR_PT& q0, const ZBR_PT& q1);
+  bool MeetAtCorner(double t, const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   bool MeetOnEdge(const ZBR_PT& q0, const ZBR_PT& q1, int lineQ0, int lineQ1, Contact& contact) const;
   bool Cross(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
   int SideOf(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1);
@@ -65,6 +70,7 @@ class Corner {
   double clear_;
   ZBR_3PT_INFO info_;  // made on first need
   bool isPrepared_ = false;
+  bool isDoubtful_ = false;
 };
 
 // The proper crossing of E with q0->q1, if the parameters say so.

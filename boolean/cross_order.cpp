@@ -14,6 +14,7 @@
 
 #include "boolean/cross_clean.h"
 #include "boolean/spot_order.h"
+#include "core/constants.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -47,6 +48,9 @@ class Cleaner {
     ResortTies(crosses_, 1, side_[1]);
   }
   void Number();
+  bool IsCertain() const { return isCertain_; }
+  void LookAtNeighbours();
+  void LookAtTurns();
 
  private:
   ZBR_CROSS& RecordOf(const PlacedCrossing& p) { return crosses_[static_cast<std::size_t>(p.index)]; }
@@ -54,9 +58,13 @@ class Cleaner {
     return x.loop == y.loop && std::fabs(x.pos - y.pos) <= t_tolerance.eps;
   }
 
+  void LookAtPair(const PlacedCrossing& x, const PlacedCrossing& y, double apart);
+  bool RunSideBySide(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) const;
+
   const LoopList* families_[2];
   std::vector<ZBR_CROSS>& crosses_;
   std::vector<PlacedCrossing>* side_;
+  bool isCertain_ = true;
   std::vector<std::int32_t> renamed_;
   std::vector<int> spot_;
 };
@@ -74,6 +82,7 @@ bool Cleaner::DropUnbalanced(int side) {
     if (seen[0] && seen[1]) return;
     for (std::size_t k = first; k < last; ++k) RecordOf(list[k]).valid = false;
     dropped = true;
+    isCertain_ = false;
   });
   return dropped;
 }
@@ -174,26 +183,80 @@ void Cleaner::Number() {
   }
 }
 
+// Neighbours in position: at one place, or apart.
+void Cleaner::LookAtPair(const PlacedCrossing& x, const PlacedCrossing& y, double apart) {
+  constexpr double kWorthALook = 1e-4;  // beyond, edges on which the two could be in one place are shorter than any that matters
+  if (!isCertain_ || apart > kWorthALook) return;
+  const double eps2 = t_tolerance.eps2;
+  const double distance2 = RecordOf(x).pt.Distance2(RecordOf(y).pt);
+  const bool isOnePlace = apart <= t_tolerance.eps;
+  isCertain_ = isOnePlace ? distance2 <= kSurelyOn * kSurelyOn * eps2 : distance2 >= kSurelyOff * kSurelyOff * eps2;
+}
+
+void Cleaner::LookAtNeighbours() {
+  for (int side = 0; side < 2; ++side) {
+    const std::vector<PlacedCrossing>& list = side_[side];
+    const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
+    ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
+      for (std::size_t k = first + 1; k < last; ++k) LookAtPair(list[k - 1], list[k], list[k].pos - list[k - 1].pos);
+    });
+  }
+}
+
+// Whether two crossings that follow each other along `side` do so along one polygon of the other side as well.
+bool Cleaner::RunSideBySide(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) const {
+  const ZBR_CROSS_AB& a = Side(x, 1 - side);
+  const ZBR_CROSS_AB& b = Side(y, 1 - side);
+  if (a.loop.value != b.loop.value) return false;
+  if (std::abs(a.seq - b.seq) == 1) return true;
+  // The first and the last of a polygon follow each other.
+  const std::vector<PlacedCrossing>& other = side_[1 - side];
+  const auto first = static_cast<std::size_t>(std::min(a.seq, b.seq));
+  const auto last = static_cast<std::size_t>(std::max(a.seq, b.seq));
+  return (first == 0 || other[first - 1].loop != a.loop.value) &&
+         (last + 1 == other.size() || other[last + 1].loop != a.loop.value);
+}
+
+void Cleaner::LookAtTurns() {
+  for (int side = 0; side < 2 && isCertain_; ++side) {
+    const std::vector<PlacedCrossing>& list = side_[side];
+    const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
+    ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
+      std::size_t before = last - 1;
+      for (std::size_t k = first; k < last && isCertain_; before = k++) {
+        if (list[before].dir == list[k].dir) isCertain_ = RunSideBySide(RecordOf(list[before]), RecordOf(list[k]), side);
+      }
+    });
+  }
+}
+
 }  // namespace
 
-void CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed,
+bool CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed,
                     SortedCrossings& sorted) {
   Cleaner cleaner(a, b, crosses, sorted);
-  if (bothClosed && crosses.size() < 2) return cleaner.Clear();
+  if (bothClosed && crosses.size() < 2) {
+    const bool isCertain = crosses.empty();
+    cleaner.Clear();
+    return isCertain;
+  }
   cleaner.Sort();
+  if (bothClosed) cleaner.LookAtNeighbours();
   if (bothClosed) {
     const bool droppedA = cleaner.DropUnbalanced(0);
     const bool droppedB = cleaner.DropUnbalanced(1);
-    if ((droppedA || droppedB) && !cleaner.Compact()) return;
+    if ((droppedA || droppedB) && !cleaner.Compact()) return false;
   }
-  if (cleaner.DropCoincidentAlongA() && !cleaner.Compact()) return;
-  if (!bothClosed && cleaner.DropTouchesAlongB() && !cleaner.Compact()) return;
+  if (cleaner.DropCoincidentAlongA() && !cleaner.Compact()) return cleaner.IsCertain();
+  if (!bothClosed && cleaner.DropTouchesAlongB() && !cleaner.Compact()) return cleaner.IsCertain();
   for (int side = 0; side < (bothClosed ? 2 : 1); ++side) {
     if (!cleaner.OrderTies(side)) continue;
-    if (!cleaner.Compact()) return;
+    if (!cleaner.Compact()) return cleaner.IsCertain();
     cleaner.ResortBoth();
   }
   cleaner.Number();
+  if (bothClosed) cleaner.LookAtTurns();
+  return cleaner.IsCertain();
 }
 
 }  // namespace zbr

@@ -85,6 +85,7 @@ class CrossingSearch {
 
   const EdgeIndex& indexA() const { return indexA_; }
   const EdgeIndex& indexB() const { return indexB_; }
+  const std::vector<DoubtedPair>& doubts() const { return doubts_; }
 
  private:
   bool IndexBoth() {
@@ -92,9 +93,10 @@ class CrossingSearch {
     std::vector<IndexedRing> ringsB;
     AddRings(a_, true, ringsA);
     AddRings(b_, false, ringsB);
-    if (ringsA.empty() || ringsB.empty()) return false;
-    indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
-    indexB_.Build(std::move(ringsB), 0.0, eps2_);
+    const bool isOneEmpty = ringsA.empty() || ringsB.empty();
+    if (!ringsA.empty()) indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
+    if (!ringsB.empty()) indexB_.Build(std::move(ringsB), 0.0, eps2_);
+    if (isOneEmpty) return false;
     for (std::uint32_t r = 0; r < indexA_.rings().size(); ++r) {
       const IndexedRing& ring = indexA_.rings()[r];
       if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
@@ -159,7 +161,9 @@ class CrossingSearch {
         beyond = SidesBeyond(q1, edgeBox);
         if ((beyondFrom & beyond) != 0) continue;  // the edge's box lies wholly beyond one side
         if (other.hasRepeats && SamePoint(q0, q1, eps2_)) continue;
-        if (!corner.Meet(q0, q1, contact) || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) continue;
+        const bool meets = corner.Meet(q0, q1, contact);
+        if (corner.isDoubtful()) NoteDoubt({ring.id, other.id});
+        if (!meets || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) continue;
         Record(contact, {ring.id, other.id}, cur, PositionOnB(other, from, contact.tB));
       }
     }
@@ -178,6 +182,10 @@ class CrossingSearch {
     if (!ring.hasRepeats) return v;
     while ((closedB_ || v + 1 < ring.n) && SamePoint(ring.points[v], ring.points[ring.Next(v)], eps2_)) v = ring.Next(v);
     return v;
+  }
+
+  void NoteDoubt(PolygonPair pair) {
+    if (doubts_.empty() || doubts_.back().a != pair.a || doubts_.back().b != pair.b) doubts_.push_back({pair.a, pair.b});
   }
 
   void Record(const Contact& contact, PolygonPair polygons, std::uint32_t cur, double posB) {
@@ -267,6 +275,7 @@ class CrossingSearch {
   EdgeIndex indexA_;
   EdgeIndex indexB_;
   std::unordered_map<std::uint32_t, CornerTable> corners_;
+  std::vector<DoubtedPair> doubts_;
   std::vector<PolygonPair> polygons_;  // of the records appended, kept only when they may need sorting
   std::vector<SortedRecord> sorted_;   // scratch of StableSort, as the next
   std::vector<SortedRecord> scratch_;
@@ -283,11 +292,15 @@ void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPoly
 }  // namespace
 
 void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
-                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB) {
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, SearchReport* report) {
   CrossingSearch search(a, b, closedB, crosses);
   search.Run();
   Note(search.indexA(), a.size(), seenA);
   Note(search.indexB(), b.size(), seenB);
+  if (report == nullptr) return;
+  report->doubts = search.doubts();
+  report->simplicity[0] = SimplicityOf(search.indexA(), kBoxMargin);
+  report->simplicity[1] = SimplicityOf(search.indexB(), 0.0);
 }
 
 }  // namespace zbr
@@ -296,7 +309,7 @@ void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_pt
                         int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB) {
   const std::vector<zbr::Polygon> a{{&A, ZBR_CROSS_LOOP(loopA, polyA)}};
   const std::vector<zbr::Polygon> b{{&B, ZBR_CROSS_LOOP(loopB, polyB)}};
-  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr);
+  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, nullptr);
 }
 
 void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
@@ -305,10 +318,10 @@ void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<Z
   std::vector<zbr::Polygon> b;
   zbr::AppendPolygons(A, loopA, a);
   zbr::AppendPolygons(B, loopB, b);
-  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr);
+  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr, nullptr);
 }
 
 void zbrGetLoopsCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
                       std::vector<ZBR_CROSS>& crosses) {
-  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr);
+  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr, nullptr);
 }

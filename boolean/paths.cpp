@@ -86,7 +86,8 @@ void PathFinder::MarkFollowing(const SideOrder& order, std::uint8_t goesLeft, bo
   }
 }
 
-void PathFinder::Find(bool forwardA, bool forwardB) {
+bool PathFinder::Find(bool forwardA, bool forwardB) {
+  bool allClosed = true;
   items_.clear();
   ends_.clear();
   const std::size_t n = goesLeft_.size();
@@ -109,9 +110,11 @@ void PathFinder::Find(bool forwardA, bool forwardB) {
         ends_.push_back(items_.size());
       } else {
         items_.resize(begin);
+        allClosed = false;
       }
     }
   }
+  return allClosed;
 }
 
 // Follows one path and appends it to items_; whether it closes.

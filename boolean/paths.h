@@ -34,8 +34,9 @@ class PathFinder {
  public:
   void Prepare(const SortedCrossings& sorted);
 
-  // Finds the closed paths that walk A forward or backward and B forward or backward. Starts from scratch.
-  void Find(bool forwardA, bool forwardB);
+  // Finds the closed paths that walk A forward or backward and B forward or backward. Starts from scratch. Returns whether all
+  // paths that were begun closed.
+  bool Find(bool forwardA, bool forwardB);
 
   std::size_t count() const { return ends_.size(); }
   // The crossings of path k, by their places along A; the first is repeated at its end.

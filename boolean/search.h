@@ -7,6 +7,7 @@
 #include <zbr/boolean.h>
 
 #include "boolean/polygons.h"
+#include "loops/simplicity.h"
 
 namespace zbr {
 
@@ -18,9 +19,20 @@ struct SearchedPolygon {
   bool hasRepeats = false;  // some edge is no longer than the tolerance
 };
 
+// Polygons that meet in a way that the search can't be certain of, numbered through their lists.
+struct DoubtedPair {
+  std::uint32_t a;
+  std::uint32_t b;
+};
+
+struct SearchReport {
+  std::vector<DoubtedPair> doubts;
+  Simplicity simplicity[2] = {Simplicity::kSimple, Simplicity::kSimple};  // of A and B
+};
+
 // Appends the crossings of the polygons of A with those of B; see zbrGetLoopsCross. `seenA` and `seenB`, if not null, receive an
 // entry per polygon.
 void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
-                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB);
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, SearchReport* report);
 
 }  // namespace zbr

@@ -13,6 +13,13 @@ inline constexpr double kBoxMargin = 0.001;
 // Length tolerance during a Boolean. Features below its root (about 3e-5) vanish in the area test; larger values merge more.
 inline constexpr double kBooleanEps = 1e-9;
 
+// Distances at which contacts of a Boolean are certain, in tolerances: up to the first a point is on an edge or a vertex, beyond the
+// others it is not. What lies between is decided by the exact arrangement; a wider band sends more there, a narrower one lets
+// contacts be judged differently from different edges.
+inline constexpr double kSurelyOn = 0.02;
+inline constexpr double kSurelyOff = 4.0;
+inline constexpr double kSurelyApart = 16.0;  // two vertices
+
 // Factor on eps while rays are cast. A ray is given up when it passes a vertex closer than this, which is rare because the point
 // itself is known to be farther than eps from every edge.
 inline constexpr double kRayEpsScale = 1e-5;

@@ -1,0 +1,17 @@
+// Whether rings are simple and keep apart.
+#pragma once
+
+#include "loops/edge_index.h"
+
+namespace zbr {
+
+enum class Simplicity {
+  kSimple,  // no two edges come near each other but neighbours on a ring, and these do not fold back
+  kUnclear  // some do: rings touch, cross or overlap each other or themselves, or may do so within the tolerance
+};
+
+// Of all rings in the index, which was built with the given margin around its leaves. Near is what lies within a few of the
+// thread's tolerances. Stops at the first contact. n log n; mostly a look at the directions of the edges.
+Simplicity SimplicityOf(const EdgeIndex& index, double margin);
+
+}  // namespace zbr
