@@ -29,24 +29,6 @@ ZBR_CROSS_DIR LeftIf(bool left) {
   return left ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT;
 }
 
-bool IsNearVertex(const ZBR_PT& p, const ZBR_PT& q, double eps2) {
-  const double distance2 = p.Distance2(q);
-  return distance2 > kSurelyOn * kSurelyOn * eps2 && distance2 < kSurelyApart * kSurelyApart * eps2;
-}
-
-// Beyond the edge's ends its vertices are asked.
-bool IsBesideEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b, double eps2) {
-  const ZBR_PT d = b - a;
-  const ZBR_PT w = p - a;
-  const double length2 = d.Length2();
-  const double side = Cross(d, w);
-  const double least = kSurelyOn * kSurelyOn * eps2 * length2;
-  const double most = kSurelyOff * kSurelyOff * eps2 * length2;
-  if (!(side * side > least && side * side < most)) return false;
-  const double along = d.InnerProduct(w);
-  return along > 0.0 && along < length2;
-}
-
 }  // namespace
 
 // Side of the corner on which q lies. Which sides of the two edge lines is of no interest here.
@@ -63,12 +45,28 @@ int Corner::SideOf(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1) {
   return SideOfCorner(q, prev_, cur_, next_, info, eps2_, prevLine, nextLine);
 }
 
+bool Corner::IsNearVertex(const ZBR_PT& p, const ZBR_PT& q) const {
+  const double distance2 = p.Distance2(q);
+  return distance2 > least2_ && distance2 < kSurelyApart * kSurelyApart * eps2_;
+}
+
+// Beyond the edge's ends its vertices are asked.
+bool Corner::IsBesideEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) const {
+  const ZBR_PT d = b - a;
+  const ZBR_PT w = p - a;
+  const double length2 = d.Length2();
+  const double side = zbr::Cross(d, w);
+  if (!(side * side > least2_ * length2 && side * side < kSurelyOff * kSurelyOff * eps2_ * length2)) return false;
+  const double along = d.InnerProduct(w);
+  return along > 0.0 && along < length2;
+}
+
 // What is within kSurelyOn tolerances is on, what is farther than kSurelyOff is not, whoever asks and however it is computed.
 // Between them a point can be on a line and not on the vertex where the line ends, or on one edge and not on the next.
 void Corner::Doubt(const ZBR_PT& q0, const ZBR_PT& q1) {
-  isDoubtful_ = isDoubtful_ || IsNearVertex(cur_, q0, eps2_) || IsNearVertex(cur_, q1, eps2_) || IsNearVertex(next_, q0, eps2_) ||
-                IsNearVertex(next_, q1, eps2_) || IsBesideEdge(q0, cur_, next_, eps2_) || IsBesideEdge(q1, cur_, next_, eps2_) ||
-                IsBesideEdge(cur_, q0, q1, eps2_) || IsBesideEdge(next_, q0, q1, eps2_);
+  isDoubtful_ = isDoubtful_ || IsNearVertex(cur_, q0) || IsNearVertex(cur_, q1) || IsNearVertex(next_, q0) ||
+                IsNearVertex(next_, q1) || IsBesideEdge(q0, cur_, next_) || IsBesideEdge(q1, cur_, next_) ||
+                IsBesideEdge(cur_, q0, q1) || IsBesideEdge(next_, q0, q1);
 }
 
 bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {

@@ -25,8 +25,15 @@ struct Contact {
 // products; whatever comes near a vertex or a line goes to MeetClosely, where the cases are told apart under the tolerance.
 class Corner {
  public:
-  Corner(const ZBR_PT& prev, const ZBR_PT& cur, const ZBR_PT& next, double eps2)
-      : prev_(prev), cur_(cur), next_(next), edge_(next - cur), eps2_(eps2), clear_(kClearFactor * eps2 * edge_.Length2()) {}
+  // What is nearer than surelyOn, in tolerances, is on: see kSurelyOn.
+  Corner(const ZBR_PT& prev, const ZBR_PT& cur, const ZBR_PT& next, double eps2, double surelyOn)
+      : prev_(prev),
+        cur_(cur),
+        next_(next),
+        edge_(next - cur),
+        eps2_(eps2),
+        least2_(surelyOn * std::fabs(surelyOn) * eps2),
+        clear_(kClearFactor * eps2 * edge_.Length2()) {}
 
   // Whether some edge met so far came so close to what the tolerance says that other cases, looking at the same place, may see it
   // otherwise.
@@ -57,6 +64,8 @@ class Corner {
   Outcome MeetInTheOpen(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
   bool MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   void Doubt(const ZBR_PT& q0, const ZBR_PT& q1);
+  bool IsNearVertex(const ZBR_PT& p, const ZBR_PT& q) const;
+  bool IsBesideEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) const;
   bool MeetAtCorner(double t, const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   bool MeetOnEdge(const ZBR_PT& q0, const ZBR_PT& q1, int lineQ0, int lineQ1, Contact& contact) const;
   bool Cross(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
@@ -67,6 +76,7 @@ class Corner {
   ZBR_PT next_;
   ZBR_PT edge_;
   double eps2_;
+  double least2_;  // squared distance up to which contacts are certain; negative when none is
   double clear_;
   ZBR_3PT_INFO info_;  // made on first need
   bool isPrepared_ = false;

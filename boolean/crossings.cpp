@@ -10,6 +10,8 @@
 // Runs of equal points act as one vertex: on A only the last of a run is a corner, and its predecessor is the last corner before;
 // on B a contact with a vertex is recorded at the last point of its run, so that the records of arriving and leaving meet.
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <numeric>
 #include <unordered_map>
 
@@ -97,11 +99,25 @@ class CrossingSearch {
     if (!ringsA.empty()) indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
     if (!ringsB.empty()) indexB_.Build(std::move(ringsB), 0.0, eps2_);
     if (isOneEmpty) return false;
+    if (RoundingOf(Bounds()) > kSurelyOn * t_tolerance.eps) surelyOn_ = -1.0;
     for (std::uint32_t r = 0; r < indexA_.rings().size(); ++r) {
       const IndexedRing& ring = indexA_.rings()[r];
       if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
     }
     return true;
+  }
+
+  Box Bounds() const {
+    Box box;
+    box.Add(indexA_.tree().Level(indexA_.tree().TopLevel())[0]);
+    box.Add(indexB_.tree().Level(indexB_.tree().TopLevel())[0]);
+    return box;
+  }
+
+  // What a computed point, such as the middle of an edge, can lie beside the exact one.
+  static double RoundingOf(const Box& box) {
+    constexpr double kRounding = 4.0 * std::numeric_limits<double>::epsilon();
+    return kRounding * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
   }
 
   void AddRings(const std::vector<Polygon>& polygons, bool isA, std::vector<IndexedRing>& rings) {
@@ -142,7 +158,7 @@ class CrossingSearch {
     const ZBR_PT& p = ring.points[cur];
     const ZBR_PT& next = ring.points[ring.Next(cur)];
     const Box edgeBox = BoxOfSegment(p, next).Widened(kBoxMargin);
-    Corner corner(ring.points[prev], p, next, eps2_);
+    Corner corner(ring.points[prev], p, next, eps2_, surelyOn_);
     const Box* leafBoxes = indexB_.tree().Level(0);
     Contact contact;
     for (const std::uint32_t l : leavesB) {
@@ -271,6 +287,7 @@ class CrossingSearch {
   const std::vector<Polygon>& b_;
   bool closedB_;
   double eps2_;
+  double surelyOn_ = kSurelyOn;  // negative where coordinates are so large that no contact is certain
   std::vector<ZBR_CROSS>& out_;
   EdgeIndex indexA_;
   EdgeIndex indexB_;
