@@ -179,5 +179,6 @@ Verdict RegionJudge::Judge(ZBR_BOOLEAN_OPE op, const std::vector<Ring>& result) 
 }
 
 bool RegionJudge::IsWrong(const Verdict& verdict, double tolerance) const {
-  return !(verdict.area <= kSlack * tolerance * perimeter_) || !(verdict.depth <= kDepthSlack * tolerance);
+  const bool isCrumb = verdict.area <= kCrumb * extent_ * extent_;
+  return !(verdict.area <= kSlack * tolerance * perimeter_) || (!(verdict.depth <= kDepthSlack * tolerance) && !isCrumb);
 }
