@@ -13,6 +13,9 @@
 // Which winding numbers are inside.
 enum JudgeFill { kFillEvenOdd, kFillNonZero, kFillPositive, kFillNegative };
 
+bool IsInside(int winding, JudgeFill fill);
+bool IsInResult(ZBR_BOOLEAN_OPE op, bool inA, bool inB);
+
 struct Verdict {
   double area = 0.0;      // of the difference; where a result covers twice, twice
   double depth = 0.0;     // how far the difference reaches from the operands' boundaries, at the places looked at
