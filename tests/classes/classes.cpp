@@ -48,29 +48,27 @@ Ring Circle(const ZBR_PT& centre, double radius, int n, double phase) {
   return ring;
 }
 
-Ring Blob(const ZBR_PT& centre, double radius, Random& random) {
-  Ring ring = Circle(centre, radius, 3 + Below(random, 12), Unit(random));
+Ring Blob(Random& random) {
+  const ZBR_PT centre = Spot(random) * 0.4;
+  Ring ring = Circle(centre, Between(random, 20.0, 50.0), 3 + Below(random, 12), Unit(random));
   for (ZBR_PT& p : ring) p = centre + (p - centre) * Between(random, 0.3, 1.0);
   return ring;
 }
 
-Ring Blob(Random& random) {
-  return Blob(Spot(random) * 0.4, Between(random, 20.0, 50.0), random);
+ZBR_PT MeanOf(const Ring& ring) {
+  return std::accumulate(ring.begin(), ring.end(), ZBR_PT()) / static_cast<double>(ring.size());
 }
 
 Rings BlobWithHole(Random& random) {
-  Rings rings = {Blob(random)};
-  if (Below(random, 3) != 0) return rings;
-  const ZBR_PT centre = std::accumulate(rings[0].begin(), rings[0].end(), ZBR_PT()) / static_cast<double>(rings[0].size());
-  Ring hole;
-  for (const ZBR_PT& p : rings[0]) hole.push_back(centre + (p - centre) * 0.3);
-  rings.push_back(std::move(hole));
-  return rings;
+  const Ring outer = Blob(random);
+  if (Below(random, 3) != 0) return {outer};
+  const ZBR_PT mean = MeanOf(outer);
+  return {outer, Moved({outer}, 0.3, mean * 0.7)[0]};
 }
 
 // A ring through the points, in the order of their directions from their mean.
 Ring Around(Ring points) {
-  const ZBR_PT mean = std::accumulate(points.begin(), points.end(), ZBR_PT()) / static_cast<double>(points.size());
+  const ZBR_PT mean = MeanOf(points);
   const auto angle = [&](const ZBR_PT& p) { return std::atan2(p.y() - mean.y(), p.x() - mean.x()); };
   std::sort(points.begin(), points.end(), [&](const ZBR_PT& p, const ZBR_PT& q) { return angle(p) < angle(q); });
   return points;
@@ -137,15 +135,9 @@ Pair Noisy(double noise, Random& random) {
   return MakePair(Shaken(pair.a.rings, noise, random), Shaken(pair.b.rings, noise, random));
 }
 
-Rings AnyShape(Random& random) {
-  const int kind = Below(random, 3);
-  return kind == 0   ? Gridded(random).a.rings
-         : kind == 1 ? BlobWithHole(random)
-                     : Rings{Circle({}, 50.0, 3 + Below(random, 40), 0.0)};
-}
-
 Pair TurnedCopy(Random& random) {
-  const Rings a = AnyShape(random);
+  const Rings shapes[] = {Gridded(random).a.rings, BlobWithHole(random), {Circle({}, 50.0, 3 + Below(random, 40), 0.0)}};
+  const Rings& a = shapes[Below(random, 3)];
   const ZBR_PT centre = a.empty() || Below(random, 2) == 0 ? ZBR_PT() : AnyOf(a[0], random);
   return MakePair(a, Turned(a, Small(random, 3.0, 9.0), centre));
 }
@@ -172,27 +164,25 @@ Pair Touching(Random& random) {
   return MakePair(a, {Around({at, OnBoundary(a[1], random), OnBoundary(a.back(), random), Spot(random)})});
 }
 
-Ring Sliver(const ZBR_PT& p, const ZBR_PT& q, Random& random, double from, double to) {
-  const ZBR_PT across = ZBR_PT(p.y() - q.y(), q.x() - p.x()) * (Small(random, from, to) / (1.0 + p.Distance(q)));
-  return {p, q, p + (q - p) * Unit(random) + across};
-}
-
-Pair Slivers(Random& random) {
-  const Ring a = Blob(random);
-  Rings b;
+// Triangles 10^-from ... 10^-to high, some of them along an edge of the ring.
+Rings Slivers(const Ring& ring, Random& random, double from, double to) {
+  Rings slivers;
   for (int n = 1 + Below(random, 3); n > 0; --n) {
     const bool along = Below(random, 2) == 0;
-    b.push_back(along ? Sliver(a[0], a[1], random, 1.0, 12.0) : Sliver(Spot(random), Spot(random), random, 1.0, 12.0));
+    const ZBR_PT p = along ? ring[0] : Spot(random);
+    const ZBR_PT q = along ? ring[1] : Spot(random);
+    const ZBR_PT across = ZBR_PT(p.y() - q.y(), q.x() - p.x()) * (Small(random, from, to) / (1.0 + p.Distance(q)));
+    slivers.push_back({p, q, p + (q - p) * Unit(random) + across});
   }
-  return MakePair({a}, std::move(b));
+  return slivers;
 }
 
-Pair OnlySlivers(Random& random) {
-  Rings a;
-  for (int n = 1 + Below(random, 3); n > 0; --n) a.push_back(Sliver(Spot(random), Spot(random), random, 9.0, 14.0));
-  return MakePair(std::move(a), {Blob(random)});
+Pair WithSlivers(double from, double to, Random& random) {
+  const Ring ring = Blob(random);
+  return MakePair(Slivers(ring, random, from, to), {ring});
 }
 
+// A notch or a needle without width, or hardly any; it may cross the ring.
 Ring WithSpike(Ring ring, Random& random) {
   const auto i = static_cast<std::size_t>(Below(random, static_cast<int>(ring.size())));
   const ZBR_PT foot = ring[i] + (ring[(i + 1) % ring.size()] - ring[i]) * Between(random, 0.2, 0.8);
@@ -218,6 +208,7 @@ Pair TangentCircles(Random& random) {
   return MakePair({Circle({}, r, n, phase)}, {Circle(centre, s, Below(random, 2) == 0 ? n : 2 * n, phase)});
 }
 
+// At 1e7 points are rounded by 1e-9.
 Pair FarAway(Random& random) {
   const double far = Below(random, 2) == 0 ? 1e6 : 1e7;
   const ZBR_PT shift(far * Between(random, 0.5, 1.0), far * Between(random, -1.0, 1.0));
@@ -232,6 +223,7 @@ Ring Tangle(Random& random) {
   return ring;
 }
 
+// Rings that no region has, but that drawings hold.
 Pair Dirty(JudgeFill fill, Random& random) {
   const std::array<Rings, 7> drawings = {
       Rings{{{-25, -25}, {25, 25}, {25, -25}, {-25, 25}}},                              // bow tie
@@ -368,8 +360,8 @@ std::vector<InputClass> InputClasses(const std::string& cases) {
   add("turned-copies", TurnedCopy);
   add("one-spot", ThroughOneSpot);
   add("touching", Touching);
-  add("slivers", Slivers);
-  add("only-slivers", OnlySlivers);
+  add("slivers", [](Random& random) { return WithSlivers(1.0, 12.0, random); });
+  add("only-slivers", [](Random& random) { return WithSlivers(9.0, 14.0, random); });
   add("spikes", Spikes);
   add("tangent", TangentCircles);
   add("far", FarAway);

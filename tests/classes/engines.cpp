@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "arrangement/overlay.h"
+#include "core/box.h"
 #include "geos/geos_region.h"
 
 #ifdef ZBR_HAVE_CLIPPER
@@ -38,6 +40,29 @@ Answer CombineLoops(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
     for (const auto& hole : loop->children()) answer.region.rings.push_back(hole->pt());
     answer.region.ends.push_back(answer.region.rings.size());
   }
+  return answer;
+}
+
+// The exact arrangement alone, for every pair.
+Answer CombineOverlay(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
+  std::vector<zbr::RingSpan> rings;
+  zbr::Box box;
+  for (const Region* region : {&a, &b}) {
+    for (const Ring& ring : region->rings) {
+      rings.emplace_back(ring);
+      for (const ZBR_PT& p : ring) box.Add(p);
+    }
+  }
+  const double tolerance = zbr::OverlayTolerance(box, kBooleanEps);
+  const zbr::Overlay overlay(rings, a.rings.size(), tolerance, tolerance);
+  const auto inside = [&](const zbr::Winding& w) { return IsInResult(op, IsInside(w.of[0], a.fill), IsInside(w.of[1], b.fill)); };
+  const zbr::FlatRegion flat = overlay.Region(inside, false);
+  Answer answer;
+  for (std::size_t i = 0; i < flat.ringEnds.size(); ++i) {
+    const auto points = flat.Ring(i);
+    answer.region.rings.emplace_back(points.begin(), points.end());
+  }
+  answer.region.ends.assign(flat.polygonEnds.begin(), flat.polygonEnds.end());
   return answer;
 }
 
@@ -136,6 +161,7 @@ Answer CombineClipper(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
 const std::vector<Engine>& Engines() {
   static const std::vector<Engine> engines = {
       {"loops", CombineLoops, false, true},
+      {"overlay", CombineOverlay, true, false},
       {"geos", CombineGeos, false, false},
 #ifdef ZBR_HAVE_CLIPPER
       {"clipper", CombineClipper, true, false},

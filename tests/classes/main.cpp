@@ -61,10 +61,20 @@ bool Shrink(Items& items, std::size_t least, const std::function<bool()>& isWron
   return items.size() < before;
 }
 
+// Whether an operand is no wider than rounding makes it; a fault of its own kind, to which others must not shrink.
+bool HasSliverOperand(const Pair& pair) {
+  for (const Region* region : {&pair.a, &pair.b}) {
+    const RegionJudge judge(region->rings, {}, region->fill);
+    if (!judge.IsWrong(judge.Judge(ZBR_BOOL_OR, {}), kTolerance * judge.Extent())) return true;
+  }
+  return false;
+}
+
 Pair Shrunk(Pair pair, const std::function<bool(const Pair&)>& isWrong) {
   pair.a.ends.clear();
   pair.b.ends.clear();
-  const auto stillWrong = [&] { return isWrong(pair); };
+  const bool mayBeSliver = HasSliverOperand(pair);
+  const auto stillWrong = [&] { return isWrong(pair) && (mayBeSliver || !HasSliverOperand(pair)); };
   for (bool again = stillWrong(); again;) {
     again = false;
     for (Region* region : {&pair.a, &pair.b}) {

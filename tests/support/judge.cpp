@@ -13,7 +13,15 @@ namespace {
 constexpr std::size_t kMostEdgesToCross = 1200;
 constexpr int kSlabsOfLargeInput = 2000;
 
-bool Inside(int winding, JudgeFill fill) {
+double DistanceFromEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
+  const ZBR_PT along = b - a;
+  const double t = std::clamp((p - a).InnerProduct(along) / along.Length2(), 0.0, 1.0);
+  return p.Distance(a + along * t);
+}
+
+}  // namespace
+
+bool IsInside(int winding, JudgeFill fill) {
   switch (fill) {
     case kFillEvenOdd:
       return (winding & 1) != 0;
@@ -27,29 +35,21 @@ bool Inside(int winding, JudgeFill fill) {
   return false;
 }
 
-bool Combine(ZBR_BOOLEAN_OPE op, bool a, bool b) {
+bool IsInResult(ZBR_BOOLEAN_OPE op, bool inA, bool inB) {
   switch (op) {
     case ZBR_BOOL_A_MINUS_B:
-      return a && !b;
+      return inA && !inB;
     case ZBR_BOOL_B_MINUS_A:
-      return b && !a;
+      return inB && !inA;
     case ZBR_BOOL_OR:
-      return a || b;
+      return inA || inB;
     case ZBR_BOOL_AND:
-      return a && b;
+      return inA && inB;
     case ZBR_BOOL_XOR:
-      return a != b;
+      return inA != inB;
   }
   return false;
 }
-
-double DistanceFromEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
-  const ZBR_PT along = b - a;
-  const double t = std::clamp((p - a).InnerProduct(along) / along.Length2(), 0.0, 1.0);
-  return p.Distance(a + along * t);
-}
-
-}  // namespace
 
 long double RegionJudge::Edge::XAt(long double y) const {
   const long double t = (y - low.y()) / (static_cast<long double>(high.y()) - low.y());
@@ -135,7 +135,7 @@ void RegionJudge::Integrate(const std::vector<const Edge*>& active, long double 
   int winding[3] = {0, 0, 0};
   for (std::size_t i = 0; i + 1 < line.size(); ++i) {
     winding[line[i].edge->owner] += line[i].edge->step;
-    const bool wanted = Combine(op, Inside(winding[0], fill_[0]), Inside(winding[1], fill_[1]));
+    const bool wanted = IsInResult(op, IsInside(winding[0], fill_[0]), IsInside(winding[1], fill_[1]));
     const int off = std::abs(winding[2] - (wanted ? 1 : 0));
     if (!wanted && off == 0) continue;
     const long double width = line[i + 1].x - line[i].x;
@@ -179,5 +179,6 @@ Verdict RegionJudge::Judge(ZBR_BOOLEAN_OPE op, const std::vector<Ring>& result) 
 }
 
 bool RegionJudge::IsWrong(const Verdict& verdict, double tolerance) const {
-  return !(verdict.area <= kSlack * tolerance * perimeter_) || !(verdict.depth <= kDepthSlack * tolerance);
+  const bool isCrumb = verdict.area <= kCrumb * extent_ * extent_;
+  return !(verdict.area <= kSlack * tolerance * perimeter_) || (!(verdict.depth <= kDepthSlack * tolerance) && !isCrumb);
 }

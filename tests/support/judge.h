@@ -13,6 +13,9 @@
 // Which winding numbers are inside.
 enum JudgeFill { kFillEvenOdd, kFillNonZero, kFillPositive, kFillNegative };
 
+bool IsInside(int winding, JudgeFill fill);
+bool IsInResult(ZBR_BOOLEAN_OPE op, bool inA, bool inB);
+
 struct Verdict {
   double area = 0.0;      // of the difference; where a result covers twice, twice
   double depth = 0.0;     // how far the difference reaches from the operands' boundaries, at the places looked at
@@ -29,7 +32,8 @@ class RegionJudge {
   Verdict Judge(ZBR_BOOLEAN_OPE op, const std::vector<Ring>& result) const;
 
   // Whether the result differs from the region by more than points moved by up to `tolerance` explain: a difference as wide as
-  // kSlack tolerances along all boundaries together, or a place kDepthSlack tolerances away from any boundary.
+  // kSlack tolerances along all boundaries together, or a place kDepthSlack tolerances away from any boundary. A crumb may be
+  // missing wherever it is: engines drop areas that are next to nothing.
   bool IsWrong(const Verdict& verdict, double tolerance) const;
 
   double Perimeter() const { return perimeter_; }
@@ -53,6 +57,7 @@ class RegionJudge {
   // A boundary moved by t covers t times its length, and operands and result may both be moved; a right angle reaches 1.4 t.
   static constexpr double kSlack = 2.0;
   static constexpr double kDepthSlack = 4.0;
+  static constexpr double kCrumb = 1e-11;  // in parts of the squared extent
 
   JudgeFill fill_[2];
   std::vector<Edge> edges_;      // of the operands, without level ones: no line crosses those
