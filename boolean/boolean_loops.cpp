@@ -53,9 +53,13 @@ class BooleanWork {
     SearchReport report;
     SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, &report);
     const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_);
-    isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] == Simplicity::kSimple &&
-                 report.simplicity[1] == Simplicity::kSimple;
+    isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] != Simplicity::kUnclear &&
+                 report.simplicity[1] != Simplicity::kUnclear;
     for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);
+    // Where an uncrossed ring lies, samples tell, which must be right about what is on its boundary.
+    for (const PolygonPair& p : report.contacts) {
+      if (report.isCoarse && !(a.touched[p.a] && b.touched[p.b])) isCertain_ = false;
+    }
   }
 
   LoopList Combine(ZBR_BOOLEAN_OPE op) {
@@ -141,6 +145,11 @@ class BooleanWork {
   }
 
   LoopList CombineExactly(ZBR_BOOLEAN_OPE op) {
+    if (crosses_.size() > 1) {  // for what the crossings say of the last walk
+      if (!arePathsPrepared_) PrepareTracing();
+      const Directions directions = DirectionsOf(op == ZBR_BOOL_XOR ? ZBR_BOOL_B_MINUS_A : op);
+      paths_.Find(directions.forwardA, directions.forwardB);
+    }
     if (!exact_) exact_.emplace(families_[0].polygons, families_[1].polygons);
     return exact_->Combine(op);
   }
@@ -170,8 +179,8 @@ class BooleanWork {
 }  // namespace zbr
 
 void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
-                     ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
-                     std::vector<ZBR_CROSS>& crosses) {
+                     const ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
+                     std::vector<ZBR_CROSS>& crosses, ZBR_BOOLEAN_STATUS& status) {
   const zbr::ToleranceScope tolerance(zbr::kBooleanEps);
   crosses.clear();
   zbr::BooleanWork work(A, B, crosses);
@@ -180,7 +189,15 @@ void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std:
   std::vector<std::vector<std::shared_ptr<ZBR_LOOP>>> formed;
   for (int k = 0; k < count; ++k) formed.push_back(work.Combine(ops[k]));
   work.MarkDone();
+  status.exact = work.WasExact();
   for (int k = 0; k < count; ++k) results[k] = std::move(formed[static_cast<std::size_t>(k)]);
+}
+
+void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
+                     const ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
+                     std::vector<ZBR_CROSS>& crosses) {
+  ZBR_BOOLEAN_STATUS status;
+  zbrBooleanLoops(A, B, ops, results, count, crosses, status);
 }
 
 void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,

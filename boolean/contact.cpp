@@ -45,28 +45,37 @@ int Corner::SideOf(const ZBR_PT& q, const ZBR_PT& q0, const ZBR_PT& q1) {
   return SideOfCorner(q, prev_, cur_, next_, info, eps2_, prevLine, nextLine);
 }
 
-bool Corner::IsNearVertex(const ZBR_PT& p, const ZBR_PT& q) const {
+// What is within kSurelyOn tolerances is on, what is farther than kSurelyOff is not, whoever asks and however it is computed.
+// Between them a point can be on a line and not on the vertex where the line ends, or on one edge and not on the next.
+void Corner::DoubtVertex(const ZBR_PT& p, const ZBR_PT& q) {
   const double distance2 = p.Distance2(q);
-  return distance2 > least2_ && distance2 < kSurelyApart * kSurelyApart * eps2_;
+  if (!(distance2 < kSurelyApart * kSurelyApart * eps2_)) return;
+  hasContact_ = true;
+  if (distance2 > least2_) isDoubtful_ = true;
 }
 
 // Beyond the edge's ends its vertices are asked.
-bool Corner::IsBesideEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) const {
+void Corner::DoubtEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
   const ZBR_PT d = b - a;
   const ZBR_PT w = p - a;
   const double length2 = d.Length2();
   const double side = zbr::Cross(d, w);
-  if (!(side * side > least2_ * length2 && side * side < kSurelyOff * kSurelyOff * eps2_ * length2)) return false;
+  if (!(side * side < kSurelyOff * kSurelyOff * eps2_ * length2)) return;
   const double along = d.InnerProduct(w);
-  return along > 0.0 && along < length2;
+  if (!(along > 0.0 && along < length2)) return;
+  hasContact_ = true;
+  if (side * side > least2_ * length2) isDoubtful_ = true;
 }
 
-// What is within kSurelyOn tolerances is on, what is farther than kSurelyOff is not, whoever asks and however it is computed.
-// Between them a point can be on a line and not on the vertex where the line ends, or on one edge and not on the next.
 void Corner::Doubt(const ZBR_PT& q0, const ZBR_PT& q1) {
-  isDoubtful_ = isDoubtful_ || IsNearVertex(cur_, q0) || IsNearVertex(cur_, q1) || IsNearVertex(next_, q0) ||
-                IsNearVertex(next_, q1) || IsBesideEdge(q0, cur_, next_) || IsBesideEdge(q1, cur_, next_) ||
-                IsBesideEdge(cur_, q0, q1) || IsBesideEdge(next_, q0, q1);
+  DoubtVertex(cur_, q0);
+  DoubtVertex(cur_, q1);
+  DoubtVertex(next_, q0);
+  DoubtVertex(next_, q1);
+  DoubtEdge(q0, cur_, next_);
+  DoubtEdge(q1, cur_, next_);
+  DoubtEdge(cur_, q0, q1);
+  DoubtEdge(next_, q0, q1);
 }
 
 bool Corner::MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {

@@ -32,12 +32,14 @@ class Corner {
         next_(next),
         edge_(next - cur),
         eps2_(eps2),
-        least2_(surelyOn * std::fabs(surelyOn) * eps2),
+        least2_(surelyOn * surelyOn * eps2),
         clear_(kClearFactor * eps2 * edge_.Length2()) {}
 
   // Whether some edge met so far came so close to what the tolerance says that other cases, looking at the same place, may see it
   // otherwise.
   bool isDoubtful() const { return isDoubtful_; }
+  // Whether some edge met so far came that close, or closer.
+  bool hasContact() const { return hasContact_; }
 
   // At most one contact of the edge q0->q1 of B, which has two different ends.
   bool Meet(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) {
@@ -64,8 +66,8 @@ class Corner {
   Outcome MeetInTheOpen(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
   bool MeetClosely(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   void Doubt(const ZBR_PT& q0, const ZBR_PT& q1);
-  bool IsNearVertex(const ZBR_PT& p, const ZBR_PT& q) const;
-  bool IsBesideEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) const;
+  void DoubtVertex(const ZBR_PT& p, const ZBR_PT& q);
+  void DoubtEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b);
   bool MeetAtCorner(double t, const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact);
   bool MeetOnEdge(const ZBR_PT& q0, const ZBR_PT& q1, int lineQ0, int lineQ1, Contact& contact) const;
   bool Cross(const ZBR_PT& q0, const ZBR_PT& q1, Contact& contact) const;
@@ -76,11 +78,12 @@ class Corner {
   ZBR_PT next_;
   ZBR_PT edge_;
   double eps2_;
-  double least2_;  // squared distance up to which contacts are certain; negative when none is
+  double least2_;  // squared distance up to which contacts are certain
   double clear_;
   ZBR_3PT_INFO info_;  // made on first need
   bool isPrepared_ = false;
   bool isDoubtful_ = false;
+  bool hasContact_ = false;
 };
 
 // The proper crossing of E with q0->q1, if the parameters say so.

@@ -56,12 +56,6 @@ CornerTable CornersOf(const IndexedRing& ring, double eps2) {
   return table;
 }
 
-// The polygons of a record, numbered through their lists.
-struct PolygonPair {
-  std::uint32_t a;
-  std::uint32_t b;
-};
-
 // A record on its way to its place: its number as found, and what it is sorted by.
 struct SortedRecord {
   std::uint32_t b;
@@ -87,7 +81,13 @@ class CrossingSearch {
 
   const EdgeIndex& indexA() const { return indexA_; }
   const EdgeIndex& indexB() const { return indexB_; }
-  const std::vector<DoubtedPair>& doubts() const { return doubts_; }
+  void Report(SearchReport& report) {
+    report.doubts = std::move(doubts_);
+    report.contacts = std::move(contacts_);
+    report.isCoarse = surelyOn_ == 0.0;
+    report.simplicity[0] = SimplicityOf(indexA_, kBoxMargin);
+    report.simplicity[1] = SimplicityOf(indexB_, 0.0);
+  }
 
  private:
   bool IndexBoth() {
@@ -99,7 +99,7 @@ class CrossingSearch {
     if (!ringsA.empty()) indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
     if (!ringsB.empty()) indexB_.Build(std::move(ringsB), 0.0, eps2_);
     if (isOneEmpty) return false;
-    if (RoundingOf(Bounds()) > kSurelyOn * t_tolerance.eps) surelyOn_ = -1.0;
+    if (RoundingOf(Bounds()) > kSurelyOn * t_tolerance.eps) surelyOn_ = 0.0;
     for (std::uint32_t r = 0; r < indexA_.rings().size(); ++r) {
       const IndexedRing& ring = indexA_.rings()[r];
       if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
@@ -178,7 +178,8 @@ class CrossingSearch {
         if ((beyondFrom & beyond) != 0) continue;  // the edge's box lies wholly beyond one side
         if (other.hasRepeats && SamePoint(q0, q1, eps2_)) continue;
         const bool meets = corner.Meet(q0, q1, contact);
-        if (corner.isDoubtful()) NoteDoubt({ring.id, other.id});
+        if (corner.isDoubtful()) Note({ring.id, other.id}, doubts_);
+        if (corner.hasContact()) Note({ring.id, other.id}, contacts_);
         if (!meets || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) continue;
         Record(contact, {ring.id, other.id}, cur, PositionOnB(other, from, contact.tB));
       }
@@ -200,8 +201,8 @@ class CrossingSearch {
     return v;
   }
 
-  void NoteDoubt(PolygonPair pair) {
-    if (doubts_.empty() || doubts_.back().a != pair.a || doubts_.back().b != pair.b) doubts_.push_back({pair.a, pair.b});
+  static void Note(PolygonPair pair, std::vector<PolygonPair>& pairs) {
+    if (pairs.empty() || pairs.back().a != pair.a || pairs.back().b != pair.b) pairs.push_back(pair);
   }
 
   void Record(const Contact& contact, PolygonPair polygons, std::uint32_t cur, double posB) {
@@ -287,12 +288,13 @@ class CrossingSearch {
   const std::vector<Polygon>& b_;
   bool closedB_;
   double eps2_;
-  double surelyOn_ = kSurelyOn;  // negative where coordinates are so large that no contact is certain
+  double surelyOn_ = kSurelyOn;  // 0 where coordinates are so large that only equal ones are certain
   std::vector<ZBR_CROSS>& out_;
   EdgeIndex indexA_;
   EdgeIndex indexB_;
   std::unordered_map<std::uint32_t, CornerTable> corners_;
-  std::vector<DoubtedPair> doubts_;
+  std::vector<PolygonPair> doubts_;
+  std::vector<PolygonPair> contacts_;
   std::vector<PolygonPair> polygons_;  // of the records appended, kept only when they may need sorting
   std::vector<SortedRecord> sorted_;   // scratch of StableSort, as the next
   std::vector<SortedRecord> scratch_;
@@ -314,10 +316,7 @@ void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& 
   search.Run();
   Note(search.indexA(), a.size(), seenA);
   Note(search.indexB(), b.size(), seenB);
-  if (report == nullptr) return;
-  report->doubts = search.doubts();
-  report->simplicity[0] = SimplicityOf(search.indexA(), kBoxMargin);
-  report->simplicity[1] = SimplicityOf(search.indexB(), 0.0);
+  if (report != nullptr) search.Report(*report);
 }
 
 }  // namespace zbr

@@ -19,14 +19,17 @@ struct SearchedPolygon {
   bool hasRepeats = false;  // some edge is no longer than the tolerance
 };
 
-// Polygons that meet in a way that the search can't be certain of, numbered through their lists.
-struct DoubtedPair {
+// Polygons of A and B, numbered through their lists.
+struct PolygonPair {
   std::uint32_t a;
   std::uint32_t b;
 };
 
+// How far the crossings can be relied on.
 struct SearchReport {
-  std::vector<DoubtedPair> doubts;
+  std::vector<PolygonPair> doubts;    // meet in a way that the search can't be certain of
+  std::vector<PolygonPair> contacts;  // come near each other at vertices or along edges
+  bool isCoarse = false;              // coordinates are so large that a computed point may lie off its edge
   Simplicity simplicity[2] = {Simplicity::kSimple, Simplicity::kSimple};  // of A and B
 };
 

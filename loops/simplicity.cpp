@@ -3,12 +3,16 @@
 // animations", 1994). The hierarchy over the edges of a ring is a hierarchy of chains: a mask of the directions in each node, one
 // bit for an eighth of a turn, tells for most of them that nothing needs to be looked at. What is left is searched like the edges
 // of two different rings, down to pairs of edges.
+// Where a vertex lies on another part of the rings, the two edges there tell whether these pass through the corner at the vertex:
+// one on its left and one on its right.
 #include "loops/simplicity.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 #include "core/constants.h"
@@ -43,20 +47,23 @@ class SelfSearch {
   SelfSearch(const EdgeIndex& index, double margin)
       : index_(index),
         eps2_(t_tolerance.eps2),
+        on_(kSurelyOn * t_tolerance.eps),
         near_(kSurelyOff * t_tolerance.eps),
         room_(2.0 * (near_ - margin)),
         leaves_(index.tree().Count(0)) {}
 
-  bool FindsContact() {
-    if (leaves_ == 0) return false;
+  Simplicity Run() {
+    if (leaves_ == 0) return Simplicity::kSimple;
     FillMasks();
-    return IsMetInside(index_.tree().TopLevel(), 0);
+    if (IsUnclearInside(index_.tree().TopLevel(), 0)) return Simplicity::kUnclear;
+    return touches_ ? Simplicity::kTouching : Simplicity::kSimple;
   }
 
  private:
   struct Edge {
     ZBR_PT from;
     ZBR_PT to;
+    const IndexedRing* ring;
     std::uint32_t slot;
   };
   using LeafEdges = std::array<Edge, EdgeIndex::kLeafEdges>;
@@ -69,21 +76,28 @@ class SelfSearch {
   }
   unsigned Mask(int level, std::uint32_t node) const { return masks_[static_cast<std::size_t>(level)][node]; }
 
-  bool IsMetInside(int level, std::uint32_t node);
-  bool Meet(int level, std::uint32_t a, std::uint32_t b);
-  bool LeavesMeet(std::uint32_t a, std::uint32_t b);
+  // These answer whether something is unclear, and note touches.
+  bool IsUnclearInside(int level, std::uint32_t node);
+  bool IsUnclear(int level, std::uint32_t a, std::uint32_t b);
+  bool AreLeavesUnclear(std::uint32_t a, std::uint32_t b);
+  bool IsPairUnclear(const Edge& a, const Edge& b);
+  bool IsEndUnclear(const Edge& e, bool atEnd, const Edge& other);
+
   std::uint32_t Read(std::uint32_t leaf, LeafEdges& edges) const;
-  bool AreNeighbours(const IndexedRing& ring, std::uint32_t slot, std::uint32_t next) const;
-  bool EdgesMeet(const Edge& a, const Edge& b) const;
+  bool AreNeighbours(const Edge& a, const Edge& b) const;
   bool FoldsBack(const Edge& a, const Edge& b) const;
   bool IsNearEdge(const ZBR_PT& p, const Edge& e) const;
+  ZBR_PT Neighbour(const IndexedRing& ring, std::uint32_t vertex, bool forward) const;
+  bool PassThrough(const ZBR_PT& prev, const ZBR_PT& at, const ZBR_PT& next, const ZBR_PT& arm1, const ZBR_PT& arm2) const;
 
   const EdgeIndex& index_;
   double eps2_;
+  double on_;
   double near_;
   double room_;  // by which a box is widened so that it meets what is near; the index's own margin is taken off
   std::uint32_t leaves_;
   std::vector<std::vector<std::uint8_t>> masks_;  // by level and node
+  bool touches_ = false;
 };
 
 void SelfSearch::FillMasks() {
@@ -100,31 +114,31 @@ void SelfSearch::FillMasks() {
   }
 }
 
-bool SelfSearch::IsMetInside(int level, std::uint32_t node) {
+bool SelfSearch::IsUnclearInside(int level, std::uint32_t node) {
   if (kFitsHalfPlane[Mask(level, node)] && IsChain(FirstLeaf(level, node), LastLeaf(level, node))) return false;
-  if (level == 0) return LeavesMeet(node, node);
+  if (level == 0) return AreLeavesUnclear(node, node);
   const std::uint32_t first = node * BoxTree::kFanOut;
   const std::uint32_t last = std::min(first + BoxTree::kFanOut, index_.tree().Count(level - 1));
   for (std::uint32_t i = first; i < last; ++i) {
-    if (IsMetInside(level - 1, i)) return true;
+    if (IsUnclearInside(level - 1, i)) return true;
     for (std::uint32_t j = i + 1; j < last; ++j) {
-      if (Meet(level - 1, i, j)) return true;
+      if (IsUnclear(level - 1, i, j)) return true;
     }
   }
   return false;
 }
 
 // Of two nodes, a before b.
-bool SelfSearch::Meet(int level, std::uint32_t a, std::uint32_t b) {
+bool SelfSearch::IsUnclear(int level, std::uint32_t a, std::uint32_t b) {
   const Box* boxes = index_.tree().Level(level);
   if (!Overlap(boxes[a].Widened(room_), boxes[b])) return false;
   if (b == a + 1 && kFitsHalfPlane[Mask(level, a) | Mask(level, b)] && IsChain(FirstLeaf(level, a), LastLeaf(level, b)))
     return false;
-  if (level == 0) return LeavesMeet(a, b);
+  if (level == 0) return AreLeavesUnclear(a, b);
   const std::uint32_t count = index_.tree().Count(level - 1);
   for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
     for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) {
-      if (Meet(level - 1, i, j)) return true;
+      if (IsUnclear(level - 1, i, j)) return true;
     }
   }
   return false;
@@ -133,33 +147,32 @@ bool SelfSearch::Meet(int level, std::uint32_t a, std::uint32_t b) {
 // The edges of a leaf, without those that are no longer than the tolerance.
 std::uint32_t SelfSearch::Read(std::uint32_t leaf, LeafEdges& edges) const {
   std::uint32_t slot = index_.leaf(leaf).first;
+  const IndexedRing* ring = &index_.rings()[index_.leaf(leaf).ring];
   std::uint32_t count = 0;
   index_.VisitEdges(leaf, [&](const ZBR_PT& p, const ZBR_PT& q) {
-    if (p.Distance2(q) > eps2_) edges[count++] = {p, q, slot};
+    if (p.Distance2(q) > eps2_) edges[count++] = {p, q, ring, slot};
     ++slot;
   });
   return count;
 }
 
-bool SelfSearch::LeavesMeet(std::uint32_t a, std::uint32_t b) {
+bool SelfSearch::AreLeavesUnclear(std::uint32_t a, std::uint32_t b) {
   LeafEdges edgesA;
   LeafEdges edgesB;
   const std::uint32_t countA = Read(a, edgesA);
   const std::uint32_t countB = a == b ? countA : Read(b, edgesB);
   const LeafEdges& others = a == b ? edgesA : edgesB;
-  const bool oneRing = IsChain(a, b);
-  const IndexedRing& ring = index_.rings()[index_.leaf(a).ring];
   for (std::uint32_t i = 0; i < countA; ++i) {
     const Box box = BoxOfSegment(edgesA[i].from, edgesA[i].to).Widened(near_);
     for (std::uint32_t j = a == b ? i + 1 : 0; j < countB; ++j) {
       const Edge& e = edgesA[i];
       const Edge& f = others[j];
       if (!Overlap(box, BoxOfSegment(f.from, f.to))) continue;
-      const bool follows = oneRing && AreNeighbours(ring, e.slot, f.slot);
-      const bool precedes = oneRing && AreNeighbours(ring, f.slot, e.slot);
+      const bool follows = AreNeighbours(e, f);
+      const bool precedes = AreNeighbours(f, e);
       if (follows || precedes) {
         if ((follows && FoldsBack(e, f)) || (precedes && FoldsBack(f, e))) return true;
-      } else if (EdgesMeet(e, f)) {
+      } else if (IsPairUnclear(e, f)) {
         return true;
       }
     }
@@ -167,16 +180,28 @@ bool SelfSearch::LeavesMeet(std::uint32_t a, std::uint32_t b) {
   return false;
 }
 
-// Whether nothing but edges without length lies between the two slots.
-bool SelfSearch::AreNeighbours(const IndexedRing& ring, std::uint32_t slot, std::uint32_t next) const {
+// Whether nothing but edges without length lies between a and b.
+bool SelfSearch::AreNeighbours(const Edge& a, const Edge& b) const {
+  if (a.ring != b.ring) return false;
+  const IndexedRing& ring = *a.ring;
+  std::uint32_t slot = a.slot;
   for (std::uint32_t tries = 0; tries < ring.slots; ++tries) {
     slot = slot + 1 == ring.slots ? 0 : slot + 1;
-    if (slot == next) return true;
+    if (slot == b.slot) return true;
     if (!ring.hasRepeats) return false;
     const std::uint32_t v = ring.Vertex(slot);
     if (ring.points[v].Distance2(ring.points[ring.Next(v)]) > eps2_) return false;
   }
   return false;
+}
+
+// The next vertex that is not at the same place.
+ZBR_PT SelfSearch::Neighbour(const IndexedRing& ring, std::uint32_t vertex, bool forward) const {
+  std::uint32_t v = vertex;
+  do {
+    v = forward ? ring.Next(v) : (v == 0 ? ring.n : v) - 1;
+  } while (v != vertex && ring.points[v].Distance2(ring.points[vertex]) <= eps2_);
+  return ring.points[v];
 }
 
 bool SelfSearch::IsNearEdge(const ZBR_PT& p, const Edge& e) const {
@@ -186,7 +211,7 @@ bool SelfSearch::IsNearEdge(const ZBR_PT& p, const Edge& e) const {
   return p.Distance2(e.from + d * along) <= near_ * near_;
 }
 
-bool SelfSearch::EdgesMeet(const Edge& a, const Edge& b) const {
+bool SelfSearch::IsPairUnclear(const Edge& a, const Edge& b) {
   const auto sides = [](const Edge& e, const Edge& f) {
     const ZBR_PT d = e.to - e.from;
     return std::pair(Cross(d, f.from - e.from), Cross(d, f.to - e.from));
@@ -194,14 +219,59 @@ bool SelfSearch::EdgesMeet(const Edge& a, const Edge& b) const {
   const auto areApart = [](const std::pair<double, double>& s, double least) {
     return (s.first > least && s.second > least) || (s.first < -least && s.second < -least);
   };
-  const double largest = near_ * std::max((a.to - a.from).Length(), (b.to - b.from).Length());
+  const double least = near_ * std::max((a.to - a.from).Length(), (b.to - b.from).Length());
   const auto ofA = sides(a, b);
-  if (areApart(ofA, largest)) return false;
+  if (areApart(ofA, least)) return false;
   const auto ofB = sides(b, a);
-  if (areApart(ofB, largest)) return false;
-  const auto differ = [](const std::pair<double, double>& s) { return (s.first > 0.0) != (s.second > 0.0); };
-  if (differ(ofA) && differ(ofB)) return true;
-  return IsNearEdge(b.from, a) || IsNearEdge(b.to, a) || IsNearEdge(a.from, b) || IsNearEdge(a.to, b);
+  if (areApart(ofB, least)) return false;
+  const bool nearEnds[] = {IsNearEdge(a.from, b), IsNearEdge(a.to, b), IsNearEdge(b.from, a), IsNearEdge(b.to, a)};
+  if (std::none_of(std::begin(nearEnds), std::end(nearEnds), [](bool isNear) { return isNear; })) {
+    const auto differ = [](const std::pair<double, double>& s) { return (s.first > 0.0) != (s.second > 0.0); };
+    return differ(ofA) && differ(ofB);
+  }
+  touches_ = true;
+  return (nearEnds[0] && IsEndUnclear(a, false, b)) || (nearEnds[1] && IsEndUnclear(a, true, b)) ||
+         (nearEnds[2] && IsEndUnclear(b, false, a)) || (nearEnds[3] && IsEndUnclear(b, true, a));
+}
+
+// Of an end of e that comes near the other edge.
+bool SelfSearch::IsEndUnclear(const Edge& e, bool atEnd, const Edge& other) {
+  const std::uint32_t vertex = atEnd ? e.ring->Next(e.ring->Vertex(e.slot)) : e.ring->Vertex(e.slot);
+  const ZBR_PT& at = e.ring->points[vertex];
+  ZBR_PT arms[] = {other.from, other.to};
+  for (const bool end : {false, true}) {
+    const ZBR_PT& q = end ? other.to : other.from;
+    if (at.Distance2(q) > kSurelyApart * kSurelyApart * eps2_) continue;
+    if (at.Distance2(q) > on_ * on_) return true;
+    const std::uint32_t from = other.ring->Vertex(other.slot);
+    const std::uint32_t corner = end ? other.ring->Next(from) : from;
+    arms[0] = Neighbour(*other.ring, corner, false);
+    arms[1] = Neighbour(*other.ring, corner, true);
+  }
+  const ZBR_PT d = other.to - other.from;
+  const double side = Cross(d, at - other.from);
+  if (side * side > on_ * on_ * d.Length2()) return true;
+  return PassThrough(Neighbour(*e.ring, vertex, false), at, Neighbour(*e.ring, vertex, true), arms[0], arms[1]);
+}
+
+// Whether the two arms leave the corner on different sides, or run along it.
+bool SelfSearch::PassThrough(const ZBR_PT& prev, const ZBR_PT& at, const ZBR_PT& next, const ZBR_PT& arm1,
+                             const ZBR_PT& arm2) const {
+  const ZBR_PT back = prev - at;
+  const ZBR_PT ahead = next - at;
+  const auto runsAlong = [this](const ZBR_PT& u, const ZBR_PT& v) {
+    const double shorter = std::min(u.Length(), v.Length());
+    return u.InnerProduct(v) > 0.0 && std::fabs(Cross(u, v)) * shorter <= near_ * u.Length() * v.Length();
+  };
+  const auto isLeft = [&](const ZBR_PT& u) {
+    const bool leftOfAhead = Cross(ahead, u) > 0.0;
+    const bool leftOfBack = Cross(u, back) > 0.0;
+    return Cross(ahead, back) > 0.0 ? leftOfAhead && leftOfBack : leftOfAhead || leftOfBack;
+  };
+  const ZBR_PT u = arm1 - at;
+  const ZBR_PT v = arm2 - at;
+  if (runsAlong(u, back) || runsAlong(u, ahead) || runsAlong(v, back) || runsAlong(v, ahead)) return true;
+  return isLeft(u) != isLeft(v);
 }
 
 // Of two edges that follow each other.
@@ -212,7 +282,7 @@ bool SelfSearch::FoldsBack(const Edge& a, const Edge& b) const {
 }  // namespace
 
 Simplicity SimplicityOf(const EdgeIndex& index, double margin) {
-  return SelfSearch(index, margin).FindsContact() ? Simplicity::kUnclear : Simplicity::kSimple;
+  return SelfSearch(index, margin).Run();
 }
 
 }  // namespace zbr

@@ -6,12 +6,13 @@
 namespace zbr {
 
 enum class Simplicity {
-  kSimple,  // no two edges come near each other but neighbours on a ring, and these do not fold back
-  kUnclear  // some do: rings touch, cross or overlap each other or themselves, or may do so within the tolerance
+  kSimple,    // no two edges come near each other but neighbours on a ring, and these do not fold back
+  kTouching,  // some vertices lie on other vertices or edges; there the rings touch, they do not pass through each other
+  kUnclear    // some edges cross or overlap, or may do so within the tolerance
 };
 
 // Of all rings in the index, which was built with the given margin around its leaves. Near is what lies within a few of the
-// thread's tolerances. Stops at the first contact. n log n; mostly a look at the directions of the edges.
+// thread's tolerances. n log n; mostly a look at the directions of the edges.
 Simplicity SimplicityOf(const EdgeIndex& index, double margin);
 
 }  // namespace zbr

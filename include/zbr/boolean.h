@@ -137,8 +137,18 @@ enum ZBR_BOOLEAN_OPE : std::int32_t {
 // The calling thread's tolerance is 1e-9 for the duration of the call and is put back on every way out.
 // Cost: n log n in points, crossings and loops; a further operation repeats only tracing and nesting.
 ZBR_API void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
-                             ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
+                             const ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
                              std::vector<ZBR_CROSS>& crosses);
+
+// How a combination was found.
+struct ZBR_BOOLEAN_STATUS {
+  bool exact = false;  // some result came from the exact arrangement, as the crossings did not settle it
+};
+
+// The same, telling how.
+ZBR_API void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
+                             const ZBR_BOOLEAN_OPE* ops, std::vector<std::shared_ptr<ZBR_LOOP>>* results, int count,
+                             std::vector<ZBR_CROSS>& crosses, ZBR_BOOLEAN_STATUS& status);
 
 // One combination.
 ZBR_API void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,

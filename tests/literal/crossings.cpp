@@ -57,8 +57,9 @@ bool FindContact(const Corner& corner, const ZBR_PT& q0, const ZBR_PT& q1, const
   if (cur == q1) return !doublesBack && posQ0 != 0 && meet(cur, 0.0, 1.0, posQ0 != 1);
   if (cur.CheckPos(q0, q1) == 0) {
     const double t = cur.LinFrom(q0, q1);
-    if (doublesBack || !(0.0 <= t && t <= 1.0) || posQ0 == posQ1) return false;
-    return meet(cur, 0.0, t, posQ0 == 0 ? posQ1 == 1 : posQ0 == -1);
+    if (0.0 <= t && t <= 1.0) {
+      return !doublesBack && posQ0 != posQ1 && meet(cur, 0.0, t, posQ0 == 0 ? posQ1 == 1 : posQ0 == -1);
+    }
   }
   if (next == q0 || next == q1) return false;
   if (lineQ0 == 0 || lineQ1 == 0) {

@@ -49,7 +49,7 @@ void ExpectOnce(const std::vector<Ring>& a, const std::vector<Ring>& b, const Ex
 BooleanResults RunAll(const LoopList& A, const LoopList& B) {
   BooleanResults results;
   std::array<ZBR_BOOLEAN_OPE, 5> ops = kOps;
-  zbrBooleanLoops(A, B, ops.data(), results.loops.data(), 5, results.crosses);
+  zbrBooleanLoops(A, B, ops.data(), results.loops.data(), 5, results.crosses, results.status);
   return results;
 }
 

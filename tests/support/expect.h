@@ -12,6 +12,7 @@
 struct BooleanResults {
   std::array<LoopList, 5> loops;  // in the order of kOps
   std::vector<ZBR_CROSS> crosses;
+  ZBR_BOOLEAN_STATUS status;
 };
 
 // All five operations with one call.
