@@ -256,6 +256,26 @@ Pair Printed(Random& random) {
   return pair;
 }
 
+// Few places, with many vertices about each: boundaries run to and fro between them, side by side.
+Pair Clustered(Random& random) {
+  Ring places;
+  for (int n = 3 + Below(random, 4); n > 0; --n) places.push_back(Spot(random));
+  const double spread = Small(random, 6.0, 12.0);
+  const auto ring = [&] {
+    Ring points;
+    for (int n = 3 + Below(random, 8); n > 0; --n) points.push_back(AnyOf(places, random));
+    return Shaken({points}, spread, random)[0];
+  };
+  return MakePair({ring(), ring()}, {ring()});
+}
+
+// In other units, from a billionth to a billion of the usual size.
+Pair Resized(Random& random) {
+  const Pair pair = Coincident(random);
+  const double scale = std::pow(10.0, Between(random, -9.0, 9.0));
+  return MakePair(Moved(pair.a.rings, scale, {}), Moved(pair.b.rings, scale, {}));
+}
+
 // A coast, and the same turned a little or in part moved.
 Pair Large(Random& random) {
   Ring coast = Circle({}, 50.0, 500 + Below(random, 2500), 0.0);
@@ -366,6 +386,8 @@ std::vector<InputClass> InputClasses(const std::string& cases) {
   add("tangent", TangentCircles);
   add("far", FarAway);
   add("printed", Printed);
+  add("clustered", Clustered);
+  add("resized", Resized);
   add("large", Large);
   classes.back().cost = 50;
   const std::array<const char*, 4> fills = {"even-odd", "non-zero", "positive", "negative"};
