@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace zbr {
 namespace {
@@ -51,7 +52,7 @@ VertexSet::VertexSet(const Box& box, const Resolution& resolution, std::size_t e
   inverseCell_ = 1.0 / (kCellWidth * merge_);
   nodes_.reserve(expected);
   points_.reserve(expected);
-  next_.reserve(expected);
+  entries_.reserve(expected);
 }
 
 std::size_t VertexSet::Bucket(double cellX, double cellY) const {
@@ -63,22 +64,24 @@ std::size_t VertexSet::Bucket(double cellX, double cellY) const {
 }
 
 std::uint32_t VertexSet::Add(GridPoint node, const ZBR_PT& p) {
-  if (nodes_.size() >= first_.size()) Grow();
-  const std::uint32_t vertex = size();
-  std::uint32_t& first = first_[Bucket(CellOf(node.x), CellOf(node.y))];
   nodes_.push_back(node);
   points_.push_back(p);
-  next_.push_back(first);
-  first = vertex;
-  return vertex;
+  File(node, size() - 1);
+  return size() - 1;
+}
+
+void VertexSet::File(GridPoint node, std::uint32_t vertex) {
+  if (entries_.size() >= first_.size()) Grow();
+  std::uint32_t& first = first_[Bucket(CellOf(node.x), CellOf(node.y))];
+  entries_.push_back({node, vertex, first});
+  first = static_cast<std::uint32_t>(entries_.size()) - 1;
 }
 
 void VertexSet::Grow() {
   first_.assign(2 * first_.size(), kNone);
-  for (std::uint32_t v = 0; v < size(); ++v) {
-    std::uint32_t& first = first_[Bucket(CellOf(nodes_[v].x), CellOf(nodes_[v].y))];
-    next_[v] = first;
-    first = v;
+  for (std::uint32_t i = 0; i < entries_.size(); ++i) {
+    std::uint32_t& first = first_[Bucket(CellOf(entries_[i].node.x), CellOf(entries_[i].node.y))];
+    entries_[i].next = std::exchange(first, i);
   }
 }
 
@@ -92,22 +95,25 @@ std::uint32_t VertexSet::At(const ZBR_PT& p) {
   double bestDistance2 = merge2_;
   for (int i = 0; i < (x[0] == x[1] ? 1 : 2); ++i) {
     for (int j = 0; j < (y[0] == y[1] ? 1 : 2); ++j) {
-      for (std::uint32_t v = first_[Bucket(x[i], y[j])]; v != kNone; v = next_[v]) {
-        if (nodes_[v] == node) return v;
-        const double distance2 = ToGrid(points_[v]).Distance2(g);
-        if (distance2 < bestDistance2 || (distance2 == bestDistance2 && v < best)) {
-          best = v;
+      for (std::uint32_t e = first_[Bucket(x[i], y[j])]; e != kNone; e = entries_[e].next) {
+        const Entry& entry = entries_[e];
+        if (entry.node == node) return entry.vertex;
+        const double distance2 = ToGrid(points_[entry.vertex]).Distance2(g);
+        if (distance2 < bestDistance2 || (distance2 == bestDistance2 && entry.vertex < best)) {
+          best = entry.vertex;
           bestDistance2 = distance2;
         }
       }
     }
   }
-  return best != kNone ? best : Add(node, p);
+  if (best == kNone) return Add(node, p);
+  File(node, best);
+  return best;
 }
 
 std::uint32_t VertexSet::OnNode(GridPoint node, const ZBR_PT& p) {
-  for (std::uint32_t v = first_[Bucket(CellOf(node.x), CellOf(node.y))]; v != kNone; v = next_[v]) {
-    if (nodes_[v] == node) return v;
+  for (std::uint32_t e = first_[Bucket(CellOf(node.x), CellOf(node.y))]; e != kNone; e = entries_[e].next) {
+    if (nodes_[entries_[e].vertex] == node) return entries_[e].vertex;
   }
   return Add(node, p);
 }

@@ -28,9 +28,10 @@ class VertexSet {
  public:
   VertexSet(const Box& box, const Resolution& resolution, std::size_t expected);
 
-  // The vertex of p: one on p's node or within the merging distance, the nearest first, made when there is none.
+  // The vertex of p: one on p's node or within the merging distance, the nearest first, made when there is none. The points of one
+  // node get the same vertex whenever they are asked for, so that the edges at a point meet.
   std::uint32_t At(const ZBR_PT& p);
-  // The vertex exactly on the given node; made to stand for p when there is none.
+  // The vertex exactly on the given node; made to stand for p when there is none. Not to be followed by At.
   std::uint32_t OnNode(GridPoint node, const ZBR_PT& p);
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(nodes_.size()); }
@@ -51,6 +52,7 @@ class VertexSet {
   std::size_t Bucket(double cellX, double cellY) const;
   double CellOf(double c) const { return std::floor(c * inverseCell_); }
   std::uint32_t Add(GridPoint node, const ZBR_PT& p);
+  void File(GridPoint node, std::uint32_t vertex);
   void Grow();
 
   ZBR_PT centre_;
@@ -60,7 +62,13 @@ class VertexSet {
   double inverseCell_;  // cells are a few merging distances wide, so that a look-up reads one to four
   std::vector<GridPoint> nodes_;
   std::vector<ZBR_PT> points_;
-  std::vector<std::uint32_t> next_;   // in the same bucket
+  // A node that was asked for, and its vertex, which lies there or near.
+  struct Entry {
+    GridPoint node;
+    std::uint32_t vertex;
+    std::uint32_t next;  // in the same bucket
+  };
+  std::vector<Entry> entries_;
   std::vector<std::uint32_t> first_;  // by bucket
 };
 

@@ -52,7 +52,8 @@ class BooleanWork {
     Family& b = families_[1];
     SearchReport report;
     SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, &report);
-    const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_);
+    const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_,
+                                        {report.simplicity[0] != Simplicity::kSimple, report.simplicity[1] != Simplicity::kSimple});
     isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] != Simplicity::kUnclear &&
                  report.simplicity[1] != Simplicity::kUnclear;
     for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);

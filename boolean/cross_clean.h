@@ -15,10 +15,16 @@ struct SortedCrossings {
   std::vector<PlacedCrossing> side[2];
 };
 
+// Which families hold rings that touch each other or themselves.
+struct Touching {
+  bool a = false;
+  bool b = false;
+};
+
 // See zbrOptimizeCross. Returns whether what is left is certain: no ring was crossed one way only, crossings that count as one
 // place lie in one place but for rounding, those that do not lie apart, and along every ring B's boundary goes to the left and to
 // the right in turn but for stretches that the two rings share.
 bool CleanCrossings(const std::vector<std::shared_ptr<ZBR_LOOP>>& a, const std::vector<std::shared_ptr<ZBR_LOOP>>& b,
-                    std::vector<ZBR_CROSS>& crosses, bool bothClosed, SortedCrossings& sorted);
+                    std::vector<ZBR_CROSS>& crosses, bool bothClosed, SortedCrossings& sorted, Touching touching);
 
 }  // namespace zbr

@@ -23,8 +23,8 @@ namespace {
 
 class Cleaner {
  public:
-  Cleaner(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, SortedCrossings& sorted)
-      : families_{&a, &b}, crosses_(crosses), side_(sorted.side) {}
+  Cleaner(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, SortedCrossings& sorted, Touching touching)
+      : families_{&a, &b}, touches_{touching.a, touching.b}, crosses_(crosses), side_(sorted.side) {}
 
   void Sort() {
     SortAlongSide(crosses_, 0, side_[0]);
@@ -62,6 +62,7 @@ class Cleaner {
   bool RunSideBySide(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) const;
 
   const LoopList* families_[2];
+  bool touches_[2];
   std::vector<ZBR_CROSS>& crosses_;
   std::vector<PlacedCrossing>* side_;
   bool isCertain_ = true;
@@ -132,7 +133,7 @@ bool Cleaner::OrderTies(int side) {
     if (last - first > 1) {
       spot_.clear();
       for (std::size_t k = first; k < last; ++k) spot_.push_back(list[k].index);
-      found |= OrderSpot(crosses_, spot_, side, *families_[side], *families_[1 - side]);
+      found |= OrderSpot(crosses_, spot_, side, *families_[side], *families_[1 - side], touches_[1 - side]);
     }
     first = last;
   }
@@ -232,9 +233,9 @@ void Cleaner::LookAtTurns() {
 
 }  // namespace
 
-bool CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed,
-                    SortedCrossings& sorted) {
-  Cleaner cleaner(a, b, crosses, sorted);
+bool CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, bool bothClosed, SortedCrossings& sorted,
+                    Touching touching) {
+  Cleaner cleaner(a, b, crosses, sorted, touching);
   if (bothClosed && crosses.size() < 2) {
     const bool isCertain = crosses.empty();
     cleaner.Clear();
@@ -264,7 +265,7 @@ bool CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>
 void zbrOptimizeCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
                       std::vector<ZBR_CROSS>& crosses, std::vector<int>* sorted, bool bothClosed) {
   zbr::SortedCrossings ordered;
-  zbr::CleanCrossings(A, B, crosses, bothClosed, ordered);
+  zbr::CleanCrossings(A, B, crosses, bothClosed, ordered, {});
   for (int side = 0; side < 2; ++side) {
     sorted[side].clear();
     for (const zbr::PlacedCrossing& p : ordered.side[side]) sorted[side].push_back(p.index);

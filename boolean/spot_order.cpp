@@ -124,7 +124,8 @@ void OrderPair(ZBR_CROSS& c1, ZBR_CROSS& c2, int side, Between between) {
 
 }  // namespace
 
-bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int side, const LoopList& own, const LoopList& other) {
+bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int side, const LoopList& own, const LoopList& other,
+               bool otherTouches) {
   bool isTie = false;
   Between between = Between::kNothing;  // of the last two in `left`
   std::vector<int> left;                // what no neighbour cancels
@@ -147,8 +148,13 @@ bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int s
   } else if (left.size() == 2) {
     ZBR_CROSS& c1 = crosses[static_cast<std::size_t>(left[0])];
     ZBR_CROSS& c2 = crosses[static_cast<std::size_t>(left[1])];
+    // The area that a ring encloses between two passages of one place tells nothing where it touches itself.
+    const bool arePassages = otherTouches && Side(c1, 1 - side).loop.value == Side(c2, 1 - side).loop.value;
     // Two of one direction are left when the one between them went with a neighbour.
-    if (c1.dir != c2.dir) OrderPair(c1, c2, side, spot.size() == 2 ? between : WhatLiesBetween(c1, c2, side, other));
+    if (arePassages) {
+      RankByArms(crosses, left, side, own, other);
+    } else if (c1.dir != c2.dir)
+      OrderPair(c1, c2, side, spot.size() == 2 ? between : WhatLiesBetween(c1, c2, side, other));
   }
   return true;
 }

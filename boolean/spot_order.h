@@ -12,7 +12,9 @@ namespace zbr {
 using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
 // Settles `order` on `side` for crossings that lie at one place of one polygon of that side, given in list order. `own` is the
-// family of that side, `other` the family that crosses it there. May clear `valid` of two that cancel. Whether anything was done.
-bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int side, const LoopList& own, const LoopList& other);
+// family of that side, `other` the family that crosses it there; its rings may touch themselves when told so. May clear `valid` of
+// two that cancel. Whether anything was done.
+bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int side, const LoopList& own, const LoopList& other,
+               bool otherTouches);
 
 }  // namespace zbr
