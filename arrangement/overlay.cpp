@@ -54,6 +54,24 @@ double OverlayTolerance(const Box& box, double wanted) {
   return std::max(wanted, kDigits * size);
 }
 
+void TraceBack(const FlatRegion& before, FlatRegion& region) {
+  std::vector<FlatSource> sources;
+  std::uint32_t first = 0;
+  for (std::size_t i = 0; i < region.points.size(); ++i) {
+    for (std::uint32_t k = first; k < region.sourceEnds[i]; ++k) {
+      const FlatSource& piece = region.sources[k];
+      const std::uint32_t begin = piece.edge == 0 ? 0 : before.sourceEnds[piece.edge - 1];
+      for (std::uint32_t s = begin; s < before.sourceEnds[piece.edge]; ++s) {
+        const FlatSource& whole = before.sources[s];
+        const double length = whole.t1 - whole.t0;
+        sources.push_back({whole.edge, whole.t0 + length * piece.t0, whole.t0 + length * piece.t1});
+      }
+    }
+    first = std::exchange(region.sourceEnds[i], static_cast<std::uint32_t>(sources.size()));
+  }
+  region.sources = std::move(sources);
+}
+
 Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width)
     : tolerance_(tolerance),
       width_(width),
@@ -263,25 +281,6 @@ FlatRegion Overlay::Settled(const FlatRegion& region) const {
   FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, straightened);
   if (withSources) TraceBack(region, settled);
   return settled;
-}
-
-// Replaces sources that are edges of the region before by the sources of these.
-void Overlay::TraceBack(const FlatRegion& before, FlatRegion& region) const {
-  std::vector<FlatSource> sources;
-  std::uint32_t first = 0;
-  for (std::size_t i = 0; i < region.points.size(); ++i) {
-    for (std::uint32_t k = first; k < region.sourceEnds[i]; ++k) {
-      const FlatSource& piece = region.sources[k];
-      const std::uint32_t begin = piece.edge == 0 ? 0 : before.sourceEnds[piece.edge - 1];
-      for (std::uint32_t s = begin; s < before.sourceEnds[piece.edge]; ++s) {
-        const FlatSource& whole = before.sources[s];
-        const double length = whole.t1 - whole.t0;
-        sources.push_back({whole.edge, whole.t0 + length * piece.t0, whole.t0 + length * piece.t1});
-      }
-    }
-    first = std::exchange(region.sourceEnds[i], static_cast<std::uint32_t>(sources.size()));
-  }
-  region.sources = std::move(sources);
 }
 
 }  // namespace zbr

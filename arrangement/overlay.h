@@ -19,6 +19,9 @@ using RingSpan = std::span<const ZBR_PT>;
 // The tolerance for rings within a box when `wanted` is asked for: no finer than a few digits of the coordinates.
 double OverlayTolerance(const Box& box, double wanted);
 
+// Replaces the sources of a region that was made of the edges of another one by the sources of these.
+void TraceBack(const FlatRegion& before, FlatRegion& region);
+
 // The rings of one or two operands, arranged once, combined as often as wanted.
 //
 // Nothing is decided in rounded arithmetic but which points and edges count as meeting, which those do that come within the
@@ -41,7 +44,6 @@ class Overlay {
   void CollectSources(std::size_t edges);
   FlatRegion Assembled(const Inside& inside, bool withSources, bool& straightened) const;
   FlatRegion Settled(const FlatRegion& region) const;
-  void TraceBack(const FlatRegion& before, FlatRegion& region) const;
   std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {
     return std::span(sources_).subspan(sourceBegin_[piece], sourceBegin_[piece + 1] - sourceBegin_[piece]);
   }

@@ -64,8 +64,9 @@ struct SortedRecord {
 
 class CrossingSearch {
  public:
-  CrossingSearch(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& out)
-      : a_(a), b_(b), closedB_(closedB), eps2_(t_tolerance.eps2), out_(out) {}
+  CrossingSearch(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, Certainty wanted,
+                 std::vector<ZBR_CROSS>& out)
+      : a_(a), b_(b), closedB_(closedB), wanted_(wanted), eps2_(t_tolerance.eps2), out_(out) {}
 
   void Run() {
     const std::size_t before = out_.size();
@@ -84,7 +85,7 @@ class CrossingSearch {
   void Report(SearchReport& report) {
     report.doubts = std::move(doubts_);
     report.contacts = std::move(contacts_);
-    report.isCoarse = surelyOn_ == 0.0;
+    report.isCoarse = isCoarse_;
     report.simplicity[0] = SimplicityOf(indexA_, kBoxMargin);
     report.simplicity[1] = SimplicityOf(indexB_, 0.0);
   }
@@ -99,7 +100,9 @@ class CrossingSearch {
     if (!ringsA.empty()) indexA_.Build(std::move(ringsA), kBoxMargin, eps2_);
     if (!ringsB.empty()) indexB_.Build(std::move(ringsB), 0.0, eps2_);
     if (isOneEmpty) return false;
-    if (RoundingOf(Bounds()) > kSurelyOn * t_tolerance.eps) surelyOn_ = 0.0;
+    isCoarse_ = RoundingOf(Bounds()) > kSurelyOn * t_tolerance.eps;
+    if (isCoarse_) surelyOn_ = 0.0;
+    if (wanted_ == Certainty::kGeneralPosition) surelyOn_ = -1.0;
     for (std::uint32_t r = 0; r < indexA_.rings().size(); ++r) {
       const IndexedRing& ring = indexA_.rings()[r];
       if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
@@ -287,8 +290,10 @@ class CrossingSearch {
   const std::vector<Polygon>& a_;
   const std::vector<Polygon>& b_;
   bool closedB_;
+  Certainty wanted_;
   double eps2_;
-  double surelyOn_ = kSurelyOn;  // 0 where coordinates are so large that only equal ones are certain
+  bool isCoarse_ = false;
+  double surelyOn_ = kSurelyOn;  // 0 where coordinates are so large that only equal ones are certain, negative where nothing is
   std::vector<ZBR_CROSS>& out_;
   EdgeIndex indexA_;
   EdgeIndex indexB_;
@@ -311,8 +316,9 @@ void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPoly
 }  // namespace
 
 void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
-                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, SearchReport* report) {
-  CrossingSearch search(a, b, closedB, crosses);
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, Certainty wanted,
+                     SearchReport* report) {
+  CrossingSearch search(a, b, closedB, wanted, crosses);
   search.Run();
   Note(search.indexA(), a.size(), seenA);
   Note(search.indexB(), b.size(), seenB);
@@ -325,7 +331,7 @@ void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_pt
                         int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB) {
   const std::vector<zbr::Polygon> a{{&A, ZBR_CROSS_LOOP(loopA, polyA)}};
   const std::vector<zbr::Polygon> b{{&B, ZBR_CROSS_LOOP(loopB, polyB)}};
-  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, nullptr);
+  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, zbr::Certainty::kOrdinary, nullptr);
 }
 
 void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
@@ -334,10 +340,10 @@ void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<Z
   std::vector<zbr::Polygon> b;
   zbr::AppendPolygons(A, loopA, a);
   zbr::AppendPolygons(B, loopB, b);
-  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr, nullptr);
+  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr, zbr::Certainty::kOrdinary, nullptr);
 }
 
 void zbrGetLoopsCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
                       std::vector<ZBR_CROSS>& crosses) {
-  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr, nullptr);
+  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr, zbr::Certainty::kOrdinary, nullptr);
 }

@@ -13,7 +13,7 @@ alloc: include/zbr core
 loops: include/zbr core
 segments: include/zbr core loops
 arrangement: include/zbr core loops
-boolean: include/zbr core loops arrangement
+boolean: include/zbr core loops segments arrangement
 hiddenline: include/zbr core loops segments boolean
 outline: include/zbr core loops segments arrangement boolean hiddenline
 TABLE

@@ -1,0 +1,153 @@
+// The region record.
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include <zbr/region.h>
+
+#include "boolean/region_input.h"
+#include "core/planar_inline.h"
+
+namespace {
+
+using zbr::RingSpan;
+
+RingSpan RingOf(const ZBR_REGION& region, std::size_t ring) {
+  const auto begin = static_cast<std::size_t>(region.ring_offsets()[ring]);
+  return RingSpan(region.points()).subspan(begin, static_cast<std::size_t>(region.ring_offsets()[ring + 1]) - begin);
+}
+
+bool IsLess(const ZBR_PT& a, const ZBR_PT& b) {
+  return a.x() != b.x() ? a.x() < b.x() : a.y() < b.y();
+}
+
+// The ring's lowest leftmost point.
+std::size_t FirstPointOf(RingSpan ring) {
+  return static_cast<std::size_t>(std::min_element(ring.begin(), ring.end(), IsLess) - ring.begin());
+}
+
+}  // namespace
+
+ZBR_REGION_VIEW ZBR_REGION::view() const {
+  ZBR_REGION_VIEW view;
+  view.xy = reinterpret_cast<const double*>(points_.data());
+  view.point_count = points_.size();
+  view.ring_offsets = ring_offsets_.data();
+  view.ring_count = ring_count();
+  view.polygon_offsets = polygon_offsets_.data();
+  view.polygon_count = polygon_count();
+  return view;
+}
+
+void ZBR_REGION::AddRing(const ZBR_PT* points, std::size_t count, bool startsPolygon) {
+  points_.insert(points_.end(), points, points + count);
+  ring_offsets_.push_back(static_cast<std::int32_t>(points_.size()));
+  if (startsPolygon || polygon_count() == 0) polygon_offsets_.push_back(polygon_offsets_.back());
+  polygon_offsets_.back() = static_cast<std::int32_t>(ring_count());
+  sources_.clear();
+  source_offsets_.clear();
+}
+
+void ZBR_REGION::Clear() {
+  *this = ZBR_REGION();
+}
+
+double ZBR_REGION::area() const {
+  double twice = 0.0;
+  for (std::size_t r = 0; r < ring_count(); ++r) {
+    const RingSpan ring = RingOf(*this, r);
+    for (std::size_t i = 1; i + 1 < ring.size(); ++i) twice += zbr::Cross(ring[i] - ring[0], ring[i + 1] - ring[0]);
+  }
+  return twice / 2.0;
+}
+
+double ZBR_REGION::perimeter() const {
+  double sum = 0.0;
+  for (std::size_t r = 0; r < ring_count(); ++r) {
+    const RingSpan ring = RingOf(*this, r);
+    for (std::size_t i = 0; i < ring.size(); ++i) sum += ring[i].Distance(ring[i + 1 < ring.size() ? i + 1 : 0]);
+  }
+  return sum;
+}
+
+void ZBR_REGION::GetBounds(double& xmin, double& ymin, double& xmax, double& ymax) const {
+  zbr::Box box;
+  for (const ZBR_PT& p : points_) box.Add(p);
+  if (points_.empty()) box = {0.0, 0.0, 0.0, 0.0};
+  xmin = box.xmin;
+  ymin = box.ymin;
+  xmax = box.xmax;
+  ymax = box.ymax;
+}
+
+bool ZBR_REGION::operator==(const ZBR_REGION& o) const {
+  const auto same = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
+  return ring_offsets_ == o.ring_offsets_ && polygon_offsets_ == o.polygon_offsets_ &&
+         std::equal(points_.begin(), points_.end(), o.points_.begin(), o.points_.end(), same);
+}
+
+void ZBR_REGION_ACCESS::Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input,
+                            const ZBR_REGION_OPTIONS& options) {
+  region.Clear();
+  region.points_ = std::move(flat.points);
+  region.ring_offsets_.insert(region.ring_offsets_.end(), flat.ringEnds.begin(), flat.ringEnds.end());
+  region.polygon_offsets_.insert(region.polygon_offsets_.end(), flat.polygonEnds.begin(), flat.polygonEnds.end());
+  if (options.sources) {
+    std::vector<std::uint32_t> firstEdge{0};  // of each ring
+    for (const RingSpan& ring : input.rings()) firstEdge.push_back(firstEdge.back() + static_cast<std::uint32_t>(ring.size()));
+    region.source_offsets_.assign(1, 0);
+    region.source_offsets_.insert(region.source_offsets_.end(), flat.sourceEnds.begin(), flat.sourceEnds.end());
+    for (const zbr::FlatSource& s : flat.sources) {
+      const auto ring =
+          static_cast<std::size_t>(std::upper_bound(firstEdge.begin(), firstEdge.end(), s.edge) - firstEdge.begin()) - 1;
+      const std::size_t operand = input.OperandOf(ring);
+      const std::size_t firstRing = operand == 0 ? 0 : input.end(operand - 1);
+      region.sources_.push_back({static_cast<std::int32_t>(operand), static_cast<std::int32_t>(ring - firstRing),
+                                 static_cast<std::int32_t>(s.edge - firstEdge[ring]), s.t0, s.t1});
+    }
+  }
+  if (options.canonical) Canonicalize(region);
+}
+
+void ZBR_REGION_ACCESS::Canonicalize(ZBR_REGION& region) {
+  struct Item {
+    std::size_t ring;
+    std::size_t first;
+    ZBR_PT at;
+  };
+  std::vector<Item> rings(region.ring_count());
+  for (std::size_t r = 0; r < rings.size(); ++r) {
+    const RingSpan ring = RingOf(region, r);
+    const std::size_t first = FirstPointOf(ring);
+    rings[r] = {r, first, ring[first]};
+  }
+  const auto comesFirst = [](const Item& a, const Item& b) { return IsLess(a.at, b.at); };
+  std::vector<std::size_t> polygons(region.polygon_count());
+  std::iota(polygons.begin(), polygons.end(), std::size_t{0});
+  const auto outer = [&](std::size_t p) { return static_cast<std::size_t>(region.polygon_offsets_[p]); };
+  for (const std::size_t p : polygons) {
+    const auto begin = rings.begin() + static_cast<std::ptrdiff_t>(outer(p));
+    std::stable_sort(begin + 1, rings.begin() + region.polygon_offsets_[p + 1], comesFirst);
+  }
+  std::stable_sort(polygons.begin(), polygons.end(),
+                   [&](std::size_t p, std::size_t q) { return comesFirst(rings[outer(p)], rings[outer(q)]); });
+  ZBR_REGION sorted;
+  if (!region.source_offsets_.empty()) sorted.source_offsets_.push_back(0);
+  for (const std::size_t p : polygons) {
+    for (std::size_t k = outer(p); k < static_cast<std::size_t>(region.polygon_offsets_[p + 1]); ++k) {
+      const auto begin = static_cast<std::size_t>(region.ring_offsets_[rings[k].ring]);
+      const std::size_t n = RingOf(region, rings[k].ring).size();
+      for (std::size_t i = 0; i < n; ++i) {
+        const std::size_t from = begin + (rings[k].first + i) % n;
+        sorted.points_.push_back(region.points_[from]);
+        if (region.source_offsets_.empty()) continue;
+        sorted.sources_.insert(sorted.sources_.end(), region.sources_.begin() + region.source_offsets_[from],
+                               region.sources_.begin() + region.source_offsets_[from + 1]);
+        sorted.source_offsets_.push_back(static_cast<std::int32_t>(sorted.sources_.size()));
+      }
+      sorted.ring_offsets_.push_back(static_cast<std::int32_t>(sorted.points_.size()));
+    }
+    sorted.polygon_offsets_.push_back(static_cast<std::int32_t>(sorted.ring_count()));
+  }
+  region = std::move(sorted);
+}

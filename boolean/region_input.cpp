@@ -1,0 +1,76 @@
+#include "boolean/region_input.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+namespace zbr {
+namespace {
+
+// Beyond, squares of lengths overflow or come near it.
+constexpr double kLargest = 1e150;
+// The tolerance when none is asked for, relative to the larger side: noise of numbers printed with a dozen digits is joined,
+// anything that was drawn is kept.
+constexpr double kRelativeTolerance = 1e-12;
+
+static_assert(sizeof(ZBR_PT) == 2 * sizeof(double) && std::is_standard_layout_v<ZBR_PT>, "pairs of doubles are read as points");
+
+bool Ascends(const std::int32_t* offsets, std::size_t count, std::size_t limit) {
+  if (count == 0) return true;
+  if (offsets == nullptr || offsets[0] < 0) return false;
+  return std::is_sorted(offsets, offsets + count + 1) && static_cast<std::size_t>(offsets[count]) <= limit;
+}
+
+bool IsUsable(const ZBR_PT& p) {
+  return std::fabs(p.x()) <= kLargest && std::fabs(p.y()) <= kLargest;  // false for NaN
+}
+
+}  // namespace
+
+bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
+  status.operand = static_cast<std::int32_t>(ends_.size());
+  points_ += view.point_count;
+  if (points_ > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    status.code = ZBR_REGION_TOO_LARGE;
+    return false;
+  }
+  const bool fits = Ascends(view.ring_offsets, view.ring_count, view.point_count) &&
+                    (view.xy != nullptr || view.point_count == 0) &&
+                    (view.polygon_offsets == nullptr || Ascends(view.polygon_offsets, view.polygon_count, view.ring_count));
+  if (!fits) {
+    status.code = ZBR_REGION_BAD_OFFSETS;
+    return false;
+  }
+  const auto* points = reinterpret_cast<const ZBR_PT*>(view.xy);
+  for (std::size_t r = 0; r < view.ring_count; ++r) {
+    status.ring = static_cast<std::int32_t>(r);
+    const auto first = static_cast<std::size_t>(view.ring_offsets[r]);
+    if (!AddRing({points + first, static_cast<std::size_t>(view.ring_offsets[r + 1]) - first}, status)) return false;
+  }
+  ends_.push_back(rings_.size());
+  status.operand = -1;
+  status.ring = -1;
+  return true;
+}
+
+bool RegionInput::AddRing(RingSpan ring, ZBR_REGION_STATUS& status) {
+  for (const ZBR_PT& p : ring) {
+    if (!IsUsable(p)) {
+      status.code = ZBR_REGION_NOT_FINITE;
+      status.point = static_cast<std::int32_t>(&p - ring.data());
+      return false;
+    }
+    bounds_.Add(p);
+  }
+  rings_.push_back(ring);
+  return true;
+}
+
+double RegionInput::ToleranceFor(const ZBR_REGION_OPTIONS& options) const {
+  if (rings_.empty() || !(bounds_.xmax >= bounds_.xmin)) return 0.0;
+  const double side = std::max(bounds_.xmax - bounds_.xmin, bounds_.ymax - bounds_.ymin);
+  return OverlayTolerance(bounds_, options.tolerance > 0.0 ? options.tolerance : kRelativeTolerance * side);
+}
+
+}  // namespace zbr

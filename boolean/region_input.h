@@ -1,0 +1,96 @@
+// Reading somebody's arrays as rings.
+#pragma once
+
+#include <algorithm>
+#include <span>
+#include <vector>
+
+#include <zbr/region.h>
+
+#include "arrangement/overlay.h"
+#include "core/box.h"
+
+namespace zbr {
+
+// The rings of one or more operands, and what is known of all of them.
+class RegionInput {
+ public:
+  // Appends the rings of an operand. False, with the status telling the place, when the arrays are faulty.
+  bool Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status);
+
+  const std::vector<RingSpan>& rings() const { return rings_; }
+  // The rings of an operand, in the order of Add.
+  std::span<const RingSpan> operand(std::size_t i) const {
+    const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
+    return std::span(rings_).subspan(begin, ends_[i] - begin);
+  }
+  std::size_t operands() const { return ends_.size(); }
+  std::size_t end(std::size_t i) const { return ends_[i]; }
+  std::size_t OperandOf(std::size_t ring) const {
+    return static_cast<std::size_t>(std::upper_bound(ends_.begin(), ends_.end(), ring) - ends_.begin());
+  }
+  const Box& bounds() const { return bounds_; }
+  // The tolerance asked for, or one for the extent.
+  double ToleranceFor(const ZBR_REGION_OPTIONS& options) const;
+
+ private:
+  bool AddRing(RingSpan ring, ZBR_REGION_STATUS& status);
+
+  std::vector<RingSpan> rings_;
+  std::vector<std::size_t> ends_;
+  Box bounds_;
+  std::size_t points_ = 0;
+};
+
+// Whether a winding number is inside.
+inline bool IsFilled(ZBR_FILL_RULE rule, std::int32_t winding) {
+  switch (rule) {
+    case ZBR_FILL_NON_ZERO:
+      return winding != 0;
+    case ZBR_FILL_POSITIVE:
+      return winding > 0;
+    case ZBR_FILL_NEGATIVE:
+      return winding < 0;
+    default:
+      return winding % 2 != 0;
+  }
+}
+
+// Asks the caller whether to go on.
+class RegionProgress {
+ public:
+  RegionProgress(const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status) : options_(options), status_(status) {}
+  bool GoesOn(double share) {
+    if (options_.progress == nullptr || options_.progress(share, options_.progress_data)) return true;
+    status_.code = ZBR_REGION_STOPPED;
+    return false;
+  }
+
+ private:
+  const ZBR_REGION_OPTIONS& options_;
+  ZBR_REGION_STATUS& status_;
+};
+
+}  // namespace zbr
+
+// Fills regions from inside.
+class ZBR_REGION_ACCESS {
+ public:
+  // Sources name edges through all rings of the input.
+  static void Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
+  // Appends the polygon of a nested loop, its points taken by `point`.
+  template <class PointOf>
+  static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer, PointOf pointOf) {
+    AddLoop(region, outer, pointOf);
+    for (const auto& hole : outer.children()) AddLoop(region, *hole, pointOf);
+    region.polygon_offsets_.push_back(static_cast<std::int32_t>(region.ring_count()));
+  }
+  static void Canonicalize(ZBR_REGION& region);
+
+ private:
+  template <class PointOf>
+  static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop, PointOf pointOf) {
+    for (const ZBR_PT& p : loop.pt()) region.points_.push_back(pointOf(p));
+    region.ring_offsets_.push_back(static_cast<std::int32_t>(region.points_.size()));
+  }
+};
