@@ -15,7 +15,7 @@ namespace {
 
 using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
-void Prepare(ZBR_HL_SHELL* shells, unsigned count) {
+void HideInThemselves(ZBR_HL_SHELL* shells, unsigned count) {
   for (unsigned i = 0; i < count; ++i) shells[i].HiddenLineSelf();
 }
 
@@ -108,6 +108,7 @@ void ZBR_HiddenLine::GetMaxMin(ZBR_HL_SHELL* shells, unsigned count) {
 
 void ZBR_HiddenLine::HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count) {
   Prepare(shells, count);
+  HideInThemselves(shells, count);
   if (count > 1) HideBehind(shells, count, shells, count);
 }
 
@@ -120,8 +121,8 @@ void ZBR_HiddenLine::HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector
 
 void ZBR_HiddenLine::HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb) {
   if (na == 0 || nb == 0) return;
-  Prepare(a, na);
-  Prepare(b, nb);
+  HideInThemselves(a, na);
+  HideInThemselves(b, nb);
   HideBehind(a, na, b, nb);
 }
 

@@ -12,6 +12,7 @@
 
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/driver.h"
 #include "hiddenline/float_key.h"
 #include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
@@ -42,6 +43,7 @@ ZBR_HL_SHELL& ZBR_HL_SHELL::operator=(const ZBR_HL_SHELL& o) {
   count = o.count;
   outline = o.outline;
   outline_all = o.outline_all;
+  prepared = o.prepared;
   done = o.done;
   maxmin_valid = o.maxmin_valid;
   quad_built = o.quad_built;
@@ -57,6 +59,7 @@ ZBR_HL_SHELL& ZBR_HL_SHELL::operator=(ZBR_HL_SHELL&& o) noexcept = default;
 ZBR_HL_SHELL::~ZBR_HL_SHELL() = default;
 
 void ZBR_HL_SHELL::Init() {
+  prepared = false;
   done = false;
   maxmin_valid = false;
   quad_built = false;
@@ -206,23 +209,28 @@ void ResetRoot(ZBR_HL_SHELL& shell, double eps) {
 
 }  // namespace
 
+void zbr::PrepareShell(ZBR_HL_SHELL& shell) {
+  const std::vector<Extents> extents = CheckAll(shell);
+  if (shell.quad_built) return;
+  shell.order = OrderByHeight(extents);
+  ResetRoot(shell, t_tolerance.eps);
+  BuildQuad(shell.root, extents, shell.tris);
+  const bool anyInvalid = std::any_of(shell.tris, shell.tris + shell.count, [](const ZBR_HL_TRI& t) { return t.IsTriInvalid(); });
+  if (anyInvalid) shell.QuadRemoveInvalid(shell.root);
+  shell.occluders = std::make_shared<const ZBR_HL_SHELL::Occluders>(shell, extents);
+  shell.quad_built = true;
+}
+
 void ZBR_HL_SHELL::HiddenLineSelf() {
   if (done) return;
-  if (count == 0) {
-    done = true;
-    return;
+  if (count != 0) {
+    if (!prepared) {
+      index = ZBR_HiddenLine::max_shell_index.fetch_add(1);
+      zbr::PrepareShell(*this);
+    }
+    ZBR_HiddenLine::HiddenLine_ShellByShell(*this, *this);
   }
-  index = ZBR_HiddenLine::max_shell_index.fetch_add(1);
-  const std::vector<zbr::Extents> extents = CheckAll(*this);
-  if (!quad_built) {
-    order = OrderByHeight(extents);
-    ResetRoot(*this, zbr::t_tolerance.eps);
-    zbr::BuildQuad(root, extents, tris);
-    if (std::any_of(tris, tris + count, [](const ZBR_HL_TRI& t) { return t.IsTriInvalid(); })) QuadRemoveInvalid(root);
-    occluders = std::make_shared<const Occluders>(*this, extents);
-    quad_built = true;
-  }
-  ZBR_HiddenLine::HiddenLine_ShellByShell(*this, *this);
+  prepared = false;
   done = true;
 }
 

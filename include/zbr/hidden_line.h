@@ -245,12 +245,13 @@ struct ZBR_HL_QUAD {
 // Copies and moved shells refer to the same triangles, whose `shell` and `quad` keep pointing at the original until the new shell
 // is processed (Init, then HiddenLineSelf). So build the vector of shells first, then process. Copies share the outlines' loops.
 struct ZBR_HL_SHELL {
-  int index = 0;  // drawn from ZBR_HiddenLine::max_shell_index when processed
+  int index = 0;  // drawn from ZBR_HiddenLine::max_shell_index when prepared or processed
   double max_x = 0.0, min_x = 0.0, max_y = 0.0, min_y = 0.0, max_z = 0.0, min_z = 0.0;  // by GetMaxMin
   ZBR_HL_TRI* tris = nullptr;
   unsigned count = 0;
   std::vector<std::shared_ptr<ZBR_LOOP>> outline;      // of the object whose first shell this is, as far as it is not covered
   std::vector<std::shared_ptr<ZBR_LOOP>> outline_all;  // of the same object, whole
+  bool prepared = false;                               // ZBR_HiddenLine::Prepare has run, and HiddenLineSelf has not since
   bool done = false;                                   // HiddenLineSelf has run
   bool maxmin_valid = false;                           // the extents are set
   bool quad_built = false;                             // order, root and occluders are built
@@ -275,7 +276,7 @@ struct ZBR_HL_SHELL {
   ZBR_API ZBR_HL_SHELL& operator=(ZBR_HL_SHELL&& o) noexcept;
   ZBR_API ~ZBR_HL_SHELL();
 
-  // Makes the shell ready to be processed (again): clears done, maxmin_valid and quad_built.
+  // Makes the shell ready to be processed (again): clears prepared, done, maxmin_valid and quad_built.
   ZBR_API void Init();
   // Extents of the triangles and of the shell, all 0 when it has none. Triangles that are not finite do not count for the shell's.
   ZBR_API void GetMaxMin();
@@ -284,7 +285,7 @@ struct ZBR_HL_SHELL {
   // Removes the invalid triangles from the lists of node and its subtree.
   ZBR_API void QuadRemoveInvalid(ZBR_HL_QUAD& node);
   // Prepares the shell (extents, index, states, order, tree) and removes what it hides of itself; once, until Init. n log n to
-  // prepare.
+  // prepare. An index that ZBR_HiddenLine::Prepare gave stays; otherwise a new one is drawn.
   ZBR_API void HiddenLineSelf();
 
   // The triangle with the given idx, and its position; by binary search. idx must be present.
@@ -331,6 +332,12 @@ class ZBR_HiddenLine {
   ZBR_API static void HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb);
   // Every shell by itself and by every other.
   ZBR_API static void HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count);
+  // Numbers the shells by their positions in the array and makes them ready to hide: extents, states, search structure. Of two
+  // shells that have a line in common the one with the smaller index draws it, so numbers drawn by whichever thread comes first
+  // would let chance decide. Whoever processes shells one by one (HiddenLineSelf and HiddenLine_ShellByShell, in threads or not)
+  // calls this first, on all of them. Shells that are prepared or done keep their state; where their indices do not ascend, the
+  // same indices are dealt out again. HiddenLine_Shells and HiddenLineObj begin with it.
+  ZBR_API static void Prepare(ZBR_HL_SHELL* shells, unsigned count);
   // Sets the extents of the shells that lack them.
   ZBR_API static void GetMaxMin(ZBR_HL_SHELL* shells, unsigned count);
 

@@ -178,6 +178,37 @@ TEST(Shell, TrianglesSurviveGrowthSortingAndReturn) {
   EXPECT_TRUE(assigned.idx == 7 && assigned.intvl_v[1].size() == 1);
 }
 
+// Boxes that share faces and lines, prepared in every order, by the driver or shell by shell: the same polylines to the bit.
+TEST(Driver, OrderOfPreparationChangesNothing) {
+  for (std::uint64_t seed = 0; seed < static_cast<std::uint64_t>(Scaled(12)); ++seed) {
+    std::string expected;
+    std::vector<unsigned> order = {0, 1, 2, 3};
+    do {
+      Random random(seed);
+      std::vector<Mesh> boxes;
+      for (int k = 0; k < 4; ++k) {
+        const ZBR_PT3 low(Below(random, 3), Below(random, 3), Below(random, 3));
+        boxes.push_back(example::Box(low, low + ZBR_PT3(1 + Below(random, 2), 1 + Below(random, 2), 1)));
+      }
+      Drawing drawing = Draw(boxes, RandomView(random));
+      Shells shells = drawing.Shells();
+      const bool oneByOne = order[0] % 2 == 1;
+      if (oneByOne) ZBR_HiddenLine::Prepare(shells.data(), 4);
+      for (const unsigned k : order) shells[k].HiddenLineSelf();
+      for (std::size_t k = 0; oneByOne && k < 16; ++k) {
+        if (order[k / 4] != k % 4) ZBR_HiddenLine::HiddenLine_ShellByShell(shells[order[k / 4]], shells[k % 4]);
+      }
+      Remove(shells);
+      std::vector<std::vector<ZBR_PT>> lines;
+      zbrOptimizeHiddenLine(shells.data(), lines, 4);
+      std::string text = StateText(shells) + std::to_string(lines.size());
+      for (std::size_t k = 1; k < 4; ++k) EXPECT_LT(shells[k - 1].index, shells[k].index);
+      if (expected.empty()) expected = text;
+      ASSERT_EQ(text, expected) << "seed " << seed << ", order " << order[0] << order[1] << order[2] << order[3];
+    } while (std::next_permutation(order.begin(), order.end()));
+  }
+}
+
 TEST(Driver, ObjectsAgainstEachOtherAreShellsTogether) {
   for (std::uint64_t seed = 10; seed < 14; ++seed) {
     Drawing apart = Scene(seed);
