@@ -120,7 +120,7 @@ int ZBR_HL_TRI::HiddenLine_EdgeByEdgeCoplaner(const ZBR_PT3& p, const ZBR_PT3& q
 
 int ZBR_HL_TRI::HiddenLine_EdgeByTriCoplaner(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o,
                                              std::vector<ZBR_HL_INTERVAL>& out) {
-  return zbr::BesideVertical(*this, p, q, o, out, zbr::ScratchOf(shell));
+  return zbr::BesideVertical(*this, p, q, o, out, *zbr::ShellLists(shell));
 }
 
 int ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR_PT3& b,

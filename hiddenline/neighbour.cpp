@@ -80,5 +80,5 @@ bool HideByNeighbour(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& 
 
 bool ZBR_HL_TRI::HiddenLine_TriByTriAdjacent(const ZBR_HL_TRI& o, int i, bool& pos_set) {
   const int k = GetAdjEdge(i, o);
-  return zbr::IsEdgeNumber(k) && zbr::HideByNeighbour(*this, o, i, k, pos_set, zbr::ScratchOf(shell));
+  return zbr::IsEdgeNumber(k) && zbr::HideByNeighbour(*this, o, i, k, pos_set, *zbr::ShellLists(shell));
 }

@@ -16,6 +16,7 @@
 #include "hiddenline/occlusion.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -185,13 +186,6 @@ bool HideSharedEdges(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists
 
 }  // namespace
 
-Scratch ScratchOf(ZBR_HL_SHELL* shell) {
-  if (shell != nullptr) return {shell->tri_result, shell->xy_result, shell->edge_result, shell->work};
-  thread_local Intervals lists[3];
-  thread_local Intervals edges[3];
-  return {lists[0], lists[1], edges, lists[2]};
-}
-
 void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, const ZBR_HL_TRI& o, Intervals& out,
                   const Scratch& lists) {
   const ZBR_PT3& p = self.pt[i];
@@ -231,7 +225,7 @@ void HideByTriangle(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists)
   bool posSet = false;
   bool edgeDone[3] = {false, false, false};
   if (!HideSharedEdges(self, o, lists, posSet, edgeDone)) return;
-  if (!posSet) self.CheckPos_TriToTri(o);
+  if (!posSet) self.pos = PositionsAgainst(self, o, lists.contact);
   if (!CanBeHidden(self, o)) return;
   for (int i = 0; i < 3; ++i) {
     if (edgeDone[i] || !self.IsEdgeAvailable(i)) continue;
@@ -243,21 +237,21 @@ void HideByTriangle(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists)
 }  // namespace zbr
 
 void ZBR_HL_TRI::HiddenLine_TriByTri(const ZBR_HL_TRI& o) {
-  const zbr::Scratch lists = zbr::ScratchOf(shell);
-  lists.result.clear();
+  const zbr::ShellLists lists(shell);
+  (*lists).result.clear();
   if (&o == this) return;
   const zbr::ToleranceScope scope(zbr::kOcclusionEps);
-  zbr::HideByTriangle(*this, o, lists);
+  zbr::HideByTriangle(*this, o, *lists);
 }
 
 void ZBR_HL_TRI::HiddenLine_EdgeByTri(int i, const ZBR_HL_TRI& o, std::vector<ZBR_HL_INTERVAL>& out) {
-  zbr::VisibleParts(*this, i, zbr::EdgeMask(pos.bits[0], i), zbr::EdgeMask(pos.bits[1], i), o, out, zbr::ScratchOf(shell));
+  zbr::VisibleParts(*this, i, zbr::EdgeMask(pos.bits[0], i), zbr::EdgeMask(pos.bits[1], i), o, out, *zbr::ShellLists(shell));
 }
 
 void ZBR_HL_TRI::HiddenLine_EdgeByTriInnerXY(const ZBR_HL_INTERVAL::PT_LIN& s, const ZBR_HL_INTERVAL::PT_LIN& e,
                                              const ZBR_HL_TRI& o, bool from_start, bool coplanar,
                                              std::vector<ZBR_HL_INTERVAL>& out) {
-  zbr::Outside(*this, {s, e, from_start, coplanar}, o, out, zbr::ScratchOf(shell));
+  zbr::Outside(*this, {s, e, from_start, coplanar}, o, out, *zbr::ShellLists(shell));
 }
 
 bool ZBR_HL_TRI::HiddenLine_EdgeByLineXY(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR_PT3& b,

@@ -29,31 +29,30 @@ void SetIndex(ZBR_HL_SHELL& shell, int index) {
   for (unsigned i = 0; i < shell.count; ++i) shell.tris[i].shell_idx = index;
 }
 
-// Shells without triangles hide nothing and get no number.
-void NumberInOrder(const Shells& shells) {
-  int next =
-      DrawIndices(static_cast<std::size_t>(std::count_if(shells.begin(), shells.end(), [](const auto* s) { return IsFresh(*s); })));
+}  // namespace
+
+void zbr::NumberInOrder(ZBR_HL_SHELL* shells, unsigned count) {
+  Shells used;  // those without triangles hide nothing and get no number
+  for (unsigned i = 0; i < count; ++i) {
+    if (shells[i].count != 0) used.push_back(&shells[i]);
+  }
+  const auto fresh = std::count_if(used.begin(), used.end(), [](const ZBR_HL_SHELL* s) { return IsFresh(*s); });
+  int next = DrawIndices(static_cast<std::size_t>(fresh));
   std::vector<int> indices;
-  for (const ZBR_HL_SHELL* shell : shells) indices.push_back(IsFresh(*shell) ? next++ : shell->index);
+  for (const ZBR_HL_SHELL* shell : used) indices.push_back(IsFresh(*shell) ? next++ : shell->index);
   std::sort(indices.begin(), indices.end());
   if (std::adjacent_find(indices.begin(), indices.end()) != indices.end()) {  // copies of shells have their indices
     next = DrawIndices(indices.size());
     for (int& index : indices) index = next++;
   }
-  for (std::size_t i = 0; i < shells.size(); ++i) SetIndex(*shells[i], indices[i]);
+  for (std::size_t i = 0; i < used.size(); ++i) SetIndex(*used[i], indices[i]);
 }
 
-}  // namespace
-
 void ZBR_HiddenLine::Prepare(ZBR_HL_SHELL* shells, unsigned count) {
-  Shells used;
+  zbr::NumberInOrder(shells, count);
   for (unsigned i = 0; i < count; ++i) {
-    if (shells[i].count != 0) used.push_back(&shells[i]);
-  }
-  NumberInOrder(used);
-  for (ZBR_HL_SHELL* shell : used) {
-    if (!IsFresh(*shell)) continue;
-    zbr::PrepareShell(*shell);
-    shell->prepared = true;
+    if (shells[i].count == 0 || !IsFresh(shells[i])) continue;
+    zbr::PrepareShell(shells[i]);
+    shells[i].prepared = true;
   }
 }
