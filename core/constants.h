@@ -39,6 +39,11 @@ inline constexpr double kOcclusionEps = 1e-7;
 // millimetres loses nothing that can be seen.
 inline constexpr double kChainEps = 0.001;
 
+// The chaining's tolerance where it is relative, in larger sides of the drawing: as the above at a size of 100. And the binary
+// exponent of the size (64 to 128) at which such drawings are chained.
+inline constexpr double kChainShare = 1e-5;
+inline constexpr int kChainSize = 6;
+
 // Coordinates beyond this make a triangle invalid: products of four of them still are finite.
 inline constexpr double kLargestCoordinate = 1e75;
 
