@@ -132,7 +132,7 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
   return place != map.end() && place->first == idx ? place->second : -1;
 }
 
-std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding by, const Scratch& lists) {
+std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists) {
   Pass pass{lists};
   for (unsigned i = range.begin; i < range.end; ++i) {
     ZBR_HL_TRI& t = a.tris[i];
@@ -150,17 +150,15 @@ std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding by, 
   return pass.pairs;
 }
 
-Occluding OthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search) {
+void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by) {
   // Fewer shells than this are asked one by one faster than through a hierarchy.
   constexpr std::size_t kManyShells = 128;
-  Occluding by;
   search.Find({a.min_x, a.min_y, a.max_x, a.max_y}, a.min_z, by.shells);
   std::erase(by.shells, &a);
-  if (by.shells.size() > kManyShells && a.count > kManyShells) by.search = &search;
-  return by;
+  by.search = by.shells.size() > kManyShells && a.count > kManyShells ? &search : nullptr;
 }
 
-void HideShell(ZBR_HL_SHELL& a, const Occluding& by) {
+void HideShell(ZBR_HL_SHELL& a, Occluding& by) {
   const ToleranceScope scope(kOcclusionEps);
   const ShellLists lists(&a);
   a.pairs_tried += HideTriangles(a, {0, a.count}, by, *lists);
@@ -176,5 +174,7 @@ void HideWholeTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s) {
 }  // namespace zbr
 
 void ZBR_HiddenLine::HiddenLine_ShellByShell(ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
-  if (b.count != 0) zbr::HideShell(a, {{&b}});
+  if (b.count == 0) return;
+  zbr::Occluding by{{&b}};
+  zbr::HideShell(a, by);
 }

@@ -27,21 +27,22 @@ struct TriangleRange {
   unsigned begin, end;
 };
 
-// The shells, each of them prepared, that hide something; with a search, those that it finds for each triangle.
+// The shells, each of them prepared, that hide something; with a search, those that it finds for each triangle, which take the
+// place of the others.
 struct Occluding {
   ShellList shells;
   const ShellSearch* search = nullptr;
 };
 
-// What may hide something of a, of the shells in `search` but a itself.
-Occluding OthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search);
+// Replaces `by` by what may hide something of a, of the shells in `search` but a itself.
+void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by);
 
 // Removes from the triangles of a in the range what is hidden. a may be among the occluding shells itself, but not with a search.
 // Only these triangles are written, so different ranges may be processed at once. Returns the number of pairs that went through the
 // full rule. Under the tolerance kOcclusionEps.
-std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding by, const Scratch& lists);
+std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists);
 // All of a, with the lists of a; sets the tolerance itself.
-void HideShell(ZBR_HL_SHELL& a, const Occluding& by);
+void HideShell(ZBR_HL_SHELL& a, Occluding& by);
 // Removes from t what any triangle of s hides, as wholes.
 void HideWholeTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s);
 

@@ -20,7 +20,11 @@ void Process(ZBR_HL_SHELL* shells, unsigned count) {
 
 void HideBehind(ZBR_HL_SHELL* a, unsigned na, const ZBR_HL_SHELL* b, unsigned nb) {
   const zbr::ShellSearch search({b, nb});
-  for (unsigned i = 0; i < na; ++i) zbr::HideShell(a[i], zbr::OthersNear(a[i], search));
+  zbr::Occluding others;
+  for (unsigned i = 0; i < na; ++i) {
+    zbr::FindOthersNear(a[i], search, others);
+    zbr::HideShell(a[i], others);
+  }
 }
 
 // Counts places at which one of two objects is nearer.

@@ -34,7 +34,8 @@ bool IsStrictlyInside(const zbr::Box& box, double x, double y) {
 
 // Raises z to the height of the highest triangle of s over (x, y) and returns its position; -1 when none is above z.
 int PickTriangle(double x, double y, const ZBR_HL_SHELL& s, double& z) {
-  if (s.occluders == nullptr || !IsStrictlyInside(s.occluders->pickable, x, y)) return -1;
+  const zbr::Box near = zbr::Box{s.min_x, s.min_y, s.max_x, s.max_y}.Widened(zbr::kBoxMargin);
+  if (!IsStrictlyInside(near, x, y) || s.occluders == nullptr || !IsStrictlyInside(s.occluders->pickable, x, y)) return -1;
   const ZBR_PT3 p(x, y, 0.0);
   const zbr::OccluderTree& tree = s.occluders->tree;
   const auto query = tree.MakeQuery(zbr::Box{x, y, x, y}.Widened(zbr::kBoxMargin), std::numeric_limits<double>::lowest());

@@ -6,7 +6,10 @@
 // position. So neither the number of threads nor their order changes a bit.
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <exception>
+#include <functional>
+#include <limits>
 #include <mutex>
 #include <vector>
 
@@ -18,16 +21,16 @@
 
 namespace {
 
-// Triangles in one piece of work: some tenths of a second at most, and enough to make up for handing it out.
+// Triangles in one piece of work, of one large shell or of several small ones: some tenths of a second at most, and enough to make
+// up for handing it out.
 constexpr unsigned kPiece = 4096;
 // What preparing a triangle costs, compared with removing what hides it; for the progress alone.
 constexpr double kPreparingShare = 0.2;
 
+// Whole shells, or a part of one.
 struct Piece {
-  ZBR_HL_SHELL* shell;
-  zbr::TriangleRange range;
-  bool alsoItself;  // the shell's own pass is still to be made
-  std::uint64_t pairs = 0;
+  unsigned firstShell, endShell;
+  zbr::TriangleRange range;  // of each of them, as far as it has so many
 };
 
 // Runs pieces of work under the caller's tolerance, tells how far they are, ends early when asked to or when one fails.
@@ -82,24 +85,84 @@ bool IsReady(const ZBR_HL_SHELL& shell) {
   return shell.count == 0 || shell.prepared || shell.done;
 }
 
-std::vector<Piece> PiecesOf(ZBR_HL_SHELL* shells, unsigned count) {
+std::vector<Piece> PiecesOf(const ZBR_HL_SHELL* shells, unsigned count) {
+  constexpr unsigned kAll = std::numeric_limits<unsigned>::max();
   std::vector<Piece> pieces;
+  unsigned filled = kPiece;  // of the last piece
   for (unsigned s = 0; s < count; ++s) {
     const unsigned n = shells[s].count;
-    for (unsigned begin = 0; begin < n; begin += kPiece) {
-      pieces.push_back({&shells[s], {begin, begin + std::min(kPiece, n - begin)}, !shells[s].done});
+    if (n < kPiece - filled) {
+      pieces.back().endShell = s + 1;
+      filled += n;
+    } else if (n < kPiece) {
+      pieces.push_back({s, s + 1, {0, kAll}});
+      filled = n;
+    } else {
+      for (unsigned begin = 0; begin < n; begin += std::min(kPiece, n - begin)) {
+        pieces.push_back({s, s + 1, {begin, begin + std::min(kPiece, n - begin)}});
+      }
+      filled = kPiece;
     }
   }
   return pieces;
 }
 
-void Remove(Piece& piece, const zbr::ShellSearch& search) {
-  const zbr::ToleranceScope scope(zbr::kOcclusionEps);
-  zbr::OwnLists own;
-  const zbr::Scratch lists = own.Lend(zbr::ContactOf(*piece.shell));
-  if (piece.alsoItself) piece.pairs += zbr::HideTriangles(*piece.shell, piece.range, {{piece.shell}}, lists);
-  piece.pairs += zbr::HideTriangles(*piece.shell, piece.range, zbr::OthersNear(*piece.shell, search), lists);
-}
+class Remover {
+ public:
+  Remover(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), pairs_(count), alone_(count) {}
+
+  // A small shell is hidden by itself at once, while it is in the cache.
+  void Prepare(std::size_t i) {
+    ZBR_HL_SHELL& shell = shells_[i];
+    alone_[i] = shell.done ? 1 : 0;
+    if (!IsReady(shell)) {
+      zbr::PrepareShell(shell);
+      shell.prepared = true;
+    }
+    if (shell.done || shell.count > kPiece) return;
+    const zbr::ToleranceScope scope(zbr::kOcclusionEps);
+    zbr::Occluding by;
+    HideAlone(i, {0, shell.count}, by, *zbr::ShellLists(&shell));
+    alone_[i] = 1;
+  }
+
+  // Removes from the triangles of a piece what hides them. Returns how many there are.
+  double Remove(const Piece& piece, const zbr::ShellSearch& search) {
+    const zbr::ToleranceScope scope(zbr::kOcclusionEps);
+    zbr::OwnLists own;
+    zbr::Occluding by;
+    double triangles = 0.0;
+    for (unsigned s = piece.firstShell; s < piece.endShell; ++s) {
+      ZBR_HL_SHELL& shell = shells_[s];
+      const zbr::TriangleRange range{piece.range.begin, std::min(piece.range.end, shell.count)};
+      const zbr::Scratch lists = own.Lend(zbr::ContactOf(shell));
+      if (alone_[s] == 0) HideAlone(s, range, by, lists);
+      zbr::FindOthersNear(shell, search, by);
+      pairs_[s] += zbr::HideTriangles(shell, range, by, lists);
+      triangles += range.end - range.begin;
+    }
+    return triangles;
+  }
+
+  void Finish() {
+    for (std::size_t s = 0; s < pairs_.size(); ++s) {
+      shells_[s].pairs_tried += pairs_[s];
+      shells_[s].done = true;
+    }
+  }
+
+ private:
+  void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {
+    by.shells.assign(1, &shells_[i]);
+    by.search = nullptr;
+    pairs_[i] += zbr::HideTriangles(shells_[i], range, by, lists);
+  }
+
+  ZBR_HL_SHELL* shells_;
+  // By shell:
+  std::vector<std::atomic<std::uint64_t>> pairs_;
+  std::vector<char> alone_;  // hidden by itself
+};
 
 // On every way out no shell is left prepared: those that are not done by then start afresh.
 class NothingPrepared {
@@ -131,23 +194,16 @@ bool ZBR_HiddenLine::RemoveAll(ZBR_HL_SHELL* shells, unsigned count, const ZBR_H
   zbr::NumberInOrder(shells, count);
   const NothingPrepared afterwards(shells, count);
   Runner runner(options, TrianglesOf(shells, count));
-  const bool prepared = runner.Run(count, [&](std::size_t i) {
-    ZBR_HL_SHELL& shell = shells[i];
-    if (!IsReady(shell)) {
-      zbr::PrepareShell(shell);
-      shell.prepared = true;
-    }
-    return kPreparingShare * shell.count;
-  });
-  if (!prepared) return false;
+  Remover remover(shells, count);
+  const auto prepare = [&](std::size_t i) {
+    remover.Prepare(i);
+    return kPreparingShare * shells[i].count;
+  };
+  if (!runner.Run(count, prepare)) return false;
+  const std::vector<Piece> pieces = PiecesOf(shells, count);
   const zbr::ShellSearch search({shells, count});
-  std::vector<Piece> pieces = PiecesOf(shells, count);
-  const bool finished = runner.Run(pieces.size(), [&](std::size_t i) {
-    Remove(pieces[i], search);
-    return (1.0 - kPreparingShare) * (pieces[i].range.end - pieces[i].range.begin);
-  });
-  if (!finished) return false;
-  for (const Piece& piece : pieces) piece.shell->pairs_tried += piece.pairs;
-  for (unsigned i = 0; i < count; ++i) shells[i].done = true;
+  const auto remove = [&](std::size_t i) { return (1.0 - kPreparingShare) * remover.Remove(pieces[i], search); };
+  if (!runner.Run(pieces.size(), remove)) return false;
+  remover.Finish();
   return true;
 }

@@ -242,7 +242,8 @@ void HideInItself(ZBR_HL_SHELL& shell) {
       const std::vector<Extents> extents = PrepareShell(shell);
       if (!shell.quad_built) BuildQuadOf(shell, extents);
     }
-    HideShell(shell, {{&shell}});
+    Occluding itself{{&shell}};
+    HideShell(shell, itself);
   }
   shell.prepared = false;
   shell.done = true;
