@@ -13,8 +13,8 @@ inline constexpr double kBoxMargin = 0.001;
 // Length tolerance during a Boolean. Features below its root (about 3e-5) vanish in the area test; larger values merge more.
 inline constexpr double kBooleanEps = 1e-9;
 
-// Distances at which contacts of a Boolean are certain, in tolerances: up to the first a point is on an edge or a vertex, beyond the
-// others it is not. What lies between is decided by the exact arrangement; a wider band sends more there, a narrower one lets
+// Distances at which contacts of a Boolean are certain, in tolerances: up to the first a point is on an edge or a vertex, beyond
+// the others it is not. What lies between is decided by the exact arrangement; a wider band sends more there, a narrower one lets
 // contacts be judged differently from different edges.
 inline constexpr double kSurelyOn = 0.02;
 inline constexpr double kSurelyOff = 4.0;
