@@ -40,12 +40,12 @@ class Block {
 };
 
 // Ahead of the buffer of a single request.
-struct SingleHeader {
+struct alignas(16) SingleHeader {
   std::uint32_t totalSize;
   std::uint32_t size;
   SingleHeader* next;
 };
-static_assert(sizeof(SingleHeader) == 16 && sizeof(void*) == 8);
+static_assert(sizeof(SingleHeader) == 16);  // so that such buffers are aligned for anything
 
 }  // namespace
 

@@ -13,8 +13,8 @@ inline constexpr double kBoxMargin = 0.001;
 // Length tolerance during a Boolean. Features below its root (about 3e-5) vanish in the area test; larger values merge more.
 inline constexpr double kBooleanEps = 1e-9;
 
-// Distances at which contacts of a Boolean are certain, in tolerances: up to the first a point is on an edge or a vertex, beyond the
-// others it is not. What lies between is decided by the exact arrangement; a wider band sends more there, a narrower one lets
+// Distances at which contacts of a Boolean are certain, in tolerances: up to the first a point is on an edge or a vertex, beyond
+// the others it is not. What lies between is decided by the exact arrangement; a wider band sends more there, a narrower one lets
 // contacts be judged differently from different edges.
 inline constexpr double kSurelyOn = 0.02;
 inline constexpr double kSurelyOff = 4.0;
@@ -38,6 +38,11 @@ inline constexpr double kOcclusionEps = 1e-7;
 // Length tolerance while visible stretches are chained: gaps left by the rounding of many small stretches close, and a drawing in
 // millimetres loses nothing that can be seen.
 inline constexpr double kChainEps = 0.001;
+
+// The chaining's tolerance where it is relative, in larger sides of the drawing: as the above at a size of 100. And the binary
+// exponent of the size (64 to 128) at which such drawings are chained.
+inline constexpr double kChainShare = 1e-5;
+inline constexpr int kChainSize = 6;
 
 // Coordinates beyond this make a triangle invalid: products of four of them still are finite.
 inline constexpr double kLargestCoordinate = 1e75;

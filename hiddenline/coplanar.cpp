@@ -4,6 +4,14 @@
 // other edge runs above it. Where the two coincide in space the line is drawn once, by the triangle that keeps it; a line is only
 // ever given up to a keeper that draws it. A vertical triangle leaves its coincident lines to one that is not, never the other way
 // round.
+//
+// The cases of a stretch p-q and an edge a-b; tests carry the same labels:
+//   Apart       no common range, or the edge wholly lower: p-q stays
+//   Same        the same ends: p-q goes if o keeps the line
+//   Lower       the edge nowhere above p-q: it stays
+//   Coincident  the edge in p-q: the common range goes if o keeps the line
+//   Higher      the edge above p-q: the common range goes
+//   Crossing    the same up to where the edge passes through p-q
 #include <algorithm>
 #include <cmath>
 
@@ -67,10 +75,10 @@ int BesideEdge(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, int k
   };
   out.clear();
   const bool overlap = std::max(std::min(fromP, toQ), std::min(fromA, toB)) < std::min(std::max(fromP, toQ), std::max(fromA, toB));
-  if (std::min(p.z(), q.z()) > std::max(a.z(), b.z()) || !overlap) return keepWhole();
+  if (std::min(p.z(), q.z()) > std::max(a.z(), b.z()) || !overlap) return keepWhole();  // Apart
   const bool same =
       (SamePoint(p, a, tol.eps2) && SamePoint(q, b, tol.eps2)) || (SamePoint(p, b, tol.eps2) && SamePoint(q, a, tol.eps2));
-  if (same) return GivesUp(self, o, k) ? 0 : keepWhole();
+  if (same) return GivesUp(self, o, k) ? 0 : keepWhole();  // Same
 
   const double atA = (fromA - fromP) / (toQ - fromP);
   const double atB = (toB - fromP) / (toQ - fromP);
@@ -79,12 +87,12 @@ int BesideEdge(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, int k
   const int signA = SignOf(overA, tol.eps);
   const int signB = SignOf(overB, tol.eps);
   if (signA <= 0 && signB <= 0) {
-    if (signA != 0 || signB != 0 || !GivesUp(self, o, k)) return keepWhole();
-    ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(p, q, a, b, out);
+    if (signA != 0 || signB != 0 || !GivesUp(self, o, k)) return keepWhole();  // Lower
+    ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(p, q, a, b, out);                   // Coincident
     return static_cast<int>(out.size());
   }
-  Range hidden{atA, atB};
-  if (signA <= 0 || signB <= 0) {
+  Range hidden{atA, atB};          // Higher
+  if (signA <= 0 || signB <= 0) {  // Crossing
     const double level = atA + overA / (overA - overB) * (atB - atA);
     (signA <= 0 ? hidden.lo : hidden.hi) = level;
   }
@@ -120,7 +128,7 @@ int ZBR_HL_TRI::HiddenLine_EdgeByEdgeCoplaner(const ZBR_PT3& p, const ZBR_PT3& q
 
 int ZBR_HL_TRI::HiddenLine_EdgeByTriCoplaner(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o,
                                              std::vector<ZBR_HL_INTERVAL>& out) {
-  return zbr::BesideVertical(*this, p, q, o, out, zbr::ScratchOf(shell));
+  return zbr::BesideVertical(*this, p, q, o, out, *zbr::ShellLists(shell));
 }
 
 int ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR_PT3& b,

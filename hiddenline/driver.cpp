@@ -9,8 +9,6 @@
 // out pairs without effect changes them. Occluders are only read: shells can be processed at once that hide each other.
 #include <algorithm>
 #include <cstdint>
-#include <optional>
-#include <span>
 #include <vector>
 
 #include <zbr/hidden_line.h>
@@ -52,7 +50,7 @@ Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratc
 
 // What a pass over a shell carries along.
 struct Pass {
-  Scratch lists;
+  const Scratch& lists;
   std::uint64_t pairs = 0;  // that went through the full rule
 };
 
@@ -60,7 +58,7 @@ struct Pass {
 class EdgeSearch {
  public:
   EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const Neighbours& met, Pass& pass)
-      : t_(t), edge_(edge), shell_(shell), met_(met), pass_(pass), look_(t.pt[edge], t.pt[(edge + 1) % 3]) {}
+      : t_(t), edge_(edge), shell_(shell), met_(met), pass_(pass), look_(t.pt[edge], t.pt[(edge + 1) % 3], pass.lists.contact) {}
 
   // Searches within the box of the whole edge, with room for the tolerance, even when part of it is hidden already: what an
   // occluder does to the hidden part can still move a cut by less than the tolerance.
@@ -93,13 +91,13 @@ class EdgeSearch {
   QuickLook look_;
 };
 
-// Where several triangles may share an idx, any of them can be a neighbour: whole triangles are tried.
-void HideByAnyNumbering(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Neighbours& met, const Scratch& lists) {
+// Whole triangles are tried.
+template <class MayTry>
+void HideByAny(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratch& lists, MayTry mayTry) {
   const OccluderTree& tree = shell.occluders->tree;
-  const Box box = BoxOf(t).Widened(kBoxMargin);
-  tree.Search(tree.MakeQuery(box, t.min_z - kBoxMargin), [&](int position) {
+  tree.Search(tree.MakeQuery(BoxOf(t).Widened(kBoxMargin), t.min_z - kBoxMargin), [&](int position) {
     const ZBR_HL_TRI& o = shell.tris[position];
-    if (!o.IsTriSkip() && !met.Has(position)) HideByTriangle(t, o, lists);
+    if (!o.IsTriSkip() && mayTry(position)) HideByTriangle(t, o, lists);
     return t.any_edge_visible;
   });
 }
@@ -113,7 +111,8 @@ void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, Pass& pass) 
   Neighbours met;
   if (isOwn) met = MeetNeighbours(t, b, pass.lists);
   if (isOwn && !b.occluders->uniqueIds) {
-    if (t.any_edge_visible) HideByAnyNumbering(t, b, met, pass.lists);
+    // Where several triangles may share an idx, any of them can be a neighbour.
+    if (t.any_edge_visible) HideByAny(t, b, pass.lists, [&met](int position) { return !met.Has(position); });
   } else {
     for (int i = 0; i < 3; ++i) {
       if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, met, pass).Run();
@@ -133,30 +132,49 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
   return place != map.end() && place->first == idx ? place->second : -1;
 }
 
-void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders) {
-  // Fewer shells than this are asked one by one faster than through a hierarchy.
-  constexpr std::size_t kManyShells = 128;
-  const ToleranceScope scope(kOcclusionEps);
-  Pass pass{ScratchOf(&a)};
-  std::optional<ShellSearch> search;
-  if (occluders.size() > kManyShells && a.count > kManyShells) search.emplace(occluders);
-  ShellList found(occluders.begin(), occluders.end());
-  for (unsigned i = 0; i < a.count; ++i) {
+std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists) {
+  Pass pass{lists};
+  for (unsigned i = range.begin; i < range.end; ++i) {
     ZBR_HL_TRI& t = a.tris[i];
     if (!t.any_edge_visible) continue;
-    if (search) search->Find(BoxOf(t), t.min_z, found);
-    for (const ZBR_HL_SHELL* b : found) {
+    if (by.search != nullptr) {
+      by.search->Find(BoxOf(t), t.min_z, by.shells);
+      std::erase(by.shells, &a);
+    }
+    for (const ZBR_HL_SHELL* b : by.shells) {
       const bool isOwn = b == &a;
       if (b->occluders != nullptr && (isOwn || CanReach(t, *b))) HideTriangle(t, *b, isOwn, pass);
       if (!t.any_edge_visible) break;
     }
   }
-  a.pairs_tried += pass.pairs;
+  return pass.pairs;
+}
+
+void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by) {
+  // Fewer shells than this are asked one by one faster than through a hierarchy.
+  constexpr std::size_t kManyShells = 128;
+  search.Find({a.min_x, a.min_y, a.max_x, a.max_y}, a.min_z, by.shells);
+  std::erase(by.shells, &a);
+  by.search = by.shells.size() > kManyShells && a.count > kManyShells ? &search : nullptr;
+}
+
+void HideShell(ZBR_HL_SHELL& a, Occluding& by) {
+  const ToleranceScope scope(kOcclusionEps);
+  const ShellLists lists(&a);
+  a.pairs_tried += HideTriangles(a, {0, a.count}, by, *lists);
+}
+
+void HideWholeTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s) {
+  if (s.occluders == nullptr) return;
+  const ToleranceScope scope(kOcclusionEps);
+  const ShellLists lists(t.shell);
+  HideByAny(t, s, *lists, [](int) { return true; });
 }
 
 }  // namespace zbr
 
 void ZBR_HiddenLine::HiddenLine_ShellByShell(ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
-  const ZBR_HL_SHELL* const occluder[] = {&b};
-  if (b.count != 0) zbr::HideShell(a, occluder);
+  if (b.count == 0) return;
+  zbr::Occluding by{{&b}};
+  zbr::HideShell(a, by);
 }

@@ -1,16 +1,49 @@
-// The driver's entry for one shell against many, and what its callers share with it.
+// The driver's inner calls: preparing shells, and shells or parts of them against many others.
 #pragma once
 
+#include <cstdint>
 #include <span>
+#include <vector>
 
 #include <zbr/hidden_line.h>
+
+#include "hiddenline/extents.h"
+#include "hiddenline/occlusion.h"
+#include "hiddenline/shell_search.h"
 
 namespace zbr {
 
 // The position of the triangle with the given idx; -1 when there is none.
 int PositionOf(const ZBR_HL_SHELL& shell, int idx);
 
-// Removes from a's triangles what the occluders, each a processed shell, hide. a itself may be among them.
-void HideShell(ZBR_HL_SHELL& a, std::span<const ZBR_HL_SHELL* const> occluders);
+// Gives the shells indices that ascend with their places; those that are neither prepared nor done get new ones.
+void NumberInOrder(ZBR_HL_SHELL* shells, unsigned count);
+// Extents, states and search structure of a shell that has its index. Returns the triangles' extents.
+std::vector<Extents> PrepareShell(ZBR_HL_SHELL& shell);
+// The shell's own pass, with all that it still lacks (but the index) made before. The quadtree is built as well.
+void HideInItself(ZBR_HL_SHELL& shell);
+
+struct TriangleRange {
+  unsigned begin, end;
+};
+
+// The shells, each of them prepared, that hide something; with a search, those that it finds for each triangle, which take the
+// place of the others.
+struct Occluding {
+  ShellList shells;
+  const ShellSearch* search = nullptr;
+};
+
+// Replaces `by` by what may hide something of a, of the shells in `search` but a itself.
+void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by);
+
+// Removes from the triangles of a in the range what is hidden. a may be among the occluding shells itself, but not with a search.
+// Only these triangles are written, so different ranges may be processed at once. Returns the number of pairs that went through the
+// full rule. Under the tolerance kOcclusionEps.
+std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists);
+// All of a, with the lists of a; sets the tolerance itself.
+void HideShell(ZBR_HL_SHELL& a, Occluding& by);
+// Removes from t what any triangle of s hides, as wholes.
+void HideWholeTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s);
 
 }  // namespace zbr

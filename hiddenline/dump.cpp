@@ -37,6 +37,9 @@ void Emit(const std::string& text) {
 }
 #endif
 
+// Of the normal's z; for the reader of the dump alone.
+constexpr double kNearlyVertical = 0.01;
+
 template <class T>
 void WriteThree(std::ostream& out, const char* label, const T& a, const T& b, const T& c) {
   out << label << a << " , " << b << " , " << c << "\n";
@@ -50,7 +53,7 @@ void WriteHead(std::ostream& out, const ZBR_HL_TRI& t, int s, int e) {
   const ZBR_PT3& n = t.normal.normal();
   if (t.IsTriVertical()) {
     out << kVerticalLabel;
-  } else if (std::fabs(n.z()) < 0.01) {
+  } else if (std::fabs(n.z()) < kNearlyVertical) {
     out << kNearlyVerticalLabel;
   }
   if (!n.IsZero()) out << (t.clockwise ? kClockwiseLabel : kCounterClockwiseLabel);

@@ -10,10 +10,10 @@
 
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
-#include "segments/covered_parts.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/interval.h"
 #include "hiddenline/occlusion.h"
+#include "segments/covered_parts.h"
 #include "segments/segment_set.h"
 
 namespace zbr {

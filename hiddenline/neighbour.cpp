@@ -3,6 +3,16 @@
 // Sharing an edge settles most of the pair without comparing planes, where rounding would speak at random: the surface either goes
 // on beyond the edge, and then the neighbour can hide nothing of this triangle, or folds back over it. The shared edge is drawn
 // once, by the triangle that comes first, if it draws it.
+//
+// The cases, first match wins; self loses lines, o is the neighbour. Tests carry the same labels.
+//
+//   EndOn         seen end-on, by the records of one of the two: nothing to decide
+//   LongOverLong  two walls with the shared edge as long edge, self standing on it, o hanging from it: one draws it, and that is
+//   all Flanks        two walls below their apexes, sharing flanks: one draws the flank WallByWall    other walls: like any two
+//   edges on one line WallByFace    the face draws the shared edge, and all of a wall that hangs from it FaceByWall    a wall that
+//   rises above the shared edge hides what lies below it on its line GoesOn        on opposite sides of the shared edge in
+//   projection: o hides nothing else FoldsInFront  folded back over o, on the viewer's side: the same FoldsFlat     folded back
+//   within the tolerance: as any two triangles in one plane FoldsBehind   folded back under o, which hides what lies inside it
 #include "core/constants.h"
 #include "core/spatial_inline.h"
 #include "core/tolerance_state.h"
@@ -24,9 +34,9 @@ bool BothVertical(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, const Scr
   const bool isLongInO = k == o.vert_edge;
   const bool longEdges = self.vert_upper && !o.vert_upper && isLong && isLongInO;
   const bool flanks = self.vert_upper && o.vert_upper && !isLong && !isLongInO;
-  if (longEdges || flanks) {
+  if (longEdges || flanks) {  // LongOverLong, Flanks
     if (KeepsLine(o, k, self)) self.SetEdgeUnavailable(i);
-  } else {
+  } else {  // WallByWall
     HideBesideVertical(self, o, i, lists);
   }
   return longEdges;
@@ -45,13 +55,14 @@ bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet
   if (KeepsLine(o, k, self)) self.SetEdgeUnavailable(i);
   // Where both run the same way round in projection they lie on opposite sides of the shared edge.
   const bool sameWay = SamePoint(self.pt[i], o.pt[k], t_tolerance.eps2);
-  if (sameWay == (self.clockwise != o.clockwise)) return true;
+  if (sameWay == (self.clockwise != o.clockwise)) return true;  // GoesOn
   const int third = (i + 2) % 3;
   const double d = o.normal.distance(self.pt[third]);
-  if (o.clockwise ? d < 0.0 : d > 0.0) return true;
-  // Folded flat onto the neighbour, where the sign of d means nothing: the planes are compared as of any two triangles, and lines
+  if (o.clockwise ? d < 0.0 : d > 0.0) return true;  // FoldsInFront
+  // FoldsFlat, where the sign of d means nothing: the planes are compared as of any two triangles, and lines
   // in a common plane stay.
   if (WithinTol(d, t_tolerance.eps)) return false;
+  // FoldsBehind
   const auto thirdBit = static_cast<unsigned char>(1U << static_cast<unsigned>(third));
   self.pos = {};
   self.pos.bits[1] = static_cast<unsigned char>(7U & ~thirdBit);
@@ -63,13 +74,13 @@ bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet
 }  // namespace
 
 bool HideByNeighbour(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet, const Scratch& lists) {
-  if (o.edge_state[k] == kVertical) return true;
+  if (o.edge_state[k] == kVertical) return true;  // EndOn
   if (self.IsTriVertical()) {
     if (o.IsTriVertical()) return BothVertical(self, o, i, k, lists);
     WallByFace(self, i);
     return true;
   }
-  if (o.IsTriVertical()) {
+  if (o.IsTriVertical()) {  // FaceByWall
     if ((k == o.vert_edge) == o.vert_upper) HideBesideVertical(self, o, i, lists);
     return true;
   }
@@ -80,5 +91,5 @@ bool HideByNeighbour(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& 
 
 bool ZBR_HL_TRI::HiddenLine_TriByTriAdjacent(const ZBR_HL_TRI& o, int i, bool& pos_set) {
   const int k = GetAdjEdge(i, o);
-  return zbr::IsEdgeNumber(k) && zbr::HideByNeighbour(*this, o, i, k, pos_set, zbr::ScratchOf(shell));
+  return zbr::IsEdgeNumber(k) && zbr::HideByNeighbour(*this, o, i, k, pos_set, *zbr::ShellLists(shell));
 }

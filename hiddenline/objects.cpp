@@ -9,27 +9,21 @@
 
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
-#include "hiddenline/shell_search.h"
 
 namespace {
 
 using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
-void Prepare(ZBR_HL_SHELL* shells, unsigned count) {
+void Process(ZBR_HL_SHELL* shells, unsigned count) {
   for (unsigned i = 0; i < count; ++i) shells[i].HiddenLineSelf();
 }
 
 void HideBehind(ZBR_HL_SHELL* a, unsigned na, const ZBR_HL_SHELL* b, unsigned nb) {
-  zbr::ShellList occluders;
-  for (unsigned i = 0; i < nb; ++i) {
-    if (b[i].count != 0) occluders.push_back(&b[i]);
-  }
-  const zbr::ShellSearch search(occluders);
-  zbr::ShellList found;
+  const zbr::ShellSearch search({b, nb});
+  zbr::Occluding others;
   for (unsigned i = 0; i < na; ++i) {
-    search.Find({a[i].min_x, a[i].min_y, a[i].max_x, a[i].max_y}, a[i].min_z, found);
-    std::erase(found, &a[i]);
-    zbr::HideShell(a[i], found);
+    zbr::FindOthersNear(a[i], search, others);
+    zbr::HideShell(a[i], others);
   }
 }
 
@@ -64,6 +58,11 @@ bool IsInside(const ZBR_PT& at, const ZBR_LOOP_LOCATOR& region, double most) {
   return region.IsInside(at) == ZBR_PI_IN;
 }
 
+// How far inside a loop samples lie, in lengths of the edge or widths of the loop; and the share of that distance within which a
+// place counts as on the boundary.
+constexpr double kInside = 1e-3;
+constexpr double kBoundaryShare = 1.0 / 8.0;
+
 // Samples beside the middle of every edge, a little way inside, where both objects are likely to lie.
 void SampleAlong(ZBR_LOOP& outer, const ZBR_LOOP_LOCATOR& region, Comparison& comparison) {
   outer.Setup();
@@ -75,9 +74,9 @@ void SampleAlong(ZBR_LOOP& outer, const ZBR_LOOP_LOCATOR& region, Comparison& co
     const ZBR_PT along = e - s;
     const double length = along.Length();
     if (!(length > 0.0)) continue;
-    const double in = 1e-3 * std::min(length, width) / length * (outer.area() < 0.0 ? -1.0 : 1.0);
+    const double in = kInside * std::min(length, width) / length * (outer.area() < 0.0 ? -1.0 : 1.0);
     const ZBR_PT at = (s + e) / 2.0 + ZBR_PT(-along.y(), along.x()) * in;
-    if (IsInside(at, region, std::fabs(in) * length / 8.0)) comparison.Sample(at);
+    if (IsInside(at, region, std::fabs(in) * length * kBoundaryShare)) comparison.Sample(at);
   }
 }
 
@@ -107,7 +106,8 @@ void ZBR_HiddenLine::GetMaxMin(ZBR_HL_SHELL* shells, unsigned count) {
 }
 
 void ZBR_HiddenLine::HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count) {
-  Prepare(shells, count);
+  zbr::NumberInOrder(shells, count);
+  for (unsigned i = 0; i < count; ++i) zbr::HideInItself(shells[i]);
   if (count > 1) HideBehind(shells, count, shells, count);
 }
 
@@ -120,8 +120,8 @@ void ZBR_HiddenLine::HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector
 
 void ZBR_HiddenLine::HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb) {
   if (na == 0 || nb == 0) return;
-  Prepare(a, na);
-  Prepare(b, nb);
+  Process(a, na);
+  Process(b, nb);
   HideBehind(a, na, b, nb);
 }
 

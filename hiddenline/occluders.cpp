@@ -11,8 +11,8 @@ bool HasUniqueIds(const std::vector<std::pair<int, int>>& sortedByIdx) {
 
 }  // namespace
 
-ZBR_HL_SHELL::Occluders::Occluders(const ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents)
-    : uniqueIds(HasUniqueIds(shell.id_map)) {
+ZBR_HL_SHELL::Occluders::Occluders(const ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents, const zbr::Box& pickableBox)
+    : uniqueIds(HasUniqueIds(shell.id_map)), pickable(pickableBox) {
   std::vector<int> positions;
   positions.reserve(shell.count);
   for (unsigned i = 0; i < shell.count; ++i) {

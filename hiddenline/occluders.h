@@ -10,10 +10,11 @@
 #include "hiddenline/occluder_tree.h"
 
 struct ZBR_HL_SHELL::Occluders {
-  // Of a checked shell, whose triangles' extents are given by position.
-  Occluders(const ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents);
+  // Of a checked shell, whose triangles' extents are given by position; a place outside `pickable` picks nothing.
+  Occluders(const ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents, const zbr::Box& pickable);
 
   zbr::OccluderTree tree;  // over the positions of the triangles that are not invalid
   // No two triangles share an idx, so that only the triangles named in `adj` can be neighbours.
   bool uniqueIds;
+  zbr::Box pickable;  // the shell's box and a tolerance around it
 };

@@ -10,12 +10,22 @@
 // apex unless it is itself the one on the line, in which case vertex 1 does; both of the apex's sides are then crossed, one of them
 // at the vertex.
 //
+// The cases; tests carry the same labels.
+//
+//   of the edge and the plane                       of the stretch in projection
+//   OutOfReach  boxes apart, or o wholly below      Beside      no vertex of o on one side: all of it is outside
+//   InFront     no end behind, one in front         AlongEdge   two vertices on its line: coplanar.cpp
+//   OnWall      both on a vertical plane            InPlane     both ends on o's plane: it stays
+//   Across      cut; the part behind goes on        Touch       one vertex on its line, the others on one side
+//   Behind      all goes on, as if both are on      Apex        it enters and leaves at the apex's sides
+//
 // Results are lists over the whole edge, so that the order in which triangles are taken does not matter: lists are intersected.
 // Parameters of a cut stretch are mapped back to the edge at its cut end only; the other end then reaches into the part in front,
 // which is visible anyway, and the clean-up joins the two.
 #include "hiddenline/occlusion.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -110,13 +120,13 @@ void Outside(const ZBR_HL_TRI& self, const Stretch& stretch, const ZBR_HL_TRI& o
   const unsigned right = sides.bits[0];
   const unsigned on = sides.bits[1];
   const unsigned left = sides.bits[2];
-  if (right == 7 || left == 7) return stretch.AppendWhole(out);
-  if (std::popcount(on) >= 2) {
+  if (right == 7 || left == 7) return stretch.AppendWhole(out);  // Beside
+  if (std::popcount(on) >= 2) {                                  // AlongEdge
     const int k = on == 7 ? -1 : on == 6 ? 1 : on == 5 ? 2 : 0;
     return OutsideOnLine(self, stretch, k, o, out, lists);
   }
   const int apex = stretch.coplanar ? -1 : ApexOf(right, on, left);
-  if (apex < 0) return stretch.AppendWhole(out);
+  if (apex < 0) return stretch.AppendWhole(out);  // InPlane, Touch
   OutsideSidesAtApex(stretch, apex, o, out);
 }
 
@@ -185,13 +195,6 @@ bool HideSharedEdges(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists
 
 }  // namespace
 
-Scratch ScratchOf(ZBR_HL_SHELL* shell) {
-  if (shell != nullptr) return {shell->tri_result, shell->xy_result, shell->edge_result, shell->work};
-  thread_local Intervals lists[3];
-  thread_local Intervals edges[3];
-  return {lists[0], lists[1], edges, lists[2]};
-}
-
 void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, const ZBR_HL_TRI& o, Intervals& out,
                   const Scratch& lists) {
   const ZBR_PT3& p = self.pt[i];
@@ -199,16 +202,16 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
   const ZBR_HL_INTERVAL whole(p, q, 0.0, 1.0);
   out.clear();
   const bool outOfReach = o.IsTriInvalid() || std::min(p.z(), q.z()) > o.max_z || AreApart(p, q, o, t_tolerance.eps);
-  const bool touchesPlane = o.IsTriVertical() ? on != 3 : front == 3 || (front != 0 && on != 0);
-  if (outOfReach || touchesPlane) {
+  const bool inFront = o.IsTriVertical() ? on != 3 : front == 3 || (front != 0 && on != 0);
+  if (outOfReach || inFront) {
     out.push_back(whole);
     return;
   }
-  if (on == 3 && o.IsTriVertical()) {
+  if (on == 3 && o.IsTriVertical()) {  // OnWall
     BesideVertical(self, p, q, o, out, lists);
-  } else if (on == 3 || front == 0) {
+  } else if (on == 3 || front == 0) {  // Behind
     Outside(self, {whole.s, whole.e, true, on == 3}, o, out, lists);
-  } else {
+  } else {  // Across
     VisiblePartsAcross(self, whole, front == 1, o, out, lists);
   }
   SmallSort(out.begin(), out.end(), [](const ZBR_HL_INTERVAL& a, const ZBR_HL_INTERVAL& b) { return a.s.t < b.s.t; });
@@ -231,7 +234,7 @@ void HideByTriangle(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists)
   bool posSet = false;
   bool edgeDone[3] = {false, false, false};
   if (!HideSharedEdges(self, o, lists, posSet, edgeDone)) return;
-  if (!posSet) self.CheckPos_TriToTri(o);
+  if (!posSet) self.pos = PositionsAgainst(self, o, lists.contact);
   if (!CanBeHidden(self, o)) return;
   for (int i = 0; i < 3; ++i) {
     if (edgeDone[i] || !self.IsEdgeAvailable(i)) continue;
@@ -243,21 +246,21 @@ void HideByTriangle(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, const Scratch& lists)
 }  // namespace zbr
 
 void ZBR_HL_TRI::HiddenLine_TriByTri(const ZBR_HL_TRI& o) {
-  const zbr::Scratch lists = zbr::ScratchOf(shell);
-  lists.result.clear();
+  const zbr::ShellLists lists(shell);
+  (*lists).result.clear();
   if (&o == this) return;
   const zbr::ToleranceScope scope(zbr::kOcclusionEps);
-  zbr::HideByTriangle(*this, o, lists);
+  zbr::HideByTriangle(*this, o, *lists);
 }
 
 void ZBR_HL_TRI::HiddenLine_EdgeByTri(int i, const ZBR_HL_TRI& o, std::vector<ZBR_HL_INTERVAL>& out) {
-  zbr::VisibleParts(*this, i, zbr::EdgeMask(pos.bits[0], i), zbr::EdgeMask(pos.bits[1], i), o, out, zbr::ScratchOf(shell));
+  zbr::VisibleParts(*this, i, zbr::EdgeMask(pos.bits[0], i), zbr::EdgeMask(pos.bits[1], i), o, out, *zbr::ShellLists(shell));
 }
 
 void ZBR_HL_TRI::HiddenLine_EdgeByTriInnerXY(const ZBR_HL_INTERVAL::PT_LIN& s, const ZBR_HL_INTERVAL::PT_LIN& e,
                                              const ZBR_HL_TRI& o, bool from_start, bool coplanar,
                                              std::vector<ZBR_HL_INTERVAL>& out) {
-  zbr::Outside(*this, {s, e, from_start, coplanar}, o, out, zbr::ScratchOf(shell));
+  zbr::Outside(*this, {s, e, from_start, coplanar}, o, out, *zbr::ShellLists(shell));
 }
 
 bool ZBR_HL_TRI::HiddenLine_EdgeByLineXY(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR_PT3& b,

@@ -1,8 +1,11 @@
 // What one triangle hides of another's edges: the rules, with the tolerance of the calling thread (kOcclusionEps within a pass).
 #pragma once
 
+#include <algorithm>
+
 #include <zbr/hidden_line.h>
 
+#include "core/constants.h"
 #include "hiddenline/interval.h"
 
 namespace zbr {
@@ -16,16 +19,44 @@ inline bool IsEdgeNumber(int k) {
   return 0 <= k && k < 3;
 }
 
-// Lists lent by a shell to the rules, so that none is allocated per pair.
+// Lists lent to the rules for the length of a pass, so that none is allocated per pair; and what the pass compares with.
 struct Scratch {
   Intervals& result;     // of one edge against one triangle
   Intervals& xy;         // of a stretch on the line of an occluder's edge
   Intervals (&edge)[3];  // of a stretch against each edge of a vertical occluder
   Intervals& work;       // of zbrIntervalIntersection
+  double contact;        // distance up to which a point counts as lying on a plane
 };
 
-// The lists of `shell`; without one, a set of the calling thread.
-Scratch ScratchOf(ZBR_HL_SHELL* shell);
+// The contact tolerance of a shell, which is never less than what points of one place may differ by.
+inline double ContactOf(const ZBR_HL_SHELL& shell) {
+  return std::max(kOcclusionEps, shell.contact_tolerance);
+}
+
+// A set of lists that belongs to no shell.
+class OwnLists {
+ public:
+  Scratch Lend(double contact) { return {result_, xy_, edge_, work_, contact}; }
+
+ private:
+  Intervals result_, xy_, edge_[3], work_;
+};
+
+// Lends the lists of a triangle's shell; a triangle without a shell gets a set for the length of one call.
+class ShellLists {
+ public:
+  explicit ShellLists(ZBR_HL_SHELL* shell)
+      : lists_(shell == nullptr
+                   ? own_.Lend(kOcclusionEps)
+                   : Scratch{shell->tri_result, shell->xy_result, shell->edge_result, shell->work, ContactOf(*shell)}) {}
+  ShellLists(const ShellLists&) = delete;
+  ShellLists& operator=(const ShellLists&) = delete;
+  const Scratch& operator*() const { return lists_; }
+
+ private:
+  OwnLists own_;
+  Scratch lists_;
+};
 
 // The two ends of edge i as a mask, from a mask over the vertices.
 inline unsigned EdgeMask(unsigned vertices, int i) {
@@ -36,6 +67,9 @@ inline unsigned EdgeMask(unsigned vertices, int i) {
 inline bool KeepsLine(const ZBR_HL_TRI& o, int k, const ZBR_HL_TRI& self) {
   return o.dispj[k] && self.ToHide(o, k);
 }
+
+// The vertices of t in front of, on and behind o's plane (as its normal points), where on it means within `contact`.
+ZBR_HL_POS_BIT PositionsAgainst(const ZBR_HL_TRI& t, const ZBR_HL_TRI& o, double contact);
 
 // The parts of edge i of `self` that o does not hide, replacing `out`. front and on are the edge's ends in front of and on o's
 // plane.

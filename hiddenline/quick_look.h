@@ -20,9 +20,10 @@ namespace zbr {
 
 class QuickLook {
  public:
-  QuickLook(const ZBR_PT3& p, const ZBR_PT3& q) : p_(p), q_(q), along_(q.xy() - p.xy()), length2_(along_.Length2()) {
+  QuickLook(const ZBR_PT3& p, const ZBR_PT3& q, double contact)
+      : p_(p), q_(q), along_(q.xy() - p.xy()), length2_(along_.Length2()), contact_(contact) {
     const double size = std::max({std::fabs(p.x()), std::fabs(p.y()), std::fabs(q.x()), std::fabs(q.y())});
-    reliable_ = size <= 1e3 && length2_ > 1e-12 * (size * size);
+    reliable_ = size <= kLargestSize && length2_ > kLeastLength * kLeastLength * (size * size);
   }
 
   // False when the edge certainly stays whole. front and on receive the ends of the edge in front of and on the triangle's plane.
@@ -33,20 +34,24 @@ class QuickLook {
       dp = -dp;
       dq = -dq;
     }
-    front = (dp > kOcclusionEps ? 1U : 0U) | (dq > kOcclusionEps ? 2U : 0U);
-    on = (std::fabs(dp) <= kOcclusionEps ? 1U : 0U) | (std::fabs(dq) <= kOcclusionEps ? 2U : 0U);
+    front = (dp > contact_ ? 1U : 0U) | (dq > contact_ ? 2U : 0U);
+    on = (std::fabs(dp) <= contact_ ? 1U : 0U) | (std::fabs(dq) <= contact_ ? 2U : 0U);
     if (o.IsTriVertical()) return on == 3;
     if (front == 3 || (front != 0 && on != 0)) return false;
     if (!reliable_ || on == 3) return true;
     if (front != 0) {
       const double nearer = std::min(std::fabs(dp), std::fabs(dq));
-      if (nearer < 2.0 * kOcclusionEps || nearer < 1e-4 * std::fabs(dp - dq)) return true;
+      if (nearer < 2.0 * contact_ || nearer < kClearAngle * std::fabs(dp - dq)) return true;
     }
     return !IsBeside(o);
   }
 
  private:
   static constexpr double kFar2 = 4.0 * kOcclusionEps * kOcclusionEps;
+  static constexpr double kClearAngle = 1e-4;
+  static constexpr double kClearAngle2 = 1e-8;
+  static constexpr double kLargestSize = 1e3;
+  static constexpr double kLeastLength = 1e-6;  // of an edge, in its coordinates
 
   // Whether the stretch certainly projects outside o.
   bool IsBeside(const ZBR_HL_TRI& o) const {
@@ -68,7 +73,7 @@ class QuickLook {
     const double c = Cross(along_, w);
     const double c2 = c * c;
     side = c > 0.0 ? 1 : -1;
-    if (c2 > length2_ * (kFar2 + 1e-8 * w.Length2())) return true;
+    if (c2 > length2_ * (kFar2 + kClearAngle2 * w.Length2())) return true;
     side = 0;
     return IsExactly(v, p_.xy()) || IsExactly(v, q_.xy());
   }
@@ -100,6 +105,7 @@ class QuickLook {
   const ZBR_PT3& q_;
   ZBR_PT along_;
   double length2_;
+  double contact_;
   bool reliable_;
 };
 

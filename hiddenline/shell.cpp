@@ -1,8 +1,8 @@
 // The shell: preparing its triangles, its tree and its search index, and its own state.
 //
-// Preparation is one pass over the triangles (extents, numbers, planes, states), and then the order by height, the tree, which is
-// part of the interface, and the occluders, which the driver searches (occluders.h); all of these from extents kept apart from the
-// records.
+// Preparation is one pass over the triangles (extents, numbers, planes, states), and then the occluders, which the driver and
+// picking search (occluders.h), from extents kept apart from the records. The order by height and the quadtree, which are part of
+// the interface but not needed for a drawing, are a third of the work and made only for those who process a shell by itself or ask.
 #include <algorithm>
 #include <limits>
 #include <numeric>
@@ -12,10 +12,10 @@
 
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/driver.h"
 #include "hiddenline/float_key.h"
 #include "hiddenline/occluders.h"
-#include "hiddenline/occlusion.h"
-#include "hiddenline/quad.h"
+#include "hiddenline/quadtree/quad.h"
 
 ZBR_HL_SHELL::ZBR_HL_SHELL() : ZBR_HL_SHELL(nullptr, 0) {}
 
@@ -42,6 +42,7 @@ ZBR_HL_SHELL& ZBR_HL_SHELL::operator=(const ZBR_HL_SHELL& o) {
   count = o.count;
   outline = o.outline;
   outline_all = o.outline_all;
+  prepared = o.prepared;
   done = o.done;
   maxmin_valid = o.maxmin_valid;
   quad_built = o.quad_built;
@@ -49,6 +50,7 @@ ZBR_HL_SHELL& ZBR_HL_SHELL::operator=(const ZBR_HL_SHELL& o) {
   root = o.root;
   id_map = o.id_map;
   occluders = o.occluders;
+  contact_tolerance = o.contact_tolerance;
   pairs_tried = o.pairs_tried;
   return *this;
 }
@@ -57,6 +59,7 @@ ZBR_HL_SHELL& ZBR_HL_SHELL::operator=(ZBR_HL_SHELL&& o) noexcept = default;
 ZBR_HL_SHELL::~ZBR_HL_SHELL() = default;
 
 void ZBR_HL_SHELL::Init() {
+  prepared = false;
   done = false;
   maxmin_valid = false;
   quad_built = false;
@@ -194,36 +197,67 @@ std::vector<int> OrderByHeight(std::span<const zbr::Extents> extents) {
   return order;
 }
 
-// The root's box is a little larger than the shell's, so that a box on the shell's border lies strictly inside.
-void ResetRoot(ZBR_HL_SHELL& shell, double eps) {
+// The shell's box, a little enlarged, so that what lies on its border lies strictly inside.
+zbr::Box EnlargedBox(const ZBR_HL_SHELL& s, double eps) {
+  return {s.min_x - eps, s.min_y - eps, s.max_x + eps, s.max_y + eps};
+}
+
+void BuildQuadOf(ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents) {
+  shell.order = OrderByHeight(extents);
+  const zbr::Box box = shell.occluders->pickable;
   shell.root = ZBR_HL_QUAD();
   shell.root.tris = shell.order;
-  shell.root.max_x = shell.max_x + eps;
-  shell.root.min_x = shell.min_x - eps;
-  shell.root.max_y = shell.max_y + eps;
-  shell.root.min_y = shell.min_y - eps;
+  shell.root.max_x = box.xmax;
+  shell.root.min_x = box.xmin;
+  shell.root.max_y = box.ymax;
+  shell.root.min_y = box.ymin;
+  zbr::BuildQuad(shell.root, extents, shell.tris);
+  const bool anyInvalid = std::any_of(shell.tris, shell.tris + shell.count, [](const ZBR_HL_TRI& t) { return t.IsTriInvalid(); });
+  if (anyInvalid) shell.QuadRemoveInvalid(shell.root);
+  shell.quad_built = true;
 }
 
 }  // namespace
 
+namespace zbr {
+
+std::vector<Extents> PrepareShell(ZBR_HL_SHELL& shell) {
+  std::vector<Extents> extents = CheckAll(shell);
+  if (shell.quad_built) return extents;
+  if (!shell.order.empty()) {  // of a former tree, which would lead astray
+    shell.order.clear();
+    shell.root = ZBR_HL_QUAD();
+    for (unsigned i = 0; i < shell.count; ++i) shell.tris[i].quad = nullptr;
+  }
+  shell.occluders = std::make_shared<const ZBR_HL_SHELL::Occluders>(shell, extents, EnlargedBox(shell, t_tolerance.eps));
+  return extents;
+}
+
+void HideInItself(ZBR_HL_SHELL& shell) {
+  if (shell.done) return;
+  if (shell.count != 0) {
+    if (shell.prepared) {
+      shell.BuildQuad();
+    } else {
+      const std::vector<Extents> extents = PrepareShell(shell);
+      if (!shell.quad_built) BuildQuadOf(shell, extents);
+    }
+    Occluding itself{{&shell}};
+    HideShell(shell, itself);
+  }
+  shell.prepared = false;
+  shell.done = true;
+}
+
+}  // namespace zbr
+
+void ZBR_HL_SHELL::BuildQuad() {
+  if (!quad_built && occluders != nullptr && count != 0 && (prepared || done)) BuildQuadOf(*this, ExtentsOf(*this));
+}
+
 void ZBR_HL_SHELL::HiddenLineSelf() {
-  if (done) return;
-  if (count == 0) {
-    done = true;
-    return;
-  }
-  index = ZBR_HiddenLine::max_shell_index.fetch_add(1);
-  const std::vector<zbr::Extents> extents = CheckAll(*this);
-  if (!quad_built) {
-    order = OrderByHeight(extents);
-    ResetRoot(*this, zbr::t_tolerance.eps);
-    zbr::BuildQuad(root, extents, tris);
-    if (std::any_of(tris, tris + count, [](const ZBR_HL_TRI& t) { return t.IsTriInvalid(); })) QuadRemoveInvalid(root);
-    occluders = std::make_shared<const Occluders>(*this, extents);
-    quad_built = true;
-  }
-  ZBR_HiddenLine::HiddenLine_ShellByShell(*this, *this);
-  done = true;
+  if (!done && !prepared && count != 0) index = ZBR_HiddenLine::max_shell_index.fetch_add(1);
+  zbr::HideInItself(*this);
 }
 
 int& ZBR_HL_SHELL::GetTriOrder(int idx) {
@@ -253,7 +287,11 @@ void ZBR_HL_SHELL::Offset(const ZBR_PT3& d) {
   min_z += d.z();
   for (unsigned i = 0; i < count; ++i) tris[i].Offset(d);
   zbr::OffsetQuad(root, d.x(), d.y());
-  if (occluders != nullptr) occluders = std::make_shared<const Occluders>(*this, ExtentsOf(*this));
+  if (occluders != nullptr) {
+    const zbr::Box& old = occluders->pickable;
+    const zbr::Box moved{old.xmin + d.x(), old.ymin + d.y(), old.xmax + d.x(), old.ymax + d.y()};
+    occluders = std::make_shared<const Occluders>(*this, ExtentsOf(*this), moved);
+  }
   const ZBR_PT planar(d.x(), d.y());
   ZBR_LOOP::Offset(outline, planar);
   ZBR_LOOP::Offset(outline_all, planar);

@@ -13,13 +13,13 @@ namespace zbr {
 
 using ShellList = std::vector<const ZBR_HL_SHELL*>;
 
-// A box hierarchy over shells, in spatial order. The shells must stay in place, and their extents as they are.
+// A box hierarchy over shells that have triangles, in spatial order. The shells must stay in place, and their extents as they are.
 class ShellSearch {
  public:
-  explicit ShellSearch(std::span<const ZBR_HL_SHELL* const> shells);
+  explicit ShellSearch(std::span<const ZBR_HL_SHELL> shells);
 
   // Replaces `found` by the shells whose boxes meet the given one, widened by kBoxMargin, and reach the height; highest first,
-  // since what is nearest the viewer hides the most.
+  // since what is nearest the viewer hides the most. Of equal height the one that comes first in space.
   void Find(const Box& box, double minZ, ShellList& found) const;
 
  private:

@@ -64,13 +64,17 @@ int ZBR_HL_TRI::CheckPosZ(const ZBR_PT3& p, const ZBR_PT3& a, const ZBR_PT3& b) 
   return above < -t_tolerance.eps ? -1 : 0;
 }
 
-void ZBR_HL_TRI::CheckPos_TriToTri(const ZBR_HL_TRI& o) {
-  pos = {};
-  const double eps = t_tolerance.eps;
+ZBR_HL_POS_BIT zbr::PositionsAgainst(const ZBR_HL_TRI& t, const ZBR_HL_TRI& o, double contact) {
+  ZBR_HL_POS_BIT pos;
   for (unsigned k = 0; k < 3; ++k) {
-    const double d = o.normal.distance(pt[k]);
-    pos.bits[d > eps ? 0 : d < -eps ? 2 : 1] |= static_cast<unsigned char>(1U << k);
+    const double d = o.normal.distance(t.pt[k]);
+    pos.bits[d > contact ? 0 : d < -contact ? 2 : 1] |= static_cast<unsigned char>(1U << k);
   }
+  return pos;
+}
+
+void ZBR_HL_TRI::CheckPos_TriToTri(const ZBR_HL_TRI& o) {
+  pos = zbr::PositionsAgainst(*this, o, t_tolerance.eps);
 }
 
 bool ZBR_HL_TRI::CheckPos_TriToLineXY(const ZBR_PT3& a, const ZBR_PT3& b, ZBR_HL_POS_BIT& r) const {

@@ -67,6 +67,11 @@ ZBR_ZBREPE* ZBR_ZBREPS::GetEdge(int&& a, int&& b) {
   return GetEdge(a, b);
 }
 
+const ZBR_ZBREPE* ZBR_ZBREPS::GetEdge(int a, int b) const {
+  const int found = edgeMap_.Find(std::min(a, b), std::max(a, b));
+  return found < 0 ? nullptr : GetEdge(found);
+}
+
 void ZBR_ZBREPS::ResetParentShell() {
   for (ZBR_ZBREPT& t : triangles_) t.SetShell(this);
   for (ZBR_ZBREPE& e : edges_) e.SetShell(this);

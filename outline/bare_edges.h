@@ -23,9 +23,9 @@ struct BareEdges {
   std::vector<TriangleSide> sides;  // of the same number
 };
 
-// Those sides of the general triangles that do not cancel with the neighbour's across the same edge, which run the other way when
-// the two lie on opposite sides of it. The shells must have been classified. Sets `profile`: 0 for the edges of general triangles,
-// -1 for others.
+// Those sides of the triangles with a projected area that do not cancel with the neighbour's across the same edge, which run the
+// other way when the two lie on opposite sides of it. The shells must have been numbered. Sets `profile`: 0 for the edges of such
+// triangles, -1 for others.
 BareEdges CollectBareEdges(ZBR_HL_SHELL* shells, unsigned count);
 
 }  // namespace zbr

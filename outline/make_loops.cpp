@@ -5,11 +5,11 @@
 
 #include <zbr/outline.h>
 
+#include "arrangement/loop_builder.h"
 #include "core/box.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/extents.h"
-#include "arrangement/loop_builder.h"
 #include "segments/vertices.h"
 
 namespace {

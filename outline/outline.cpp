@@ -23,7 +23,7 @@ using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
 void Classify(ZBR_HL_SHELL* shells, unsigned count) {
   for (unsigned i = 0; i < count; ++i) {
-    if (shells[i].done) continue;
+    if (shells[i].done || shells[i].prepared) continue;
     const bool wasValid = shells[i].maxmin_valid;
     shells[i].GetMaxMin();
     shells[i].CheckTriangle();

@@ -2,9 +2,10 @@
 //
 // The edge of a projected triangle that runs counter-clockwise bounds the triangles' union just where nothing lies on its right.
 // So each triangle near the edge takes away the stretch along which it covers the right side: within its area, and along an edge
-// of its own if that runs the other way. The triangles are found by a walk over the quadtree like that of the hidden lines, but
-// regardless of height.
+// of its own if that runs the other way. The triangles are found by a walk over the quadtree like that of the hidden lines (or,
+// where that is not built, in the driver's tree), but regardless of height.
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include <zbr/hidden_line.h>
@@ -13,8 +14,8 @@
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/extents.h"
+#include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
-#include "hiddenline/quad.h"
 
 namespace {
 
@@ -81,16 +82,24 @@ void Uncover(const ZBR_HL_TRI& t, int edge, const ZBR_HL_TRI& u, Parts& parts) {
   std::erase_if(parts, [least](const ZBR_HL_INTERVAL& part) { return !(part.e.t - part.s.t > least); });
 }
 
+zbr::Box SearchBox(const ZBR_HL_TRI& t, int edge) {
+  return zbr::BoxOfSegment(t.pt[edge].xy(), t.pt[(edge + 1) % 3].xy()).Widened(zbr::kBoxMargin);
+}
+
+void TryUncover(const ZBR_HL_TRI& t, int edge, const ZBR_HL_TRI& u, Parts& parts) {
+  if (&u == &t || u.tri_state != zbr::kGeneral || !zbr::Overlap(SearchBox(t, edge), zbr::BoxOf(u))) return;
+  Uncover(t, edge, u, parts);
+}
+
 }  // namespace
 
 bool ZBR_HiddenLine::OutLine_TriByQuad(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& s, const ZBR_HL_QUAD& node,
                                        Parts& parts) {
-  const zbr::Box box = zbr::BoxOfSegment(t.pt[edge].xy(), t.pt[(edge + 1) % 3].xy()).Widened(zbr::kBoxMargin);
-  if (!zbr::Overlap(box, {node.min_x, node.min_y, node.max_x, node.max_y})) return parts.empty();
+  if (!zbr::Overlap(SearchBox(t, edge), {node.min_x, node.min_y, node.max_x, node.max_y})) return parts.empty();
   for (const int position : node.tris) {
     const ZBR_HL_TRI& u = s.tris[position];
     if (parts.empty()) break;
-    if (&u != &t && u.tri_state == zbr::kGeneral && zbr::Overlap(box, zbr::BoxOf(u))) Uncover(t, edge, u, parts);
+    TryUncover(t, edge, u, parts);
   }
   return parts.empty();
 }
@@ -107,7 +116,14 @@ bool ZBR_HiddenLine::OutLine_TriByChildQuad(const ZBR_HL_TRI& t, int edge, const
 void ZBR_HiddenLine::OutLine_TriByShell(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& s, Parts& parts) {
   if (t.tri_state != zbr::kGeneral) {
     parts.clear();
-  } else {
+  } else if (s.quad_built) {
     OutLine_TriByChildQuad(t, edge, s, s.root, parts);
+  } else if (s.occluders != nullptr) {
+    constexpr double kAnyHeight = std::numeric_limits<double>::lowest();
+    const zbr::OccluderTree& tree = s.occluders->tree;
+    tree.Search(tree.MakeQuery(SearchBox(t, edge), kAnyHeight), [&](int position) {
+      if (!parts.empty()) TryUncover(t, edge, s.tris[position], parts);
+      return !parts.empty();
+    });
   }
 }

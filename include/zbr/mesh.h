@@ -168,6 +168,8 @@ class ZBR_ZBREPS {
   // The edge joining two vertices, or null. Swaps a and b when a > b. Expected constant time.
   ZBR_API ZBR_ZBREPE* GetEdge(int& a, int& b);
   ZBR_API ZBR_ZBREPE* GetEdge(int&& a, int&& b);
+  // The same for reading, whichever comes first.
+  ZBR_API const ZBR_ZBREPE* GetEdge(int a, int b) const;
 
   // Makes room for as many edges as a closed surface without handles has, vertices + triangles - 2, and some more for handles and
   // borders.

@@ -39,9 +39,21 @@ struct ZBR_HL_OPT_PT {
 // no more.
 ZBR_API int zbrOptimizeSegs(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::vector<ZBR_PT>>& out);
 
+// The same with a tolerance of its own, and the source of each polyline. The tolerance is a length; 0, or none, stands for 1e-5 of
+// the larger side of all segments, so that the unit of a drawing does not matter. entered[k] lists the ends at which polyline k
+// enters its segments, in order: segment entered / 2, run forwards when entered is even. Segments left out (repeats, too short) are
+// in no list, each of the others in one. Points that are not removed come out as they went in.
+ZBR_API int zbrOptimizeSegs(std::vector<ZBR_HL_OPT_PT>& pts, std::vector<std::vector<ZBR_PT>>& out,
+                            std::vector<std::vector<int>>& entered, double tolerance = 0.0);
+
 // The visible lines of `count` shells as polylines in the XY plane: chains the visible intervals of all their triangles under a
 // tolerance of 0.001 (restored afterwards). Changes nothing in the shells. Output and result as zbrOptimizeSegs.
 ZBR_API int zbrOptimizeHiddenLine(const ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>& out, unsigned int count);
+
+// The same under a tolerance of the caller's, or 1e-5 of the drawing's larger side when it is 0: nothing is lost of a drawing in
+// metres. sources[k] receives the edges that polyline k runs along, in order.
+ZBR_API int zbrOptimizeHiddenLine(const ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>& out, unsigned int count,
+                                  std::vector<std::vector<ZBR_HL_SOURCE>>& sources, double tolerance = 0.0);
 
 // Closes directed pieces of a region's boundary into loops. Records 2k and 2k + 1 are the start and the end of piece k, which has
 // the region on its left; the order of the pieces is free. `loops` is replaced by outer loops (counter-clockwise, level 0) with

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <thread>
+#include <utility>
 
 #include "hiddenline/scenes.h"
 
@@ -173,9 +176,82 @@ TEST(Shell, TrianglesSurviveGrowthSortingAndReturn) {
   }
   const ZBR_HL_TRI constructed(tris[7]);  // copies nothing, intended
   EXPECT_TRUE(constructed.idx == -1 && constructed.intvl_v[1].empty());
-  ZBR_HL_TRI assigned;
-  assigned = tris[7];
-  EXPECT_TRUE(assigned.idx == 7 && assigned.intvl_v[1].size() == 1);
+  EXPECT_TRUE(tris[7].Clone().idx == 7 && tris[7].Clone().intvl_v[1].size() == 1);
+}
+
+// Boxes that share faces and lines, prepared in every order, by the driver or shell by shell: the same polylines to the bit.
+TEST(Driver, OrderOfPreparationChangesNothing) {
+  for (std::uint64_t seed = 0; seed < static_cast<std::uint64_t>(Scaled(12)); ++seed) {
+    std::string expected;
+    std::vector<unsigned> order = {0, 1, 2, 3};
+    do {
+      Random random(seed);
+      std::vector<Mesh> boxes;
+      for (int k = 0; k < 4; ++k) {
+        const ZBR_PT3 low(Below(random, 3), Below(random, 3), Below(random, 3));
+        boxes.push_back(example::Box(low, low + ZBR_PT3(1 + Below(random, 2), 1 + Below(random, 2), 1)));
+      }
+      Drawing drawing = Draw(boxes, RandomView(random));
+      Shells shells = drawing.Shells();
+      const bool oneByOne = order[0] % 2 == 1;
+      if (oneByOne) ZBR_HiddenLine::Prepare(shells.data(), 4);
+      for (const unsigned k : order) shells[k].HiddenLineSelf();
+      for (std::size_t k = 0; oneByOne && k < 16; ++k) {
+        if (order[k / 4] != k % 4) ZBR_HiddenLine::HiddenLine_ShellByShell(shells[order[k / 4]], shells[k % 4]);
+      }
+      Remove(shells);
+      std::vector<std::vector<ZBR_PT>> lines;
+      zbrOptimizeHiddenLine(shells.data(), lines, 4);
+      std::string text = StateText(shells) + std::to_string(lines.size());
+      for (std::size_t k = 1; k < 4; ++k) EXPECT_LT(shells[k - 1].index, shells[k].index);
+      if (expected.empty()) expected = text;
+      ASSERT_EQ(text, expected) << "seed " << seed << ", order " << order[0] << order[1] << order[2] << order[3];
+    } while (std::next_permutation(order.begin(), order.end()));
+  }
+}
+
+// Without quadtrees, cut into pieces, in whatever order they run: the same bits. What ends early or fails can be done again.
+TEST(Driver, RemovesAllWithAnExecutor) {
+  const auto scene = [](Random random) {
+    return Draw({example::Torus(9000), example::BoxesOnPlate(5, true, 3), example::Gear(300)}, RandomView(random));
+  };
+  for (std::uint64_t seed = 0; seed < 4; ++seed) {
+    Drawing drawings[] = {scene(Random(seed)), scene(Random(seed))};
+    Shells expected = drawings[0].Shells();
+    Shells shells = drawings[1].Shells();
+    const auto count = static_cast<unsigned>(shells.size());
+    const ZBR_TmpEps eps(seed == 0 ? 1e-6 : 1e-5);  // holds on all threads
+    Remove(expected);
+    ZBR_HL_REMOVAL options;
+    int calls = 0;
+    options.progress = [&](double done) { return done <= 1.0 && ++calls < 5; };
+    EXPECT_FALSE(ZBR_HiddenLine::RemoveAll(shells.data(), count, options));
+    options.progress = [](double) -> bool { throw std::bad_alloc(); };
+    EXPECT_THROW(ZBR_HiddenLine::RemoveAll(shells.data(), count, options), std::bad_alloc);
+    double last = 0.0;
+    options.progress = [&](double done) { return std::exchange(last, done) <= done; };
+    options.executor = [](std::size_t n, const std::function<void(std::size_t)>& work) {
+      std::thread other([&] {
+        for (std::size_t i = n; i-- > n / 2;) work(i);
+      });
+      for (std::size_t i = n / 2; i-- > 0;) work(i);
+      other.join();
+    };
+    EXPECT_TRUE(ZBR_HiddenLine::RemoveAll(shells.data(), count, options));
+    EXPECT_EQ(last, 1.0);
+    EXPECT_EQ(StateText(shells), StateText(expected));
+    EXPECT_TRUE(shells[0].done && !shells[0].quad_built && shells[0].tris[0].quad == nullptr);
+    // Walks that would use the quadtree do without it; built afterwards, it is the usual one.
+    for (unsigned k = 0; k < shells[0].count; ++k) {
+      for (Shells* list : {&shells, &expected}) ZBR_HiddenLine::HiddenLine_TriByShell((*list)[0].tris[k], (*list)[count - 1]);
+    }
+    EXPECT_EQ(StateText(shells), StateText(expected));
+    shells[0].BuildQuad();
+    EXPECT_TRUE(shells[0].order == expected[0].order && shells[0].root.tris == expected[0].root.tris);
+    std::vector<int> filed;
+    Collect(shells[0], shells[0].root, filed);
+    EXPECT_EQ(filed.size(), shells[0].count);
+  }
 }
 
 TEST(Driver, ObjectsAgainstEachOtherAreShellsTogether) {
@@ -330,6 +406,15 @@ TEST(Picking, AgreesWithAllTriangles) {
         double z = start;
         ASSERT_EQ(ZBR_HiddenLine::PickShells(p.x(), p.y(), shells.data(), count, z), every > start);
         ASSERT_EQ(z, every);
+        double walked = start;
+        for (const ZBR_HL_SHELL& shell : shells) ZBR_HiddenLine::PickChildQuad(ZBR_PT3(p.x(), p.y(), 0), shell, shell.root, walked);
+        ASSERT_EQ(walked, every);
+        double named = start;
+        ZBR_HL_SOURCE hit;
+        ASSERT_EQ(ZBR_HiddenLine::PickShells(p.x(), p.y(), shells.data(), count, named, hit), every > start);
+        double alone = start;
+        if (hit.shell >= 0) shells[static_cast<std::size_t>(hit.shell)].tris[hit.triangle].Pick(p, alone);
+        ASSERT_TRUE(alone == every && named == every && hit.edge == -1);
         ASSERT_TRUE(z >= p.z() - 1e-9 || std::abs(near.normal.normal().z()) < 1e-5) << family.name << " seed " << seed;
       }
     }

@@ -209,14 +209,20 @@ TEST(Pair, EdgeAgainstOccluder) {
   // Through a vertex and the side opposite it: beyond that side the edge comes out again.
   ExpectVisible({-1, 0, -1}, {3, 0, -1}, level, {0, 0.25, 0.5, 1});
   ExpectVisible({-1, 0.5, -1}, {3, 0.5, -1}, level, {0, 0.375, 0.5, 1});
-  ExpectVisible({-1, 0, 1}, {3, 0, 1}, level, {0, 1});                      // above
-  ExpectVisible({0.5, 0, -1}, {0.9, 0.1, -1}, level, {});                   // below, covered
-  ExpectVisible({-1, 0, 1}, {3, 0, -1}, level, {0, 1});                     // through the plane beyond the occluder
-  ExpectVisible({-1, 0, -1}, {3, 0, 1}, level, {0, 0.25, 0.5, 1});          // through the plane at the far side
-  ExpectVisible({-1, 0, -2.5}, {3, 0, 3.5}, level, {0, 0.25, 2.5 / 6, 1});  // through the occluder
-  ExpectVisible({0.5, 0, 0}, {0.75, 0.1, 0}, level, {0, 1});                // in it
-  ExpectVisible({1, -2, -1}, {1, 2, -1}, level, {0, 0.25, 0.75, 1});        // under its side
-  // Seen edge-on, it hides what lies straight below it.
+  ExpectVisible({-1, 0, 1}, {3, 0, 1}, level, {0, 1});                      // InFront
+  ExpectVisible({0.5, 0, -1}, {0.9, 0.1, -1}, level, {});                   // Behind, Apex
+  ExpectVisible({-1, 0, 1}, {3, 0, -1}, level, {0, 1});                     // Across, Beside
+  ExpectVisible({-1, 0, -1}, {3, 0, 1}, level, {0, 0.25, 0.5, 1});          // Across at the far side
+  ExpectVisible({-1, 0, -2.5}, {3, 0, 3.5}, level, {0, 0.25, 2.5 / 6, 1});  // Across inside it
+  ExpectVisible({0.5, 0, 0}, {0.75, 0.1, 0}, level, {0, 1});                // InPlane
+  ExpectVisible({1, -2, -1}, {1, 2, -1}, level, {0, 0.25, 0.75, 1});        // AlongEdge, Higher
+  ExpectVisible({-1, -2, -1}, {1, 2, -1}, level, {0, 1});                   // Touch
+  ExpectVisible({-1, 1, -1}, {1, -1, -1}, level, {0, 0.5});                 // AlongEdge, to a vertex and on below a side
+  ExpectVisible({0, -1, -1}, {0, 1, -1}, level, {0, 1});                    // Touch
+  ExpectVisible({1, -2, -1}, {1, 2, 1}, level, {0, 0.25, 0.5, 1});          // AlongEdge, Crossing
+  ExpectVisible({1, 2, -1}, {1, 5, -1}, level, {0, 1});                     // AlongEdge, Apart
+  ExpectVisible({1, -2, 0.5}, {1, 2, 0.1}, level, {0, 1});                  // InFront, over its side
+  // OnWall: seen edge-on, it hides what lies straight below it.
   ExpectVisible({-1, 0, -1}, {3, 0, -1}, {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(0.5, 0, 1)}, {0, 0.25, 0.5, 1});
 }
 
@@ -234,6 +240,50 @@ TEST(Pair, LineStaysWhenTheKeeperDoesNotDrawIt) {
       body.shell.HiddenLineSelf();
       EXPECT_EQ(body.tris[1].intvl_v[0].empty(), draws) << neighbours;
       EXPECT_EQ(body.tris[0].intvl_v[0].empty(), !draws) << neighbours;
+    }
+  }
+}
+
+// What is left of a triangle beside one neighbour across its edge 0, by the cases of neighbour.cpp: visible lengths of its edges.
+TEST(Pair, NeighbourCases) {
+  const ZBR_PT3 a(0, 0, 0);
+  const ZBR_PT3 b(4, 0, 0);
+  const struct {
+    const char* label;
+    ZBR_PT3 third, neighbours;  // the vertices beyond the shared edge
+    bool first;                 // the triangle comes before its neighbour, so that the shared edge is its own to draw
+    std::array<double, 3> visible;
+  } rows[] = {
+      {"GoesOn", {2, 4, 0}, {2, -4, 0}, true, {1, 1, 1}},
+      {"GoesOn, second", {2, 4, 0}, {2, -4, 0}, false, {0, 1, 1}},
+      {"FoldsInFront", {2, 2, 1}, {2, 4, 0}, true, {1, 1, 1}},
+      {"FoldsFlat", {2, 2, 0}, {2, 4, 0}, true, {1, 1, 1}},
+      {"FoldsBehind", {2, 2, -1}, {2, 4, 0}, true, {1, 0, 0}},
+      {"WallByFace, hanging", {2, 0, -4}, {2, 4, 0}, true, {0, 0, 0}},
+      {"WallByFace, standing", {2, 0, 4}, {2, 4, 0}, true, {0, 1, 1}},
+      {"FaceByWall, hanging", {2, 4, 0}, {2, 0, -4}, true, {1, 1, 1}},
+      {"FaceByWall, standing", {2, 4, 0}, {2, 0, 4}, true, {0, 1, 1}},
+      {"LongOverLong", {2, 0, 4}, {2, 0, -4}, true, {0, 1, 1}},
+      {"WallByWall", {2, 0, -4}, {2, 0, 4}, true, {0, 0, 0}},
+      {"Flanks", {8, 0, -4}, {10, 0, -9}, true, {1, 1, 0}},
+      {"Flanks, second", {8, 0, -4}, {10, 0, -9}, false, {0, 1, 0}},
+  };
+  for (const auto& row : rows) {
+    for (const bool reversed : {false, true}) {
+      Body body({{a, b, row.third}, {b, a, row.neighbours}});
+      if (reversed) body.tris[1].pt[0] = a, body.tris[1].pt[1] = b;
+      ZBR_HL_TRI& t = body.tris[0];
+      t.idx = row.first ? 0 : 2;
+      body.tris[1].idx = 1;
+      t.adj[0] = 1;
+      body.tris[1].adj[0] = t.idx;
+      body.Classified();
+      t.HiddenLine_TriByTri(body.tris[1]);
+      for (std::size_t i = 0; i < 3; ++i) {
+        double sum = 0.0;
+        for (const ZBR_HL_INTERVAL& v : t.intvl_v[i]) sum += v.e.t - v.s.t;
+        EXPECT_NEAR(sum, row.visible[i], 1e-9) << row.label << ", edge " << i << (reversed ? ", reversed" : "");
+      }
     }
   }
 }

@@ -237,6 +237,32 @@ TEST_P(OutlineOfScenes, OfAnySize) {
 
 INSTANTIATE_TEST_SUITE_P(Families, OutlineOfScenes, testing::ValuesIn(SceneFamilies()), testing::PrintToStringParamName());
 
+// A ring and a rod, narrower than what counts as a wall for the hidden lines, in their facets or altogether.
+TEST(OutlineOfSlenderParts, HasAllTheirArea) {
+  const auto at = [](int k, double r) { return ZBR_PT3(r * std::cos(k * 0.1), r * std::sin(k * 0.1), 0); };
+  for (const double width : {1e-4, 1e-5, 1e-6}) {
+    std::vector<Corners> ring;
+    double expected = 0.0;
+    for (int k = 0; k < 60; ++k) {
+      ring.push_back({at(k, 100), at(k, 100 + width), at(k + 1, 100 + width)});
+      ring.push_back({at(k, 100), at(k + 1, 100 + width), at(k + 1, 100)});
+    }
+    for (const Corners& t : ring) expected += (t[1].xy() - t[0].xy()).OuterProduct(t[2].xy() - t[0].xy()) / 2.0;
+    Drawing drawing = DrawTriangles(ring);
+    EXPECT_NEAR(ZBR_LOOP::get_area(OutlineOf(drawing)), expected, 1e-6 * width * 600);
+  }
+  for (const int sides : {64, 500}) {  // 0.1 mm thick, 1 m long, in metres
+    std::vector<Corners> rod;
+    const Mesh mesh = example::Cylinder(sides, 5e-5, 1.0);
+    for (const auto& t : mesh.triangles) {
+      Corners& c = rod.emplace_back();
+      for (std::size_t i = 0; i < 3; ++i) c[i] = {mesh.points[t[i]].z(), mesh.points[t[i]].x(), mesh.points[t[i]].y()};
+    }
+    Drawing drawing = DrawTriangles(rod);
+    EXPECT_NEAR(ZBR_LOOP::get_area(OutlineOf(drawing)), 1e-4, 1e-7);
+  }
+}
+
 TEST(OutlineLoops, CasesByName) {
   const struct {
     const char* name;

@@ -90,6 +90,41 @@ TEST(Chain, LeftmostVertexCountsThenOldest) {
   }
 }
 
+// A drawing of any size chains alike, to the bit when the factor is a power of two, and every polyline knows its segments.
+TEST(Chain, RelativeToleranceAndSources) {
+  const Chained drawing = ChainOf({{0, 0},
+                                   {50, 0},
+                                   {50.0004, 0},
+                                   {100, 0},
+                                   {100, 60},
+                                   {100, 0},
+                                   {7, 7},
+                                   {8, 8},
+                                   {8, 8},
+                                   {7, 7},
+                                   {100, 60},
+                                   {100.0004, 60},
+                                   {20, 20},
+                                   {30, 20},
+                                   {30, 20},
+                                   {30, 30},
+                                   {20, 20},
+                                   {30, 30}});
+  const std::vector<std::vector<int>> expected = {{0, 2, 5}, {6}, {12, 14, 17}};
+  for (const double factor : {1.0, 0x1p-10, 0x1p40, 0.001, 1e300, 1e-300}) {
+    std::vector<ZBR_HL_OPT_PT> ends = drawing.ends;
+    for (ZBR_HL_OPT_PT& end : ends) end.pt = end.pt * factor;
+    std::vector<std::vector<ZBR_PT>> lines;
+    std::vector<std::vector<int>> entered;
+    EXPECT_EQ(zbrOptimizeSegs(ends, lines, entered), 2);
+    EXPECT_EQ(entered, expected) << factor;
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0].size(), 3U);
+    EXPECT_TRUE(lines[0][1].x() == 100 * factor && lines[2][2].y() == 30 * factor);
+    EXPECT_EQ(zbrOptimizeSegs(ends, lines, entered, 1e-4 * factor), 3) << "the gap of 4e-4 stays";
+  }
+}
+
 TEST(Chain, PointsThatAreNotFiniteDoNoHarm) {
   const Chained got = ChainOf({{0, 0}, {NAN, 0}, {INFINITY, 1}, {-INFINITY, 1}, {1, 1}, {2, 2}, {1e308, 0}, {-1e308, 0}});
   EXPECT_GE(got.lines.size(), 1U);

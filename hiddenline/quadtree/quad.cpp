@@ -2,7 +2,7 @@
 //
 // A triangle goes down while its box lies strictly in one quadrant, so the triangles whose boxes can meet a given box are those
 // filed on one path from the root and in one subtree. Lists are partitioned stably, which keeps every list in decreasing height.
-#include "hiddenline/quad.h"
+#include "hiddenline/quadtree/quad.h"
 
 #include <array>
 #include <cstdint>

@@ -10,7 +10,7 @@
 #include "core/constants.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/extents.h"
-#include "hiddenline/quad.h"
+#include "hiddenline/quadtree/quad.h"
 
 namespace {
 
@@ -96,6 +96,11 @@ bool ZBR_HiddenLine::HiddenLine_TriByChildQuad(ZBR_HL_TRI& t, const ZBR_HL_SHELL
 }
 
 void ZBR_HiddenLine::HiddenLine_TriByShell(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s) {
+  if (!s.quad_built) {  // the driver's tree gives the same
+    zbr::HideWholeTriangle(t, s);
+    t.ShrinkInterval();
+    return;
+  }
   const bool yMajor = t.max_x - t.min_x <= t.max_y - t.min_y;
   const bool own = t.shell == &s;
   if (own && t.quad == nullptr) return;

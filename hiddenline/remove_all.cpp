@@ -1,0 +1,209 @@
+// Many shells at once, on as many threads as the caller gives.
+//
+// Two steps, each cut into pieces of work that do not disturb one another: shells are prepared one by one, then runs of triangles
+// lose what their own shell and the others hide. A triangle's visible intervals are written by the piece that it belongs to and
+// read by no other; what others read of it (vertices, plane, states) was written in the first step. Numbers are given beforehand by
+// position. So neither the number of threads nor their order changes a bit.
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <limits>
+#include <mutex>
+#include <vector>
+
+#include <zbr/hidden_line.h>
+
+#include "core/constants.h"
+#include "core/tolerance_state.h"
+#include "hiddenline/driver.h"
+
+namespace {
+
+// Triangles in one piece of work, of one large shell or of several small ones: some tenths of a second at most, and enough to make
+// up for handing it out.
+constexpr unsigned kPiece = 4096;
+// What preparing a triangle costs, compared with removing what hides it; for the progress alone.
+constexpr double kPreparingShare = 0.2;
+
+// Whole shells, or a part of one.
+struct Piece {
+  unsigned firstShell, endShell;
+  zbr::TriangleRange range;  // of each of them, as far as it has so many
+};
+
+// Runs pieces of work under the caller's tolerance, tells how far they are, ends early when asked to or when one fails.
+class Runner {
+ public:
+  Runner(const ZBR_HL_REMOVAL& options, double total) : options_(options), total_(total), eps_(zbr::t_tolerance.eps) {}
+
+  // False when it was ended early. What a piece of work throws is thrown here, after all have ended.
+  template <class Work>
+  bool Run(std::size_t count, Work work) {
+    const std::function<void(std::size_t)> guarded = [&](std::size_t i) {
+      if (ended_) return;
+      try {
+        const zbr::ToleranceScope scope(eps_);
+        Tell(work(i));
+      } catch (...) {
+        Fail(std::current_exception());
+      }
+    };
+    if (options_.executor) {
+      options_.executor(count, guarded);
+    } else {
+      for (std::size_t i = 0; i < count; ++i) guarded(i);
+    }
+    if (failure_) std::rethrow_exception(failure_);
+    return !ended_;
+  }
+
+ private:
+  void Tell(double worth) {
+    if (!options_.progress) return;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    done_ += worth;
+    if (!ended_ && !options_.progress(std::min(done_ / total_, 1.0))) ended_ = true;
+  }
+  void Fail(std::exception_ptr failure) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!failure_) failure_ = std::move(failure);
+    ended_ = true;
+  }
+
+  const ZBR_HL_REMOVAL& options_;
+  double total_;
+  double eps_;
+  std::atomic<bool> ended_{false};
+  std::mutex mutex_;
+  double done_ = 0.0;
+  std::exception_ptr failure_;
+};
+
+bool IsReady(const ZBR_HL_SHELL& shell) {
+  return shell.count == 0 || shell.prepared || shell.done;
+}
+
+std::vector<Piece> PiecesOf(const ZBR_HL_SHELL* shells, unsigned count) {
+  constexpr unsigned kAll = std::numeric_limits<unsigned>::max();
+  std::vector<Piece> pieces;
+  unsigned filled = kPiece;  // of the last piece
+  for (unsigned s = 0; s < count; ++s) {
+    const unsigned n = shells[s].count;
+    if (n < kPiece - filled) {
+      pieces.back().endShell = s + 1;
+      filled += n;
+    } else if (n < kPiece) {
+      pieces.push_back({s, s + 1, {0, kAll}});
+      filled = n;
+    } else {
+      for (unsigned begin = 0; begin < n; begin += std::min(kPiece, n - begin)) {
+        pieces.push_back({s, s + 1, {begin, begin + std::min(kPiece, n - begin)}});
+      }
+      filled = kPiece;
+    }
+  }
+  return pieces;
+}
+
+class Remover {
+ public:
+  Remover(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), pairs_(count), alone_(count) {}
+
+  // A small shell is hidden by itself at once, while it is in the cache.
+  void Prepare(std::size_t i) {
+    ZBR_HL_SHELL& shell = shells_[i];
+    alone_[i] = shell.done ? 1 : 0;
+    if (!IsReady(shell)) {
+      zbr::PrepareShell(shell);
+      shell.prepared = true;
+    }
+    if (shell.done || shell.count > kPiece) return;
+    const zbr::ToleranceScope scope(zbr::kOcclusionEps);
+    zbr::Occluding by;
+    HideAlone(i, {0, shell.count}, by, *zbr::ShellLists(&shell));
+    alone_[i] = 1;
+  }
+
+  // Removes from the triangles of a piece what hides them. Returns how many there are.
+  double Remove(const Piece& piece, const zbr::ShellSearch& search) {
+    const zbr::ToleranceScope scope(zbr::kOcclusionEps);
+    zbr::OwnLists own;
+    zbr::Occluding by;
+    double triangles = 0.0;
+    for (unsigned s = piece.firstShell; s < piece.endShell; ++s) {
+      ZBR_HL_SHELL& shell = shells_[s];
+      const zbr::TriangleRange range{piece.range.begin, std::min(piece.range.end, shell.count)};
+      const zbr::Scratch lists = own.Lend(zbr::ContactOf(shell));
+      if (alone_[s] == 0) HideAlone(s, range, by, lists);
+      zbr::FindOthersNear(shell, search, by);
+      pairs_[s] += zbr::HideTriangles(shell, range, by, lists);
+      triangles += range.end - range.begin;
+    }
+    return triangles;
+  }
+
+  void Finish() {
+    for (std::size_t s = 0; s < pairs_.size(); ++s) {
+      shells_[s].pairs_tried += pairs_[s];
+      shells_[s].done = true;
+    }
+  }
+
+ private:
+  void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {
+    by.shells.assign(1, &shells_[i]);
+    by.search = nullptr;
+    pairs_[i] += zbr::HideTriangles(shells_[i], range, by, lists);
+  }
+
+  ZBR_HL_SHELL* shells_;
+  // By shell:
+  std::vector<std::atomic<std::uint64_t>> pairs_;
+  std::vector<char> alone_;  // hidden by itself
+};
+
+// On every way out no shell is left prepared: those that are not done by then start afresh.
+class NothingPrepared {
+ public:
+  NothingPrepared(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), count_(count) {}
+  ~NothingPrepared() {
+    for (unsigned i = 0; i < count_; ++i) shells_[i].prepared = false;
+  }
+  NothingPrepared(const NothingPrepared&) = delete;
+  NothingPrepared& operator=(const NothingPrepared&) = delete;
+
+ private:
+  ZBR_HL_SHELL* shells_;
+  unsigned count_;
+};
+
+double TrianglesOf(const ZBR_HL_SHELL* shells, unsigned count) {
+  double sum = 0.0;
+  for (unsigned i = 0; i < count; ++i) sum += shells[i].count;
+  return sum;
+}
+
+}  // namespace
+
+bool ZBR_HiddenLine::RemoveAll(ZBR_HL_SHELL* shells, unsigned count, const ZBR_HL_REMOVAL& options) {
+  if (options.contact_tolerance > 0.0) {
+    for (unsigned i = 0; i < count; ++i) shells[i].contact_tolerance = options.contact_tolerance;
+  }
+  zbr::NumberInOrder(shells, count);
+  const NothingPrepared afterwards(shells, count);
+  Runner runner(options, TrianglesOf(shells, count));
+  Remover remover(shells, count);
+  const auto prepare = [&](std::size_t i) {
+    remover.Prepare(i);
+    return kPreparingShare * shells[i].count;
+  };
+  if (!runner.Run(count, prepare)) return false;
+  const std::vector<Piece> pieces = PiecesOf(shells, count);
+  const zbr::ShellSearch search({shells, count});
+  const auto remove = [&](std::size_t i) { return (1.0 - kPreparingShare) * remover.Remove(pieces[i], search); };
+  if (!runner.Run(pieces.size(), remove)) return false;
+  remover.Finish();
+  return true;
+}
