@@ -20,7 +20,10 @@
 #include <numeric>
 #include <utility>
 
-#include "arrangement/leaning_frame.h"
+Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand) {
+  if (edges.empty()) return;
+  EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
+  ZBR_CHECK(ArrangementFault(*this));
 #include "core/box_tree.h"
 #include "core/radix_sort.h"
 
@@ -395,7 +398,9 @@ void EdgeCutter::MergeLines() {
 }
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand) {
-  if (!edges.empty()) EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
+  if (edges.empty()) return;
+  EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
+  ZBR_CHECK(ArrangementFault(*this));
 }
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges)

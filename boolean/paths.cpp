@@ -7,6 +7,9 @@
 // links that are shortened as they are followed, so that finding all paths is linear but for a factor nobody can measure.
 #include "boolean/paths.h"
 
+#include "boolean/check.h"
+#include "core/assert.h"
+
 namespace zbr {
 
 void SideOrder::FindRuns(const std::vector<PlacedCrossing>& sorted) {
@@ -108,6 +111,7 @@ bool PathFinder::Find(bool forwardA, bool forwardB) {
       const std::size_t begin = items_.size();
       if (Trace(start)) {
         ends_.push_back(items_.size());
+        ZBR_CHECK(PathFault(path(ends_.size() - 1)));
       } else {
         items_.resize(begin);
         allClosed = false;

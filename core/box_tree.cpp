@@ -3,6 +3,8 @@
 
 #include <numeric>
 
+#include "core/assert.h"
+#include "core/check.h"
 #include "core/radix_sort.h"
 
 namespace zbr {
@@ -25,6 +27,7 @@ void BoxTree::BuildInner() {
     Box* boxes = boxes_.data() + begin_[static_cast<std::size_t>(level)];
     for (std::uint32_t i = 0; i < count; ++i) boxes[i / kFanOut].Add(below[i]);
   }
+  ZBR_CHECK(BoxTreeFault(*this));
 }
 
 BoxJoin::Frame BoxJoin::Keep(const Box& box, int level, std::size_t begin, std::size_t count) {

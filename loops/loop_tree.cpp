@@ -9,9 +9,11 @@
 
 #include <zbr/loop.h>
 
+#include "core/assert.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "loops/check.h"
 #include "loops/nesting.h"
 
 namespace {
@@ -117,5 +119,7 @@ void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
     std::erase_if(loops, [eps](const std::shared_ptr<ZBR_LOOP>& loop) { return IsDegenerate(*loop, eps); });
   }
   SortBySize(loops);
-  if (!allDegenerate) loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
+  if (allDegenerate) return;
+  loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
+  ZBR_CHECK(zbr::NestingFault(loops, eps));
 }
