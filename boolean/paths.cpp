@@ -9,6 +9,7 @@
 
 #include "boolean/check.h"
 #include "core/assert.h"
+#include "core/cost.h"
 
 namespace zbr {
 
@@ -57,6 +58,7 @@ void PathFinder::Walk::Start(const SideOrder& side, bool walksForward, const std
 
 std::uint32_t PathFinder::Walk::FirstFrom(std::uint32_t w) {
   while (skip[w] != w) {
+    ZBR_COUNT(crossings, 1);
     skip[w] = skip[skip[w]];
     w = skip[w];
   }
@@ -126,6 +128,7 @@ bool PathFinder::Trace(std::uint32_t start) {
   items_.push_back(start);
   std::uint32_t y = start;
   for (;;) {
+    ZBR_COUNT(crossings, 1);
     const std::uint32_t x = alongA_.Next(y);
     if (x == kNone) {
       if (y == start) Finish(start);

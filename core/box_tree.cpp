@@ -32,6 +32,7 @@ void BoxTree::BuildInner() {
 
 BoxJoin::Frame BoxJoin::Keep(const Box& box, int level, std::size_t begin, std::size_t count) {
   Reserve(count);
+  ZBR_COUNT(nodes, count);
   const Box* boxes = b_.Level(level);
   std::uint32_t* out = stack_.data() + top_;
   std::size_t kept = 0;
@@ -47,6 +48,7 @@ BoxJoin::Frame BoxJoin::Keep(const Box& box, int level, std::size_t begin, std::
 
 BoxJoin::Frame BoxJoin::Split(const Box& box, const Frame& nodes) {
   Reserve(nodes.count * BoxTree::kFanOut);
+  ZBR_COUNT(nodes, nodes.count * BoxTree::kFanOut);
   const Box* boxes = b_.Level(nodes.level - 1);
   const std::uint32_t count = b_.Count(nodes.level - 1);
   std::uint32_t* out = stack_.data() + top_;

@@ -50,12 +50,12 @@ TEST(Clip, RegionsWithoutRingsHoldNothing) {
   const Pieces segments = {{{0, 0, 0}, {1, 0, 1}}, {{0, 0, 0}, {0, 0, 1}}};
   const LoopList regions[] = {{}, {nullptr}, ParseLoops("0 0, 1 0"), MakeLoops({Ring()})};
   for (const LoopList& region : regions) {
-    Clip clip;
-    EXPECT_EQ(zbrClipSegs(segments, region, clip.sides[1], &clip.sides[0]), 0);
-    EXPECT_TRUE(Same(clip.sides[0], segments));
-    EXPECT_EQ(zbrClipSegs(segments, region.empty() ? nullptr : region[0], clip.sides[1], nullptr), 0);
-    Polylines inside;
-    EXPECT_EQ(zbrClipPolyline({{0, 0, 0}, {1, 0, 1}}, region, inside, nullptr), 0);
+    Pieces inside, outside;
+    EXPECT_EQ(zbrClipSegs(segments, region, inside, &outside), 0);
+    EXPECT_TRUE(Same(outside, segments));
+    EXPECT_EQ(zbrClipSegs(segments, region.empty() ? nullptr : region[0], inside, nullptr), 0);
+    Polylines lines;
+    EXPECT_EQ(zbrClipPolyline({{0, 0, 0}, {1, 0, 1}}, region, lines, nullptr), 0);
   }
 }
 
