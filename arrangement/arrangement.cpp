@@ -20,8 +20,11 @@
 #include <numeric>
 #include <utility>
 
+#include "arrangement/check.h"
 #include "arrangement/leaning_frame.h"
+#include "core/assert.h"
 #include "core/box_tree.h"
+#include "core/cost.h"
 #include "core/radix_sort.h"
 
 namespace zbr {
@@ -248,6 +251,7 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
     hits.clear();
     for (const std::uint32_t group : near) {
       const std::size_t end = std::min<std::size_t>(order.size(), (group + 1) * std::size_t{kGroup});
+      ZBR_COUNT(pairs, end - group * std::size_t{kGroup});
       for (std::size_t k = group * std::size_t{kGroup}; k < end; ++k) {
         const std::uint32_t v = firstVertex + order[k];
         if (v != line.from && v != line.to && isHit(line, v)) hits.push_back(v);
@@ -316,6 +320,7 @@ double RoundedPlace(double p, double d, const Int128& share, const Int128& whole
 
 // Ends that lie on the other line are vertices already, so only proper crossings count.
 void EdgeCutter::Cross(const Line& a, const Line& b) {
+  ZBR_COUNT(pairs, 1);
   const GridPoint p = Node(a.from);
   const GridPoint q = Node(a.to);
   const GridPoint r = Node(b.from);
@@ -395,7 +400,9 @@ void EdgeCutter::MergeLines() {
 }
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand) {
-  if (!edges.empty()) EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
+  if (edges.empty()) return;
+  EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
+  ZBR_CHECK(ArrangementFault(*this));
 }
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges)

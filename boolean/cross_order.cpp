@@ -12,8 +12,10 @@
 
 #include <zbr/boolean.h>
 
+#include "boolean/check.h"
 #include "boolean/cross_clean.h"
 #include "boolean/spot_order.h"
+#include "core/assert.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
 
@@ -256,6 +258,7 @@ bool CleanCrossings(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>
     cleaner.ResortBoth();
   }
   cleaner.Number();
+  ZBR_CHECK(SortedFault(crosses, sorted.side, t_tolerance.eps));
   if (bothClosed) cleaner.LookAtTurns();
   return cleaner.IsCertain();
 }

@@ -20,6 +20,7 @@
 #include "boolean/contact.h"
 #include "boolean/polygons.h"
 #include "boolean/search.h"
+#include "core/cost.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
 #include "core/small_sort.h"
@@ -171,6 +172,7 @@ class CrossingSearch {
       const std::uint32_t last = indexB_.LastSlot(leaf);
       std::uint32_t j = other.Vertex(leaf.first);
       unsigned beyond = SidesBeyond(other.points[j], edgeBox);
+      ZBR_COUNT(pairs, last - leaf.first);
       for (std::uint32_t edge = leaf.first; edge < last; ++edge) {
         const std::uint32_t from = j;
         const unsigned beyondFrom = beyond;

@@ -7,6 +7,10 @@
 // links that are shortened as they are followed, so that finding all paths is linear but for a factor nobody can measure.
 #include "boolean/paths.h"
 
+#include "boolean/check.h"
+#include "core/assert.h"
+#include "core/cost.h"
+
 namespace zbr {
 
 void SideOrder::FindRuns(const std::vector<PlacedCrossing>& sorted) {
@@ -54,6 +58,7 @@ void PathFinder::Walk::Start(const SideOrder& side, bool walksForward, const std
 
 std::uint32_t PathFinder::Walk::FirstFrom(std::uint32_t w) {
   while (skip[w] != w) {
+    ZBR_COUNT(crossings, 1);
     skip[w] = skip[skip[w]];
     w = skip[w];
   }
@@ -108,6 +113,7 @@ bool PathFinder::Find(bool forwardA, bool forwardB) {
       const std::size_t begin = items_.size();
       if (Trace(start)) {
         ends_.push_back(items_.size());
+        ZBR_CHECK(PathFault(path(ends_.size() - 1)));
       } else {
         items_.resize(begin);
         allClosed = false;
@@ -122,6 +128,7 @@ bool PathFinder::Trace(std::uint32_t start) {
   items_.push_back(start);
   std::uint32_t y = start;
   for (;;) {
+    ZBR_COUNT(crossings, 1);
     const std::uint32_t x = alongA_.Next(y);
     if (x == kNone) {
       if (y == start) Finish(start);

@@ -3,6 +3,8 @@
 
 #include <numeric>
 
+#include "core/assert.h"
+#include "core/check.h"
 #include "core/radix_sort.h"
 
 namespace zbr {
@@ -25,10 +27,12 @@ void BoxTree::BuildInner() {
     Box* boxes = boxes_.data() + begin_[static_cast<std::size_t>(level)];
     for (std::uint32_t i = 0; i < count; ++i) boxes[i / kFanOut].Add(below[i]);
   }
+  ZBR_CHECK(BoxTreeFault(*this));
 }
 
 BoxJoin::Frame BoxJoin::Keep(const Box& box, int level, std::size_t begin, std::size_t count) {
   Reserve(count);
+  ZBR_COUNT(nodes, count);
   const Box* boxes = b_.Level(level);
   std::uint32_t* out = stack_.data() + top_;
   std::size_t kept = 0;
@@ -44,6 +48,7 @@ BoxJoin::Frame BoxJoin::Keep(const Box& box, int level, std::size_t begin, std::
 
 BoxJoin::Frame BoxJoin::Split(const Box& box, const Frame& nodes) {
   Reserve(nodes.count * BoxTree::kFanOut);
+  ZBR_COUNT(nodes, nodes.count * BoxTree::kFanOut);
   const Box* boxes = b_.Level(nodes.level - 1);
   const std::uint32_t count = b_.Count(nodes.level - 1);
   std::uint32_t* out = stack_.data() + top_;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/box.h"
+#include "core/cost.h"
 
 namespace zbr {
 
@@ -63,6 +64,7 @@ void BoxTree::Walk(Enter enter, Leaf leaf) const {
     const std::uint32_t count = Count(node.level - 1);
     const std::uint32_t last = first + kFanOut < count ? first + kFanOut : count;
     const Box* boxes = Level(node.level - 1);
+    ZBR_COUNT(nodes, last - first);
     for (std::uint32_t i = last; i-- > first;) {
       if (enter(boxes[i], node.level - 1, i)) stack[depth++] = {node.level - 1, i};
     }

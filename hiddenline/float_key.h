@@ -2,10 +2,11 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+
+#include "core/bits.h"
 
 namespace zbr {
 
@@ -18,7 +19,7 @@ inline float ToFloat(double d) {
 // Ascending in f; what is no number comes first.
 inline std::uint32_t FloatKey(float f) {
   if (std::isnan(f)) return 0;
-  const auto bits = std::bit_cast<std::uint32_t>(f + 0.0F);  // one zero
+  const auto bits = BitsOf(f + 0.0F);  // one zero
   constexpr std::uint32_t kSign = std::uint32_t{1} << 31U;
   return (bits & kSign) != 0 ? ~bits : bits | kSign;
 }

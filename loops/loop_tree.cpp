@@ -4,14 +4,16 @@
 // deep; a region has two. Material and void alternate with depth, so every second level becomes an outer loop of its own: an island
 // in a hole moves to the top, its holes stay with it.
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 #include <zbr/loop.h>
 
+#include "core/assert.h"
+#include "core/bits.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "loops/check.h"
 #include "loops/nesting.h"
 
 namespace {
@@ -26,7 +28,7 @@ struct SizedLoop {
 
 // The bits of a non-negative double ascend with its value, so their complement descends.
 std::uint64_t DescendingKey(double area) {
-  return std::isfinite(area) ? ~std::bit_cast<std::uint64_t>(std::fabs(area)) : ~std::uint64_t{0};
+  return std::isfinite(area) ? ~zbr::BitsOf(std::fabs(area)) : ~std::uint64_t{0};
 }
 
 void SortBySize(LoopList& loops) {
@@ -117,5 +119,7 @@ void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
     std::erase_if(loops, [eps](const std::shared_ptr<ZBR_LOOP>& loop) { return IsDegenerate(*loop, eps); });
   }
   SortBySize(loops);
-  if (!allDegenerate) loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
+  if (allDegenerate) return;
+  loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
+  ZBR_CHECK(zbr::NestingFault(loops, eps));
 }

@@ -10,6 +10,7 @@
 // enumerated loop by loop without being stored.
 #include "loops/nesting.h"
 
+#include "core/cost.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
 
@@ -102,6 +103,7 @@ class Inserter {
 
   // Notes whether x lies inside y.
   void Decide(std::uint32_t x, std::uint32_t y) {
+    ZBR_COUNT(pairs, 1);
     if (x == y || !IsLoopInside(probes_[x], probes_[y], eps_, scratch_)) return;
     inclusions_.push_back(x > y ? Inclusion{x, y, true} : Inclusion{y, x, false});
   }

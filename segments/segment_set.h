@@ -14,6 +14,7 @@
 #include <zbr/planar.h>
 #include <zbr/spatial.h>
 
+#include "core/bits.h"
 #include "core/spatial_inline.h"
 #include "core/tolerance_cell.h"
 #include "core/tolerance_state.h"
@@ -90,7 +91,7 @@ class SegmentSet {
     for (std::size_t end = 0; end < 2; ++end) {
       std::uint64_t h = 0;
       for (std::size_t i = 0; i < cells.size() / 2; ++i) {
-        h = (h ^ std::bit_cast<std::uint64_t>(cells[end * cells.size() / 2 + i])) * 0x9e3779b97f4a7c15ULL;
+        h = (h ^ BitsOf(cells[end * cells.size() / 2 + i])) * 0x9e3779b97f4a7c15ULL;
         h ^= h >> 29U;
       }
       sum += h * 0xbf58476d1ce4e5b9ULL;

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 
+#include "core/bits.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_cell.h"
 #include "core/tolerance_state.h"
@@ -21,8 +22,8 @@ VertexGrid::VertexGrid(std::size_t expected)
 }
 
 std::size_t VertexGrid::Bucket(double cellX, double cellY) const {
-  std::uint64_t h = std::bit_cast<std::uint64_t>(cellX) * 0x9e3779b97f4a7c15ULL;
-  h = ((h ^ h >> 29U) + std::bit_cast<std::uint64_t>(cellY)) * 0xbf58476d1ce4e5b9ULL;
+  std::uint64_t h = BitsOf(cellX) * 0x9e3779b97f4a7c15ULL;
+  h = ((h ^ h >> 29U) + BitsOf(cellY)) * 0xbf58476d1ce4e5b9ULL;
   return static_cast<std::size_t>(h ^ h >> 32U) & (first_.size() - 1);
 }
 

@@ -5,6 +5,13 @@
 #include <charconv>
 #include <cmath>
 
+#if !defined(__cpp_lib_to_chars)
+#include <locale.h>
+
+#include <cerrno>
+#include <cstdlib>
+#endif
+
 namespace tool {
 namespace {
 
@@ -23,6 +30,22 @@ std::optional<T> ParseWhole(std::string_view token) {
   if (error != std::errc() || stop != end) return std::nullopt;
   return value;
 }
+
+#if !defined(__cpp_lib_to_chars)
+// Standard libraries that can't yet parse doubles: by the C library, in the "C" locale whatever the program's is, and without what
+// std::from_chars does not take (blanks, a second sign, hexadecimal digits, numbers that round to zero).
+template <>
+std::optional<double> ParseWhole<double>(std::string_view token) {
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  const std::string text(WithoutPlus(token));
+  if (text.empty() || text.find_first_of("+xX \t\n\v\f\r") < text.find_first_of("eE")) return std::nullopt;
+  char* stop = nullptr;
+  errno = 0;
+  const double value = strtod_l(text.c_str(), &stop, plain);
+  if (stop != text.c_str() + text.size() || (errno == ERANGE && value == 0.0)) return std::nullopt;
+  return value;
+}
+#endif
 
 std::string Formatted(double value, std::chars_format format, int precision) {
   std::array<char, 512> buffer;  // the longest double takes 309 digits before the point

@@ -9,6 +9,7 @@
 #include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 
 namespace tool {
@@ -49,8 +50,11 @@ class CellTable {
 
 // Adding zero turns -0 into 0, to which it is equal.
 Cell CellOfPosition(const ZBR_PT3& p) {
-  return {std::bit_cast<std::uint64_t>(p.x() + 0.0), std::bit_cast<std::uint64_t>(p.y() + 0.0),
-          std::bit_cast<std::uint64_t>(p.z() + 0.0)};
+  const double places[] = {p.x() + 0.0, p.y() + 0.0, p.z() + 0.0};
+  Cell cell;
+  static_assert(sizeof cell == sizeof places);
+  std::memcpy(&cell, places, sizeof cell);
+  return cell;
 }
 
 // Keeps the points near which none is kept: find(table, p, cell) gives a kept point, or kNone. Returns where each point went.

@@ -1,4 +1,4 @@
-// Boolean combinations by named case. Expected are the areas of A - B, B - A, union, intersection and symmetric difference.
+// The calls of the Boolean and their limits. What it makes of shapes by name: data/booleans.txt.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,76 +10,6 @@
 namespace {
 
 constexpr const char* kUnit = "0 0, 1 0, 1 1, 0 1";
-
-struct Row {
-  const char* what;
-  const char* a;
-  const char* b;
-  const char* expected;
-};
-
-void ExpectAll(const std::vector<Row>& rows) {
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    ExpectBoolean(row.a, row.b, row.expected);
-  }
-}
-
-TEST(Boolean, Crossing) {
-  ExpectAll({
-      {"a spear through one edge: the walk goes all the way round", "0 0, 4 0, 4 4, 0 4", "1 -1, 3 -1, 2 1",
-       "15.5:1+0 1.5:1+0 17.5:1+0 0.5:1+0 17:2+0"},
-      {"combs close a row of holes", "0 0, 7 0, 7 3, 6 3, 6 1, 5 1, 5 3, 4 3, 4 1, 3 1, 3 3, 2 3, 2 1, 1 1, 1 3, 0 3",
-       "0 2, 7 2, 7 4, 0 4", "11:1+0 10 25:1+3 4:4+0 21"},
-      {"a ring cut through its hole", "0 0, 6 0, 6 6, 0 6; 2 2, 4 2, 4 4, 2 4", "3 -1, 9 -1, 9 7, 3 7",
-       "16:1+0 32 64:1+1 16:1+0 48"},
-      {"crossing at a vertex of both", "0 0, 2 2, 0 4", "1 2, 2 2, 4 0, 4 4, 1 3", "3.5 6 10 0.5 9.5"},
-  });
-}
-
-TEST(Boolean, SharedEdges) {
-  ExpectAll({
-      {"side by side, shorter", "0 0, 3 0, 3 3, 0 3", "3 1, 4 1, 4 2, 3 2", "9:1+0 1:1+0 10:1+0 0:0+0 10"},
-      {"inside, along one side", "0 0, 3 0, 3 3, 0 3", "0 1, 1 1, 1 2, 0 2", "8:1+0 0:0+0 9:1+0 1:1+0 8:1+0"},
-      {"a plug fills a hole but for a slit", "0 0, 5 0, 5 5, 0 5; 1 1, 4 1, 4 4, 1 4", "1 1, 3 1, 3 4, 1 4",
-       "16:1+1 6:1+0 22:1+1 0:0+0 22"},
-      {"hole touching the other's outer loop", "0 0, 6 0, 6 6, 0 6; 2 2, 4 2, 4 4, 2 4", "2 2, 4 2, 3 3", "32 1 33 0 33"},
-  });
-}
-
-// Polygons that no crossing touches, each row a relation of A's polygon to B; operands are exchanged too, which covers B's columns.
-TEST(Boolean, PolygonsWithoutCrossings) {
-  ExpectAll({
-      {"loop outside", kUnit, "5 5, 7 5, 7 7, 5 7", "1:1+0 4:1+0 5:2+0 0:0+0 5:2+0"},
-      {"loop inside", kUnit, "-1 -1, 2 -1, 2 2, -1 2", "0:0+0 8:1+1 9:1+0 1:1+0 8:1+1"},
-      {"loop in a hole", kUnit, "-3 -3, 4 -3, 4 4, -3 4; -1 -1, 2 -1, 2 2, -1 2", "1:1+0 40:1+1 41:2+1 0:0+0 41:2+1"},
-      {"loop same as a loop", kUnit, "1 0, 1 1, 0 1, 0 0", "0:0+0 0:0+0 1:1+0 1:1+0 0:0+0"},
-      {"loop same as a hole", "-1 -1, 2 -1, 2 2, -1 2", "-3 -3, 4 -3, 4 4, -3 4; -1 -1, 2 -1, 2 2, -1 2",
-       "9:1+0 40:1+1 49:1+0 0:0+0 49:1+0"},
-      {"hole outside", "0 0, 6 0, 6 6, 0 6; 1 1, 2 1, 2 2, 1 2", "4 -1, 9 -1, 9 7, 4 7", "23:1+1 28 63:1+1 12:1+0 51"},
-      {"hole inside", "0 0, 6 0, 6 6, 0 6; 1 1, 2 1, 2 2, 1 2", "-1 -1, 7 -1, 7 7, -1 7", "0:0+0 29:2+1 64:1+0 35:1+1 29:2+1"},
-      {"hole in a hole", "0 0, 6 0, 6 6, 0 6; 2 2, 3 2, 3 3, 2 3", "0 -9, 9 -9, 9 9, 0 9; 1 1, 5 1, 5 5, 1 5",
-       "15:1+1 126 161:1+1 20:1+1 141"},
-      {"hole same as a loop", "0 0, 6 0, 6 6, 0 6; 1 1, 2 1, 2 2, 1 2", "1 1, 2 1, 2 2, 1 2", "35:1+1 1:1+0 36:1+0 0:0+0 36:1+0"},
-      {"hole same as a hole", "0 0, 6 0, 6 6, 0 6; 2 2, 3 2, 3 3, 2 3", "1 1, 5 1, 5 5, 1 5; 2 2, 3 2, 3 3, 2 3",
-       "20:1+1 0:0+0 35:1+1 15:1+1 20:1+1"},
-      {"empty operand", "", kUnit, "0:0+0 1:1+0 1:1+0 0:0+0 1:1+0"},
-      {"both empty", "", "", "0:0+0 0:0+0 0:0+0 0:0+0 0:0+0"},
-  });
-}
-
-// An island inside a hole stands behind its outer loop in the list: the first loop that contains a polygon need not be the
-// innermost.
-TEST(Boolean, InnermostContainerDecides) {
-  constexpr const char* kTarget = "0 0, 12 0, 12 12, 0 12; 1 1, 11 1, 11 11, 1 11; 2 2, 10 2, 10 10, 2 10";
-  ExpectAll({
-      {"a square on the island", "5 5, 6 5, 6 6, 5 6", kTarget, "0:0+0 107:2+2 108:2+1 1:1+0 107:2+2"},
-      {"the same without it", "0 0, 12 0, 12 12, 0 12; 1 1, 11 1, 11 11, 1 11; 2 2, 10 2, 10 10, 2 10; 5 5, 6 5, 6 6, 5 6", kTarget,
-       "0:0+0 1:1+0 108:2+1 107:2+2 1:1+0"},
-      {"the island itself", "2 2, 10 2, 10 10, 2 10", kTarget, "0:0+0 44:1+1 108:2+1 64:1+0 44:1+1"},
-      {"around the island, in the hole", "1.5 1.5, 10.5 1.5, 10.5 10.5, 1.5 10.5", kTarget, "17:1+1 44:1+1 125:2+1 64:1+0 61:2+2"},
-  });
-}
 
 TEST(Boolean, OperandsStayAndResultsAreNew) {
   const LoopList A = ParseRegion("0 0, 6 0, 6 6, 0 6; 2 2, 4 2, 4 4, 2 4");

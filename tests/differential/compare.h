@@ -1,4 +1,4 @@
-// Equality to the last bit between what the library and what the literal form give.
+// Equality to the last bit between what the library and what trying all pairs give.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The library, which searches with indexes, against the literal form, which tries all pairs: equal to the last bit.
+// The library, which searches with indexes, against trying all pairs: equal to the last bit.
 #include <gtest/gtest.h>
 
 #include <cstdio>

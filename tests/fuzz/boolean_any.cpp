@@ -33,7 +33,7 @@ void Fuzz(Bytes& bytes) {
   std::vector<ZBR_CROSS> crosses, expected;
   zbrGetLoopsCross(A, B, crosses);
   literal::GetLoopsCross(literal::FromZbr(A), literal::FromZbr(B), expected, literal::Tol(1e-5));
-  Require(wild || SameCrosses(crosses, expected), "crossings are the literal ones", describe);
+  Require(wild || SameCrosses(crosses, expected), "crossings are those of all pairs", describe);
   zbrCheckPolyBoolean(A, B, true);
   const BooleanResults got = RunAll(A, B);
   for (const LoopList& loops : got.loops) {

@@ -1,5 +1,5 @@
 // Sound regions with whole coordinates and every kind of coincidence: areas add up, and are those of the cells where these are the
-// same for both; crossings and loops are those of the literal form.
+// same for both; crossings and loops are those of trying all pairs.
 #include "differential/compare.h"
 #include "fuzz/regions.h"
 
@@ -22,9 +22,9 @@ void Fuzz(Bytes& bytes) {
   Require(!sameCells || std::abs(areas[3] - common) < 1e-8, "what is in both are the common cells", describe);
   const auto expected = literal::BooleanLoops(literal::FromZbr(A), literal::FromZbr(B), {kOps.begin(), kOps.end()});
   const bool isFree = expected.manyAtOneSpot;  // then their ranking is
-  Require(isFree || SameCrosses(got.crosses, expected.crosses), "crossings are the literal ones", describe);
+  Require(isFree || SameCrosses(got.crosses, expected.crosses), "crossings are those of all pairs", describe);
   for (std::size_t k = 0; k < kOps.size(); ++k) {
     Require(bool(IsNested(got.loops[k], kBooleanEps)), "results are nested", describe);
-    Require(isFree || SameLoops(got.loops[k], expected.loops[k]), "loops are the literal ones", describe);
+    Require(isFree || SameLoops(got.loops[k], expected.loops[k]), "loops are those of all pairs", describe);
   }
 }

@@ -1,4 +1,4 @@
-// Nesting and point location on any rings, against their literal forms.
+// Nesting and point location on any rings, against trying all pairs.
 #include "differential/compare.h"
 #include "fuzz/regions.h"
 
@@ -9,7 +9,7 @@ void Location(const Ring& ring, const ZBR_PT& p, const literal::Tol& tol) {
   std::vector<ZBR_POS_PT_PT> pos;
   const ZBR_POLY_INSIDE got = zbrIsInside(p, *loop, pos);
   const auto describe = [&] { return ToText({MakeLoop({p}), loop}); };
-  Require(got == literal::IsInside(p, *literal::FromRing(ring), pos, tol), "the place is the literal one", describe);
+  Require(got == literal::IsInside(p, *literal::FromRing(ring), pos, tol), "the place is that of all pairs", describe);
   Require(got == ZBR_PI_UNKNOWN || ZBR_LOOP_LOCATOR(*loop).IsInside(p) == got, "the locator agrees", describe);
 }
 
@@ -29,6 +29,6 @@ void Fuzz(Bytes& bytes) {
   region.IsInside(bytes.Point(true));
   if (wild) return;
   literal::MakeLoopTree(expected, tol);
-  Require(bool(SameLoops(tree, expected)), "the tree is the literal one", [&] { return ToText(MakeLoops(rings)); });
+  Require(bool(SameLoops(tree, expected)), "the tree is that of all pairs", [&] { return ToText(MakeLoops(rings)); });
   for (const Ring& ring : rings) Location(ring, bytes.Point(false), tol);
 }

@@ -1,4 +1,4 @@
-// Point and loop inclusion by named case.
+// Point and loop inclusion: limits and forms. By named case: data/locations.txt, data/relations.txt.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -6,39 +6,6 @@
 #include "support/shapes.h"
 
 namespace {
-
-constexpr double kEps = 1e-5;
-constexpr const char* kUnit = "0 0, 1 0, 1 1, 0 1";
-
-ZBR_POLY_INSIDE Where(const ZBR_PT& p, const char* ring) {
-  std::vector<ZBR_POS_PT_PT> pos;
-  const auto loop = ParseLoop(ring);
-  const ZBR_POLY_INSIDE r = zbrIsInside(p, *loop, pos);
-  EXPECT_EQ(ZBR_LOOP_LOCATOR(*loop).IsInside(p), r) << "the locator answers as the function does";
-  return r;
-}
-
-TEST(PointInLoop, Cases) {
-  const struct {
-    const char* what;
-    const char* ring;
-    ZBR_PT p;
-    ZBR_POLY_INSIDE r;
-  } rows[] = {
-      {"right of the box", kUnit, {2, 0.5}, ZBR_PI_OUT},
-      {"vertex", kUnit, {1, 1}, ZBR_PI_ON_VERTEX},
-      {"vertex within eps on both axes", kUnit, {1 + 0.5 * kEps, 1 - 0.5 * kEps}, ZBR_PI_ON_VERTEX},
-      {"edge", kUnit, {0.5, 0}, ZBR_PI_ON_EDGE},
-      {"edge within eps", kUnit, {0.5, -0.5 * kEps}, ZBR_PI_ON_EDGE},
-      {"closing edge", kUnit, {0, 0.5}, ZBR_PI_ON_EDGE},
-      {"just outside", kUnit, {0.5, -1.5 * kEps}, ZBR_PI_OUT},
-      {"just inside", kUnit, {0.5, 1.5 * kEps}, ZBR_PI_IN},
-      {"two points", "0 0, 1 0", {0.5, 0}, ZBR_PI_OUT},
-      {"in the box, outside the ring", "0 0, 4 0, 0 4", {3, 3}, ZBR_PI_OUT},
-      {"first slope meets a vertex, the next decides", "-1 -1, 9 -1, 6 3, 4 2, 6 9, -1 9", {0, 0}, ZBR_PI_IN},
-  };
-  for (const auto& row : rows) EXPECT_EQ(Where(row.p, row.ring), row.r) << row.what;
-}
 
 TEST(PointInLoop, EveryRayGrazesAVertex) {
   // A vertex on each of the 31 slopes of each quadrant: nothing decides.
@@ -81,35 +48,6 @@ TEST(PointInLoop, NonFiniteInputHasAnAnswer) {
       zbrIsInside({0.5, 0.5}, *loop, pos);
       ZBR_LOOP_LOCATOR(*loop).IsInside(p);
     }
-  }
-}
-
-TEST(LoopInLoop, Relations) {
-  const struct {
-    const char* what;
-    const char* a;
-    const char* b;
-    ZBR_POLY_REL rel;
-    bool inside;
-  } rows[] = {
-      {"same", kUnit, "1 1, 1 0, 0 0, 0 1", ZBR_PR_SAME, true},
-      {"inside", "1 1, 2 1, 2 2, 1 2", "0 0, 3 0, 3 3, 0 3", ZBR_PR_A_IN_B, true},
-      {"around", "0 0, 3 0, 3 3, 0 3", "1 1, 2 1, 2 2, 1 2", ZBR_PR_B_IN_A, false},
-      {"boxes apart", kUnit, "5 5, 6 5, 6 6, 5 6", ZBR_PR_APART, false},
-      {"beside, boxes overlapping", "0 0, 4 0, 0 4", "4 1, 4 4, 1 4", ZBR_PR_APART, false},
-      {"inside, touching from a corner", "0 0, 2 0, 0 2", "0 0, 3 0, 3 3, 0 3", ZBR_PR_A_IN_B, true},
-      {"beside, sharing an edge", "1 0, 2 0, 2 1, 1 1", kUnit, ZBR_PR_APART, false},
-      {"inside by an edge midpoint only", "0 0, 4 0, 4 4", "0 0, 4 0, 4 4, 0 4", ZBR_PR_A_IN_B, true},
-      // Every vertex and edge midpoint of a is on b; between b's vertices a's upper edge runs outside b.
-      {"over two notches", "0 0, 4 0, 4 4, 0 4", "0 0, 4 0, 4 4, 3 2, 2 4, 1 2, 0 4", ZBR_PR_B_IN_A, false},
-      {"over two notches, repeated points", "0 0, 0 0, 4 0, 4 4, 4 4, 0 4", "0 0, 4 0, 4 4, 3 2, 2 4, 2 4, 1 2, 0 4", ZBR_PR_B_IN_A,
-       false},
-      {"one point on the boundary", "1 1", kUnit, ZBR_PR_APART, true},
-      {"one point outside", "2 2, 2 2", "0 0, 4 0, 1 2", ZBR_PR_APART, false},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(zbrCheckInclude(*ParseLoop(row.a), *ParseLoop(row.b)), row.rel) << row.what;
-    EXPECT_EQ(zbrIsInside(*ParseLoop(row.a), *ParseLoop(row.b)), row.inside) << row.what;
   }
 }
 

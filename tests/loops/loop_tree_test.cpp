@@ -1,4 +1,5 @@
-// Nesting by named case. A tree is written as its outer loops in order, each with its holes in brackets, by their signed areas.
+// Nesting: limits and forms; by named case: data/nests.txt. A tree is written as its outer loops in order, each with its holes in
+// brackets, by their signed areas.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,37 +18,6 @@ std::string Tree(const LoopList& loops) {
     if (!loop->children().empty()) out += '(' + Tree(loop->children()) + ')';
   }
   return out;
-}
-
-TEST(LoopTree, Cases) {
-  const struct {
-    const char* what;
-    const char* rings;
-    const char* tree;
-  } rows[] = {
-      {"nothing", "", ""},
-      {"clockwise square", "0 0, 0 2, 2 2, 2 0", "4"},
-      {"two apart, larger first", "0 0, 1 0, 1 1, 0 1; 5 5, 7 5, 7 7, 5 7", "4 1"},
-      {"hole and island", "4 4, 6 4, 6 6, 4 6; 0 0, 10 0, 10 10, 0 10; 2 2, 2 8, 8 8, 8 2", "100(-36) 4"},
-      {"island with a hole", "0 0, 10 0, 10 10, 0 10; 1 1, 9 1, 9 9, 1 9; 2 2, 8 2, 8 8, 2 8; 3 3, 4 3, 4 4, 3 4",
-       "100(-64) 36(-1)"},
-      {"islands stand behind all outer loops", "0 0, 10 0, 10 10, 0 10; 1 1, 9 1, 9 9, 1 9; 2 2, 8 2, 8 8, 2 8; 20 0, 21 0, 21 1",
-       "100(-64) 0.5 36"},
-      {"degenerate removed", "0 0, 1 1, 2 2; 5 5, 7 5, 7 7, 5 7", "4"},
-      {"only degenerate stays", "0 0, 1 1, 2 2; 3 3, 4 4", "0 0"},
-      {"equal squares", "0 0, 1 0, 1 1, 0 1; 1 1, 1 0, 0 0, 0 1", "1(-1)"},
-      {"hole touching its outer loop in a corner", "0 0, 4 0, 4 4, 0 4; 0 0, 2 1, 1 2", "16(-1.5)"},
-      {"equal areas keep their order", "9 0, 10 0, 10 1, 9 1; 0 0, 1 0, 1 1, 0 1; 9 0.5, 10 0.5, 9.5 0.75", "1(-0.125) 1"},
-  };
-  for (const auto& row : rows) {
-    LoopList loops = ParseLoops(row.rings);
-    zbrMakeLoopTree(loops);
-    EXPECT_EQ(Tree(loops), row.tree) << row.what;
-    for (const auto& loop : loops) {
-      EXPECT_EQ(loop->level(), 0) << row.what;
-      for (const auto& child : loop->children()) EXPECT_EQ(child->level(), 1) << row.what;
-    }
-  }
 }
 
 TEST(LoopTree, AreasAreComparedWithTheLengthTolerance) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "boolean/check.h"
 #include "support/expect.h"
 #include "support/random_shapes.h"
 
@@ -67,6 +68,23 @@ TEST_P(BooleanProperties, ResultsAreOperands) {
     ASSERT_NEAR(NetArea(whole), NetArea(A), 1e-7);
     ASSERT_NEAR(NetArea(rest), NetArea(results.loops[0]), 1e-7);
   });
+}
+
+// In general position the boundaries enter and leave each other in turn, on both sides.
+TEST(BooleanCrossings, TakeTurns) {
+  for (int seed = 0; seed < Scaled(300); ++seed) {
+    const OperandPair pair = DrawPlain(FamilyNamed("stars"), static_cast<std::uint64_t>(seed));
+    const LoopList A = Nest(pair.a);
+    const LoopList B = Nest(pair.b);
+    std::vector<ZBR_CROSS> crosses;
+    std::vector<int> sorted[2];
+    zbrGetLoopsCross(A, B, crosses);
+    zbrOptimizeCross(A, B, crosses, sorted, true);
+    ASSERT_TRUE(Holds(zbr::SortedFault(crosses, sorted, 1e-5))) << "seed " << seed;
+    for (int side = 0; side < 2; ++side) {
+      ASSERT_TRUE(Holds(zbr::AlternationFault(crosses, side, sorted[side]))) << "seed " << seed << '\n' << Describe(A, B);
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, BooleanProperties, testing::ValuesIn(RegionFamilies()), testing::PrintToStringParamName());

@@ -1,13 +1,14 @@
 // A number that tells results apart: of all their bits.
 #pragma once
 
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 #include <zbr/zbr.h>
+
+#include "core/bits.h"
 
 class Digest {
  public:
@@ -25,7 +26,7 @@ class Digest {
   }
   void Take(int value) { Bits(static_cast<std::uint64_t>(value)); }
   // Machines differ in the sign of the NaN that an operation makes.
-  void Take(double value) { Bits(std::isnan(value) ? std::uint64_t{1} : std::bit_cast<std::uint64_t>(value)); }
+  void Take(double value) { Bits(std::isnan(value) ? std::uint64_t{1} : zbr::BitsOf(value)); }
   void Take(const ZBR_PT& p) { Add(p.x(), p.y()); }
   void Take(const ZBR_PT3& p) { Add(p.x(), p.y(), p.z()); }
   void Take(const ZBR_SEG& s) { Add(s.s(), s.e()); }

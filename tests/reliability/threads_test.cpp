@@ -7,6 +7,7 @@
 
 #include "hiddenline/scenes.h"
 #include "reliability/digest.h"
+#include "support/expect.h"
 
 namespace {
 
@@ -33,6 +34,31 @@ void ExpectSameAtOnce(const std::function<std::uint64_t(int)>& work) {
     EXPECT_NE(expected[k], 0U);
     EXPECT_EQ(got[k], expected[k]) << "thread " << k;
   }
+}
+
+// What each thread computes alone, and with what all share: results and answers of the locator, which read the tolerance.
+TEST(SharedInput, RegionsAndALocator) {
+  Random random(3);
+  const OperandPair pair = FamilyNamed("blocks").draw(random);
+  const LoopList a = Nest(pair.a);
+  const LoopList b = Nest(pair.b);
+  const ZBR_LOOP_LOCATOR locator(Nest({Square(0, 0, 4), Square(1, 1, 2)}));
+  ExpectSameAtOnce([&](int thread) {
+    Digest digest;
+    for (std::uint64_t seed = 0; seed < 40; ++seed) {
+      Random own(seed);
+      const OperandPair alone = Families()[seed % 5].draw(own);
+      for (const LoopList& loops : RunAll(Nest(alone.a), Nest(alone.b)).loops) digest.Add(loops);
+      for (const LoopList& loops : RunAll(a, b).loops) digest.Add(loops);
+    }
+    const double eps = EpsOf(thread);
+    const ZBR_POLY_INSIDE expected[] = {ZBR_PI_ON_EDGE, ZBR_PI_IN, ZBR_PI_OUT};  // the last in the hole
+    const double places[] = {0.5 * eps, 2.0 * eps, 2.0};
+    for (int k = 0; k < 3; ++k) {
+      if (locator.IsInside({places[k], 2.0}) != expected[k]) return std::uint64_t{0};
+    }
+    return digest.value();
+  });
 }
 
 TEST(SharedInput, OneRegionClipsForAll) {

@@ -1,4 +1,4 @@
-// Chaining of segments into polylines, case by case.
+// Chaining of segments into polylines: states and limits. By named case: data/chains.txt.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -23,48 +23,6 @@ Chained ChainOf(const std::vector<ZBR_PT>& points) {
   out.lines = {{{9, 9}}};  // to be replaced
   out.open = zbrOptimizeSegs(out.ends, out.lines);
   return out;
-}
-
-std::string Text(const Lines& lines) {
-  std::string text;
-  for (const auto& line : lines) {
-    for (const ZBR_PT& p : line) {
-      text += (&p == line.data() ? "" : ", ") + std::to_string(std::lround(p.x())) + " " + std::to_string(std::lround(p.y()));
-    }
-    text += ";";
-  }
-  return text;
-}
-
-TEST(Chain, CasesByName) {
-  const struct {
-    const char* name;
-    std::vector<ZBR_PT> points;
-    int open;
-    const char* lines;
-  } rows[] = {
-      {"nothing", {}, 0, ""},
-      {"shorter than the tolerance", {{0, 0}, {0.0009, 0}}, 0, ""},
-      {"joint within the tolerance, straight", {{0, 0}, {1, 0}, {1.0005, 0}, {2, 0}}, 1, "0 0, 2 0;"},
-      {"joint beyond the tolerance", {{0, 0}, {1, 0}, {1.002, 0}, {2, 0}}, 2, "0 0, 1 0;1 0, 2 0;"},
-      {"square", {{0, 0}, {4, 0}, {4, 4}, {4, 0}, {4, 4}, {0, 4}, {0, 4}, {0, 0}}, 0, "0 0, 4 0, 4 4, 0 4, 0 0;"},
-      {"square started in the middle of a side",
-       {{2, 0}, {4, 0}, {4, 0}, {4, 4}, {4, 4}, {0, 4}, {0, 4}, {0, 0}, {0, 0}, {2, 0}},
-       0,
-       "4 0, 4 4, 0 4, 0 0, 4 0;"},
-      {"three ends at one place", {{0, 0}, {1, 0}, {2, 0}, {1, 0}, {1, 0}, {1, 1}}, 2, "0 0, 2 0;1 0, 1 1;"},
-      {"doubling back", {{0, 0}, {4, 0}, {4, 0}, {1, 0}}, 1, "0 0, 4 0, 1 0;"},
-      {"repeats, either way round", {{0, 0}, {1, 0}, {1, 0}, {0, 0}, {0, 0}, {1, 0.0005}}, 1, "0 0, 1 0;"},
-      {"open before closed", {{0, 0}, {1, 0}, {1, 0}, {1, 1}, {1, 1}, {0, 0}, {5, 5}, {6, 6}}, 1, "5 5, 6 6;0 0, 1 0, 1 1, 0 0;"},
-  };
-  for (const auto& row : rows) {
-    const Chained got = ChainOf(row.points);
-    EXPECT_EQ(got.open, row.open) << row.name;
-    EXPECT_EQ(Text(got.lines), row.lines) << row.name;
-    for (std::size_t k = static_cast<std::size_t>(got.open); k < got.lines.size(); ++k) {
-      EXPECT_EQ(got.lines[k].front().Distance(got.lines[k].back()), 0.0) << row.name;
-    }
-  }
 }
 
 TEST(Chain, StatesOfTheEnds) {

@@ -19,7 +19,9 @@ struct BooleanResults {
 BooleanResults RunAll(const LoopList& A, const LoopList& B);
 std::array<double, 5> AreasOf(const BooleanResults& results);
 
-// What holds for every list that zbrMakeLoopTree leaves: levels, orientations, caches, two levels only, no area within eps.
+// What a check of the library (check.h in its folders) says: null, or what is wrong.
+testing::AssertionResult Holds(const char* fault);
+// What holds for every region that zbrMakeLoopTree leaves: zbr::RegionFault.
 testing::AssertionResult IsNested(const LoopList& loops, double eps);
 
 // |A| + |B| = |A or B| + |A and B| and its kin, on areas in the order of kOps, within `slack`.

@@ -1,0 +1,141 @@
+// Cost without a clock: work counted at two sizes of each family. Eight times the input may cost eight times the work and some for
+// the logarithm; a search that has become a look at all pairs costs 64 times.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+
+#include "core/cost.h"
+#include "support/expect.h"
+
+namespace {
+
+constexpr int kFactor = 8;
+constexpr double kMost = 2.0;  // of the ratio to the factor
+
+struct Family {
+  const char* name;
+  void (*run)(int n);
+  int small;
+};
+void PrintTo(const Family& family, std::ostream* out) {
+  *out << family.name;
+}
+
+// A ring of n points between two radii, with teeth as deep as they are wide: so that boxes of edges are about as large as edges.
+Ring Star(int n, double turn) {
+  Ring ring;
+  for (int k = 0; k < n; ++k) {
+    const double angle = 2.0 * std::acos(-1.0) * (k + turn) / n;
+    ring.push_back(ZBR_PT(std::cos(angle), std::sin(angle)) * (k % 2 == 0 ? 1.0 : 1.0 - 4.0 / n));
+  }
+  return ring;
+}
+
+std::vector<Ring> Grid(int side, double step, double size) {
+  std::vector<Ring> rings;
+  for (int k = 0; k < side * side; ++k) rings.push_back(Square(step * (k % side), step * (k / side), size));
+  return rings;
+}
+
+int SideOf(int n) {
+  return static_cast<int>(std::lround(std::sqrt(n)));
+}
+
+void Combine(const LoopList& a, const LoopList& b) {
+  LoopList result;
+  for (const ZBR_BOOLEAN_OPE op : kOps) zbrBooleanLoops(a, b, op, result);
+}
+
+void Stars(int n) {
+  Combine(Nest({Star(n, 0.0)}), Nest({Star(n, 0.4)}));
+}
+
+void Combs(int n) {  // boundaries that cross at every tooth, on a line
+  Ring a = {{0, 0}};
+  Ring b = {{0, 9}};
+  for (int k = 0; k < n; ++k) a.emplace_back(k, k % 2 == 0 ? 4 : 5), b.emplace_back(k, k % 2 == 0 ? 5 : 4);
+  a.emplace_back(n, 0);
+  b.emplace_back(n, 9);
+  Combine(Nest({a}), Nest({b}));
+}
+
+void Tiles(int n) {
+  const int side = SideOf(n);
+  Combine(Nest(Grid(side, 4.0, 3.0)), MakeLoops(Grid(side, 4.0, 2.0)));
+}
+
+void NestSquares(int n) {
+  std::vector<Ring> rings = Grid(SideOf(n), 4.0, 3.0);
+  for (const Ring& ring : std::vector<Ring>(rings))
+    rings.push_back({ring[0] + ZBR_PT(1, 1), ring[1] + ZBR_PT(-1, 1), ring[2] - ZBR_PT(1, 1)});
+  Nest(rings);
+}
+
+void Locate(int n) {
+  const ZBR_LOOP_LOCATOR locator(Nest({Star(n, 0.0)}));
+  for (int k = 0; k < n; ++k) locator.IsInside(ZBR_PT(k % 64 / 32.0 - 1.0, k / 64 * 64.0 / n * 2.0 - 1.0));
+}
+
+void Clip(int n) {
+  std::vector<ZBR_SEG3> segments, inside;
+  const LoopList region = Nest({Star(n, 0.0)});
+  for (int k = 0; k < n; ++k)
+    segments.emplace_back(ZBR_PT3(std::cos(k), std::sin(k), 0), ZBR_PT3(0.5 * std::cos(k), 0.5 * std::sin(k), 1));
+  zbrClipSegs(segments, region, inside, nullptr);
+}
+
+// A field of plates over a field of plates, so that every edge meets a few others.
+std::vector<ZBR_HL_TRI> Plates(int n) {
+  std::vector<ZBR_HL_TRI> tris;
+  for (const double z : {0.0, 1.0}) {
+    for (const Ring& r : Grid(SideOf(n), 4.0, 3.0)) {
+      ZBR_HL_TRI& t = tris.emplace_back();
+      for (std::size_t i = 0; i < 3; ++i) {
+        t.pt[i] = ZBR_PT3(r[i].x() + z, r[i].y() + z, z);
+        t.dispj[i] = true;
+      }
+    }
+  }
+  return tris;
+}
+
+void Outline(int n) {
+  std::vector<ZBR_HL_TRI> tris = Plates(n);
+  ZBR_HL_SHELL shell(tris.data(), static_cast<unsigned>(tris.size()));
+  ZBR_HiddenLine::OutLineObj(&shell, 1);
+}
+
+void HiddenLines(int n) {
+  std::vector<ZBR_HL_TRI> tris = Plates(n);
+  ZBR_HL_SHELL shell(tris.data(), static_cast<unsigned>(tris.size()));
+  shell.HiddenLineSelf();
+  zbr::t_cost.pairs += shell.pairs_tried;
+}
+
+class CostOf : public testing::TestWithParam<Family> {};
+
+TEST_P(CostOf, GrowsWithTheInput) {
+  zbr::Cost costs[2];
+  for (int k = 0; k < 2; ++k) {
+    zbr::t_cost = {};
+    GetParam().run(GetParam().small * (k == 0 ? 1 : kFactor));
+    costs[k] = zbr::t_cost;
+  }
+  const auto expectGrowth = [](const char* what, std::uint64_t small, std::uint64_t large) {
+    std::printf("[ counted  ] %-9s %10.0f %10.0f\n", what, static_cast<double>(small), static_cast<double>(large));
+    EXPECT_LE(static_cast<double>(large), kMost * kFactor * static_cast<double>(small + 100)) << what;
+  };
+  expectGrowth("nodes", costs[0].nodes, costs[1].nodes);
+  expectGrowth("pairs", costs[0].pairs, costs[1].pairs);
+  expectGrowth("crossings", costs[0].crossings, costs[1].crossings);
+  EXPECT_GT(costs[0].nodes + costs[0].pairs, static_cast<std::uint64_t>(GetParam().small)) << "nothing was counted";
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, CostOf,
+                         testing::Values(Family{"stars", Stars, 500}, Family{"combs", Combs, 500}, Family{"tiles", Tiles, 400},
+                                         Family{"nest", NestSquares, 400}, Family{"locate", Locate, 500}, Family{"clip", Clip, 500},
+                                         Family{"outline", Outline, 400}, Family{"hidden", HiddenLines, 400}),
+                         testing::PrintToStringParamName());
+
+}  // namespace
