@@ -1,5 +1,8 @@
 // Declares every command and option, parses arguments and runs the command they name.
-#include "cli/command_line.h"
+#include "app/cli/command_line.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 #include <cctype>
@@ -7,11 +10,9 @@
 #include <limits>
 #include <string_view>
 
-#include "cli/help_format.h"
-#include "cli/manual.h"
-#include "io/failure.h"
-#include "io/numbers.h"
-#include "model/mesh_reader.h"
+#include "app/cli/help_format.h"
+#include "app/cli/manual.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

@@ -1,18 +1,19 @@
 // zbr bool: combinations of two drawings.
 
+#include <zbr-drawing/result.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/picture.h>
 #include <zbr/boolean.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
-#include "commands/load.h"
-#include "commands/outputs.h"
-#include "commands/stats.h"
-#include "geometry/result.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "picture/picture.h"
+#include "app/commands/load.h"
+#include "app/commands/outputs.h"
+#include "app/commands/stats.h"
+#include "app/io/output_files.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

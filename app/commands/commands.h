@@ -1,11 +1,13 @@
 // The sub-commands: what each is given and the function that runs it. All return the exit code and throw Failure for errors.
 #pragma once
 
+#include <zbr-drawing/contours.h>
+
 #include <string>
 #include <vector>
 
-#include "commands/view_options.h"
-#include "geometry/contours.h"
+#include "app/commands/view_options.h"
+#include "app/libraries.h"
 
 namespace tool {
 

@@ -1,18 +1,19 @@
 // zbr draw: hidden-line drawings of triangle models.
 
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/outlines.h>
+#include <zbr-drawing/removal.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-formats/sheets.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
 
-#include "commands/draw_plan.h"
-#include "drawing/outlines.h"
-#include "drawing/removal.h"
-#include "drawing/writers.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "io/progress.h"
-#include "model/scene.h"
+#include "app/commands/draw_plan.h"
+#include "app/io/output_files.h"
+#include "app/io/progress.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -54,12 +55,6 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
     ++done;
   });
   return drawn;
-}
-
-std::string WriteSheet(const Sheet& sheet, SheetFormat format, const std::vector<ObjectFile>& objects, const Model& model) {
-  if (format == SheetFormat::kSvg) return WriteSheetSvg(sheet, objects);
-  if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet, objects);
-  return WriteSheetJson(sheet, objects, model.ShellCount());
 }
 
 // Two columns; numbers are aligned to the right.
@@ -110,7 +105,7 @@ void AddViewTimes(Report& report, const std::vector<Times>& times, bool fill) {
 }
 
 // An object may be shaded in one view and covered, or seen edge-on, in another.
-void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<ObjectFile>& objects, Progress& progress) {
+void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<ObjectSource>& objects, Progress& progress) {
   for (const ViewLines& view : views) {
     for (std::size_t k = 0; k < view.outlines.size(); ++k) {
       if (view.outlines[k].empty())
@@ -138,13 +133,14 @@ int RunDraw(const DrawOptions& options) {
 
   std::vector<Times> times;
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
-  NoteEmptyOutlines(views, objects.files, progress);
+  NoteEmptyOutlines(views, objects.sources, progress);
   watch.Lap();
 
   progress.Stage("writing");
   const Sheet sheet = LayOut(std::move(views), plan.sheet);
   OutputFiles files;
-  for (const SheetOutput& output : plan.outputs) files.Add(output.file, WriteSheet(sheet, output.format, objects.files, model));
+  for (const SheetOutput& output : plan.outputs)
+    files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount()));
   files.Commit();
   progress.Stage("");
 

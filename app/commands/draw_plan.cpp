@@ -1,14 +1,15 @@
 // From the options of `zbr draw` to views, sheet and outputs.
-#include "commands/draw_plan.h"
+#include "app/commands/draw_plan.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
 
 #include <algorithm>
 #include <filesystem>
 
-#include "commands/outputs.h"
-#include "geometry/units.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
+#include "app/commands/outputs.h"
+#include "app/io/output_files.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -53,15 +54,10 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   return sheet;
 }
 
-NamedDirection LookDirection(const DrawOptions& options, bool yUp) {
-  const ZBR_PT3 up = options.up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(options.up, "--up");
-  return {kLook, LookAlong(ParseVector(options.look, "--look"), up)};
-}
-
 }  // namespace
 
 DrawPlan PlanDraw(const DrawOptions& options) {
-  if (!options.up.empty() && options.look.empty()) throw Failure("--up is of use with --look only");
+  if (!options.up.empty() && options.look.empty()) throw Failure("--up needs --look");
   ChooseViews(options, false);
   DrawPlan plan;
   plan.objects = ListObjects(options.models, options.objects);
@@ -84,16 +80,10 @@ std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFi
   for (const std::string& name : options.views) {
     if (std::any_of(views.begin(), views.end(), [&](const NamedDirection& v) { return v.name == name; }))
       throw Failure("--view: " + Quoted(name) + " is named twice");
-    const auto view = NamedView(name, yUp);
-    if (!view) {
-      std::string names;
-      for (const std::string& known : ViewNames()) names += (names.empty() ? "" : ", ") + known;
-      throw Failure("--view: " + Quoted(name) + " is no view; there are " + names);
-    }
-    views.push_back({name, *view});
+    views.push_back({name, ViewByName(name, yUp)});
   }
-  if (!options.look.empty()) views.push_back(LookDirection(options, yUp));
-  if (views.empty()) views.push_back({"iso", *NamedView("iso", yUp)});
+  if (!options.look.empty()) views.push_back({kLook, LookView(options.look, options.up, yUp)});
+  if (views.empty()) views.push_back({"iso", ViewByName("iso", yUp)});
   return views;
 }
 

@@ -1,14 +1,16 @@
 // zbr info: what a drawing holds. Models have a report of their own.
 
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/meshes.h>
+
 #include <algorithm>
 #include <cstdio>
 
-#include "commands/info_mesh.h"
-#include "commands/load.h"
-#include "geometry/units.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "model/mesh_reader.h"
+#include "app/commands/info_mesh.h"
+#include "app/commands/load.h"
+#include "app/io/output_files.h"
 
 namespace tool {
 namespace {

@@ -1,16 +1,18 @@
 // zbr info of a model: its size and shells, and what keeps them from being closed surfaces that face outwards.
-#include "commands/info_mesh.h"
+#include "app/commands/info_mesh.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/survey.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 #include <cctype>
 #include <string>
 
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "io/progress.h"
-#include "model/mesh_reader.h"
-#include "model/survey.h"
+#include "app/io/output_files.h"
+#include "app/io/progress.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

@@ -1,7 +1,7 @@
 // The part of `zbr info` that reports on models.
 #pragma once
 
-#include "commands/commands.h"
+#include "app/commands/commands.h"
 
 namespace tool {
 

@@ -1,11 +1,12 @@
 // From file names to contours in one frame, with notes about what was left out or looks wrong.
-#include "commands/load.h"
+#include "app/commands/load.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
 
 #include <algorithm>
 
-#include "geometry/units.h"
-#include "io/failure.h"
-#include "io/numbers.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

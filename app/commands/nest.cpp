@@ -1,12 +1,14 @@
 // zbr nest: which loops are outer loops and which are holes, as a list or as a drawing with the loops oriented accordingly.
 
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/picture.h>
+
 #include <filesystem>
 
-#include "commands/load.h"
-#include "commands/outputs.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "picture/picture.h"
+#include "app/commands/load.h"
+#include "app/commands/outputs.h"
+#include "app/io/output_files.h"
 
 namespace tool {
 namespace {

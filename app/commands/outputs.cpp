@@ -1,11 +1,11 @@
 // Sharing results out among output files.
-#include "commands/outputs.h"
+#include "app/commands/outputs.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
 
-#include "io/failure.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

@@ -1,10 +1,10 @@
 // The table of --stats.
-#include "commands/stats.h"
+#include "app/commands/stats.h"
+
+#include <zbr-drawing/numbers.h>
 
 #include <algorithm>
 #include <array>
-
-#include "io/numbers.h"
 
 namespace tool {
 namespace {

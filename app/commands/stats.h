@@ -1,12 +1,14 @@
 // What --stats prints.
 #pragma once
 
+#include <zbr-drawing/region.h>
+
 #include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "geometry/region.h"
+#include "app/libraries.h"
 
 namespace tool {
 

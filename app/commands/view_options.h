@@ -1,9 +1,11 @@
 // The options that commands on models share: from where it is seen, its unit, threads.
 #pragma once
 
+#include <zbr-drawing/view.h>
+
 #include <string>
 
-#include "model/view.h"
+#include "app/libraries.h"
 
 namespace tool {
 
@@ -15,6 +17,10 @@ struct ViewOptions {
 
 // The view chosen by one set of options. Fails when they contradict each other or make no view.
 View ChooseView(const ViewOptions& options, bool yUpInFile);
+
+// The standard view of this name, and the one along --look with --up, which may be empty. Both fail, naming the option.
+View ViewByName(const std::string& name, bool yUp);
+View LookView(const std::string& look, const std::string& up, bool yUp);
 
 // Whether y points up, by the option or else by the file.
 bool YUp(const std::string& axes, bool yUpInFile);

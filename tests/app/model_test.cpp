@@ -1,5 +1,10 @@
 // Models and scenes: what is one surface, which edges are drawn, and that generated meshes are sound.
 
+#include <zbr-drawing/failure.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-drawing/survey.h>
+#include <zbr-drawing/triangulate.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,13 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "io/failure.h"
-#include "model/scene.h"
-#include "model/survey.h"
-#include "model/triangulate.h"
 #include "models/models.h"
 
-namespace tool {
+namespace zbr::drawing {
 namespace {
 
 std::size_t CountOf(const std::vector<std::array<EdgeClass, 3>>& classes, EdgeClass wanted) {
@@ -356,4 +357,4 @@ TEST(Triangulate, AreasAddUp) {
 }
 
 }  // namespace
-}  // namespace tool
+}  // namespace zbr::drawing

@@ -1,11 +1,11 @@
 // glTF files, of both forms. They may name other files, of which there are none beside them.
+#include "formats/meshes/readers.h"
 #include "fuzz/reading.h"
-#include "model/readers.h"
 
 void Fuzz(Bytes& bytes) {
-  tool::Mesh mesh;
+  zbr::drawing::Mesh mesh;
   const std::string file = "nowhere/file";
-  IsTaken(file, [&] { mesh = tool::ReadGltf(bytes.Rest(), file); });
+  IsTaken(file, [&] { mesh = zbr::formats::ReadGltf(bytes.Rest(), file); });
   for (const auto& corners : mesh.triangles) {
     for (const std::uint32_t corner : corners) Require(corner < mesh.points.size(), "triangles have points that are there");
   }

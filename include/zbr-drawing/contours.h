@@ -1,0 +1,32 @@
+// From the contours of a drawing to rings of straight edges: open ends joined, curves flattened.
+#pragma once
+
+#include <zbr-drawing/drawing.h>
+
+#include <functional>
+
+namespace zbr::drawing {
+
+struct FlattenOptions {
+  double deviation = 0.0;  // largest distance between a curve and its chords
+  double join = 0.0;       // ends at most this far apart belong together
+};
+
+// The default tolerances for drawings of this extent, where the caller gave none (negative).
+FlattenOptions WithDefaults(FlattenOptions options, const Extent& extent);
+
+// Calls visit for every point of the path with its curves replaced by chords, with the vertex at or behind which it is and the part
+// of the way from there to the next vertex.
+void FlattenPath(const Path& path, double deviation, const std::function<void(const ZBR_PT&, std::size_t, double)>& visit);
+
+// Fails, naming the line, when a coordinate overflows.
+Contours MakeContours(Drawing drawing, const FlattenOptions& options);
+
+// Leaves out lines and arcs that repeat an earlier one exactly, and returns how many those were.
+std::size_t DropRepeats(std::vector<Path>& paths);
+
+// Joins open paths end to end; what closes is marked closed. Deterministic: paths are taken up in file order, each continued with
+// the nearest free end, the earlier one on a tie.
+std::vector<Path> JoinPaths(std::vector<Path> paths, double tolerance);
+
+}  // namespace zbr::drawing
