@@ -3,6 +3,7 @@
 
 #include <zbr-formats/types.h>
 
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -16,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void FailWithErrno(const std::string& name, const char* what) {
-  throw Failure(name + ": " + what + ": " + std::strerror(errno));
+  throw Failure(name, what + std::string(": ") + std::strerror(errno));
 }
 
 }  // namespace
@@ -24,7 +25,7 @@ namespace fs = std::filesystem;
 std::string ReadFile(const std::string& name) {
   const bool standardInput = name == "-";
   std::error_code ignored;
-  if (!standardInput && fs::is_directory(name, ignored)) throw Failure(name + ": is a directory");
+  if (!standardInput && fs::is_directory(name, ignored)) throw Failure(name, "is a directory");
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> owned(nullptr, &std::fclose);
   std::FILE* stream = stdin;
   if (!standardInput) {
@@ -45,11 +46,22 @@ std::string ReadFile(const std::string& name) {
   return contents;
 }
 
-std::string ReadText(const std::string& name) {
+void DropByteOrderMark(std::string& text) {
   constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-  std::string text = ReadFile(name);
   if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+}
+
+std::string ReadText(const std::string& name) {
+  std::string text = ReadFile(name);
+  DropByteOrderMark(text);
   return text;
+}
+
+std::string ExtensionOf(const std::string& name) {
+  std::string extension = fs::path(name).extension().string();
+  if (!extension.empty()) extension.erase(0, 1);
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension;
 }
 
 std::string BaseName(const std::string& name) {

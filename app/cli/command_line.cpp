@@ -162,7 +162,7 @@ void CommandLine::DeclareBool() {
   command.add_option("files", bool_.files, "The two drawings, A and B")->required()->expected(2, 100)->type_name("A B");
   command
       .add_option("-o,--output", bool_.outputs,
-                  "File for the results, the format by its extension; may be repeated, and more may follow after A and B. "
+                  "File for the results, the format by its extension; may be repeated. "
                   "Without it the table of --stats is printed. See 'zbr help outputs'")
       ->allow_extra_args(false)
       ->type_name("OUT");

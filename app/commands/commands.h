@@ -25,7 +25,7 @@ struct InputOptions {
 struct BoolOptions {
   InputOptions input;
   std::vector<std::string> operations;
-  std::vector<std::string> files;  // A, B, and outputs that followed the one of -o
+  std::vector<std::string> files;  // A and B; more than these are refused
   std::vector<std::string> outputs;
   bool stats = false;
 };

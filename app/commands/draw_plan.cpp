@@ -3,9 +3,9 @@
 
 #include <zbr-drawing/numbers.h>
 #include <zbr-drawing/units.h>
+#include <zbr-formats/files.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "app/commands/outputs.h"
 #include "app/io/output_files.h"
@@ -21,15 +21,10 @@ std::size_t ViewCount(const DrawOptions& options) {
 }
 
 SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
-  std::string extension = std::filesystem::path(file).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  for (const std::string& name : {extension, "." + chosen}) {
-    if (name == ".svg") return SheetFormat::kSvg;
-    if (name == ".dxf") return SheetFormat::kDxf;
-    if (name == ".json") return SheetFormat::kJson;
-  }
-  throw Failure(file + ": the name does not tell the format, svg, dxf or json; give --format");
+  const auto byName = SheetFormatByName(ExtensionOf(file));
+  const auto format = byName ? byName : SheetFormatByName(chosen);
+  if (!format) throw Failure(file, "the name does not tell the format, svg, dxf or json; give --format");
+  return *format;
 }
 
 double MillimetresOf(const std::string& unit) {
@@ -46,8 +41,8 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   }
   if (options.hidden == "none") sheet.hidden = HiddenStyle::kNone;
   if (options.hidden == "layer") sheet.hidden = HiddenStyle::kLayer;
-  if (!options.scale.empty()) sheet.scale = ParseScale(options.scale);
-  if (!options.paper.empty()) sheet.paper = ParsePaper(options.paper);
+  if (!options.scale.empty()) sheet.scale = ForOption("--scale", [&] { return ParseScale(options.scale); });
+  if (!options.paper.empty()) sheet.paper = ForOption("--paper", [&] { return ParsePaper(options.paper); });
   sheet.unit = options.unit;
   sheet.millimetres = MillimetresOf(options.unit);
   sheet.title = options.title.empty() ? TitleOf(objects) : options.title;
@@ -64,8 +59,8 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   plan.sheet = PlanSheet(options, plan.objects);
   for (const std::string& file : options.outputs) {
     const auto same = [&](const SheetOutput& o) { return IsSameFile(o.file, file); };
-    if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file + ": named twice as output");
-    if (AreRead(plan.objects, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
+    if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file, "named twice as output");
+    if (AreRead(plan.objects, file)) throw Failure(file, "is a model to be drawn; the drawing needs another name");
     CheckPlaceholders(file, "");
     plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
   }

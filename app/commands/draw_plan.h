@@ -2,7 +2,7 @@
 #pragma once
 
 #include <zbr-drawing/sheet.h>
-#include <zbr-drawing/view.h>
+#include <zbr-drawing/views.h>
 #include <zbr-formats/sheets.h>
 
 #include <string>
@@ -16,11 +16,6 @@ namespace tool {
 struct SheetOutput {
   std::string file;
   SheetFormat format = SheetFormat::kSvg;
-};
-
-struct NamedDirection {
-  std::string name;
-  View view;
 };
 
 struct DrawPlan {

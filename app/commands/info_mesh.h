@@ -5,6 +5,9 @@
 
 namespace tool {
 
+// Where values begin in the reports on models and drawings.
+inline constexpr std::size_t kReportColumn = 10;
+
 int RunMeshInfo(const FileOptions& options);
 
 }  // namespace tool

@@ -15,7 +15,7 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
   if (layers.empty()) return;
   std::erase_if(drawing.paths,
                 [&](const Path& path) { return std::find(layers.begin(), layers.end(), path.layer) == layers.end(); });
-  if (drawing.paths.empty()) throw Failure(drawing.file + ": nothing on the chosen layers");
+  if (drawing.paths.empty()) throw Failure(drawing.file, "nothing on the chosen layers");
 }
 
 void NoteIgnored(const Drawing& drawing, Progress& progress) {

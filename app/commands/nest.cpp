@@ -19,11 +19,7 @@ std::string Line(const std::string& label, const ZBR_LOOP& loop, int depth, cons
 }
 
 std::string List(const LoopList& loops, const Frame& frame) {
-  LoopList rings;
-  for (const auto& outer : loops) {
-    rings.push_back(outer);
-    rings.insert(rings.end(), outer->children().begin(), outer->children().end());
-  }
+  const LoopList rings = RingsOf(loops);
   const std::vector<int> depths = NestingDepths(rings);
   std::string text;
   std::size_t next = 0;

@@ -24,7 +24,7 @@ std::vector<OutputPlan> PlanOutputs(const OutlineOptions& options, const std::ve
   for (const PlacedFile& object : objects) results.names.push_back(object.id);
   std::vector<OutputPlan> plans = PlanOutputs(options.outputs, results, chosen, "");
   for (const OutputPlan& plan : plans) {
-    if (AreRead(objects, plan.file)) throw Failure(plan.file + ": is a model to be read; the outline needs another name");
+    if (AreRead(objects, plan.file)) throw Failure(plan.file, "is a model to be read; the outline needs another name");
   }
   return plans;
 }
@@ -140,7 +140,7 @@ int RunOutline(const OutlineOptions& options) {
   progress.Stage("joining triangles");
   constexpr double kAnyCrease = 180;  // no lines are drawn
   const Model model = MakeModel(objects.mesh, kAnyCrease, options.weld);
-  if (model.TriangleCount() == 0) throw Failure(files.front().file + ": no triangle has an area");
+  if (model.TriangleCount() == 0) throw Failure(files.front().file, "no triangle has an area");
   Scene scene = MakeScene(model, view);
   stages.emplace_back("model", watch.Lap());
 

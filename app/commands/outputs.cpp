@@ -13,7 +13,7 @@ namespace {
 Format OutputFormat(const std::string& file, Format chosen, const std::string& input) {
   Format format = FormatOf(file, chosen);
   if (format == Format::kUnknown && file == "-") format = FormatOf(input, chosen);
-  if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
+  if (format == Format::kUnknown) throw Failure(file, "the name does not tell the format; give --format");
   return format;
 }
 

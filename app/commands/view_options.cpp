@@ -50,18 +50,14 @@ ZBR_PT3 ParseVector(const std::string& text, const std::string& option) {
     begin = end + 1;
   }
   if (begin <= text.size() || parts.size() != 3)
-    throw Failure(option + ": " + Quoted(text) + " is no vector; three finite numbers are needed, as in 1,0,-0.5");
+    throw Failure(option, Quoted(text) + " is no vector; three finite numbers are needed, as in 1,0,-0.5");
   return ZBR_PT3(parts[0], parts[1], parts[2]);
 }
 
 View LookView(const std::string& look, const std::string& up, bool yUp) {
   const ZBR_PT3 direction = ParseVector(look, "--look");
   const ZBR_PT3 upward = up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(up, "--up");
-  try {
-    return LookAlong(direction, upward);
-  } catch (const Failure& failure) {
-    throw Failure(std::string("--look: ") + failure.what());
-  }
+  return ForOption("--look", [&] { return LookAlong(direction, upward); });
 }
 
 View ViewByName(const std::string& name, bool yUp) {

@@ -31,6 +31,16 @@ int UnitOption(const std::string& name);
 // Threads to use for --jobs, 0 when it was not given.
 unsigned ThreadCount(unsigned jobs);
 
+// What `make` gives; its failures name the option.
+template <class Make>
+auto ForOption(const std::string& option, Make make) {
+  try {
+    return make();
+  } catch (const Failure& failure) {
+    throw Failure(option, failure.what());
+  }
+}
+
 // "x,y,z". `option` is named when it fails.
 ZBR_PT3 ParseVector(const std::string& text, const std::string& option);
 

@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void FailWithErrno(const std::string& name, const char* what) {
-  throw Failure(name + ": " + what + ": " + std::strerror(errno));
+  throw Failure(name, what + std::string(": ") + std::strerror(errno));
 }
 
 void WriteAll(int descriptor, const std::string& contents, const std::string& name) {
@@ -54,10 +54,17 @@ void SetMode(int descriptor, const std::string& target) {
   ::fchmod(descriptor, 0666U & ~mask);
 }
 
+// A file that nobody may write is not to be replaced either, which the rights of the folder alone would allow, and root may all.
+bool IsReadOnly(const std::string& name, const fs::file_status& status) {
+  constexpr fs::perms kWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  return (status.permissions() & kWrite) == fs::perms::none || ::access(name.c_str(), W_OK) != 0;
+}
+
 bool IsRegularOrNew(const std::string& name) {
   std::error_code ignored;
   const fs::file_status status = fs::status(name, ignored);
-  if (fs::is_directory(status)) throw Failure(name + ": is a directory");
+  if (fs::is_directory(status)) throw Failure(name, "is a directory");
+  if (fs::is_regular_file(status) && IsReadOnly(name, status)) throw Failure(name, "is read-only");
   return !fs::exists(status) || fs::is_regular_file(status);
 }
 
@@ -80,7 +87,7 @@ OutputFiles::~OutputFiles() {
 
 void OutputFiles::Add(const std::string& name, std::string contents) {
   for (const Pending& file : files_) {
-    if (IsSameFile(file.name, name)) throw Failure(name + ": named twice as output");
+    if (IsSameFile(file.name, name)) throw Failure(name, "named twice as output");
   }
   files_.push_back({name, std::move(contents), "", name});
 }

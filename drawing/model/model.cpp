@@ -4,7 +4,10 @@
 // else the shells are filled anew from the sorted triangles.
 #include <zbr-drawing/model.h>
 
+#include <zbr-drawing/failure.h>
+
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <utility>
 
@@ -212,6 +215,9 @@ EdgeClass Model::Class(std::size_t shell, const ZBR_ZBREPE& edge) const {
 }
 
 Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
+  CheckMesh(mesh);
+  if (!std::isfinite(creaseDegrees) || !std::isfinite(weld))
+    throw Failure("the angle of creases and the weld must be finite numbers");
   Model model;
   Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), model);
   SetBox(gathered, model);

@@ -16,7 +16,7 @@ void Move(Mesh& mesh, const ObjectSource& source) {
   if (d.x() == 0 && d.y() == 0 && d.z() == 0) return;
   for (ZBR_PT3& p : mesh.points) {
     p += d;
-    if (!IsMeshCoordinate(p)) throw Failure(source.name + ": the place given carries it too far away");
+    if (!IsMeshCoordinate(p)) throw Failure(source.name, "the place given carries it too far away");
   }
 }
 
@@ -43,6 +43,26 @@ void Append(Mesh mesh, Mesh& all) {
 bool IsMeshCoordinate(const ZBR_PT3& p) {
   constexpr double kLargest = 1e75;
   return std::abs(p.x()) <= kLargest && std::abs(p.y()) <= kLargest && std::abs(p.z()) <= kLargest;
+}
+
+void CheckMesh(const Mesh& mesh) {
+  if (mesh.points.size() > kMostMeshPoints || mesh.triangles.size() > kMostMeshPoints) throw Failure("the mesh is too large");
+  for (std::size_t i = 0; i < mesh.points.size(); ++i) {
+    if (!IsMeshCoordinate(mesh.points[i]))
+      throw Failure("a coordinate of point " + std::to_string(i) + " is too large or no number");
+  }
+  std::size_t object = 0, firstPoint = 0, lastPoint = mesh.points.size();
+  for (std::size_t t = 0; t < mesh.triangles.size(); ++t) {
+    for (; object < mesh.objects.size() && mesh.objects[object].firstTriangle <= t; ++object) {
+      firstPoint = mesh.objects[object].firstPoint;
+      lastPoint = object + 1 < mesh.objects.size() ? mesh.objects[object + 1].firstPoint : mesh.points.size();
+    }
+    for (const std::uint32_t corner : mesh.triangles[t]) {
+      if (corner < firstPoint || corner >= lastPoint || corner >= mesh.points.size())
+        throw Failure("triangle " + std::to_string(t) + " has the corner " + std::to_string(corner) +
+                      ", which is no point of its object");
+    }
+  }
 }
 
 void AddObject(Objects& objects, Mesh mesh, ObjectSource source) {

@@ -1,9 +1,10 @@
 // Taking polygons apart. Nearly all of them have three or four corners, which needs no search.
-#include <zbr-drawing/polygons.h>
-
+#include <zbr-drawing/failure.h>
+#include <zbr-drawing/mesh.h>
 #include <zbr-drawing/triangulate.h>
 
 #include <cstddef>
+#include <string>
 
 namespace zbr::drawing {
 namespace {
@@ -28,6 +29,10 @@ void AddFan(Mesh& mesh, const Corners& corners, std::size_t first) {
 }  // namespace
 
 void AddPolygon(Mesh& mesh, const Corners& corners) {
+  for (const std::uint32_t corner : corners) {
+    if (corner >= mesh.points.size()) throw Failure("a polygon has the corner " + std::to_string(corner) + ", which is no point");
+  }
+  if (corners.size() < 3) return;
   if (corners.size() == 3) return AddFan(mesh, corners, 0);
   std::vector<ZBR_PT3> points;
   for (const std::uint32_t corner : corners) points.push_back(mesh.points[corner]);

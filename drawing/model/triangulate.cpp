@@ -82,7 +82,7 @@ class Triangulator {
           pairs.push_back({(points_[holes_[h][k]] - points_[ring_[i]]).Length2(), h, k, i});
       }
     }
-    std::sort(pairs.begin(), pairs.end());
+    std::stable_sort(pairs.begin(), pairs.end());  // of equally long ones the first: corners of regular shapes are equally far
     // NOLINTNEXTLINE(readability-use-anyofallof): a deed, not a question
     for (const Pair& pair : pairs) {
       const std::uint32_t from = ring_[pair.inRing], to = holes_[pair.hole][pair.inHole];

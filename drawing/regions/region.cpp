@@ -142,6 +142,15 @@ std::vector<int> NestingDepths(const LoopList& rings) {
   return depths;
 }
 
+LoopList RingsOf(const LoopList& loops) {
+  LoopList rings;
+  for (const auto& outer : loops) {
+    rings.push_back(outer);
+    rings.insert(rings.end(), outer->children().begin(), outer->children().end());
+  }
+  return rings;
+}
+
 std::size_t CountHoles(const LoopList& loops) {
   std::size_t count = 0;
   for (const auto& outer : loops) count += outer->children().size();

@@ -31,7 +31,7 @@ Paper ParsePaper(const std::string& text) {
     const auto fits = [](double side) { return side >= kSmallestSide && side <= kLargestSide; };
     if (width && height && fits(*width) && fits(*height)) return {text, *width, *height, false};
   }
-  throw Failure("--paper: " + Quoted(text) + " is no paper size; there are A4 to A0 and sizes such as 420x297, 50 to 10000 mm");
+  throw Failure(Quoted(text) + " is no paper size; there are A4 to A0 and sizes such as 420x297, 50 to 10000 mm");
 }
 
 Paper Turned(const Paper& paper) {
@@ -46,7 +46,7 @@ double ParseScale(const std::string& text) {
     const double scale = *first / *second;
     if (std::isnormal(scale)) return scale;
   }
-  throw Failure("--scale: " + Quoted(text) + " is no scale such as 1:2, 5:1 or 0.1");
+  throw Failure(Quoted(text) + " is no scale such as 1:2, 5:1 or 0.1");
 }
 
 double StandardScale(double limit) {

@@ -5,13 +5,14 @@
 // up among those of the model.
 #include <zbr-drawing/outlines.h>
 
-#include <zbr-drawing/removal.h>
 #include <zbr/tolerance.h>
 
 #include <bit>
 #include <cstdint>
 #include <unordered_map>
 #include <utility>
+
+#include "drawing/views/parallel.h"
 
 namespace zbr::drawing {
 namespace {

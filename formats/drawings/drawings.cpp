@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <filesystem>
 #include <string_view>
 
 #include "formats/drawings/dxf_codec.h"
@@ -23,13 +21,13 @@ struct NamedFormat {
 constexpr std::array<NamedFormat, 5> kNames = {
     {{"dxf", Format::kDxf}, {"geojson", Format::kGeoJson}, {"wkt", Format::kWkt}, {"text", Format::kText}, {"svg", Format::kSvg}}};
 
-constexpr std::array<NamedFormat, 7> kExtensions = {{{".dxf", Format::kDxf},
-                                                     {".geojson", Format::kGeoJson},
-                                                     {".json", Format::kGeoJson},
-                                                     {".wkt", Format::kWkt},
-                                                     {".loops", Format::kText},
-                                                     {".txt", Format::kText},
-                                                     {".svg", Format::kSvg}}};
+constexpr std::array<NamedFormat, 7> kExtensions = {{{"dxf", Format::kDxf},
+                                                     {"geojson", Format::kGeoJson},
+                                                     {"json", Format::kGeoJson},
+                                                     {"wkt", Format::kWkt},
+                                                     {"loops", Format::kText},
+                                                     {"txt", Format::kText},
+                                                     {"svg", Format::kSvg}}};
 
 template <class Table>
 Format Find(const Table& table, std::string_view name) {
@@ -42,9 +40,7 @@ Format Find(const Table& table, std::string_view name) {
 }  // namespace
 
 Format FormatOf(const std::string& file, Format fallback) {
-  std::string extension = std::filesystem::path(file).extension().string();
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  const Format format = Find(kExtensions, extension);
+  const Format format = Find(kExtensions, ExtensionOf(file));
   return format != Format::kUnknown ? format : fallback;
 }
 
@@ -59,15 +55,20 @@ std::string NameOf(Format format) {
   return "unknown";
 }
 
+Drawing ParseDrawing(Format format, std::string text, const std::string& name, Content content) {
+  if (format == Format::kUnknown) throw Failure(name, "the name does not tell the format; give --format");
+  if (format == Format::kSvg) throw Failure(name, "pictures are written, not read");
+  DropByteOrderMark(text);
+  if (format == Format::kDxf) return DxfCodecFor(name).read(text, name, content);
+  if (format == Format::kGeoJson) return ReadGeoJson(text, name, content);
+  if (format == Format::kWkt) return ReadWkt(text, name, content);
+  return ReadLoopText(text, name, content);
+}
+
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   const Format format = FormatOf(file, fallback);
-  if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
-  if (format == Format::kSvg) throw Failure(file + ": pictures are written, not read");
-  const std::string text = ReadText(file);
-  if (format == Format::kDxf) return DxfCodecFor(file).read(text, file, content);
-  if (format == Format::kGeoJson) return ReadGeoJson(text, file, content);
-  if (format == Format::kWkt) return ReadWkt(text, file, content);
-  return ReadLoopText(text, file, content);
+  const bool isReadable = format != Format::kUnknown && format != Format::kSvg;
+  return ParseDrawing(format, isReadable ? ReadFile(file) : "", file, content);
 }
 
 std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units) {

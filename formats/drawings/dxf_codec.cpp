@@ -17,7 +17,7 @@ void SetDxfCodec(const DxfCodec& codec) {
 
 const DxfCodec& DxfCodecFor(const std::string& file) {
   const DxfCodec* const codec = codecInUse.load(std::memory_order_acquire);
-  if (codec == nullptr) throw Failure(file + ": this program was built without DXF");
+  if (codec == nullptr) throw Failure(file, "this program was built without DXF");
   return *codec;
 }
 

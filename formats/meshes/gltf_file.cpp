@@ -1,7 +1,6 @@
 #include "formats/meshes/gltf_file.h"
 
 #include <zbr-drawing/numbers.h>
-#include <zbr-formats/files.h>
 #include <zbr-formats/types.h>
 
 #include <algorithm>
@@ -29,13 +28,13 @@ Parts Split(std::string_view text, const std::string& file) {
   constexpr std::size_t kHeader = 12, kPartHeader = 8;
   constexpr std::uint64_t kVersion = 2, kJson = 0x4e4f534a, kBinary = 0x004e4942;
   const std::uint64_t total = text.size() < kHeader ? kHeader : LittleEndian(text.substr(8, 4));
-  if (total > text.size()) throw Failure(file + ": the file ends too early");
-  if (LittleEndian(text.substr(4, 4)) != kVersion) throw Failure(file + ": glTF of another version than 2");
+  if (total > text.size()) throw Failure(file, "the file ends too early");
+  if (LittleEndian(text.substr(4, 4)) != kVersion) throw Failure(file, "glTF of another version than 2");
   Parts parts;
   for (text = text.substr(0, total).substr(std::min<std::size_t>(total, kHeader)); text.size() >= kPartHeader;) {
     const std::uint64_t length = LittleEndian(text.substr(0, 4)), kind = LittleEndian(text.substr(4, 4));
     text.remove_prefix(kPartHeader);
-    if (length > text.size()) throw Failure(file + ": a part is said to be longer than the file");
+    if (length > text.size()) throw Failure(file, "a part is said to be longer than the file");
     if (kind == kJson && parts.json.empty()) parts.json = text.substr(0, length);
     if (kind == kBinary && parts.binary.empty()) parts.binary = text.substr(0, length);
     text.remove_prefix(length);
@@ -47,14 +46,14 @@ Parts Split(std::string_view text, const std::string& file) {
 Json Parsed(std::string_view text, const std::string& file, bool isWholeFile) {
   try {
     Json json = Json::parse(text.begin(), text.end());
-    if (!json.is_object()) throw Failure(file + ": a glTF object expected");
+    if (!json.is_object()) throw Failure(file, "a glTF object expected");
     return json;
   } catch (const Json::parse_error& error) {
-    if (!isWholeFile) throw Failure(file + ": " + JsonCause(error.what()));
+    if (!isWholeFile) throw Failure(file, JsonCause(error.what()));
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
     FailAt(file, 1 + static_cast<std::size_t>(std::count(text.begin(), end, '\n')), JsonCause(error.what()));
   } catch (const Json::exception& error) {  // a number beyond all range
-    throw Failure(file + ": " + JsonCause(error.what()));
+    throw Failure(file, JsonCause(error.what()));
   }
 }
 
@@ -104,26 +103,23 @@ bool StaysWithin(const fs::path& path) {
   return std::none_of(path.begin(), path.end(), [](const fs::path& part) { return part == ".."; });
 }
 
-// A file beside the document, or in a folder beside it. A device or a pipe would not end, and what lies elsewhere was not meant to
-// be given away.
-std::string ReadBeside(const std::string& file, const std::string& uri, const GltfItem& buffer) {
+// A file beside the document, or in a folder beside it: what lies elsewhere was not meant to be given away.
+std::string ReadBeside(const std::string& uri, const GltfItem& buffer, const FileSource& beside) {
   const std::string name = Unescaped(uri);
   if (name.empty() || name.front() == '/' || name.find_first_of(":\\") != std::string::npos ||
       name.find('\0') != std::string::npos || !StaysWithin(name))
     buffer.Fail("uri " + Quoted(uri) + " is no name of a file beside this one");
-  const fs::path path = fs::path(file == "-" ? "" : file).parent_path() / name;
-  std::error_code ignored;
-  if (!fs::is_regular_file(path, ignored)) buffer.Fail("there is no file " + Quoted(name));
+  if (!beside) buffer.Fail("there is no file " + Quoted(name));
   try {
-    return ReadFile(path.string());
+    return beside(name);
   } catch (const Failure& failure) {
     buffer.Fail(failure.what());
   }
 }
 
-std::string Fetched(const std::string& file, const std::string& uri, const GltfItem& buffer) {
+std::string Fetched(const std::string& uri, const GltfItem& buffer, const FileSource& beside) {
   constexpr std::string_view kData = "data:", kMark = ";base64,";
-  if (!uri.starts_with(kData)) return ReadBeside(file, uri, buffer);
+  if (!uri.starts_with(kData)) return ReadBeside(uri, buffer, beside);
   const std::size_t mark = uri.substr(0, 200).find(kMark);
   auto bytes = mark == std::string::npos ? std::nullopt : FromBase64(std::string_view(uri).substr(mark + kMark.size()));
   if (!bytes) buffer.Fail("uri is not data in base 64");
@@ -132,12 +128,12 @@ std::string Fetched(const std::string& file, const std::string& uri, const GltfI
 
 }  // namespace
 
-GltfFile::GltfFile(const std::string& text, const std::string& file) : file_(file) {
+GltfFile::GltfFile(const std::string& text, const std::string& file, const FileSource& beside) : file_(file), beside_(beside) {
   Parts parts{text, {}};
   if (text.starts_with(kMagic)) parts = Split(text, file);
   binary_ = parts.binary;
   document_ = Parsed(parts.json, file, parts.json.size() == text.size());
-  if (!Root().Child("asset").Text("version").starts_with("2.")) throw Failure(file + ": glTF of another version than 2");
+  if (!Root().Child("asset").Text("version").starts_with("2.")) throw Failure(file, "glTF of another version than 2");
 }
 
 std::string_view GltfFile::Buffer(std::size_t place) {
@@ -146,7 +142,7 @@ std::string_view GltfFile::Buffer(std::size_t place) {
   std::string_view bytes = binary_;
   if (place > 0 || buffer.Has("uri")) {
     const auto [at, isNew] = buffers_.try_emplace(place);
-    if (isNew) at->second = Fetched(file_, buffer.Text("uri"), buffer);
+    if (isNew) at->second = Fetched(buffer.Text("uri"), buffer, beside_);
     bytes = at->second;
   }
   if (length > bytes.size()) buffer.Fail("byteLength is beyond the end of the data");

@@ -1,6 +1,8 @@
 // The document of a glTF file and the bytes that it describes.
 #pragma once
 
+#include <zbr-formats/meshes.h>
+
 #include <nlohmann/json.hpp>
 
 #include <cstddef>
@@ -16,8 +18,8 @@ namespace zbr::formats {
 // beside it; they are read when they are asked for.
 class GltfFile {
  public:
-  // Refers to both as long as it lives. Fails when this is not glTF 2.
-  GltfFile(const std::string& text, const std::string& file);
+  // Refers to all of them as long as it lives. Fails when this is not glTF 2.
+  GltfFile(const std::string& text, const std::string& file, const FileSource& beside);
   GltfFile(const GltfFile&) = delete;
   GltfFile& operator=(const GltfFile&) = delete;
 
@@ -30,6 +32,7 @@ class GltfFile {
   std::string_view Buffer(std::size_t place);
 
   const std::string& file_;
+  const FileSource& beside_;
   std::string_view binary_;  // the buffer within the file
   nlohmann::json document_;
   std::map<std::size_t, std::string> buffers_;  // those that were read

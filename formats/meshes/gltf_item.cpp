@@ -22,7 +22,7 @@ std::optional<std::size_t> ToWhole(const Json& json) {
 }  // namespace
 
 void GltfItem::Fail(const std::string& cause) const {
-  throw Failure(name_ + ": " + cause);
+  throw Failure(name_, cause);
 }
 
 const Json& GltfItem::Member(const char* key) const {

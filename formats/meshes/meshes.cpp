@@ -1,13 +1,14 @@
 // Chooses the reader by the file's extension and checks what all meshes must be.
 #include <zbr-formats/meshes.h>
 
+#include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
 #include <zbr-formats/types.h>
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cmath>
+#include <filesystem>
 #include <utility>
 
 #include "formats/meshes/readers.h"
@@ -15,10 +16,21 @@
 namespace zbr::formats {
 namespace {
 
-using Reader = Mesh (*)(const std::string& text, const std::string& file);
+using Reader = Mesh (*)(const std::string& text, const std::string& file, const FileSource& beside);
 
-constexpr std::array<std::pair<const char*, Reader>, 6> kReaders = {
-    {{"stl", ReadStl}, {"obj", ReadObj}, {"ply", ReadPly}, {"off", ReadOff}, {"gltf", ReadGltf}, {"glb", ReadGltf}}};
+// Most formats are whole in one file.
+template <Mesh (*read)(const std::string&, const std::string&)>
+Mesh Alone(const std::string& text, const std::string& file, const FileSource&) {
+  return read(text, file);
+}
+
+constexpr Reader kReadStl = Alone<ReadStl>;
+constexpr std::array<std::pair<const char*, Reader>, 6> kReaders = {{{"stl", kReadStl},
+                                                                     {"obj", Alone<ReadObj>},
+                                                                     {"ply", Alone<ReadPly>},
+                                                                     {"off", Alone<ReadOff>},
+                                                                     {"gltf", ReadGltf},
+                                                                     {"glb", ReadGltf}}};
 
 // Null when there is none.
 Reader ReaderOf(const std::string& format) {
@@ -27,29 +39,21 @@ Reader ReaderOf(const std::string& format) {
   return found == kReaders.end() ? nullptr : found->second;
 }
 
-std::string ExtensionOf(const std::string& file) {
-  const std::size_t dot = file.rfind('.');
-  std::string extension = dot == std::string::npos ? "" : file.substr(dot + 1);
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return extension;
-}
-
 bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
   const ZBR_PT3 n = (b - a).OuterProduct(c - a);
   return n.x() != 0 || n.y() != 0 || n.z() != 0;
 }
 
 void Check(const Mesh& mesh, const std::string& file) {
-  if (mesh.triangles.empty()) throw Failure(file + ": no triangles");
-  if (mesh.triangles.size() > kMostMeshPoints || mesh.points.size() > kMostMeshPoints) throw Failure(file + ": too many triangles");
+  if (mesh.triangles.empty()) throw Failure(file, "no triangles");
+  if (mesh.triangles.size() > kMostMeshPoints || mesh.points.size() > kMostMeshPoints) throw Failure(file, "too many triangles");
   for (std::size_t i = 0; i < mesh.points.size(); ++i) {
-    if (!IsMeshCoordinate(mesh.points[i]))
-      throw Failure(file + ": a coordinate of point " + std::to_string(i + 1) + " is too large");
+    if (!IsMeshCoordinate(mesh.points[i])) throw Failure(file, "a coordinate of point " + std::to_string(i + 1) + " is too large");
   }
   const auto hasArea = [&](const std::array<std::uint32_t, 3>& t) {
     return HasArea(mesh.points[t[0]], mesh.points[t[1]], mesh.points[t[2]]);
   };
-  if (std::none_of(mesh.triangles.begin(), mesh.triangles.end(), hasArea)) throw Failure(file + ": no triangles with an area");
+  if (std::none_of(mesh.triangles.begin(), mesh.triangles.end(), hasArea)) throw Failure(file, "no triangles with an area");
 }
 
 }  // namespace
@@ -67,16 +71,28 @@ const std::vector<std::string>& MeshFormats() {
   return kFormats;
 }
 
-Mesh ReadMesh(const std::string& file, const std::string& format) {
-  const Reader reader = ReaderOf(IsMeshFile(file) ? ExtensionOf(file) : format);
+Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& name, const FileSource& beside) {
+  const Reader reader = ReaderOf(format);
   if (reader == nullptr)
-    throw Failure(file + ": not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give --model-format");
-  const std::string text = reader == ReadStl ? ReadFile(file) : ReadText(file);  // a binary STL may begin with anything
-  if (text.empty()) throw Failure(file + ": the file is empty");
-  Mesh mesh = reader(text, file);
-  Check(mesh, file);
+    throw Failure(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give --model-format");
+  if (reader != kReadStl) DropByteOrderMark(bytes);  // a binary STL may begin with anything
+  if (bytes.empty()) throw Failure(name, "the file is empty");
+  Mesh mesh = reader(bytes, name, beside);
+  Check(mesh, name);
   mesh.yUp = reader == ReadGltf;
   return mesh;
+}
+
+Mesh ReadMesh(const std::string& file, const std::string& format) {
+  const std::string chosen = IsMeshFile(file) ? ExtensionOf(file) : format;
+  const FileSource beside = [&](const std::string& name) {
+    const std::filesystem::path path = std::filesystem::path(file == "-" ? "" : file).parent_path() / name;
+    std::error_code ignored;
+    // A device or a pipe would not end.
+    if (!std::filesystem::is_regular_file(path, ignored)) throw Failure("there is no file " + Quoted(name));
+    return ReadFile(path.string());
+  };
+  return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside);
 }
 
 }  // namespace zbr::formats

@@ -139,11 +139,11 @@ class MeshBuilder {
   }
 
   void AddPoints(const GltfAccessor& points, const Place& place) {
-    if (points.Count() > kMostMeshPoints - mesh_.points.size()) throw Failure(file_ + ": too many points");
+    if (points.Count() > kMostMeshPoints - mesh_.points.size()) throw Failure(file_, "too many points");
     for (std::size_t i = 0; i < points.Count(); ++i) {
       const ZBR_PT3 p = place.Point({points.At(i, 0), points.At(i, 1), points.At(i, 2)});
       if (!std::isfinite(p.x()) || !std::isfinite(p.y()) || !std::isfinite(p.z()))
-        throw Failure(file_ + ": a coordinate of point " + std::to_string(mesh_.points.size() + 1) + " is not a finite number");
+        throw Failure(file_, "a coordinate of point " + std::to_string(mesh_.points.size() + 1) + " is not a finite number");
       mesh_.points.push_back(p);
     }
   }
@@ -156,7 +156,7 @@ class MeshBuilder {
     for (std::size_t i = 0; i < corners.size(); ++i) {
       const double place = indices ? indices->At(i, 0) : static_cast<double>(i);
       if (!(place >= 0 && place < static_cast<double>(pointCount)) || place != std::floor(place))
-        throw Failure(file_ + ": a face refers to a point that is not there");
+        throw Failure(file_, "a face refers to a point that is not there");
       corners[i] = firstPoint + static_cast<std::uint32_t>(place);
     }
     return corners;
@@ -164,7 +164,7 @@ class MeshBuilder {
 
   void AddTriangles(Mode mode, const std::vector<std::uint32_t>& corners, bool isMirrored) {
     if (corners.size() / (mode == kTriangles ? 3 : 1) > kMostMeshPoints - mesh_.triangles.size())
-      throw Failure(file_ + ": too many triangles");
+      throw Failure(file_, "too many triangles");
     const std::size_t step = mode == kTriangles ? 3 : 1;
     for (std::size_t i = 0; i + 2 < corners.size(); i += step) {
       std::array<std::uint32_t, 3> t = {corners[mode == kFan ? 0 : i], corners[i + 1], corners[i + 2]};
@@ -182,8 +182,8 @@ class MeshBuilder {
 
 }  // namespace
 
-Mesh ReadGltf(const std::string& text, const std::string& file) {
-  GltfFile gltf(text, file);
+Mesh ReadGltf(const std::string& text, const std::string& file, const FileSource& beside) {
+  GltfFile gltf(text, file, beside);
   return MeshBuilder(gltf, file).Build();
 }
 

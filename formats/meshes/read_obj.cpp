@@ -1,5 +1,5 @@
 // Wavefront OBJ: points and faces; everything else (texture, groups, curves, loose lines) is passed over.
-#include <zbr-drawing/polygons.h>
+#include <zbr-drawing/mesh.h>
 
 #include "formats/meshes/readers.h"
 #include "formats/meshes/text_lines.h"

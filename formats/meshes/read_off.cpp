@@ -1,6 +1,6 @@
 // Object File Format, as text: counts, points, faces. Normals and colours at the ends of lines are passed over.
+#include <zbr-drawing/mesh.h>
 #include <zbr-drawing/numbers.h>
-#include <zbr-drawing/polygons.h>
 
 #include "formats/meshes/readers.h"
 #include "formats/meshes/text_lines.h"

@@ -1,6 +1,6 @@
 // PLY, as text and binary: a header that describes records of any kind; of these, points and faces are looked at.
+#include <zbr-drawing/mesh.h>
 #include <zbr-drawing/numbers.h>
-#include <zbr-drawing/polygons.h>
 #include <zbr-formats/types.h>
 
 #include <algorithm>
@@ -86,7 +86,7 @@ class BinaryValues : public Values {
     if (!std::isfinite(value)) Fail("a number is not finite");
     return value;
   }
-  void Fail(const std::string& cause) const override { throw Failure(file_ + ": " + cause); }
+  void Fail(const std::string& cause) const override { throw Failure(file_, cause); }
 
  private:
   static double Value(const Type& type, std::uint64_t bits) {

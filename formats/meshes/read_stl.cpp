@@ -60,7 +60,7 @@ void AddTriangle(Mesh& mesh) {
 Mesh ReadBinary(const std::string& text, const std::string& file) {
   const std::uint32_t count = Number32(text.data() + kHeader);
   if (text.size() < BinarySize(text))
-    throw Failure(file + ": the file ends before the last of its " + std::to_string(count) + " triangles");
+    throw Failure(file, "the file ends before the last of its " + std::to_string(count) + " triangles");
   Mesh mesh;
   mesh.points.reserve(3 * static_cast<std::size_t>(count));
   mesh.triangles.reserve(count);
@@ -71,7 +71,7 @@ Mesh ReadBinary(const std::string& text, const std::string& file) {
       for (std::size_t k = 0; k < 3; ++k) {
         p[k] = std::bit_cast<float>(Number32(record + 12 + 12 * i + 4 * k));
         if (!std::isfinite(p[k]))
-          throw Failure(file + ": a coordinate of triangle " + std::to_string(t + 1) + " is not a finite number");
+          throw Failure(file, "a coordinate of triangle " + std::to_string(t + 1) + " is not a finite number");
       }
       mesh.points.emplace_back(p[0], p[1], p[2]);
     }

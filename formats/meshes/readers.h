@@ -1,7 +1,7 @@
 // One reader for each format. All fail for malformed contents.
 #pragma once
 
-#include <zbr-drawing/mesh.h>
+#include <zbr-formats/meshes.h>
 #include <zbr-formats/types.h>
 
 #include <string>
@@ -14,7 +14,7 @@ Mesh ReadOff(const std::string& text, const std::string& file);
 Mesh ReadPly(const std::string& text, const std::string& file);
 Mesh ReadStl(const std::string& text, const std::string& file);
 
-// Files that it refers to are read from its folder.
-Mesh ReadGltf(const std::string& text, const std::string& file);
+// `beside` gives the files that it refers to.
+Mesh ReadGltf(const std::string& text, const std::string& file, const FileSource& beside);
 
 }  // namespace zbr::formats

@@ -1,4 +1,10 @@
 // From the contours of a drawing to rings of straight edges: open ends joined, curves flattened.
+//
+//   const Contours contours = MakeContours(drawing, WithDefaults({-1, -1}, ExtentOf(drawing)));
+//   const Frame frame = Frame::For(ExtentOf(contours.rings));  // frame.h
+//   const Region region = MakeRegion(contours, frame);         // region.h
+//
+// Drawings to be combined need one set of tolerances, from their extents together: what coincides in them then still does.
 #pragma once
 
 #include <zbr-drawing/drawing.h>

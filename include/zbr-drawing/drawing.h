@@ -1,4 +1,14 @@
-// What a drawing file holds, before and after its curves are replaced by straight edges.
+// A planar drawing as people draw it, before and after its curves are replaced by straight edges: paths of vertices, arcs in place
+// of some of the edges, layers, a unit.
+//
+//   Drawing drawing;
+//   Path& square = drawing.paths.emplace_back();
+//   square.points = {{0, 0}, {4, 0}, {4, 4}, {0, 4}};
+//   square.closed = true;
+//   const Contours contours = MakeContours(drawing, WithDefaults({-1, -1}, ExtentOf(drawing)));  // contours.h
+//
+// Readers of files make drawings, too (zbr-formats/drawings.h). What a record says of a file, its name and lines, serves messages
+// alone and may be empty. Copies share the names of layers, which may be read from several threads, but not added to.
 #pragma once
 
 #include <zbr-drawing/names.h>

@@ -1,8 +1,8 @@
 // The coordinate frame that drawings are computed in.
 //
 // The library compares lengths with an absolute tolerance and drops areas below one, so data in metres and data in nanometres would
-// fare differently. The tool therefore scales what it reads by a power of two, which changes no digit, into the range where the
-// tolerance suits, and scales results back.
+// fare differently. Drawings are therefore scaled by a power of two, which changes no digit, into the range where the
+// tolerance suits, and results are scaled back.
 #pragma once
 
 #include <zbr-drawing/drawing.h>
@@ -10,7 +10,7 @@
 
 namespace zbr::drawing {
 
-// The library's tolerance while the tool works, in units of the frame; what the Boolean uses by itself.
+// The library's tolerance to work with in a frame, in its units: hold it by ZBR_TmpEps. It is what the Boolean uses by itself.
 inline constexpr double kTolerance = 1e-9;
 
 class Frame {

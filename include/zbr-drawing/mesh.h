@@ -1,4 +1,11 @@
-// Triangles as a file or a generator gives them.
+// Triangles and polygons in space, to be made a model of.
+//
+//   Mesh mesh;
+//   mesh.points = {{0, 0, 0}, {4, 0, 0}, {4, 3, 0}, {0, 3, 0}};
+//   AddPolygon(mesh, {0, 1, 2, 3});
+//   const Model model = MakeModel(mesh, 30.0);  // model.h
+//
+// Any unit of length. Nothing need be welded or oriented: MakeModel joins equal points and finds what hangs together.
 #pragma once
 
 #include <zbr/spatial.h>
@@ -29,5 +36,13 @@ struct Mesh {
 
 // Whether a point is finite and small enough: products of four coordinates have to stay finite.
 bool IsMeshCoordinate(const ZBR_PT3& p);
+
+// Adds the polygon's triangles to the mesh; the corners are places of its points, counter-clockwise seen from outside. What is too
+// crooked to be taken apart, or without area, becomes a fan; fewer than three corners add nothing. Fails for a corner that is no
+// point of the mesh.
+void AddPolygon(Mesh& mesh, const std::vector<std::uint32_t>& corners);
+
+// Fails, saying which triangle or point it is, unless the mesh is as promised above. MakeModel asks for this.
+void CheckMesh(const Mesh& mesh);
 
 }  // namespace zbr::drawing

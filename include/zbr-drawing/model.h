@@ -1,7 +1,12 @@
 // A mesh prepared for drawing: what depends on the mesh alone and serves all its views.
 //
+//   const Model model = MakeModel(mesh, 30.0);              // creases from 30 degrees on
+//   const auto views = DrawViews(model, {{"iso", *NamedView("iso")}}, {});  // views.h
+//   const Survey survey = MakeSurvey(model);                // survey.h: is it closed, does it face outwards?
+//
 // Repeated points are made one, triangles are sorted into shells and put into the library's mesh records, whose edges make them
-// neighbours, and each edge gets the class that it has from every side. The cost is linear.
+// neighbours, and each edge gets the class that it has from every side. The cost is linear. A model is only read by what is done
+// with it, so several threads may share one.
 #pragma once
 
 #include <zbr-drawing/mesh.h>
@@ -31,8 +36,10 @@ enum class Facing : std::uint8_t {
 
 // What the records do not tell of an edge.
 struct EdgeNote {
-  bool isJunction : 1 = false;  // three and more triangles of the mesh meet here, be they in this shell or others
-  bool isSameWay : 1 = false;   // both triangles run along it the same way: then one of them shows its other side
+  EdgeNote() : isJunction(false), isSameWay(false) {}
+
+  bool isJunction : 1;  // three and more triangles of the mesh meet here, be they in this shell or others
+  bool isSameWay : 1;   // both triangles run along it the same way: then one of them shows its other side
 };
 
 // Triangles are numbered through all shells: triangle t of shell s has the number shellBegin[s] + t. Edges are likewise.

@@ -1,4 +1,11 @@
 // The outlines of a scene's objects: what each covers in the drawing, and what nearer ones leave of it.
+//
+//   Scene scene = MakeScene(model, *NamedView("top"));
+//   FindOutlines(model, scene, false, 1);                                // each object as a whole
+//   const std::vector<LoopList> outlines = OutlinesInPlace(model, scene);  // loops with holes, one list for each object
+//
+// Triangles seen edge-on cover nothing; which way triangles face does not matter. Outlines are nested loops (zbr/loop.h), ready for
+// the combinations of zbr/boolean.h. An object of which nothing is seen has an empty list.
 #pragma once
 
 #include <zbr-drawing/region.h>

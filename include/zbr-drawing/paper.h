@@ -1,4 +1,4 @@
-// Paper sizes and drawing scales.
+// Paper sizes and drawing scales, by the names that people give them.
 #pragma once
 
 #include <string>

@@ -1,4 +1,11 @@
 // From the rings of a drawing to the regions that the library combines, and back.
+//
+//   const ZBR_TmpEps tolerance(kTolerance);
+//   const Region a = MakeRegion(contoursA, frame), b = MakeRegion(contoursB, frame);
+//   zbrBooleanLoops(a.loops, b.loops, &op, &result, 1, crosses);           // zbr/boolean.h
+//   const Layer layer = MakeResult("union", std::move(result), frame);     // result.h
+//
+// All calls compare with the thread's tolerance, which is to be kTolerance (frame.h) while they run.
 #pragma once
 
 #include <zbr-drawing/contacts.h>
@@ -39,6 +46,9 @@ void Nest(LoopList& loops);
 
 // Number of rings around each ring, in the order of the list. The loops themselves stay as they are.
 std::vector<int> NestingDepths(const LoopList& rings);
+
+// All rings of nested loops, each outer loop followed by its holes.
+LoopList RingsOf(const LoopList& loops);
 
 std::size_t CountHoles(const LoopList& loops);
 std::size_t CountVertices(const LoopList& loops);

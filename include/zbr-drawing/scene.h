@@ -1,4 +1,12 @@
-// A model as seen in one view, in the form in which the library removes hidden lines.
+// A model as seen in one view, in the form in which the library removes hidden lines: for programs that work with the library's own
+// records. Others take DrawViews (views.h).
+//
+//   Scene scene = MakeScene(model, *NamedView("front"));
+//   const ZBR_TmpEps tolerance(kSceneTolerance);
+//   ZBR_HiddenLine::HiddenLine_Shells(scene.shells.data(), scene.ShellCount());
+//   const ZBR_PT p = scene.ToDrawing(scene.triangles[0].intvl_v[0].front().s.pt.xy());
+//
+// One thread at a time for a scene; different scenes of one model have nothing to do with each other.
 #pragma once
 
 #include <zbr-drawing/model.h>

@@ -1,4 +1,12 @@
-// Views placed on paper.
+// Views placed on paper, in millimetres: first- or third-angle projection, scale, frame, title block.
+//
+//   SheetOptions options;
+//   options.projection = Projection::kFirst;
+//   options.title = "Housing";
+//   const Sheet sheet = LayOut(DrawViews(model, views, {}), options);
+//   for (const PlacedView& view : sheet.views) Plot(sheet.OnPaper(view, view.lines.lines[0].chain.points[0]));
+//
+// zbr-formats/sheets.h writes sheets as SVG, DXF and JSON.
 #pragma once
 
 #include <zbr-drawing/paper.h>

@@ -1,4 +1,9 @@
 // What a mesh holds and what keeps it from bounding bodies.
+//
+//   const Survey survey = MakeSurvey(MakeModel(mesh, 180.0));
+//   if (!survey.IsClean()) Warn(survey.borders, survey.junctions, survey.turned);
+//
+// Counts only; nothing is repaired. Linear.
 #pragma once
 
 #include <zbr-drawing/model.h>

@@ -1,4 +1,5 @@
-// Triangles of a polygon with holes.
+// Triangles of a polygon with holes in the plane, and the way there from a polygon in space. AddPolygon (mesh.h) does it for
+// polygons without holes.
 #pragma once
 
 #include <zbr/spatial.h>

@@ -1,4 +1,10 @@
 // Where a model is seen from.
+//
+//   const View front = *NamedView("front");
+//   const View oblique = LookAlong({1, 2, -1}, {0, 0, 1});   // direction of looking; what is drawn upwards
+//   const ZBR_PT3 p = oblique.In(point);                      // p.x() to the right, p.y() up, p.z() to the viewer
+//
+// Lengths stay as they are: views are parallel projections, without perspective.
 #pragma once
 
 #include <zbr/spatial.h>

@@ -1,4 +1,11 @@
-// The lines that a view of a model shows.
+// The lines that a view of a model shows, as polylines that know the edges they are made of.
+//
+//   for (const Line& line : view.lines) {
+//     if (line.edgeClass == EdgeClass::kSilhouette && !line.hidden) Plot(line.chain.points);
+//     const EdgeRef first = line.chain.edges.front();  // place of a triangle in the mesh, and which of its edges
+//   }
+//
+// Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
 #pragma once
 
 #include <zbr-drawing/contacts.h>
@@ -17,7 +24,7 @@ struct EdgeRef {
   std::uint32_t triangle = 0;  // place in the mesh as read
   std::uint8_t edge = 0;
 
-  bool operator==(const EdgeRef&) const = default;
+  bool operator==(const EdgeRef& o) const { return triangle == o.triangle && edge == o.edge; }
 };
 
 struct Chain {

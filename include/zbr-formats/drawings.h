@@ -22,7 +22,11 @@ Format FormatOf(const std::string& file, Format fallback);
 Format FormatByName(const std::string& name);
 std::string NameOf(Format format);
 
-// Reads a file whose format FormatOf tells. Fails with "file:line: cause" on malformed contents.
+// Reads a drawing from memory: `text` is what the file would hold, `name` stands for it in messages and in the drawing. Fails with
+// "name:line: cause" on malformed contents.
+Drawing ParseDrawing(Format format, std::string text, const std::string& name, Content content = Content::kRegions);
+
+// The same for a file, "-" being standard input; its name tells the format, else `fallback` does.
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content = Content::kRegions);
 
 // The text of a file with one layer, feature or line for each result. Not for pictures.

@@ -5,6 +5,7 @@
 #include <zbr-drawing/sheet.h>
 #include <zbr-formats/types.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,9 @@ std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& o
 std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells);
 
 enum class SheetFormat { kSvg, kDxf, kJson };
+
+// "svg", "dxf" or "json", which are the extensions, too; nothing for any other name.
+std::optional<SheetFormat> SheetFormatByName(const std::string& name);
 
 // A sheet in any of the formats; `shells` is how many the model has. DXF is refused in programs without that part (dxf.h).
 std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells);
