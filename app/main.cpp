@@ -1,6 +1,10 @@
 // zbr: the command-line tool.
 
+#include <zbr-drawing/frame.h>
 #include <zbr/tolerance.h>
+#ifdef ZBR_HAS_DXF
+#include <zbr-formats/dxf.h>
+#endif
 
 #include <csignal>
 #include <cstdio>
@@ -10,13 +14,15 @@
 #include <string>
 #include <vector>
 
-#include "cli/command_line.h"
-#include "geometry/frame.h"
-#include "io/failure.h"
+#include "app/cli/command_line.h"
+#include "app/libraries.h"
 
 int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails, and what was written is removed
   try {
+#ifdef ZBR_HAS_DXF
+    zbr::formats::UseDxf();
+#endif
     zbrSetEps(tool::kTolerance);
     const int code = tool::CommandLine().Run(std::vector<std::string>(argv + 1, argv + argc));
     // What was printed may not have arrived: on a full disk, at a closed pipe.

@@ -32,17 +32,18 @@ struct Times {
   std::vector<double> model, scene, fourViews, remove, chain, hidden, hiddenDrawing;
 };
 
-void TimePreparation(const SceneInput& input, tool::Model& model, Times& times) {
-  times.model.push_back(Time([&] { model = tool::MakeModel(input.mesh, kCreaseDegrees); }));
-  times.scene.push_back(Time([&] { tool::MakeScene(model, input.view); }));
+void TimePreparation(const SceneInput& input, zbr::drawing::Model& model, Times& times) {
+  times.model.push_back(Time([&] { model = zbr::drawing::MakeModel(input.mesh, kCreaseDegrees); }));
+  times.scene.push_back(Time([&] { zbr::drawing::MakeScene(model, input.view); }));
   times.fourViews.push_back(Time([&] {
-    tool::Scene scene;
-    for (const char* view : {"front", "right", "top", "iso"}) tool::MakeScene(model, tool::NamedView(view).value(), scene);
+    zbr::drawing::Scene scene;
+    for (const char* view : {"front", "right", "top", "iso"})
+      zbr::drawing::MakeScene(model, zbr::drawing::NamedView(view).value(), scene);
   }));
 }
 
-void TimeAfterwards(const tool::Scene& scene, Times& times) {
-  const ZBR_TmpEps eps(tool::kSceneTolerance);
+void TimeAfterwards(const zbr::drawing::Scene& scene, Times& times) {
+  const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
   const ZBR_HL_SHELL* shells = scene.shells.data();
   const unsigned count = scene.ShellCount();
   times.chain.push_back(Time([&] {
@@ -70,7 +71,7 @@ void MeasureOurs(const HiddenScene& scene, const SceneOptions& options) {
   ZbrRemover remover;
   DrawnLines first;
   {
-    const tool::Model model = tool::MakeModel(input.mesh, kCreaseDegrees);
+    const zbr::drawing::Model model = zbr::drawing::MakeModel(input.mesh, kCreaseDegrees);
     remover.Load(model, input.view);
     report.SetSize(model.TriangleCount(), remover.scene().drawable);
   }
@@ -80,7 +81,7 @@ void MeasureOurs(const HiddenScene& scene, const SceneOptions& options) {
   first = remover.Describe();
   TimeAfterwards(remover.scene(), times);
 
-  tool::Model model;
+  zbr::drawing::Model model;
   for (int k = 0; k < options.repetitions; ++k) {
     TimePreparation(input, model, times);
     if (k == 0) continue;
@@ -106,8 +107,8 @@ void MeasurePeer(const HiddenScene& scene, const SceneOptions& options, HiddenRe
   double loaded = 0.0;
   for (int k = 0; k < options.repetitions; ++k) {
     {
-      const tool::Model model = tool::MakeModel(input.mesh, kCreaseDegrees);
-      if (k == 0) report.SetSize(model.TriangleCount(), tool::MakeScene(model, input.view).drawable);
+      const zbr::drawing::Model model = zbr::drawing::MakeModel(input.mesh, kCreaseDegrees);
+      if (k == 0) report.SetSize(model.TriangleCount(), zbr::drawing::MakeScene(model, input.view).drawable);
       remover.Load(model, input.view);
     }
     if (k == 0) loaded = ResetPeak();
@@ -142,7 +143,7 @@ bool MeasureScene(const HiddenScene& scene, const SceneOptions& options) {
 void RunOnce(const std::string& name) {
   const SceneInput input = MakeSceneInput(name);
   ZbrRemover remover;
-  remover.Load(tool::MakeModel(input.mesh, kCreaseDegrees), input.view);
+  remover.Load(zbr::drawing::MakeModel(input.mesh, kCreaseDegrees), input.view);
   const double seconds = Time([&] { remover.Run(); });
   const DrawnLines lines = remover.Describe();
   std::printf("%s: %.3f ms, %zu triangles, %zu edges, %zu visible pieces, length %.6f, checksum %016llx\n", name.c_str(),

@@ -4,9 +4,10 @@
 // then starts as the parent's, and its high-water mark counts what the run touches beyond that. Prints, as comma-separated values,
 // family, size, operation, peer, and the peak in MiB. For Linux.
 
-#include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <malloc.h>
 
 #include <cstdio>
 #include <exception>
@@ -72,7 +73,7 @@ bool MeasureFamily(const PairFamily& family, std::size_t size) {
 
 bool MeasureMeshes(std::size_t size) {
   bool good = true;
-  const tool::Mesh mesh = MeshInput(size, false);
+  const zbr::drawing::Mesh mesh = MeshInput(size, false);
   for (const Entry<MeshPeer>& entry : MeshPeers()) {
     const auto peer = entry.make();
     peer->Load(mesh);

@@ -4,8 +4,9 @@
 // a mesh (see MeshInput); "map" enters the edges of the mixed one into a table from pairs of vertices, where our peer is
 // std::unordered_map. The number of edges is compared with Euler's formula.
 
-#include <benchmark/benchmark.h>
 #include <zbr/mesh.h>
+
+#include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <memory>
@@ -25,13 +26,13 @@ namespace {
 const std::vector<Sizes> kSizes = {{"mesh", {10'000, 100'000}, {100'000, 1'000'000}}};
 
 // Of a torus.
-void CheckEdges(std::size_t edges, const tool::Mesh& mesh) {
+void CheckEdges(std::size_t edges, const zbr::drawing::Mesh& mesh) {
   const std::size_t expected = mesh.points.size() + mesh.triangles.size();
   if (edges == expected) return;
   throw std::runtime_error(std::to_string(edges) + " edges, expected " + std::to_string(expected));
 }
 
-void MeasureMesh(benchmark::State& state, const tool::Mesh& mesh, MeshPeer& peer) {
+void MeasureMesh(benchmark::State& state, const zbr::drawing::Mesh& mesh, MeshPeer& peer) {
   peer.Load(mesh);
   peer.Run();
   CheckEdges(peer.CountEdges(), mesh);
@@ -60,7 +61,7 @@ class StandardMap {
 
 // Returns the number of different edges.
 template <class Map>
-std::size_t EnterEdges(Map& map, const tool::Mesh& mesh) {
+std::size_t EnterEdges(Map& map, const zbr::drawing::Mesh& mesh) {
   int edges = 0;
   map.SetVertexCnt(mesh.points.size());
   map.Reserve(mesh.points.size() + mesh.triangles.size());
@@ -74,7 +75,7 @@ std::size_t EnterEdges(Map& map, const tool::Mesh& mesh) {
 }
 
 template <class Map>
-void MeasureMap(benchmark::State& state, const tool::Mesh& mesh) {
+void MeasureMap(benchmark::State& state, const zbr::drawing::Mesh& mesh) {
   for (auto _ : state) {
     auto map = std::make_unique<Map>();
     CheckEdges(EnterEdges(*map, mesh), mesh);
@@ -90,7 +91,7 @@ void Register(std::size_t size, const std::string& operation, const std::string&
   const std::string name = "mesh/" + std::to_string(size) + "/" + operation + "/" + peer;
   benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
     try {
-      const tool::Mesh mesh = MeshInput(size, operation != "ordered");
+      const zbr::drawing::Mesh mesh = MeshInput(size, operation != "ordered");
       measure(state, mesh);
       state.counters["units"] = static_cast<double>(mesh.triangles.size());
       state.SetLabel("triangle");
@@ -105,7 +106,7 @@ void RegisterAll(const Selection& selection) {
     for (const char* order : {"ordered", "mixed"}) {
       for (const Entry<MeshPeer>& entry : MeshPeers()) {
         Register(size, order, entry.name,
-                 [&entry](auto& state, const tool::Mesh& mesh) { MeasureMesh(state, mesh, *entry.make()); });
+                 [&entry](auto& state, const zbr::drawing::Mesh& mesh) { MeasureMesh(state, mesh, *entry.make()); });
       }
     }
     Register(size, "map", "zbr", MeasureMap<ZBR_ZBREP_EDGE_MAP>);

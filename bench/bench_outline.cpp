@@ -8,6 +8,7 @@
 // Times are CPU seconds, medians. Operations: "outline-fresh" is OutLineObj on shells that are not processed, which it then has to
 // classify; "outline" on processed ones; "remove" the removal of the hidden lines, which processes them; "union" a peer's.
 
+#include <zbr-drawing/scene.h>
 #include <zbr/hidden_line.h>
 #include <zbr/tolerance.h>
 
@@ -20,7 +21,6 @@
 #include <vector>
 
 #include "hidden_scenes.h"
-#include "model/scene.h"
 #include "outline_peer.h"
 #include "scene_runs.h"
 #include "zbr_loops.h"
@@ -30,17 +30,17 @@ namespace {
 
 constexpr double kCreaseDegrees = 30.0;
 
-const LoopList& OutlineOf(const tool::Scene& scene) {
+const LoopList& OutlineOf(const zbr::drawing::Scene& scene) {
   return scene.shells.front().outline_all;
 }
 
-void FindOutline(tool::Scene& scene) {
-  const ZBR_TmpEps eps(tool::kSceneTolerance);
+void FindOutline(zbr::drawing::Scene& scene) {
+  const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
   ZBR_HiddenLine::OutLineObj(scene.shells.data(), scene.ShellCount());
 }
 
-void RemoveHiddenLines(tool::Scene& scene) {
-  const ZBR_TmpEps eps(tool::kSceneTolerance);
+void RemoveHiddenLines(zbr::drawing::Scene& scene) {
+  const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
   ZBR_HiddenLine::HiddenLine_Shells(scene.shells.data(), scene.ShellCount());
 }
 
@@ -82,10 +82,10 @@ struct Times {
 };
 
 // `scene` is freshly loaded. Returns the outline's checksum, which is the same before and after the removal.
-std::uint64_t TimeOnce(const tool::Model& model, const tool::View& view, tool::Scene& scene, Times& times) {
+std::uint64_t TimeOnce(const zbr::drawing::Model& model, const zbr::drawing::View& view, zbr::drawing::Scene& scene, Times& times) {
   times.fresh.push_back(Time([&] { FindOutline(scene); }));
   const std::uint64_t sum = Checksum(OutlineOf(scene));
-  tool::MakeScene(model, view, scene);
+  zbr::drawing::MakeScene(model, view, scene);
   times.remove.push_back(Time([&] { RemoveHiddenLines(scene); }));
   times.processed.push_back(Time([&] { FindOutline(scene); }));
   if (Checksum(OutlineOf(scene)) != sum) throw std::runtime_error("the outlines before and after the removal differ");
@@ -95,8 +95,8 @@ std::uint64_t TimeOnce(const tool::Model& model, const tool::View& view, tool::S
 void MeasureOurs(const HiddenScene& scene, const SceneOptions& options) {
   Report report(scene, "zbr");
   const SceneInput input = MakeSceneInput(scene.name);
-  const tool::Model model = tool::MakeModel(input.mesh, kCreaseDegrees);
-  tool::Scene made = tool::MakeScene(model, input.view);
+  const zbr::drawing::Model model = zbr::drawing::MakeModel(input.mesh, kCreaseDegrees);
+  zbr::drawing::Scene made = zbr::drawing::MakeScene(model, input.view);
   report.SetSize(model.TriangleCount(), made.drawable);
   const double loaded = ResetPeak();
   FindOutline(made);
@@ -107,7 +107,7 @@ void MeasureOurs(const HiddenScene& scene, const SceneOptions& options) {
 
   Times times;
   for (int k = 0; k < options.repetitions; ++k) {
-    tool::MakeScene(model, input.view, made);
+    zbr::drawing::MakeScene(model, input.view, made);
     if (TimeOnce(model, input.view, made, times) != sum) throw std::runtime_error("two runs differ");
   }
   report.Row("outline-fresh", Median(times.fresh), "s");
@@ -116,8 +116,8 @@ void MeasureOurs(const HiddenScene& scene, const SceneOptions& options) {
 }
 
 // The triangles whose union is the outline's inside, counter-clockwise.
-std::vector<Ring> ProjectedTriangles(tool::Scene& scene) {
-  const ZBR_TmpEps eps(tool::kSceneTolerance);
+std::vector<Ring> ProjectedTriangles(zbr::drawing::Scene& scene) {
+  const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
   for (ZBR_HL_SHELL& shell : scene.shells) {
     shell.GetMaxMin();
     shell.CheckTriangle();
@@ -138,8 +138,8 @@ void MeasurePeer(const HiddenScene& scene, const SceneOptions& options, const En
   const auto peer = entry.make();
   {
     const SceneInput input = MakeSceneInput(scene.name);
-    const tool::Model model = tool::MakeModel(input.mesh, kCreaseDegrees);
-    tool::Scene made = tool::MakeScene(model, input.view);
+    const zbr::drawing::Model model = zbr::drawing::MakeModel(input.mesh, kCreaseDegrees);
+    zbr::drawing::Scene made = zbr::drawing::MakeScene(model, input.view);
     report.SetSize(model.TriangleCount(), made.drawable);
     peer->Load(ProjectedTriangles(made));
   }
@@ -178,7 +178,7 @@ bool MeasureScene(const HiddenScene& scene, const SceneOptions& options) {
 
 void RunOnce(const std::string& name) {
   const SceneInput input = MakeSceneInput(name);
-  tool::Scene scene = tool::MakeScene(tool::MakeModel(input.mesh, kCreaseDegrees), input.view);
+  zbr::drawing::Scene scene = zbr::drawing::MakeScene(zbr::drawing::MakeModel(input.mesh, kCreaseDegrees), input.view);
   const double seconds = Time([&] { FindOutline(scene); });
   const Summary result = Summarise(OutlineOf(scene));
   std::printf("%s: %.3f ms, %zu triangles, %zu loops, %zu points, area %.9f, checksum %016llx\n", name.c_str(), seconds * 1e3,

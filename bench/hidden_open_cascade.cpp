@@ -23,9 +23,10 @@
 #include <TopoDS_Face.hxx>
 #include <TopoDS_Shell.hxx>
 #include <TopoDS_Wire.hxx>
+#include <gp_Ax2.hxx>
+
 #include <array>
 #include <cmath>
-#include <gp_Ax2.hxx>
 
 #include "hidden_remover.h"
 
@@ -38,14 +39,14 @@ constexpr double kShapeTolerance = 1e-7;
 // Builds the faces of one scene.
 class ShapeBuilder {
  public:
-  ShapeBuilder(const tool::Model& model, const tool::Scene& scene)
+  ShapeBuilder(const zbr::drawing::Model& model, const zbr::drawing::Scene& scene)
       : model_(model), scene_(scene), taken_(model.TriangleCount()), edges_(model.TriangleCount()) {}
 
   TopoDS_Compound Build();
   const TopTools_MapOfShape& junctions() const { return junctions_; }
 
  private:
-  bool IsDrawn(std::size_t t, std::size_t i) const { return scene_.classes[t][i] != tool::EdgeClass::kSmooth; }
+  bool IsDrawn(std::size_t t, std::size_t i) const { return scene_.classes[t][i] != zbr::drawing::EdgeClass::kSmooth; }
   bool IsAway(std::size_t t) const;
   // The triangle across edge i; -1 at borders and junctions.
   std::ptrdiff_t Across(std::size_t t, std::size_t i) const;
@@ -57,8 +58,8 @@ class ShapeBuilder {
   void AddEdges(const Handle(Poly_Triangulation) & triangulation, TopoDS_Face& face);
   TopoDS_Edge& EdgeAt(std::size_t t, std::size_t i);
 
-  const tool::Model& model_;
-  const tool::Scene& scene_;
+  const zbr::drawing::Model& model_;
+  const zbr::drawing::Scene& scene_;
   std::vector<bool> taken_;         // of each triangle: it is in a patch
   std::vector<std::size_t> patch_;  // the triangles of the patch being built
   std::size_t shell_ = 0;           // of the patch
@@ -92,7 +93,7 @@ TopoDS_Compound ShapeBuilder::Build() {
       builder_.Add(shell, face);
     }
     // Of a closed shell it leaves the far side out of the search.
-    shell.Closed(model_.facing[s] == tool::Facing::kOutward);
+    shell.Closed(model_.facing[s] == zbr::drawing::Facing::kOutward);
     builder_.Add(compound, shell);
   }
   return compound;
@@ -110,7 +111,7 @@ std::ptrdiff_t ShapeBuilder::Across(std::size_t t, std::size_t i) const {
 
 std::size_t ShapeBuilder::Vertex(std::size_t t, std::size_t i) const {
   const ZBR_ZBREPT& triangle = *model_.Shell(shell_).GetTriangle(static_cast<int>(t - model_.shellBegin[shell_]));
-  return static_cast<std::size_t>(tool::VertexOf(triangle, i % 3).GetIndex());
+  return static_cast<std::size_t>(zbr::drawing::VertexOf(triangle, i % 3).GetIndex());
 }
 
 void ShapeBuilder::CollectPatch(std::size_t first) {
@@ -189,7 +190,7 @@ void ShapeBuilder::AddEdges(const Handle(Poly_Triangulation) & triangulation, To
       parameters(2) = 1.0;
       builder_.UpdateEdge(edge, new Poly_PolygonOnTriangulation(nodes, parameters), triangulation);
       builder_.Add(wire, edge);
-      if (scene_.classes[t][i] == tool::EdgeClass::kJunction) junctions_.Add(edge);
+      if (scene_.classes[t][i] == zbr::drawing::EdgeClass::kJunction) junctions_.Add(edge);
     }
   }
   builder_.Add(face, wire);
@@ -197,7 +198,7 @@ void ShapeBuilder::AddEdges(const Handle(Poly_Triangulation) & triangulation, To
 
 class OpenCascadeRemover final : public HiddenRemover {
  public:
-  void Load(const tool::Model& model, const tool::View& view) override;
+  void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) override;
   void Run() override;
   DrawnLines Describe() const override { return lines_; }
 
@@ -208,10 +209,10 @@ class OpenCascadeRemover final : public HiddenRemover {
   DrawnLines lines_;
 };
 
-void OpenCascadeRemover::Load(const tool::Model& model, const tool::View& view) {
+void OpenCascadeRemover::Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) {
   algorithm_.Nullify();
   shape_.Nullify();
-  const tool::Scene scene = tool::MakeScene(model, view);
+  const zbr::drawing::Scene scene = zbr::drawing::MakeScene(model, view);
   ShapeBuilder builder(model, scene);
   shape_ = builder.Build();
   junctions_ = builder.junctions();

@@ -1,15 +1,15 @@
 // What the hidden-line benchmarks need of a library: the same small interface for ours and for its peer.
 #pragma once
 
+#include <zbr-drawing/model.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-drawing/view.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
 #include <vector>
-
-#include "model/model.h"
-#include "model/scene.h"
-#include "model/view.h"
 
 namespace bench {
 
@@ -26,7 +26,7 @@ struct DrawnLines {
 class HiddenRemover {
  public:
   virtual ~HiddenRemover() = default;
-  virtual void Load(const tool::Model& model, const tool::View& view) = 0;
+  virtual void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) = 0;
   virtual void Run() = 0;
   virtual DrawnLines Describe() const = 0;
 };
@@ -34,13 +34,13 @@ class HiddenRemover {
 // Ours, whose scene stays open to what follows a removal.
 class ZbrRemover final : public HiddenRemover {
  public:
-  void Load(const tool::Model& model, const tool::View& view) override;
+  void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) override;
   void Run() override;
   DrawnLines Describe() const override;
-  const tool::Scene& scene() const { return scene_; }
+  const zbr::drawing::Scene& scene() const { return scene_; }
 
  private:
-  tool::Scene scene_;
+  zbr::drawing::Scene scene_;
 };
 
 // The polygonal algorithm of Open CASCADE; only where it was found when this was built.

@@ -10,7 +10,7 @@
 
 #include "models/models.h"
 #ifdef BENCH_WITH_MESH_READER
-#include "model/mesh_reader.h"
+#include <zbr-formats/meshes.h>
 #endif
 
 namespace bench {
@@ -21,7 +21,7 @@ struct Kind {
   std::string_view name;
   std::size_t largest;  // beyond it, indices of triangles overflow
   const char* view;
-  tool::Mesh (*make)(std::size_t size);
+  zbr::drawing::Mesh (*make)(std::size_t size);
 };
 
 constexpr Kind kKinds[] = {
@@ -49,8 +49,8 @@ bool ReadSize(std::string_view text, std::size_t largest, std::size_t& size) {
 SceneInput ReadFile(const std::string& file) {
 #ifdef BENCH_WITH_MESH_READER
   SceneInput input;
-  input.mesh = tool::ReadMesh(file);
-  input.view = tool::NamedView("iso", input.mesh.yUp).value();
+  input.mesh = zbr::formats::ReadMesh(file);
+  input.view = zbr::drawing::NamedView("iso", input.mesh.yUp).value();
   return input;
 #else
   throw std::runtime_error("built without a mesh reader: " + file);
@@ -94,7 +94,7 @@ SceneInput MakeSceneInput(const std::string& name) {
   if (!ReadSize(std::string_view(name).substr(colon + 1), kind->largest, size)) {
     throw std::runtime_error("not a size that this scene has: " + name);
   }
-  return {kind->make(size), tool::NamedView(kind->view).value()};
+  return {kind->make(size), zbr::drawing::NamedView(kind->view).value()};
 }
 
 }  // namespace bench

@@ -1,11 +1,11 @@
 // The scenes of the hidden-line and outline benchmarks, by name.
 #pragma once
 
+#include <zbr-drawing/mesh.h>
+#include <zbr-drawing/view.h>
+
 #include <string>
 #include <vector>
-
-#include "model/mesh.h"
-#include "model/view.h"
 
 namespace bench {
 
@@ -21,8 +21,8 @@ struct HiddenScene {
 std::vector<HiddenScene> HiddenScenes(const std::string& prefix, const std::string& meshFolder);
 
 struct SceneInput {
-  tool::Mesh mesh;
-  tool::View view;
+  zbr::drawing::Mesh mesh;
+  zbr::drawing::View view;
 };
 
 // Makes the mesh of a scene or reads its file. Throws std::runtime_error on a name that means nothing.

@@ -18,12 +18,12 @@ void Hash(double value, std::uint64_t& hash) {
 
 }  // namespace
 
-void ZbrRemover::Load(const tool::Model& model, const tool::View& view) {
-  tool::MakeScene(model, view, scene_);
+void ZbrRemover::Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) {
+  zbr::drawing::MakeScene(model, view, scene_);
 }
 
 void ZbrRemover::Run() {
-  const ZBR_TmpEps eps(tool::kSceneTolerance);
+  const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
   ZBR_HiddenLine::HiddenLine_Shells(scene_.shells.data(), scene_.ShellCount());
 }
 
@@ -35,7 +35,7 @@ DrawnLines ZbrRemover::Describe() const {
       for (const ZBR_HL_INTERVAL& interval : scene_.triangles[t].intvl_v[i]) {
         const double length = interval.s.pt.DistanceXY(interval.e.pt);
         lines.visible += length;
-        if (scene_.classes[t][i] == tool::EdgeClass::kJunction) lines.visibleJunctions += length;
+        if (scene_.classes[t][i] == zbr::drawing::EdgeClass::kJunction) lines.visibleJunctions += length;
         ++lines.pieces;
         Hash(interval.s.t, lines.checksum);
         Hash(interval.e.t, lines.checksum);

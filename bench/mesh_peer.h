@@ -1,11 +1,12 @@
 // What the mesh benchmarks need of a library: building a mesh with its edges from points and triangles.
 #pragma once
 
+#include <zbr-drawing/mesh.h>
+
 #include <cstddef>
 #include <memory>
 #include <vector>
 
-#include "model/mesh.h"
 #include "peer.h"
 
 namespace bench {
@@ -16,23 +17,23 @@ class MeshPeer {
  public:
   virtual ~MeshPeer() = default;
   // The mesh must stay in place. It is a closed manifold, which not all libraries could do without.
-  void Load(const tool::Mesh& mesh) { input_ = &mesh; }
+  void Load(const zbr::drawing::Mesh& mesh) { input_ = &mesh; }
   virtual void Run() = 0;
   virtual std::size_t CountEdges() const = 0;
   virtual void Drop() = 0;
 
  protected:
-  const tool::Mesh& input() const { return *input_; }
+  const zbr::drawing::Mesh& input() const { return *input_; }
 
  private:
-  const tool::Mesh* input_ = nullptr;
+  const zbr::drawing::Mesh* input_ = nullptr;
 };
 
 // Ours first, then the peers that were found when this was built.
 const std::vector<Entry<MeshPeer>>& MeshPeers();
 
 // A torus of about so many triangles, its triangles and vertices row after row, or both in random order.
-tool::Mesh MeshInput(std::size_t triangles, bool mixed);
+zbr::drawing::Mesh MeshInput(std::size_t triangles, bool mixed);
 
 std::unique_ptr<MeshPeer> MakeZbrMesh();
 std::unique_ptr<MeshPeer> MakeCgalMesh();

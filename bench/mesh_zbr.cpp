@@ -16,7 +16,7 @@ namespace {
 class ZbrMesh final : public MeshPeer {
  public:
   void Run() override {
-    const tool::Mesh& in = input();
+    const zbr::drawing::Mesh& in = input();
     shell_ = std::make_unique<ZBR_ZBREPS>();
     shell_->SetVertexCnt(static_cast<int>(in.points.size()));
     int next = 0;
@@ -59,8 +59,8 @@ const std::vector<Entry<MeshPeer>>& MeshPeers() {
   return peers;
 }
 
-tool::Mesh MeshInput(std::size_t triangles, bool mixed) {
-  tool::Mesh mesh = example::Torus(triangles);
+zbr::drawing::Mesh MeshInput(std::size_t triangles, bool mixed) {
+  zbr::drawing::Mesh mesh = example::Torus(triangles);
   if (!mixed) return mesh;
   Random random(1);
   std::vector<std::uint32_t> places(mesh.points.size());

@@ -1,4 +1,4 @@
-# Install rules: headers, library, CMake package (zbr::zbr) and pkg-config file.
+# Install rules: headers, library, CMake package (zbr::zbr, zbr::drawing, zbr::formats, zbr::formats-dxf) and pkg-config file.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS zbr EXPORT zbr-targets
@@ -7,6 +7,22 @@ install(TARGETS zbr EXPORT zbr-targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY include/zbr DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT zbr-targets NAMESPACE zbr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zbr)
+
+# The libraries above, each a component of the package that is there when it was built.
+function(zbr_install_component target name headers)
+  install(TARGETS ${target} EXPORT zbr-${name}-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(EXPORT zbr-${name}-targets NAMESPACE zbr:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/zbr)
+  install(DIRECTORY include/${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} ${ARGN})
+endfunction()
+if(TARGET zbr_drawing)
+  zbr_install_component(zbr_drawing drawing zbr-drawing)
+endif()
+if(TARGET zbr_formats)
+  zbr_install_component(zbr_formats formats zbr-formats PATTERN dxf.h EXCLUDE)
+endif()
+if(TARGET zbr_formats_dxf)
+  zbr_install_component(zbr_formats_dxf formats-dxf zbr-formats FILES_MATCHING PATTERN dxf.h)
+endif()
 
 # The installed tool finds the library beside it, wherever the tree was installed or moved to.
 if(NOT DEFINED CMAKE_INSTALL_RPATH AND UNIX AND NOT APPLE)

@@ -26,7 +26,7 @@ std::string Number(double value) {
 }
 
 // Points are counted from 1.
-std::string Obj(const std::string& title, const tool::Mesh& mesh) {
+std::string Obj(const std::string& title, const zbr::drawing::Mesh& mesh) {
   std::string text = "# " + title + "\n";
   for (const ZBR_PT3& p : mesh.points) text += "v " + Number(p.x()) + " " + Number(p.y()) + " " + Number(p.z()) + "\n";
   for (const auto& t : mesh.triangles)

@@ -1,5 +1,8 @@
 // Declares every command and option, parses arguments and runs the command they name.
-#include "cli/command_line.h"
+#include "app/cli/command_line.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 #include <cctype>
@@ -7,11 +10,9 @@
 #include <limits>
 #include <string_view>
 
-#include "cli/help_format.h"
-#include "cli/manual.h"
-#include "io/failure.h"
-#include "io/numbers.h"
-#include "model/mesh_reader.h"
+#include "app/cli/help_format.h"
+#include "app/cli/manual.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -161,7 +162,7 @@ void CommandLine::DeclareBool() {
   command.add_option("files", bool_.files, "The two drawings, A and B")->required()->expected(2, 100)->type_name("A B");
   command
       .add_option("-o,--output", bool_.outputs,
-                  "File for the results, the format by its extension; may be repeated, and more may follow after A and B. "
+                  "File for the results, the format by its extension; may be repeated. "
                   "Without it the table of --stats is printed. See 'zbr help outputs'")
       ->allow_extra_args(false)
       ->type_name("OUT");

@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "commands/commands.h"
+#include "app/commands/commands.h"
+#include "app/libraries.h"
 
 namespace tool {
 

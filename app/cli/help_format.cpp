@@ -1,5 +1,5 @@
 // The layout of help texts: usage lines, names of arguments, breaking of long lines.
-#include "cli/help_format.h"
+#include "app/cli/help_format.h"
 
 #include <sstream>
 

@@ -1,5 +1,5 @@
 // Builds the manual page from the declared commands and options.
-#include "cli/manual.h"
+#include "app/cli/manual.h"
 
 #include <cctype>
 #include <sstream>

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/command_line.h"
+#include "app/cli/command_line.h"
 
 namespace tool {
 

@@ -1,5 +1,5 @@
 // The prose of the manual.
-#include "cli/command_line.h"
+#include "app/cli/command_line.h"
 
 namespace tool {
 namespace {

@@ -1,18 +1,19 @@
 // zbr bool: combinations of two drawings.
 
+#include <zbr-drawing/result.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/picture.h>
 #include <zbr/boolean.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
-#include "commands/load.h"
-#include "commands/outputs.h"
-#include "commands/stats.h"
-#include "geometry/result.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "picture/picture.h"
+#include "app/commands/load.h"
+#include "app/commands/outputs.h"
+#include "app/commands/stats.h"
+#include "app/io/output_files.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -44,14 +45,6 @@ std::vector<std::string> NamesOf(const std::vector<Operation>& operations) {
   std::vector<std::string> names;
   for (const Operation& operation : operations) names.emplace_back(operation.name);
   return names;
-}
-
-std::vector<std::string> AllOutputs(const BoolOptions& options) {
-  std::vector<std::string> outputs = options.outputs;
-  const std::vector<std::string> more(options.files.begin() + 2, options.files.end());
-  if (!more.empty() && outputs.size() != 1) throw Failure("unexpected argument '" + more.front() + "'");
-  outputs.insert(outputs.end(), more.begin(), more.end());
-  return outputs;
 }
 
 // What the run works with, filled stage by stage.
@@ -106,8 +99,10 @@ int RunBool(const BoolOptions& options) {
   Run run;
   run.operations = FindOperations(options.operations);
   const std::vector<std::string> names = NamesOf(run.operations);
-  const std::vector<std::string> inputs(options.files.begin(), options.files.begin() + 2);
-  run.plans = PlanOutputs(AllOutputs(options), {names, "{op}", true}, FormatOption(options.input), inputs[0]);
+  const std::vector<std::string>& inputs = options.files;
+  if (inputs.size() > 2)
+    throw Failure("unexpected argument '" + inputs[2] + "'; two drawings are combined, outputs are named by -o");
+  run.plans = PlanOutputs(options.outputs, {names, "{op}", true}, FormatOption(options.input), inputs[0]);
 
   Stopwatch watch;
   Stats stats;
@@ -131,7 +126,7 @@ int RunBool(const BoolOptions& options) {
   progress.Stage("");
 
   if (options.stats || run.plans.empty()) {
-    const std::string report = stats.Report(run.operands, run.results);
+    const std::string report = stats.Text(run.operands, run.results);
     std::fputs(report.c_str(), UsesStandardOutput(run.plans) ? stderr : stdout);
   }
   return kExitFine;

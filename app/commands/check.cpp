@@ -1,10 +1,11 @@
 // zbr check: everything about a drawing that keeps its loops from bounding a region, each with its place.
 
+#include <zbr-drawing/numbers.h>
+
 #include <cmath>
 
-#include "commands/load.h"
-#include "io/files.h"
-#include "io/numbers.h"
+#include "app/commands/load.h"
+#include "app/io/output_files.h"
 
 namespace tool {
 namespace {

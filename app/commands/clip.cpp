@@ -1,5 +1,9 @@
 // zbr clip: the parts of lines inside and outside of a region.
 
+#include <zbr-drawing/lines.h>
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/plot.h>
 #include <zbr/segments.h>
 
 #include <algorithm>
@@ -7,14 +11,11 @@
 #include <map>
 #include <utility>
 
-#include "commands/load.h"
-#include "commands/outputs.h"
-#include "commands/stats.h"
-#include "geometry/lines.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "picture/plot.h"
+#include "app/commands/load.h"
+#include "app/commands/outputs.h"
+#include "app/commands/stats.h"
+#include "app/io/output_files.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

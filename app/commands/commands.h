@@ -1,11 +1,13 @@
 // The sub-commands: what each is given and the function that runs it. All return the exit code and throw Failure for errors.
 #pragma once
 
+#include <zbr-drawing/contours.h>
+
 #include <string>
 #include <vector>
 
-#include "commands/view_options.h"
-#include "geometry/contours.h"
+#include "app/commands/view_options.h"
+#include "app/libraries.h"
 
 namespace tool {
 
@@ -23,7 +25,7 @@ struct InputOptions {
 struct BoolOptions {
   InputOptions input;
   std::vector<std::string> operations;
-  std::vector<std::string> files;  // A, B, and outputs that followed the one of -o
+  std::vector<std::string> files;  // A and B; more than these are refused
   std::vector<std::string> outputs;
   bool stats = false;
 };

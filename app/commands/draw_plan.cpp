@@ -1,14 +1,15 @@
 // From the options of `zbr draw` to views, sheet and outputs.
-#include "commands/draw_plan.h"
+#include "app/commands/draw_plan.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
+#include <zbr-formats/files.h>
 
 #include <algorithm>
-#include <filesystem>
 
-#include "commands/outputs.h"
-#include "geometry/units.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
+#include "app/commands/outputs.h"
+#include "app/io/output_files.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -20,15 +21,10 @@ std::size_t ViewCount(const DrawOptions& options) {
 }
 
 SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
-  std::string extension = std::filesystem::path(file).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  for (const std::string& name : {extension, "." + chosen}) {
-    if (name == ".svg") return SheetFormat::kSvg;
-    if (name == ".dxf") return SheetFormat::kDxf;
-    if (name == ".json") return SheetFormat::kJson;
-  }
-  throw Failure(file + ": the name does not tell the format, svg, dxf or json; give --format");
+  const auto byName = SheetFormatByName(ExtensionOf(file));
+  const auto format = byName ? byName : SheetFormatByName(chosen);
+  if (!format) throw Failure(file, "the name does not tell the format, svg, dxf or json; give --format");
+  return *format;
 }
 
 double MillimetresOf(const std::string& unit) {
@@ -45,31 +41,26 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   }
   if (options.hidden == "none") sheet.hidden = HiddenStyle::kNone;
   if (options.hidden == "layer") sheet.hidden = HiddenStyle::kLayer;
-  if (!options.scale.empty()) sheet.scale = ParseScale(options.scale);
-  if (!options.paper.empty()) sheet.paper = ParsePaper(options.paper);
+  if (!options.scale.empty()) sheet.scale = ForOption("--scale", [&] { return ParseScale(options.scale); });
+  if (!options.paper.empty()) sheet.paper = ForOption("--paper", [&] { return ParsePaper(options.paper); });
   sheet.unit = options.unit;
   sheet.millimetres = MillimetresOf(options.unit);
   sheet.title = options.title.empty() ? TitleOf(objects) : options.title;
   return sheet;
 }
 
-NamedDirection LookDirection(const DrawOptions& options, bool yUp) {
-  const ZBR_PT3 up = options.up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(options.up, "--up");
-  return {kLook, LookAlong(ParseVector(options.look, "--look"), up)};
-}
-
 }  // namespace
 
 DrawPlan PlanDraw(const DrawOptions& options) {
-  if (!options.up.empty() && options.look.empty()) throw Failure("--up is of use with --look only");
+  if (!options.up.empty() && options.look.empty()) throw Failure("--up needs --look");
   ChooseViews(options, false);
   DrawPlan plan;
   plan.objects = ListObjects(options.models, options.objects);
   plan.sheet = PlanSheet(options, plan.objects);
   for (const std::string& file : options.outputs) {
     const auto same = [&](const SheetOutput& o) { return IsSameFile(o.file, file); };
-    if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file + ": named twice as output");
-    if (AreRead(plan.objects, file)) throw Failure(file + ": is a model to be drawn; the drawing needs another name");
+    if (std::any_of(plan.outputs.begin(), plan.outputs.end(), same)) throw Failure(file, "named twice as output");
+    if (AreRead(plan.objects, file)) throw Failure(file, "is a model to be drawn; the drawing needs another name");
     CheckPlaceholders(file, "");
     plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
   }
@@ -84,16 +75,10 @@ std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFi
   for (const std::string& name : options.views) {
     if (std::any_of(views.begin(), views.end(), [&](const NamedDirection& v) { return v.name == name; }))
       throw Failure("--view: " + Quoted(name) + " is named twice");
-    const auto view = NamedView(name, yUp);
-    if (!view) {
-      std::string names;
-      for (const std::string& known : ViewNames()) names += (names.empty() ? "" : ", ") + known;
-      throw Failure("--view: " + Quoted(name) + " is no view; there are " + names);
-    }
-    views.push_back({name, *view});
+    views.push_back({name, ViewByName(name, yUp)});
   }
-  if (!options.look.empty()) views.push_back(LookDirection(options, yUp));
-  if (views.empty()) views.push_back({"iso", *NamedView("iso", yUp)});
+  if (!options.look.empty()) views.push_back({kLook, LookView(options.look, options.up, yUp)});
+  if (views.empty()) views.push_back({"iso", ViewByName("iso", yUp)});
   return views;
 }
 

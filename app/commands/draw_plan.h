@@ -1,26 +1,21 @@
 // What the options of `zbr draw` ask for.
 #pragma once
 
+#include <zbr-drawing/sheet.h>
+#include <zbr-drawing/views.h>
+#include <zbr-formats/sheets.h>
+
 #include <string>
 #include <vector>
 
-#include "commands/commands.h"
-#include "drawing/objects.h"
-#include "drawing/sheet.h"
-#include "model/view.h"
+#include "app/commands/commands.h"
+#include "app/commands/model_files.h"
 
 namespace tool {
-
-enum class SheetFormat { kSvg, kDxf, kJson };
 
 struct SheetOutput {
   std::string file;
   SheetFormat format = SheetFormat::kSvg;
-};
-
-struct NamedDirection {
-  std::string name;
-  View view;
 };
 
 struct DrawPlan {

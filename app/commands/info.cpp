@@ -1,14 +1,17 @@
 // zbr info: what a drawing holds. Models have a report of their own.
 
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/meshes.h>
+
 #include <algorithm>
 #include <cstdio>
 
-#include "commands/info_mesh.h"
-#include "commands/load.h"
-#include "geometry/units.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "model/mesh_reader.h"
+#include "app/commands/info_mesh.h"
+#include "app/commands/load.h"
+#include "app/commands/report.h"
+#include "app/io/output_files.h"
 
 namespace tool {
 namespace {
@@ -42,29 +45,22 @@ int RunInfo(const FileOptions& options) {
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();
   const Region region = LoadRegion(contours, loaded.frame, progress);
-  LoopList rings;
-  for (const auto& outer : region.loops) {
-    rings.push_back(outer);
-    rings.insert(rings.end(), outer->children().begin(), outer->children().end());
-  }
+  const LoopList rings = RingsOf(region.loops);
   const std::size_t holes = CountHoles(region.loops);
-  std::string text;
-  const auto line = [&](const std::string& label, const std::string& value) {
-    text += label + std::string(10 - label.size(), ' ') + value + "\n";
-  };
-  line("file", BaseName(options.file));
-  line("format", NameOf(loaded.format));
-  if (!UnitName(loaded.units).empty()) line("units", UnitName(loaded.units));
-  if (!loaded.layers.empty()) line("layers", Listed(loaded.layers));
-  line("loops",
-       std::to_string(rings.size()) + " (" + std::to_string(region.loops.size()) + " outer, " + std::to_string(holes) + " holes)");
-  line("vertices", std::to_string(CountVertices(region.loops)));
-  line("area", NumberText(loaded.frame.AreaOut(ZBR_LOOP::get_area(region.loops))));
-  line("box", BoxText(ExtentOf(contours.rings)));
-  line("depth", std::to_string(Depth(rings)));
-  if (!contours.open.empty()) line("open", OpenText(contours.open.size()));
+  Report report;
+  report.Line("file", BaseName(options.file));
+  report.Line("format", NameOf(loaded.format));
+  if (!UnitName(loaded.units).empty()) report.Line("units", UnitName(loaded.units));
+  if (!loaded.layers.empty()) report.Line("layers", Listed(loaded.layers));
+  report.Line("loops", std::to_string(rings.size()) + " (" + std::to_string(region.loops.size()) + " outer, " +
+                           std::to_string(holes) + " holes)");
+  report.Line("vertices", std::to_string(CountVertices(region.loops)));
+  report.Line("area", NumberText(loaded.frame.AreaOut(ZBR_LOOP::get_area(region.loops))));
+  report.Line("box", BoxText(ExtentOf(contours.rings)));
+  report.Line("depth", std::to_string(Depth(rings)));
+  if (!contours.open.empty()) report.Line("open", OpenText(contours.open.size()));
   progress.Stage("");
-  WriteToStandardOutput(std::move(text));
+  WriteToStandardOutput(report.Listed(kReportColumn));
   return kExitFine;
 }
 

@@ -1,42 +1,33 @@
 // zbr info of a model: its size and shells, and what keeps them from being closed surfaces that face outwards.
-#include "commands/info_mesh.h"
+#include "app/commands/info_mesh.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/survey.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 #include <cctype>
 #include <string>
 
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "io/progress.h"
-#include "model/mesh_reader.h"
-#include "model/survey.h"
+#include "app/commands/report.h"
+#include "app/io/output_files.h"
+#include "app/io/progress.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
 
 constexpr std::size_t kMostShells = 10;
 
-class Report {
- public:
-  void Line(const std::string& label, const std::string& value) {
-    text_ += label + std::string(label.size() < 10 ? 10 - label.size() : 1, ' ') + value + "\n";
-  }
-
-  // Nothing for a count of 0. The noun comes in its two forms.
-  void Finding(const std::string& label, std::size_t count, const std::string& singular, const std::string& plural,
-               const std::string& more) {
-    if (count > 0) Line(label, std::to_string(count) + " " + (count == 1 ? singular : plural) + more);
-  }
-
-  std::string Take() { return std::move(text_); }
-
- private:
-  std::string text_;
-};
+// Nothing for a count of 0. The noun comes in its two forms.
+void AddFinding(Report& report, const std::string& label, std::size_t count, const std::string& singular, const std::string& plural,
+                const std::string& more) {
+  if (count > 0) report.Line(label, std::to_string(count) + " " + (count == 1 ? singular : plural) + more);
+}
 
 std::string FormatName(const FileOptions& options) {
-  std::string name = IsMeshFile(options.file) ? options.file.substr(options.file.rfind('.') + 1) : options.modelFormat;
+  std::string name = IsMeshFile(options.file) ? ExtensionOf(options.file) : options.modelFormat;
   for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return name;
 }
@@ -63,20 +54,20 @@ void AddShells(const Survey& survey, Report& report) {
 }
 
 void AddFindings(const Survey& survey, Report& report) {
-  report.Finding("open", survey.borders, "edge", "edges", " of one triangle");
-  report.Finding("junction", survey.junctions, "edge", "edges", " of more than two triangles");
-  report.Finding("turned", survey.turned, "edge", "edges", " along which both triangles run the same way");
-  report.Finding("pinched", survey.pinches, "place", "places", " where a surface touches itself at a point");
-  report.Finding("repeated", survey.repeated, "triangle", "triangles", " with the corners of another one");
-  report.Finding("flat", survey.flat, "triangle", "triangles", " without area but for rounding");
-  report.Finding("inward", survey.inward, "shell", "shells", " facing inwards, as only those of cavities should");
+  AddFinding(report, "open", survey.borders, "edge", "edges", " of one triangle");
+  AddFinding(report, "junction", survey.junctions, "edge", "edges", " of more than two triangles");
+  AddFinding(report, "turned", survey.turned, "edge", "edges", " along which both triangles run the same way");
+  AddFinding(report, "pinched", survey.pinches, "place", "places", " where a surface touches itself at a point");
+  AddFinding(report, "repeated", survey.repeated, "triangle", "triangles", " with the corners of another one");
+  AddFinding(report, "flat", survey.flat, "triangle", "triangles", " without area but for rounding");
+  AddFinding(report, "inward", survey.inward, "shell", "shells", " facing inwards, as only those of cavities should");
   if (survey.IsClean()) report.Line("clean", "closed surfaces that face outwards");
 }
 
 }  // namespace
 
 int RunMeshInfo(const FileOptions& options) {
-  if (!options.input.layers.empty()) throw Failure(options.file + ": a model has no layers to choose");
+  if (!options.input.layers.empty()) throw Failure(options.file, "a model has no layers to choose");
   Progress progress;
   progress.Stage("reading " + options.file);
   const Mesh mesh = ReadMesh(options.file, options.modelFormat);
@@ -93,7 +84,7 @@ int RunMeshInfo(const FileOptions& options) {
   AddShells(survey, report);
   AddFindings(survey, report);
   progress.Stage("");
-  WriteToStandardOutput(report.Take());
+  WriteToStandardOutput(report.Listed(kReportColumn));
   return kExitFine;
 }
 

@@ -1,13 +1,14 @@
 // zbr inside: where points lie relative to the region of a drawing.
 
+#include <zbr-drawing/numbers.h>
+
 #include <unistd.h>
 
 #include <cmath>
 
-#include "commands/load.h"
-#include "commands/points.h"
-#include "io/files.h"
-#include "io/numbers.h"
+#include "app/commands/load.h"
+#include "app/commands/points.h"
+#include "app/io/output_files.h"
 
 namespace tool {
 namespace {

@@ -1,11 +1,12 @@
 // From file names to contours in one frame, with notes about what was left out or looks wrong.
-#include "commands/load.h"
+#include "app/commands/load.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
 
 #include <algorithm>
 
-#include "geometry/units.h"
-#include "io/failure.h"
-#include "io/numbers.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -14,7 +15,7 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
   if (layers.empty()) return;
   std::erase_if(drawing.paths,
                 [&](const Path& path) { return std::find(layers.begin(), layers.end(), path.layer) == layers.end(); });
-  if (drawing.paths.empty()) throw Failure(drawing.file + ": nothing on the chosen layers");
+  if (drawing.paths.empty()) throw Failure(drawing.file, "nothing on the chosen layers");
 }
 
 void NoteIgnored(const Drawing& drawing, Progress& progress) {

@@ -1,15 +1,17 @@
 // Reading the drawings that a command works on.
 #pragma once
 
+#include <zbr-drawing/frame.h>
+#include <zbr-drawing/region.h>
+#include <zbr-formats/drawings.h>
+
 #include <set>
 #include <string>
 #include <vector>
 
-#include "commands/commands.h"
-#include "formats/format.h"
-#include "geometry/frame.h"
-#include "geometry/region.h"
-#include "io/progress.h"
+#include "app/commands/commands.h"
+#include "app/io/progress.h"
+#include "app/libraries.h"
 
 namespace tool {
 

@@ -1,12 +1,14 @@
 // zbr nest: which loops are outer loops and which are holes, as a list or as a drawing with the loops oriented accordingly.
 
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/picture.h>
+
 #include <filesystem>
 
-#include "commands/load.h"
-#include "commands/outputs.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "picture/picture.h"
+#include "app/commands/load.h"
+#include "app/commands/outputs.h"
+#include "app/io/output_files.h"
 
 namespace tool {
 namespace {
@@ -17,11 +19,7 @@ std::string Line(const std::string& label, const ZBR_LOOP& loop, int depth, cons
 }
 
 std::string List(const LoopList& loops, const Frame& frame) {
-  LoopList rings;
-  for (const auto& outer : loops) {
-    rings.push_back(outer);
-    rings.insert(rings.end(), outer->children().begin(), outer->children().end());
-  }
+  const LoopList rings = RingsOf(loops);
   const std::vector<int> depths = NestingDepths(rings);
   std::string text;
   std::size_t next = 0;

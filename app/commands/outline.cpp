@@ -1,20 +1,19 @@
 // zbr outline: what models cover in a view, as regions.
 
+#include <zbr-drawing/outlines.h>
+#include <zbr-formats/plot.h>
 #include <zbr/tolerance.h>
 
 #include <algorithm>
 #include <cstdio>
 
-#include "commands/load.h"
-#include "commands/outputs.h"
-#include "commands/stats.h"
-#include "commands/view_options.h"
-#include "drawing/objects.h"
-#include "drawing/outlines.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "picture/page.h"
-#include "picture/plot.h"
+#include "app/commands/load.h"
+#include "app/commands/model_files.h"
+#include "app/commands/outputs.h"
+#include "app/commands/stats.h"
+#include "app/commands/view_options.h"
+#include "app/io/output_files.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -25,7 +24,7 @@ std::vector<OutputPlan> PlanOutputs(const OutlineOptions& options, const std::ve
   for (const PlacedFile& object : objects) results.names.push_back(object.id);
   std::vector<OutputPlan> plans = PlanOutputs(options.outputs, results, chosen, "");
   for (const OutputPlan& plan : plans) {
-    if (AreRead(objects, plan.file)) throw Failure(plan.file + ": is a model to be read; the outline needs another name");
+    if (AreRead(objects, plan.file)) throw Failure(plan.file, "is a model to be read; the outline needs another name");
   }
   return plans;
 }
@@ -64,7 +63,7 @@ std::vector<Layer> FindLayers(const Objects& objects, const Model& model, Scene&
   std::vector<Layer> layers;
   for (LoopList& loops : OutlinesInPlace(model, scene)) {
     const double area = AreaOf(loops);
-    layers.push_back({objects.files[layers.size()].id, std::move(loops), area});
+    layers.push_back({objects.sources[layers.size()].id, std::move(loops), area});
   }
   return layers;
 }
@@ -83,7 +82,7 @@ std::string PictureOf(const Run& run, const std::vector<Layer>& layers) {
   plot.title = run.title;
   plot.caption = layers.size() == 1 ? "Outline, " + run.view : "Outlines, " + run.view;
   plot.units = run.units;
-  if (layers.size() == 1) plot.remark = Quantities(layers[0].area, AreaUnit(run.units))(layers[0].area);
+  if (layers.size() == 1) plot.remark = AreaText(layers[0].area, run.units);
   for (const Layer& layer : layers) {
     const Colours& colours = kColours[static_cast<std::size_t>(&layer - layers.data()) % kColours.size()];
     PlotItem item;
@@ -114,7 +113,7 @@ void WriteOutputs(const Run& run) {
 void NoteEmpty(const Objects& objects, const std::vector<Layer>& layers, Progress& progress) {
   for (std::size_t k = 0; k < layers.size(); ++k) {
     if (layers[k].loops.empty())
-      progress.Note(objects.files[k].name + ": note: nothing of it is seen in this view; its outline is empty");
+      progress.Note(objects.sources[k].name + ": note: nothing of it is seen in this view; its outline is empty");
   }
 }
 
@@ -141,7 +140,7 @@ int RunOutline(const OutlineOptions& options) {
   progress.Stage("joining triangles");
   constexpr double kAnyCrease = 180;  // no lines are drawn
   const Model model = MakeModel(objects.mesh, kAnyCrease, options.weld);
-  if (model.TriangleCount() == 0) throw Failure(files.front().file + ": no triangle has an area");
+  if (model.TriangleCount() == 0) throw Failure(files.front().file, "no triangle has an area");
   Scene scene = MakeScene(model, view);
   stages.emplace_back("model", watch.Lap());
 

@@ -1,11 +1,11 @@
 // Sharing results out among output files.
-#include "commands/outputs.h"
+#include "app/commands/outputs.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
 
-#include "io/failure.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 Format OutputFormat(const std::string& file, Format chosen, const std::string& input) {
   Format format = FormatOf(file, chosen);
   if (format == Format::kUnknown && file == "-") format = FormatOf(input, chosen);
-  if (format == Format::kUnknown) throw Failure(file + ": the name does not tell the format; give --format");
+  if (format == Format::kUnknown) throw Failure(file, "the name does not tell the format; give --format");
   return format;
 }
 

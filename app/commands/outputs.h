@@ -1,10 +1,12 @@
 // Which results go to which output file.
 #pragma once
 
+#include <zbr-formats/drawings.h>
+
 #include <string>
 #include <vector>
 
-#include "formats/format.h"
+#include "app/libraries.h"
 
 namespace tool {
 

@@ -1,5 +1,8 @@
 // zbr pick: what of a model is seen at points of its drawing.
 
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-formats/meshes.h>
 #include <zbr/tolerance.h>
 
 #include <algorithm>
@@ -7,13 +10,10 @@
 #include <limits>
 #include <utility>
 
-#include "commands/commands.h"
-#include "commands/points.h"
-#include "io/files.h"
-#include "io/numbers.h"
-#include "io/progress.h"
-#include "model/mesh_reader.h"
-#include "model/scene.h"
+#include "app/commands/commands.h"
+#include "app/commands/points.h"
+#include "app/io/output_files.h"
+#include "app/io/progress.h"
 
 namespace tool {
 namespace {

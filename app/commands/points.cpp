@@ -1,10 +1,11 @@
 // Points from arguments or from standard input.
-#include "commands/points.h"
+#include "app/commands/points.h"
 
-#include "formats/format.h"
-#include "io/failure.h"
-#include "io/files.h"
-#include "io/numbers.h"
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/drawings.h>
+#include <zbr-formats/files.h>
+
+#include "app/libraries.h"
 
 namespace tool {
 namespace {

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/libraries.h"
+
 namespace tool {
 
 // Coordinates given as arguments, x and y in turn; without any, those on standard input, one point a line. Fails for what is no

@@ -1,10 +1,12 @@
 // The table of --stats.
-#include "commands/stats.h"
+#include "app/commands/stats.h"
+
+#include <zbr-drawing/numbers.h>
 
 #include <algorithm>
 #include <array>
 
-#include "io/numbers.h"
+#include "app/commands/report.h"
 
 namespace tool {
 namespace {
@@ -40,13 +42,13 @@ std::string LayerTable(const std::vector<std::string>& labels, const std::vector
 }
 
 std::string StageTable(const std::vector<std::pair<std::string, double>>& stages) {
-  std::string text;
-  for (const auto& [name, milliseconds] : stages)
-    text += name + std::string(11 - name.size(), ' ') + FixedText(milliseconds, 2) + " ms\n";
-  return text;
+  constexpr std::size_t kColumn = 11;
+  Report report;
+  for (const auto& [name, milliseconds] : stages) report.Time(name, milliseconds);
+  return report.Listed(kColumn);
 }
 
-std::string Stats::Report(const std::vector<Layer>& operands, const std::vector<Layer>& results) const {
+std::string Stats::Text(const std::vector<Layer>& operands, const std::vector<Layer>& results) const {
   constexpr std::array<const char*, 2> kLabels = {"A ", "B "};
   std::vector<std::string> labels;
   for (std::size_t i = 0; i < operands.size(); ++i) labels.push_back(kLabels[i] + operands[i].name);

@@ -1,12 +1,14 @@
 // What --stats prints.
 #pragma once
 
+#include <zbr-drawing/region.h>
+
 #include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "geometry/region.h"
+#include "app/libraries.h"
 
 namespace tool {
 
@@ -23,7 +25,7 @@ struct Stats {
   void Stage(const std::string& name, double milliseconds) { stages.emplace_back(name, milliseconds); }
 
   // A table of operands and results, the number of crossings, and the time of each stage.
-  std::string Report(const std::vector<Layer>& operands, const std::vector<Layer>& results) const;
+  std::string Text(const std::vector<Layer>& operands, const std::vector<Layer>& results) const;
 };
 
 }  // namespace tool

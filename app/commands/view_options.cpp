@@ -1,13 +1,14 @@
 // From options to a view, a unit, a number of threads.
-#include "commands/view_options.h"
+#include "app/commands/view_options.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/units.h>
 
 #include <algorithm>
 #include <thread>
 #include <vector>
 
-#include "geometry/units.h"
-#include "io/failure.h"
-#include "io/numbers.h"
+#include "app/libraries.h"
 
 namespace tool {
 namespace {
@@ -49,22 +50,30 @@ ZBR_PT3 ParseVector(const std::string& text, const std::string& option) {
     begin = end + 1;
   }
   if (begin <= text.size() || parts.size() != 3)
-    throw Failure(option + ": " + Quoted(text) + " is no vector; three finite numbers are needed, as in 1,0,-0.5");
+    throw Failure(option, Quoted(text) + " is no vector; three finite numbers are needed, as in 1,0,-0.5");
   return ZBR_PT3(parts[0], parts[1], parts[2]);
+}
+
+View LookView(const std::string& look, const std::string& up, bool yUp) {
+  const ZBR_PT3 direction = ParseVector(look, "--look");
+  const ZBR_PT3 upward = up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(up, "--up");
+  return ForOption("--look", [&] { return LookAlong(direction, upward); });
+}
+
+View ViewByName(const std::string& name, bool yUp) {
+  const auto view = NamedView(name, yUp);
+  if (!view) throw Failure("--view: " + Quoted(name) + " is none of " + NamesText());
+  return *view;
 }
 
 View ChooseView(const ViewOptions& options, bool yUpInFile) {
   const bool yUp = YUp(options.axes, yUpInFile);
   if (options.look.empty()) {
     if (!options.up.empty()) throw Failure("--up needs --look");
-    const std::string name = options.view.empty() ? "iso" : options.view;
-    const auto view = NamedView(name, yUp);
-    if (!view) throw Failure("--view: " + Quoted(name) + " is none of " + NamesText());
-    return *view;
+    return ViewByName(options.view.empty() ? "iso" : options.view, yUp);
   }
   if (!options.view.empty()) throw Failure("--view and --look exclude each other");
-  const ZBR_PT3 up = yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1);
-  return LookAlong(ParseVector(options.look, "--look"), options.up.empty() ? up : ParseVector(options.up, "--up"));
+  return LookView(options.look, options.up, yUp);
 }
 
 }  // namespace tool

@@ -1,9 +1,11 @@
 // The options that commands on models share: from where it is seen, its unit, threads.
 #pragma once
 
+#include <zbr-drawing/view.h>
+
 #include <string>
 
-#include "model/view.h"
+#include "app/libraries.h"
 
 namespace tool {
 
@@ -16,6 +18,10 @@ struct ViewOptions {
 // The view chosen by one set of options. Fails when they contradict each other or make no view.
 View ChooseView(const ViewOptions& options, bool yUpInFile);
 
+// The standard view of this name, and the one along --look with --up, which may be empty. Both fail, naming the option.
+View ViewByName(const std::string& name, bool yUp);
+View LookView(const std::string& look, const std::string& up, bool yUp);
+
 // Whether y points up, by the option or else by the file.
 bool YUp(const std::string& axes, bool yUpInFile);
 
@@ -24,6 +30,16 @@ int UnitOption(const std::string& name);
 
 // Threads to use for --jobs, 0 when it was not given.
 unsigned ThreadCount(unsigned jobs);
+
+// What `make` gives; its failures name the option.
+template <class Make>
+auto ForOption(const std::string& option, Make make) {
+  try {
+    return make();
+  } catch (const Failure& failure) {
+    throw Failure(option, failure.what());
+  }
+}
 
 // "x,y,z". `option` is named when it fails.
 ZBR_PT3 ParseVector(const std::string& text, const std::string& option);

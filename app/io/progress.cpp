@@ -1,5 +1,5 @@
 // The line of progress on a terminal, refreshed by a thread of its own.
-#include "io/progress.h"
+#include "app/io/progress.h"
 
 #include <unistd.h>
 

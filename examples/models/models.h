@@ -4,14 +4,14 @@
 // numbers come from additions, multiplications and divisions, so that they are the same to the bit on every machine.
 #pragma once
 
+#include <zbr-drawing/mesh.h>
+
 #include <cstddef>
 #include <cstdint>
 
-#include "model/mesh.h"
-
 namespace example {
 
-using tool::Mesh;
+using zbr::drawing::Mesh;
 
 // Adds the triangles of `other`, turned by a rotation or moved as the caller did before.
 void Append(Mesh& mesh, const Mesh& other);

@@ -1,6 +1,7 @@
 // Faces of solids, and their joint triangulation.
 #include "models/solid.h"
 
+#include <zbr-drawing/triangulate.h>
 #include <zbr/boolean.h>
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <cstddef>
 
 #include "bench/portable_numbers.h"
-#include "model/triangulate.h"
 
 namespace example {
 namespace {
@@ -180,7 +180,7 @@ bool Solid::OpenFace(Axis axis, const Region& hole, double level) {
     if (!std::all_of(face.front().begin(), face.front().end(), isAtLevel) || !IsInside(axis, face.front(), mouth)) continue;
     Loop loop;
     for (const ZBR_PT& p : hole.front()->pt()) loop.push_back(InSpace(axis, p, level));
-    if (InDrawing(axis, tool::NormalOf(face.front())).z() > 0) std::reverse(loop.begin(), loop.end());
+    if (InDrawing(axis, zbr::drawing::NormalOf(face.front())).z() > 0) std::reverse(loop.begin(), loop.end());
     face.push_back(std::move(loop));
     return true;
   }
@@ -215,13 +215,13 @@ std::vector<std::uint32_t> Solid::Divided(const Loop& loop) const {
   return divided;
 }
 
-tool::Mesh Solid::Take() {
+zbr::drawing::Mesh Solid::Take() {
   for (const Face& face : faces_) {
     for (const Loop& loop : face) {
       for (const ZBR_PT3& p : loop) Place(p);
     }
   }
-  tool::Mesh mesh;
+  zbr::drawing::Mesh mesh;
   for (const Face& face : faces_) {
     std::vector<std::uint32_t> numbers;  // of the face's points
     std::vector<std::vector<std::uint32_t>> loops;
@@ -234,7 +234,7 @@ tool::Mesh Solid::Take() {
         corners.push_back(points_[place]);
       }
     }
-    for (const auto& t : tool::Triangulate(tool::Flattened(corners, tool::NormalOf(face.front())), loops))
+    for (const auto& t : zbr::drawing::Triangulate(zbr::drawing::Flattened(corners, zbr::drawing::NormalOf(face.front())), loops))
       mesh.triangles.push_back({numbers[t[0]], numbers[t[1]], numbers[t[2]]});
   }
   mesh.points = std::move(points_);

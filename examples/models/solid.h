@@ -4,6 +4,7 @@
 // It is drawn as seen from the end of an axis: u to the right, v up, w towards the viewer.
 #pragma once
 
+#include <zbr-drawing/mesh.h>
 #include <zbr/loop.h>
 
 #include <array>
@@ -11,8 +12,6 @@
 #include <map>
 #include <memory>
 #include <vector>
-
-#include "model/mesh.h"
 
 namespace example {
 
@@ -53,7 +52,7 @@ class Solid {
   void Drill(Axis axis, const Region& hole, double from, double to);
 
   // The triangles, connected: where a face's corner lies on another's edge, that edge gets a point.
-  tool::Mesh Take();
+  zbr::drawing::Mesh Take();
 
  private:
   using Loop = std::vector<ZBR_PT3>;

@@ -1,5 +1,10 @@
 // Models and scenes: what is one surface, which edges are drawn, and that generated meshes are sound.
 
+#include <zbr-drawing/failure.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-drawing/survey.h>
+#include <zbr-drawing/triangulate.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,13 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "io/failure.h"
-#include "model/scene.h"
-#include "model/survey.h"
-#include "model/triangulate.h"
 #include "models/models.h"
 
-namespace tool {
+namespace zbr::drawing {
 namespace {
 
 std::size_t CountOf(const std::vector<std::array<EdgeClass, 3>>& classes, EdgeClass wanted) {
@@ -355,5 +356,61 @@ TEST(Triangulate, AreasAddUp) {
   EXPECT_TRUE(Triangulate(points, {{2, 1, 0, 12}}).empty());
 }
 
+// A frame of unit squares: every other bridge is as long as the shortest, and both diagonals of a square will do. Which way they
+// run follows from the bridge taken, the first, whatever sorts the bridges.
+TEST(Triangulate, OfEquallyLongBridgesTheFirstIsTaken) {
+  std::vector<ZBR_PT> points;
+  std::vector<std::vector<std::uint32_t>> loops(2);
+  const auto addSquare = [&](double low, int side, std::vector<std::uint32_t>& loop) {
+    for (int i = 0; i < 4 * side; ++i) {
+      const double at = low + i % side, back = low + side - i % side, high = low + side;
+      const std::array<ZBR_PT, 4> sides = {ZBR_PT(at, low), ZBR_PT(high, at), ZBR_PT(back, high), ZBR_PT(low, back)};
+      loop.push_back(static_cast<std::uint32_t>(points.size()));
+      points.push_back(sides[static_cast<std::size_t>(i / side)]);
+    }
+  };
+  addSquare(0.0, 4, loops[0]);
+  addSquare(1.0, 2, loops[1]);
+  std::reverse(loops[1].begin(), loops[1].end());
+  int rising = 0;
+  const auto triangles = Triangulate(points, loops);
+  for (const auto& t : triangles) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      const ZBR_PT along = points[t[(i + 1) % 3]] - points[t[i]];
+      rising += along.x() * along.y() > 0 ? 1 : 0;
+    }
+  }
+  EXPECT_EQ(triangles.size(), 24U);
+  EXPECT_EQ(rising, 10);
+}
+
+// What programs may get wrong is told before it does harm.
+TEST(Model, MeshesThatAreNone) {
+  const auto cause = [](const Mesh& mesh, double weld = 0.0) {
+    try {
+      MakeModel(mesh, 30.0, weld);
+    } catch (const Failure& failure) {
+      return failure.Cause();
+    }
+    return std::string();
+  };
+  Mesh mesh;
+  EXPECT_EQ(cause(mesh), "");
+  mesh.points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+  mesh.triangles = {{0, 1, 2}};
+  EXPECT_EQ(cause(mesh), "");
+  EXPECT_EQ(cause(mesh, std::nan("")), "the angle of creases and the weld must be finite numbers");
+  mesh.objects = {{0, 0}, {3, 1}};
+  EXPECT_EQ(cause(mesh), "");
+  mesh.triangles.push_back({0, 1, 2});
+  EXPECT_EQ(cause(mesh), "triangle 1 has the corner 0, which is no point of its object");
+  mesh.objects.clear();
+  mesh.triangles[1][2] = 3;
+  EXPECT_EQ(cause(mesh), "triangle 1 has the corner 3, which is no point of its object");
+  mesh.points[1].Set(HUGE_VAL, 0, 0);
+  EXPECT_EQ(cause(mesh), "a coordinate of point 1 is too large or no number");
+  EXPECT_THROW(AddPolygon(mesh, {0, 1, 3}), Failure);
+}
+
 }  // namespace
-}  // namespace tool
+}  // namespace zbr::drawing

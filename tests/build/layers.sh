@@ -16,6 +16,11 @@ arrangement: include/zbr core loops
 boolean: include/zbr core loops segments arrangement
 hiddenline: include/zbr core loops segments boolean
 outline: include/zbr core loops segments arrangement boolean hiddenline
+include/zbr-drawing: include/zbr
+drawing: include/zbr include/zbr-drawing
+include/zbr-formats: include/zbr include/zbr-drawing
+formats: include/zbr include/zbr-drawing include/zbr-formats
+app: include/zbr include/zbr-drawing include/zbr-formats
 TABLE
 trap 'rm -f "${TMPDIR:-/tmp}/layers.$$"' EXIT
 

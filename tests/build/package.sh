@@ -16,6 +16,7 @@ if [ -e "$prefix/bin/zbr" ]; then "$prefix/bin/zbr" --version; fi
 cmake -S "$consumer" -B "$scratch/consumer" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" >"$scratch/log"
 cmake --build "$scratch/consumer" >>"$scratch/log" || { cat "$scratch/log"; exit 1; }
 "$scratch/consumer/consumer"
+if [ -d "$prefix/include/zbr-drawing" ]; then "$scratch/consumer/consumer-drawing"; fi
 grep -q "^zbr_DIR:PATH=$prefix/" "$scratch/consumer/CMakeCache.txt"  # not one that the machine happens to have
 
 if [ -n "$pkg_config" ]; then

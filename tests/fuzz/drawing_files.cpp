@@ -1,31 +1,31 @@
 // Drawing files: the first byte tells the format, the rest is the file. What is read can be made a region, and what is written of
 // that reads back to the bit.
+#include <zbr-drawing/contours.h>
+#include <zbr-drawing/frame.h>
+#include <zbr-formats/dxf.h>
 #include <zbr/tolerance.h>
 
-#include "formats/format.h"
 #include "fuzz/reading.h"
-#include "geometry/contours.h"
-#include "geometry/frame.h"
 
 namespace {
 
-using tool::Content;
-using tool::Format;
+using zbr::formats::Content;
+using zbr::formats::Format;
 
-tool::Drawing Read(Format format, const std::string& text, Content content) {
-  if (format == Format::kDxf) return tool::ReadDxf(text, "file", content);
-  if (format == Format::kGeoJson) return tool::ReadGeoJson(text, "file", content);
-  return format == Format::kWkt ? tool::ReadWkt(text, "file", content) : tool::ReadLoopText(text, "file", content);
+zbr::drawing::Drawing Read(Format format, const std::string& text, Content content) {
+  if (format == Format::kDxf) return zbr::formats::ReadDxf(text, "file", content);
+  if (format == Format::kGeoJson) return zbr::formats::ReadGeoJson(text, "file", content);
+  return format == Format::kWkt ? zbr::formats::ReadWkt(text, "file", content) : zbr::formats::ReadLoopText(text, "file", content);
 }
 
 constexpr Format kFormats[] = {Format::kDxf, Format::kGeoJson, Format::kWkt, Format::kText};
 
-void ReadBack(const tool::Layer& layer) {
+void ReadBack(const zbr::drawing::Layer& layer) {
   for (const Format format : kFormats) {
-    const std::string text = tool::WriteDrawing(format, {layer}, 4);
-    const tool::Contours contours = tool::MakeContours(Read(format, text, Content::kRegions), {1.0, 0.0});
+    const std::string text = zbr::formats::WriteDrawing(format, {layer}, 4);
+    const zbr::drawing::Contours contours = zbr::drawing::MakeContours(Read(format, text, Content::kRegions), {1.0, 0.0});
     auto read = contours.rings.begin();
-    tool::ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) {
+    zbr::drawing::ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) {
       const auto same = [](const ZBR_PT& a, const ZBR_PT& b) { return a.x() == b.x() && a.y() == b.y(); };
       const bool isSame = read != contours.rings.end() &&
                           std::equal(read->points.begin(), read->points.end(), ring.pt().begin(), ring.pt().end(), same);
@@ -39,19 +39,20 @@ void ReadBack(const tool::Layer& layer) {
 }  // namespace
 
 void Fuzz(Bytes& bytes) {
+  zbr::formats::UseDxf();
   const int kind = bytes.Below(8);
   const Content content = kind < 4 ? Content::kRegions : Content::kLines;
   IsTaken("file", [&] {
-    const tool::Drawing drawing = Read(kFormats[kind % 4], bytes.Rest(), content);
-    for (const tool::Path& path : drawing.paths) {
+    const zbr::drawing::Drawing drawing = Read(kFormats[kind % 4], bytes.Rest(), content);
+    for (const zbr::drawing::Path& path : drawing.paths) {
       for (const ZBR_PT& p : path.points) Require(std::isfinite(p.x()) && std::isfinite(p.y()), "coordinates are finite");
     }
     if (content == Content::kLines) return;
-    const tool::FlattenOptions options = tool::WithDefaults({-1.0, -1.0}, tool::ExtentOf(drawing));
-    const tool::Contours contours = tool::MakeContours(drawing, options);
-    const ZBR_TmpEps tolerance(tool::kTolerance);
-    const tool::Frame frame = tool::Frame::For(tool::ExtentOf(contours.rings));
-    const tool::Layer layer = tool::MakeLayer("region", tool::MakeRegion(contours, frame).loops, frame);
+    const zbr::drawing::FlattenOptions options = zbr::drawing::WithDefaults({-1.0, -1.0}, zbr::drawing::ExtentOf(drawing));
+    const zbr::drawing::Contours contours = zbr::drawing::MakeContours(drawing, options);
+    const ZBR_TmpEps tolerance(zbr::drawing::kTolerance);
+    const zbr::drawing::Frame frame = zbr::drawing::Frame::For(zbr::drawing::ExtentOf(contours.rings));
+    const zbr::drawing::Layer layer = zbr::drawing::MakeLayer("region", zbr::drawing::MakeRegion(contours, frame).loops, frame);
     if (!layer.loops.empty()) ReadBack(layer);
   });
 }

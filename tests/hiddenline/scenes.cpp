@@ -1,11 +1,11 @@
 #include "hiddenline/scenes.h"
 
+#include <zbr-drawing/scene.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
 #include <utility>
-
-#include "model/scene.h"
 
 namespace {
 
@@ -217,8 +217,8 @@ Drawing DrawTriangles(const std::vector<Corners>& triangles) {
 Drawing Draw(const std::vector<Mesh>& bodies, const View& view) {
   Drawing drawing;
   for (const Mesh& mesh : bodies) {
-    const tool::Model model = tool::MakeModel(mesh, 30.0);
-    tool::Scene scene = tool::MakeScene(model, view);
+    const zbr::drawing::Model model = zbr::drawing::MakeModel(mesh, 30.0);
+    zbr::drawing::Scene scene = zbr::drawing::MakeScene(model, view);
     for (std::size_t s = 0; s < model.ShellCount(); ++s) {
       auto& body = drawing.bodies.emplace_back(model.shellBegin[s + 1] - model.shellBegin[s]);
       for (std::size_t k = 0; k < body.size(); ++k) {
@@ -261,11 +261,11 @@ Mesh Moved(Mesh mesh, const ZBR_PT3& by) {
 
 View RandomView(Random& random) {
   const int n = Below(random, 14);
-  const std::vector<std::string>& names = tool::ViewNames();
-  if (n < 8 && static_cast<std::size_t>(n) < names.size()) return *tool::NamedView(names[static_cast<std::size_t>(n)]);
-  if (n == 12) return tool::LookAlong({1, 1, 0}, {0, 0, 1});
-  if (n == 13) return tool::LookAlong({3, 4, 0}, {0.1, 0.2, 1});
-  return tool::LookAlong(RandomPoint(random, 2.0) - ZBR_PT3(1, 1, 1.001), RandomPoint(random, 2.0) - ZBR_PT3(1.002, 1, 1));
+  const std::vector<std::string>& names = zbr::drawing::ViewNames();
+  if (n < 8 && static_cast<std::size_t>(n) < names.size()) return *zbr::drawing::NamedView(names[static_cast<std::size_t>(n)]);
+  if (n == 12) return zbr::drawing::LookAlong({1, 1, 0}, {0, 0, 1});
+  if (n == 13) return zbr::drawing::LookAlong({3, 4, 0}, {0.1, 0.2, 1});
+  return zbr::drawing::LookAlong(RandomPoint(random, 2.0) - ZBR_PT3(1, 1, 1.001), RandomPoint(random, 2.0) - ZBR_PT3(1.002, 1, 1));
 }
 
 void Classify(ZBR_HL_SHELL& shell) {

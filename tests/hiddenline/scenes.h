@@ -1,19 +1,19 @@
 // Seeded scenes for hidden-line removal: bodies of several families seen from many sides. The same seed gives the same scene.
 #pragma once
 
+#include <zbr-drawing/view.h>
+#include <zbr/hidden_line.h>
+
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include <zbr/hidden_line.h>
-
-#include "model/view.h"
 #include "models/models.h"
 #include "support/random_shapes.h"
 
-using tool::Mesh;
-using tool::View;
+using zbr::drawing::Mesh;
+using zbr::drawing::View;
 
 // Triangles ready for the library, an array per shell. Copying a vector of triangles would empty it, so this type moves only.
 struct Drawing {

@@ -131,7 +131,7 @@ TEST(Shell, CopiesAndRebuilds) {
 TEST(Shell, MovesTogetherWithItsTree) {
   for (const double sign : {1.0, -1.0}) {
     const ZBR_PT3 d = ZBR_PT3(1024, 2048, 512) * sign;
-    Drawing drawing = Draw({example::Torus(1000)}, *tool::NamedView("top"));
+    Drawing drawing = Draw({example::Torus(1000)}, *zbr::drawing::NamedView("top"));
     Shells shells = drawing.Shells();
     shells[0].HiddenLineSelf();
     const ZBR_HL_TRI& t = drawing.bodies[0][0];

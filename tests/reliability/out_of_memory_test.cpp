@@ -169,7 +169,7 @@ TEST(OutOfMemory, DeepTrees) {
 // Two objects, each by itself, then behind one another.
 TEST(OutOfMemory, HiddenLinesAndOutlines) {
   struct State {
-    Drawing drawing = Draw({example::Torus(240), Moved(example::LSolid(1.5), {1, 1, 1})}, *tool::NamedView("iso"));
+    Drawing drawing = Draw({example::Torus(240), Moved(example::LSolid(1.5), {1, 1, 1})}, *zbr::drawing::NamedView("iso"));
     std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
   };
   ExpectSurvives([] { return State(); },

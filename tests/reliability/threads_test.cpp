@@ -81,7 +81,7 @@ TEST(SharedInput, OneRegionClipsForAll) {
 
 // Each thread's objects are its own; what they are drawn behind, and whose outline covers theirs, is read by all.
 TEST(SharedInput, ObjectsBehindOneObject) {
-  Drawing drawing = Draw({Moved(example::Torus(600), {1, 1, 2})}, *tool::NamedView("iso"));
+  Drawing drawing = Draw({Moved(example::Torus(600), {1, 1, 2})}, *zbr::drawing::NamedView("iso"));
   std::vector<ZBR_HL_SHELL> front = drawing.Shells();
   ZBR_HiddenLine::HiddenLineObj(front.data(), nullptr, 1);
   ExpectSameAtOnce([&](int) {
@@ -104,7 +104,7 @@ TEST(SharedInput, ObjectsBehindOneObject) {
 // The shells of one scene: prepared by a thread each, then hidden by a thread each behind all others.
 TEST(SharedInput, ShellsOfOneSceneHideEachOther) {
   const auto draw = [] {
-    return Draw({example::Gear(900), Moved(example::Torus(600), {0, 1, 1}), example::USolid(1.0)}, *tool::NamedView("iso"));
+    return Draw({example::Gear(900), Moved(example::Torus(600), {0, 1, 1}), example::USolid(1.0)}, *zbr::drawing::NamedView("iso"));
   };
   Drawing alone = draw();
   std::vector<ZBR_HL_SHELL> expected = alone.Shells();

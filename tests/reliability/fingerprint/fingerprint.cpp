@@ -3,6 +3,7 @@
 //
 // The inputs come from additions, multiplications and divisions of seeded integers, so that a difference between two machines is
 // one in the library.
+#include <zbr-drawing/scene.h>
 #include <zbr/zbr.h>
 
 #include <array>
@@ -12,7 +13,6 @@
 #include <fstream>
 #include <string>
 
-#include "model/scene.h"
 #include "models/models.h"
 #include "reliability/digest.h"
 #include "support/random_shapes.h"
@@ -93,12 +93,12 @@ void Segments(Digest& digest) {
 }
 
 // Two views of a model, each as one object; then the two hide each other.
-void Drawing(Digest& digest, const tool::Mesh& mesh) {
-  const tool::Model model = tool::MakeModel(mesh, 30.0);
+void Drawing(Digest& digest, const zbr::drawing::Mesh& mesh) {
+  const zbr::drawing::Model model = zbr::drawing::MakeModel(mesh, 30.0);
   for (const char* name : {"top", "front", "iso", "dimetric"}) {
-    const ZBR_TmpEps tolerance(tool::kSceneTolerance);
-    tool::Scene first = tool::MakeScene(model, *tool::NamedView(name));
-    tool::Scene second = tool::MakeScene(model, *tool::NamedView("iso"));
+    const ZBR_TmpEps tolerance(zbr::drawing::kSceneTolerance);
+    zbr::drawing::Scene first = zbr::drawing::MakeScene(model, *zbr::drawing::NamedView(name));
+    zbr::drawing::Scene second = zbr::drawing::MakeScene(model, *zbr::drawing::NamedView("iso"));
     ZBR_HL_SHELL* const a = first.shells.data();
     ZBR_HL_SHELL* const b = second.shells.data();
     const unsigned count = first.ShellCount();

@@ -1,0 +1,80 @@
+// Reads objects and puts them into one mesh.
+#include "app/commands/model_files.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/meshes.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+#include <set>
+
+#include "app/io/output_files.h"
+#include "app/libraries.h"
+
+namespace tool {
+namespace {
+
+std::string StemOf(const std::string& file) {
+  return std::filesystem::path(BaseName(file)).stem().string();
+}
+
+// A name that ends like a model's is a name as a whole, whatever commas it has.
+PlacedFile ParseObject(const std::string& text) {
+  if (IsMeshFile(text) || text == "-") return {text, {}, ""};
+  std::array<double, 3> shift{};
+  std::string rest = text;
+  for (std::size_t axis = 3; axis-- > 0;) {
+    const std::size_t comma = rest.rfind(',');
+    const auto value = comma == std::string::npos ? std::nullopt : ParseNumber(std::string_view(rest).substr(comma + 1));
+    if (!value) throw Failure("--object: " + Quoted(text) + " is no model and its place, as in part.stl or part.stl,10,0,-2.5");
+    shift[axis] = *value;
+    rest.resize(comma);
+  }
+  return {rest, ZBR_PT3(shift[0], shift[1], shift[2]), ""};
+}
+
+std::string FreeName(const std::string& name, std::set<std::string>& taken) {
+  std::string free = name;
+  for (int number = 2; !taken.insert(free).second; ++number) free = name + "-" + std::to_string(number);
+  return free;
+}
+
+}  // namespace
+
+std::vector<PlacedFile> ListObjects(const std::vector<std::string>& models, const std::vector<std::string>& objects) {
+  std::vector<PlacedFile> files;
+  for (const std::string& model : models) files.push_back({model, {}, ""});
+  for (const std::string& object : objects) files.push_back(ParseObject(object));
+  if (files.empty()) throw Failure("no model is named; see 'zbr help'");
+  if (std::count_if(files.begin(), files.end(), [](const PlacedFile& placed) { return placed.file == "-"; }) > 1)
+    throw Failure("-: standard input can be read only once");
+  std::set<std::string> ids;
+  for (PlacedFile& placed : files) placed.id = FreeName(StemOf(placed.file), ids);
+  return files;
+}
+
+bool AreRead(const std::vector<PlacedFile>& files, const std::string& output) {
+  return output != "-" &&
+         std::any_of(files.begin(), files.end(), [&](const PlacedFile& placed) { return IsSameFile(placed.file, output); });
+}
+
+Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format) {
+  Objects objects;
+  for (const PlacedFile& placed : files) {
+    AddObject(objects, ReadMesh(placed.file, format), {BaseName(placed.file), placed.id, placed.shift});
+  }
+  return objects;
+}
+
+std::string TitleOf(const std::vector<PlacedFile>& files) {
+  std::string title;
+  for (const PlacedFile& placed : files) title += (title.empty() ? "" : ", ") + StemOf(placed.file);
+  return title;
+}
+
+}  // namespace tool

@@ -1,0 +1,148 @@
+// Normals, creases, and which side of a shell is the outer one.
+//
+// Triangulations of polygons leave triangles without area: three points on one line, which fill the gap between a long edge and two
+// short ones. Their direction is rounding noise. They take the normal of the neighbour at their longest edge; the short edges then
+// get the class that the gap's two sides give them.
+#include "drawing/model/edge_classes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace zbr::drawing {
+namespace {
+
+// Height below which a triangle has no direction of its own, as a part of the model's diagonal: what is left of a height of zero by
+// the rounding of coordinates stored with single precision.
+constexpr double kFlatHeight = 1e-7;
+
+// Degrees that rounding may add to an angle: prisms with twelve sides bend by exactly the usual limit.
+constexpr double kAngleSlack = 0.01;
+
+// The number of flat triangles that may lie side by side before the search for a normal is given up.
+constexpr int kLongestDetour = 64;
+
+constexpr double kPi = 3.14159265358979323846;
+
+std::size_t LongestEdge(const ZBR_ZBREPT& t) {
+  std::size_t longest = 0;
+  double length = -1.0;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double d = VertexOf(t, i).GetPt().Distance(VertexOf(t, (i + 1) % 3).GetPt());
+    if (!(d > length)) continue;
+    longest = i;
+    length = d;
+  }
+  return longest;
+}
+
+// In units of the diagonal, so that products neither overflow nor vanish. Zero for a flat triangle.
+ZBR_PT3 OwnNormal(const ZBR_ZBREPT& t, double perDiagonal) {
+  const ZBR_PT3& a = t.GetVertex0()->GetPt();
+  const ZBR_PT3 ab = (t.GetVertex1()->GetPt() - a) * perDiagonal;
+  const ZBR_PT3 ac = (t.GetVertex2()->GetPt() - a) * perDiagonal;
+  const ZBR_PT3 n = ab.OuterProduct(ac);
+  const double doubleArea = n.Length();
+  const double longest = std::sqrt(std::max({ab.Length2(), ac.Length2(), (ac - ab).Length2()}));
+  return doubleArea > kFlatHeight * longest ? n * (1.0 / doubleArea) : ZBR_PT3();
+}
+
+bool IsZero(const ZBR_PT3& n) {
+  return n.x() == 0 && n.y() == 0 && n.z() == 0;
+}
+
+std::size_t PlaceOf(const ZBR_ZBREPT& t) {
+  return static_cast<std::size_t>(t.GetIndex());
+}
+
+// `own` are the normals of the shell.
+ZBR_PT3 BorrowedNormal(const Model& model, std::size_t shell, const ZBR_PT3* own, const ZBR_ZBREPT* t) {
+  double sign = 1.0;
+  for (int step = 0; step < kLongestDetour; ++step) {
+    ZBR_ZBREPE& edge = EdgeOf(*t, LongestEdge(*t));
+    t = model.Across(shell, *t, edge);
+    if (t == nullptr) break;
+    if (model.Note(shell, edge).isSameWay) sign = -sign;
+    if (!IsZero(own[PlaceOf(*t)])) return own[PlaceOf(*t)] * sign;
+  }
+  return ZBR_PT3();
+}
+
+bool IsClosedAndOriented(const Model& model, std::size_t s) {
+  const ZBR_ZBREPS& shell = model.Shell(s);
+  for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+    const ZBR_ZBREPE& edge = *shell.GetEdge(e);
+    const EdgeNote note = model.Note(s, edge);
+    if (note.isJunction || note.isSameWay || edge.GetTriangle1() == nullptr) return false;
+  }
+  return true;
+}
+
+// Six times the volume inside, in diagonals; negative when the triangles face inwards.
+double Volume(const ZBR_ZBREPS& shell, double perDiagonal) {
+  const ZBR_PT3 origin = shell.GetTriangle(0)->GetVertex0()->GetPt();
+  double sum = 0.0;
+  for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
+    ZBR_PT3 corners[3];
+    for (std::size_t i = 0; i < 3; ++i) corners[i] = (VertexOf(*shell.GetTriangle(k), i).GetPt() - origin) * perDiagonal;
+    sum += corners[0].InnerProduct(corners[1].OuterProduct(corners[2]));
+  }
+  return sum;
+}
+
+double PerDiagonal(const Model& model) {
+  const double diagonal = model.Diagonal();
+  return diagonal > 0 ? 1.0 / diagonal : 1.0;
+}
+
+}  // namespace
+
+void SetNormals(Model& model) {
+  const double perDiagonal = PerDiagonal(model);
+  model.normals.clear();
+  model.normals.reserve(model.TriangleCount());
+  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    std::vector<int> flat;
+    for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
+      model.normals.push_back(OwnNormal(*shell.GetTriangle(k), perDiagonal));
+      if (IsZero(model.normals.back())) flat.push_back(k);
+    }
+    model.flat += flat.size();
+    ZBR_PT3* const own = model.normals.data() + model.shellBegin[s];
+    std::vector<ZBR_PT3> borrowed;
+    for (const int k : flat) borrowed.push_back(BorrowedNormal(model, s, own, shell.GetTriangle(k)));
+    for (std::size_t k = 0; k < flat.size(); ++k) own[flat[k]] = borrowed[k];
+  }
+}
+
+void ShowEdges(Model& model, double creaseDegrees) {
+  const double limit = std::cos(std::clamp(creaseDegrees + kAngleSlack, 0.0, 180.0) * kPi / 180.0);
+  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+    ZBR_ZBREPS& shell = *model.body.GetShell(static_cast<int>(s));
+    const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];
+    const auto isCrease = [&](const ZBR_ZBREPE& edge, const ZBR_ZBREPT& other) {
+      const ZBR_PT3& a = normals[PlaceOf(*edge.GetTriangle0())];
+      const ZBR_PT3& b = normals[PlaceOf(other)];
+      if (IsZero(a) || IsZero(b)) return false;
+      const double cosine = a.InnerProduct(b);
+      return (model.Note(s, edge).isSameWay ? -cosine : cosine) < limit;
+    };
+    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+      ZBR_ZBREPE& edge = *shell.GetEdge(e);
+      const ZBR_ZBREPT* const other = edge.GetTriangle1();
+      edge.SetShow(other == nullptr || model.Note(s, edge).isJunction || isCrease(edge, *other));
+    }
+  }
+}
+
+void FindFacing(Model& model) {
+  const double perDiagonal = PerDiagonal(model);
+  model.facing.clear();
+  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+    const double volume = IsClosedAndOriented(model, s) ? Volume(model.Shell(s), perDiagonal) : 0.0;
+    model.facing.push_back(volume > 0 ? Facing::kOutward : volume < 0 ? Facing::kInward : Facing::kUnknown);
+  }
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,17 @@
+// Directions of triangles and what follows from them for their edges.
+#pragma once
+
+#include <zbr-drawing/model.h>
+
+namespace zbr::drawing {
+
+// Sets the normals and counts flat triangles. Needs body, notes and the box.
+void SetNormals(Model& model);
+
+// Lets borders, junctions and creases show: edges where the surface bends by more than creaseDegrees.
+void ShowEdges(Model& model, double creaseDegrees);
+
+// Sets the facing of all shells.
+void FindFacing(Model& model);
+
+}  // namespace zbr::drawing

@@ -1,0 +1,232 @@
+// The steps from a mesh to a model: weld, leave out what is no triangle, fill records, sort into shells, classify edges.
+//
+// What hangs together is known only when there are edges, and so everything goes into one shell first. Mostly that is the only one;
+// else the shells are filled anew from the sorted triangles.
+#include <zbr-drawing/model.h>
+
+#include <zbr-drawing/failure.h>
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <utility>
+
+#include "drawing/model/edge_classes.h"
+#include "drawing/model/records.h"
+#include "drawing/model/weld.h"
+
+namespace zbr::drawing {
+namespace {
+
+// Smallest part of the diagonal worth welding by; below it only rounding of the cells' numbers would decide.
+constexpr double kSmallestWeld = 1e-15;
+
+void Enclose(const ZBR_PT3& p, ZBR_PT3& low, ZBR_PT3& high) {
+  low.Set(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
+  high.Set(std::max(high.x(), p.x()), std::max(high.y(), p.y()), std::max(high.z(), p.z()));
+}
+
+// A mesh's triangles on their way into the records: of distinct points, and then the ones that stay, in order of shells.
+struct Gathered {
+  std::vector<ZBR_PT3> points;
+  std::vector<Corners> triangles;
+  std::vector<std::uint32_t> source;
+};
+
+// Joins the points of each object for itself: objects that touch stay objects. Returns where each point of the mesh went.
+std::vector<std::uint32_t> WeldObjects(const Mesh& mesh, double weld, std::vector<ZBR_PT3>& points) {
+  if (mesh.objects.size() <= 1) {
+    points = mesh.points;
+    return WeldPoints(points, weld);
+  }
+  std::vector<std::uint32_t> places;
+  for (std::size_t k = 0; k < mesh.objects.size(); ++k) {
+    const std::size_t end = k + 1 < mesh.objects.size() ? mesh.objects[k + 1].firstPoint : mesh.points.size();
+    std::vector<ZBR_PT3> own(mesh.points.begin() + mesh.objects[k].firstPoint,
+                             mesh.points.begin() + static_cast<std::ptrdiff_t>(end));
+    const auto before = static_cast<std::uint32_t>(points.size());
+    for (const std::uint32_t place : WeldPoints(own, weld)) places.push_back(before + place);
+    points.insert(points.end(), own.begin(), own.end());
+  }
+  return places;
+}
+
+Gathered Gather(const Mesh& mesh, double weld, Model& model) {
+  Gathered gathered;
+  const std::vector<std::uint32_t> places = WeldObjects(mesh, weld, gathered.points);
+  gathered.triangles.reserve(mesh.triangles.size());
+  gathered.source.reserve(mesh.triangles.size());
+  for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
+    const auto& t = mesh.triangles[k];
+    const Corners welded = {places[t[0]], places[t[1]], places[t[2]]};
+    if (welded[0] == welded[1] || welded[1] == welded[2] || welded[2] == welded[0]) {
+      ++model.collapsed;
+      continue;
+    }
+    gathered.triangles.push_back(welded);
+    gathered.source.push_back(static_cast<std::uint32_t>(k));
+  }
+  return gathered;
+}
+
+void SetBox(const Gathered& gathered, Model& model) {
+  if (gathered.triangles.empty()) return;
+  model.low = model.high = gathered.points[gathered.triangles.front()[0]];
+  for (const Corners& t : gathered.triangles) {
+    for (const std::uint32_t p : t) Enclose(gathered.points[p], model.low, model.high);
+  }
+}
+
+void Remove(const std::vector<std::uint32_t>& places, Gathered& gathered) {
+  auto gone = places.begin();
+  std::size_t kept = 0;
+  for (std::size_t t = 0; t < gathered.triangles.size(); ++t) {
+    if (gone != places.end() && *gone == t) {
+      ++gone;
+      continue;
+    }
+    gathered.triangles[kept] = gathered.triangles[t];
+    gathered.source[kept++] = gathered.source[t];
+  }
+  gathered.triangles.resize(kept);
+  gathered.source.resize(kept);
+}
+
+// Makes one shell of everything and returns its junctions. Two layers of the same triangles, as double-sided surfaces are often
+// stored, would make a junction of every edge: of repeated triangles one stays.
+std::vector<EdgeUse> FillWhole(Gathered& gathered, ShellFiller& filler, Model& model) {
+  const auto fill = [&] {
+    model.body = ZBR_ZBREPB();
+    model.body.SetShellCnt(1);
+    filler.Fill(gathered.triangles, *model.body.GetShell(0));
+    return FindJunctions(model.Shell(0));
+  };
+  std::vector<EdgeUse> junctions = fill();
+  const std::vector<std::uint32_t> repeated = FindRepeated(model.Shell(0), gathered.triangles, junctions);
+  if (repeated.empty()) return junctions;
+  model.repeated = repeated.size();
+  Remove(repeated, gathered);
+  return fill();
+}
+
+template <class T>
+void Reorder(std::vector<T>& values, const std::vector<std::uint32_t>& target) {
+  std::vector<T> sorted(values.size());
+  for (std::size_t t = 0; t < values.size(); ++t) sorted[target[t]] = values[t];
+  values = std::move(sorted);
+}
+
+// Sorts the triangles by the numbers of their shells, in place of which it leaves where they went.
+void SortByShell(std::vector<std::uint32_t>& shell, Gathered& gathered, Model& model) {
+  for (const std::uint32_t s : shell) ++model.shellBegin[s + 1];
+  for (std::size_t s = 1; s < model.shellBegin.size(); ++s) model.shellBegin[s] += model.shellBegin[s - 1];
+  const bool isSorted = std::is_sorted(shell.begin(), shell.end());
+  std::vector<std::uint32_t> next = model.shellBegin;
+  for (std::uint32_t& s : shell) s = next[s]++;
+  if (isSorted) return;
+  Reorder(gathered.triangles, shell);
+  Reorder(gathered.source, shell);
+}
+
+void FillShells(const Gathered& gathered, std::size_t count, ShellFiller& filler, Model& model) {
+  model.body = ZBR_ZBREPB();
+  model.body.SetShellCnt(static_cast<int>(count));
+  for (std::size_t s = 0; s < count; ++s) {
+    const std::size_t begin = model.shellBegin[s], end = model.shellBegin[s + 1];
+    filler.Fill(std::span(gathered.triangles).subspan(begin, end - begin), *model.body.GetShell(static_cast<int>(s)));
+  }
+}
+
+void NumberEdges(Model& model) {
+  for (int s = 0; s < model.body.GetShellCnt(); ++s) {
+    model.body.GetShell(s)->SetIndex(s);
+    model.edgeBegin.push_back(model.edgeBegin.back() + static_cast<std::uint32_t>(model.body.GetShell(s)->GetEdgeCnt()));
+  }
+  model.notes.resize(model.edgeBegin.back());
+}
+
+// Places of all triangles in the sorted order are in `target`.
+void NoteJunctions(const std::vector<EdgeUse>& junctions, const std::vector<std::uint32_t>& target, Model& model) {
+  for (std::size_t k = 0; k < junctions.size(); ++k) {
+    ++(k > 0 && junctions[k].edge == junctions[k - 1].edge ? model.junctionCopies : model.junctions);
+    const std::uint32_t t = target[junctions[k].use / 3];
+    const auto s = static_cast<std::size_t>(std::upper_bound(model.shellBegin.begin(), model.shellBegin.end(), t) -
+                                            model.shellBegin.begin() - 1);
+    const ZBR_ZBREPE& edge = EdgeOf(*model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s])), junctions[k].use % 3);
+    model.notes[model.edgeBegin[s] + static_cast<std::size_t>(edge.GetIndex())].isJunction = true;
+  }
+}
+
+// Every triangle that runs along an edge from the smaller vertex to the larger turns the edge's note over; so does the first.
+void NoteDirections(Model& model) {
+  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    EdgeNote* const notes = model.notes.data() + model.edgeBegin[s];
+    for (int e = 0; e < shell.GetEdgeCnt(); ++e) notes[e].isSameWay = true;
+    for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
+      const ZBR_ZBREPT& t = *shell.GetTriangle(k);
+      const int v[3] = {t.GetVertex0()->GetIndex(), t.GetVertex1()->GetIndex(), t.GetVertex2()->GetIndex()};
+      const int e[3] = {t.GetEdge0()->GetIndex(), t.GetEdge1()->GetIndex(), t.GetEdge2()->GetIndex()};
+      for (std::size_t i = 0; i < 3; ++i) {
+        if (v[i] < v[(i + 1) % 3]) notes[e[i]].isSameWay = !notes[e[i]].isSameWay;
+      }
+    }
+  }
+}
+
+void FillBody(Gathered& gathered, Model& model) {
+  ShellFiller filler(gathered.points);
+  const std::vector<EdgeUse> junctions = FillWhole(gathered, filler, model);
+  model.pointCount = static_cast<std::size_t>(model.Shell(0).GetVertexCnt());
+  std::uint32_t count = 0;
+  std::vector<std::uint32_t> shell = NumberParts(model.Shell(0), junctions, count);
+  model.shellBegin.assign(count + 1, 0);
+  SortByShell(shell, gathered, model);
+  if (count != 1) FillShells(gathered, count, filler, model);
+  NumberEdges(model);
+  NoteJunctions(junctions, shell, model);
+  NoteDirections(model);
+  model.source = std::move(gathered.source);
+}
+
+// Shells are in the order of their first triangles in the mesh, and so those of an object follow one another.
+void FindObjects(const std::vector<MeshObject>& objects, Model& model) {
+  std::size_t s = 0;
+  for (std::size_t k = 1; k < objects.size(); ++k) {
+    while (s < model.ShellCount() && model.source[model.shellBegin[s]] < objects[k].firstTriangle) ++s;
+    model.objectBegin.push_back(static_cast<std::uint32_t>(s));
+  }
+  model.objectBegin.push_back(static_cast<std::uint32_t>(model.ShellCount()));
+}
+
+double WeldDistance(const std::vector<ZBR_PT3>& points, double weld) {
+  if (points.empty() || !(weld > kSmallestWeld)) return 0.0;
+  ZBR_PT3 low = points.front(), high = low;
+  for (const ZBR_PT3& p : points) Enclose(p, low, high);
+  return weld * low.Distance(high);
+}
+
+}  // namespace
+
+EdgeClass Model::Class(std::size_t shell, const ZBR_ZBREPE& edge) const {
+  if (!edge.GetShow()) return EdgeClass::kSmooth;
+  if (Note(shell, edge).isJunction) return EdgeClass::kJunction;
+  return edge.GetTriangle1() == nullptr ? EdgeClass::kBorder : EdgeClass::kCrease;
+}
+
+Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
+  CheckMesh(mesh);
+  if (!std::isfinite(creaseDegrees) || !std::isfinite(weld))
+    throw Failure("the angle of creases and the weld must be finite numbers");
+  Model model;
+  Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), model);
+  SetBox(gathered, model);
+  FillBody(gathered, model);
+  SetNormals(model);
+  ShowEdges(model, creaseDegrees);
+  FindFacing(model);
+  FindObjects(mesh.objects, model);
+  return model;
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,75 @@
+// Meshes put together.
+#include <zbr-drawing/objects.h>
+
+#include <zbr-drawing/failure.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+namespace zbr::drawing {
+namespace {
+
+void Move(Mesh& mesh, const ObjectSource& source) {
+  const ZBR_PT3& d = source.shift;
+  if (d.x() == 0 && d.y() == 0 && d.z() == 0) return;
+  for (ZBR_PT3& p : mesh.points) {
+    p += d;
+    if (!IsMeshCoordinate(p)) throw Failure(source.name, "the place given carries it too far away");
+  }
+}
+
+void Append(Mesh mesh, Mesh& all) {
+  if (mesh.points.size() > kMostMeshPoints - all.points.size() || mesh.triangles.size() > kMostMeshPoints - all.triangles.size())
+    throw Failure("the objects have too many triangles together");
+  const auto shift = static_cast<std::uint32_t>(all.points.size());
+  all.objects.push_back({shift, static_cast<std::uint32_t>(all.triangles.size())});
+  if (shift == 0) {
+    std::vector<MeshObject> objects = std::move(all.objects);
+    all = std::move(mesh);
+    all.objects = std::move(objects);
+    return;
+  }
+  all.points.insert(all.points.end(), mesh.points.begin(), mesh.points.end());
+  for (std::array<std::uint32_t, 3> triangle : mesh.triangles) {
+    for (std::uint32_t& corner : triangle) corner += shift;
+    all.triangles.push_back(triangle);
+  }
+}
+
+}  // namespace
+
+bool IsMeshCoordinate(const ZBR_PT3& p) {
+  constexpr double kLargest = 1e75;
+  return std::abs(p.x()) <= kLargest && std::abs(p.y()) <= kLargest && std::abs(p.z()) <= kLargest;
+}
+
+void CheckMesh(const Mesh& mesh) {
+  if (mesh.points.size() > kMostMeshPoints || mesh.triangles.size() > kMostMeshPoints) throw Failure("the mesh is too large");
+  for (std::size_t i = 0; i < mesh.points.size(); ++i) {
+    if (!IsMeshCoordinate(mesh.points[i]))
+      throw Failure("a coordinate of point " + std::to_string(i) + " is too large or no number");
+  }
+  std::size_t object = 0, firstPoint = 0, lastPoint = mesh.points.size();
+  for (std::size_t t = 0; t < mesh.triangles.size(); ++t) {
+    for (; object < mesh.objects.size() && mesh.objects[object].firstTriangle <= t; ++object) {
+      firstPoint = mesh.objects[object].firstPoint;
+      lastPoint = object + 1 < mesh.objects.size() ? mesh.objects[object + 1].firstPoint : mesh.points.size();
+    }
+    for (const std::uint32_t corner : mesh.triangles[t]) {
+      if (corner < firstPoint || corner >= lastPoint || corner >= mesh.points.size())
+        throw Failure("triangle " + std::to_string(t) + " has the corner " + std::to_string(corner) +
+                      ", which is no point of its object");
+    }
+  }
+}
+
+void AddObject(Objects& objects, Mesh mesh, ObjectSource source) {
+  Move(mesh, source);
+  source.firstTriangle = objects.mesh.triangles.size();
+  Append(std::move(mesh), objects.mesh);
+  objects.sources.push_back(std::move(source));
+}
+
+}  // namespace zbr::drawing

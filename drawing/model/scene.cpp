@@ -1,0 +1,137 @@
+// Turns a model into view coordinates and finds its silhouettes.
+#include <zbr-drawing/scene.h>
+
+#include <cstdint>
+
+namespace zbr::drawing {
+namespace {
+
+// Whether an edge between triangles whose normals have these z components is a silhouette.
+//
+// Between a triangle seen from the front and one that is not. On a wall seen edge-on that is the upper edge alone: the lower one
+// lies under it in the drawing. Where no side is the outer one, both edges of a wall count; the removal drops what is covered.
+bool IsSilhouette(double a, double b, Facing facing) {
+  constexpr double kFlat = kSceneTolerance;
+  if (facing == Facing::kOutward) return (a > kFlat) != (b > kFlat);
+  if (facing == Facing::kInward) return (a < -kFlat) != (b < -kFlat);
+  return (a > kFlat) != (b > kFlat) || (a < -kFlat) != (b < -kFlat);
+}
+
+// Whether the removal takes the triangle for a wall because of its shape: long and thin, its short edge towards the viewer, as at
+// the sides of a slender rod.
+bool HasEdgeSeenEndOn(const ZBR_HL_TRI& t) {
+  for (int i = 0; i < 3; ++i) {
+    if (ZBR_HL_TRI::EqualPtPt(t.pt[i], t.pt[(i + 1) % 3], kSceneTolerance)) return true;
+  }
+  return false;
+}
+
+class SceneMaker {
+ public:
+  SceneMaker(const Model& model, Scene& scene) : model_(model), scene_(scene), centre_(model.Centre()) {}
+
+  void FillShell(std::size_t s) {
+    shell_ = s;
+    const ZBR_ZBREPS& shell = model_.Shell(s);
+    LookAt(shell);
+    side_.assign(static_cast<std::size_t>(shell.GetEdgeCnt()), kNone);
+    const std::size_t begin = model_.shellBegin[s], count = model_.shellBegin[s + 1] - begin;
+    triangles_ = scene_.triangles.data() + begin;
+    classes_ = scene_.classes.data() + begin;
+    for (std::size_t t = 0; t < count; ++t) Fill(t, *shell.GetTriangle(static_cast<int>(t)));
+    scene_.drawable += borders_;
+    scene_.shells.emplace_back(triangles_, static_cast<unsigned>(count));
+  }
+
+ private:
+  static constexpr std::uint32_t kNone = 0xffffffffU;
+
+  void LookAt(const ZBR_ZBREPS& shell) {
+    points_.clear();
+    for (int v = 0; v < shell.GetVertexCnt(); ++v)
+      points_.push_back(scene_.view.In(shell.GetVertex(v)->GetPt() - centre_) * scene_.scale);
+    borders_ = 0;
+  }
+
+  void Fill(std::size_t t, const ZBR_ZBREPT& record) {
+    ZBR_HL_TRI& triangle = triangles_[t];
+    triangle.idx = static_cast<int>(t);
+    triangle.skip = false;
+    for (std::size_t i = 0; i < 3; ++i) {
+      triangle.pt[i] = points_[static_cast<std::size_t>(VertexOf(record, i).GetIndex())];
+      triangle.profile[i] = -1;
+    }
+    for (std::size_t i = 0; i < 3; ++i) SetEdge(t, i, EdgeOf(record, i));
+  }
+
+  // The first triangle of an edge makes a border of it, the second connects the two.
+  void SetEdge(std::size_t t, std::size_t i, const ZBR_ZBREPE& edge) {
+    std::uint32_t& first = side_[static_cast<std::size_t>(edge.GetIndex())];
+    const EdgeNote note = model_.Note(shell_, edge);
+    if (note.isJunction) {
+      SetSide(t, i, -1, -1, EdgeClass::kJunction);
+      ++scene_.drawable;
+    } else if (first == kNone) {
+      first = static_cast<std::uint32_t>(3 * t + i);
+      SetSide(t, i, -1, -1, EdgeClass::kBorder);
+      ++borders_;
+    } else {
+      const std::size_t u = first / 3, k = first % 3;
+      const EdgeClass drawn = edge.GetShow() ? EdgeClass::kCrease : SmoothClass(t, u, note);
+      SetSide(t, i, static_cast<int>(u), static_cast<int>(k), drawn);
+      SetSide(u, k, static_cast<int>(t), static_cast<int>(i), drawn);
+      --borders_;
+      if (drawn != EdgeClass::kSmooth) ++scene_.drawable;
+    }
+  }
+
+  void SetSide(std::size_t t, std::size_t i, int adjacent, int adjacentEdge, EdgeClass edge) {
+    triangles_[t].adj[i] = adjacent;
+    triangles_[t].adj_edge[i] = adjacentEdge;
+    triangles_[t].dispj[i] = edge != EdgeClass::kSmooth;
+    classes_[t][i] = edge;
+  }
+
+  EdgeClass SmoothClass(std::size_t t, std::size_t u, EdgeNote note) const {
+    const ZBR_PT3* const normals = model_.normals.data() + model_.shellBegin[shell_];
+    const double here = HasEdgeSeenEndOn(triangles_[t]) ? 0.0 : normals[t].InnerProduct(scene_.view.toViewer);
+    const double other = HasEdgeSeenEndOn(triangles_[u]) ? 0.0 : normals[u].InnerProduct(scene_.view.toViewer);
+    return IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_]) ? EdgeClass::kSilhouette : EdgeClass::kSmooth;
+  }
+
+  const Model& model_;
+  Scene& scene_;
+  const ZBR_PT3 centre_;
+  // Of the shell being filled.
+  std::size_t shell_ = 0;
+  ZBR_HL_TRI* triangles_ = nullptr;
+  std::array<EdgeClass, 3>* classes_ = nullptr;
+  std::vector<ZBR_PT3> points_;
+  std::vector<std::uint32_t> side_;  // of edges: the side met first, 3 x triangle + place
+  std::size_t borders_ = 0;          // edges with one side met
+};
+
+}  // namespace
+
+void MakeScene(const Model& model, const View& view, Scene& scene) {
+  const double diagonal = model.Diagonal();
+  scene.view = view;
+  scene.scale = diagonal > 0 ? kSceneDiagonal / diagonal : 1.0;
+  scene.offset = view.In(model.Centre());
+  scene.drawable = 0;
+  scene.triangles.resize(model.TriangleCount());
+  scene.classes.resize(model.TriangleCount());
+  scene.shells.clear();
+  scene.shells.reserve(model.ShellCount());
+  SceneMaker maker(model, scene);
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) maker.FillShell(s);
+  scene.drawable -= model.junctionCopies;
+}
+
+Scene MakeScene(const Model& model, const View& view) {
+  Scene scene;
+  MakeScene(model, view, scene);
+  return scene;
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,95 @@
+// Parsing and printing of numbers.
+#include <zbr-drawing/numbers.h>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#if !defined(__cpp_lib_to_chars)
+#include <locale.h>
+
+#include <cerrno>
+#include <cstdlib>
+#endif
+
+namespace zbr::drawing {
+namespace {
+
+// std::from_chars takes a minus sign but no plus sign.
+std::string_view WithoutPlus(std::string_view token) {
+  if (token.size() > 1 && token.front() == '+' && token[1] != '-') token.remove_prefix(1);
+  return token;
+}
+
+template <class T>
+std::optional<T> ParseWhole(std::string_view token) {
+  token = WithoutPlus(token);
+  T value{};
+  const char* const end = token.data() + token.size();
+  const auto [stop, error] = std::from_chars(token.data(), end, value);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return value;
+}
+
+#if !defined(__cpp_lib_to_chars)
+// Standard libraries that can't yet parse doubles: by the C library, in the "C" locale whatever the program's is, and without what
+// std::from_chars does not take (blanks, a second sign, hexadecimal digits, numbers that round to zero).
+template <>
+std::optional<double> ParseWhole<double>(std::string_view token) {
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  const std::string text(WithoutPlus(token));
+  if (text.empty() || text.find_first_of("+xX \t\n\v\f\r") < text.find_first_of("eE")) return std::nullopt;
+  char* stop = nullptr;
+  errno = 0;
+  const double value = strtod_l(text.c_str(), &stop, plain);
+  if (stop != text.c_str() + text.size() || (errno == ERANGE && value == 0.0)) return std::nullopt;
+  return value;
+}
+#endif
+
+std::string Formatted(double value, std::chars_format format, int precision) {
+  std::array<char, 512> buffer;  // the longest double takes 309 digits before the point
+  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, precision);
+  return std::string(buffer.data(), result.ptr);
+}
+
+}  // namespace
+
+std::optional<double> ParseNumber(std::string_view token) {
+  const std::optional<double> value = ParseWhole<double>(token);
+  return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+std::optional<long> ParseInteger(std::string_view token) {
+  return ParseWhole<long>(token);
+}
+
+void AppendNumber(std::string& text, double value) {
+  std::array<char, 32> buffer;
+  const double unsignedZero = value == 0.0 ? 0.0 : value;  // "-0" would read back as well, but puzzles people
+  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), unsignedZero);
+  text.append(buffer.data(), result.ptr);
+}
+
+std::string NumberText(double value) {
+  std::string text;
+  AppendNumber(text, value);
+  return text;
+}
+
+std::string RoundedText(double value, int digits) {
+  return Formatted(value, std::chars_format::general, digits);
+}
+std::string FixedText(double value, int decimals) {
+  return Formatted(value, std::chars_format::fixed, decimals);
+}
+
+std::string Quoted(std::string_view token) {
+  constexpr std::size_t kLongest = 40;
+  std::string text = "'";
+  for (const char c : token.substr(0, kLongest)) text += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
+  if (token.size() > kLongest) text += "...";
+  return text + "'";
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,234 @@
+// The arrangement of views: which cell of the sheet each one takes, the scale, the paper and the widths of lines.
+//
+// Cells are columns and rows around the front view at (0, 0). In first-angle projection each side view stands opposite to the side
+// that it is seen from (what is seen from above stands below), in third-angle projection on that side. Views of one column share
+// the place of their origin in x, those of one row in y, and the origin is the middle of the model: that lines them up. Pictorial
+// views take a corner, where they are centred by what they show.
+#include <zbr-drawing/sheet.h>
+
+#include <zbr-drawing/failure.h>
+#include <zbr-drawing/numbers.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <numeric>
+
+namespace zbr::drawing {
+namespace {
+
+constexpr double kGap = 15;     // between views
+constexpr double kMargin = 10;  // around a single view without a frame
+
+struct Cell {
+  int column = 0, row = 0;  // to the right, upwards
+  bool aligned = false;
+
+  bool SamePlace(const Cell& o) const { return column == o.column && row == o.row; }
+};
+
+struct SideView {
+  const char* name;
+  int column, row;  // in third-angle projection
+};
+constexpr std::array<SideView, 6> kSideViews = {
+    {{"front", 0, 0}, {"top", 0, 1}, {"bottom", 0, -1}, {"left", -1, 0}, {"right", 1, 0}, {"back", 2, 0}}};
+
+// In first-angle projection all but the back view change sides.
+std::optional<Cell> SideCell(const std::string& name, Projection projection) {
+  for (const SideView& side : kSideViews) {
+    if (name != side.name) continue;
+    const bool swap = projection == Projection::kFirst && side.column < 2;
+    return Cell{swap ? -side.column : side.column, swap ? -side.row : side.row, true};
+  }
+  return std::nullopt;
+}
+
+// The first free corner, beside a side view and in the row of the view from above or below if there is one; else further columns.
+Cell PictorialCell(const std::vector<Cell>& taken, Projection projection) {
+  const auto isTaken = [&](const Cell& c) {
+    return std::any_of(taken.begin(), taken.end(), [&](const Cell& t) { return t.SamePlace(c); });
+  };
+  if (std::none_of(taken.begin(), taken.end(), [](const Cell& c) { return c.aligned; }))
+    return {static_cast<int>(taken.size()), 0, false};
+  const int column = isTaken({-1, 0}) && !isTaken({1, 0}) ? -1 : 1;
+  const int usual = projection == Projection::kFirst ? -1 : 1;
+  const int row = isTaken({0, -usual}) && !isTaken({0, usual}) ? -usual : usual;
+  for (const Cell corner : {Cell{column, row}, Cell{-column, row}, Cell{column, -row}, Cell{-column, -row}}) {
+    if (!isTaken(corner)) return corner;
+  }
+  Cell cell{3, 0};
+  while (isTaken(cell)) ++cell.column;
+  return cell;
+}
+
+std::vector<Cell> CellsOf(const std::vector<ViewLines>& views, Projection projection) {
+  std::vector<Cell> cells(views.size());
+  std::vector<Cell> taken;
+  for (std::size_t i = 0; i < views.size(); ++i) {
+    if (const auto side = SideCell(views[i].name, projection)) taken.push_back(cells[i] = *side);
+  }
+  for (std::size_t i = 0; i < views.size(); ++i) {
+    if (!cells[i].aligned) taken.push_back(cells[i] = PictorialCell(taken, projection));
+  }
+  return cells;
+}
+
+// Sizes of the columns or rows in use, in the model's unit, by number.
+using Bands = std::map<int, double>;
+
+double Sum(const Bands& bands) {
+  return std::accumulate(bands.begin(), bands.end(), 0.0, [](double sum, const auto& band) { return sum + band.second; });
+}
+
+double Gaps(const Bands& bands) {
+  return kGap * static_cast<double>(bands.size() - 1);
+}
+
+// The middle of band `number` behind those before it; `first` is the first one's start.
+double MiddleOf(const Bands& bands, int number, double first, double perUnit) {
+  double at = first;
+  for (auto band = bands.begin(); band->first != number; ++band) at += band->second * perUnit + kGap;
+  return at + bands.at(number) * perUnit / 2;
+}
+
+struct Grid {
+  std::vector<Cell> cells;
+  Bands columns, rows;
+
+  Grid(const std::vector<ViewLines>& views, Projection projection) : cells(CellsOf(views, projection)) {
+    for (std::size_t i = 0; i < views.size(); ++i) {
+      const Extent& e = views[i].extent;
+      columns[cells[i].column] = std::max(columns[cells[i].column], e.xmax - e.xmin);
+      rows[cells[i].row] = std::max(rows[cells[i].row], e.ymax - e.ymin);
+    }
+  }
+  // The largest scale in millimetres for each unit with which the views fit; at most 0 when even the gaps do not.
+  double LargestIn(const DrawingArea& area) const {
+    return std::min((area.width - Gaps(columns)) / Sum(columns), (area.height - Gaps(rows)) / Sum(rows));
+  }
+};
+
+DrawingArea AreaOf(const Paper& paper, Projection projection) {
+  if (projection != Projection::kNone) return AreaWithinFrame(paper);
+  return {kMargin, kMargin, paper.width - 2 * kMargin, paper.height - 2 * kMargin};
+}
+
+// The largest scale in millimetres for each unit at which the views fit on a paper.
+double LargestOn(const Paper& paper, const Sheet& sheet, const Grid& grid) {
+  return grid.LargestIn(AreaOf(paper, sheet.options.projection));
+}
+
+Paper BetterWay(const Paper& paper, const Sheet& sheet, const Grid& grid) {
+  const bool turn = paper.mayTurn && LargestOn(Turned(paper), sheet, grid) > LargestOn(paper, sheet, grid);
+  return turn ? Turned(paper) : paper;
+}
+
+// The scale for the paper.
+void ChooseScale(Sheet& sheet, const Grid& grid) {
+  const SheetOptions& options = sheet.options;
+  const Paper& usual = StandardPapers()[sheet.views.size() == 1 ? 0 : 1];
+  sheet.paper = BetterWay(options.paper.value_or(usual), sheet, grid);
+  const double largest = LargestOn(sheet.paper, sheet, grid);
+  if (!(largest > 0)) throw Failure("the views do not fit on " + sheet.paper.name);
+  sheet.scale = StandardScale(largest / options.millimetres);
+  if (!std::isnormal(sheet.scale)) throw Failure("the model is too large or too small to be drawn");
+}
+
+// Paper as large as the views need at the given scale.
+Paper PaperAround(const Sheet& sheet, const Grid& grid, double perUnit) {
+  constexpr double kLongestSide = 1e5;
+  const DrawingArea area = AreaOf(sheet.paper, sheet.options.projection);
+  const double width = Sum(grid.columns) * perUnit + Gaps(grid.columns) + sheet.paper.width - area.width;
+  const double height = Sum(grid.rows) * perUnit + Gaps(grid.rows) + sheet.paper.height - area.height;
+  if (!(std::max(width, height) < kLongestSide))
+    throw Failure("at " + ScaleText(sheet.scale) + " the drawing is more than 100 m long");
+  return {"", std::max(width, sheet.paper.width), std::max(height, sheet.paper.height), false};
+}
+
+// The paper for a given scale: the one asked for, or the smallest standard one that holds the views, or a larger one.
+void ChoosePaper(Sheet& sheet, const Grid& grid) {
+  constexpr double kSlack = 1 + 1e-9;
+  const SheetOptions& options = sheet.options;
+  sheet.scale = *options.scale;
+  const double perUnit = sheet.scale * options.millimetres;
+  for (const Paper& paper : options.paper ? std::vector<Paper>{*options.paper} : StandardPapers()) {
+    sheet.paper = BetterWay(paper, sheet, grid);
+    if (LargestOn(sheet.paper, sheet, grid) * kSlack >= perUnit) return;
+  }
+  if (options.paper) throw Failure("at " + ScaleText(sheet.scale) + " the views do not fit on " + options.paper->name);
+  sheet.paper = PaperAround(sheet, grid, perUnit);
+}
+
+void PlaceViews(Sheet& sheet, const Grid& grid) {
+  const DrawingArea area = AreaOf(sheet.paper, sheet.options.projection);
+  const double width = Sum(grid.columns) * sheet.perUnit + Gaps(grid.columns);
+  const double height = Sum(grid.rows) * sheet.perUnit + Gaps(grid.rows);
+  const double left = area.left + (area.width - width) / 2;
+  const double bottom = area.bottom + (area.height - height) / 2;
+  for (std::size_t i = 0; i < sheet.views.size(); ++i) {
+    PlacedView& view = sheet.views[i];
+    view.origin.Set(MiddleOf(grid.columns, grid.cells[i].column, left, sheet.perUnit),
+                    MiddleOf(grid.rows, grid.cells[i].row, bottom, sheet.perUnit));
+    const Extent& e = view.lines.extent;
+    if (!grid.cells[i].aligned) view.origin -= ZBR_PT((e.xmin + e.xmax) / 2, (e.ymin + e.ymax) / 2) * sheet.perUnit;
+  }
+}
+
+// The paper is cut to the drawing when nobody asked for a size.
+void CutPaper(Sheet& sheet) {
+  PlacedView& view = sheet.views.front();
+  const Extent& e = view.lines.extent;
+  sheet.paper = {"", (e.xmax - e.xmin) * sheet.perUnit + 2 * kMargin, (e.ymax - e.ymin) * sheet.perUnit + 2 * kMargin, false};
+  view.origin = ZBR_PT(kMargin, kMargin) - ZBR_PT(e.xmin, e.ymin) * sheet.perUnit;
+}
+
+// How much of the views' places lines of the width 1 would cover, at the view where they are closest.
+double Density(const Sheet& sheet) {
+  constexpr double kAround = 10;  // a thin part is no crowd
+  double densest = 0.0;
+  for (const PlacedView& view : sheet.views) {
+    const Extent& e = view.lines.extent;
+    const double width = (e.xmax - e.xmin) * sheet.perUnit + kAround, height = (e.ymax - e.ymin) * sheet.perUnit + kAround;
+    densest = std::max(densest, view.lines.VisibleLength() * sheet.perUnit / (width * height));
+  }
+  return densest;
+}
+
+// The standard width for the paper, or a thinner one where lines would run into each other.
+void ChooseWidths(Sheet& sheet) {
+  struct Pair {
+    double wide, thin;
+  };
+  constexpr std::array<Pair, 6> kWidths = {{{0.7, 0.35}, {0.5, 0.25}, {0.35, 0.18}, {0.25, 0.13}, {0.18, 0.13}, {0.13, 0.09}}};
+  constexpr double kLargeSide = 600;
+  constexpr double kMayCover = 0.12;
+  const double density = Density(sheet);
+  std::size_t i = std::max(sheet.paper.width, sheet.paper.height) > kLargeSide ? 0 : 1;
+  while (i + 1 < kWidths.size() && kWidths[i].wide * density > kMayCover) ++i;
+  sheet.wide = kWidths[i].wide;
+  sheet.thin = kWidths[i].thin;
+}
+
+}  // namespace
+
+Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
+  Sheet sheet;
+  sheet.options = options;
+  const Grid grid(views, options.projection);
+  for (ViewLines& view : views) sheet.views.push_back({std::move(view), {}});
+  if (options.scale) {
+    ChoosePaper(sheet, grid);
+  } else {
+    ChooseScale(sheet, grid);
+  }
+  sheet.perUnit = sheet.scale * options.millimetres;
+  PlaceViews(sheet, grid);
+  if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet);
+  ChooseWidths(sheet);
+  if (options.projection != Projection::kNone) AddFrame(sheet);
+  return sheet;
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,42 @@
+#include "drawing/views/parallel.h"
+
+#include <zbr-drawing/scene.h>
+#include <zbr/tolerance.h>
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace zbr::drawing {
+
+void RunParallel(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work) {
+  std::atomic<std::size_t> next{0};
+  std::exception_ptr failure;
+  std::mutex failureMutex;
+  const auto run = [&] {
+    const ZBR_TmpEps hold(kSceneTolerance);
+    try {
+      for (std::size_t i = next++; i < count; i = next++) work(i);
+    } catch (...) {
+      const std::lock_guard lock(failureMutex);
+      if (!failure) failure = std::current_exception();
+      next = count;
+    }
+  };
+  {
+    std::vector<std::jthread> helpers;
+    const std::size_t helperCount = std::min<std::size_t>(std::max(threads, 1U), count);
+    try {
+      for (std::size_t i = 1; i < helperCount; ++i) helpers.emplace_back(run);
+    } catch (const std::system_error&) {  // the system gives no more threads; those there are will do
+    }
+    run();
+  }
+  if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,132 @@
+// From the visible intervals and the hidden stretches of a scene to polylines.
+//
+// Segments are sorted into bins by class and shell first and each bin is chained by itself, so that a polyline is of one kind and
+// one body throughout and can be traced back to it.
+#include <zbr-drawing/view_lines.h>
+
+#include <zbr/tolerance.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "drawing/views/chains.h"
+
+namespace zbr::drawing {
+namespace {
+
+// Lines that run closer together are one on paper: about a tenth of a line's width on a sheet filled by the view. Vertices of
+// meshes, scanned ones above all, are that far off the planes and edges they stand for.
+constexpr double kOneLine = 0.02;
+constexpr double kChainTolerance = 1e-3;  // in scene units: a hundred-thousandth of the model's diagonal, nothing on paper
+
+struct BinnedSegment {
+  std::uint8_t edgeClass = 0;  // place in kDrawnClasses
+  std::uint32_t shell = 0;
+  EdgeSegment segment;
+};
+
+std::uint8_t ClassPlace(EdgeClass edgeClass) {
+  const auto* const found = std::find(std::begin(kDrawnClasses), std::end(kDrawnClasses), edgeClass);
+  return static_cast<std::uint8_t>(found - std::begin(kDrawnClasses));
+}
+
+class Collector {
+ public:
+  Collector(const Model& model, const Scene& scene) : model_(model), scene_(scene) {}
+
+  void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
+    const std::size_t t = model_.shellBegin[shell] + triangle;
+    const std::uint8_t place = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
+    segments_.push_back({place, static_cast<std::uint32_t>(shell), {segment, {model_.source[t], static_cast<std::uint8_t>(edge)}}});
+  }
+
+  void AddVisible() {
+    for (std::size_t s = 0; s < scene_.shells.size(); ++s) {
+      const ZBR_HL_SHELL& shell = scene_.shells[s];
+      for (std::size_t t = 0; t < shell.count; ++t) {
+        for (int i = 0; i < 3; ++i) {
+          for (const ZBR_HL_INTERVAL& visible : shell.tris[t].intvl_v[i])
+            Add(s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+        }
+      }
+    }
+  }
+
+  void AddHidden() {
+    std::vector<ZBR_SEG> hidden;
+    std::vector<ZBR_HL_SOURCE> sources;
+    constexpr int kAsDrawn = 3;
+    ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine);
+    for (std::size_t i = 0; i < hidden.size(); ++i)
+      Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
+  }
+
+  void ChainInto(std::vector<Line>& lines, bool hidden) {
+    const auto key = [](const BinnedSegment& s) { return std::pair(s.edgeClass, s.shell); };
+    std::stable_sort(segments_.begin(), segments_.end(),
+                     [&](const BinnedSegment& a, const BinnedSegment& b) { return key(a) < key(b); });
+    std::vector<EdgeSegment> bin;
+    for (std::size_t i = 0; i < segments_.size(); ++i) {
+      bin.push_back(segments_[i].segment);
+      if (i + 1 < segments_.size() && key(segments_[i + 1]) == key(segments_[i])) continue;
+      for (Chain& chain : ChainSegments(bin, kChainTolerance)) {
+        for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
+        lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, std::move(chain)});
+      }
+      bin.clear();
+    }
+    segments_.clear();
+  }
+
+ private:
+  const Model& model_;
+  const Scene& scene_;
+  std::vector<BinnedSegment> segments_;
+};
+
+}  // namespace
+
+const char* NameOf(EdgeClass edgeClass) {
+  switch (edgeClass) {
+    case EdgeClass::kBorder:
+      return "border";
+    case EdgeClass::kCrease:
+      return "crease";
+    case EdgeClass::kJunction:
+      return "junction";
+    case EdgeClass::kSilhouette:
+      return "silhouette";
+    case EdgeClass::kSmooth:
+      break;
+  }
+  return "smooth";
+}
+
+double ViewLines::VisibleLength() const {
+  double length = 0.0;
+  for (const Line& line : lines) {
+    for (std::size_t i = 1; !line.hidden && i < line.chain.points.size(); ++i)
+      length += line.chain.points[i].Distance(line.chain.points[i - 1]);
+  }
+  return length;
+}
+
+ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden) {
+  const ZBR_TmpEps hold(kSceneTolerance);
+  ViewLines view;
+  view.view = scene.view;
+  view.middle = scene.offset;
+  view.drawable = scene.drawable;
+  for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
+  for (const ZBR_HL_TRI& triangle : scene.triangles) {
+    for (const ZBR_PT3& p : triangle.pt) view.extent.Add(ZBR_PT(p.x() / scene.scale, p.y() / scene.scale));
+  }
+  Collector collector(model, scene);
+  collector.AddVisible();
+  collector.ChainInto(view.lines, false);
+  if (hidden) collector.AddHidden();
+  collector.ChainInto(view.lines, true);
+  return view;
+}
+
+}  // namespace zbr::drawing

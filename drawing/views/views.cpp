@@ -1,0 +1,47 @@
+// From a model to the lines of its views: scene, removal, lines and, where asked for, outlines, which use the scene up.
+#include <zbr-drawing/views.h>
+
+#include <zbr-drawing/outlines.h>
+#include <zbr-drawing/removal.h>
+
+#include <algorithm>
+
+#include "drawing/views/parallel.h"
+
+namespace zbr::drawing {
+namespace {
+
+ViewLines DrawView(const Model& model, const NamedDirection& direction, const DrawingOptions& options, unsigned threads,
+                   const std::function<void(DrawStage)>& at) {
+  at(DrawStage::kScene);
+  Scene scene = MakeScene(model, direction.view);
+  at(DrawStage::kRemoval);
+  RemoveHidden(scene, threads);
+  at(DrawStage::kLines);
+  ViewLines lines = CollectLines(model, scene, options.hidden);
+  lines.name = direction.name;
+  if (options.outlines) {
+    at(DrawStage::kOutlines);
+    constexpr bool kNarrow = true;
+    FindOutlines(model, scene, kNarrow, threads);
+    lines.outlines = OutlinesAroundMiddle(model, scene);
+  }
+  at(DrawStage::kDone);
+  return lines;
+}
+
+}  // namespace
+
+std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
+  std::vector<ViewLines> drawn(views.size());
+  const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
+  RunParallel(views.size(), atOnce, [&](std::size_t i) {
+    const auto at = [&](DrawStage stage) {
+      if (options.progress) options.progress(i, stage);
+    };
+    drawn[i] = DrawView(model, views[i], options, std::max(options.threads / atOnce, 1U), at);
+  });
+  return drawn;
+}
+
+}  // namespace zbr::drawing

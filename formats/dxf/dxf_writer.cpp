@@ -1,0 +1,46 @@
+// Writes results as DXF: a closed polyline for each ring, on a layer for each result.
+
+#include <zbr-formats/dxf.h>
+
+#include <array>
+
+#include "formats/dxf/dxf_document.h"
+
+namespace zbr::formats {
+
+namespace {
+
+// A layer for each result, in a colour of its own.
+template <class Result>
+DxfSetup SetupFor(const std::vector<Result>& layers, int units) {
+  constexpr std::array<int, 6> kColours = {5, 1, 3, 6, 4, 30};  // blue, red, green, magenta, cyan, orange
+  constexpr int kThin = 25;
+  DxfSetup setup;
+  setup.variables = {{"$INSUNITS", units}};
+  for (std::size_t i = 0; i < layers.size(); ++i)
+    setup.layers.push_back({layers[i].name, kColours[i % kColours.size()], kThin, "CONTINUOUS", false});
+  return setup;
+}
+
+}  // namespace
+
+std::string WriteDxf(const std::vector<Layer>& layers, int units) {
+  DxfDocument document(SetupFor(layers, units));
+  for (const Layer& layer : layers)
+    ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) { document.AddPolyline(ring.pt(), true, layer.name); });
+  return document.Take();
+}
+
+std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units) {
+  DxfDocument document(SetupFor(layers, units));
+  for (const LineLayer& layer : layers) {
+    for (const SpaceLine& line : layer.lines) {
+      std::vector<ZBR_PT3> points = line.points;
+      if (line.IsClosed()) points.pop_back();
+      document.AddLine(points, line.IsClosed(), layer.name);
+    }
+  }
+  return document.Take();
+}
+
+}  // namespace zbr::formats

@@ -1,0 +1,71 @@
+// Reading whole files.
+#include <zbr-formats/files.h>
+
+#include <zbr-formats/types.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+namespace zbr::formats {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void FailWithErrno(const std::string& name, const char* what) {
+  throw Failure(name, what + std::string(": ") + std::strerror(errno));
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& name) {
+  const bool standardInput = name == "-";
+  std::error_code ignored;
+  if (!standardInput && fs::is_directory(name, ignored)) throw Failure(name, "is a directory");
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> owned(nullptr, &std::fclose);
+  std::FILE* stream = stdin;
+  if (!standardInput) {
+    owned.reset(std::fopen(name.c_str(), "rb"));
+    if (!owned) FailWithErrno(name, "cannot open");
+    stream = owned.get();
+  }
+  std::string contents;
+  constexpr std::size_t kBlock = std::size_t{1} << 20;
+  std::size_t got = kBlock;
+  while (got == kBlock) {
+    const std::size_t before = contents.size();
+    contents.resize(before + kBlock);
+    got = std::fread(contents.data() + before, 1, kBlock, stream);
+    contents.resize(before + got);
+  }
+  if (std::ferror(stream) != 0) FailWithErrno(name, "cannot read");
+  return contents;
+}
+
+void DropByteOrderMark(std::string& text) {
+  constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+}
+
+std::string ReadText(const std::string& name) {
+  std::string text = ReadFile(name);
+  DropByteOrderMark(text);
+  return text;
+}
+
+std::string ExtensionOf(const std::string& name) {
+  std::string extension = fs::path(name).extension().string();
+  if (!extension.empty()) extension.erase(0, 1);
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension;
+}
+
+std::string BaseName(const std::string& name) {
+  return name == "-" ? "standard input" : fs::path(name).filename().string();
+}
+
+}  // namespace zbr::formats

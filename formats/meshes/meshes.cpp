@@ -1,0 +1,98 @@
+// Chooses the reader by the file's extension and checks what all meshes must be.
+#include <zbr-formats/meshes.h>
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/types.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <utility>
+
+#include "formats/meshes/readers.h"
+
+namespace zbr::formats {
+namespace {
+
+using Reader = Mesh (*)(const std::string& text, const std::string& file, const FileSource& beside);
+
+// Most formats are whole in one file.
+template <Mesh (*read)(const std::string&, const std::string&)>
+Mesh Alone(const std::string& text, const std::string& file, const FileSource&) {
+  return read(text, file);
+}
+
+constexpr Reader kReadStl = Alone<ReadStl>;
+constexpr std::array<std::pair<const char*, Reader>, 6> kReaders = {{{"stl", kReadStl},
+                                                                     {"obj", Alone<ReadObj>},
+                                                                     {"ply", Alone<ReadPly>},
+                                                                     {"off", Alone<ReadOff>},
+                                                                     {"gltf", ReadGltf},
+                                                                     {"glb", ReadGltf}}};
+
+// Null when there is none.
+Reader ReaderOf(const std::string& format) {
+  const auto* const found =
+      std::find_if(kReaders.begin(), kReaders.end(), [&](const auto& entry) { return entry.first == format; });
+  return found == kReaders.end() ? nullptr : found->second;
+}
+
+bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
+  const ZBR_PT3 n = (b - a).OuterProduct(c - a);
+  return n.x() != 0 || n.y() != 0 || n.z() != 0;
+}
+
+void Check(const Mesh& mesh, const std::string& file) {
+  if (mesh.triangles.empty()) throw Failure(file, "no triangles");
+  if (mesh.triangles.size() > kMostMeshPoints || mesh.points.size() > kMostMeshPoints) throw Failure(file, "too many triangles");
+  for (std::size_t i = 0; i < mesh.points.size(); ++i) {
+    if (!IsMeshCoordinate(mesh.points[i])) throw Failure(file, "a coordinate of point " + std::to_string(i + 1) + " is too large");
+  }
+  const auto hasArea = [&](const std::array<std::uint32_t, 3>& t) {
+    return HasArea(mesh.points[t[0]], mesh.points[t[1]], mesh.points[t[2]]);
+  };
+  if (std::none_of(mesh.triangles.begin(), mesh.triangles.end(), hasArea)) throw Failure(file, "no triangles with an area");
+}
+
+}  // namespace
+
+bool IsMeshFile(const std::string& file) {
+  return ReaderOf(ExtensionOf(file)) != nullptr;
+}
+
+const std::vector<std::string>& MeshFormats() {
+  static const std::vector<std::string> kFormats = [] {
+    std::vector<std::string> formats;
+    for (const auto& [format, reader] : kReaders) formats.emplace_back(format);
+    return formats;
+  }();
+  return kFormats;
+}
+
+Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& name, const FileSource& beside) {
+  const Reader reader = ReaderOf(format);
+  if (reader == nullptr)
+    throw Failure(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give --model-format");
+  if (reader != kReadStl) DropByteOrderMark(bytes);  // a binary STL may begin with anything
+  if (bytes.empty()) throw Failure(name, "the file is empty");
+  Mesh mesh = reader(bytes, name, beside);
+  Check(mesh, name);
+  mesh.yUp = reader == ReadGltf;
+  return mesh;
+}
+
+Mesh ReadMesh(const std::string& file, const std::string& format) {
+  const std::string chosen = IsMeshFile(file) ? ExtensionOf(file) : format;
+  const FileSource beside = [&](const std::string& name) {
+    const std::filesystem::path path = std::filesystem::path(file == "-" ? "" : file).parent_path() / name;
+    std::error_code ignored;
+    // A device or a pipe would not end.
+    if (!std::filesystem::is_regular_file(path, ignored)) throw Failure("there is no file " + Quoted(name));
+    return ReadFile(path.string());
+  };
+  return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside);
+}
+
+}  // namespace zbr::formats

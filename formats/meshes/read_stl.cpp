@@ -1,0 +1,112 @@
+// STL, binary and as text: loose triangles.
+//
+// A binary file may start with the word that text files start with; what tells them apart for certain is the length.
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/types.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cctype>
+#include <cmath>
+#include <cstring>
+
+#include "formats/meshes/readers.h"
+#include "formats/meshes/text_lines.h"
+
+namespace zbr::formats {
+namespace {
+
+constexpr std::size_t kHeader = 80, kCount = 4, kRecord = 50;
+
+std::uint32_t Number32(const char* bytes) {
+  std::array<unsigned char, 4> b{};
+  std::memcpy(b.data(), bytes, 4);
+  return b[0] | static_cast<std::uint32_t>(b[1]) << 8U | static_cast<std::uint32_t>(b[2]) << 16U |
+         static_cast<std::uint32_t>(b[3]) << 24U;
+}
+
+std::size_t BinarySize(const std::string& text) {
+  return kHeader + kCount + kRecord * static_cast<std::size_t>(Number32(text.data() + kHeader));
+}
+
+bool StartsAsText(const std::string& text) {
+  const std::size_t first = text.find_first_not_of(" \t\r\n");
+  return first != std::string::npos && text.compare(first, 5, "solid") == 0;
+}
+
+std::string Lower(std::string_view word) {
+  std::string lower(word);
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return lower;
+}
+
+// No text, but a binary file that was cut off or has a wrong count.
+bool IsBrokenBinary(const std::string& text) {
+  return text.find('\0') != std::string::npos && Lower(text).find("facet") == std::string::npos;
+}
+
+bool IsBinary(const std::string& text) {
+  if (text.size() < kHeader + kCount) return false;
+  return text.size() == BinarySize(text) || !StartsAsText(text) || IsBrokenBinary(text);
+}
+
+void AddTriangle(Mesh& mesh) {
+  const auto n = static_cast<std::uint32_t>(mesh.points.size());
+  mesh.triangles.push_back({n - 3, n - 2, n - 1});
+}
+
+// A record: normal, three points, two bytes of anything.
+Mesh ReadBinary(const std::string& text, const std::string& file) {
+  const std::uint32_t count = Number32(text.data() + kHeader);
+  if (text.size() < BinarySize(text))
+    throw Failure(file, "the file ends before the last of its " + std::to_string(count) + " triangles");
+  Mesh mesh;
+  mesh.points.reserve(3 * static_cast<std::size_t>(count));
+  mesh.triangles.reserve(count);
+  for (std::size_t t = 0; t < count; ++t) {
+    const char* const record = text.data() + kHeader + kCount + t * kRecord;
+    for (std::size_t i = 0; i < 3; ++i) {
+      std::array<float, 3> p{};
+      for (std::size_t k = 0; k < 3; ++k) {
+        p[k] = std::bit_cast<float>(Number32(record + 12 + 12 * i + 4 * k));
+        if (!std::isfinite(p[k]))
+          throw Failure(file, "a coordinate of triangle " + std::to_string(t + 1) + " is not a finite number");
+      }
+      mesh.points.emplace_back(p[0], p[1], p[2]);
+    }
+    AddTriangle(mesh);
+  }
+  return mesh;
+}
+
+Mesh ReadText(const std::string& text, const std::string& file) {
+  static const std::array<const char*, 5> kOthers = {"solid", "facet", "outer", "endfacet", "endsolid"};
+  TextLines lines(text, file);
+  Mesh mesh;
+  std::size_t corners = 0;  // of the open triangle
+  while (lines.NextLine()) {
+    const std::string keyword = Lower(lines.Word());
+    if (keyword == "vertex") {
+      const double x = lines.Number(), y = lines.Number(), z = lines.Number();
+      mesh.points.emplace_back(x, y, z);
+      ++corners;
+    } else if (keyword == "endloop") {
+      if (corners != 3) lines.Fail("a triangle of " + std::to_string(corners) + " points");
+      AddTriangle(mesh);
+      corners = 0;
+    } else if (std::find(kOthers.begin(), kOthers.end(), keyword) == kOthers.end()) {
+      lines.Fail("unexpected " + Quoted(keyword));
+    }
+  }
+  if (corners != 0) lines.Fail("the file ends within a triangle");
+  return mesh;
+}
+
+}  // namespace
+
+Mesh ReadStl(const std::string& text, const std::string& file) {
+  return IsBinary(text) ? ReadBinary(text, file) : ReadText(text, file);
+}
+
+}  // namespace zbr::formats

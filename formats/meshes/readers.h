@@ -1,0 +1,20 @@
+// One reader for each format. All fail for malformed contents.
+#pragma once
+
+#include <zbr-formats/meshes.h>
+#include <zbr-formats/types.h>
+
+#include <string>
+
+namespace zbr::formats {
+
+// `text` is the whole file, `file` its name for messages.
+Mesh ReadObj(const std::string& text, const std::string& file);
+Mesh ReadOff(const std::string& text, const std::string& file);
+Mesh ReadPly(const std::string& text, const std::string& file);
+Mesh ReadStl(const std::string& text, const std::string& file);
+
+// `beside` gives the files that it refers to.
+Mesh ReadGltf(const std::string& text, const std::string& file, const FileSource& beside);
+
+}  // namespace zbr::formats

@@ -1,0 +1,156 @@
+// Sheets as JSON, for programs that go on with the lines.
+//
+// A tree of JSON values serves what is there once; the lines, of which there may be a million, are written directly, one a line.
+#include <zbr-drawing/numbers.h>
+#include <zbr-formats/sheets.h>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zbr::formats {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Coordinates of one view, rounded to a billionth of the model's size: what is beyond says nothing and takes room.
+class Coordinates {
+ public:
+  explicit Coordinates(const ViewLines& view) : middle_(view.middle.xy()) {
+    const double size = std::max(view.extent.Size(), view.extent.Magnitude());
+    if (size > 0) power_ = std::pow(10.0, 9 - std::floor(std::log10(size)));
+    if (!std::isnormal(power_)) power_ = 0.0;
+  }
+  void Append(std::string& text, const ZBR_PT& p) const {
+    text += '[';
+    AppendNumber(text, Rounded(p.x() + middle_.x()));
+    text += ',';
+    AppendNumber(text, Rounded(p.y() + middle_.y()));
+    text += ']';
+  }
+
+ private:
+  double Rounded(double value) const {
+    const double rounded = std::round(value * power_) / power_;
+    return std::isfinite(rounded) ? rounded : value;
+  }
+
+  ZBR_PT middle_;
+  double power_ = 1.0;
+};
+
+Json Vector(const ZBR_PT3& v) {
+  return {v.x() + 0.0, v.y() + 0.0, v.z() + 0.0};  // without the sign of a zero
+}
+
+const char* BoolText(bool value) {
+  return value ? "true" : "false";
+}
+
+void AppendPolyline(std::string& text, const Line& line, const Coordinates& coordinates) {
+  text += std::string("{\"class\":\"") + NameOf(line.edgeClass) + "\",\"visible\":" + BoolText(!line.hidden) +
+          ",\"closed\":" + BoolText(line.chain.closed) + ",\"shell\":" + std::to_string(line.shell) + ",\"edges\":[";
+  for (const EdgeRef& edge : line.chain.edges) {
+    if (&edge != &line.chain.edges.front()) text += ',';
+    text += '[' + std::to_string(edge.triangle) + ',' + std::to_string(edge.edge) + ']';
+  }
+  text += "],\"points\":[";
+  for (const ZBR_PT& p : line.chain.points) {
+    if (&p != &line.chain.points.front()) text += ',';
+    coordinates.Append(text, p);
+  }
+  text += "]}";
+}
+
+std::string TextOf(const Json& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// The object with one more member, a list, left open for its elements.
+std::string Opened(const Json& object, const char* name) {
+  std::string text = TextOf(object);
+  text.pop_back();
+  return text + ",\"" + name + "\":[";
+}
+
+void AppendRing(std::string& text, const ZBR_LOOP& ring, const Coordinates& coordinates) {
+  text += '[';
+  for (const ZBR_PT& p : ring.pt()) {
+    coordinates.Append(text, p);
+    text += ',';
+  }
+  coordinates.Append(text, ring.pt().front());  // rings repeat their first point
+  text += ']';
+}
+
+// A polygon is a list of rings, the outer one first.
+void AppendOutline(std::string& text, std::size_t object, const LoopList& loops, const Coordinates& coordinates) {
+  text += "{\"object\":" + std::to_string(object) + ",\"polygons\":[";
+  for (const auto& outer : loops) {
+    text += outer == loops.front() ? "[" : ",[";
+    AppendRing(text, *outer, coordinates);
+    for (const auto& hole : outer->children()) {
+      text += ',';
+      AppendRing(text, *hole, coordinates);
+    }
+    text += ']';
+  }
+  text += "]}";
+}
+
+std::string OutlinesText(const ViewLines& view, const Coordinates& coordinates) {
+  std::string text;
+  if (view.outlines.empty()) return text;
+  for (std::size_t k = 0; k < view.outlines.size(); ++k) {
+    text += k == 0 ? "\n],\"outlines\":[\n" : ",\n";
+    AppendOutline(text, k, view.outlines[k], coordinates);
+  }
+  return text;
+}
+
+// Points times scale plus origin give millimetres on paper.
+std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
+  const ViewLines& view = placed.lines;
+  const ZBR_PT origin = placed.origin - view.middle.xy() * sheet.perUnit;
+  const Json header = {{"name", view.name},
+                       {"right", Vector(view.view.right)},
+                       {"up", Vector(view.view.up)},
+                       {"to_viewer", Vector(view.view.toViewer)},
+                       {"origin", {origin.x(), origin.y()}}};
+  const Coordinates coordinates(view);
+  std::string text = Opened(header, "polylines");
+  for (const Line& line : view.lines) {
+    text += &line == &view.lines.front() ? "\n" : ",\n";
+    AppendPolyline(text, line, coordinates);
+  }
+  return text + OutlinesText(view, coordinates) + "\n]}";
+}
+
+const char* ProjectionName(Projection projection) {
+  if (projection == Projection::kNone) return "none";
+  return projection == Projection::kFirst ? "first" : "third";
+}
+
+}  // namespace
+
+std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells) {
+  Json header = {{"title", sheet.options.title},
+                 {"unit", sheet.options.unit},
+                 {"scale", sheet.scale},
+                 {"millimetres_per_unit", sheet.perUnit},
+                 {"paper", {sheet.paper.width, sheet.paper.height}},
+                 {"projection", ProjectionName(sheet.options.projection)},
+                 {"models", Json::array()},
+                 {"shells", shells}};
+  for (const ObjectSource& object : objects) {
+    header["models"].push_back({{"file", object.name}, {"first_triangle", object.firstTriangle}});
+    const ZBR_PT3& d = object.shift;
+    if (d.x() != 0 || d.y() != 0 || d.z() != 0) header["models"].back()["shift"] = Vector(d);
+  }
+  std::string text = Opened(header, "views");
+  for (const PlacedView& view : sheet.views) text += (&view == &sheet.views.front() ? "\n" : ",\n") + ViewText(sheet, view);
+  return text + "\n]}\n";
+}
+
+}  // namespace zbr::formats

@@ -1,0 +1,21 @@
+// Sheets in the format asked for.
+#include <zbr-formats/sheets.h>
+
+#include "formats/drawings/dxf_codec.h"
+
+namespace zbr::formats {
+
+std::optional<SheetFormat> SheetFormatByName(const std::string& name) {
+  if (name == "svg") return SheetFormat::kSvg;
+  if (name == "dxf") return SheetFormat::kDxf;
+  if (name == "json") return SheetFormat::kJson;
+  return std::nullopt;
+}
+
+std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells) {
+  if (format == SheetFormat::kDxf) return DxfCodecFor("DXF").writeSheet(sheet, objects);
+  if (format == SheetFormat::kJson) return WriteSheetJson(sheet, objects, shells);
+  return WriteSheetSvg(sheet, objects);
+}
+
+}  // namespace zbr::formats

@@ -1,0 +1,102 @@
+// Coordinates, paths and texts of SVG.
+#include "formats/pictures/svg_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "formats/text/utf8.h"
+
+namespace zbr::formats {
+namespace {
+
+constexpr double kMergeDistance = 0.05;  // pixels: far below what a screen or a printer shows
+
+void AppendPx(std::string& text, double value) {
+  std::array<char, 64> buffer;
+  const double hundredths = std::round(value * 100.0) / 100.0 + 0.0;
+  text.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), hundredths).ptr);
+}
+
+void AppendPoint(std::string& text, char command, const ZBR_PT& p) {
+  text += command;
+  AppendPx(text, p.x());
+  text += ' ';
+  AppendPx(text, p.y());
+}
+
+// Points too close to the one before are left out, but for one that would leave nothing to see.
+void AppendPoints(std::string& text, const std::vector<ZBR_PT>& points, const PageMap& map) {
+  ZBR_PT last = map(points.front());
+  AppendPoint(text, 'M', last);
+  bool any = false;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const ZBR_PT q = map(points[i]);
+    if (q.Distance(last) < kMergeDistance && (any || i + 1 < points.size())) continue;
+    AppendPoint(text, 'L', q);
+    last = q;
+    any = true;
+  }
+}
+
+}  // namespace
+
+PageMap::PageMap(const Extent& extent, double width, double height) : boxMiddle_(width / 2, height / 2) {
+  if (extent.empty()) return;
+  middle_.Set(extent.xmin / 2 + extent.xmax / 2, extent.ymin / 2 + extent.ymax / 2);
+  const double halfWidth = extent.xmax / 2 - extent.xmin / 2;
+  const double halfHeight = extent.ymax / 2 - extent.ymin / 2;
+  if (halfWidth > 0 || halfHeight > 0) scale_ = 1.0 / std::max(halfWidth / (width / 2), halfHeight / (height / 2));
+}
+
+ZBR_PT PageMap::operator()(const ZBR_PT& p) const {
+  return ZBR_PT(boxMiddle_.x() + (p.x() - middle_.x()) * scale_, boxMiddle_.y() - (p.y() - middle_.y()) * scale_);
+}
+
+std::string Escaped(const std::string& text) {
+  std::string escaped;
+  for (std::size_t i = 0; i < text.size();) {
+    const auto [code, length] = CharacterAt(text, i);
+    const char c = text[i];
+    if (code < 0x20) {
+      escaped += '?';
+    } else if (c == '&' || c == '<' || c == '>' || c == '"') {
+      escaped += c == '&' ? "&amp;" : (c == '<' ? "&lt;" : (c == '>' ? "&gt;" : "&quot;"));
+    } else {
+      escaped += text.substr(i, length);
+    }
+    i += length;
+  }
+  return escaped;
+}
+
+std::string Px(double value) {
+  std::string text;
+  AppendPx(text, value);
+  return text;
+}
+
+std::string PathData(const LoopList& loops, const PageMap& map) {
+  std::string text;
+  ForEachRing(loops, [&](const ZBR_LOOP& ring) {
+    if (ring.pt().empty()) return;
+    AppendPoints(text, ring.pt(), map);
+    text += "Z\n";
+  });
+  return text;
+}
+
+std::string PathData(const std::vector<ZBR_PT>& line, const PageMap& map) {
+  if (line.empty()) return "";
+  const bool isClosed = line.size() > 2 && line.front().x() == line.back().x() && line.front().y() == line.back().y();
+  std::string text;
+  AppendPoints(text, line, map);
+  return text + (isClosed ? "Z\n" : "\n");
+}
+
+std::string TextElement(double x, double y, const std::string& style, const std::string& text) {
+  return "<text x=\"" + Px(x) + "\" y=\"" + Px(y) + "\" " + style + ">" + Escaped(text) + "</text>\n";
+}
+
+}  // namespace zbr::formats

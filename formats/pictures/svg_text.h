@@ -1,0 +1,40 @@
+// Pieces of SVG text.
+#pragma once
+
+#include <zbr-drawing/region.h>
+#include <zbr-formats/types.h>
+#include <zbr/planar.h>
+
+#include <string>
+#include <vector>
+
+namespace zbr::formats {
+
+// Maps a drawing into a box that starts at the origin, y up becoming y down, centred and with equal scale on both axes.
+class PageMap {
+ public:
+  PageMap(const Extent& extent, double width, double height);
+  ZBR_PT operator()(const ZBR_PT& p) const;
+  double PixelsPerUnit() const { return scale_; }
+
+ private:
+  ZBR_PT middle_, boxMiddle_;
+  double scale_ = 1.0;
+};
+
+// Attributes and text content with the characters that mean something to XML replaced; bytes that are not valid UTF-8 become '?'.
+std::string Escaped(const std::string& text);
+
+// A coordinate of the page, to a hundredth of a pixel.
+std::string Px(double value);
+
+// Path data for all rings of nested loops.
+std::string PathData(const LoopList& loops, const PageMap& map);
+
+// Path data for an open line, or a closed one whose last point repeats the first.
+std::string PathData(const std::vector<ZBR_PT>& line, const PageMap& map);
+
+// <text>; style holds attributes.
+std::string TextElement(double x, double y, const std::string& style, const std::string& text);
+
+}  // namespace zbr::formats

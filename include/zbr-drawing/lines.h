@@ -1,0 +1,41 @@
+// The lines of a drawing: polylines in space, to be cut where a region in the plane begins and ends.
+#pragma once
+
+#include <zbr-drawing/contours.h>
+#include <zbr-drawing/drawing.h>
+#include <zbr/spatial.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zbr::drawing {
+
+struct SpaceLine {
+  std::vector<ZBR_PT3> points;  // of a closed one the last repeats the first
+  std::string_view layer;       // kept by the names of the drawing it was read from
+
+  bool IsClosed() const;
+  double Length() const;
+};
+
+// A named result in the coordinates of the drawing.
+struct LineLayer {
+  std::string name;
+  std::string side;  // of the region: "inside" or "outside"
+  std::vector<SpaceLine> lines;
+
+  double Length() const;
+};
+
+// Every contour of the drawing as a line of its own, open or closed, curves flattened. Fails, naming the line of the file, when a
+// coordinate is above 1e300. What has only one point is left out.
+std::vector<SpaceLine> MakeLines(const Drawing& drawing, const FlattenOptions& options);
+
+// Whether the drawing tells heights; else those of the lines are 0 and need not be written.
+bool HasHeights(const Drawing& drawing);
+
+Extent ExtentOf(const std::vector<SpaceLine>& lines);
+
+}  // namespace zbr::drawing

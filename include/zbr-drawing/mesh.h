@@ -1,0 +1,48 @@
+// Triangles and polygons in space, to be made a model of.
+//
+//   Mesh mesh;
+//   mesh.points = {{0, 0, 0}, {4, 0, 0}, {4, 3, 0}, {0, 3, 0}};
+//   AddPolygon(mesh, {0, 1, 2, 3});
+//   const Model model = MakeModel(mesh, 30.0);  // model.h
+//
+// Any unit of length. Nothing need be welded or oriented: MakeModel joins equal points and finds what hangs together.
+#pragma once
+
+#include <zbr/spatial.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace zbr::drawing {
+
+// Three edges of each triangle can be numbered with 32 bits.
+inline constexpr std::size_t kMostMeshPoints = 700'000'000;
+
+// Where the points and the triangles of one object of a mesh start.
+struct MeshObject {
+  std::uint32_t firstPoint = 0, firstTriangle = 0;
+};
+
+// Any number of triangles may share a point, and points may be repeated; nothing is promised about how the triangles connect.
+// Coordinates are finite and not above 1e75 in size.
+struct Mesh {
+  std::vector<ZBR_PT3> points;
+  std::vector<std::array<std::uint32_t, 3>> triangles;
+  bool yUp = false;                 // the format says that y points up; most say nothing, and z is taken
+  std::vector<MeshObject> objects;  // in increasing order, triangles use points of their own object only; none: all is one
+};
+
+// Whether a point is finite and small enough: products of four coordinates have to stay finite.
+bool IsMeshCoordinate(const ZBR_PT3& p);
+
+// Adds the polygon's triangles to the mesh; the corners are places of its points, counter-clockwise seen from outside. What is too
+// crooked to be taken apart, or without area, becomes a fan; fewer than three corners add nothing. Fails for a corner that is no
+// point of the mesh.
+void AddPolygon(Mesh& mesh, const std::vector<std::uint32_t>& corners);
+
+// Fails, saying which triangle or point it is, unless the mesh is as promised above. MakeModel asks for this.
+void CheckMesh(const Mesh& mesh);
+
+}  // namespace zbr::drawing

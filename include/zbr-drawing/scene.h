@@ -1,0 +1,59 @@
+// A model as seen in one view, in the form in which the library removes hidden lines: for programs that work with the library's own
+// records. Others take DrawViews (views.h).
+//
+//   Scene scene = MakeScene(model, *NamedView("front"));
+//   const ZBR_TmpEps tolerance(kSceneTolerance);
+//   ZBR_HiddenLine::HiddenLine_Shells(scene.shells.data(), scene.ShellCount());
+//   const ZBR_PT p = scene.ToDrawing(scene.triangles[0].intvl_v[0].front().s.pt.xy());
+//
+// One thread at a time for a scene; different scenes of one model have nothing to do with each other.
+#pragma once
+
+#include <zbr-drawing/model.h>
+#include <zbr-drawing/view.h>
+#include <zbr/hidden_line.h>
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace zbr::drawing {
+
+// Diagonal of the model's box in a scene. The removal compares with fixed lengths, which suit coordinates of this size.
+inline constexpr double kSceneDiagonal = 100.0;
+
+// Tolerance with which a scene is to be processed: set it (ZBR_TmpEps) around the removal. Triangles whose normals are that little
+// off the drawing plane are walls seen edge-on.
+inline constexpr double kSceneTolerance = 1e-5;
+
+// Triangles and classes are parallel to those of the model, shells to its shells. The shells refer to the triangles: a scene can be
+// moved, but not copied.
+struct Scene {
+  std::vector<ZBR_HL_TRI> triangles;
+  std::vector<ZBR_HL_SHELL> shells;
+  std::vector<std::array<EdgeClass, 3>> classes;  // silhouettes included; all but smooth edges are drawn
+  std::size_t drawable = 0;                       // edges to be drawn, each counted once
+
+  View view;
+  double scale = 1.0;  // scene units per model unit
+  ZBR_PT3 offset;      // of the scene's origin: the middle of the model's box, in the view's axes
+
+  Scene() = default;
+  Scene(const Scene&) = delete;
+  Scene(Scene&&) = default;
+  Scene& operator=(const Scene&) = delete;
+  Scene& operator=(Scene&&) = default;
+
+  unsigned ShellCount() const { return static_cast<unsigned>(shells.size()); }
+
+  // From the scene to the drawing in model units, whose origin is that of the model, and back.
+  ZBR_PT3 ToDrawing(const ZBR_PT3& p) const { return p * (1.0 / scale) + offset; }
+  ZBR_PT3 FromDrawing(const ZBR_PT3& p) const { return (p - offset) * scale; }
+  ZBR_PT ToDrawing(const ZBR_PT& p) const { return ZBR_PT(p.x() / scale + offset.x(), p.y() / scale + offset.y()); }
+};
+
+// The second form fills a scene of any earlier contents, whose storage it keeps. Linear.
+Scene MakeScene(const Model& model, const View& view);
+void MakeScene(const Model& model, const View& view, Scene& scene);
+
+}  // namespace zbr::drawing

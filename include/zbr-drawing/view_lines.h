@@ -1,0 +1,68 @@
+// The lines that a view of a model shows, as polylines that know the edges they are made of.
+//
+//   for (const Line& line : view.lines) {
+//     if (line.edgeClass == EdgeClass::kSilhouette && !line.hidden) Plot(line.chain.points);
+//     const EdgeRef first = line.chain.edges.front();  // place of a triangle in the mesh, and which of its edges
+//   }
+//
+// Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
+#pragma once
+
+#include <zbr-drawing/contacts.h>
+#include <zbr-drawing/drawing.h>
+#include <zbr-drawing/scene.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zbr::drawing {
+
+// An edge of the mesh: edge i of a triangle runs from its vertex i to its vertex (i + 1) % 3.
+struct EdgeRef {
+  std::uint32_t triangle = 0;  // place in the mesh as read
+  std::uint8_t edge = 0;
+
+  bool operator==(const EdgeRef& o) const { return triangle == o.triangle && edge == o.edge; }
+};
+
+struct Chain {
+  std::vector<ZBR_PT> points;  // of a closed one the last repeats the first
+  std::vector<EdgeRef> edges;  // in the order of the chain; next to each other none twice
+  bool closed = false;
+};
+
+struct Line {
+  EdgeClass edgeClass = EdgeClass::kBorder;
+  bool hidden = false;
+  std::uint32_t shell = 0;
+  Chain chain;
+};
+
+// In the unit of the model. The origin is the middle of the model's box: so the views of a sheet line up, and coordinates stay
+// precise wherever the model is.
+struct ViewLines {
+  std::string name;
+  View view;
+  ZBR_PT3 middle;                  // the origin, in the view's axes
+  Extent extent;                   // of the model
+  std::vector<Line> lines;         // visible ones first, then by class, then by shell
+  std::vector<LoopList> outlines;  // of the objects, as far as nearer ones leave them visible, where asked for
+  std::size_t drawable = 0;        // edges
+  std::uint64_t pairs = 0;         // of edges and triangles that the removal looked at closely
+
+  double VisibleLength() const;
+};
+
+// "silhouette"
+const char* NameOf(EdgeClass edgeClass);
+
+// The classes that are drawn.
+inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass::kBorder, EdgeClass::kCrease, EdgeClass::kJunction};
+
+// Chains the lines of a processed scene, for each class and shell by itself, and adds the box. The hidden ones are those that a
+// person would draw: none below a visible line.
+ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden);
+
+}  // namespace zbr::drawing

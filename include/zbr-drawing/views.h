@@ -1,0 +1,42 @@
+// Drawings of a model: visible and hidden lines of one or several views, with one call.
+//
+//   Mesh mesh;                                       // points and triangles
+//   const Model model = MakeModel(mesh, 30.0);       // edges show where the surface bends by more than 30 degrees
+//   const std::vector<ViewLines> views = DrawViews(model, {{"front", *NamedView("front")}}, {});
+//   for (const Line& line : views[0].lines) Plot(line.chain.points, line.hidden);
+//
+// Lengths are in the unit of the model. The result is the same to the bit whatever the number of threads. A model may be drawn from
+// several threads at once; it is only read.
+#pragma once
+
+#include <zbr-drawing/view_lines.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zbr::drawing {
+
+struct NamedDirection {
+  std::string name;
+  View view;
+};
+
+// What the work on a view is at; kDone comes last.
+enum class DrawStage { kScene, kRemoval, kLines, kOutlines, kDone };
+
+struct DrawingOptions {
+  bool hidden = true;     // hidden lines, too
+  bool outlines = false;  // what nearer objects leave visible of each object, in ViewLines::outlines
+  unsigned threads = 1;   // views are worked on at once, and the shells of each with the threads left over
+
+  // Told when a stage of a view begins, by its place in the list; from any of the threads, views in any order. What it throws ends
+  // the work and comes out of DrawViews.
+  std::function<void(std::size_t view, DrawStage stage)> progress;
+};
+
+// The views in their order. A model without triangles gives views without lines.
+std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options);
+
+}  // namespace zbr::drawing
