@@ -80,11 +80,10 @@ std::optional<std::vector<ZBR_REGION>> Walk(const RegionInput& input, const ZBR_
   return results;
 }
 
-// Whether the walk may be tried: it knows the even-odd rule only, and no sources. Its results' loops of a symmetric difference can
-// share points, so these are left to the arrangement. A tolerance that the caller gives is meant.
-bool IsWalkable(const ZBR_REGION_OPTIONS& options, const ZBR_BOOLEAN_OPE* ops, int count) {
+// Whether the walk may be tried: it knows the even-odd rule only, and no sources. A tolerance that the caller gives is meant.
+bool IsWalkable(const ZBR_REGION_OPTIONS& options) {
   return options.fill_a == ZBR_FILL_EVEN_ODD && options.fill_b == ZBR_FILL_EVEN_ODD && !options.sources &&
-         !(options.tolerance > 0.0) && std::none_of(ops, ops + count, [](ZBR_BOOLEAN_OPE op) { return op == ZBR_BOOL_XOR; });
+         !(options.tolerance > 0.0);
 }
 
 void Arrange(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* results, int count,
@@ -113,7 +112,7 @@ ZBR_REGION_STATUS zbrCombineRegions(const ZBR_REGION_VIEW& a, const ZBR_REGION_V
   zbr::RegionInput input;
   zbr::RegionProgress progress(options, status);
   bool isDone = !input.Add(a, status) || !input.Add(b, status) || !progress.GoesOn(0.0);
-  if (!isDone && zbr::IsWalkable(options, ops, count)) {
+  if (!isDone && zbr::IsWalkable(options)) {
     if (std::optional<std::vector<ZBR_REGION>> walked = zbr::Walk(input, ops, count)) {
       for (int k = 0; k < count; ++k) {
         results[k] = std::move((*walked)[static_cast<std::size_t>(k)]);

@@ -5,6 +5,7 @@
 // in a hole moves to the top, its holes stay with it.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include <zbr/loop.h>
 
@@ -105,21 +106,34 @@ LoopList OuterLoopsWithHoles(LoopList& loops, const Forest& forest) {
 }  // namespace
 
 void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
+  constexpr int kUnseen = -1;
   const double eps = zbr::t_tolerance.eps;
   bool allDegenerate = true;
   for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
     loop->Setup();
-    loop->level() = 0;
+    loop->level() = kUnseen;
     allDegenerate &= IsDegenerate(*loop, eps);
   }
-  if (!allDegenerate) {
-    for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
-      if (!IsDegenerate(*loop, eps)) loop->children().clear();
-    }
-    std::erase_if(loops, [eps](const std::shared_ptr<ZBR_LOOP>& loop) { return IsDegenerate(*loop, eps); });
+  // A loop that is in the list twice would become its own child; it stays once.
+  const auto isLeftOut = [&](const std::shared_ptr<ZBR_LOOP>& loop) {
+    if (allDegenerate) return false;
+    return IsDegenerate(*loop, eps) || std::exchange(loop->level(), 0) != kUnseen;
+  };
+  std::erase_if(loops, isLeftOut);
+  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
+    loop->level() = 0;
+    if (!allDegenerate) loop->children().clear();
   }
   SortBySize(loops);
   if (allDegenerate) return;
   loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
   ZBR_CHECK(zbr::NestingFault(loops, eps));
+}
+
+void zbrFlattenLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    const LoopList children = std::exchange(loops[i]->children(), {});
+    loops[i]->level() = 0;
+    loops.insert(loops.end(), children.begin(), children.end());
+  }
 }

@@ -142,11 +142,17 @@ ZBR_API ZBR_LOOP_REL zbrCheckInclude(const std::shared_ptr<ZBR_LOOP>& a, const s
 // children are holes (clockwise, level 1). An island in a hole becomes an outer loop of its own behind them. Loops whose area is
 // within eps (compared with the length tolerance itself; intended) or not finite are removed. If that holds for all of them,
 // none is removed: the list is only sorted and its levels set to 0, recognisable by the area of its first loop.
-// Children that the loops had before are dropped. Of two coincident loops the later becomes a hole of the earlier.
-// Points stay as they are, except that a loop may be reversed. Every loop must be in the list once; none may be null.
+// CHILDREN THAT THE LOOPS HAD BEFORE ARE DROPPED: a region that is nested already loses its holes; call zbrFlattenLoops first.
+// Of two coincident loops the later becomes a hole of the earlier. Points stay as they are, except that a loop may be reversed. A
+// loop that is in the list more than once stays once; none may be null. Loops of extents beyond about 1e154, where areas overflow,
+// count as not finite.
 // Cost: n log n in loops and points. Only loops nested thousands deep that also touch each other, or whose coordinates exceed about
 // 1e13 eps, cost the depth per loop.
 ZBR_API void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
+
+// Makes one list of loops and their children at every depth, parents first, without children of their own; levels are set to 0.
+// What zbrMakeLoopTree takes, from a region or several of them put together.
+ZBR_API void zbrFlattenLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& loops);
 
 // Locates many points relative to one loop, or to a region, in logarithmic time each, and some for each ring around the point; in
 // linear time where eps is not well above the rounding errors of the coordinates (about 4e-15 of their size).

@@ -61,7 +61,7 @@ TEST(HiddenTruth, BodiesFaceToFaceInRoundedCoordinates) {
                                     : Moved(example::Cylinder(8 + Below(random, 24), 0.7, 1.5), at + ZBR_PT3(0.8, 0.8, 0)));
       }
       const ZBR_PT3 away(-Unit(random), -0.2 - Unit(random), -0.7 - Unit(random));
-      Drawing drawing = Draw(bodies, tool::LookAlong(away, {0.1, 0.2, 1}));
+      Drawing drawing = Draw(bodies, zbr::drawing::LookAlong(away, {0.1, 0.2, 1}));
       const auto round = [&c](double v) { return static_cast<double>(static_cast<float>(v * 0.625 + c.offset)); };
       for (auto& body : drawing.bodies) {
         for (ZBR_HL_TRI& t : body) {
