@@ -5,6 +5,7 @@
 // where they are. So results are valid polygons in either case.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include <zbr/region.h>
@@ -18,14 +19,27 @@ namespace zbr {
 namespace {
 
 // A frame in which the extent is 2^12 to 2^13 and far coordinates become near: scaling by a power of two and the shift of an axis
-// by a value close to all its coordinates are exact, so that points come back to the bit.
+// by a value close to all its coordinates are exact, so that points come back to the bit. Far from the origin crossings are rounded
+// to the digits of the coordinates there; then the frame is smaller, so that the walk's tolerance is above that.
 class Frame {
  public:
   explicit Frame(const Box& box) {
     constexpr int kExponent = 12;
+    constexpr int kDigitsAboveRounding = 3;  // binary
     const double side = std::max(box.xmax - box.xmin, box.ymax - box.ymin);
-    if (side > 0.0) exponent_ = kExponent - std::ilogb(side);
+    const double reach = std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
+    if (!(side > 0.0)) return;
+    const int finest =
+        std::ilogb(kBooleanEps) - kDigitsAboveRounding - (std::ilogb(reach) - std::numeric_limits<double>::digits + 1);
+    exponent_ = std::min(kExponent - std::ilogb(side), finest);
+    sideExponent_ = std::ilogb(side) + exponent_;
     shift_ = ZBR_PT(ShiftFor(box.xmin, box.xmax), ShiftFor(box.ymin, box.ymax));
+  }
+
+  // Whether the extent is large enough for the margins with which the walk searches.
+  bool IsUsable() const {
+    constexpr int kLeast = 2;
+    return sideExponent_ >= kLeast;
   }
 
   ZBR_PT In(const ZBR_PT& p) const {
@@ -44,6 +58,7 @@ class Frame {
   }
 
   int exponent_ = 0;
+  int sideExponent_ = 0;
   ZBR_PT shift_;
 };
 
@@ -63,6 +78,7 @@ LoopList LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
 // The results by walking, or nothing when they are not certain.
 std::optional<std::vector<ZBR_REGION>> Walk(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, int count) {
   const Frame frame(input.bounds());
+  if (!frame.IsUsable()) return std::nullopt;
   const ToleranceScope tolerance(kBooleanEps);
   const LoopList a = LoopsIn(input.operand(0), frame);
   const LoopList b = LoopsIn(input.operand(1), frame);
