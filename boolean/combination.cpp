@@ -2,6 +2,9 @@
 // Where one of these steps can't be certain, the operands go through the exact arrangement instead.
 #include "boolean/combination.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace zbr {
 
 namespace {
@@ -29,15 +32,24 @@ void Combination::FindCrossings(Certainty wanted) {
   SearchReport report;
   SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, wanted, &report);
   const Touching touching{report.simplicity[0] != Simplicity::kSimple, report.simplicity[1] != Simplicity::kSimple};
+  const std::size_t found = crosses_.size();
   const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_, touching);
   isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] != Simplicity::kUnclear &&
                report.simplicity[1] != Simplicity::kUnclear;
-  if (wanted == Certainty::kGeneralPosition && (touching.a || touching.b)) isCertain_ = false;
+  if (wanted == Certainty::kGeneralPosition && (touching.a || touching.b || crosses_.size() != found || HasTies()))
+    isCertain_ = false;
   for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);
   // Where an uncrossed ring lies, samples tell, which must be right about what is on its boundary.
   for (const PolygonPair& p : report.contacts) {
     if (report.isCoarse && !(a.touched[p.a] && b.touched[p.b])) isCertain_ = false;
   }
+}
+
+// Whether crossings lie in one place of a ring.
+bool Combination::HasTies() const {
+  return std::any_of(std::begin(sorted_.side), std::end(sorted_.side), [](const std::vector<PlacedCrossing>& list) {
+    return std::adjacent_find(list.begin(), list.end(), AreTied) != list.end();
+  });
 }
 
 LoopList Combination::Combine(ZBR_BOOLEAN_OPE op) {

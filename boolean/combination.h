@@ -66,6 +66,7 @@ class Combination {
   };
 
   void NoteCrossedPolygons(int side);
+  bool HasTies() const;
   void PrepareTracing();
   bool Trace(Directions directions, LoopList& result);
   LoopList CombineExactly(ZBR_BOOLEAN_OPE op);

@@ -5,6 +5,7 @@
 // where they are. So results are valid polygons in either case.
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 
@@ -33,21 +34,20 @@ class Frame {
         std::ilogb(kBooleanEps) - kDigitsAboveRounding - (std::ilogb(reach) - std::numeric_limits<double>::digits + 1);
     exponent_ = std::min(kExponent - std::ilogb(side), finest);
     sideExponent_ = std::ilogb(side) + exponent_;
+    in_ = std::ldexp(1.0, exponent_);
+    out_ = std::ldexp(1.0, -exponent_);
     shift_ = ZBR_PT(ShiftFor(box.xmin, box.xmax), ShiftFor(box.ymin, box.ymax));
   }
 
   // Whether the extent is large enough for the margins with which the walk searches.
   bool IsUsable() const {
     constexpr int kLeast = 2;
-    return sideExponent_ >= kLeast;
+    constexpr int kMost = 1000;  // powers of two beyond are no ordinary numbers
+    return sideExponent_ >= kLeast && std::abs(exponent_) <= kMost;
   }
 
-  ZBR_PT In(const ZBR_PT& p) const {
-    return ZBR_PT(std::ldexp(p.x() - shift_.x(), exponent_), std::ldexp(p.y() - shift_.y(), exponent_));
-  }
-  ZBR_PT Out(const ZBR_PT& p) const {
-    return ZBR_PT(std::ldexp(p.x(), -exponent_) + shift_.x(), std::ldexp(p.y(), -exponent_) + shift_.y());
-  }
+  ZBR_PT In(const ZBR_PT& p) const { return (p - shift_) * in_; }
+  ZBR_PT Out(const ZBR_PT& p) const { return p * out_ + shift_; }
 
  private:
   // Differences to a value are exact when no coordinate is more than twice or less than half of it (Sterbenz 1974).
@@ -59,6 +59,8 @@ class Frame {
 
   int exponent_ = 0;
   int sideExponent_ = 0;
+  double in_ = 1.0;
+  double out_ = 1.0;
   ZBR_PT shift_;
 };
 
