@@ -21,7 +21,7 @@
 #include <utility>
 
 #include "arrangement/check.h"
-#include "arrangement/leaning_frame.h"
+#include "arrangement/edge_cutter.h"
 #include "core/assert.h"
 #include "core/box_tree.h"
 #include "core/cost.h"
@@ -32,16 +32,6 @@ namespace {
 
 // The same for an edge that may pass the vertex's cell: a little more than half a diagonal.
 constexpr double kCellReach = 0.75;
-// Up to here the reach is that of a grid far coarser than doubles.
-constexpr double kCoarseReach = 1.5;
-
-// An edge while it is cut. Lines cut from the same edge stand together, in its order.
-struct Line {
-  std::uint32_t from;
-  std::uint32_t to;
-  Winding net;           // from `from` to `to`
-  std::uint32_t origin;  // the line that it was cut from in the first place
-};
 
 // A line or its place, to be sorted by both ends.
 struct Keyed {
@@ -76,74 +66,32 @@ Winding NetOf(std::span<const Keyed> group) {
 
 }  // namespace
 
-// The work of building an arrangement.
-class EdgeCutter {
- public:
-  EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges, const Box& box, const Resolution& resolution,
-             std::size_t secondOperand)
-      : out_(out),
-        vertices_(box, resolution, edges.size() / 2 + 16),
-        reach_(resolution.reach / resolution.step),
-        isFine_(resolution.reach > kCoarseReach * resolution.step) {
-    out_.step_ = vertices_.step();
-    MakeLines(edges, secondOperand);
-    SortLines();
-    origins_ = lines_;
-    out_.lineBegin_.resize(lines_.size() + 1);
-    for (std::uint32_t i = 0; i <= lines_.size(); ++i) out_.lineBegin_[i] = i;
-  }
-
-  void Run() {
-    const bool anyBent = CutLines(0, reach_, [this](const Line& line, std::uint32_t v) { return IsWithinReach(line, v); });
+void EdgeCutter::Run(Arrangement::Care care) {
+  if (care == Arrangement::Care::kQuick) {
+    QuickCut();
+  } else {
+    const bool anyBent = CutLines(0, reach_, [this](const CutLine& line, std::uint32_t v) { return IsWithinReach(line, v); });
     const std::uint32_t firstCrossing = vertices_.size();
     AddCrossings();
     // Lines that were not led through vertices above pass none of those, so only the crossings are left to be passed.
-    CutLines(anyBent ? 0 : firstCrossing, kCellReach, [this](const Line& line, std::uint32_t v) { return PassesCell(line, v); });
-    NumberVertices();
-    MergeLines();
+    CutLines(anyBent ? 0 : firstCrossing, kCellReach, [this](const CutLine& line, std::uint32_t v) { return PassesCell(line, v); });
   }
-
- private:
-  GridPoint Node(std::uint32_t vertex) const { return vertices_.node(vertex); }
-
-  // A line between the two vertices, in the order of a sweep.
-  Line LineBetween(std::uint32_t from, std::uint32_t to, const Winding& net, std::uint32_t origin) const {
-    return IsBefore(Node(from), Node(to)) ? Line{from, to, net, origin} : Line{to, from, -net, origin};
-  }
-
-  void MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand);
-  void SortLines();
-  bool IsWithinReach(const Line& line, std::uint32_t v) const;
-  bool PassesCell(const Line& line, std::uint32_t v) const;
-  BoxTree TreeOverLines(double margin) const;
-  template <class IsHit>
-  bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
-  void CutLine(const Line& line, std::vector<std::uint32_t>& hits, std::vector<Line>& next) const;
-  void AddCrossings();
-  void Cross(const Line& a, const Line& b);
-  ZBR_PT TrueCrossing(const Line& a, const Line& b, const ZBR_PT& place) const;
-  void NumberVertices();
-  void MergeLines();
-
-  Arrangement& out_;
-  VertexSet vertices_;
-  double reach_;  // in steps
-  bool isFine_;   // so that every node is itself a point to stand for
-  LeaningFrame frame_;
-  std::vector<Line> lines_;
-  std::vector<Line> origins_;
-  std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
-};
+  NumberVertices();
+  MergeLines();
+}
 
 void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand) {
   out_.lineOfEdge_.assign(edges.size(), Arrangement::kNoPiece);
   std::vector<Keyed> keyed;
   keyed.reserve(edges.size());
+  std::uint32_t to = 0;
   for (std::uint32_t i = 0; i < edges.size(); ++i) {
-    const std::uint32_t from = vertices_.At(edges[i].from);
-    const std::uint32_t to = vertices_.At(edges[i].to);
+    // Mostly an edge starts where the one before ends.
+    const bool goesOn = i > 0 && edges[i].from.x() == edges[i - 1].to.x() && edges[i].from.y() == edges[i - 1].to.y();
+    const std::uint32_t from = goesOn ? to : vertices_.At(edges[i].from);
+    to = vertices_.At(edges[i].to);
     if (from == to) continue;
-    const Line line = LineBetween(from, to, i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
+    const CutLine line = LineBetween(from, to, i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
     keyed.push_back({std::uint64_t{line.from} << 32U | line.to, i, line.net});
   }
   ForEachGroup(keyed, [this](std::span<const Keyed> group) {
@@ -162,13 +110,13 @@ void EdgeCutter::SortLines() {
   std::vector<ZBR_PT> directions;
   centres.reserve(lines_.size());
   directions.reserve(lines_.size());
-  for (const Line& line : lines_) {
+  for (const CutLine& line : lines_) {
     directions.push_back(Node(line.to).Point() - Node(line.from).Point());
     centres.push_back((Node(line.from).Point() + Node(line.to).Point()) / 2.0);
   }
   frame_ = LeaningFrame(directions);
   const std::vector<std::uint32_t> order = SpatialOrder(centres);
-  std::vector<Line> sorted(lines_.size());
+  std::vector<CutLine> sorted(lines_.size());
   std::vector<std::uint32_t> place(lines_.size());
   for (std::uint32_t i = 0; i < order.size(); ++i) {
     sorted[i] = lines_[order[i]];
@@ -181,7 +129,7 @@ void EdgeCutter::SortLines() {
   }
 }
 
-bool EdgeCutter::IsWithinReach(const Line& line, std::uint32_t v) const {
+bool EdgeCutter::IsWithinReach(const CutLine& line, std::uint32_t v) const {
   const GridPoint p = Node(line.from);
   const GridPoint q = Node(line.to);
   const double along = Along(p, q, Node(v));
@@ -193,7 +141,7 @@ bool EdgeCutter::IsWithinReach(const Line& line, std::uint32_t v) const {
 // Whether the line meets the cell of the vertex: the square of one step around its node, with its lower and left sides, but without
 // the others. Seen along x, along y and along the line the two must overlap. If the line only touches the cell, it does so in a
 // corner, or along a side, and these belong to the cell or not.
-bool EdgeCutter::PassesCell(const Line& line, std::uint32_t v) const {
+bool EdgeCutter::PassesCell(const CutLine& line, std::uint32_t v) const {
   const GridPoint p = Node(line.from);
   const GridPoint q = Node(line.to);
   const GridPoint c = Node(v);
@@ -234,7 +182,7 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
   for (std::size_t i = 0; i < order.size(); ++i) leaves[i / kGroup].Add(places[order[i]]);
   groups.BuildInner();
 
-  std::vector<Line> next;
+  std::vector<CutLine> next;
   next.reserve(lines_.size() + places.size());
   std::vector<std::uint32_t> begin;
   begin.reserve(lines_.size() + 1);
@@ -247,7 +195,7 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
   std::vector<std::uint32_t> hits;
   bool any = false;
   BoxJoin::Run(TreeOverLines(margin), groups, [&](std::uint32_t i, std::span<const std::uint32_t> near) {
-    const Line& line = lines_[i];
+    const CutLine& line = lines_[i];
     hits.clear();
     for (const std::uint32_t group : near) {
       const std::size_t end = std::min<std::size_t>(order.size(), (group + 1) * std::size_t{kGroup});
@@ -261,7 +209,7 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
     any = true;
     keepUpTo(i);
     begin.push_back(static_cast<std::uint32_t>(next.size()));
-    CutLine(line, hits, next);
+    AppendParts(line, hits, next);
     return true;
   });
   if (!any) return false;
@@ -273,7 +221,7 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
 }
 
 // Appends the parts of the line between the vertices.
-void EdgeCutter::CutLine(const Line& line, std::vector<std::uint32_t>& hits, std::vector<Line>& next) const {
+void EdgeCutter::AppendParts(const CutLine& line, std::vector<std::uint32_t>& hits, std::vector<CutLine>& next) const {
   if (hits.size() > 1) {
     std::sort(hits.begin(), hits.end(), [&](std::uint32_t u, std::uint32_t v) {
       const int ahead = AheadSign(Node(line.from), Node(line.to), Node(u), Node(v));
@@ -318,28 +266,28 @@ double RoundedPlace(double p, double d, const Int128& share, const Int128& whole
 
 }  // namespace
 
-// Ends that lie on the other line are vertices already, so only proper crossings count.
-void EdgeCutter::Cross(const Line& a, const Line& b) {
+// The vertex of the crossing, or kNoVertex. Ends that lie on the other line are vertices already, so only proper crossings count.
+std::uint32_t EdgeCutter::Cross(const CutLine& a, const CutLine& b) {
   ZBR_COUNT(pairs, 1);
   const GridPoint p = Node(a.from);
   const GridPoint q = Node(a.to);
   const GridPoint r = Node(b.from);
   const GridPoint s = Node(b.to);
-  if (SideSign(p, q, r) * SideSign(p, q, s) >= 0) return;
-  if (SideSign(r, s, p) * SideSign(r, s, q) >= 0) return;
+  if (SideSign(p, q, r) * SideSign(p, q, s) >= 0) return kNoVertex;
+  if (SideSign(r, s, p) * SideSign(r, s, q) >= 0) return kNoVertex;
   const Int128 share = ExactSide(r, s, p).Abs();
   const Int128 whole = share + ExactSide(r, s, q).Abs();
   const double t = share.ToDouble() / whole.ToDouble();
   const GridPoint node = {RoundedPlace(p.x, q.x - p.x, share, whole, t), RoundedPlace(p.y, q.y - p.y, share, whole, t)};
   const ZBR_PT place = p.Point() + (q.Point() - p.Point()) * t;
-  vertices_.OnNode(node, isFine_ ? vertices_.FromGrid(node.Point()) : TrueCrossing(a, b, place));
+  return vertices_.OnNode(node, isFine_ ? vertices_.FromGrid(node.Point()) : TrueCrossing(a, b, place));
 }
 
 // The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.
-ZBR_PT EdgeCutter::TrueCrossing(const Line& a, const Line& b, const ZBR_PT& place) const {
+ZBR_PT EdgeCutter::TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT& place) const {
   constexpr double kNear = 2.0;  // steps
-  const Line& first = origins_[std::min(a.origin, b.origin)];
-  const Line& second = origins_[std::max(a.origin, b.origin)];
+  const CutLine& first = origins_[std::min(a.origin, b.origin)];
+  const CutLine& second = origins_[std::max(a.origin, b.origin)];
   const ZBR_PT& p = vertices_.point(first.from);
   const ZBR_PT& r = vertices_.point(second.from);
   const ZBR_PT d = vertices_.point(first.to) - p;
@@ -399,13 +347,11 @@ void EdgeCutter::MergeLines() {
   });
 }
 
-Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand) {
-  if (edges.empty()) return;
-  EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run();
-  ZBR_CHECK(ArrangementFault(*this));
+Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand, Care care) {
+  if (!edges.empty()) EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run(care);
 }
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges)
-    : Arrangement(edges, Resolution::Coarse(BoxOf(edges)), edges.size()) {}
+    : Arrangement(edges, Resolution::Coarse(BoxOf(edges)), edges.size(), Care::kThorough) {}
 
 }  // namespace zbr

@@ -48,8 +48,14 @@ class Arrangement {
   using Piece = ArrangedPiece;
   static constexpr std::uint32_t kNoPiece = ~std::uint32_t{0};
 
+  // How it is made sure that no piece passes a vertex on which two others cross.
+  enum class Care {
+    kThorough,  // by searching
+    kQuick      // not at all: where three edges cross in almost one place the pieces may cross still, which a sweep notices
+  };
+
   // Edges must have finite ends; those from `secondOperand` on count for the second operand.
-  Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand);
+  Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand, Care care);
   // Of one operand, on the coarse grid.
   explicit Arrangement(std::span<const DirectedEdge> edges);
 

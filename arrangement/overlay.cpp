@@ -76,8 +76,13 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
     : tolerance_(tolerance),
       width_(width),
       edges_(EdgesOf(rings)),
-      arrangement_(edges_, Resolution::Fine(BoxOf(rings), tolerance), CountPoints(rings.first(secondOperand))),
-      swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces())) {
+      resolution_(Resolution::Fine(BoxOf(rings), tolerance)),
+      arrangement_(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kQuick),
+      swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kQuick)) {
+  if (!swept_.isPlanar) {
+    arrangement_ = Arrangement(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kThorough);
+    swept_ = SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kThorough);
+  }
   CollectSources(edges_.size());
 }
 

@@ -51,6 +51,7 @@ class Overlay {
   double tolerance_;
   double width_;
   std::vector<DirectedEdge> edges_;
+  Resolution resolution_;
   Arrangement arrangement_;
   SweptPieces swept_;
   std::vector<std::uint32_t> sourceBegin_;  // by piece

@@ -19,6 +19,33 @@ std::uint32_t* SweepStatus::Find(std::uint32_t piece) {
   return std::find(chunk.items, chunk.items + chunk.count, piece);
 }
 
+const std::uint32_t* SweepStatus::Find(std::uint32_t piece) const {
+  const Chunk& chunk = chunks_[chunkOf_[piece]];
+  return std::find(chunk.items, chunk.items + chunk.count, piece);
+}
+
+std::uint32_t SweepStatus::Below(std::uint32_t piece) const {
+  const Chunk& chunk = chunks_[chunkOf_[piece]];
+  const std::uint32_t* const place = Find(piece);
+  if (place != chunk.items) return place[-1];
+  return chunk.below == kNone ? kNone : chunks_[chunk.below].items[chunks_[chunk.below].count - 1];
+}
+
+std::uint32_t SweepStatus::Above(std::uint32_t piece) const {
+  if (piece == kNone) return lowest_ == kNone ? kNone : chunks_[lowest_].items[0];
+  const Chunk& chunk = chunks_[chunkOf_[piece]];
+  const std::uint32_t* const next = Find(piece) + 1;
+  if (next != chunk.items + chunk.count) return *next;
+  return chunk.above == kNone ? kNone : chunks_[chunk.above].items[0];
+}
+
+// Makes two chunks neighbours; kNone stands for the end of the list.
+void SweepStatus::Join(std::uint32_t lower, std::uint32_t upper) {
+  if (lower != kNone) chunks_[lower].above = upper;
+  if (upper != kNone) chunks_[upper].below = lower;
+  if (lower == kNone) lowest_ = upper;
+}
+
 std::size_t SweepStatus::PlaceOf(std::uint32_t chunk) const {
   return static_cast<std::size_t>(std::find(order_.begin(), order_.end(), chunk) - order_.begin());
 }
@@ -32,7 +59,11 @@ std::uint32_t SweepStatus::NewChunk(std::size_t place) {
     free_.pop_back();
     chunks_[chunk].count = 0;
   }
+  const std::uint32_t lower = place > 0 ? order_[place - 1] : kNone;
+  const std::uint32_t upper = place < order_.size() ? order_[place] : kNone;
   order_.insert(order_.begin() + static_cast<std::ptrdiff_t>(place), chunk);
+  Join(lower, chunk);
+  Join(chunk, upper);
   return chunk;
 }
 
@@ -75,6 +106,7 @@ void SweepStatus::Erase(std::uint32_t piece) {
   std::copy(place + 1, at.items + at.count, place);
   if (--at.count > 0) return;
   order_.erase(order_.begin() + static_cast<std::ptrdiff_t>(PlaceOf(chunk)));
+  Join(at.below, at.above);
   free_.push_back(chunk);
 }
 

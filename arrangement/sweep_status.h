@@ -21,15 +21,20 @@ class SweepStatus {
 
   // The highest piece below a point that lies on none, or kNone.
   std::uint32_t HighestBelow(GridPoint p) const;
+  // The neighbours of a piece, or kNone.
+  std::uint32_t Below(std::uint32_t piece) const;
+  std::uint32_t Above(std::uint32_t piece) const;              // kNone: the lowest of all
   void InsertAbove(std::uint32_t lower, std::uint32_t piece);  // kNone: lowest of all
   void Replace(std::uint32_t old, std::uint32_t piece);
   void Erase(std::uint32_t piece);
 
  private:
-  static constexpr std::uint32_t kCapacity = 31;
+  static constexpr std::uint32_t kCapacity = 29;
 
   struct Chunk {
     std::uint32_t count = 0;
+    std::uint32_t below = kNone;  // the chunks next to it
+    std::uint32_t above = kNone;
     std::uint32_t items[kCapacity];
   };
 
@@ -37,7 +42,9 @@ class SweepStatus {
     return SideSign(nodes_[pieces_[piece].from], nodes_[pieces_[piece].to], p) > 0;
   }
   std::uint32_t* Find(std::uint32_t piece);
+  const std::uint32_t* Find(std::uint32_t piece) const;
   std::uint32_t NewChunk(std::size_t place);
+  void Join(std::uint32_t lower, std::uint32_t upper);
   void Split(std::uint32_t chunk);
   std::size_t PlaceOf(std::uint32_t chunk) const;
 
@@ -47,6 +54,7 @@ class SweepStatus {
   std::vector<Chunk> chunks_;
   std::vector<std::uint32_t> order_;  // chunks from the lowest to the highest
   std::vector<std::uint32_t> free_;
+  std::uint32_t lowest_ = kNone;  // chunk
 };
 
 }  // namespace zbr

@@ -1,7 +1,8 @@
 // Idea: sweep a vertical line over the plane from left to right. It meets pieces, kept from the lowest to the highest, and between
 // them the winding number is constant: 0 below all, and across each piece it grows by the piece's net count (Bentley and Ottmann's
 // sweep, 1979, without their crossings: there are none). At a vertex the pieces that end there make room for those that begin
-// there; what lies below the former lies below the latter. Only where none ends, the place is searched for.
+// there; what lies below the former lies below the latter. Only where none ends, the place is searched for. Pieces that become
+// neighbours are held against each other: the first two that cross or overlap are neighbours before they do (Shamos and Hoey 1976).
 #include "arrangement/winding_sweep.h"
 
 #include <algorithm>
@@ -15,8 +16,8 @@ namespace {
 
 class WindingSweep {
  public:
-  WindingSweep(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces)
-      : pieces_(pieces), nodes_(nodes), status_(nodes, pieces) {
+  WindingSweep(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care)
+      : pieces_(pieces), nodes_(nodes), looks_(care == Arrangement::Care::kQuick), status_(nodes, pieces) {
     swept_.below.resize(pieces.size());
     swept_.under.resize(pieces.size());
     ending_.reserve(pieces.size());
@@ -28,7 +29,7 @@ class WindingSweep {
   SweptPieces Run() {
     std::uint32_t begin = 0;
     std::size_t end = 0;
-    while (end < ending_.size()) {
+    while (end < ending_.size() && swept_.isPlanar) {
       std::uint32_t v = ending_[end].vertex;
       if (begin < pieces_.size()) v = std::min(v, pieces_[begin].from);
       beginningHere_.clear();
@@ -54,6 +55,7 @@ class WindingSweep {
     if (beginningHere_.size() > 1) {
       std::sort(beginningHere_.begin(), beginningHere_.end(),
                 [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, To(a), To(b)) > 0; });
+      for (std::size_t i = 1; i < beginningHere_.size(); ++i) Compare(beginningHere_[i - 1], beginningHere_[i]);
     }
     if (endingHere_.size() > 1) {
       std::sort(endingHere_.begin(), endingHere_.end(),
@@ -61,8 +63,39 @@ class WindingSweep {
     }
   }
 
+  // Notes when two pieces of the status, the first below the second, cross or touch where they share no vertex.
+  void Compare(std::uint32_t lower, std::uint32_t upper) {
+    if (!looks_ || lower == SweepStatus::kNone || upper == SweepStatus::kNone) return;
+    const ArrangedPiece& l = pieces_[lower];
+    const ArrangedPiece& u = pieces_[upper];
+    bool isFine = true;
+    if (l.from != u.from) {
+      isFine =
+          l.from < u.from ? SideSign(From(lower), To(lower), From(upper)) > 0 : SideSign(From(upper), To(upper), From(lower)) < 0;
+    }
+    if (l.to != u.to) {
+      isFine = isFine &&
+               (l.to < u.to ? SideSign(From(upper), To(upper), To(lower)) < 0 : SideSign(From(lower), To(lower), To(upper)) > 0);
+    } else {
+      isFine = isFine && l.from != u.from;
+    }
+    if (!isFine) swept_.isPlanar = false;
+  }
+
+  // The pieces ending here are neighbours in the status, unless something crosses.
+  bool EndTogether() const {
+    for (std::size_t i = 1; i < endingHere_.size(); ++i) {
+      if (status_.Above(endingHere_[i - 1]) != endingHere_[i]) return false;
+    }
+    return true;
+  }
+
   void Pass(GridPoint p) {
     SortAround(p);
+    if (looks_ && !EndTogether()) {
+      swept_.isPlanar = false;
+      return;
+    }
     Winding winding;
     std::uint32_t under = kNoPieceBelow;
     std::uint32_t lower = SweepStatus::kNone;
@@ -74,6 +107,8 @@ class WindingSweep {
       winding = swept_.below[endingHere_[0]];
       under = swept_.under[endingHere_[0]];
     }
+    const std::uint32_t neighbour = endingHere_.empty() ? lower : status_.Below(endingHere_[0]);
+    if (beginningHere_.empty()) Compare(neighbour, status_.Above(endingHere_.back()));
     const std::size_t reused = std::min(endingHere_.size(), beginningHere_.size());
     for (std::size_t i = reused; i < endingHere_.size(); ++i) status_.Erase(endingHere_[i]);
     for (std::size_t i = 0; i < beginningHere_.size(); ++i) {
@@ -89,10 +124,14 @@ class WindingSweep {
       winding += pieces_[piece].net;
       under = piece;
     }
+    if (beginningHere_.empty()) return;
+    Compare(neighbour, beginningHere_[0]);
+    Compare(lower, status_.Above(lower));
   }
 
   std::span<const ArrangedPiece> pieces_;
   std::span<const GridPoint> nodes_;
+  bool looks_;  // for pieces that cross
   SweepStatus status_;
   SweptPieces swept_;
   std::vector<End> ending_;  // pieces by the vertex at which they end
@@ -102,13 +141,13 @@ class WindingSweep {
 
 }  // namespace
 
-SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces) {
-  return WindingSweep(nodes, pieces).Run();
+SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care) {
+  return WindingSweep(nodes, pieces, care).Run();
 }
 
 std::vector<std::int8_t> BoundarySides(const Arrangement& arrangement) {
   const auto& pieces = arrangement.pieces();
-  const SweptPieces swept = SweepWindings(arrangement.nodes(), pieces);
+  const SweptPieces swept = SweepWindings(arrangement.nodes(), pieces, Arrangement::Care::kThorough);
   std::vector<std::int8_t> sides(pieces.size());
   for (std::uint32_t i = 0; i < pieces.size(); ++i) {
     const bool below = swept.below[i].of[0] > 0;

@@ -16,10 +16,13 @@ struct SweptPieces {
   std::vector<Winding> below;
   // By piece: one that the face below it lies directly above; kNoPieceBelow where that is the outer face.
   std::vector<std::uint32_t> under;
+  // Whether no two pieces cross or overlap and none passes a node; otherwise the sweep has ended there, and the rest says nothing.
+  bool isPlanar = true;
 };
 
-// Of pieces between the given nodes, sorted by `from`, that meet at nodes only. They may be some of an arrangement's. n log n.
-SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces);
+// Of pieces between the given nodes, sorted by `from`, that meet at nodes only, for sure when the arrangement was made with
+// thorough care. n log n.
+SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care);
 
 // For each piece: 1 when the winding number of the first operand is positive on its left only, as seen from its `from` to its
 // `to`; -1 when it is so on its right only; 0 when both sides are alike. n log n.

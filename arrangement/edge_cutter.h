@@ -1,0 +1,98 @@
+// The work of building an arrangement: lines between vertices, and how they are cut.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "arrangement/arrangement.h"
+#include "arrangement/leaning_frame.h"
+#include "arrangement/vertex_set.h"
+#include "core/box_tree.h"
+
+namespace zbr {
+
+inline constexpr std::uint32_t kNoVertex = ~std::uint32_t{0};
+
+// Up to here the reach is that of a grid far coarser than doubles.
+inline constexpr double kCoarseReach = 1.5;
+
+// An edge while it is cut. Lines cut from the same edge stand together, in its order.
+struct CutLine {
+  std::uint32_t from;
+  std::uint32_t to;
+  Winding net;           // from `from` to `to`
+  std::uint32_t origin;  // the line that it was cut from in the first place
+};
+
+class EdgeCutter {
+ public:
+  EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges, const Box& box, const Resolution& resolution,
+             std::size_t secondOperand)
+      : out_(out),
+        vertices_(box, resolution, edges.size() / 2 + 16),
+        reach_(resolution.reach / resolution.step),
+        isFine_(resolution.reach > kCoarseReach * resolution.step) {
+    out_.step_ = vertices_.step();
+    MakeLines(edges, secondOperand);
+    SortLines();
+    origins_ = lines_;
+    out_.lineBegin_.resize(lines_.size() + 1);
+    for (std::uint32_t i = 0; i <= lines_.size(); ++i) out_.lineBegin_[i] = i;
+  }
+
+  void Run(Arrangement::Care care);
+
+ private:
+  GridPoint Node(std::uint32_t vertex) const { return vertices_.node(vertex); }
+
+  // A line between the two vertices, in the order of a sweep.
+  CutLine LineBetween(std::uint32_t from, std::uint32_t to, const Winding& net, std::uint32_t origin) const {
+    return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, -net, origin};
+  }
+
+  void MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand);
+  void SortLines();
+  bool IsWithinReach(const CutLine& line, std::uint32_t v) const;
+  bool PassesCell(const CutLine& line, std::uint32_t v) const;
+  BoxTree TreeOverLines(double margin) const;
+  template <class IsHit>
+  bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
+  void AppendParts(const CutLine& line, std::vector<std::uint32_t>& hits, std::vector<CutLine>& next) const;
+  void AddCrossings();
+  std::uint32_t Cross(const CutLine& a, const CutLine& b);
+  ZBR_PT TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT& place) const;
+  void NumberVertices();
+  void MergeLines();
+
+  // quick_cut.cpp
+  struct Hit {
+    std::uint32_t line;
+    std::uint32_t vertex;
+  };
+  struct LinePair {
+    std::uint32_t a;
+    std::uint32_t b;
+  };
+  class PairSearch;
+  void QuickCut();
+  void LookAtPair(std::uint32_t i, std::uint32_t j);
+  void NoteReached(std::uint32_t line, std::uint32_t vertex, double side);
+  void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);
+  LinePair PartsBeside(std::uint32_t first, std::uint32_t last, const CutLine& other) const;
+  void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
+
+  Arrangement& out_;
+  VertexSet vertices_;
+  double reach_;  // in steps
+  bool isFine_;   // so that every node is itself a point to stand for
+  LeaningFrame frame_;
+  std::vector<CutLine> lines_;
+  std::vector<CutLine> origins_;
+  std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
+  std::vector<double> lengths_;        // of the lines, for LookAtPair
+  std::vector<LinePair> pairs_;        // lines that are not clearly apart
+  std::vector<Hit> hits_;              // vertices that lines are to be led through
+};
+
+}  // namespace zbr

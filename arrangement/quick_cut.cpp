@@ -1,0 +1,217 @@
+// Cutting lines with one search.
+//
+// Idea: every vertex is an end of some line, so the pairs of lines whose boxes meet hold all that can come near: ends that the
+// other line is to be led through, and crossings. Pairs that are clearly apart, both ends of one line on the same side of the
+// other, are dropped; what is left is small. Lines are led through the vertices within reach first; that moves them by no more than
+// the reach, so lines that cross then are still among the pairs, and only the parts of these are crossed. Not searched for: a third
+// line through the cell of a crossing. It takes three edges within a step of the grid, and the sweep notices when pieces cross
+// because of it.
+#include <algorithm>
+#include <cmath>
+
+#include "arrangement/edge_cutter.h"
+#include "core/cost.h"
+
+namespace zbr {
+namespace {
+
+constexpr std::uint32_t kLeafLines = 8;
+
+}  // namespace
+
+// Visits the pairs of lines whose boxes meet, each once. Consecutive lines share a leaf of the hierarchy.
+class EdgeCutter::PairSearch {
+ public:
+  explicit PairSearch(EdgeCutter& cutter) : cutter_(cutter), boxes_(cutter.lines_.size()) {
+    const auto lines = static_cast<std::uint32_t>(boxes_.size());
+    const std::span<Box> leaves = tree_.StartLeaves((lines + kLeafLines - 1) / kLeafLines);
+    for (std::uint32_t i = 0; i < lines; ++i) {
+      const CutLine& line = cutter.lines_[i];
+      boxes_[i] = cutter.frame_.Around(cutter.Node(line.from).Point(), cutter.Node(line.to).Point()).Widened(cutter.reach_ / 2.0);
+      leaves[i / kLeafLines].Add(boxes_[i]);
+    }
+    tree_.BuildInner();
+  }
+
+  void Run() { Inside(tree_.TopLevel(), 0); }
+
+ private:
+  void Inside(int level, std::uint32_t node) {
+    if (level == 0) return Within(node);
+    const std::uint32_t first = node * BoxTree::kFanOut;
+    const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree_.Count(level - 1));
+    for (std::uint32_t i = first; i < last; ++i) {
+      Inside(level - 1, i);
+      for (std::uint32_t j = i + 1; j < last; ++j) Between(level - 1, i, j);
+    }
+  }
+
+  void Between(int level, std::uint32_t a, std::uint32_t b) {
+    const Box* boxes = tree_.Level(level);
+    if (!Overlap(boxes[a], boxes[b])) return;
+    if (level == 0) return Across(a, b);
+    const std::uint32_t count = tree_.Count(level - 1);
+    const Box* below = tree_.Level(level - 1);
+    for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
+      if (!Overlap(below[i], boxes[b])) continue;
+      for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) Between(level - 1, i, j);
+    }
+  }
+
+  std::uint32_t LastOf(std::uint32_t leaf) const {
+    return std::min((leaf + 1) * kLeafLines, static_cast<std::uint32_t>(boxes_.size()));
+  }
+
+  void Within(std::uint32_t leaf) {
+    for (std::uint32_t i = leaf * kLeafLines; i < LastOf(leaf); ++i) {
+      for (std::uint32_t j = i + 1; j < LastOf(leaf); ++j) {
+        if (Overlap(boxes_[i], boxes_[j])) cutter_.LookAtPair(i, j);
+      }
+    }
+  }
+
+  void Across(std::uint32_t a, std::uint32_t b) {
+    const Box& other = tree_.Level(0)[b];
+    for (std::uint32_t i = a * kLeafLines; i < LastOf(a); ++i) {
+      if (!Overlap(boxes_[i], other)) continue;
+      for (std::uint32_t j = b * kLeafLines; j < LastOf(b); ++j) {
+        if (Overlap(boxes_[i], boxes_[j])) cutter_.LookAtPair(i, j);
+      }
+    }
+  }
+
+  EdgeCutter& cutter_;
+  std::vector<Box> boxes_;
+  BoxTree tree_;
+};
+
+void EdgeCutter::NoteReached(std::uint32_t line, std::uint32_t vertex, double side) {
+  if (std::fabs(side) > reach_ * lengths_[line]) return;
+  const GridPoint p = Node(lines_[line].from);
+  const GridPoint q = Node(lines_[line].to);
+  const double along = Along(p, q, Node(vertex));
+  if (along > 0.0 && along < lengths_[line] * lengths_[line]) hits_.push_back({line, vertex});
+}
+
+void EdgeCutter::LookAtPair(std::uint32_t i, std::uint32_t j) {
+  ZBR_COUNT(pairs_tried, 1);
+  const CutLine& a = lines_[i];
+  const CutLine& b = lines_[j];
+  const GridPoint p = Node(a.from);
+  const GridPoint q = Node(a.to);
+  const GridPoint r = Node(b.from);
+  const GridPoint s = Node(b.to);
+  const double clear = 2.0 * reach_ + 1.0;
+  const auto areClear = [](double u, double v, double least) { return (u > least && v > least) || (u < -least && v < -least); };
+  const double sideR = SideProducts(p, q, r).Value();
+  const double sideS = SideProducts(p, q, s).Value();
+  if (areClear(sideR, sideS, clear * lengths_[i])) return;
+  const double sideP = SideProducts(r, s, p).Value();
+  const double sideQ = SideProducts(r, s, q).Value();
+  if (areClear(sideP, sideQ, clear * lengths_[j])) return;
+  const bool share = a.from == b.from || a.from == b.to || a.to == b.from || a.to == b.to;
+  const std::size_t before = hits_.size();
+  if (b.from != a.from && b.from != a.to) NoteReached(i, b.from, sideR);
+  if (b.to != a.from && b.to != a.to) NoteReached(i, b.to, sideS);
+  if (a.from != b.from && a.from != b.to) NoteReached(j, a.from, sideP);
+  if (a.to != b.from && a.to != b.to) NoteReached(j, a.to, sideQ);
+  // Two lines from one vertex don't cross, unless they run so close together that being led through others may make them.
+  if (!share || hits_.size() != before ||
+      std::min(std::fabs(sideR + sideS), std::fabs(sideP + sideQ)) <= clear * std::max(lengths_[i], lengths_[j]))
+    pairs_.push_back({i, j});
+}
+
+// Cuts every line at its hits. begin[i] becomes the first part of line i; there is one entry more than there are lines.
+void EdgeCutter::CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin) {
+  std::sort(hits.begin(), hits.end(),
+            [](const Hit& a, const Hit& b) { return a.line != b.line ? a.line < b.line : a.vertex < b.vertex; });
+  const auto same = [](const Hit& a, const Hit& b) { return a.line == b.line && a.vertex == b.vertex; };
+  hits.erase(std::unique(hits.begin(), hits.end(), same), hits.end());
+  std::vector<CutLine> next;
+  next.reserve(lines_.size() + hits.size());
+  begin.clear();
+  begin.reserve(lines_.size() + 1);
+  std::vector<std::uint32_t> vertices;
+  auto hit = hits.begin();
+  for (std::uint32_t i = 0; i < lines_.size(); ++i) {
+    begin.push_back(static_cast<std::uint32_t>(next.size()));
+    vertices.clear();
+    for (; hit != hits.end() && hit->line == i; ++hit) vertices.push_back(hit->vertex);
+    if (vertices.empty()) {
+      next.push_back(lines_[i]);
+    } else {
+      AppendParts(lines_[i], vertices, next);
+    }
+  }
+  begin.push_back(static_cast<std::uint32_t>(next.size()));
+  lines_.swap(next);
+  for (std::uint32_t& line : out_.lineBegin_) line = begin[line];
+}
+
+// Of the parts of a line, in the order along it, those that lie beside the other line or near it, as [a, b).
+EdgeCutter::LinePair EdgeCutter::PartsBeside(std::uint32_t first, std::uint32_t last, const CutLine& other) const {
+  constexpr std::uint32_t kFew = 4;
+  if (last - first <= kFew) return {first, last};
+  // The parts are turned one by one to run as a sweep does; together they run from the first one's end that no other shares.
+  const auto shares = [&](std::uint32_t v, const CutLine& line) { return line.from == v || line.to == v; };
+  const bool forward = shares(lines_[first].to, lines_[first + 1]);
+  const GridPoint p = Node(forward ? lines_[first].from : lines_[first].to);
+  const GridPoint q = Node(shares(lines_[last - 1].to, lines_[last - 2]) ? lines_[last - 1].from : lines_[last - 1].to);
+  const double room = (2.0 * reach_ + 2.0) * std::sqrt(Along(p, q, q));
+  const double ends[] = {Along(p, q, Node(other.from)), Along(p, q, Node(other.to))};
+  const double least = std::min(ends[0], ends[1]) - room;
+  const double most = std::max(ends[0], ends[1]) + room;
+  const auto farthest = [&](std::uint32_t k) {
+    return std::max(Along(p, q, Node(lines_[k].from)), Along(p, q, Node(lines_[k].to)));
+  };
+  const auto nearest = [&](std::uint32_t k) {
+    return std::min(Along(p, q, Node(lines_[k].from)), Along(p, q, Node(lines_[k].to)));
+  };
+  const auto firstWhere = [&](std::uint32_t from, auto holds) {
+    std::uint32_t count = last - from;
+    while (count > 0) {
+      const std::uint32_t half = count / 2;
+      if (holds(from + half)) {
+        count = half;
+      } else {
+        from += half + 1;
+        count -= half + 1;
+      }
+    }
+    return from;
+  };
+  const std::uint32_t a = firstWhere(first, [&](std::uint32_t k) { return farthest(k) >= least; });
+  return {a, firstWhere(a, [&](std::uint32_t k) { return nearest(k) > most; })};
+}
+
+void EdgeCutter::CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin) {
+  const bool areWhole = begin[pair.a] + 1 == begin[pair.a + 1] && begin[pair.b] + 1 == begin[pair.b + 1];
+  const LinePair as =
+      areWhole ? LinePair{begin[pair.a], begin[pair.a + 1]} : PartsBeside(begin[pair.a], begin[pair.a + 1], origins_[pair.b]);
+  for (std::uint32_t i = as.a; i < as.b; ++i) {
+    const LinePair bs =
+        areWhole ? LinePair{begin[pair.b], begin[pair.b + 1]} : PartsBeside(begin[pair.b], begin[pair.b + 1], lines_[i]);
+    for (std::uint32_t j = bs.a; j < bs.b; ++j) {
+      const CutLine& a = lines_[i];
+      const CutLine& b = lines_[j];
+      if (a.from == b.from || a.from == b.to || a.to == b.from || a.to == b.to) continue;
+      const std::uint32_t vertex = Cross(a, b);
+      if (vertex == kNoVertex) continue;
+      if (vertex != a.from && vertex != a.to) hits_.push_back({i, vertex});
+      if (vertex != b.from && vertex != b.to) hits_.push_back({j, vertex});
+    }
+  }
+}
+
+void EdgeCutter::QuickCut() {
+  lengths_.reserve(lines_.size());
+  for (const CutLine& line : lines_) lengths_.push_back(std::sqrt(Along(Node(line.from), Node(line.to), Node(line.to))));
+  if (!lines_.empty()) PairSearch(*this).Run();
+  std::vector<std::uint32_t> begin;
+  CutAt(hits_, begin);
+  hits_.clear();
+  for (const LinePair& pair : pairs_) CrossParts(pair, begin);
+  CutAt(hits_, begin);
+}
+
+}  // namespace zbr
