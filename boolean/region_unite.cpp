@@ -8,6 +8,7 @@
 #include <zbr/region.h>
 
 #include "boolean/region_input.h"
+#include "core/box_tree.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 #include "loops/edge_index.h"
@@ -47,9 +48,12 @@ class CountedRings {
       AddFlat(overlay.Region([this](Winding w) { return IsFilled(rule_, w.of[0]); }, withSources_));
     }
     for (const RingSpan& ring : rings) firstEdge_ += static_cast<std::uint32_t>(ring.size());
+    ends_.push_back(static_cast<std::uint32_t>(region_.ringEnds.size()));
   }
 
   const FlatRegion& region() const { return region_; }
+  // By region that was added: the end of its rings.
+  const std::vector<std::uint32_t>& ends() const { return ends_; }
 
  private:
   void EndRing() { region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size())); }
@@ -92,7 +96,76 @@ class CountedRings {
   bool withSources_;
   std::uint32_t firstEdge_ = 0;  // of the next region
   FlatRegion region_;
+  std::vector<std::uint32_t> ends_;
 };
+
+std::vector<RingSpan> SpansOf(const FlatRegion& region) {
+  std::vector<RingSpan> rings;
+  for (std::size_t r = 0; r < region.ringEnds.size(); ++r) rings.push_back(region.Ring(r));
+  return rings;
+}
+
+// Appends rings of one region, with their sources, to another.
+void AppendRings(const FlatRegion& from, std::uint32_t firstRing, std::uint32_t lastRing, FlatRegion& to) {
+  for (std::uint32_t r = firstRing; r < lastRing; ++r) {
+    const std::uint32_t begin = r == 0 ? 0 : from.ringEnds[r - 1];
+    for (std::uint32_t i = begin; i < from.ringEnds[r]; ++i) {
+      to.points.push_back(from.points[i]);
+      if (from.sourceEnds.empty()) continue;
+      to.sources.insert(to.sources.end(), from.sources.begin() + (i == 0 ? 0 : from.sourceEnds[i - 1]),
+                        from.sources.begin() + from.sourceEnds[i]);
+      to.sourceEnds.push_back(static_cast<std::uint32_t>(to.sources.size()));
+    }
+    to.ringEnds.push_back(static_cast<std::uint32_t>(to.points.size()));
+  }
+}
+
+FlatRegion CoverOf(const FlatRegion& counted, int times, double tolerance) {
+  const std::vector<RingSpan> rings = SpansOf(counted);
+  const Overlay overlay(rings, rings.size(), tolerance, tolerance);
+  const bool withSources = !counted.sourceEnds.empty();
+  FlatRegion region = overlay.Region([times](Winding w) { return w.of[0] >= times; }, withSources);
+  if (withSources) TraceBack(counted, region);
+  return region;
+}
+
+// The union of many, neighbours first: what lies inside the union of a few goes at once and is not crossed with all the others, and
+// a few fit in the cache.
+FlatRegion UnionOf(const CountedRings& counted, double tolerance) {
+  constexpr std::size_t kTogether = 200;
+  const FlatRegion& all = counted.region();
+  const std::vector<std::uint32_t>& ends = counted.ends();
+  const auto begin = [&](std::uint32_t i) { return i == 0 ? 0 : ends[i - 1]; };
+  std::vector<ZBR_PT> centres;
+  for (std::uint32_t i = 0; i < ends.size(); ++i) {
+    Box box;
+    for (std::uint32_t r = begin(i); r < ends[i]; ++r) {
+      for (const ZBR_PT& p : all.Ring(r)) box.Add(p);
+    }
+    centres.push_back(begin(i) == ends[i] ? ZBR_PT() : box.Center());
+  }
+  const std::vector<std::uint32_t> order = SpatialOrder(centres);
+  std::vector<FlatRegion> parts;
+  for (std::size_t first = 0; first < order.size(); first += kTogether) {
+    FlatRegion group;
+    for (std::size_t k = first; k < std::min(first + kTogether, order.size()); ++k)
+      AppendRings(all, begin(order[k]), ends[order[k]], group);
+    parts.push_back(CoverOf(group, 1, tolerance));
+  }
+  while (parts.size() > 1) {
+    constexpr std::size_t kPartsTogether = 64;
+    std::vector<FlatRegion> united;
+    for (std::size_t first = 0; first < parts.size(); first += kPartsTogether) {
+      FlatRegion group;
+      for (std::size_t k = first; k < std::min(first + kPartsTogether, parts.size()); ++k) {
+        AppendRings(parts[k], 0, static_cast<std::uint32_t>(parts[k].ringEnds.size()), group);
+      }
+      united.push_back(CoverOf(group, 1, tolerance));
+    }
+    parts = std::move(united);
+  }
+  return parts.empty() ? FlatRegion() : std::move(parts.front());
+}
 
 void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status,
            RegionProgress& progress) {
@@ -105,12 +178,8 @@ void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_RE
     const double share = kShareOfCounting * static_cast<double>(i) / static_cast<double>(input.operands());
     if (i % kEvery == 0 && !progress.GoesOn(share)) return;
   }
-  std::vector<RingSpan> rings;
-  for (std::size_t r = 0; r < counted.region().ringEnds.size(); ++r) rings.push_back(counted.region().Ring(r));
-  const Overlay overlay(rings, rings.size(), tolerance, tolerance);
   status.exact = true;
-  FlatRegion flat = overlay.Region([times](Winding w) { return w.of[0] >= times; }, options.sources);
-  if (options.sources) TraceBack(counted.region(), flat);
+  FlatRegion flat = times == 1 ? UnionOf(counted, tolerance) : CoverOf(counted.region(), times, tolerance);
   ZBR_REGION_ACCESS::Set(result, std::move(flat), input, options);
 }
 
