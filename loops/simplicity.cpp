@@ -22,22 +22,25 @@
 namespace zbr {
 namespace {
 
-// The eighth of the turn that holds the direction, as a bit. Opposite directions are never in the first and the last of four
-// neighbours.
-unsigned OctantBit(const ZBR_PT& d) {
-  static constexpr std::array<std::uint8_t, 8> kOctants = {0, 7, 3, 4, 1, 6, 2, 5};
-  const bool left = d.x() < 0.0 || (d.x() == 0.0 && d.y() > 0.0);
-  const bool down = d.y() < 0.0 || (d.y() == 0.0 && d.x() < 0.0);
-  const bool steep = std::fabs(d.y()) > std::fabs(d.x());
-  return 1U << kOctants[static_cast<unsigned>(down) | static_cast<unsigned>(left) << 1U | static_cast<unsigned>(steep) << 2U];
+// The quadrant of a direction, as a bit. Seen along an axis on which it neither rises nor falls, a direction goes with the other
+// axis, so that opposite directions are in opposite quadrants.
+unsigned QuadrantBit(double x, double y) {
+  const bool left = x < 0.0 || (x == 0.0 && y < 0.0);
+  const bool down = y < 0.0 || (y == 0.0 && x < 0.0);
+  return 1U << (static_cast<unsigned>(left) | static_cast<unsigned>(down) << 1U);
 }
 
-// By mask: whether all its octants are among four neighbours.
-constexpr std::array<bool, 256> kFitsHalfPlane = [] {
+// The quadrants of a direction, between the axes and between the diagonals.
+unsigned DirectionBits(const ZBR_PT& d) {
+  return QuadrantBit(d.x(), d.y()) | QuadrantBit(d.x() + d.y(), d.x() - d.y()) << 4U;
+}
+
+// By mask: whether all directions go on along an axis or a diagonal, one way.
+constexpr std::array<bool, 256> kGoesOn = [] {
+  constexpr unsigned kHalves[] = {0x3, 0xc, 0x5, 0xa};  // right or left of an axis, above or below
   std::array<bool, 256> fits{};
-  for (unsigned first = 0; first < 8; ++first) {
-    const unsigned half = (0x0fU << first | 0x0fU << first >> 8U) & 0xffU;
-    for (unsigned mask = 0; mask < 256; ++mask) fits[mask] = fits[mask] || (mask & ~half) == 0;
+  for (unsigned mask = 0; mask < 256; ++mask) {
+    for (const unsigned half : kHalves) fits[mask] = fits[mask] || (mask & 0xfU & ~half) == 0 || (mask >> 4U & ~half) == 0;
   }
   return fits;
 }();
@@ -79,11 +82,14 @@ class SelfSearch {
   // These answer whether something is unclear, and note touches.
   bool IsUnclearInside(int level, std::uint32_t node);
   bool IsUnclear(int level, std::uint32_t a, std::uint32_t b);
+  bool IsLeafUnclear(std::uint32_t leaf);
   bool AreLeavesUnclear(std::uint32_t a, std::uint32_t b);
+  bool IsPairOfEdgesUnclear(const Edge& e, const Edge& f);
   bool IsPairUnclear(const Edge& a, const Edge& b);
   bool IsEndUnclear(const Edge& e, bool atEnd, const Edge& other);
 
-  std::uint32_t Read(std::uint32_t leaf, LeafEdges& edges) const;
+  std::uint32_t Read(std::uint32_t leaf, const Box& box, LeafEdges& edges) const;
+  bool IsConvex(const LeafEdges& edges, std::uint32_t count) const;
   bool AreNeighbours(const Edge& a, const Edge& b) const;
   bool FoldsBack(const Edge& a, const Edge& b) const;
   bool IsNearEdge(const ZBR_PT& p, const Edge& e) const;
@@ -94,7 +100,7 @@ class SelfSearch {
   double eps2_;
   double on_;
   double near_;
-  double room_;  // by which a box is widened so that it meets what is near; the index's own margin is taken off
+  double room_;  // by which a box is widened so that it meets the boxes of what is near; their margins are taken off
   std::uint32_t leaves_;
   std::vector<std::vector<std::uint8_t>> masks_;  // by level and node
   bool touches_ = false;
@@ -105,7 +111,7 @@ void SelfSearch::FillMasks() {
   masks_[0].resize(leaves_);
   for (std::uint32_t leaf = 0; leaf < leaves_; ++leaf) {
     unsigned mask = 0;
-    index_.VisitEdges(leaf, [&mask](const ZBR_PT& p, const ZBR_PT& q) { mask |= OctantBit(q - p); });
+    index_.VisitEdges(leaf, [&mask](const ZBR_PT& p, const ZBR_PT& q) { mask |= DirectionBits(q - p); });
     masks_[0][leaf] = static_cast<std::uint8_t>(mask);
   }
   for (std::size_t level = 1; level < masks_.size(); ++level) {
@@ -115,8 +121,8 @@ void SelfSearch::FillMasks() {
 }
 
 bool SelfSearch::IsUnclearInside(int level, std::uint32_t node) {
-  if (kFitsHalfPlane[Mask(level, node)] && IsChain(FirstLeaf(level, node), LastLeaf(level, node))) return false;
-  if (level == 0) return AreLeavesUnclear(node, node);
+  if (kGoesOn[Mask(level, node)] && IsChain(FirstLeaf(level, node), LastLeaf(level, node))) return false;
+  if (level == 0) return IsLeafUnclear(node);
   const std::uint32_t first = node * BoxTree::kFanOut;
   const std::uint32_t last = std::min(first + BoxTree::kFanOut, index_.tree().Count(level - 1));
   for (std::uint32_t i = first; i < last; ++i) {
@@ -132,8 +138,7 @@ bool SelfSearch::IsUnclearInside(int level, std::uint32_t node) {
 bool SelfSearch::IsUnclear(int level, std::uint32_t a, std::uint32_t b) {
   const Box* boxes = index_.tree().Level(level);
   if (!Overlap(boxes[a].Widened(room_), boxes[b])) return false;
-  if (b == a + 1 && kFitsHalfPlane[Mask(level, a) | Mask(level, b)] && IsChain(FirstLeaf(level, a), LastLeaf(level, b)))
-    return false;
+  if (b == a + 1 && kGoesOn[Mask(level, a) | Mask(level, b)] && IsChain(FirstLeaf(level, a), LastLeaf(level, b))) return false;
   if (level == 0) return AreLeavesUnclear(a, b);
   const std::uint32_t count = index_.tree().Count(level - 1);
   for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
@@ -144,40 +149,75 @@ bool SelfSearch::IsUnclear(int level, std::uint32_t a, std::uint32_t b) {
   return false;
 }
 
-// The edges of a leaf, without those that are no longer than the tolerance.
-std::uint32_t SelfSearch::Read(std::uint32_t leaf, LeafEdges& edges) const {
+// The edges of a leaf that come near the box, without those that are no longer than the tolerance.
+std::uint32_t SelfSearch::Read(std::uint32_t leaf, const Box& box, LeafEdges& edges) const {
   std::uint32_t slot = index_.leaf(leaf).first;
   const IndexedRing* ring = &index_.rings()[index_.leaf(leaf).ring];
   std::uint32_t count = 0;
   index_.VisitEdges(leaf, [&](const ZBR_PT& p, const ZBR_PT& q) {
-    if (p.Distance2(q) > eps2_) edges[count++] = {p, q, ring, slot};
+    if ((SidesBeyond(p, box) & SidesBeyond(q, box)) == 0 && p.Distance2(q) > eps2_) edges[count++] = {p, q, ring, slot};
     ++slot;
   });
   return count;
 }
 
-bool SelfSearch::AreLeavesUnclear(std::uint32_t a, std::uint32_t b) {
-  LeafEdges edgesA;
-  LeafEdges edgesB;
-  const std::uint32_t countA = Read(a, edgesA);
-  const std::uint32_t countB = a == b ? countA : Read(b, edgesB);
-  const LeafEdges& others = a == b ? edgesA : edgesB;
-  for (std::uint32_t i = 0; i < countA; ++i) {
-    const Box box = BoxOfSegment(edgesA[i].from, edgesA[i].to).Widened(near_);
-    for (std::uint32_t j = a == b ? i + 1 : 0; j < countB; ++j) {
-      const Edge& e = edgesA[i];
-      const Edge& f = others[j];
-      if (!Overlap(box, BoxOfSegment(f.from, f.to))) continue;
-      const bool follows = AreNeighbours(e, f);
-      const bool precedes = AreNeighbours(f, e);
-      if (follows || precedes) {
-        if ((follows && FoldsBack(e, f)) || (precedes && FoldsBack(f, e))) return true;
-      } else if (IsPairUnclear(e, f)) {
-        return true;
-      }
+bool SelfSearch::IsPairOfEdgesUnclear(const Edge& e, const Edge& f) {
+  const bool follows = AreNeighbours(e, f);
+  const bool precedes = AreNeighbours(f, e);
+  if (follows || precedes) return (follows && FoldsBack(e, f)) || (precedes && FoldsBack(f, e));
+  return IsPairUnclear(e, f);
+}
+
+bool SelfSearch::IsLeafUnclear(std::uint32_t leaf) {
+  const Box& box = index_.tree().Level(0)[leaf];
+  LeafEdges edges;
+  const std::uint32_t count = Read(leaf, box, edges);
+  if (count == index_.rings()[index_.leaf(leaf).ring].slots && IsConvex(edges, count)) return false;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const Box around = BoxOfSegment(edges[i].from, edges[i].to).Widened(near_);
+    for (std::uint32_t j = i + 1; j < count; ++j) {
+      if ((SidesBeyond(edges[j].from, around) & SidesBeyond(edges[j].to, around)) != 0) continue;
+      if (IsPairOfEdgesUnclear(edges[i], edges[j])) return true;
     }
   }
   return false;
+}
+
+// Of two different leaves.
+bool SelfSearch::AreLeavesUnclear(std::uint32_t a, std::uint32_t b) {
+  const Box* boxes = index_.tree().Level(0);
+  LeafEdges edgesA;
+  const std::uint32_t countA = Read(a, boxes[b].Widened(room_ / 2.0), edgesA);
+  if (countA == 0) return false;
+  LeafEdges edgesB;
+  const std::uint32_t countB = Read(b, boxes[a].Widened(room_ / 2.0), edgesB);
+  for (std::uint32_t i = 0; i < countA && countB > 0; ++i) {
+    const Box around = BoxOfSegment(edgesA[i].from, edgesA[i].to).Widened(near_);
+    for (std::uint32_t j = 0; j < countB; ++j) {
+      if ((SidesBeyond(edgesB[j].from, around) & SidesBeyond(edgesB[j].to, around)) != 0) continue;
+      if (IsPairOfEdgesUnclear(edgesA[i], edgesB[j])) return true;
+    }
+  }
+  return false;
+}
+
+// Whether the edges, which are a whole ring, turn clearly to one side at every vertex, and once around: then the directions change
+// from going right to going left once and back once.
+bool SelfSearch::IsConvex(const LeafEdges& edges, std::uint32_t count) const {
+  if (count < 3) return false;
+  unsigned turns = 0;
+  unsigned changes = 0;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const Edge& f = edges[i + 1 < count ? i + 1 : 0];
+    const ZBR_PT d = edges[i].to - edges[i].from;
+    const ZBR_PT e = f.to - f.from;
+    const double turn = Cross(d, e);
+    if (!(std::fabs(turn) > near_ * (std::fabs(d.x()) + std::fabs(d.y()) + std::fabs(e.x()) + std::fabs(e.y())))) return false;
+    turns |= turn > 0.0 ? 1U : 2U;
+    const auto goesLeft = [](const ZBR_PT& v) { return v.x() < 0.0 || (v.x() == 0.0 && v.y() < 0.0); };
+    changes += goesLeft(d) != goesLeft(e) ? 1U : 0U;
+  }
+  return turns != 3U && changes == 2U;
 }
 
 // Whether nothing but edges without length lies between a and b.
