@@ -68,6 +68,7 @@ void Corner::DoubtEdge(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
 }
 
 void Corner::Doubt(const ZBR_PT& q0, const ZBR_PT& q1) {
+  if (isDoubtful_) return;
   DoubtVertex(cur_, q0);
   DoubtVertex(cur_, q1);
   DoubtVertex(next_, q0);

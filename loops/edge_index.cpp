@@ -1,6 +1,7 @@
 // Building the hierarchy over the edges of many rings.
 #include "loops/edge_index.h"
 
+#include "core/directions.h"
 #include "core/prefetch.h"
 
 namespace zbr {
@@ -19,8 +20,9 @@ std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
   return sorted;
 }
 
-// Grows `box` by the edges from vertex `from` on over `count` edges that do not wrap; whether one is within eps2.
-bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, double eps2, Box& box) {
+// Grows `box` by the edges from vertex `from` on over `count` edges that do not wrap, and `directions` by theirs; whether one is
+// within eps2.
+bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, double eps2, Box& box, std::uint32_t& directions) {
   bool repeats = false;
   ZBR_PT prev = points[from];
   box.Add(prev);
@@ -28,6 +30,7 @@ bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, dou
     const ZBR_PT cur = points[i];
     box.Add(cur);
     repeats |= cur.Distance2(prev) <= eps2;
+    directions |= DirectionBits(cur - prev);
     prev = cur;
   }
   return repeats;
@@ -51,15 +54,16 @@ void EdgeIndex::FillLeaves(double margin, double eps2) {
     IndexedRing& ring = rings_[r];
     if (r + kItemsAhead < rings_.size()) Prefetch(rings_[r + kItemsAhead].points);
     for (std::uint32_t first = 0; first < ring.slots; first += kLeafEdges, ++leaf, ++box) {
-      *leaf = {r, first};
+      *leaf = {r, first, 0};
       const std::uint32_t count = std::min(kLeafEdges, ring.slots - first);
       const std::uint32_t from = ring.Vertex(first);
       const std::uint32_t straight = std::min(count, ring.n - 1 - from);  // edges before the closing one
       Box edges;
-      bool repeats = AddEdges(ring.points, from, straight, eps2, edges);
+      bool repeats = AddEdges(ring.points, from, straight, eps2, edges, leaf->directions);
       if (straight < count) {  // the closing edge and what follows it from vertex 0 on
         repeats |= ring.points[0].Distance2(ring.points[ring.n - 1]) <= eps2;
-        repeats |= AddEdges(ring.points, 0, count - straight - 1, eps2, edges);
+        leaf->directions |= DirectionBits(ring.points[0] - ring.points[ring.n - 1]);
+        repeats |= AddEdges(ring.points, 0, count - straight - 1, eps2, edges, leaf->directions);
       }
       ring.hasRepeats |= repeats;
       *box = edges.Widened(margin);

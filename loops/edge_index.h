@@ -41,6 +41,7 @@ class EdgeIndex {
   struct Leaf {
     std::uint32_t ring;
     std::uint32_t first;
+    std::uint32_t directions;  // a mask: core/directions.h
   };
 
   // Builds the index over `rings` (in the caller's order). Leaf boxes are widened by `margin`; an edge whose squared length is

@@ -16,34 +16,12 @@
 #include <vector>
 
 #include "core/constants.h"
+#include "core/directions.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
 namespace {
-
-// The quadrant of a direction, as a bit. Seen along an axis on which it neither rises nor falls, a direction goes with the other
-// axis, so that opposite directions are in opposite quadrants.
-unsigned QuadrantBit(double x, double y) {
-  const bool left = x < 0.0 || (x == 0.0 && y < 0.0);
-  const bool down = y < 0.0 || (y == 0.0 && x < 0.0);
-  return 1U << (static_cast<unsigned>(left) | static_cast<unsigned>(down) << 1U);
-}
-
-// The quadrants of a direction, between the axes and between the diagonals.
-unsigned DirectionBits(const ZBR_PT& d) {
-  return QuadrantBit(d.x(), d.y()) | QuadrantBit(d.x() + d.y(), d.x() - d.y()) << 4U;
-}
-
-// By mask: whether all directions go on along an axis or a diagonal, one way.
-constexpr std::array<bool, 256> kGoesOn = [] {
-  constexpr unsigned kHalves[] = {0x3, 0xc, 0x5, 0xa};  // right or left of an axis, above or below
-  std::array<bool, 256> fits{};
-  for (unsigned mask = 0; mask < 256; ++mask) {
-    for (const unsigned half : kHalves) fits[mask] = fits[mask] || (mask & 0xfU & ~half) == 0 || (mask >> 4U & ~half) == 0;
-  }
-  return fits;
-}();
 
 class SelfSearch {
  public:
@@ -109,11 +87,7 @@ class SelfSearch {
 void SelfSearch::FillMasks() {
   masks_.resize(static_cast<std::size_t>(index_.tree().TopLevel()) + 1);
   masks_[0].resize(leaves_);
-  for (std::uint32_t leaf = 0; leaf < leaves_; ++leaf) {
-    unsigned mask = 0;
-    index_.VisitEdges(leaf, [&mask](const ZBR_PT& p, const ZBR_PT& q) { mask |= DirectionBits(q - p); });
-    masks_[0][leaf] = static_cast<std::uint8_t>(mask);
-  }
+  for (std::uint32_t leaf = 0; leaf < leaves_; ++leaf) masks_[0][leaf] = static_cast<std::uint8_t>(index_.leaf(leaf).directions);
   for (std::size_t level = 1; level < masks_.size(); ++level) {
     masks_[level].assign(index_.tree().Count(static_cast<int>(level)), 0);
     for (std::size_t i = 0; i < masks_[level - 1].size(); ++i) masks_[level][i / BoxTree::kFanOut] |= masks_[level - 1][i];
