@@ -207,6 +207,9 @@ void CommandLine::DeclareDraw() {
   AddAxes(command, draw_.axes);
   AddNumber(command, "--crease", kDegrees, draw_.crease, "Draw edges at which the surface bends by more than this; by default 30");
   AddWeld(command, draw_.weld);
+  AddNumber(command, "--contact", kLength, draw_.contact,
+            "Bodies at most this far apart stand face to face, and the edges that they share are drawn; by default four times what "
+            "coordinates are rounded to, where they were rounded to single precision");
   DeclareSheet(command);
   AddJobs(command, draw_.jobs);
   command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");

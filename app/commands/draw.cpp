@@ -31,6 +31,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.hidden = plan.sheet.hidden != HiddenStyle::kNone;
   options.outlines = plan.fill;
   options.threads = plan.threads;
+  options.contact = plan.contact;
   options.progress = [&](std::size_t view, DrawStage stage) {
     // Stages left out take no time.
     std::fill(times[view].begin() + static_cast<std::ptrdiff_t>(stage), times[view].end(), Clock::now());

@@ -65,6 +65,7 @@ DrawPlan PlanDraw(const DrawOptions& options) {
     plan.outputs.push_back({file, FormatOfSheet(file, options.format)});
   }
   plan.threads = ThreadCount(options.jobs);
+  plan.contact = options.contact;
   plan.fill = options.fill;
   return plan;
 }

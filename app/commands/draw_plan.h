@@ -24,6 +24,7 @@ struct DrawPlan {
   std::vector<SheetOutput> outputs;
   std::vector<NamedDirection> views;
   unsigned threads = 1;
+  double contact = -1.0;
   bool fill = false;
 };
 

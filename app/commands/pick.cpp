@@ -5,7 +5,6 @@
 #include <zbr-formats/meshes.h>
 #include <zbr/tolerance.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -21,40 +20,6 @@ namespace {
 // What heights are off by, as a part of the model's diagonal.
 constexpr double kRounding = 1e-14;
 
-constexpr double kNothing = std::numeric_limits<double>::lowest();
-
-// A scene prepared for picking. Without lines there is nothing to remove, and preparing is all that the removal does.
-void Prepare(Scene& scene) {
-  for (ZBR_HL_TRI& triangle : scene.triangles) std::fill(std::begin(triangle.dispj), std::end(triangle.dispj), false);
-  for (ZBR_HL_SHELL& shell : scene.shells) shell.HiddenLineSelf();
-}
-
-struct Hit {
-  std::size_t shell = 0;
-  std::size_t triangle = 0;  // place in the scene
-  double z = kNothing;
-};
-
-// The library finds the shell and the height; the triangle is then the first of the shell that reaches it.
-Hit Highest(const Scene& scene, const ZBR_PT3& p) {
-  Hit hit;
-  bool found = false;
-  for (std::size_t s = 0; s < scene.shells.size(); ++s) {
-    if (!ZBR_HiddenLine::PickShell(p.x(), p.y(), scene.shells[s], hit.z)) continue;
-    hit.shell = s;
-    found = true;
-  }
-  if (!found) return hit;
-  const ZBR_HL_SHELL& shell = scene.shells[hit.shell];
-  for (unsigned t = 0; t < shell.count; ++t) {
-    double z = kNothing;
-    if (!shell.tris[t].Pick(p, z) || z < hit.z) continue;
-    hit.triangle = static_cast<std::size_t>(shell.tris + t - scene.triangles.data());
-    break;
-  }
-  return hit;
-}
-
 std::string Line(const ZBR_PT& at, const Scene& scene, const Model& model) {
   std::string text;
   AppendNumber(text, at.x());
@@ -62,10 +27,13 @@ std::string Line(const ZBR_PT& at, const Scene& scene, const Model& model) {
   AppendNumber(text, at.y());
   const ZBR_PT3 p = scene.FromDrawing(ZBR_PT3(at.x(), at.y(), 0));
   const bool isFar = !std::isfinite(p.x()) || !std::isfinite(p.y());
-  const Hit hit = isFar ? Hit() : Highest(scene, p);
-  if (hit.z == kNothing) return text + " nothing\n";
-  const double height = scene.ToDrawing(ZBR_PT3(p.x(), p.y(), hit.z)).z();
-  text += " shell " + std::to_string(hit.shell) + " triangle " + std::to_string(model.source[hit.triangle]) + " height ";
+  double z = std::numeric_limits<double>::lowest();
+  ZBR_HL_SOURCE hit;
+  if (isFar || !ZBR_HiddenLine::PickShells(p.x(), p.y(), scene.shells.data(), scene.ShellCount(), z, hit))
+    return text + " nothing\n";
+  const double height = scene.ToDrawing(ZBR_PT3(p.x(), p.y(), z)).z();
+  const std::size_t triangle = model.shellBegin[static_cast<std::size_t>(hit.shell)] + static_cast<std::size_t>(hit.triangle);
+  text += " shell " + std::to_string(hit.shell) + " triangle " + std::to_string(model.source[triangle]) + " height ";
   const bool isZero = std::abs(height) < kRounding * model.Diagonal();
   return text + (isZero ? "0" : RoundedText(height, 12)) + "\n";
 }
@@ -83,7 +51,7 @@ int RunPick(const PickOptions& options) {
   const Model model = MakeModel(mesh, kAnyCrease, options.weld);
   Scene scene = MakeScene(model, view);
   const ZBR_TmpEps tolerance(kSceneTolerance);
-  Prepare(scene);
+  ZBR_HiddenLine::Prepare(scene.shells.data(), scene.ShellCount());
   progress.Stage("picking");
   std::string text;
   for (const ZBR_PT& point : points) text += Line(point, scene, model);

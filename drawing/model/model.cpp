@@ -219,6 +219,7 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
   if (!std::isfinite(creaseDegrees) || !std::isfinite(weld))
     throw Failure("the angle of creases and the weld must be finite numbers");
   Model model;
+  model.rounding = mesh.rounding < 0 ? RoundingOf(mesh.points) : mesh.rounding;
   Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), model);
   SetBox(gathered, model);
   FillBody(gathered, model);

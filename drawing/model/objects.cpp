@@ -3,6 +3,7 @@
 
 #include <zbr-drawing/failure.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -66,9 +67,12 @@ void CheckMesh(const Mesh& mesh) {
 }
 
 void AddObject(Objects& objects, Mesh mesh, ObjectSource source) {
+  // Asked before the points are moved: sums are no single-precision numbers any more, but as inexact.
+  const double rounding = std::max(objects.mesh.rounding, mesh.rounding < 0 ? RoundingOf(mesh.points) : mesh.rounding);
   Move(mesh, source);
   source.firstTriangle = objects.mesh.triangles.size();
   Append(std::move(mesh), objects.mesh);
+  objects.mesh.rounding = rounding;
   objects.sources.push_back(std::move(source));
 }
 

@@ -1,6 +1,7 @@
 // Turns a model into view coordinates and finds its silhouettes.
 #include <zbr-drawing/scene.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace zbr::drawing {
@@ -24,6 +25,14 @@ bool HasEdgeSeenEndOn(const ZBR_HL_TRI& t) {
     if (ZBR_HL_TRI::EqualPtPt(t.pt[i], t.pt[(i + 1) % 3], kSceneTolerance)) return true;
   }
   return false;
+}
+
+// Faces that met before their corners were rounded are some steps apart. However coarse the coordinates are, what shows in a
+// drawing is no contact.
+double ContactOf(const Model& model, double scale) {
+  constexpr double kSteps = 4.0;
+  constexpr double kLargest = 1e-4 * kSceneDiagonal;
+  return std::min(kSteps * model.rounding * scale, kLargest);
 }
 
 class SceneMaker {
@@ -117,6 +126,7 @@ void MakeScene(const Model& model, const View& view, Scene& scene) {
   const double diagonal = model.Diagonal();
   scene.view = view;
   scene.scale = diagonal > 0 ? kSceneDiagonal / diagonal : 1.0;
+  scene.contact = ContactOf(model, scene.scale);
   scene.offset = view.In(model.Centre());
   scene.drawable = 0;
   scene.triangles.resize(model.TriangleCount());

@@ -5,6 +5,7 @@
 // up among those of the model.
 #include <zbr-drawing/outlines.h>
 
+#include <zbr-drawing/removal.h>
 #include <zbr/tolerance.h>
 
 #include <bit>
@@ -148,7 +149,7 @@ void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned thread
     ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count);
   });
   if (!narrow || objects.size() < 2) return;
-  RunParallel(scene.shells.size(), threads, [&](std::size_t s) { scene.shells[s].HiddenLineSelf(); });
+  RemoveHidden(scene, threads);
   const ZBR_TmpEps hold(kSceneTolerance);
   Narrow(objects);
 }

@@ -15,6 +15,7 @@ ViewLines DrawView(const Model& model, const NamedDirection& direction, const Dr
                    const std::function<void(DrawStage)>& at) {
   at(DrawStage::kScene);
   Scene scene = MakeScene(model, direction.view);
+  if (options.contact >= 0) scene.contact = options.contact * scene.scale;
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
   at(DrawStage::kLines);

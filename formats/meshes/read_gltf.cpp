@@ -32,6 +32,7 @@ struct Place {
   Place operator*(const Place& inner) const {
     return {Direction(inner.x), Direction(inner.y), Direction(inner.z), Point(inner.origin)};
   }
+  double Stretch() const { return std::max({x.Length(), y.Length(), z.Length()}); }
   bool IsMirror() const { return x.OuterProduct(y).InnerProduct(z) < 0; }
 };
 
@@ -140,8 +141,11 @@ class MeshBuilder {
 
   void AddPoints(const GltfAccessor& points, const Place& place) {
     if (points.Count() > kMostMeshPoints - mesh_.points.size()) throw Failure(file_, "too many points");
-    for (std::size_t i = 0; i < points.Count(); ++i) {
-      const ZBR_PT3 p = place.Point({points.At(i, 0), points.At(i, 1), points.At(i, 2)});
+    std::vector<ZBR_PT3> own;
+    for (std::size_t i = 0; i < points.Count(); ++i) own.emplace_back(points.At(i, 0), points.At(i, 1), points.At(i, 2));
+    mesh_.rounding = std::max(mesh_.rounding, RoundingOf(own) * place.Stretch());
+    for (const ZBR_PT3& q : own) {
+      const ZBR_PT3 p = place.Point(q);
       if (!std::isfinite(p.x()) || !std::isfinite(p.y()) || !std::isfinite(p.z()))
         throw Failure(file_, "a coordinate of point " + std::to_string(mesh_.points.size() + 1) + " is not a finite number");
       mesh_.points.push_back(p);

@@ -32,10 +32,18 @@ struct Mesh {
   std::vector<std::array<std::uint32_t, 3>> triangles;
   bool yUp = false;                 // the format says that y points up; most say nothing, and z is taken
   std::vector<MeshObject> objects;  // in increasing order, triangles use points of their own object only; none: all is one
+
+  // The distance between neighbouring values that coordinates are rounded to, 0 where they are exact. Negative: RoundingOf tells.
+  double rounding = -1.0;
 };
 
 // Whether a point is finite and small enough: products of four coordinates have to stay finite.
 bool IsMeshCoordinate(const ZBR_PT3& p);
+
+// The distance between single-precision numbers at the largest coordinate when the points were rounded to such numbers, else 0.
+// They were when all coordinates are single-precision numbers and some of them need the last of the 24 digits: lengths that are
+// whole, or halves, quarters and so on, do not, nor do decimal fractions that were kept in full.
+double RoundingOf(const std::vector<ZBR_PT3>& points);
 
 // Adds the polygon's triangles to the mesh; the corners are places of its points, counter-clockwise seen from outside. What is too
 // crooked to be taken apart, or without area, becomes a fan; fewer than three corners add nothing. Fails for a corner that is no

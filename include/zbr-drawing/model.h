@@ -57,7 +57,8 @@ struct Model {
   std::vector<std::uint32_t> source;  // place of a triangle in the mesh
   std::vector<EdgeNote> notes;        // of edges
 
-  ZBR_PT3 low, high;  // box of the triangles
+  ZBR_PT3 low, high;      // box of the triangles
+  double rounding = 0.0;  // of the mesh's coordinates
 
   // Triangles of the mesh that were left out: with two vertices at the same place; repeating another one.
   std::size_t collapsed = 0;

@@ -36,7 +36,9 @@ struct Scene {
 
   View view;
   double scale = 1.0;  // scene units per model unit
-  ZBR_PT3 offset;      // of the scene's origin: the middle of the model's box, in the view's axes
+  // Bodies that are this close stand face to face, in scene units; 0: as close as exact coordinates are. From the model's rounding.
+  double contact = 0.0;
+  ZBR_PT3 offset;  // of the scene's origin: the middle of the model's box, in the view's axes
 
   Scene() = default;
   Scene(const Scene&) = delete;

@@ -29,7 +29,11 @@ enum class DrawStage { kScene, kRemoval, kLines, kOutlines, kDone };
 struct DrawingOptions {
   bool hidden = true;     // hidden lines, too
   bool outlines = false;  // what nearer objects leave visible of each object, in ViewLines::outlines
-  unsigned threads = 1;   // views are worked on at once, and the shells of each with the threads left over
+  unsigned threads = 1;   // views are worked on at once, and the triangles of each with the threads left over
+
+  // Bodies at most this far apart stand face to face, and their common edges are drawn; negative: four times what the coordinates
+  // are rounded to, found from the model.
+  double contact = -1.0;
 
   // Told when a stage of a view begins, by its place in the list; from any of the threads, views in any order. What it throws ends
   // the work and comes out of DrawViews.

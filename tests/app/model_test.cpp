@@ -1,9 +1,11 @@
 // Models and scenes: what is one surface, which edges are drawn, and that generated meshes are sound.
 
 #include <zbr-drawing/failure.h>
+#include <zbr-drawing/objects.h>
 #include <zbr-drawing/scene.h>
 #include <zbr-drawing/survey.h>
 #include <zbr-drawing/triangulate.h>
+#include <zbr-drawing/views.h>
 
 #include <gtest/gtest.h>
 
@@ -338,6 +340,28 @@ TEST(Scene, IsTurnedScaledAndCanBeFilledAgain) {
       EXPECT_LT(scene.FromDrawing(p).Length(), kSceneDiagonal / 2 + 1e-9);
     }
   }
+}
+
+// Boxes on a plate, turned, as files of single precision hold them: the lines at which they stand on it show as they do in full.
+TEST(Views, SeamsOfRoundedBodiesShow) {
+  Mesh exact = example::BoxesOnPlate(4);
+  EXPECT_EQ(RoundingOf(exact.points), 0.0) << "whole numbers, halves";
+  const View turned = LookAlong(ZBR_PT3(1, 2, -3), ZBR_PT3(0, 0, 1));
+  for (ZBR_PT3& p : exact.points) p = turned.In(p);
+  EXPECT_EQ(RoundingOf(exact.points), 0.0);
+  Mesh rounded = exact;
+  for (ZBR_PT3& p : rounded.points) p.Set(static_cast<float>(p.x()), static_cast<float>(p.y()), static_cast<float>(p.z()));
+  const auto length = [](const Mesh& mesh, double contact) {
+    DrawingOptions options;
+    options.contact = contact;
+    return DrawViews(MakeModel(mesh, 30), {{"iso", *NamedView("iso")}}, options)[0].VisibleLength();
+  };
+  const double whole = length(exact, -1);
+  EXPECT_NEAR(length(rounded, -1), whole, 1e-4 * whole);
+  EXPECT_LT(length(rounded, 0), 0.99 * whole) << "a tolerance is needed for it";
+  Objects moved;
+  AddObject(moved, rounded, {"rounded", "rounded", ZBR_PT3(0.1, 0, 0), 0});
+  EXPECT_NEAR(length(moved.mesh, -1), whole, 1e-4 * whole) << "told by the points as they were read";
 }
 
 TEST(Triangulate, AreasAddUp) {
