@@ -33,13 +33,43 @@ LoopList ToLoops(const Region& region) {
 
 Answer CombineLoops(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
   LoopList loops;
-  zbrBooleanLoops(ToLoops(a), ToLoops(b), op, loops);
+  std::vector<ZBR_CROSS> crosses;
+  ZBR_BOOLEAN_STATUS status;
+  zbrBooleanLoops(ToLoops(a), ToLoops(b), &op, &loops, 1, crosses, status);
   Answer answer;
+  answer.fellBack = status.exact;
   for (const auto& loop : loops) {
     answer.region.rings.push_back(loop->pt());
     for (const auto& hole : loop->children()) answer.region.rings.push_back(hole->pt());
     answer.region.ends.push_back(answer.region.rings.size());
   }
+  return answer;
+}
+
+ZBR_REGION ToFlat(const Region& region) {
+  ZBR_REGION flat;
+  auto end = region.ends.begin();
+  for (std::size_t i = 0; i < region.rings.size(); ++i) {
+    const bool starts = end == region.ends.end() || i == 0 || i == *end;
+    if (starts && i > 0 && end != region.ends.end()) ++end;
+    flat.AddRing(region.rings[i], starts);
+  }
+  return flat;
+}
+
+Answer CombineRegions(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
+  static_assert(int{ZBR_FILL_EVEN_ODD} == kFillEvenOdd && int{ZBR_FILL_NON_ZERO} == kFillNonZero &&
+                int{ZBR_FILL_POSITIVE} == kFillPositive && int{ZBR_FILL_NEGATIVE} == kFillNegative);
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = static_cast<ZBR_FILL_RULE>(a.fill);
+  options.fill_b = static_cast<ZBR_FILL_RULE>(b.fill);
+  ZBR_REGION result;
+  const ZBR_REGION_STATUS status = zbrCombineRegions(ToFlat(a).view(), ToFlat(b).view(), &op, &result, 1, options);
+  Answer answer;
+  answer.failed = status.code != ZBR_REGION_OK;
+  answer.fellBack = status.exact;
+  answer.region.rings = RingsOf(result);
+  answer.region.ends.assign(result.polygon_offsets().begin() + 1, result.polygon_offsets().end());
   return answer;
 }
 
@@ -160,9 +190,8 @@ Answer CombineClipper(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
 
 const std::vector<Engine>& Engines() {
   static const std::vector<Engine> engines = {
-      {"loops", CombineLoops, false, true},
-      {"overlay", CombineOverlay, true, false},
-      {"geos", CombineGeos, false, false},
+      {"loops", CombineLoops, false, true},     {"regions", CombineRegions, true, false},
+      {"overlay", CombineOverlay, true, false}, {"geos", CombineGeos, false, false},
 #ifdef ZBR_HAVE_CLIPPER
       {"clipper", CombineClipper, true, false},
 #endif

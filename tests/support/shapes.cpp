@@ -70,6 +70,15 @@ std::vector<Ring> RingsOf(const LoopList& loops) {
   return rings;
 }
 
+std::vector<Ring> RingsOf(const ZBR_REGION& region) {
+  const std::vector<std::int32_t>& ends = region.ring_offsets();
+  std::vector<Ring> rings;
+  for (std::size_t r = 0; r < region.ring_count(); ++r) {
+    rings.emplace_back(region.points().begin() + ends[r], region.points().begin() + ends[r + 1]);
+  }
+  return rings;
+}
+
 std::string ToText(const LoopList& loops) {
   std::string out;
   for (const Ring& ring : RingsOf(loops)) {

@@ -30,6 +30,7 @@ LoopList Nest(const std::vector<Ring>& rings);
 std::string ToText(const LoopList& loops);
 // Every ring of a list, children behind their loop.
 std::vector<Ring> RingsOf(const LoopList& loops);
+std::vector<Ring> RingsOf(const ZBR_REGION& region);
 double NetArea(const LoopList& loops);
 
 // The axis-parallel square from (x, y) with the given side, counter-clockwise.
