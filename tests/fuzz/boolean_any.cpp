@@ -1,6 +1,5 @@
 // Rings of any shape and, in half of the runs, any coordinates: the search finds what trying all pairs finds; outer loops of
 // results run counter-clockwise and stay within the operands' box.
-#include "differential/compare.h"
 #include "fuzz/regions.h"
 
 namespace {

@@ -1,6 +1,5 @@
 // Sound regions with whole coordinates and every kind of coincidence: areas add up, and are those of the cells where these are the
 // same for both; crossings and loops are those of trying all pairs.
-#include "differential/compare.h"
 #include "fuzz/regions.h"
 
 void Fuzz(Bytes& bytes) {

@@ -1,5 +1,4 @@
 // Nesting and point location on any rings, against trying all pairs.
-#include "differential/compare.h"
 #include "fuzz/regions.h"
 
 namespace {

@@ -150,11 +150,3 @@ bool Geos::RingsAreApart(const LoopList& loops) const {
       Own(GEOSGeom_createCollection_r(context_, GEOS_MULTILINESTRING, lines.data(), static_cast<unsigned>(lines.size())));
   return all && GEOSisSimple_r(context_, all.get()) == 1;
 }
-
-bool Geos::MayTouch(const Ring& a, const Ring& b) const {
-  char* const relation = GEOSRelate_r(context_, Polygon(a).get(), Polygon(b).get());
-  const std::string dimensions(relation);  // of interiors, boundaries, exteriors of a with those of b; F for nothing
-  GEOSFree_r(context_, relation);
-  const bool onOneSide = dimensions[0] == 'F' || dimensions[2] == 'F' || dimensions[6] == 'F';
-  return onOneSide && dimensions[4] != '1';
-}

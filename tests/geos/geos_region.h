@@ -44,8 +44,6 @@ class Geos {
   double Difference(const Geometry& a, const Geometry& b, double negligible) const;
   // Whether every ring is simple and no two rings meet.
   bool RingsAreApart(const LoopList& loops) const;
-  // Whether two simple rings meet in points at most and neither is on both sides of the other.
-  bool MayTouch(const Ring& a, const Ring& b) const;
 
  private:
   Geometry Own(GEOSGeometry* g) const { return Geometry(g, Destroy{context_}); }
