@@ -53,7 +53,6 @@ TEST_P(Differential, CrossingsOfAllPairsOfEdges) {
     std::vector<ZBR_CROSS> crosses;
     zbrGetLoopsCross(A, B, crosses);
     SCOPED_TRACE(testing::Message() << "seed " << seed << '\n' << Describe(A, B));
-    std::vector<int> perPair(crosses.size());
     const auto place = [](const LoopList& loops, const ZBR_CROSS_AB& side) {
       return loops[static_cast<std::size_t>(side.loop.loop())]->LinTo(side.pos);
     };
@@ -70,9 +69,9 @@ TEST_P(Differential, CrossingsOfAllPairsOfEdges) {
       ForEachEdge(pair.b, [&](int b, std::size_t j, const ZBR_PT& r, const ZBR_PT& s) {
         double t = 0.0;
         double u = 0.0;
-        const bool crosses =
+        const bool isProper =
             zbrIsIntersect(p, q, r, s, &t, &u, nullptr) && std::min(t, u) > kClear && std::max(t, u) < 1.0 - kClear;
-        if (!crosses) return;
+        if (!isProper) return;
         ++proper;
         ASSERT_EQ(count(a, i, b, j), 1) << p.x() << ' ' << p.y() << ", " << r.x() << ' ' << r.y();
       });

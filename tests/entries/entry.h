@@ -33,6 +33,7 @@ std::string Text(const std::vector<std::vector<ZBR_PT>>& lines);
 void RunBoolean(const Entry& entry);
 void RunChain(const Entry& entry);
 void RunClip(const Entry& entry);
+void RunCrossings(const Entry& entry);
 void RunEdge(const Entry& entry);
 void RunLocate(const Entry& entry);
 void RunLoops(const Entry& entry);

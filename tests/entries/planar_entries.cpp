@@ -42,6 +42,20 @@ void RunBoolean(const Entry& entry) {
   ExpectBoolean(entry.Or("A", ""), entry.Or("B", ""), entry.At("areas"));
 }
 
+// A, B: a ring each; records: see crossings.txt; open: whether B is a line.
+void RunCrossings(const Entry& entry) {
+  std::vector<ZBR_CROSS> crosses;
+  zbrGetPolygonCross(ParseLoop(entry.At("A")), ParseLoop(entry.At("B")), 0, 0, 0, 0, crosses, entry.Or("open", "no") == "no");
+  std::string records;
+  for (const ZBR_CROSS& c : crosses) {
+    char text[80];
+    std::snprintf(text, sizeof text, "%s%g:%g%c", records.empty() ? "" : " ", c.a.pos, c.b.pos,
+                  c.dir == ZBR_CROSS_TO_LEFT ? 'L' : 'R');
+    records += text;
+  }
+  EXPECT_EQ(records, entry.At("records"));
+}
+
 // rings; tree: see above.
 void RunNest(const Entry& entry) {
   LoopList loops = ParseLoops(entry.Or("rings", ""));
