@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "arrangement/overlay.h"
-#include "core/box.h"
 #include "geos/geos_region.h"
 
 #ifdef ZBR_HAVE_CLIPPER
@@ -57,10 +55,13 @@ ZBR_REGION ToFlat(const Region& region) {
   return flat;
 }
 
+// Asked for sources, it arranges every pair.
+template <bool withSources>
 Answer CombineRegions(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
   static_assert(int{ZBR_FILL_EVEN_ODD} == kFillEvenOdd && int{ZBR_FILL_NON_ZERO} == kFillNonZero &&
                 int{ZBR_FILL_POSITIVE} == kFillPositive && int{ZBR_FILL_NEGATIVE} == kFillNegative);
   ZBR_REGION_OPTIONS options;
+  options.sources = withSources;
   options.fill_a = static_cast<ZBR_FILL_RULE>(a.fill);
   options.fill_b = static_cast<ZBR_FILL_RULE>(b.fill);
   ZBR_REGION result;
@@ -70,29 +71,6 @@ Answer CombineRegions(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
   answer.fellBack = status.exact;
   answer.region.rings = RingsOf(result);
   answer.region.ends.assign(result.polygon_offsets().begin() + 1, result.polygon_offsets().end());
-  return answer;
-}
-
-// The exact arrangement alone, for every pair.
-Answer CombineOverlay(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
-  std::vector<zbr::RingSpan> rings;
-  zbr::Box box;
-  for (const Region* region : {&a, &b}) {
-    for (const Ring& ring : region->rings) {
-      rings.emplace_back(ring);
-      for (const ZBR_PT& p : ring) box.Add(p);
-    }
-  }
-  const double tolerance = zbr::OverlayTolerance(box, kBooleanEps);
-  const zbr::Overlay overlay(rings, a.rings.size(), tolerance, tolerance);
-  const auto inside = [&](const zbr::Winding& w) { return IsInResult(op, IsInside(w.of[0], a.fill), IsInside(w.of[1], b.fill)); };
-  const zbr::FlatRegion flat = overlay.Region(inside, false);
-  Answer answer;
-  for (std::size_t i = 0; i < flat.ringEnds.size(); ++i) {
-    const auto points = flat.Ring(i);
-    answer.region.rings.emplace_back(points.begin(), points.end());
-  }
-  answer.region.ends.assign(flat.polygonEnds.begin(), flat.polygonEnds.end());
   return answer;
 }
 
@@ -190,8 +168,10 @@ Answer CombineClipper(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
 
 const std::vector<Engine>& Engines() {
   static const std::vector<Engine> engines = {
-      {"loops", CombineLoops, false, true},     {"regions", CombineRegions, true, false},
-      {"overlay", CombineOverlay, true, false}, {"geos", CombineGeos, false, false},
+      {"loops", CombineLoops, false, true},
+      {"regions", CombineRegions<false>, true, false},
+      {"arranged", CombineRegions<true>, true, false},
+      {"geos", CombineGeos, false, false},
 #ifdef ZBR_HAVE_CLIPPER
       {"clipper", CombineClipper, true, false},
 #endif

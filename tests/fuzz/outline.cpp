@@ -13,28 +13,9 @@ using Shells = std::vector<ZBR_HL_SHELL>;
 void CheckOutline(const Shells& shells) {
   const LoopList& outline = shells[0].outline_all;
   const auto describe = [&] { return ToText(outline); };
-  std::vector<const ZBR_HL_TRI*> faces;
-  double sum = 0.0, largest = 0.0, slack = 1e-6;
-  ForEachTriangle(shells, [&](const ZBR_HL_TRI& t) {
-    if (t.IsTriInvalid() || t.IsTriVertical()) return;
-    faces.push_back(&t);
-    const double area = std::abs((t.pt[1] - t.pt[0]).OuterProductXY(t.pt[2] - t.pt[0])) / 2.0;
-    sum += area;
-    largest = std::max(largest, area);
-    for (const ZBR_PT3& p : t.pt) slack = std::max(slack, 1e-6 * p.xy().Length2());
-  });
-  Require(NetArea(outline) <= sum + slack, "no larger than the triangles together", describe);
-  Require(NetArea(outline) >= largest - slack, "no smaller than one triangle", describe);
+  const RegionJudge judge(FacesOf(shells), {}, kFillNonZero);
+  Require(!judge.IsWrong(judge.Judge(ZBR_BOOL_OR, RingsOf(outline)), 1e-8 * judge.Extent()), "holds what is covered", describe);
   Require(bool(IsNested(outline, 0.0)), "nested", describe);
-  Require(IsRegion(RingsOf(outline)), "simple", describe);
-  const ZBR_LOOP_LOCATOR locator(outline);
-  for (int i = 0; i < 64; ++i) {
-    const ZBR_PT p(i % 8 - 0.4142, i / 8 - 0.7321);
-    double clearance = -INFINITY;
-    for (const ZBR_HL_TRI* t : faces) clearance = std::max(clearance, Clearance(*t, p));
-    Require(clearance < 1e-4 || locator.IsInside(p) != ZBR_PI_OUT, "holds what is covered", describe);
-    Require(clearance > -1e-4 || locator.IsInside(p) != ZBR_PI_IN, "holds nothing else", describe);
-  }
 }
 
 // What of an edge is outline is told twice: by the mark on the edge, and by asking for what has no triangle beside it.

@@ -22,23 +22,10 @@ LoopList OutlineOf(Drawing& drawing) {
   return OutlineOf(shells);
 }
 
-// The projected triangles, counter-clockwise.
-std::vector<Ring> Faces(const Drawing& drawing) {
-  std::vector<Ring> faces;
-  for (const auto& body : drawing.bodies) {
-    for (const ZBR_HL_TRI& t : body) {
-      if (t.tri_state != 1) continue;
-      Ring& ring = faces.emplace_back(Ring{t.pt[0].xy(), t.pt[1].xy(), t.pt[2].xy()});
-      if ((ring[1] - ring[0]).OuterProduct(ring[2] - ring[0]) < 0.0) std::swap(ring[1], ring[2]);
-    }
-  }
-  return faces;
-}
-
 // Loops are nested, wind once around what the triangles wind around at all, and pass no vertex twice.
-void ExpectOutline(const LoopList& loops, const Drawing& drawing) {
+void ExpectOutline(const LoopList& loops, Drawing& drawing) {
   EXPECT_TRUE(IsNested(loops, 0.0));
-  const RegionJudge judge(Faces(drawing), {}, kFillNonZero);
+  const RegionJudge judge(FacesOf(drawing.Shells()), {}, kFillNonZero);
   const Verdict verdict = judge.Judge(ZBR_BOOL_OR, RingsOf(loops));
   EXPECT_FALSE(judge.IsWrong(verdict, 1e-9 * judge.Extent()))
       << verdict.area << " near " << verdict.place.x() << ' ' << verdict.place.y();
@@ -136,24 +123,6 @@ TEST(OutlineOfCrowds, BarsAcrossBarsAtAnyAngle) {
     ASSERT_EQ(shell.outline_all.size(), 1U) << slope;
     EXPECT_EQ(shell.outline_all[0]->children().size(), std::size_t{(kBars - 1) * (kBars - 1)}) << slope;
     EXPECT_NEAR(NetArea(shell.outline_all), kBars * width * (2.4 - kBars * width), 1e-9) << slope;
-  }
-}
-
-// Size and place do not matter as long as the coordinates can tell the triangles.
-TEST_P(OutlineOfScenes, OfAnySize) {
-  const ZBR_TmpEps guard(1e-9);
-  for (int seed = 0; seed < Scaled(10); ++seed) {
-    LoopList loops[2];
-    const double factors[] = {1.0, seed % 2 == 0 ? 0x1p30 : 0x1p-10};
-    for (int k = 0; k < 2; ++k) {
-      Random random(static_cast<std::uint64_t>(seed));
-      const std::vector<Mesh> bodies = GetParam().bodies(random);
-      Drawing drawing = Draw(bodies, RandomView(random));
-      Scale(drawing, ZBR_PT3(1, 1, 1) * factors[k]);
-      loops[k] = OutlineOf(drawing);
-    }
-    EXPECT_EQ(RingsOf(loops[0]).size(), RingsOf(loops[1]).size()) << "seed " << seed;
-    EXPECT_NEAR(NetArea(loops[1]) / (factors[1] * factors[1]), NetArea(loops[0]), 1e-9 * NetArea(loops[0])) << "seed " << seed;
   }
 }
 
