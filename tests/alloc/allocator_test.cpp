@@ -108,17 +108,6 @@ TEST(Allocator, FillingAgainGivesTheSameAddressesAndAllocatesNothing) {
   EXPECT_EQ(g_live, live);
 }
 
-TEST(Allocator, Strings) {
-  ZBR_CSimpleAlloc alloc(30);
-  EXPECT_EQ(alloc.PushString(nullptr), nullptr);
-  char* const empty = alloc.PushString("");
-  char* const word = alloc.PushString("eightish");  // nine bytes fill the block
-  EXPECT_STREQ(alloc.PushString("longer than a block"), "longer than a block");
-  EXPECT_EQ(word, empty + 1);
-  EXPECT_STREQ(empty, "");
-  EXPECT_STREQ(word, "eightish");
-}
-
 TEST(Allocator, HandlesShareBlocksWhichAreFreedOnce) {
   const long live = g_live;
   {

@@ -1,11 +1,10 @@
-// Sorting and clean-up of crossings, on records made by hand.
+// Sorting and clean-up of crossings, on records made by hand. By named case: data/orders.txt.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "boolean/check.h"
-#include "support/expect.h"
+#include "support/shapes.h"
 
 namespace {
 
@@ -27,44 +26,6 @@ ZBR_CROSS Make(Side a, Side b, ZBR_CROSS_DIR dir, const ZBR_PT& pt = {}) {
   c.b.pos = b.pos;
   c.valid = true;
   return c;
-}
-
-struct Cleaned {
-  std::vector<ZBR_CROSS> crosses;
-  std::vector<int> sorted[2] = {{1, 2, 3}, {4, 5}};
-};
-
-// Cleans up and checks what must hold for every crossing that is left.
-Cleaned Clean(const std::vector<ZBR_CROSS>& crosses, bool bothClosed, const LoopList& A, const LoopList& B) {
-  Cleaned out;
-  out.crosses = crosses;
-  for (std::size_t k = 0; k < crosses.size(); ++k) out.crosses[k].index = static_cast<int>(k);
-  zbrOptimizeCross(A, B, out.crosses, out.sorted, bothClosed);
-  EXPECT_TRUE(Holds(zbr::SortedFault(out.crosses, out.sorted, 1e-5)));
-  return out;
-}
-
-// Two far squares with two holes each: polygons (0..1, 0..2).
-LoopList TwoSquares() {
-  LoopList loops;
-  for (int x = 0; x < 200; x += 100) {
-    loops.push_back(MakeLoop(Square(x, 0, 90)));
-    loops.back()->children() =
-        MakeLoops({{{x + 1.0, 1.0}, {x + 1.0, 2.0}, {x + 2.0, 2.0}}, {{x + 4.0, 1.0}, {x + 4.0, 2.0}, {x + 5.0, 2.0}}});
-  }
-  NetArea(loops);
-  return loops;
-}
-
-std::size_t LeftOf(const std::vector<ZBR_CROSS>& crosses, bool bothClosed = true) {
-  return Clean(crosses, bothClosed, TwoSquares(), TwoSquares()).crosses.size();
-}
-
-// A balanced pair far from everything, so that a list does not run empty.
-const std::vector<ZBR_CROSS> kPair = {Make({1, 0, 0.5}, {1, 0, 0.5}, L), Make({1, 0, 1.5}, {1, 0, 1.5}, R)};
-std::vector<ZBR_CROSS> WithPair(std::vector<ZBR_CROSS> crosses) {
-  crosses.insert(crosses.end(), kPair.begin(), kPair.end());
-  return crosses;
 }
 
 TEST(CrossSort, KeysInTurn) {
@@ -91,47 +52,15 @@ TEST(CrossSort, KeysInTurn) {
   EXPECT_EQ(first(1), '1') << "by side b the other one is first";
 }
 
-TEST(OptimizeCross, FewerThanTwoOfClosedFamiliesClearsAll) {
-  EXPECT_EQ(LeftOf({}), 0U);
-  EXPECT_EQ(LeftOf({Make({0, 0, 1}, {0, 0, 1}, L)}), 0U);
-  EXPECT_EQ(LeftOf({}, false), 0U);
-  EXPECT_EQ(LeftOf({Make({0, 0, 1}, {0, 0, 1}, L)}, false), 1U) << "an open line may end inside";
-}
-
-TEST(OptimizeCross, PolygonsCrossedOneWayLoseTheirCrossings) {
-  EXPECT_EQ(LeftOf(kPair), 2U);
-  EXPECT_EQ(LeftOf(WithPair({Make({0, 0, 1}, {0, 0, 1}, L), Make({0, 0, 2}, {0, 0, 2}, L)})), 2U);
-  EXPECT_EQ(LeftOf(WithPair({Make({0, 0, 1}, {0, 0, 1}, L), Make({0, 0, 2}, {0, 1, 2}, R)})), 2U) << "balanced on a, not on b";
-  EXPECT_EQ(LeftOf(WithPair({Make({0, 0, 1}, {0, 0, 1}, L), Make({0, 1, 2}, {0, 0, 2}, R)})), 2U) << "balanced on b, not on a";
-  EXPECT_EQ(LeftOf(WithPair({Make({0, 0, 1}, {0, 0, 1}, L), Make({0, 0, 2}, {0, 0, 2}, R)})), 4U);
-  EXPECT_EQ(LeftOf({Make({0, 0, 1}, {0, 0, 1}, L), Make({0, 0, 2}, {0, 0, 2}, L)}, false), 2U) << "not asked of open lines";
-}
-
-TEST(OptimizeCross, CoincidentRecords) {
-  const ZBR_CROSS at = Make({0, 0, 1}, {0, 0, 1}, L);
-  const ZBR_CROSS exit = Make({0, 0, 3}, {0, 0, 3}, R);
-  const double near = 0.9e-5;
-  EXPECT_EQ(LeftOf(WithPair({at, at, exit})), 4U) << "a passage recorded twice counts once";
-  EXPECT_EQ(LeftOf(WithPair({at, Make({0, 0, 1 + near}, {0, 0, 1 - near}, L), exit})), 4U) << "within eps in position";
-  EXPECT_EQ(LeftOf(WithPair({at, Make({0, 0, 1}, {0, 0, 1.1}, L), exit})), 5U) << "elsewhere on b";
-  EXPECT_EQ(LeftOf(WithPair({at, Make({0, 0, 1}, {0, 0, 1}, R)})), 2U) << "a touch: both go";
-  EXPECT_EQ(LeftOf({at, Make({0, 0, 1}, {0, 0, 1}, R)}), 0U) << "with two entries only one pair is looked at";
-  EXPECT_EQ(LeftOf(WithPair({Make({0, 0, 0}, {0, 0, 0}, L), Make({0, 0, 4}, {0, 0, 4}, L), exit})), 5U) << "0 is not n";
-}
-
-TEST(OptimizeCross, TouchesOfOpenLines) {
-  const auto touch = [](ZBR_CROSS_DIR second) {
-    return std::vector<ZBR_CROSS>{Make({0, 0, 0.5}, {0, 0, 0.5}, L), Make({0, 0, 1}, {0, 0, 1}, L),
-                                  Make({0, 1, 2}, {0, 0, 1}, second), Make({0, 0, 3}, {0, 0, 3}, R)};
-  };
-  EXPECT_EQ(LeftOf(touch(R), false), 2U) << "one place of b, opposite directions: both go";
-  EXPECT_EQ(LeftOf(touch(L), false), 4U) << "same direction: kept";
-}
-
 TEST(OptimizeCross, TieWithoutAStripBetweenIsDropped) {
-  const LoopList other = {MakeLoop(Square(0, 0, 4))};
-  const std::vector<ZBR_CROSS> tie = {Make({0, 0, 0.5}, {0, 0, 0.25}, L, {1, 0}), Make({0, 0, 0.5}, {0, 0, 0.75}, R, {3, 0})};
-  EXPECT_EQ(Clean(tie, true, TwoSquares(), other).crosses.size(), 0U);
+  const LoopList A = Nest({Square(0, 0, 90)});
+  const LoopList B = Nest({Square(0, 0, 4)});
+  std::vector<ZBR_CROSS> tie = {Make({0, 0, 0.5}, {0, 0, 0.25}, L, {1, 0}), Make({0, 0, 0.5}, {0, 0, 0.75}, R, {3, 0})};
+  tie[0].index = 0;
+  tie[1].index = 1;
+  std::vector<int> sorted[2];
+  zbrOptimizeCross(A, B, tie, sorted, true);
+  EXPECT_TRUE(tie.empty());
 }
 
 TEST(SetFollowingCrossDone, CyclicPredecessorWithinAPolygon) {

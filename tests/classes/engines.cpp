@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "arrangement/overlay.h"
-#include "core/box.h"
 #include "geos/geos_region.h"
 
 #ifdef ZBR_HAVE_CLIPPER
@@ -33,8 +31,11 @@ LoopList ToLoops(const Region& region) {
 
 Answer CombineLoops(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
   LoopList loops;
-  zbrBooleanLoops(ToLoops(a), ToLoops(b), op, loops);
+  std::vector<ZBR_CROSS> crosses;
+  ZBR_BOOLEAN_STATUS status;
+  zbrBooleanLoops(ToLoops(a), ToLoops(b), &op, &loops, 1, crosses, status);
   Answer answer;
+  answer.fellBack = status.exact;
   for (const auto& loop : loops) {
     answer.region.rings.push_back(loop->pt());
     for (const auto& hole : loop->children()) answer.region.rings.push_back(hole->pt());
@@ -43,26 +44,33 @@ Answer CombineLoops(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
   return answer;
 }
 
-// The exact arrangement alone, for every pair.
-Answer CombineOverlay(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
-  std::vector<zbr::RingSpan> rings;
-  zbr::Box box;
-  for (const Region* region : {&a, &b}) {
-    for (const Ring& ring : region->rings) {
-      rings.emplace_back(ring);
-      for (const ZBR_PT& p : ring) box.Add(p);
-    }
+ZBR_REGION ToFlat(const Region& region) {
+  ZBR_REGION flat;
+  auto end = region.ends.begin();
+  for (std::size_t i = 0; i < region.rings.size(); ++i) {
+    const bool starts = end == region.ends.end() || i == 0 || i == *end;
+    if (starts && i > 0 && end != region.ends.end()) ++end;
+    flat.AddRing(region.rings[i], starts);
   }
-  const double tolerance = zbr::OverlayTolerance(box, kBooleanEps);
-  const zbr::Overlay overlay(rings, a.rings.size(), tolerance, tolerance);
-  const auto inside = [&](const zbr::Winding& w) { return IsInResult(op, IsInside(w.of[0], a.fill), IsInside(w.of[1], b.fill)); };
-  const zbr::FlatRegion flat = overlay.Region(inside, false);
+  return flat;
+}
+
+// Asked for sources, it arranges every pair.
+template <bool withSources>
+Answer CombineRegions(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
+  static_assert(int{ZBR_FILL_EVEN_ODD} == kFillEvenOdd && int{ZBR_FILL_NON_ZERO} == kFillNonZero &&
+                int{ZBR_FILL_POSITIVE} == kFillPositive && int{ZBR_FILL_NEGATIVE} == kFillNegative);
+  ZBR_REGION_OPTIONS options;
+  options.sources = withSources;
+  options.fill_a = static_cast<ZBR_FILL_RULE>(a.fill);
+  options.fill_b = static_cast<ZBR_FILL_RULE>(b.fill);
+  ZBR_REGION result;
+  const ZBR_REGION_STATUS status = zbrCombineRegions(ToFlat(a).view(), ToFlat(b).view(), &op, &result, 1, options);
   Answer answer;
-  for (std::size_t i = 0; i < flat.ringEnds.size(); ++i) {
-    const auto points = flat.Ring(i);
-    answer.region.rings.emplace_back(points.begin(), points.end());
-  }
-  answer.region.ends.assign(flat.polygonEnds.begin(), flat.polygonEnds.end());
+  answer.failed = status.code != ZBR_REGION_OK;
+  answer.fellBack = status.exact;
+  answer.region.rings = RingsOf(result);
+  answer.region.ends.assign(result.polygon_offsets().begin() + 1, result.polygon_offsets().end());
   return answer;
 }
 
@@ -161,7 +169,8 @@ Answer CombineClipper(const Region& a, const Region& b, ZBR_BOOLEAN_OPE op) {
 const std::vector<Engine>& Engines() {
   static const std::vector<Engine> engines = {
       {"loops", CombineLoops, false, true},
-      {"overlay", CombineOverlay, true, false},
+      {"regions", CombineRegions<false>, true, false},
+      {"arranged", CombineRegions<true>, true, false},
       {"geos", CombineGeos, false, false},
 #ifdef ZBR_HAVE_CLIPPER
       {"clipper", CombineClipper, true, false},

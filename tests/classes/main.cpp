@@ -4,8 +4,8 @@
 //   right|valid]
 //
 // --class takes those whose name contains one of the texts. --cases adds a class: the entries of a file like
-// tests/data/regressions.txt, in other units, moved and turned. --dump appends wrong pairs to such a file, shrunk while they stay
-// wrong. --expect right makes a wrong result a failure, --expect valid an invalid one as well.
+// tests/data/regressions.txt, in other units, moved and turned. --expect right makes a wrong result a failure, --expect valid an
+// invalid one as well. --dump appends pairs that failed to such a file, shrunk while they fail.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -32,6 +32,7 @@ struct Tally {
 struct Outcome {
   Answer answer;
   bool wrong = false;
+  bool invalid = false;
   bool gross = false;
   double error = 0.0;
 };
@@ -44,6 +45,7 @@ Outcome Try(const Engine& engine, const RegionJudge& judge, const Pair& pair, ZB
   Outcome outcome{engine.combine(pair.a, pair.b, op)};
   const Verdict verdict = judge.Judge(op, outcome.answer.region.rings);
   outcome.wrong = outcome.answer.failed || judge.IsWrong(verdict, noise + kTolerance * judge.Extent());
+  outcome.invalid = !IsValid(outcome.answer.region, op == ZBR_BOOL_XOR && engine.xorSharesEdges);
   outcome.gross = verdict.depth > kGrossDepth * judge.Extent();
   outcome.error = verdict.area / (judge.Perimeter() * judge.Extent());
   return outcome;
@@ -87,7 +89,8 @@ Pair Shrunk(Pair pair, const std::function<bool(const Pair&)>& isWrong) {
 
 class Trial {
  public:
-  Trial(const Engine& engine, const InputClass& input, const std::string& dump) : engine_(engine), input_(input), dump_(dump) {}
+  Trial(const Engine& engine, const InputClass& input, const std::string& dump, bool mustBeValid)
+      : engine_(engine), input_(input), dump_(dump), mustBeValid_(mustBeValid) {}
 
   Tally Run(int count, std::uint64_t seed) {
     for (int i = 0; i < count; ++i) {
@@ -110,21 +113,22 @@ class Trial {
     for (const ZBR_BOOLEAN_OPE op : ops) {
       Outcome outcome = Try(engine_, judge, pair, op, input_.noise);
       Count(op, outcome);
-      if (outcome.wrong && right) Dump(pair, op);
+      if (Fails(outcome) && right) Dump(pair, op);
       right = right && !outcome.wrong;
       region = std::move(outcome.answer.region);
     }
     return right ? region : std::nullopt;
   }
 
+  bool Fails(const Outcome& outcome) const { return outcome.wrong || (mustBeValid_ && outcome.invalid); }
+
   void Count(ZBR_BOOLEAN_OPE op, const Outcome& outcome) {
-    const Region& region = outcome.answer.region;
     const bool sharesEdges = op == ZBR_BOOL_XOR && engine_.xorSharesEdges;
     tally_.results += 1;
     tally_.failed += outcome.answer.failed ? 1 : 0;
     tally_.fellBack += outcome.answer.fellBack ? 1 : 0;
-    tally_.invalid += IsValid(region, sharesEdges) ? 0 : 1;
-    tally_.invalidXor += sharesEdges && !IsValid(region, false) ? 1 : 0;
+    tally_.invalid += outcome.invalid ? 1 : 0;
+    tally_.invalidXor += sharesEdges && !IsValid(outcome.answer.region, false) ? 1 : 0;
     wrong_ |= outcome.wrong;
     gross_ |= outcome.gross;
     if (!outcome.wrong) tally_.worst = std::max(tally_.worst, outcome.error);
@@ -132,10 +136,10 @@ class Trial {
 
   void Dump(const Pair& pair, ZBR_BOOLEAN_OPE op) {
     if (dump_.empty() || dumps_++ >= kMostDumps) return;
-    const Pair small = Shrunk(pair, [&](const Pair& p) { return Try(engine_, JudgeOf(p), p, op, input_.noise).wrong; });
+    const Pair small = Shrunk(pair, [&](const Pair& p) { return Fails(Try(engine_, JudgeOf(p), p, op, input_.noise)); });
     std::ofstream out(dump_, std::ios::app);
     out.precision(16);
-    out << "case " << name_ << "\nwhy Operation " << op << " was wrong.\nareas";
+    out << "case " << name_ << "\nwhy Operation " << op << " was wrong or invalid.\nareas";
     for (const ZBR_BOOLEAN_OPE each : kOps) out << ' ' << JudgeOf(small).Judge(each, {}).expected;
     out << "\nA " << ToText(MakeLoops(small.a.rings)) << "\nB " << ToText(MakeLoops(small.b.rings)) << "\n\n";
   }
@@ -143,6 +147,7 @@ class Trial {
   const Engine& engine_;
   const InputClass& input_;
   const std::string& dump_;
+  const bool mustBeValid_;
   std::string name_;
   Tally tally_;
   int dumps_ = 0;
@@ -173,6 +178,7 @@ int main(int argc, char** argv) {
   }
   int wrong = 0;
   int invalid = 0;
+  const bool expectValid = options["--expect"] == "valid";
   std::printf("%-15s %-8s %7s %8s %7s %7s %8s %8s %7s %8s %9s %7s\n", "class", "engine", "pairs", "results", "wrong", "gross",
               "invalid", "xor-inv", "failed", "fallback", "rounding", "s");
   for (const InputClass& input : InputClasses(options["--cases"])) {
@@ -181,7 +187,7 @@ int main(int argc, char** argv) {
       if (input.needsFills && !engine.takesFills) continue;
       const auto start = std::chrono::steady_clock::now();
       const int count = std::max(1, std::stoi(options["--pairs"]) / input.cost);
-      const Tally t = Trial(engine, input, options["--dump"]).Run(count, std::stoull(options["--seed"]));
+      const Tally t = Trial(engine, input, options["--dump"], expectValid).Run(count, std::stoull(options["--seed"]));
       const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
       std::printf("%-15s %-8s %7d %8d %7d %7d %8d %8d %7d %8d %9.1e %7.1f\n", input.name.c_str(), engine.name.c_str(), t.drawn,
                   t.results, t.wrong, t.gross, t.invalid, t.invalidXor, t.failed, t.fellBack, t.worst, seconds.count());
@@ -190,6 +196,5 @@ int main(int argc, char** argv) {
       invalid += t.invalid;
     }
   }
-  const bool expectValid = options["--expect"] == "valid";
   return (wrong > 0 && (expectValid || options["--expect"] == "right")) || (invalid > 0 && expectValid) ? 1 : 0;
 }

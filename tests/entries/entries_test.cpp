@@ -100,9 +100,10 @@ class EntryTest : public testing::Test {
 
 int main(int argc, char** argv) {
   const std::map<std::string, void (*)(const Entry&)> runs = {
-      {"booleans", RunBoolean}, {"regressions", RunBoolean}, {"chains", RunChain},       {"clips", RunClip},
-      {"edges", RunEdge},       {"locations", RunLocate},    {"loops", RunLoops},        {"nests", RunNest},
-      {"outlines", RunOutline}, {"picks", RunPick},          {"relations", RunRelation}, {"scenes", RunScene},
+      {"booleans", RunBoolean},     {"regressions", RunBoolean}, {"chains", RunChain},     {"clips", RunClip},
+      {"crossings", RunCrossings},  {"edges", RunEdge},          {"locations", RunLocate}, {"loops", RunLoops},
+      {"nests", RunNest},           {"orders", RunOrders},       {"outlines", RunOutline}, {"picks", RunPick},
+      {"predicates", RunPredicate}, {"relations", RunRelation},  {"scenes", RunScene},
   };
   testing::InitGoogleTest(&argc, argv);
   const std::vector<Entry> entries = ReadEntries(ZBR_TEST_DATA);

@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "boolean/check.h"
 #include "entries/entry.h"
 #include "support/expect.h"
 #include "support/random_shapes.h"
@@ -40,6 +41,46 @@ void Append(std::vector<ZBR_SEG>& pieces, const Ring& line, std::size_t count) {
 // A, B: regions; areas: of A - B, B - A, A or B, A and B, A xor B, with numbers of loops if wanted.
 void RunBoolean(const Entry& entry) {
   ExpectBoolean(entry.Or("A", ""), entry.Or("B", ""), entry.At("areas"));
+}
+
+// A, B: a ring each; records: see crossings.txt; open: whether B is a line.
+void RunCrossings(const Entry& entry) {
+  std::vector<ZBR_CROSS> crosses;
+  zbrGetPolygonCross(ParseLoop(entry.At("A")), ParseLoop(entry.At("B")), 0, 0, 0, 0, crosses, entry.Or("open", "no") == "no");
+  std::string records;
+  for (const ZBR_CROSS& c : crosses) {
+    char text[80];
+    std::snprintf(text, sizeof text, "%s%g:%g%c", records.empty() ? "" : " ", c.a.pos, c.b.pos,
+                  c.dir == ZBR_CROSS_TO_LEFT ? 'L' : 'R');
+    records += text;
+  }
+  EXPECT_EQ(records, entry.At("records"));
+}
+
+// cross, left, open: see orders.txt.
+void RunOrders(const Entry& entry) {
+  LoopList loops;
+  for (const double x : {0.0, 100.0}) {
+    loops.push_back(MakeLoop(Square(x, 0, 90)));
+    loops.back()->children() = MakeLoops({{{x + 1, 1}, {x + 1, 2}, {x + 2, 2}}, {{x + 4, 1}, {x + 4, 2}, {x + 5, 2}}});
+  }
+  NetArea(loops);  // sets up
+  std::vector<ZBR_CROSS> crosses;
+  for (const std::string& text : entry.All("cross")) {
+    const std::vector<double> v = Numbers(text);
+    ZBR_CROSS& c = crosses.emplace_back();
+    c.a.loop = ZBR_CROSS_LOOP(static_cast<int>(v.at(0)), static_cast<int>(v.at(1)));
+    c.b.loop = ZBR_CROSS_LOOP(static_cast<int>(v.at(3)), static_cast<int>(v.at(4)));
+    c.a.pos = v.at(2);
+    c.b.pos = v.at(5);
+    c.dir = v.at(6) == 1.0 ? ZBR_CROSS_TO_LEFT : ZBR_CROSS_TO_RIGHT;
+    c.valid = true;
+    c.index = static_cast<int>(crosses.size()) - 1;
+  }
+  std::vector<int> sorted[2] = {{1, 2, 3}, {4, 5}};  // to be replaced
+  zbrOptimizeCross(loops, loops, crosses, sorted, entry.Or("open", "no") == "no");
+  EXPECT_EQ(static_cast<int>(crosses.size()), std::stoi(entry.At("left")));
+  EXPECT_TRUE(Holds(zbr::SortedFault(crosses, sorted, 1e-5)));
 }
 
 // rings; tree: see above.

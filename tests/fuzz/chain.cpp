@@ -5,7 +5,7 @@
 #include <set>
 #include <utility>
 
-#include "fuzz/regions.h"
+#include "fuzz/rings.h"
 #include "support/expect.h"
 
 namespace {
@@ -54,28 +54,25 @@ LoopList Close(Ends pieces) {
 
 // Some steps twice, some in two parts, points and a piece that runs both ways among them.
 void CloseCells(Bytes& bytes) {
-  const Cells cells(bytes, true);
-  const Skew skew(bytes);
-  std::vector<ZBR_SEG> pieces = {{{20, 1}, {25, bytes.Plain()}}};
+  const OperandPair cells = Drawn(bytes, "cells");
+  std::vector<ZBR_SEG> pieces = {{{50, 1}, {55, bytes.Plain()}}};
   pieces.emplace_back(pieces[0].e(), pieces[0].s());
-  for (const ZBR_SEG& step : cells.Steps()) {
-    const ZBR_PT s = skew(step.s());
-    const ZBR_PT e = skew(step.e());
+  ForEachEdge(cells.a, [&](int, std::size_t, const ZBR_PT& s, const ZBR_PT& e) {
     const ZBR_PT middle = (s + e) * 0.5;
     const int manner = bytes.Below(6);
     if (manner == 1) pieces.emplace_back(s, e);
     if (manner == 2) pieces.emplace_back(middle, middle);
     if (manner == 3) pieces.emplace_back(middle, e);
     pieces.emplace_back(s, manner == 3 ? middle : e);
-  }
-  for (std::size_t k = 1; k < pieces.size(); ++k)
-    std::swap(pieces[k], pieces[static_cast<std::size_t>(bytes.Below(256)) % (k + 1)]);
+  });
+  for (std::size_t k = 1; k < pieces.size(); ++k) std::swap(pieces[k], pieces[bytes.Word(2) % (k + 1)]);
   Ends ends;
   for (const ZBR_SEG& piece : pieces) Append(ends, piece.s(), piece.e());
   const LoopList loops = Close(ends);
   const auto describe = [&] { return ToText(loops); };
-  Require(std::abs(NetArea(loops) - cells.Area()) < 1e-9, "the loops hold the cells", describe);
-  Require(bool(IsNested(loops, 0.0)) && IsSimple(loops), "the loops are simple and nested", describe);
+  const double area = (*cells.areas)[0] + (*cells.areas)[3];  // A - B and what is common
+  Require(std::abs(NetArea(loops) - area) < 1e-9, "the loops hold the cells", describe);
+  Require(bool(IsNested(loops, 0.0)) && IsRegion(RingsOf(loops)), "the loops are simple and nested", describe);
 }
 
 void CloseAny(Bytes& bytes) {

@@ -4,7 +4,7 @@
 
 #include <zbr/segments.h>
 
-#include "fuzz/regions.h"
+#include "fuzz/rings.h"
 
 namespace {
 
@@ -52,8 +52,7 @@ double Length(const std::vector<ZBR_PT3>& line) {
 void Fuzz(Bytes& bytes) {
   const bool sound = bytes.Below(4) != 0;
   const bool wild = bytes.Below(4) == 0;
-  const Cells cells(bytes, false);
-  const LoopList region = Nest(sound ? cells.Rings(Skew(bytes), {}, bytes) : AnyRings(bytes, wild));
+  const LoopList region = Nest(sound ? Drawn(bytes, "blocks").a : AnyRings(bytes, wild));
   const auto describe = [&] { return ToText(region); };
   std::vector<ZBR_PT3> line(static_cast<std::size_t>(2 + bytes.Below(8)));
   for (ZBR_PT3& p : line) p.xy() = bytes.Flag() ? bytes.Lattice(13, 1).xy() * 0.5 : bytes.Point(wild), p.SetZ(bytes.Plain());

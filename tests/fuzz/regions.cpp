@@ -1,87 +1,65 @@
-#include "fuzz/regions.h"
+// Regions as flat arrays of any doubles, with offsets that lead anywhere now and then: what is refused gives nothing, and what is
+// taken gives regions that stay what they are when they are made valid once more, and whose areas add up.
+#include <zbr/region.h>
 
-#include <map>
-#include <utility>
+#include "fuzz/rings.h"
 
-Skew::Skew(Bytes& bytes) {
-  static constexpr int kMaps[][4] = {{1, 0, 0, 1}, {1, 1, 0, 1}, {2, 1, 1, 1}, {0, -1, 1, 0}, {3, 1, 2, 1}, {1, 0, -2, 1}};
-  m = kMaps[std::max(0, bytes.Below(7) - 1)];
+namespace {
+
+struct Arrays {
+  explicit Arrays(Bytes& bytes, bool wild) {
+    for (const Ring& ring : AnyRings(bytes, wild)) {
+      for (const ZBR_PT& p : ring) xy.insert(xy.end(), {p.x(), p.y()});
+      rings.push_back(static_cast<std::int32_t>(xy.size() / 2));
+    }
+    std::int32_t& any = rings[static_cast<std::size_t>(bytes.Below(4)) % rings.size()];
+    if (bytes.Below(16) == 15) any = static_cast<std::int32_t>(bytes.Word(4));
+    polygons = {0, bytes.Below(8) == 7 ? 1000 : static_cast<std::int32_t>(rings.size()) - 1};
+    withPolygons = bytes.Flag();
+  }
+  ZBR_REGION_VIEW View() const {
+    return {xy.data(), xy.size() / 2, rings.data(), rings.size() - 1, withPolygons ? polygons.data() : nullptr, 1};
+  }
+  std::vector<double> xy;
+  std::vector<std::int32_t> rings{0};
+  std::vector<std::int32_t> polygons;
+  bool withPolygons = false;
+};
+
+void Check(const ZBR_REGION_STATUS& status, const ZBR_REGION& region, bool wild) {
+  Require(status.code == ZBR_REGION_OK || (region.empty() && status.operand >= 0), "what is refused is empty and says where");
+  for (const ZBR_PT& p : region.points()) Require(std::isfinite(p.x()) && std::isfinite(p.y()), "points are finite");
+  Require(region.sources().empty() || region.source_offsets().size() == region.point_count() + 1, "every edge has sources");
+  ZBR_REGION again;
+  Require(zbrMakeValidRegion(region.view(), again).code == ZBR_REGION_OK, "a result is an operand");
+  if (wild) return;
+  Require(region.area() >= 0.0 && std::abs(again.area() - region.area()) <= 1e-6, "what is valid stays as it is");
+  Require(IsRegion(RingsOf(region)), "rings wind once around the region", [&] { return ToText(zbrLoopsOfRegion(region.view())); });
 }
 
-Cells::Cells(Bytes& bytes, bool saddles) {
-  const std::uint64_t bits = bytes.Word((kSide * kSide + 7) / 8);
-  for (int i = 0; i < kSide * kSide; ++i) filled_[i] = (bits >> i & 1U) != 0;
-  for (int i = 0; !saddles && i < (kSide - 1) * kSide;) {
-    bool* const c = filled_ + i++;
-    if (i % kSide == 0 || c[0] != c[kSide + 1] || c[1] != c[kSide] || c[0] == c[1]) continue;
-    c[0] = c[1] = c[kSide] = c[kSide + 1] = true;
-    i = 0;
-  }
-}
+}  // namespace
 
-std::vector<ZBR_SEG> Cells::Steps() const {
-  std::vector<ZBR_SEG> steps;
-  for (int i = 0; i < kSide * kSide; ++i) {
-    const int x = i % kSide;
-    const int y = i / kSide;
-    if (!At(x, y)) continue;
-    const Ring c = Square(x, y, 1);
-    const bool isFree[] = {!At(x, y - 1), !At(x + 1, y), !At(x, y + 1), !At(x - 1, y)};
-    for (std::size_t k = 0; k < 4; ++k) {
-      if (isFree[k]) steps.emplace_back(c[k], c[(k + 1) % 4]);
-    }
-  }
-  return steps;
-}
-
-std::vector<Ring> Cells::Rings(const Skew& skew, const ZBR_PT& shift, Bytes& bytes) const {
-  const bool cornersAlone = bytes.Flag();
-  std::map<std::pair<double, double>, ZBR_PT> next;
-  for (const ZBR_SEG& step : Steps()) next[{step.s().x(), step.s().y()}] = step.e();
-  std::vector<Ring> rings;
-  while (!next.empty()) {
-    Ring walk;
-    for (auto step = next.begin(); step != next.end(); step = next.find({walk.back().x(), walk.back().y()})) {
-      walk.push_back(step->second);
-      next.erase(step);
-    }
-    Ring& ring = rings.emplace_back();
-    for (std::size_t i = 0, n = walk.size(); i < n; ++i) {
-      const ZBR_PT in = walk[i] - walk[(i + n - 1) % n];
-      if (!cornersAlone || in.OuterProduct(walk[(i + 1) % n] - walk[i]) != 0.0) ring.push_back(skew(walk[i]) + shift);
-    }
-  }
-  return rings;
-}
-
-std::vector<Ring> AnyRings(Bytes& bytes, bool wild) {
-  std::vector<Ring> rings(static_cast<std::size_t>(bytes.Below(4)));
-  for (Ring& ring : rings) {
-    for (int n = bytes.Below(10); n > 0; --n) ring.push_back(bytes.Point(wild));
-  }
-  return rings;
-}
-
-bool IsSimple(const LoopList& region) {
-  std::vector<ZBR_SEG> edges;
-  const std::vector<Ring> rings = RingsOf(region);
-  for (const Ring& ring : rings) {
-    const std::size_t first = edges.size();
-    for (std::size_t i = 0; i < ring.size(); ++i) {
-      edges.emplace_back(ring[i], ring[(i + 1) % ring.size()]);
-      if (std::count_if(ring.begin(), ring.end(), [&](const ZBR_PT& p) { return p.Distance2(ring[i]) == 0.0; }) > 1) return false;
-    }
-    for (const Ring& other : rings) {
-      const ZBR_LOOP_LOCATOR locator(*MakeLoop(other));
-      bool places[ZBR_PI_OUT + 1] = {};
-      for (std::size_t i = first; i < edges.size(); ++i) places[locator.IsInside((edges[i].s() + edges[i].e()) * 0.5)] = true;
-      if (places[ZBR_PI_IN] && places[ZBR_PI_OUT]) return false;
-    }
-  }
-  const auto parts = [](const ZBR_SEG& a, const ZBR_SEG& b) {  // the ends of a lie on different sides of b
-    return a.s().CheckPos(b.s(), b.e()) * a.e().CheckPos(b.s(), b.e()) == -1;
-  };
-  return std::none_of(edges.begin(), edges.end(), [&](const ZBR_SEG& a) {
-    return std::any_of(edges.begin(), edges.end(), [&](const ZBR_SEG& b) { return parts(a, b) && parts(b, a); });
-  });
+void Fuzz(Bytes& bytes) {
+  const bool wild = bytes.Flag();
+  const Arrays arrays[] = {Arrays(bytes, wild), Arrays(bytes, wild)};
+  const ZBR_REGION_VIEW views[] = {arrays[0].View(), arrays[1].View()};
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = options.fill_b = static_cast<ZBR_FILL_RULE>(bytes.Below(4));
+  options.sources = bytes.Flag();
+  options.canonical = bytes.Flag();
+  if (bytes.Below(4) == 3) options.tolerance = std::ldexp(1.0, -bytes.Below(40));
+  ZBR_REGION results[5], valid[2], united, simple;
+  const ZBR_REGION_STATUS status = zbrCombineRegions(views[0], views[1], kOps.data(), results, 5, options);
+  for (const ZBR_REGION& result : results) Check(status, result, wild);
+  for (int k = 0; k < 2; ++k) Check(zbrMakeValidRegion(views[k], valid[k], options), valid[k], wild);
+  Check(zbrCoverRegions(views, 2, 1 + bytes.Below(2), simple, options), simple, wild);
+  Check(zbrCoverRegions(views, 2, 1, united, options), united, wild);
+  Check(zbrSimplifyRegion(views[0], bytes.Below(2) * 0.125, simple, options), simple, wild);
+  std::vector<std::int32_t> depths, parents;
+  const bool nests = zbrNestRegion(views[0], depths, parents).code == ZBR_REGION_OK;
+  Require(depths.size() == (nests ? views[0].ring_count : 0), "every ring has a depth");
+  if (wild || status.code != ZBR_REGION_OK || options.tolerance > 1e-6) return;
+  const double both = valid[0].area() + valid[1].area();
+  Require(std::abs(results[2].area() + results[3].area() - both) < 1e-2, "areas add up");
+  Require(std::abs(united.area() - results[2].area()) < 1e-2, "the union of many is that of two");
 }

@@ -53,13 +53,3 @@ Drawing DecodeScene(Bytes& bytes, Points points) {
   for (int n = 1 + bytes.Below(3); n > 0; --n) drawing.bodies.push_back(DecodeBody(bytes, points));
   return drawing;
 }
-
-double Clearance(const ZBR_HL_TRI& t, const ZBR_PT& p) {
-  const double sign = (t.pt[1] - t.pt[0]).OuterProductXY(t.pt[2] - t.pt[0]) < 0 ? -1.0 : 1.0;
-  double least = INFINITY;
-  for (int i = 0; i < 3; ++i) {
-    const ZBR_PT along = t.pt[(i + 1) % 3].xy() - t.pt[i].xy();
-    least = std::min(least, sign * along.OuterProduct(p - t.pt[i].xy()) / along.Length());
-  }
-  return least;
-}

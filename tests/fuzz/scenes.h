@@ -10,9 +10,6 @@ enum class Points { kLattice, kPlain, kWild };
 // The same bytes give the same scene.
 Drawing DecodeScene(Bytes& bytes, Points points);
 
-// How far p is from the triangle's edges in projection; negative outside. Of no use for triangles without area in projection.
-double Clearance(const ZBR_HL_TRI& t, const ZBR_PT& p);
-
 template <class Visit>
 void ForEachTriangle(const std::vector<ZBR_HL_SHELL>& shells, Visit visit) {
   for (const ZBR_HL_SHELL& shell : shells) {

@@ -46,6 +46,19 @@ void Fuzz(Bytes& bytes) {
   Segments got = lists[0];
   zbrRemoveDupSeg(got);
   Require(std::equal(got.begin(), got.end(), unique.begin(), unique.end(), same), "the first of each stays");
+  std::vector<ZBR_SEG> plane, flat;  // those without height are as in the plane
+  std::vector<ZBR_SEG3> level;
+  for (const ZBR_SEG3& s : lists[0]) {
+    plane.emplace_back(s.s().xy(), s.e().xy());
+    level.emplace_back(ZBR_PT3(s.s().x(), s.s().y(), 0), ZBR_PT3(s.e().x(), s.e().y(), 0));
+  }
+  flat = plane;
+  const Segments uniqueLevel = Without({}, level, true);
+  zbrRemoveDupSeg(flat);
+  Require(flat.size() == uniqueLevel.size(), "in the plane as in space");
+  zbrRemoveSameSeg(flat, plane);
+  zbrRemoveSameSeg(uniqueLevel, level);
+  Require(plane.size() == level.size(), "those of the reference go from the plane");
   zbrRemoveSameSeg(lists[1], lists[0]);
   Require(std::equal(lists[0].begin(), lists[0].end(), others.begin(), others.end(), same), "those of the reference go");
 }

@@ -19,27 +19,6 @@ Geos::Geometry Geos::Polygon(const std::vector<ZBR_PT>& ring) const {
   return polygon;
 }
 
-Geos::Geometry Geos::Region(const LoopList& loops) const {
-  Geometry region = Own(GEOSGeom_createEmptyPolygon_r(context_));
-  for (const auto& loop : loops) {
-    Geometry part = Polygon(loop->pt());
-    for (const auto& hole : loop->children()) {
-      if (part) part = Own(GEOSDifference_r(context_, part.get(), Polygon(hole->pt()).get()));
-    }
-    if (!part || !region) return nullptr;
-    region = Own(GEOSUnion_r(context_, region.get(), part.get()));
-  }
-  return region;
-}
-
-Geos::Geometry Geos::Union(const std::vector<Ring>& rings, double grid) const {
-  std::vector<GEOSGeometry*> parts;
-  for (const Ring& ring : rings) parts.push_back(Polygon(ring).release());
-  const Geometry all =
-      Own(GEOSGeom_createCollection_r(context_, GEOS_GEOMETRYCOLLECTION, parts.data(), static_cast<unsigned>(parts.size())));
-  return Own(grid == 0.0 ? GEOSUnaryUnion_r(context_, all.get()) : GEOSUnaryUnionPrec_r(context_, all.get(), grid));
-}
-
 Geos::Geometry Geos::EvenOdd(const std::vector<Ring>& rings) const {
   Geometry all = Own(GEOSGeom_createEmptyPolygon_r(context_));
   for (const Ring& ring : rings) {
@@ -108,53 +87,4 @@ Geos::Geometry Geos::Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geomet
       return Own(GEOSSymDifference_r(context_, a.get(), b.get()));
   }
   return nullptr;
-}
-
-double Geos::Area(const Geometry& g) const {
-  double area = std::nan("");
-  if (g) GEOSArea_r(context_, g.get(), &area);
-  return area;
-}
-
-std::array<int, 2> Geos::CountRings(const Geometry& g, double thin) const {
-  std::array<int, 2> counts = {0, 0};
-  const auto count = [&](const GEOSGeometry* line, std::size_t kind) {
-    double length = 0.0;
-    GEOSLength_r(context_, line, &length);
-    const Geometry polygon = Own(GEOSGeom_createPolygon_r(context_, GEOSGeom_clone_r(context_, line), nullptr, 0));
-    if (2.0 * Area(polygon) > thin * length) ++counts[kind];
-  };
-  for (int i = 0; i < GEOSGetNumGeometries_r(context_, g.get()); ++i) {
-    const GEOSGeometry* part = GEOSGetGeometryN_r(context_, g.get(), i);
-    if (GEOSGeomTypeId_r(context_, part) != GEOS_POLYGON || GEOSisEmpty_r(context_, part) != 0) continue;
-    count(GEOSGetExteriorRing_r(context_, part), 0);
-    for (int k = 0; k < GEOSGetNumInteriorRings_r(context_, part); ++k) {
-      count(GEOSGetInteriorRingN_r(context_, part, k), 1);
-    }
-  }
-  return counts;
-}
-
-double Geos::Difference(const Geometry& a, const Geometry& b, double negligible) const {
-  const double area = Area(Operate(ZBR_BOOL_XOR, a, b));
-  return area <= negligible ? area : Area(Own(GEOSSymDifferencePrec_r(context_, a.get(), b.get(), 0x1p-30)));
-}
-
-bool Geos::RingsAreApart(const LoopList& loops) const {
-  std::vector<GEOSGeometry*> lines;
-  for (const Ring& ring : RingsOf(loops)) {
-    if (ring.size() < 3) return false;
-    lines.push_back(Line(ring, false).release());
-  }
-  const Geometry all =
-      Own(GEOSGeom_createCollection_r(context_, GEOS_MULTILINESTRING, lines.data(), static_cast<unsigned>(lines.size())));
-  return all && GEOSisSimple_r(context_, all.get()) == 1;
-}
-
-bool Geos::MayTouch(const Ring& a, const Ring& b) const {
-  char* const relation = GEOSRelate_r(context_, Polygon(a).get(), Polygon(b).get());
-  const std::string dimensions(relation);  // of interiors, boundaries, exteriors of a with those of b; F for nothing
-  GEOSFree_r(context_, relation);
-  const bool onOneSide = dimensions[0] == 'F' || dimensions[2] == 'F' || dimensions[6] == 'F';
-  return onOneSide && dimensions[4] != '1';
 }

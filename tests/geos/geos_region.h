@@ -22,11 +22,6 @@ class Geos {
   Geos(const Geos&) = delete;
   Geos& operator=(const Geos&) = delete;
 
-  // Outer loops less their holes, united; rings that touch themselves are repaired first. Null when GEOS cannot.
-  Geometry Region(const LoopList& loops) const;
-  // What any of the rings encloses. On a grid, coordinates are rounded to multiples of its step; without one (0) the union may fail
-  // on coordinates that nearly coincide, or leave slivers there. Null when GEOS cannot.
-  Geometry Union(const std::vector<Ring>& rings, double grid) const;
   // What an odd number of the rings encloses. Null when GEOS cannot.
   Geometry EvenOdd(const std::vector<Ring>& rings) const;
   // Polygons as they are, valid or not: rings up to ends[k] belong to polygon k, its outer ring first, then its holes. Null when a
@@ -36,16 +31,6 @@ class Geos {
   void Read(const Geometry& g, std::vector<Ring>& rings, std::vector<std::size_t>& ends) const;
   bool IsValid(const Geometry& g) const { return g && GEOSisValid_r(context_, g.get()) == 1; }
   Geometry Operate(ZBR_BOOLEAN_OPE op, const Geometry& a, const Geometry& b) const;
-  double Area(const Geometry& g) const;
-  // Numbers of outer rings and of holes, without those narrower than `thin`.
-  std::array<int, 2> CountRings(const Geometry& g, double thin) const;
-  // Area of the symmetric difference. When it is not negligible, it is formed again on a grid: GEOS now and then contradicts itself
-  // where two boundaries agree but for rounding errors (a less b is larger than b less a although a and b are equally large).
-  double Difference(const Geometry& a, const Geometry& b, double negligible) const;
-  // Whether every ring is simple and no two rings meet.
-  bool RingsAreApart(const LoopList& loops) const;
-  // Whether two simple rings meet in points at most and neither is on both sides of the other.
-  bool MayTouch(const Ring& a, const Ring& b) const;
 
  private:
   Geometry Own(GEOSGeometry* g) const { return Geometry(g, Destroy{context_}); }

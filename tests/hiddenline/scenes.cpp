@@ -3,6 +3,7 @@
 #include <zbr-drawing/scene.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <numeric>
 #include <utility>
@@ -288,6 +289,19 @@ void WalkTrees(std::vector<ZBR_HL_SHELL>& shells) {
       }
     }
   }
+}
+
+std::vector<Ring> FacesOf(const std::vector<ZBR_HL_SHELL>& shells) {
+  std::vector<Ring> faces;
+  for (const ZBR_HL_SHELL& shell : shells) {
+    for (unsigned k = 0; k < shell.count; ++k) {
+      const ZBR_HL_TRI& t = shell.tris[k];
+      const ZBR_PT p[] = {t.pt[0].xy(), t.pt[1].xy(), t.pt[2].xy()};
+      const double turn = (p[1] - p[0]).OuterProduct(p[2] - p[0]);
+      if (std::isfinite(turn)) faces.push_back(turn < 0.0 ? Ring{p[0], p[2], p[1]} : Ring{p[0], p[1], p[2]});
+    }
+  }
+  return faces;
 }
 
 std::string StateText(const std::vector<ZBR_HL_SHELL>& shells) {

@@ -50,6 +50,8 @@ View RandomView(Random& random);
 void Classify(ZBR_HL_SHELL& shell);
 // Hides every shell by itself and by every other as the driver does, but told triangle by triangle.
 void WalkTrees(std::vector<ZBR_HL_SHELL>& shells);
+// The projected triangles, counter-clockwise; without those that are not finite.
+std::vector<Ring> FacesOf(const std::vector<ZBR_HL_SHELL>& shells);
 // The visible intervals of all edges, to the last bit.
 std::string StateText(const std::vector<ZBR_HL_SHELL>& shells);
 

@@ -191,59 +191,6 @@ TEST(TriangleState, PriorityAndFlags) {
   EXPECT_EQ(ZBR_HL_TRI::CheckPosZ({0, 10, 14.9}, kStart, kEnd), -1);  // y is the wider coordinate
 }
 
-// The visible parts of the edge (p, q) of a triangle hanging down from it, against the occluder written in all six ways.
-void ExpectVisible(const ZBR_PT3& p, const ZBR_PT3& q, const Corners& occluder, const Ends& expected) {
-  std::array<std::size_t, 3> order = {0, 1, 2};
-  do {
-    Body body({{p, q, (p + q) * 0.5 + ZBR_PT3(0.01, 0.02, -50)}, {occluder[order[0]], occluder[order[1]], occluder[order[2]]}});
-    body.Classified();
-    body.tris[0].HiddenLine_TriByTri(body.tris[1]);
-    const Ends got = EndsOf(body.tris[0].intvl_v[0]);
-    ASSERT_EQ(got.size(), expected.size()) << order[0] << order[1] << order[2];
-    for (std::size_t k = 0; k < got.size(); ++k) EXPECT_NEAR(got[k], expected[k], 1e-12) << order[0] << order[1] << order[2];
-  } while (std::next_permutation(order.begin(), order.end()));
-}
-
-TEST(Pair, EdgeAgainstOccluder) {
-  const Corners level = {ZBR_PT3(1, -1, 0), ZBR_PT3(1, 1, 0), ZBR_PT3(0, 0, 0)};
-  // Through a vertex and the side opposite it: beyond that side the edge comes out again.
-  ExpectVisible({-1, 0, -1}, {3, 0, -1}, level, {0, 0.25, 0.5, 1});
-  ExpectVisible({-1, 0.5, -1}, {3, 0.5, -1}, level, {0, 0.375, 0.5, 1});
-  ExpectVisible({-1, 0, 1}, {3, 0, 1}, level, {0, 1});                      // InFront
-  ExpectVisible({0.5, 0, -1}, {0.9, 0.1, -1}, level, {});                   // Behind, Apex
-  ExpectVisible({-1, 0, 1}, {3, 0, -1}, level, {0, 1});                     // Across, Beside
-  ExpectVisible({-1, 0, -1}, {3, 0, 1}, level, {0, 0.25, 0.5, 1});          // Across at the far side
-  ExpectVisible({-1, 0, -2.5}, {3, 0, 3.5}, level, {0, 0.25, 2.5 / 6, 1});  // Across inside it
-  ExpectVisible({0.5, 0, 0}, {0.75, 0.1, 0}, level, {0, 1});                // InPlane
-  ExpectVisible({1, -2, -1}, {1, 2, -1}, level, {0, 0.25, 0.75, 1});        // AlongEdge, Higher
-  ExpectVisible({-1, -2, -1}, {1, 2, -1}, level, {0, 1});                   // Touch
-  ExpectVisible({-1, 1, -1}, {1, -1, -1}, level, {0, 0.5});                 // AlongEdge, to a vertex and on below a side
-  ExpectVisible({0, -1, -1}, {0, 1, -1}, level, {0, 1});                    // Touch
-  ExpectVisible({1, -2, -1}, {1, 2, 1}, level, {0, 0.25, 0.5, 1});          // AlongEdge, Crossing
-  ExpectVisible({1, 2, -1}, {1, 5, -1}, level, {0, 1});                     // AlongEdge, Apart
-  ExpectVisible({1, -2, 0.5}, {1, 2, 0.1}, level, {0, 1});                  // InFront, over its side
-  // OnWall: seen edge-on, it hides what lies straight below it.
-  ExpectVisible({-1, 0, -1}, {3, 0, -1}, {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(0.5, 0, 1)}, {0, 0.25, 0.5, 1});
-}
-
-TEST(Pair, LineStaysWhenTheKeeperDoesNotDrawIt) {
-  const Corners right = {ZBR_PT3(0, 0, 0), ZBR_PT3(1, 0, 0), ZBR_PT3(1, 1, 0)};
-  const Corners left = {ZBR_PT3(1, 0, 0), ZBR_PT3(0, 0, 0), ZBR_PT3(0, -1, 0)};
-  for (const bool neighbours : {false, true}) {
-    for (const bool draws : {false, true}) {
-      Body body({right, left});
-      body.tris[0].dispj[0] = draws;
-      if (neighbours) {
-        body.tris[0].adj[0] = 1;
-        body.tris[1].adj[0] = 0;
-      }
-      body.shell.HiddenLineSelf();
-      EXPECT_EQ(body.tris[1].intvl_v[0].empty(), draws) << neighbours;
-      EXPECT_EQ(body.tris[0].intvl_v[0].empty(), !draws) << neighbours;
-    }
-  }
-}
-
 // What is left of a triangle beside one neighbour across its edge 0, by the cases of neighbour.cpp: visible lengths of its edges.
 TEST(Pair, NeighbourCases) {
   const ZBR_PT3 a(0, 0, 0);

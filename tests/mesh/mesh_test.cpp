@@ -37,24 +37,17 @@ void SetTriangles(ZBR_ZBREPS& shell, const Triangles& triangles) {
   for (const auto& [a, b, c] : triangles) shell.SetTriangleWithEdge(next++, a, b, c);
 }
 
-TEST(MeshEdges, ClosedBodies) {
-  const std::pair<example::Mesh, int> bodies[] = {
-      {example::Box({0, 0, 0}, {1, 2, 3}), 2},
-      {example::Cylinder(100, 1, 1), 2},
-      {example::Torus(2000), 0},
-      {example::Gear(1500), 0},
-  };
-  for (const auto& [mesh, euler] : bodies) {
-    ZBR_ZBREPS shell;
-    SetPoints(shell, mesh.points);
-    shell.SetTriangleCnt(static_cast<int>(mesh.triangles.size()));
-    shell.ReserveEdge();
-    const ZBR_ZBREPE* const first = shell.GetEdge(0);
-    SetTriangles(shell, TrianglesOf(mesh));
-    EXPECT_EQ(shell.GetEdge(0), first);  // what was reserved was enough
-    EXPECT_EQ(shell.GetVertexCnt() - shell.GetEdgeCnt() + shell.GetTriangleCnt(), euler);
-    for (int e = 0; e < shell.GetEdgeCnt(); ++e) EXPECT_NE(shell.GetEdge(e)->GetTriangle1(), nullptr);
-  }
+TEST(MeshEdges, ClosedBody) {
+  const example::Mesh mesh = example::Torus(2000);
+  ZBR_ZBREPS shell;
+  SetPoints(shell, mesh.points);
+  shell.SetTriangleCnt(static_cast<int>(mesh.triangles.size()));
+  shell.ReserveEdge();
+  const ZBR_ZBREPE* const first = shell.GetEdge(0);
+  SetTriangles(shell, TrianglesOf(mesh));
+  EXPECT_EQ(shell.GetEdge(0), first);  // what was reserved was enough
+  EXPECT_EQ(shell.GetVertexCnt() - shell.GetEdgeCnt() + shell.GetTriangleCnt(), 0);
+  for (int e = 0; e < shell.GetEdgeCnt(); ++e) EXPECT_NE(shell.GetEdge(e)->GetTriangle1(), nullptr);
 }
 
 TEST(MeshEdges, TwoTriangles) {

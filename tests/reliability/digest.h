@@ -9,6 +9,7 @@
 #include <zbr/zbr.h>
 
 #include "core/bits.h"
+#include "support/shapes.h"
 
 class Digest {
  public:
@@ -46,3 +47,26 @@ class Digest {
 
   std::uint64_t value_ = 0x9e3779b97f4a7c15U;
 };
+
+// Clips the rings as segments and as one polyline by the region, chains and closes them. Their heights: of starts and of ends.
+inline void AddSegmentWork(Digest& digest, const LoopList& region, const std::vector<Ring>& rings, double low, double high) {
+  std::vector<ZBR_SEG3> segs;
+  std::vector<ZBR_PT3> line;
+  std::vector<ZBR_HL_OPT_PT> ends;
+  ForEachEdge(rings, [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+    line.emplace_back(p.x(), p.y(), low);
+    segs.emplace_back(line.back(), ZBR_PT3(q.x(), q.y(), high));
+    ends.emplace_back().pt = p;
+    ends.emplace_back().pt = q;
+  });
+  std::vector<ZBR_SEG3> inside, outside;
+  std::vector<std::vector<ZBR_PT3>> insideLines, outsideLines;
+  std::vector<std::vector<ZBR_PT>> chains;
+  LoopList loops;
+  zbrClipSegs(segs, region, inside, &outside);
+  zbrClipPolyline(line, region, insideLines, &outsideLines);
+  zbrRemoveDupSeg(segs);
+  zbrOptimizeSegs(ends, chains);
+  zbrMakeOutLineLoops(ends, loops);
+  digest.Add(inside, outside, insideLines, outsideLines, segs, chains, loops);
+}

@@ -117,20 +117,23 @@ OperandPair PairOf(const Family& family) {
 TEST(OutOfMemory, Booleans) {
   struct State {
     LoopList a, b;
+    std::array<ZBR_REGION, 2> regions;
     BooleanResults results;
+    std::array<ZBR_REGION, 5> flat;
   };
   for (const Family& family : Families()) {
     SCOPED_TRACE(family.name);
     const OperandPair pair = PairOf(family);
     ExpectSurvives(
         [&] {
-          return State{Nest(pair.a), Nest(pair.b), {}};
+          return State{Nest(pair.a), Nest(pair.b), {RegionOf(pair.a), RegionOf(pair.b)}, {}, {}};
         },
         [](State& s) {
           auto ops = kOps;
           auto& r = s.results.loops;
           zbrBooleanLoops(s.a, s.b, ops.data(), r.data(), 5, s.results.crosses);
-          return DigestOf(s.results.crosses, r[0], r[1], r[2], r[3], r[4]);
+          zbrCombineRegions(s.regions[0].view(), s.regions[1].view(), ops.data(), s.flat.data(), 5);
+          return DigestOf(s.results.crosses, r[0], r[1], r[2], r[3], r[4], s.flat[0].points(), s.flat[4].points());
         });
   }
 }
@@ -197,27 +200,9 @@ TEST(OutOfMemory, SegmentsClippedChainedAndClosed) {
   };
   ExpectSurvives([] { return State(); },
                  [](State& s) {
-                   std::vector<ZBR_SEG3> segs;
-                   std::vector<ZBR_PT3> line;
-                   std::vector<ZBR_HL_OPT_PT> ends;
-                   for (const Ring& ring : s.rings) {
-                     for (std::size_t i = 0; i < ring.size(); ++i) {
-                       ends.emplace_back().pt = ring[i];
-                       ends.emplace_back().pt = ring[(i + 1) % ring.size()];
-                       line.emplace_back(ring[i].x(), ring[i].y(), 0.0);
-                       segs.emplace_back(line.back(), ZBR_PT3(ends.back().pt.x(), ends.back().pt.y(), 1.0));
-                     }
-                   }
-                   std::vector<ZBR_SEG3> inside, outside;
-                   std::vector<std::vector<ZBR_PT3>> insideLines, outsideLines;
-                   std::vector<std::vector<ZBR_PT>> chains;
-                   LoopList loops;
-                   zbrClipSegs(segs, s.region, inside, &outside);
-                   zbrClipPolyline(line, s.region, insideLines, &outsideLines);
-                   zbrRemoveDupSeg(segs);
-                   zbrOptimizeSegs(ends, chains);
-                   zbrMakeOutLineLoops(ends, loops);
-                   return DigestOf(inside, outside, insideLines, outsideLines, segs, chains, loops);
+                   Digest digest;
+                   AddSegmentWork(digest, s.region, s.rings, 0.0, 1.0);
+                   return digest.value();
                  });
 }
 

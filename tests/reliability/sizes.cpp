@@ -108,22 +108,6 @@ bool Segments(int n) {
   return good && segs.size() == some;
 }
 
-// n segments through a comb with as many edges.
-bool Clipping(int n) {
-  Ring comb = {{static_cast<double>(n), -1.0}, {0.0, -1.0}};
-  for (int k = 0; k < n; ++k) comb.emplace_back(k + 0.5, k % 2 == 0 ? 1.0 : 0.0);
-  const LoopList region = Nest({comb});
-  std::vector<ZBR_SEG3> segs;
-  for (int k = 0; k < n; ++k) segs.push_back({ZBR_PT3(k, -2.0, 0.0), ZBR_PT3(k + 1.0, 2.0, 0.0)});
-  std::vector<ZBR_SEG3> inside, outside;
-  zbrClipSegs(segs, region, inside, &outside);
-  double length = 0.0;
-  for (const auto* list : {&inside, &outside}) {
-    for (const ZBR_SEG3& s : *list) length += s.s().Distance(s.e());
-  }
-  return n == 0 || (Near(length, n * std::sqrt(17.0)) && !inside.empty());
-}
-
 // n times the same triangle: no tree can tell them apart, and one of them draws the lines.
 bool SameTriangles(int n) {
   std::vector<ZBR_HL_TRI> tris(static_cast<std::size_t>(n));
@@ -168,9 +152,8 @@ struct Case {
   int size;
 };
 const Case kCases[] = {
-    {"boolean", Boolean, 10'000'000},  {"nested-rings", NestedRings, 100'000}, {"deep-tree", DeepTree, 1'000'000},
-    {"segments", Segments, 1'000'000}, {"clipping", Clipping, 1'000'000},      {"same-triangles", SameTriangles, 100'000},
-    {"frames", Frames, 50'000},
+    {"boolean", Boolean, 10'000'000},  {"nested-rings", NestedRings, 100'000},     {"deep-tree", DeepTree, 1'000'000},
+    {"segments", Segments, 1'000'000}, {"same-triangles", SameTriangles, 100'000}, {"frames", Frames, 50'000},
 };
 
 // Runs in a process of its own.

@@ -70,6 +70,21 @@ std::vector<Ring> RingsOf(const LoopList& loops) {
   return rings;
 }
 
+std::vector<Ring> RingsOf(const ZBR_REGION& region) {
+  const std::vector<std::int32_t>& ends = region.ring_offsets();
+  std::vector<Ring> rings;
+  for (std::size_t r = 0; r < region.ring_count(); ++r) {
+    rings.emplace_back(region.points().begin() + ends[r], region.points().begin() + ends[r + 1]);
+  }
+  return rings;
+}
+
+ZBR_REGION RegionOf(const std::vector<Ring>& rings) {
+  ZBR_REGION region;
+  for (const Ring& ring : rings) region.AddRing(ring);
+  return region;
+}
+
 std::string ToText(const LoopList& loops) {
   std::string out;
   for (const Ring& ring : RingsOf(loops)) {
@@ -85,11 +100,15 @@ std::string ToText(const LoopList& loops) {
 }
 
 double NetArea(const LoopList& loops) {
+  double area = 0.0;
   for (const auto& loop : loops) {
     loop->Setup();
-    for (const auto& child : loop->children()) child->Setup();
+    const Ring& ring = loop->pt();
+    double twice = 0.0;
+    for (std::size_t i = 2; i < ring.size(); ++i) twice += (ring[i - 1] - ring[0]).OuterProduct(ring[i] - ring[0]);
+    area += twice / 2.0 + NetArea(loop->children());
   }
-  return ZBR_LOOP::get_area(loops);
+  return area;
 }
 
 Ring Square(double x, double y, double side) {

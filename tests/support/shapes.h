@@ -30,7 +30,20 @@ LoopList Nest(const std::vector<Ring>& rings);
 std::string ToText(const LoopList& loops);
 // Every ring of a list, children behind their loop.
 std::vector<Ring> RingsOf(const LoopList& loops);
+std::vector<Ring> RingsOf(const ZBR_REGION& region);
+// The rings as one polygon each, in order.
+ZBR_REGION RegionOf(const std::vector<Ring>& rings);
+// Of loops and their children, each summed up near its own first point: far from the origin as exact as near it.
 double NetArea(const LoopList& loops);
+
+// visit(ring, edge, start, end) for every edge.
+template <class Visit>
+void ForEachEdge(const std::vector<Ring>& rings, Visit visit) {
+  for (std::size_t r = 0; r < rings.size(); ++r) {
+    for (std::size_t i = 0; i < rings[r].size(); ++i)
+      visit(static_cast<int>(r), i, rings[r][i], rings[r][(i + 1) % rings[r].size()]);
+  }
+}
 
 // The axis-parallel square from (x, y) with the given side, counter-clockwise.
 Ring Square(double x, double y, double side);

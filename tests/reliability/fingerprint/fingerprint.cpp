@@ -67,28 +67,7 @@ void Segments(Digest& digest) {
   Random random(3);
   for (int k = 0; k < 40; ++k) {
     const OperandPair pair = Draw(k % 2 == 0 ? "cells" : "nests", random);
-    std::vector<ZBR_SEG3> segs;
-    std::vector<ZBR_PT3> line;
-    std::vector<ZBR_HL_OPT_PT> ends;
-    for (const Ring& ring : pair.b) {
-      for (std::size_t i = 0; i < ring.size(); ++i) {
-        const ZBR_PT& q = ring[(i + 1) % ring.size()];
-        line.emplace_back(ring[i].x(), ring[i].y(), 0.1 * k);
-        segs.emplace_back(line.back(), ZBR_PT3(q.x(), q.y(), 0.3));
-        ends.emplace_back().pt = ring[i];
-        ends.emplace_back().pt = q;
-      }
-    }
-    std::vector<ZBR_SEG3> inside, outside;
-    std::vector<std::vector<ZBR_PT3>> insideLines, outsideLines;
-    std::vector<std::vector<ZBR_PT>> chains;
-    LoopList loops;
-    zbrClipSegs(segs, Nest(pair.a), inside, &outside);
-    zbrClipPolyline(line, Nest(pair.a), insideLines, &outsideLines);
-    zbrRemoveDupSeg(segs);
-    zbrOptimizeSegs(ends, chains);
-    zbrMakeOutLineLoops(ends, loops);
-    digest.Add(inside, outside, insideLines, outsideLines, segs, chains, loops);
+    AddSegmentWork(digest, Nest(pair.a), pair.b, 0.1 * k, 0.3);
   }
 }
 

@@ -1,0 +1,182 @@
+// Regions as flat arrays: where edges come from, coverage by count, order, nesting, what is refused. That combinations are right
+// and valid: classes/ and differential/.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "support/judge.h"
+#include "support/random_shapes.h"
+
+namespace {
+
+struct Drawn {
+  explicit Drawn(const Family& family, int seed) : pair(DrawHard(family, static_cast<std::uint64_t>(seed))) {}
+  OperandPair pair;
+  ZBR_REGION a = RegionOf(pair.a), b = RegionOf(pair.b);
+};
+
+ZBR_PT At(const std::vector<Ring>& rings, const ZBR_EDGE_SOURCE& s, double t) {
+  const Ring& ring = rings.at(static_cast<std::size_t>(s.ring));
+  const auto edge = static_cast<std::size_t>(s.edge);
+  return ring.at(edge) + (ring[(edge + 1) % ring.size()] - ring[edge]) * t;
+}
+
+class RegionOfFamilies : public testing::TestWithParam<Family> {};
+
+// Each edge lies on the pieces that it names; where it lies on edges of both operands it names both.
+TEST_P(RegionOfFamilies, EdgesNameTheirSources) {
+  const ZBR_TmpEps guard(1e-12);
+  long shared = 0;
+  for (int seed = 0; seed < Scaled(60); ++seed) {
+    const Drawn drawn(GetParam(), seed);
+    ZBR_REGION_OPTIONS options;
+    options.sources = true;
+    options.canonical = seed % 2 == 0;
+    for (const ZBR_BOOLEAN_OPE op : kOps) {
+      const ZBR_REGION region = zbrCombineRegions(drawn.a, drawn.b, op, options);
+      double xmin, ymin, xmax, ymax;
+      region.GetBounds(xmin, ymin, xmax, ymax);
+      const double slack = 1e-9 * (1.0 + std::abs(xmax) + std::abs(ymin));
+      std::size_t point = 0;
+      ASSERT_EQ(region.source_offsets().size(), region.point_count() + 1);
+      ForEachEdge(RingsOf(region), [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+        const int from = region.source_offsets()[point];
+        const int to = region.source_offsets()[++point];
+        bool named[2] = {};
+        for (int k = from; k < to; ++k) {
+          const ZBR_EDGE_SOURCE& s = region.sources()[static_cast<std::size_t>(k)];
+          const std::vector<Ring>& rings = s.operand == 0 ? drawn.pair.a : drawn.pair.b;
+          named[s.operand] = true;
+          ASSERT_LE(At(rings, s, s.t0).Distance(p) + At(rings, s, s.t1).Distance(q), slack)
+              << "seed " << seed << " operation " << op;
+        }
+        ASSERT_LT(from, to);
+        const ZBR_PT middle = (p + q) * 0.5;
+        for (int operand = 0; operand < 2; ++operand) {
+          ForEachEdge(operand == 0 ? drawn.pair.a : drawn.pair.b, [&](int, std::size_t, const ZBR_PT& r, const ZBR_PT& s) {
+            const bool runsAlong = zbrIsOnSeg(p, r, s, nullptr, nullptr) && zbrIsOnSeg(q, r, s, nullptr, nullptr);
+            ASSERT_TRUE(named[operand] || !runsAlong) << "seed " << seed << " near " << middle.x() << ' ' << middle.y();
+          });
+        }
+        shared += named[0] && named[1] ? 1 : 0;
+      });
+      ASSERT_FALSE(HasFatalFailure());
+    }
+  }
+  EXPECT_TRUE(shared > Scaled(60) || GetParam().name == std::string("stars"));
+}
+
+// What k of three regions cover, by winding numbers: as sums of what pairs of them have in common.
+TEST_P(RegionOfFamilies, CoverCounts) {
+  for (int seed = 0; seed < Scaled(60); ++seed) {
+    const Drawn one(GetParam(), seed);
+    const ZBR_REGION third = RegionOf(Moved(one.pair.b, 1.0, one.pair.b.empty() ? ZBR_PT() : one.pair.b[0][1] - one.pair.b[0][0]));
+    const ZBR_REGION_VIEW views[] = {one.a.view(), one.b.view(), third.view()};
+    const auto judged = [&](const ZBR_REGION& x, const ZBR_REGION& y, ZBR_BOOLEAN_OPE op) {
+      return RegionJudge(RingsOf(x), RingsOf(y)).Judge(op, {}).expected;
+    };
+    const double single = judged(one.a, {}, ZBR_BOOL_OR) + judged(one.b, {}, ZBR_BOOL_OR) + judged(third, {}, ZBR_BOOL_OR);
+    const ZBR_REGION both = zbrCombineRegions(one.a, one.b, ZBR_BOOL_AND);
+    const double all = judged(both, third, ZBR_BOOL_AND);
+    const double pairs =
+        judged(one.a, one.b, ZBR_BOOL_AND) + judged(one.a, third, ZBR_BOOL_AND) + judged(one.b, third, ZBR_BOOL_AND);
+    const double expected[] = {single - pairs + all, pairs - 2.0 * all, all};
+    ZBR_REGION covered[3];
+    for (int times = 1; times <= 3; ++times) {
+      ASSERT_EQ(zbrCoverRegions(views, 3, times, covered[times - 1]).code, ZBR_REGION_OK);
+      ASSERT_NEAR(covered[times - 1].area(), expected[times - 1], 1e-6 * (1.0 + single)) << "seed " << seed << " times " << times;
+    }
+    ASSERT_EQ(zbrUniteRegions({one.a, one.b, third}), covered[0]);
+  }
+}
+
+// Neither calls at once nor the order of rings and their starts change a bit of a canonical result.
+TEST_P(RegionOfFamilies, BatchesAndOrderChangeNothing) {
+  ZBR_REGION_OPTIONS options;
+  options.canonical = true;
+  std::vector<ZBR_REGION> a, b;
+  std::vector<ZBR_REGION_VIEW> viewsA, viewsB;
+  for (int seed = 0; seed < Scaled(60); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const Drawn drawn(GetParam(), seed);
+    a.push_back(drawn.a);
+    b.push_back(drawn.b);
+    const ZBR_REGION shuffled = RegionOf(Disguise(drawn.pair.a, random));
+    options.sources = true;  // always arranged
+    const ZBR_REGION result = zbrCombineRegions(drawn.a, drawn.b, ZBR_BOOL_OR, options);
+    const ZBR_REGION again = zbrCombineRegions(shuffled, drawn.b, ZBR_BOOL_OR, options);
+    ASSERT_TRUE(again.ring_count() == result.ring_count() && again.point_count() == result.point_count()) << "seed " << seed;
+    for (std::size_t i = 0; i < result.point_count(); ++i) {
+      ASSERT_LE(again.points()[i].Distance(result.points()[i]), 1e-9 * (1.0 + result.points()[i].Length())) << "seed " << seed;
+    }
+    options.sources = false;
+  }
+  for (const ZBR_REGION& region : a) viewsA.push_back(region.view());
+  for (const ZBR_REGION& region : b) viewsB.push_back(region.view());
+  std::vector<ZBR_REGION> results(a.size());
+  zbrCombineRegionPairs(viewsA.data(), viewsB.data(), a.size(), ZBR_BOOL_AND, results.data(), options);
+  for (std::size_t i = 0; i < a.size(); ++i) ASSERT_EQ(results[i], zbrCombineRegions(a[i], b[i], ZBR_BOOL_AND, options)) << i;
+}
+
+INSTANTIATE_TEST_SUITE_P(Families, RegionOfFamilies, testing::ValuesIn(RegionFamilies()), testing::PrintToStringParamName());
+
+TEST(Region, SimplifiesAndNests) {
+  ZBR_REGION simple;
+  const Ring dented = {{0, 0}, {2, 1e-4}, {4, 0}, {4, 4}, {0, 4}, {0, 2}};
+  zbrSimplifyRegion(RegionOf({dented}).view(), 1e-3, simple);
+  EXPECT_EQ(simple.point_count(), 4U);
+  zbrSimplifyRegion(RegionOf({dented}).view(), 1e-5, simple);
+  EXPECT_EQ(simple.point_count(), 5U);
+  std::vector<Ring> rings = {Square(20, 0, 1)};
+  for (int k = 0; k < 9; ++k) rings.push_back(Square(k, k, 18 - 2 * k));
+  std::mt19937_64 random(1);
+  rings = Disguise(rings, random);
+  std::vector<std::int32_t> depths, parents;
+  EXPECT_EQ(zbrNestRegion(RegionOf(rings).view(), depths, parents).code, ZBR_REGION_OK);
+  for (std::size_t i = 0; i < rings.size(); ++i) {
+    const double side = RegionOf({rings[i]}).perimeter() / 4.0;
+    const bool isOutermost = depths[i] == 0;
+    EXPECT_EQ(depths[i], side == 1.0 ? 0 : std::lround(18.0 - side) / 2) << i;
+    EXPECT_EQ(parents[i] < 0, isOutermost);
+    EXPECT_EQ(isOutermost ? 0 : depths[static_cast<std::size_t>(parents[i])] + 1, depths[i]);
+  }
+}
+
+TEST(Region, FaultyArraysAreRefusedWithTheirPlace) {
+  const double bad[] = {std::nan(""), HUGE_VAL, 1e200};
+  for (const double value : bad) {
+    const ZBR_REGION faulty = RegionOf({Square(0, 0, 1), {{0, 0}, {1, 0}, {1, value}}});
+    ZBR_REGION result = faulty;
+    const ZBR_BOOLEAN_OPE op = ZBR_BOOL_OR;
+    const ZBR_REGION_STATUS status = zbrCombineRegions(RegionOf({Square(0, 0, 1)}).view(), faulty.view(), &op, &result, 1);
+    EXPECT_EQ(status.code, ZBR_REGION_NOT_FINITE);
+    EXPECT_TRUE(status.operand == 1 && status.ring == 1 && status.point == 2 && result.empty());
+  }
+  const double xy[] = {0, 0, 1, 0, 1, 1};
+  const std::int32_t offsets[][3] = {{0, 3, 4}, {0, 3, 2}, {-1, 3, 3}};
+  for (const auto& wrong : offsets) {
+    ZBR_REGION result = RegionOf({Square(0, 0, 1)});
+    const ZBR_REGION_STATUS status = zbrMakeValidRegion({xy, 3, wrong, 2}, result);
+    EXPECT_TRUE(status.code == ZBR_REGION_BAD_OFFSETS && status.operand == 0 && result.empty());
+  }
+}
+
+TEST(Region, StopsWhenProgressSaysSo) {
+  const ZBR_REGION a = RegionOf({Square(0, 0, 2)});
+  const ZBR_REGION_VIEW views[] = {a.view(), a.view()};
+  ZBR_REGION_OPTIONS options;
+  options.progress = [](double share, void* data) { return share <= 1.0 && --*static_cast<int*>(data) > 0; };
+  int left = 0;
+  options.progress_data = &left;
+  for (int calls = 1; calls < 100; ++calls) {
+    ZBR_REGION result = a;
+    left = calls;
+    const bool stopped = zbrCoverRegions(views, 2, 1, result, options).code == ZBR_REGION_STOPPED;
+    EXPECT_EQ(stopped, result.empty());
+    EXPECT_TRUE(stopped || calls > 1);
+    if (!stopped) return;
+  }
+  FAIL() << "never came to an end";
+}
+
+}  // namespace
