@@ -13,22 +13,14 @@
 #include <vector>
 
 #include "agreement.h"
+#include "bench_many.h"
+#include "boolean_sizes.h"
 #include "peer.h"
 #include "run_benchmarks.h"
 #include "selection.h"
 
 namespace bench {
 namespace {
-
-const std::vector<Sizes> kSizes = {
-    {"star", {10'000, 100'000}, {100'000, 1'000'000}},
-    {"coast", {10'000, 100'000}, {100'000, 1'000'000}},
-    {"tiles", {1'000, 10'000}, {10'000, 100'000}},
-    {"holes", {1'000, 10'000}, {10'000, 100'000}},
-    {"comb", {200, 400}, {1000, 2000}},
-    {"combr", {200, 400}, {1000, 2000}},
-    {"grid", {32, 128}, {128, 512}},
-};
 
 const std::vector<Op> kEveryOp(std::begin(kAllOps), std::end(kAllOps));
 
@@ -39,10 +31,6 @@ struct Job {
   std::string operation;
   std::vector<Op> ops;
 };
-
-bool IsComb(std::string_view family) {
-  return family.starts_with("comb");
-}
 
 // The input that is being measured, with our results for it, and the one peer that holds it. Benchmarks run in the order of their
 // registration, input by input and peer by peer, so that one of each is enough.
@@ -57,7 +45,7 @@ class Stage {
   }
   // What the comparison found worth telling.
   const std::string& note() const { return note_; }
-  std::size_t edges() const { return CountEdges(pair_.a) + CountEdges(pair_.b); }
+  Units units() const { return UnitsOf(family_->name, size_, pair_); }
 
  private:
   void SetInput(const Job& job) {
@@ -117,9 +105,9 @@ void Measure(benchmark::State& state, const Job& job) {
       peer.Drop();
       state.ResumeTiming();
     }
-    const double half = 0.5 * static_cast<double>(job.size);
-    state.counters["units"] = IsComb(job.family->name) ? half * half : static_cast<double>(stage.edges());
-    state.SetLabel((IsComb(job.family->name) ? "crossing" : "edge") + (stage.note().empty() ? "" : "; " + stage.note()));
+    const Units units = stage.units();
+    state.counters["units"] = units.count;
+    state.SetLabel(units.name + (stage.note().empty() ? "" : "; " + stage.note()));
   } catch (const std::exception& error) {
     state.SkipWithError(error.what());
   }
@@ -143,8 +131,9 @@ void RegisterInput(const PairFamily& family, std::size_t size) {
 }
 
 void RegisterAll(const Selection& selection) {
-  for (const Sizes& sizes : kSizes) {
+  for (const Sizes& sizes : BooleanSizes()) {
     if (!selection.Wants(sizes.family)) continue;
+    RegisterMany(sizes.family, selection.Of(sizes));
     for (const PairFamily& family : PairFamilies()) {
       if (family.name != sizes.family) continue;
       for (const std::size_t size : selection.Of(sizes)) RegisterInput(family, size);
@@ -156,5 +145,5 @@ void RegisterAll(const Selection& selection) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-  return bench::RunBenchmarks(argc, argv, bench::kSizes, bench::RegisterAll);
+  return bench::RunBenchmarks(argc, argv, bench::BooleanSizes(), bench::RegisterAll);
 }

@@ -25,7 +25,7 @@ const std::vector<Sizes> kSizes = {
 // All coordinates are small integers: every library's sum of areas is exact to this part.
 constexpr double kAreaTolerance = 1e-12;
 
-void Compare(NestPeer& peer, const Region& region) {
+void Compare(RingsPeer& peer, const Region& region) {
   peer.Run();
   const Summary result = peer.Describe();
   peer.Drop();
@@ -38,7 +38,7 @@ void Compare(NestPeer& peer, const Region& region) {
   }
 }
 
-void Measure(benchmark::State& state, const NestFamily& family, std::size_t size, const Entry<NestPeer>& entry) {
+void Measure(benchmark::State& state, const NestFamily& family, std::size_t size, const Entry<RingsPeer>& entry) {
   try {
     const Region region = family.make(size);
     const auto peer = entry.make();
@@ -58,7 +58,7 @@ void Measure(benchmark::State& state, const NestFamily& family, std::size_t size
 }
 
 void Register(const NestFamily& family, std::size_t size) {
-  for (const Entry<NestPeer>& peer : NestPeers()) {
+  for (const Entry<RingsPeer>& peer : NestPeers()) {
     if (IsLeftOut(peer.name, family.name, "nest", size)) continue;
     const std::string name = std::string(family.name) + "/" + std::to_string(size) + "/nest/" + peer.name;
     benchmark::RegisterBenchmark(name.c_str(), [&family, size, &peer](benchmark::State& state) {

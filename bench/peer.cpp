@@ -24,7 +24,7 @@ const char* OpName(Op op) {
 
 const std::vector<Entry<BooleanPeer>>& BooleanPeers() {
   static const std::vector<Entry<BooleanPeer>> peers = {
-      {"zbr", MakeZbrBoolean},
+      {"zbr", MakeZbrBoolean},      {"zbr-region", MakeZbrRegion},     {"zbr-exact", MakeZbrExact},
 #ifdef BENCH_WITH_CLIPPER
       {"clipper", MakeClipperFlat}, {"clipper-tree", MakeClipperTree},
 #endif
@@ -38,8 +38,38 @@ const std::vector<Entry<BooleanPeer>>& BooleanPeers() {
   return peers;
 }
 
-const std::vector<Entry<NestPeer>>& NestPeers() {
-  static const std::vector<Entry<NestPeer>> peers = {
+const std::vector<Entry<PairsPeer>>& PairsPeers() {
+  static const std::vector<Entry<PairsPeer>> peers = {
+      {"zbr", MakeZbrPairs},         {"zbr-single", MakeZbrSinglePairs},
+#ifdef BENCH_WITH_CLIPPER
+      {"clipper", MakeClipperPairs},
+#endif
+#ifdef BENCH_WITH_GEOS
+      {"geos", MakeGeosPairs},
+#endif
+#ifdef BENCH_WITH_BOOST
+      {"boost", MakeBoostPairs},
+#endif
+  };
+  return peers;
+}
+
+const std::vector<Entry<RingsPeer>>& UnionPeers() {
+  static const std::vector<Entry<RingsPeer>> peers = {
+      {"zbr", MakeZbrUnion},
+#ifdef BENCH_WITH_CLIPPER
+      {"clipper", MakeClipperUnionFlat},
+      {"clipper-tree", MakeClipperUnionTree},
+#endif
+#ifdef BENCH_WITH_GEOS
+      {"geos", MakeGeosUnion},
+#endif
+  };
+  return peers;
+}
+
+const std::vector<Entry<RingsPeer>>& NestPeers() {
+  static const std::vector<Entry<RingsPeer>> peers = {
       {"zbr", MakeZbrNest},
 #ifdef BENCH_WITH_CLIPPER
       {"clipper-tree", MakeClipperNest},

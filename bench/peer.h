@@ -33,6 +33,11 @@ struct Summary {
     area += ringArea;
     if (std::abs(ringArea) > kLeastLoopArea) ++loops;
   }
+  Summary& operator+=(const Summary& o) {
+    area += o.area;
+    loops += o.loops;
+    return *this;
+  }
 };
 
 class BooleanPeer {
@@ -46,9 +51,21 @@ class BooleanPeer {
   virtual void Drop() = 0;
 };
 
-class NestPeer {
+// Many pairs of regions, each combined by itself.
+class PairsPeer {
  public:
-  virtual ~NestPeer() = default;
+  virtual ~PairsPeer() = default;
+  virtual void Load(const std::vector<RegionPair>& pairs) = 0;
+  virtual void Run(Op op) = 0;
+  // Of all results together.
+  virtual Summary Describe() const = 0;
+  virtual void Drop() = 0;
+};
+
+// What makes one region of many rings: their union, or their nesting.
+class RingsPeer {
+ public:
+  virtual ~RingsPeer() = default;
   virtual void Load(const std::vector<Ring>& rings) = 0;
   virtual void Run() = 0;
   virtual Summary Describe() const = 0;
@@ -75,7 +92,9 @@ struct Entry {
 
 // Ours first, then the peers that were found when this was built.
 const std::vector<Entry<BooleanPeer>>& BooleanPeers();
-const std::vector<Entry<NestPeer>>& NestPeers();
+const std::vector<Entry<PairsPeer>>& PairsPeers();
+const std::vector<Entry<RingsPeer>>& UnionPeers();
+const std::vector<Entry<RingsPeer>>& NestPeers();
 const std::vector<Entry<LocatePeer>>& LocatePeers();
 
 }  // namespace bench

@@ -57,6 +57,15 @@ void Combine(Op op, const BoostRegion& a, const BoostRegion& b, BoostRegion& res
   }
 }
 
+Summary Summarise(const BoostRegion& region) {
+  Summary summary;
+  for (const BoostPolygon& polygon : region) {
+    summary.Add(std::abs(bg::area(polygon.outer())));
+    for (const auto& hole : polygon.inners()) summary.Add(-std::abs(bg::area(hole)));
+  }
+  return summary;
+}
+
 class BoostBoolean : public BooleanPeer {
  public:
   void Load(const RegionPair& pair) override {
@@ -68,13 +77,7 @@ class BoostBoolean : public BooleanPeer {
   }
   std::vector<Summary> Describe() const override {
     std::vector<Summary> summaries;
-    for (const BoostRegion& result : results_) {
-      Summary& summary = summaries.emplace_back();
-      for (const BoostPolygon& polygon : result) {
-        summary.Add(std::abs(bg::area(polygon.outer())));
-        for (const auto& hole : polygon.inners()) summary.Add(-std::abs(bg::area(hole)));
-      }
-    }
+    for (const BoostRegion& result : results_) summaries.push_back(Summarise(result));
     return summaries;
   }
   void Drop() override { results_.clear(); }
@@ -82,6 +85,31 @@ class BoostBoolean : public BooleanPeer {
  private:
   BoostRegion a_;
   BoostRegion b_;
+  std::vector<BoostRegion> results_;
+};
+
+class BoostPairs : public PairsPeer {
+ public:
+  void Load(const std::vector<RegionPair>& pairs) override {
+    for (const RegionPair& pair : pairs) pairs_.push_back({MakeRegion(pair.a), MakeRegion(pair.b)});
+  }
+  void Run(Op op) override {
+    results_.resize(pairs_.size());
+    for (std::size_t i = 0; i < pairs_.size(); ++i) Combine(op, pairs_[i].a, pairs_[i].b, results_[i]);
+  }
+  Summary Describe() const override {
+    Summary summary;
+    for (const BoostRegion& result : results_) summary += Summarise(result);
+    return summary;
+  }
+  void Drop() override { results_.clear(); }
+
+ private:
+  struct BoostPair {
+    BoostRegion a;
+    BoostRegion b;
+  };
+  std::vector<BoostPair> pairs_;
   std::vector<BoostRegion> results_;
 };
 
@@ -106,6 +134,9 @@ class BoostLinear : public LocatePeer {
 
 std::unique_ptr<BooleanPeer> MakeBoostBoolean() {
   return std::make_unique<BoostBoolean>();
+}
+std::unique_ptr<PairsPeer> MakeBoostPairs() {
+  return std::make_unique<BoostPairs>();
 }
 std::unique_ptr<LocatePeer> MakeBoostLinear() {
   return std::make_unique<BoostLinear>();

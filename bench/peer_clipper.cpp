@@ -65,8 +65,70 @@ class ClipperBoolean : public BooleanPeer {
   std::vector<std::unique_ptr<Solution>> solutions_;
 };
 
+// One object serves all pairs, as a program with many of them would have it; it takes the paths of a pair at its turn.
+class ClipperPairs : public PairsPeer {
+ public:
+  void Load(const std::vector<RegionPair>& pairs) override {
+    double largest = 0.0;
+    for (const RegionPair& pair : pairs) {
+      largest = std::max({largest, LargestCoordinate(RingsOf(pair.a)), LargestCoordinate(RingsOf(pair.b))});
+    }
+    scale_ = ScaleFor(largest);
+    for (const RegionPair& pair : pairs) {
+      paths_.push_back({Scaled(RingsOf(pair.a), scale_), Scaled(RingsOf(pair.b), scale_)});
+    }
+  }
+  void Run(Op op) override {
+    solutions_.resize(paths_.size());
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+      const bool isBackward = op == Op::kBMinusA;
+      clipper_.Clear();
+      clipper_.AddPaths(isBackward ? paths_[i].b : paths_[i].a, ClipperLib::ptSubject, true);
+      clipper_.AddPaths(isBackward ? paths_[i].a : paths_[i].b, ClipperLib::ptClip, true);
+      if (!clipper_.Execute(ClipType(op), solutions_[i], ClipperLib::pftEvenOdd)) throw std::runtime_error("Execute failed");
+    }
+  }
+  Summary Describe() const override {
+    Summary summary;
+    for (const Paths& solution : solutions_) summary += Summarise(solution, scale_);
+    return summary;
+  }
+  void Drop() override { solutions_.clear(); }
+
+ private:
+  struct PathsPair {
+    Paths a;
+    Paths b;
+  };
+  double scale_ = 1.0;
+  std::vector<PathsPair> paths_;
+  ClipperLib::Clipper clipper_;
+  std::vector<Paths> solutions_;
+};
+
+// Rings of one orientation, united by the non-zero rule.
+template <class Solution>
+class ClipperUnion : public RingsPeer {
+ public:
+  void Load(const std::vector<Ring>& rings) override {
+    scale_ = ScaleFor(LargestCoordinate(rings));
+    clipper_.AddPaths(Scaled(rings, scale_), ClipperLib::ptSubject, true);
+  }
+  void Run() override {
+    solution_ = std::make_unique<Solution>();
+    if (!clipper_.Execute(ClipperLib::ctUnion, *solution_, ClipperLib::pftNonZero)) throw std::runtime_error("Execute failed");
+  }
+  Summary Describe() const override { return Summarise(*solution_, scale_); }
+  void Drop() override { solution_.reset(); }
+
+ private:
+  double scale_ = 1.0;
+  ClipperLib::Clipper clipper_;
+  std::unique_ptr<Solution> solution_;
+};
+
 // Nesting of rings that do not cross: their even-odd union, as a tree.
-class ClipperNest : public NestPeer {
+class ClipperNest : public RingsPeer {
  public:
   void Load(const std::vector<Ring>& rings) override {
     scale_ = ScaleFor(LargestCoordinate(rings));
@@ -92,7 +154,16 @@ std::unique_ptr<BooleanPeer> MakeClipperFlat() {
 std::unique_ptr<BooleanPeer> MakeClipperTree() {
   return std::make_unique<ClipperBoolean<PolyTree>>();
 }
-std::unique_ptr<NestPeer> MakeClipperNest() {
+std::unique_ptr<PairsPeer> MakeClipperPairs() {
+  return std::make_unique<ClipperPairs>();
+}
+std::unique_ptr<RingsPeer> MakeClipperUnionFlat() {
+  return std::make_unique<ClipperUnion<Paths>>();
+}
+std::unique_ptr<RingsPeer> MakeClipperUnionTree() {
+  return std::make_unique<ClipperUnion<PolyTree>>();
+}
+std::unique_ptr<RingsPeer> MakeClipperNest() {
   return std::make_unique<ClipperNest>();
 }
 

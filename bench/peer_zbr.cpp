@@ -13,22 +13,6 @@
 namespace bench {
 namespace {
 
-ZBR_BOOLEAN_OPE LibraryOp(Op op) {
-  switch (op) {
-    case Op::kUnion:
-      return ZBR_BOOL_OR;
-    case Op::kIntersection:
-      return ZBR_BOOL_AND;
-    case Op::kAMinusB:
-      return ZBR_BOOL_A_MINUS_B;
-    case Op::kBMinusA:
-      return ZBR_BOOL_B_MINUS_A;
-    case Op::kXor:
-      return ZBR_BOOL_XOR;
-  }
-  return ZBR_BOOL_OR;
-}
-
 class ZbrBoolean : public BooleanPeer {
  public:
   void Load(const RegionPair& pair) override {
@@ -59,7 +43,7 @@ class ZbrBoolean : public BooleanPeer {
 };
 
 // The call nests in place, so each run gets fresh copies of the loops.
-class ZbrNest : public NestPeer {
+class ZbrNest : public RingsPeer {
  public:
   void Load(const std::vector<Ring>& rings) override {
     for (const Ring& ring : rings) original_.push_back(MakeLoop(ring));
@@ -129,7 +113,7 @@ class ZbrLinear : public LocatePeer {
 std::unique_ptr<BooleanPeer> MakeZbrBoolean() {
   return std::make_unique<ZbrBoolean>();
 }
-std::unique_ptr<NestPeer> MakeZbrNest() {
+std::unique_ptr<RingsPeer> MakeZbrNest() {
   return std::make_unique<ZbrNest>();
 }
 std::unique_ptr<LocatePeer> MakeZbrLocator() {

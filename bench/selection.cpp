@@ -24,6 +24,10 @@ struct Limit {
 constexpr Limit kLimits[] = {
     {"clipper-tree", "star", "", 0, "as the flat result: few loops, nothing to nest"},
     {"clipper-tree", "coast", "", 0, "as star"},
+    {"clipper-tree", "revision", "", 0, "as star"},
+    {"clipper-tree", "borders", "", 0, "39 us an edge at 10k: quadratic in the pieces that touch"},
+    {"boost", "countries", "xor", 100'000, "three times its other operations already at 10k"},
+    {"boost", "borders", "xor", 100'000, "as countries"},
     {"clipper", "star", "", 100'000, "75 s for the union at 1M"},
     {"clipper", "comb", "xor", 1'000, "4 s at 1000, where all crossings lie on axis-parallel edges; it grows as n^5"},
     {"clipper-tree", "comb", "xor", 1'000, "as the flat result"},

@@ -147,9 +147,10 @@ std::vector<Ring> ShuffledRings(const Region& region) {
 }
 
 const std::vector<PairFamily>& PairFamilies() {
-  static const std::vector<PairFamily> families = {{"star", MakeStar},   {"coast", MakeCoast}, {"tiles", MakeTiles},
-                                                   {"holes", MakeHoles}, {"comb", MakeComb},   {"combr", MakeTurnedComb},
-                                                   {"grid", MakeGrid}};
+  static const std::vector<PairFamily> families = {
+      {"star", MakeStar},       {"coast", MakeCoast},      {"tiles", MakeTiles}, {"holes", MakeHoles},
+      {"comb", MakeComb},       {"combr", MakeTurnedComb}, {"grid", MakeGrid},   {"countries", MakeCountries},
+      {"borders", MakeBorders}, {"revision", MakeRevision}};
   return families;
 }
 

@@ -1,4 +1,4 @@
-// The generated inputs of the benchmarks: pairs of regions for the Booleans, flat lists of rings for nesting.
+// The generated inputs of the benchmarks: pairs of regions for the Booleans, rings to be united, flat lists of rings for nesting.
 //
 // Every family is a function of its size alone (the seeds are fixed) and gives the same bits on every machine. The rings of one
 // region are simple, properly nested and do not touch; outer rings run counter-clockwise, holes clockwise.
@@ -49,6 +49,24 @@ RegionPair MakeHoles(std::size_t n);
 // shared edges and vertices, few proper crossings.
 RegionPair MakeGrid(std::size_t n);
 
+// Archipelagos of n vertices: rough coasts, a lake or two on every island, half of the islands divided by a border of which one
+// side belongs to the region; B is A turned by 0.01 rad and shifted by less.
+RegionPair MakeCountries(std::size_t n);
+
+// The same archipelago, every island divided: A holds the western countries, B the eastern ones, with the vertices of the border in
+// common.
+RegionPair MakeBorders(std::size_t n);
+
+// A rough ring of n vertices, and the same with one vertex in a hundred moved by up to an edge length.
+RegionPair MakeRevision(std::size_t n);
+
+// n pairs of 12-gons that overlap by about a half, somewhere each.
+std::vector<RegionPair> MakePairs(std::size_t n);
+
+// n circles of 32 edges, or upright rectangles, of sizes up to threefold, thrown at random so that a place is covered about twice.
+std::vector<Ring> MakeCircles(std::size_t n);
+std::vector<Ring> MakeRectangles(std::size_t n);
+
 // n concentric squares, every other one a hole of the one around it.
 Region MakeNest(std::size_t n);
 
@@ -68,7 +86,13 @@ struct NestFamily {
   Region (*make)(std::size_t n);
 };
 
+struct RingsFamily {
+  std::string_view name;
+  std::vector<Ring> (*make)(std::size_t n);
+};
+
 const std::vector<PairFamily>& PairFamilies();
+const std::vector<RingsFamily>& RingsFamilies();
 const std::vector<NestFamily>& NestFamilies();
 
 std::size_t CountEdges(const Region& region);

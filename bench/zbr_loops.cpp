@@ -4,6 +4,22 @@
 
 namespace bench {
 
+ZBR_BOOLEAN_OPE LibraryOp(Op op) {
+  switch (op) {
+    case Op::kUnion:
+      return ZBR_BOOL_OR;
+    case Op::kIntersection:
+      return ZBR_BOOL_AND;
+    case Op::kAMinusB:
+      return ZBR_BOOL_A_MINUS_B;
+    case Op::kBMinusA:
+      return ZBR_BOOL_B_MINUS_A;
+    case Op::kXor:
+      return ZBR_BOOL_XOR;
+  }
+  return ZBR_BOOL_OR;
+}
+
 std::shared_ptr<ZBR_LOOP> MakeLoop(const Ring& ring) {
   auto loop = std::make_shared<ZBR_LOOP>();
   loop->pt() = ring;

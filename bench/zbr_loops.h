@@ -1,6 +1,7 @@
 // Workloads as our loops, and what they hold.
 #pragma once
 
+#include <zbr/boolean.h>
 #include <zbr/loop.h>
 
 #include <memory>
@@ -12,6 +13,8 @@
 namespace bench {
 
 using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
+
+ZBR_BOOLEAN_OPE LibraryOp(Op op);
 
 std::shared_ptr<ZBR_LOOP> MakeLoop(const Ring& ring);
 

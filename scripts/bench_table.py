@@ -15,7 +15,10 @@ from pathlib import Path
 
 OURS = "zbr"
 PEERS = ["clipper", "clipper-tree", "geos", "boost", "cgal", "openmesh", "std", "pmr", "malloc"]
-COLUMNS = [OURS, "zbr-linear"] + PEERS  # "zbr-linear" is our test of one point, without an index
+# "zbr-region" takes and gives regions, "zbr-exact" through the exact arrangement; "zbr-single" makes a call for each pair;
+# "zbr-linear" is our test of one point, without an index.
+OUR_OTHERS = ["zbr-region", "zbr-exact", "zbr-single", "zbr-linear"]
+COLUMNS = [OURS] + OUR_OTHERS + PEERS
 # Families whose peers are others than those of planar loops, by the beginnings of their names: a table each.
 OWN_TABLES = ["mesh", "alloc", "segs", "clip"]
 
@@ -33,6 +36,10 @@ BARS = {
     "locate-region": (300, {100_000}),
 }
 # Lower bounds of the ratio to the fastest peer.
+FAMILY_RATIO_BARS = {
+    "star": 12.0, "coast": 12.0, "countries": 5.0, "borders": 5.0, "revision": 7.0, "tiles": 4.0, "holes": 4.0, "comb": 1.5,
+    "combr": 1.5, "grid": 2.0, "pairs": 4.0, "circles": 8.0, "rects": 1.5,
+}
 RATIO_BARS = {
     ("mesh", "ordered"): (2.0, {100_000, 1_000_000}),
     ("mesh", "mixed"): (2.0, {100_000, 1_000_000}),
@@ -213,6 +220,32 @@ def print_times_table(table):
     print_table(head, lines)
 
 
+def print_first(path):
+    """First and repeated calls: what each of our ways takes, and the fastest peer's time in terms of it."""
+    rows = defaultdict(dict)
+    for family, size, operation, library, unit, first, again in csv.reader(path.read_text().splitlines()):
+        rows[family, size, operation, unit][library] = (float(first), float(again))
+    ours = [library for library in [OURS] + OUR_OTHERS if any(library in row for row in rows.values())]
+    lines = []
+    for (family, size, operation, unit), row in rows.items():
+        peers = {library: times for library, times in row.items() if library in PEERS}
+        least = [min((times[i] for times in peers.values()), default=None) for i in (0, 1)]
+        cells = []
+        for library in ours:
+            times = row.get(library)
+            cells += [text_number(times and times[i], ".1f") for i in (0, 1)]
+            cells += [text_number(least[i] / times[i] if times and peers else None, ".1f") for i in (0, 1)]
+        bar = FAMILY_RATIO_BARS.get(family)
+        ratio = least[1] / row[OURS][1] if OURS in row and peers else None
+        lines.append([family, size, operation] + cells + [text_number(t, ".1f") for t in least] + [unit]
+                     + [verdict(f"{bar} x", ratio >= bar) if bar and ratio else ""])
+    head = ["family", "size", "operation"]
+    for library in ours:
+        head += [library, "again", "ratio", "again"]
+    print_table(head + ["peer", "again", "ns per", "bar"], lines)
+    print("CPU time of the first call in a process and of later ones, medians of processes that took turns; ratio: fastest peer / ours.\n")
+
+
 def print_memory(path):
     bar, bar_family, bar_size = MEMORY_BAR
     rows = defaultdict(dict)
@@ -366,6 +399,9 @@ def main():
     table, errors = read_benchmarks(sys.argv[1])
     if table:
         print_times(table)
+    first = Path(sys.argv[1]) / "first.csv"
+    if first.exists():
+        print_first(first)
     memory = Path(sys.argv[1]) / "memory.csv"
     if memory.exists():
         print_memory(memory)
