@@ -28,6 +28,11 @@ bool IsUsable(const ZBR_PT& p) {
 
 }  // namespace
 
+bool HaveUsableOffsets(const ZBR_REGION_VIEW& view) {
+  return Ascends(view.ring_offsets, view.ring_count, view.point_count) && (view.xy != nullptr || view.point_count == 0) &&
+         (view.polygon_offsets == nullptr || Ascends(view.polygon_offsets, view.polygon_count, view.ring_count));
+}
+
 bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
   status.operand = static_cast<std::int32_t>(ends_.size());
   points_ += view.point_count;
@@ -35,10 +40,7 @@ bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
     status.code = ZBR_REGION_TOO_LARGE;
     return false;
   }
-  const bool fits = Ascends(view.ring_offsets, view.ring_count, view.point_count) &&
-                    (view.xy != nullptr || view.point_count == 0) &&
-                    (view.polygon_offsets == nullptr || Ascends(view.polygon_offsets, view.polygon_count, view.ring_count));
-  if (!fits) {
+  if (!HaveUsableOffsets(view)) {
     status.code = ZBR_REGION_BAD_OFFSETS;
     return false;
   }

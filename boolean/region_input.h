@@ -42,6 +42,9 @@ class RegionInput {
   std::size_t points_ = 0;
 };
 
+// Whether the offsets ascend and stay within their arrays.
+bool HaveUsableOffsets(const ZBR_REGION_VIEW& view);
+
 // Whether a winding number is inside.
 inline bool IsFilled(ZBR_FILL_RULE rule, std::int32_t winding) {
   switch (rule) {

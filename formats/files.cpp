@@ -30,6 +30,9 @@ std::string ReadFile(const std::string& name) {
   std::FILE* stream = stdin;
   if (!standardInput) {
     owned.reset(std::fopen(name.c_str(), "rb"));
+    // The shell hands over a pattern as it is when nothing matches it.
+    if (!owned && errno == ENOENT && name.find_first_of("*?[") != std::string::npos)
+      throw Failure(name, "no file matches the pattern");
     if (!owned) FailWithErrno(name, "cannot open");
     stream = owned.get();
   }

@@ -131,8 +131,7 @@ CommandLine::CommandLine()
               "Print what a drawing holds: loops, vertices, area, box, depth of nesting; or a model, and what is wrong with it",
               info_);
   AddModelFormat(*app_.get_subcommand("info"), info_.modelFormat);
-  DeclareFile("check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any",
-              check_);
+  DeclareCheck();
   DeclareDraw();
   DeclareOutline();
   DeclarePick();
@@ -150,6 +149,10 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
       ->type_name("FORMAT");
   AddList(command, "--layer", input.layers, "Read only these layers of DXF files, or features of this name of GeoJSON files",
           "NAME,...");
+  AddChoice(command, "--fill", input.fill, {"evenodd", "nonzero", "positive", "negative"},
+            "What is inside: within an odd number of loops (evenodd, by default, with a warning where loops cross), or where their "
+            "turns do not cancel (nonzero), or add up to counter-clockwise (positive) or clockwise ones (negative)",
+            "RULE");
   AddNumber(command, "--deviation", kLength, input.flatten.deviation,
             "Largest distance of a flattened arc from the true one; by default 1/10000 of the larger side of all drawings read");
   AddNumber(command, "--join", kLength, input.flatten.join,
@@ -157,16 +160,24 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
 }
 
 void CommandLine::DeclareBool() {
-  CLI::App& command = *app_.add_subcommand("bool", "Combine two drawings: union, intersection, differences, symmetric difference");
-  AddList(command, "--op", bool_.operations, "One or several of union, intersection, a-b, b-a, xor", "OP,...")->required();
-  command.add_option("files", bool_.files, "The two drawings, A and B")->required()->expected(2, 100)->type_name("A B");
+  CLI::App& command = *app_.add_subcommand("bool", "Combine drawings: union, intersection, differences, symmetric difference");
+  AddList(command, "--op", bool_.operations,
+          "One or several of union, intersection, xor, a-b (the first drawing without all others) and b-a (the others without the "
+          "first)",
+          "OP,...")
+      ->required();
+  constexpr int kAnyNumber = 1 << 20;
+  command.add_option("files", bool_.files, "The drawings, A, B and so on; nothing is written to them unless -o names them")
+      ->required()
+      ->expected(1, kAnyNumber)
+      ->type_name("A B ...");
   command
       .add_option("-o,--output", bool_.outputs,
                   "File for the results, the format by its extension; may be repeated. "
                   "Without it the table of --stats is printed. See 'zbr help outputs'")
       ->allow_extra_args(false)
       ->type_name("OUT");
-  command.add_flag("--stats", bool_.stats, "Print edges, loops, areas, crossings and the milliseconds of each stage");
+  command.add_flag("--stats", bool_.stats, "Print edges, loops, areas and the milliseconds of each stage");
   DeclareInput(command, bool_.input);
 }
 
@@ -187,6 +198,17 @@ void CommandLine::DeclareInside() {
                   "Coordinates, x and y in turn; without any, points are read from standard input, one a line")
       ->type_name("X Y ...");
   DeclareInput(command, inside_.input);
+}
+
+void CommandLine::DeclareCheck() {
+  CLI::App& command = *app_.add_subcommand(
+      "check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any");
+  command.add_option("file", check_.file, "The drawing")->required()->type_name("FILE");
+  command.add_flag("--fix", check_.fix, "Write the region that the drawing is taken for, valid, to the files of -o; exit with 0");
+  command.add_option("-o,--output", check_.outputs, "File for the repaired region; needs --fix")
+      ->allow_extra_args(false)
+      ->type_name("OUT");
+  DeclareInput(command, check_.input);
 }
 
 void CommandLine::DeclareDraw() {

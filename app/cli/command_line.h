@@ -38,6 +38,7 @@ class CommandLine {
   void DeclareOutline();
   void DeclareClip();
   void DeclareFile(const std::string& name, const std::string& description, FileOptions& options);
+  void DeclareCheck();
   void DeclareHelp();
   int RunChosen();
   int RunHelp();
@@ -51,7 +52,8 @@ class CommandLine {
   PickOptions pick_;
   OutlineOptions outline_;
   ClipOptions clip_;
-  FileOptions info_, check_;
+  FileOptions info_;
+  CheckOptions check_;
   std::string topic_;
   bool manual_ = false;
 };

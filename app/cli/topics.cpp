@@ -11,15 +11,15 @@ standard output has the format of the first drawing.
 
 DXF (read and written): closed LWPOLYLINE and POLYLINE with bulges, CIRCLE, ELLIPSE, and LINE, ARC and open
 polylines that are joined end to end into loops. Arcs are replaced by chords (--deviation). The units
-($INSUNITS) are kept; a second drawing in other units is converted to those of the first. Other entities are
+($INSUNITS) are kept; other drawings in other units are converted to those of the first. Other entities are
 left out, with a note. Blocks are not expanded. Results are LWPOLYLINEs on a layer named after each operation.
 
 GeoJSON (read and written): Polygon and MultiPolygon, alone or in Feature, FeatureCollection and
-GeometryCollection. Polygons of one file are united where they overlap. Results are a FeatureCollection with one
+GeometryCollection. Polygons of one file are united. Results are a FeatureCollection with one
 MultiPolygon for each operation.
 
 WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, any number in one file. Polygons of one
-file are united where they overlap. Results are one line for each operation.
+file are united. Results are one line for each operation.
 
 text (read and written): one "x y" or "x y z" a line, a blank line between loops, '#' starts a comment:
 
@@ -43,15 +43,15 @@ Models (read): STL, OBJ, PLY, OFF and glTF 2, the latter with the nodes of its s
 '-', need --model-format.
 
 In DXF and text a point belongs to the drawing when an odd number of loops is around it, whatever the loops'
-directions. Numbers are written with the fewest digits that read back as the same number. Drawings are computed
-in a frame scaled by a power of two, so any unit and size does; loops of less than about 1e-16 of the area of the
-drawing's box are dropped.
+directions, unless --fill names another rule; in GeoJSON and WKT the same holds for each polygon by itself. Numbers
+are written with the fewest digits that read back as the same number. Any unit and size does, up to 1e150; what is
+narrower than about 1e-12 of the larger side is left out of results.
 )";
 
 constexpr const char* kOutputs =
     R"(One operation: every -o names a file for its result.
 
-Several operations: they share one search for crossings. With as many outputs as operations each file holds one
+Several operations: on two drawings they share one search for crossings. With as many outputs as operations each file holds one
 result, in the order of --op. A name with {op} stands for one file for each operation:
 
   zbr bool --op union,a-b A.dxf B.dxf -o out-{op}.dxf
@@ -87,7 +87,15 @@ constexpr const char* kCheck =
     R"(A drawing bounds a region when its loops close, enclose some area and neither cross themselves or each other nor
 run along each other; loops may touch. 'zbr check' prints one line 'file:line: finding at (x, y)' for each
 breach, with the line where the loop starts in the file. The other commands note the first breach on standard
-error and go on: open contours are left out, and results may be wrong where loops cross.
+error and go on: open contours are left out, and where loops cross, what lies within an odd number of them is taken.
+--fill takes another rule and tells of no crossings:
+
+  evenodd    within an odd number of loops
+  nonzero    where the turns of the loops around a point do not cancel
+  positive   where they add up to counter-clockwise turns, as outer loops of most programs make them
+  negative   where they add up to clockwise turns
+
+With --fix and -o, 'zbr check' writes the region so found: simple loops, nested, that touch in single points at most.
 )";
 
 constexpr const char* kViews =

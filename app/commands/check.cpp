@@ -1,57 +1,60 @@
-// zbr check: everything about a drawing that keeps its loops from bounding a region, each with its place.
+// zbr check: everything about a drawing that keeps its loops from bounding a region, each with its place; and the region that it is
+// taken for.
 
-#include <zbr-drawing/numbers.h>
+#include <zbr-formats/files.h>
 
-#include <cmath>
+#include <cstdio>
+#include <filesystem>
 
 #include "app/commands/load.h"
+#include "app/commands/outputs.h"
 #include "app/io/output_files.h"
 
 namespace tool {
 namespace {
 
-constexpr std::size_t kMostContacts = 10000;
+constexpr std::size_t kMostFaults = 1000000;
 
-class Check {
+// One line for each kind of fault that a loop has, or that two loops have with each other, with its first place.
+class Findings {
  public:
-  Check(const Contours& contours, const Frame& frame) : contours_(contours), frame_(frame) {}
+  explicit Findings(const Contours& contours) : contours_(contours) {}
 
-  // One line for each finding.
-  std::string Run() {
+  std::string Text() {
     for (const OpenEnds& open : contours_.open) {
       Report(open.line, "contour does not close, from " + PointText(open.from) + " to " + PointText(open.to));
     }
-    for (const Ring& ring : contours_.rings) CheckRing(ring);
-    const Contacts contacts = FindContacts(LoopsOf(contours_, frame_), kMostContacts);
-    for (const Contact& contact : contacts.list) {
-      const std::string more = contact.count > 1 ? " and " + std::to_string(contact.count - 1) + " more places" : "";
-      Report(contours_.rings[contact.ringA].line, Describe(contact, contours_, frame_) + more);
+    std::vector<ZBR_REGION_FAULT> faults;
+    zbrCheckRegion(RingsOf(contours_).view(), faults, kMostFaults);
+    for (std::size_t i = 0, next = 0; i < faults.size(); i = next) {
+      while (next < faults.size() && AreAlike(faults[i], faults[next])) ++next;
+      const Ring& ring = contours_.rings[static_cast<std::size_t>(faults[i].ring_a)];
+      Report(ring.line, TextOf(faults[i], ring) + More(next - i - 1));
     }
-    if (!contacts.complete) text_ += contours_.file + ": the search for crossings stopped, there are too many\n";
+    if (faults.size() >= kMostFaults) text_ += contours_.file + ": the search for crossings stopped, there are too many\n";
     return std::move(text_);
   }
 
  private:
-  void CheckRing(const Ring& ring) {
-    ZBR_LOOP loop;
-    std::size_t repeated = 0;
-    ZBR_PT firstRepeated;
-    for (std::size_t i = 0; i < ring.points.size(); ++i) {
-      const ZBR_PT p = frame_.In(ring.points[i]);
-      if (p != frame_.In(ring.points[(i + 1) % ring.points.size()])) {
-        loop.pt().push_back(p);
-      } else if (ring.points.size() > 1 && repeated++ == 0) {
-        firstRepeated = ring.points[i];
-      }
-    }
-    loop.Setup();
-    if (repeated > 0) {
-      const std::string more = repeated > 1 ? " and " + std::to_string(repeated - 1) + " more" : "";
-      Report(ring.line, "loop repeats a point at " + PointText(firstRepeated) + more);
-    }
-    if (loop.pt().size() < 3 || !(std::abs(loop.area()) > kTolerance)) {
-      const std::string place = ring.points.empty() ? "" : " at " + PointText(ring.points.front());
-      Report(ring.line, "loop of " + std::to_string(loop.pt().size()) + " different points encloses no area" + place);
+  static bool AreAlike(const ZBR_REGION_FAULT& a, const ZBR_REGION_FAULT& b) {
+    return a.kind == b.kind && a.ring_a == b.ring_a && a.ring_b == b.ring_b;
+  }
+
+  static std::string More(std::size_t count) {
+    return count == 0 ? "" : " and " + std::to_string(count) + (count == 1 ? " more place" : " more places");
+  }
+
+  std::string TextOf(const ZBR_REGION_FAULT& fault, const Ring& ring) const {
+    switch (fault.kind) {
+      case ZBR_FAULT_REPEATED_POINT:
+        return "loop repeats a point at " + PointText(fault.place);
+      case ZBR_FAULT_NO_AREA:
+        return "loop of " + std::to_string(ring.points.size()) + " points encloses no area" +
+               (ring.points.empty() ? "" : " at " + PointText(fault.place));
+      case ZBR_FAULT_NOT_FINITE:
+        return "loop has coordinates out of range";
+      default:
+        return Describe(fault, contours_);
     }
   }
 
@@ -60,23 +63,37 @@ class Check {
   }
 
   const Contours& contours_;
-  const Frame& frame_;
   std::string text_;
 };
 
+void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const std::vector<OutputPlan>& plans, const std::string& name) {
+  OutputFiles files;
+  const Layer layer = MakeLayer(name, ValidShape(MakeRegion(loaded.contours.front(), rule)));
+  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));
+  files.Commit();
+}
+
 }  // namespace
 
-int RunCheck(const FileOptions& options) {
+int RunCheck(const CheckOptions& options) {
+  if (options.fix != !options.outputs.empty()) throw Failure("--fix and -o need each other");
   Progress progress;
+  const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
+  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();
   progress.Stage("checking " + options.file);
-  std::string findings = Check(contours, loaded.frame).Run();
+  std::string findings = Findings(contours).Text();
+  const bool isClean = findings.empty();
+  if (isClean) findings = options.file + ": clean, " + std::to_string(contours.rings.size()) + " loops\n";
+  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), plans, name);
   progress.Stage("");
-  const bool clean = findings.empty();
-  if (clean) findings = options.file + ": clean, " + std::to_string(contours.rings.size()) + " loops\n";
-  WriteToStandardOutput(std::move(findings));
-  return clean ? kExitFine : kExitFound;
+  if (UsesStandardOutput(plans)) {
+    std::fputs(findings.c_str(), stderr);
+  } else {
+    WriteToStandardOutput(std::move(findings));
+  }
+  return isClean || options.fix ? kExitFine : kExitFound;
 }
 
 }  // namespace tool

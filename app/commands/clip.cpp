@@ -1,5 +1,6 @@
 // zbr clip: the parts of lines inside and outside of a region.
 
+#include <zbr-drawing/frame.h>
 #include <zbr-drawing/lines.h>
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
@@ -221,14 +222,14 @@ int RunClip(const ClipOptions& options) {
   Stopwatch watch;
   Read(options, run, progress);
   stages.emplace_back("read", watch.Lap());
-  Region region = LoadRegion(run.contours, run.frame, progress);
+  const ZBR_REGION region = ValidShape(LoadRegion(run.contours, options.input, progress));
   stages.emplace_back("nest", watch.Lap());
-  if (region.loops.empty()) progress.Note(options.region + ": note: holds no region; everything is outside");
+  if (region.empty()) progress.Note(options.region + ": note: holds no region; everything is outside");
   progress.Stage("clipping");
-  Clip(run, region.loops);
+  Clip(run, run.frame.In(region));
   stages.emplace_back("clip", watch.Lap());
   progress.Stage("writing");
-  run.region = MakeLayer(run.regionName, std::move(region.loops), run.frame);
+  run.region = MakeLayer(run.regionName, region);
   WriteOutputs(run, plans);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");

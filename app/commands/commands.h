@@ -20,12 +20,13 @@ struct InputOptions {
   std::string format;               // of files whose names do not tell
   std::vector<std::string> layers;  // empty: all
   FlattenOptions flatten{-1.0, -1.0};
+  std::string fill;  // the rule that tells what is inside; empty: even-odd
 };
 
 struct BoolOptions {
   InputOptions input;
   std::vector<std::string> operations;
-  std::vector<std::string> files;  // A and B; more than these are refused
+  std::vector<std::string> files;  // A, B and so on
   std::vector<std::string> outputs;
   bool stats = false;
 };
@@ -48,6 +49,13 @@ struct FileOptions {
   std::string modelFormat;  // of info alone; set: the file is a model
 };
 
+struct CheckOptions {
+  InputOptions input;
+  std::string file;
+  std::vector<std::string> outputs;
+  bool fix = false;  // outputs get the region that the drawing is taken for
+};
+
 struct DrawOptions {
   std::vector<std::string> models;
   std::vector<std::string> objects;  // further ones, "FILE,DX,DY,DZ"
@@ -64,7 +72,7 @@ struct DrawOptions {
   double crease = 30.0;
   double weld = 0.0;
   double contact = -1.0;  // negative: from the coordinates
-  unsigned jobs = 0;  // 0: as many as there are processors
+  unsigned jobs = 0;      // 0: as many as there are processors
   bool fill = false;
   bool stats = false;
 };
@@ -103,7 +111,7 @@ int RunBool(const BoolOptions& options);
 int RunNest(const NestOptions& options);
 int RunInside(const InsideOptions& options);
 int RunInfo(const FileOptions& options);
-int RunCheck(const FileOptions& options);
+int RunCheck(const CheckOptions& options);
 int RunDraw(const DrawOptions& options);
 int RunPick(const PickOptions& options);
 int RunOutline(const OutlineOptions& options);

@@ -21,19 +21,9 @@ std::string BoxText(const Extent& box) {
   return NumberText(box.xmin) + " " + NumberText(box.ymin) + " to " + NumberText(box.xmax) + " " + NumberText(box.ymax);
 }
 
-std::string Listed(const std::set<std::string>& names) {
-  constexpr std::size_t kMost = 20;
-  std::string text;
-  std::size_t count = 0;
-  for (const std::string& name : names) {
-    if (count++ == kMost) return text + " and " + std::to_string(names.size() - kMost) + " more";
-    text += (text.empty() ? "" : ", ") + name;
-  }
-  return text;
-}
-
-int Depth(const LoopList& rings) {
-  const std::vector<int> depths = NestingDepths(rings);
+int Depth(const ZBR_REGION& shape) {
+  std::vector<std::int32_t> depths, parents;
+  zbrNestRegion(shape.view(), depths, parents);
   return depths.empty() ? 0 : *std::max_element(depths.begin(), depths.end()) + 1;
 }
 
@@ -44,20 +34,19 @@ int RunInfo(const FileOptions& options) {
   Progress progress;
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();
-  const Region region = LoadRegion(contours, loaded.frame, progress);
-  const LoopList rings = RingsOf(region.loops);
-  const std::size_t holes = CountHoles(region.loops);
+  const ZBR_REGION shape = ValidShape(LoadRegion(contours, options.input, progress));
+  const std::size_t holes = shape.ring_count() - shape.polygon_count();
   Report report;
   report.Line("file", BaseName(options.file));
   report.Line("format", NameOf(loaded.format));
   if (!UnitName(loaded.units).empty()) report.Line("units", UnitName(loaded.units));
   if (!loaded.layers.empty()) report.Line("layers", Listed(loaded.layers));
-  report.Line("loops", std::to_string(rings.size()) + " (" + std::to_string(region.loops.size()) + " outer, " +
+  report.Line("loops", std::to_string(shape.ring_count()) + " (" + std::to_string(shape.polygon_count()) + " outer, " +
                            std::to_string(holes) + " holes)");
-  report.Line("vertices", std::to_string(CountVertices(region.loops)));
-  report.Line("area", NumberText(loaded.frame.AreaOut(ZBR_LOOP::get_area(region.loops))));
+  report.Line("vertices", std::to_string(shape.point_count()));
+  report.Line("area", NumberText(shape.area()));
   report.Line("box", BoxText(ExtentOf(contours.rings)));
-  report.Line("depth", std::to_string(Depth(rings)));
+  report.Line("depth", std::to_string(Depth(shape)));
   if (!contours.open.empty()) report.Line("open", OpenText(contours.open.size()));
   progress.Stage("");
   WriteToStandardOutput(report.Listed(kReportColumn));

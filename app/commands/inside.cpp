@@ -1,5 +1,6 @@
 // zbr inside: where points lie relative to the region of a drawing.
 
+#include <zbr-drawing/frame.h>
 #include <zbr-drawing/numbers.h>
 
 #include <unistd.h>
@@ -35,12 +36,13 @@ int RunInside(const InsideOptions& options) {
   Progress progress;
   const std::vector<ZBR_PT> points = ReadPoints(options.coordinates, options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
-  const Region region = LoadRegion(loaded.contours.front(), loaded.frame, progress);
+  const Region region = LoadRegion(loaded.contours.front(), options.input, progress);
   progress.Stage("locating points");
-  const ZBR_LOOP_LOCATOR locator(region.loops);
+  const Frame frame = Frame::For(ExtentOf(loaded.contours.front().rings));
+  const ZBR_LOOP_LOCATOR locator(frame.In(ValidShape(region)));
   std::string text;
   for (const ZBR_PT& point : points) {
-    const ZBR_PT p = loaded.frame.In(point);
+    const ZBR_PT p = frame.In(point);
     const bool far = !std::isfinite(p.x()) || !std::isfinite(p.y());
     AppendNumber(text, point.x());
     text += ' ';

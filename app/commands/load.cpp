@@ -13,9 +13,14 @@ namespace {
 
 void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
   if (layers.empty()) return;
+  std::set<std::string> known;
+  for (const Path& path : drawing.paths) {
+    if (!path.layer.empty()) known.emplace(path.layer);
+  }
   std::erase_if(drawing.paths,
                 [&](const Path& path) { return std::find(layers.begin(), layers.end(), path.layer) == layers.end(); });
-  if (drawing.paths.empty()) throw Failure(drawing.file, "nothing on the chosen layers");
+  if (drawing.paths.empty())
+    throw Failure(drawing.file, "nothing on the chosen layers; " + (known.empty() ? "it has none" : "there are " + Listed(known)));
 }
 
 void NoteIgnored(const Drawing& drawing, Progress& progress) {
@@ -31,8 +36,8 @@ void LeaveOutRepeats(Drawing& drawing, Progress& progress) {
   progress.Note(drawing.file + ": note: left out " + std::to_string(count) + what);
 }
 
-const char* VerbFor(ContactKind kind) {
-  return kind == ContactKind::kCrossing ? "crosses" : (kind == ContactKind::kOverlap ? "runs along" : "turns back on");
+const char* VerbFor(ZBR_REGION_FAULT_KIND kind) {
+  return kind == ZBR_FAULT_CROSSING ? "crosses" : (kind == ZBR_FAULT_OVERLAP ? "runs along" : "turns back on");
 }
 
 }  // namespace
@@ -79,28 +84,35 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   loaded.units = drawings.front().units;
   loaded.format = FormatOf(files.front(), fallback);
   const FlattenOptions flatten = WithDefaults(options.flatten, extent);
-  Extent ringExtent;
-  for (Drawing& drawing : drawings) {
-    loaded.contours.push_back(MakeContours(std::move(drawing), flatten));
-    ringExtent.Add(ExtentOf(loaded.contours.back().rings));
-  }
-  loaded.frame = Frame::For(ringExtent);
+  for (Drawing& drawing : drawings) loaded.contours.push_back(MakeContours(std::move(drawing), flatten));
   return loaded;
 }
 
-Region LoadRegion(const Contours& contours, const Frame& frame, Progress& progress) {
+Region LoadRegion(const Contours& contours, const InputOptions& options, Progress& progress) {
   progress.Stage("nesting " + contours.file);
-  Region region = MakeRegion(contours, frame);
+  Region region = MakeRegion(contours, FillRule(options.fill));
   if (!contours.open.empty()) {
     progress.Note(contours.file + ":" + std::to_string(contours.open.front().line) + ": warning: left out " +
                   OpenText(contours.open.size()));
   }
-  if (!region.contacts.empty()) {
-    const Contact& contact = region.contacts.front();
-    progress.Note(contours.file + ":" + std::to_string(contours.rings[contact.ringA].line) +
-                  ": warning: " + Describe(contact, contours, frame) + "; results may be wrong there, see 'zbr check'");
+  if (!region.faults.empty() && options.fill.empty()) {
+    const ZBR_REGION_FAULT& fault = region.faults.front();
+    const std::size_t line = contours.rings[static_cast<std::size_t>(fault.ring_a)].line;
+    progress.Note(contours.file + ":" + std::to_string(line) + ": warning: " + Describe(fault, contours) +
+                  "; what lies within an odd number of loops is taken, see 'zbr check' and --fill");
   }
   return region;
+}
+
+std::string Listed(const std::set<std::string>& names) {
+  constexpr std::size_t kMost = 20;
+  std::string text;
+  std::size_t count = 0;
+  for (const std::string& name : names) {
+    if (count++ == kMost) return text + " and " + std::to_string(names.size() - kMost) + " more";
+    text += (text.empty() ? "" : ", ") + name;
+  }
+  return text;
 }
 
 std::string OpenText(std::size_t count) {
@@ -116,14 +128,20 @@ std::string PointText(const ZBR_PT& p) {
   return text;
 }
 
-std::string Describe(const Contact& contact, const Contours& contours, const Frame& frame) {
-  std::string text = std::string("loop ") + VerbFor(contact.kind) + " ";
-  if (contact.ringA == contact.ringB) {
+std::string Describe(const ZBR_REGION_FAULT& fault, const Contours& contours) {
+  std::string text = std::string("loop ") + VerbFor(fault.kind) + " ";
+  if (fault.ring_a == fault.ring_b) {
     text += "itself";
   } else {
-    text += "the loop of line " + std::to_string(contours.rings[contact.ringB].line);
+    text += "the loop of line " + std::to_string(contours.rings[static_cast<std::size_t>(fault.ring_b)].line);
   }
-  return text + " at " + PointText(frame.Out(contact.at));
+  return text + " at " + PointText(fault.place);
+}
+
+ZBR_FILL_RULE FillRule(const std::string& name) {
+  if (name == "nonzero") return ZBR_FILL_NON_ZERO;
+  if (name == "positive") return ZBR_FILL_POSITIVE;
+  return name == "negative" ? ZBR_FILL_NEGATIVE : ZBR_FILL_EVEN_ODD;
 }
 
 Format FormatOption(const InputOptions& options) {

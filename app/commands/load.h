@@ -1,7 +1,6 @@
 // Reading the drawings that a command works on.
 #pragma once
 
-#include <zbr-drawing/frame.h>
 #include <zbr-drawing/region.h>
 #include <zbr-formats/drawings.h>
 
@@ -20,11 +19,10 @@ struct Loaded {
   std::set<std::string> layers;      // names found in the files
   int units = 0;                     // of the first file
   Format format = Format::kUnknown;  // of the first file
-  Frame frame;                       // for all files together
 };
 
-// Reads the files and makes contours of them, with one set of tolerances and one frame, so that what coincides in the files still
-// does. A file in other units than the first is converted. What was left out is noted on standard error.
+// Reads the files and makes contours of them, with one set of tolerances, so that what coincides in the files still does. A file in
+// other units than the first is converted. What was left out is noted on standard error.
 Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress);
 
 // The parts of that, for commands that read files for different things: one file, without the layers that are not wanted (none
@@ -33,8 +31,11 @@ Drawing ReadInput(const std::string& file, Format format, Content content, const
                   Progress& progress);
 void ConvertUnits(Drawing& drawing, int units, Progress& progress);
 
-// The region of a file; a note says where its rings cross.
-Region LoadRegion(const Contours& contours, const Frame& frame, Progress& progress);
+// The region of a file. A note says where its rings cross, unless the caller chose what that shall mean.
+Region LoadRegion(const Contours& contours, const InputOptions& options, Progress& progress);
+
+// "cut, marks, text", the first twenty.
+std::string Listed(const std::set<std::string>& names);
 
 // "1 contour that does not close"
 std::string OpenText(std::size_t count);
@@ -42,8 +43,11 @@ std::string OpenText(std::size_t count);
 // "(x, y)"
 std::string PointText(const ZBR_PT& p);
 
-// What a contact is called: "loop crosses the loop of line 9 at (1, 2)".
-std::string Describe(const Contact& contact, const Contours& contours, const Frame& frame);
+// What a fault is called: "loop crosses the loop of line 9 at (1, 2)".
+std::string Describe(const ZBR_REGION_FAULT& fault, const Contours& contours);
+
+// The rule of --fill by its name, even-odd when that is empty.
+ZBR_FILL_RULE FillRule(const std::string& name);
 
 Format FormatOption(const InputOptions& options);
 

@@ -2,7 +2,6 @@
 
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
-#include <zbr-formats/picture.h>
 
 #include <filesystem>
 
@@ -13,34 +12,28 @@
 namespace tool {
 namespace {
 
-std::string Line(const std::string& label, const ZBR_LOOP& loop, int depth, const Frame& frame) {
-  return label + ": depth " + std::to_string(depth) + ", " + std::to_string(loop.pt().size()) + " points, area " +
-         NumberText(frame.AreaOut(loop.area())) + ", at " + PointText(frame.Out(loop.pt().front())) + "\n";
+std::string Line(const std::string& label, const ZBR_REGION& shape, std::size_t ring, int depth) {
+  const auto first = static_cast<std::size_t>(shape.ring_offsets()[ring]),
+             end = static_cast<std::size_t>(shape.ring_offsets()[ring + 1]);
+  ZBR_REGION alone;
+  alone.AddRing(shape.points().data() + first, end - first);
+  return label + ": depth " + std::to_string(depth) + ", " + std::to_string(end - first) + " points, area " +
+         NumberText(alone.area()) + ", at " + PointText(shape.points()[first]) + "\n";
 }
 
-std::string List(const LoopList& loops, const Frame& frame) {
-  const LoopList rings = RingsOf(loops);
-  const std::vector<int> depths = NestingDepths(rings);
+std::string List(const ZBR_REGION& shape) {
+  std::vector<std::int32_t> depths, parents;
+  zbrNestRegion(shape.view(), depths, parents);
   std::string text;
-  std::size_t next = 0;
-  for (std::size_t i = 0; i < loops.size(); ++i) {
+  for (std::size_t i = 0; i < shape.polygon_count(); ++i) {
     const std::string number = std::to_string(i + 1);
-    text += Line("loop " + number, *rings[next], depths[next], frame);
-    ++next;
-    for (std::size_t k = 0; k < loops[i]->children().size(); ++k, ++next) {
-      text += Line("  hole " + number + "." + std::to_string(k + 1), *rings[next], depths[next], frame);
+    const auto first = static_cast<std::size_t>(shape.polygon_offsets()[i]);
+    for (std::size_t r = first; r < static_cast<std::size_t>(shape.polygon_offsets()[i + 1]); ++r) {
+      const std::string label = r == first ? "loop " + number : "  hole " + number + "." + std::to_string(r - first);
+      text += Line(label, shape, r, depths[r]);
     }
   }
   return text;
-}
-
-std::string PictureOf(const Layer& layer, int units) {
-  Picture picture;
-  picture.title = layer.name;
-  picture.units = units;
-  picture.operands = {layer};
-  picture.panels = {{std::to_string(layer.loops.size()) + " outer, " + std::to_string(CountHoles(layer.loops)) + " holes", layer}};
-  return WriteSvg(picture);
 }
 
 }  // namespace
@@ -50,16 +43,13 @@ int RunNest(const NestOptions& options) {
   const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
-  Region region = LoadRegion(loaded.contours.front(), loaded.frame, progress);
+  const ZBR_REGION shape = ValidShape(LoadRegion(loaded.contours.front(), options.input, progress));
   OutputFiles files;
   if (plans.empty()) {
-    files.Add("-", List(region.loops, loaded.frame));
+    files.Add("-", List(shape));
   } else {
-    const Layer layer = MakeLayer(name, std::move(region.loops), loaded.frame);
-    for (const OutputPlan& plan : plans) {
-      files.Add(plan.file,
-                plan.format == Format::kSvg ? PictureOf(layer, loaded.units) : WriteDrawing(plan.format, {layer}, loaded.units));
-    }
+    const Layer layer = MakeLayer(name, shape);
+    for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));
   }
   progress.Stage("");
   files.Commit();

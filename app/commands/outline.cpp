@@ -42,27 +42,11 @@ struct Run {
   std::vector<Layer> layers;  // one for each object
 };
 
-// Far from the origin areas would lose digits; in a frame they do not.
-double AreaOf(const LoopList& loops) {
-  Extent extent;
-  ForEachRing(loops, [&](const ZBR_LOOP& ring) {
-    for (const ZBR_PT& p : ring.pt()) extent.Add(p);
-  });
-  const Frame frame = Frame::For(extent);
-  double area = 0.0;
-  ForEachRing(loops, [&](const ZBR_LOOP& ring) {
-    ZBR_LOOP framed;
-    for (const ZBR_PT& p : ring.pt()) framed.pt().push_back(frame.In(p));
-    area += framed.get_area();
-  });
-  return frame.AreaOut(area);
-}
-
 std::vector<Layer> FindLayers(const Objects& objects, const Model& model, Scene& scene, const OutlineOptions& options) {
   FindOutlines(model, scene, !options.whole, ThreadCount(options.jobs));
   std::vector<Layer> layers;
   for (LoopList& loops : OutlinesInPlace(model, scene)) {
-    const double area = AreaOf(loops);
+    const double area = zbrRegionOfLoops(loops).area();
     layers.push_back({objects.sources[layers.size()].id, std::move(loops), area});
   }
   return layers;

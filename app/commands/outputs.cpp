@@ -1,6 +1,8 @@
 // Sharing results out among output files.
 #include "app/commands/outputs.h"
 
+#include <zbr-formats/picture.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
@@ -13,7 +15,10 @@ namespace {
 Format OutputFormat(const std::string& file, Format chosen, const std::string& input) {
   Format format = FormatOf(file, chosen);
   if (format == Format::kUnknown && file == "-") format = FormatOf(input, chosen);
-  if (format == Format::kUnknown) throw Failure(file, "the name does not tell the format; give --format");
+  if (format == Format::kUnknown)
+    throw Failure(
+        file,
+        "the name does not tell the format; names end in .dxf, .geojson, .json, .wkt, .loops, .txt or .svg, else give --format");
   return format;
 }
 
@@ -56,6 +61,16 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
     }
   }
   return plans;
+}
+
+std::string WriteRegion(Format format, const Layer& layer, int units) {
+  if (format != Format::kSvg) return WriteDrawing(format, {layer}, units);
+  Picture picture;
+  picture.title = layer.name;
+  picture.units = units;
+  picture.operands = {layer};
+  picture.panels = {{std::to_string(layer.loops.size()) + " outer, " + std::to_string(CountHoles(layer.loops)) + " holes", layer}};
+  return WriteSvg(picture);
 }
 
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans) {

@@ -32,6 +32,9 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
 // Fails where a name has a placeholder, a word in braces, other than this one.
 void CheckPlaceholders(const std::string& file, const std::string& placeholder);
 
+// A region by itself in this format.
+std::string WriteRegion(Format format, const Layer& layer, int units);
+
 // Whether a plan writes to standard output, so that reports have to go to standard error.
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans);
 

@@ -2,6 +2,7 @@
 #include "app/commands/stats.h"
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-formats/picture.h>
 
 #include <algorithm>
 #include <array>
@@ -49,13 +50,12 @@ std::string StageTable(const std::vector<std::pair<std::string, double>>& stages
 }
 
 std::string Stats::Text(const std::vector<Layer>& operands, const std::vector<Layer>& results) const {
-  constexpr std::array<const char*, 2> kLabels = {"A ", "B "};
   std::vector<std::string> labels;
-  for (std::size_t i = 0; i < operands.size(); ++i) labels.push_back(kLabels[i] + operands[i].name);
+  for (std::size_t i = 0; i < operands.size(); ++i) labels.push_back(OperandLabel(i) + " " + operands[i].name);
   for (const Layer& result : results) labels.push_back(result.name);
   std::vector<Layer> layers = operands;
   layers.insert(layers.end(), results.begin(), results.end());
-  return LayerTable(labels, layers) + "crossings  " + std::to_string(crossings) + "\n" + StageTable(stages);
+  return LayerTable(labels, layers) + StageTable(stages);
 }
 
 }  // namespace tool

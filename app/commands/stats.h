@@ -19,12 +19,11 @@ std::string LayerTable(const std::vector<std::string>& labels, const std::vector
 std::string StageTable(const std::vector<std::pair<std::string, double>>& stages);
 
 struct Stats {
-  std::size_t crossings = 0;
   std::vector<std::pair<std::string, double>> stages;  // name, milliseconds
 
   void Stage(const std::string& name, double milliseconds) { stages.emplace_back(name, milliseconds); }
 
-  // A table of operands and results, the number of crossings, and the time of each stage.
+  // A table of operands and results, and the time of each stage.
   std::string Text(const std::vector<Layer>& operands, const std::vector<Layer>& results) const;
 };
 

@@ -33,4 +33,14 @@ Frame Frame::For(const Extent& extent) {
   return frame;
 }
 
+LoopList Frame::In(const ZBR_REGION& shape) const {
+  LoopList loops = zbrLoopsOfRegion(shape.view());
+  ForEachRing(loops, [&](ZBR_LOOP& ring) {
+    for (ZBR_PT& p : ring.pt()) p = In(p);
+    ring.Reset();
+    ring.Setup();
+  });
+  return loops;
+}
+
 }  // namespace zbr::drawing

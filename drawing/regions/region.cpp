@@ -1,154 +1,88 @@
-// Regions from rings: nesting, union of polygons, depths.
+// Regions of drawings: rings, union of polygons, loops.
 #include <zbr-drawing/region.h>
 
-#include <zbr/boolean.h>
+#include <zbr-drawing/failure.h>
 
-#include <cmath>
-#include <unordered_map>
 #include <utility>
-
-#include "drawing/regions/pinches.h"
 
 namespace zbr::drawing {
 namespace {
-
-// Whether even-odd nesting of all rings gives the same region as the union of the polygons: outer rings on level 0, holes inside
-// their own outer ring.
-bool PolygonsAgreeWithNesting(const Contours& contours, const LoopList& rings, const LoopList& nested) {
-  std::unordered_map<const ZBR_LOOP*, int> polygonOf;
-  for (std::size_t i = 0; i < rings.size(); ++i) polygonOf[rings[i].get()] = contours.rings[i].polygon;
-  std::unordered_map<int, int> outerRings;
-  for (const auto& outer : nested) {
-    const int polygon = polygonOf[outer.get()];
-    if (++outerRings[polygon] > 1) return false;
-    for (const auto& hole : outer->children()) {
-      if (polygonOf[hole.get()] != polygon) return false;
-    }
-  }
-  return true;
-}
-
-// Union of the polygons, two by two, so that the work is that of a few large unions rather than of many growing ones.
-LoopList UnitePolygons(const Contours& contours, const LoopList& rings) {
-  std::vector<LoopList> parts;
-  int current = -1;
-  for (std::size_t i = 0; i < rings.size(); ++i) {
-    if (parts.empty() || contours.rings[i].polygon != current) parts.emplace_back();
-    current = contours.rings[i].polygon;
-    parts.back().push_back(rings[i]);
-  }
-  for (LoopList& part : parts) {
-    Nest(part);
-    SplitPinches(part);
-  }
-  while (parts.size() > 1) {
-    std::vector<LoopList> united;
-    for (std::size_t i = 0; i + 1 < parts.size(); i += 2) {
-      united.emplace_back();
-      zbrBooleanLoops(parts[i], parts[i + 1], ZBR_BOOL_OR, united.back());
-      SplitPinches(united.back());
-    }
-    if (parts.size() % 2 != 0) united.push_back(std::move(parts.back()));
-    parts = std::move(united);
-  }
-  return parts.front();
-}
 
 bool HasPolygons(const Contours& contours) {
   return !contours.rings.empty() && contours.rings.front().polygon >= 0;
 }
 
-}  // namespace
-
-LoopList LoopsOf(const Contours& contours, const Frame& frame) {
-  LoopList loops;
-  loops.reserve(contours.rings.size());
+// The rings of each polygon as a region.
+std::vector<ZBR_REGION> PolygonsOf(const Contours& contours) {
+  std::vector<ZBR_REGION> polygons;
+  int current = -1;
   for (const Ring& ring : contours.rings) {
-    auto loop = std::make_shared<ZBR_LOOP>();
-    loop->pt().reserve(ring.points.size());
-    const ZBR_PT* last = ring.points.empty() ? nullptr : &ring.points.back();
-    for (const ZBR_PT& p : ring.points) {
-      if (p.x() != last->x() || p.y() != last->y()) loop->pt().push_back(frame.In(p));
-      last = &p;
-    }
-    loop->Setup();
-    loops.push_back(std::move(loop));
+    if (polygons.empty() || ring.polygon != current) polygons.emplace_back();
+    current = ring.polygon;
+    polygons.back().AddRing(ring.points);
   }
-  return loops;
+  return polygons;
 }
 
-Region MakeRegion(const Contours& contours, const Frame& frame) {
-  constexpr std::size_t kMostContacts = 1000;  // one is enough to warn, but polygons that only meet each other use up entries
-  const LoopList rings = LoopsOf(contours, frame);
+// The number of the first ring of each polygon does not matter: the place is told by the check, which looks at all rings.
+void Require(const ZBR_REGION_STATUS& status, const std::string& file) {
+  if (status.code == ZBR_REGION_TOO_LARGE) throw Failure(file, "too many points");
+  if (status.code != ZBR_REGION_OK) throw Failure(file, "coordinates are out of range");
+}
+
+// Faults that change what is bounded. Rings of different polygons may meet in any way.
+std::vector<ZBR_REGION_FAULT> MeetingsIn(const Contours& contours, const ZBR_REGION& rings) {
+  constexpr std::size_t kMost = 1000;  // one is enough to warn, but polygons that only meet each other use some up
+  std::vector<ZBR_REGION_FAULT> faults;
+  Require(zbrCheckRegion(rings.view(), faults, kMost), contours.file);
+  std::erase_if(faults, [&](const ZBR_REGION_FAULT& fault) {
+    const Ring& ring = contours.rings[static_cast<std::size_t>(fault.ring_a)];
+    if (fault.kind == ZBR_FAULT_NOT_FINITE) FailAt(contours.file, ring.line, "coordinates are out of range");
+    return fault.ring_b < 0 || ring.polygon != contours.rings[static_cast<std::size_t>(fault.ring_b)].polygon;
+  });
+  return faults;
+}
+
+}  // namespace
+
+ZBR_REGION RingsOf(const Contours& contours) {
+  ZBR_REGION rings;
+  for (const Ring& ring : contours.rings) rings.AddRing(ring.points);
+  return rings;
+}
+
+Region MakeRegion(const Contours& contours, ZBR_FILL_RULE rule) {
   Region region;
-  region.contacts = FindContacts(rings, HasPolygons(contours) ? kMostContacts : 1).list;
-  region.loops = rings;
-  Nest(region.loops);
-  if (HasPolygons(contours) && (!region.contacts.empty() || !PolygonsAgreeWithNesting(contours, rings, region.loops))) {
-    region.loops = UnitePolygons(contours, rings);
-  } else {
-    SplitPinches(region.loops);
-  }
+  region.rings = RingsOf(contours);
+  region.fill = rule;
+  region.faults = MeetingsIn(contours, region.rings);
   if (!HasPolygons(contours)) return region;
-  std::erase_if(region.contacts,
-                [&](const Contact& c) { return contours.rings[c.ringA].polygon != contours.rings[c.ringB].polygon; });
+  const std::vector<ZBR_REGION> polygons = PolygonsOf(contours);
+  std::vector<ZBR_REGION_VIEW> views;
+  for (const ZBR_REGION& polygon : polygons) views.push_back(polygon.view());
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = rule;
+  options.canonical = true;
+  ZBR_REGION covered;
+  Require(zbrCoverRegions(views.data(), views.size(), 1, covered, options), contours.file);
+  region.rings = std::move(covered);
+  region.fill = ZBR_FILL_EVEN_ODD;
+  region.isValid = true;
   return region;
 }
 
-Layer MakeLayer(const std::string& name, LoopList loops, const Frame& frame) {
-  Layer layer{name, std::move(loops), 0.0};
-  ForEachRing(layer.loops, [&](ZBR_LOOP& loop) { loop.Setup(); });
-  layer.area = frame.AreaOut(ZBR_LOOP::get_area(layer.loops));
-  ForEachRing(layer.loops, [&](ZBR_LOOP& loop) {
-    for (ZBR_PT& p : loop.pt()) p = frame.Out(p);
-    loop.Reset();
-    loop.Setup();
-  });
-  return layer;
+ZBR_REGION ValidShape(const Region& region) {
+  if (region.isValid) return region.rings;
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = region.fill;
+  options.canonical = true;
+  ZBR_REGION shape;
+  zbrMakeValidRegion(region.rings.view(), shape, options);
+  return shape;
 }
 
-void Nest(LoopList& loops) {
-  zbrMakeLoopTree(loops);
-  if (!loops.empty() && !(std::abs(loops.front()->area()) > kTolerance)) loops.clear();
-}
-
-// zbrMakeLoopTree tells whether a ring has an even or an odd number of rings around it: the lowest digit of its depth. Among the
-// rings of the same parity the depth is half of what it was, so nesting each half again yields the next digit.
-std::vector<int> NestingDepths(const LoopList& rings) {
-  std::vector<int> depths(rings.size(), 0);
-  std::unordered_map<const ZBR_LOOP*, std::size_t> index;
-  std::vector<LoopList> groups(1);
-  for (std::size_t i = 0; i < rings.size(); ++i) {
-    groups.front().push_back(std::make_shared<ZBR_LOOP>(*rings[i]));
-    index[groups.front().back().get()] = i;
-  }
-  for (int digit = 1; !groups.empty(); digit *= 2) {
-    std::vector<LoopList> halves;
-    for (LoopList& even : groups) {
-      Nest(even);
-      LoopList odd;
-      for (const auto& outer : even) {
-        for (const auto& hole : outer->children()) {
-          odd.push_back(hole);
-          depths[index[hole.get()]] += digit;
-        }
-      }
-      if (odd.empty()) continue;  // then the others are not nested either
-      halves.push_back(std::move(even));
-      halves.push_back(std::move(odd));
-    }
-    groups = std::move(halves);
-  }
-  return depths;
-}
-
-LoopList RingsOf(const LoopList& loops) {
-  LoopList rings;
-  for (const auto& outer : loops) {
-    rings.push_back(outer);
-    rings.insert(rings.end(), outer->children().begin(), outer->children().end());
-  }
-  return rings;
+Layer MakeLayer(const std::string& name, const ZBR_REGION& shape) {
+  return {name, zbrLoopsOfRegion(shape.view()), shape.area()};
 }
 
 std::size_t CountHoles(const LoopList& loops) {

@@ -56,7 +56,8 @@ std::string NameOf(Format format) {
 }
 
 Drawing ParseDrawing(Format format, std::string text, const std::string& name, Content content) {
-  if (format == Format::kUnknown) throw Failure(name, "the name does not tell the format; give --format");
+  if (format == Format::kUnknown)
+    throw Failure(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .loops or .txt, else give --format");
   if (format == Format::kSvg) throw Failure(name, "pictures are written, not read");
   DropByteOrderMark(text);
   if (format == Format::kDxf) return DxfCodecFor(name).read(text, name, content);

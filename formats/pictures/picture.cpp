@@ -12,8 +12,12 @@ namespace {
 constexpr double kLegendStep = 260;  // from one operand to the next
 
 constexpr const char* kFill = "#99d8c9";
-constexpr std::array<const char*, 2> kOperandColours = {"#2563eb", "#e8590c"};
-constexpr std::array<const char*, 2> kOperandLabels = {"A", "B"};
+constexpr std::size_t kMostInLegend = 4;
+constexpr std::array<const char*, 6> kOperandColours = {"#2563eb", "#e8590c", "#7c3aed", "#be123c", "#4d7c0f", "#0e7490"};
+
+std::string ColourOf(std::size_t operand) {
+  return kOperandColours[operand % kOperandColours.size()];
+}
 
 Extent ExtentOfLayers(const Picture& picture) {
   Extent extent;
@@ -36,12 +40,13 @@ std::string Legend(const Picture& picture, const Quantities& areaText) {
   std::string svg;
   if (picture.operands.size() < 2) return svg;  // nothing to tell apart
   const double y = kPageMargin + 54;
-  for (std::size_t i = 0; i < picture.operands.size(); ++i) {
+  const std::size_t shown = std::min(picture.operands.size(), kMostInLegend);
+  for (std::size_t i = 0; i < shown; ++i) {
     const Layer& operand = picture.operands[i];
     const double x = kPageMargin + static_cast<double>(i) * kLegendStep;
     svg += "<line x1=\"" + Px(x) + "\" y1=\"" + Px(y - 5) + "\" x2=\"" + Px(x + 26) + "\" y2=\"" + Px(y - 5) + "\" stroke=\"" +
-           kOperandColours[i] + "\" stroke-width=\"3\" stroke-linecap=\"round\"/>\n";
-    svg += TextElement(x + 36, y, Font(15, kInk, " font-weight=\"600\""), kOperandLabels[i]);
+           ColourOf(i) + "\" stroke-width=\"3\" stroke-linecap=\"round\"/>\n";
+    svg += TextElement(x + 36, y, Font(15, kInk, " font-weight=\"600\""), OperandLabel(i));
     svg += TextElement(x + 54, y, Font(15, kInk), operand.name);
     svg += TextElement(x + 54, y + 18, Font(13, kPale), areaText(operand.area));
   }
@@ -52,20 +57,20 @@ std::string Legend(const Picture& picture, const Quantities& areaText) {
 std::string Definitions(const Picture& picture, const PageMap& map) {
   std::string svg = "<defs>\n";
   for (std::size_t i = 0; i < picture.operands.size(); ++i) {
-    svg += "<path id=\"" + std::string(kOperandLabels[i]) + "\" d=\"" + PathData(picture.operands[i].loops, map) + "\"/>\n";
+    svg += "<path id=\"" + OperandLabel(i) + "\" d=\"" + PathData(picture.operands[i].loops, map) + "\"/>\n";
   }
   return svg + "</defs>\n";
 }
 
 std::string Reference(std::size_t operand, const std::string& style) {
-  return "<use xlink:href=\"#" + std::string(kOperandLabels[operand]) + "\" " + style + "/>\n";
+  return "<use xlink:href=\"#" + OperandLabel(operand) + "\" " + style + "/>\n";
 }
 
 std::string Outlines(const Picture& picture, const PanelLayout& layout, const PageMap& map) {
   std::string svg;
   for (std::size_t i = 0; i < picture.operands.size(); ++i) {
     const std::string width = Px(StrokeWidth(LengthOfRings(picture.operands[i].loops), layout, map));
-    svg += Reference(i, std::string("fill=\"none\" stroke=\"") + kOperandColours[i] + "\" stroke-width=\"" + width + "\"");
+    svg += Reference(i, "fill=\"none\" stroke=\"" + ColourOf(i) + "\" stroke-width=\"" + width + "\"");
   }
   return svg;
 }
@@ -73,9 +78,12 @@ std::string Outlines(const Picture& picture, const PanelLayout& layout, const Pa
 std::string OperandsPanel(const Picture& picture, const PanelLayout& layout, const PageMap& map) {
   std::string svg;
   for (std::size_t i = 0; i < picture.operands.size(); ++i) {
-    svg += Reference(i, std::string("fill=\"") + kOperandColours[i] + "\" fill-opacity=\"0.16\" fill-rule=\"evenodd\"");
+    svg += Reference(i, "fill=\"" + ColourOf(i) + "\" fill-opacity=\"0.16\" fill-rule=\"evenodd\"");
   }
-  return PanelFrame(layout, 0, "A, B", "") + InPanel(layout, 0, svg + Outlines(picture, layout, map));
+  std::string caption = OperandLabel(0);
+  for (std::size_t i = 1; i < std::min(picture.operands.size(), kMostInLegend); ++i) caption += ", " + OperandLabel(i);
+  if (picture.operands.size() > kMostInLegend) caption += ", …";
+  return PanelFrame(layout, 0, caption, "") + InPanel(layout, 0, svg + Outlines(picture, layout, map));
 }
 
 std::string ResultPanel(const Picture& picture, const Panel& panel, const PanelLayout& layout, const PageMap& map,
@@ -91,6 +99,12 @@ std::string ResultPanel(const Picture& picture, const Panel& panel, const PanelL
 }
 
 }  // namespace
+
+std::string OperandLabel(std::size_t operand) {
+  constexpr std::size_t kLetters = 26;
+  const std::string letter(1, static_cast<char>('A' + operand % kLetters));
+  return operand < kLetters ? letter : letter + std::to_string(operand / kLetters);
+}
 
 std::string WriteSvg(const Picture& picture) {
   const Extent extent = ExtentOfLayers(picture);

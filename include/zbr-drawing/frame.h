@@ -1,16 +1,20 @@
-// The coordinate frame that drawings are computed in.
+// The coordinate frame in which points are located and lines cut.
 //
-// The library compares lengths with an absolute tolerance and drops areas below one, so data in metres and data in nanometres would
-// fare differently. Drawings are therefore scaled by a power of two, which changes no digit, into the range where the
-// tolerance suits, and results are scaled back.
+//   const Frame frame = Frame::For(ExtentOf(contours.rings));
+//   const ZBR_LOOP_LOCATOR locator(frame.In(ValidShape(region)));  // zbr/loop.h
+//   const ZBR_POLY_INSIDE place = locator.IsInside(frame.In(point));
+//
+// The library compares lengths with an absolute tolerance there, so data in metres and data in nanometres would fare differently.
+// Drawings are therefore scaled by a power of two, which changes no digit, into the range where the tolerance suits, and results
+// are scaled back. Combinations and repairs of regions find their tolerance themselves.
 #pragma once
 
-#include <zbr-drawing/drawing.h>
+#include <zbr-drawing/region.h>
 #include <zbr/planar.h>
 
 namespace zbr::drawing {
 
-// The library's tolerance to work with in a frame, in its units: hold it by ZBR_TmpEps. It is what the Boolean uses by itself.
+// The library's tolerance to work with in a frame, in its units: hold it by ZBR_TmpEps.
 inline constexpr double kTolerance = 1e-9;
 
 class Frame {
@@ -24,7 +28,8 @@ class Frame {
 
   ZBR_PT In(const ZBR_PT& p) const { return ZBR_PT((p.x() - shift_.x()) * scale_, (p.y() - shift_.y()) * scale_); }
   ZBR_PT Out(const ZBR_PT& p) const { return ZBR_PT(p.x() / scale_ + shift_.x(), p.y() / scale_ + shift_.y()); }
-  double AreaOut(double area) const { return area / scale_ / scale_; }
+  // The nested loops of a region.
+  LoopList In(const ZBR_REGION& shape) const;
 
  private:
   ZBR_PT shift_;

@@ -1,55 +1,56 @@
-// From the rings of a drawing to the regions that the library combines, and back.
+// From the rings of a drawing to regions that the library combines, and to what is written of them.
 //
-//   const ZBR_TmpEps tolerance(kTolerance);
-//   const Region a = MakeRegion(contoursA, frame), b = MakeRegion(contoursB, frame);
-//   zbrBooleanLoops(a.loops, b.loops, &op, &result, 1, crosses);           // zbr/boolean.h
-//   const Layer layer = MakeResult("union", std::move(result), frame);     // result.h
+//   const Region a = MakeRegion(contoursA), b = MakeRegion(contoursB);
+//   ZBR_REGION united;
+//   const ZBR_BOOLEAN_OPE op = ZBR_BOOL_OR;
+//   zbrCombineRegions(a.rings.view(), b.rings.view(), &op, &united, 1);     // zbr/region.h
+//   const std::string text = WriteDrawing(Format::kWkt, {MakeLayer("union", united)}, 0);  // zbr-formats/drawings.h
 //
-// All calls compare with the thread's tolerance, which is to be kTolerance (frame.h) while they run.
+// Everything is in the coordinates of the drawing; the thread's tolerance does not matter.
 #pragma once
 
-#include <zbr-drawing/contacts.h>
 #include <zbr-drawing/drawing.h>
-#include <zbr-drawing/frame.h>
+#include <zbr/loop.h>
+#include <zbr/region.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace zbr::drawing {
 
-// A named result, or an operand, in the coordinates of the drawing.
+using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
+
+// A named result, or an operand.
 struct Layer {
   std::string name;
-  LoopList loops;
+  LoopList loops;  // nested
   double area = 0.0;
 };
 
 struct Region {
-  LoopList loops;  // nested, in the frame's coordinates
-  std::vector<Contact>
-      contacts;  // some of the places where the rings cross each other or themselves: the region is not sound there
+  ZBR_REGION rings;  // as they were drawn, or what the polygons of a file cover together
+  ZBR_FILL_RULE fill = ZBR_FILL_EVEN_ODD;
+  bool isValid = false;                  // rings are simple and nested already
+  std::vector<ZBR_REGION_FAULT> faults;  // some of the places where the contours cross, overlap or fold; rings are the contours'
 };
 
-// One loop for each ring, in the frame's coordinates, points that repeat the one before them left out.
-LoopList LoopsOf(const Contours& contours, const Frame& frame);
+// The contours as flat rings, one after the other.
+ZBR_REGION RingsOf(const Contours& contours);
 
-// Nests the rings: a point belongs to the region when an odd number of rings is around it. Where the file says which rings form a
-// polygon, the region is the union of its polygons, which may overlap; then only contacts within a polygon are reported.
-Region MakeRegion(const Contours& contours, const Frame& frame);
+// What the rings bound by the rule, whatever they do to each other. Where the file says which rings form a polygon, the region is
+// the union of its polygons, which may overlap; then only faults within a polygon are told. Fails for coordinates above 1e150.
+Region MakeRegion(const Contours& contours, ZBR_FILL_RULE rule = ZBR_FILL_EVEN_ODD);
 
-// Takes nested loops back to the drawing's coordinates, in place.
-Layer MakeLayer(const std::string& name, LoopList loops, const Frame& frame);
+// The region as valid polygons, every ring from its lowest point on (the leftmost of these), polygons and holes in the order of
+// them.
+ZBR_REGION ValidShape(const Region& region);
 
-// zbrMakeLoopTree, with nothing left when all loops are degenerate.
-void Nest(LoopList& loops);
+// The nested loops of a valid region.
+Layer MakeLayer(const std::string& name, const ZBR_REGION& shape);
 
-// Number of rings around each ring, in the order of the list. The loops themselves stay as they are.
-std::vector<int> NestingDepths(const LoopList& rings);
-
-// All rings of nested loops, each outer loop followed by its holes.
-LoopList RingsOf(const LoopList& loops);
-
+// How many holes and vertices nested loops have.
 std::size_t CountHoles(const LoopList& loops);
 std::size_t CountVertices(const LoopList& loops);
 

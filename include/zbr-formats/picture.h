@@ -4,6 +4,7 @@
 #include <zbr-drawing/region.h>
 #include <zbr-formats/types.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,13 @@ struct Panel {
 
 struct Picture {
   std::string title;
-  std::vector<Layer> operands;  // outlined, each in a colour of its own; at most two
+  std::vector<Layer> operands;  // outlined, the first six each in a colour of its own; the legend has room for four
   std::vector<Panel> panels;
   int units = 0;
 };
+
+// What operands are called: A, B, ... Z, A1, B1, ...
+std::string OperandLabel(std::size_t operand);
 
 // A white page: the title, a legend with the areas of the operands, and the panels in a grid, all drawn to the same scale. Line
 // widths are those of the page, whatever the size of the drawing. Points closer together than a twentieth of a pixel are merged.

@@ -153,6 +153,33 @@ ZBR_API ZBR_REGION zbrUniteRegions(const std::vector<ZBR_REGION>& regions, const
 ZBR_API ZBR_REGION_STATUS zbrMakeValidRegion(const ZBR_REGION_VIEW& rings, ZBR_REGION& result,
                                              const ZBR_REGION_OPTIONS& options = {});
 
+// What keeps rings from bounding a region as they are. zbrMakeValidRegion takes them nevertheless.
+enum ZBR_REGION_FAULT_KIND : std::int32_t {
+  ZBR_FAULT_CROSSING = 0,        // boundaries pass through each other, at an edge or at a vertex
+  ZBR_FAULT_OVERLAP = 1,         // they share a stretch; the place is its middle
+  ZBR_FAULT_FOLD = 2,            // a boundary turns back on itself
+  ZBR_FAULT_REPEATED_POINT = 3,  // an edge has no length; the place is its start
+  ZBR_FAULT_NO_AREA = 4,         // a ring of less than three different points, or narrower than the tolerance on the average
+  ZBR_FAULT_NOT_FINITE = 5       // a coordinate is NaN, infinite or beyond 1e150; the ring is not looked at otherwise
+};
+
+// One fault at one place. Edges have the numbers of the points they start at. ring_a is not larger than ring_b, and both are one
+// ring's where it does this to itself; ring_b and edge_b are -1 for faults of a single edge, and edge_a for those of a whole ring.
+struct ZBR_REGION_FAULT {
+  ZBR_REGION_FAULT_KIND kind = ZBR_FAULT_CROSSING;
+  ZBR_PT place;
+  std::int32_t ring_a = -1;
+  std::int32_t edge_a = -1;
+  std::int32_t ring_b = -1;
+  std::int32_t edge_b = -1;
+};
+
+// Finds the faults of the rings, whose polygons are not looked at: rings of different ones may not cross either. Touching is no
+// fault. faults is replaced, by ascending rings, then kinds, then edges. Where rings cross very often the search for what they do
+// to each other ends when `most` such faults are found. The status tells of faulty offsets only. n log n for rings that keep apart.
+ZBR_API ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_REGION_FAULT>& faults,
+                                         std::size_t most = 1000000);
+
 // Without points that lie straight between their neighbours within the tolerance, valid by options.fill_a.
 ZBR_API ZBR_REGION_STATUS zbrSimplifyRegion(const ZBR_REGION_VIEW& rings, double tolerance, ZBR_REGION& result,
                                             const ZBR_REGION_OPTIONS& options = {});

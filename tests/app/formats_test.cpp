@@ -78,7 +78,8 @@ TEST_F(Tool, ChordsStayWithinTheDeviation) {
   Write("d.dxf", DxfText("CIRCLE 10 0 20 0 40 10"));
   for (const double deviation : {1.0, 0.1, 0.001}) {
     std::istringstream points(Run("nest d.dxf -o - --format text --deviation " + std::to_string(deviation)).out);
-    double x = 0, y = 0, lastX = 10, lastY = 0, farthest = 0;
+    double x = 0, y = 0, lastX = 0, lastY = 0, farthest = 0;
+    points >> lastX >> lastY;
     while (points >> x >> y) {
       EXPECT_NEAR(std::hypot(x, y), 10, 1e-12);
       farthest = std::max(farthest, 10 - std::hypot((x + lastX) / 2, (y + lastY) / 2));

@@ -1,9 +1,7 @@
 // Drawing files: the first byte tells the format, the rest is the file. What is read can be made a region, and what is written of
 // that reads back to the bit.
-#include <zbr-drawing/contours.h>
-#include <zbr-drawing/frame.h>
+#include <zbr-drawing/region.h>
 #include <zbr-formats/dxf.h>
-#include <zbr/tolerance.h>
 
 #include "fuzz/reading.h"
 
@@ -50,9 +48,8 @@ void Fuzz(Bytes& bytes) {
     if (content == Content::kLines) return;
     const zbr::drawing::FlattenOptions options = zbr::drawing::WithDefaults({-1.0, -1.0}, zbr::drawing::ExtentOf(drawing));
     const zbr::drawing::Contours contours = zbr::drawing::MakeContours(drawing, options);
-    const ZBR_TmpEps tolerance(zbr::drawing::kTolerance);
-    const zbr::drawing::Frame frame = zbr::drawing::Frame::For(zbr::drawing::ExtentOf(contours.rings));
-    const zbr::drawing::Layer layer = zbr::drawing::MakeLayer("region", zbr::drawing::MakeRegion(contours, frame).loops, frame);
+    const zbr::drawing::Layer layer =
+        zbr::drawing::MakeLayer("region", zbr::drawing::ValidShape(zbr::drawing::MakeRegion(contours)));
     if (!layer.loops.empty()) ReadBack(layer);
   });
 }
