@@ -22,6 +22,7 @@ class LeaningFrame {
     double length[kBins] = {};
     ZBR_PT longest[kBins];
     for (const ZBR_PT& d : directions) {
+      if (d.x() == 0.0 && d.y() == 0.0) continue;
       const ZBR_PT along = (d.x() > 0.0) == (d.y() > 0.0) ? d : ZBR_PT(-d.y(), d.x());
       const double x = std::fabs(along.x());
       const double y = std::fabs(along.y());

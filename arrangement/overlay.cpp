@@ -208,19 +208,21 @@ class Overlay::Assembler {
 
   const ZBR_PT& PointAt(std::uint32_t piece) const { return overlay_.arrangement_.points()[Start(piece)]; }
 
-  // The area of a narrow ring is its width times half the way around it.
+  // The area of a narrow ring is its width times half the way around it. In steps of the grid, where nothing under- or overflows.
   bool IsNarrow(std::span<const std::uint32_t> pieces) const {
     if (corners_.size() < 3) return true;
+    const double perStep = 1.0 / overlay_.arrangement_.step();
     const ZBR_PT& origin = PointAt(pieces[corners_[0]]);
     double twiceArea = 0.0;
     double perimeter = 0.0;
+    ZBR_PT p;
     for (std::size_t c = 0; c < corners_.size(); ++c) {
-      const ZBR_PT& p = PointAt(pieces[corners_[c]]);
-      const ZBR_PT& q = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
-      twiceArea += Cross(p - origin, q - origin);
+      const ZBR_PT q = (PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]) - origin) * perStep;
+      twiceArea += Cross(p, q);
       perimeter += p.Distance(q);
+      p = q;
     }
-    return !(std::fabs(twiceArea) > overlay_.width_ * perimeter);
+    return !(std::fabs(twiceArea) > overlay_.width_ * perStep * perimeter);
   }
 
   // Of the edge from corner c to the next: the input edges that run along the whole of it.

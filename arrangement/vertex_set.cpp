@@ -21,7 +21,7 @@ double Magnitude(const Box& box) {
 
 // The smallest power of two at least 2^-bits of the value.
 double PowerOfTwoFor(double value, int bits) {
-  if (!(value > 0.0)) return 1.0;
+  if (!(value > 0.0)) return std::numeric_limits<double>::min();
   int exponent = 0;
   const double fraction = std::frexp(value, &exponent);  // value = fraction * 2^exponent, fraction in [0.5, 1)
   return std::max(std::ldexp(1.0, exponent - (fraction == 0.5 ? bits + 1 : bits)), std::numeric_limits<double>::min());
@@ -31,13 +31,16 @@ double PowerOfTwoFor(double value, int bits) {
 
 // Half the box is at most 2^29 steps.
 Resolution Resolution::Coarse(const Box& box) {
-  const double step = PowerOfTwoFor(LargerSide(box), 30);
+  const double side = LargerSide(box);
+  const double step = side > 0.0 ? PowerOfTwoFor(side, 30) : 1.0;
   return {step, step, 1.5 * step};
 }
 
 Resolution Resolution::Fine(const Box& box, double tolerance) {
+  constexpr int kFinestBits = 40;  // below the tolerance, a finer grid says nothing more
   const double side = LargerSide(box);
-  const double step = side > 0.0 ? std::max(PowerOfTwoFor(side, 51), PowerOfTwoFor(Magnitude(box), 52)) : 1.0;
+  const double step = std::max({side > 0.0 ? PowerOfTwoFor(side, 51) : std::numeric_limits<double>::min(),
+                                PowerOfTwoFor(Magnitude(box), 52), PowerOfTwoFor(tolerance, kFinestBits)});
   return {step, std::max(tolerance, 2.0 * step), std::max(tolerance, 2.0 * step)};
 }
 

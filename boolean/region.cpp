@@ -40,6 +40,7 @@ ZBR_REGION_VIEW ZBR_REGION::view() const {
 }
 
 void ZBR_REGION::AddRing(const ZBR_PT* points, std::size_t count, bool startsPolygon) {
+  if (ring_offsets_.empty()) Clear();  // moved from
   points_.insert(points_.end(), points, points + count);
   ring_offsets_.push_back(static_cast<std::int32_t>(points_.size()));
   if (startsPolygon || polygon_count() == 0) polygon_offsets_.push_back(polygon_offsets_.back());

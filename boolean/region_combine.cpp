@@ -74,6 +74,8 @@ LoopList LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
     loops.push_back(std::move(loop));
   }
   zbrMakeLoopTree(loops);
+  // Where no ring encloses anything all are kept.
+  if (!loops.empty() && WithinTol(loops.front()->area(), t_tolerance.eps)) loops.clear();
   return loops;
 }
 
@@ -127,6 +129,7 @@ void Arrange(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* r
 ZBR_REGION_STATUS zbrCombineRegions(const ZBR_REGION_VIEW& a, const ZBR_REGION_VIEW& b, const ZBR_BOOLEAN_OPE* ops,
                                     ZBR_REGION* results, int count, const ZBR_REGION_OPTIONS& options) {
   ZBR_REGION_STATUS status;
+  if (count <= 0) return status;
   zbr::RegionInput input;
   zbr::RegionProgress progress(options, status);
   bool isDone = !input.Add(a, status) || !input.Add(b, status) || !progress.GoesOn(0.0);
@@ -156,7 +159,10 @@ ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGI
   ZBR_REGION_STATUS status;
   for (std::size_t i = 0; i < count; ++i) {
     const ZBR_REGION_STATUS one = zbrCombineRegions(a[i], b[i], &op, &results[i], 1, options);
-    if (one.code == ZBR_REGION_STOPPED) return one;
+    if (one.code == ZBR_REGION_STOPPED) {
+      for (std::size_t k = i; k < count; ++k) results[k].Clear();
+      return one;
+    }
     status.exact |= one.exact;
     if (status.code == ZBR_REGION_OK && one.code != ZBR_REGION_OK) status = one;
   }

@@ -45,14 +45,15 @@ struct ZBR_EDGE_SOURCE {
   double t1 = 1.0;
 };
 
-// A region that owns its arrays. A value: copied, moved and compared as such.
+// A region that owns its arrays. A value: copied, moved and compared as such; what was moved from is empty, its lists of offsets
+// too.
 class ZBR_REGION {
  public:
   ZBR_REGION() = default;
 
   std::size_t point_count() const { return points_.size(); }
-  std::size_t ring_count() const { return ring_offsets_.size() - 1; }
-  std::size_t polygon_count() const { return polygon_offsets_.size() - 1; }
+  std::size_t ring_count() const { return ring_offsets_.empty() ? 0 : ring_offsets_.size() - 1; }
+  std::size_t polygon_count() const { return polygon_offsets_.empty() ? 0 : polygon_offsets_.size() - 1; }
   bool empty() const { return ring_count() == 0; }
   const std::vector<ZBR_PT>& points() const { return points_; }
   const std::vector<std::int32_t>& ring_offsets() const { return ring_offsets_; }
