@@ -13,6 +13,22 @@
 
 namespace zbr::drawing {
 
+namespace {
+
+// Threads that end before whoever holds them; std::jthread, which does the same, is not in every standard library.
+struct Helpers {
+  std::vector<std::thread> threads;
+
+  Helpers() = default;
+  Helpers(const Helpers&) = delete;
+  Helpers& operator=(const Helpers&) = delete;
+  ~Helpers() {
+    for (std::thread& t : threads) t.join();
+  }
+};
+
+}  // namespace
+
 void RunParallel(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work) {
   std::atomic<std::size_t> next{0};
   std::exception_ptr failure;
@@ -28,10 +44,10 @@ void RunParallel(std::size_t count, unsigned threads, const std::function<void(s
     }
   };
   {
-    std::vector<std::jthread> helpers;
+    Helpers helpers;
     const std::size_t helperCount = std::min<std::size_t>(std::max(threads, 1U), count);
     try {
-      for (std::size_t i = 1; i < helperCount; ++i) helpers.emplace_back(run);
+      for (std::size_t i = 1; i < helperCount; ++i) helpers.threads.emplace_back(run);
     } catch (const std::system_error&) {  // the system gives no more threads; those there are will do
     }
     run();

@@ -38,7 +38,7 @@ Ink::Ink(const std::vector<ZBR_HL_SHELL>& shells) {
   for (const ZBR_HL_SHELL& shell : shells) {
     for (unsigned k = 0; k < shell.count; ++k) {
       const ZBR_HL_TRI& t = shell.tris[k];
-      if ((t.pt[1] - t.pt[0]).OuterProduct(t.pt[2] - t.pt[0]).Length() < 1e-9) continue;  // no area, draws nothing
+      if (!((t.pt[1] - t.pt[0]).OuterProduct(t.pt[2] - t.pt[0]).Length() >= 1e-9)) continue;  // no area or nowhere, draws nothing
       AddFace(t);
       for (int i = 0; i < 3; ++i) {
         const ZBR_PT3& p = t.pt[i];
