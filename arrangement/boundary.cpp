@@ -33,7 +33,8 @@ class BoundaryTracer {
         walked[piece] = true;
         Step(piece);
         piece = next_[piece];
-      } while (piece != start);
+        ZBR_ASSERT(piece != kNone && (piece == start || !walked[piece]));
+      } while (piece != start && piece != kNone && !walked[piece]);
       TakeRing(0);
     }
     FindParents();

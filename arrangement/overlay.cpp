@@ -134,8 +134,9 @@ class Overlay::Assembler {
     }
     return std::move(region_);
   }
-  // Whether an edge was made straight past a vertex that lies beside it.
-  bool straightened() const { return straightened_; }
+  // Whether an edge was made straight past a vertex that lies beside it, or is shorter than the tolerance, as crossings of three
+  // edges in almost one place make them.
+  bool isUnsettled() const { return straightened_ || hasShortEdge_; }
 
  private:
   std::uint32_t Start(std::uint32_t piece) const { return StartOf(pieces_[piece], sides_[piece]); }
@@ -186,12 +187,21 @@ class Overlay::Assembler {
     }
     if (first == n) first = leftmost;
     corners_.clear();
+    runSources_.clear();
+    runEnds_.clear();
     for (std::size_t k = 0; k < n; ++k) {
       const std::size_t i = first + k < n ? first + k : first + k - n;
       if (k > 0 && GoesOn(pieces[i])) continue;
+      if (k > 0) EndRun();
       corners_.push_back(static_cast<std::uint32_t>(i));
       StartAlong(pieces[i]);
     }
+    EndRun();
+  }
+
+  void EndRun() {
+    if (withSources_) runSources_.insert(runSources_.end(), along_.begin(), along_.end());
+    runEnds_.push_back(static_cast<std::uint32_t>(runSources_.size()));
   }
 
   bool AddRing(std::uint32_t r) {
@@ -201,6 +211,8 @@ class Overlay::Assembler {
     for (std::size_t c = 0; c < corners_.size(); ++c) {
       region_.points.push_back(PointAt(pieces[corners_[c]]));
       if (withSources_) AddSources(pieces, c);
+      const ZBR_PT& next = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
+      hasShortEdge_ = hasShortEdge_ || region_.points.back().Distance2(next) <= overlay_.tolerance_ * overlay_.tolerance_;
     }
     region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size()));
     return true;
@@ -227,20 +239,11 @@ class Overlay::Assembler {
 
   // Of the edge from corner c to the next: the input edges that run along the whole of it.
   void AddSources(std::span<const std::uint32_t> pieces, std::size_t c) {
-    const std::size_t first = corners_[c];
-    const std::size_t last = corners_[c + 1 < corners_.size() ? c + 1 : 0];
-    const ZBR_PT& from = PointAt(pieces[first]);
-    const ZBR_PT& to = PointAt(pieces[last]);
-    for (const std::uint32_t edge : overlay_.SourcesOf(pieces[first])) {
-      bool runsAlong = true;
-      for (std::size_t i = first + 1 == pieces.size() ? 0 : first + 1; runsAlong && i != last && i != first;
-           i = i + 1 == pieces.size() ? 0 : i + 1) {
-        const std::span<const std::uint32_t> sources = overlay_.SourcesOf(pieces[i]);
-        runsAlong = std::find(sources.begin(), sources.end(), edge) != sources.end();
-      }
-      if (!runsAlong) continue;
-      const DirectedEdge& e = overlay_.edges_[edge];
-      region_.sources.push_back({edge, ParameterOn(e, from), ParameterOn(e, to)});
+    const ZBR_PT& from = PointAt(pieces[corners_[c]]);
+    const ZBR_PT& to = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
+    for (std::uint32_t k = c == 0 ? 0 : runEnds_[c - 1]; k < runEnds_[c]; ++k) {
+      const DirectedEdge& e = overlay_.edges_[runSources_[k]];
+      region_.sources.push_back({runSources_[k], ParameterOn(e, from), ParameterOn(e, to)});
     }
     region_.sourceEnds.push_back(static_cast<std::uint32_t>(region_.sources.size()));
   }
@@ -251,20 +254,23 @@ class Overlay::Assembler {
   BoundaryRings rings_;
   bool withSources_;
   bool straightened_ = false;
+  bool hasShortEdge_ = false;
   std::vector<std::uint8_t> passes_;    // by vertex: 1 when the border passes it once, 2 when more often
   std::vector<std::uint32_t> corners_;  // of the ring in work, as places in its list of pieces
   std::vector<std::uint32_t> along_;    // edges that the border has run along since its last corner
   std::vector<std::uint32_t> common_;
+  std::vector<std::uint32_t> runSources_;  // the edges along each of the ring's edges
+  std::vector<std::uint32_t> runEnds_;
   FlatRegion region_;
 };
 
 FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
-  bool straightened = false;
-  const FlatRegion region = Assembled(inside, withSources, straightened);
-  return straightened ? Settled(region) : region;
+  bool isUnsettled = false;
+  const FlatRegion region = Assembled(inside, withSources, isUnsettled);
+  return isUnsettled ? Settled(region) : region;
 }
 
-FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& straightened) const {
+FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const {
   const auto& pieces = arrangement_.pieces();
   std::vector<std::int8_t> sides(pieces.size());
   for (std::uint32_t i = 0; i < pieces.size(); ++i) {
@@ -274,7 +280,7 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& stra
   }
   Assembler assembler(*this, std::move(sides), withSources);
   FlatRegion region = assembler.Run();
-  straightened = assembler.straightened();
+  isUnsettled = assembler.isUnsettled();
   return region;
 }
 
@@ -282,10 +288,10 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& stra
 FlatRegion Overlay::Settled(const FlatRegion& region) const {
   std::vector<RingSpan> rings;
   for (std::size_t i = 0; i < region.ringEnds.size(); ++i) rings.push_back(region.Ring(i));
-  const Overlay again(rings, rings.size(), 0.0, width_);
+  const Overlay again(rings, rings.size(), tolerance_, width_);
   const bool withSources = !region.sourceEnds.empty();
-  bool straightened = false;
-  FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, straightened);
+  bool isUnsettled = false;
+  FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, isUnsettled);
   if (withSources) TraceBack(region, settled);
   return settled;
 }

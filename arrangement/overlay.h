@@ -42,7 +42,7 @@ class Overlay {
   class Assembler;
 
   void CollectSources(std::size_t edges);
-  FlatRegion Assembled(const Inside& inside, bool withSources, bool& straightened) const;
+  FlatRegion Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const;
   FlatRegion Settled(const FlatRegion& region) const;
   std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {
     return std::span(sources_).subspan(sourceBegin_[piece], sourceBegin_[piece + 1] - sourceBegin_[piece]);

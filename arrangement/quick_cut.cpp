@@ -94,7 +94,7 @@ void EdgeCutter::NoteReached(std::uint32_t line, std::uint32_t vertex, double si
 }
 
 void EdgeCutter::LookAtPair(std::uint32_t i, std::uint32_t j) {
-  ZBR_COUNT(pairs_tried, 1);
+  ZBR_COUNT(pairs, 1);
   const CutLine& a = lines_[i];
   const CutLine& b = lines_[j];
   const GridPoint p = Node(a.from);

@@ -27,6 +27,7 @@ Directions DirectionsOf(ZBR_BOOLEAN_OPE op) {
 }  // namespace
 
 void Combination::FindCrossings(Certainty wanted) {
+  wanted_ = wanted;
   Family& a = families_[0];
   Family& b = families_[1];
   SearchReport report;
@@ -105,12 +106,12 @@ void Combination::PrepareTracing() {
   arePathsPrepared_ = true;
 }
 
-// False when a path did not close.
+// False when a path did not close, or encloses next to nothing, which general position has not.
 bool Combination::Trace(Directions directions, LoopList& result) {
   if (!arePathsPrepared_) PrepareTracing();
   if (!paths_.Find(directions.forwardA, directions.forwardB)) return false;
-  TracePaths(traced_, paths_, directions.forwardA, directions.forwardB, result);
-  return true;
+  const bool allKept = TracePaths(traced_, paths_, directions.forwardA, directions.forwardB, result);
+  return allKept || wanted_ != Certainty::kGeneralPosition;
 }
 
 LoopList Combination::CombineExactly(ZBR_BOOLEAN_OPE op) {

@@ -78,6 +78,7 @@ class Combination {
   PathFinder paths_;
   TracedRegions traced_;
   std::optional<ExactLoops> exact_;
+  Certainty wanted_ = Certainty::kOrdinary;
   bool arePathsPrepared_ = false;
   bool isCertain_ = true;  // that walking along the crossings gives the region asked for
 };

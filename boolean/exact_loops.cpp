@@ -52,7 +52,7 @@ bool IsInResult(ZBR_BOOLEAN_OPE op, bool inA, bool inB) {
     case ZBR_BOOL_XOR:
       return inA != inB;
   }
-  return false;
+  return inA || inB;
 }
 
 std::vector<RingSpan> ExactLoops::RingsOf(const std::vector<Polygon>& a, const std::vector<Polygon>& b) {

@@ -40,8 +40,9 @@ ZBR_REGION_VIEW ZBR_REGION::view() const {
 }
 
 void ZBR_REGION::AddRing(const ZBR_PT* points, std::size_t count, bool startsPolygon) {
-  if (ring_offsets_.empty()) Clear();  // moved from
-  points_.insert(points_.end(), points, points + count);
+  if (ring_offsets_.empty()) Clear();                      // moved from
+  const std::vector<ZBR_PT> ring(points, points + count);  // they may be points of this region
+  points_.insert(points_.end(), ring.begin(), ring.end());
   ring_offsets_.push_back(static_cast<std::int32_t>(points_.size()));
   if (startsPolygon || polygon_count() == 0) polygon_offsets_.push_back(polygon_offsets_.back());
   polygon_offsets_.back() = static_cast<std::int32_t>(ring_count());
@@ -83,6 +84,7 @@ void ZBR_REGION::GetBounds(double& xmin, double& ymin, double& xmax, double& yma
 
 bool ZBR_REGION::operator==(const ZBR_REGION& o) const {
   const auto same = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
+  if (empty() && o.empty()) return true;  // one may have been moved from
   return ring_offsets_ == o.ring_offsets_ && polygon_offsets_ == o.polygon_offsets_ &&
          std::equal(points_.begin(), points_.end(), o.points_.begin(), o.points_.end(), same);
 }

@@ -64,7 +64,8 @@ class Frame {
   ZBR_PT shift_;
 };
 
-LoopList LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
+// Nested loops, or nothing when nesting leaves out a ring: one without area may still enclose something, as a figure of eight does.
+std::optional<LoopList> LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
   LoopList loops;
   loops.reserve(rings.size());
   for (const RingSpan& ring : rings) {
@@ -74,9 +75,10 @@ LoopList LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
     loops.push_back(std::move(loop));
   }
   zbrMakeLoopTree(loops);
-  // Where no ring encloses anything all are kept.
-  if (!loops.empty() && WithinTol(loops.front()->area(), t_tolerance.eps)) loops.clear();
-  return loops;
+  if (!loops.empty() && WithinTol(loops.front()->area(), t_tolerance.eps)) return std::nullopt;
+  std::size_t nested = loops.size();
+  for (const auto& loop : loops) nested += loop->children().size();
+  return nested == rings.size() ? std::optional(std::move(loops)) : std::nullopt;
 }
 
 // The results by walking, or nothing when they are not certain.
@@ -84,10 +86,11 @@ std::optional<std::vector<ZBR_REGION>> Walk(const RegionInput& input, const ZBR_
   const Frame frame(input.bounds());
   if (!frame.IsUsable()) return std::nullopt;
   const ToleranceScope tolerance(kBooleanEps);
-  const LoopList a = LoopsIn(input.operand(0), frame);
-  const LoopList b = LoopsIn(input.operand(1), frame);
+  const std::optional<LoopList> a = LoopsIn(input.operand(0), frame);
+  const std::optional<LoopList> b = LoopsIn(input.operand(1), frame);
+  if (!a || !b) return std::nullopt;
   std::vector<ZBR_CROSS> crosses;
-  Combination combination(a, b, crosses);
+  Combination combination(*a, *b, crosses);
   combination.FindCrossings(Certainty::kGeneralPosition);
   std::vector<ZBR_REGION> results(static_cast<std::size_t>(count));
   for (int k = 0; k < count; ++k) {

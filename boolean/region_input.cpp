@@ -35,8 +35,10 @@ bool HaveUsableOffsets(const ZBR_REGION_VIEW& view) {
 
 bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
   status.operand = static_cast<std::int32_t>(ends_.size());
-  points_ += view.point_count;
-  if (points_ > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+  constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+  const bool isTooLarge = view.point_count > kMost - points_ || view.ring_count > kMost;
+  points_ += isTooLarge ? 0 : view.point_count;
+  if (isTooLarge) {
     status.code = ZBR_REGION_TOO_LARGE;
     return false;
   }

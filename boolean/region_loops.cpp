@@ -49,6 +49,7 @@ std::vector<std::shared_ptr<ZBR_LOOP>> zbrLoopsOfRegion(const ZBR_REGION_VIEW& r
       loops.back()->children().push_back(LoopOf(input.rings()[r], 1));
     }
   }
+  if (!hasPolygons) zbrMakeLoopTree(loops);
   return loops;
 }
 
@@ -70,7 +71,9 @@ ZBR_REGION_STATUS zbrSimplifyRegion(const ZBR_REGION_VIEW& rings, double toleran
     zbr::StraightenClosed(line);
     if (line.size() > 3) simple.AddRing(line.data(), line.size() - 1);
   }
-  return zbrMakeValidRegion(simple.view(), result, options);
+  ZBR_REGION_OPTIONS withoutSources = options;
+  withoutSources.sources = false;
+  return zbrMakeValidRegion(simple.view(), result, withoutSources);
 }
 
 ZBR_REGION_STATUS zbrNestRegion(const ZBR_REGION_VIEW& rings, std::vector<std::int32_t>& depths,

@@ -28,6 +28,7 @@ struct TracedRegions {
 };
 
 // Appends to `result` a loop for each path that encloses more than the tolerance. The paths were found with these directions.
-void TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result);
+// Whether all of them did.
+bool TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result);
 
 }  // namespace zbr

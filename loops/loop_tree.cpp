@@ -116,8 +116,8 @@ void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
   }
   // A loop that is in the list twice would become its own child; it stays once.
   const auto isLeftOut = [&](const std::shared_ptr<ZBR_LOOP>& loop) {
-    if (allDegenerate) return false;
-    return IsDegenerate(*loop, eps) || std::exchange(loop->level(), 0) != kUnseen;
+    const bool isSeen = std::exchange(loop->level(), 0) != kUnseen;
+    return !allDegenerate && (isSeen || IsDegenerate(*loop, eps));
   };
   std::erase_if(loops, isLeftOut);
   for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
@@ -132,8 +132,9 @@ void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
 
 void zbrFlattenLoops(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
   for (std::size_t i = 0; i < loops.size(); ++i) {
-    const LoopList children = std::exchange(loops[i]->children(), {});
-    loops[i]->level() = 0;
-    loops.insert(loops.end(), children.begin(), children.end());
+    const std::shared_ptr<ZBR_LOOP> loop = loops[i];
+    loops.insert(loops.end(), loop->children().begin(), loop->children().end());
+    loop->children().clear();
+    loop->level() = 0;
   }
 }

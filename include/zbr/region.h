@@ -181,7 +181,7 @@ struct ZBR_REGION_FAULT {
 ZBR_API ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_REGION_FAULT>& faults,
                                          std::size_t most = 1000000);
 
-// Without points that lie straight between their neighbours within the tolerance, valid by options.fill_a.
+// Without points that lie straight between their neighbours within the tolerance, valid by options.fill_a. Gives no sources.
 ZBR_API ZBR_REGION_STATUS zbrSimplifyRegion(const ZBR_REGION_VIEW& rings, double tolerance, ZBR_REGION& result,
                                             const ZBR_REGION_OPTIONS& options = {});
 
