@@ -4,12 +4,11 @@
 // deeper is not read. A polygon is one ring of such a list, named by (loop index, polygon index): polygon 0 is the loop itself,
 // polygon k its child k - 1. Lengths are in the caller's unit.
 //
-// Good input: rings that are simple and do not cross other rings of the same list; they may touch them in points, exactly or within
-// 1e-10. Self-crossing or overlapping rings of one list give some result. A ring with a NaN or infinite coordinate is left out of
-// the combination.
-// Known limits: the Boolean compares with 1e-9 of the caller's unit, so (1) coincidences that are inexact by 3e-10 to 1e-7 can
-// break a result, as can points rounded onto edges at coordinates above about 3e6; (2) results of an area below 1e-9 are dropped,
-// and zbrMakeLoopTree drops areas within the thread's tolerance. Scale the data by a power of two (exact) to avoid both.
+// Clean input, rings that are simple and do not cross others of the same list (they may touch), is walked along its crossings. What
+// that can't settle, rings that cross or overlap included, goes through an exact arrangement; a region is then what an odd number of
+// its rings winds around. A ring with a NaN or infinite coordinate is left out of the combination.
+// The Boolean compares with 1e-9 of the caller's unit; results of an area below 1e-9 are dropped, and zbrMakeLoopTree drops areas
+// within the thread's tolerance. region.h has neither limit.
 //
 // Threads: calls on different threads are independent. Loops that both use must be set up (ZBR_LOOP::Setup) beforehand.
 #pragma once

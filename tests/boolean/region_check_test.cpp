@@ -18,7 +18,7 @@ namespace {
 using Rings = std::vector<std::vector<ZBR_PT>>;
 using Edges = std::array<std::int32_t, 4>;
 
-ZBR_REGION RegionOf(const Rings& rings, int exponent = 0) {
+ZBR_REGION ScaledRegion(const Rings& rings, int exponent = 0) {
   ZBR_REGION region;
   for (std::vector<ZBR_PT> ring : rings) {
     for (ZBR_PT& p : ring) p.Set(std::ldexp(p.x(), exponent), std::ldexp(p.y(), exponent));
@@ -55,7 +55,7 @@ TEST(RegionCheck, EveryKindAtAnyScale) {
     for (const int exponent : {0, -400, 400}) {
       SCOPED_TRACE(std::string(c.name) + " * 2^" + std::to_string(exponent));
       std::vector<ZBR_REGION_FAULT> faults;
-      ASSERT_EQ(zbrCheckRegion(RegionOf(c.rings, exponent).view(), faults).code, ZBR_REGION_OK);
+      ASSERT_EQ(zbrCheckRegion(ScaledRegion(c.rings, exponent).view(), faults).code, ZBR_REGION_OK);
       ASSERT_EQ(faults.size(), c.count);
       if (c.count == 0) continue;
       EXPECT_EQ(faults[0].kind, c.kind);
@@ -113,7 +113,7 @@ TEST(RegionCheck, RandomRingsAgainstAllPairs) {
       }
     }
     std::vector<ZBR_REGION_FAULT> faults;
-    zbrCheckRegion(RegionOf(rings).view(), faults);
+    zbrCheckRegion(ScaledRegion(rings).view(), faults);
     for (const ZBR_REGION_FAULT& fault : faults) {
       if (fault.kind != ZBR_FAULT_CROSSING) continue;
       const bool isAtEnd = std::any_of(edges.begin(), edges.end(), [&](const Edge& e) {
