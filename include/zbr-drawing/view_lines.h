@@ -8,8 +8,8 @@
 // Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
 #pragma once
 
-#include <zbr-drawing/region.h>
 #include <zbr-drawing/drawing.h>
+#include <zbr-drawing/region.h>
 #include <zbr-drawing/scene.h>
 
 #include <cstddef>

@@ -5,10 +5,10 @@
 // polygon k its child k - 1. Lengths are in the caller's unit.
 //
 // Clean input, rings that are simple and do not cross others of the same list (they may touch), is walked along its crossings. What
-// that can't settle, rings that cross or overlap included, goes through an exact arrangement; a region is then what an odd number of
-// its rings winds around. A ring with a NaN or infinite coordinate is left out of the combination.
-// The Boolean compares with 1e-9 of the caller's unit; results of an area below 1e-9 are dropped, and zbrMakeLoopTree drops areas
-// within the thread's tolerance. region.h has neither limit.
+// that can't settle, rings that cross or overlap included, goes through an exact arrangement; a region is then what an odd number
+// of its rings winds around. A ring with a NaN or infinite coordinate is left out of the combination. The Boolean compares with
+// 1e-9 of the caller's unit; results of an area below 1e-9 are dropped, and zbrMakeLoopTree drops areas within the thread's
+// tolerance. region.h has neither limit.
 //
 // Threads: calls on different threads are independent. Loops that both use must be set up (ZBR_LOOP::Setup) beforehand.
 #pragma once

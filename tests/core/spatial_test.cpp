@@ -21,7 +21,7 @@ TEST(SpatialPoint, DividingAndDropping) {
   ZBR_PT kept[4];
   for (int k = 0; k < 4; ++k) zbrDropPt(&kept[k], p, static_cast<ZBR_DROP_TYPE>(k));
   EXPECT_TRUE(kept[0].x() == 2 && kept[0].y() == 3 && kept[1].x() == 3 && kept[1].y() == 1 && kept[2].x() == 1 && kept[2].y() == 2);
-  EXPECT_EQ(kept[3].x(), 0.0);  // not written
+  EXPECT_EQ(kept[3].x(), 0.0);                 // not written
   EXPECT_TRUE(Exactly(p /= -2.0, {0, 0, 0}));  // made for lengths
 }
 
