@@ -74,6 +74,7 @@ std::vector<InkSample> Ink::Samples(int total) const {
   std::vector<InkSample> samples;
   double sum = 0.0;
   for (const Edge& e : edges_) sum += e.p.DistanceXY(e.q);
+  if (!std::isfinite(sum)) return samples;  // triangles too large to compute with: only what is expected by name is looked at
   for (const Edge& e : edges_) {
     const double length = e.p.DistanceXY(e.q);
     if (length <= 10.0 * kEnd * size_) continue;
