@@ -64,7 +64,7 @@ class Runner {
     if (!options_.progress) return;
     const std::lock_guard<std::mutex> lock(mutex_);
     done_ += worth;
-    if (!ended_ && !options_.progress(std::min(done_ / total_, 1.0))) ended_ = true;
+    if (!ended_ && !options_.progress(total_ > 0.0 ? std::min(done_ / total_, 1.0) : 1.0)) ended_ = true;
   }
   void Fail(std::exception_ptr failure) {
     const std::lock_guard<std::mutex> lock(mutex_);
