@@ -16,8 +16,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <numeric>
 #include <utility>
 
 #include "arrangement/check.h"

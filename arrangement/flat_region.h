@@ -7,6 +7,8 @@
 
 #include <zbr/planar.h>
 
+#include "core/rings.h"
+
 namespace zbr {
 
 // A piece of an input edge that a result edge runs along. Parameters are along the input edge.
@@ -25,16 +27,14 @@ struct FlatRegion {
   std::vector<FlatSource> sources;         // of the edges, when asked for
   std::vector<std::uint32_t> sourceEnds;   // by edge, which starts at the point of the same number
 
-  void Clear() {
-    points.clear();
-    ringEnds.clear();
-    polygonEnds.clear();
-    sources.clear();
-    sourceEnds.clear();
-  }
-  std::span<const ZBR_PT> Ring(std::size_t i) const {
+  RingSpan Ring(std::size_t i) const {
     const std::uint32_t begin = i == 0 ? 0 : ringEnds[i - 1];
     return std::span(points).subspan(begin, ringEnds[i] - begin);
+  }
+  std::vector<RingSpan> Rings() const {
+    std::vector<RingSpan> rings;
+    for (std::size_t i = 0; i < ringEnds.size(); ++i) rings.push_back(Ring(i));
+    return rings;
   }
 };
 

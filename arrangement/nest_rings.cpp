@@ -9,12 +9,12 @@
 #include "arrangement/loop_builder.h"
 #include "core/box.h"
 #include "core/planar_inline.h"
+#include "core/rings.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
 namespace {
 
-using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 using Points = std::vector<ZBR_PT>;
 
 // Distance from a straight line up to which a point on it counts as such, relative to the size of the coordinates: rounding errors
@@ -102,19 +102,6 @@ class RingShape {
   double straight_;
   double width_;
 };
-
-// Twice the signed area, computed near the origin.
-double TwiceArea(const Points& ring) {
-  double sum = 0.0;
-  for (std::size_t i = 1; i + 1 < ring.size(); ++i) sum += Cross(ring[i] - ring[0], ring[i + 1] - ring[0]);
-  return sum;
-}
-
-double Perimeter(const Points& ring) {
-  double sum = 0.0;
-  for (std::size_t i = 0; i < ring.size(); ++i) sum += ring[i].Distance(ring[i + 1 < ring.size() ? i + 1 : 0]);
-  return sum;
-}
 
 bool IsNarrow(const Points& ring, double width) {
   return ring.size() < 3 || !(std::fabs(TwiceArea(ring)) > width * Perimeter(ring));

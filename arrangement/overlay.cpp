@@ -17,28 +17,12 @@ namespace zbr {
 namespace {
 
 std::vector<DirectedEdge> EdgesOf(std::span<const RingSpan> rings) {
-  std::size_t count = 0;
-  for (const RingSpan& ring : rings) count += ring.size();
   std::vector<DirectedEdge> edges;
-  edges.reserve(count);
+  edges.reserve(CountPoints(rings));
   for (const RingSpan& ring : rings) {
     for (std::size_t i = 0; i < ring.size(); ++i) edges.push_back({ring[i], ring[i + 1 < ring.size() ? i + 1 : 0]});
   }
   return edges;
-}
-
-std::size_t CountPoints(std::span<const RingSpan> rings) {
-  std::size_t count = 0;
-  for (const RingSpan& ring : rings) count += ring.size();
-  return count;
-}
-
-Box BoxOf(std::span<const RingSpan> rings) {
-  Box box;
-  for (const RingSpan& ring : rings) {
-    for (const ZBR_PT& p : ring) box.Add(p);
-  }
-  return box;
 }
 
 double ParameterOn(const DirectedEdge& edge, const ZBR_PT& p) {
@@ -76,19 +60,19 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
     : tolerance_(tolerance),
       width_(width),
       edges_(EdgesOf(rings)),
-      resolution_(Resolution::Fine(BoxOf(rings), tolerance)),
+      resolution_(Resolution::Fine(BoxOfRings(rings), tolerance)),
       arrangement_(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kQuick),
       swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kQuick)) {
   if (!swept_.isPlanar) {
     arrangement_ = Arrangement(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kThorough);
     swept_ = SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kThorough);
   }
-  CollectSources(edges_.size());
+  CollectSources();
 }
 
-void Overlay::CollectSources(std::size_t edges) {
+void Overlay::CollectSources() {
   sourceBegin_.assign(arrangement_.pieces().size() + 1, 0);
-  for (std::size_t e = 0; e < edges; ++e) {
+  for (std::size_t e = 0; e < edges_.size(); ++e) {
     arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
       if (piece != Arrangement::kNoPiece) ++sourceBegin_[piece + 1];
     });
@@ -96,7 +80,7 @@ void Overlay::CollectSources(std::size_t edges) {
   for (std::size_t p = 1; p < sourceBegin_.size(); ++p) sourceBegin_[p] += sourceBegin_[p - 1];
   sources_.resize(sourceBegin_.back());
   std::vector<std::uint32_t> place(sourceBegin_.begin(), sourceBegin_.end() - 1);
-  for (std::uint32_t e = 0; e < edges; ++e) {
+  for (std::uint32_t e = 0; e < edges_.size(); ++e) {
     arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
       if (piece != Arrangement::kNoPiece) sources_[place[piece]++] = e;
     });
@@ -286,8 +270,7 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUn
 
 // The region once more, from its own rings.
 FlatRegion Overlay::Settled(const FlatRegion& region) const {
-  std::vector<RingSpan> rings;
-  for (std::size_t i = 0; i < region.ringEnds.size(); ++i) rings.push_back(region.Ring(i));
+  const std::vector<RingSpan> rings = region.Rings();
   const Overlay again(rings, rings.size(), tolerance_, width_);
   const bool withSources = !region.sourceEnds.empty();
   bool isUnsettled = false;

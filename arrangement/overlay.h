@@ -13,16 +13,13 @@
 
 namespace zbr {
 
-// A ring of an operand: any closed polygon, which may cross itself and others. Points must be finite.
-using RingSpan = std::span<const ZBR_PT>;
-
 // The tolerance for rings within a box when `wanted` is asked for: no finer than a few digits of the coordinates.
 double OverlayTolerance(const Box& box, double wanted);
 
 // Replaces the sources of a region that was made of the edges of another one by the sources of these.
 void TraceBack(const FlatRegion& before, FlatRegion& region);
 
-// The rings of one or two operands, arranged once, combined as often as wanted.
+// The rings of one or two operands, any closed polygons of finite points, arranged once, combined as often as wanted.
 //
 // Nothing is decided in rounded arithmetic but which points and edges count as meeting, which those do that come within the
 // tolerance. Result points are points of the input, to the bit, or crossings.
@@ -41,7 +38,7 @@ class Overlay {
  private:
   class Assembler;
 
-  void CollectSources(std::size_t edges);
+  void CollectSources();
   FlatRegion Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const;
   FlatRegion Settled(const FlatRegion& region) const;
   std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {

@@ -33,12 +33,15 @@ void Combination::FindCrossings(Certainty wanted) {
   SearchReport report;
   SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, wanted, &report);
   const Touching touching{report.simplicity[0] != Simplicity::kSimple, report.simplicity[1] != Simplicity::kSimple};
+  if (wanted == Certainty::kGeneralPosition && (touching.a || touching.b || !report.doubts.empty())) {
+    isCertain_ = false;
+    return;
+  }
   const std::size_t found = crosses_.size();
   const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_, touching);
   isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] != Simplicity::kUnclear &&
                report.simplicity[1] != Simplicity::kUnclear;
-  if (wanted == Certainty::kGeneralPosition && (touching.a || touching.b || crosses_.size() != found || HasTies()))
-    isCertain_ = false;
+  if (wanted == Certainty::kGeneralPosition && (crosses_.size() != found || HasTies())) isCertain_ = false;
   for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);
   // Where an uncrossed ring lies, samples tell, which must be right about what is on its boundary.
   for (const PolygonPair& p : report.contacts) {

@@ -8,19 +8,9 @@
 namespace zbr {
 namespace {
 
-using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
-
 std::size_t CountRings(const std::vector<Polygon>& polygons) {
   return static_cast<std::size_t>(
       std::count_if(polygons.begin(), polygons.end(), [](const Polygon& p) { return IsFiniteRing(**p.loop); }));
-}
-
-double ToleranceFor(const std::vector<RingSpan>& rings) {
-  Box box;
-  for (const RingSpan& ring : rings) {
-    for (const ZBR_PT& p : ring) box.Add(p);
-  }
-  return OverlayTolerance(box, t_tolerance.eps);
 }
 
 void SortBySize(LoopList& loops) {
@@ -29,11 +19,8 @@ void SortBySize(LoopList& loops) {
 }
 
 // Null when the ring encloses nothing.
-std::shared_ptr<ZBR_LOOP> LoopOf(RingSpan ring, int level) {
-  auto loop = std::make_shared<ZBR_LOOP>();
-  loop->pt().assign(ring.begin(), ring.end());
-  loop->Setup();
-  loop->level() = level;
+std::shared_ptr<ZBR_LOOP> WideLoopOf(RingSpan ring, int level) {
+  std::shared_ptr<ZBR_LOOP> loop = LoopOf(ring, level);
   return WithinTol(loop->area(), t_tolerance.eps) ? nullptr : loop;
 }
 
@@ -66,16 +53,17 @@ std::vector<RingSpan> ExactLoops::RingsOf(const std::vector<Polygon>& a, const s
 }
 
 ExactLoops::ExactLoops(const std::vector<Polygon>& a, const std::vector<Polygon>& b)
-    : rings_(RingsOf(a, b)), overlay_(rings_, CountRings(a), ToleranceFor(rings_), t_tolerance.eps) {}
+    : rings_(RingsOf(a, b)),
+      overlay_(rings_, CountRings(a), OverlayTolerance(BoxOfRings(rings_), t_tolerance.eps), t_tolerance.eps) {}
 
 LoopList ExactLoops::Combine(ZBR_BOOLEAN_OPE op) const {
   const FlatRegion region = overlay_.Region([op](Winding w) { return IsInResult(op, w.of[0] % 2 != 0, w.of[1] % 2 != 0); }, false);
   LoopList loops;
   std::size_t ring = 0;
   for (const std::uint32_t end : region.polygonEnds) {
-    std::shared_ptr<ZBR_LOOP> outer = LoopOf(region.Ring(ring), 0);
+    std::shared_ptr<ZBR_LOOP> outer = WideLoopOf(region.Ring(ring), 0);
     for (++ring; ring < end; ++ring) {
-      std::shared_ptr<ZBR_LOOP> hole = LoopOf(region.Ring(ring), 1);
+      std::shared_ptr<ZBR_LOOP> hole = WideLoopOf(region.Ring(ring), 1);
       if (outer != nullptr && hole != nullptr) outer->children().push_back(std::move(hole));
     }
     if (outer == nullptr) continue;

@@ -10,6 +10,7 @@
 #include <zbr/boolean.h>
 
 #include "core/prefetch.h"
+#include "core/rings.h"
 
 namespace zbr {
 
@@ -41,6 +42,15 @@ inline const ZBR_LOOP* PolygonAt(const std::vector<std::shared_ptr<ZBR_LOOP>>& l
   if (key.poly() == 0) return loop;
   const auto hole = static_cast<std::size_t>(key.poly()) - 1;
   return key.poly() > 0 && hole < loop->children().size() ? loop->children()[hole].get() : nullptr;
+}
+
+// A loop of the ring's points, set up.
+inline std::shared_ptr<ZBR_LOOP> LoopOf(RingSpan ring, int level) {
+  auto loop = std::make_shared<ZBR_LOOP>();
+  loop->pt().assign(ring.begin(), ring.end());
+  loop->Setup();
+  loop->level() = level;
+  return loop;
 }
 
 // Whether a ring takes part in a combination. The area of three points or more tells of every coordinate that is not finite; an

@@ -6,7 +6,7 @@
 #include <zbr/region.h>
 
 #include "boolean/region_input.h"
-#include "core/planar_inline.h"
+#include "core/rings.h"
 
 namespace {
 
@@ -56,25 +56,18 @@ void ZBR_REGION::Clear() {
 
 double ZBR_REGION::area() const {
   double twice = 0.0;
-  for (std::size_t r = 0; r < ring_count(); ++r) {
-    const RingSpan ring = RingOf(*this, r);
-    for (std::size_t i = 1; i + 1 < ring.size(); ++i) twice += zbr::Cross(ring[i] - ring[0], ring[i + 1] - ring[0]);
-  }
+  for (std::size_t r = 0; r < ring_count(); ++r) twice += zbr::TwiceArea(RingOf(*this, r));
   return twice / 2.0;
 }
 
 double ZBR_REGION::perimeter() const {
   double sum = 0.0;
-  for (std::size_t r = 0; r < ring_count(); ++r) {
-    const RingSpan ring = RingOf(*this, r);
-    for (std::size_t i = 0; i < ring.size(); ++i) sum += ring[i].Distance(ring[i + 1 < ring.size() ? i + 1 : 0]);
-  }
+  for (std::size_t r = 0; r < ring_count(); ++r) sum += zbr::Perimeter(RingOf(*this, r));
   return sum;
 }
 
 void ZBR_REGION::GetBounds(double& xmin, double& ymin, double& xmax, double& ymax) const {
-  zbr::Box box;
-  for (const ZBR_PT& p : points_) box.Add(p);
+  zbr::Box box = zbr::BoxOfRing(points_);
   if (points_.empty()) box = {0.0, 0.0, 0.0, 0.0};
   xmin = box.xmin;
   ymin = box.ymin;

@@ -10,7 +10,7 @@
 #include <zbr/region.h>
 
 #include "boolean/region_input.h"
-#include "core/planar_inline.h"
+#include "core/rings.h"
 #include "core/tolerance_state.h"
 #include "loops/contacts.h"
 #include "loops/simplicity.h"
@@ -52,10 +52,9 @@ class RegionCheck {
     const ToleranceScope scope(eps_);
     std::vector<IndexedRing> indexed;
     for (const CleanRing& ring : rings_) {
-      Box box;
-      for (const ZBR_PT& p : ring.points) box.Add(p);
       const auto n = static_cast<std::uint32_t>(ring.points.size());
-      indexed.push_back({box, ring.points.data(), n, 0, n, static_cast<std::uint32_t>(&ring - rings_.data()), false});
+      indexed.push_back(
+          {BoxOfRing(ring.points), ring.points.data(), n, 0, n, static_cast<std::uint32_t>(&ring - rings_.data()), false});
     }
     EdgeIndex index;
     index.Build(std::move(indexed), eps_, t_tolerance.eps2);
@@ -97,16 +96,7 @@ class RegionCheck {
   static bool IsSame(const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); }
 
   // The area of a narrow ring is its width times half the way around it.
-  bool IsNarrow(const std::vector<ZBR_PT>& points) const {
-    double twice = 0.0;
-    double length = 0.0;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      const ZBR_PT& next = points[i + 1 < points.size() ? i + 1 : 0];
-      twice += Cross(points[i] - points[0], next - points[0]);
-      length += points[i].Distance(next);
-    }
-    return std::fabs(twice) <= eps_ * length;
-  }
+  bool IsNarrow(const std::vector<ZBR_PT>& points) const { return std::fabs(TwiceArea(points)) <= eps_ * Perimeter(points); }
 
   static ZBR_REGION_FAULT_KIND KindOf(RingContactKind kind) {
     switch (kind) {

@@ -166,8 +166,9 @@ ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGI
       for (std::size_t k = i; k < count; ++k) results[k].Clear();
       return one;
     }
-    status.exact |= one.exact;
+    const bool exact = status.exact || one.exact;
     if (status.code == ZBR_REGION_OK && one.code != ZBR_REGION_OK) status = one;
+    status.exact = exact;
   }
   return status;
 }

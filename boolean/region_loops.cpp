@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "boolean/polygons.h"
 #include "boolean/region_input.h"
 #include "core/tolerance_state.h"
 #include "loops/nesting.h"
@@ -11,13 +12,11 @@
 
 namespace {
 
-std::shared_ptr<ZBR_LOOP> LoopOf(zbr::RingSpan ring, int level) {
-  auto loop = std::make_shared<ZBR_LOOP>();
-  loop->pt().assign(ring.begin(), ring.end());
-  loop->Setup();
+// Turned as its level wants it.
+std::shared_ptr<ZBR_LOOP> OrientedLoopOf(zbr::RingSpan ring, int level) {
+  std::shared_ptr<ZBR_LOOP> loop = zbr::LoopOf(ring, level);
   const bool isWrong = level == 0 ? loop->area() < 0.0 : loop->area() > 0.0;
   if (isWrong) loop->reverse();
-  loop->level() = level;
   return loop;
 }
 
@@ -44,9 +43,9 @@ std::vector<std::shared_ptr<ZBR_LOOP>> zbrLoopsOfRegion(const ZBR_REGION_VIEW& r
     const bool startsPolygon =
         !hasPolygons || (polygon < region.polygon_count && static_cast<std::size_t>(region.polygon_offsets[polygon]) == r);
     if (startsPolygon || loops.empty()) {
-      loops.push_back(LoopOf(input.rings()[r], 0));
+      loops.push_back(OrientedLoopOf(input.rings()[r], 0));
     } else {
-      loops.back()->children().push_back(LoopOf(input.rings()[r], 1));
+      loops.back()->children().push_back(OrientedLoopOf(input.rings()[r], 1));
     }
   }
   if (!hasPolygons) zbrMakeLoopTree(loops);
@@ -84,7 +83,7 @@ ZBR_REGION_STATUS zbrNestRegion(const ZBR_REGION_VIEW& rings, std::vector<std::i
   parents.clear();
   if (!input.Add(rings, status)) return status;
   std::vector<std::shared_ptr<ZBR_LOOP>> loops;
-  for (const zbr::RingSpan& ring : input.rings()) loops.push_back(LoopOf(ring, 0));
+  for (const zbr::RingSpan& ring : input.rings()) loops.push_back(OrientedLoopOf(ring, 0));
   // Largest first, as nesting wants them; a ring without area holds none and lies in none.
   std::vector<std::size_t> order;
   for (std::size_t i = 0; i < loops.size(); ++i) {

@@ -9,7 +9,7 @@
 
 #include "boolean/region_input.h"
 #include "core/box_tree.h"
-#include "core/planar_inline.h"
+#include "core/rings.h"
 #include "core/tolerance_state.h"
 #include "loops/edge_index.h"
 #include "loops/simplicity.h"
@@ -17,20 +17,12 @@
 namespace zbr {
 namespace {
 
-double TwiceArea(RingSpan ring) {
-  double twice = 0.0;
-  for (std::size_t i = 1; i + 1 < ring.size(); ++i) twice += Cross(ring[i] - ring[0], ring[i + 1] - ring[0]);
-  return twice;
-}
-
 bool IsSimpleRing(RingSpan ring, double tolerance) {
   if (ring.size() < 3) return false;
   const ToleranceScope scope(tolerance);
-  Box box;
-  for (const ZBR_PT& p : ring) box.Add(p);
   const auto n = static_cast<std::uint32_t>(ring.size());
   EdgeIndex index;
-  index.Build({{box, ring.data(), n, 0, n, 0, false}}, 0.0, tolerance * tolerance);
+  index.Build({{BoxOfRing(ring), ring.data(), n, 0, n, 0, false}}, 0.0, tolerance * tolerance);
   return SimplicityOf(index, 0.0) == Simplicity::kSimple;
 }
 
@@ -99,12 +91,6 @@ class CountedRings {
   std::vector<std::uint32_t> ends_;
 };
 
-std::vector<RingSpan> SpansOf(const FlatRegion& region) {
-  std::vector<RingSpan> rings;
-  for (std::size_t r = 0; r < region.ringEnds.size(); ++r) rings.push_back(region.Ring(r));
-  return rings;
-}
-
 // Appends rings of one region, with their sources, to another.
 void AppendRings(const FlatRegion& from, std::uint32_t firstRing, std::uint32_t lastRing, FlatRegion& to) {
   for (std::uint32_t r = firstRing; r < lastRing; ++r) {
@@ -121,7 +107,7 @@ void AppendRings(const FlatRegion& from, std::uint32_t firstRing, std::uint32_t 
 }
 
 FlatRegion CoverOf(const FlatRegion& counted, int times, double tolerance) {
-  const std::vector<RingSpan> rings = SpansOf(counted);
+  const std::vector<RingSpan> rings = counted.Rings();
   const Overlay overlay(rings, rings.size(), tolerance, tolerance);
   const bool withSources = !counted.sourceEnds.empty();
   FlatRegion region = overlay.Region([times](Winding w) { return w.of[0] >= times; }, withSources);
@@ -139,9 +125,7 @@ FlatRegion UnionOf(const CountedRings& counted, double tolerance) {
   std::vector<ZBR_PT> centres;
   for (std::uint32_t i = 0; i < ends.size(); ++i) {
     Box box;
-    for (std::uint32_t r = begin(i); r < ends[i]; ++r) {
-      for (const ZBR_PT& p : all.Ring(r)) box.Add(p);
-    }
+    for (std::uint32_t r = begin(i); r < ends[i]; ++r) box.Add(BoxOfRing(all.Ring(r)));
     centres.push_back(begin(i) == ends[i] ? ZBR_PT() : box.Center());
   }
   const std::vector<std::uint32_t> order = SpatialOrder(centres);

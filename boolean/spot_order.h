@@ -7,9 +7,9 @@
 
 #include <zbr/boolean.h>
 
-namespace zbr {
+#include "core/rings.h"
 
-using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
+namespace zbr {
 
 // Settles `order` on `side` for crossings that lie at one place of one polygon of that side, given in list order. `own` is the
 // family of that side, `other` the family that crosses it there; its rings may touch themselves when told so. May clear `valid` of

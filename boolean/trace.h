@@ -9,10 +9,9 @@
 
 #include "boolean/paths.h"
 #include "boolean/search.h"
+#include "core/rings.h"
 
 namespace zbr {
-
-using LoopList = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
 // What tracing needs of a crossing, close together: paths meet the crossings in an order of their own, and every record they touch
 // is a wait for memory.
