@@ -143,7 +143,8 @@ ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_R
     if (input.Add({xy, static_cast<std::size_t>(ends[1]), ends, 1, nullptr, 0}, one)) {
       finite.push_back(ring);
     } else if (one.code == ZBR_REGION_NOT_FINITE) {
-      faults.push_back({ZBR_FAULT_NOT_FINITE, ZBR_PT(xy[2 * one.point], xy[2 * one.point + 1]), ring, one.point, -1, -1});
+      const double* const at = xy + 2 * static_cast<std::size_t>(one.point);
+      faults.push_back({ZBR_FAULT_NOT_FINITE, ZBR_PT(at[0], at[1]), ring, one.point, -1, -1});
     } else {
       faults.clear();
       return one;
