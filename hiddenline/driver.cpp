@@ -13,8 +13,10 @@
 
 #include <zbr/hidden_line.h>
 
+#include "core/assert.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/check.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/extents.h"
 #include "hiddenline/occluders.h"
@@ -118,6 +120,7 @@ void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, Pass& pass) 
       if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, met, pass).Run();
     }
   }
+  ZBR_CHECK(VisibleFault(t));
 }
 
 }  // namespace

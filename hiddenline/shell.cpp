@@ -10,8 +10,10 @@
 
 #include <zbr/hidden_line.h>
 
+#include "core/assert.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/check.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/float_key.h"
 #include "hiddenline/occluders.h"
@@ -117,6 +119,7 @@ class Checker {
   void Finish() {
     auto& map = shell_.id_map;
     if (!std::is_sorted(map.begin(), map.end())) std::sort(map.begin(), map.end());
+    ZBR_CHECK(zbr::IdMapFault(shell_));
   }
 
  private:
