@@ -2,9 +2,6 @@
 
 #include <zbr-drawing/frame.h>
 #include <zbr/tolerance.h>
-#ifdef ZBR_HAS_DXF
-#include <zbr-formats/dxf.h>
-#endif
 
 #include <csignal>
 #include <cstdio>
@@ -20,9 +17,6 @@
 int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails, and what was written is removed
   try {
-#ifdef ZBR_HAS_DXF
-    zbr::formats::UseDxf();
-#endif
     zbrSetEps(tool::kTolerance);
     const int code = tool::CommandLine().Run(std::vector<std::string>(argv + 1, argv + argc));
     // What was printed may not have arrived: on a full disk, at a closed pipe.

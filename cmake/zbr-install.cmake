@@ -1,4 +1,4 @@
-# Install rules: headers, library, CMake package (zbr::zbr, zbr::drawing, zbr::formats, zbr::formats-dxf) and pkg-config file.
+# Install rules: headers, library, CMake package (zbr::zbr, zbr::drawing, zbr::formats) and pkg-config file.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS zbr EXPORT zbr-targets
@@ -18,10 +18,7 @@ if(TARGET zbr_drawing)
   zbr_install_component(zbr_drawing drawing zbr-drawing)
 endif()
 if(TARGET zbr_formats)
-  zbr_install_component(zbr_formats formats zbr-formats PATTERN dxf.h EXCLUDE)
-endif()
-if(TARGET zbr_formats_dxf)
-  zbr_install_component(zbr_formats_dxf formats-dxf zbr-formats FILES_MATCHING PATTERN dxf.h)
+  zbr_install_component(zbr_formats formats zbr-formats)
 endif()
 
 # The installed tool finds the library beside it, wherever the tree was installed or moved to.

@@ -1,6 +1,7 @@
 // From file names to contours in one frame, with notes about what was left out or looks wrong.
 #include "app/commands/load.h"
 
+#include <zbr-drawing/affine.h>
 #include <zbr-drawing/numbers.h>
 #include <zbr-drawing/units.h>
 
@@ -25,7 +26,7 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
 
 void NoteIgnored(const Drawing& drawing, Progress& progress) {
   std::string list;
-  for (const auto& [what, count] : drawing.ignored) list += (list.empty() ? "" : ", ") + std::to_string(count) + " " + what;
+  for (const auto& [what, left] : drawing.leftOut) list += (list.empty() ? "" : ", ") + std::to_string(left.count) + " " + what;
   if (!list.empty()) progress.Note(drawing.file + ": note: left out " + list);
 }
 
@@ -56,13 +57,8 @@ void ConvertUnits(Drawing& drawing, int units, Progress& progress) {
   const double factor = UnitFactor(drawing.units, units);
   if (factor == 0 || factor == 1) return;
   for (Path& path : drawing.paths) {
-    for (ZBR_PT& p : path.points) p *= factor;
+    Map(path, Affine::Scale(factor, factor));
     for (double& z : path.heights) z *= factor;
-    for (Curve& curve : path.curves) {
-      curve.centre *= factor;
-      curve.u *= factor;
-      curve.v *= factor;
-    }
   }
   progress.Note(drawing.file + ": note: converted from " + UnitName(drawing.units) + " to " + UnitName(units));
 }

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <utility>
 
+#include "drawing/contours/spline.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -29,6 +31,17 @@ int ChordsFor(const Curve& curve, double deviation) {
   // from getting a chord more by rounding alone.
   if (std::abs(turns - 1.0) < 1e-12) return 4 * static_cast<int>(std::ceil(perTurn / 4.0));
   return std::max(1, static_cast<int>(std::ceil(perTurn * turns - 1e-9)));
+}
+
+template <class Visit>
+void VisitChords(const Curve& curve, double deviation, Visit visit) {
+  if (curve.spline != nullptr) {
+    for (const double t : ChordParameters(*curve.spline, curve.t0, curve.t1, deviation))
+      visit(curve.At(t), (t - curve.t0) / (curve.t1 - curve.t0));
+    return;
+  }
+  const int chords = ChordsFor(curve, deviation);
+  for (int k = 1; k < chords; ++k) visit(curve.At(curve.t0 + (curve.t1 - curve.t0) * k / chords), static_cast<double>(k) / chords);
 }
 
 std::vector<ZBR_PT> FlattenedPoints(const Path& path, double deviation) {
@@ -61,9 +74,7 @@ void FlattenPath(const Path& path, double deviation, const std::function<void(co
   for (std::size_t i = 0; i < path.points.size(); ++i) {
     visit(path.points[i], i, 0);
     if (curve == path.curves.end() || curve->at != i) continue;
-    const int chords = ChordsFor(*curve, deviation);
-    for (int k = 1; k < chords; ++k)
-      visit(curve->At(curve->t0 + (curve->t1 - curve->t0) * k / chords), i, static_cast<double>(k) / chords);
+    VisitChords(*curve, deviation, [&](const ZBR_PT& p, double part) { visit(p, i, part); });
     ++curve;
   }
 }

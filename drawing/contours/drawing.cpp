@@ -4,11 +4,52 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace zbr::drawing {
 
 ZBR_PT Curve::At(double t) const {
+  if (spline != nullptr) return spline->At(t);
   return centre + u * std::cos(t) + v * std::sin(t);
+}
+
+bool Curve::IsCircular() const {
+  constexpr double kRounding = 1e-10;
+  const double u2 = u.x() * u.x() + u.y() * u.y(), v2 = v.x() * v.x() + v.y() * v.y();
+  return spline == nullptr && std::abs(u2 - v2) <= kRounding * u2 && std::abs(u.x() * v.x() + u.y() * v.y()) <= kRounding * u2;
+}
+
+// The half axes are the points of the ellipse where position and direction are at right angles: tan 2s = 2 u v / (u u - v v).
+Curve OnAxes(const Curve& ellipse) {
+  constexpr double kQuarter = 1.5707963267948966;
+  const ZBR_PT &p = ellipse.u, &q = ellipse.v;
+  const double across = 2 * (p.x() * q.x() + p.y() * q.y());
+  const double difference = p.x() * p.x() + p.y() * p.y() - q.x() * q.x() - q.y() * q.y();
+  double start = across == 0 && difference >= 0 ? 0.0 : std::atan2(across, difference) / 2;
+  Curve turned = ellipse;
+  if (start != 0) {
+    turned.u = p * std::cos(start) + q * std::sin(start);
+    turned.v = q * std::cos(start) - p * std::sin(start);
+    if (start == kQuarter) {  // no rounding for axes that are only exchanged
+      turned.u = q;
+      turned.v = p * -1.0;
+    }
+    turned.t0 -= start;
+    turned.t1 -= start;
+  }
+  if (turned.u.x() * turned.v.y() < turned.u.y() * turned.v.x()) {
+    turned.v *= -1.0;
+    turned.t0 = -turned.t0;
+    turned.t1 = -turned.t1;
+  }
+  if (turned.t1 < turned.t0) std::swap(turned.t0, turned.t1);
+  return turned;
+}
+
+void Drawing::LeaveOut(const std::string& what, std::size_t line, bool bearsContours) {
+  LeftOut& left = leftOut[what];
+  if (left.count++ == 0) left.line = line;
+  left.bearsContours = left.bearsContours || bearsContours;
 }
 
 Extent::Extent() : xmin(std::numeric_limits<double>::infinity()), xmax(-xmin), ymin(xmin), ymax(-xmin) {}

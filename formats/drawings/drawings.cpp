@@ -1,14 +1,13 @@
 // The table of formats, and the way from a file name to its reader or writer.
 #include <zbr-formats/drawings.h>
 
+#include <zbr-formats/dxf.h>
 #include <zbr-formats/files.h>
 #include <zbr-formats/types.h>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
-
-#include "formats/drawings/dxf_codec.h"
 
 namespace zbr::formats {
 namespace {
@@ -60,7 +59,7 @@ Drawing ParseDrawing(Format format, std::string text, const std::string& name, C
     throw Failure(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .loops or .txt, else give --format");
   if (format == Format::kSvg) throw Failure(name, "pictures are written, not read");
   DropByteOrderMark(text);
-  if (format == Format::kDxf) return DxfCodecFor(name).read(text, name, content);
+  if (format == Format::kDxf) return ReadDxf(text, name, content);
   if (format == Format::kGeoJson) return ReadGeoJson(text, name, content);
   if (format == Format::kWkt) return ReadWkt(text, name, content);
   return ReadLoopText(text, name, content);
@@ -72,15 +71,15 @@ Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   return ParseDrawing(format, isReadable ? ReadFile(file) : "", file, content);
 }
 
-std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units) {
-  if (format == Format::kDxf) return DxfCodecFor("DXF").write(layers, units);
+std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, DxfVersion version) {
+  if (format == Format::kDxf) return WriteDxf(layers, units, version);
   if (format == Format::kGeoJson) return WriteGeoJson(layers, units);
   if (format == Format::kWkt) return WriteWkt(layers);
   return WriteLoopText(layers);
 }
 
-std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights) {
-  if (format == Format::kDxf) return DxfCodecFor("DXF").writeLines(layers, units);
+std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights, DxfVersion version) {
+  if (format == Format::kDxf) return WriteDxfLines(layers, units, version);
   if (format == Format::kGeoJson) return WriteGeoJsonLines(layers, units, heights);
   if (format == Format::kWkt) return WriteWktLines(layers, heights);
   return WriteTextLines(layers, heights);

@@ -197,7 +197,7 @@ class GeoJsonHandler : public nlohmann::json_sax<nlohmann::json> {
     } else if (isForLines_ && (type == "LineString" || type == "MultiLineString")) {
       TakeLines(object, type == "LineString" ? 2 : 3);
     } else if (std::find(kOthers.begin(), kOthers.end(), type) != kOthers.end()) {
-      ++drawing.ignored[type];
+      drawing.LeaveOut(type, object.line, type.ends_with("LineString"));
     } else if (std::find(kContainers.begin(), kContainers.end(), type) == kContainers.end()) {
       FailAt(drawing.file, object.line, type.empty() ? "an object without a type" : "unknown type " + Quoted(type));
     }

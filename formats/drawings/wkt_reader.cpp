@@ -92,7 +92,7 @@ class WktReader {
     if (kind == "GEOMETRYCOLLECTION") return ReadList([&] { ReadGeometry(depth + 1); });
     if (isForLines_ && kind == "LINESTRING") return ReadLine();
     if (isForLines_ && kind == "MULTILINESTRING") return ReadList([&] { ReadLine(); });
-    ++drawing_.ignored[kind];
+    drawing_.LeaveOut(kind, line_, kind.ends_with("LINESTRING"));
     SkipParentheses();
   }
 

@@ -1,246 +1,264 @@
-// Header, tables, blocks and entities of a DXF file (AutoCAD 2000).
+// Entities of the plane and their names.
 #include "formats/dxf/dxf_document.h"
 
-#include <zbr-drawing/numbers.h>
-#include <zbr-formats/types.h>
-
-#include <dxflib/dl_dxf.h>
-#include <dxflib/dl_writer_ascii.h>
-
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <numeric>
-#include <set>
 #include <string_view>
+#include <utility>
 
-#include "formats/text/utf8.h"
+#include "formats/dxf/dxf_curves.h"
+#include "formats/dxf/dxf_tables.h"
 
 namespace zbr::formats {
 namespace {
 
-// Collects the text in memory. The base class would write to a file at once, and numbers with a fixed count of decimals, which
-// loses small ones and overruns its buffer on large ones.
-class TextWriter : public DL_WriterA {
- public:
-  TextWriter() : DL_WriterA("", DL_Codes::AC1015) {}
-
-  void dxfReal(int code, double value) const override {
-    StartGroup(code);
-    AppendNumber(text_, value);
-    text_ += '\n';
-  }
-  void dxfInt(int code, int value) const override { dxfString(code, std::to_string(value)); }
-  void dxfHex(int code, int value) const override {
-    std::string digits;
-    for (auto rest = static_cast<unsigned>(value); rest != 0 || digits.empty(); rest /= 16)
-      digits.insert(0, 1, "0123456789ABCDEF"[rest % 16]);
-    dxfString(code, digits);
-  }
-  void dxfString(int code, const char* value) const override { dxfString(code, std::string(value)); }
-  void dxfString(int code, const std::string& value) const override {
-    StartGroup(code);
-    text_ += value;
-    text_ += '\n';
-  }
-
-  std::string Take() { return std::move(text_); }
-
- private:
-  void StartGroup(int code) const {
-    text_ += code < 10 ? "  " : (code < 100 ? " " : "");
-    text_ += std::to_string(code);
-    text_ += '\n';
-  }
-
-  mutable std::string text_;
+struct Pattern {
+  std::string_view name, description;
+  std::vector<double> lengths;
 };
 
-void WriteLinetypes(DL_Dxf& dxf, TextWriter& writer, const std::vector<DxfLinetype>& linetypes) {
-  writer.tableLinetypes(3 + static_cast<int>(linetypes.size()));
-  for (const char* name : {"BYBLOCK", "BYLAYER", "CONTINUOUS"}) dxf.writeLinetype(writer, DL_LinetypeData(name, name, 0, 0, 0.0));
-  for (const DxfLinetype& type : linetypes) {
-    std::vector<double> pattern = type.pattern;
-    const double length =
-        std::accumulate(pattern.begin(), pattern.end(), 0.0, [](double sum, double d) { return sum + std::abs(d); });
-    dxf.writeLinetype(writer,
-                      DL_LinetypeData(type.name, type.description, 0, static_cast<int>(pattern.size()), length, pattern.data()));
+const std::vector<Pattern>& StandardPatterns() {
+  static const std::vector<Pattern> kPatterns = {{"DASHED", "Dashed __ __ __ __", {12.7, -6.35}},
+                                                 {"HIDDEN", "Hidden __ __ __ __", {6.35, -3.175}},
+                                                 {"CENTER", "Center ____ _ ____ _", {31.75, -6.35, 6.35, -6.35}},
+                                                 {"PHANTOM", "Phantom _____ _ _ _____", {31.75, -6.35, 6.35, -6.35, 6.35, -6.35}},
+                                                 {"DOT", "Dot . . . . . .", {0.0, -6.35}},
+                                                 {"DASHDOT", "Dash dot __ . __ . __", {12.7, -6.35, 0.0, -6.35}},
+                                                 {"DIVIDE", "Divide ____ . . ____", {12.7, -6.35, 0.0, -6.35, 0.0, -6.35}},
+                                                 {"BORDER", "Border __ __ . __ __", {12.7, -6.35, 12.7, -6.35, 0.0, -6.35}}};
+  return kPatterns;
+}
+
+std::string Capitals(std::string text) {
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return text;
+}
+
+bool IsAllowed(char c, bool isOld) {
+  if (isOld) return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '$' || c == '-' || c == '_';
+  return static_cast<unsigned char>(c) >= 0x20 && std::string_view("<>/\\\":;?*|=`,").find(c) == std::string_view::npos;
+}
+
+// The name as the format takes it, and different from all those before, capitals or not.
+std::string AllowedName(const std::string& name, bool isOld, std::set<std::string>& taken) {
+  constexpr std::size_t kLongestOld = 31, kLongest = 255;
+  std::string allowed = isOld ? Capitals(name) : name;
+  for (char& c : allowed) c = IsAllowed(c, isOld) ? c : '_';
+  if (!isOld) allowed = DxfText(allowed);
+  const std::size_t longest = isOld ? kLongestOld : kLongest;
+  allowed.resize(std::min(allowed.size(), longest));
+  if (allowed.empty()) allowed.append(1, '_');
+  if (allowed.front() == ' ') allowed.front() = '_';
+  if (allowed.back() == ' ') allowed.back() = '_';
+  std::string different = allowed;
+  for (int k = 2; !taken.insert(Capitals(different)).second; ++k) {
+    const std::string number = std::to_string(k);
+    different.assign(allowed, 0, longest - 1 - number.size());
+    different.append(1, '_').append(number);
   }
-  writer.tableEnd();
-}
-
-void WriteLayers(DL_Dxf& dxf, TextWriter& writer, const std::vector<DxfLayer>& layers) {
-  constexpr int kThin = 25;
-  writer.tableLayers(static_cast<int>(layers.size()) + 1);
-  dxf.writeLayer(writer, DL_LayerData("0", 0), DL_Attributes("", DL_Codes::black, kThin, "CONTINUOUS", 1.0));
-  for (const DxfLayer& layer : layers) {
-    dxf.writeLayer(writer, DL_LayerData(DxfLayerName(layer.name), 0, layer.off),
-                   DL_Attributes("", layer.colour, layer.lineWeight, layer.linetype, 1.0));
-  }
-  writer.tableEnd();
-}
-
-void WriteTables(DL_Dxf& dxf, TextWriter& writer, const DxfSetup& setup) {
-  writer.sectionTables();
-  dxf.writeVPort(writer);
-  WriteLinetypes(dxf, writer, setup.linetypes);
-  WriteLayers(dxf, writer, setup.layers);
-  writer.tableStyle(1);
-  dxf.writeStyle(writer, DL_StyleData("Standard", 0, 0.0, 1.0, 0.0, 0, 2.5, "txt", ""));
-  writer.tableEnd();
-  dxf.writeView(writer);
-  dxf.writeUcs(writer);
-  writer.tableAppid(1);
-  dxf.writeAppid(writer, "ACAD");
-  writer.tableEnd();
-  dxf.writeDimStyle(writer, 1, 1, 1, 1, 1);
-  dxf.writeBlockRecord(writer);
-  writer.tableEnd();
-  writer.sectionEnd();
-}
-
-void WriteBlocks(DL_Dxf& dxf, TextWriter& writer) {
-  writer.sectionBlocks();
-  for (const char* name : {"*Model_Space", "*Paper_Space", "*Paper_Space0"}) {
-    dxf.writeBlock(writer, DL_BlockData(name, 0, 0.0, 0.0, 0.0));
-    dxf.writeEndBlock(writer, name);
-  }
-  writer.sectionEnd();
-}
-
-DL_Attributes OnLayer(const std::string& layer) {
-  constexpr int kByLayer = 256;
-  return DL_Attributes(DxfLayerName(layer), kByLayer, -1, "BYLAYER", 1.0);
-}
-
-// The format is older than UTF-8 in it: other characters than ASCII are written as "\U+00E9". What is no valid sequence, or beyond
-// four digits, becomes '?'.
-std::string TextContent(const std::string& text) {
-  std::string content;
-  for (std::size_t i = 0; i < text.size();) {
-    const auto [code, length] = CharacterAt(text, i);
-    i += length;
-    if (code < 0x20 || code > 0xFFFF) {
-      content += '?';
-      continue;
-    }
-    if (code < 0x80) {
-      content += static_cast<char>(code);
-      continue;
-    }
-    content += "\\U+";
-    for (const unsigned shift : {12U, 8U, 4U, 0U}) content += "0123456789ABCDEF"[code >> shift & 0xFU];
-  }
-  return content;
+  return different;
 }
 
 }  // namespace
 
-struct DxfDocument::Writers {
-  DL_Dxf dxf;
-  TextWriter text;
-  std::set<std::string> dashed;  // layers
-};
-
-std::string DxfLayerName(const std::string& name) {
-  std::string allowed = name;
-  for (char& c : allowed) {
-    if (static_cast<unsigned char>(c) < 0x20 || std::string_view("<>/\\\":;?*|=`").find(c) != std::string_view::npos) c = '_';
+LineType StandardLineType(const std::string& name, double scale) {
+  for (const Pattern& pattern : StandardPatterns()) {
+    if (pattern.name != Capitals(name)) continue;
+    LineType type{name, std::string(pattern.description), pattern.lengths};
+    for (double& length : type.pattern) length *= scale;
+    return type;
   }
-  return allowed;
+  return {name, "", {}};
 }
 
-DxfDocument::DxfDocument(const DxfSetup& setup) : writers_(std::make_unique<Writers>()) {
-  constexpr int kIntegerVariable = 70;
-  auto& [dxf, text, dashed] = *writers_;
-  dxf.writeHeader(text);
-  for (const auto& [name, value] : setup.variables) {
-    text.dxfString(9, name);
-    text.dxfInt(kIntegerVariable, value);
+DxfDocument::DxfDocument(DxfSetup setup) : setup_(std::move(setup)), entities_(setup_.version), next_(kFirstEntity) {
+  const std::vector<LineType> types = std::exchange(setup_.lineTypes, {});
+  setup_.lineTypes.push_back({"CONTINUOUS", "Solid line", {}});
+  lineTypeOf_["CONTINUOUS"] = "CONTINUOUS";
+  lineTypeNames_ = {"CONTINUOUS", "BYLAYER", "BYBLOCK"};
+  for (const LineType& type : types) {
+    if (Capitals(type.name) == "CONTINUOUS" || lineTypeOf_.contains(type.name)) continue;
+    setup_.lineTypes.push_back(type);
+    setup_.lineTypes.back().name = lineTypeOf_[type.name] = AllowedName(type.name, entities_.IsOld(), lineTypeNames_);
   }
-  text.sectionEnd();
-  for (const DxfLayer& layer : setup.layers) {
-    if (layer.linetype != "CONTINUOUS") dashed.insert(layer.name);
+  const std::vector<DrawingLayer> layers = std::exchange(setup_.layers, {});
+  setup_.layers.emplace_back().name = "0";
+  layerNames_ = {"0"};
+  layerOf_[""] = layerOf_["0"] = 0;
+  for (const DrawingLayer& layer : layers) {
+    if (layer.name == "0") setup_.layers[0] = layer;
+    const auto [found, isNew] = layerOf_.emplace(layer.name, setup_.layers.size());
+    if (isNew) {
+      setup_.layers.push_back(layer);
+      setup_.layers.back().name = AllowedName(layer.name, entities_.IsOld(), layerNames_);
+    }
+    std::string& lineType = setup_.layers[found->second].lineType;
+    lineType = LineTypeOf(lineType);
   }
-  WriteTables(dxf, text, setup);
-  WriteBlocks(dxf, text);
-  text.sectionEntities();
 }
 
-DxfDocument::~DxfDocument() = default;
+const std::string& DxfDocument::LineTypeOf(const std::string& name) {
+  const auto found = lineTypeOf_.find(name);
+  if (found != lineTypeOf_.end()) return found->second;
+  const std::string capitals = Capitals(name);
+  if (capitals == "CONTINUOUS" || capitals.empty() || capitals == "BYLAYER" || capitals == "BYBLOCK")
+    return lineTypeOf_[name] = capitals.empty() ? setup_.lineTypes.front().name : capitals;
+  LineType type = StandardLineType(name);
+  type.name = AllowedName(name, entities_.IsOld(), lineTypeNames_);
+  setup_.lineTypes.push_back(type);
+  return lineTypeOf_[name] = type.name;
+}
 
-void DxfDocument::AddPolyline(const std::vector<ZBR_PT>& points, bool closed, const std::string& layer, double height) {
+const DrawingLayer& DxfDocument::LayerOf(const DxfPen& pen) {
+  const auto [found, isNew] = layerOf_.emplace(pen.layer, setup_.layers.size());
+  if (isNew) setup_.layers.emplace_back().name = AllowedName(pen.layer, entities_.IsOld(), layerNames_);
+  return setup_.layers[found->second];
+}
+
+bool DxfDocument::IsDashed(const DxfPen& pen) {
+  const std::string& name = pen.lineType.empty() ? LayerOf(pen).lineType : LineTypeOf(pen.lineType);
+  return std::any_of(setup_.lineTypes.begin(), setup_.lineTypes.end(),
+                     [&](const LineType& type) { return type.name == name && !type.pattern.empty(); });
+}
+
+void DxfDocument::Start(const char* kind, const char* subclass, const DxfPen& pen) {
+  entities_.Start(kind, next_++, kModelSpace);
+  entities_.Subclass("AcDbEntity");
+  entities_.Text(8, LayerOf(pen).name);
+  if (!pen.lineType.empty()) entities_.Text(6, LineTypeOf(pen.lineType));
+  if (pen.colour != kColourByLayer) entities_.Integer(62, pen.colour);
+  if (subclass != nullptr) entities_.Subclass(subclass);
+}
+
+void DxfDocument::ExtendBy(const ZBR_PT& p, double z) {
+  low_ = extent_.empty() ? z : std::min(low_, z);
+  high_ = extent_.empty() ? z : std::max(high_, z);
+  extent_.Add(p);
+}
+
+// By its ends and where it runs along one of the axes; by its control points, between which it lies.
+void DxfDocument::ExtendBy(const Curve& curve) {
+  constexpr double kPi = 3.141592653589793;
+  if (curve.spline != nullptr) {
+    for (const ZBR_PT& p : Trimmed(*curve.spline, curve.t0, curve.t1).control) ExtendBy(p);
+    return;
+  }
+  ExtendBy(curve.At(curve.t0));
+  ExtendBy(curve.At(curve.t1));
+  const double low = std::min(curve.t0, curve.t1), high = std::max(curve.t0, curve.t1);
+  for (const double turning : {std::atan2(curve.v.x(), curve.u.x()), std::atan2(curve.v.y(), curve.u.y())}) {
+    const double first = turning + std::ceil((low - turning) / kPi) * kPi;
+    for (int k = 0; k < 3 && first + k * kPi <= high; ++k) ExtendBy(curve.At(first + k * kPi));
+  }
+}
+
+void DxfDocument::AddLine(const ZBR_PT& from, const ZBR_PT& to, const DxfPen& pen) {
+  AddSpaceLine({{from.x(), from.y(), 0}, {to.x(), to.y(), 0}}, false, pen);
+}
+
+void DxfDocument::AddCircle(const ZBR_PT& centre, double radius, const DxfPen& pen) {
+  Start("CIRCLE", "AcDbCircle", pen);
+  entities_.Point(10, centre, 0);
+  entities_.Real(40, radius);
+  ExtendBy(centre - ZBR_PT(radius, radius));
+  ExtendBy(centre + ZBR_PT(radius, radius));
+}
+
+void DxfDocument::AddPolyline(const std::vector<ZBR_PT>& points, bool closed, const DxfPen& pen, double height,
+                              const std::vector<double>& bulges) {
   constexpr int kClosed = 1;
   constexpr int kPatternRunsThrough = 128;  // else each short edge of a curve starts a dash of its own
-  auto& [dxf, text, dashed] = *writers_;
-  const int flags = (closed ? kClosed : 0) + (dashed.contains(layer) ? kPatternRunsThrough : 0);
-  dxf.writePolyline(text, DL_PolylineData(static_cast<int>(points.size()), 0, 0, flags), OnLayer(layer));
-  constexpr int kElevation = 38;
-  if (height != 0) text.dxfReal(kElevation, height);
-  for (const ZBR_PT& p : points) dxf.writeVertex(text, DL_VertexData(p.x(), p.y()));
-  dxf.writePolylineEnd(text);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    ExtendBy(points[i], height);
+    const double bulge = i < bulges.size() ? bulges[i] : 0.0;
+    if (bulge != 0 && (closed || i + 1 < points.size())) ExtendBy(BulgeArc(points[i], points[(i + 1) % points.size()], bulge));
+  }
+  if (entities_.IsOld()) return AddOldPolyline(points, closed, pen, height, bulges);
+  Start("LWPOLYLINE", "AcDbPolyline", pen);
+  entities_.Integer(90, static_cast<long>(points.size()));
+  entities_.Integer(70, (closed ? kClosed : 0) + (IsDashed(pen) ? kPatternRunsThrough : 0));
+  if (height != 0) entities_.Real(38, height);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    entities_.Point(10, points[i]);
+    if (i < bulges.size() && bulges[i] != 0) entities_.Real(42, bulges[i]);
+  }
 }
 
-void DxfDocument::AddLine(const std::vector<ZBR_PT3>& points, bool closed, const std::string& layer) {
+void DxfDocument::AddOldPolyline(const std::vector<ZBR_PT>& points, bool closed, const DxfPen& pen, double height,
+                                 const std::vector<double>& bulges) {
+  constexpr int kClosed = 1, kPatternRunsThrough = 128;
+  Start("POLYLINE", nullptr, pen);
+  entities_.Integer(66, 1);  // vertices follow
+  entities_.Point(10, {0, 0}, height);
+  entities_.Integer(70, (closed ? kClosed : 0) + (IsDashed(pen) ? kPatternRunsThrough : 0));
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    Start("VERTEX", nullptr, pen);
+    entities_.Point(10, points[i], height);
+    if (i < bulges.size() && bulges[i] != 0) entities_.Real(42, bulges[i]);
+  }
+  Start("SEQEND", nullptr, pen);
+}
+
+void DxfDocument::AddSpaceLine(const std::vector<ZBR_PT3>& points, bool closed, const DxfPen& pen) {
   const ZBR_PT3& first = points.front();
   const bool isLevel = std::all_of(points.begin(), points.end(), [&](const ZBR_PT3& p) { return p.z() == first.z(); });
   if (points.size() == 2 && !closed) {
     const ZBR_PT3& last = points.back();
-    writers_->dxf.writeLine(writers_->text, DL_LineData(first.x(), first.y(), first.z(), last.x(), last.y(), last.z()),
-                            OnLayer(layer));
+    Start("LINE", "AcDbLine", pen);
+    entities_.Point(10, first.xy(), first.z());
+    entities_.Point(11, last.xy(), last.z());
+    ExtendBy(first.xy(), first.z());
+    ExtendBy(last.xy(), last.z());
   } else if (isLevel) {
     std::vector<ZBR_PT> flat;
     for (const ZBR_PT3& p : points) flat.push_back(p.xy());
-    AddPolyline(flat, closed, layer, first.z());
+    AddPolyline(flat, closed, pen, first.z());
   } else {
-    AddSpacePolyline(points, closed, layer);
+    AddSpacePolyline(points, closed, pen);
   }
 }
 
-// The writing library knows polylines of the plane alone.
-void DxfDocument::AddSpacePolyline(const std::vector<ZBR_PT3>& points, bool closed, const std::string& layer) {
-  constexpr int kSubclass = 100, kVerticesFollow = 66, kFlags = 70, kClosed = 1, kInSpace = 8, kVertexInSpace = 32;
-  const TextWriter& text = writers_->text;
-  const auto start = [&](const char* entity, const char* subclass) {
-    text.entity(entity);
-    text.dxfString(kSubclass, "AcDbEntity");
-    text.entityAttributes(OnLayer(layer));
-    if (subclass != nullptr) text.dxfString(kSubclass, subclass);
+void DxfDocument::AddSpacePolyline(const std::vector<ZBR_PT3>& points, bool closed, const DxfPen& pen) {
+  constexpr int kClosed = 1, kInSpace = 8, kVertexInSpace = 32;
+  const DxfHandle polyline = next_;
+  Start("POLYLINE", "AcDb3dPolyline", pen);
+  entities_.Integer(66, 1);  // vertices follow
+  entities_.Point(10, {0, 0}, 0);
+  entities_.Integer(70, kInSpace + (closed ? kClosed : 0));
+  const auto part = [&](const char* kind) {
+    entities_.Start(kind, next_++, polyline);
+    entities_.Subclass("AcDbEntity");
+    entities_.Text(8, LayerOf(pen).name);
   };
-  const auto coordinates = [&](const ZBR_PT3& p) {
-    text.dxfReal(10, p.x());
-    text.dxfReal(20, p.y());
-    text.dxfReal(30, p.z());
-  };
-  start("POLYLINE", "AcDb3dPolyline");
-  text.dxfInt(kVerticesFollow, 1);
-  coordinates(ZBR_PT3());
-  text.dxfInt(kFlags, kInSpace + (closed ? kClosed : 0));
   for (const ZBR_PT3& p : points) {
-    start("VERTEX", "AcDbVertex");
-    text.dxfString(kSubclass, "AcDb3dPolylineVertex");
-    coordinates(p);
-    text.dxfInt(kFlags, kVertexInSpace);
+    part("VERTEX");
+    entities_.Subclass("AcDbVertex");
+    entities_.Subclass("AcDb3dPolylineVertex");
+    entities_.Point(10, p.xy(), p.z());
+    entities_.Integer(70, kVertexInSpace);
+    ExtendBy(p.xy(), p.z());
   }
-  start("SEQEND", nullptr);
+  part("SEQEND");
 }
 
-void DxfDocument::AddCircle(const ZBR_PT& centre, double radius, const std::string& layer) {
-  writers_->dxf.writeCircle(writers_->text, DL_CircleData(centre.x(), centre.y(), 0.0, radius), OnLayer(layer));
-}
-
-void DxfDocument::AddText(const ZBR_PT& at, double height, const std::string& text, const std::string& layer) {
-  const DL_TextData data(at.x(), at.y(), 0.0, at.x(), at.y(), 0.0, height, 1.0, 0, 0, 0, TextContent(text), "Standard", 0.0);
-  writers_->dxf.writeText(writers_->text, data, OnLayer(layer));
+void DxfDocument::AddText(const ZBR_PT& at, double height, const std::string& text, const DxfPen& pen) {
+  Start("TEXT", "AcDbText", pen);
+  entities_.Point(10, at, 0);
+  entities_.Real(40, height);
+  entities_.Text(1, DxfText(text));
+  entities_.Text(7, "Standard");
+  entities_.Subclass("AcDbText");
+  ExtendBy(at);
+  ExtendBy(at + ZBR_PT(0, height));
 }
 
 std::string DxfDocument::Take() {
-  DL_Dxf& dxf = writers_->dxf;
-  TextWriter& text = writers_->text;
-  text.sectionEnd();
-  dxf.writeObjects(text);
-  dxf.writeObjectsEnd(text);
-  text.dxfEOF();
-  return text.Take();
+  DxfOutput output(setup_.version);
+  WriteDxfStart(output, setup_, {extent_, low_, high_}, next_);
+  output.Append(entities_);
+  WriteDxfEnd(output);
+  return output.Take();
 }
 
 }  // namespace zbr::formats

@@ -1,24 +1,18 @@
 // Lines, arcs, circles, ellipses and polylines of a DXF file as paths.
 #include "formats/dxf/dxf_entities.h"
 
+#include <zbr-drawing/affine.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
+
+#include "formats/dxf/dxf_curves.h"
 
 namespace zbr::formats {
 namespace {
 
 constexpr double kPi = 3.141592653589793;
-
-// Exact for multiples of a right angle, so that arcs end where lines drawn at right angles start.
-ZBR_PT Direction(double degrees) {
-  const double turn = std::fmod(degrees, 360.0);
-  const double quarters = turn / 90.0;
-  if (quarters != std::floor(quarters)) return {std::cos(turn * kPi / 180.0), std::sin(turn * kPi / 180.0)};
-  constexpr double kCosine[] = {1.0, 0.0, -1.0, 0.0};
-  const int quarter = (static_cast<int>(quarters) + 4) % 4;
-  return {kCosine[quarter], kCosine[(quarter + 3) % 4]};
-}
 
 // Entities with an extrusion of (0, 0, -1) are drawn as seen from behind.
 ZBR_PT Mirrored(const ZBR_PT& p) {
@@ -29,19 +23,6 @@ void Mirror(Curve& curve) {
   curve.centre = Mirrored(curve.centre);
   curve.u = Mirrored(curve.u);
   curve.v = Mirrored(curve.v);
-}
-
-// The arc from p to q whose bulge is the tangent of a quarter of its angle, positive counter-clockwise.
-Curve BulgeArc(const ZBR_PT& p, const ZBR_PT& q, double bulge, std::size_t at) {
-  const ZBR_PT chord = q - p;
-  const ZBR_PT left(-chord.y(), chord.x());
-  Curve arc;
-  arc.at = at;
-  arc.centre = p + chord * 0.5 + left * ((1.0 / bulge - bulge) / 4.0);
-  arc.u = p - arc.centre;
-  arc.v.Set(-arc.u.y(), arc.u.x());
-  arc.t1 = 4.0 * std::atan(bulge);
-  return arc;
 }
 
 }  // namespace
@@ -120,7 +101,7 @@ void DxfEntities::addPolyline(const DL_PolylineData& data) {
   inPolyline_ = false;
   if (!IsFlat("POLYLINE")) return;
   if ((data.flags & kMeshes) != 0) {
-    ++drawing_.ignored["polygon mesh"];
+    drawing_.LeaveOut("polygon mesh", line_, true);
     return;
   }
   inPolyline_ = true;
@@ -159,7 +140,8 @@ void DxfEntities::FinishPolyline() {
   for (std::size_t i = 0; i < edges; ++i) {
     const double bulge = isMirrored_ ? -bulges_[i] : bulges_[i];
     if (std::abs(bulge) < kStraight) continue;
-    polyline_.curves.push_back(BulgeArc(points[i], points[(i + 1) % points.size()], bulge, i));
+    polyline_.curves.push_back(BulgeArc(points[i], points[(i + 1) % points.size()], bulge));
+    polyline_.curves.back().at = i;
   }
   SetHeights(polyline_, std::move(heights_));
   if (!points.empty()) AddPath(std::move(polyline_));
@@ -173,7 +155,7 @@ bool DxfEntities::IsFlat(const char* name) {
   constexpr double kUpright = 1e-9;
   const double* normal = getExtrusion()->getDirection();
   const bool flat = std::hypot(normal[0], normal[1]) <= kUpright * std::abs(normal[2]);
-  if (!flat) ++drawing_.ignored[std::string("tilted ") + name];
+  if (!flat) drawing_.LeaveOut(std::string("tilted ") + name, line_, true);
   return flat;
 }
 

@@ -159,7 +159,7 @@ class DxfReader {
     if (isTaken_ && !isOnPaper_) {
       ParseChunk();
     } else if (!entity_.empty()) {
-      ++drawing_.ignored[isOnPaper_ ? "entity in paper space" : entity_];
+      drawing_.LeaveOut(isOnPaper_ ? "entity in paper space" : entity_, entityLine_, false);
     }
     ClearChunk();
     entity_.clear();

@@ -12,11 +12,12 @@ namespace {
 
 // A layer for each result, in a colour of its own.
 template <class Result>
-DxfSetup SetupFor(const std::vector<Result>& layers, int units) {
+DxfSetup SetupFor(const std::vector<Result>& layers, int units, DxfVersion version) {
   constexpr std::array<int, 6> kColours = {5, 1, 3, 6, 4, 30};  // blue, red, green, magenta, cyan, orange
   constexpr int kThin = 25;
   DxfSetup setup;
-  setup.variables = {{"$INSUNITS", units}};
+  setup.version = version;
+  setup.units = units;
   for (std::size_t i = 0; i < layers.size(); ++i)
     setup.layers.push_back({layers[i].name, kColours[i % kColours.size()], kThin, "CONTINUOUS", false});
   return setup;
@@ -24,20 +25,20 @@ DxfSetup SetupFor(const std::vector<Result>& layers, int units) {
 
 }  // namespace
 
-std::string WriteDxf(const std::vector<Layer>& layers, int units) {
-  DxfDocument document(SetupFor(layers, units));
+std::string WriteDxf(const std::vector<Layer>& layers, int units, DxfVersion version) {
+  DxfDocument document(SetupFor(layers, units, version));
   for (const Layer& layer : layers)
-    ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) { document.AddPolyline(ring.pt(), true, layer.name); });
+    ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) { document.AddPolyline(ring.pt(), true, {layer.name}); });
   return document.Take();
 }
 
-std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units) {
-  DxfDocument document(SetupFor(layers, units));
+std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units, DxfVersion version) {
+  DxfDocument document(SetupFor(layers, units, version));
   for (const LineLayer& layer : layers) {
     for (const SpaceLine& line : layer.lines) {
       std::vector<ZBR_PT3> points = line.points;
       if (line.IsClosed()) points.pop_back();
-      document.AddLine(points, line.IsClosed(), layer.name);
+      document.AddSpaceLine(points, line.IsClosed(), {layer.name});
     }
   }
   return document.Take();

@@ -28,13 +28,15 @@ std::string FillLayer(const ObjectSource& object) {
   return "FILL-" + object.id;
 }
 
-DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
+DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
   constexpr int kMillimetres = 4, kBlack = 7, kBlue = 5, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
   const bool dashed = sheet.options.hidden == HiddenStyle::kDashed;
   const std::string continuous = "CONTINUOUS";
   DxfSetup setup;
-  setup.variables = {{"$INSUNITS", kMillimetres}, {"$MEASUREMENT", 1}, {"$LWDISPLAY", 1}};
-  setup.linetypes = {{"HIDDEN", "Hidden __ __ __ __", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
+  setup.version = version;
+  setup.units = kMillimetres;
+  setup.showWidths = true;
+  setup.lineTypes = {{"HIDDEN", "Hidden __ __ __ __", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
   setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous, false},
                   {kOutline, kBlue, Hundredths(sheet.wide), continuous, false},
                   {kHidden, kGrey, Hundredths(sheet.thin), dashed ? "HIDDEN" : continuous, !dashed},
@@ -59,27 +61,27 @@ void AddOutlines(DxfDocument& document, const Sheet& sheet, const PlacedView& vi
     ForEachRing(view.lines.outlines[k], [&](const ZBR_LOOP& ring) {
       std::vector<ZBR_PT> points;
       for (const ZBR_PT& p : ring.pt()) points.push_back(sheet.OnPaper(view, p));
-      document.AddPolyline(points, true, FillLayer(objects[k]));
+      document.AddPolyline(points, true, {FillLayer(objects[k])});
     });
   }
 }
 
 }  // namespace
 
-std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
-  DxfDocument document(SetupOf(sheet, objects));
+std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
+  DxfDocument document(SetupOf(sheet, objects, version));
   for (const PlacedView& view : sheet.views) {
     AddOutlines(document, sheet, view, objects);
     for (const Line& line : view.lines.lines) {
       std::vector<ZBR_PT> points;
       for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
       if (line.chain.closed) points.pop_back();
-      document.AddPolyline(points, line.chain.closed, LayerOf(line));
+      document.AddPolyline(points, line.chain.closed, {LayerOf(line)});
     }
   }
-  for (const SheetPath& path : sheet.paths) document.AddPolyline(path.points, path.closed, path.wide ? kFrame : kTitle);
-  for (const SheetCircle& circle : sheet.circles) document.AddCircle(circle.centre, circle.radius, kTitle);
-  for (const SheetText& text : sheet.texts) document.AddText(text.at, text.height, text.text, kTitle);
+  for (const SheetPath& path : sheet.paths) document.AddPolyline(path.points, path.closed, {path.wide ? kFrame : kTitle});
+  for (const SheetCircle& circle : sheet.circles) document.AddCircle(circle.centre, circle.radius, {kTitle});
+  for (const SheetText& text : sheet.texts) document.AddText(text.at, text.height, text.text, {kTitle});
   return document.Take();
 }
 

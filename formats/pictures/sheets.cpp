@@ -1,7 +1,7 @@
 // Sheets in the format asked for.
 #include <zbr-formats/sheets.h>
 
-#include "formats/drawings/dxf_codec.h"
+#include <zbr-formats/dxf.h>
 
 namespace zbr::formats {
 
@@ -12,8 +12,9 @@ std::optional<SheetFormat> SheetFormatByName(const std::string& name) {
   return std::nullopt;
 }
 
-std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells) {
-  if (format == SheetFormat::kDxf) return DxfCodecFor("DXF").writeSheet(sheet, objects);
+std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells,
+                       DxfVersion version) {
+  if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet, objects, version);
   if (format == SheetFormat::kJson) return WriteSheetJson(sheet, objects, shells);
   return WriteSheetSvg(sheet, objects);
 }

@@ -23,14 +23,43 @@
 
 namespace zbr::drawing {
 
-// A circular or elliptic arc: centre + u cos t + v sin t, t from t0 to t1.
+// A B-spline, rational where it has weights.
+struct Spline {
+  int degree = 3;
+  std::vector<ZBR_PT> control;
+  std::vector<double> weights;  // positive, one for each control point; empty: all alike
+  std::vector<double> knots;    // ascending, as many as control points and degree + 1 together
+
+  // Where the curve starts and ends. Only for splines that are valid.
+  double Start() const { return knots[static_cast<std::size_t>(degree)]; }
+  double End() const { return knots[control.size()]; }
+  ZBR_PT At(double t) const;  // beyond both ends: at the end
+
+  // Whether the counts fit together, all numbers are finite, weights positive, knots ascending and the ends not the same.
+  bool IsValid() const;
+};
+
+// The stretch of a valid spline from parameter `from` to `to` as a spline of its own that starts and ends with its control points;
+// turned round where `to` is below `from`. They may not be equal.
+Spline Trimmed(const Spline& spline, double from, double to);
+
+// An arc of a circle or an ellipse: centre + u cos t + v sin t, t from t0 to t1. Or a stretch of a spline, from its parameter t0
+// to t1; then centre, u and v say nothing.
 struct Curve {
   std::size_t at = 0;  // takes the place of the edge from this vertex of its path to the next
   ZBR_PT centre, u, v;
   double t0 = 0.0, t1 = 0.0;
+  std::shared_ptr<const Spline> spline = nullptr;
 
   ZBR_PT At(double t) const;
+  bool IsCircular() const;  // no spline, and u and v as long as each other and at right angles, but for rounding
 };
+
+// The same ellipse from its axes: u is the longer half axis, v is at a right angle to the left of it, t0 below t1 (so the direction
+// of travel may be lost). Not for splines.
+Curve OnAxes(const Curve& ellipse);
+
+constexpr int kColourByBlock = 0, kColourByLayer = 256;
 
 // A contour as read: vertices, and curves in place of some of the edges.
 struct Path {
@@ -38,18 +67,45 @@ struct Path {
   std::vector<Curve> curves;    // ascending in `at`
   std::vector<double> heights;  // of the points, where a drawing is read for its lines and tells any
   bool closed = false;
-  std::size_t line = 0;    // of the file, where the contour starts
-  int polygon = -1;        // number of the polygon that the ring belongs to, in formats that say so
-  std::string_view layer;  // kept by the drawing's names
+  std::size_t line = 0;         // of the file, where the contour starts
+  int polygon = -1;             // number of the polygon that the ring belongs to, in formats that say so
+  std::string_view layer;       // kept by the drawing's names
+  std::string_view lineType;    // the same; empty: that of the layer
+  int colour = kColourByLayer;  // of the colour index
+};
+
+// What drawings say of a layer.
+struct DrawingLayer {
+  std::string name;
+  int colour = 7;       // of the colour index: white, or black on paper
+  int lineWeight = -3;  // hundredths of a millimetre; -3: the default width of the program that shows it
+  std::string lineType = "CONTINUOUS";
+  bool off = false, frozen = false;
+};
+
+struct LineType {
+  std::string name, description;
+  std::vector<double> pattern;  // dashes positive, gaps negative, dots 0
+};
+
+// What a reader left out.
+struct LeftOut {
+  std::size_t count = 0;
+  std::size_t line = 0;        // of the file, where the first one starts
+  bool bearsContours = false;  // it would have been taken for contours
 };
 
 struct Drawing {
   std::string file;
   std::shared_ptr<Names> names = std::make_shared<Names>();  // of layers; shared by copies of the drawing
   std::vector<Path> paths;
-  int units = 0;                       // code of the unit of length (units.h), 0 when the file names none
-  bool joinsEnds = false;              // whether open contours may be meant to be joined end to end
-  std::map<std::string, int> ignored;  // what was left out, with counts
+  int units = 0;                           // code of the unit of length (units.h), 0 when the file names none
+  bool joinsEnds = false;                  // whether open contours may be meant to be joined end to end
+  std::vector<DrawingLayer> layers;        // that the file describes
+  std::vector<LineType> lineTypes;         // the same
+  std::map<std::string, LeftOut> leftOut;  // by what it is called
+
+  void LeaveOut(const std::string& what, std::size_t line, bool bearsContours);
 };
 
 // A closed contour of straight edges, the last point not repeating the first.

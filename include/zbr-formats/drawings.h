@@ -30,10 +30,11 @@ Drawing ParseDrawing(Format format, std::string text, const std::string& name, C
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content = Content::kRegions);
 
 // The text of a file with one layer, feature or line for each result. Not for pictures.
-std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units);
+std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, DxfVersion version = DxfVersion::kR2000);
 
 // The same for lines, with their heights or without.
-std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights);
+std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights,
+                       DxfVersion version = DxfVersion::kR2000);
 
 // Each reads the text of one file; `file` is its name for messages.
 Drawing ReadGeoJson(const std::string& text, const std::string& file, Content content);

@@ -23,7 +23,8 @@ enum class SheetFormat { kSvg, kDxf, kJson };
 // "svg", "dxf" or "json", which are the extensions, too; nothing for any other name.
 std::optional<SheetFormat> SheetFormatByName(const std::string& name);
 
-// A sheet in any of the formats; `shells` is how many the model has. DXF is refused in programs without that part (dxf.h).
-std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells);
+// A sheet in any of the formats; `shells` is how many the model has.
+std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells,
+                       DxfVersion version = DxfVersion::kR2000);
 
 }  // namespace zbr::formats

@@ -37,7 +37,6 @@ void ReadBack(const zbr::drawing::Layer& layer) {
 }  // namespace
 
 void Fuzz(Bytes& bytes) {
-  zbr::formats::UseDxf();
   const int kind = bytes.Below(8);
   const Content content = kind < 4 ? Content::kRegions : Content::kLines;
   IsTaken("file", [&] {
