@@ -11,7 +11,7 @@ void zbrBooleanLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std:
   const zbr::ToleranceScope tolerance(zbr::kBooleanEps);
   crosses.clear();
   zbr::Combination work(A, B, crosses);
-  work.FindCrossings(zbr::Certainty::kOrdinary);
+  work.FindCrossings();
   // A result list may be an operand: all are formed before the first is handed over.
   std::vector<std::vector<std::shared_ptr<ZBR_LOOP>>> formed;
   for (int k = 0; k < count; ++k) formed.push_back(work.Combine(ops[k]));

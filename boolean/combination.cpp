@@ -26,34 +26,20 @@ Directions DirectionsOf(ZBR_BOOLEAN_OPE op) {
 
 }  // namespace
 
-void Combination::FindCrossings(Certainty wanted) {
-  wanted_ = wanted;
+void Combination::FindCrossings() {
   Family& a = families_[0];
   Family& b = families_[1];
   SearchReport report;
-  SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, wanted, &report);
+  SearchCrossings(a.polygons, b.polygons, true, crosses_, &a.seen, &b.seen, &report);
   const Touching touching{report.simplicity[0] != Simplicity::kSimple, report.simplicity[1] != Simplicity::kSimple};
-  if (wanted == Certainty::kGeneralPosition && (touching.a || touching.b || !report.doubts.empty())) {
-    isCertain_ = false;
-    return;
-  }
-  const std::size_t found = crosses_.size();
   const bool isClean = CleanCrossings(*a.loops, *b.loops, crosses_, true, sorted_, touching);
   isCertain_ = isClean && report.doubts.empty() && report.simplicity[0] != Simplicity::kUnclear &&
                report.simplicity[1] != Simplicity::kUnclear;
-  if (wanted == Certainty::kGeneralPosition && (crosses_.size() != found || HasTies())) isCertain_ = false;
   for (int side = 0; side < 2; ++side) NoteCrossedPolygons(side);
   // Where an uncrossed ring lies, samples tell, which must be right about what is on its boundary.
   for (const PolygonPair& p : report.contacts) {
     if (report.isCoarse && !(a.touched[p.a] && b.touched[p.b])) isCertain_ = false;
   }
-}
-
-// Whether crossings lie in one place of a ring.
-bool Combination::HasTies() const {
-  return std::any_of(std::begin(sorted_.side), std::end(sorted_.side), [](const std::vector<PlacedCrossing>& list) {
-    return std::adjacent_find(list.begin(), list.end(), AreTied) != list.end();
-  });
 }
 
 LoopList Combination::Combine(ZBR_BOOLEAN_OPE op) {
@@ -109,12 +95,12 @@ void Combination::PrepareTracing() {
   arePathsPrepared_ = true;
 }
 
-// False when a path did not close, or encloses next to nothing, which general position has not.
+// False when a path did not close.
 bool Combination::Trace(Directions directions, LoopList& result) {
   if (!arePathsPrepared_) PrepareTracing();
   if (!paths_.Find(directions.forwardA, directions.forwardB)) return false;
-  const bool allKept = TracePaths(traced_, paths_, directions.forwardA, directions.forwardB, result);
-  return allKept || wanted_ != Certainty::kGeneralPosition;
+  TracePaths(traced_, paths_, directions.forwardA, directions.forwardB, result);
+  return true;
 }
 
 LoopList Combination::CombineExactly(ZBR_BOOLEAN_OPE op) {

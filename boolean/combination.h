@@ -31,9 +31,7 @@ class Combination {
     families_[1].Set(b);
   }
 
-  void FindCrossings(Certainty wanted);
-  // Whether walking along the crossings gives the region asked for, as far as is known.
-  bool IsCertain() const { return isCertain_; }
+  void FindCrossings();
   // Nested loops; by the exact arrangement when the walk is not certain.
   LoopList Combine(ZBR_BOOLEAN_OPE op);
   // By walking, or nothing when that turns out not to be certain.
@@ -66,7 +64,6 @@ class Combination {
   };
 
   void NoteCrossedPolygons(int side);
-  bool HasTies() const;
   void PrepareTracing();
   bool Trace(Directions directions, LoopList& result);
   LoopList CombineExactly(ZBR_BOOLEAN_OPE op);
@@ -78,7 +75,6 @@ class Combination {
   PathFinder paths_;
   TracedRegions traced_;
   std::optional<ExactLoops> exact_;
-  Certainty wanted_ = Certainty::kOrdinary;
   bool arePathsPrepared_ = false;
   bool isCertain_ = true;  // that walking along the crossings gives the region asked for
 };

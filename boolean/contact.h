@@ -32,7 +32,7 @@ class Corner {
         next_(next),
         edge_(next - cur),
         eps2_(eps2),
-        least2_(surelyOn * std::fabs(surelyOn) * eps2),
+        least2_(surelyOn * surelyOn * eps2),
         clear_(kClearFactor * eps2 * edge_.Length2()) {}
 
   // Whether some edge met so far came so close to what the tolerance says that other cases, looking at the same place, may see it

@@ -65,9 +65,8 @@ struct SortedRecord {
 
 class CrossingSearch {
  public:
-  CrossingSearch(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, Certainty wanted,
-                 std::vector<ZBR_CROSS>& out)
-      : a_(a), b_(b), closedB_(closedB), wanted_(wanted), eps2_(t_tolerance.eps2), out_(out) {}
+  CrossingSearch(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& out)
+      : a_(a), b_(b), closedB_(closedB), eps2_(t_tolerance.eps2), out_(out) {}
 
   void Run() {
     const std::size_t before = out_.size();
@@ -103,7 +102,6 @@ class CrossingSearch {
     if (isOneEmpty) return false;
     isCoarse_ = RoundingOf(Bounds()) > kSurelyOn * t_tolerance.eps;
     if (isCoarse_) surelyOn_ = 0.0;
-    if (wanted_ == Certainty::kGeneralPosition) surelyOn_ = -1.0;
     for (std::uint32_t r = 0; r < indexA_.rings().size(); ++r) {
       const IndexedRing& ring = indexA_.rings()[r];
       if (ring.hasRepeats) corners_.emplace(r, CornersOf(ring, eps2_));
@@ -292,10 +290,9 @@ class CrossingSearch {
   const std::vector<Polygon>& a_;
   const std::vector<Polygon>& b_;
   bool closedB_;
-  Certainty wanted_;
   double eps2_;
   bool isCoarse_ = false;
-  double surelyOn_ = kSurelyOn;  // 0 where coordinates are so large that only equal ones are certain, negative where nothing is
+  double surelyOn_ = kSurelyOn;  // 0 where coordinates are so large that only equal ones are certain
   std::vector<ZBR_CROSS>& out_;
   EdgeIndex indexA_;
   EdgeIndex indexB_;
@@ -318,9 +315,8 @@ void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPoly
 }  // namespace
 
 void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
-                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, Certainty wanted,
-                     SearchReport* report) {
-  CrossingSearch search(a, b, closedB, wanted, crosses);
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, SearchReport* report) {
+  CrossingSearch search(a, b, closedB, crosses);
   search.Run();
   Note(search.indexA(), a.size(), seenA);
   Note(search.indexB(), b.size(), seenB);
@@ -333,7 +329,7 @@ void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_pt
                         int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB) {
   const std::vector<zbr::Polygon> a{{&A, ZBR_CROSS_LOOP(loopA, polyA)}};
   const std::vector<zbr::Polygon> b{{&B, ZBR_CROSS_LOOP(loopB, polyB)}};
-  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, zbr::Certainty::kOrdinary, nullptr);
+  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, nullptr);
 }
 
 void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
@@ -342,10 +338,10 @@ void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<Z
   std::vector<zbr::Polygon> b;
   zbr::AppendPolygons(A, loopA, a);
   zbr::AppendPolygons(B, loopB, b);
-  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr, zbr::Certainty::kOrdinary, nullptr);
+  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr, nullptr);
 }
 
 void zbrGetLoopsCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
                       std::vector<ZBR_CROSS>& crosses) {
-  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr, zbr::Certainty::kOrdinary, nullptr);
+  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr, nullptr);
 }

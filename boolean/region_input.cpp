@@ -33,6 +33,14 @@ bool HaveUsableOffsets(const ZBR_REGION_VIEW& view) {
          (view.polygon_offsets == nullptr || Ascends(view.polygon_offsets, view.polygon_count, view.ring_count));
 }
 
+void RegionInput::Clear() {
+  rings_.clear();
+  boxes_.clear();
+  ends_.clear();
+  bounds_ = Box();
+  points_ = 0;
+}
+
 bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
   status.operand = static_cast<std::int32_t>(ends_.size());
   constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
@@ -59,15 +67,20 @@ bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
 }
 
 bool RegionInput::AddRing(RingSpan ring, ZBR_REGION_STATUS& status) {
+  Box box;
+  bool areUsable = true;
   for (const ZBR_PT& p : ring) {
-    if (!IsUsable(p)) {
-      status.code = ZBR_REGION_NOT_FINITE;
-      status.point = static_cast<std::int32_t>(&p - ring.data());
-      return false;
-    }
-    bounds_.Add(p);
+    areUsable &= IsUsable(p);
+    box.Add(p);
   }
+  if (!areUsable) {
+    status.code = ZBR_REGION_NOT_FINITE;
+    status.point = static_cast<std::int32_t>(std::find_if_not(ring.begin(), ring.end(), IsUsable) - ring.begin());
+    return false;
+  }
+  bounds_.Add(box);
   rings_.push_back(ring);
+  boxes_.push_back(box);
   return true;
 }
 

@@ -15,10 +15,14 @@ namespace zbr {
 // The rings of one or more operands, and what is known of all of them.
 class RegionInput {
  public:
+  // Without rings, keeping the memory.
+  void Clear();
   // Appends the rings of an operand. False, with the status telling the place, when the arrays are faulty.
   bool Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status);
 
   const std::vector<RingSpan>& rings() const { return rings_; }
+  // Of a ring, by its number among all.
+  const Box& box(std::size_t ring) const { return boxes_[ring]; }
   // The rings of an operand, in the order of Add.
   std::span<const RingSpan> operand(std::size_t i) const {
     const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
@@ -37,6 +41,7 @@ class RegionInput {
   bool AddRing(RingSpan ring, ZBR_REGION_STATUS& status);
 
   std::vector<RingSpan> rings_;
+  std::vector<Box> boxes_;
   std::vector<std::size_t> ends_;
   Box bounds_;
   std::size_t points_ = 0;
@@ -81,19 +86,32 @@ class ZBR_REGION_ACCESS {
  public:
   // Sources name edges through all rings of the input.
   static void Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
-  // Appends the polygon of a nested loop, its points taken by `point`.
-  template <class PointOf>
-  static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer, PointOf pointOf) {
-    AddLoop(region, outer, pointOf);
-    for (const auto& hole : outer.children()) AddLoop(region, *hole, pointOf);
+  // The region's lists, for whoever fills them.
+  struct Lists {
+    std::vector<ZBR_PT>& points;
+    std::vector<std::int32_t>& ringOffsets;
+    std::vector<std::int32_t>& polygonOffsets;
+  };
+  // An empty region that keeps its memory.
+  static Lists Restart(ZBR_REGION& region) {
+    region.points_.clear();
+    region.ring_offsets_.assign(1, 0);
+    region.polygon_offsets_.assign(1, 0);
+    region.sources_.clear();
+    region.source_offsets_.clear();
+    return {region.points_, region.ring_offsets_, region.polygon_offsets_};
+  }
+  // Appends the polygon of a nested loop.
+  static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer) {
+    AddLoop(region, outer);
+    for (const auto& hole : outer.children()) AddLoop(region, *hole);
     region.polygon_offsets_.push_back(static_cast<std::int32_t>(region.ring_count()));
   }
   static void Canonicalize(ZBR_REGION& region);
 
  private:
-  template <class PointOf>
-  static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop, PointOf pointOf) {
-    for (const ZBR_PT& p : loop.pt()) region.points_.push_back(pointOf(p));
+  static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop) {
+    region.points_.insert(region.points_.end(), loop.pt().begin(), loop.pt().end());
     region.ring_offsets_.push_back(static_cast<std::int32_t>(region.points_.size()));
   }
 };

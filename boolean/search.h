@@ -19,12 +19,6 @@ struct SearchedPolygon {
   bool hasRepeats = false;  // some edge is no longer than the tolerance
 };
 
-// What the walk is to be certain of.
-enum class Certainty {
-  kOrdinary,        // coincidences may be coincidences but for rounding
-  kGeneralPosition  // nothing may come near anything but to cross it
-};
-
 // Polygons of A and B, numbered through their lists.
 struct PolygonPair {
   std::uint32_t a;
@@ -42,7 +36,6 @@ struct SearchReport {
 // Appends the crossings of the polygons of A with those of B; see zbrGetLoopsCross. `seenA` and `seenB`, if not null, receive an
 // entry per polygon.
 void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
-                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, Certainty wanted,
-                     SearchReport* report);
+                     std::vector<SearchedPolygon>* seenA, std::vector<SearchedPolygon>* seenB, SearchReport* report);
 
 }  // namespace zbr

@@ -162,16 +162,14 @@ class Tracer {
 
 }  // namespace
 
-bool TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result) {
+void TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result) {
   Tracer tracer(regions, paths, forwardA, forwardB);
-  const std::size_t before = result.size();
   result.reserve(result.size() + paths.count());
   for (std::size_t k = 0; k < paths.count(); ++k) {
     if (k + kItemsAhead < paths.count()) tracer.PrefetchPath(paths.path(k + kItemsAhead));
     std::shared_ptr<ZBR_LOOP> loop = tracer.Build(paths.path(k));
     if (loop != nullptr) result.push_back(std::move(loop));
   }
-  return result.size() == before + paths.count();
 }
 
 }  // namespace zbr

@@ -27,7 +27,6 @@ struct TracedRegions {
 };
 
 // Appends to `result` a loop for each path that encloses more than the tolerance. The paths were found with these directions.
-// Whether all of them did.
-bool TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result);
+void TracePaths(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB, LoopList& result);
 
 }  // namespace zbr

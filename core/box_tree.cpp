@@ -16,6 +16,7 @@ std::span<Box> BoxTree::StartLeaves(std::size_t n) {
     total += level;
     begin_.push_back(static_cast<std::uint32_t>(total));
   }
+  boxes_.clear();
   boxes_.resize(total);
   return std::span<Box>(boxes_).first(n);
 }

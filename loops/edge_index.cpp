@@ -39,7 +39,12 @@ bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, dou
 }  // namespace
 
 void EdgeIndex::Build(std::vector<IndexedRing> rings, double margin, double eps2) {
-  rings_ = rings.size() < kMinRingsToReorder ? std::move(rings) : AlongCurve(rings);
+  rings_ = std::move(rings);
+  Build(margin, eps2);
+}
+
+void EdgeIndex::Build(double margin, double eps2) {
+  if (rings_.size() >= kMinRingsToReorder) rings_ = AlongCurve(rings_);
   FillLeaves(margin, eps2);
   tree_.BuildInner();
 }

@@ -24,7 +24,9 @@ class LoopProbe {
  public:
   // The loop must be set up and keep its points while the probe is used.
   // All tests use one tolerance.
-  explicit LoopProbe(const ZBR_LOOP& loop) : ring_(loop.pt()), box_(BoxOf(loop)) {}
+  explicit LoopProbe(const ZBR_LOOP& loop) : LoopProbe(loop.pt(), BoxOf(loop)) {}
+  // The same of a ring of points, by its box.
+  LoopProbe(std::span<const ZBR_PT> ring, const Box& box) : ring_(ring), box_(box) {}
 
   std::span<const ZBR_PT> ring() const { return ring_; }
   const Box& box() const { return box_; }

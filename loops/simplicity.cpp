@@ -1,8 +1,4 @@
-// Idea: a chain of edges whose directions all lie in one half-plane goes on and on in the direction in its middle, so it can't meet
-// itself (as Volino and Magnenat-Thalmann have it for surfaces, "Efficient self-collision detection on smoothly discretized surface
-// animations", 1994). The hierarchy over the edges of a ring is a hierarchy of chains: a mask of the directions in each node, one
-// bit for an eighth of a turn, tells for most of them that nothing needs to be looked at. What is left is searched like the edges
-// of two different rings, down to pairs of edges.
+// Idea: near_leaves.h leaves out the chains that can't meet themselves; what is left is searched down to pairs of edges.
 // Where a vertex lies on another part of the rings, the two edges there tell whether these pass through the corner at the vertex:
 // one on its left and one on its right.
 #include "loops/simplicity.h"
@@ -13,12 +9,11 @@
 #include <cstdint>
 #include <iterator>
 #include <utility>
-#include <vector>
 
 #include "core/constants.h"
-#include "core/directions.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
+#include "loops/near_leaves.h"
 
 namespace zbr {
 namespace {
@@ -30,15 +25,15 @@ class SelfSearch {
         eps2_(t_tolerance.eps2),
         on_(kSurelyOn * t_tolerance.eps),
         near_(kSurelyOff * t_tolerance.eps),
-        room_(2.0 * (near_ - margin)),
-        leaves_(index.tree().Count(0)) {}
+        room_(2.0 * (near_ - margin)) {}
 
   Simplicity Run() {
-    if (leaves_ == 0) return Simplicity::kSimple;
-    FillMasks();
-    if (IsUnclearInside(index_.tree().TopLevel(), 0)) return Simplicity::kUnclear;
+    if (!NearLeaves().Run(index_, room_, *this)) return Simplicity::kUnclear;
     return touches_ ? Simplicity::kTouching : Simplicity::kSimple;
   }
+
+  bool VisitLeaf(std::uint32_t leaf) { return !IsLeafUnclear(leaf); }
+  bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return !AreLeavesUnclear(a, b); }
 
  private:
   struct Edge {
@@ -49,17 +44,7 @@ class SelfSearch {
   };
   using LeafEdges = std::array<Edge, EdgeIndex::kLeafEdges>;
 
-  void FillMasks();
-  std::uint32_t FirstLeaf(int level, std::uint32_t node) const { return node << (2 * level); }
-  std::uint32_t LastLeaf(int level, std::uint32_t node) const { return std::min(leaves_, (node + 1) << (2 * level)) - 1; }
-  bool IsChain(std::uint32_t firstLeaf, std::uint32_t lastLeaf) const {
-    return index_.leaf(firstLeaf).ring == index_.leaf(lastLeaf).ring;
-  }
-  unsigned Mask(int level, std::uint32_t node) const { return masks_[static_cast<std::size_t>(level)][node]; }
-
   // These answer whether something is unclear, and note touches.
-  bool IsUnclearInside(int level, std::uint32_t node);
-  bool IsUnclear(int level, std::uint32_t a, std::uint32_t b);
   bool IsLeafUnclear(std::uint32_t leaf);
   bool AreLeavesUnclear(std::uint32_t a, std::uint32_t b);
   bool IsPairOfEdgesUnclear(const Edge& e, const Edge& f);
@@ -79,49 +64,8 @@ class SelfSearch {
   double on_;
   double near_;
   double room_;  // by which a box is widened so that it meets the boxes of what is near; their margins are taken off
-  std::uint32_t leaves_;
-  std::vector<std::vector<std::uint8_t>> masks_;  // by level and node
   bool touches_ = false;
 };
-
-void SelfSearch::FillMasks() {
-  masks_.resize(static_cast<std::size_t>(index_.tree().TopLevel()) + 1);
-  masks_[0].resize(leaves_);
-  for (std::uint32_t leaf = 0; leaf < leaves_; ++leaf) masks_[0][leaf] = static_cast<std::uint8_t>(index_.leaf(leaf).directions);
-  for (std::size_t level = 1; level < masks_.size(); ++level) {
-    masks_[level].assign(index_.tree().Count(static_cast<int>(level)), 0);
-    for (std::size_t i = 0; i < masks_[level - 1].size(); ++i) masks_[level][i / BoxTree::kFanOut] |= masks_[level - 1][i];
-  }
-}
-
-bool SelfSearch::IsUnclearInside(int level, std::uint32_t node) {
-  if (kGoesOn[Mask(level, node)] && IsChain(FirstLeaf(level, node), LastLeaf(level, node))) return false;
-  if (level == 0) return IsLeafUnclear(node);
-  const std::uint32_t first = node * BoxTree::kFanOut;
-  const std::uint32_t last = std::min(first + BoxTree::kFanOut, index_.tree().Count(level - 1));
-  for (std::uint32_t i = first; i < last; ++i) {
-    if (IsUnclearInside(level - 1, i)) return true;
-    for (std::uint32_t j = i + 1; j < last; ++j) {
-      if (IsUnclear(level - 1, i, j)) return true;
-    }
-  }
-  return false;
-}
-
-// Of two nodes, a before b.
-bool SelfSearch::IsUnclear(int level, std::uint32_t a, std::uint32_t b) {
-  const Box* boxes = index_.tree().Level(level);
-  if (!Overlap(boxes[a].Widened(room_), boxes[b])) return false;
-  if (b == a + 1 && kGoesOn[Mask(level, a) | Mask(level, b)] && IsChain(FirstLeaf(level, a), LastLeaf(level, b))) return false;
-  if (level == 0) return AreLeavesUnclear(a, b);
-  const std::uint32_t count = index_.tree().Count(level - 1);
-  for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
-    for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) {
-      if (IsUnclear(level - 1, i, j)) return true;
-    }
-  }
-  return false;
-}
 
 // The edges of a leaf that come near the box, without those that are no longer than the tolerance.
 std::uint32_t SelfSearch::Read(std::uint32_t leaf, const Box& box, LeafEdges& edges) const {

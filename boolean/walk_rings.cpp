@@ -1,0 +1,88 @@
+#include "boolean/walk_rings.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "core/constants.h"
+
+namespace zbr {
+
+// The tolerance is kBooleanEps for an extent of 2^12 to 2^13. Far from the origin crossings are rounded to the digits of the
+// coordinates there, and it is larger.
+WalkScale::WalkScale(const Box& bounds) {
+  constexpr int kExponent = 12;
+  constexpr int kDigitsAboveRounding = 3;  // binary
+  constexpr int kLeastExponent = 2;        // of the extent in units in which the tolerance is kBooleanEps
+  constexpr int kMost = 200;               // fourth powers of lengths are far from overflow
+  const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
+  const double reach = std::max({std::fabs(bounds.xmin), std::fabs(bounds.xmax), std::fabs(bounds.ymin), std::fabs(bounds.ymax)});
+  if (!(side > 0.0 && side < std::numeric_limits<double>::infinity())) return;
+  const int finest = std::ilogb(kBooleanEps) - kDigitsAboveRounding - (std::ilogb(reach) - std::numeric_limits<double>::digits + 1);
+  const int exponent = std::min(kExponent - std::ilogb(side), finest);
+  isUsable = std::ilogb(side) + exponent >= kLeastExponent && std::abs(exponent) <= kMost;
+  if (!isUsable) return;
+  eps = std::ldexp(kBooleanEps, -exponent);
+  least = std::ldexp(kBooleanEps, -2 * exponent);
+}
+
+bool WalkRings::Load(const RegionInput& input, const WalkScale& scale) {
+  rings_.clear();
+  const double eps2 = scale.eps * scale.eps;
+  for (const int side : {0, 1}) {
+    edges_[side] = 0;
+    for (RingSpan points : input.operand(static_cast<std::size_t>(side))) {
+      while (points.size() > 1 && points.back().Distance2(points.front()) <= eps2) points = points.first(points.size() - 1);
+      if (points.size() < 3) return false;
+      rings_.push_back({points, input.box(rings_.size()), edges_[side], 0.0, false, false, false});
+      edges_[side] += rings_.back().size();
+    }
+    if (side == 0) countA_ = static_cast<std::uint32_t>(rings_.size());
+  }
+  if (!Index(scale)) {
+    DropRepeats(eps2);
+    if (!Index(scale)) return false;
+  }
+  for (WalkedRing& ring : rings_) {
+    ring.twiceArea = TwiceArea(ring.points);
+    if (!(std::fabs(ring.twiceArea) > 2.0 * scale.least)) return false;
+  }
+  return true;
+}
+
+// False when some edge is no longer than the tolerance.
+bool WalkRings::Index(const WalkScale& scale) {
+  std::vector<IndexedRing>& indexed = index_.StartRings();
+  for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+    const RingSpan points = rings_[r].points;
+    const std::uint32_t n = rings_[r].size();
+    indexed.push_back({rings_[r].box, points.data(), n, 0, n, r, false});
+  }
+  index_.Build(0.0, scale.eps * scale.eps);
+  return std::none_of(indexed.begin(), indexed.end(), [](const IndexedRing& ring) { return ring.hasRepeats; });
+}
+
+// Leaves points out that lie on the one before them. Rings that become too short keep theirs.
+void WalkRings::DropRepeats(double eps2) {
+  cleaned_.clear();
+  cleaned_.reserve(index_.rings().size());  // spans of what is in them are handed out
+  for (const IndexedRing& indexed : index_.rings()) {
+    if (!indexed.hasRepeats) continue;
+    WalkedRing& ring = rings_[indexed.id];
+    std::vector<ZBR_PT>& points = cleaned_.emplace_back();
+    for (const ZBR_PT& p : ring.points) {
+      if (points.empty() || points.back().Distance2(p) > eps2) points.push_back(p);
+    }
+    while (points.size() > 1 && points.back().Distance2(points.front()) <= eps2) points.pop_back();
+    if (points.size() > 2) ring.points = points;
+  }
+  edges_[0] = edges_[1] = 0;
+  for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+    std::uint32_t& edges = edges_[SideOf(r)];
+    rings_[r].firstEdge = edges;
+    edges += rings_[r].size();
+  }
+}
+
+}  // namespace zbr

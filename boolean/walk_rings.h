@@ -1,0 +1,67 @@
+// The rings of two operands as the walk for regions sees them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "boolean/region_input.h"
+#include "loops/edge_index.h"
+
+namespace zbr {
+
+// Lengths that decide, for operands of a given extent.
+struct WalkScale {
+  explicit WalkScale(const Box& bounds);
+
+  bool isUsable = false;  // the numbers are ordinary enough for squares of squares of lengths
+  double eps = 0.0;       // what is no farther apart is one place
+  double least = 0.0;     // the least area that a ring has
+};
+
+struct WalkedRing {
+  RingSpan points;  // the last differs from the first
+  Box box;
+  std::uint32_t firstEdge;  // number of the edge from points[0], counted through the rings of the operand
+  double twiceArea;
+  bool isReversed;  // the region lies on its right
+  bool isCrossed;   // by some ring of the other operand
+  bool isInside;    // the other operand, if it isn't crossed
+
+  std::uint32_t size() const { return static_cast<std::uint32_t>(points.size()); }
+};
+
+// An edge, numbered through an operand, that crosses one of the other operand in the open, far from all vertices.
+struct OpenCrossing {
+  ZBR_PT pt;
+  std::uint32_t edge[2];
+  bool toLeft;  // B, as its points go, passes A's edge to the left
+};
+
+// Rings of A, then those of B. Memory is kept from one pair of operands to the next.
+class WalkRings {
+ public:
+  // False when the walk can't be certain of these rings. Their points must outlive this.
+  bool Load(const RegionInput& input, const WalkScale& scale);
+
+  std::span<WalkedRing> all() { return rings_; }
+  std::span<const WalkedRing> all() const { return rings_; }
+  std::uint32_t count(int side) const { return side == 0 ? countA_ : static_cast<std::uint32_t>(rings_.size()) - countA_; }
+  std::uint32_t first(int side) const { return side == 0 ? 0 : countA_; }
+  std::uint32_t edges(int side) const { return edges_[side]; }
+  int SideOf(std::uint32_t ring) const { return ring < countA_ ? 0 : 1; }
+  // Over the edges of all rings, whose ids are their numbers here.
+  const EdgeIndex& index() const { return index_; }
+
+ private:
+  bool Index(const WalkScale& scale);
+  void DropRepeats(double eps2);
+
+  std::vector<WalkedRing> rings_;
+  std::uint32_t countA_ = 0;
+  std::uint32_t edges_[2] = {0, 0};
+  EdgeIndex index_;
+  std::vector<std::vector<ZBR_PT>> cleaned_;  // rings without their repeated points
+};
+
+}  // namespace zbr
