@@ -2,7 +2,8 @@
 //
 // Operands in general position, which are simple rings that keep apart and meet those of the other operand in the middle of edges
 // only, are walked along their crossings, in a frame where the walk's tolerance suits. All others go through the exact arrangement,
-// where they are. So results are valid polygons in either case.
+// where they are. So results are valid polygons in either case. Where the rings fall into clusters that keep apart, only those
+// clusters are arranged that can't be walked.
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -11,10 +12,14 @@
 
 #include <zbr/region.h>
 
+#include "boolean/clusters.h"
 #include "boolean/combination.h"
+#include "boolean/exact_loops.h"
 #include "boolean/region_input.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
+#include "loops/edge_index.h"
+#include "loops/simplicity.h"
 
 namespace zbr {
 namespace {
@@ -47,7 +52,14 @@ class Frame {
   }
 
   ZBR_PT In(const ZBR_PT& p) const { return (p - shift_) * in_; }
-  ZBR_PT Out(const ZBR_PT& p) const { return p * out_ + shift_; }
+  // Not to change the sign of a zero, nothing is added where there is no shift.
+  ZBR_PT Out(const ZBR_PT& p) const {
+    const double x = p.x() * out_;
+    const double y = p.y() * out_;
+    return ZBR_PT(shift_.x() != 0.0 ? x + shift_.x() : x, shift_.y() != 0.0 ? y + shift_.y() : y);
+  }
+  // The length outside of what is `length` in the frame.
+  double OutLength(double length) const { return length * out_; }
 
  private:
   // Differences to a value are exact when no coordinate is more than twice or less than half of it (Sterbenz 1974).
@@ -64,7 +76,34 @@ class Frame {
   ZBR_PT shift_;
 };
 
-// Nested loops, or nothing when nesting leaves out a ring: one without area may still enclose something, as a figure of eight does.
+// Whether the rings' boxes cover what lies between them many times. Nesting rings that lie upon one another takes the square of
+// their number then, unless they keep apart.
+bool AreCrowded(const LoopList& loops) {
+  constexpr double kOften = 8.0;
+  const auto areaOf = [](const Box& box) { return (box.xmax - box.xmin) * (box.ymax - box.ymin); };
+  Box all;
+  double sum = 0.0;
+  for (const auto& loop : loops) {
+    const Box box = BoxOfRing(loop->pt());
+    all.Add(box);
+    sum += areaOf(box);
+  }
+  return sum > kOften * areaOf(all);
+}
+
+bool KeepApart(const LoopList& loops) {
+  std::vector<IndexedRing> rings;
+  for (const auto& loop : loops) {
+    const auto n = static_cast<std::uint32_t>(loop->pt().size());
+    if (n > 0) rings.push_back({BoxOfRing(loop->pt()), loop->pt().data(), n, 0, n, 0, false});
+  }
+  EdgeIndex index;
+  index.Build(std::move(rings), 0.0, t_tolerance.eps2);
+  return SimplicityOf(index, 0.0) == Simplicity::kSimple;
+}
+
+// Nested loops, or nothing when they touch or nesting leaves out a ring: one without area may still enclose something, as a figure
+// of eight does.
 std::optional<LoopList> LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
   LoopList loops;
   loops.reserve(rings.size());
@@ -74,6 +113,7 @@ std::optional<LoopList> LoopsIn(std::span<const RingSpan> rings, const Frame& fr
     for (const ZBR_PT& p : ring) loop->pt().push_back(frame.In(p));
     loops.push_back(std::move(loop));
   }
+  if (AreCrowded(loops) && !KeepApart(loops)) return std::nullopt;
   zbrMakeLoopTree(loops);
   if (!loops.empty() && WithinTol(loops.front()->area(), t_tolerance.eps)) return std::nullopt;
   std::size_t nested = loops.size();
@@ -81,27 +121,49 @@ std::optional<LoopList> LoopsIn(std::span<const RingSpan> rings, const Frame& fr
   return nested == rings.size() ? std::optional(std::move(loops)) : std::nullopt;
 }
 
-// The results by walking, or nothing when they are not certain.
-std::optional<std::vector<ZBR_REGION>> Walk(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, int count) {
-  const Frame frame(input.bounds());
-  if (!frame.IsUsable()) return std::nullopt;
-  const ToleranceScope tolerance(kBooleanEps);
-  const std::optional<LoopList> a = LoopsIn(input.operand(0), frame);
-  const std::optional<LoopList> b = LoopsIn(input.operand(1), frame);
-  if (!a || !b) return std::nullopt;
-  std::vector<ZBR_CROSS> crosses;
-  Combination combination(*a, *b, crosses);
-  combination.FindCrossings(Certainty::kGeneralPosition);
-  std::vector<ZBR_REGION> results(static_cast<std::size_t>(count));
-  for (int k = 0; k < count; ++k) {
-    const std::optional<LoopList> loops = combination.Walk(ops[k]);
-    if (!loops) return std::nullopt;
-    for (const auto& outer : *loops) {
-      ZBR_REGION_ACCESS::AddPolygon(results[static_cast<std::size_t>(k)], *outer, [&](const ZBR_PT& p) { return frame.Out(p); });
+// Rings of two operands.
+struct Operands {
+  std::vector<RingSpan> rings;
+  std::size_t second = 0;  // the first ring of the second operand
+
+  std::span<const RingSpan> a() const { return std::span(rings).first(second); }
+  std::span<const RingSpan> b() const { return std::span(rings).subspan(second); }
+};
+
+// The operations of one call on parts of its operands, as walked in one frame.
+class RegionWalk {
+ public:
+  RegionWalk(const Frame& frame, std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results)
+      : frame_(frame), ops_(ops), results_(results) {}
+
+  // Appends the results. False, with nothing appended, when they are not certain.
+  bool Run(const Operands& operands) {
+    const ToleranceScope tolerance(kBooleanEps);
+    const std::optional<LoopList> a = LoopsIn(operands.a(), frame_);
+    const std::optional<LoopList> b = LoopsIn(operands.b(), frame_);
+    if (!a || !b) return false;
+    std::vector<ZBR_CROSS> crosses;
+    Combination combination(*a, *b, crosses);
+    combination.FindCrossings(Certainty::kGeneralPosition);
+    std::vector<LoopList> walked;
+    for (const ZBR_BOOLEAN_OPE op : ops_) {
+      std::optional<LoopList> loops = combination.Walk(op);
+      if (!loops) return false;
+      walked.push_back(std::move(*loops));
     }
+    for (std::size_t k = 0; k < ops_.size(); ++k) {
+      for (const auto& outer : walked[k]) {
+        ZBR_REGION_ACCESS::AddPolygon(results_[k], *outer, [this](const ZBR_PT& p) { return frame_.Out(p); });
+      }
+    }
+    return true;
   }
-  return results;
-}
+
+ private:
+  const Frame& frame_;
+  std::span<const ZBR_BOOLEAN_OPE> ops_;
+  ZBR_REGION* results_;
+};
 
 // Whether the walk may be tried: it knows the even-odd rule only, and no sources. A tolerance that the caller gives is meant.
 bool IsWalkable(const ZBR_REGION_OPTIONS& options) {
@@ -109,22 +171,71 @@ bool IsWalkable(const ZBR_REGION_OPTIONS& options) {
          !(options.tolerance > 0.0);
 }
 
-void Arrange(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* results, int count,
-             const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status, RegionProgress& progress) {
-  const double tolerance = input.ToleranceFor(options);
-  const Overlay overlay(input.rings(), input.end(0), tolerance, tolerance);
-  status.exact = true;
-  std::vector<FlatRegion> flat;
-  for (int k = 0; k < count; ++k) {
-    constexpr double kShareOfSearch = 0.6;
-    if (!progress.GoesOn(kShareOfSearch + (1.0 - kShareOfSearch) * k / count)) return;
-    const ZBR_BOOLEAN_OPE op = ops[k];
-    flat.push_back(overlay.Region(
-        [&](Winding w) { return IsInResult(op, IsFilled(options.fill_a, w.of[0]), IsFilled(options.fill_b, w.of[1])); },
-        options.sources));
+// One call.
+class RegionCombination {
+ public:
+  RegionCombination(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, const ZBR_REGION_OPTIONS& options,
+                    ZBR_REGION_STATUS& status, RegionProgress& progress)
+      : input_(input), ops_(ops), options_(options), status_(status), progress_(progress), results_(ops.size()) {}
+
+  // Empty when the caller stopped it.
+  std::vector<ZBR_REGION> Run() {
+    const Operands all{input_.rings(), input_.end(0)};
+    const Frame frame(input_.bounds());
+    if (!IsWalkable(options_) || !frame.IsUsable()) {
+      Arrange(all);
+    } else if (RegionWalk walk(frame, ops_, results_.data()); !walk.Run(all)) {
+      const Clusters clusters(BoxesOf(all.rings), frame.OutLength(kBoxMargin));
+      const auto tryWalk = [&](const std::vector<std::uint32_t>& items) { return walk.Run(Chosen(all, items)); };
+      Arrange(Chosen(all, ClusterSearch(clusters, tryWalk).Run()));
+    }
+    if (status_.code != ZBR_REGION_OK) results_.clear();
+    return std::move(results_);
   }
-  for (int k = 0; k < count; ++k) ZBR_REGION_ACCESS::Set(results[k], std::move(flat[static_cast<std::size_t>(k)]), input, options);
-}
+
+ private:
+  static std::vector<Box> BoxesOf(std::span<const RingSpan> rings) {
+    std::vector<Box> boxes;
+    boxes.reserve(rings.size());
+    for (const RingSpan& ring : rings) boxes.push_back(BoxOfRing(ring));
+    return boxes;
+  }
+
+  // `items` ascend.
+  static Operands Chosen(const Operands& all, const std::vector<std::uint32_t>& items) {
+    Operands chosen;
+    chosen.rings.reserve(items.size());
+    for (const std::uint32_t i : items) {
+      chosen.second += i < all.second ? 1 : 0;
+      chosen.rings.push_back(all.rings[i]);
+    }
+    return chosen;
+  }
+
+  void Arrange(const Operands& operands) {
+    if (operands.rings.empty()) return;
+    const double tolerance = input_.ToleranceFor(options_);
+    const Overlay overlay(operands.rings, operands.second, tolerance, tolerance);
+    status_.exact = true;
+    for (std::size_t k = 0; k < ops_.size(); ++k) {
+      constexpr double kShareOfSearch = 0.6;
+      const double share = static_cast<double>(k) / static_cast<double>(ops_.size());
+      if (!progress_.GoesOn(kShareOfSearch + (1.0 - kShareOfSearch) * share)) return;
+      const ZBR_BOOLEAN_OPE op = ops_[k];
+      const auto isInside = [&](Winding w) {
+        return IsInResult(op, IsFilled(options_.fill_a, w.of[0]), IsFilled(options_.fill_b, w.of[1]));
+      };
+      ZBR_REGION_ACCESS::Append(results_[k], overlay.Region(isInside, options_.sources), input_, options_);
+    }
+  }
+
+  const RegionInput& input_;
+  std::span<const ZBR_BOOLEAN_OPE> ops_;
+  const ZBR_REGION_OPTIONS& options_;
+  ZBR_REGION_STATUS& status_;
+  RegionProgress& progress_;
+  std::vector<ZBR_REGION> results_;
+};
 
 }  // namespace
 }  // namespace zbr
@@ -135,19 +246,18 @@ ZBR_REGION_STATUS zbrCombineRegions(const ZBR_REGION_VIEW& a, const ZBR_REGION_V
   if (count <= 0) return status;
   zbr::RegionInput input;
   zbr::RegionProgress progress(options, status);
-  bool isDone = !input.Add(a, status) || !input.Add(b, status) || !progress.GoesOn(0.0);
-  if (!isDone && zbr::IsWalkable(options)) {
-    if (std::optional<std::vector<ZBR_REGION>> walked = zbr::Walk(input, ops, count)) {
-      for (int k = 0; k < count; ++k) {
-        results[k] = std::move((*walked)[static_cast<std::size_t>(k)]);
-        if (options.canonical) ZBR_REGION_ACCESS::Canonicalize(results[k]);
-      }
-      return status;
-    }
+  const std::span<ZBR_REGION> out(results, static_cast<std::size_t>(count));
+  if (!input.Add(a, status) || !input.Add(b, status) || !progress.GoesOn(0.0)) {
+    for (ZBR_REGION& result : out) result.Clear();
+    return status;
   }
-  if (!isDone) zbr::Arrange(input, ops, results, count, options, status, progress);
-  if (status.code == ZBR_REGION_OK) return status;
-  for (int k = 0; k < count; ++k) results[k].Clear();
+  std::vector<ZBR_REGION> formed =
+      zbr::RegionCombination(input, {ops, static_cast<std::size_t>(count)}, options, status, progress).Run();
+  formed.resize(out.size());
+  for (std::size_t k = 0; k < out.size(); ++k) {
+    out[k] = std::move(formed[k]);
+    if (options.canonical) ZBR_REGION_ACCESS::Canonicalize(out[k]);
+  }
   return status;
 }
 

@@ -79,7 +79,9 @@ class RegionProgress {
 // Fills regions from inside.
 class ZBR_REGION_ACCESS {
  public:
-  // Sources name edges through all rings of the input.
+  // Appends polygons. Sources name edges through all rings of the input.
+  static void Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
+  // The same in place of what there was, and in canonical order when that is asked for.
   static void Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
   // Appends the polygon of a nested loop, its points taken by `point`.
   template <class PointOf>

@@ -120,6 +120,30 @@ TEST_P(RegionOfFamilies, BatchesAndOrderChangeNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Families, RegionOfFamilies, testing::ValuesIn(RegionFamilies()), testing::PrintToStringParamName());
 
+// Parts that keep apart, some of them with faults of different kinds: what one part is, must not depend on the others.
+TEST(Region, PartsAreCombinedApart) {
+  std::mt19937_64 random(7);
+  for (int seed = 0; seed < Scaled(20); ++seed) {
+    std::vector<Ring> a, b;
+    for (int k = 0; k < 40; ++k) {
+      const double x = 10.0 * (k % 7), y = 10.0 * (k / 7);
+      a.push_back(Square(x, y, 5));
+      b.push_back(Square(x + 3.0, y + 1.5 * (k % 3), 4));
+      if (random() % 40 != 0) continue;
+      const double twist = random() % 2 == 0 ? 5.0 : 1e-10;
+      a.push_back({{x, y + 5}, {x + 4, y + 5 + twist}, {x + 4, y + 5}, {x, y + 5 + twist}});
+    }
+    const RegionJudge judge(a, b);
+    for (const ZBR_BOOLEAN_OPE op : kOps) {
+      const ZBR_REGION region = zbrCombineRegions(RegionOf(a), RegionOf(b), op);
+      EXPECT_FALSE(judge.IsWrong(judge.Judge(op, RingsOf(region)), 1e-9)) << "seed " << seed << " operation " << op;
+      LoopList loops;
+      zbrBooleanLoops(Nest(a), Nest(b), op, loops);
+      EXPECT_FALSE(judge.IsWrong(judge.Judge(op, RingsOf(loops)), 1e-8)) << "seed " << seed << " operation " << op;
+    }
+  }
+}
+
 TEST(Region, SimplifiesAndNests) {
   ZBR_REGION simple;
   const Ring dented = {{0, 0}, {2, 1e-4}, {4, 0}, {4, 4}, {0, 4}, {0, 2}};
