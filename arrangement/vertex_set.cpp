@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "core/cost.h"
+
 namespace zbr {
 namespace {
 
@@ -50,7 +52,8 @@ VertexSet::VertexSet(const Box& box, const Resolution& resolution, std::size_t e
               std::floor(box.Center().y() / resolution.step) * resolution.step),
       step_(resolution.step),
       merge_(resolution.merge / resolution.step),
-      first_(std::bit_ceil(2 * expected + 16), kNone) {
+      byNode_(expected),
+      byCell_(expected) {
   merge2_ = merge_ * merge_;
   inverseCell_ = 1.0 / (kCellWidth * merge_);
   nodes_.reserve(expected);
@@ -58,39 +61,51 @@ VertexSet::VertexSet(const Box& box, const Resolution& resolution, std::size_t e
   entries_.reserve(expected);
 }
 
-std::size_t VertexSet::Bucket(double cellX, double cellY) const {
-  const auto x = static_cast<std::uint64_t>(static_cast<std::int64_t>(cellX));
-  const auto y = static_cast<std::uint64_t>(static_cast<std::int64_t>(cellY));
-  std::uint64_t h = x * 0x9e3779b97f4a7c15ULL;
-  h = ((h ^ h >> 29U) + y) * 0xbf58476d1ce4e5b9ULL;
-  return static_cast<std::size_t>(h ^ h >> 32U) & (first_.size() - 1);
+VertexSet::Chains::Chains(std::size_t expected) : first_(std::bit_ceil(2 * expected + 16), kNone) {
+  items_.reserve(expected);
+}
+
+void VertexSet::Chains::File(std::uint64_t hash) {
+  if (items_.size() >= first_.size()) {
+    first_.assign(2 * first_.size(), kNone);
+    for (std::uint32_t i = 0; i < items_.size(); ++i) {
+      items_[i].next = std::exchange(first_[items_[i].hash & (first_.size() - 1)], i);
+    }
+  }
+  std::uint32_t& first = first_[hash & (first_.size() - 1)];
+  items_.push_back({hash, std::exchange(first, static_cast<std::uint32_t>(items_.size()))});
+}
+
+// Of whole numbers.
+std::uint64_t VertexSet::Hash(double x, double y) {
+  std::uint64_t h = static_cast<std::uint64_t>(static_cast<std::int64_t>(x)) * 0x9e3779b97f4a7c15ULL;
+  h = ((h ^ h >> 29U) + static_cast<std::uint64_t>(static_cast<std::int64_t>(y))) * 0xbf58476d1ce4e5b9ULL;
+  return h ^ h >> 32U;
 }
 
 std::uint32_t VertexSet::Add(GridPoint node, const ZBR_PT& p) {
   nodes_.push_back(node);
   points_.push_back(p);
-  File(node, size() - 1);
+  FileNode(node, size() - 1);
   return size() - 1;
 }
 
-void VertexSet::File(GridPoint node, std::uint32_t vertex) {
-  if (entries_.size() >= first_.size()) Grow();
-  std::uint32_t& first = first_[Bucket(CellOf(node.x), CellOf(node.y))];
-  entries_.push_back({node, vertex, first});
-  first = static_cast<std::uint32_t>(entries_.size()) - 1;
+void VertexSet::FileNode(GridPoint node, std::uint32_t vertex) {
+  entries_.push_back({node, vertex});
+  byNode_.File(Hash(node.x, node.y));
 }
 
-void VertexSet::Grow() {
-  first_.assign(2 * first_.size(), kNone);
-  for (std::uint32_t i = 0; i < entries_.size(); ++i) {
-    std::uint32_t& first = first_[Bucket(CellOf(entries_[i].node.x), CellOf(entries_[i].node.y))];
-    entries_[i].next = std::exchange(first, i);
+// The vertex of the node, if that was asked for before.
+std::uint32_t VertexSet::Find(GridPoint node) const {
+  for (std::uint32_t e = byNode_.First(Hash(node.x, node.y)); e != kNone; e = byNode_.Next(e)) {
+    ZBR_COUNT(nodes, 1);
+    if (entries_[e].node == node) return entries_[e].vertex;
   }
+  return kNone;
 }
 
-std::uint32_t VertexSet::At(const ZBR_PT& p) {
-  const ZBR_PT g = ToGrid(p);
-  const GridPoint node = NodeAt(g);
+// The nearest within the merging distance of a place on the grid.
+std::uint32_t VertexSet::NearestTo(const ZBR_PT& g) const {
   const double room = merge_ + 1.0;  // vertices are filed by their nodes, half a step beside their points
   const double x[] = {CellOf(g.x() - room), CellOf(g.x() + room)};
   const double y[] = {CellOf(g.y() - room), CellOf(g.y() + room)};
@@ -98,27 +113,34 @@ std::uint32_t VertexSet::At(const ZBR_PT& p) {
   double bestDistance2 = merge2_;
   for (int i = 0; i < (x[0] == x[1] ? 1 : 2); ++i) {
     for (int j = 0; j < (y[0] == y[1] ? 1 : 2); ++j) {
-      for (std::uint32_t e = first_[Bucket(x[i], y[j])]; e != kNone; e = entries_[e].next) {
-        const Entry& entry = entries_[e];
-        if (entry.node == node) return entry.vertex;
-        const double distance2 = ToGrid(points_[entry.vertex]).Distance2(g);
-        if (distance2 < bestDistance2 || (distance2 == bestDistance2 && entry.vertex < best)) {
-          best = entry.vertex;
+      for (std::uint32_t v = byCell_.First(Hash(x[i], y[j])); v != kNone; v = byCell_.Next(v)) {
+        ZBR_COUNT(nodes, 1);
+        const double distance2 = ToGrid(points_[v]).Distance2(g);
+        if (distance2 < bestDistance2 || (distance2 == bestDistance2 && v < best)) {
+          best = v;
           bestDistance2 = distance2;
         }
       }
     }
   }
-  if (best == kNone) return Add(node, p);
-  File(node, best);
   return best;
 }
 
-std::uint32_t VertexSet::OnNode(GridPoint node, const ZBR_PT& p) {
-  for (std::uint32_t e = first_[Bucket(CellOf(node.x), CellOf(node.y))]; e != kNone; e = entries_[e].next) {
-    if (nodes_[entries_[e].vertex] == node) return entries_[e].vertex;
+std::uint32_t VertexSet::At(const ZBR_PT& p) {
+  const ZBR_PT g = ToGrid(p);
+  const GridPoint node = NodeAt(g);
+  if (const std::uint32_t known = Find(node); known != kNone) return known;
+  if (const std::uint32_t near = NearestTo(g); near != kNone) {
+    FileNode(node, near);
+    return near;
   }
+  byCell_.File(Hash(CellOf(node.x), CellOf(node.y)));
   return Add(node, p);
+}
+
+std::uint32_t VertexSet::OnNode(GridPoint node, const ZBR_PT& p) {
+  const std::uint32_t known = Find(node);
+  return known != kNone && nodes_[known] == node ? known : Add(node, p);
 }
 
 }  // namespace zbr

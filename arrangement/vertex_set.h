@@ -48,12 +48,32 @@ class VertexSet {
  private:
   static constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
+  // Items chained by a hash: what is filed under equal or colliding hashes, the latest first.
+  class Chains {
+   public:
+    explicit Chains(std::size_t expected);
+    std::uint32_t First(std::uint64_t hash) const { return first_[hash & (first_.size() - 1)]; }
+    std::uint32_t Next(std::uint32_t item) const { return items_[item].next; }
+    // Items are numbered in the order in which they are filed.
+    void File(std::uint64_t hash);
+    std::size_t size() const { return items_.size(); }
+
+   private:
+    struct Item {
+      std::uint64_t hash;
+      std::uint32_t next;
+    };
+    std::vector<std::uint32_t> first_;
+    std::vector<Item> items_;
+  };
+
   static double Nearest(double c) { return std::floor(c + 0.5) + 0.0; }
-  std::size_t Bucket(double cellX, double cellY) const;
+  static std::uint64_t Hash(double x, double y);
   double CellOf(double c) const { return std::floor(c * inverseCell_); }
+  std::uint32_t Find(GridPoint node) const;
+  std::uint32_t NearestTo(const ZBR_PT& g) const;
   std::uint32_t Add(GridPoint node, const ZBR_PT& p);
-  void File(GridPoint node, std::uint32_t vertex);
-  void Grow();
+  void FileNode(GridPoint node, std::uint32_t vertex);
 
   ZBR_PT centre_;
   double step_;
@@ -66,10 +86,10 @@ class VertexSet {
   struct Entry {
     GridPoint node;
     std::uint32_t vertex;
-    std::uint32_t next;  // in the same bucket
   };
   std::vector<Entry> entries_;
-  std::vector<std::uint32_t> first_;  // by bucket
+  Chains byNode_;  // of the entries
+  Chains byCell_;  // of the vertices that At made: no more than fit in a cell at merging distances
 };
 
 }  // namespace zbr

@@ -1,5 +1,5 @@
 // The Boolean of two regions: find the crossings, clean them up, then per operation trace, add what no crossing touches, nest.
-// Where one of these steps can't be certain, the operands go through the exact arrangement instead.
+// Where one of these steps can't be certain, the loops concerned go through the exact arrangement instead.
 #include "boolean/combination.h"
 
 #include <algorithm>
@@ -109,8 +109,8 @@ LoopList Combination::CombineExactly(ZBR_BOOLEAN_OPE op) {
     const Directions directions = DirectionsOf(op == ZBR_BOOL_XOR ? ZBR_BOOL_B_MINUS_A : op);
     paths_.Find(directions.forwardA, directions.forwardB);
   }
-  if (!exact_) exact_.emplace(families_[0].polygons, families_[1].polygons);
-  return exact_->Combine(op);
+  if (parts_ == nullptr) parts_ = std::make_unique<PartedLoops>(families_[0].polygons, families_[1].polygons, op);
+  return parts_->Combine(op);
 }
 
 void Combination::AddUncrossed(ZBR_BOOLEAN_OPE op, int side, LoopList& result) {

@@ -9,7 +9,7 @@
 #include <zbr/boolean.h>
 
 #include "boolean/cross_clean.h"
-#include "boolean/exact_loops.h"
+#include "boolean/parted_loops.h"
 #include "boolean/paths.h"
 #include "boolean/polygons.h"
 #include "boolean/search.h"
@@ -32,12 +32,12 @@ class Combination {
   }
 
   void FindCrossings();
-  // Nested loops; by the exact arrangement when the walk is not certain.
+  // Nested loops; by the exact arrangement where the walk is not certain.
   LoopList Combine(ZBR_BOOLEAN_OPE op);
   // By walking, or nothing when that turns out not to be certain.
   std::optional<LoopList> Walk(ZBR_BOOLEAN_OPE op);
   // Whether some result came from the exact arrangement.
-  bool WasExact() const { return exact_.has_value(); }
+  bool WasExact() const { return parts_ && parts_->WasExact(); }
   // Leaves in the crossings which of them the last walk used.
   void MarkDone();
 
@@ -74,7 +74,7 @@ class Combination {
   Family families_[2];
   PathFinder paths_;
   TracedRegions traced_;
-  std::optional<ExactLoops> exact_;
+  std::unique_ptr<PartedLoops> parts_;
   bool arePathsPrepared_ = false;
   bool isCertain_ = true;  // that walking along the crossings gives the region asked for
 };

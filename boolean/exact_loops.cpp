@@ -13,11 +13,6 @@ std::size_t CountRings(const std::vector<Polygon>& polygons) {
       std::count_if(polygons.begin(), polygons.end(), [](const Polygon& p) { return IsFiniteRing(**p.loop); }));
 }
 
-void SortBySize(LoopList& loops) {
-  std::stable_sort(loops.begin(), loops.end(),
-                   [](const auto& a, const auto& b) { return std::fabs(a->area()) > std::fabs(b->area()); });
-}
-
 // Null when the ring encloses nothing.
 std::shared_ptr<ZBR_LOOP> WideLoopOf(RingSpan ring, int level) {
   std::shared_ptr<ZBR_LOOP> loop = LoopOf(ring, level);
@@ -25,6 +20,11 @@ std::shared_ptr<ZBR_LOOP> WideLoopOf(RingSpan ring, int level) {
 }
 
 }  // namespace
+
+void SortBySize(LoopList& loops) {
+  std::stable_sort(loops.begin(), loops.end(),
+                   [](const auto& a, const auto& b) { return std::fabs(a->area()) > std::fabs(b->area()); });
+}
 
 bool IsInResult(ZBR_BOOLEAN_OPE op, bool inA, bool inB) {
   switch (op) {

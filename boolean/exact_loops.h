@@ -14,6 +14,9 @@ namespace zbr {
 // Whether a place is in the result of an operation, by where it lies in the operands.
 bool IsInResult(ZBR_BOOLEAN_OPE op, bool inA, bool inB);
 
+// The largest first.
+void SortBySize(LoopList& loops);
+
 // Two operands, each the places that an odd number of its polygons winds around. Polygons that are not finite are left out.
 class ExactLoops {
  public:

@@ -82,26 +82,47 @@ bool ZBR_REGION::operator==(const ZBR_REGION& o) const {
          std::equal(points_.begin(), points_.end(), o.points_.begin(), o.points_.end(), same);
 }
 
+void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input,
+                               const ZBR_REGION_OPTIONS& options) {
+  if (region.empty()) {
+    region.Clear();
+    region.points_ = std::move(flat.points);
+  } else {
+    region.points_.insert(region.points_.end(), flat.points.begin(), flat.points.end());
+  }
+  const auto appendEnds = [](const std::vector<std::uint32_t>& ends, std::vector<std::int32_t>& offsets) {
+    const std::int32_t before = offsets.back();
+    for (const std::uint32_t end : ends) offsets.push_back(before + static_cast<std::int32_t>(end));
+  };
+  appendEnds(flat.ringEnds, region.ring_offsets_);
+  appendEnds(flat.polygonEnds, region.polygon_offsets_);
+  if (!options.sources) return;
+  std::vector<std::uint32_t> firstEdge{0};  // of each ring
+  for (const RingSpan& ring : input.rings()) firstEdge.push_back(firstEdge.back() + static_cast<std::uint32_t>(ring.size()));
+  if (region.source_offsets_.empty()) region.source_offsets_.assign(1, 0);
+  appendEnds(flat.sourceEnds, region.source_offsets_);
+  for (const zbr::FlatSource& s : flat.sources) {
+    const auto ring =
+        static_cast<std::size_t>(std::upper_bound(firstEdge.begin(), firstEdge.end(), s.edge) - firstEdge.begin()) - 1;
+    const std::size_t operand = input.OperandOf(ring);
+    const std::size_t firstRing = operand == 0 ? 0 : input.end(operand - 1);
+    region.sources_.push_back({static_cast<std::int32_t>(operand), static_cast<std::int32_t>(ring - firstRing),
+                               static_cast<std::int32_t>(s.edge - firstEdge[ring]), s.t0, s.t1});
+  }
+}
+
+void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, const ZBR_REGION& more) {
+  const auto points = static_cast<std::int32_t>(region.points_.size());
+  const auto rings = static_cast<std::int32_t>(region.ring_count());
+  region.points_.insert(region.points_.end(), more.points_.begin(), more.points_.end());
+  for (std::size_t r = 0; r < more.ring_count(); ++r) region.ring_offsets_.push_back(points + more.ring_offsets_[r + 1]);
+  for (std::size_t p = 0; p < more.polygon_count(); ++p) region.polygon_offsets_.push_back(rings + more.polygon_offsets_[p + 1]);
+}
+
 void ZBR_REGION_ACCESS::Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input,
                             const ZBR_REGION_OPTIONS& options) {
   region.Clear();
-  region.points_ = std::move(flat.points);
-  region.ring_offsets_.insert(region.ring_offsets_.end(), flat.ringEnds.begin(), flat.ringEnds.end());
-  region.polygon_offsets_.insert(region.polygon_offsets_.end(), flat.polygonEnds.begin(), flat.polygonEnds.end());
-  if (options.sources) {
-    std::vector<std::uint32_t> firstEdge{0};  // of each ring
-    for (const RingSpan& ring : input.rings()) firstEdge.push_back(firstEdge.back() + static_cast<std::uint32_t>(ring.size()));
-    region.source_offsets_.assign(1, 0);
-    region.source_offsets_.insert(region.source_offsets_.end(), flat.sourceEnds.begin(), flat.sourceEnds.end());
-    for (const zbr::FlatSource& s : flat.sources) {
-      const auto ring =
-          static_cast<std::size_t>(std::upper_bound(firstEdge.begin(), firstEdge.end(), s.edge) - firstEdge.begin()) - 1;
-      const std::size_t operand = input.OperandOf(ring);
-      const std::size_t firstRing = operand == 0 ? 0 : input.end(operand - 1);
-      region.sources_.push_back({static_cast<std::int32_t>(operand), static_cast<std::int32_t>(ring - firstRing),
-                                 static_cast<std::int32_t>(s.edge - firstEdge[ring]), s.t0, s.t1});
-    }
-  }
+  Append(region, std::move(flat), input, options);
   if (options.canonical) Canonicalize(region);
 }
 

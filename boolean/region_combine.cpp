@@ -2,11 +2,12 @@
 //
 // Operands in general position, which are simple rings that keep apart and meet those of the other operand in the middle of edges
 // only, are walked along their crossings. All others go through the exact arrangement. So results are valid polygons in either
-// case.
+// case. Where the rings fall into clusters that keep apart, only those clusters are arranged that can't be walked.
 #include <algorithm>
 
 #include <zbr/region.h>
 
+#include "boolean/clusters.h"
 #include "boolean/exact_loops.h"
 #include "boolean/region_input.h"
 #include "boolean/region_walk.h"
@@ -16,12 +17,12 @@ namespace {
 
 // All results by walking, unless one of them is not certain; then they hold nothing of use. A result may be the owner of an
 // operand's arrays, so that those of several operations are formed before the first is handed over.
-bool Walk(RegionWalk& walk, const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* results, int count) {
+bool Walk(RegionWalk& walk, const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results) {
   if (!walk.Prepare(input)) return false;
-  if (count == 1) return walk.Combine(ops[0], results[0]);
-  std::vector<ZBR_REGION> formed(static_cast<std::size_t>(count));
-  for (int k = 0; k < count; ++k) {
-    if (!walk.Combine(ops[k], formed[static_cast<std::size_t>(k)])) return false;
+  if (ops.size() == 1) return walk.Combine(ops[0], results[0]);
+  std::vector<ZBR_REGION> formed(ops.size());
+  for (std::size_t k = 0; k < ops.size(); ++k) {
+    if (!walk.Combine(ops[k], formed[k])) return false;
   }
   std::move(formed.begin(), formed.end(), results);
   return true;
@@ -33,44 +34,79 @@ bool IsWalkable(const ZBR_REGION_OPTIONS& options) {
          !(options.tolerance > 0.0);
 }
 
-void Arrange(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* results, int count,
+// Appends what the arrangement gives.
+void Arrange(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, std::vector<ZBR_REGION>& results,
              const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status, RegionProgress& progress) {
+  if (input.rings().empty()) return;
   const double tolerance = input.ToleranceFor(options);
   const Overlay overlay(input.rings(), input.end(0), tolerance, tolerance);
   status.exact = true;
-  std::vector<FlatRegion> flat;
-  for (int k = 0; k < count; ++k) {
+  for (std::size_t k = 0; k < ops.size(); ++k) {
     constexpr double kShareOfSearch = 0.6;
-    if (!progress.GoesOn(kShareOfSearch + (1.0 - kShareOfSearch) * k / count)) return;
+    const double share = static_cast<double>(k) / static_cast<double>(ops.size());
+    if (!progress.GoesOn(kShareOfSearch + (1.0 - kShareOfSearch) * share)) return;
     const ZBR_BOOLEAN_OPE op = ops[k];
-    flat.push_back(overlay.Region(
-        [&](Winding w) { return IsInResult(op, IsFilled(options.fill_a, w.of[0]), IsFilled(options.fill_b, w.of[1])); },
-        options.sources));
+    const auto isInside = [&](Winding w) {
+      return IsInResult(op, IsFilled(options.fill_a, w.of[0]), IsFilled(options.fill_b, w.of[1]));
+    };
+    ZBR_REGION_ACCESS::Append(results[k], overlay.Region(isInside, options.sources), input, options);
   }
-  for (int k = 0; k < count; ++k) ZBR_REGION_ACCESS::Set(results[k], std::move(flat[static_cast<std::size_t>(k)]), input, options);
 }
 
-// What a call for one pair works with, kept for the next pair.
-struct PairWork {
-  RegionInput input;
-  RegionWalk walk;
+// Nothing that lies farther apart is near for the walk.
+double ClusterMargin(const WalkScale& scale) {
+  constexpr double kTolerances = 16.0;
+  return kTolerances * scale.eps;
+}
+
+// What calls for one pair work with, kept for the next pair.
+class PairWork {
+ public:
+  ZBR_REGION_STATUS Combine(const ZBR_REGION_VIEW& a, const ZBR_REGION_VIEW& b, std::span<const ZBR_BOOLEAN_OPE> ops,
+                            ZBR_REGION* results, const ZBR_REGION_OPTIONS& options) {
+    ZBR_REGION_STATUS status;
+    RegionProgress progress(options, status);
+    input_.Clear();
+    bool isDone = !input_.Add(a, status) || !input_.Add(b, status) || !progress.GoesOn(0.0);
+    if (!isDone && IsWalkable(options)) isDone = Walk(walk_, input_, ops, results);
+    if (!isDone) CombineByParts(ops, results, options, status, progress);
+    for (std::size_t k = 0; k < ops.size(); ++k) {
+      if (status.code != ZBR_REGION_OK) {
+        results[k].Clear();
+      } else if (options.canonical) {
+        ZBR_REGION_ACCESS::Canonicalize(results[k]);
+      }
+    }
+    return status;
+  }
+
+ private:
+  // Clusters that can be walked, and the rest through the arrangement. The walk has failed for all of them together.
+  void CombineByParts(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
+                      ZBR_REGION_STATUS& status, RegionProgress& progress) {
+    std::vector<ZBR_REGION> formed(ops.size());  // a result may own an operand's arrays
+    const WalkScale scale(input_.bounds());
+    if (!IsWalkable(options) || !scale.isUsable || input_.rings().size() < 2) {
+      Arrange(input_, ops, formed, options, status, progress);
+    } else {
+      const Clusters clusters(input_.boxes(), ClusterMargin(scale));
+      std::vector<ZBR_REGION> walked(ops.size());
+      const auto tryWalk = [&](const std::vector<std::uint32_t>& items) {
+        part_.Choose(input_, items);
+        if (!Walk(walk_, part_, ops, walked.data())) return false;
+        for (std::size_t k = 0; k < ops.size(); ++k) ZBR_REGION_ACCESS::Append(formed[k], walked[k]);
+        return true;
+      };
+      part_.Choose(input_, ClusterSearch(clusters, tryWalk).Run());
+      Arrange(part_, ops, formed, options, status, progress);
+    }
+    if (status.code == ZBR_REGION_OK) std::move(formed.begin(), formed.end(), results);
+  }
+
+  RegionInput input_;
+  RegionInput part_;
+  RegionWalk walk_;
 };
-
-ZBR_REGION_STATUS CombinePair(PairWork& work, const ZBR_REGION_VIEW& a, const ZBR_REGION_VIEW& b, const ZBR_BOOLEAN_OPE* ops,
-                              ZBR_REGION* results, int count, const ZBR_REGION_OPTIONS& options) {
-  ZBR_REGION_STATUS status;
-  RegionProgress progress(options, status);
-  work.input.Clear();
-  bool isDone = !work.input.Add(a, status) || !work.input.Add(b, status) || !progress.GoesOn(0.0);
-  if (!isDone && IsWalkable(options)) {
-    isDone = Walk(work.walk, work.input, ops, results, count);
-    for (int k = 0; isDone && options.canonical && k < count; ++k) ZBR_REGION_ACCESS::Canonicalize(results[k]);
-  }
-  if (!isDone) Arrange(work.input, ops, results, count, options, status, progress);
-  if (status.code == ZBR_REGION_OK) return status;
-  for (int k = 0; k < count; ++k) results[k].Clear();
-  return status;
-}
 
 }  // namespace
 }  // namespace zbr
@@ -78,8 +114,7 @@ ZBR_REGION_STATUS CombinePair(PairWork& work, const ZBR_REGION_VIEW& a, const ZB
 ZBR_REGION_STATUS zbrCombineRegions(const ZBR_REGION_VIEW& a, const ZBR_REGION_VIEW& b, const ZBR_BOOLEAN_OPE* ops,
                                     ZBR_REGION* results, int count, const ZBR_REGION_OPTIONS& options) {
   if (count <= 0) return {};
-  zbr::PairWork work;
-  return zbr::CombinePair(work, a, b, ops, results, count, options);
+  return zbr::PairWork().Combine(a, b, {ops, static_cast<std::size_t>(count)}, results, options);
 }
 
 ZBR_REGION zbrCombineRegions(const ZBR_REGION& a, const ZBR_REGION& b, ZBR_BOOLEAN_OPE op, const ZBR_REGION_OPTIONS& options) {
@@ -93,7 +128,7 @@ ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGI
   ZBR_REGION_STATUS status;
   zbr::PairWork work;
   for (std::size_t i = 0; i < count; ++i) {
-    const ZBR_REGION_STATUS one = zbr::CombinePair(work, a[i], b[i], &op, &results[i], 1, options);
+    const ZBR_REGION_STATUS one = work.Combine(a[i], b[i], {&op, 1}, &results[i], options);
     if (one.code == ZBR_REGION_STOPPED) {
       for (std::size_t k = i; k < count; ++k) results[k].Clear();
       return one;

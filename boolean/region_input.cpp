@@ -41,6 +41,19 @@ void RegionInput::Clear() {
   points_ = 0;
 }
 
+void RegionInput::Choose(const RegionInput& all, std::span<const std::uint32_t> rings) {
+  Clear();
+  bounds_ = all.bounds_;
+  std::size_t first = 0;  // ring of the second operand
+  for (const std::uint32_t r : rings) {
+    first += r < all.end(0) ? 1 : 0;
+    rings_.push_back(all.rings_[r]);
+    boxes_.push_back(all.boxes_[r]);
+    points_ += all.rings_[r].size();
+  }
+  ends_ = {first, rings_.size()};
+}
+
 bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
   status.operand = static_cast<std::int32_t>(ends_.size());
   constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());

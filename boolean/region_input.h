@@ -20,9 +20,12 @@ class RegionInput {
   // Appends the rings of an operand. False, with the status telling the place, when the arrays are faulty.
   bool Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status);
 
+  // Becomes some rings of two operands, whose numbers ascend, with the bounds and so the tolerance of all.
+  void Choose(const RegionInput& all, std::span<const std::uint32_t> rings);
+
   const std::vector<RingSpan>& rings() const { return rings_; }
-  // Of a ring, by its number among all.
-  const Box& box(std::size_t ring) const { return boxes_[ring]; }
+  // By ring, counted through all operands.
+  std::span<const Box> boxes() const { return boxes_; }
   // The rings of an operand, in the order of Add.
   std::span<const RingSpan> operand(std::size_t i) const {
     const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
@@ -84,7 +87,9 @@ class RegionProgress {
 // Fills regions from inside.
 class ZBR_REGION_ACCESS {
  public:
-  // Sources name edges through all rings of the input.
+  // Appends polygons. Sources name edges through all rings of the input.
+  static void Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
+  // The same in place of what there was, and in canonical order when that is asked for.
   static void Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
   // The region's lists, for whoever fills them.
   struct Lists {
@@ -101,6 +106,7 @@ class ZBR_REGION_ACCESS {
     region.source_offsets_.clear();
     return {region.points_, region.ring_offsets_, region.polygon_offsets_};
   }
+  static void Append(ZBR_REGION& region, const ZBR_REGION& more);
   // Appends the polygon of a nested loop.
   static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer) {
     AddLoop(region, outer);

@@ -1,95 +1,22 @@
 // What several regions cover, and repair of one.
 //
 // Idea: regions that are valid, their outer rings counter-clockwise and their holes clockwise, wind once around what they cover. So
-// each is made valid by itself, which costs nothing for a ring that is simple, and then all are arranged at once: the winding
-// number of a place is the number of regions that cover it.
+// each is made valid by itself, which costs nothing for a ring that is simple, and then the winding number of a place is the number
+// of regions that cover it. Their union is walked along crossings where these are certain; otherwise all are arranged at once.
 #include <algorithm>
+#include <optional>
 
 #include <zbr/region.h>
 
+#include "boolean/counted_rings.h"
 #include "boolean/region_input.h"
+#include "boolean/union_walk.h"
 #include "core/box_tree.h"
 #include "core/rings.h"
-#include "core/tolerance_state.h"
-#include "loops/edge_index.h"
-#include "loops/simplicity.h"
+#include "loops/nesting.h"
 
 namespace zbr {
 namespace {
-
-bool IsSimpleRing(RingSpan ring, double tolerance) {
-  if (ring.size() < 3) return false;
-  const ToleranceScope scope(tolerance);
-  const auto n = static_cast<std::uint32_t>(ring.size());
-  EdgeIndex index;
-  index.Build({{BoxOfRing(ring), ring.data(), n, 0, n, 0, false}}, 0.0, tolerance * tolerance);
-  return SimplicityOf(index, 0.0) == Simplicity::kSimple;
-}
-
-// The rings of all regions as they are to be counted, with their sources in the rings that were given.
-class CountedRings {
- public:
-  CountedRings(double tolerance, ZBR_FILL_RULE rule, bool withSources)
-      : tolerance_(tolerance), rule_(rule), withSources_(withSources) {}
-
-  void Add(std::span<const RingSpan> rings) {
-    if (rings.size() == 1 && IsSimpleRing(rings[0], tolerance_)) {
-      AddSimple(rings[0]);
-    } else if (!rings.empty()) {
-      const Overlay overlay(rings, rings.size(), tolerance_, tolerance_);
-      AddFlat(overlay.Region([this](Winding w) { return IsFilled(rule_, w.of[0]); }, withSources_));
-    }
-    for (const RingSpan& ring : rings) firstEdge_ += static_cast<std::uint32_t>(ring.size());
-    ends_.push_back(static_cast<std::uint32_t>(region_.ringEnds.size()));
-  }
-
-  const FlatRegion& region() const { return region_; }
-  // By region that was added: the end of its rings.
-  const std::vector<std::uint32_t>& ends() const { return ends_; }
-
- private:
-  void EndRing() { region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size())); }
-
-  void AddSource(const FlatSource& source) { region_.sources.push_back(source); }
-  void EndEdge() { region_.sourceEnds.push_back(static_cast<std::uint32_t>(region_.sources.size())); }
-
-  void AddSimple(RingSpan ring) {
-    const bool isPositive = TwiceArea(ring) > 0.0;
-    if (!IsFilled(rule_, isPositive ? 1 : -1)) return;
-    const auto n = static_cast<std::uint32_t>(ring.size());
-    for (std::uint32_t i = 0; i < n; ++i) {
-      region_.points.push_back(ring[isPositive ? i : n - 1 - i]);
-      if (!withSources_) continue;
-      AddSource(isPositive ? FlatSource{firstEdge_ + i, 0.0, 1.0} : FlatSource{firstEdge_ + (2 * n - 2 - i) % n, 1.0, 0.0});
-      EndEdge();
-    }
-    EndRing();
-  }
-
-  void AddFlat(const FlatRegion& flat) {
-    std::uint32_t point = 0;
-    std::uint32_t source = 0;
-    for (const std::uint32_t end : flat.ringEnds) {
-      for (; point < end; ++point) {
-        region_.points.push_back(flat.points[point]);
-        if (!withSources_) continue;
-        for (; source < flat.sourceEnds[point]; ++source) {
-          const FlatSource& s = flat.sources[source];
-          AddSource({firstEdge_ + s.edge, s.t0, s.t1});
-        }
-        EndEdge();
-      }
-      EndRing();
-    }
-  }
-
-  double tolerance_;
-  ZBR_FILL_RULE rule_;
-  bool withSources_;
-  std::uint32_t firstEdge_ = 0;  // of the next region
-  FlatRegion region_;
-  std::vector<std::uint32_t> ends_;
-};
 
 // Appends rings of one region, with their sources, to another.
 void AppendRings(const FlatRegion& from, std::uint32_t firstRing, std::uint32_t lastRing, FlatRegion& to) {
@@ -115,41 +42,127 @@ FlatRegion CoverOf(const FlatRegion& counted, int times, double tolerance) {
   return region;
 }
 
-// The union of many, neighbours first: what lies inside the union of a few goes at once and is not crossed with all the others, and
-// a few fit in the cache.
-FlatRegion UnionOf(const CountedRings& counted, double tolerance) {
-  constexpr std::size_t kTogether = 200;
-  const FlatRegion& all = counted.region();
-  const std::vector<std::uint32_t>& ends = counted.ends();
-  const auto begin = [&](std::uint32_t i) { return i == 0 ? 0 : ends[i - 1]; };
-  std::vector<ZBR_PT> centres;
-  for (std::uint32_t i = 0; i < ends.size(); ++i) {
-    Box box;
-    for (std::uint32_t r = begin(i); r < ends[i]; ++r) box.Add(BoxOfRing(all.Ring(r)));
-    centres.push_back(begin(i) == ends[i] ? ZBR_PT() : box.Center());
+// Puts holes, which are clockwise, to the outer rings that they lie in. Nothing when some lies in none.
+std::optional<FlatRegion> PolygonsOf(const FlatRegion& flat, double tolerance) {
+  const std::vector<RingSpan> rings = flat.Rings();
+  const NestedRings nested(rings, tolerance);
+  std::vector<bool> isHole;
+  for (const RingSpan& ring : rings) isHole.push_back(TwiceArea(ring) < 0.0);
+  std::vector<std::vector<std::uint32_t>> holes(rings.size());
+  for (std::size_t k = 0; k < rings.size(); ++k) {
+    if (!isHole[nested.order[k]]) continue;
+    if (nested.parents[k] == kNoParent || isHole[nested.order[nested.parents[k]]]) return std::nullopt;
+    holes[nested.order[nested.parents[k]]].push_back(nested.order[k]);
   }
-  const std::vector<std::uint32_t> order = SpatialOrder(centres);
-  std::vector<FlatRegion> parts;
-  for (std::size_t first = 0; first < order.size(); first += kTogether) {
-    FlatRegion group;
-    for (std::size_t k = first; k < std::min(first + kTogether, order.size()); ++k)
-      AppendRings(all, begin(order[k]), ends[order[k]], group);
-    parts.push_back(CoverOf(group, 1, tolerance));
+  FlatRegion region;
+  for (std::uint32_t r = 0; r < rings.size(); ++r) {
+    if (isHole[r]) continue;
+    AppendRings(flat, r, r + 1, region);
+    for (const std::uint32_t hole : holes[r]) AppendRings(flat, hole, hole + 1, region);
+    region.polygonEnds.push_back(static_cast<std::uint32_t>(region.ringEnds.size()));
   }
-  while (parts.size() > 1) {
-    constexpr std::size_t kPartsTogether = 64;
-    std::vector<FlatRegion> united;
-    for (std::size_t first = 0; first < parts.size(); first += kPartsTogether) {
-      FlatRegion group;
-      for (std::size_t k = first; k < std::min(first + kPartsTogether, parts.size()); ++k) {
-        AppendRings(parts[k], 0, static_cast<std::uint32_t>(parts[k].ringEnds.size()), group);
-      }
-      united.push_back(CoverOf(group, 1, tolerance));
-    }
-    parts = std::move(united);
-  }
-  return parts.empty() ? FlatRegion() : std::move(parts.front());
+  return region;
 }
+
+// The union of many, neighbours first: what lies inside the union of a few goes at once and is not crossed with all the others, a
+// few fit in the cache, and where one crossing is not certain only these few are arranged.
+class ManyUnited {
+ public:
+  ManyUnited(const CountedRings& counted, double tolerance, RegionProgress& progress)
+      : counted_(counted), tolerance_(tolerance), progress_(progress) {}
+
+  // Nothing when the caller stopped it.
+  std::optional<FlatRegion> Run() {
+    std::vector<Part> parts = UniteNeighbours();
+    for (double share = 0.7; parts.size() > 1 && !isStopped_; share += 0.5 * (1.0 - share)) {
+      constexpr std::size_t kPartsTogether = 64;
+      std::vector<Part> united;
+      for (std::size_t first = 0; first < parts.size(); first += kPartsTogether) {
+        Group group;
+        for (std::size_t k = first; k < std::min(first + kPartsTogether, parts.size()); ++k) {
+          group.Add(parts[k].rings, 0, static_cast<std::uint32_t>(parts[k].rings.ringEnds.size()), parts[k].areApart);
+        }
+        united.push_back(United(group, share));
+      }
+      parts = std::move(united);
+    }
+    if (isStopped_) return std::nullopt;
+    if (parts.empty()) return FlatRegion();
+    if (parts.front().wasArranged) return std::move(parts.front().rings);
+    std::optional<FlatRegion> region = PolygonsOf(parts.front().rings, tolerance_);
+    if (region) return region;
+    wasExact_ = true;
+    return CoverOf(parts.front().rings, 1, tolerance_);
+  }
+  bool WasExact() const { return wasExact_; }
+
+ private:
+  // What some regions cover. Walked rings are apart, but are no polygons yet.
+  struct Part {
+    FlatRegion rings;
+    bool wasArranged = false;
+    bool areApart = true;
+  };
+
+  struct Group {
+    FlatRegion rings;
+    std::vector<std::uint32_t> ends;
+    bool areApart = true;
+
+    void Add(const FlatRegion& from, std::uint32_t first, std::uint32_t last, bool isApart) {
+      AppendRings(from, first, last, rings);
+      ends.push_back(static_cast<std::uint32_t>(rings.ringEnds.size()));
+      areApart = areApart && isApart;
+    }
+  };
+
+  std::vector<Part> UniteNeighbours() {
+    constexpr std::size_t kTogether = 200;
+    const FlatRegion& all = counted_.region();
+    const std::vector<std::uint32_t>& ends = counted_.ends();
+    const auto begin = [&](std::uint32_t i) { return i == 0 ? 0 : ends[i - 1]; };
+    std::vector<ZBR_PT> centres;
+    for (std::uint32_t i = 0; i < ends.size(); ++i) {
+      Box box;
+      for (std::uint32_t r = begin(i); r < ends[i]; ++r) box.Add(BoxOfRing(all.Ring(r)));
+      centres.push_back(begin(i) == ends[i] ? ZBR_PT() : box.Center());
+    }
+    const std::vector<std::uint32_t> order = SpatialOrder(centres);
+    std::vector<Part> parts;
+    for (std::size_t first = 0; first < order.size() && !isStopped_; first += kTogether) {
+      Group group;
+      for (std::size_t k = first; k < std::min(first + kTogether, order.size()); ++k)
+        group.Add(all, begin(order[k]), ends[order[k]], counted_.AreApart(order[k]));
+      parts.push_back(United(group, 0.4 + 0.3 * static_cast<double>(first) / static_cast<double>(order.size())));
+    }
+    return parts;
+  }
+
+  Part United(const Group& group, double share) {
+    isStopped_ = isStopped_ || !progress_.GoesOn(share);
+    Part part;
+    if (isStopped_) return part;
+    const bool withSources = !group.rings.sourceEnds.empty();
+    std::optional<FlatRegion> walked;
+    if (group.areApart) walked = WalkUnion({group.rings, group.ends}, tolerance_, withSources);
+    if (walked) {
+      if (withSources) TraceBack(group.rings, *walked);
+      part.rings = std::move(*walked);
+    } else {
+      wasExact_ = true;
+      part.wasArranged = true;
+      part.rings = CoverOf(group.rings, 1, tolerance_);
+      part.areApart = AreSimple(part.rings.Rings(), tolerance_);
+    }
+    return part;
+  }
+
+  const CountedRings& counted_;
+  double tolerance_;
+  RegionProgress& progress_;
+  bool isStopped_ = false;
+  bool wasExact_ = false;
+};
 
 void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status,
            RegionProgress& progress) {
@@ -162,9 +175,10 @@ void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_RE
     const double share = kShareOfCounting * static_cast<double>(i) / static_cast<double>(input.operands());
     if (i % kEvery == 0 && !progress.GoesOn(share)) return;
   }
-  status.exact = true;
-  FlatRegion flat = times == 1 ? UnionOf(counted, tolerance) : CoverOf(counted.region(), times, tolerance);
-  ZBR_REGION_ACCESS::Set(result, std::move(flat), input, options);
+  ManyUnited many(counted, tolerance, progress);
+  std::optional<FlatRegion> flat = times == 1 ? many.Run() : CoverOf(counted.region(), times, tolerance);
+  status.exact = times != 1 || many.WasExact() || counted.WasExact();
+  if (flat) ZBR_REGION_ACCESS::Set(result, std::move(*flat), input, options);
 }
 
 }  // namespace

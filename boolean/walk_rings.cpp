@@ -35,7 +35,7 @@ bool WalkRings::Load(const RegionInput& input, const WalkScale& scale) {
     for (RingSpan points : input.operand(static_cast<std::size_t>(side))) {
       while (points.size() > 1 && points.back().Distance2(points.front()) <= eps2) points = points.first(points.size() - 1);
       if (points.size() < 3) return false;
-      rings_.push_back({points, input.box(rings_.size()), edges_[side], 0.0, false, false, false});
+      rings_.push_back({points, input.boxes()[rings_.size()], edges_[side], 0.0, false, false, false});
       edges_[side] += rings_.back().size();
     }
     if (side == 0) countA_ = static_cast<std::uint32_t>(rings_.size());

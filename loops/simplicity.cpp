@@ -59,12 +59,16 @@ class SelfSearch {
   ZBR_PT Neighbour(const IndexedRing& ring, std::uint32_t vertex, bool forward) const;
   bool PassThrough(const ZBR_PT& prev, const ZBR_PT& at, const ZBR_PT& next, const ZBR_PT& arm1, const ZBR_PT& arm2) const;
 
+  // Where more touch than this, many rings share a corner, every two of them. What passes through what there is not looked at.
+  static constexpr std::size_t kTouchingsPerLeaf = 256;
+
   const EdgeIndex& index_;
   double eps2_;
   double on_;
   double near_;
   double room_;  // by which a box is widened so that it meets the boxes of what is near; their margins are taken off
   bool touches_ = false;
+  std::size_t touchings_ = 0;  // pairs of edges that touch
 };
 
 // The edges of a leaf that come near the box, without those that are no longer than the tolerance.
@@ -170,6 +174,7 @@ bool SelfSearch::IsNearEdge(const ZBR_PT& p, const Edge& e) const {
 }
 
 bool SelfSearch::IsPairUnclear(const Edge& a, const Edge& b) {
+  ZBR_COUNT(pairs, 1);
   const auto sides = [](const Edge& e, const Edge& f) {
     const ZBR_PT d = e.to - e.from;
     return std::pair(Cross(d, f.from - e.from), Cross(d, f.to - e.from));
@@ -188,6 +193,7 @@ bool SelfSearch::IsPairUnclear(const Edge& a, const Edge& b) {
     return differ(ofA) && differ(ofB);
   }
   touches_ = true;
+  if (++touchings_ > kTouchingsPerLeaf * index_.tree().Count(0)) return true;
   return (nearEnds[0] && IsEndUnclear(a, false, b)) || (nearEnds[1] && IsEndUnclear(a, true, b)) ||
          (nearEnds[2] && IsEndUnclear(b, false, a)) || (nearEnds[3] && IsEndUnclear(b, true, a));
 }

@@ -120,6 +120,75 @@ TEST_P(RegionOfFamilies, BatchesAndOrderChangeNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Families, RegionOfFamilies, testing::ValuesIn(RegionFamilies()), testing::PrintToStringParamName());
 
+// Parts that keep apart, some of them with faults of different kinds: what one part is, must not depend on the others.
+TEST(Region, PartsAreCombinedApart) {
+  std::mt19937_64 random(7);
+  for (int seed = 0; seed < Scaled(20); ++seed) {
+    std::vector<Ring> a, b;
+    for (int k = 0; k < 40; ++k) {
+      const double x = 10.0 * (k % 7), y = 10.0 * (k / 7);
+      a.push_back(Square(x, y, 5));
+      b.push_back(Square(x + 3.0, y + 1.5 * (k % 3), 4));
+      if (random() % 40 != 0) continue;
+      const double twist = random() % 2 == 0 ? 5.0 : 1e-10;
+      a.push_back({{x, y + 5}, {x + 4, y + 5 + twist}, {x + 4, y + 5}, {x, y + 5 + twist}});
+    }
+    const RegionJudge judge(a, b);
+    for (const ZBR_BOOLEAN_OPE op : kOps) {
+      const ZBR_REGION region = zbrCombineRegions(RegionOf(a), RegionOf(b), op);
+      EXPECT_FALSE(judge.IsWrong(judge.Judge(op, RingsOf(region)), 1e-9)) << "seed " << seed << " operation " << op;
+      LoopList loops;
+      zbrBooleanLoops(MakeLoops(a), MakeLoops(b), op, loops);
+      EXPECT_FALSE(judge.IsWrong(judge.Judge(op, RingsOf(loops)), 1e-8)) << "seed " << seed << " operation " << op;
+    }
+  }
+}
+
+// Many regions with holes, in general position but for some seeds, that are walked but for the groups with a contact. What they
+// cover is judged by winding numbers; the edges lie on those that they name.
+TEST(Region, UnionOfMany) {
+  int walked = 0;
+  for (int seed = 0; seed < Scaled(30); ++seed) {
+    std::mt19937_64 random(static_cast<std::uint64_t>(seed));
+    std::uniform_real_distribution<double> place(0.0, 40.0), size(0.5, 5.0);
+    std::vector<ZBR_REGION> regions;
+    std::vector<Ring> all;
+    for (int k = 0; k < (seed % 3 == 0 ? 450 : 60); ++k) {
+      const ZBR_PT at = seed % 2 == 0 || k % 20 != 19 ? ZBR_PT(place(random), place(random)) : all.back()[0];
+      const double radius = size(random);
+      ZBR_REGION& region = regions.emplace_back();
+      for (const double share : {1.0, k % 3 == 0 ? 0.6 : 0.0}) {
+        Ring& ring = all.emplace_back();
+        for (int i = 0; i < 12; ++i) {
+          const double angle = (share == 1.0 ? 1 : -1) * (i + radius) * std::acos(-1.0) / 6.0;
+          ring.push_back(at + ZBR_PT(std::cos(angle), std::sin(angle)) * (share * radius * (i % 2 == 0 ? 1.0 : 0.9)));
+        }
+        if (share == 0.0) {
+          all.pop_back();
+        } else {
+          region.AddRing(ring, share == 1.0);
+        }
+      }
+    }
+    ZBR_REGION_OPTIONS options;
+    options.sources = true;
+    std::vector<ZBR_REGION_VIEW> views;
+    for (const ZBR_REGION& region : regions) views.push_back(region.view());
+    ZBR_REGION united;
+    walked += zbrCoverRegions(views.data(), views.size(), 1, united, options).exact ? 0 : 1;
+    const RegionJudge judge(all, {}, kFillPositive);
+    ASSERT_FALSE(judge.IsWrong(judge.Judge(ZBR_BOOL_OR, RingsOf(united)), 1e-9)) << "seed " << seed;
+    ASSERT_EQ(zbrUniteRegions(regions), united);
+    std::size_t point = 0;
+    ForEachEdge(RingsOf(united), [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+      const ZBR_EDGE_SOURCE& s = united.sources().at(static_cast<std::size_t>(united.source_offsets()[point++]));
+      const std::vector<Ring> rings = RingsOf(regions.at(static_cast<std::size_t>(s.operand)));
+      ASSERT_LE(At(rings, s, s.t0).Distance(p) + At(rings, s, s.t1).Distance(q), 1e-9) << "seed " << seed;
+    });
+  }
+  EXPECT_GT(walked, Scaled(30) / 4);
+}
+
 TEST(Region, SimplifiesAndNests) {
   ZBR_REGION simple;
   const Ring dented = {{0, 0}, {2, 1e-4}, {4, 0}, {4, 4}, {0, 4}, {0, 2}};

@@ -118,6 +118,30 @@ void HiddenLines(int n) {
   zbr::t_cost.pairs += shell.pairs_tried;
 }
 
+ZBR_REGION RegionFor(const std::vector<Ring>& rings) {
+  ZBR_REGION region;
+  for (const Ring& ring : rings) region.AddRing(ring);
+  return region;
+}
+
+void Copies(int n) {  // one ring many times
+  zbrCombineRegions(RegionFor(std::vector<Ring>(static_cast<std::size_t>(n), Square(0, 0, 4))), RegionFor({Square(1, 1, 4)}),
+                    ZBR_BOOL_OR);
+}
+
+void CopiesUnited(int n) {
+  zbrUniteRegions(std::vector<ZBR_REGION>(static_cast<std::size_t>(n), RegionFor({Square(0, 0, 4)})));
+}
+
+void Crowd(int n) {  // vertices by the thousand within one tolerance
+  Ring ring = {{0, 0}, {4, 0}};
+  for (int k = 0; k < n; ++k) ring.emplace_back(4.0 + 1e-4 * std::cos(k), 2.0 + 1e-4 * std::sin(2 * k));
+  ring.emplace_back(0, 4);
+  ZBR_REGION_OPTIONS options;
+  options.tolerance = 1e-2;
+  zbrCombineRegions(RegionFor({ring}), RegionFor({Square(1, 1, 1)}), ZBR_BOOL_OR, options);
+}
+
 class CostOf : public testing::TestWithParam<Family> {};
 
 TEST_P(CostOf, GrowsWithTheInput) {
@@ -137,10 +161,37 @@ TEST_P(CostOf, GrowsWithTheInput) {
   EXPECT_GT(costs[0].nodes + costs[0].pairs, static_cast<std::uint64_t>(GetParam().small)) << "nothing was counted";
 }
 
+// A thousand parts; where one of them has to be arranged, the others must not be.
+TEST(Cost, OneBadPartLeavesTheOthersToTheWalk) {
+  const std::vector<Ring> b = Grid(32, 4.0, 2.0);
+  std::vector<Ring> a = Grid(32, 4.0, 3.0);
+  for (Ring& ring : a) ring.emplace_back(ring[0] + ZBR_PT(-0.5, 1.0));
+  for (Ring& ring : a)
+    for (ZBR_PT& p : ring) p = p + ZBR_PT(0.7, 0.6);
+  double costs[2][2] = {};
+  for (const int bad : {0, 1}) {
+    if (bad == 1) a.push_back({a[500][0], a[500][0] + ZBR_PT(1, 1), a[500][0] + ZBR_PT(1, 0), a[500][0] + ZBR_PT(0, 1)});
+    zbr::t_cost = {};
+    zbrCombineRegions(RegionFor(a), RegionFor(b), ZBR_BOOL_OR);
+    costs[0][bad] = static_cast<double>(zbr::t_cost.nodes + zbr::t_cost.pairs);
+    const LoopList loopsA = MakeLoops(a), loopsB = MakeLoops(b);
+    zbr::t_cost = {};
+    LoopList result;
+    zbrBooleanLoops(loopsA, loopsB, ZBR_BOOL_OR, result);
+    costs[1][bad] = static_cast<double>(zbr::t_cost.nodes + zbr::t_cost.pairs);
+  }
+  for (const auto& cost : costs) {
+    std::printf("[ counted  ] %10.0f %10.0f\n", cost[0], cost[1]);
+    EXPECT_LE(cost[1], 3.5 * cost[0]);  // for the walk that failed, one of the sixteenths, and the search for clusters
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Families, CostOf,
                          testing::Values(Family{"stars", Stars, 500}, Family{"combs", Combs, 500}, Family{"tiles", Tiles, 400},
                                          Family{"nest", NestSquares, 400}, Family{"locate", Locate, 500}, Family{"clip", Clip, 500},
-                                         Family{"outline", Outline, 400}, Family{"hidden", HiddenLines, 400}),
+                                         Family{"outline", Outline, 400}, Family{"hidden", HiddenLines, 400},
+                                         Family{"copies", Copies, 100}, Family{"copies_united", CopiesUnited, 400},
+                                         Family{"crowd", Crowd, 500}),
                          testing::PrintToStringParamName());
 
 }  // namespace

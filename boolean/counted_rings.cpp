@@ -1,0 +1,140 @@
+#include "boolean/counted_rings.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "arrangement/overlay.h"
+#include "boolean/polygons.h"
+#include "boolean/region_input.h"
+#include "core/constants.h"
+#include "core/tolerance_state.h"
+#include "loops/edge_index.h"
+#include "loops/nesting.h"
+#include "loops/simplicity.h"
+
+namespace zbr {
+namespace {
+
+// Whether the ring turns clearly to one side at every vertex, and once around: then its directions change from going right to going
+// left once and back once.
+bool IsConvex(RingSpan ring, double clear) {
+  ZBR_PT d = ring.front() - ring.back();
+  unsigned turns = 0;
+  unsigned changes = 0;
+  const auto goesLeft = [](const ZBR_PT& v) { return v.x() < 0.0 || (v.x() == 0.0 && v.y() < 0.0); };
+  for (std::size_t i = 0; i < ring.size(); ++i) {
+    const ZBR_PT e = ring[i + 1 < ring.size() ? i + 1 : 0] - ring[i];
+    const double turn = Cross(d, e);
+    if (!(std::fabs(turn) > clear * (std::fabs(d.x()) + std::fabs(d.y()) + std::fabs(e.x()) + std::fabs(e.y())))) return false;
+    turns |= turn > 0.0 ? 1U : 2U;
+    changes += goesLeft(d) != goesLeft(e) ? 1U : 0U;
+    d = e;
+  }
+  return turns != 3U && changes == 2U;
+}
+
+// Of rings that are simple and apart: which lie in an odd number of others.
+std::vector<bool> HolesAmong(std::span<const RingSpan> rings, double tolerance) {
+  std::vector<bool> isHole(rings.size(), false);
+  if (rings.size() == 1) return isHole;
+  const NestedRings nested(rings, tolerance);
+  for (std::size_t k = 0; k < nested.order.size(); ++k) {
+    if (nested.parents[k] != kNoParent) isHole[nested.order[k]] = !isHole[nested.order[nested.parents[k]]];
+  }
+  return isHole;
+}
+
+}  // namespace
+
+bool AreSimple(std::span<const RingSpan> rings, double tolerance) {
+  if (std::any_of(rings.begin(), rings.end(), [](const RingSpan& ring) { return ring.size() < 3; })) return false;
+  const ToleranceScope scope(tolerance);
+  if (rings.size() == 1 && IsConvex(rings[0], kSurelyOff * tolerance)) return true;
+  std::vector<IndexedRing> indexed;
+  for (const RingSpan& ring : rings) {
+    const auto n = static_cast<std::uint32_t>(ring.size());
+    indexed.push_back({BoxOfRing(ring), ring.data(), n, 0, n, 0, false});
+  }
+  EdgeIndex index;
+  index.Build(std::move(indexed), 0.0, tolerance * tolerance);
+  return SimplicityOf(index, 0.0) == Simplicity::kSimple;
+}
+
+NestedRings::NestedRings(std::span<const RingSpan> rings, double tolerance) : order(rings.size()) {
+  const ToleranceScope scope(tolerance);
+  LoopList loops;
+  for (const RingSpan& ring : rings) {
+    loops.push_back(LoopOf(ring, 0));
+    if (loops.back()->area() < 0.0) loops.back()->reverse();
+  }
+  std::iota(order.begin(), order.end(), 0U);
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::uint32_t i, std::uint32_t j) { return loops[i]->area() > loops[j]->area(); });
+  LoopList sorted;
+  for (const std::uint32_t r : order) sorted.push_back(loops[r]);
+  parents = NestLoops(sorted, tolerance);
+}
+
+void CountedRings::Add(std::span<const RingSpan> rings) {
+  bool areApart = true;
+  if (IsCountedSimply(rings) && AreSimple(rings, tolerance_)) {
+    AddSimple(rings);
+  } else if (!rings.empty()) {
+    const Overlay overlay(rings, rings.size(), tolerance_, tolerance_);
+    const FlatRegion flat = overlay.Region([this](Winding w) { return IsFilled(rule_, w.of[0]); }, withSources_);
+    areApart = AreSimple(flat.Rings(), tolerance_);
+    wasExact_ = true;
+    AddFlat(flat);
+  }
+  areApart_.push_back(areApart);
+  for (const RingSpan& ring : rings) firstEdge_ += static_cast<std::uint32_t>(ring.size());
+  ends_.push_back(static_cast<std::uint32_t>(region_.ringEnds.size()));
+}
+
+// Whether the rule asks no more of simple rings than how deep they are nested.
+bool CountedRings::IsCountedSimply(std::span<const RingSpan> rings) const {
+  return rings.size() == 1 || (rings.size() > 1 && rule_ == ZBR_FILL_EVEN_ODD);
+}
+
+// Rings that are simple and apart.
+void CountedRings::AddSimple(std::span<const RingSpan> rings) {
+  if (rings.size() == 1 && !IsFilled(rule_, TwiceArea(rings[0]) > 0.0 ? 1 : -1)) return;
+  std::uint32_t firstEdge = firstEdge_;
+  const std::vector<bool> isHole = HolesAmong(rings, tolerance_);
+  for (std::size_t r = 0; r < rings.size(); ++r) {
+    AddTurned(rings[r], !isHole[r], firstEdge);
+    firstEdge += static_cast<std::uint32_t>(rings[r].size());
+  }
+}
+
+void CountedRings::AddTurned(RingSpan ring, bool isCounterClockwise, std::uint32_t firstEdge) {
+  const bool isKept = (TwiceArea(ring) > 0.0) == isCounterClockwise;
+  const auto n = static_cast<std::uint32_t>(ring.size());
+  for (std::uint32_t i = 0; i < n; ++i) {
+    region_.points.push_back(ring[isKept ? i : n - 1 - i]);
+    if (!withSources_) continue;
+    AddSource(isKept ? FlatSource{firstEdge + i, 0.0, 1.0} : FlatSource{firstEdge + (2 * n - 2 - i) % n, 1.0, 0.0});
+    EndEdge();
+  }
+  EndRing();
+}
+
+void CountedRings::AddFlat(const FlatRegion& flat) {
+  std::uint32_t point = 0;
+  std::uint32_t source = 0;
+  for (const std::uint32_t end : flat.ringEnds) {
+    for (; point < end; ++point) {
+      region_.points.push_back(flat.points[point]);
+      if (!withSources_) continue;
+      for (; source < flat.sourceEnds[point]; ++source) {
+        const FlatSource& s = flat.sources[source];
+        AddSource({firstEdge_ + s.edge, s.t0, s.t1});
+      }
+      EndEdge();
+    }
+    EndRing();
+  }
+}
+
+}  // namespace zbr
