@@ -110,6 +110,8 @@ LoopList PartedLoops::Combine(ZBR_BOOLEAN_OPE op) {
     result.insert(result.end(), std::make_move_iterator(loops.begin()), std::make_move_iterator(loops.end()));
     wasExact_ = wasExact_ || part->WasExact();
   }
+  // An operand that has no area is passed on by the walk, which a part of one must not be.
+  std::erase_if(result, [](const auto& loop) { return WithinTol(loop->area(), t_tolerance.eps); });
   if (parts_.size() > 1) SortBySize(result);
   return result;
 }
