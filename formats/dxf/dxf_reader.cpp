@@ -1,214 +1,170 @@
-// Reads DXF. The groups are split and checked here, line by line; entities that can bound a region are then parsed by dxflib.
+// Reads DXF: tables for what is said of layers and line types, blocks, and the entities of the drawing.
 //
-// Why not hand the whole file to the parser: it tells no line numbers, takes what is not a number for some number, and trusts the
-// vertex count of a polyline. So each entity is first collected and checked as a whole, reduced to the codes that describe its
-// shape, and only then parsed.
-
+// What breaks a file (a group that is none, a number that is no number in an entity that is wanted, an end within a section) is an
+// error; an entity that is wrong in itself is left out, and noted. Sections may be missing, their ends repeated, and what old
+// programs left between them is passed over.
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/dxf.h>
 #include <zbr-formats/types.h>
 
-#include <dxflib/dl_dxf.h>
-
 #include <algorithm>
-#include <array>
-#include <set>
-#include <sstream>
+#include <string>
+#include <utility>
 
+#include "formats/dxf/dxf_contents.h"
 #include "formats/dxf/dxf_entities.h"
 #include "formats/dxf/dxf_groups.h"
+#include "formats/dxf/dxf_record.h"
 
 namespace zbr::formats {
 namespace {
 
-// 0 entity, 8 layer, 10-38 points, 39-59 radii, bulges and angles, 70 flags, 90 vertex count, 210-230 extrusion. Others (colours,
-// handles, text, data of other programs) say nothing about the shape.
-bool DescribesShape(int code) {
-  static constexpr std::array<int, 20> kCodes = {0, 8, 10, 11, 20, 21, 30, 31, 38, 40, 41, 42, 50, 51, 70, 71, 90, 210, 220, 230};
-  return std::binary_search(kCodes.begin(), kCodes.end(), code);
-}
-
 class DxfReader {
  public:
   DxfReader(std::string_view text, const std::string& file, Content content)
-      : groups_(text, file), file_(file), entities_(drawing_, content == Content::kLines) {
+      : groups_(text, file), keepsHeights_(content == Content::kLines) {
+    file_.name = file;
     drawing_.file = file;
     drawing_.joinsEnds = true;
-    std::istringstream none;
-    parser_.in(none, &entities_);  // sets the parser's state, which its constructor leaves open
+    record_.file = &file_;
   }
 
-  Drawing Read(std::string_view text) {
-    if (text.substr(0, 18) == "AutoCAD Binary DXF") FailAt(file_, 1, "binary DXF is not read; save it as ASCII DXF");
-    while (groups_.Next()) {
+  Drawing Read() {
+    bool hasSections = false, hasEnd = false;
+    while (!hasEnd && groups_.Next()) {
       const DxfGroup& group = groups_.group();
-      if (group.code == 999) continue;
-      if (group.code == 0 && group.value == "EOF") return Finish();
-      if (group.code != 0 || group.value != "SECTION") Fail(group.line, "a section expected, but found " + Quoted(group.value));
-      ReadSection(group.line);
+      if (group.Is(0, "SECTION")) {
+        hasSections = true;
+        ReadSection();
+      } else if (group.Is(0, "EOF")) {
+        hasEnd = true;
+      } else if (!hasSections && group.code != kComment) {
+        FailAt(file_.name, group.line, "a section expected, but found " + Quoted(group.text));
+      }
     }
-    Fail(groups_.group().line, "the file ends without EOF");
+    if (!hasEnd) FailAt(file_.name, std::max<std::size_t>(groups_.group().line, 1), "the file ends without EOF");
+    DropDrawnHatches(drawing_, UnfoldBlocks(std::move(contents_), blocks_, keepsHeights_, drawing_));
+    return std::move(drawing_);
   }
 
  private:
-  [[noreturn]] void Fail(std::size_t line, const std::string& cause) const { FailAt(file_, std::max<std::size_t>(line, 1), cause); }
+  static constexpr int kComment = 999;
+
+  void ReadSection() {
+    NextInSection();
+    const std::string name(groups_.group().code == 2 ? groups_.group().text : std::string_view());
+    if (name.empty()) FailAt(file_.name, groups_.group().line, "a section without a name");
+    // A table's record may follow at once.
+    if (name == "HEADER") return ReadHeader();
+    NextInSection();
+    while (!AtEndOfSection()) {
+      if (groups_.group().code != 0) {
+        NextInSection();
+        continue;
+      }
+      ReadRecord();
+      if (name == "TABLES") TakeTableRecord();
+      if (name == "BLOCKS") TakeBlockPart();
+      if (name == "ENTITIES") DxfEntities(contents_, *drawing_.names, keepsHeights_).Take(record_);
+    }
+  }
 
   void NextInSection() {
     const std::size_t last = groups_.group().line;
-    if (!groups_.Next()) Fail(last, "the file ends within a section");
+    if (!groups_.Next()) FailAt(file_.name, last, "the file ends within a section");
   }
 
-  void ReadSection(std::size_t start) {
-    NextInSection();
-    const std::string name(groups_.group().code == 2 ? groups_.group().value : "");
-    if (name.empty()) Fail(start, "a section without a name");
-    for (;;) {
-      NextInSection();
+  bool AtEndOfSection() const {
+    const DxfGroup& group = groups_.group();
+    if (group.Is(0, "SECTION") || group.Is(0, "EOF")) FailAt(file_.name, group.line, "the section before does not end");
+    return group.Is(0, "ENDSEC");
+  }
+
+  void ReadHeader() {
+    std::string_view variable;
+    for (NextInSection(); !AtEndOfSection(); NextInSection()) {
       const DxfGroup& group = groups_.group();
-      if (group.code == 0 && group.value == "ENDSEC") break;
-      if (group.code == 0 && (group.value == "SECTION" || group.value == "EOF")) {
-        Fail(group.line, "the section before does not end");
+      if (group.code == 9) variable = group.text;
+      // Versions are AC1009, AC1015 and so on; letters in their order, too.
+      if (variable == "$ACADVER" && group.code == 1) file_.isUtf8 = group.text >= std::string_view("AC1021");
+      if (variable == "$INSUNITS" && group.code == 70)
+        drawing_.units = static_cast<int>(std::clamp(record_.Integer(group), 0L, 1000L));
+    }
+  }
+
+  // The record that starts here, with the vertices of an old polyline; then the next one is the current group.
+  void ReadRecord() {
+    ReadGroups(record_);
+    record_.vertices.clear();
+    if (record_.kind != "POLYLINE") return;
+    while (groups_.group().Is(0, "VERTEX")) {
+      DxfRecord& vertex = record_.vertices.emplace_back();
+      vertex.file = &file_;
+      ReadGroups(vertex);
+    }
+    if (!groups_.group().Is(0, "SEQEND"))
+      FailAt(file_.name, groups_.group().line, "POLYLINE of line " + std::to_string(record_.line) + " lacks SEQEND");
+  }
+
+  void ReadGroups(DxfRecord& record) {
+    constexpr int kFirstOfApplications = 1000;
+    record.kind = groups_.group().text;
+    record.line = groups_.group().line;
+    record.groups.clear();
+    for (NextInSection(); groups_.group().code != 0; NextInSection()) {
+      if (groups_.group().code < kFirstOfApplications && groups_.group().code != kComment) record.groups.push_back(groups_.group());
+    }
+  }
+
+  void TakeTableRecord() {
+    constexpr long kFrozen = 1;
+    if (record_.kind == "LAYER") {
+      DrawingLayer& layer = drawing_.layers.emplace_back();
+      layer.name = record_.Name(2);
+      const auto colour = static_cast<int>(std::clamp(record_.Integer(62, 7), -256L, 256L));
+      layer.off = colour < 0;
+      layer.colour = std::abs(colour);
+      layer.frozen = (record_.Integer(70) & kFrozen) != 0;
+      if (record_.Has(6)) layer.lineType = record_.Name(6);
+      layer.lineWeight = static_cast<int>(std::clamp(record_.Integer(370, layer.lineWeight), -3L, 1000L));
+    } else if (record_.kind == "LTYPE") {
+      LineType& type = drawing_.lineTypes.emplace_back();
+      type.name = record_.Name(2);
+      type.description = record_.Name(3);
+      for (const DxfGroup& group : record_.groups) {
+        if (group.code == 49) type.pattern.push_back(record_.Real(group));
       }
-      if (name == "HEADER") HeaderGroup(group);
-      if (name == "ENTITIES") EntityGroup(group);
-    }
-    if (name == "ENTITIES") EndEntity(groups_.group().line);
-  }
-
-  void HeaderGroup(const DxfGroup& group) {
-    if (group.code == 9) variable_ = group.value;
-    if (group.code == 70 && variable_ == "$INSUNITS") {
-      chunk_ = "9\n$INSUNITS\n70\n" + std::string(group.value) + "\n";
-      chunkGroups_ = 2;
-      ParseChunk();
-      ClearChunk();
     }
   }
 
-  // Entities are collected up to the next one, polylines with vertices of their own up to the end of the sequence.
-  void EntityGroup(const DxfGroup& group) {
-    if (group.code == 0) {
-      if (entity_ == "POLYLINE" && (group.value == "VERTEX" || group.value == "SEQEND")) {
-        CheckPart();
-      } else {
-        EndEntity(group.line);
-        entity_ = group.value;
-        entityLine_ = group.line;
-        isTaken_ = RequiredDxfCodes(entity_) != nullptr && entity_ != "VERTEX";
-      }
-      part_ = group.value;
-      partLine_ = group.line;
-      partStart_ = chunk_.size();
-      partGroups_ = chunkGroups_;
-      seen_.clear();
-      announced_ = 0;
-      xs_ = ys_ = 0;
+  void TakeBlockPart() {
+    constexpr long kElsewhere = 4;
+    if (record_.kind == "BLOCK") {
+      block_ = &blocks_[DxfCapitals(record_.Name(2))];
+      *block_ = DxfBlock();
+      block_->base = record_.Point(10);
+      block_->isElsewhere = (record_.Integer(70) & kElsewhere) != 0;
+    } else if (record_.kind == "ENDBLK") {
+      block_ = nullptr;
+    } else if (block_ != nullptr) {
+      DxfEntities(block_->contents, *drawing_.names, keepsHeights_).Take(record_);
     }
-    if (!isTaken_ || !DescribesShape(group.code)) {
-      if (group.code == 67 && group.value != "0") isOnPaper_ = true;
-      return;
-    }
-    NoteGroup(group);
-    chunk_ += std::to_string(group.code);
-    chunk_ += '\n';
-    chunk_ += group.value;
-    chunk_ += '\n';
-    ++chunkGroups_;
   }
-
-  void NoteGroup(const DxfGroup& group) {
-    const bool isFirst = seen_.insert(group.code).second;
-    if (group.code == 40 && part_ != "LWPOLYLINE" && part_ != "POLYLINE" && part_ != "VERTEX" && *ParseNumber(group.value) <= 0) {
-      Fail(group.line + 1, "the radius of an entity must be positive");
-    }
-    if (part_ == "VERTEX" && group.code == 70) isSplineFrame_ = (*ParseInteger(group.value) & 16) != 0;
-    if (part_ != "LWPOLYLINE") return;
-    if (group.code == 90 && !isFirst) Fail(group.line, "the number of vertices is given twice");
-    if (group.code == 90) announced_ = *ParseInteger(group.value);
-    if ((group.code == 10 || group.code == 42) && !seen_.contains(90)) Fail(group.line, "a vertex before the number of vertices");
-    if (group.code == 42 && xs_ == 0) Fail(group.line, "a bulge before the first vertex");
-    xs_ += group.code == 10 ? 1 : 0;
-    ys_ += group.code == 20 ? 1 : 0;
-    if (xs_ != ys_ + (group.code == 10 ? 1 : 0) && (group.code == 10 || group.code == 20))
-      Fail(group.line, "a vertex needs x and y");
-  }
-
-  // The entity, or the vertex of a polyline, that ends here must have all it needs.
-  void CheckPart() {
-    const std::vector<int>* required = isTaken_ ? RequiredDxfCodes(part_) : nullptr;
-    if (required == nullptr) return;
-    for (const int code : *required) {
-      if (!seen_.contains(code)) Fail(partLine_, part_ + " lacks group " + std::to_string(code));
-    }
-    if (part_ == "LWPOLYLINE" && (xs_ != announced_ || ys_ != announced_)) {
-      Fail(partLine_,
-           part_ + " announces " + std::to_string(announced_) + " vertices and has " + std::to_string(std::min(xs_, ys_)));
-    }
-    if (isSplineFrame_) {  // a control point: not on the curve, which follows in vertices of its own
-      chunk_.resize(partStart_);
-      chunkGroups_ = partGroups_;
-    }
-    isSplineFrame_ = false;
-  }
-
-  void EndEntity(std::size_t line) {
-    CheckPart();
-    if (isTaken_ && entity_ == "POLYLINE" && part_ != "SEQEND") {
-      Fail(line, "POLYLINE of line " + std::to_string(entityLine_) + " lacks SEQEND");
-    }
-    if (isTaken_ && !isOnPaper_) {
-      ParseChunk();
-    } else if (!entity_.empty()) {
-      drawing_.LeaveOut(isOnPaper_ ? "entity in paper space" : entity_, entityLine_, false);
-    }
-    ClearChunk();
-    entity_.clear();
-    part_.clear();
-    isTaken_ = isOnPaper_ = false;
-  }
-
-  // Parses what was collected. The parser acts on an entity when the next one begins, so one of no known kind follows.
-  void ParseChunk() {
-    entities_.SetLine(entityLine_);
-    std::istringstream stream(chunk_ + "0\n.\n");
-    for (int i = 0; i <= chunkGroups_; ++i) parser_.readDxfGroups(stream, &entities_);
-  }
-
-  void ClearChunk() {
-    chunk_.clear();
-    chunkGroups_ = 0;
-  }
-
-  Drawing Finish() { return std::move(drawing_); }
 
   DxfGroups groups_;
-  const std::string& file_;
+  DxfFile file_;
+  bool keepsHeights_;
   Drawing drawing_;
-  DxfEntities entities_;
-  DL_Dxf parser_;
-  std::string variable_;
-
-  std::string entity_;  // being collected
-  std::size_t entityLine_ = 0;
-  bool isTaken_ = false;
-  bool isOnPaper_ = false;
-  std::string chunk_;
-  int chunkGroups_ = 0;
-
-  std::string part_;  // the entity itself, or a vertex of it
-  std::size_t partLine_ = 0;
-  std::size_t partStart_ = 0;  // in the chunk
-  int partGroups_ = 0;
-  bool isSplineFrame_ = false;
-  std::set<int> seen_;
-  long announced_ = 0;
-  long xs_ = 0, ys_ = 0;
+  DxfRecord record_;
+  DxfBlocks blocks_;
+  DxfBlock* block_ = nullptr;  // being read
+  DxfContents contents_;
 };
 
 }  // namespace
 
 Drawing ReadDxf(const std::string& text, const std::string& file, Content content) {
-  return DxfReader(text, file, content).Read(text);
+  return DxfReader(text, file, content).Read();
 }
 
 }  // namespace zbr::formats
