@@ -247,6 +247,8 @@ void CommandLine::DeclareSheet(CLI::App& command) {
             "ANGLE");
   AddChoice(command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
             "Hidden lines: none, dashed (by default) or layer, on a layer that is switched off", "STYLE");
+  AddChoice(command, "--curves", draw_.curves, {"on", "off"},
+            "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");
   command.add_option("--scale", draw_.scale, "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 5, 10, ... that fits")
       ->type_name("SCALE");
   command

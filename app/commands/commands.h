@@ -65,6 +65,7 @@ struct DrawOptions {
   std::string modelFormat;         // of models whose names do not tell
   std::string sheet;               // "first", "third" or empty: by the number of views
   std::string hidden = "dashed";
+  std::string curves = "on";
   std::string scale, paper;  // empty: what fits
   std::string title;         // empty: the names of the models
   std::string unit = "mm";

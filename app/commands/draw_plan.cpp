@@ -66,6 +66,7 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   }
   plan.threads = ThreadCount(options.jobs);
   plan.contact = options.contact;
+  plan.curves = options.curves == "on";
   plan.fill = options.fill;
   return plan;
 }

@@ -7,12 +7,11 @@
 #include <array>
 #include <cmath>
 
+#include "formats/pictures/sheet_path.h"
 #include "formats/pictures/svg_text.h"
 
 namespace zbr::formats {
 namespace {
-
-constexpr double kMerged = 0.02;  // mm: points closer together than this make no difference on paper
 
 std::string Attribute(const char* name, const std::string& value) {
   return std::string(" ") + name + "=\"" + value + "\"";
@@ -21,31 +20,6 @@ std::string Attribute(const char* name, const std::string& value) {
 std::string MmText(double value) {
   return RoundedText(value, 3);
 }
-
-// Where points of the paper are on the page, whose y points down.
-class Page {
- public:
-  explicit Page(double height) : height_(height) {}
-
-  // Points too close to the one before are left out, the last one kept.
-  std::string PathData(const std::vector<ZBR_PT>& points, bool closed) const {
-    std::string data;
-    ZBR_PT last;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      if (i > 0 && i + 1 < points.size() && points[i].Distance(last) < kMerged) continue;
-      data += i == 0 ? 'M' : 'L';
-      data += Px(points[i].x());
-      data += ' ';
-      data += Px(Down(points[i].y()));
-      last = points[i];
-    }
-    return data + (closed ? "Z" : "");
-  }
-  double Down(double y) const { return height_ - y; }
-
- private:
-  double height_;
-};
 
 double LengthOf(const std::vector<ZBR_PT>& points) {
   double length = 0.0;
@@ -64,14 +38,13 @@ std::string Dashes(double length, double lineWidth) {
   return Px(dash * stretch) + " " + Px((period - dash) * stretch);
 }
 
-std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& line, const Page& page) {
+std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& line, const SheetPage& page) {
   std::vector<ZBR_PT> points;
   for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
   std::string style;
   if (line.hidden && sheet.options.hidden == HiddenStyle::kDashed && !line.chain.closed)
     style = Attribute("stroke-dasharray", Dashes(LengthOf(points), sheet.thin));
-  if (line.chain.closed) points.pop_back();
-  return "<path" + style + Attribute("d", page.PathData(points, line.chain.closed)) + "/>\n";
+  return "<path" + style + Attribute("d", page.PathData(sheet, view, line.chain)) + "/>\n";
 }
 
 // Light enough for lines on top, and apart from each other even in print.
@@ -80,7 +53,7 @@ std::string ShadeOf(std::size_t object) {
   return kShades[object % kShades.size()];
 }
 
-std::string RingsData(const Sheet& sheet, const PlacedView& view, const LoopList& loops, const Page& page) {
+std::string RingsData(const Sheet& sheet, const PlacedView& view, const LoopList& loops, const SheetPage& page) {
   std::string data;
   ForEachRing(loops, [&](const ZBR_LOOP& ring) {
     std::vector<ZBR_PT> points;
@@ -95,7 +68,7 @@ std::string ViewId(const PlacedView& view) {
 }
 
 // The hidden or the visible lines of a view.
-std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const Page& page) {
+std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const SheetPage& page) {
   const char* const visibility = hidden ? "hidden" : "visible";
   std::string content;
   for (const EdgeClass edgeClass : kDrawnClasses) {
@@ -121,7 +94,7 @@ std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, 
 }
 
 // What each object covers, below all lines. A hairline of the same shade closes the seams that smoothing leaves between neighbours.
-std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects, const Page& page) {
+std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects, const SheetPage& page) {
   constexpr double kSeam = 0.05;
   std::string paths;
   for (std::size_t k = 0; k < view.lines.outlines.size(); ++k) {
@@ -134,7 +107,7 @@ std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vec
   return "<g class=\"fill\" fill-rule=\"evenodd\"" + Attribute("stroke-width", MmText(kSeam)) + ">\n" + paths + "</g>\n";
 }
 
-std::string FrameGroup(const Sheet& sheet, const Page& page) {
+std::string FrameGroup(const Sheet& sheet, const SheetPage& page) {
   constexpr double kWideFrame = 0.7, kThinFrame = 0.25;
   std::string svg = "<g id=\"sheet\"" + Attribute("stroke-width", MmText(kThinFrame)) + ">\n";
   for (const SheetPath& path : sheet.paths) {
@@ -156,7 +129,7 @@ std::string FrameGroup(const Sheet& sheet, const Page& page) {
 }  // namespace
 
 std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
-  const Page page(sheet.paper.height);
+  const SheetPage page(sheet.paper.height);
   const std::string width = Px(sheet.paper.width), height = Px(sheet.paper.height);
   std::string svg =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"" + Attribute("width", width + "mm") +
