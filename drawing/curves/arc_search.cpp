@@ -4,8 +4,8 @@
 //
 // Difficulties: A few points of a finely divided circle are straight within their rounding, and any circle fits them: such a
 // stretch is grown further, and judged only when it has bent. A spline or a spiral is a circle nearby within any tolerance: but it
-// drifts away from it, while an arc that ends does so at a corner or bends otherwise at once. The difference to a cubic that just
-// keeps within the tolerance is 16 times as large half a length beyond the ends.
+// drifts away from it, while an arc that ends does so at a corner or bends otherwise at once. A difference of third or fourth
+// order that just keeps within the tolerance is 16 or 48 times as large half a length beyond the ends.
 #include "drawing/curves/arc_search.h"
 
 #include <algorithm>
@@ -17,13 +17,13 @@
 namespace zbr::drawing {
 namespace {
 
-constexpr double kOfRadius = 1e-6;       // the least tolerance, as a part of the radius
-constexpr double kOfChordHeight = 0.02;  // and of the distance between a chord and its arc
-constexpr double kStraight = 4.0;        // heights up to so many tolerances tell nothing
-constexpr double kLeastHeight = 50.0;    // of an arc, in tolerances
+constexpr double kOfRadius = 1e-6;        // the least tolerance, as a part of the radius
+constexpr double kOfChordHeight = 0.02;   // and of the distance between a chord and its arc
+constexpr double kStraight = 4.0;         // heights up to so many tolerances tell nothing
+constexpr double kLeastHeight = 50.0;     // of an arc, in tolerances
 constexpr double kLargestRadius = 100.0;  // in diagonals
-constexpr double kLeap = 40.0;            // how far a chain leaves an arc half a length beyond its end, in tolerances
-constexpr double kFlat = 2.0;             // times the chord that three quarters do not exceed
+constexpr double kLeap = 100.0;           // how far a chain leaves an arc half a length beyond its end, in tolerances
+constexpr double kFlat = 1.75;            // times the next shorter chord
 constexpr double kSlack = 1.001;          // rounding, in comparisons of chords
 
 // The longest chord as a part of the radius: 2 sin 15 degrees.
@@ -73,8 +73,7 @@ class ArcSearch {
   Fits Try(std::size_t begin, std::size_t end) const {
     const std::span<const ZBR_PT3> arc = Points(begin, end);
     const Circle circle = RoughCircle(arc);
-    if (circle.radius > 0 && circle.radius < kLargestRadius && GoesRound(circle, arc, ToleranceFor(circle, arc)))
-      return Fits::kYes;
+    if (circle.radius > 0 && circle.radius < kLargestRadius && GoesRound(circle, arc, ToleranceFor(circle, arc))) return Fits::kYes;
     return HeightOf(arc) <= kStraight * noise_ ? Fits::kMaybe : Fits::kNo;
   }
 
@@ -130,14 +129,17 @@ class ArcSearch {
     return kRest * left <= length;
   }
 
+  // The ends of a flat lie on the circle, too. But it stands alone, and nothing between its length and that of most chords occurs.
   static std::vector<bool> Flats(std::span<const ZBR_PT3> points) {
     std::vector<double> chords;
     for (std::size_t i = 1; i < points.size(); ++i) chords.push_back(points[i].Distance(points[i - 1]));
     std::vector<double> sorted = chords;
-    const auto quarter = sorted.begin() + static_cast<std::ptrdiff_t>(3 * sorted.size() / 4);
-    std::nth_element(sorted.begin(), quarter, sorted.end());
+    std::sort(sorted.begin(), sorted.end());
+    std::size_t few = 3 * sorted.size() / 4;
+    while (few < sorted.size() && sorted[few] <= kFlat * sorted[few - 1]) ++few;
+    const auto isLong = [&](std::size_t i) { return few < sorted.size() && i < chords.size() && chords[i] >= sorted[few]; };
     std::vector<bool> isFlat;
-    for (const double chord : chords) isFlat.push_back(chord > kFlat * *quarter);
+    for (std::size_t i = 0; i < chords.size(); ++i) isFlat.push_back(isLong(i) && !isLong(i - 1) && !isLong(i + 1));
     return isFlat;
   }
 
@@ -151,15 +153,19 @@ std::vector<ChainArc> FindArcs(const EdgeChain& chain, const Noise& noise) {
   const ArcSearch strict(chain, noise.known), loose(chain, std::max(noise.known, noise.digits));
   std::vector<ChainArc> arcs;
   const std::size_t count = chain.edges.size();
-  std::size_t low = 0;
-  for (std::size_t seed = 0; seed + kFewestChords <= count;) {
-    std::size_t reached = 0, further = 0;
+  // A stretch that is no arc is left by half: an arc that starts in it is met in its middle. What is tried more loosely reaches
+  // further, and is tried the less often.
+  std::size_t low = 0, seed = 0, looseSeed = 0;
+  while (seed + kFewestChords <= count) {
+    std::size_t reached = 0;
     ChainArc arc = strict.At(seed, low, count, reached);
-    if (arc.end == 0) arc = loose.At(seed, low, count, further);
-    if (arc.end == 0) {
-      seed += std::max<std::size_t>((reached - seed) / 2, 1);
-      continue;
+    const std::size_t next = seed + std::max<std::size_t>((reached - seed) / 2, 1);
+    if (arc.end == 0 && seed >= looseSeed) {
+      arc = loose.At(seed, low, count, reached);
+      looseSeed = seed + (reached - seed) / 2;
     }
+    seed = next;
+    if (arc.end == 0) continue;
     low = seed = arc.end;
     arcs.push_back(std::move(arc));
   }

@@ -58,9 +58,8 @@ class Chainer {
 
   void CollectEnds() {
     for (std::uint32_t end = 0; end < 2 * drawn_.size(); ++end) ends_.push_back({VertexAt(end), end});
-    std::sort(ends_.begin(), ends_.end(), [](const End& a, const End& b) {
-      return a.vertex != b.vertex ? a.vertex < b.vertex : a.end < b.end;
-    });
+    std::sort(ends_.begin(), ends_.end(),
+              [](const End& a, const End& b) { return a.vertex != b.vertex ? a.vertex < b.vertex : a.end < b.end; });
     degree_.assign(static_cast<std::size_t>(shell_.GetVertexCnt()), 0);
     for (const End& end : ends_) ++degree_[end.vertex];
   }
@@ -111,9 +110,10 @@ class Chainer {
   EdgeChain ChainOf(std::vector<std::uint32_t> entered, bool closed) const {
     if (closed) {
       const auto length = [&](std::uint32_t end) { return PointAt(end).Distance(PointAt(end ^ 1U)); };
-      std::rotate(entered.begin(), std::max_element(entered.begin(), entered.end(),
-                                                    [&](std::uint32_t a, std::uint32_t b) { return length(a) < length(b); }),
-                  entered.end());
+      std::rotate(
+          entered.begin(),
+          std::max_element(entered.begin(), entered.end(), [&](std::uint32_t a, std::uint32_t b) { return length(a) < length(b); }),
+          entered.end());
     }
     EdgeChain chain;
     chain.isClosed = closed;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr double kSteps = 4.0;         // of rounding that points may be off
 constexpr double kLeastNoise = 1e-9;   // in diagonals
-constexpr double kSixDigits = 4e-6;    // what files with six digits leave of the largest coordinate
+constexpr double kSixDigits = 1e-5;    // twice what six digits leave of the largest coordinate
 constexpr double kCellPerNoise = 128;  // centres of short arcs are that much less certain than their points
 
 // An arc with what is needed to compare it.
