@@ -66,6 +66,31 @@ void AddOutlines(DxfDocument& document, const Sheet& sheet, const PlacedView& vi
   }
 }
 
+// Arcs are entities of their own: of these programs snap to the centre and measure the radius, which are the same for all arcs of a
+// circle. What is between them is straight.
+void AddPieces(DxfDocument& document, const Path& path, const DxfPen& pen) {
+  if (path.curves.empty()) return document.AddPolyline(path.points, path.closed, pen);
+  const std::size_t n = path.points.size(), edges = path.closed ? n : n - 1;
+  std::size_t first = 0;
+  const auto addStraight = [&](std::size_t last) {
+    Path piece;
+    for (std::size_t i = first; i <= last; ++i) piece.points.push_back(path.points[i % n]);
+    if (first < last) document.AddPath(piece, pen);
+  };
+  for (const Curve& curve : path.curves) {
+    addStraight(curve.at);
+    Path arc;
+    const bool isWhole = path.closed && n == 1;
+    arc.points = isWhole ? path.points : std::vector<ZBR_PT>{path.points[curve.at], path.points[(curve.at + 1) % n]};
+    arc.closed = isWhole;
+    arc.curves = {curve};
+    arc.curves[0].at = 0;
+    document.AddPath(arc, pen);
+    first = curve.at + 1;
+  }
+  addStraight(edges);
+}
+
 }  // namespace
 
 std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
@@ -73,10 +98,7 @@ std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& o
   for (const PlacedView& view : sheet.views) {
     AddOutlines(document, sheet, view, objects);
     for (const Line& line : view.lines.lines) {
-      std::vector<ZBR_PT> points;
-      for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
-      if (line.chain.closed) points.pop_back();
-      document.AddPolyline(points, line.chain.closed, {LayerOf(line)});
+      AddPieces(document, sheet.OnPaper(view, line.chain), {LayerOf(line)});
     }
   }
   for (const SheetPath& path : sheet.paths) document.AddPolyline(path.points, path.closed, {path.wide ? kFrame : kTitle});

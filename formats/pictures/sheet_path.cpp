@@ -22,9 +22,13 @@ class PathText {
  public:
   explicit PathText(const SheetPage& page) : page_(page) {}
 
-  void LineTo(const ZBR_PT& p, bool keep) {
-    if (!text_.empty() && !keep && p.Distance(last_) < kMerged) return;
-    AddPoint(p, Px);
+  // Ends of arcs are where the pen is already.
+  void LineTo(const ZBR_PT& p, bool keep, bool fine) {
+    const double far = p.Distance(last_);
+    if (!text_.empty() && far < (isArc_ ? kFine : keep ? 0.0 : kMerged)) return;
+    text_ += text_.empty() ? 'M' : 'L';
+    AddPoint(p, fine ? FineText : Px);
+    isArc_ = false;
   }
 
   // An elliptic arc that starts where the pen is. Pieces are far from a whole turn, where rounded ends could meet, and from half a
@@ -32,6 +36,7 @@ class PathText {
   void ArcTo(const Curve& arc) {
     constexpr double kPiece = 2.0 * kPi / 3.0 + 1e-6;
     const double turn = arc.t1 - arc.t0;
+    if (arc.u.Length() * std::fabs(turn) < kMerged) return;
     const auto pieces = std::max(std::ceil(std::fabs(turn) / kPiece), 1.0);
     std::string radii(1, 'A');
     for (const double value : {arc.u.Length(), arc.v.Length(), -std::atan2(arc.u.y(), arc.u.x()) * 180.0 / kPi}) {
@@ -40,15 +45,10 @@ class PathText {
     }
     radii += turn > 0 ? "0 0 " : "0 1 ";
     for (double k = 1; k <= pieces; ++k) {
-      last_ = arc.At(arc.t0 + turn * (k / pieces));
       text_ += radii;
-      AddCoordinates(last_, FineText);
+      AddPoint(arc.At(arc.t0 + turn * (k / pieces)), FineText);
     }
-  }
-
-  void StartAt(const ZBR_PT& p) {
-    if (!text_.empty() && p.Distance(last_) < kFine) return;
-    AddPoint(p, FineText);
+    isArc_ = true;
   }
 
   std::string Take(bool closed) {
@@ -60,49 +60,36 @@ class PathText {
   static constexpr double kFine = 1e-3;  // mm
 
   void AddPoint(const ZBR_PT& p, std::string (*number)(double)) {
-    text_ += text_.empty() ? 'M' : 'L';
-    AddCoordinates(p, number);
-    last_ = p;
-  }
-  void AddCoordinates(const ZBR_PT& p, std::string (*number)(double)) {
     text_ += number(p.x());
     text_ += ' ';
     text_ += number(page_.Down(p.y()));
+    last_ = p;
   }
 
   const SheetPage& page_;
   std::string text_;
   ZBR_PT last_;
+  bool isArc_ = false;  // what was drawn last
 };
 
 }  // namespace
 
-std::string SheetPage::PathData(const std::vector<ZBR_PT>& points, bool closed) const {
-  PathText path(*this);
-  for (std::size_t i = 0; i < points.size(); ++i) path.LineTo(points[i], i + 1 == points.size());
-  return path.Take(closed);
+std::string SheetPage::PathData(const Path& path) const {
+  PathText text(*this);
+  auto curve = path.curves.begin();
+  for (std::size_t i = 0; i < path.points.size(); ++i) {
+    const bool isArc = curve != path.curves.end() && curve->at == i;
+    text.LineTo(path.points[i], isArc || i + 1 == path.points.size(), isArc);
+    if (isArc) text.ArcTo(*curve++);
+  }
+  return text.Take(path.closed);
 }
 
-std::string SheetPage::PathData(const Sheet& sheet, const PlacedView& view, const Chain& chain) const {
-  PathText path(*this);
-  const std::size_t end = chain.points.size() - (chain.closed ? 1 : 0);
-  std::size_t next = 0;
-  const auto lineUpTo = [&](std::size_t place) {
-    for (; next < place; ++next) path.LineTo(sheet.OnPaper(view, chain.points[next]), next + 1 == end);
-  };
-  for (const CircleRun& run : chain.curves) {
-    lineUpTo(run.at);
-    const Curve arc = sheet.OnPaper(view, run);
-    path.StartAt(arc.At(arc.t0));
-    if (arc.u.Length() * std::fabs(arc.t1 - arc.t0) < kMerged) {
-      path.StartAt(arc.At(arc.t1));
-    } else {
-      path.ArcTo(arc);
-    }
-    next = run.last + 1;
-  }
-  lineUpTo(end);
-  return path.Take(chain.closed);
+std::string SheetPage::PathData(const std::vector<ZBR_PT>& points, bool closed) const {
+  Path path;
+  path.points = points;
+  path.closed = closed;
+  return PathData(path);
 }
 
 }  // namespace zbr::formats

@@ -1,7 +1,7 @@
 // Path data of SVG for what lies on a sheet.
 #pragma once
 
-#include <zbr-drawing/sheet.h>
+#include <zbr-drawing/drawing.h>
 #include <zbr-formats/types.h>
 #include <zbr/planar.h>
 
@@ -15,10 +15,9 @@ class SheetPage {
  public:
   explicit SheetPage(double height) : height_(height) {}
 
-  // Points too close to the one before are left out, the last one kept.
+  // Points too close to the one before are left out, the last one kept. Curves are arcs, no splines.
+  std::string PathData(const Path& path) const;
   std::string PathData(const std::vector<ZBR_PT>& points, bool closed) const;
-  // Runs along circles as elliptic arcs.
-  std::string PathData(const Sheet& sheet, const PlacedView& view, const Chain& chain) const;
   double Down(double y) const { return height_ - y; }
 
  private:

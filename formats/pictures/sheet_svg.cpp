@@ -44,7 +44,7 @@ std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& 
   std::string style;
   if (line.hidden && sheet.options.hidden == HiddenStyle::kDashed && !line.chain.closed)
     style = Attribute("stroke-dasharray", Dashes(LengthOf(points), sheet.thin));
-  return "<path" + style + Attribute("d", page.PathData(sheet, view, line.chain)) + "/>\n";
+  return "<path" + style + Attribute("d", page.PathData(sheet.OnPaper(view, line.chain))) + "/>\n";
 }
 
 // Light enough for lines on top, and apart from each other even in print.

@@ -68,9 +68,8 @@ struct Sheet {
   std::vector<SheetText> texts;
 
   ZBR_PT OnPaper(const PlacedView& view, const ZBR_PT& p) const { return view.origin + p * perUnit; }
-  Curve OnPaper(const PlacedView& view, const Curve& c) const {
-    return {c.at, OnPaper(view, c.centre), c.u * perUnit, c.v * perUnit, c.t0, c.t1};
-  }
+  // With arcs in place of the runs along circles.
+  Path OnPaper(const PlacedView& view, const Chain& chain) const;
 };
 
 // Dashes of hidden lines are this many line widths long, and the gaps between them.
