@@ -68,6 +68,7 @@ struct DrawOptions {
   std::string curves = "on";
   std::string scale, paper;  // empty: what fits
   std::string title;         // empty: the names of the models
+  std::string number, author, date;
   std::string unit = "mm";
   std::string format;  // of outputs whose names do not tell
   double crease = 30.0;

@@ -3,10 +3,7 @@
 #include <zbr-drawing/region.h>
 #include <zbr-formats/sheets.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-
+#include "formats/pictures/sheet_ink.h"
 #include "formats/pictures/sheet_path.h"
 #include "formats/pictures/svg_text.h"
 
@@ -21,36 +18,21 @@ std::string MmText(double value) {
   return RoundedText(value, 3);
 }
 
-double LengthOf(const std::vector<ZBR_PT>& points) {
-  double length = 0.0;
-  for (std::size_t i = 1; i < points.size(); ++i) length += points[i].Distance(points[i - 1]);
-  return length;
-}
-
-// The dashes of an open line are stretched or shortened so that it starts and ends with a whole one: then corners close, and a
-// short line still shows that it is hidden.
-std::string Dashes(double length, double lineWidth) {
-  constexpr double kShortest = 1;
-  if (length < kShortest) return "none";
-  const double dash = kDash * lineWidth, period = (kDash + kDashGap) * lineWidth;
-  const double gaps = std::max(std::round((length - dash) / period), 1.0);
-  const double stretch = length / (gaps * period + dash);
-  return Px(dash * stretch) + " " + Px((period - dash) * stretch);
-}
-
 std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& line, const SheetPage& page) {
-  std::vector<ZBR_PT> points;
-  for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
   std::string style;
-  if (line.hidden && sheet.options.hidden == HiddenStyle::kDashed && !line.chain.closed)
-    style = Attribute("stroke-dasharray", Dashes(LengthOf(points), sheet.thin));
+  if (line.hidden && sheet.options.hidden == HiddenStyle::kDashed && !line.chain.closed) {
+    const auto dashes = DashesOf(sheet, line);
+    style = Attribute("stroke-dasharray", dashes ? Px(dashes->dash) + " " + Px(dashes->gap) : "none");
+  }
   return "<path" + style + Attribute("d", page.PathData(sheet.OnPaper(view, line.chain))) + "/>\n";
 }
 
-// Light enough for lines on top, and apart from each other even in print.
-std::string ShadeOf(std::size_t object) {
-  constexpr std::array<const char*, 6> kShades = {"#e4e6e9", "#c9d8e6", "#ecdfc4", "#cfe3cf", "#e9d0cd", "#d8d0e6"};
-  return kShades[object % kShades.size()];
+std::string ShadeText(std::size_t object) {
+  std::string text = "#";
+  for (const int value : ShadeOf(object)) {
+    for (const int digit : {value / 16, value % 16}) text += "0123456789abcdef"[digit];
+  }
+  return text;
 }
 
 std::string RingsData(const Sheet& sheet, const PlacedView& view, const LoopList& loops, const SheetPage& page) {
@@ -95,20 +77,18 @@ std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, 
 
 // What each object covers, below all lines. A hairline of the same shade closes the seams that smoothing leaves between neighbours.
 std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects, const SheetPage& page) {
-  constexpr double kSeam = 0.05;
   std::string paths;
   for (std::size_t k = 0; k < view.lines.outlines.size(); ++k) {
     const std::string data = RingsData(sheet, view, view.lines.outlines[k], page);
     if (data.empty()) continue;
-    paths += "<path" + Attribute("id", ViewId(view) + "-fill-" + std::to_string(k)) + Attribute("fill", ShadeOf(k)) +
-             Attribute("stroke", ShadeOf(k)) + Attribute("d", data) + "><title>" + Escaped(objects[k].id) + "</title></path>\n";
+    paths += "<path" + Attribute("id", ViewId(view) + "-fill-" + std::to_string(k)) + Attribute("fill", ShadeText(k)) +
+             Attribute("stroke", ShadeText(k)) + Attribute("d", data) + "><title>" + Escaped(objects[k].id) + "</title></path>\n";
   }
   if (paths.empty()) return "";
   return "<g class=\"fill\" fill-rule=\"evenodd\"" + Attribute("stroke-width", MmText(kSeam)) + ">\n" + paths + "</g>\n";
 }
 
 std::string FrameGroup(const Sheet& sheet, const SheetPage& page) {
-  constexpr double kWideFrame = 0.7, kThinFrame = 0.25;
   std::string svg = "<g id=\"sheet\"" + Attribute("stroke-width", MmText(kThinFrame)) + ">\n";
   for (const SheetPath& path : sheet.paths) {
     svg += "<path" + (path.wide ? Attribute("stroke-width", MmText(kWideFrame)) : "") +
@@ -119,7 +99,6 @@ std::string FrameGroup(const Sheet& sheet, const SheetPage& page) {
            Attribute("r", Px(circle.radius)) + "/>\n";
   }
   for (const SheetText& text : sheet.texts) {
-    constexpr double kSizePerHeight = 1.38;  // the size of a font counts the room above and below its capitals
     const std::string style = "stroke=\"none\" fill=\"#000\" font-size=\"" + Px(text.height * kSizePerHeight) + "\"";
     svg += TextElement(text.at.x(), page.Down(text.at.y()), style, text.text);
   }
