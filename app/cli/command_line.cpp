@@ -217,7 +217,7 @@ void CommandLine::DeclareDraw() {
   AddModelFormat(command, draw_.modelFormat);
   command
       .add_option("-o,--output", draw_.outputs,
-                  "File for the drawing, .svg, .dxf or .json; may be repeated. Without it the table of --stats is printed")
+                  "File for the drawing, .svg, .pdf, .dxf or .json; may be repeated. Without it the table of --stats is printed")
       ->allow_extra_args(false)
       ->type_name("OUT");
   AddList(command, "--view", draw_.views,
@@ -235,8 +235,8 @@ void CommandLine::DeclareDraw() {
   DeclareSheet(command);
   AddJobs(command, draw_.jobs);
   command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
-  AddChoice(command, "--format", draw_.format, {"svg", "dxf", "json"},
-            "Format of '-' and of outputs whose extension does not tell it: svg, dxf or json", "FORMAT");
+  AddChoice(command, "--format", draw_.format, {"svg", "pdf", "dxf", "json"},
+            "Format of '-' and of outputs whose extension does not tell it: svg, pdf, dxf or json", "FORMAT");
 }
 
 // Options on how the views come to paper.
@@ -247,7 +247,11 @@ void CommandLine::DeclareSheet(CLI::App& command) {
             "ANGLE");
   AddChoice(command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
             "Hidden lines: none, dashed (by default) or layer, on a layer that is switched off", "STYLE");
-  command.add_option("--scale", draw_.scale, "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 5, 10, ... that fits")
+  AddChoice(command, "--curves", draw_.curves, {"on", "off"},
+            "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");
+  command
+      .add_option("--scale", draw_.scale,
+                  "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 2.5, 5, 10, ... that fits, with fit the largest of any")
       ->type_name("SCALE");
   command
       .add_option("--paper", draw_.paper,
@@ -259,6 +263,9 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       "layers FILL-name, in JSON as polygons");
   AddUnit(command, draw_.unit);
   command.add_option("--title", draw_.title, "Title of the sheet; by default the name of the model")->type_name("TEXT");
+  command.add_option("--number", draw_.number, "Number of the drawing, for the sheet")->type_name("TEXT");
+  command.add_option("--author", draw_.author, "Who drew it, for the sheet")->type_name("TEXT");
+  command.add_option("--date", draw_.date, "Its date, for the sheet, as it is to be written")->type_name("TEXT");
 }
 
 void CommandLine::DeclarePick() {
@@ -356,8 +363,8 @@ int CommandLine::RunChosen() {
   for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
   }
-  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &pick_.view.look, &pick_.view.up,
-                            &outline_.view.look, &outline_.view.up})
+  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &draw_.number, &draw_.author,
+                            &draw_.date, &pick_.view.look, &pick_.view.up, &outline_.view.look, &outline_.view.up})
     *text = Unprotected(*text);
   if (app_.got_subcommand("inside")) return RunInside(inside_);
   if (app_.got_subcommand("info")) return RunInfo(info_);

@@ -65,8 +65,10 @@ struct DrawOptions {
   std::string modelFormat;         // of models whose names do not tell
   std::string sheet;               // "first", "third" or empty: by the number of views
   std::string hidden = "dashed";
+  std::string curves = "on";
   std::string scale, paper;  // empty: what fits
   std::string title;         // empty: the names of the models
+  std::string number, author, date;
   std::string unit = "mm";
   std::string format;  // of outputs whose names do not tell
   double crease = 30.0;

@@ -29,6 +29,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   std::atomic<std::size_t> done{0};
   DrawingOptions options;
   options.hidden = plan.sheet.hidden != HiddenStyle::kNone;
+  options.curves = plan.curves;
   options.outlines = plan.fill;
   options.threads = plan.threads;
   options.contact = plan.contact;

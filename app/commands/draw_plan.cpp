@@ -23,7 +23,7 @@ std::size_t ViewCount(const DrawOptions& options) {
 SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
   const auto byName = SheetFormatByName(ExtensionOf(file));
   const auto format = byName ? byName : SheetFormatByName(chosen);
-  if (!format) throw Failure(file, "the name does not tell the format, svg, dxf or json; give --format");
+  if (!format) throw Failure(file, "the name does not tell the format, svg, pdf, dxf or json; give --format");
   return *format;
 }
 
@@ -41,10 +41,14 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   }
   if (options.hidden == "none") sheet.hidden = HiddenStyle::kNone;
   if (options.hidden == "layer") sheet.hidden = HiddenStyle::kLayer;
-  if (!options.scale.empty()) sheet.scale = ForOption("--scale", [&] { return ParseScale(options.scale); });
+  sheet.anyScale = options.scale == "fit";
+  if (!options.scale.empty() && !sheet.anyScale) sheet.scale = ForOption("--scale", [&] { return ParseScale(options.scale); });
   if (!options.paper.empty()) sheet.paper = ForOption("--paper", [&] { return ParsePaper(options.paper); });
   sheet.unit = options.unit;
   sheet.millimetres = MillimetresOf(options.unit);
+  sheet.number = options.number;
+  sheet.author = options.author;
+  sheet.date = options.date;
   sheet.title = options.title.empty() ? TitleOf(objects) : options.title;
   return sheet;
 }
@@ -66,6 +70,7 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   }
   plan.threads = ThreadCount(options.jobs);
   plan.contact = options.contact;
+  plan.curves = options.curves == "on";
   plan.fill = options.fill;
   return plan;
 }

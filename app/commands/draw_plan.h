@@ -25,6 +25,7 @@ struct DrawPlan {
   std::vector<NamedDirection> views;
   unsigned threads = 1;
   double contact = -1.0;
+  bool curves = true;
   bool fill = false;
 };
 

@@ -110,14 +110,14 @@ struct Grid {
   }
 };
 
-DrawingArea AreaOf(const Paper& paper, Projection projection) {
-  if (projection != Projection::kNone) return AreaWithinFrame(paper);
+DrawingArea AreaOf(const Paper& paper, const SheetOptions& options) {
+  if (options.projection != Projection::kNone) return AreaWithinFrame(paper, options);
   return {kMargin, kMargin, paper.width - 2 * kMargin, paper.height - 2 * kMargin};
 }
 
 // The largest scale in millimetres for each unit at which the views fit on a paper.
 double LargestOn(const Paper& paper, const Sheet& sheet, const Grid& grid) {
-  return grid.LargestIn(AreaOf(paper, sheet.options.projection));
+  return grid.LargestIn(AreaOf(paper, sheet.options));
 }
 
 Paper BetterWay(const Paper& paper, const Sheet& sheet, const Grid& grid) {
@@ -132,14 +132,15 @@ void ChooseScale(Sheet& sheet, const Grid& grid) {
   sheet.paper = BetterWay(options.paper.value_or(usual), sheet, grid);
   const double largest = LargestOn(sheet.paper, sheet, grid);
   if (!(largest > 0)) throw Failure("the views do not fit on " + sheet.paper.name);
-  sheet.scale = StandardScale(largest / options.millimetres);
+  const double limit = largest / options.millimetres;
+  sheet.scale = options.anyScale ? FittingScale(limit) : StandardScale(limit);
   if (!std::isnormal(sheet.scale)) throw Failure("the model is too large or too small to be drawn");
 }
 
 // Paper as large as the views need at the given scale.
 Paper PaperAround(const Sheet& sheet, const Grid& grid, double perUnit) {
   constexpr double kLongestSide = 1e5;
-  const DrawingArea area = AreaOf(sheet.paper, sheet.options.projection);
+  const DrawingArea area = AreaOf(sheet.paper, sheet.options);
   const double width = Sum(grid.columns) * perUnit + Gaps(grid.columns) + sheet.paper.width - area.width;
   const double height = Sum(grid.rows) * perUnit + Gaps(grid.rows) + sheet.paper.height - area.height;
   if (!(std::max(width, height) < kLongestSide))
@@ -162,7 +163,7 @@ void ChoosePaper(Sheet& sheet, const Grid& grid) {
 }
 
 void PlaceViews(Sheet& sheet, const Grid& grid) {
-  const DrawingArea area = AreaOf(sheet.paper, sheet.options.projection);
+  const DrawingArea area = AreaOf(sheet.paper, sheet.options);
   const double width = Sum(grid.columns) * sheet.perUnit + Gaps(grid.columns);
   const double height = Sum(grid.rows) * sheet.perUnit + Gaps(grid.rows);
   const double left = area.left + (area.width - width) / 2;
@@ -201,7 +202,7 @@ void ChooseWidths(Sheet& sheet) {
   struct Pair {
     double wide, thin;
   };
-  constexpr std::array<Pair, 6> kWidths = {{{0.7, 0.35}, {0.5, 0.25}, {0.35, 0.18}, {0.25, 0.13}, {0.18, 0.13}, {0.13, 0.09}}};
+  constexpr std::array<Pair, 6> kWidths = {{{0.7, 0.35}, {0.5, 0.25}, {0.35, 0.18}, {0.25, 0.13}, {0.18, 0.09}, {0.13, 0.09}}};
   constexpr double kLargeSide = 600;
   constexpr double kMayCover = 0.12;
   const double density = Density(sheet);
@@ -212,6 +213,10 @@ void ChooseWidths(Sheet& sheet) {
 }
 
 }  // namespace
+
+bool IsSideView(const std::string& name) {
+  return SideCell(name, Projection::kThird).has_value();
+}
 
 Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   Sheet sheet;

@@ -5,9 +5,11 @@
 
 #include <utility>
 
+#include "drawing/curves/chain_runs.h"
+
 namespace zbr::drawing {
 
-std::vector<Chain> ChainSegments(const std::vector<EdgeSegment>& segments, double tolerance) {
+std::vector<Chain> ChainSegments(const std::vector<EdgeSegment>& segments, double tolerance, const SeenCircles& circles) {
   std::vector<ZBR_HL_OPT_PT> ends(2 * segments.size());
   for (std::size_t i = 0; i < segments.size(); ++i) {
     ends[2 * i].pt = segments[i].segment.s();
@@ -21,10 +23,8 @@ std::vector<Chain> ChainSegments(const std::vector<EdgeSegment>& segments, doubl
   for (std::size_t i = 0; i < chains.size(); ++i) {
     chains[i].closed = i >= open;
     chains[i].points = std::move(polylines[i]);
-    for (const int end : entered[i]) {
-      const EdgeRef& edge = segments[static_cast<std::size_t>(end) / 2].edge;
-      if (chains[i].edges.empty() || !(chains[i].edges.back() == edge)) chains[i].edges.push_back(edge);
-    }
+    chains[i].edges = EdgesOf(segments, entered[i]);
+    NoteRuns(segments, entered[i], circles, chains[i]);
   }
   return chains;
 }

@@ -8,12 +8,16 @@
 
 namespace zbr::drawing {
 
+class SeenCircles;
+
 struct EdgeSegment {
   ZBR_SEG segment;
   EdgeRef edge;
+  std::uint32_t circle = kNoCircle;  // that the edge is a chord of
+  double t0 = 0.0, t1 = 0.0;         // angles of both ends there
 };
 
 // Ends that are at most `tolerance` apart are joined; shorter segments and repeats are left out.
-std::vector<Chain> ChainSegments(const std::vector<EdgeSegment>& segments, double tolerance);
+std::vector<Chain> ChainSegments(const std::vector<EdgeSegment>& segments, double tolerance, const SeenCircles& circles);
 
 }  // namespace zbr::drawing

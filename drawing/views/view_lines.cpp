@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "drawing/curves/seen_circles.h"
 #include "drawing/views/chains.h"
 
 namespace zbr::drawing {
@@ -32,12 +33,15 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 
 class Collector {
  public:
-  Collector(const Model& model, const Scene& scene) : model_(model), scene_(scene) {}
+  Collector(const Model& model, const Scene& scene, const Circles* circles)
+      : model_(model), scene_(scene), circles_(model, scene, circles) {}
 
   void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
     const std::size_t t = model_.shellBegin[shell] + triangle;
     const std::uint8_t place = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
-    segments_.push_back({place, static_cast<std::uint32_t>(shell), {segment, {model_.source[t], static_cast<std::uint8_t>(edge)}}});
+    EdgeSegment part{segment, {model_.source[t], static_cast<std::uint8_t>(edge)}};
+    circles_.Locate(shell, triangle, static_cast<std::size_t>(edge), part);
+    segments_.push_back({place, static_cast<std::uint32_t>(shell), part});
   }
 
   void AddVisible() {
@@ -69,7 +73,7 @@ class Collector {
     for (std::size_t i = 0; i < segments_.size(); ++i) {
       bin.push_back(segments_[i].segment);
       if (i + 1 < segments_.size() && key(segments_[i + 1]) == key(segments_[i])) continue;
-      for (Chain& chain : ChainSegments(bin, kChainTolerance)) {
+      for (Chain& chain : ChainSegments(bin, kChainTolerance, circles_)) {
         for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
         lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, std::move(chain)});
       }
@@ -81,6 +85,7 @@ class Collector {
  private:
   const Model& model_;
   const Scene& scene_;
+  SeenCircles circles_;
   std::vector<BinnedSegment> segments_;
 };
 
@@ -111,7 +116,7 @@ double ViewLines::VisibleLength() const {
   return length;
 }
 
-ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden) {
+ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles) {
   const ZBR_TmpEps hold(kSceneTolerance);
   ViewLines view;
   view.view = scene.view;
@@ -121,7 +126,7 @@ ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden) {
   for (const ZBR_HL_TRI& triangle : scene.triangles) {
     for (const ZBR_PT3& p : triangle.pt) view.extent.Add(ZBR_PT(p.x() / scene.scale, p.y() / scene.scale));
   }
-  Collector collector(model, scene);
+  Collector collector(model, scene, circles);
   collector.AddVisible();
   collector.ChainInto(view.lines, false);
   if (hidden) collector.AddHidden();

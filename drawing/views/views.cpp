@@ -5,21 +5,22 @@
 #include <zbr-drawing/removal.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "drawing/views/parallel.h"
 
 namespace zbr::drawing {
 namespace {
 
-ViewLines DrawView(const Model& model, const NamedDirection& direction, const DrawingOptions& options, unsigned threads,
-                   const std::function<void(DrawStage)>& at) {
+ViewLines DrawView(const Model& model, const Circles* circles, const NamedDirection& direction, const DrawingOptions& options,
+                   unsigned threads, const std::function<void(DrawStage)>& at) {
   at(DrawStage::kScene);
   Scene scene = MakeScene(model, direction.view);
   if (options.contact >= 0) scene.contact = options.contact * scene.scale;
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
   at(DrawStage::kLines);
-  ViewLines lines = CollectLines(model, scene, options.hidden);
+  ViewLines lines = CollectLines(model, scene, options.hidden, circles);
   lines.name = direction.name;
   if (options.outlines) {
     at(DrawStage::kOutlines);
@@ -35,12 +36,14 @@ ViewLines DrawView(const Model& model, const NamedDirection& direction, const Dr
 
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
   std::vector<ViewLines> drawn(views.size());
+  std::optional<Circles> circles;
+  if (options.curves) circles = FindCircles(model);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {
       if (options.progress) options.progress(i, stage);
     };
-    drawn[i] = DrawView(model, views[i], options, std::max(options.threads / atOnce, 1U), at);
+    drawn[i] = DrawView(model, circles ? &*circles : nullptr, views[i], options, std::max(options.threads / atOnce, 1U), at);
   });
   return drawn;
 }

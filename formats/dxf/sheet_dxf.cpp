@@ -13,6 +13,9 @@ namespace {
 constexpr const char* kVisible = "VISIBLE";
 constexpr const char* kOutline = "OUTLINE";
 constexpr const char* kHidden = "HIDDEN";
+// Some programs go by the name of a line type and leave its pattern: of the standard names this comes nearest to the dashes of
+// hidden lines, 3 mm for the usual width.
+constexpr const char* kDashes = "HIDDEN2";
 constexpr const char* kFrame = "FRAME";
 constexpr const char* kTitle = "TITLE";
 
@@ -29,17 +32,17 @@ std::string FillLayer(const ObjectSource& object) {
 }
 
 DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
-  constexpr int kMillimetres = 4, kBlack = 7, kBlue = 5, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
-  const bool dashed = sheet.options.hidden == HiddenStyle::kDashed;
+  constexpr int kMillimetres = 4, kBlack = 7, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
+  const bool off = sheet.options.hidden == HiddenStyle::kLayer;
   const std::string continuous = "CONTINUOUS";
   DxfSetup setup;
   setup.version = version;
   setup.units = kMillimetres;
   setup.showWidths = true;
-  setup.lineTypes = {{"HIDDEN", "Hidden __ __ __ __", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
+  setup.lineTypes = {{kDashes, "Hidden (.5x) _ _ _ _ _", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
   setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous, false},
-                  {kOutline, kBlue, Hundredths(sheet.wide), continuous, false},
-                  {kHidden, kGrey, Hundredths(sheet.thin), dashed ? "HIDDEN" : continuous, !dashed},
+                  {kOutline, kBlack, Hundredths(sheet.wide), continuous, false},
+                  {kHidden, kGrey, Hundredths(sheet.thin), kDashes, off},
                   {kFrame, kBlack, kFrameWidth, continuous, false},
                   {kTitle, kBlack, kTitleWidth, continuous, false}};
   if (!HasOutlines(sheet)) return setup;
@@ -66,6 +69,31 @@ void AddOutlines(DxfDocument& document, const Sheet& sheet, const PlacedView& vi
   }
 }
 
+// Arcs are entities of their own: of these programs snap to the centre and measure the radius, which are the same for all arcs of a
+// circle. What is between them is straight.
+void AddPieces(DxfDocument& document, const Path& path, const DxfPen& pen) {
+  if (path.curves.empty()) return document.AddPath(path, pen);
+  const std::size_t n = path.points.size(), edges = path.closed ? n : n - 1;
+  std::size_t first = 0;
+  const auto addStraight = [&](std::size_t last) {
+    Path piece;
+    for (std::size_t i = first; i <= last; ++i) piece.points.push_back(path.points[i % n]);
+    if (first < last) document.AddPath(piece, pen);
+  };
+  for (const Curve& curve : path.curves) {
+    addStraight(curve.at);
+    Path arc;
+    const bool isWhole = path.closed && n == 1;
+    arc.points = isWhole ? path.points : std::vector<ZBR_PT>{path.points[curve.at], path.points[(curve.at + 1) % n]};
+    arc.closed = isWhole;
+    arc.curves = {curve};
+    arc.curves[0].at = 0;
+    document.AddPath(arc, pen);
+    first = curve.at + 1;
+  }
+  addStraight(edges);
+}
+
 }  // namespace
 
 std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
@@ -73,10 +101,7 @@ std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& o
   for (const PlacedView& view : sheet.views) {
     AddOutlines(document, sheet, view, objects);
     for (const Line& line : view.lines.lines) {
-      std::vector<ZBR_PT> points;
-      for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
-      if (line.chain.closed) points.pop_back();
-      document.AddPolyline(points, line.chain.closed, {LayerOf(line)});
+      AddPieces(document, sheet.OnPaper(view, line.chain), {LayerOf(line)});
     }
   }
   for (const SheetPath& path : sheet.paths) document.AddPolyline(path.points, path.closed, {path.wide ? kFrame : kTitle});

@@ -22,17 +22,19 @@ class Coordinates {
     if (size > 0) power_ = std::pow(10.0, 9 - std::floor(std::log10(size)));
     if (!std::isnormal(power_)) power_ = 0.0;
   }
-  void Append(std::string& text, const ZBR_PT& p) const {
-    text += '[';
-    AppendNumber(text, Rounded(p.x() + middle_.x()));
-    text += ',';
-    AppendNumber(text, Rounded(p.y() + middle_.y()));
-    text += ']';
-  }
+  void Append(std::string& text, const ZBR_PT& p) const { AppendPair(text, p + middle_); }
+  void AppendDirection(std::string& text, const ZBR_PT& v) const { AppendPair(text, v); }
 
  private:
+  void AppendPair(std::string& text, const ZBR_PT& p) const {
+    text += '[';
+    AppendNumber(text, Rounded(p.x()));
+    text += ',';
+    AppendNumber(text, Rounded(p.y()));
+    text += ']';
+  }
   double Rounded(double value) const {
-    const double rounded = std::round(value * power_) / power_;
+    const double rounded = std::round(value * power_) / power_ + 0.0;  // without the sign of a zero
     return std::isfinite(rounded) ? rounded : value;
   }
 
@@ -48,6 +50,31 @@ const char* BoolText(bool value) {
   return value ? "true" : "false";
 }
 
+// Angles are rounded to what trigonometric functions agree on everywhere.
+void AppendAngle(std::string& text, double angle) {
+  constexpr double kDigits = 1e12;
+  AppendNumber(text, std::round(angle * kDigits) / kDigits + 0.0);
+}
+
+void AppendCurves(std::string& text, const std::vector<CircleRun>& curves, const Coordinates& coordinates) {
+  text += ",\"curves\":[";
+  for (const CircleRun& run : curves) {
+    if (&run != &curves.front()) text += ',';
+    text += "{\"first\":" + std::to_string(run.at) + ",\"last\":" + std::to_string(run.last) + ",\"centre\":";
+    coordinates.Append(text, run.centre);
+    text += ",\"u\":";
+    coordinates.AppendDirection(text, run.u);
+    text += ",\"v\":";
+    coordinates.AppendDirection(text, run.v);
+    text += ",\"t0\":";
+    AppendAngle(text, run.t0);
+    text += ",\"t1\":";
+    AppendAngle(text, run.t1);
+    text += '}';
+  }
+  text += ']';
+}
+
 void AppendPolyline(std::string& text, const Line& line, const Coordinates& coordinates) {
   text += std::string("{\"class\":\"") + NameOf(line.edgeClass) + "\",\"visible\":" + BoolText(!line.hidden) +
           ",\"closed\":" + BoolText(line.chain.closed) + ",\"shell\":" + std::to_string(line.shell) + ",\"edges\":[";
@@ -60,7 +87,9 @@ void AppendPolyline(std::string& text, const Line& line, const Coordinates& coor
     if (&p != &line.chain.points.front()) text += ',';
     coordinates.Append(text, p);
   }
-  text += "]}";
+  text += ']';
+  if (!line.chain.curves.empty()) AppendCurves(text, line.chain.curves, coordinates);
+  text += '}';
 }
 
 std::string TextOf(const Json& json) {

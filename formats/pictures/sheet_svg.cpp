@@ -3,16 +3,12 @@
 #include <zbr-drawing/region.h>
 #include <zbr-formats/sheets.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-
+#include "formats/pictures/sheet_ink.h"
+#include "formats/pictures/sheet_path.h"
 #include "formats/pictures/svg_text.h"
 
 namespace zbr::formats {
 namespace {
-
-constexpr double kMerged = 0.02;  // mm: points closer together than this make no difference on paper
 
 std::string Attribute(const char* name, const std::string& value) {
   return std::string(" ") + name + "=\"" + value + "\"";
@@ -22,65 +18,24 @@ std::string MmText(double value) {
   return RoundedText(value, 3);
 }
 
-// Where points of the paper are on the page, whose y points down.
-class Page {
- public:
-  explicit Page(double height) : height_(height) {}
-
-  // Points too close to the one before are left out, the last one kept.
-  std::string PathData(const std::vector<ZBR_PT>& points, bool closed) const {
-    std::string data;
-    ZBR_PT last;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-      if (i > 0 && i + 1 < points.size() && points[i].Distance(last) < kMerged) continue;
-      data += i == 0 ? 'M' : 'L';
-      data += Px(points[i].x());
-      data += ' ';
-      data += Px(Down(points[i].y()));
-      last = points[i];
-    }
-    return data + (closed ? "Z" : "");
-  }
-  double Down(double y) const { return height_ - y; }
-
- private:
-  double height_;
-};
-
-double LengthOf(const std::vector<ZBR_PT>& points) {
-  double length = 0.0;
-  for (std::size_t i = 1; i < points.size(); ++i) length += points[i].Distance(points[i - 1]);
-  return length;
-}
-
-// The dashes of an open line are stretched or shortened so that it starts and ends with a whole one: then corners close, and a
-// short line still shows that it is hidden.
-std::string Dashes(double length, double lineWidth) {
-  constexpr double kShortest = 1;
-  if (length < kShortest) return "none";
-  const double dash = kDash * lineWidth, period = (kDash + kDashGap) * lineWidth;
-  const double gaps = std::max(std::round((length - dash) / period), 1.0);
-  const double stretch = length / (gaps * period + dash);
-  return Px(dash * stretch) + " " + Px((period - dash) * stretch);
-}
-
-std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& line, const Page& page) {
-  std::vector<ZBR_PT> points;
-  for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
+std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& line, const SheetPage& page) {
   std::string style;
-  if (line.hidden && sheet.options.hidden == HiddenStyle::kDashed && !line.chain.closed)
-    style = Attribute("stroke-dasharray", Dashes(LengthOf(points), sheet.thin));
-  if (line.chain.closed) points.pop_back();
-  return "<path" + style + Attribute("d", page.PathData(points, line.chain.closed)) + "/>\n";
+  if (line.hidden && sheet.options.hidden == HiddenStyle::kDashed && !line.chain.closed) {
+    const auto dashes = DashesOf(sheet, line);
+    style = Attribute("stroke-dasharray", dashes ? Px(dashes->dash) + " " + Px(dashes->gap) : "none");
+  }
+  return "<path" + style + Attribute("d", page.PathData(sheet.OnPaper(view, line.chain))) + "/>\n";
 }
 
-// Light enough for lines on top, and apart from each other even in print.
-std::string ShadeOf(std::size_t object) {
-  constexpr std::array<const char*, 6> kShades = {"#e4e6e9", "#c9d8e6", "#ecdfc4", "#cfe3cf", "#e9d0cd", "#d8d0e6"};
-  return kShades[object % kShades.size()];
+std::string ShadeText(std::size_t object) {
+  std::string text = "#";
+  for (const int value : ShadeOf(object)) {
+    for (const int digit : {value / 16, value % 16}) text += "0123456789abcdef"[digit];
+  }
+  return text;
 }
 
-std::string RingsData(const Sheet& sheet, const PlacedView& view, const LoopList& loops, const Page& page) {
+std::string RingsData(const Sheet& sheet, const PlacedView& view, const LoopList& loops, const SheetPage& page) {
   std::string data;
   ForEachRing(loops, [&](const ZBR_LOOP& ring) {
     std::vector<ZBR_PT> points;
@@ -95,7 +50,7 @@ std::string ViewId(const PlacedView& view) {
 }
 
 // The hidden or the visible lines of a view.
-std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const Page& page) {
+std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const SheetPage& page) {
   const char* const visibility = hidden ? "hidden" : "visible";
   std::string content;
   for (const EdgeClass edgeClass : kDrawnClasses) {
@@ -121,21 +76,19 @@ std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, 
 }
 
 // What each object covers, below all lines. A hairline of the same shade closes the seams that smoothing leaves between neighbours.
-std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects, const Page& page) {
-  constexpr double kSeam = 0.05;
+std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects, const SheetPage& page) {
   std::string paths;
   for (std::size_t k = 0; k < view.lines.outlines.size(); ++k) {
     const std::string data = RingsData(sheet, view, view.lines.outlines[k], page);
     if (data.empty()) continue;
-    paths += "<path" + Attribute("id", ViewId(view) + "-fill-" + std::to_string(k)) + Attribute("fill", ShadeOf(k)) +
-             Attribute("stroke", ShadeOf(k)) + Attribute("d", data) + "><title>" + Escaped(objects[k].id) + "</title></path>\n";
+    paths += "<path" + Attribute("id", ViewId(view) + "-fill-" + std::to_string(k)) + Attribute("fill", ShadeText(k)) +
+             Attribute("stroke", ShadeText(k)) + Attribute("d", data) + "><title>" + Escaped(objects[k].id) + "</title></path>\n";
   }
   if (paths.empty()) return "";
   return "<g class=\"fill\" fill-rule=\"evenodd\"" + Attribute("stroke-width", MmText(kSeam)) + ">\n" + paths + "</g>\n";
 }
 
-std::string FrameGroup(const Sheet& sheet, const Page& page) {
-  constexpr double kWideFrame = 0.7, kThinFrame = 0.25;
+std::string FrameGroup(const Sheet& sheet, const SheetPage& page) {
   std::string svg = "<g id=\"sheet\"" + Attribute("stroke-width", MmText(kThinFrame)) + ">\n";
   for (const SheetPath& path : sheet.paths) {
     svg += "<path" + (path.wide ? Attribute("stroke-width", MmText(kWideFrame)) : "") +
@@ -146,7 +99,6 @@ std::string FrameGroup(const Sheet& sheet, const Page& page) {
            Attribute("r", Px(circle.radius)) + "/>\n";
   }
   for (const SheetText& text : sheet.texts) {
-    constexpr double kSizePerHeight = 1.38;  // the size of a font counts the room above and below its capitals
     const std::string style = "stroke=\"none\" fill=\"#000\" font-size=\"" + Px(text.height * kSizePerHeight) + "\"";
     svg += TextElement(text.at.x(), page.Down(text.at.y()), style, text.text);
   }
@@ -156,7 +108,7 @@ std::string FrameGroup(const Sheet& sheet, const Page& page) {
 }  // namespace
 
 std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
-  const Page page(sheet.paper.height);
+  const SheetPage page(sheet.paper.height);
   const std::string width = Px(sheet.paper.width), height = Px(sheet.paper.height);
   std::string svg =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"" + Attribute("width", width + "mm") +

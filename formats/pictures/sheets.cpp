@@ -8,6 +8,7 @@ namespace zbr::formats {
 std::optional<SheetFormat> SheetFormatByName(const std::string& name) {
   if (name == "svg") return SheetFormat::kSvg;
   if (name == "dxf") return SheetFormat::kDxf;
+  if (name == "pdf") return SheetFormat::kPdf;
   if (name == "json") return SheetFormat::kJson;
   return std::nullopt;
 }
@@ -15,6 +16,7 @@ std::optional<SheetFormat> SheetFormatByName(const std::string& name) {
 std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells,
                        DxfVersion version) {
   if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet, objects, version);
+  if (format == SheetFormat::kPdf) return WriteSheetPdf(sheet);
   if (format == SheetFormat::kJson) return WriteSheetJson(sheet, objects, shells);
   return WriteSheetSvg(sheet, objects);
 }

@@ -24,8 +24,10 @@ Paper Turned(const Paper& paper);
 // "1:2", "2:1" or a number. Fails unless positive and finite.
 double ParseScale(const std::string& text);
 
-// The largest scale of the series 1, 2, 5, 10, ... on either side of 1:1 that is at most `limit`.
+// The largest scale of the series 1, 2, 2.5, 5, 10, ... on either side of 1:1 that is at most `limit`.
 double StandardScale(double limit);
+// The same of all scales with three digits, such as 1:1.37.
+double FittingScale(double limit);
 
 std::string ScaleText(double scale);
 

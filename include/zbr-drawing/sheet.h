@@ -27,11 +27,13 @@ enum class HiddenStyle { kNone, kDashed, kLayer };  // kLayer: on a layer that i
 struct SheetOptions {
   Projection projection = Projection::kNone;
   HiddenStyle hidden = HiddenStyle::kDashed;
-  std::optional<double> scale;  // of the drawing to the model; none: the largest standard one that fits
+  std::optional<double> scale;  // of the drawing to the model; none: the largest that fits
+  bool anyScale = false;        // which is a standard one, unless this is set
   std::optional<Paper> paper;   // none: A4 for one view, A3 for several, larger when a given scale needs it
   std::string title;
-  std::string unit = "mm";   // of the model
-  double millimetres = 1.0;  // of one unit
+  std::string number, author, date;  // of the drawing; empty ones have no field
+  std::string unit = "mm";           // of the model
+  double millimetres = 1.0;          // of one unit
 };
 
 struct PlacedView {
@@ -68,6 +70,8 @@ struct Sheet {
   std::vector<SheetText> texts;
 
   ZBR_PT OnPaper(const PlacedView& view, const ZBR_PT& p) const { return view.origin + p * perUnit; }
+  // With arcs in place of the runs along circles.
+  Path OnPaper(const PlacedView& view, const Chain& chain) const;
 };
 
 // Dashes of hidden lines are this many line widths long, and the gaps between them.
@@ -77,13 +81,16 @@ inline constexpr double kDashGap = 3.0;
 // Arranges the views. Fails when paper and scale are given and the views do not fit.
 Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options);
 
-// Adds frame, title block and projection symbol.
+// Whether a view of this name shows one side of the model: front, back, left, right, top or bottom.
+bool IsSideView(const std::string& name);
+
+// Adds frame, title block and projection symbol; and the names of views whose place does not tell what they show.
 void AddFrame(Sheet& sheet);
 
 // Room that the frame and the title block leave for views.
 struct DrawingArea {
   double left, bottom, width, height;
 };
-DrawingArea AreaWithinFrame(const Paper& paper);
+DrawingArea AreaWithinFrame(const Paper& paper, const SheetOptions& options);
 
 }  // namespace zbr::drawing

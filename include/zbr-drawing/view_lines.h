@@ -8,6 +8,7 @@
 // Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
 #pragma once
 
+#include <zbr-drawing/circles.h>
 #include <zbr-drawing/drawing.h>
 #include <zbr-drawing/region.h>
 #include <zbr-drawing/scene.h>
@@ -27,9 +28,18 @@ struct EdgeRef {
   bool operator==(const EdgeRef& o) const { return triangle == o.triangle && edge == o.edge; }
 };
 
+// A run of a chain along a circle of the model: what the points from `at` to `last` stand for is centre + u cos t + v sin t with t
+// from t0 to t1. u and v are the half axes, u the longer one and v counter-clockwise from it; runs on one circle have them, and the
+// centre, equal to the bit. A whole circle has t1 = t0 + or - 2 pi.
+struct CircleRun : Curve {
+  std::size_t last = 0;
+  std::uint32_t circle = 0;  // place in the model's circles (circles.h)
+};
+
 struct Chain {
-  std::vector<ZBR_PT> points;  // of a closed one the last repeats the first
-  std::vector<EdgeRef> edges;  // in the order of the chain; next to each other none twice
+  std::vector<ZBR_PT> points;     // of a closed one the last repeats the first
+  std::vector<EdgeRef> edges;     // in the order of the chain; next to each other none twice
+  std::vector<CircleRun> curves;  // in the order of the chain, without overlap; the rest of it is straight between points
   bool closed = false;
 };
 
@@ -62,7 +72,7 @@ const char* NameOf(EdgeClass edgeClass);
 inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass::kBorder, EdgeClass::kCrease, EdgeClass::kJunction};
 
 // Chains the lines of a processed scene, for each class and shell by itself, and adds the box. The hidden ones are those that a
-// person would draw: none below a visible line.
-ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden);
+// person would draw: none below a visible line. With circles of the model, chains tell where they run along them.
+ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles = nullptr);
 
 }  // namespace zbr::drawing

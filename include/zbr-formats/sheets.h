@@ -18,9 +18,13 @@ std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& o
 // Every polyline with its points in the unit of the model and the edges it is part of; outlines as polygons.
 std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells);
 
-enum class SheetFormat { kSvg, kDxf, kJson };
+// One page, with layers for fills, hidden lines, visible lines and the frame; arcs are Bézier curves. The same sheet gives the same
+// bytes.
+std::string WriteSheetPdf(const Sheet& sheet);
 
-// "svg", "dxf" or "json", which are the extensions, too; nothing for any other name.
+enum class SheetFormat { kSvg, kDxf, kPdf, kJson };
+
+// "svg", "dxf", "pdf" or "json", which are the extensions, too; nothing for any other name.
 std::optional<SheetFormat> SheetFormatByName(const std::string& name);
 
 // A sheet in any of the formats; `shells` is how many the model has.

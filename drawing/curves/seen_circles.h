@@ -1,0 +1,42 @@
+// The circles of a model as a view shows them: circles, ellipses or, seen edge-on, lines.
+#pragma once
+
+#include <zbr-drawing/circles.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-drawing/view_lines.h>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "drawing/views/chains.h"
+
+namespace zbr::drawing {
+
+class SeenCircles {
+ public:
+  // Refers to all three; `circles` may be null.
+  SeenCircles(const Model& model, const Scene& scene, const Circles* circles);
+
+  // Tells the segment, a part of edge `edge` of a triangle in the drawing, its circle and its angles there.
+  void Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment);
+
+  // Centre and half axes; the rest of the record is empty.
+  CircleRun Curve(std::uint32_t circle) const;
+
+ private:
+  // The half axes in space and in the drawing, of which none are needed for circles seen edge-on.
+  struct Seen {
+    bool isKnown = false, isCurve = false;
+    ZBR_PT3 x, y;
+    ZBR_PT centre, u, v;
+  };
+  Seen Look(const Circle& circle) const;
+
+  const Model& model_;
+  const Scene& scene_;
+  const Circles* circles_;
+  std::vector<Seen> seen_;  // parallel to the circles
+};
+
+}  // namespace zbr::drawing
