@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 
 #include "drawing/views/chains.h"
 
@@ -21,7 +22,7 @@ constexpr double kChainTolerance = 1e-3;  // in scene units: a hundred-thousandt
 
 struct BinnedSegment {
   std::uint8_t edgeClass = 0;  // place in kDrawnClasses
-  std::uint32_t shell = 0;
+  std::uint32_t shell = 0, other = 0;
   EdgeSegment segment;
 };
 
@@ -36,8 +37,19 @@ class Collector {
 
   void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
     const std::size_t t = model_.shellBegin[shell] + triangle;
-    const std::uint8_t place = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
-    segments_.push_back({place, static_cast<std::uint32_t>(shell), {segment, {model_.source[t], static_cast<std::uint8_t>(edge)}}});
+    BinnedSegment s;
+    s.edgeClass = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
+    s.shell = s.other = static_cast<std::uint32_t>(shell);
+    s.segment.segment = segment;
+    if (t < model_.TriangleCount()) {
+      s.segment.edge = {model_.source[t], static_cast<std::uint8_t>(edge)};
+    } else {
+      const auto [first, second] = scene_.crossing[t - model_.TriangleCount()];
+      s.shell = model_.ShellOf(first);
+      s.other = model_.ShellOf(second);
+      s.segment.edge = {model_.source[first], EdgeRef::kAcross};
+    }
+    segments_.push_back(s);
   }
 
   void AddVisible() {
@@ -62,7 +74,7 @@ class Collector {
   }
 
   void ChainInto(std::vector<Line>& lines, bool hidden) {
-    const auto key = [](const BinnedSegment& s) { return std::pair(s.edgeClass, s.shell); };
+    const auto key = [](const BinnedSegment& s) { return std::tuple(s.edgeClass, s.shell, s.other); };
     std::stable_sort(segments_.begin(), segments_.end(),
                      [&](const BinnedSegment& a, const BinnedSegment& b) { return key(a) < key(b); });
     std::vector<EdgeSegment> bin;
@@ -71,7 +83,7 @@ class Collector {
       if (i + 1 < segments_.size() && key(segments_[i + 1]) == key(segments_[i])) continue;
       for (Chain& chain : ChainSegments(bin, kChainTolerance)) {
         for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
-        lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, std::move(chain)});
+        lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, segments_[i].other, std::move(chain)});
       }
       bin.clear();
     }
@@ -96,6 +108,10 @@ const char* NameOf(EdgeClass edgeClass) {
       return "junction";
     case EdgeClass::kSilhouette:
       return "silhouette";
+    case EdgeClass::kTangent:
+      return "tangent";
+    case EdgeClass::kIntersection:
+      return "intersection";
     case EdgeClass::kSmooth:
       break;
   }

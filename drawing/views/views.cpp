@@ -11,10 +11,10 @@
 namespace zbr::drawing {
 namespace {
 
-ViewLines DrawView(const Model& model, const NamedDirection& direction, const DrawingOptions& options, unsigned threads,
+ViewLines DrawView(const Model& model, const std::vector<IntersectionLine>& crossings, const NamedDirection& direction, const DrawingOptions& options, unsigned threads,
                    const std::function<void(DrawStage)>& at) {
   at(DrawStage::kScene);
-  Scene scene = MakeScene(model, direction.view);
+  Scene scene = MakeScene(model, direction.view, crossings);
   if (options.contact >= 0) scene.contact = options.contact * scene.scale;
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
@@ -35,12 +35,14 @@ ViewLines DrawView(const Model& model, const NamedDirection& direction, const Dr
 
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
   std::vector<ViewLines> drawn(views.size());
+  std::vector<IntersectionLine> crossings;
+  if (options.intersections && !views.empty()) crossings = FindIntersections(model);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {
       if (options.progress) options.progress(i, stage);
     };
-    drawn[i] = DrawView(model, views[i], options, std::max(options.threads / atOnce, 1U), at);
+    drawn[i] = DrawView(model, crossings, views[i], options, std::max(options.threads / atOnce, 1U), at);
   });
   return drawn;
 }

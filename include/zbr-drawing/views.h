@@ -28,6 +28,7 @@ enum class DrawStage { kScene, kRemoval, kLines, kOutlines, kDone };
 
 struct DrawingOptions {
   bool hidden = true;     // hidden lines, too
+  bool intersections = true;  // lines where surfaces pass through each other, found once for all views
   bool outlines = false;  // what nearer objects leave visible of each object, in ViewLines::outlines
   unsigned threads = 1;   // views are worked on at once, and the triangles of each with the threads left over
 
