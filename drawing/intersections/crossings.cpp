@@ -140,19 +140,23 @@ class Finder {
 
   // The edge across from the corner, of one of them, passes through the other, or there is nothing but the corner.
   void MeetAtCorner(std::uint32_t t, std::size_t atT, std::uint32_t u, std::size_t atU) {
+    if (IsOnOneSide(t, (atT + 1) % 3, u) || IsOnOneSide(u, (atU + 1) % 3, t)) return;
     for (const bool swapped : {false, true}) {
       const std::uint32_t by = swapped ? u : t, through = swapped ? t : u;
       const std::size_t edge = ((swapped ? atU : atT) + 1) % 3;
-      const Corners& c = mesh_.corners[by];
-      const int p = signs_.Side(mesh_.corners[through], c[edge], Moves::kEachPoint);
-      const int q = signs_.Side(mesh_.corners[through], c[(edge + 1) % 3], Moves::kEachPoint);
-      if (p == q || !Passes(by, edge, through, Moves::kEachPoint)) continue;
+      if (!Passes(by, edge, through, Moves::kEachPoint)) continue;
       IntersectionLine line;
       const std::uint32_t corner = mesh_.corners[t][atT];
       line.ends[0] = {IntersectionEnd::kAtCorner, corner, mesh_.points[corner]};
       if (SetEnd(by, edge, through, line.ends[1])) Add(line, t, u);
       return;
     }
+  }
+
+  // Whether both ends of an edge are on one side of the plane of a triangle of the same shell.
+  bool IsOnOneSide(std::uint32_t of, std::size_t edge, std::uint32_t triangle) const {
+    const Corners &c = mesh_.corners[of], &plane = mesh_.corners[triangle];
+    return signs_.Side(plane, c[edge], Moves::kEachPoint) == signs_.Side(plane, c[(edge + 1) % 3], Moves::kEachPoint);
   }
 
   // False when all corners of `of` lie on one side of the triangle.

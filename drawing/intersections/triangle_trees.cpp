@@ -54,7 +54,7 @@ void SortBoxes(std::span<FloatBox> boxes, std::span<std::uint32_t> places) {
 
 FloatBox FloatBox::Empty() {
   constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  return {{kInfinity, kInfinity, kInfinity}, {-kInfinity, -kInfinity, -kInfinity}};
+  return {{kInfinity, kInfinity, kInfinity, 0}, {-kInfinity, -kInfinity, -kInfinity, 0}};
 }
 
 void FloatBox::Add(const GridPoint& p) {

@@ -12,12 +12,17 @@
 #include <span>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "drawing/intersections/exact_sign.h"
 
 namespace zbr::drawing {
 
-struct FloatBox {
-  std::array<float, 3> low, high;
+// The fourth numbers are 0, so that boxes are compared with two instructions where the processor has some for four numbers.
+struct alignas(16) FloatBox {
+  std::array<float, 4> low, high;
 
   static FloatBox Empty();
   void Add(const GridPoint& p);
@@ -25,9 +30,15 @@ struct FloatBox {
 };
 
 inline bool Meet(const FloatBox& a, const FloatBox& b) {
+#if defined(__SSE2__)
+  const __m128 below = _mm_cmple_ps(_mm_load_ps(a.low.data()), _mm_load_ps(b.high.data()));
+  const __m128 above = _mm_cmple_ps(_mm_load_ps(b.low.data()), _mm_load_ps(a.high.data()));
+  return _mm_movemask_ps(_mm_and_ps(below, above)) == 15;
+#else
   bool meet = true;
   for (std::size_t i = 0; i < 3; ++i) meet &= (a.low[i] <= b.high[i]) & (b.low[i] <= a.high[i]);
   return meet;
+#endif
 }
 
 // One tree within arrays that many trees share. Leaves are named by their places in the order.
@@ -51,7 +62,7 @@ class TreeView {
   // Calls visit(i, j) for leaves i of this tree and j of the other whose boxes meet.
   template <class Visit>
   void Join(const TreeView& other, Visit& visit) const {
-    Join(top_, 0, other, other.top_, 0, visit);
+    if (Meet(Root(), other.Root())) Join(top_, 0, other, other.top_, 0, visit);
   }
 
  private:
@@ -65,22 +76,28 @@ class TreeView {
     if (level == 0) return;
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
       JoinSelf(level - 1, i, visit);
-      for (std::uint32_t j = i + 1; j < end; ++j) Join(level - 1, i, *this, level - 1, j, visit);
+      for (std::uint32_t j = i + 1; j < end; ++j) {
+        if (Meet(levels_[level - 1][i], levels_[level - 1][j])) Join(level - 1, i, *this, level - 1, j, visit);
+      }
     }
   }
 
+  // The two nodes meet.
   template <class Visit>
   void Join(std::size_t level, std::uint32_t node, const TreeView& other, std::size_t otherLevel, std::uint32_t otherNode,
             Visit& visit) const {
-    if (!Meet(levels_[level][node], other.levels_[otherLevel][otherNode])) return;
     if (level == 0 && otherLevel == 0) {
       visit(node, otherNode);
     } else if (level >= otherLevel) {
-      for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i)
-        Join(level - 1, i, other, otherLevel, otherNode, visit);
+      const FloatBox box = other.levels_[otherLevel][otherNode];
+      for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
+        if (Meet(levels_[level - 1][i], box)) Join(level - 1, i, other, otherLevel, otherNode, visit);
+      }
     } else {
-      for (std::uint32_t j = otherNode * kFanOut, end = other.End(otherLevel, otherNode); j < end; ++j)
-        Join(level, node, other, otherLevel - 1, j, visit);
+      const FloatBox box = levels_[level][node];
+      for (std::uint32_t j = otherNode * kFanOut, end = other.End(otherLevel, otherNode); j < end; ++j) {
+        if (Meet(box, other.levels_[otherLevel - 1][j])) Join(level, node, other, otherLevel - 1, j, visit);
+      }
     }
   }
 
