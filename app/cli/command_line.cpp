@@ -232,6 +232,8 @@ void CommandLine::DeclareDraw() {
   AddNumber(command, "--contact", kLength, draw_.contact,
             "Bodies at most this far apart stand face to face, and the edges that they share are drawn; by default four times what "
             "coordinates are rounded to, where they were rounded to single precision");
+  AddChoice(command, "--intersections", draw_.intersections, {"on", "off"},
+            "Draw the lines where bodies pass through each other, or a body through itself; on by default", "SWITCH");
   DeclareSheet(command);
   AddJobs(command, draw_.jobs);
   command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
@@ -246,7 +248,12 @@ void CommandLine::DeclareSheet(CLI::App& command) {
             "views, and no sheet for one",
             "ANGLE");
   AddChoice(command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
-            "Hidden lines: none, dashed (by default) or layer, on a layer that is switched off", "STYLE");
+            "Hidden lines: none, dashed or layer, on a layer that is switched off; by default dashed in views along an axis, none in "
+            "others such as iso",
+            "STYLE");
+  AddChoice(command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
+            "Smooth edges at which fillets and other bent faces end: none, thin (by default) or layer, on a layer that is switched off",
+            "STYLE");
   command.add_option("--scale", draw_.scale, "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 5, 10, ... that fits")
       ->type_name("SCALE");
   command

@@ -25,6 +25,9 @@ struct DrawPlan {
   std::vector<NamedDirection> views;
   unsigned threads = 1;
   double contact = -1.0;
+  HiddenLines hidden = HiddenLines::kInPrincipalViews;
+  bool intersections = true;
+  bool tangents = true;
   bool fill = false;
 };
 

@@ -13,6 +13,7 @@
 
 #include "drawing/model/edge_classes.h"
 #include "drawing/model/records.h"
+#include "drawing/model/tangents.h"
 #include "drawing/model/weld.h"
 
 namespace zbr::drawing {
@@ -208,7 +209,7 @@ double WeldDistance(const std::vector<ZBR_PT3>& points, double weld) {
 }  // namespace
 
 EdgeClass Model::Class(std::size_t shell, const ZBR_ZBREPE& edge) const {
-  if (!edge.GetShow()) return EdgeClass::kSmooth;
+  if (!edge.GetShow()) return Note(shell, edge).isTangent ? EdgeClass::kTangent : EdgeClass::kSmooth;
   if (Note(shell, edge).isJunction) return EdgeClass::kJunction;
   return edge.GetTriangle1() == nullptr ? EdgeClass::kBorder : EdgeClass::kCrease;
 }
@@ -229,6 +230,7 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
   SetNormals(model);
   ShowEdges(model, creaseDegrees);
   FindFacing(model);
+  NoteTangents(model);
   FindObjects(mesh.objects, model);
   return model;
 }

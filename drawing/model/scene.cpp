@@ -37,7 +37,8 @@ double ContactOf(const Model& model, double scale) {
 
 class SceneMaker {
  public:
-  SceneMaker(const Model& model, Scene& scene) : model_(model), scene_(scene), centre_(model.Centre()) {}
+  SceneMaker(const Model& model, Scene& scene, bool tangents)
+      : model_(model), scene_(scene), tangents_(tangents), centre_(model.Centre()) {}
 
   void FillShell(std::size_t s) {
     shell_ = s;
@@ -127,11 +128,13 @@ class SceneMaker {
     const ZBR_PT3* const normals = model_.normals.data() + model_.shellBegin[shell_];
     const double here = HasEdgeSeenEndOn(triangles_[t]) ? 0.0 : normals[t].InnerProduct(scene_.view.toViewer);
     const double other = HasEdgeSeenEndOn(triangles_[u]) ? 0.0 : normals[u].InnerProduct(scene_.view.toViewer);
-    return IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_]) ? EdgeClass::kSilhouette : EdgeClass::kSmooth;
+    if (IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_])) return EdgeClass::kSilhouette;
+    return tangents_ && note.isTangent ? EdgeClass::kTangent : EdgeClass::kSmooth;
   }
 
   const Model& model_;
   Scene& scene_;
+  const bool tangents_;
   const ZBR_PT3 centre_;
   // Of the shell being filled.
   std::size_t shell_ = 0;
@@ -144,7 +147,7 @@ class SceneMaker {
 
 }  // namespace
 
-void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines) {
+void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines, bool tangents) {
   const double diagonal = model.Diagonal();
   scene.view = view;
   scene.scale = diagonal > 0 ? kSceneDiagonal / diagonal : 1.0;
@@ -155,15 +158,15 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();
   scene.shells.reserve(model.ShellCount() + 1);
-  SceneMaker maker(model, scene);
+  SceneMaker maker(model, scene, tangents);
   for (std::size_t s = 0; s < model.ShellCount(); ++s) maker.FillShell(s);
   scene.drawable -= model.junctionCopies;
   maker.FillLines(lines);
 }
 
-Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines) {
+Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines, bool tangents) {
   Scene scene;
-  MakeScene(model, view, scene, lines);
+  MakeScene(model, view, scene, lines, tangents);
   return scene;
 }
 

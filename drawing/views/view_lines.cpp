@@ -71,6 +71,7 @@ class Collector {
     ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine);
     for (std::size_t i = 0; i < hidden.size(); ++i)
       Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
+    std::erase_if(segments_, [](const BinnedSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
   }
 
   void ChainInto(std::vector<Line>& lines, bool hidden) {

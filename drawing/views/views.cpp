@@ -14,12 +14,14 @@ namespace {
 ViewLines DrawView(const Model& model, const std::vector<IntersectionLine>& crossings, const NamedDirection& direction, const DrawingOptions& options, unsigned threads,
                    const std::function<void(DrawStage)>& at) {
   at(DrawStage::kScene);
-  Scene scene = MakeScene(model, direction.view, crossings);
+  Scene scene = MakeScene(model, direction.view, crossings, options.tangents);
   if (options.contact >= 0) scene.contact = options.contact * scene.scale;
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
   at(DrawStage::kLines);
-  ViewLines lines = CollectLines(model, scene, options.hidden);
+  const bool hidden = options.hidden == HiddenLines::kInAllViews ||
+                      (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal());
+  ViewLines lines = CollectLines(model, scene, hidden);
   lines.name = direction.name;
   if (options.outlines) {
     at(DrawStage::kOutlines);

@@ -12,6 +12,8 @@ namespace {
 
 constexpr const char* kVisible = "VISIBLE";
 constexpr const char* kOutline = "OUTLINE";
+constexpr const char* kIntersection = "INTERSECTION";
+constexpr const char* kTangent = "TANGENT";
 constexpr const char* kHidden = "HIDDEN";
 constexpr const char* kFrame = "FRAME";
 constexpr const char* kTitle = "TITLE";
@@ -37,6 +39,8 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
   setup.linetypes = {{"HIDDEN", "Hidden __ __ __ __", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
   setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous, false},
                   {kOutline, kBlue, Hundredths(sheet.wide), continuous, false},
+                  {kIntersection, kBlack, Hundredths(sheet.wide), continuous, false},
+                  {kTangent, kBlack, Hundredths(sheet.thin), continuous, sheet.options.tangent == TangentStyle::kLayer},
                   {kHidden, kGrey, Hundredths(sheet.thin), dashed ? "HIDDEN" : continuous, !dashed},
                   {kFrame, kBlack, kFrameWidth, continuous, false},
                   {kTitle, kBlack, kTitleWidth, continuous, false}};
@@ -51,6 +55,8 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
 
 const char* LayerOf(const Line& line) {
   if (line.hidden) return kHidden;
+  if (line.edgeClass == EdgeClass::kIntersection) return kIntersection;
+  if (line.edgeClass == EdgeClass::kTangent) return kTangent;
   return line.edgeClass == EdgeClass::kSilhouette ? kOutline : kVisible;
 }
 

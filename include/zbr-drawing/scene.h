@@ -58,7 +58,8 @@ struct Scene {
 };
 
 // The second form fills a scene of any earlier contents, whose storage it keeps. Linear.
-Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines = {});
-void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines = {});
+Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines = {}, bool tangents = false);
+void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines = {},
+               bool tangents = false);
 
 }  // namespace zbr::drawing

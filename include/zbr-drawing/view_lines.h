@@ -67,7 +67,7 @@ inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass:
                                               EdgeClass::kJunction,   EdgeClass::kIntersection, EdgeClass::kTangent};
 
 // Chains the lines of a processed scene, for each class and shell by itself, and adds the box. The hidden ones are those that a
-// person would draw: none below a visible line.
+// person would draw: none below a visible line, and no tangent edges.
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden);
 
 }  // namespace zbr::drawing
