@@ -30,6 +30,10 @@ constexpr double kMostSlack = 0.25;
 // Length in tolerances up to which a line has no direction.
 constexpr double kCrumb = 8.0;
 
+double LengthOf(const IntersectionLine& line) {
+  return line.ends[0].place.Distance(line.ends[1].place);
+}
+
 class Judge {
  public:
   Judge(const Model& model, const Connectivity& mesh) : model_(model), mesh_(mesh), tolerance_(PlaneTolerance(model)) {}
@@ -37,7 +41,7 @@ class Judge {
   bool IsContact(const IntersectionLine& line) const {
     const auto [t, u] = line.triangles;
     if (LiesIn(t, u) || LiesIn(u, t)) return true;
-    if (line.ends[0].place.Distance(line.ends[1].place) <= kCrumb * tolerance_) return false;  // runs nowhere; it may close a curve
+    if (IsCrumb(line)) return false;  // it may close a curve
     if (RunsAlong(line, t, true) || RunsAlong(line, u, true)) return true;
     return IsSlack(line) && RunsAlong(line, t, false) && RunsAlong(line, u, false);
   }
@@ -48,6 +52,9 @@ class Judge {
     constexpr double kMore = 1.01;  // regular facets are turned by equal angles
     return sine <= kMostSlack && sine <= kMore * std::max(Bend(t), Bend(u));
   }
+
+  double Crumb() const { return kCrumb * tolerance_; }
+  bool IsCrumb(const IntersectionLine& line) const { return LengthOf(line) <= Crumb(); }
 
  private:
   bool LiesIn(std::uint32_t t, std::uint32_t plane) const {
@@ -104,13 +111,12 @@ std::vector<std::uint32_t> FindCurves(const std::vector<IntersectionLine>& lines
   return curves;
 }
 
-// Leaves out the curves of which more than half is slack.
-void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<bool>& isSlack) {
+// Leaves out the curves of which more than half is slack, and crumbs that are part of no curve.
+void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<bool>& isSlack, double crumb) {
   const std::vector<std::uint32_t> curves = FindCurves(lines);
-  std::vector<double> surplus(lines.size());  // of curves: firm length less slack length
+  std::vector<double> surplus(lines.size(), -crumb);  // of curves: firm length less slack length
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    const double length = lines[i].ends[0].place.Distance(lines[i].ends[1].place);
-    surplus[curves[i]] += isSlack[i] ? -length : length;
+    surplus[curves[i]] += isSlack[i] ? -LengthOf(lines[i]) : LengthOf(lines[i]);
   }
   std::size_t kept = 0;
   for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -129,8 +135,12 @@ std::vector<IntersectionLine> FindIntersections(const Model& model) {
               lines.end());
   std::vector<bool> isSlack;
   isSlack.reserve(lines.size());
-  for (const IntersectionLine& line : lines) isSlack.push_back(judge.IsSlack(line));
-  if (std::find(isSlack.begin(), isSlack.end(), true) != isSlack.end()) DropSlackCurves(lines, isSlack);
+  bool areAllFirm = true;
+  for (const IntersectionLine& line : lines) {
+    isSlack.push_back(judge.IsSlack(line));
+    areAllFirm &= !isSlack.back() && !judge.IsCrumb(line);
+  }
+  if (!areAllFirm) DropSlackCurves(lines, isSlack, judge.Crumb());
   return lines;
 }
 

@@ -84,11 +84,7 @@ class Finder {
 
   // The outlines of all facets, and from each of their sides the far one.
   void MeasurePatches() {
-    std::vector<std::uint32_t> order;
-    for (std::uint32_t t = 0; t < patches_.size(); ++t) {
-      if (IsFacet(t)) order.push_back(t);
-    }
-    std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) { return patches_[a] < patches_[b]; });
+    const std::vector<std::uint32_t> order = SortedByPatch();
     extents_.resize(order.empty() ? 0 : 3 * patches_.size());
     std::vector<Side> outline;
     for (std::size_t k = 0; k < order.size(); ++k) {
@@ -101,6 +97,21 @@ class Finder {
       if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patches_[t]]);
       outline.clear();
     }
+  }
+
+  // The triangles of facets.
+  std::vector<std::uint32_t> SortedByPatch() const {
+    std::vector<std::uint32_t> place(size_.size());
+    std::uint32_t count = 0;
+    for (std::size_t patch = 0; patch < size_.size(); ++patch) {
+      place[patch] = count;
+      if (size_[patch] > 1) count += size_[patch];
+    }
+    std::vector<std::uint32_t> order(count);
+    for (std::uint32_t t = 0; t < patches_.size(); ++t) {
+      if (IsFacet(t)) order[place[patches_[t]]++] = t;
+    }
+    return order;
   }
 
   void MeasureFacet(const std::vector<Side>& outline, const ZBR_PT3& normal) {
@@ -116,11 +127,11 @@ class Finder {
     }
   }
 
-  // Positive where the surface bends away from its normals.
+  // About the angle: twice the tangent of its half. Positive where the surface bends away from its normals.
   double Bend(std::uint32_t edge) const {
     const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     const ZBR_PT3 &a = model_.normals[t], &b = model_.normals[u];
-    const double angle = std::atan2(a.OuterProduct(b).Length(), a.InnerProduct(b));
+    const double angle = 2.0 * a.OuterProduct(b).Length() / (1.0 + std::max(a.InnerProduct(b), -0.5));
     return a.InnerProduct(Apex(SideAt(edge, u)) - From(SideAt(edge, t))) < 0 ? angle : -angle;
   }
 
