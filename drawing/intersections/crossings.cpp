@@ -19,6 +19,7 @@
 
 #include "drawing/intersections/convex.h"
 #include "drawing/intersections/exact_sign.h"
+#include "drawing/intersections/slender_tree.h"
 #include "drawing/intersections/triangle_trees.h"
 
 namespace zbr::drawing {
@@ -88,9 +89,16 @@ class Finder {
     const TriangleTrees trees(grid_, mesh_.corners, model.shellBegin);
     for (std::size_t s = 0; s < model.ShellCount(); ++s) {
       if (IsConvex(model, mesh_, s)) continue;
-      const auto order = trees.Order(s);
-      auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j]); };
-      trees.Shell(s).JoinSelf(visit);
+      const auto join = [&](const TreeView& tree, std::span<const std::uint32_t> order) {
+        auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j]); };
+        tree.JoinSelf(visit);
+      };
+      const auto triangles = std::span(mesh_.corners).subspan(model.shellBegin[s], trees.Order(s).size());
+      if (const SlenderTree slender(grid_, triangles, model.shellBegin[s]); slender.IsBetter()) {
+        join(slender.View(), slender.Order());
+      } else {
+        join(trees.Shell(s), trees.Order(s));
+      }
     }
     trees.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) {
       const auto orderA = trees.Order(a), orderB = trees.Order(b);

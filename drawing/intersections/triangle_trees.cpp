@@ -119,6 +119,11 @@ void SortAlongCurve(std::span<std::uint32_t> places, std::span<const GridPoint> 
   for (std::size_t k = 0; k < places.size(); ++k) places[k] = coded[k].second;
 }
 
+void BuildTree(std::span<FloatBox> boxes, std::span<std::uint32_t> places) {
+  SortBoxes(boxes, places);
+  TreeView::Build(boxes.data(), static_cast<std::uint32_t>(boxes.size()));
+}
+
 TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::vector<std::array<std::uint32_t, 3>>& corners,
                              const std::vector<std::uint32_t>& shellBegin)
     : shellBegin_(shellBegin), order_(corners.size()) {
@@ -136,15 +141,13 @@ TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::ve
       for (const std::uint32_t p : corners[first + t]) leaves[t].Add(points[p]);
     }
     const std::span<std::uint32_t> places(order_.data() + first, count);
-    SortBoxes(leaves, places);
+    BuildTree(leaves, places);
     for (std::uint32_t& place : places) place += first;
-    TreeView::Build(leaves.data(), count);
     shellBoxes_[s] = Shell(s).Root();
   }
   if (shells == 0) return;
   shellOrder_.resize(shells);
-  SortBoxes(std::span(shellBoxes_).first(shells), shellOrder_);
-  TreeView::Build(shellBoxes_.data(), shells);
+  BuildTree(std::span(shellBoxes_).first(shells), shellOrder_);
 }
 
 TreeView TriangleTrees::Shell(std::size_t s) const {

@@ -111,6 +111,10 @@ class TreeView {
 // The places 0..n-1 in the order in which a space-filling curve through the box of all points meets the middles.
 void SortAlongCurve(std::span<std::uint32_t> places, std::span<const GridPoint> middles);
 
+// Puts boxes, of which there is at least one, in the order of the curve and fills the levels above them; `places` says where each
+// was. Behind the boxes is room for these levels.
+void BuildTree(std::span<FloatBox> boxes, std::span<std::uint32_t> places);
+
 // Trees of shells whose triangles have consecutive numbers.
 class TriangleTrees {
  public:

@@ -31,7 +31,7 @@ namespace zbr::drawing {
 namespace {
 
 constexpr std::size_t kMostSides = 24;  // of a facet, points on its sides counted; what has more is a flat face
-constexpr double kSmallestBend = 0.001;  // radians; below it flat faces go on but for noise
+constexpr double kSmallestBend = 0.004;  // radians, half of what a facet bends; less may be noise of many slender facets
 constexpr double kJump = 0.7;            // of the larger curvature: what it has to differ from the other one by
 constexpr double kFarLonger = 3.0;       // a facet this many times as wide as the other does not belong to the same bend
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
