@@ -151,7 +151,8 @@ class Finder {
     const std::uint32_t far = EdgeAt(extents_[s].far);
     if (!IsSmooth(far)) return {width, kUnknown};
     const double behind = Width(SideAt(far, mesh_.Across(far, extents_[s].far / 3)));
-    return {width, 2.0 * Bend(far) / (behind == kWide ? width : width + behind)};
+    if (width > kFarLonger * behind) return {width, 0.0};
+    return {width, 2.0 * Bend(far) / (behind > kFarLonger * width ? width : width + behind)};
   }
 
   bool IsTangent(std::uint32_t edge) const {
