@@ -33,6 +33,7 @@ namespace {
 constexpr std::size_t kMostSides = 24;  // of a facet, points on its sides counted; what has more is a flat face
 constexpr double kSmallestBend = 0.004;  // radians, half of what a facet bends; less may be noise of many slender facets
 constexpr double kJump = 0.7;            // of the larger curvature: what it has to differ from the other one by
+constexpr double kMisfit = 0.3;          // of a bend: what it may be off from what both facets say; more is noise
 constexpr double kFarLonger = 3.0;       // a facet this many times as wide as the other does not belong to the same bend
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kWide = std::numeric_limits<double>::infinity();
@@ -169,14 +170,18 @@ class Finder {
     }
     Complete(a, b, bend);
     Complete(b, a, bend);
+    if (!(std::abs(2.0 * bend - Turn(a) - Turn(b)) <= kMisfit * std::abs(2.0 * bend))) return false;
     return std::abs(a.curvature - b.curvature) > kJump * std::max(std::abs(a.curvature), std::abs(b.curvature));
   }
 
   // The curvature of one facet from the other's and the bend between them.
   static void Complete(Facet& facet, const Facet& other, double bend) {
     if (!std::isnan(facet.curvature) || std::isnan(other.curvature)) return;
-    facet.curvature = (2.0 * bend - (other.curvature == 0 ? 0.0 : other.curvature * other.width)) / facet.width;
+    facet.curvature = (2.0 * bend - Turn(other)) / facet.width;
   }
+
+  // What the surface bends over a facet.
+  static double Turn(const Facet& facet) { return facet.curvature == 0 ? 0.0 : facet.curvature * facet.width; }
 
   const Model& model_;
   const Connectivity mesh_;
