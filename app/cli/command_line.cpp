@@ -232,6 +232,8 @@ void CommandLine::DeclareDraw() {
   AddNumber(command, "--contact", kLength, draw_.contact,
             "Bodies at most this far apart stand face to face, and the edges that they share are drawn; by default four times what "
             "coordinates are rounded to, where they were rounded to single precision");
+  AddChoice(command, "--intersections", draw_.intersections, {"on", "off"},
+            "Draw the lines where bodies pass through each other, or a body through itself; on by default", "SWITCH");
   DeclareSheet(command);
   AddJobs(command, draw_.jobs);
   command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
@@ -245,8 +247,15 @@ void CommandLine::DeclareSheet(CLI::App& command) {
             "Arrange the views in first- or third-angle projection on a sheet with frame and title; by default first for several "
             "views, and no sheet for one",
             "ANGLE");
-  AddChoice(command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
-            "Hidden lines: none, dashed (by default) or layer, on a layer that is switched off", "STYLE");
+  AddChoice(
+      command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
+      "Hidden lines: none, dashed or layer, on a layer that is switched off; by default dashed in views along an axis, none in "
+      "others such as iso",
+      "STYLE");
+  AddChoice(
+      command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
+      "Smooth edges at which fillets and other bent faces end: none, thin (by default) or layer, on a layer that is switched off",
+      "STYLE");
   AddChoice(command, "--curves", draw_.curves, {"on", "off"},
             "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");
   command

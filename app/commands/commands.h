@@ -64,7 +64,9 @@ struct DrawOptions {
   std::string look, up, axes;      // as in ViewOptions; a view beside the named ones
   std::string modelFormat;         // of models whose names do not tell
   std::string sheet;               // "first", "third" or empty: by the number of views
-  std::string hidden = "dashed";
+  std::string hidden;              // empty: dashed, in views along an axis only
+  std::string tangent = "thin";
+  std::string intersections = "on";
   std::string curves = "on";
   std::string scale, paper;  // empty: what fits
   std::string title;         // empty: the names of the models

@@ -28,7 +28,9 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   const std::size_t count = plan.views.size();
   std::atomic<std::size_t> done{0};
   DrawingOptions options;
-  options.hidden = plan.sheet.hidden != HiddenStyle::kNone;
+  options.hidden = plan.hidden;
+  options.intersections = plan.intersections;
+  options.tangents = plan.tangents;
   options.curves = plan.curves;
   options.outlines = plan.fill;
   options.threads = plan.threads;

@@ -41,6 +41,7 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   }
   if (options.hidden == "none") sheet.hidden = HiddenStyle::kNone;
   if (options.hidden == "layer") sheet.hidden = HiddenStyle::kLayer;
+  if (options.tangent == "layer") sheet.tangent = TangentStyle::kLayer;
   sheet.anyScale = options.scale == "fit";
   if (!options.scale.empty() && !sheet.anyScale) sheet.scale = ForOption("--scale", [&] { return ParseScale(options.scale); });
   if (!options.paper.empty()) sheet.paper = ForOption("--paper", [&] { return ParsePaper(options.paper); });
@@ -71,6 +72,11 @@ DrawPlan PlanDraw(const DrawOptions& options) {
   plan.threads = ThreadCount(options.jobs);
   plan.contact = options.contact;
   plan.curves = options.curves == "on";
+  plan.hidden = options.hidden.empty()     ? HiddenLines::kInPrincipalViews
+                : options.hidden == "none" ? HiddenLines::kNone
+                                           : HiddenLines::kInAllViews;
+  plan.intersections = options.intersections == "on";
+  plan.tangents = options.tangent != "none";
   plan.fill = options.fill;
   return plan;
 }

@@ -26,6 +26,9 @@ struct DrawPlan {
   unsigned threads = 1;
   double contact = -1.0;
   bool curves = true;
+  HiddenLines hidden = HiddenLines::kInPrincipalViews;
+  bool intersections = true;
+  bool tangents = true;
   bool fill = false;
 };
 

@@ -13,6 +13,7 @@
 
 #include "drawing/model/edge_classes.h"
 #include "drawing/model/records.h"
+#include "drawing/model/tangents.h"
 #include "drawing/model/weld.h"
 
 namespace zbr::drawing {
@@ -150,8 +151,7 @@ void NoteJunctions(const std::vector<EdgeUse>& junctions, const std::vector<std:
   for (std::size_t k = 0; k < junctions.size(); ++k) {
     ++(k > 0 && junctions[k].edge == junctions[k - 1].edge ? model.junctionCopies : model.junctions);
     const std::uint32_t t = target[junctions[k].use / 3];
-    const auto s = static_cast<std::size_t>(std::upper_bound(model.shellBegin.begin(), model.shellBegin.end(), t) -
-                                            model.shellBegin.begin() - 1);
+    const std::size_t s = model.ShellOf(t);
     const ZBR_ZBREPE& edge = EdgeOf(*model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s])), junctions[k].use % 3);
     model.notes[model.edgeBegin[s] + static_cast<std::size_t>(edge.GetIndex())].isJunction = true;
   }
@@ -209,9 +209,13 @@ double WeldDistance(const std::vector<ZBR_PT3>& points, double weld) {
 }  // namespace
 
 EdgeClass Model::Class(std::size_t shell, const ZBR_ZBREPE& edge) const {
-  if (!edge.GetShow()) return EdgeClass::kSmooth;
+  if (!edge.GetShow()) return Note(shell, edge).isTangent ? EdgeClass::kTangent : EdgeClass::kSmooth;
   if (Note(shell, edge).isJunction) return EdgeClass::kJunction;
   return edge.GetTriangle1() == nullptr ? EdgeClass::kBorder : EdgeClass::kCrease;
+}
+
+std::uint32_t Model::ShellOf(std::uint32_t triangle) const {
+  return static_cast<std::uint32_t>(std::upper_bound(shellBegin.begin(), shellBegin.end(), triangle) - shellBegin.begin() - 1);
 }
 
 Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
@@ -226,6 +230,7 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
   SetNormals(model);
   ShowEdges(model, creaseDegrees);
   FindFacing(model);
+  NoteTangents(model);
   FindObjects(mesh.objects, model);
   return model;
 }

@@ -37,7 +37,8 @@ double ContactOf(const Model& model, double scale) {
 
 class SceneMaker {
  public:
-  SceneMaker(const Model& model, Scene& scene) : model_(model), scene_(scene), centre_(model.Centre()) {}
+  SceneMaker(const Model& model, Scene& scene, bool tangents)
+      : model_(model), scene_(scene), tangents_(tangents), centre_(model.Centre()) {}
 
   void FillShell(std::size_t s) {
     shell_ = s;
@@ -52,13 +53,35 @@ class SceneMaker {
     scene_.shells.emplace_back(triangles_, static_cast<unsigned>(count));
   }
 
+  // A triangle without width draws one edge and hides nothing.
+  void FillLines(const std::vector<IntersectionLine>& lines) {
+    ZBR_HL_TRI* const first = scene_.triangles.data() + model_.TriangleCount();
+    scene_.crossing.clear();
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+      ZBR_HL_TRI& triangle = first[k];
+      triangle.idx = static_cast<int>(k);
+      triangle.skip = false;
+      triangle.pt[0] = Look(lines[k].ends[0].place);
+      triangle.pt[1] = triangle.pt[2] = Look(lines[k].ends[1].place);
+      for (std::size_t i = 0; i < 3; ++i) {
+        triangle.profile[i] = triangle.adj[i] = triangle.adj_edge[i] = -1;
+        triangle.dispj[i] = i == 0;
+      }
+      scene_.classes[model_.TriangleCount() + k] = {EdgeClass::kIntersection, EdgeClass::kSmooth, EdgeClass::kSmooth};
+      scene_.crossing.push_back(lines[k].triangles);
+    }
+    scene_.drawable += lines.size();
+    if (!lines.empty()) scene_.shells.emplace_back(first, static_cast<unsigned>(lines.size()));
+  }
+
  private:
   static constexpr std::uint32_t kNone = 0xffffffffU;
 
+  ZBR_PT3 Look(const ZBR_PT3& p) const { return scene_.view.In(p - centre_) * scene_.scale; }
+
   void LookAt(const ZBR_ZBREPS& shell) {
     points_.clear();
-    for (int v = 0; v < shell.GetVertexCnt(); ++v)
-      points_.push_back(scene_.view.In(shell.GetVertex(v)->GetPt() - centre_) * scene_.scale);
+    for (int v = 0; v < shell.GetVertexCnt(); ++v) points_.push_back(Look(shell.GetVertex(v)->GetPt()));
     borders_ = 0;
   }
 
@@ -105,11 +128,13 @@ class SceneMaker {
     const ZBR_PT3* const normals = model_.normals.data() + model_.shellBegin[shell_];
     const double here = HasEdgeSeenEndOn(triangles_[t]) ? 0.0 : normals[t].InnerProduct(scene_.view.toViewer);
     const double other = HasEdgeSeenEndOn(triangles_[u]) ? 0.0 : normals[u].InnerProduct(scene_.view.toViewer);
-    return IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_]) ? EdgeClass::kSilhouette : EdgeClass::kSmooth;
+    if (IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_])) return EdgeClass::kSilhouette;
+    return tangents_ && note.isTangent ? EdgeClass::kTangent : EdgeClass::kSmooth;
   }
 
   const Model& model_;
   Scene& scene_;
+  const bool tangents_;
   const ZBR_PT3 centre_;
   // Of the shell being filled.
   std::size_t shell_ = 0;
@@ -122,25 +147,26 @@ class SceneMaker {
 
 }  // namespace
 
-void MakeScene(const Model& model, const View& view, Scene& scene) {
+void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines, bool tangents) {
   const double diagonal = model.Diagonal();
   scene.view = view;
   scene.scale = diagonal > 0 ? kSceneDiagonal / diagonal : 1.0;
   scene.contact = ContactOf(model, scene.scale);
   scene.offset = view.In(model.Centre());
   scene.drawable = 0;
-  scene.triangles.resize(model.TriangleCount());
-  scene.classes.resize(model.TriangleCount());
+  scene.triangles.resize(model.TriangleCount() + lines.size());
+  scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();
-  scene.shells.reserve(model.ShellCount());
-  SceneMaker maker(model, scene);
+  scene.shells.reserve(model.ShellCount() + 1);
+  SceneMaker maker(model, scene, tangents);
   for (std::size_t s = 0; s < model.ShellCount(); ++s) maker.FillShell(s);
   scene.drawable -= model.junctionCopies;
+  maker.FillLines(lines);
 }
 
-Scene MakeScene(const Model& model, const View& view) {
+Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines, bool tangents) {
   Scene scene;
-  MakeScene(model, view, scene);
+  MakeScene(model, view, scene, lines, tangents);
   return scene;
 }
 

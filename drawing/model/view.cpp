@@ -48,6 +48,11 @@ ZBR_PT3 YUp(const ZBR_PT3& v) {
 
 }  // namespace
 
+bool View::IsPrincipal() const {
+  const double largest = std::max({std::abs(toViewer.x()), std::abs(toViewer.y()), std::abs(toViewer.z())});
+  return largest > 1.0 - kSmallestAngle;
+}
+
 View LookAlong(const ZBR_PT3& direction, const ZBR_PT3& up) {
   View view;
   view.toViewer = -Direction(direction, "the direction of view");

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 
 #include "drawing/curves/seen_circles.h"
 #include "drawing/views/chains.h"
@@ -22,7 +23,7 @@ constexpr double kChainTolerance = 1e-3;  // in scene units: a hundred-thousandt
 
 struct BinnedSegment {
   std::uint8_t edgeClass = 0;  // place in kDrawnClasses
-  std::uint32_t shell = 0;
+  std::uint32_t shell = 0, other = 0;
   EdgeSegment segment;
 };
 
@@ -38,10 +39,20 @@ class Collector {
 
   void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
     const std::size_t t = model_.shellBegin[shell] + triangle;
-    const std::uint8_t place = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
-    EdgeSegment part{segment, {model_.source[t], static_cast<std::uint8_t>(edge)}};
-    circles_.Locate(shell, triangle, static_cast<std::size_t>(edge), part);
-    segments_.push_back({place, static_cast<std::uint32_t>(shell), part});
+    BinnedSegment s;
+    s.edgeClass = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
+    s.shell = s.other = static_cast<std::uint32_t>(shell);
+    s.segment.segment = segment;
+    if (t < model_.TriangleCount()) {
+      s.segment.edge = {model_.source[t], static_cast<std::uint8_t>(edge)};
+      circles_.Locate(shell, triangle, static_cast<std::size_t>(edge), s.segment);
+    } else {
+      const auto [first, second] = scene_.crossing[t - model_.TriangleCount()];
+      s.shell = model_.ShellOf(first);
+      s.other = model_.ShellOf(second);
+      s.segment.edge = {model_.source[first], EdgeRef::kAcross};
+    }
+    segments_.push_back(s);
   }
 
   void AddVisible() {
@@ -63,10 +74,11 @@ class Collector {
     ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine);
     for (std::size_t i = 0; i < hidden.size(); ++i)
       Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
+    std::erase_if(segments_, [](const BinnedSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
   }
 
   void ChainInto(std::vector<Line>& lines, bool hidden) {
-    const auto key = [](const BinnedSegment& s) { return std::pair(s.edgeClass, s.shell); };
+    const auto key = [](const BinnedSegment& s) { return std::tuple(s.edgeClass, s.shell, s.other); };
     std::stable_sort(segments_.begin(), segments_.end(),
                      [&](const BinnedSegment& a, const BinnedSegment& b) { return key(a) < key(b); });
     std::vector<EdgeSegment> bin;
@@ -75,7 +87,7 @@ class Collector {
       if (i + 1 < segments_.size() && key(segments_[i + 1]) == key(segments_[i])) continue;
       for (Chain& chain : ChainSegments(bin, kChainTolerance, circles_)) {
         for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
-        lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, std::move(chain)});
+        lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, segments_[i].other, std::move(chain)});
       }
       bin.clear();
     }
@@ -101,6 +113,10 @@ const char* NameOf(EdgeClass edgeClass) {
       return "junction";
     case EdgeClass::kSilhouette:
       return "silhouette";
+    case EdgeClass::kTangent:
+      return "tangent";
+    case EdgeClass::kIntersection:
+      return "intersection";
     case EdgeClass::kSmooth:
       break;
   }

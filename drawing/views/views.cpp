@@ -12,15 +12,23 @@
 namespace zbr::drawing {
 namespace {
 
-ViewLines DrawView(const Model& model, const Circles* circles, const NamedDirection& direction, const DrawingOptions& options,
+// What is found once for all views.
+struct Found {
+  std::optional<Circles> circles;
+  std::vector<IntersectionLine> crossings;
+};
+
+ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
                    unsigned threads, const std::function<void(DrawStage)>& at) {
   at(DrawStage::kScene);
-  Scene scene = MakeScene(model, direction.view);
+  Scene scene = MakeScene(model, direction.view, found.crossings, options.tangents);
   if (options.contact >= 0) scene.contact = options.contact * scene.scale;
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
   at(DrawStage::kLines);
-  ViewLines lines = CollectLines(model, scene, options.hidden, circles);
+  const bool hidden = options.hidden == HiddenLines::kInAllViews ||
+                      (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal());
+  ViewLines lines = CollectLines(model, scene, hidden, found.circles ? &*found.circles : nullptr);
   lines.name = direction.name;
   if (options.outlines) {
     at(DrawStage::kOutlines);
@@ -36,14 +44,15 @@ ViewLines DrawView(const Model& model, const Circles* circles, const NamedDirect
 
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
   std::vector<ViewLines> drawn(views.size());
-  std::optional<Circles> circles;
-  if (options.curves) circles = FindCircles(model);
+  Found found;
+  if (options.curves) found.circles = FindCircles(model);
+  if (options.intersections && !views.empty()) found.crossings = FindIntersections(model);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {
       if (options.progress) options.progress(i, stage);
     };
-    drawn[i] = DrawView(model, circles ? &*circles : nullptr, views[i], options, std::max(options.threads / atOnce, 1U), at);
+    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at);
   });
   return drawn;
 }

@@ -12,6 +12,8 @@ namespace {
 
 constexpr const char* kVisible = "VISIBLE";
 constexpr const char* kOutline = "OUTLINE";
+constexpr const char* kIntersection = "INTERSECTION";
+constexpr const char* kTangent = "TANGENT";
 constexpr const char* kHidden = "HIDDEN";
 // Some programs go by the name of a line type and leave its pattern: of the standard names this comes nearest to the dashes of
 // hidden lines, 3 mm for the usual width.
@@ -42,6 +44,8 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
   setup.lineTypes = {{kDashes, "Hidden (.5x) _ _ _ _ _", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
   setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous, false},
                   {kOutline, kBlack, Hundredths(sheet.wide), continuous, false},
+                  {kIntersection, kBlack, Hundredths(sheet.wide), continuous, false},
+                  {kTangent, kBlack, Hundredths(sheet.thin), continuous, sheet.options.tangent == TangentStyle::kLayer},
                   {kHidden, kGrey, Hundredths(sheet.thin), kDashes, off},
                   {kFrame, kBlack, kFrameWidth, continuous, false},
                   {kTitle, kBlack, kTitleWidth, continuous, false}};
@@ -56,6 +60,8 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
 
 const char* LayerOf(const Line& line) {
   if (line.hidden) return kHidden;
+  if (line.edgeClass == EdgeClass::kIntersection) return kIntersection;
+  if (line.edgeClass == EdgeClass::kTangent) return kTangent;
   return line.edgeClass == EdgeClass::kSilhouette ? kOutline : kVisible;
 }
 

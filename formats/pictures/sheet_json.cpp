@@ -77,7 +77,8 @@ void AppendCurves(std::string& text, const std::vector<CircleRun>& curves, const
 
 void AppendPolyline(std::string& text, const Line& line, const Coordinates& coordinates) {
   text += std::string("{\"class\":\"") + NameOf(line.edgeClass) + "\",\"visible\":" + BoolText(!line.hidden) +
-          ",\"closed\":" + BoolText(line.chain.closed) + ",\"shell\":" + std::to_string(line.shell) + ",\"edges\":[";
+          ",\"closed\":" + BoolText(line.chain.closed) + ",\"shell\":" + std::to_string(line.shell) +
+          (line.other != line.shell ? ",\"other\":" + std::to_string(line.other) : "") + ",\"edges\":[";
   for (const EdgeRef& edge : line.chain.edges) {
     if (&edge != &line.chain.edges.front()) text += ',';
     text += '[' + std::to_string(edge.triangle) + ',' + std::to_string(edge.edge) + ']';

@@ -49,6 +49,13 @@ std::string ViewId(const PlacedView& view) {
   return "view-" + view.lines.name;
 }
 
+// What lines of a class have of their own.
+std::string ClassStyle(const Sheet& sheet, EdgeClass edgeClass) {
+  if (edgeClass != EdgeClass::kTangent) return "";
+  return Attribute("stroke-width", MmText(sheet.thin)) +
+         (sheet.options.tangent == TangentStyle::kLayer ? Attribute("display", "none") : "");
+}
+
 // The hidden or the visible lines of a view.
 std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const SheetPage& page) {
   const char* const visibility = hidden ? "hidden" : "visible";
@@ -60,7 +67,7 @@ std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, 
     }
     if (paths.empty()) continue;
     content += "<g" + Attribute("id", ViewId(view) + "-" + visibility + "-" + NameOf(edgeClass)) +
-               Attribute("class", NameOf(edgeClass)) + ">\n" + paths + "</g>\n";
+               Attribute("class", NameOf(edgeClass)) + ClassStyle(sheet, edgeClass) + ">\n" + paths + "</g>\n";
   }
   if (content.empty()) return "";
   std::string style = Attribute("class", visibility);

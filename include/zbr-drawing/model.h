@@ -18,13 +18,16 @@
 
 namespace zbr::drawing {
 
-// Why an edge is drawn, or that it is not. The first reason that applies counts, in the order junction, border, crease, silhouette.
+// Why a line is drawn, or that it is not. The first reason that applies to an edge counts, in the order junction, border, crease,
+// silhouette, tangent.
 enum class EdgeClass : std::uint8_t {
-  kSmooth,      // not drawn
-  kBorder,      // edge of one triangle
-  kCrease,      // the surface bends here by more than the given angle
-  kJunction,    // edge of three and more triangles
-  kSilhouette,  // smooth, but seen from here the surface turns away; in scenes only
+  kSmooth,        // not drawn
+  kBorder,        // edge of one triangle
+  kCrease,        // the surface bends here by more than the given angle
+  kJunction,      // edge of three and more triangles
+  kSilhouette,    // smooth, but seen from here the surface turns away; in scenes only
+  kTangent,       // smooth, but a flat or otherwise bent face ends here, as at the borders of a fillet
+  kIntersection,  // no edge: two surfaces pass through each other here; in scenes only
 };
 
 // How the triangles of a shell are oriented.
@@ -36,10 +39,11 @@ enum class Facing : std::uint8_t {
 
 // What the records do not tell of an edge.
 struct EdgeNote {
-  EdgeNote() : isJunction(false), isSameWay(false) {}
+  EdgeNote() : isJunction(false), isSameWay(false), isTangent(false) {}
 
   bool isJunction : 1;  // three and more triangles of the mesh meet here, be they in this shell or others
   bool isSameWay : 1;   // both triangles run along it the same way: then one of them shows its other side
+  bool isTangent : 1;   // smooth, but the way the surface bends changes here
 };
 
 // Triangles are numbered through all shells: triangle t of shell s has the number shellBegin[s] + t. Edges are likewise.
@@ -89,6 +93,7 @@ struct Model {
   const ZBR_ZBREPT* Across(std::size_t shell, const ZBR_ZBREPT& triangle, ZBR_ZBREPE& edge) const {
     return Note(shell, edge).isJunction ? nullptr : triangle.GetAdjTriangle(&edge);
   }
+  std::uint32_t ShellOf(std::uint32_t triangle) const;
   // As seen from every side.
   EdgeClass Class(std::size_t shell, const ZBR_ZBREPE& edge) const;
 };

@@ -9,6 +9,7 @@
 // One thread at a time for a scene; different scenes of one model have nothing to do with each other.
 #pragma once
 
+#include <zbr-drawing/intersections.h>
 #include <zbr-drawing/model.h>
 #include <zbr-drawing/view.h>
 #include <zbr/hidden_line.h>
@@ -26,13 +27,15 @@ inline constexpr double kSceneDiagonal = 100.0;
 // off the drawing plane are walls seen edge-on.
 inline constexpr double kSceneTolerance = 1e-5;
 
-// Triangles and classes are parallel to those of the model, shells to its shells. The shells refer to the triangles: a scene can be
-// moved, but not copied.
+// Triangles and classes are parallel to those of the model, shells to its shells. Behind them come the intersection lines, if there
+// are any, as a shell of triangles without width, of which edge 0 is the line and nothing hides anything. The shells refer to the
+// triangles: a scene can be moved, but not copied.
 struct Scene {
   std::vector<ZBR_HL_TRI> triangles;
   std::vector<ZBR_HL_SHELL> shells;
-  std::vector<std::array<EdgeClass, 3>> classes;  // silhouettes included; all but smooth edges are drawn
-  std::size_t drawable = 0;                       // edges to be drawn, each counted once
+  std::vector<std::array<EdgeClass, 3>> classes;       // silhouettes included; all but smooth edges are drawn
+  std::vector<std::array<std::uint32_t, 2>> crossing;  // of intersection lines: the triangles of the model that meet there
+  std::size_t drawable = 0;                            // edges and lines to be drawn, each counted once
 
   View view;
   double scale = 1.0;  // scene units per model unit
@@ -55,7 +58,8 @@ struct Scene {
 };
 
 // The second form fills a scene of any earlier contents, whose storage it keeps. Linear.
-Scene MakeScene(const Model& model, const View& view);
-void MakeScene(const Model& model, const View& view, Scene& scene);
+Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines = {}, bool tangents = false);
+void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines = {},
+               bool tangents = false);
 
 }  // namespace zbr::drawing

@@ -24,9 +24,12 @@ enum class Projection { kNone, kFirst, kThird };
 
 enum class HiddenStyle { kNone, kDashed, kLayer };  // kLayer: on a layer that is switched off
 
+enum class TangentStyle { kThin, kLayer };  // likewise
+
 struct SheetOptions {
   Projection projection = Projection::kNone;
   HiddenStyle hidden = HiddenStyle::kDashed;
+  TangentStyle tangent = TangentStyle::kThin;
   std::optional<double> scale;  // of the drawing to the model; none: the largest that fits
   bool anyScale = false;        // which is a standard one, unless this is set
   std::optional<Paper> paper;   // none: A4 for one view, A3 for several, larger when a given scale needs it

@@ -20,6 +20,10 @@ namespace zbr::drawing {
 struct View {
   ZBR_PT3 right{1, 0, 0}, up{0, 1, 0}, toViewer{0, 0, 1};
 
+  // Whether it looks along an axis of the model, as the views of a sheet do; else it shows several sides at once, as a picture
+  // does.
+  bool IsPrincipal() const;
+
   // Coordinates in the drawing: x to the right, y up, z to the viewer; and back.
   ZBR_PT3 In(const ZBR_PT3& p) const { return ZBR_PT3(right.InnerProduct(p), up.InnerProduct(p), toViewer.InnerProduct(p)); }
   ZBR_PT3 Out(const ZBR_PT3& p) const { return right * p.x() + up * p.y() + toViewer * p.z(); }

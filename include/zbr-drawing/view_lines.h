@@ -20,8 +20,11 @@
 
 namespace zbr::drawing {
 
-// An edge of the mesh: edge i of a triangle runs from its vertex i to its vertex (i + 1) % 3.
+// An edge of the mesh: edge i of a triangle runs from its vertex i to its vertex (i + 1) % 3. Where a line runs across a triangle,
+// as intersection lines do, `edge` is kAcross.
 struct EdgeRef {
+  static constexpr std::uint8_t kAcross = 3;
+
   std::uint32_t triangle = 0;  // place in the mesh as read
   std::uint8_t edge = 0;
 
@@ -47,6 +50,7 @@ struct Line {
   EdgeClass edgeClass = EdgeClass::kBorder;
   bool hidden = false;
   std::uint32_t shell = 0;
+  std::uint32_t other = 0;  // the shell met in an intersection line, in whose first shell the chain's triangles are; else `shell`
   Chain chain;
 };
 
@@ -69,10 +73,12 @@ struct ViewLines {
 const char* NameOf(EdgeClass edgeClass);
 
 // The classes that are drawn.
-inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass::kBorder, EdgeClass::kCrease, EdgeClass::kJunction};
+inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass::kBorder,       EdgeClass::kCrease,
+                                              EdgeClass::kJunction,   EdgeClass::kIntersection, EdgeClass::kTangent};
 
 // Chains the lines of a processed scene, for each class and shell by itself, and adds the box. The hidden ones are those that a
-// person would draw: none below a visible line. With circles of the model, chains tell where they run along them.
+// person would draw: none below a visible line, and no tangent edges. With circles of the model, chains tell where they run along
+// them.
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles = nullptr);
 
 }  // namespace zbr::drawing

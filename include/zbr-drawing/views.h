@@ -26,11 +26,16 @@ struct NamedDirection {
 // What the work on a view is at; kDone comes last.
 enum class DrawStage { kScene, kRemoval, kLines, kOutlines, kDone };
 
+// In which views hidden lines are wanted: pictures of several sides at once are easier to read without.
+enum class HiddenLines { kNone, kInPrincipalViews, kInAllViews };
+
 struct DrawingOptions {
-  bool hidden = true;     // hidden lines, too
-  bool curves = true;     // runs along circles of the model, in Chain::curves
-  bool outlines = false;  // what nearer objects leave visible of each object, in ViewLines::outlines
-  unsigned threads = 1;   // views are worked on at once, and the triangles of each with the threads left over
+  HiddenLines hidden = HiddenLines::kInPrincipalViews;
+  bool curves = true;         // runs along circles of the model, in Chain::curves
+  bool intersections = true;  // lines where surfaces pass through each other, found once for all views
+  bool tangents = true;       // smooth edges at which a fillet ends; of these never the hidden parts
+  bool outlines = false;      // what nearer objects leave visible of each object, in ViewLines::outlines
+  unsigned threads = 1;       // views are worked on at once, and the triangles of each with the threads left over
 
   // Bodies at most this far apart stand face to face, and their common edges are drawn; negative: four times what the coordinates
   // are rounded to, found from the model.

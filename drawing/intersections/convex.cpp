@@ -1,0 +1,63 @@
+#include "drawing/intersections/convex.h"
+
+#include <cmath>
+#include <vector>
+
+#include "drawing/model/patches.h"
+
+namespace zbr::drawing {
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+// The corner of a triangle that is not on the edge.
+std::uint32_t Apex(const Connectivity& mesh, std::uint32_t edge, std::uint32_t t) {
+  for (std::size_t i = 0; i < 3; ++i) {
+    if (mesh.edges[t][i] == edge) return mesh.corners[t][(i + 2) % 3];
+  }
+  return mesh.corners[t][0];
+}
+
+bool BendsOutwards(const Model& model, const Connectivity& mesh, std::uint32_t edge, double sign) {
+  const std::uint32_t t = mesh.sides[edge][0], u = mesh.sides[edge][1];
+  const ZBR_PT3 apex = mesh.points[Apex(mesh, edge, u)] - mesh.points[mesh.corners[t][0]];
+  return sign * model.normals[t].InnerProduct(apex) <= PlaneTolerance(model);
+}
+
+double Angle(const ZBR_PT3& u, const ZBR_PT3& v) {
+  return std::atan2(u.OuterProduct(v).Length(), u.InnerProduct(v));
+}
+
+// Around a point of a convex body the angles of the triangles sum up to less than a turn; where the surface winds round twice, to
+// about two turns.
+bool WindsOnce(const Model& model, const Connectivity& mesh, std::size_t shell) {
+  const std::uint32_t begin = model.shellBegin[shell], end = model.shellBegin[shell + 1];
+  const std::uint32_t firstPoint = mesh.corners[begin][0];  // the first vertex that a shell needs is its first one
+  std::vector<double> sums(static_cast<std::size_t>(model.Shell(shell).GetVertexCnt()));
+  for (std::uint32_t t = begin; t < end; ++t) {
+    const auto& c = mesh.corners[t];
+    for (std::size_t i = 0; i < 3; ++i) {
+      const ZBR_PT3& p = mesh.points[c[i]];
+      sums[c[i] - firstPoint] += Angle(mesh.points[c[(i + 1) % 3]] - p, mesh.points[c[(i + 2) % 3]] - p);
+    }
+  }
+  for (const double sum : sums) {
+    if (sum > 3.0 * kPi) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool IsConvex(const Model& model, const Connectivity& mesh, std::size_t shell) {
+  const ZBR_ZBREPS& records = model.Shell(shell);
+  if (model.facing[shell] == Facing::kUnknown) return false;
+  if (records.GetVertexCnt() - records.GetEdgeCnt() + records.GetTriangleCnt() != 2) return false;
+  const double sign = model.facing[shell] == Facing::kOutward ? 1.0 : -1.0;
+  for (std::uint32_t e = model.edgeBegin[shell]; e < model.edgeBegin[shell + 1]; ++e) {
+    if (!BendsOutwards(model, mesh, e, sign)) return false;
+  }
+  return WindsOnce(model, mesh, shell);
+}
+
+}  // namespace zbr::drawing

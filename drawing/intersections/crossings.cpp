@@ -1,0 +1,214 @@
+// Finds the triangles that pass through each other, and the ends of what they have in common.
+//
+// Idea: two triangles have a stretch in common when an edge of one passes through the other, twice. Whether it does is a matter of
+// a few signs of volumes: its ends lie on different sides of the other's plane, and it passes all three sides of the other on the
+// same hand. The stretch ends there; so does that of the triangle next to it along the edge, and curves follow from names alone.
+// Difficulty: bodies in contact have corners in each other's planes and edges on each other's edges, and a sign may be 0. Each
+// sign that is 0 must be decided, and all of them as if by one and the same movement of the points, or curves break.
+// Way taken: of two shells, the second counts as moved as a whole by a distance smaller than any number, along x, less along y, less
+// still along z (a simulated perturbation, Edelsbrunner and Muecke 1990). Faces that lie on each other stay parallel and do not
+// cross: no line runs through a contact. The second body has come a little closer, and its border in the first one's surface is the
+// seam; or it has moved away, and there is none. Parallel edges in one plane stay in one plane, but then the end points of each lie
+// on one side of the other's triangle, and that sign is not asked for.
+// Within one shell, where there is no second body, each point counts as moved by a distance of its own, smaller than anything of
+// the points before it. Only four points on one line have no sign then; edges that lie on each other within a shell give no stretch.
+#include "drawing/intersections/crossings.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "drawing/intersections/convex.h"
+#include "drawing/intersections/exact_sign.h"
+#include "drawing/intersections/slender_tree.h"
+#include "drawing/intersections/triangle_trees.h"
+
+namespace zbr::drawing {
+namespace {
+
+using Corners = std::array<std::uint32_t, 3>;
+
+// What counts as moved when a sign is 0.
+enum class Moves { kEachPoint, kFirst, kSecond };
+
+Moves Other(Moves moves) {
+  return moves == Moves::kFirst ? Moves::kSecond : moves == Moves::kSecond ? Moves::kFirst : moves;
+}
+
+class Signs {
+ public:
+  explicit Signs(const std::vector<GridPoint>& points) : points_(points) {}
+
+  // The side of the triangle, which is the first, on which a point, which is the second, lies.
+  int Side(const Corners& t, std::uint32_t p, Moves moves) const {
+    if (const int sign = SignOf(Volume6(At(t[0]), At(t[1]), At(t[2]), At(p)))) return sign;
+    if (moves == Moves::kEachPoint) return PointByPoint({t[0], t[1], t[2], p});
+    const int sign = CrossSign(At(t[0]), At(t[1]), At(t[0]), At(t[2]));
+    return moves == Moves::kSecond ? sign : -sign;
+  }
+
+  // On which hand the edge from p to q passes the one from u to v.
+  int Hand(std::uint32_t p, std::uint32_t q, std::uint32_t u, std::uint32_t v, Moves moves) const {
+    if (const int sign = SignOf(Volume6(At(p), At(q), At(u), At(v)))) return sign;
+    if (moves == Moves::kEachPoint) return PointByPoint({p, q, u, v});
+    const int sign = CrossSign(At(u), At(v), At(p), At(q));
+    return moves == Moves::kSecond ? sign : -sign;
+  }
+
+  double Height(const Corners& t, std::uint32_t p) const { return Volume6(At(t[0]), At(t[1]), At(t[2]), At(p)); }
+
+ private:
+  const GridPoint& At(std::uint32_t p) const { return points_[p]; }
+
+  // The first point whose movement changes the volume decides. A volume changes its sign when two points change places.
+  int PointByPoint(std::array<std::uint32_t, 4> p) const {
+    int parity = 1;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const auto first = std::min_element(p.begin() + static_cast<std::ptrdiff_t>(i), p.end());
+      if (*first == p[i]) continue;
+      std::swap(*first, p[i]);
+      parity = -parity;
+    }
+    for (std::size_t moved = 0; moved < 4; ++moved) {
+      std::array<std::uint32_t, 4> q = p;
+      std::swap(q[moved], q[3]);
+      const int sign = CrossSign(At(q[0]), At(q[1]), At(q[0]), At(q[2]));
+      if (sign != 0) return parity * (moved == 3 ? sign : -sign);
+    }
+    return 0;
+  }
+
+  const std::vector<GridPoint>& points_;
+};
+
+class Finder {
+ public:
+  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches)
+      : mesh_(mesh), patches_(patches), grid_(OnGrid(mesh.points, model.low, model.high)), signs_(grid_) {}
+
+  std::vector<IntersectionLine> Run(const Model& model) {
+    const TriangleTrees trees(grid_, mesh_.corners, model.shellBegin);
+    for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+      if (IsConvex(model, mesh_, s)) continue;
+      const auto join = [&](const TreeView& tree, std::span<const std::uint32_t> order) {
+        auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j]); };
+        tree.JoinSelf(visit);
+      };
+      const auto triangles = std::span(mesh_.corners).subspan(model.shellBegin[s], trees.Order(s).size());
+      if (const SlenderTree slender(grid_, triangles, model.shellBegin[s]); slender.IsBetter()) {
+        join(slender.View(), slender.Order());
+      } else {
+        join(trees.Shell(s), trees.Order(s));
+      }
+    }
+    trees.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) {
+      const auto orderA = trees.Order(a), orderB = trees.Order(b);
+      auto visit = [&](std::uint32_t i, std::uint32_t j) { Meet(orderA[i], orderB[j], Moves::kSecond); };
+      trees.Shell(a).Join(trees.Shell(b), visit);
+    });
+    return std::move(found_);
+  }
+
+ private:
+  // Two triangles of a shell. Neighbours across an edge have no more than that in common, unless they lie on each other.
+  void MeetWithin(std::uint32_t t, std::uint32_t u) {
+    if (patches_[t] == patches_[u]) return;
+    if (t > u) std::swap(t, u);
+    const Corners &a = mesh_.corners[t], &b = mesh_.corners[u];
+    int shared = 0;
+    std::size_t atT = 0, atU = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = 0; j < 3; ++j) {
+        if (a[i] != b[j]) continue;
+        ++shared;
+        atT = i;
+        atU = j;
+      }
+    }
+    if (shared == 0) Meet(t, u, Moves::kEachPoint);
+    if (shared == 1) MeetAtCorner(t, atT, u, atU);
+  }
+
+  void Meet(std::uint32_t t, std::uint32_t u, Moves moves) {
+    std::array<int, 3> sideT, sideU;  // of corners of each, against the other
+    if (!Sides(u, t, Other(moves), sideT) || !Sides(t, u, moves, sideU)) return;
+    IntersectionLine line;
+    std::size_t ends = 0;
+    bool isSure = true;
+    const auto pass = [&](std::uint32_t by, const std::array<int, 3>& side, std::uint32_t through, Moves m) {
+      for (std::size_t i = 0; i < 3; ++i) {
+        if (side[i] == side[(i + 1) % 3] || !Passes(by, i, through, m)) continue;
+        if (ends < 2) isSure &= SetEnd(by, i, through, line.ends[ends]);
+        ++ends;
+      }
+    };
+    pass(t, sideT, u, moves);
+    pass(u, sideU, t, Other(moves));
+    if (ends == 2 && isSure) Add(line, t, u);
+  }
+
+  // The edge across from the corner, of one of them, passes through the other, or there is nothing but the corner.
+  void MeetAtCorner(std::uint32_t t, std::size_t atT, std::uint32_t u, std::size_t atU) {
+    if (IsOnOneSide(t, (atT + 1) % 3, u) || IsOnOneSide(u, (atU + 1) % 3, t)) return;
+    for (const bool swapped : {false, true}) {
+      const std::uint32_t by = swapped ? u : t, through = swapped ? t : u;
+      const std::size_t edge = ((swapped ? atU : atT) + 1) % 3;
+      if (!Passes(by, edge, through, Moves::kEachPoint)) continue;
+      IntersectionLine line;
+      const std::uint32_t corner = mesh_.corners[t][atT];
+      line.ends[0] = {IntersectionEnd::kAtCorner, corner, mesh_.points[corner]};
+      if (SetEnd(by, edge, through, line.ends[1])) Add(line, t, u);
+      return;
+    }
+  }
+
+  // Whether both ends of an edge are on one side of the plane of a triangle of the same shell.
+  bool IsOnOneSide(std::uint32_t of, std::size_t edge, std::uint32_t triangle) const {
+    const Corners &c = mesh_.corners[of], &plane = mesh_.corners[triangle];
+    return signs_.Side(plane, c[edge], Moves::kEachPoint) == signs_.Side(plane, c[(edge + 1) % 3], Moves::kEachPoint);
+  }
+
+  // False when all corners of `of` lie on one side of the triangle.
+  bool Sides(std::uint32_t triangle, std::uint32_t of, Moves moves, std::array<int, 3>& side) const {
+    for (std::size_t i = 0; i < 3; ++i) side[i] = signs_.Side(mesh_.corners[triangle], mesh_.corners[of][i], moves);
+    return side[0] != side[1] || side[1] != side[2];
+  }
+
+  // Whether edge i of `by`, whose ends are on different sides, passes through the triangle rather than by it.
+  bool Passes(std::uint32_t by, std::size_t i, std::uint32_t through, Moves moves) const {
+    const std::uint32_t p = mesh_.corners[by][i], q = mesh_.corners[by][(i + 1) % 3];
+    const Corners& c = mesh_.corners[through];
+    const int hand = signs_.Hand(p, q, c[0], c[1], moves);
+    return hand != 0 && signs_.Hand(p, q, c[1], c[2], moves) == hand && signs_.Hand(p, q, c[2], c[0], moves) == hand;
+  }
+
+  // The place is computed along the edge from its first point, whichever triangle it is looked at from. False when the edge lies in
+  // the triangle's plane: it does not pass through anywhere.
+  bool SetEnd(std::uint32_t by, std::size_t i, std::uint32_t through, IntersectionEnd& end) const {
+    auto [p, q] = std::minmax(mesh_.corners[by][i], mesh_.corners[by][(i + 1) % 3]);
+    const double hp = std::abs(signs_.Height(mesh_.corners[through], p)), hq = std::abs(signs_.Height(mesh_.corners[through], q));
+    if (hp + hq == 0) return false;
+    const ZBR_PT3 &a = mesh_.points[p], &b = mesh_.points[q];
+    const ZBR_PT3 place = hp <= hq ? a + (b - a) * (hp / (hp + hq)) : b + (a - b) * (hq / (hp + hq));
+    end = {through, mesh_.edges[by][i], place};
+    return true;
+  }
+
+  void Add(IntersectionLine& line, std::uint32_t t, std::uint32_t u) {
+    line.triangles = {t, u};
+    found_.push_back(line);
+  }
+
+  const Connectivity& mesh_;
+  const std::vector<std::uint32_t>& patches_;
+  const std::vector<GridPoint> grid_;
+  const Signs signs_;
+  std::vector<IntersectionLine> found_;
+};
+
+}  // namespace
+
+std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches) {
+  return Finder(model, mesh, patches).Run(model);
+}
+
+}  // namespace zbr::drawing

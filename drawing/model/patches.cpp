@@ -1,0 +1,68 @@
+#include "drawing/model/patches.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace zbr::drawing {
+namespace {
+
+class Grower {
+ public:
+  Grower(const Model& model, const Connectivity& mesh)
+      : model_(model), mesh_(mesh), tolerance_(PlaneTolerance(model)), patches_(mesh.corners.size(), Connectivity::kNone) {}
+
+  std::vector<std::uint32_t> Run() {
+    for (std::uint32_t t = 0; t < patches_.size(); ++t) {
+      if (patches_[t] == Connectivity::kNone) Grow(t);
+    }
+    return std::move(patches_);
+  }
+
+ private:
+  void Grow(std::uint32_t seed) {
+    const ZBR_PT3& normal = model_.normals[seed];
+    const ZBR_PT3& origin = mesh_.points[mesh_.corners[seed][0]];
+    patches_[seed] = seed;
+    open_.assign(1, seed);
+    while (!open_.empty()) {
+      const std::uint32_t t = open_.back();
+      open_.pop_back();
+      for (const std::uint32_t edge : mesh_.edges[t]) {
+        const std::uint32_t u = mesh_.Across(edge, t);
+        if (u == Connectivity::kNone || patches_[u] != Connectivity::kNone) continue;
+        if (!(model_.normals[u].InnerProduct(normal) > 0) || !IsInPlane(u, origin, normal)) continue;
+        patches_[u] = seed;
+        open_.push_back(u);
+      }
+    }
+  }
+
+  bool IsInPlane(std::uint32_t t, const ZBR_PT3& origin, const ZBR_PT3& normal) const {
+    const auto& c = mesh_.corners[t];
+    return std::all_of(c.begin(), c.end(), [&](std::uint32_t p) {
+      return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_;
+    });
+  }
+
+  const Model& model_;
+  const Connectivity& mesh_;
+  const double tolerance_;
+  std::vector<std::uint32_t> patches_;
+  std::vector<std::uint32_t> open_;
+};
+
+}  // namespace
+
+double PlaneTolerance(const Model& model) {
+  constexpr double kSteps = 4.0;         // of rounding: three points of a plane and the one compared with it
+  constexpr double kOfDiagonal = 1e-10;  // where coordinates are exact, their sines and cosines are not quite
+  return std::max(kSteps * model.rounding, kOfDiagonal * model.Diagonal());
+}
+
+std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh) {
+  return Grower(model, mesh).Run();
+}
+
+}  // namespace zbr::drawing

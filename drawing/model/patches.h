@@ -1,0 +1,20 @@
+// Plane patches of a mesh: triangles that hang together and lie in one plane.
+#pragma once
+
+#include <zbr-drawing/model.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "drawing/model/connectivity.h"
+
+namespace zbr::drawing {
+
+// Distance below which points of a model count as lying in a plane: what rounding leaves of it.
+double PlaneTolerance(const Model& model);
+
+// The patch of each triangle: the number of its first triangle. A patch grows as long as its points are within the tolerance of the
+// first triangle's plane, so it does not follow a surface that bends slowly. Linear.
+std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh);
+
+}  // namespace zbr::drawing

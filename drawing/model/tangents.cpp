@@ -1,0 +1,224 @@
+// Finds where the curvature of a surface jumps, from its facets.
+//
+// Idea: points of facets lie on the surface, so that across an edge the surface bends by half of what it bends over the facet before
+// it plus half of what it bends over the one behind:
+//
+//     bend at edge = (curvature x width of the one facet + curvature x width of the other) / 2
+//
+// In the middle of a fillet all facets have the same curvature. At its border towards a flat face half of the sum is missing.
+//
+//         |   flat face      | 1/2 | 1 | 1 | 1 | 1/2      bends at the edges of a fillet, in parts of what a facet bends
+//
+// The curvature of a facet is known from the edge at its far side, across the facet; where there is none that says anything, from
+// the edge in question and the curvature on the other side. An edge is tangent where the two differ by a large part.
+// Difficulty: tessellators divide a face as they like. What they agree on is that a strip of a cylinder or cone, and a flat face, are
+// plane but for rounding. So facets are plane patches of two and more triangles, and at least one side of a tangent edge is one: where
+// fillets meet at a corner, it is the long facet of the fillet that does not bend along the corner's edge. Scanned surfaces hardly have
+// any such patches. A patch with many corners is a flat face as a whole.
+#include "drawing/model/tangents.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+#include "drawing/model/connectivity.h"
+#include "drawing/model/patches.h"
+
+namespace zbr::drawing {
+namespace {
+
+constexpr std::size_t kMostSides = 24;  // of a facet, points on its sides counted; what has more is a flat face
+constexpr double kSmallestBend = 0.004;  // radians, half of what a facet bends; less may be noise of many slender facets
+constexpr double kJump = 0.7;            // of the larger curvature: what it has to differ from the other one by
+constexpr double kMisfit = 0.3;          // of a bend: what it may be off from what both facets say; more is noise
+constexpr double kFarLonger = 3.0;       // a facet this many times as wide as the other does not belong to the same bend
+constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+constexpr double kWide = std::numeric_limits<double>::infinity();
+
+// A side of a triangle, 3 x triangle + place.
+using Side = std::uint32_t;
+constexpr Side kNoSide = Connectivity::kNone;
+
+// What a patch is, looked at from one of its sides.
+struct Extent {
+  double width = kWide;  // up to the far side; infinite for a flat face
+  Side far = kNoSide;    // the side met there
+};
+
+struct Facet {
+  double width, curvature;
+};
+
+class Finder {
+ public:
+  explicit Finder(const Model& model)
+      : model_(model), mesh_(ConnectivityOf(model)), patches_(FindPatches(model, mesh_)), size_(patches_.size()) {
+    for (const std::uint32_t patch : patches_) ++size_[patch];
+    MeasurePatches();
+  }
+
+  std::vector<std::uint32_t> Run() const {
+    std::vector<std::uint32_t> found;
+    for (std::uint32_t e = 0; e < mesh_.sides.size(); ++e) {
+      if (IsTangent(e)) found.push_back(e);
+    }
+    return found;
+  }
+
+  const Connectivity& Mesh() const { return mesh_; }
+
+ private:
+  bool IsFacet(std::uint32_t t) const { return size_[patches_[t]] > 1; }
+
+  Side SideAt(std::uint32_t edge, std::uint32_t t) const {
+    std::uint32_t i = 0;
+    while (mesh_.edges[t][i] != edge) ++i;
+    return 3 * t + i;
+  }
+  const ZBR_PT3& From(Side s) const { return mesh_.points[mesh_.corners[s / 3][s % 3]]; }
+  const ZBR_PT3& To(Side s) const { return mesh_.points[mesh_.corners[s / 3][(s % 3 + 1) % 3]]; }
+  const ZBR_PT3& Apex(Side s) const { return mesh_.points[mesh_.corners[s / 3][(s % 3 + 2) % 3]]; }
+  std::uint32_t EdgeAt(Side s) const { return mesh_.edges[s / 3][s % 3]; }
+
+  // The outlines of all facets, and from each of their sides the far one.
+  void MeasurePatches() {
+    const std::vector<std::uint32_t> order = SortedByPatch();
+    extents_.resize(order.empty() ? 0 : 3 * patches_.size());
+    std::vector<Side> outline;
+    for (std::size_t k = 0; k < order.size(); ++k) {
+      const std::uint32_t t = order[k];
+      for (std::uint32_t i = 0; i < 3; ++i) {
+        const std::uint32_t u = mesh_.Across(mesh_.edges[t][i], t);
+        if (u == Connectivity::kNone || patches_[u] != patches_[t]) outline.push_back(3 * t + i);
+      }
+      if (k + 1 < order.size() && patches_[order[k + 1]] == patches_[t]) continue;
+      if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patches_[t]]);
+      outline.clear();
+    }
+  }
+
+  // The triangles of facets.
+  std::vector<std::uint32_t> SortedByPatch() const {
+    std::vector<std::uint32_t> place(size_.size());
+    std::uint32_t count = 0;
+    for (std::size_t patch = 0; patch < size_.size(); ++patch) {
+      place[patch] = count;
+      if (size_[patch] > 1) count += size_[patch];
+    }
+    std::vector<std::uint32_t> order(count);
+    for (std::uint32_t t = 0; t < patches_.size(); ++t) {
+      if (IsFacet(t)) order[place[patches_[t]]++] = t;
+    }
+    return order;
+  }
+
+  void MeasureFacet(const std::vector<Side>& outline, const ZBR_PT3& normal) {
+    for (const Side s : outline) {
+      const ZBR_PT3 along = To(s) - From(s);
+      const ZBR_PT3 middle = (From(s) + To(s)) * 0.5, inwards = normal.OuterProduct(along) * (1.0 / along.Length());
+      for (const Side f : outline) {
+        const double a = along.InnerProduct(From(f) - middle), b = along.InnerProduct(To(f) - middle);
+        if (f == s || (a > 0) == (b > 0)) continue;
+        const double width = inwards.InnerProduct(From(f) + (To(f) - From(f)) * (a / (a - b)) - middle);
+        if (width > 0 && width < extents_[s].width) extents_[s] = {width, f};
+      }
+    }
+  }
+
+  // About the angle: twice the tangent of its half. Positive where the surface bends away from its normals.
+  double Bend(std::uint32_t edge) const {
+    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
+    const ZBR_PT3 &a = model_.normals[t], &b = model_.normals[u];
+    const double angle = 2.0 * a.OuterProduct(b).Length() / (1.0 + std::max(a.InnerProduct(b), -0.5));
+    return a.InnerProduct(Apex(SideAt(edge, u)) - From(SideAt(edge, t))) < 0 ? angle : -angle;
+  }
+
+  bool IsSmooth(std::uint32_t edge) const { return !mesh_.shows[edge] && mesh_.sides[edge][1] != Connectivity::kNone; }
+
+  double Width(Side s) const {
+    if (IsFacet(s / 3)) return extents_[s].width;
+    const ZBR_PT3 along = To(s) - From(s);
+    return along.OuterProduct(Apex(s) - From(s)).Length() / along.Length();
+  }
+
+  // What the facet tells of itself without the edge at this side.
+  Facet Look(Side s) const {
+    const double width = Width(s);
+    if (!IsFacet(s / 3)) return {width, kUnknown};
+    if (width == kWide) return {width, 0.0};
+    const std::uint32_t far = EdgeAt(extents_[s].far);
+    if (!IsSmooth(far)) return {width, kUnknown};
+    const double behind = Width(SideAt(far, mesh_.Across(far, extents_[s].far / 3)));
+    if (width > kFarLonger * behind) return {width, 0.0};
+    return {width, 2.0 * Bend(far) / (behind > kFarLonger * width ? width : width + behind)};
+  }
+
+  bool IsTangent(std::uint32_t edge) const {
+    if (!IsSmooth(edge)) return false;
+    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
+    if (patches_[t] == patches_[u] || (!IsFacet(t) && !IsFacet(u))) return false;
+    const double bend = Bend(edge);
+    if (std::abs(bend) < kSmallestBend) return false;
+    Facet a = Look(SideAt(edge, t)), b = Look(SideAt(edge, u));
+    if (a.width == kWide && b.width == kWide) return false;
+    if (std::isnan(a.curvature) && std::isnan(b.curvature)) {
+      if (a.width > kFarLonger * b.width) a.curvature = 0.0;
+      if (b.width > kFarLonger * a.width) b.curvature = 0.0;
+    }
+    Complete(a, b, bend);
+    Complete(b, a, bend);
+    if (!(std::abs(2.0 * bend - Turn(a) - Turn(b)) <= kMisfit * std::abs(2.0 * bend))) return false;
+    return std::abs(a.curvature - b.curvature) > kJump * std::max(std::abs(a.curvature), std::abs(b.curvature));
+  }
+
+  // The curvature of one facet from the other's and the bend between them.
+  static void Complete(Facet& facet, const Facet& other, double bend) {
+    if (!std::isnan(facet.curvature) || std::isnan(other.curvature)) return;
+    facet.curvature = (2.0 * bend - Turn(other)) / facet.width;
+  }
+
+  // What the surface bends over a facet.
+  static double Turn(const Facet& facet) { return facet.curvature == 0 ? 0.0 : facet.curvature * facet.width; }
+
+  const Model& model_;
+  const Connectivity mesh_;
+  const std::vector<std::uint32_t> patches_;
+  std::vector<std::uint32_t> size_;  // of patches, in triangles
+  std::vector<Extent> extents_;      // of the sides of facets
+};
+
+// Lines go on or end at others: an edge with a loose end is chance.
+std::vector<std::uint32_t> Connected(const Connectivity& mesh, const std::vector<std::uint32_t>& found) {
+  const auto ends = [&](std::uint32_t edge) {
+    const std::uint32_t t = mesh.sides[edge][0];
+    std::size_t i = 0;
+    while (mesh.edges[t][i] != edge) ++i;
+    return std::array{mesh.corners[t][i], mesh.corners[t][(i + 1) % 3]};
+  };
+  std::vector<std::uint32_t> uses(mesh.points.size());
+  if (found.empty()) return {};
+  for (std::uint32_t e = 0; e < mesh.sides.size(); ++e) {
+    if (!mesh.shows[e]) continue;
+    for (const std::uint32_t p : ends(e)) ++uses[p];
+  }
+  for (const std::uint32_t e : found) {
+    for (const std::uint32_t p : ends(e)) ++uses[p];
+  }
+  std::vector<std::uint32_t> connected;
+  for (const std::uint32_t e : found) {
+    if (uses[ends(e)[0]] > 1 && uses[ends(e)[1]] > 1) connected.push_back(e);
+  }
+  return connected;
+}
+
+}  // namespace
+
+void NoteTangents(Model& model) {
+  const Finder finder(model);
+  for (const std::uint32_t edge : Connected(finder.Mesh(), finder.Run())) model.notes[edge].isTangent = true;
+}
+
+}  // namespace zbr::drawing
