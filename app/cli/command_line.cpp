@@ -157,6 +157,15 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
             "Largest distance of a flattened arc from the true one; by default 1/10000 of the larger side of all drawings read");
   AddNumber(command, "--join", kLength, input.flatten.join,
             "Join ends of DXF lines and arcs that are at most this far apart; by default 1/1000000 of the larger side");
+  command
+      .add_option_function<std::string>(
+          "--faces",
+          [&input](const std::string& faces) { input.flatten.faces = faces == "all" ? LineFaces::kAll : LineFaces::kOuter; },
+          "What open lines bound where more than two meet: what they enclose together (outer, by default); or every cell into "
+          "which "
+          "all lines, closed and open ones, cut the plane (all)")
+      ->check(CLI::IsMember({"outer", "all"}).description(""))
+      ->type_name("FACES");
 }
 
 void CommandLine::DeclareBool() {

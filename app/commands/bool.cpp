@@ -57,67 +57,85 @@ struct Run {
   std::vector<Layer> results;
 };
 
-// Of two drawings: all operations share one search for crossings, on the rings as they are.
-std::vector<ZBR_REGION> CombineTwo(const std::vector<Operation>& operations, const Region& a, const Region& b) {
-  std::vector<ZBR_BOOLEAN_OPE> codes;
-  for (const Operation& operation : operations) codes.push_back(operation.code);
-  std::vector<ZBR_REGION> results(codes.size());
-  ZBR_REGION_OPTIONS options;
-  options.fill_a = a.fill;
-  options.fill_b = b.fill;
-  options.canonical = true;
-  zbrCombineRegions(a.rings.view(), b.rings.view(), codes.data(), results.data(), static_cast<int>(codes.size()), options);
-  return results;
-}
-
-ZBR_REGION_OPTIONS Canonical() {
+ZBR_REGION_OPTIONS Canonical(bool hasCurves) {
   ZBR_REGION_OPTIONS options;
   options.canonical = true;
+  options.sources = hasCurves;
   return options;
 }
 
-ZBR_REGION Covered(const std::vector<ZBR_REGION>& shapes, std::size_t from, int times) {
+// Of two drawings: all operations share one search for crossings, on the rings as they are.
+std::vector<CurvedRegion> CombineTwo(const std::vector<Operation>& operations, const Region& a, const Region& b) {
+  std::vector<ZBR_BOOLEAN_OPE> codes;
+  for (const Operation& operation : operations) codes.push_back(operation.code);
+  std::vector<ZBR_REGION> combined(codes.size());
+  ZBR_REGION_OPTIONS options = Canonical(a.HasCurves() || b.HasCurves());
+  options.fill_a = a.fill;
+  options.fill_b = b.fill;
+  zbrCombineRegions(a.rings.view(), b.rings.view(), codes.data(), combined.data(), static_cast<int>(codes.size()), options);
+  std::vector<CurvedRegion> results;
+  for (ZBR_REGION& result : combined) results.push_back(Traced(std::move(result), {&a, &b}));
+  return results;
+}
+
+using Shapes = std::vector<const CurvedRegion*>;
+
+CurvedRegion Covered(const Shapes& shapes, int times, bool hasCurves) {
   std::vector<ZBR_REGION_VIEW> views;
-  for (std::size_t i = from; i < shapes.size(); ++i) views.push_back(shapes[i].view());
+  for (const CurvedRegion* const shape : shapes) views.push_back(shape->rings.view());
   ZBR_REGION result;
-  zbrCoverRegions(views.data(), views.size(), times, result, Canonical());
-  return result;
+  zbrCoverRegions(views.data(), views.size(), times, result, Canonical(hasCurves));
+  return Traced(std::move(result), shapes);
 }
 
 // The rings of valid regions lie around a place as often as regions cover it.
-ZBR_REGION CoveredOddly(const std::vector<ZBR_REGION>& shapes) {
-  ZBR_REGION rings;
-  for (const ZBR_REGION& shape : shapes) {
-    for (std::size_t r = 0; r < shape.ring_count(); ++r) {
-      const auto first = static_cast<std::size_t>(shape.ring_offsets()[r]);
-      rings.AddRing(shape.points().data() + first, static_cast<std::size_t>(shape.ring_offsets()[r + 1]) - first);
+CurvedRegion CoveredOddly(const Shapes& shapes, bool hasCurves) {
+  CurvedRegion all;
+  for (const CurvedRegion* const shape : shapes) {
+    const ZBR_REGION& rings = shape->rings;
+    for (std::size_t r = 0; r < rings.ring_count(); ++r) {
+      const auto first = static_cast<std::size_t>(rings.ring_offsets()[r]);
+      all.rings.AddRing(rings.points().data() + first, static_cast<std::size_t>(rings.ring_offsets()[r + 1]) - first);
     }
+    if (!hasCurves) continue;
+    all.origins.insert(all.origins.end(), shape->origins.begin(), shape->origins.end());
+    all.origins.resize(all.rings.point_count());
+    all.curves = shape->curves;
   }
   ZBR_REGION result;
-  zbrMakeValidRegion(rings.view(), result, Canonical());
-  return result;
+  zbrMakeValidRegion(all.rings.view(), result, Canonical(hasCurves));
+  return Traced(std::move(result), {&all});
 }
 
 // Of any number: union and intersection are what one and what all of them cover, the differences those of the first and the union
 // of the others.
-ZBR_REGION CombineMany(const Operation& operation, const std::vector<ZBR_REGION>& shapes) {
+CurvedRegion CombineMany(const Operation& operation, const Shapes& shapes, bool hasCurves) {
   switch (operation.code) {
     case ZBR_BOOL_OR:
-      return Covered(shapes, 0, 1);
+      return Covered(shapes, 1, hasCurves);
     case ZBR_BOOL_AND:
-      return Covered(shapes, 0, static_cast<int>(shapes.size()));
+      return Covered(shapes, static_cast<int>(shapes.size()), hasCurves);
     case ZBR_BOOL_XOR:
-      return CoveredOddly(shapes);
+      return CoveredOddly(shapes, hasCurves);
     default:
-      return zbrCombineRegions(shapes[0], Covered(shapes, 1, 1), operation.code, Canonical());
+      break;
   }
+  const CurvedRegion others = Covered({shapes.begin() + 1, shapes.end()}, 1, hasCurves);
+  const ZBR_BOOLEAN_OPE code = operation.code;
+  ZBR_REGION result;
+  zbrCombineRegions(shapes[0]->rings.view(), others.rings.view(), &code, &result, 1, Canonical(hasCurves));
+  return Traced(std::move(result), {shapes[0], &others});
 }
 
-std::vector<ZBR_REGION> Combine(const Run& run) {
+std::vector<CurvedRegion> Combine(const Run& run) {
   if (run.regions.size() == 2) return CombineTwo(run.operations, run.regions[0], run.regions[1]);
-  std::vector<ZBR_REGION> shapes, results;
-  for (const Region& region : run.regions) shapes.push_back(ValidShape(region));
-  for (const Operation& operation : run.operations) results.push_back(CombineMany(operation, shapes));
+  std::vector<CurvedRegion> shapes, results;
+  for (const Region& region : run.regions) shapes.push_back(CurvedShape(region));
+  Shapes all;
+  for (const CurvedRegion& shape : shapes) all.push_back(&shape);
+  const auto isCurved = [](const CurvedRegion& shape) { return shape.HasCurves(); };
+  const bool hasCurves = std::any_of(shapes.begin(), shapes.end(), isCurved);
+  for (const Operation& operation : run.operations) results.push_back(CombineMany(operation, all, hasCurves));
   return results;
 }
 
@@ -168,14 +186,14 @@ int RunBool(const BoolOptions& options) {
   stats.Stage("check", watch.Lap());
 
   progress.Stage("combining");
-  for (const ZBR_REGION& result : Combine(run)) run.results.push_back(MakeLayer(names[run.results.size()], result));
+  for (const CurvedRegion& result : Combine(run)) run.results.push_back(MakeLayer(names[run.results.size()], result));
   stats.Stage("boolean", watch.Lap());
 
   progress.Stage("writing");
   const auto isPicture = [](const OutputPlan& plan) { return plan.format == Format::kSvg; };
   if (isReported || std::any_of(run.plans.begin(), run.plans.end(), isPicture)) {
     for (const Region& region : run.regions)
-      run.operands.push_back(MakeLayer(BaseName(inputs[run.operands.size()]), ValidShape(region)));
+      run.operands.push_back(MakeLayer(BaseName(inputs[run.operands.size()]), CurvedShape(region)));
   }
   WriteOutputs(run);
   stats.Stage("write", watch.Lap());

@@ -24,6 +24,10 @@ class Findings {
     for (const OpenEnds& open : contours_.open) {
       Report(open.line, "contour does not close, from " + PointText(open.from) + " to " + PointText(open.to));
     }
+    for (const Fork& fork : contours_.forks) {
+      Report(fork.line, std::to_string(fork.ends) + " lines meet at " + PointText(fork.at) +
+                            ", so that they bound no single contour; what they enclose together is taken, see --faces");
+    }
     std::vector<ZBR_REGION_FAULT> faults;
     zbrCheckRegion(RingsOf(contours_).view(), faults, kMostFaults);
     for (std::size_t i = 0, next = 0; i < faults.size(); i = next) {
@@ -68,7 +72,7 @@ class Findings {
 
 void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const std::vector<OutputPlan>& plans, const std::string& name) {
   OutputFiles files;
-  const Layer layer = MakeLayer(name, ValidShape(MakeRegion(loaded.contours.front(), rule)));
+  const Layer layer = MakeLayer(name, CurvedShape(MakeRegion(loaded.contours.front(), rule)));
   for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));
   files.Commit();
 }

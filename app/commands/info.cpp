@@ -34,7 +34,8 @@ int RunInfo(const FileOptions& options) {
   Progress progress;
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();
-  const ZBR_REGION shape = ValidShape(LoadRegion(contours, options.input, progress));
+  const CurvedRegion region = CurvedShape(LoadRegion(contours, options.input, progress));
+  const ZBR_REGION& shape = region.rings;
   const std::size_t holes = shape.ring_count() - shape.polygon_count();
   Report report;
   report.Line("file", BaseName(options.file));
@@ -44,7 +45,7 @@ int RunInfo(const FileOptions& options) {
   report.Line("loops", std::to_string(shape.ring_count()) + " (" + std::to_string(shape.polygon_count()) + " outer, " +
                            std::to_string(holes) + " holes)");
   report.Line("vertices", std::to_string(shape.point_count()));
-  report.Line("area", NumberText(shape.area()));
+  report.Line("area", NumberText(region.Area()));
   report.Line("box", BoxText(ExtentOf(contours.rings)));
   report.Line("depth", std::to_string(Depth(shape)));
   if (!contours.open.empty()) report.Line("open", OpenText(contours.open.size()));

@@ -37,6 +37,15 @@ void LeaveOutRepeats(Drawing& drawing, Progress& progress) {
   progress.Note(drawing.file + ": note: left out " + std::to_string(count) + what);
 }
 
+void NoteForks(const Contours& contours, Progress& progress) {
+  if (contours.forks.empty()) return;
+  const Fork& fork = contours.forks.front();
+  std::string places = " at " + PointText(fork.at);
+  if (contours.forks.size() > 1) places += " and " + std::to_string(contours.forks.size() - 1) + " more";
+  progress.Note(contours.file + ":" + std::to_string(fork.line) + ": note: lines fork" + places +
+                "; what they enclose together is taken, see --faces");
+}
+
 const char* VerbFor(ZBR_REGION_FAULT_KIND kind) {
   return kind == ZBR_FAULT_CROSSING ? "crosses" : (kind == ZBR_FAULT_OVERLAP ? "runs along" : "turns back on");
 }
@@ -79,8 +88,8 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   }
   loaded.units = drawings.front().units;
   loaded.format = FormatOf(files.front(), fallback);
-  const FlattenOptions flatten = WithDefaults(options.flatten, extent);
-  for (Drawing& drawing : drawings) loaded.contours.push_back(MakeContours(std::move(drawing), flatten));
+  loaded.contours = MakeContours(std::move(drawings), WithDefaults(options.flatten, extent));
+  for (const Contours& contours : loaded.contours) NoteForks(contours, progress);
   return loaded;
 }
 

@@ -43,10 +43,10 @@ int RunNest(const NestOptions& options) {
   const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
-  const ZBR_REGION shape = ValidShape(LoadRegion(loaded.contours.front(), options.input, progress));
+  const CurvedRegion shape = CurvedShape(LoadRegion(loaded.contours.front(), options.input, progress));
   OutputFiles files;
   if (plans.empty()) {
-    files.Add("-", List(shape));
+    files.Add("-", List(shape.rings));
   } else {
     const Layer layer = MakeLayer(name, shape);
     for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));

@@ -1,55 +1,27 @@
-// Flattening of curves, with the default tolerances.
+// From drawings to contours: joining, chords, faces.
+//
+// The chords of all drawings are drawn at once, so that what meets or coincides does so in all of them. Faces are traced of chords;
+// the sources of their edges tell which curves these stand for.
 #include <zbr-drawing/contours.h>
 
 #include <zbr-drawing/failure.h>
+#include <zbr/region.h>
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
+#include <memory>
 #include <utility>
 
-#include "drawing/contours/spline.h"
+#include "drawing/contours/carriers.h"
+#include "drawing/contours/chords.h"
 
 namespace zbr::drawing {
 namespace {
 
-constexpr double kDefaultDeviation = 1e-4;   // of the extent: invisible in a picture, and a bolt hole gets some thirty edges
-constexpr double kDefaultJoin = 1e-6;        // of the extent: above the noise of exported ends, far below any feature
-constexpr double kMostChordsPerTurn = 1e5;   // however small a deviation is asked for
-constexpr double kLeastChordsPerTurn = 8.0;  // however large
-constexpr double kTurn = 6.283185307179586;
-
-// A chord over the parameter range h is off the arc by radius * (1 - cos(h / 2)); for an ellipse the longer half axis bounds it,
-// since the ellipse is the image of a circle of that radius under a map that lengthens nothing.
-int ChordsFor(const Curve& curve, double deviation) {
-  const double radius = std::max(std::hypot(curve.u.x(), curve.u.y()), std::hypot(curve.v.x(), curve.v.y()));
-  if (radius == 0) return 1;
-  const double cosine = 1.0 - deviation / radius;
-  const double step = 2.0 * std::acos(std::clamp(cosine, -1.0, 1.0));
-  const double perTurn = std::clamp(kTurn / step, kLeastChordsPerTurn, kMostChordsPerTurn);
-  const double turns = std::abs(curve.t1 - curve.t0) / kTurn;
-  // A whole circle gets a multiple of four, so that its box is that of the true one. The small allowance keeps a part of a circle
-  // from getting a chord more by rounding alone.
-  if (std::abs(turns - 1.0) < 1e-12) return 4 * static_cast<int>(std::ceil(perTurn / 4.0));
-  return std::max(1, static_cast<int>(std::ceil(perTurn * turns - 1e-9)));
-}
-
-template <class Visit>
-void VisitChords(const Curve& curve, double deviation, Visit visit) {
-  if (curve.spline != nullptr) {
-    for (const double t : ChordParameters(*curve.spline, curve.t0, curve.t1, deviation))
-      visit(curve.At(t), (t - curve.t0) / (curve.t1 - curve.t0));
-    return;
-  }
-  const int chords = ChordsFor(curve, deviation);
-  for (int k = 1; k < chords; ++k) visit(curve.At(curve.t0 + (curve.t1 - curve.t0) * k / chords), static_cast<double>(k) / chords);
-}
-
-std::vector<ZBR_PT> FlattenedPoints(const Path& path, double deviation) {
-  std::vector<ZBR_PT> points;
-  points.reserve(path.points.size());
-  FlattenPath(path, deviation, [&](const ZBR_PT& p, std::size_t, double) { points.push_back(p); });
-  return points;
-}
+constexpr double kDefaultDeviation = 1e-4;  // of the extent: invisible in a picture, and a bolt hole gets some thirty edges
+constexpr double kDefaultJoin = 1e-6;       // of the extent: above the noise of exported ends, far below any feature
 
 void CheckFinite(const std::vector<ZBR_PT>& points, const std::string& file, std::size_t line) {
   for (const ZBR_PT& p : points) {
@@ -67,6 +39,141 @@ void CloseExactly(Path& path) {
   path.closed = true;
 }
 
+// A drawing on its way to contours.
+struct Work {
+  std::vector<Path> contours;  // closed, or open
+  std::vector<std::vector<Path>> pieces;
+};
+
+void CheckPath(const Path& path, const std::string& file) {
+  for (const Curve& curve : path.curves) CheckFinite({curve.centre, curve.u, curve.v, curve.At(curve.t0)}, file, path.line);
+  CheckFinite(path.points, file, path.line);
+}
+
+Work Joined(Drawing& drawing, const FlattenOptions& options, Contours& contours) {
+  Work work;
+  for (Path& path : drawing.paths) {
+    CloseExactly(path);
+    CheckPath(path, drawing.file);
+  }
+  if (options.faces == LineFaces::kAll) {
+    // Ends that meet but for a gap still have to. All that is drawn is one piece.
+    LineWork joined = JoinPaths(std::move(drawing.paths), options.join);
+    std::vector<Path>& all = work.pieces.emplace_back(std::move(joined.contours));
+    for (std::vector<Path>& piece : joined.pieces) std::move(piece.begin(), piece.end(), std::back_inserter(all));
+    return work;
+  }
+  if (!drawing.joinsEnds) return {std::move(drawing.paths), {}};
+  LineWork joined = JoinPaths(std::move(drawing.paths), options.join);
+  contours.forks = std::move(joined.forks);
+  return {std::move(joined.contours), std::move(joined.pieces)};
+}
+
+// The lines of a piece, by their places among all chords.
+struct Piece {
+  const std::vector<Path>& paths;
+  std::size_t first;
+};
+
+void AddOpen(const Path& path, const ChordLine& chords, Contours& contours) {
+  if (!chords.points.empty()) contours.open.push_back({chords.points.front(), chords.points.back(), path.line});
+}
+
+// The piece as lines for the tracing of faces.
+ZBR_REGION LinesOf(const Piece& piece, const std::vector<ChordLine>& chords) {
+  ZBR_REGION lines;
+  for (std::size_t i = 0; i < piece.paths.size(); ++i) {
+    std::vector<ZBR_PT> points = chords[piece.first + i].points;
+    if (piece.paths[i].closed && !points.empty()) points.push_back(points.front());
+    lines.AddRing(points);
+  }
+  return lines;
+}
+
+EdgeOrigin PartOf(const EdgeOrigin& origin, const ZBR_EDGE_SOURCE& source) {
+  const double sweep = origin.t1 - origin.t0;
+  return {origin.curve, origin.line, origin.t0 + sweep * source.t0, origin.t0 + sweep * source.t1};
+}
+
+// A ring of a region. originOf tells of a source what its edge stands for, lineOf where it stands in the file.
+template <class OriginOf, class LineOf>
+Ring RingOf(const ZBR_REGION& region, std::size_t r, bool hasCurves, OriginOf originOf, LineOf lineOf) {
+  Ring ring;
+  ring.line = std::numeric_limits<std::size_t>::max();
+  const auto first = static_cast<std::size_t>(region.ring_offsets()[r]),
+             end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
+  for (std::size_t i = first; i < end; ++i) {
+    ring.points.push_back(region.points()[i]);
+    EdgeOrigin origin;
+    const auto last = static_cast<std::size_t>(region.source_offsets()[i + 1]);
+    for (auto s = static_cast<std::size_t>(region.source_offsets()[i]); s < last; ++s) {
+      const ZBR_EDGE_SOURCE& source = region.sources()[s];
+      ring.line = std::min(ring.line, lineOf(source));
+      if (hasCurves && origin.curve < 0) origin = PartOf(originOf(source), source);
+    }
+    if (hasCurves) ring.origins.push_back(origin);
+  }
+  return ring;
+}
+
+// What cells cover together: all that is bounded is a cell, so there are no holes.
+std::vector<Ring> OutlinesOf(const std::vector<Ring>& cells, bool hasCurves) {
+  ZBR_REGION outer;
+  std::vector<const Ring*> cellOf;
+  for (const Ring& ring : cells) {
+    if (!cellOf.empty() && cellOf.back()->polygon == ring.polygon) continue;  // a hole
+    outer.AddRing(ring.points);
+    cellOf.push_back(&ring);
+  }
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = ZBR_FILL_NON_ZERO;
+  options.sources = true;
+  options.canonical = true;
+  ZBR_REGION together;
+  zbrMakeValidRegion(outer.view(), together, options);
+  std::vector<Ring> rings;
+  for (std::size_t p = 0; p < together.polygon_count(); ++p) {
+    rings.push_back(RingOf(
+        together, static_cast<std::size_t>(together.polygon_offsets()[p]), hasCurves,
+        [&](const ZBR_EDGE_SOURCE& s) {
+          return cellOf[static_cast<std::size_t>(s.ring)]->origins[static_cast<std::size_t>(s.edge)];
+        },
+        [&](const ZBR_EDGE_SOURCE& s) { return cellOf[static_cast<std::size_t>(s.ring)]->line; }));
+  }
+  return rings;
+}
+
+void TracePiece(const Piece& piece, const std::vector<ChordLine>& chords, LineFaces faces, Contours& contours) {
+  ZBR_REGION_OPTIONS options;
+  options.sources = true;
+  options.canonical = true;
+  ZBR_REGION cells;
+  const ZBR_REGION lines = LinesOf(piece, chords);
+  if (zbrTraceFaces(lines.view(), cells, options).code != ZBR_REGION_OK)
+    throw Failure(contours.file, "coordinates are out of range");
+  const auto chordsOf = [&](const ZBR_EDGE_SOURCE& s) -> const ChordLine& {
+    return chords[piece.first + static_cast<std::size_t>(s.ring)];
+  };
+  const bool hasCurves = !piece.paths.empty() && !chords[piece.first].origins.empty();
+  std::vector<Ring> rings;
+  for (std::size_t p = 0; p < cells.polygon_count(); ++p) {
+    const auto end = static_cast<std::size_t>(cells.polygon_offsets()[p + 1]);
+    for (auto r = static_cast<std::size_t>(cells.polygon_offsets()[p]); r < end; ++r) {
+      rings.push_back(RingOf(
+          cells, r, hasCurves, [&](const ZBR_EDGE_SOURCE& s) { return chordsOf(s).origins[static_cast<std::size_t>(s.edge)]; },
+          [&](const ZBR_EDGE_SOURCE& s) { return piece.paths[static_cast<std::size_t>(s.ring)].line; }));
+      rings.back().polygon = static_cast<int>(p);
+    }
+  }
+  if (faces == LineFaces::kOuter) rings = OutlinesOf(rings, hasCurves);
+  std::move(rings.begin(), rings.end(), std::back_inserter(contours.rings));
+  std::vector<bool> isUsed(piece.paths.size(), false);
+  for (const ZBR_EDGE_SOURCE& source : cells.sources()) isUsed[static_cast<std::size_t>(source.ring)] = true;
+  for (std::size_t i = 0; i < piece.paths.size(); ++i) {
+    if (!isUsed[i]) AddOpen(piece.paths[i], chords[piece.first + i], contours);
+  }
+}
+
 }  // namespace
 
 void FlattenPath(const Path& path, double deviation, const std::function<void(const ZBR_PT&, std::size_t, double)>& visit) {
@@ -74,7 +181,7 @@ void FlattenPath(const Path& path, double deviation, const std::function<void(co
   for (std::size_t i = 0; i < path.points.size(); ++i) {
     visit(path.points[i], i, 0);
     if (curve == path.curves.end() || curve->at != i) continue;
-    VisitChords(*curve, deviation, [&](const ZBR_PT& p, double part) { visit(p, i, part); });
+    for (const double t : ChordParameters(*curve, deviation)) visit(curve->At(t), i, (t - curve->t0) / (curve->t1 - curve->t0));
     ++curve;
   }
 }
@@ -85,22 +192,46 @@ FlattenOptions WithDefaults(FlattenOptions options, const Extent& extent) {
   return options;
 }
 
-Contours MakeContours(Drawing drawing, const FlattenOptions& options) {
-  for (Path& path : drawing.paths) CloseExactly(path);
-  if (drawing.joinsEnds) drawing.paths = JoinPaths(std::move(drawing.paths), options.join);
-  Contours contours;
-  contours.file = drawing.file;
-  for (Path& path : drawing.paths) {
-    for (const Curve& curve : path.curves) CheckFinite({curve.centre, curve.u, curve.v}, drawing.file, path.line);
-    std::vector<ZBR_PT> points = path.curves.empty() ? std::move(path.points) : FlattenedPoints(path, options.deviation);
-    CheckFinite(points, drawing.file, path.line);
-    if (path.closed) {
-      contours.rings.push_back({std::move(points), path.line, path.polygon});
-    } else if (!points.empty()) {
-      contours.open.push_back({points.front(), points.back(), path.line});
+std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenOptions& options) {
+  std::vector<Contours> all(drawings.size());
+  std::vector<Work> works;
+  std::vector<const Path*> paths;
+  for (std::size_t i = 0; i < drawings.size(); ++i) {
+    all[i].file = drawings[i].file;
+    works.push_back(Joined(drawings[i], options, all[i]));
+  }
+  for (const Work& work : works) {
+    for (const Path& path : work.contours) paths.push_back(&path);
+    for (const std::vector<Path>& piece : work.pieces) {
+      for (const Path& path : piece) paths.push_back(&path);
     }
   }
-  return contours;
+  ChordDrawing chords = MakeChords(paths, options.deviation);
+  const auto curves = std::make_shared<const std::vector<Curve>>(std::move(chords.curves));
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < drawings.size(); ++i) {
+    all[i].curves = curves;
+    for (const Path& path : works[i].contours) {
+      ChordLine& line = chords.lines[next++];
+      CheckFinite(line.points, drawings[i].file, path.line);
+      if (path.closed) {
+        all[i].rings.push_back({std::move(line.points), std::move(line.origins), path.line, path.polygon});
+      } else {
+        AddOpen(path, line, all[i]);
+      }
+    }
+    for (const std::vector<Path>& piece : works[i].pieces) {
+      TracePiece({piece, next}, chords.lines, options.faces, all[i]);
+      next += piece.size();
+    }
+  }
+  return all;
+}
+
+Contours MakeContours(Drawing drawing, const FlattenOptions& options) {
+  std::vector<Drawing> drawings;
+  drawings.push_back(std::move(drawing));
+  return std::move(MakeContours(std::move(drawings), options).front());
 }
 
 }  // namespace zbr::drawing

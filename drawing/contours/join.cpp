@@ -1,36 +1,23 @@
 // Joins lines and arcs that meet end to end into contours.
 //
-// Idea: all ends of open paths lie in a hash of square cells as wide as the tolerance, so that the ends near a point are in the
-// cell of that point and the eight around it. A chain starts with the first free path and grows at its tail by the nearest free
-// end until that is its own head (it closes) or there is none; then it is turned round once, so that it grows at the other side
-// as well.
-// Holds throughout: both ends of a free path are in the hash; ends of paths that were taken drop out when a search meets them.
-
+// Idea: the ends that meet are the nodes of a graph whose edges are the open paths. Dead ends are peeled off until every node has
+// two ends or more. What is left falls into connected pieces; one whose nodes all have two ends is a contour, walked from its
+// leftmost node; one with forks is handed back as it is, as only the faces it bounds tell what it encloses. Peeled paths become
+// open chains. Nothing but the numbers of lines and the order in which contours are listed depends on the order of the paths.
 #include <zbr-drawing/contours.h>
 
 #include <algorithm>
-#include <cmath>
-#include <functional>
-#include <optional>
-#include <unordered_map>
+#include <cstdint>
+#include <limits>
+#include <tuple>
+#include <utility>
+
+#include "drawing/contours/end_nodes.h"
 
 namespace zbr::drawing {
 namespace {
 
-struct Cell {
-  double x, y;
-  bool operator==(const Cell& o) const { return x == o.x && y == o.y; }
-};
-
-struct CellHash {
-  std::size_t operator()(const Cell& c) const { return std::hash<double>()(c.x) * 0x9E3779B97F4A7C15U + std::hash<double>()(c.y); }
-};
-
-// An end of a path: which path, and whether it is the last point.
-struct End {
-  std::size_t path = 0;
-  bool last = false;
-};
+constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 void Reverse(Path& path) {
   const std::size_t edges = path.points.size() - 1;
@@ -42,17 +29,12 @@ void Reverse(Path& path) {
   }
 }
 
-bool EndsInCurve(const Path& path) {
-  return !path.curves.empty() && path.curves.back().at + 2 == path.points.size();
-}
-
-// Appends `next`, whose first point becomes the chain's last. Of the two coordinates of the joint a straight edge's is kept: it
-// was read, an arc's was computed.
-void Append(Path& chain, const Path& next) {
+// Appends `next`, whose first point is the chain's last.
+void Append(Path& chain, Path&& next) {
   const std::size_t joint = chain.points.size() - 1;
-  if (EndsInCurve(chain)) chain.points.back() = next.points.front();
+  chain.line = std::min(chain.line, next.line);
   chain.points.insert(chain.points.end(), next.points.begin() + 1, next.points.end());
-  for (Curve curve : next.curves) {
+  for (Curve& curve : next.curves) {
     curve.at += joint;
     chain.curves.push_back(curve);
   }
@@ -60,116 +42,200 @@ void Append(Path& chain, const Path& next) {
 
 class Joiner {
  public:
-  Joiner(std::vector<Path>& paths, double tolerance) : paths_(paths), tolerance_(tolerance), free_(paths.size(), false) {
-    for (std::size_t i = paths.size(); i-- > 0;) {
-      if (paths[i].closed || paths[i].points.size() < 2) continue;
-      free_[i] = true;
-      ends_[CellOf(paths[i].points.back())].push_back({i, true});
-      ends_[CellOf(paths[i].points.front())].push_back({i, false});
+  Joiner(std::vector<Path>& paths, double tolerance) : paths_(paths), nodes_(FindEndNodes(paths, tolerance)) {
+    endsAt_.resize(nodes_.points.size());
+    for (std::size_t end = 0; end < nodes_.nodeOf.size(); ++end) {
+      if (nodes_.nodeOf[end] != EndNodes::kNoNode) AddEnd(end);
     }
+    isTaken_.assign(paths.size(), false);
   }
 
-  std::vector<Path> Join() {
-    std::vector<Path> joined;
+  LineWork Run() {
     for (std::size_t i = 0; i < paths_.size(); ++i) {
-      if (free_[i]) {
-        joined.push_back(Grow(Take({i, false})));
-      } else if (paths_[i].closed || paths_[i].points.size() == 1) {  // a single point stays, to be reported as open
-        joined.push_back(std::move(paths_[i]));
-      }
+      if (paths_[i].closed || paths_[i].points.size() == 1 || ClosesAlone(i)) TakeAlone(i);
     }
-    return joined;
+    Peel();
+    TakePieces();
+    TakeChains();
+    using Item = std::pair<std::size_t, Path>;
+    std::stable_sort(contours_.begin(), contours_.end(), [](const Item& a, const Item& b) { return a.first < b.first; });
+    for (auto& [place, path] : contours_) work_.contours.push_back(std::move(path));
+    return std::move(work_);
   }
 
  private:
-  Cell CellOf(const ZBR_PT& p) const {
-    if (tolerance_ <= 0) return {p.x(), p.y()};
-    return {std::floor(p.x() / tolerance_), std::floor(p.y() / tolerance_)};
+  // Moves the end to its node.
+  void AddEnd(std::size_t end) {
+    Path& path = paths_[end / 2];
+    ZBR_PT& p = end % 2 == 0 ? path.points.front() : path.points.back();
+    p = nodes_.points[nodes_.nodeOf[end]];
+    endsAt_[nodes_.nodeOf[end]].push_back(end);
   }
 
-  ZBR_PT PointOf(const End& end) const { return end.last ? paths_[end.path].points.back() : paths_[end.path].points.front(); }
+  std::uint32_t NodeOf(std::size_t end) const { return nodes_.nodeOf[end]; }
 
-  // Takes a path out of the pool, turned so that it starts at the given end.
-  Path Take(const End& end) {
-    free_[end.path] = false;
-    Path path = std::move(paths_[end.path]);
-    paths_[end.path] = Path();
-    if (end.last) Reverse(path);
+  bool ClosesAlone(std::size_t i) const { return NodeOf(2 * i) != EndNodes::kNoNode && NodeOf(2 * i) == NodeOf(2 * i + 1); }
+
+  // What is closed or a single point. A line that shrank to a point is nothing.
+  void TakeAlone(std::size_t i) {
+    Path& path = paths_[i];
+    isTaken_[i] = true;
+    if (!path.closed && path.points.size() > 1) {
+      const std::uint32_t node = NodeOf(2 * i);
+      std::erase_if(endsAt_[node], [&](std::size_t end) { return end / 2 == i; });
+      if (path.points.size() == 2 && path.curves.empty()) return;
+      path.points.pop_back();
+      path.closed = true;
+    }
+    contours_.emplace_back(i, std::move(path));
+  }
+
+  // Takes away paths with an end that meets nothing, until there is none.
+  void Peel() {
+    std::vector<std::uint32_t> dead;
+    isPeeled_.assign(paths_.size(), false);
+    degree_.resize(endsAt_.size());
+    for (std::uint32_t v = 0; v < endsAt_.size(); ++v) {
+      degree_[v] = endsAt_[v].size();
+      if (degree_[v] == 1) dead.push_back(v);
+    }
+    while (!dead.empty()) {
+      const std::uint32_t v = dead.back();
+      dead.pop_back();
+      for (const std::size_t end : endsAt_[v]) {
+        if (isPeeled_[end / 2]) continue;
+        isPeeled_[end / 2] = true;
+        --degree_[v];
+        if (--degree_[NodeOf(end ^ 1U)] == 1) dead.push_back(NodeOf(end ^ 1U));
+      }
+    }
+  }
+
+  // The connected pieces of what was not peeled.
+  void TakePieces() {
+    std::vector<bool> isSeen(endsAt_.size(), false);
+    for (std::uint32_t start = 0; start < endsAt_.size(); ++start) {
+      if (degree_[start] == 0 || isSeen[start]) continue;
+      std::vector<std::uint32_t> piece{start};
+      isSeen[start] = true;
+      bool forks = false;
+      for (std::size_t k = 0; k < piece.size(); ++k) {
+        forks = forks || degree_[piece[k]] > 2;
+        for (const std::size_t end : endsAt_[piece[k]]) {
+          const std::uint32_t other = NodeOf(end ^ 1U);
+          if (isPeeled_[end / 2] || isSeen[other]) continue;
+          isSeen[other] = true;
+          piece.push_back(other);
+        }
+      }
+      if (forks) {
+        TakeForked(piece);
+      } else {
+        TakeRing(start);
+      }
+    }
+  }
+
+  void TakeForked(const std::vector<std::uint32_t>& piece) {
+    std::vector<Path>& paths = work_.pieces.emplace_back();
+    for (const std::uint32_t v : piece) {
+      std::size_t line = std::numeric_limits<std::size_t>::max();
+      for (const std::size_t end : endsAt_[v]) line = std::min(line, isPeeled_[end / 2] ? line : LineOf(end / 2));
+      if (degree_[v] > 2) work_.forks.push_back({nodes_.points[v], degree_[v], line});
+    }
+    for (const std::uint32_t v : piece) {
+      for (const std::size_t end : endsAt_[v]) {
+        if (isPeeled_[end / 2] || isTaken_[end / 2]) continue;
+        isTaken_[end / 2] = true;
+        paths.push_back(paths_[end / 2]);
+      }
+    }
+  }
+
+  std::size_t LineOf(std::size_t path) const { return paths_[path].line; }
+
+  // The leftmost node's way to go is the one whose path leads there first by its coordinates.
+  void TakeRing(std::uint32_t start) {
+    std::size_t end = kNone;
+    for (const std::size_t e : endsAt_[start]) {
+      if (!isPeeled_[e / 2] && (end == kNone || LeavesFirst(e, end))) end = e;
+    }
+    std::size_t place = end / 2;
+    Path chain = Take(end);
+    for (std::uint32_t at = NodeOf(end ^ 1U); at != start;) {
+      std::size_t next = kNone;
+      for (const std::size_t e : endsAt_[at]) {
+        if (!isPeeled_[e / 2] && !isTaken_[e / 2]) next = e;
+      }
+      place = std::min(place, next / 2);
+      at = NodeOf(next ^ 1U);
+      Append(chain, Take(next));
+    }
+    chain.points.pop_back();
+    chain.closed = true;
+    contours_.emplace_back(place, std::move(chain));
+  }
+
+  bool LeavesFirst(std::size_t a, std::size_t b) const {
+    const auto key = [&](std::size_t end) {
+      const Path& path = paths_[end / 2];
+      const auto n = path.points.size();
+      ZBR_PT p = path.points[end % 2 == 0 ? 1 : n - 2];
+      for (const Curve& curve : path.curves) {
+        if (curve.at == (end % 2 == 0 ? 0 : n - 2)) p = curve.At((curve.t0 + curve.t1) / 2);
+      }
+      return std::tuple(p.x(), p.y());
+    };
+    return key(a) < key(b);
+  }
+
+  // Takes a path, turned so that it starts at the given end.
+  Path Take(std::size_t end) {
+    isTaken_[end / 2] = true;
+    Path path = std::move(paths_[end / 2]);
+    if (end % 2 != 0) Reverse(path);
     return path;
   }
 
-  // Looks for an end of this cell that is nearer to p than `best`, or as near and earlier in the file. Later paths come first in
-  // a cell: of many ends at one spot the first is found, and later dropped, at the back without looking at the others.
-  void ConsiderCell(const Cell& cell, const ZBR_PT& p, double& best, std::optional<End>& nearest) {
-    const auto found = ends_.find(cell);
-    if (found == ends_.end()) return;
-    std::vector<End>& ends = found->second;
-    while (!ends.empty() && !free_[ends.back().path]) ends.pop_back();
-    for (std::size_t i = ends.size(); i-- > 0;) {
-      const End& end = ends[i];
-      if (!free_[end.path]) continue;
-      const double distance = p.Distance(PointOf(end));
-      if (distance < best || (distance == best && (!nearest || end.path < nearest->path))) {
-        best = distance;
-        nearest = end;
+  // The peeled paths, joined where only two ends meet.
+  void TakeChains() {
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+      if (!isPeeled_[i] || isTaken_[i]) continue;
+      // Back to where the chain starts, then along it.
+      std::size_t first = 2 * i;
+      for (std::size_t k = OtherAt(first); k != kNone && k / 2 != i; k = OtherAt(first)) first = k ^ 1U;
+      std::size_t place = first / 2, end = first;
+      Path chain = Take(first);
+      for (std::size_t next = OtherAt(end ^ 1U); next != kNone && !isTaken_[next / 2]; next = OtherAt(end ^ 1U)) {
+        end = next;
+        place = std::min(place, next / 2);
+        Append(chain, Take(next));
       }
-      if (distance == 0) return;
+      contours_.emplace_back(place, std::move(chain));
     }
   }
 
-  // The nearest free end within the tolerance of p.
-  std::optional<End> Nearest(const ZBR_PT& p) {
-    double best = tolerance_;
-    std::optional<End> nearest;
-    const Cell home = CellOf(p);
-    ConsiderCell(home, p, best, nearest);
-    if (tolerance_ <= 0 || (nearest && best == 0)) return nearest;
-    for (const double dx : {-1.0, 0.0, 1.0}) {
-      for (const double dy : {-1.0, 0.0, 1.0}) {
-        if (dx != 0 || dy != 0) ConsiderCell({home.x + dx, home.y + dy}, p, best, nearest);
-      }
-    }
-    return nearest;
-  }
-
-  // Whether the chain's ends meet and no other end is nearer to its tail.
-  bool Closes(const Path& chain, const std::optional<End>& rival) const {
-    if (chain.points.size() < 3 && chain.curves.empty()) return false;
-    const ZBR_PT& tail = chain.points.back();
-    const double gap = tail.Distance(chain.points.front());
-    return gap <= tolerance_ && (!rival || gap <= tail.Distance(PointOf(*rival)));
-  }
-
-  Path Grow(Path chain) {
-    for (int side = 0; side < 2; ++side) {
-      for (;;) {
-        const std::optional<End> next = Nearest(chain.points.back());
-        if (Closes(chain, next)) return Close(std::move(chain));
-        if (!next) break;
-        Append(chain, Take(*next));
-      }
-      Reverse(chain);
-    }
-    return chain;
-  }
-
-  static Path Close(Path chain) {
-    if (!EndsInCurve(chain)) chain.points.front() = chain.points.back();
-    chain.points.pop_back();
-    chain.closed = true;
-    return chain;
+  // The only other end at an end's node, if it is one of a peeled path.
+  std::size_t OtherAt(std::size_t end) const {
+    const std::vector<std::size_t>& ends = endsAt_[NodeOf(end)];
+    if (ends.size() != 2) return kNone;
+    const std::size_t other = ends[0] == end ? ends[1] : ends[0];
+    return isPeeled_[other / 2] ? other : kNone;
   }
 
   std::vector<Path>& paths_;
-  double tolerance_;
-  std::vector<bool> free_;
-  std::unordered_map<Cell, std::vector<End>, CellHash> ends_;
+  EndNodes nodes_;
+  std::vector<std::vector<std::size_t>> endsAt_;        // by node
+  std::vector<std::size_t> degree_;                     // by node: ends that are not peeled
+  std::vector<bool> isPeeled_, isTaken_;                // by path
+  std::vector<std::pair<std::size_t, Path>> contours_;  // with the place of their first path
+  LineWork work_;
 };
 
 }  // namespace
 
-std::vector<Path> JoinPaths(std::vector<Path> paths, double tolerance) {
-  return Joiner(paths, tolerance).Join();
+LineWork JoinPaths(std::vector<Path> paths, double tolerance) {
+  return Joiner(paths, tolerance).Run();
 }
 
 }  // namespace zbr::drawing

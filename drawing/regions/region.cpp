@@ -3,6 +3,7 @@
 
 #include <zbr-drawing/failure.h>
 
+#include <cstddef>
 #include <utility>
 
 namespace zbr::drawing {
@@ -22,6 +23,18 @@ std::vector<ZBR_REGION> PolygonsOf(const Contours& contours) {
     polygons.back().AddRing(ring.points);
   }
   return polygons;
+}
+
+// The polygons with what their edges stand for.
+std::vector<CurvedRegion> PartsOf(const CurvedRegion& whole, const std::vector<ZBR_REGION>& polygons) {
+  std::vector<CurvedRegion> parts;
+  auto first = whole.origins.begin();
+  for (const ZBR_REGION& polygon : polygons) {
+    const auto end = first + static_cast<std::ptrdiff_t>(polygon.point_count());
+    parts.push_back({polygon, std::vector<EdgeOrigin>(first, end), whole.curves});
+    first = end;
+  }
+  return parts;
 }
 
 // The number of the first ring of each polygon does not matter: the place is told by the check, which looks at all rings.
@@ -54,6 +67,8 @@ ZBR_REGION RingsOf(const Contours& contours) {
 Region MakeRegion(const Contours& contours, ZBR_FILL_RULE rule) {
   Region region;
   region.rings = RingsOf(contours);
+  region.curves = contours.curves;
+  for (const Ring& ring : contours.rings) region.origins.insert(region.origins.end(), ring.origins.begin(), ring.origins.end());
   region.fill = rule;
   region.faults = MeetingsIn(contours, region.rings);
   if (!HasPolygons(contours)) return region;
@@ -63,9 +78,17 @@ Region MakeRegion(const Contours& contours, ZBR_FILL_RULE rule) {
   ZBR_REGION_OPTIONS options;
   options.fill_a = rule;
   options.canonical = true;
+  options.sources = region.HasCurves();
   ZBR_REGION covered;
   Require(zbrCoverRegions(views.data(), views.size(), 1, covered, options), contours.file);
-  region.rings = std::move(covered);
+  if (region.HasCurves()) {
+    const std::vector<CurvedRegion> parts = PartsOf(region, polygons);
+    std::vector<const CurvedRegion*> operands;
+    for (const CurvedRegion& part : parts) operands.push_back(&part);
+    static_cast<CurvedRegion&>(region) = Traced(std::move(covered), operands);
+  } else {
+    region.rings = std::move(covered);
+  }
   region.fill = ZBR_FILL_EVEN_ODD;
   region.isValid = true;
   return region;
@@ -81,8 +104,26 @@ ZBR_REGION ValidShape(const Region& region) {
   return shape;
 }
 
+CurvedRegion CurvedShape(const Region& region) {
+  if (region.isValid) return region;
+  if (!region.HasCurves()) return {ValidShape(region), {}, region.curves};
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = region.fill;
+  options.canonical = true;
+  options.sources = true;
+  ZBR_REGION shape;
+  zbrMakeValidRegion(region.rings.view(), shape, options);
+  return Traced(std::move(shape), {&region});
+}
+
 Layer MakeLayer(const std::string& name, const ZBR_REGION& shape) {
-  return {name, zbrLoopsOfRegion(shape.view()), shape.area()};
+  return {name, zbrLoopsOfRegion(shape.view()), shape.area(), {}, 0};
+}
+
+Layer MakeLayer(const std::string& name, const CurvedRegion& shape) {
+  Layer layer{name, zbrLoopsOfRegion(shape.rings.view()), shape.Area(), {}, 0};
+  if (shape.HasCurves()) layer.outlines = OutlinesOf(shape, &layer.beside);
+  return layer;
 }
 
 std::size_t CountHoles(const LoopList& loops) {

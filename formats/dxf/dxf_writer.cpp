@@ -1,4 +1,5 @@
-// Writes results as DXF: a closed polyline for each ring, on a layer for each result.
+// Writes results as DXF: a closed polyline for each ring, with bulges for arcs, or what else its curves need, on a layer for each
+// result.
 
 #include <zbr-formats/dxf.h>
 
@@ -27,8 +28,11 @@ DxfSetup SetupFor(const std::vector<Result>& layers, int units, DxfVersion versi
 
 std::string WriteDxf(const std::vector<Layer>& layers, int units, DxfVersion version) {
   DxfDocument document(SetupFor(layers, units, version));
-  for (const Layer& layer : layers)
+  for (const Layer& layer : layers) {
+    for (const Path& outline : layer.outlines) document.AddPath(outline, {layer.name});
+    if (!layer.outlines.empty()) continue;
     ForEachRing(layer.loops, [&](const ZBR_LOOP& ring) { document.AddPolyline(ring.pt(), true, {layer.name}); });
+  }
   return document.Take();
 }
 

@@ -57,7 +57,7 @@ std::string Legend(const Picture& picture, const Quantities& areaText) {
 std::string Definitions(const Picture& picture, const PageMap& map) {
   std::string svg = "<defs>\n";
   for (std::size_t i = 0; i < picture.operands.size(); ++i) {
-    svg += "<path id=\"" + OperandLabel(i) + "\" d=\"" + PathData(picture.operands[i].loops, map) + "\"/>\n";
+    svg += "<path id=\"" + OperandLabel(i) + "\" d=\"" + PathData(picture.operands[i], map) + "\"/>\n";
   }
   return svg + "</defs>\n";
 }
@@ -88,8 +88,7 @@ std::string OperandsPanel(const Picture& picture, const PanelLayout& layout, con
 
 std::string ResultPanel(const Picture& picture, const Panel& panel, const PanelLayout& layout, const PageMap& map,
                         std::size_t index, const Quantities& areaText) {
-  std::string svg =
-      "<path fill=\"" + std::string(kFill) + "\" fill-rule=\"evenodd\" d=\"" + PathData(panel.result.loops, map) + "\"/>\n";
+  std::string svg = "<path fill=\"" + std::string(kFill) + "\" fill-rule=\"evenodd\" d=\"" + PathData(panel.result, map) + "\"/>\n";
   svg += Outlines(picture, layout, map);
   if (panel.result.loops.empty()) {
     svg += TextElement(layout.plotWidth / 2, layout.plotHeight / 2,

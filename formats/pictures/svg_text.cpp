@@ -40,6 +40,67 @@ void AppendPoints(std::string& text, const std::vector<ZBR_PT>& points, const Pa
   }
 }
 
+constexpr double kTurn = 6.283185307179586;
+
+// A number of the page, and a blank before it.
+void AppendNumber(std::string& text, double value) {
+  text += ' ';
+  AppendPx(text, value);
+}
+
+// The part of an ellipse from t0 to t1, at most half a turn. Counter-clockwise is what the page calls the negative direction.
+void AppendArc(std::string& text, const Curve& axes, bool isReversed, const ZBR_PT& to, const PageMap& map) {
+  constexpr double kDegrees = 360.0 / kTurn;
+  text += 'A';
+  AppendPx(text, std::hypot(axes.u.x(), axes.u.y()) * map.PixelsPerUnit());
+  AppendNumber(text, std::hypot(axes.v.x(), axes.v.y()) * map.PixelsPerUnit());
+  AppendNumber(text, axes.IsCircular() ? 0.0 : -std::atan2(axes.u.y(), axes.u.x()) * kDegrees);
+  text += isReversed ? " 0 1" : " 0 0";
+  const ZBR_PT q = map(to);
+  AppendNumber(text, q.x());
+  AppendNumber(text, q.y());
+}
+
+// A curve, but for where it starts. Ellipses in parts of less than half a turn, splines as chords.
+void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& to, const PageMap& map) {
+  constexpr double kLongest = 3.0;
+  constexpr int kSplineChords = 64;
+  const double sweep = curve.t1 - curve.t0;
+  const bool isSpline = curve.spline != nullptr;
+  const int parts = isSpline ? kSplineChords : std::max(1, static_cast<int>(std::ceil(std::abs(sweep) / kLongest)));
+  const bool isReversed = (curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x()) * sweep < 0;
+  const Curve axes = isSpline ? curve : OnAxes(curve);
+  for (int i = 1; i <= parts; ++i) {
+    const ZBR_PT p = i == parts ? to : curve.At(curve.t0 + sweep * i / parts);
+    if (isSpline) {
+      AppendPoint(text, 'L', map(p));
+    } else {
+      AppendArc(text, axes, isReversed, p, map);
+    }
+  }
+}
+
+// A closed path.
+void AppendOutline(std::string& text, const Path& path, const PageMap& map) {
+  auto curve = path.curves.begin();
+  AppendPoint(text, 'M', map(path.points.front()));
+  for (std::size_t i = 0; i < path.points.size(); ++i) {
+    const ZBR_PT& from = path.points[i];
+    const ZBR_PT& to = path.points[i + 1 < path.points.size() ? i + 1 : 0];
+    const bool isCurve = curve != path.curves.end() && curve->at == i;
+    const bool isWhole = path.points.size() == 1;
+    const bool isTiny = !isWhole && map(from).Distance(map(to)) < kMergeDistance &&
+                        !(isCurve && map(curve->At((curve->t0 + curve->t1) / 2)).Distance(map(from)) >= kMergeDistance);
+    if (isCurve && !isTiny) {
+      AppendCurve(text, *curve, to, map);
+    } else if (i + 1 < path.points.size()) {
+      AppendPoint(text, 'L', map(to));
+    }
+    if (isCurve) ++curve;
+  }
+  text += "Z\n";
+}
+
 }  // namespace
 
 PageMap::PageMap(const Extent& extent, double width, double height) : boxMiddle_(width / 2, height / 2) {
@@ -84,6 +145,13 @@ std::string PathData(const LoopList& loops, const PageMap& map) {
     AppendPoints(text, ring.pt(), map);
     text += "Z\n";
   });
+  return text;
+}
+
+std::string PathData(const Layer& layer, const PageMap& map) {
+  if (layer.outlines.empty()) return PathData(layer.loops, map);
+  std::string text;
+  for (const Path& outline : layer.outlines) AppendOutline(text, outline, map);
   return text;
 }
 

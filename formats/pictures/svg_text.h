@@ -31,6 +31,9 @@ std::string Px(double value);
 // Path data for all rings of nested loops.
 std::string PathData(const LoopList& loops, const PageMap& map);
 
+// The same of a layer, with arcs where it has any.
+std::string PathData(const Layer& layer, const PageMap& map);
+
 // Path data for an open line, or a closed one whose last point repeats the first.
 std::string PathData(const std::vector<ZBR_PT>& line, const PageMap& map);
 

@@ -1,10 +1,10 @@
 // From the contours of a drawing to rings of straight edges: open ends joined, curves flattened.
 //
 //   const Contours contours = MakeContours(drawing, WithDefaults({-1, -1}, ExtentOf(drawing)));
-//   const Frame frame = Frame::For(ExtentOf(contours.rings));  // frame.h
-//   const Region region = MakeRegion(contours, frame);         // region.h
+//   const Region region = MakeRegion(contours);  // region.h
 //
-// Drawings to be combined need one set of tolerances, from their extents together: what coincides in them then still does.
+// Drawings to be combined are best made contours of together: what coincides in them then still does, and where their curves meet
+// is exact.
 #pragma once
 
 #include <zbr-drawing/drawing.h>
@@ -13,9 +13,14 @@
 
 namespace zbr::drawing {
 
+// What open lines that fork bound: what each connected piece encloses, divisions within it disregarded; or every cell into which
+// all lines of the drawing, closed ones too, cut the plane.
+enum class LineFaces { kOuter, kAll };
+
 struct FlattenOptions {
   double deviation = 0.0;  // largest distance between a curve and its chords
   double join = 0.0;       // ends at most this far apart belong together
+  LineFaces faces = LineFaces::kOuter;
 };
 
 // The default tolerances for drawings of this extent, where the caller gave none (negative).
@@ -25,14 +30,23 @@ FlattenOptions WithDefaults(FlattenOptions options, const Extent& extent);
 // of the way from there to the next vertex.
 void FlattenPath(const Path& path, double deviation, const std::function<void(const ZBR_PT&, std::size_t, double)>& visit);
 
-// Fails, naming the line, when a coordinate overflows.
+// Fails, naming the line, when a coordinate overflows. Curves get vertices at fixed parameters, where they begin and end, and where
+// they meet lines or each other, in any of the drawings. With faces of all lines, each cell becomes the rings of a polygon.
 Contours MakeContours(Drawing drawing, const FlattenOptions& options);
+std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenOptions& options);
 
 // Leaves out lines and arcs that repeat an earlier one exactly, and returns how many those were.
 std::size_t DropRepeats(std::vector<Path>& paths);
 
-// Joins open paths end to end; what closes is marked closed. Deterministic: paths are taken up in file order, each continued with
-// the nearest free end, the earlier one on a tie.
-std::vector<Path> JoinPaths(std::vector<Path> paths, double tolerance);
+// Open paths joined end to end.
+struct LineWork {
+  std::vector<Path> contours;             // what closes, marked so, and what is open: dead ends, joined as far as they do not fork
+  std::vector<std::vector<Path>> pieces;  // connected open paths that fork, without dead ends
+  std::vector<Fork> forks;                // of the pieces
+};
+
+// Ends that are at most `tolerance` apart belong together. The order of the paths does not matter, but that contours are listed by
+// the first path of each.
+LineWork JoinPaths(std::vector<Path> paths, double tolerance);
 
 }  // namespace zbr::drawing

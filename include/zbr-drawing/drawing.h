@@ -15,6 +15,7 @@
 #include <zbr/planar.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -109,9 +110,18 @@ struct Drawing {
   void LeaveOut(const std::string& what, std::size_t line, bool bearsContours);
 };
 
+// What a straight edge stands for: a chord of a curve, from the parameter t0 to t1 of it, which may be below t0; or a line of the
+// drawing, or a part of one that curves meet.
+struct EdgeOrigin {
+  std::int32_t curve = -1;  // place in a list of curves; -1: a line
+  std::int32_t line = -1;   // of lines that were cut, the same number for all parts of one
+  double t0 = 0.0, t1 = 0.0;
+};
+
 // A closed contour of straight edges, the last point not repeating the first.
 struct Ring {
   std::vector<ZBR_PT> points;
+  std::vector<EdgeOrigin> origins;  // by edge, which starts at the point of the same number; empty where nothing has curves
   std::size_t line = 0;
   int polygon = -1;
 };
@@ -122,10 +132,19 @@ struct OpenEnds {
   std::size_t line = 0;
 };
 
+// Where more than two ends of open contours meet.
+struct Fork {
+  ZBR_PT at;
+  std::size_t ends = 0;
+  std::size_t line = 0;
+};
+
 struct Contours {
   std::string file;
   std::vector<Ring> rings;
   std::vector<OpenEnds> open;
+  std::vector<Fork> forks;
+  std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to; shared by drawings that belong together
 };
 
 // Box of all points, empty (min > max) at first.

@@ -6,6 +6,14 @@
 //   zbrCombineRegions(a.rings.view(), b.rings.view(), &op, &united, 1);     // zbr/region.h
 //   const std::string text = WriteDrawing(Format::kWkt, {MakeLayer("union", united)}, 0);  // zbr-formats/drawings.h
 //
+// Where a drawing has curves, edges know those that they are chords of, and results give them back:
+//
+//   ZBR_REGION_OPTIONS options;
+//   options.sources = true;
+//   ZBR_REGION united;
+//   zbrCombineRegions(a.rings.view(), b.rings.view(), &op, &united, 1, options);
+//   for (const Path& path : OutlinesOf(Traced(united, {&a, &b}))) Mill(path);  // points, and curves between them
+//
 // Everything is in the coordinates of the drawing; the thread's tolerance does not matter.
 #pragma once
 
@@ -27,10 +35,32 @@ struct Layer {
   std::string name;
   LoopList loops;  // nested
   double area = 0.0;
+  std::vector<Path> outlines = {};  // of the loops, as ForEachRing goes through them, with curves; empty where there are none
+  std::size_t beside = 0;           // chords of curves that had to stay lines
 };
 
-struct Region {
-  ZBR_REGION rings;  // as they were drawn, or what the polygons of a file cover together
+// Rings whose edges know what they stand for.
+struct CurvedRegion {
+  ZBR_REGION rings;
+  std::vector<EdgeOrigin> origins;                   // by edge, through all rings; empty where nothing has curves
+  std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to
+
+  bool HasCurves() const { return !origins.empty(); }
+  // By the orientation of the rings; what lies between chords and their arcs counts (not for splines, whose chords bound it).
+  double Area() const;
+};
+
+// The result of a call with sources: what its edges stand for, told by those of the operands. The operands belong together: their
+// contours were made at once.
+CurvedRegion Traced(ZBR_REGION result, const std::vector<const CurvedRegion*>& operands);
+
+// A closed path for each ring, in their order: chords of one curve become that curve again, and so do the parts of a line that was
+// cut. What bounds all of a circle is a path of one point. A chord with an end beside its curve stays a line; `beside`, if given,
+// is set to how many such there are.
+std::vector<Path> OutlinesOf(const CurvedRegion& region, std::size_t* beside = nullptr);
+
+// The rings (CurvedRegion) are as they were drawn, or what the polygons of a file cover together.
+struct Region : CurvedRegion {
   ZBR_FILL_RULE fill = ZBR_FILL_EVEN_ODD;
   bool isValid = false;                  // rings are simple and nested already
   std::vector<ZBR_REGION_FAULT> faults;  // some of the places where the contours cross, overlap or fold; rings are the contours'
@@ -47,8 +77,12 @@ Region MakeRegion(const Contours& contours, ZBR_FILL_RULE rule = ZBR_FILL_EVEN_O
 // them.
 ZBR_REGION ValidShape(const Region& region);
 
+// The same with what its edges stand for.
+CurvedRegion CurvedShape(const Region& region);
+
 // The nested loops of a valid region.
 Layer MakeLayer(const std::string& name, const ZBR_REGION& shape);
+Layer MakeLayer(const std::string& name, const CurvedRegion& shape);
 
 // How many holes and vertices nested loops have.
 std::size_t CountHoles(const LoopList& loops);

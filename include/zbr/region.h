@@ -154,6 +154,12 @@ ZBR_API ZBR_REGION zbrUniteRegions(const std::vector<ZBR_REGION>& regions, const
 ZBR_API ZBR_REGION_STATUS zbrMakeValidRegion(const ZBR_REGION_VIEW& rings, ZBR_REGION& result,
                                              const ZBR_REGION_OPTIONS& options = {});
 
+// The cells of line work: the bounded faces into which lines cut the plane, each a polygon, in an order of its own. Each list of
+// points is a line, open unless its last point repeats the first; lines may cross, touch and overlap anywhere, and all of that
+// cuts. What encloses nothing (dead ends, bridges) bounds no cell. Neighbouring cells share their border, so all cells together are
+// no valid region, but each is one. The lines' order does not matter, with options.canonical to the bit. n log n.
+ZBR_API ZBR_REGION_STATUS zbrTraceFaces(const ZBR_REGION_VIEW& lines, ZBR_REGION& cells, const ZBR_REGION_OPTIONS& options = {});
+
 // What keeps rings from bounding a region as they are. zbrMakeValidRegion takes them nevertheless.
 enum ZBR_REGION_FAULT_KIND : std::int32_t {
   ZBR_FAULT_CROSSING = 0,        // boundaries pass through each other, at an edge or at a vertex

@@ -1,0 +1,185 @@
+// Line work that forks: the cells it bounds, beside those that GEOS finds, and contours whatever the order of the lines.
+#include <geos_c.h>
+#include <gtest/gtest.h>
+#include <zbr-drawing/contours.h>
+#include <zbr-drawing/region.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+#include <string>
+
+namespace {
+
+using namespace zbr::drawing;
+
+Path Line(std::vector<ZBR_PT> points) {
+  Path path;
+  path.points = std::move(points);
+  return path;
+}
+
+std::vector<Path> Rectangle() {
+  return {Line({{0, 0}, {40, 0}}), Line({{40, 0}, {40, 20}}), Line({{40, 20}, {0, 20}}), Line({{0, 20}, {0, 0}})};
+}
+
+// The same lines in another order, some the other way round.
+std::vector<Path> Shuffled(std::vector<Path> paths, unsigned seed) {
+  std::mt19937 engine(seed);
+  std::shuffle(paths.begin(), paths.end(), engine);
+  for (Path& path : paths) {
+    if (engine() % 2 == 0 && path.curves.empty()) std::reverse(path.points.begin(), path.points.end());
+  }
+  return paths;
+}
+
+Contours ContoursOf(std::vector<Path> paths, LineFaces faces, double join = 0.0) {
+  Drawing drawing;
+  drawing.joinsEnds = true;
+  drawing.paths = std::move(paths);
+  return MakeContours(std::move(drawing), {1e-3, join, faces});
+}
+
+// One answer for all orders, to the bit.
+void ExpectAlways(const std::vector<Path>& paths, double area, std::size_t cells, std::size_t open, double join = 0.0) {
+  ZBR_REGION first;
+  for (unsigned seed = 0; seed < 50; ++seed) {
+    const Contours outer = ContoursOf(Shuffled(paths, seed), LineFaces::kOuter, join);
+    const ZBR_REGION region = ValidShape(MakeRegion(outer));
+    if (seed == 0) first = region;
+    ASSERT_EQ(region, first) << "seed " << seed;
+    ASSERT_EQ(outer.open.size(), open) << "seed " << seed;
+    const Contours all = ContoursOf(Shuffled(paths, seed), LineFaces::kAll, join);
+    ASSERT_EQ(all.rings.empty() ? 0U : static_cast<std::size_t>(all.rings.back().polygon) + 1, cells) << "seed " << seed;
+  }
+  EXPECT_NEAR(first.area(), area, std::max(1e-9, join));
+}
+
+TEST(LineWork, NamedCases_AnyOrder) {
+  std::vector<Path> paths = Rectangle();
+  paths.push_back(Line({{40, 20}, {50, 30}}));
+  ExpectAlways(paths, 800, 1, 1);  // a spur
+
+  paths = Rectangle();
+  paths.push_back(Line({{0, 0}, {40, 20}}));
+  ExpectAlways(paths, 800, 2, 0);  // a diagonal
+
+  paths = Rectangle();
+  paths[0] = Line({{0, 0}, {20, 0}});
+  paths[2] = Line({{40, 20}, {20, 20}});
+  for (const auto& line : {Line({{20, 0}, {40, 0}}), Line({{20, 20}, {0, 20}}), Line({{20, 0}, {20, 20}})}) paths.push_back(line);
+  ExpectAlways(paths, 800, 2, 0);  // two cells sharing a wall
+
+  for (Path& path : paths) path.points[0] += ZBR_PT(1e-7, -1e-7) * static_cast<double>(&path - paths.data());
+  ExpectAlways(paths, 800, 2, 0, 1e-4);  // the same with ends that only nearly meet
+
+  paths = Rectangle();
+  for (const auto& line : {Line({{40, 20}, {50, 20}}), Line({{50, 20}, {60, 20}, {60, 30}, {50, 20}})}) paths.push_back(line);
+  ExpectAlways(paths, 850, 2, 1);  // a bridge to a loop
+}
+
+// A tolerance above the length of lines closes gaps, but swallows none.
+TEST(LineWork, ShortLinesUnderAWideTolerance) {
+  std::vector<Path> paths;
+  constexpr int kSides = 400;
+  for (int i = 0; i < kSides; ++i) {
+    const auto at = [](int k, double aside) {
+      return ZBR_PT(std::cos(k * 0.01570796326794897) + aside, std::sin(k * 0.01570796326794897));
+    };
+    paths.push_back(Line({at(i, 1e-9 * (i % 3)), at((i + 1) % kSides, 0)}));
+  }
+  const Contours contours = ContoursOf(Shuffled(paths, 1), LineFaces::kOuter, 0.05);
+  ASSERT_EQ(contours.rings.size(), 1U);
+  EXPECT_EQ(contours.rings[0].points.size(), static_cast<std::size_t>(kSides));
+}
+
+class Polygonizer {
+ public:
+  Polygonizer() : context_(GEOS_init_r()) {}
+  ~Polygonizer() { GEOS_finish_r(context_); }
+  Polygonizer(const Polygonizer&) = delete;
+  Polygonizer& operator=(const Polygonizer&) = delete;
+
+  // Areas of all cells, ascending.
+  std::vector<double> Cells(const ZBR_REGION& lines) const {
+    std::vector<GEOSGeometry*> parts;
+    for (std::size_t r = 0; r < lines.ring_count(); ++r) {
+      const auto first = static_cast<std::size_t>(lines.ring_offsets()[r]),
+                 end = static_cast<std::size_t>(lines.ring_offsets()[r + 1]);
+      GEOSCoordSequence* const sequence = GEOSCoordSeq_create_r(context_, static_cast<unsigned>(end - first), 2);
+      for (std::size_t i = first; i < end; ++i)
+        GEOSCoordSeq_setXY_r(context_, sequence, static_cast<unsigned>(i - first), lines.points()[i].x(), lines.points()[i].y());
+      parts.push_back(GEOSGeom_createLineString_r(context_, sequence));
+    }
+    GEOSGeometry* const all =
+        GEOSGeom_createCollection_r(context_, GEOS_MULTILINESTRING, parts.data(), static_cast<unsigned>(parts.size()));
+    GEOSGeometry* const noded = GEOSUnaryUnion_r(context_, all);
+    GEOSGeometry* const cells = GEOSPolygonize_r(context_, &noded, 1);
+    std::vector<double> areas;
+    for (int i = 0; i < GEOSGetNumGeometries_r(context_, cells); ++i) {
+      areas.emplace_back();
+      GEOSArea_r(context_, GEOSGetGeometryN_r(context_, cells, i), &areas.back());
+    }
+    for (GEOSGeometry* const g : {all, noded, cells}) GEOSGeom_destroy_r(context_, g);
+    std::sort(areas.begin(), areas.end());
+    return areas;
+  }
+
+ private:
+  GEOSContextHandle_t context_;
+};
+
+std::vector<double> AreasOf(const ZBR_REGION& cells) {
+  std::vector<double> areas;
+  for (std::size_t p = 0; p < cells.polygon_count(); ++p) {
+    ZBR_REGION cell;
+    for (auto r = cells.polygon_offsets()[p]; r < cells.polygon_offsets()[p + 1]; ++r) {
+      const auto first = static_cast<std::size_t>(cells.ring_offsets()[static_cast<std::size_t>(r)]);
+      const auto end = static_cast<std::size_t>(cells.ring_offsets()[static_cast<std::size_t>(r) + 1]);
+      cell.AddRing(cells.points().data() + first, end - first);
+    }
+    areas.push_back(cell.area());
+    std::vector<ZBR_REGION_FAULT> faults;
+    zbrCheckRegion(cell.view(), faults);
+    EXPECT_TRUE(faults.empty()) << "cell " << p;
+  }
+  std::sort(areas.begin(), areas.end());
+  return areas;
+}
+
+// Lines on a coarse grid, so that they meet in ends, cross, overlap, leave islands and dead ends.
+TEST(LineWork, Cells_AreThoseOfGeos) {
+  const Polygonizer geos;
+  std::size_t cells = 0, holes = 0;
+  for (unsigned seed = 0; seed < 300; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 engine(seed);
+    const int side = 4 + static_cast<int>(seed % 9);
+    const auto coordinate = [&] { return static_cast<double>(static_cast<int>(engine()) % side); };
+    ZBR_REGION lines;
+    for (unsigned i = 0; i < 5 + seed % 30; ++i) {
+      std::vector<ZBR_PT> points = {{coordinate(), coordinate()}};
+      for (unsigned k = 0; k < 1 + engine() % 3; ++k)
+        points.push_back(points.back() + ZBR_PT(static_cast<int>(engine() % 3) - 1, static_cast<int>(engine() % 3) - 1));
+      if (engine() % 4 == 0) points.push_back(points.front());
+      if (engine() % 6 == 0) {  // an island within a cell of the grid
+        const ZBR_PT p = points[0] + ZBR_PT(0.5, 0.125);
+        points = {p, p + ZBR_PT(0.125, 0), p + ZBR_PT(0, 0.125), p};
+      }
+      lines.AddRing(points);
+    }
+    ZBR_REGION found;
+    ZBR_REGION_OPTIONS options;
+    options.canonical = true;
+    ASSERT_EQ(zbrTraceFaces(lines.view(), found, options).code, ZBR_REGION_OK);
+    const std::vector<double> areas = AreasOf(found), expected = geos.Cells(lines);
+    ASSERT_EQ(areas.size(), expected.size());
+    for (std::size_t i = 0; i < areas.size(); ++i) ASSERT_NEAR(areas[i], expected[i], 1e-9);
+    cells += areas.size();
+    holes += found.ring_count() - found.polygon_count();
+  }
+  EXPECT_GT(cells, 1000U);
+  EXPECT_GT(holes, 20U);
+}
+
+}  // namespace
