@@ -68,6 +68,10 @@ bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
     return false;
   }
   const auto* points = reinterpret_cast<const ZBR_PT*>(view.xy);
+  if (rings_.empty()) {  // of many operands each would be another move
+    rings_.reserve(view.ring_count);
+    boxes_.reserve(view.ring_count);
+  }
   for (std::size_t r = 0; r < view.ring_count; ++r) {
     status.ring = static_cast<std::int32_t>(r);
     const auto first = static_cast<std::size_t>(view.ring_offsets[r]);

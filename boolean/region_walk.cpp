@@ -37,7 +37,7 @@ bool RegionWalk::Prepare(const RegionInput& input) {
     FindRings(side);
     if (!AreApart(side)) return false;
   }
-  if (!depths_.Run(rings_)) return false;
+  if (!depths_.Run(rings_, search_)) return false;
   NoteDirections();
   return TakeTurns(0) && TakeTurns(1);
 }
@@ -159,7 +159,7 @@ bool RegionWalk::TakeTurns(int side) const {
 }
 
 bool RegionWalk::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result) {
-  polygons_.Clear();
+  polygons_.Start(rings_.edges(0) + rings_.edges(1) + std::size_t{2} * crossings_.size());
   if (op != ZBR_BOOL_XOR) {
     if (!CombineOne(op)) return false;
   } else {

@@ -11,8 +11,9 @@
 
 namespace zbr {
 
-void WalkPolygons::Clear() {
+void WalkPolygons::Start(std::size_t mostPoints) {
   points_.clear();
+  points_.reserve(mostPoints);
   rings_.clear();
   groupBegin_ = 0;
 }

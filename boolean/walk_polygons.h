@@ -13,7 +13,8 @@ namespace zbr {
 // Rings that neither cross nor touch, outer ones counter-clockwise, holes clockwise. Memory is kept from one result to the next.
 class WalkPolygons {
  public:
-  void Clear();
+  // A result without rings. It will have about so many points at the most.
+  void Start(std::size_t mostPoints);
   // The points of the ring that is being made, at the end of the list.
   std::vector<ZBR_PT>& points() { return points_; }
   // Ends the ring. False when it encloses no more than `least`.

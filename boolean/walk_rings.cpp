@@ -29,6 +29,7 @@ WalkScale::WalkScale(const Box& bounds) {
 
 bool WalkRings::Load(const RegionInput& input, const WalkScale& scale) {
   rings_.clear();
+  rings_.reserve(input.rings().size());
   const double eps2 = scale.eps * scale.eps;
   for (const int side : {0, 1}) {
     edges_[side] = 0;
@@ -51,13 +52,29 @@ bool WalkRings::Load(const RegionInput& input, const WalkScale& scale) {
   return true;
 }
 
+bool WalkRings::HaveRepeats(double eps2) const {
+  return std::any_of(rings_.begin(), rings_.end(), [eps2](const WalkedRing& ring) {
+    const auto areOne = [eps2](const ZBR_PT& p, const ZBR_PT& q) { return p.Distance2(q) <= eps2; };
+    return std::adjacent_find(ring.points.begin(), ring.points.end(), areOne) != ring.points.end();
+  });
+}
+
 // False when some edge is no longer than the tolerance.
 bool WalkRings::Index(const WalkScale& scale) {
+  if (AreSmall()) return !HaveRepeats(scale.eps * scale.eps);
   std::vector<IndexedRing>& indexed = index_.StartRings();
-  for (std::uint32_t r = 0; r < rings_.size(); ++r) {
-    const RingSpan points = rings_[r].points;
-    const std::uint32_t n = rings_[r].size();
-    indexed.push_back({rings_[r].box, points.data(), n, 0, n, r, false});
+  indexed.reserve(rings_.size());
+  const auto add = [&](std::uint32_t r) {
+    const WalkedRing& ring = rings_[r];
+    indexed.push_back({ring.box, ring.points.data(), ring.size(), 0, ring.size(), r, false});
+  };
+  if (rings_.size() < EdgeIndex::kMinRingsToReorder) {
+    for (std::uint32_t r = 0; r < rings_.size(); ++r) add(r);
+  } else {
+    std::vector<ZBR_PT> centres;
+    centres.reserve(rings_.size());
+    for (const WalkedRing& ring : rings_) centres.push_back(ring.box.Center());
+    for (const std::uint32_t r : SpatialOrder(centres)) add(r);
   }
   index_.Build(0.0, scale.eps * scale.eps);
   return std::none_of(indexed.begin(), indexed.end(), [](const IndexedRing& ring) { return ring.hasRepeats; });
@@ -66,23 +83,26 @@ bool WalkRings::Index(const WalkScale& scale) {
 // Leaves points out that lie on the one before them. Rings that become too short keep theirs.
 void WalkRings::DropRepeats(double eps2) {
   cleaned_.clear();
-  cleaned_.reserve(index_.rings().size());  // spans of what is in them are handed out
-  for (const IndexedRing& indexed : index_.rings()) {
-    if (!indexed.hasRepeats) continue;
-    WalkedRing& ring = rings_[indexed.id];
-    std::vector<ZBR_PT>& points = cleaned_.emplace_back();
+  cleaned_.reserve(rings_.size());  // spans of what is in them are handed out
+  edges_[0] = edges_[1] = 0;
+  for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+    WalkedRing& ring = rings_[r];
+    std::vector<ZBR_PT> points;
     for (const ZBR_PT& p : ring.points) {
       if (points.empty() || points.back().Distance2(p) > eps2) points.push_back(p);
     }
     while (points.size() > 1 && points.back().Distance2(points.front()) <= eps2) points.pop_back();
-    if (points.size() > 2) ring.points = points;
-  }
-  edges_[0] = edges_[1] = 0;
-  for (std::uint32_t r = 0; r < rings_.size(); ++r) {
+    if (points.size() > 2 && points.size() < ring.points.size()) ring.points = cleaned_.emplace_back(std::move(points));
     std::uint32_t& edges = edges_[SideOf(r)];
-    rings_[r].firstEdge = edges;
-    edges += rings_[r].size();
+    ring.firstEdge = edges;
+    edges += ring.size();
   }
+}
+
+bool WalkRings::IsLeafOdd(std::uint32_t leaf, const ZBR_PT& p) const {
+  bool isOdd = false;
+  index_.VisitEdges(leaf, [&](const ZBR_PT& from, const ZBR_PT& to) { isOdd ^= IsLeftOf(p, from, to); });
+  return isOdd;
 }
 
 }  // namespace zbr

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "boolean/region_input.h"
+#include "core/planar_inline.h"
 #include "loops/edge_index.h"
 
 namespace zbr {
@@ -31,6 +32,12 @@ struct WalkedRing {
   std::uint32_t size() const { return static_cast<std::uint32_t>(points.size()); }
 };
 
+// Whether the ray from p to the left passes the edge.
+inline bool IsLeftOf(const ZBR_PT& p, const ZBR_PT& from, const ZBR_PT& to) {
+  const bool isUpwards = from.y() <= p.y();
+  return isUpwards != (to.y() <= p.y()) && (Cross(to - from, p - from) < 0.0) == isUpwards;
+}
+
 // An edge, numbered through an operand, that crosses one of the other operand in the open, far from all vertices.
 struct OpenCrossing {
   ZBR_PT pt;
@@ -41,6 +48,9 @@ struct OpenCrossing {
 // Rings of A, then those of B. Memory is kept from one pair of operands to the next.
 class WalkRings {
  public:
+  // Edges of both operands up to which all pairs of them are looked at, without a hierarchy.
+  static constexpr std::size_t kSmall = 64;
+
   // False when the walk can't be certain of these rings. Their points must outlive this.
   bool Load(const RegionInput& input, const WalkScale& scale);
 
@@ -50,10 +60,15 @@ class WalkRings {
   std::uint32_t first(int side) const { return side == 0 ? 0 : countA_; }
   std::uint32_t edges(int side) const { return edges_[side]; }
   int SideOf(std::uint32_t ring) const { return ring < countA_ ? 0 : 1; }
-  // Over the edges of all rings, whose ids are their numbers here.
+  bool AreSmall() const { return std::size_t{edges_[0]} + edges_[1] <= kSmall; }
+  // Over the edges of all rings, whose ids are their numbers here; unless they are small.
   const EdgeIndex& index() const { return index_; }
+  // Whether the ray from p to the left passes the edges of a leaf of the index an odd number of times. Vertices at the height of p
+  // count as lying below it. For points that do not come near the edges.
+  bool IsLeafOdd(std::uint32_t leaf, const ZBR_PT& p) const;
 
  private:
+  bool HaveRepeats(double eps2) const;
   bool Index(const WalkScale& scale);
   void DropRepeats(double eps2);
 

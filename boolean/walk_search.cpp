@@ -3,6 +3,8 @@
 // Why that is certain: a point that is clearly beside a line, by some tolerances, is so whatever the rounding. Where two edges
 // cross and an end of one lies near the line of the other, then beyond the other's end, which the first must pass closely; so an
 // end is near the other edge, and that is looked at.
+// The search meets every ring that is no more than a leaf with everything else, so it also tells what lies in such rings: in the
+// interior of one, whole nodes at a time.
 #include "boolean/walk_search.h"
 
 #include <algorithm>
@@ -29,75 +31,137 @@ bool WalkSearch::Run(const WalkRings& rings, double eps, std::vector<OpenCrossin
   near_ = kSurelyOff * eps;
   near2_ = near_ * near_;
   found.clear();
-  return nearLeaves_.Run(rings.index(), 2.0 * near_, *this);
+  if (rings.AreSmall()) return SearchAll();
+  const BoxTree& tree = rings.index().tree();
+  around_.assign(static_cast<std::size_t>(tree.Level(tree.TopLevel()) - tree.Level(0)) + 1, 0);
+  if (!nearLeaves_.Run(rings.index(), 2.0 * near_, *this)) return false;
+  PushDown();
+  return true;
+}
+
+// Without a hierarchy.
+bool WalkSearch::SearchAll() {
+  std::array<Edge, WalkRings::kSmall> edges;
+  std::size_t count = 0;
+  for (std::uint32_t r = 0; r < rings_->all().size(); ++r) {
+    const RingSpan points = rings_->all()[r].points;
+    const ZBR_PT* from = &points.back();
+    for (std::uint32_t i = 0; i < points.size(); ++i) {
+      const ZBR_PT* to = points.data() + i;
+      edges[count++] = {*from, *to, BoxOfSegment(*from, *to).Widened(near_), r, (i == 0 ? rings_->all()[r].size() : i) - 1};
+      from = to;
+    }
+  }
+  return ArePairsClear(std::span(edges).first(count), {});
 }
 
 // The edges of a leaf that come near the box, their own boxes widened by the margin. Which do is as good as random, so there is no
 // branch.
-void WalkSearch::Read(std::uint32_t leaf, const Box& around, double margin, LeafEdges& read) const {
+void WalkSearch::Read(std::uint32_t leaf, const Box& around, LeafEdges& read) const {
   const EdgeIndex& index = rings_->index();
+  const std::uint32_t ring = index.rings()[index.leaf(leaf).ring].id;
   std::uint32_t slot = index.leaf(leaf).first;
   std::uint32_t count = 0;
   index.VisitEdges(leaf, [&](const ZBR_PT& p, const ZBR_PT& q) {
-    const Box box = BoxOfSegment(p, q).Widened(margin);
-    read.edges[count] = {p, q, box, slot++};
+    const Box box = BoxOfSegment(p, q).Widened(near_);
+    read.edges[count] = {p, q, box, ring, slot++};
     count += Overlap(box, around) ? 1U : 0U;
   });
   read.count = count;
-  read.ring = index.rings()[index.leaf(leaf).ring].id;
 }
 
 bool WalkSearch::VisitLeaf(std::uint32_t leaf) {
   if (IsConvexRing(leaf)) return true;
   LeafEdges read;
-  Read(leaf, rings_->index().tree().Level(0)[leaf], near_, read);
-  Pairs pairs;
-  std::size_t pairCount = 0;
-  for (std::uint32_t i = 0; i < read.count; ++i) {
-    for (std::uint32_t j = i + 1; j < read.count; ++j) {
-      pairs[pairCount] = {static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(j)};
-      pairCount += Overlap(read.edges[i].box, read.edges[j].box) ? 1U : 0U;
-    }
-  }
-  const std::uint32_t n = rings_->all()[read.ring].size();
-  for (const Pair& pair : std::span(pairs).first(pairCount)) {
-    bool areNeighbours = false;
-    if (!AreNeighboursClear(read.edges[pair[0]], read.edges[pair[1]], n, areNeighbours)) return false;
-    if (!areNeighbours && !AreClearOnOneSide(read.edges[pair[0]], read.edges[pair[1]])) return false;
-  }
-  return true;
+  Read(leaf, rings_->index().tree().Level(0)[leaf], read);
+  return ArePairsClear(std::span(read.edges).first(read.count), {});
 }
 
 bool WalkSearch::VisitLeaves(std::uint32_t a, std::uint32_t b) {
   const Box* boxes = rings_->index().tree().Level(0);
   LeafEdges readA;
   LeafEdges readB;
-  Read(a, boxes[b], near_, readA);
-  if (readA.count == 0) return true;
-  Read(b, boxes[a], near_, readB);
-  Pairs pairs;
-  std::size_t pairCount = 0;
-  for (std::uint32_t i = 0; i < readA.count; ++i) {
-    for (std::uint32_t j = 0; j < readB.count; ++j) {
-      pairs[pairCount] = {static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(j)};
-      pairCount += Overlap(readA.edges[i].box, readB.edges[j].box) ? 1U : 0U;
-    }
+  Read(a, boxes[b], readA);
+  if (readA.count > 0) {
+    Read(b, boxes[a], readB);
+    if (!ArePairsClear(std::span(readA.edges).first(readA.count), std::span(readB.edges).first(readB.count))) return false;
   }
-  const int sideA = rings_->SideOf(readA.ring);
-  const bool isOneSide = sideA == rings_->SideOf(readB.ring);
-  const std::uint32_t n = rings_->all()[readA.ring].size();
-  for (const Pair& pair : std::span(pairs).first(pairCount)) {
-    const Edge& e = readA.edges[pair[0]];
-    const Edge& f = readB.edges[pair[1]];
-    if (!isOneSide) {
-      if (sideA == 0 ? !AreClearAcross(e, readA.ring, f, readB.ring) : !AreClearAcross(f, readB.ring, e, readA.ring)) return false;
-      continue;
+  NoteAround(a, b);
+  NoteAround(b, a);
+  return true;
+}
+
+// Whether the edges of one list are clear of those of the other, or of each other when there is no other. Which boxes meet is as
+// good as random, too.
+bool WalkSearch::ArePairsClear(std::span<const Edge> edges, std::span<const Edge> others) {
+  struct Pair {
+    std::uint16_t i;
+    std::uint16_t j;
+  };
+  constexpr std::size_t kMost = WalkRings::kSmall;
+  const bool isOneList = others.empty();
+  if (isOneList) others = edges;
+  std::array<Pair, 2 * kMost> pairs;
+  std::size_t count = 0;
+  const auto end = static_cast<unsigned>(others.size());
+  for (unsigned i = 0; i < edges.size(); ++i) {
+    const Box box = edges[i].box;
+    for (unsigned j = isOneList ? i + 1 : 0; j < end; ++j) {
+      pairs[count] = {static_cast<std::uint16_t>(i), static_cast<std::uint16_t>(j)};
+      count += Overlap(box, others[j].box) ? 1U : 0U;
     }
-    bool areNeighbours = false;
-    if (readA.ring == readB.ring && !AreNeighboursClear(e, f, n, areNeighbours)) return false;
-    if (!areNeighbours && !AreClearOnOneSide(e, f)) return false;
+    if (count <= kMost && i + 1 < edges.size()) continue;
+    for (const Pair& pair : std::span(pairs).first(count)) {
+      if (!IsPairClear(edges[pair.i], others[pair.j])) return false;
+    }
+    count = 0;
   }
   return true;
+}
+
+bool WalkSearch::IsPairClear(const Edge& e, const Edge& f) {
+  const int side = rings_->SideOf(e.ring);
+  if (side != rings_->SideOf(f.ring)) return side == 0 ? AreClearAcross(e, f) : AreClearAcross(f, e);
+  if (e.ring == f.ring) {
+    const std::uint32_t n = rings_->all()[e.ring].size();
+    const bool before = (e.slot + 1 == n ? 0 : e.slot + 1) == f.slot;
+    const bool behind = (f.slot + 1 == n ? 0 : f.slot + 1) == e.slot;
+    if (before || behind) return !(before && FoldsBack(e, f)) && !(behind && FoldsBack(f, e));
+  }
+  return AreClearOnOneSide(e, f);
+}
+
+// Where no edge of a ring comes near a box, all that is in it lies on one side of the ring.
+bool WalkSearch::ComesNear(std::uint32_t leaf, int level, std::uint32_t node) {
+  const EdgeIndex& index = rings_->index();
+  const Box& box = index.tree().Level(level)[node];
+  const Box around = box.Widened(2.0 * near_);
+  bool comesNear = false;
+  index.VisitEdges(leaf, [&](const ZBR_PT& p, const ZBR_PT& q) { comesNear |= Overlap(BoxOfSegment(p, q), around); });
+  if (comesNear) return true;
+  const IndexedRing& ring = index.rings()[index.leaf(leaf).ring];
+  if (ring.slots <= EdgeIndex::kLeafEdges && rings_->IsLeafOdd(leaf, box.Center())) {
+    around_[static_cast<std::size_t>(index.tree().Level(level) - index.tree().Level(0)) + node] ^= BitOf(ring.id);
+  }
+  return false;
+}
+
+// Notes whether a leaf that is a ring lies around another, whose edges it doesn't cross, or that doesn't matter.
+void WalkSearch::NoteAround(std::uint32_t leaf, std::uint32_t other) {
+  const EdgeIndex& index = rings_->index();
+  const IndexedRing& ring = index.rings()[index.leaf(leaf).ring];
+  if (ring.slots > EdgeIndex::kLeafEdges) return;
+  const ZBR_PT& p = index.rings()[index.leaf(other).ring].points[index.leaf(other).first];
+  if (index.tree().Level(0)[leaf].Contains(p) && rings_->IsLeafOdd(leaf, p)) around_[other] ^= BitOf(ring.id);
+}
+
+void WalkSearch::PushDown() {
+  const BoxTree& tree = rings_->index().tree();
+  for (int level = tree.TopLevel(); level > 0; --level) {
+    const std::uint8_t* above = around_.data() + (tree.Level(level) - tree.Level(0));
+    std::uint8_t* below = around_.data() + (tree.Level(level - 1) - tree.Level(0));
+    for (std::uint32_t i = 0; i < tree.Count(level - 1); ++i) below[i] ^= above[i / BoxTree::kFanOut];
+  }
 }
 
 // Whether the leaf is a whole ring that turns clearly to one side at every vertex, and once around: then the directions change from
@@ -140,15 +204,6 @@ WalkSearch::Meeting WalkSearch::MeetingOf(const Edge& e, const Edge& f, const Si
   return ofE.AreEqual() || ofF.AreEqual() ? Meeting::kApart : Meeting::kUnclear;
 }
 
-// Of edges of one ring: whether they do not fold back on each other, if they are neighbours.
-bool WalkSearch::AreNeighboursClear(const Edge& e, const Edge& f, std::uint32_t n, bool& areNeighbours) const {
-  const auto precedes = [n](const Edge& x, const Edge& y) { return (x.slot + 1 == n ? 0 : x.slot + 1) == y.slot; };
-  const bool before = precedes(e, f);
-  const bool behind = precedes(f, e);
-  areNeighbours = before || behind;
-  return !(before && FoldsBack(e, f)) && !(behind && FoldsBack(f, e));
-}
-
 // Of edges of one operand that are not neighbours: whether they don't meet.
 bool WalkSearch::AreClearOnOneSide(const Edge& e, const Edge& f) const {
   const Sides ofE = SidesOf(e, f);
@@ -163,7 +218,7 @@ bool WalkSearch::FoldsBack(const Edge& e, const Edge& next) const {
 }
 
 // Of edges of A and B. Appends their crossing.
-bool WalkSearch::AreClearAcross(const Edge& a, std::uint32_t ringA, const Edge& b, std::uint32_t ringB) {
+bool WalkSearch::AreClearAcross(const Edge& a, const Edge& b) {
   const Sides ofA = SidesOf(a, b);
   if (ofA.areClear && ofA.AreEqual()) return true;
   const Sides ofB = SidesOf(b, a);
@@ -172,7 +227,7 @@ bool WalkSearch::AreClearAcross(const Edge& a, std::uint32_t ringA, const Edge& 
   if (meeting != Meeting::kCrossing) return meeting == Meeting::kApart;
   const ZBR_PT pt = a.from + (a.to - a.from) * (ofB.from / (ofB.from - ofB.to));
   const std::span<const WalkedRing> rings = rings_->all();
-  found_->push_back({pt, {rings[ringA].firstEdge + a.slot, rings[ringB].firstEdge + b.slot}, ofA.to > 0.0});
+  found_->push_back({pt, {rings[a.ring].firstEdge + a.slot, rings[b.ring].firstEdge + b.slot}, ofA.to > 0.0});
   return true;
 }
 

@@ -8,9 +8,6 @@ namespace zbr {
 
 namespace {
 
-// With fewer rings than this the caller's order is kept: there is little to gain from another.
-constexpr std::size_t kMinRingsToReorder = 8;
-
 std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
   std::vector<ZBR_PT> centers(rings.size());
   for (std::size_t i = 0; i < rings.size(); ++i) centers[i] = rings[i].bounds.Center();
@@ -36,15 +33,30 @@ bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, dou
   return repeats;
 }
 
+// Of a ring that is a leaf by itself. It comes back to where it starts, so nothing is to be learned from its directions.
+constexpr std::uint32_t kEveryDirection = 0xff;
+
+Box BoxOfSmallRing(IndexedRing& ring, double eps2) {
+  Box box;
+  bool repeats = false;
+  const ZBR_PT* prev = ring.points + ring.n - 1;
+  for (const ZBR_PT* p = ring.points; p != ring.points + ring.n; ++p) {
+    box.Add(*p);
+    repeats |= p->Distance2(*prev) <= eps2;
+    prev = p;
+  }
+  ring.hasRepeats = repeats;
+  return box;
+}
+
 }  // namespace
 
 void EdgeIndex::Build(std::vector<IndexedRing> rings, double margin, double eps2) {
-  rings_ = std::move(rings);
+  rings_ = rings.size() < kMinRingsToReorder ? std::move(rings) : AlongCurve(rings);
   Build(margin, eps2);
 }
 
 void EdgeIndex::Build(double margin, double eps2) {
-  if (rings_.size() >= kMinRingsToReorder) rings_ = AlongCurve(rings_);
   FillLeaves(margin, eps2);
   tree_.BuildInner();
 }
@@ -58,6 +70,11 @@ void EdgeIndex::FillLeaves(double margin, double eps2) {
   for (std::uint32_t r = 0; r < rings_.size(); ++r) {
     IndexedRing& ring = rings_[r];
     if (r + kItemsAhead < rings_.size()) Prefetch(rings_[r + kItemsAhead].points);
+    if (ring.n <= kLeafEdges && ring.slots == ring.n) {
+      *leaf++ = {r, 0, kEveryDirection};
+      *box++ = BoxOfSmallRing(ring, eps2).Widened(margin);
+      continue;
+    }
     for (std::uint32_t first = 0; first < ring.slots; first += kLeafEdges, ++leaf, ++box) {
       *leaf = {r, first, 0};
       const std::uint32_t count = std::min(kLeafEdges, ring.slots - first);

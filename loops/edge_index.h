@@ -47,12 +47,15 @@ class EdgeIndex {
   // Builds the index over `rings` (in the caller's order). Leaf boxes are widened by `margin`; an edge whose squared length is
   // within eps2 marks its ring as having repeats.
   void Build(std::vector<IndexedRing> rings, double margin, double eps2);
-  // The same for rings put into the list given here, which is empty; an index that is built again and again keeps its memory.
+  // The same for rings put into the list given here, which is empty, in the order in which the index shall hold them. An index that
+  // is built again and again keeps its memory.
   std::vector<IndexedRing>& StartRings() {
     rings_.clear();
     return rings_;
   }
   void Build(double margin, double eps2);
+  // With fewer rings than this any order will do: there is little to gain from another.
+  static constexpr std::size_t kMinRingsToReorder = 8;
 
   const BoxTree& tree() const { return tree_; }
   const std::vector<IndexedRing>& rings() const { return rings_; }  // in the order in which the index holds them

@@ -19,7 +19,9 @@ namespace zbr {
 class NearLeaves {
  public:
   // Calls visitor.VisitLeaf(leaf) for leaves whose edges may come near each other, and visitor.VisitLeaves(a, b), a before b, for
-  // pairs of leaves whose boxes come within `room`. Both return false to end the search; so does Run then.
+  // pairs of leaves whose boxes come within `room`. Both return false to end the search; so does Run then. Before a leaf is
+  // searched with what is in a node of some level, visitor.ComesNear(leaf, level, node) may tell that none of its edges comes into
+  // the box.
   template <class Visitor>
   bool Run(const EdgeIndex& index, double room, Visitor& visitor) {
     index_ = &index;
@@ -31,7 +33,14 @@ class NearLeaves {
   }
 
  private:
+  struct Node {
+    int level;
+    std::uint32_t index;
+  };
+
   void FillMasks();
+  const Box& BoxOf(Node node) const { return index_->tree().Level(node.level)[node.index]; }
+  static double SizeOf(const Box& box) { return (box.xmax - box.xmin) + (box.ymax - box.ymin); }
 
   // Masks lie as the boxes do.
   unsigned Mask(int level, std::uint32_t node) const {
@@ -49,29 +58,38 @@ class NearLeaves {
     if (level == 0) return visitor.VisitLeaf(node);
     const std::uint32_t first = node * BoxTree::kFanOut;
     const std::uint32_t last = std::min(first + BoxTree::kFanOut, index_->tree().Count(level - 1));
+    const Box* boxes = index_->tree().Level(level - 1);
     for (std::uint32_t i = first; i < last; ++i) {
       if (!SearchInside(level - 1, i, visitor)) return false;
+      const Box around = boxes[i].Widened(room_);
       for (std::uint32_t j = i + 1; j < last; ++j) {
-        if (!SearchBetween(level - 1, i, j, visitor)) return false;
+        if (Overlap(around, boxes[j]) && !SearchBetween({level - 1, i}, {level - 1, j}, visitor)) return false;
       }
     }
     return true;
   }
 
-  // Of two nodes, a before b.
+  // Of two nodes whose boxes come near each other, a before b. The larger one is divided, so that large things are told apart from
+  // small ones high above the leaves.
   template <class Visitor>
-  bool SearchBetween(int level, std::uint32_t a, std::uint32_t b, Visitor& visitor) {
-    const Box* boxes = index_->tree().Level(level);
-    if (!Overlap(boxes[a].Widened(room_), boxes[b])) return true;
-    if (b == a + 1 && kGoesOn[Mask(level, a) | Mask(level, b)] && IsChain(FirstLeaf(level, a), LastLeaf(level, b))) return true;
-    if (level == 0) return visitor.VisitLeaves(a, b);
-    const std::uint32_t count = index_->tree().Count(level - 1);
-    const Box around = boxes[b].Widened(room_);
-    for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
-      if (!Overlap(index_->tree().Level(level - 1)[i], around)) continue;
-      for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) {
-        if (!SearchBetween(level - 1, i, j, visitor)) return false;
-      }
+  bool SearchBetween(Node a, Node b, Visitor& visitor) {
+    const std::uint32_t lastLeaf = LastLeaf(b.level, b.index);
+    if (LastLeaf(a.level, a.index) + 1 == FirstLeaf(b.level, b.index) && kGoesOn[Mask(a.level, a.index) | Mask(b.level, b.index)] &&
+        IsChain(FirstLeaf(a.level, a.index), lastLeaf)) {
+      return true;
+    }
+    if (a.level == 0 && b.level == 0) return visitor.VisitLeaves(a.index, b.index);
+    if (a.level == 0 && !visitor.ComesNear(a.index, b.level, b.index)) return true;
+    if (b.level == 0 && !visitor.ComesNear(b.index, a.level, a.index)) return true;
+    const bool dividesA = b.level == 0 || (a.level > 0 && SizeOf(BoxOf(a)) > SizeOf(BoxOf(b)));
+    const Node divided = dividesA ? a : b;
+    const Box around = BoxOf(dividesA ? b : a).Widened(room_);
+    const Box* boxes = index_->tree().Level(divided.level - 1);
+    const std::uint32_t end = std::min((divided.index + 1) * BoxTree::kFanOut, index_->tree().Count(divided.level - 1));
+    for (std::uint32_t i = divided.index * BoxTree::kFanOut; i < end; ++i) {
+      if (!Overlap(around, boxes[i])) continue;
+      const Node child{divided.level - 1, i};
+      if (dividesA ? !SearchBetween(child, b, visitor) : !SearchBetween(a, child, visitor)) return false;
     }
     return true;
   }

@@ -34,6 +34,10 @@ class SelfSearch {
 
   bool VisitLeaf(std::uint32_t leaf) { return !IsLeafUnclear(leaf); }
   bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return !AreLeavesUnclear(a, b); }
+  bool ComesNear(std::uint32_t leaf, int level, std::uint32_t node) const {
+    LeafEdges edges;
+    return Read(leaf, index_.tree().Level(level)[node].Widened(room_), edges) > 0;
+  }
 
  private:
   struct Edge {
