@@ -189,6 +189,7 @@ class RegionCombination {
       const auto tryWalk = [&](const std::vector<std::uint32_t>& items) { return walk.Run(Chosen(all, items)); };
       Arrange(Chosen(all, ClusterSearch(clusters, tryWalk).Run()));
     }
+    if (std::any_of(results_.begin(), results_.end(), ZBR_REGION_ACCESS::IsTooLarge)) status_.code = ZBR_REGION_TOO_LARGE;
     if (status_.code != ZBR_REGION_OK) results_.clear();
     return std::move(results_);
   }
