@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 #include "arrangement/check.h"
@@ -78,48 +79,118 @@ void EdgeCutter::Run(Arrangement::Care care) {
   MergeLines();
 }
 
+namespace {
+
+bool AreEqual(const ZBR_PT& p, const ZBR_PT& q) {
+  return p.x() == q.x() && p.y() == q.y();
+}
+
+}  // namespace
+
+// Fills fromVertex_ and toVertex_.
+void EdgeCutter::MakeVertices(std::span<const DirectedEdge> edges) {
+  // An edge mostly ends where the next one begins, or where the first of its chain did: such points are looked up once.
+  const auto count = static_cast<std::uint32_t>(edges.size());
+  std::vector<ZBR_PT> points;
+  points.reserve(count + count / 8);
+  for (const DirectedEdge& e : edges) points.push_back(e.from);
+  toPoint_.resize(count);
+  std::uint32_t chain = 0;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const bool goesOn = i + 1 < count && AreEqual(edges[i].to, points[i + 1]);
+    const bool closes = !goesOn && AreEqual(edges[i].to, points[chain]);
+    toPoint_[i] = goesOn ? i + 1 : closes ? chain : static_cast<std::uint32_t>(points.size());
+    if (!goesOn && !closes) points.push_back(edges[i].to);
+    if (!goesOn) chain = i + 1;
+  }
+  vertexOf_ = isFine_ ? vertices_.AddApart(points) : std::vector<std::uint32_t>(points.size(), kNoVertex);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    for (const std::uint32_t point : {i, toPoint_[i]}) {
+      if (vertexOf_[point] == kNoVertex) vertexOf_[point] = vertices_.At(points[point]);
+    }
+  }
+}
+
+// Which edges may have another one between the same vertices. Not those with an end that no other point shares, unless the edges
+// there run both ways.
+std::vector<bool> EdgeCutter::FindRepeated() const {
+  const auto count = static_cast<std::uint32_t>(toPoint_.size());
+  std::vector<bool> isRepeated(count, !isFine_);
+  if (!isFine_) return isRepeated;
+  std::vector<std::uint8_t> shares(vertices_.size(), 0);  // 1: one point, 2: more
+  for (const std::uint32_t v : vertexOf_) shares[v] = shares[v] == 0 ? 1 : 2;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint32_t next = toPoint_[i];
+    if (shares[vertexOf_[i]] > 1 && shares[vertexOf_[next]] > 1) isRepeated[i] = true;
+    if (next < count && vertexOf_[toPoint_[next]] == vertexOf_[i]) isRepeated[i] = isRepeated[next] = true;
+  }
+  return isRepeated;
+}
+
 void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand) {
+  MakeVertices(edges);
+  const std::vector<bool> isRepeated = FindRepeated();
+  const auto lineOf = [&](std::uint32_t i) {
+    return LineBetween(vertexOf_[i], vertexOf_[toPoint_[i]], i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
+  };
+  const auto isPoint = [&](std::uint32_t i) { return vertexOf_[i] == vertexOf_[toPoint_[i]]; };
   out_.lineOfEdge_.assign(edges.size(), Arrangement::kNoPiece);
+  lines_.reserve(edges.size());
+  edgeOfLine_.reserve(edges.size());
   std::vector<Keyed> keyed;
-  keyed.reserve(edges.size());
-  std::uint32_t to = 0;
   for (std::uint32_t i = 0; i < edges.size(); ++i) {
-    // Mostly an edge starts where the one before ends.
-    const bool goesOn = i > 0 && edges[i].from.x() == edges[i - 1].to.x() && edges[i].from.y() == edges[i - 1].to.y();
-    const std::uint32_t from = goesOn ? to : vertices_.At(edges[i].from);
-    to = vertices_.At(edges[i].to);
-    if (from == to) continue;
-    const CutLine line = LineBetween(from, to, i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
+    if (!isRepeated[i] || isPoint(i)) continue;
+    const CutLine line = lineOf(i);
     keyed.push_back({std::uint64_t{line.from} << 32U | line.to, i, line.net});
   }
   ForEachGroup(keyed, [this](std::span<const Keyed> group) {
     const Winding net = NetOf(group);
     if (net.IsZero()) return;
-    const auto number = static_cast<std::uint32_t>(lines_.size());
-    for (const Keyed& k : group) out_.lineOfEdge_[k.index] = number;
+    for (const Keyed& k : group) out_.lineOfEdge_[k.index] = static_cast<std::uint32_t>(lines_.size());
     const std::uint64_t ends = group[0].ends;
     lines_.push_back({static_cast<std::uint32_t>(ends >> 32U), static_cast<std::uint32_t>(ends), net, 0});
+    edgeOfLine_.push_back(group[0].index);
   });
+  for (std::uint32_t i = 0; i < edges.size(); ++i) {
+    if (isRepeated[i] || isPoint(i)) continue;
+    out_.lineOfEdge_[i] = static_cast<std::uint32_t>(lines_.size());
+    lines_.push_back(lineOf(i));
+    edgeOfLine_.push_back(i);
+  }
 }
 
-// Puts neighbours in the plane next to each other; what is cut from them stays together. Chooses the frame to join them in.
+// Puts neighbours in the plane next to each other; what is cut from them stays together. Chooses the frame to join them in. Lines
+// of edges that follow each other are neighbours already and are put in their place some at a time.
 void EdgeCutter::SortLines() {
-  std::vector<ZBR_PT> centres;
+  constexpr std::uint32_t kTogether = 8;
   std::vector<ZBR_PT> directions;
-  centres.reserve(lines_.size());
   directions.reserve(lines_.size());
-  for (const CutLine& line : lines_) {
-    directions.push_back(Node(line.to).Point() - Node(line.from).Point());
-    centres.push_back((Node(line.from).Point() + Node(line.to).Point()) / 2.0);
-  }
+  for (const CutLine& line : lines_) directions.push_back(Node(line.to).Point() - Node(line.from).Point());
   frame_ = LeaningFrame(directions);
-  const std::vector<std::uint32_t> order = SpatialOrder(centres);
-  std::vector<CutLine> sorted(lines_.size());
+  std::vector<std::uint32_t> begin;  // of each run of lines
+  std::vector<ZBR_PT> centres;
+  Box box;
+  for (std::uint32_t i = 0; i < lines_.size(); ++i) {
+    const bool follows =
+        i > 0 && isFine_ && edgeOfLine_[i] == edgeOfLine_[i - 1] + 1 && toPoint_[edgeOfLine_[i - 1]] == edgeOfLine_[i];
+    if (!follows || i - begin.back() == kTogether) {
+      if (i > 0) centres.push_back(box.Center());
+      begin.push_back(i);
+      box = Box();
+    }
+    box.Add(BoxOfSegment(Node(lines_[i].from).Point(), Node(lines_[i].to).Point()));
+  }
+  if (!lines_.empty()) centres.push_back(box.Center());
+  begin.push_back(static_cast<std::uint32_t>(lines_.size()));
+  std::vector<CutLine> sorted;
+  sorted.reserve(lines_.size());
   std::vector<std::uint32_t> place(lines_.size());
-  for (std::uint32_t i = 0; i < order.size(); ++i) {
-    sorted[i] = lines_[order[i]];
-    sorted[i].origin = i;
-    place[order[i]] = i;
+  for (const std::uint32_t run : SpatialOrder(centres)) {
+    for (std::uint32_t i = begin[run]; i < begin[run + 1]; ++i) {
+      place[i] = static_cast<std::uint32_t>(sorted.size());
+      sorted.push_back(lines_[i]);
+      sorted.back().origin = place[i];
+    }
   }
   lines_.swap(sorted);
   for (std::uint32_t& line : out_.lineOfEdge_) {
@@ -296,53 +367,52 @@ ZBR_PT EdgeCutter::TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT
   return isNear ? point : vertices_.FromGrid(place);
 }
 
-// By the upper digits of x first; what they leave undecided is compared.
+// The vertices that are in order already are merged with the others.
 void EdgeCutter::NumberVertices() {
-  constexpr double kMostKeys = 0x1p32 - 1.0;
-  struct Item {
-    std::uint32_t key;
-    std::uint32_t vertex;
+  const std::uint32_t sorted = vertices_.sorted();
+  const std::vector<std::uint32_t> others = SweepOrder(std::span(vertices_.nodes()).subspan(sorted));
+  number_.resize(vertices_.size());
+  out_.nodes_.reserve(vertices_.size());
+  out_.points_.reserve(vertices_.size());
+  const auto take = [this](std::uint32_t vertex) {
+    number_[vertex] = static_cast<std::uint32_t>(out_.nodes_.size());
+    out_.nodes_.push_back(Node(vertex));
+    out_.points_.push_back(vertices_.point(vertex));
   };
-  std::vector<Item> items(vertices_.size());
-  std::vector<Item> scratch;
-  const auto [leftmost, rightmost] = std::minmax_element(vertices_.nodes().begin(), vertices_.nodes().end(),
-                                                         [](const GridPoint& a, const GridPoint& b) { return a.x < b.x; });
-  const double left = leftmost->x;
-  const double keysPerStep = kMostKeys / std::max(rightmost->x - left, 1.0);
-  for (std::uint32_t v = 0; v < items.size(); ++v) {
-    items[v] = {static_cast<std::uint32_t>((Node(v).x - left) * keysPerStep), v};
+  std::uint32_t next = 0;
+  for (const std::uint32_t other : others) {
+    while (next < sorted && IsBefore(Node(next), Node(sorted + other))) take(next++);
+    take(sorted + other);
   }
-  const auto keyOf = [](const Item& item) { return item.key; };
-  RadixSort(items, scratch, keyOf);
-  ForEachRun(items, keyOf, [this](std::span<Item> run) {
-    if (run.size() < 2) return;
-    std::sort(run.begin(), run.end(), [this](const Item& i, const Item& j) { return IsBefore(Node(i.vertex), Node(j.vertex)); });
-  });
-  number_.resize(items.size());
-  out_.nodes_.reserve(items.size());
-  out_.points_.reserve(items.size());
-  for (std::uint32_t i = 0; i < items.size(); ++i) {
-    number_[items[i].vertex] = i;
-    out_.nodes_.push_back(Node(items[i].vertex));
-    out_.points_.push_back(vertices_.point(items[i].vertex));
-  }
+  while (next < sorted) take(next++);
 }
 
 // Lines that came to lie on each other become one piece.
 void EdgeCutter::MergeLines() {
-  std::vector<Keyed> keyed;
-  keyed.reserve(lines_.size());
-  for (std::uint32_t i = 0; i < lines_.size(); ++i) {
-    keyed.push_back({std::uint64_t{number_[lines_[i].from]} << 32U | number_[lines_[i].to], i, lines_[i].net});
-  }
+  const auto from = [this](std::uint32_t line) { return number_[lines_[line].from]; };
+  const auto to = [this](std::uint32_t line) { return number_[lines_[line].to]; };
+  std::vector<std::uint32_t> begin(out_.nodes_.size() + 1, 0);  // of the lines from each vertex
+  for (std::uint32_t i = 0; i < lines_.size(); ++i) ++begin[from(i) + 1];
+  std::partial_sum(begin.begin(), begin.end(), begin.begin());
+  std::vector<std::uint32_t> order(lines_.size());
+  std::vector<std::uint32_t> place(begin.begin(), begin.end() - 1);
+  for (std::uint32_t i = 0; i < lines_.size(); ++i) order[place[from(i)]++] = i;
   out_.pieceOfLine_.assign(lines_.size(), Arrangement::kNoPiece);
-  ForEachGroup(keyed, [this](std::span<const Keyed> group) {
-    const Winding net = NetOf(group);
-    if (net.IsZero()) return;
-    for (const Keyed& k : group) out_.pieceOfLine_[k.index] = static_cast<std::uint32_t>(out_.pieces_.size());
-    const std::uint64_t ends = group[0].ends;
-    out_.pieces_.push_back({static_cast<std::uint32_t>(ends >> 32U), static_cast<std::uint32_t>(ends), net});
-  });
+  out_.pieces_.reserve(lines_.size());
+  for (std::uint32_t v = 0; v < out_.nodes_.size(); ++v) {
+    const std::span<std::uint32_t> here = std::span(order).subspan(begin[v], begin[v + 1] - begin[v]);
+    if (here.size() > 1) std::sort(here.begin(), here.end(), [&](std::uint32_t i, std::uint32_t j) { return to(i) < to(j); });
+    for (std::size_t first = 0; first < here.size();) {
+      const std::uint32_t end = to(here[first]);
+      std::size_t last = first;
+      Winding net;
+      for (; last < here.size() && to(here[last]) == end; ++last) net += lines_[here[last]].net;
+      for (; first < last; ++first) {
+        if (!net.IsZero()) out_.pieceOfLine_[here[first]] = static_cast<std::uint32_t>(out_.pieces_.size());
+      }
+      if (!net.IsZero()) out_.pieces_.push_back({v, end, net});
+    }
+  }
 }
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand, Care care) {

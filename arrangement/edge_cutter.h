@@ -51,6 +51,8 @@ class EdgeCutter {
     return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, -net, origin};
   }
 
+  void MakeVertices(std::span<const DirectedEdge> edges);
+  std::vector<bool> FindRepeated() const;
   void MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand);
   void SortLines();
   bool IsWithinReach(const CutLine& line, std::uint32_t v) const;
@@ -87,6 +89,9 @@ class EdgeCutter {
   double reach_;  // in steps
   bool isFine_;   // so that every node is itself a point to stand for
   LeaningFrame frame_;
+  std::vector<std::uint32_t> toPoint_;     // by edge: the point where it ends; it begins at the one of its own number
+  std::vector<std::uint32_t> vertexOf_;    // by point
+  std::vector<std::uint32_t> edgeOfLine_;  // the first, before the lines are cut
   std::vector<CutLine> lines_;
   std::vector<CutLine> origins_;
   std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "arrangement/loop_builder.h"
+#include "arrangement/ring_shape.h"
 #include "core/box.h"
 #include "core/planar_inline.h"
 #include "core/rings.h"
@@ -24,32 +25,6 @@ constexpr double kStraight = 1e-15;
 // can hold, with either tolerance.
 constexpr int kNestingExponent = 19;
 
-// The directions in which a line from a fixed point passes all the points that it has to, within a distance.
-class Corridor {
- public:
-  Corridor(const ZBR_PT& from, double width) : from_(from), width_(width) {}
-
-  // From now on, p is to be passed.
-  void Pass(const ZBR_PT& p) {
-    const ZBR_PT d = p - from_;
-    const ZBR_PT aside = ZBR_PT(-d.y(), d.x()) * (width_ / d.Length());
-    if (!bounded_ || Cross(d + aside, left_) > 0.0) left_ = d + aside;
-    if (!bounded_ || Cross(right_, d - aside) > 0.0) right_ = d - aside;
-    bounded_ = true;
-  }
-  bool Allows(const ZBR_PT& p) const {
-    const ZBR_PT d = p - from_;
-    return !bounded_ || (Cross(right_, d) >= 0.0 && Cross(d, left_) >= 0.0);
-  }
-
- private:
-  ZBR_PT from_;
-  double width_;
-  ZBR_PT left_;
-  ZBR_PT right_;
-  bool bounded_ = false;
-};
-
 // Takes from rings the points that say nothing about their shape.
 class RingShape {
  public:
@@ -58,47 +33,9 @@ class RingShape {
             kStraight * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)}), width)),
         width_(width) {}
 
-  Points Simplify(const Points& ring) const { return Straighten(Thin(ring)); }
+  Points Simplify(const Points& ring) const { return StraightenedRing(ThinnedRing(ring, width_), straight_); }
 
  private:
-  // Without points closer than the width to the one before: a crossing of more than two edges may be several vertices.
-  Points Thin(const Points& ring) const {
-    Points kept;
-    kept.reserve(ring.size());
-    for (const ZBR_PT& p : ring) {
-      if (kept.empty() || p.Distance(kept.back()) > width_) kept.push_back(p);
-    }
-    while (kept.size() > 1 && !(kept.back().Distance(kept[0]) > width_)) kept.pop_back();
-    return kept;
-  }
-
-  // Without points that lie straight between those that stay. All points left out since the last one kept are held near the line,
-  // so that small deviations do not add up.
-  Points Straighten(const Points& ring) const {
-    const std::size_t n = ring.size();
-    const auto at = [&](std::size_t i) { return ring[i < n ? i : i - n]; };
-    std::size_t start = 0;
-    while (start < n && IsStraight(at(start + n - 1), at(start), at(start + 1))) ++start;
-    if (start == n) return {};  // no corner at all
-    Points kept{ring[start]};
-    Corridor corridor(kept.back(), straight_);
-    for (std::size_t i = start + 1; i < start + n; ++i) {
-      const ZBR_PT& p = at(i);
-      const ZBR_PT next = at(i + 1);
-      corridor.Pass(p);
-      if (corridor.Allows(next) && (p - kept.back()).InnerProduct(next - p) > 0.0) continue;
-      kept.push_back(p);
-      corridor = Corridor(p, straight_);
-    }
-    return kept;
-  }
-
-  bool IsStraight(const ZBR_PT& before, const ZBR_PT& p, const ZBR_PT& after) const {
-    Corridor corridor(before, straight_);
-    corridor.Pass(p);
-    return corridor.Allows(after) && (p - before).InnerProduct(after - p) > 0.0;
-  }
-
   double straight_;
   double width_;
 };

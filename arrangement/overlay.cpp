@@ -249,9 +249,11 @@ class Overlay::Assembler {
 };
 
 FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
+  constexpr int kMostTimes = 4;  // that a region is arranged again; one that has no rest then stays as it is
   bool isUnsettled = false;
-  const FlatRegion region = Assembled(inside, withSources, isUnsettled);
-  return isUnsettled ? Settled(region) : region;
+  FlatRegion region = Assembled(inside, withSources, isUnsettled);
+  for (int times = 0; isUnsettled && times < kMostTimes; ++times) region = Settled(region, isUnsettled);
+  return region;
 }
 
 FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const {
@@ -269,11 +271,10 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUn
 }
 
 // The region once more, from its own rings.
-FlatRegion Overlay::Settled(const FlatRegion& region) const {
+FlatRegion Overlay::Settled(const FlatRegion& region, bool& isUnsettled) const {
   const std::vector<RingSpan> rings = region.Rings();
   const Overlay again(rings, rings.size(), tolerance_, width_);
   const bool withSources = !region.sourceEnds.empty();
-  bool isUnsettled = false;
   FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, isUnsettled);
   if (withSources) TraceBack(region, settled);
   return settled;

@@ -40,7 +40,7 @@ class Overlay {
 
   void CollectSources();
   FlatRegion Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const;
-  FlatRegion Settled(const FlatRegion& region) const;
+  FlatRegion Settled(const FlatRegion& region, bool& isUnsettled) const;
   std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {
     return std::span(sources_).subspan(sourceBegin_[piece], sourceBegin_[piece + 1] - sourceBegin_[piece]);
   }

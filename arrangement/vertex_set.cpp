@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/cost.h"
+#include "core/radix_sort.h"
 
 namespace zbr {
 namespace {
@@ -44,6 +45,34 @@ Resolution Resolution::Fine(const Box& box, double tolerance) {
   const double step = std::max({side > 0.0 ? PowerOfTwoFor(side, 51) : std::numeric_limits<double>::min(),
                                 PowerOfTwoFor(Magnitude(box), 52), PowerOfTwoFor(tolerance, kFinestBits)});
   return {step, std::max(tolerance, 2.0 * step), std::max(tolerance, 2.0 * step)};
+}
+
+std::vector<std::uint32_t> SweepOrder(std::span<const GridPoint> nodes) {
+  constexpr double kMostKeys = 0x1p32 - 1.0;
+  struct Item {
+    std::uint32_t key;
+    std::uint32_t place;
+  };
+  std::vector<std::uint32_t> order;
+  if (nodes.empty()) return order;
+  std::vector<Item> items(nodes.size());
+  std::vector<Item> scratch;
+  const auto [leftmost, rightmost] =
+      std::minmax_element(nodes.begin(), nodes.end(), [](const GridPoint& a, const GridPoint& b) { return a.x < b.x; });
+  const double left = leftmost->x;
+  const double keysPerStep = kMostKeys / std::max(rightmost->x - left, 1.0);
+  for (std::uint32_t i = 0; i < items.size(); ++i) items[i] = {static_cast<std::uint32_t>((nodes[i].x - left) * keysPerStep), i};
+  const auto keyOf = [](const Item& item) { return item.key; };
+  RadixSort(items, scratch, keyOf);
+  ForEachRun(items, keyOf, [&](std::span<Item> run) {
+    if (run.size() < 2) return;
+    std::sort(run.begin(), run.end(), [&](const Item& i, const Item& j) {
+      return nodes[i.place] == nodes[j.place] ? i.place < j.place : IsBefore(nodes[i.place], nodes[j.place]);
+    });
+  });
+  order.reserve(items.size());
+  for (const Item& item : items) order.push_back(item.place);
+  return order;
 }
 
 // The centre is a node of the grid that passes through the origin: then coordinates of few bits keep their places exactly.
@@ -106,15 +135,15 @@ std::uint32_t VertexSet::Find(GridPoint node) const {
 
 // The nearest within the merging distance of a place on the grid.
 std::uint32_t VertexSet::NearestTo(const ZBR_PT& g) const {
-  const double room = merge_ + 1.0;  // vertices are filed by their nodes, half a step beside their points
-  const double x[] = {CellOf(g.x() - room), CellOf(g.x() + room)};
-  const double y[] = {CellOf(g.y() - room), CellOf(g.y() + room)};
+  const double x[] = {CellOf(g.x() - Room()), CellOf(g.x() + Room())};
+  const double y[] = {CellOf(g.y() - Room()), CellOf(g.y() + Room())};
   std::uint32_t best = kNone;
   double bestDistance2 = merge2_;
   for (int i = 0; i < (x[0] == x[1] ? 1 : 2); ++i) {
     for (int j = 0; j < (y[0] == y[1] ? 1 : 2); ++j) {
-      for (std::uint32_t v = byCell_.First(Hash(x[i], y[j])); v != kNone; v = byCell_.Next(v)) {
+      for (std::uint32_t k = byCell_.First(Hash(x[i], y[j])); k != kNone; k = byCell_.Next(k)) {
         ZBR_COUNT(nodes, 1);
+        const std::uint32_t v = sorted_ + k;
         const double distance2 = ToGrid(points_[v]).Distance2(g);
         if (distance2 < bestDistance2 || (distance2 == bestDistance2 && v < best)) {
           best = v;
@@ -138,7 +167,45 @@ std::uint32_t VertexSet::At(const ZBR_PT& p) {
   return Add(node, p);
 }
 
+// Columns of points with one x that no other column comes near, and in them the points that are not near the next or the one
+// before.
+std::vector<std::uint32_t> VertexSet::AddApart(std::span<const ZBR_PT> points) {
+  std::vector<GridPoint> places;
+  places.reserve(points.size());
+  for (const ZBR_PT& p : points) places.push_back(NodeAt(ToGrid(p)));
+  const std::vector<std::uint32_t> order = SweepOrder(places);
+  std::vector<std::uint32_t> vertexOf(points.size(), kNone);
+  const auto x = [&](std::size_t i) { return places[order[i]].x; };
+  const auto y = [&](std::size_t i) { return places[order[i]].y; };
+  const auto endOfColumn = [&](std::size_t i) {
+    const double column = x(i);
+    while (i < order.size() && x(i) == column) ++i;
+    return i;
+  };
+  for (std::size_t first = 0; first < order.size();) {
+    const std::size_t end = endOfColumn(first);
+    const bool isNear = (first > 0 && x(first) - x(first - 1) <= Room()) || (end < order.size() && x(end) - x(first) <= Room());
+    for (std::size_t i = first; i < end && !isNear;) {
+      std::size_t next = i + 1;
+      while (next < end && y(next) == y(i)) ++next;
+      const bool isCrowded = (i > first && y(i) - y(i - 1) <= Room()) || (next < end && y(next) - y(i) <= Room());
+      if (!isCrowded) {
+        for (std::size_t k = i; k < next; ++k) vertexOf[order[k]] = size();
+        nodes_.push_back(places[order[i]]);
+        points_.push_back(points[order[i]]);
+      }
+      i = next;
+    }
+    first = end;
+  }
+  sorted_ = size();
+  return vertexOf;
+}
+
 std::uint32_t VertexSet::OnNode(GridPoint node, const ZBR_PT& p) {
+  const auto end = nodes_.begin() + sorted_;
+  const auto at = std::lower_bound(nodes_.begin(), end, node, IsBefore);
+  if (at != end && *at == node) return static_cast<std::uint32_t>(at - nodes_.begin());
   const std::uint32_t known = Find(node);
   return known != kNone && nodes_[known] == node ? known : Add(node, p);
 }

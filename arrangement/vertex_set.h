@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include <zbr/planar.h>
@@ -23,11 +24,20 @@ struct Resolution {
   static Resolution Fine(const Box& box, double tolerance);
 };
 
+// The places of the nodes in the order of a sweep, those of equal nodes ascending. By the upper digits of x first; what they leave
+// undecided is compared.
+std::vector<std::uint32_t> SweepOrder(std::span<const GridPoint> nodes);
+
 // Numbered vertices, at most one per grid node, each with the exact point that it stands for.
 class VertexSet {
  public:
   VertexSet(const Box& box, const Resolution& resolution, std::size_t expected);
 
+  // Makes vertices of those points that lie apart from all others but those on their own node, in the order of a sweep. Returns the
+  // vertex of every point; kNone stands for those that are left to At. To be called first, if at all.
+  std::vector<std::uint32_t> AddApart(std::span<const ZBR_PT> points);
+  // How many vertices AddApart made.
+  std::uint32_t sorted() const { return sorted_; }
   // The vertex of p: one on p's node or within the merging distance, the nearest first, made when there is none. The points of one
   // node get the same vertex whenever they are asked for, so that the edges at a point meet.
   std::uint32_t At(const ZBR_PT& p);
@@ -45,9 +55,9 @@ class VertexSet {
   ZBR_PT FromGrid(const ZBR_PT& g) const { return ZBR_PT(centre_.x() + g.x() * step_, centre_.y() + g.y() * step_); }
   static GridPoint NodeAt(const ZBR_PT& g) { return {Nearest(g.x()), Nearest(g.y())}; }
 
- private:
   static constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
+ private:
   // Items chained by a hash: what is filed under equal or colliding hashes, the latest first.
   class Chains {
    public:
@@ -70,6 +80,8 @@ class VertexSet {
   static double Nearest(double c) { return std::floor(c + 0.5) + 0.0; }
   static std::uint64_t Hash(double x, double y);
   double CellOf(double c) const { return std::floor(c * inverseCell_); }
+  // Beyond that in x or y, points are no one vertex. Vertices are filed by their nodes, half a step beside their points.
+  double Room() const { return merge_ + 1.0; }
   std::uint32_t Find(GridPoint node) const;
   std::uint32_t NearestTo(const ZBR_PT& g) const;
   std::uint32_t Add(GridPoint node, const ZBR_PT& p);
@@ -82,6 +94,7 @@ class VertexSet {
   double inverseCell_;  // cells are a few merging distances wide, so that a look-up reads one to four
   std::vector<GridPoint> nodes_;
   std::vector<ZBR_PT> points_;
+  std::uint32_t sorted_ = 0;
   // A node that was asked for, and its vertex, which lies there or near.
   struct Entry {
     GridPoint node;

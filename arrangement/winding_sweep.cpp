@@ -6,10 +6,10 @@
 #include "arrangement/winding_sweep.h"
 
 #include <algorithm>
+#include <numeric>
 #include <span>
 
 #include "arrangement/sweep_status.h"
-#include "core/radix_sort.h"
 
 namespace zbr {
 namespace {
@@ -20,10 +20,11 @@ class WindingSweep {
       : pieces_(pieces), nodes_(nodes), looks_(care == Arrangement::Care::kQuick), status_(nodes, pieces) {
     swept_.below.resize(pieces.size());
     swept_.under.resize(pieces.size());
-    ending_.reserve(pieces.size());
-    for (std::uint32_t i = 0; i < pieces.size(); ++i) ending_.push_back({pieces[i].to, i});
-    std::vector<End> scratch;
-    RadixSort(ending_, scratch, [](const End& e) { return e.vertex; });
+    ending_.resize(pieces.size());
+    std::vector<std::uint32_t> place(nodes.size() + 1, 0);
+    for (const ArrangedPiece& piece : pieces) ++place[piece.to + 1];
+    std::partial_sum(place.begin(), place.end(), place.begin());
+    for (std::uint32_t i = 0; i < pieces.size(); ++i) ending_[place[pieces[i].to]++] = {pieces[i].to, i};
   }
 
   SweptPieces Run() {

@@ -1,6 +1,7 @@
 // The region record.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include <zbr/region.h>
@@ -119,26 +120,38 @@ void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, const ZBR_REGION& more) {
   for (std::size_t p = 0; p < more.polygon_count(); ++p) region.polygon_offsets_.push_back(rings + more.polygon_offsets_[p + 1]);
 }
 
+bool ZBR_REGION_ACCESS::IsTooLarge(const ZBR_REGION& region) {
+  constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+  return region.points_.size() > kMost || region.sources_.size() > kMost;
+}
+
 void ZBR_REGION_ACCESS::Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input,
                             const ZBR_REGION_OPTIONS& options) {
   region.Clear();
   Append(region, std::move(flat), input, options);
-  if (options.canonical) Canonicalize(region);
+  if (options.canonical && !IsTooLarge(region)) Canonicalize(region);
 }
 
 void ZBR_REGION_ACCESS::Canonicalize(ZBR_REGION& region) {
   struct Item {
     std::size_t ring;
     std::size_t first;
-    ZBR_PT at;
   };
   std::vector<Item> rings(region.ring_count());
   for (std::size_t r = 0; r < rings.size(); ++r) {
-    const RingSpan ring = RingOf(region, r);
-    const std::size_t first = FirstPointOf(ring);
-    rings[r] = {r, first, ring[first]};
+    rings[r] = {r, FirstPointOf(RingOf(region, r))};
   }
-  const auto comesFirst = [](const Item& a, const Item& b) { return IsLess(a.at, b.at); };
+  // Rings that start at one place are told apart by the points that follow.
+  const auto comesFirst = [&region](const Item& a, const Item& b) {
+    const RingSpan p = RingOf(region, a.ring);
+    const RingSpan q = RingOf(region, b.ring);
+    for (std::size_t i = 0; i < std::min(p.size(), q.size()); ++i) {
+      const ZBR_PT& u = p[(a.first + i) % p.size()];
+      const ZBR_PT& v = q[(b.first + i) % q.size()];
+      if (IsLess(u, v) || IsLess(v, u)) return IsLess(u, v);
+    }
+    return p.size() < q.size();
+  };
   std::vector<std::size_t> polygons(region.polygon_count());
   std::iota(polygons.begin(), polygons.end(), std::size_t{0});
   const auto outer = [&](std::size_t p) { return static_cast<std::size_t>(region.polygon_offsets_[p]); };

@@ -70,6 +70,7 @@ class PairWork {
     bool isDone = !input_.Add(a, status) || !input_.Add(b, status) || !progress.GoesOn(0.0);
     if (!isDone && IsWalkable(options)) isDone = Walk(walk_, input_, ops, results);
     if (!isDone) CombineByParts(ops, results, options, status, progress);
+    if (std::any_of(results, results + ops.size(), ZBR_REGION_ACCESS::IsTooLarge)) status.code = ZBR_REGION_TOO_LARGE;
     for (std::size_t k = 0; k < ops.size(); ++k) {
       if (status.code != ZBR_REGION_OK) {
         results[k].Clear();

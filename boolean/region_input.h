@@ -113,7 +113,10 @@ class ZBR_REGION_ACCESS {
     for (const auto& hole : outer.children()) AddLoop(region, *hole);
     region.polygon_offsets_.push_back(static_cast<std::int32_t>(region.ring_count()));
   }
+  // Lowest vertices first, by them the rings and polygons.
   static void Canonicalize(ZBR_REGION& region);
+  // Whether offsets do not reach to the end; they are wrong then.
+  static bool IsTooLarge(const ZBR_REGION& region);
 
  private:
   static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop) {

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "arrangement/ring_shape.h"
 #include "boolean/polygons.h"
 #include "boolean/region_input.h"
 #include "core/tolerance_state.h"
 #include "loops/nesting.h"
-#include "segments/polyline.h"
 
 namespace {
 
@@ -61,14 +61,10 @@ ZBR_REGION_STATUS zbrSimplifyRegion(const ZBR_REGION_VIEW& rings, double toleran
     result.Clear();
     return status;
   }
-  const zbr::ToleranceScope scope(tolerance);
-  std::vector<ZBR_PT> line;
+  const double width = tolerance > 0.0 ? tolerance : 0.0;  // not NaN
   for (const zbr::RingSpan& ring : input.rings()) {
-    if (ring.empty()) continue;
-    line.assign(ring.begin(), ring.end());
-    line.push_back(ring.front());
-    zbr::StraightenClosed(line);
-    if (line.size() > 3) simple.AddRing(line.data(), line.size() - 1);
+    const std::vector<ZBR_PT> corners = zbr::StraightenedRing(zbr::ThinnedRing(ring, 0.0), width);
+    if (corners.size() > 2) simple.AddRing(corners);
   }
   ZBR_REGION_OPTIONS withoutSources = options;
   withoutSources.sources = false;

@@ -164,6 +164,14 @@ class ManyUnited {
   bool wasExact_ = false;
 };
 
+void SetResult(ZBR_REGION& result, FlatRegion&& flat, const RegionInput& input, const ZBR_REGION_OPTIONS& options,
+               ZBR_REGION_STATUS& status) {
+  ZBR_REGION_ACCESS::Set(result, std::move(flat), input, options);
+  if (!ZBR_REGION_ACCESS::IsTooLarge(result)) return;
+  result.Clear();
+  status.code = ZBR_REGION_TOO_LARGE;
+}
+
 void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status,
            RegionProgress& progress) {
   constexpr std::size_t kEvery = 256;  // regions
@@ -178,7 +186,7 @@ void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_RE
   ManyUnited many(counted, tolerance, progress);
   std::optional<FlatRegion> flat = times == 1 ? many.Run() : CoverOf(counted.region(), times, tolerance);
   status.exact = times != 1 || many.WasExact() || counted.WasExact();
-  if (flat) ZBR_REGION_ACCESS::Set(result, std::move(*flat), input, options);
+  if (flat) SetResult(result, std::move(*flat), input, options, status);
 }
 
 }  // namespace
@@ -222,6 +230,6 @@ ZBR_REGION_STATUS zbrMakeValidRegion(const ZBR_REGION_VIEW& rings, ZBR_REGION& r
     return status;
   }
   zbr::FlatRegion flat = overlay.Region([&](zbr::Winding w) { return zbr::IsFilled(options.fill_a, w.of[0]); }, options.sources);
-  ZBR_REGION_ACCESS::Set(result, std::move(flat), input, options);
+  zbr::SetResult(result, std::move(flat), input, options, status);
   return status;
 }
