@@ -4,6 +4,9 @@
 // only, are walked along their crossings. All others go through the exact arrangement. So results are valid polygons in either
 // case. Where the rings fall into clusters that keep apart, only those clusters are arranged that can't be walked.
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 
 #include <zbr/region.h>
 
@@ -53,6 +56,16 @@ void Arrange(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, std
   }
 }
 
+// The power of two that makes operands of an unusual size ordinary ones, so that the walk takes them, too; mostly 0. That is exact.
+int ExponentFor(const Box& bounds) {
+  constexpr int kOrdinary = 128;
+  const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
+  if (!(side > 0.0 && side < std::numeric_limits<double>::infinity())) return 0;
+  const double reach = std::max({std::fabs(bounds.xmin), std::fabs(bounds.xmax), std::fabs(bounds.ymin), std::fabs(bounds.ymax)});
+  const int exponent = -std::ilogb(side);
+  return std::abs(exponent) > kOrdinary && std::ilogb(reach) + exponent <= kOrdinary ? exponent : 0;
+}
+
 // Nothing that lies farther apart is near for the walk.
 double ClusterMargin(const WalkScale& scale) {
   constexpr double kTolerances = 16.0;
@@ -68,15 +81,18 @@ class PairWork {
     RegionProgress progress(options, status);
     input_.Clear();
     bool isDone = !input_.Add(a, status) || !input_.Add(b, status) || !progress.GoesOn(0.0);
+    const int exponent = !isDone && IsWalkable(options) ? ExponentFor(input_.bounds()) : 0;
+    if (exponent != 0) input_.Scale(exponent);
     if (!isDone && IsWalkable(options)) isDone = Walk(walk_, input_, ops, results);
     if (!isDone) CombineByParts(ops, results, options, status, progress);
     if (std::any_of(results, results + ops.size(), ZBR_REGION_ACCESS::IsTooLarge)) status.code = ZBR_REGION_TOO_LARGE;
     for (std::size_t k = 0; k < ops.size(); ++k) {
       if (status.code != ZBR_REGION_OK) {
         results[k].Clear();
-      } else if (options.canonical) {
-        ZBR_REGION_ACCESS::Canonicalize(results[k]);
+        continue;
       }
+      if (exponent != 0) ZBR_REGION_ACCESS::Scale(results[k], -exponent);
+      if (options.canonical) ZBR_REGION_ACCESS::Canonicalize(results[k]);
     }
     return status;
   }

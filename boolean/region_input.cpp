@@ -41,6 +41,23 @@ void RegionInput::Clear() {
   points_ = 0;
 }
 
+void RegionInput::Scale(int exponent) {
+  scaled_.clear();
+  scaled_.reserve(points_);
+  const auto scale = [exponent](Box& box) {
+    const ZBR_PT least = Scaled(ZBR_PT(box.xmin, box.ymin), exponent);
+    const ZBR_PT most = Scaled(ZBR_PT(box.xmax, box.ymax), exponent);
+    box = {least.x(), least.y(), most.x(), most.y()};
+  };
+  for (RingSpan& ring : rings_) {
+    const std::size_t first = scaled_.size();
+    for (const ZBR_PT& p : ring) scaled_.push_back(Scaled(p, exponent));
+    ring = RingSpan(scaled_).subspan(first);
+  }
+  for (Box& box : boxes_) scale(box);
+  scale(bounds_);
+}
+
 void RegionInput::Choose(const RegionInput& all, std::span<const std::uint32_t> rings) {
   Clear();
   bounds_ = all.bounds_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <vector>
 
@@ -12,6 +13,11 @@
 
 namespace zbr {
 
+// Times a power of two.
+inline ZBR_PT Scaled(const ZBR_PT& p, int exponent) {
+  return ZBR_PT(std::ldexp(p.x(), exponent), std::ldexp(p.y(), exponent));
+}
+
 // The rings of one or more operands, and what is known of all of them.
 class RegionInput {
  public:
@@ -20,6 +26,8 @@ class RegionInput {
   // Appends the rings of an operand. False, with the status telling the place, when the arrays are faulty.
   bool Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status);
 
+  // Multiplies all points, as copies of its own, by a power of two.
+  void Scale(int exponent);
   // Becomes some rings of two operands, whose numbers ascend, with the bounds and so the tolerance of all.
   void Choose(const RegionInput& all, std::span<const std::uint32_t> rings);
 
@@ -44,6 +52,7 @@ class RegionInput {
   bool AddRing(RingSpan ring, ZBR_REGION_STATUS& status);
 
   std::vector<RingSpan> rings_;
+  std::vector<ZBR_PT> scaled_;  // points of the rings, where they are not the caller's
   std::vector<Box> boxes_;
   std::vector<std::size_t> ends_;
   Box bounds_;
@@ -107,6 +116,9 @@ class ZBR_REGION_ACCESS {
     return {region.points_, region.ring_offsets_, region.polygon_offsets_};
   }
   static void Append(ZBR_REGION& region, const ZBR_REGION& more);
+  static void Scale(ZBR_REGION& region, int exponent) {
+    for (ZBR_PT& p : region.points_) p = zbr::Scaled(p, exponent);
+  }
   // Appends the polygon of a nested loop.
   static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer) {
     AddLoop(region, outer);
