@@ -32,6 +32,8 @@ class Combination {
   }
 
   void FindCrossings();
+  // Whether walking along the crossings gives the region asked for, as far as is known.
+  bool IsCertain() const { return isCertain_; }
   // Nested loops; by the exact arrangement where the walk is not certain.
   LoopList Combine(ZBR_BOOLEAN_OPE op);
   // By walking, or nothing when that turns out not to be certain.

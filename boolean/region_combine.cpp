@@ -1,8 +1,9 @@
 // Combinations of two regions.
 //
 // Operands in general position, which are simple rings that keep apart and meet those of the other operand in the middle of edges
-// only, are walked along their crossings. All others go through the exact arrangement. So results are valid polygons in either
-// case. Where the rings fall into clusters that keep apart, only those clusters are arranged that can't be walked.
+// only, are walked along their crossings; large ones with few contacts, too, if the result is seen to be valid. All others go
+// through the exact arrangement. So results are valid polygons in any case. Where the rings fall into clusters that keep apart,
+// only those clusters are arranged that can't be walked.
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include <zbr/region.h>
 
 #include "boolean/clusters.h"
+#include "boolean/contact_walk.h"
 #include "boolean/exact_loops.h"
 #include "boolean/region_input.h"
 #include "boolean/region_walk.h"
@@ -83,7 +85,9 @@ class PairWork {
     bool isDone = !input_.Add(a, status) || !input_.Add(b, status) || !progress.GoesOn(0.0);
     const int exponent = !isDone && IsWalkable(options) ? ExponentFor(input_.bounds()) : 0;
     if (exponent != 0) input_.Scale(exponent);
-    if (!isDone && IsWalkable(options)) isDone = Walk(walk_, input_, ops, results);
+    if (!isDone && IsWalkable(options)) {
+      isDone = Walk(walk_, input_, ops, results) || WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
+    }
     if (!isDone) CombineByParts(ops, results, options, status, progress);
     if (std::any_of(results, results + ops.size(), ZBR_REGION_ACCESS::IsTooLarge)) status.code = ZBR_REGION_TOO_LARGE;
     for (std::size_t k = 0; k < ops.size(); ++k) {

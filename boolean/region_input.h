@@ -119,10 +119,11 @@ class ZBR_REGION_ACCESS {
   static void Scale(ZBR_REGION& region, int exponent) {
     for (ZBR_PT& p : region.points_) p = zbr::Scaled(p, exponent);
   }
-  // Appends the polygon of a nested loop.
-  static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer) {
-    AddLoop(region, outer);
-    for (const auto& hole : outer.children()) AddLoop(region, *hole);
+  // Appends the polygon of a nested loop, its points taken by `pointOf`.
+  template <class PointOf>
+  static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer, PointOf pointOf) {
+    AddLoop(region, outer, pointOf);
+    for (const auto& hole : outer.children()) AddLoop(region, *hole, pointOf);
     region.polygon_offsets_.push_back(static_cast<std::int32_t>(region.ring_count()));
   }
   // Lowest vertices first, by them the rings and polygons.
@@ -131,8 +132,9 @@ class ZBR_REGION_ACCESS {
   static bool IsTooLarge(const ZBR_REGION& region);
 
  private:
-  static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop) {
-    region.points_.insert(region.points_.end(), loop.pt().begin(), loop.pt().end());
+  template <class PointOf>
+  static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop, PointOf pointOf) {
+    for (const ZBR_PT& p : loop.pt()) region.points_.push_back(pointOf(p));
     region.ring_offsets_.push_back(static_cast<std::int32_t>(region.points_.size()));
   }
 };

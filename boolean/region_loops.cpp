@@ -25,7 +25,7 @@ std::shared_ptr<ZBR_LOOP> OrientedLoopOf(zbr::RingSpan ring, int level) {
 ZBR_REGION zbrRegionOfLoops(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
   ZBR_REGION region;
   for (const auto& outer : loops) {
-    ZBR_REGION_ACCESS::AddPolygon(region, *outer);
+    ZBR_REGION_ACCESS::AddPolygon(region, *outer, [](const ZBR_PT& p) { return p; });
   }
   return region;
 }

@@ -34,7 +34,7 @@ void WalkDepths::LocateAll() {
     const ZBR_PT& p = all[i].points[0];
     for (std::uint32_t j = 0; j < all.size(); ++j) {
       const bool isOwn = rings_->SideOf(i) == rings_->SideOf(j);
-      if (i == j || (!isOwn && all[i].isCrossed) || !all[j].box.Contains(p)) continue;
+      if (i == j || (!isOwn && all[i].isCrossed)) continue;
       bool& isOdd = isOwn ? all[i].isReversed : all[i].isInside;
       const ZBR_PT* from = &all[j].points.back();
       for (const ZBR_PT& to : all[j].points) {

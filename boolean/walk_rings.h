@@ -21,8 +21,7 @@ struct WalkScale {
 };
 
 struct WalkedRing {
-  RingSpan points;  // the last differs from the first
-  Box box;
+  RingSpan points;          // the last differs from the first
   std::uint32_t firstEdge;  // number of the edge from points[0], counted through the rings of the operand
   double twiceArea;
   bool isReversed;  // the region lies on its right
@@ -69,7 +68,7 @@ class WalkRings {
 
  private:
   bool HaveRepeats(double eps2) const;
-  bool Index(const WalkScale& scale);
+  bool Index(const RegionInput& input, double eps2);
   void DropRepeats(double eps2);
 
   std::vector<WalkedRing> rings_;

@@ -82,8 +82,9 @@ bool WalkSearch::VisitLeaves(std::uint32_t a, std::uint32_t b) {
   LeafEdges readA;
   LeafEdges readB;
   Read(a, boxes[b], readA);
-  if (readA.count > 0) {
-    Read(b, boxes[a], readB);
+  readB.count = 0;
+  if (readA.count > 0) Read(b, boxes[a], readB);
+  if (readB.count > 0) {
     if (!ArePairsClear(std::span(readA.edges).first(readA.count), std::span(readB.edges).first(readB.count))) return false;
   }
   NoteAround(a, b);

@@ -36,7 +36,7 @@ class SelfSearch {
   bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return !AreLeavesUnclear(a, b); }
   bool ComesNear(std::uint32_t leaf, int level, std::uint32_t node) const {
     LeafEdges edges;
-    return Read(leaf, index_.tree().Level(level)[node].Widened(room_), edges) > 0;
+    return Read(leaf, index_.tree().Level(level)[node].Widened(room_ / 2.0), edges) > 0;
   }
 
  private:

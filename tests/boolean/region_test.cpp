@@ -189,6 +189,55 @@ TEST(Region, UnionOfMany) {
   EXPECT_GT(walked, Scaled(30) / 4);
 }
 
+// Rings of three to forty corners around each other in cells, all of it perhaps within one large ring, in any order and
+// orientation; some points are repeated.
+std::vector<Ring> NestedCells(Random& random) {
+  std::vector<Ring> rings;
+  const auto add = [&](const ZBR_PT& centre, double radius, int corners) {
+    const double start = Unit(random);
+    Ring& ring = rings.emplace_back();
+    for (int k = 0; k < corners; ++k) {
+      const double angle = 2.0 * std::acos(-1.0) * (start + k) / corners;
+      ring.push_back(centre + ZBR_PT(std::cos(angle), std::sin(angle)) * radius);
+      if (Below(random, 50) == 0) ring.push_back(ring.back());
+    }
+  };
+  const ZBR_PT shift(10.0 * Unit(random), 10.0 * Unit(random));
+  const int corners[] = {3, 4, 8, 9, 40};
+  const int cells = 1 + Below(random, 5);
+  for (int cell = 0; cell < cells * cells; ++cell) {
+    const ZBR_PT centre = shift + ZBR_PT(cell % cells, std::floor(cell / cells)) * 10.0;
+    double radius = 4.8;
+    for (int depth = Below(random, 5); depth > 0; --depth, radius *= 0.45) add(centre, radius, corners[Below(random, 5)]);
+  }
+  if (Below(random, 2) == 0) add(shift + ZBR_PT(5.0, 5.0) * (cells - 1), 10.0 * cells, corners[Below(random, 5)] * 10);
+  if (rings.empty()) add(shift, 1.0, 4);
+  return Disguise(rings, random);
+}
+
+// In general position walking along the crossings gives the polygons that the arrangement gives.
+TEST(Region, WalksNestedRingsAsTheyAreArranged) {
+  ZBR_REGION_OPTIONS walked, arranged;
+  walked.canonical = arranged.canonical = arranged.sources = true;
+  long walks = 0;
+  for (int seed = 0; seed < Scaled(300); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const ZBR_REGION a = RegionOf(NestedCells(random));
+    const ZBR_REGION b = RegionOf(NestedCells(random));
+    ZBR_REGION fast[5], sure[5];
+    walks += zbrCombineRegions(a.view(), b.view(), kOps.data(), fast, 5, walked).exact ? 0 : 1;
+    zbrCombineRegions(a.view(), b.view(), kOps.data(), sure, 5, arranged);
+    for (int k = 0; k < 5; ++k) {
+      ASSERT_EQ(fast[k].ring_offsets(), sure[k].ring_offsets()) << "seed " << seed << " operation " << kOps[k];
+      ASSERT_EQ(fast[k].polygon_offsets(), sure[k].polygon_offsets()) << "seed " << seed << " operation " << kOps[k];
+      for (std::size_t i = 0; i < sure[k].point_count(); ++i) {
+        ASSERT_LE(fast[k].points()[i].Distance(sure[k].points()[i]), 1e-10) << "seed " << seed << " operation " << kOps[k];
+      }
+    }
+  }
+  EXPECT_GT(walks, Scaled(300) * 9 / 10);
+}
+
 TEST(Region, SimplifiesAndNests) {
   ZBR_REGION simple;
   const Ring dented = {{0, 0}, {2, 1e-4}, {4, 0}, {4, 4}, {0, 4}, {0, 2}};

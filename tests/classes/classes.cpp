@@ -276,14 +276,18 @@ Pair Resized(Random& random) {
   return MakePair(Moved(pair.a.rings, scale, {}), Moved(pair.b.rings, scale, {}));
 }
 
-// A coast, and the same turned a little or in part moved.
+// A coast, and the same turned a little, or with some vertices moved and some on edges.
 Pair Large(Random& random) {
   Ring coast = Circle({}, 50.0, 500 + Below(random, 2500), 0.0);
   for (ZBR_PT& p : coast) p = p * Between(random, 0.9, 1.0);
   if (Below(random, 2) == 0) return MakePair({coast}, Turned({coast}, Small(random, 2.0, 9.0)));
   const Rings shaken = Shaken({coast}, Small(random, 2.0, 12.0), random);
-  Ring other = coast;
-  for (std::size_t i = 0; i < coast.size(); ++i) other[i] = Below(random, 4) == 0 ? shaken[0][i] : coast[i];
+  const int rare = 2 + Below(random, 100);
+  Ring other;
+  for (std::size_t i = 0; i < coast.size(); ++i) {
+    other.push_back(Below(random, rare) == 0 ? shaken[0][i] : coast[i]);
+    if (Below(random, rare) == 0) other.push_back(coast[i] + (coast[(i + 1) % coast.size()] - coast[i]) * Unit(random));
+  }
   return MakePair({coast}, {other});
 }
 

@@ -1,0 +1,123 @@
+// Idea: the walk for loop lists takes contacts, and knows where it is certain of them. What it gives need not be valid, as its
+// rings may touch. So the result is searched again: if its rings are simple and keep apart, it is valid, and the exact arrangement,
+// which takes several times as long as all of this, isn't needed.
+#include "boolean/contact_walk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <optional>
+
+#include "boolean/combination.h"
+#include "core/constants.h"
+#include "core/tolerance_state.h"
+#include "loops/simplicity.h"
+
+namespace zbr {
+namespace {
+
+// A frame in which the extent is 2^12 to 2^13 and far coordinates become near: scaling by a power of two and the shift of an axis
+// by a value close to all its coordinates are exact, so that points come back to the bit. Far from the origin crossings are rounded
+// to the digits of the coordinates there; then the frame is smaller, so that the walk's tolerance is above that.
+class Frame {
+ public:
+  explicit Frame(const Box& box) {
+    constexpr int kExponent = 12;
+    constexpr int kDigitsAboveRounding = 3;  // binary
+    const double side = std::max(box.xmax - box.xmin, box.ymax - box.ymin);
+    const double reach = std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
+    if (!(side > 0.0)) return;
+    const int finest =
+        std::ilogb(kBooleanEps) - kDigitsAboveRounding - (std::ilogb(reach) - std::numeric_limits<double>::digits + 1);
+    exponent_ = std::min(kExponent - std::ilogb(side), finest);
+    sideExponent_ = std::ilogb(side) + exponent_;
+    in_ = std::ldexp(1.0, exponent_);
+    out_ = std::ldexp(1.0, -exponent_);
+    shift_ = ZBR_PT(ShiftFor(box.xmin, box.xmax), ShiftFor(box.ymin, box.ymax));
+  }
+
+  // Whether the extent is large enough for the margins with which the walk searches.
+  bool IsUsable() const {
+    constexpr int kLeast = 2;
+    constexpr int kMost = 1000;  // powers of two beyond are no ordinary numbers
+    return sideExponent_ >= kLeast && std::abs(exponent_) <= kMost;
+  }
+
+  ZBR_PT In(const ZBR_PT& p) const { return (p - shift_) * in_; }
+  ZBR_PT Out(const ZBR_PT& p) const { return p * out_ + shift_; }
+
+ private:
+  // Differences to a value are exact when no coordinate is more than twice or less than half of it (Sterbenz 1974).
+  static double ShiftFor(double least, double most) {
+    const double middle = least / 2.0 + most / 2.0;
+    const double reach = std::max(std::fabs(least), std::fabs(most));
+    return most - least < std::fabs(middle) / 2.0 && reach < 2.0 * std::fabs(middle) ? middle : 0.0;
+  }
+
+  int exponent_ = 0;
+  int sideExponent_ = 0;
+  double in_ = 1.0;
+  double out_ = 1.0;
+  ZBR_PT shift_;
+};
+
+// Nested loops, or nothing when nesting leaves out a ring: one without area may still enclose something, as a figure of eight does.
+std::optional<LoopList> LoopsIn(std::span<const RingSpan> rings, const Frame& frame) {
+  LoopList loops;
+  loops.reserve(rings.size());
+  for (const RingSpan& ring : rings) {
+    auto loop = std::make_shared<ZBR_LOOP>();
+    loop->pt().reserve(ring.size());
+    for (const ZBR_PT& p : ring) loop->pt().push_back(frame.In(p));
+    loops.push_back(std::move(loop));
+  }
+  zbrMakeLoopTree(loops);
+  if (!loops.empty() && WithinTol(loops.front()->area(), t_tolerance.eps)) return std::nullopt;
+  std::size_t nested = loops.size();
+  for (const auto& loop : loops) nested += loop->children().size();
+  return nested == rings.size() ? std::optional(std::move(loops)) : std::nullopt;
+}
+
+// Whether the rings are simple and keep apart.
+bool AreApart(const LoopList& loops) {
+  std::vector<IndexedRing> rings;
+  for (const Polygon& p : PolygonsOf(loops)) {
+    const std::vector<ZBR_PT>& points = (**p.loop).pt();
+    const auto n = static_cast<std::uint32_t>(points.size());
+    rings.push_back({BoxOfRing(points), points.data(), n, 0, n, 0, false});
+  }
+  EdgeIndex index;
+  index.Build(std::move(rings), 0.0, t_tolerance.eps2);
+  return SimplicityOf(index, 0.0) == Simplicity::kSimple;
+}
+
+}  // namespace
+
+bool WalkAlongContacts(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* results, int count) {
+  constexpr std::size_t kLeastEdges = 256;       // of both operands; below, the arrangement takes no time either
+  constexpr std::size_t kEdgesPerRing = 32;      // of many small rings that meet some touch in the result
+  constexpr std::size_t kEdgesPerCrossing = 16;  // the same where crossings are more frequent
+  const Frame frame(input.bounds());
+  const std::size_t edges = CountPoints(input.rings());
+  if (!frame.IsUsable() || edges < kLeastEdges || edges < kEdgesPerRing * input.rings().size()) return false;
+  const ToleranceScope tolerance(kBooleanEps);
+  const std::optional<LoopList> a = LoopsIn(input.operand(0), frame);
+  const std::optional<LoopList> b = LoopsIn(input.operand(1), frame);
+  if (!a || !b) return false;
+  std::vector<ZBR_CROSS> crosses;
+  Combination combination(*a, *b, crosses);
+  combination.FindCrossings();
+  if (!combination.IsCertain() || crosses.size() * kEdgesPerCrossing > edges) return false;
+  std::vector<ZBR_REGION> formed(static_cast<std::size_t>(count));
+  for (int k = 0; k < count; ++k) {
+    const std::optional<LoopList> loops = combination.Walk(ops[k]);
+    if (!loops || !AreApart(*loops)) return false;
+    ZBR_REGION& region = formed[static_cast<std::size_t>(k)];
+    for (const auto& outer : *loops) ZBR_REGION_ACCESS::AddPolygon(region, *outer, [&](const ZBR_PT& p) { return frame.Out(p); });
+  }
+  std::move(formed.begin(), formed.end(), results);
+  return true;
+}
+
+}  // namespace zbr
