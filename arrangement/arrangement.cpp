@@ -227,30 +227,56 @@ bool EdgeCutter::PassesCell(const CutLine& line, std::uint32_t v) const {
   return exact.Sign() > 0 ? dy <= 0.0 : dx == 0.0;
 }
 
-BoxTree EdgeCutter::TreeOverLines(double margin) const {
+// Every line in that many spans of equal length: the boxes of a long line's spans hold much less than its own.
+BoxTree EdgeCutter::TreeOverLines(double margin, std::uint32_t spans) const {
+  const double room = spans > 1 ? margin + 2.0 : margin;  // where a span ends, is rounded
   BoxTree tree;
-  const std::span<Box> leaves = tree.StartLeaves(lines_.size());
+  const std::span<Box> leaves = tree.StartLeaves(lines_.size() * spans);
   for (std::size_t i = 0; i < lines_.size(); ++i) {
-    leaves[i] = frame_.Around(Node(lines_[i].from).Point(), Node(lines_[i].to).Point()).Widened(margin);
+    const ZBR_PT from = Node(lines_[i].from).Point();
+    const ZBR_PT to = Node(lines_[i].to).Point();
+    ZBR_PT at = from;
+    for (std::uint32_t k = 1; k <= spans; ++k) {
+      const ZBR_PT next = k == spans ? to : from + (to - from) * (static_cast<double>(k) / spans);
+      leaves[i * spans + k - 1] = frame_.Around(at, next).Widened(room);
+      at = next;
+    }
   }
   tree.BuildInner();
   return tree;
 }
 
-// Cuts every line at those vertices, from the given one on, that isHit says. Returns whether there were any. The vertices are
-// searched in groups of four that are near each other.
+// Places in groups of four that are near each other.
+struct EdgeCutter::PlaceGroups {
+  static constexpr std::uint32_t kGroup = 4;
+  std::vector<std::uint32_t> order;
+  BoxTree tree;
+
+  explicit PlaceGroups(std::span<const ZBR_PT> places) : order(SpatialOrder(places)) {
+    const std::span<Box> leaves = tree.StartLeaves((order.size() + kGroup - 1) / kGroup);
+    for (std::size_t i = 0; i < order.size(); ++i) leaves[i / kGroup].Add(places[order[i]]);
+    tree.BuildInner();
+  }
+  std::span<const std::uint32_t> Group(std::uint32_t group) const {
+    const std::size_t first = group * std::size_t{kGroup};
+    return std::span(order).subspan(first, std::min<std::size_t>(kGroup, order.size() - first));
+  }
+};
+
+// Where vertices are many more than the lines, so that many lie on each, they are searched along spans of the lines.
+std::uint32_t EdgeCutter::SpansFor(std::size_t vertices) const {
+  constexpr std::size_t kMostSpans = 64;
+  const std::size_t perLine = vertices / std::max(lines_.size(), std::size_t{1});
+  return static_cast<std::uint32_t>(std::clamp(perLine, std::size_t{1}, kMostSpans));
+}
+
+// Cuts every line at those vertices, from the given one on, that isHit says. Returns whether there were any.
 template <class IsHit>
 bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit) {
-  constexpr std::uint32_t kGroup = 4;
   std::vector<ZBR_PT> places;
   places.reserve(vertices_.size() - firstVertex);
   for (std::uint32_t v = firstVertex; v < vertices_.size(); ++v) places.push_back(frame_.Turned(Node(v).Point()));
-  const std::vector<std::uint32_t> order = SpatialOrder(places);
-  BoxTree groups;
-  const std::span<Box> leaves = groups.StartLeaves((order.size() + kGroup - 1) / kGroup);
-  for (std::size_t i = 0; i < order.size(); ++i) leaves[i / kGroup].Add(places[order[i]]);
-  groups.BuildInner();
-
+  const PlaceGroups groups(places);
   std::vector<CutLine> next;
   next.reserve(lines_.size() + places.size());
   std::vector<std::uint32_t> begin;
@@ -261,31 +287,36 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
       begin.push_back(static_cast<std::uint32_t>(next.size()) - 1);
     }
   };
-  std::vector<std::uint32_t> hits;
-  bool any = false;
-  BoxJoin::Run(TreeOverLines(margin), groups, [&](std::uint32_t i, std::span<const std::uint32_t> near) {
-    const CutLine& line = lines_[i];
+  std::vector<std::uint32_t> hits;  // of the line in work
+  std::uint32_t line = 0;
+  const auto cut = [&] {
+    if (hits.empty()) return;
+    keepUpTo(line);
+    begin.push_back(static_cast<std::uint32_t>(next.size()));
+    std::sort(hits.begin(), hits.end());
+    hits.erase(std::unique(hits.begin(), hits.end()), hits.end());
+    AppendParts(lines_[line], hits, next);
     hits.clear();
+  };
+  const std::uint32_t spans = SpansFor(places.size());
+  BoxJoin::Run(TreeOverLines(margin, spans), groups.tree, [&](std::uint32_t leaf, std::span<const std::uint32_t> near) {
+    if (leaf / spans != line) cut();
+    line = leaf / spans;
     for (const std::uint32_t group : near) {
-      const std::size_t end = std::min<std::size_t>(order.size(), (group + 1) * std::size_t{kGroup});
-      ZBR_COUNT(pairs, end - group * std::size_t{kGroup});
-      for (std::size_t k = group * std::size_t{kGroup}; k < end; ++k) {
-        const std::uint32_t v = firstVertex + order[k];
-        if (v != line.from && v != line.to && isHit(line, v)) hits.push_back(v);
+      ZBR_COUNT(pairs, groups.Group(group).size());
+      for (const std::uint32_t place : groups.Group(group)) {
+        const std::uint32_t v = firstVertex + place;
+        if (v != lines_[line].from && v != lines_[line].to && isHit(lines_[line], v)) hits.push_back(v);
       }
     }
-    if (hits.empty()) return true;
-    any = true;
-    keepUpTo(i);
-    begin.push_back(static_cast<std::uint32_t>(next.size()));
-    AppendParts(line, hits, next);
     return true;
   });
-  if (!any) return false;
+  cut();
+  if (begin.empty()) return false;
   keepUpTo(lines_.size());
   begin.push_back(static_cast<std::uint32_t>(next.size()));
   lines_.swap(next);
-  for (std::uint32_t& line : out_.lineBegin_) line = begin[line];
+  for (std::uint32_t& first : out_.lineBegin_) first = begin[first];
   return true;
 }
 
@@ -307,7 +338,7 @@ void EdgeCutter::AppendParts(const CutLine& line, std::vector<std::uint32_t>& hi
 
 // Makes a vertex of every crossing.
 void EdgeCutter::AddCrossings() {
-  const BoxTree tree = TreeOverLines(0.0);
+  const BoxTree tree = TreeOverLines(0.0, 1);
   BoxJoin::Run(tree, tree, [this](std::uint32_t i, std::span<const std::uint32_t> hits) {
     for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) Cross(lines_[i], lines_[*j]);
     return true;

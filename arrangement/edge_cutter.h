@@ -57,7 +57,9 @@ class EdgeCutter {
   void SortLines();
   bool IsWithinReach(const CutLine& line, std::uint32_t v) const;
   bool PassesCell(const CutLine& line, std::uint32_t v) const;
-  BoxTree TreeOverLines(double margin) const;
+  struct PlaceGroups;
+  std::uint32_t SpansFor(std::size_t vertices) const;
+  BoxTree TreeOverLines(double margin, std::uint32_t spans) const;
   template <class IsHit>
   bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
   void AppendParts(const CutLine& line, std::vector<std::uint32_t>& hits, std::vector<CutLine>& next) const;
@@ -77,11 +79,11 @@ class EdgeCutter {
     std::uint32_t b;
   };
   class PairSearch;
+  class PartsOfLine;
   void QuickCut();
   void LookAtPair(std::uint32_t i, std::uint32_t j);
   void NoteReached(std::uint32_t line, std::uint32_t vertex, double side);
   void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);
-  LinePair PartsBeside(std::uint32_t first, std::uint32_t last, const CutLine& other) const;
   void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
 
   Arrangement& out_;

@@ -8,6 +8,7 @@
 // because of it.
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "arrangement/edge_cutter.h"
 #include "core/cost.h"
@@ -127,6 +128,11 @@ void EdgeCutter::CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin
             [](const Hit& a, const Hit& b) { return a.line != b.line ? a.line < b.line : a.vertex < b.vertex; });
   const auto same = [](const Hit& a, const Hit& b) { return a.line == b.line && a.vertex == b.vertex; };
   hits.erase(std::unique(hits.begin(), hits.end(), same), hits.end());
+  if (hits.empty()) {
+    begin.resize(lines_.size() + 1);
+    std::iota(begin.begin(), begin.end(), 0U);
+    return;
+  }
   std::vector<CutLine> next;
   next.reserve(lines_.size() + hits.size());
   begin.clear();
@@ -148,49 +154,66 @@ void EdgeCutter::CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin
   for (std::uint32_t& line : out_.lineBegin_) line = begin[line];
 }
 
-// Of the parts of a line, in the order along it, those that lie beside the other line or near it, as [a, b).
-EdgeCutter::LinePair EdgeCutter::PartsBeside(std::uint32_t first, std::uint32_t last, const CutLine& other) const {
-  constexpr std::uint32_t kFew = 4;
-  if (last - first <= kFew) return {first, last};
-  // The parts are turned one by one to run as a sweep does; together they run from the first one's end that no other shares.
-  const auto shares = [&](std::uint32_t v, const CutLine& line) { return line.from == v || line.to == v; };
-  const bool forward = shares(lines_[first].to, lines_[first + 1]);
-  const GridPoint p = Node(forward ? lines_[first].from : lines_[first].to);
-  const GridPoint q = Node(shares(lines_[last - 1].to, lines_[last - 2]) ? lines_[last - 1].from : lines_[last - 1].to);
-  const double room = (2.0 * reach_ + 2.0) * std::sqrt(Along(p, q, q));
-  const double ends[] = {Along(p, q, Node(other.from)), Along(p, q, Node(other.to))};
-  const double least = std::min(ends[0], ends[1]) - room;
-  const double most = std::max(ends[0], ends[1]) + room;
-  const auto farthest = [&](std::uint32_t k) {
-    return std::max(Along(p, q, Node(lines_[k].from)), Along(p, q, Node(lines_[k].to)));
-  };
-  const auto nearest = [&](std::uint32_t k) {
-    return std::min(Along(p, q, Node(lines_[k].from)), Along(p, q, Node(lines_[k].to)));
-  };
-  const auto firstWhere = [&](std::uint32_t from, auto holds) {
-    std::uint32_t count = last - from;
-    while (count > 0) {
-      const std::uint32_t half = count / 2;
-      if (holds(from + half)) {
-        count = half;
-      } else {
-        from += half + 1;
-        count -= half + 1;
-      }
-    }
-    return from;
-  };
-  const std::uint32_t a = firstWhere(first, [&](std::uint32_t k) { return farthest(k) >= least; });
-  return {a, firstWhere(a, [&](std::uint32_t k) { return nearest(k) > most; })};
-}
+// The parts of one line, in the order along it. Those beside other lines are asked for, which mostly follow each other: so the
+// search goes on from the last answer.
+class EdgeCutter::PartsOfLine {
+ public:
+  PartsOfLine(const EdgeCutter& cutter, std::uint32_t first, std::uint32_t last)
+      : cutter_(cutter), first_(first), last_(last), beside_{first, last} {
+    if (AreFew()) return;
+    // The parts are turned one by one to run as a sweep does; together they run from the first one's end that no other shares.
+    const auto shares = [&](std::uint32_t v, const CutLine& line) { return line.from == v || line.to == v; };
+    const std::vector<CutLine>& lines = cutter.lines_;
+    p_ = cutter.Node(shares(lines[first].to, lines[first + 1]) ? lines[first].from : lines[first].to);
+    q_ = cutter.Node(shares(lines[last - 1].to, lines[last - 2]) ? lines[last - 1].from : lines[last - 1].to);
+    room_ = (2.0 * cutter.reach_ + 2.0) * std::sqrt(Along(p_, q_, q_));
+    beside_.b = first;
+  }
+
+  // Those that lie beside the other line or near it, as [a, b).
+  LinePair Beside(const CutLine& other) {
+    if (AreFew()) return beside_;
+    const double ends[] = {Along(p_, q_, cutter_.Node(other.from)), Along(p_, q_, cutter_.Node(other.to))};
+    const double least = std::min(ends[0], ends[1]) - room_;
+    const double most = std::max(ends[0], ends[1]) + room_;
+    while (beside_.a > first_ && Farthest(beside_.a - 1) >= least) --beside_.a;
+    while (beside_.a < last_ && Farthest(beside_.a) < least) ++beside_.a;
+    beside_.b = std::max(beside_.a, beside_.b);
+    while (beside_.b > beside_.a && Nearest(beside_.b - 1) > most) --beside_.b;
+    while (beside_.b < last_ && Nearest(beside_.b) <= most) ++beside_.b;
+    return beside_;
+  }
+
+ private:
+  bool AreFew() const {
+    constexpr std::uint32_t kFew = 4;
+    return last_ - first_ <= kFew;
+  }
+  double Farthest(std::uint32_t part) const {
+    const CutLine& line = cutter_.lines_[part];
+    return std::max(Along(p_, q_, cutter_.Node(line.from)), Along(p_, q_, cutter_.Node(line.to)));
+  }
+  double Nearest(std::uint32_t part) const {
+    const CutLine& line = cutter_.lines_[part];
+    return std::min(Along(p_, q_, cutter_.Node(line.from)), Along(p_, q_, cutter_.Node(line.to)));
+  }
+
+  const EdgeCutter& cutter_;
+  std::uint32_t first_;
+  std::uint32_t last_;
+  LinePair beside_;  // the last answer
+  GridPoint p_{};
+  GridPoint q_{};
+  double room_ = 0.0;
+};
 
 void EdgeCutter::CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin) {
   const bool areWhole = begin[pair.a] + 1 == begin[pair.a + 1] && begin[pair.b] + 1 == begin[pair.b + 1];
-  const LinePair as =
-      areWhole ? LinePair{begin[pair.a], begin[pair.a + 1]} : PartsBeside(begin[pair.a], begin[pair.a + 1], origins_[pair.b]);
+  PartsOfLine ofA(*this, begin[pair.a], begin[pair.a + 1]);
+  PartsOfLine ofB(*this, begin[pair.b], begin[pair.b + 1]);
+  const LinePair as = areWhole ? LinePair{begin[pair.a], begin[pair.a + 1]} : ofA.Beside(origins_[pair.b]);
   for (std::uint32_t i = as.a; i < as.b; ++i) {
-    const LinePair bs =
-        areWhole ? LinePair{begin[pair.b], begin[pair.b + 1]} : PartsBeside(begin[pair.b], begin[pair.b + 1], lines_[i]);
+    const LinePair bs = ofB.Beside(lines_[i]);
     for (std::uint32_t j = bs.a; j < bs.b; ++j) {
       const CutLine& a = lines_[i];
       const CutLine& b = lines_[j];

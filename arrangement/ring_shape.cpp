@@ -1,5 +1,7 @@
 #include "arrangement/ring_shape.h"
 
+#include <algorithm>
+
 #include "core/planar_inline.h"
 
 namespace zbr {
@@ -54,7 +56,11 @@ std::vector<ZBR_PT> StraightenedRing(RingSpan ring, double width) {
   const auto at = [&](std::size_t i) { return ring[i < n ? i : i - n]; };
   std::size_t start = 0;
   while (start < n && IsStraight(at(start + n - 1), at(start), at(start + 1), width)) ++start;
-  if (start == n) return {};
+  if (n == 0) return {};
+  if (start == n) {  // a round so fine that no point is a corner by itself: the leftmost has to do
+    const auto isLess = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y(); };
+    start = static_cast<std::size_t>(std::min_element(ring.begin(), ring.end(), isLess) - ring.begin());
+  }
   std::vector<ZBR_PT> kept{ring[start]};
   Corridor corridor(kept.back(), width);
   for (std::size_t i = start + 1; i < start + n; ++i) {

@@ -11,8 +11,7 @@ namespace zbr {
 std::vector<ZBR_PT> ThinnedRing(RingSpan ring, double width);
 
 // Without points that lie straight between those that stay, up to the width beside the edge there. All points left out since the
-// last one kept are held that near, so that small deviations do not add up. No point may repeat the one before. Empty when the ring
-// has no corner.
+// last one kept are held that near, so that small deviations do not add up. No point may repeat the one before.
 std::vector<ZBR_PT> StraightenedRing(RingSpan ring, double width);
 
 }  // namespace zbr

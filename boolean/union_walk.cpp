@@ -341,7 +341,7 @@ bool UnionWalk::Trace(std::uint32_t start) {
     walked_[crossing] = true;
     const RingCrossing& c = crossings_[crossing];
     const std::uint32_t ring = c.ring[0];
-    const std::uint32_t place = place_[2 * crossing];
+    const std::uint32_t place = place_[std::size_t{2} * crossing];
     const bool isLast = place + 1 == passBegin_[ring + 1];
     const std::uint32_t next = passes_[isLast ? passBegin_[ring] : place + 1];
     if (next % 2 == 0 || covers_[next] != 0) return false;  // what nothing covers can only be entered

@@ -245,6 +245,11 @@ TEST(Region, SimplifiesAndNests) {
   EXPECT_EQ(simple.point_count(), 4U);
   zbrSimplifyRegion(RegionOf({dented}).view(), 1e-5, simple);
   EXPECT_EQ(simple.point_count(), 5U);
+  Ring round;
+  for (int k = 0; k < 720; ++k) round.push_back(ZBR_PT(std::cos(k * 0.0087266), std::sin(k * 0.0087266)) * 100.0);
+  zbrSimplifyRegion(RegionOf({round}).view(), 0.1, simple);
+  EXPECT_LT(simple.point_count(), 100U);  // where points leave one by one, what is left out still lies near
+  EXPECT_NEAR(simple.area(), RegionOf({round}).area(), 0.1 * RegionOf({round}).perimeter());
   std::vector<Ring> rings = {Square(20, 0, 1)};
   for (int k = 0; k < 9; ++k) rings.push_back(Square(k, k, 18 - 2 * k));
   std::mt19937_64 random(1);
