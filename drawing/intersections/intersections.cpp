@@ -36,7 +36,8 @@ double LengthOf(const IntersectionLine& line) {
 
 class Judge {
  public:
-  Judge(const Model& model, const Connectivity& mesh) : model_(model), mesh_(mesh), tolerance_(PlaneTolerance(model)) {}
+  Judge(const Model& model, const Connectivity& mesh, double contact)
+      : model_(model), mesh_(mesh), tolerance_(std::max(PlaneTolerance(model), contact)) {}
 
   bool IsContact(const IntersectionLine& line) const {
     const auto [t, u] = line.triangles;
@@ -127,10 +128,10 @@ void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<boo
 
 }  // namespace
 
-std::vector<IntersectionLine> FindIntersections(const Model& model) {
+std::vector<IntersectionLine> FindIntersections(const Model& model, double contact) {
   const Connectivity mesh = ConnectivityOf(model);
   std::vector<IntersectionLine> lines = FindCrossings(model, mesh, FindPatches(model, mesh));
-  const Judge judge(model, mesh);
+  const Judge judge(model, mesh, contact);
   lines.erase(std::remove_if(lines.begin(), lines.end(), [&](const IntersectionLine& line) { return judge.IsContact(line); }),
               lines.end());
   std::vector<bool> isSlack;

@@ -87,7 +87,7 @@ TEST_F(Draw, SidesOfSlenderRods) {
 
 // Of the twelve edges nine are seen; the three others meet in the hidden corner. Lengths are foreshortened by the view's axes.
 TEST_F(Draw, BoxFromCornerAndAlongAnAxis) {
-  const Json corner = Drawing("box.obj --view iso");
+  const Json corner = Drawing("box.obj --view iso --hidden dashed");
   const Json& view = corner["views"][0];
   const Drawn iso = Measure(view);
   const double foreshortening = std::sqrt(2.0 / 3.0);
