@@ -115,7 +115,7 @@ TEST_F(Draw, BoxFromCornerAndAlongAnAxis) {
 TEST_F(Draw, LinesLeadBackToTheirEdges) {
   const std::vector<Box> boxes = {{{0, 0, 0}, {4, 3, 2}}, {{1, -5, -1}, {2, 2.5, 9}}};
   Write("two.obj", ObjText(boxes));
-  const Json drawing = Drawing("two.obj --look 0.3,0.9,-0.41");
+  const Json drawing = Drawing("two.obj --look 0.3,0.9,-0.41 --hidden dashed");
   const Json& view = drawing["views"][0];
   EXPECT_EQ(drawing["shells"], 2);
   const auto project = [&](const Point& p) {
