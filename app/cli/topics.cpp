@@ -105,7 +105,8 @@ right side at equal scales; dimetric shows the front at nearly its true shape. -
 direction.
 
 An edge of a triangle is drawn when it is a border (of one triangle), a crease (the surface bends by more than
---crease), a junction (of three and more triangles), or a silhouette (the surface turns away there). Triangles that
+--crease), a junction (of three and more triangles), a silhouette (the surface turns away there) or, thin, tangent (a
+fillet or another bent face ends there); and lines are drawn where surfaces pass through each other. Triangles that
 share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
 
 Each file and each --object is an object: its surfaces are joined with each other, not with those of other objects.
@@ -115,14 +116,14 @@ from the left on its right; in third-angle projection it is the other way round.
 corner. All views have the same scale; SVG and DXF are in millimetres on paper:
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
-  DXF   layers VISIBLE, OUTLINE (silhouettes), HIDDEN, FRAME and TITLE
+  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE
   JSON  every line with its points, in the unit of the model, and the edges it is part of
 
 --fill adds what each object covers, as far as nearer ones leave it visible (see 'zbr help outlines'): a shade
 below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.
 
 Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
-second. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
+second; 3 stands for a line across the triangle, where the shell "other" passes through it. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
 )";
 
 constexpr const char* kExit =

@@ -58,8 +58,11 @@ void CountLines(Report& report, const Sheet& sheet) {
   }
 }
 
-// The stages of views that ran at once are summed up.
-void AddViewTimes(Report& report, const std::vector<StageTimes>& times, bool fill) {
+// What comes before the views, then the stages of views; of those that ran at once they are summed up.
+void AddViewTimes(Report& report, Clock::time_point begin, const std::vector<StageTimes>& times, bool fill) {
+  auto first = times.front().front();
+  for (const StageTimes& t : times) first = std::min(first, t.front());
+  report.Time("search", std::chrono::duration<double, std::milli>(first - begin).count());
   constexpr std::array<const char*, 4> kLabels = {"scene", "removal", "chaining", "outlines"};
   for (std::size_t stage = 0; stage < kLabels.size() - (fill ? 0 : 1); ++stage) {
     double sum = 0.0;
@@ -96,6 +99,8 @@ int RunDraw(const DrawOptions& options) {
   const double prepared = watch.Lap();
 
   std::vector<StageTimes> times;
+  progress.Stage("looking for intersections and circles");
+  const Clock::time_point begin = Clock::now();
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
   NoteEmptyOutlines(views, objects.sources, progress);
   watch.Lap();
@@ -115,7 +120,7 @@ int RunDraw(const DrawOptions& options) {
     CountLines(report, sheet);
     report.Time("read", read);
     report.Time("model", prepared);
-    AddViewTimes(report, times, plan.fill);
+    AddViewTimes(report, begin, times, plan.fill);
     report.Time("write", watch.Lap());
     const bool pipe = std::any_of(plan.outputs.begin(), plan.outputs.end(), [](const SheetOutput& o) { return o.file == "-"; });
     std::fputs(report.Table().c_str(), pipe ? stderr : stdout);

@@ -5,13 +5,13 @@
 // same hand. The stretch ends there; so does that of the triangle next to it along the edge, and curves follow from names alone.
 // Difficulty: bodies in contact have corners in each other's planes and edges on each other's edges, and a sign may be 0. Each
 // sign that is 0 must be decided, and all of them as if by one and the same movement of the points, or curves break.
-// Way taken: of two shells, the second counts as moved as a whole by a distance smaller than any number, along x, less along y, less
-// still along z (a simulated perturbation, Edelsbrunner and Muecke 1990). Faces that lie on each other stay parallel and do not
-// cross: no line runs through a contact. The second body has come a little closer, and its border in the first one's surface is the
-// seam; or it has moved away, and there is none. Parallel edges in one plane stay in one plane, but then the end points of each lie
-// on one side of the other's triangle, and that sign is not asked for.
-// Within one shell, where there is no second body, each point counts as moved by a distance of its own, smaller than anything of
-// the points before it. Only four points on one line have no sign then; edges that lie on each other within a shell give no stretch.
+// Way taken: of two shells, the second counts as moved as a whole by a distance smaller than any number, along x, less along y,
+// less still along z (a simulated perturbation, Edelsbrunner and Muecke 1990). Faces that lie on each other stay parallel and do
+// not cross: no line runs through a contact. The second body has come a little closer, and its border in the first one's surface is
+// the seam; or it has moved away, and there is none. Parallel edges in one plane stay in one plane, but then the end points of each
+// lie on one side of the other's triangle, and that sign is not asked for. Within one shell, where there is no second body, each
+// point counts as moved by a distance of its own, smaller than anything of the points before it. Only four points on one line have
+// no sign then; edges that lie on each other within a shell give no stretch.
 #include "drawing/intersections/crossings.h"
 
 #include <algorithm>
@@ -207,7 +207,8 @@ class Finder {
 
 }  // namespace
 
-std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches) {
+std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh,
+                                            const std::vector<std::uint32_t>& patches) {
   return Finder(model, mesh, patches).Run(model);
 }
 

@@ -11,6 +11,7 @@
 namespace zbr::drawing {
 
 // The lines that pairs of triangles have in common, but for those of one patch (patches.h).
-std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches);
+std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh,
+                                            const std::vector<std::uint32_t>& patches);
 
 }  // namespace zbr::drawing

@@ -2,7 +2,8 @@
 //
 // Points are put on a grid so fine that a model in double precision hardly notices: whole numbers of up to 50 binary digits.
 // Differences of their coordinates are exact then, the determinant of three of them is computed with a known error, and where
-// that error could change the sign it is summed up exactly as an expansion (Shewchuk 1997). The numbers neither overflow nor vanish.
+// that error could change the sign it is summed up exactly as an expansion (Shewchuk 1997). The numbers neither overflow nor
+// vanish.
 #pragma once
 
 #include <zbr/spatial.h>

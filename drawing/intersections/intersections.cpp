@@ -1,14 +1,15 @@
 // From all that triangles have in common to the lines that a drawing wants.
 //
-// Difficulty: bodies are made to touch. Where faces lie on each other, exactly or but for rounding, the lines found are no more than
-// the choice that was made between touching and not; around them they repeat the edges that end the contact, which are drawn as
-// creases. Where curved faces lie on each other, a bolt in its hole, facets of one pass through those of the other as their
+// Difficulty: bodies are made to touch. Where faces lie on each other, exactly or but for rounding, the lines found are no more
+// than the choice that was made between touching and not; around them they repeat the edges that end the contact, which are drawn
+// as creases. Where curved faces lie on each other, a bolt in its hole, facets of one pass through those of the other as their
 // divisions into facets have it. So a line is left out
 // - where one of its triangles lies in the plane of the other,
 // - where it runs along an edge of either triangle that is drawn in every view,
 // - where it runs along edges of both at which the surfaces hardly bend,
-// and a curve as a whole when most of it is slack: runs where the surfaces meet at no more than the angle by which either turns from
-// facet to facet. What is slack in a curve otherwise is kept, so that bodies that really pass through each other have closed curves.
+// and a curve as a whole when most of it is slack: runs where the surfaces meet at no more than the angle by which either turns
+// from facet to facet. What is slack in a curve otherwise is kept, so that bodies that really pass through each other have closed
+// curves.
 #include <zbr-drawing/intersections.h>
 
 #include <algorithm>
@@ -36,7 +37,8 @@ double LengthOf(const IntersectionLine& line) {
 
 class Judge {
  public:
-  Judge(const Model& model, const Connectivity& mesh) : model_(model), mesh_(mesh), tolerance_(PlaneTolerance(model)) {}
+  Judge(const Model& model, const Connectivity& mesh, double contact)
+      : model_(model), mesh_(mesh), tolerance_(std::max(PlaneTolerance(model), contact)) {}
 
   bool IsContact(const IntersectionLine& line) const {
     const auto [t, u] = line.triangles;
@@ -60,9 +62,8 @@ class Judge {
   bool LiesIn(std::uint32_t t, std::uint32_t plane) const {
     const ZBR_PT3& normal = model_.normals[plane];
     const ZBR_PT3& origin = mesh_.points[mesh_.corners[plane][0]];
-    return std::all_of(mesh_.corners[t].begin(), mesh_.corners[t].end(), [&](std::uint32_t p) {
-      return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_;
-    });
+    return std::all_of(mesh_.corners[t].begin(), mesh_.corners[t].end(),
+                       [&](std::uint32_t p) { return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_; });
   }
 
   // Along one of the edges that show, or along any.
@@ -71,7 +72,9 @@ class Judge {
       if (showing && !mesh_.shows[mesh_.edges[t][i]]) continue;
       const ZBR_PT3 &a = mesh_.points[mesh_.corners[t][i]], &b = mesh_.points[mesh_.corners[t][(i + 1) % 3]];
       const ZBR_PT3 along = (b - a) * (1.0 / b.Distance(a));
-      const auto isNear = [&](const IntersectionEnd& end) { return along.OuterProduct(end.place - a).Length() <= 2.0 * tolerance_; };
+      const auto isNear = [&](const IntersectionEnd& end) {
+        return along.OuterProduct(end.place - a).Length() <= 2.0 * tolerance_;
+      };
       if (isNear(line.ends[0]) && isNear(line.ends[1])) return true;
     }
     return false;
@@ -127,10 +130,10 @@ void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<boo
 
 }  // namespace
 
-std::vector<IntersectionLine> FindIntersections(const Model& model) {
+std::vector<IntersectionLine> FindIntersections(const Model& model, double contact) {
   const Connectivity mesh = ConnectivityOf(model);
   std::vector<IntersectionLine> lines = FindCrossings(model, mesh, FindPatches(model, mesh));
-  const Judge judge(model, mesh);
+  const Judge judge(model, mesh, contact);
   lines.erase(std::remove_if(lines.begin(), lines.end(), [&](const IntersectionLine& line) { return judge.IsContact(line); }),
               lines.end());
   std::vector<bool> isSlack;

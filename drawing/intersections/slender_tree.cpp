@@ -8,8 +8,8 @@ namespace {
 
 using Corners = std::array<std::uint32_t, 3>;
 
-// Areas of boxes in areas of what is in them. Boxes of triangles of about equal sides have 3 to 6; below kAiry there is little to win,
-// and the other boxes have to be a good deal smaller to be worth their making.
+// Areas of boxes in areas of what is in them. Boxes of triangles of about equal sides have 3 to 6; below kAiry there is little to
+// win, and the other boxes have to be a good deal smaller to be worth their making.
 constexpr double kAiry = 24.0;
 constexpr double kWorth = 0.5;
 

@@ -137,9 +137,9 @@ class TriangleTrees {
 
  private:
   std::vector<std::uint32_t> shellBegin_;
-  std::vector<std::uint32_t> order_;     // triangles
-  std::vector<FloatBox> boxes_;          // of all shells' trees
-  std::vector<std::size_t> boxBegin_;    // of shells
+  std::vector<std::uint32_t> order_;   // triangles
+  std::vector<FloatBox> boxes_;        // of all shells' trees
+  std::vector<std::size_t> boxBegin_;  // of shells
   std::vector<std::uint32_t> shellOrder_;
   std::vector<FloatBox> shellBoxes_;
 };

@@ -41,9 +41,8 @@ class Grower {
 
   bool IsInPlane(std::uint32_t t, const ZBR_PT3& origin, const ZBR_PT3& normal) const {
     const auto& c = mesh_.corners[t];
-    return std::all_of(c.begin(), c.end(), [&](std::uint32_t p) {
-      return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_;
-    });
+    return std::all_of(c.begin(), c.end(),
+                       [&](std::uint32_t p) { return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_; });
   }
 
   const Model& model_;

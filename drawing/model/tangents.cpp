@@ -1,7 +1,7 @@
 // Finds where the curvature of a surface jumps, from its facets.
 //
-// Idea: points of facets lie on the surface, so that across an edge the surface bends by half of what it bends over the facet before
-// it plus half of what it bends over the one behind:
+// Idea: points of facets lie on the surface, so that across an edge the surface bends by half of what it bends over the facet
+// before it plus half of what it bends over the one behind:
 //
 //     bend at edge = (curvature x width of the one facet + curvature x width of the other) / 2
 //
@@ -11,10 +11,10 @@
 //
 // The curvature of a facet is known from the edge at its far side, across the facet; where there is none that says anything, from
 // the edge in question and the curvature on the other side. An edge is tangent where the two differ by a large part.
-// Difficulty: tessellators divide a face as they like. What they agree on is that a strip of a cylinder or cone, and a flat face, are
-// plane but for rounding. So facets are plane patches of two and more triangles, and at least one side of a tangent edge is one: where
-// fillets meet at a corner, it is the long facet of the fillet that does not bend along the corner's edge. Scanned surfaces hardly have
-// any such patches. A patch with many corners is a flat face as a whole.
+// Difficulty: tessellators divide a face as they like. What they agree on is that a strip of a cylinder or cone, and a flat face,
+// are plane but for rounding. So facets are plane patches of two and more triangles, and at least one side of a tangent edge is
+// one: where fillets meet at a corner, it is the long facet of the fillet that does not bend along the corner's edge. Scanned
+// surfaces hardly have any such patches. A patch with many corners is a flat face as a whole.
 #include "drawing/model/tangents.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@
 namespace zbr::drawing {
 namespace {
 
-constexpr std::size_t kMostSides = 24;  // of a facet, points on its sides counted; what has more is a flat face
+constexpr std::size_t kMostSides = 24;   // of a facet, points on its sides counted; what has more is a flat face
 constexpr double kSmallestBend = 0.004;  // radians, half of what a facet bends; less may be noise of many slender facets
 constexpr double kJump = 0.7;            // of the larger curvature: what it has to differ from the other one by
 constexpr double kMisfit = 0.3;          // of a bend: what it may be off from what both facets say; more is noise

@@ -35,7 +35,8 @@ struct IntersectionLine {
   std::array<std::uint32_t, 2> triangles{};  // numbers in the model
 };
 
-// About n log n. The same to the bit for the same model.
-std::vector<IntersectionLine> FindIntersections(const Model& model);
+// Bodies at most `contact` apart, or as deep in each other, are in contact; it is at least what rounding explains. About n log n.
+// The same to the bit for the same model.
+std::vector<IntersectionLine> FindIntersections(const Model& model, double contact = 0.0);
 
 }  // namespace zbr::drawing

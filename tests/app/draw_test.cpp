@@ -87,7 +87,7 @@ TEST_F(Draw, SidesOfSlenderRods) {
 
 // Of the twelve edges nine are seen; the three others meet in the hidden corner. Lengths are foreshortened by the view's axes.
 TEST_F(Draw, BoxFromCornerAndAlongAnAxis) {
-  const Json corner = Drawing("box.obj --view iso");
+  const Json corner = Drawing("box.obj --view iso --hidden dashed");
   const Json& view = corner["views"][0];
   const Drawn iso = Measure(view);
   const double foreshortening = std::sqrt(2.0 / 3.0);
@@ -115,7 +115,7 @@ TEST_F(Draw, BoxFromCornerAndAlongAnAxis) {
 TEST_F(Draw, LinesLeadBackToTheirEdges) {
   const std::vector<Box> boxes = {{{0, 0, 0}, {4, 3, 2}}, {{1, -5, -1}, {2, 2.5, 9}}};
   Write("two.obj", ObjText(boxes));
-  const Json drawing = Drawing("two.obj --look 0.3,0.9,-0.41");
+  const Json drawing = Drawing("two.obj --look 0.3,0.9,-0.41 --hidden dashed");
   const Json& view = drawing["views"][0];
   EXPECT_EQ(drawing["shells"], 2);
   const auto project = [&](const Point& p) {

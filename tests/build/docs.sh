@@ -1,8 +1,8 @@
 #!/bin/sh
-# Runs the examples of one page of documentation. Every ```cpp block is a program: it must compile, run, and print what the ```text
+# Runs the examples of one page of documentation. Every ```cpp block is a program (```cpp drawing: with that library, too): it must compile, run, and print what the ```text
 # block behind it shows. Every line "$ command" of a ```console block must succeed in a folder that holds the example drawings, and
 # print the lines shown below it, if any are.
-# usage: docs.sh PAGE EXAMPLES_DIR TOOL_DIR COMPILE...     COMPILE is the compiler with all flags; source, -o and -lzbr are added
+# usage: docs.sh PAGE EXAMPLES_DIR TOOL_DIR COMPILE...     COMPILE is the compiler with all flags; source, -o and libraries are added
 set -eu
 page=$1 examples=$2 PATH=$3:$PATH
 shift 3
@@ -13,7 +13,8 @@ cp -r "$examples" "$scratch/run"
 
 # Writes each block to a file named by its number and language: 1.cpp, 2.text, 3.console.
 awk -v dir="$scratch/blocks" '
-  /^```/ { if (file) { close(file); file = "" } else { language = substr($0, 4); file = dir "/" ++n "." language }; next }
+  /^```/ { if (file) { close(file); file = "" } else { language = substr($0, 4); if (language == "cpp drawing") language = "drawing.cpp"
+            file = dir "/" ++n "." language }; next }
   file { print >file }
 ' "$page"
 
@@ -23,7 +24,8 @@ for block in $(ls "$scratch/blocks" | sort -n); do
   cd "$scratch/blocks"
   case $block in
     *.cpp)
-      "$@" "$block" -o program -lzbr
+      case $block in *.drawing.cpp) libraries="-lzbr-drawing -lzbr -lpthread" ;; *) libraries=-lzbr ;; esac
+      "$@" "$block" -o program $libraries
       ./program >printed || { echo "$page: program in block $number failed"; exit 1; }
       shown=$((number + 1)).text
       test -f "$shown" || { echo "$page: block $number is not followed by what it prints"; exit 1; }
