@@ -80,10 +80,10 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<Ob
 }
 
 // A crease angle that was chosen is not talked about.
-void NoteRoughness(const Model& model, const DrawOptions& options, Progress& progress) {
+void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
   constexpr double kUsual = 30.0;
   if (options.crease == kUsual && HasRoughCreases(model))
-    progress.Note("note: many creases end nowhere, as the roughness of a scanned surface does; --crease 60 draws fewer");
+    progress.Note(file + ": note: many creases end nowhere, as the roughness of a scanned surface does; --crease 60 draws fewer");
 }
 
 }  // namespace
@@ -101,7 +101,7 @@ int RunDraw(const DrawOptions& options) {
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
-  NoteRoughness(model, options, progress);
+  NoteRoughness(model, plan.objects.front().file, options, progress);
   const double prepared = watch.Lap();
 
   std::vector<StageTimes> times;

@@ -69,7 +69,7 @@ ShellSurvey SurveyShell(const Model& model, std::size_t s) {
 }  // namespace
 
 bool HasRoughCreases(const Model& model) {
-  constexpr std::size_t kFewest = 200, kCreasesPerEnd = 4;
+  constexpr std::size_t kFewest = 200, kCreasesPerEnd = 12;
   std::size_t creases = 0, loose = 0;
   std::vector<std::uint8_t> lines;  // that end at each vertex, two standing for more
   for (std::size_t s = 0; s < model.ShellCount(); ++s) {
