@@ -115,7 +115,7 @@ from the left on its right; in third-angle projection it is the other way round.
 corner. All views have the same scale; SVG, PDF and DXF are in millimetres on paper:
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
-  PDF   one page, with layers FILL, HIDDEN, VISIBLE and FRAME
+  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME
   DXF   layers VISIBLE, OUTLINE (silhouettes), HIDDEN, FRAME and TITLE
   JSON  every line with its points, in the unit of the model, and the edges it is part of
 
