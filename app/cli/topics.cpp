@@ -113,11 +113,17 @@ Each file and each --object is an object: its surfaces are joined with each othe
 
 Several views make a sheet. In first-angle projection the view from above stands below the front view and the view
 from the left on its right; in third-angle projection it is the other way round. iso, dimetric and --look take a
-corner. All views have the same scale; SVG and DXF are in millimetres on paper:
+corner. All views have the same scale; SVG, PDF and DXF are in millimetres on paper:
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
+  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME
   DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE
   JSON  every line with its points, in the unit of the model, and the edges it is part of
+
+Edges that are chords of one circle are drawn as what they stand for: circles, ellipses and arcs. A chord spans at
+most 30 degrees, a circle or an arc has at least four, and its points lie on it within the rounding of coordinates or
+a fiftieth of the distance between chord and arc; polygons of up to eleven sides stay polygons. --curves off draws
+edges as they are.
 
 --fill adds what each object covers, as far as nearer ones leave it visible (see 'zbr help outlines'): a shade
 below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.

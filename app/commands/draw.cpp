@@ -1,6 +1,7 @@
 // zbr draw: hidden-line drawings of triangle models.
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-drawing/survey.h>
 #include <zbr-drawing/views.h>
 #include <zbr-formats/sheets.h>
 
@@ -81,6 +82,13 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<Ob
   }
 }
 
+// A crease angle that was chosen is not talked about.
+void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
+  constexpr double kUsual = 30.0;
+  if (options.crease == kUsual && HasRoughCreases(model))
+    progress.Note(file + ": note: many creases end nowhere, as the roughness of a scanned surface does; --crease 60 draws fewer");
+}
+
 }  // namespace
 
 int RunDraw(const DrawOptions& options) {
@@ -96,6 +104,7 @@ int RunDraw(const DrawOptions& options) {
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
+  NoteRoughness(model, plan.objects.front().file, options, progress);
   const double prepared = watch.Lap();
 
   std::vector<StageTimes> times;

@@ -12,12 +12,13 @@ namespace {
 constexpr double kBinding = 20;  // free at the left edge
 constexpr double kBorder = 10;   // free at the others
 constexpr double kTitleHeight = 16;
-constexpr double kUpperHeight = 11;
+constexpr double kUpperHeight = 13;
 constexpr double kTitleWidth = 180;
 constexpr double kClearance = 8;  // between views and frame
 constexpr double kLabel = 2.5;    // heights of text
 constexpr double kValue = 3.5;
 constexpr double kName = 5;
+constexpr double kSmallest = 1.8;
 constexpr double kInset = 2;
 
 void AddRectangle(Sheet& sheet, double left, double bottom, double right, double top, bool wide) {
@@ -64,12 +65,12 @@ void AddValue(Sheet& sheet, const ZBR_PT& at, const std::string& value, double h
     if (size <= height && LetterCount(value) <= Room(size, width)) return sheet.texts.push_back({at, size, value});
   }
   if (height <= kValue) return sheet.texts.push_back({at, kLabel, Fitting(value, kLabel, width)});
-  const std::size_t end = BreakOf(value, Room(kLabel, width));
-  const std::size_t rest = value.find_first_not_of(' ', end);
-  constexpr double kAbove = 3.8, kBelow = 0.5;
-  sheet.texts.push_back({at + ZBR_PT(0, kAbove - kBelow), kLabel, value.substr(0, end)});
-  if (rest == std::string::npos) return;
-  sheet.texts.push_back({at - ZBR_PT(0, kBelow), kLabel, Fitting(value.substr(rest), kLabel, width)});
+  const double size = LetterCount(value) <= 2 * Room(kLabel, width) ? kLabel : kSmallest;
+  const std::size_t end = BreakOf(value, Room(size, width));
+  const std::size_t rest = std::min(value.find_first_not_of(' ', end), value.size());
+  constexpr double kAbove = 3.3, kBelow = 0.5;
+  sheet.texts.push_back({at + ZBR_PT(0, kAbove), size, value.substr(0, end)});
+  sheet.texts.push_back({at - ZBR_PT(0, kBelow), size, Fitting(value.substr(rest), size, width)});
 }
 
 void AddField(Sheet& sheet, const ZBR_PT& low, const ZBR_PT& high, const char* label, const std::string& value, double height) {

@@ -11,7 +11,7 @@ namespace zbr::formats {
 namespace {
 
 // Layers of the page.
-enum : std::size_t { kFillLayer, kHiddenLayer, kVisibleLayer, kFrameLayer };
+enum : std::size_t { kFillLayer, kHiddenLayer, kTangentLayer, kVisibleLayer, kFrameLayer };
 
 void AddFills(PdfPage& page, const Sheet& sheet, const PlacedView& view) {
   page.SetWidth(kSeam);
@@ -38,11 +38,12 @@ void AddHidden(PdfPage& page, const Sheet& sheet, const PlacedView& view) {
   }
 }
 
-void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view) {
-  page.SetWidth(sheet.wide);
+// The visible lines that are tangent edges, or those that are not.
+void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view, bool tangent) {
+  page.SetWidth(tangent ? sheet.thin : sheet.wide);
   page.SetRoundEnds(true);
   for (const Line& line : view.lines.lines) {
-    if (!line.hidden) page.Stroke(sheet.OnPaper(view, line.chain));
+    if (!line.hidden && (line.edgeClass == EdgeClass::kTangent) == tangent) page.Stroke(sheet.OnPaper(view, line.chain));
   }
 }
 
@@ -61,9 +62,12 @@ void AddSheet(PdfPage& page, const Sheet& sheet) {
 }  // namespace
 
 std::string WriteSheetPdf(const Sheet& sheet) {
-  const bool areHiddenShown = sheet.options.hidden != HiddenStyle::kLayer;
   PdfPage page(sheet.paper.width, sheet.paper.height, sheet.options.title,
-               {{"FILL"}, {"HIDDEN", areHiddenShown}, {"VISIBLE"}, {"FRAME"}});
+               {{"FILL"},
+                {"HIDDEN", sheet.options.hidden != HiddenStyle::kLayer},
+                {"TANGENT", sheet.options.tangent != TangentStyle::kLayer},
+                {"VISIBLE"},
+                {"FRAME"}});
   const auto onLayer = [&](std::size_t layer, const auto& add) {
     page.BeginLayer(layer);
     for (const PlacedView& view : sheet.views) add(page, sheet, view);
@@ -71,7 +75,10 @@ std::string WriteSheetPdf(const Sheet& sheet) {
   };
   onLayer(kFillLayer, AddFills);
   onLayer(kHiddenLayer, AddHidden);
-  onLayer(kVisibleLayer, AddVisible);
+  for (const bool tangent : {true, false}) {
+    onLayer(tangent ? kTangentLayer : kVisibleLayer,
+            [&](PdfPage& p, const Sheet& s, const PlacedView& view) { AddVisible(p, s, view, tangent); });
+  }
   page.BeginLayer(kFrameLayer);
   AddSheet(page, sheet);
   page.EndLayer();

@@ -39,4 +39,8 @@ struct Survey {
 
 Survey MakeSurvey(const Model& model);
 
+// Whether many creases end where no other line goes on, as on scanned surfaces, whose roughness bends by more than the angle of
+// creases here and there: a larger angle suits such a model. Linear.
+bool HasRoughCreases(const Model& model);
+
 }  // namespace zbr::drawing

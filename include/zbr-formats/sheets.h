@@ -18,8 +18,8 @@ std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& o
 // Every polyline with its points in the unit of the model and the edges it is part of; outlines as polygons.
 std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells);
 
-// One page, with layers for fills, hidden lines, visible lines and the frame; arcs are Bézier curves. The same sheet gives the same
-// bytes.
+// One page, with layers for fills, hidden lines, tangent edges, other visible lines and the frame; arcs are Bézier curves. The same
+// sheet gives the same bytes.
 std::string WriteSheetPdf(const Sheet& sheet);
 
 enum class SheetFormat { kSvg, kDxf, kPdf, kJson };
