@@ -186,6 +186,9 @@ void CommandLine::DeclareBool() {
                   "Without it the table of --stats is printed. See 'zbr help outputs'")
       ->allow_extra_args(false)
       ->type_name("OUT");
+  AddList(command, "--layer-a", bool_.layersA,
+          "Read only these layers of the first drawing; with --layer-b one file may be both operands", "NAME,...");
+  AddList(command, "--layer-b", bool_.layersB, "The same of the second drawing", "NAME,...");
   command.add_flag("--stats", bool_.stats, "Print edges, loops, areas and the milliseconds of each stage");
   DeclareInput(command, bool_.input);
 }

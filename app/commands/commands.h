@@ -26,7 +26,8 @@ struct InputOptions {
 struct BoolOptions {
   InputOptions input;
   std::vector<std::string> operations;
-  std::vector<std::string> files;  // A, B and so on
+  std::vector<std::string> files;             // A, B and so on
+  std::vector<std::string> layersA, layersB;  // of the first two; empty: those of the input
   std::vector<std::string> outputs;
   bool stats = false;
 };
