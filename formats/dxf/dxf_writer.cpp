@@ -40,6 +40,10 @@ std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units, DxfVe
   DxfDocument document(SetupFor(layers, units, version));
   for (const LineLayer& layer : layers) {
     for (const SpaceLine& line : layer.lines) {
+      if (!line.outline.points.empty()) {
+        document.AddPath(line.outline, {layer.name});
+        continue;
+      }
       std::vector<ZBR_PT3> points = line.points;
       if (line.IsClosed()) points.pop_back();
       document.AddSpaceLine(points, line.IsClosed(), {layer.name});
