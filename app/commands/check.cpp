@@ -77,12 +77,12 @@ class Findings {
   std::string text_;
 };
 
-void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const std::vector<OutputPlan>& plans, const std::string& name,
-                Progress& progress) {
+void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, bool curves, const std::vector<OutputPlan>& plans,
+                const std::string& name, Progress& progress) {
   OutputFiles files;
   const Layer layer = MakeLayer(name, CurvedShape(MakeRegion(loaded.contours.front(), rule)));
   NoteBeside({layer}, progress);
-  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));
+  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units, curves));
   files.Commit();
 }
 
@@ -99,7 +99,7 @@ int RunCheck(const CheckOptions& options) {
   std::string findings = Findings(contours).Text();
   const bool isClean = findings.empty();
   if (isClean) findings = options.file + ": clean, " + std::to_string(contours.rings.size()) + " loops\n";
-  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), plans, name, progress);
+  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), options.input.curves, plans, name, progress);
   progress.Stage("");
   if (UsesStandardOutput(plans)) {
     std::fputs(findings.c_str(), stderr);

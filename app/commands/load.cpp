@@ -93,7 +93,6 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   loaded.units = drawings.front().units;
   loaded.format = FormatOf(files.front(), fallback);
   loaded.contours = MakeContours(std::move(drawings), WithDefaults(options.flatten, extent));
-  for (const Contours& contours : loaded.contours) NoteForks(contours, progress);
   return loaded;
 }
 
@@ -114,6 +113,7 @@ void NoteBeside(const std::vector<Layer>& layers, Progress& progress) {
 Region LoadRegion(const Contours& contours, const InputOptions& options, Progress& progress) {
   progress.Stage("nesting " + contours.file);
   Region region = MakeRegion(contours, FillRule(options.fill));
+  NoteForks(contours, progress);
   NoteOpen(contours, progress);
   if (!region.faults.empty() && options.fill.empty()) {
     const ZBR_REGION_FAULT& fault = region.faults.front();

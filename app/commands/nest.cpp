@@ -60,10 +60,10 @@ std::string ListCells(const std::vector<CurvedRegion>& cells) {
 }
 
 // Formats that tell polygons apart get one of each cell, pictures and DXF all of them on one layer.
-std::string WriteCells(Format format, const std::string& name, const std::vector<CurvedRegion>& cells, int units) {
+std::string WriteCells(Format format, const std::string& name, const std::vector<CurvedRegion>& cells, int units, bool curves) {
   std::vector<Layer> layers;
   for (std::size_t i = 0; i < cells.size(); ++i) layers.push_back(MakeLayer("cell " + std::to_string(i + 1), cells[i]));
-  if (format != Format::kDxf && format != Format::kSvg) return WriteDrawing(format, layers, units);
+  if (format != Format::kDxf && format != Format::kSvg) return WriteResults(format, layers, units, curves);
   Layer all;
   all.name = name;
   for (const Layer& layer : layers) {
@@ -71,7 +71,7 @@ std::string WriteCells(Format format, const std::string& name, const std::vector
     all.outlines.insert(all.outlines.end(), layer.outlines.begin(), layer.outlines.end());
     all.area += layer.area;
   }
-  return WriteRegion(format, all, units);
+  return WriteRegion(format, all, units, curves);
 }
 
 }  // namespace
@@ -86,11 +86,13 @@ int RunNest(const NestOptions& options) {
     NoteOpen(loaded.contours.front(), progress);
     const std::vector<CurvedRegion> cells = CellsOf(loaded.contours.front());
     if (plans.empty()) files.Add("-", ListCells(cells));
-    for (const OutputPlan& plan : plans) files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units));
+    for (const OutputPlan& plan : plans)
+      files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units, options.input.curves));
   } else {
     const CurvedRegion shape = CurvedShape(LoadRegion(loaded.contours.front(), options.input, progress));
     if (plans.empty()) files.Add("-", List(shape.rings));
-    for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, MakeLayer(name, shape), loaded.units));
+    for (const OutputPlan& plan : plans)
+      files.Add(plan.file, WriteRegion(plan.format, MakeLayer(name, shape), loaded.units, options.input.curves));
   }
   progress.Stage("");
   files.Commit();

@@ -125,15 +125,34 @@ class Outline {
   bool isOpen_;
 };
 
+double ChordArea(const std::vector<ZBR_PT>& ring) {
+  double twice = 0.0;
+  for (std::size_t i = 1; i + 1 < ring.size(); ++i) twice += (ring[i] - ring[0]).OuterProduct(ring[i + 1] - ring[0]);
+  return twice / 2;
+}
+
+// Between a chord and its arc, which spans this angle; for splines none.
+double SegmentArea(const Curve& curve, double sweep) {
+  return curve.u.OuterProduct(curve.v) * (sweep - std::sin(sweep)) / 2;
+}
+
 }  // namespace
 
 double CurvedRegion::Area() const {
-  double area = rings.area();
+  const auto isSpline = [&](const EdgeOrigin& origin) {
+    return origin.curve >= 0 && (*curves)[static_cast<std::size_t>(origin.curve)].spline != nullptr;
+  };
+  double area = 0.0;
+  if (std::none_of(origins.begin(), origins.end(), isSpline)) {
+    for (const Path& path : OutlinesOf(*this)) {
+      area += ChordArea(path.points);
+      for (const Curve& curve : path.curves) area += SegmentArea(curve, curve.t1 - curve.t0);
+    }
+    return area;
+  }
+  area = rings.area();
   for (const EdgeOrigin& origin : origins) {
-    if (origin.curve < 0) continue;
-    const Curve& curve = (*curves)[static_cast<std::size_t>(origin.curve)];
-    const double sweep = origin.t1 - origin.t0;
-    area += (curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x()) * (sweep - std::sin(sweep)) / 2;
+    if (origin.curve >= 0) area += SegmentArea((*curves)[static_cast<std::size_t>(origin.curve)], origin.t1 - origin.t0);
   }
   return area;
 }
