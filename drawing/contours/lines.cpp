@@ -39,7 +39,7 @@ double PartOf(const ChordLine& chords, std::size_t k) {
 }
 
 SpaceLine LineOf(const Path& path, ChordLine& chords) {
-  SpaceLine line{{}, path.layer, std::move(chords.origins), {}};
+  SpaceLine line{{}, path.layer, {}, {}};
   const bool hasEdges = !chords.edges.empty();
   for (std::size_t k = 0; k < chords.points.size(); ++k) {
     const ZBR_PT& p = chords.points[k];
@@ -50,11 +50,10 @@ SpaceLine LineOf(const Path& path, ChordLine& chords) {
       line.points.emplace_back(p.x(), p.y(), z);
       continue;
     }
-    chords.origins.swap(line.origins);
     const double next = HeightOf(path, i + 1 < path.points.size() ? i + 1 : 0), part = PartOf(chords, k);
-    chords.origins.swap(line.origins);
     line.points.emplace_back(p.x(), p.y(), z + (next - z) * part);
   }
+  line.origins = std::move(chords.origins);
   if (path.closed && !line.points.empty() && (line.points.size() == 1 || !SamePoint(line.points.front(), line.points.back())))
     line.points.push_back(line.points.front());
   return line;
