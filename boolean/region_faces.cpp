@@ -57,7 +57,7 @@ class FaceTracer {
   FaceTracer(const Arrangement& arrangement, const SweptPieces& swept)
       : nodes_(arrangement.nodes()), pieces_(arrangement.pieces()), swept_(swept), kept_(pieces_.size(), true) {
     Walk();
-    for (std::uint32_t p = 0; p < pieces_.size(); ++p) kept_[p] = walkOf_[2 * p] != walkOf_[2 * p + 1];
+    for (std::size_t p = 0; p < pieces_.size(); ++p) kept_[p] = walkOf_[2 * p] != walkOf_[2 * p + 1];
     Walk();
     TakeRings();
     FindParents();
@@ -178,7 +178,7 @@ std::uint32_t FaceTracer::ParentOf(std::uint32_t ring, const std::vector<std::ui
   do {
     piece = swept_.under[piece];
   } while (piece != kNoPieceBelow && !kept_[piece]);
-  return piece == kNoPieceBelow ? kNone : ringOf_[2 * piece];
+  return piece == kNoPieceBelow ? kNone : ringOf_[std::size_t{2} * piece];
 }
 
 void FaceTracer::FindParents() {

@@ -42,6 +42,9 @@ struct NumberKind {
 };
 constexpr NumberKind kLength = {"LENGTH", "a length", 0, std::numeric_limits<double>::max()};
 constexpr NumberKind kDegrees = {"DEGREES", "an angle from 0 to 180 degrees", 0, 180};
+constexpr NumberKind kTurn = {"DEGREES", "a number of degrees", -1e9, 1e9};
+constexpr NumberKind kFactor = {"FACTOR", "a positive factor", std::numeric_limits<double>::min(),
+                                std::numeric_limits<double>::max()};
 constexpr NumberKind kPart = {"PART", "a number from 0 to 0.1", 0, 0.1};
 
 // Numbers are parsed by the tool's own routine: the parser's depends on the locale and takes "nan".
@@ -107,6 +110,10 @@ void AddAxes(CLI::App& command, std::string& axes) {
             "AXIS");
 }
 
+void AddCurves(CLI::App& command, bool& curves) {
+  command.add_flag("--curves", curves, "Write arcs of circles to WKT as such, in CURVEPOLYGONs; DXF and pictures have them anyway");
+}
+
 void AddView(CLI::App& command, ViewOptions& view) {
   command.add_option("--view", view.view, "The view, by its name; by default iso. See 'zbr help views'")->type_name("VIEW");
   command.add_option("--look", view.look, "The view along this direction, in place of --view")->type_name("X,Y,Z");
@@ -126,6 +133,7 @@ CommandLine::CommandLine()
   DeclareBool();
   DeclareClip();
   DeclareNest();
+  DeclareTransform();
   DeclareInside();
   DeclareFile("info",
               "Print what a drawing holds: loops, vertices, area, box, depth of nesting; or a model, and what is wrong with it",
@@ -186,7 +194,11 @@ void CommandLine::DeclareBool() {
                   "Without it the table of --stats is printed. See 'zbr help outputs'")
       ->allow_extra_args(false)
       ->type_name("OUT");
+  AddList(command, "--layer-a", bool_.layersA,
+          "Read only these layers of the first drawing; with --layer-b one file may be both operands", "NAME,...");
+  AddList(command, "--layer-b", bool_.layersB, "The same of the second drawing", "NAME,...");
   command.add_flag("--stats", bool_.stats, "Print edges, loops, areas and the milliseconds of each stage");
+  AddCurves(command, bool_.input.curves);
   DeclareInput(command, bool_.input);
 }
 
@@ -196,7 +208,29 @@ void CommandLine::DeclareNest() {
   command.add_option("-o,--output", nest_.outputs, "File for the nested loops; without it they are listed")
       ->allow_extra_args(false)
       ->type_name("OUT");
+  AddCurves(command, nest_.input.curves);
   DeclareInput(command, nest_.input);
+}
+
+void CommandLine::DeclareTransform() {
+  CLI::App& command = *app_.add_subcommand(
+      "transform", "Mirror, scale, turn and move a drawing, in this order; to DXF with all its layers and open lines");
+  command.add_option("file", transform_.file, "The drawing")->required()->type_name("FILE");
+  command
+      .add_option("-o,--output", transform_.outputs, "File for the drawing; formats other than DXF get the region that it bounds")
+      ->required()
+      ->allow_extra_args(false)
+      ->type_name("OUT");
+  AddChoice(command, "--mirror", transform_.mirror, {"x", "y"}, "Negate the x or the y coordinates", "AXIS");
+  AddNumber(command, "--scale", kFactor, transform_.scale, "Factor of all lengths");
+  AddNumber(command, "--turn", kTurn, transform_.turn, "Angle, counter-clockwise");
+  command
+      .add_option("--about", transform_.about,
+                  "The point that mirroring, scaling and turning leave in place; by default the origin")
+      ->type_name("X,Y");
+  command.add_option("--move", transform_.move, "How far to move")->type_name("X,Y");
+  AddCurves(command, transform_.input.curves);
+  DeclareInput(command, transform_.input);
 }
 
 void CommandLine::DeclareInside() {
@@ -217,6 +251,7 @@ void CommandLine::DeclareCheck() {
   command.add_option("-o,--output", check_.outputs, "File for the repaired region; needs --fix")
       ->allow_extra_args(false)
       ->type_name("OUT");
+  AddCurves(command, check_.input.curves);
   DeclareInput(command, check_.input);
 }
 
@@ -378,6 +413,8 @@ int CommandLine::RunChosen() {
   if (app_.got_subcommand("bool")) return RunBool(bool_);
   if (app_.got_subcommand("clip")) return RunClip(clip_);
   if (app_.got_subcommand("nest")) return RunNest(nest_);
+  for (std::string* text : {&transform_.move, &transform_.about}) *text = Unprotected(*text);
+  if (app_.got_subcommand("transform")) return RunTransform(transform_);
   for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
   }

@@ -31,6 +31,7 @@ class CommandLine {
   static void DeclareInput(CLI::App& command, InputOptions& input);
   void DeclareBool();
   void DeclareNest();
+  void DeclareTransform();
   void DeclareInside();
   void DeclareDraw();
   void DeclareSheet(CLI::App& command);
@@ -47,6 +48,7 @@ class CommandLine {
   CLI::App app_;
   BoolOptions bool_;
   NestOptions nest_;
+  TransformOptions transform_;
   InsideOptions inside_;
   DrawOptions draw_;
   PickOptions pick_;

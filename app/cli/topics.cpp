@@ -10,9 +10,10 @@ constexpr const char* kFormats =
 standard output has the format of the first drawing.
 
 DXF (read and written): closed LWPOLYLINE and POLYLINE with bulges, CIRCLE, ELLIPSE, and LINE, ARC and open
-polylines that are joined end to end into loops. Arcs are replaced by chords (--deviation). The units
-($INSUNITS) are kept; other drawings in other units are converted to those of the first. Other entities are
-left out, with a note. Blocks are not expanded. Results are LWPOLYLINEs on a layer named after each operation.
+polylines that are joined end to end into loops. Arcs stay arcs. The units ($INSUNITS) are kept; other
+drawings in other units are converted to those of the first. Other entities are left out, with a note. Blocks
+are not expanded. Results are LWPOLYLINEs with bulges, CIRCLEs and ELLIPSEs on a layer named after each
+operation. The other formats get chords (--deviation).
 
 GeoJSON (read and written): Polygon and MultiPolygon, alone or in Feature, FeatureCollection and
 GeometryCollection. Polygons of one file are united. Results are a FeatureCollection with one

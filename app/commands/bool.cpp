@@ -152,7 +152,7 @@ std::string PictureOf(const Run& run, const std::vector<std::size_t>& results) {
   return WriteSvg(picture);
 }
 
-void WriteOutputs(const Run& run) {
+void WriteOutputs(const Run& run, bool curves) {
   OutputFiles files;
   for (const OutputPlan& plan : run.plans) {
     if (plan.format == Format::kSvg) {
@@ -161,9 +161,16 @@ void WriteOutputs(const Run& run) {
     }
     std::vector<Layer> layers;
     for (const std::size_t i : plan.results) layers.push_back(run.results[i]);
-    files.Add(plan.file, WriteDrawing(plan.format, layers, run.loaded.units));
+    files.Add(plan.file, WriteResults(plan.format, layers, run.loaded.units, curves));
   }
   files.Commit();
+}
+
+// One file may be both operands, by its layers.
+std::vector<std::string> FilesOf(const BoolOptions& options) {
+  std::vector<std::string> files = options.files;
+  if (files.size() == 1 && !options.layersA.empty() && !options.layersB.empty()) files.push_back(files.front());
+  return files;
 }
 
 }  // namespace
@@ -173,13 +180,13 @@ int RunBool(const BoolOptions& options) {
   Run run;
   run.operations = FindOperations(options.operations);
   const std::vector<std::string> names = NamesOf(run.operations);
-  const std::vector<std::string>& inputs = options.files;
+  const std::vector<std::string> inputs = FilesOf(options);
   run.plans = PlanOutputs(options.outputs, {names, "{op}", true}, FormatOption(options.input), inputs[0]);
   const bool isReported = options.stats || run.plans.empty();
 
   Stopwatch watch;
   Stats stats;
-  run.loaded = Load(inputs, options.input, progress);
+  run.loaded = Load(inputs, options.input, progress, {options.layersA, options.layersB});
   stats.Stage("read", watch.Lap());
 
   for (const Contours& contours : run.loaded.contours) run.regions.push_back(LoadRegion(contours, options.input, progress));
@@ -187,6 +194,7 @@ int RunBool(const BoolOptions& options) {
 
   progress.Stage("combining");
   for (const CurvedRegion& result : Combine(run)) run.results.push_back(MakeLayer(names[run.results.size()], result));
+  NoteBeside(run.results, progress);
   stats.Stage("boolean", watch.Lap());
 
   progress.Stage("writing");
@@ -195,7 +203,7 @@ int RunBool(const BoolOptions& options) {
     for (const Region& region : run.regions)
       run.operands.push_back(MakeLayer(BaseName(inputs[run.operands.size()]), CurvedShape(region)));
   }
-  WriteOutputs(run);
+  WriteOutputs(run, options.input.curves);
   stats.Stage("write", watch.Lap());
   progress.Stage("");
 

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <set>
 
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
@@ -30,8 +31,14 @@ class Findings {
     }
     std::vector<ZBR_REGION_FAULT> faults;
     zbrCheckRegion(RingsOf(contours_).view(), faults, kMostFaults);
+    // The turns of a loop that crosses itself may cancel in its area.
+    std::set<std::int32_t> crossed;
+    for (const ZBR_REGION_FAULT& fault : faults) {
+      if (fault.kind == ZBR_FAULT_CROSSING && fault.ring_a == fault.ring_b) crossed.insert(fault.ring_a);
+    }
     for (std::size_t i = 0, next = 0; i < faults.size(); i = next) {
       while (next < faults.size() && AreAlike(faults[i], faults[next])) ++next;
+      if (faults[i].kind == ZBR_FAULT_NO_AREA && crossed.contains(faults[i].ring_a)) continue;
       const Ring& ring = contours_.rings[static_cast<std::size_t>(faults[i].ring_a)];
       Report(ring.line, TextOf(faults[i], ring) + More(next - i - 1));
     }
@@ -70,10 +77,12 @@ class Findings {
   std::string text_;
 };
 
-void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const std::vector<OutputPlan>& plans, const std::string& name) {
+void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, bool curves, const std::vector<OutputPlan>& plans,
+                const std::string& name, Progress& progress) {
   OutputFiles files;
   const Layer layer = MakeLayer(name, CurvedShape(MakeRegion(loaded.contours.front(), rule)));
-  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));
+  NoteBeside({layer}, progress);
+  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units, curves));
   files.Commit();
 }
 
@@ -90,7 +99,7 @@ int RunCheck(const CheckOptions& options) {
   std::string findings = Findings(contours).Text();
   const bool isClean = findings.empty();
   if (isClean) findings = options.file + ": clean, " + std::to_string(contours.rings.size()) + " loops\n";
-  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), plans, name);
+  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), options.input.curves, plans, name, progress);
   progress.Stage("");
   if (UsesStandardOutput(plans)) {
     std::fputs(findings.c_str(), stderr);

@@ -8,6 +8,7 @@
 #include <zbr/segments.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <utility>
@@ -67,13 +68,69 @@ bool SamePoint(const ZBR_PT3& p, const ZBR_PT3& q) {
   return p.x() == q.x() && p.y() == q.y() && p.z() == q.z();
 }
 
+// A piece of a line in the frame, and what its edges stand for.
+struct PieceOfLine {
+  Points points;
+  std::vector<EdgeOrigin> origins;
+};
+
 // A closed line is cut where it starts: of its pieces, first to last, the last one goes on in the first.
-void JoinAtSeam(const Points& line, Points& first, Points& last) {
+void JoinAtSeam(const Points& line, PieceOfLine& first, PieceOfLine& last) {
   const bool isClosed = line.size() > 2 && SamePoint(line.front(), line.back());
-  if (!isClosed || !SamePoint(first.front(), line.front()) || !SamePoint(last.back(), line.back())) return;
-  last.insert(last.end(), first.begin() + 1, first.end());
+  if (!isClosed || !SamePoint(first.points.front(), line.front()) || !SamePoint(last.points.back(), line.back())) return;
+  last.points.insert(last.points.end(), first.points.begin() + 1, first.points.end());
+  last.origins.insert(last.origins.end(), first.origins.begin(), first.origins.end());
   first = std::move(last);
-  last.clear();
+  last = {};
+}
+
+// What the edges of pieces stand for, which come in the order of the line they are of.
+class OriginsAlong {
+ public:
+  OriginsAlong(const Points& line, const std::vector<EdgeOrigin>& origins) : line_(line), origins_(origins) {}
+
+  std::vector<EdgeOrigin> Next(const Points& piece) {
+    std::vector<EdgeOrigin> found;
+    for (std::size_t i = 1; i < piece.size() && !origins_.empty(); ++i) {
+      const ZBR_PT from = piece[i - 1].xy(), to = piece[i].xy();
+      while (edge_ + 1 < origins_.size() && !IsOn((from + to) * 0.5)) ++edge_;
+      const EdgeOrigin& origin = origins_[edge_];
+      const double sweep = origin.t1 - origin.t0;
+      found.push_back({origin.curve, origin.line, Part(from) == 0 ? origin.t0 : origin.t0 + sweep * Part(from),
+                       Part(to) == 1 ? origin.t1 : origin.t0 + sweep * Part(to)});
+    }
+    return found;
+  }
+
+ private:
+  static constexpr double kNear = 1e-7;  // in the frame
+
+  ZBR_PT Start() const { return line_[edge_].xy(); }
+  ZBR_PT Along() const { return line_[edge_ + 1].xy() - line_[edge_].xy(); }
+  double Part(const ZBR_PT& p) const {
+    constexpr double kRounding = 1e-9;
+    const double length2 = Along().Length2();
+    const double part = length2 > 0 ? (p - Start()).InnerProduct(Along()) / length2 : 0.0;
+    return std::abs(part) < kRounding ? 0.0 : (std::abs(part - 1) < kRounding ? 1.0 : part);
+  }
+  bool IsOn(const ZBR_PT& p) const {
+    const double part = Part(p);
+    return part >= 0 && part <= 1 && p.Distance(Start() + Along() * part) <= kNear;
+  }
+
+  const Points& line_;
+  const std::vector<EdgeOrigin>& origins_;
+  std::size_t edge_ = 0;
+};
+
+SpaceLine LineOf(PieceOfLine&& piece, const SpaceLine& line, const Run& run) {
+  SpaceLine placed{Out(run.frame, std::move(piece.points)), line.layer, std::move(piece.origins), {}};
+  const auto isRaised = [](const ZBR_PT3& p) { return p.z() != 0; };
+  if (placed.origins.empty() || std::any_of(placed.points.begin(), placed.points.end(), isRaised)) return placed;
+  std::vector<ZBR_PT> points;
+  for (const ZBR_PT3& p : placed.points) points.push_back(p.xy());
+  placed.outline = OutlineOf(points, placed.origins, *run.contours.curves);
+  return placed;
 }
 
 // Pieces in the frame, each with its line, become lines of the drawing. The pieces are used up.
@@ -81,11 +138,16 @@ std::vector<SpaceLine> Placed(std::vector<Points>& pieces, const std::vector<int
                               const Run& run) {
   std::vector<SpaceLine> placed;
   for (std::size_t i = 0, next = 0; i < pieces.size(); i = next) {
-    while (next < pieces.size() && lineOf[next] == lineOf[i]) ++next;
     const auto line = static_cast<std::size_t>(lineOf[i]);
-    if (next > i + 1) JoinAtSeam(framed[line], pieces[i], pieces[next - 1]);
-    for (std::size_t k = i; k < next; ++k) {
-      if (!pieces[k].empty()) placed.push_back({Out(run.frame, std::move(pieces[k])), run.lines[line].layer});
+    OriginsAlong along(framed[line], run.lines[line].origins);
+    std::vector<PieceOfLine> ofLine;
+    for (; next < pieces.size() && lineOf[next] == lineOf[i]; ++next) {
+      std::vector<EdgeOrigin> origins = along.Next(pieces[next]);
+      ofLine.push_back({std::move(pieces[next]), std::move(origins)});
+    }
+    if (ofLine.size() > 1) JoinAtSeam(framed[line], ofLine.front(), ofLine.back());
+    for (PieceOfLine& piece : ofLine) {
+      if (!piece.points.empty()) placed.push_back(LineOf(std::move(piece), run.lines[line], run));
     }
   }
   return placed;
@@ -113,9 +175,8 @@ void Read(const ClipOptions& options, Run& run, Progress& progress) {
   Extent extent = ExtentOf(run.drawing);
   extent.Add(ExtentOf(region));
   const FlattenOptions flatten = WithDefaults(options.input.flatten, extent);
-  run.lines = MakeLines(run.drawing, flatten);
+  run.lines = MakeLines(run.drawing, std::move(region), flatten, run.contours);
   run.hasHeights = HasHeights(run.drawing);
-  run.contours = MakeContours(std::move(region), flatten);
   run.frame = FrameAround(ExtentOf(run.contours.rings), ExtentOf(run.lines));
 }
 
@@ -222,14 +283,15 @@ int RunClip(const ClipOptions& options) {
   Stopwatch watch;
   Read(options, run, progress);
   stages.emplace_back("read", watch.Lap());
-  const ZBR_REGION region = ValidShape(LoadRegion(run.contours, options.input, progress));
+  const CurvedRegion shape = CurvedShape(LoadRegion(run.contours, options.input, progress));
+  const ZBR_REGION& region = shape.rings;
   stages.emplace_back("nest", watch.Lap());
   if (region.empty()) progress.Note(options.region + ": note: holds no region; everything is outside");
   progress.Stage("clipping");
   Clip(run, run.frame.In(region));
   stages.emplace_back("clip", watch.Lap());
   progress.Stage("writing");
-  run.region = MakeLayer(run.regionName, region);
+  run.region = MakeLayer(run.regionName, shape);
   WriteOutputs(run, plans);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");

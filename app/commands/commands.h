@@ -20,13 +20,15 @@ struct InputOptions {
   std::string format;               // of files whose names do not tell
   std::vector<std::string> layers;  // empty: all
   FlattenOptions flatten{-1.0, -1.0};
-  std::string fill;  // the rule that tells what is inside; empty: even-odd
+  std::string fill;     // the rule that tells what is inside; empty: even-odd
+  bool curves = false;  // WKT with arcs, of commands that write regions
 };
 
 struct BoolOptions {
   InputOptions input;
   std::vector<std::string> operations;
-  std::vector<std::string> files;  // A, B and so on
+  std::vector<std::string> files;             // A, B and so on
+  std::vector<std::string> layersA, layersB;  // of the first two; empty: those of the input
   std::vector<std::string> outputs;
   bool stats = false;
 };
@@ -41,6 +43,15 @@ struct InsideOptions {
   InputOptions input;
   std::string file;
   std::vector<std::string> coordinates;  // empty: points are read from standard input
+};
+
+struct TransformOptions {
+  InputOptions input;
+  std::string file;
+  std::vector<std::string> outputs;
+  std::string move, mirror, about;  // "X,Y"; the axis that is mirrored; "X,Y"
+  double turn = 0.0;                // degrees
+  double scale = 1.0;
 };
 
 struct FileOptions {
@@ -113,6 +124,7 @@ struct ClipOptions {
 
 int RunBool(const BoolOptions& options);
 int RunNest(const NestOptions& options);
+int RunTransform(const TransformOptions& options);
 int RunInside(const InsideOptions& options);
 int RunInfo(const FileOptions& options);
 int RunCheck(const CheckOptions& options);

@@ -72,14 +72,18 @@ void ConvertUnits(Drawing& drawing, int units, Progress& progress) {
   progress.Note(drawing.file + ": note: converted from " + UnitName(drawing.units) + " to " + UnitName(units));
 }
 
-Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress) {
+Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress,
+            const std::vector<std::vector<std::string>>& layers) {
   const Format fallback = FormatOption(options);
   if (std::count(files.begin(), files.end(), "-") > 1) throw Failure("-: standard input can be read only once");
   Loaded loaded;
   std::vector<Drawing> drawings;
   Extent extent;
   for (const std::string& file : files) {
-    Drawing& drawing = drawings.emplace_back(ReadInput(file, fallback, Content::kRegions, options.layers, progress));
+    const std::size_t place = drawings.size();
+    const bool isOwn = place < layers.size() && !layers[place].empty();
+    const std::vector<std::string>& chosen = isOwn ? layers[place] : options.layers;
+    Drawing& drawing = drawings.emplace_back(ReadInput(file, fallback, Content::kRegions, chosen, progress));
     ConvertUnits(drawing, drawings.front().units, progress);
     for (const Path& path : drawing.paths) {
       if (!path.layer.empty()) loaded.layers.emplace(path.layer);
@@ -89,17 +93,28 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   loaded.units = drawings.front().units;
   loaded.format = FormatOf(files.front(), fallback);
   loaded.contours = MakeContours(std::move(drawings), WithDefaults(options.flatten, extent));
-  for (const Contours& contours : loaded.contours) NoteForks(contours, progress);
   return loaded;
+}
+
+void NoteOpen(const Contours& contours, Progress& progress) {
+  if (contours.open.empty()) return;
+  progress.Note(contours.file + ":" + std::to_string(contours.open.front().line) + ": warning: left out " +
+                OpenText(contours.open.size()));
+}
+
+void NoteBeside(const std::vector<Layer>& layers, Progress& progress) {
+  std::size_t count = 0;
+  for (const Layer& layer : layers) count += layer.beside;
+  if (count == 0) return;
+  progress.Note("note: " + std::to_string(count) + (count == 1 ? " chord stays a line" : " chords stay lines") +
+                " where curves come too close to each other");
 }
 
 Region LoadRegion(const Contours& contours, const InputOptions& options, Progress& progress) {
   progress.Stage("nesting " + contours.file);
   Region region = MakeRegion(contours, FillRule(options.fill));
-  if (!contours.open.empty()) {
-    progress.Note(contours.file + ":" + std::to_string(contours.open.front().line) + ": warning: left out " +
-                  OpenText(contours.open.size()));
-  }
+  NoteForks(contours, progress);
+  NoteOpen(contours, progress);
   if (!region.faults.empty() && options.fill.empty()) {
     const ZBR_REGION_FAULT& fault = region.faults.front();
     const std::size_t line = contours.rings[static_cast<std::size_t>(fault.ring_a)].line;

@@ -23,7 +23,9 @@ struct Loaded {
 
 // Reads the files and makes contours of them, with one set of tolerances, so that what coincides in the files still does. A file in
 // other units than the first is converted. What was left out is noted on standard error.
-Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress);
+// `layers` are those wanted of each file in turn, where they are not the same for all.
+Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress,
+            const std::vector<std::vector<std::string>>& layers = {});
 
 // The parts of that, for commands that read files for different things: one file, without the layers that are not wanted (none
 // named: all), with a note of what was left out; and a drawing brought to the units of another one.
@@ -33,6 +35,10 @@ void ConvertUnits(Drawing& drawing, int units, Progress& progress);
 
 // The region of a file. A note says where its rings cross, unless the caller chose what that shall mean.
 Region LoadRegion(const Contours& contours, const InputOptions& options, Progress& progress);
+
+// Notes of contours that do not close, and of chords that could not become curves again.
+void NoteOpen(const Contours& contours, Progress& progress);
+void NoteBeside(const std::vector<Layer>& layers, Progress& progress);
 
 // "cut, marks, text", the first twenty.
 std::string Listed(const std::set<std::string>& names);

@@ -36,6 +36,44 @@ std::string List(const ZBR_REGION& shape) {
   return text;
 }
 
+// The cells that lines cut the plane into, each by itself: together they are no region, as neighbours share borders.
+std::vector<CurvedRegion> CellsOf(const Contours& contours) {
+  std::vector<CurvedRegion> cells;
+  int current = -1;
+  for (const Ring& ring : contours.rings) {
+    const bool isOuter = cells.empty() || ring.polygon != current;
+    if (isOuter) cells.push_back({{}, {}, contours.curves});
+    current = ring.polygon;
+    cells.back().rings.AddRing(ring.points, isOuter);
+    cells.back().origins.insert(cells.back().origins.end(), ring.origins.begin(), ring.origins.end());
+  }
+  return cells;
+}
+
+std::string ListCells(const std::vector<CurvedRegion>& cells) {
+  std::string text;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    text += "cell " + std::to_string(i + 1) + ": " + std::to_string(cells[i].rings.ring_count() - 1) + " holes, area " +
+            NumberText(cells[i].Area()) + ", at " + PointText(cells[i].rings.points().front()) + "\n";
+  }
+  return text;
+}
+
+// Formats that tell polygons apart get one of each cell, pictures and DXF all of them on one layer.
+std::string WriteCells(Format format, const std::string& name, const std::vector<CurvedRegion>& cells, int units, bool curves) {
+  std::vector<Layer> layers;
+  for (std::size_t i = 0; i < cells.size(); ++i) layers.push_back(MakeLayer("cell " + std::to_string(i + 1), cells[i]));
+  if (format != Format::kDxf && format != Format::kSvg) return WriteResults(format, layers, units, curves);
+  Layer all;
+  all.name = name;
+  for (const Layer& layer : layers) {
+    all.loops.insert(all.loops.end(), layer.loops.begin(), layer.loops.end());
+    all.outlines.insert(all.outlines.end(), layer.outlines.begin(), layer.outlines.end());
+    all.area += layer.area;
+  }
+  return WriteRegion(format, all, units, curves);
+}
+
 }  // namespace
 
 int RunNest(const NestOptions& options) {
@@ -43,13 +81,18 @@ int RunNest(const NestOptions& options) {
   const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
-  const CurvedRegion shape = CurvedShape(LoadRegion(loaded.contours.front(), options.input, progress));
   OutputFiles files;
-  if (plans.empty()) {
-    files.Add("-", List(shape.rings));
+  if (options.input.flatten.faces == LineFaces::kAll) {
+    NoteOpen(loaded.contours.front(), progress);
+    const std::vector<CurvedRegion> cells = CellsOf(loaded.contours.front());
+    if (plans.empty()) files.Add("-", ListCells(cells));
+    for (const OutputPlan& plan : plans)
+      files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units, options.input.curves));
   } else {
-    const Layer layer = MakeLayer(name, shape);
-    for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units));
+    const CurvedRegion shape = CurvedShape(LoadRegion(loaded.contours.front(), options.input, progress));
+    if (plans.empty()) files.Add("-", List(shape.rings));
+    for (const OutputPlan& plan : plans)
+      files.Add(plan.file, WriteRegion(plan.format, MakeLayer(name, shape), loaded.units, options.input.curves));
   }
   progress.Stage("");
   files.Commit();

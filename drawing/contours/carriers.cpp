@@ -5,8 +5,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <numeric>
+#include <optional>
+#include <set>
 #include <tuple>
+#include <utility>
 
 #include "drawing/contours/spline.h"
 
@@ -53,6 +57,52 @@ bool AreNear(const Curve& a, const Curve& b) {
   return std::abs(a.u.x() - b.u.x()) <= reach && a.centre.Distance(b.centre) <= reach;
 }
 
+// All that the curve is a part of, a circle from the x axis on.
+Curve ShapeOf(const Curve& curve) {
+  Curve shape = curve;
+  shape.at = 0;
+  if (curve.IsCircular()) {
+    shape.u.Set(Length(curve.u), 0);
+    shape.v.Set(0, shape.u.x());
+  }
+  shape.t0 = curve.spline != nullptr ? curve.spline->Start() : 0.0;
+  shape.t1 = curve.spline != nullptr ? curve.spline->End() : kFullTurn;
+  return shape;
+}
+
+auto KeyOf(const Curve& c) {
+  return std::tuple(c.centre.x(), c.centre.y(), c.u.x(), c.u.y(), c.v.x(), c.v.y());
+}
+
+// Of circles that come by ascending centres, those whose centres are not yet too far to the left, by the height of their centres.
+class RecentCircles {
+ public:
+  RecentCircles(const std::vector<Curve>& curves, double reach) : curves_(curves), reach_(reach) {}
+
+  void Add(std::uint32_t circle) {
+    window_.push_back(circle);
+    byHeight_.emplace(curves_[circle].centre.y(), circle);
+  }
+  // The first one that is equal but for rounding.
+  std::optional<std::uint32_t> Find(const Curve& shape) {
+    while (!window_.empty() && shape.centre.x() - curves_[window_.front()].centre.x() > reach_) {
+      byHeight_.erase({curves_[window_.front()].centre.y(), window_.front()});
+      window_.pop_front();
+    }
+    const double y = shape.centre.y();
+    for (auto at = byHeight_.lower_bound({y - reach_, 0}); at != byHeight_.end() && at->first <= y + reach_; ++at) {
+      if (AreNear(curves_[at->second], shape)) return at->second;
+    }
+    return std::nullopt;
+  }
+
+ private:
+  const std::vector<Curve>& curves_;
+  double reach_;
+  std::deque<std::uint32_t> window_;
+  std::set<std::pair<double, std::uint32_t>> byHeight_;
+};
+
 }  // namespace
 
 std::vector<double> ChordParameters(const Curve& curve, double deviation) {
@@ -96,48 +146,41 @@ std::uint32_t Carriers::AddCarrier(const Curve& curve, bool isCircle) {
 // Circles are taken up by their coordinates, so that the one which stands for equals does not depend on the order of the arcs.
 std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
   std::vector<Curve> shapes;
+  double largest = 0.0;
   for (const Curve* const curve : curves) {
-    Curve shape = *curve;
-    shape.at = 0;
-    if (curve->IsCircular()) {
-      shape.u.Set(Length(curve->u), 0);
-      shape.v.Set(0, shape.u.x());
-    }
-    shape.t0 = curve->spline != nullptr ? curve->spline->Start() : 0.0;
-    shape.t1 = curve->spline != nullptr ? curve->spline->End() : kFullTurn;
-    shapes.push_back(shape);
+    shapes.push_back(ShapeOf(*curve));
+    largest = std::max(largest, LongestAxis(*curve));
   }
-  const auto keyOf = [](const Curve& c) { return std::tuple(c.centre.x(), c.centre.y(), c.u.x(), c.u.y(), c.v.x(), c.v.y()); };
   std::vector<std::size_t> order(curves.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keyOf(shapes[a]) < keyOf(shapes[b]); });
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return KeyOf(shapes[a]) < KeyOf(shapes[b]); });
   std::vector<Stretch> stretches(curves.size());
-  std::vector<std::uint32_t> recent;  // carriers whose centres are not yet too far to the left
+  RecentCircles recent(curves_, kSameCircle * largest);
   for (const std::size_t i : order) {
     const Curve& shape = shapes[i];
     const bool isCircle = shape.IsCircular();
-    std::erase_if(recent,
-                  [&](std::uint32_t c) { return shape.centre.x() - curves_[c].centre.x() > kSameCircle * curves_[c].u.x(); });
-    const auto isSame = [&](std::uint32_t c) { return isCircle && isCircle_[c] && AreNear(curves_[c], shape); };
-    const auto found = std::find_if(recent.begin(), recent.end(), isSame);
-    if (found != recent.end()) {
-      stretches[i].carrier = *found;
-    } else if (!isCircle && shape.spline == nullptr && !isCircle_.empty() && !isCircle_.back() &&
-               curves_.back().spline == nullptr && keyOf(curves_.back()) == keyOf(shape)) {
-      stretches[i].carrier = static_cast<std::uint32_t>(curves_.size() - 1);
-    } else {
-      stretches[i].carrier = AddCarrier(shape, isCircle);
-      if (isCircle) recent.push_back(stretches[i].carrier);
+    std::optional<std::uint32_t> carrier;
+    if (isCircle) carrier = recent.Find(shape);
+    const bool isRepeat = !isCircle && shape.spline == nullptr && !curves_.empty() && curves_.back().spline == nullptr &&
+                          KeyOf(curves_.back()) == KeyOf(shape);
+    if (isRepeat) carrier = static_cast<std::uint32_t>(curves_.size() - 1);
+    if (!carrier) {
+      carrier = AddCarrier(shape, isCircle);
+      if (isCircle) recent.Add(*carrier);
     }
-    const Curve& curve = *curves[i];
-    Stretch& stretch = stretches[i];
-    stretch.isWhole = IsWhole(curve);
-    const bool turnsBack = isCircle && curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x() < 0;
-    const double sweep = (curve.t1 - curve.t0) * (turnsBack ? -1.0 : 1.0);
-    stretch.t0 = isCircle ? ParameterOf(stretch.carrier, curve.At(curve.t0)) : curve.t0;
-    stretch.t1 = stretch.t0 + sweep;
+    stretches[i] = StretchOn(*carrier, *curves[i]);
   }
   return stretches;
+}
+
+Stretch Carriers::StretchOn(std::uint32_t carrier, const Curve& curve) const {
+  Stretch stretch;
+  stretch.carrier = carrier;
+  stretch.isWhole = IsWhole(curve);
+  const bool turnsBack = IsCircle(carrier) && curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x() < 0;
+  stretch.t0 = IsCircle(carrier) ? ParameterOf(carrier, curve.At(curve.t0)) : curve.t0;
+  stretch.t1 = stretch.t0 + (curve.t1 - curve.t0) * (turnsBack ? -1.0 : 1.0);
+  return stretch;
 }
 
 void Carriers::AddVertex(std::uint32_t carrier, double t, const ZBR_PT& at, bool isBetween) {

@@ -55,6 +55,7 @@ class Carriers {
 
  private:
   std::uint32_t AddCarrier(const Curve& curve, bool isCircle);
+  Stretch StretchOn(std::uint32_t carrier, const Curve& curve) const;
   void Settle(std::uint32_t carrier);
   std::vector<CurveVertex> Thinned(const std::vector<CurveVertex>& list, double distance) const;
   double Canonical(std::uint32_t carrier, double t) const;

@@ -92,6 +92,7 @@ class ChordMaker {
           DrawLine(static_cast<std::int32_t>(line), chords);
           ++line;
         }
+        chords.edges.resize(chords.origins.size(), i);
       }
       if (!path->closed && !path->points.empty()) chords.points.push_back(path->points.back());
     }
@@ -273,7 +274,7 @@ ChordDrawing MakeChords(const std::vector<const Path*>& paths, double deviation)
     hasCurves = hasCurves || !path->curves.empty();
   }
   if (hasCurves) return ChordMaker(paths, deviation, std::max(kSnap * extent.Size(), kSnapDigits * extent.Magnitude())).Run();
-  for (const Path* const path : paths) drawing.lines.push_back({path->points, {}});
+  for (const Path* const path : paths) drawing.lines.push_back({path->points, {}, {}});
   return drawing;
 }
 

@@ -193,6 +193,12 @@ FlattenOptions WithDefaults(FlattenOptions options, const Extent& extent) {
 }
 
 std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenOptions& options) {
+  std::vector<ChordLine> none;
+  return MakeContoursAnd({}, none, std::move(drawings), options);
+}
+
+std::vector<Contours> MakeContoursAnd(const std::vector<Path>& others, std::vector<ChordLine>& chordsOfOthers,
+                                      std::vector<Drawing> drawings, const FlattenOptions& options) {
   std::vector<Contours> all(drawings.size());
   std::vector<Work> works;
   std::vector<const Path*> paths;
@@ -206,6 +212,7 @@ std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenO
       for (const Path& path : piece) paths.push_back(&path);
     }
   }
+  for (const Path& path : others) paths.push_back(&path);
   ChordDrawing chords = MakeChords(paths, options.deviation);
   const auto curves = std::make_shared<const std::vector<Curve>>(std::move(chords.curves));
   std::size_t next = 0;
@@ -225,6 +232,7 @@ std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenO
       next += piece.size();
     }
   }
+  std::move(chords.lines.begin() + static_cast<std::ptrdiff_t>(next), chords.lines.end(), std::back_inserter(chordsOfOthers));
   return all;
 }
 

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "drawing/contours/chords.h"
 
 namespace zbr::drawing {
 namespace {
@@ -21,6 +24,39 @@ double HeightOf(const Path& path, std::size_t i) {
 bool IsInRange(const ZBR_PT3& p) {
   constexpr double kLargest = 1e300;
   return std::abs(p.x()) <= kLargest && std::abs(p.y()) <= kLargest && std::abs(p.z()) <= kLargest;
+}
+
+// How far along its edge of the path the start of chord k lies.
+double PartOf(const ChordLine& chords, std::size_t k) {
+  std::size_t first = k, end = k + 1;
+  while (first > 0 && chords.edges[first - 1] == chords.edges[k]) --first;
+  while (end < chords.edges.size() && chords.edges[end] == chords.edges[k]) ++end;
+  const EdgeOrigin &start = chords.origins[first], &last = chords.origins[end - 1];
+  if (start.curve >= 0 && last.t1 != start.t0) return (chords.origins[k].t0 - start.t0) / (last.t1 - start.t0);
+  const ZBR_PT &from = chords.points[first], &to = chords.points[end < chords.points.size() ? end : 0];
+  const double length = from.Distance(to);
+  return length > 0 ? from.Distance(chords.points[k]) / length : 0.0;
+}
+
+SpaceLine LineOf(const Path& path, ChordLine& chords) {
+  SpaceLine line{{}, path.layer, {}, {}};
+  const bool hasEdges = !chords.edges.empty();
+  for (std::size_t k = 0; k < chords.points.size(); ++k) {
+    const ZBR_PT& p = chords.points[k];
+    const bool isStart = !hasEdges || k >= chords.edges.size() || k == 0 || chords.edges[k] != chords.edges[k - 1];
+    const std::size_t i = !hasEdges ? k : (k < chords.edges.size() ? chords.edges[k] : path.points.size() - 1);
+    const double z = HeightOf(path, i);
+    if (path.heights.empty() || isStart) {
+      line.points.emplace_back(p.x(), p.y(), z);
+      continue;
+    }
+    const double next = HeightOf(path, i + 1 < path.points.size() ? i + 1 : 0), part = PartOf(chords, k);
+    line.points.emplace_back(p.x(), p.y(), z + (next - z) * part);
+  }
+  line.origins = std::move(chords.origins);
+  if (path.closed && !line.points.empty() && (line.points.size() == 1 || !SamePoint(line.points.front(), line.points.back())))
+    line.points.push_back(line.points.front());
+  return line;
 }
 
 }  // namespace
@@ -42,21 +78,30 @@ double LineLayer::Length() const {
 }
 
 // Along a curve the height changes evenly from one end to the other; mostly it does not change at all.
-std::vector<SpaceLine> MakeLines(const Drawing& drawing, const FlattenOptions& options) {
-  std::vector<SpaceLine> lines;
+std::vector<SpaceLine> MakeLines(const Drawing& drawing, Drawing region, const FlattenOptions& options, Contours& contours) {
   for (const Path& path : drawing.paths) {
-    SpaceLine line{{}, path.layer};
-    FlattenPath(path, options.deviation, [&](const ZBR_PT& p, std::size_t i, double part) {
-      const double z = HeightOf(path, i), next = HeightOf(path, i + 1 < path.points.size() ? i + 1 : 0);
-      line.points.emplace_back(p.x(), p.y(), part == 0 ? z : z + (next - z) * part);
-    });
-    if (path.closed && !line.points.empty() && !SamePoint(line.points.front(), line.points.back()))
-      line.points.push_back(line.points.front());
-    if (!std::all_of(line.points.begin(), line.points.end(), IsInRange))
+    const auto isFar = [](const ZBR_PT& p) { return !IsInRange({p.x(), p.y(), 0}); };
+    bool isOut = std::any_of(path.points.begin(), path.points.end(), isFar);
+    for (const Curve& curve : path.curves) isOut = isOut || isFar(curve.At(curve.t0)) || isFar(curve.u) || isFar(curve.v);
+    const auto isHigh = [](double z) { return !IsInRange({0, 0, z}); };
+    if (isOut || std::any_of(path.heights.begin(), path.heights.end(), isHigh))
       FailAt(drawing.file, path.line, "coordinates are out of range");
+  }
+  std::vector<ChordLine> chords;
+  std::vector<Drawing> regions;
+  regions.push_back(std::move(region));
+  contours = std::move(MakeContoursAnd(drawing.paths, chords, std::move(regions), options).front());
+  std::vector<SpaceLine> lines;
+  for (std::size_t i = 0; i < chords.size(); ++i) {
+    SpaceLine line = LineOf(drawing.paths[i], chords[i]);
     if (line.points.size() > 1) lines.push_back(std::move(line));
   }
   return lines;
+}
+
+std::vector<SpaceLine> MakeLines(const Drawing& drawing, const FlattenOptions& options) {
+  Contours none;
+  return MakeLines(drawing, {}, options, none);
 }
 
 bool HasHeights(const Drawing& drawing) {

@@ -1,12 +1,12 @@
 // Idea: a line meets a circle where it is as far from the centre as the radius, on both sides of the foot of the perpendicular; two
 // circles meet on the line through the places that are equally far from both. Both come down to half a chord, sqrt((r - h) (r +
 // h)), where the difference r - h tells touching from crossing: what is within the snapping distance of touching touches, in one
-// place. Which pairs come near each other is found by a sweep over their boxes from left to right.
+// place. Which pairs come near each other is found by a sweep over their boxes.
 #include "drawing/contours/meetings.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <utility>
 
 namespace zbr::drawing {
 namespace {
@@ -70,6 +70,7 @@ class Meetings {
     for (std::uint32_t i = 0; i < stretches_.size(); ++i) {
       if (carriers_.IsCircle(stretches_[i].carrier)) items.push_back({BoxOf(stretches_[i]), i, true});
     }
+    SweepAlongLonger(items);
     std::sort(items.begin(), items.end(), [](const Item& a, const Item& b) { return a.box.xmin < b.box.xmin; });
     std::vector<const Item*> lines, arcs;  // that the sweep is in
     for (const Item& item : items) {
@@ -85,6 +86,22 @@ class Meetings {
     std::uint32_t index;
     bool isArc;
   };
+
+  // Boxes are swept in the direction in which fewer are met at a time.
+  static void SweepAlongLonger(std::vector<Item>& items) {
+    Extent all;
+    double width = 0.0, height = 0.0;
+    for (const Item& item : items) {
+      all.Add(item.box);
+      width += item.box.xmax - item.box.xmin;
+      height += item.box.ymax - item.box.ymin;
+    }
+    if (all.empty() || width * (all.ymax - all.ymin) <= height * (all.xmax - all.xmin)) return;
+    for (Item& item : items) {
+      std::swap(item.box.xmin, item.box.ymin);
+      std::swap(item.box.xmax, item.box.ymax);
+    }
+  }
 
   void Meet(const Item& item, std::vector<const Item*>& active) {
     std::erase_if(active, [&](const Item* other) { return other->box.xmax < item.box.xmin - snap_; });
@@ -111,8 +128,10 @@ class Meetings {
     constexpr double kQuarter = kFullTurn / 4;
     const Curve& circle = carriers_.curve(stretch.carrier);
     Extent box;
-    box.Add(stretch.from);
-    box.Add(stretch.to);
+    if (!stretch.isWhole) {
+      box.Add(stretch.from);
+      box.Add(stretch.to);
+    }
     const double low = std::min(stretch.t0, stretch.t1), high = std::max(stretch.t0, stretch.t1);
     for (double k = std::ceil(low / kQuarter); k * kQuarter <= high; ++k) box.Add(circle.At(k * kQuarter));
     return box;

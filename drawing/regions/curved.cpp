@@ -4,10 +4,12 @@
 // of it that they stand for. Edges in a row that stand for one curve, each going on where the last one ended, are a run; a run
 // becomes one arc. Vertices lie on the true curves, as contours have them wherever curves meet anything. Where an end does not
 // (chords that cross where curves only come near each other), the chord stays what it is.
+#include <zbr-drawing/lines.h>
 #include <zbr-drawing/region.h>
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace zbr::drawing {
@@ -39,15 +41,14 @@ EdgeOrigin Part(const EdgeOrigin& origin, const ZBR_EDGE_SOURCE& source) {
   return {origin.curve, origin.line, at(Share(source.t0)), at(Share(source.t1))};
 }
 
-// The edges of one ring.
-class RingOutline {
+// Edges in a row, all around a ring or from one end to the other.
+class Outline {
  public:
-  RingOutline(const CurvedRegion& region, std::size_t ring, std::size_t& beside)
-      : region_(region),
-        first_(static_cast<std::size_t>(region.rings.ring_offsets()[ring])),
-        count_(static_cast<std::size_t>(region.rings.ring_offsets()[ring + 1]) - first_) {
-    for (std::size_t i = 0; i < count_; ++i) {
-      EdgeOrigin& origin = origins_.emplace_back(region.origins[first_ + i]);
+  Outline(std::span<const ZBR_PT> points, std::span<const EdgeOrigin> origins, const std::vector<Curve>& curves,
+          std::size_t& beside)
+      : points_(points), curves_(curves), origins_(origins.begin(), origins.end()), isOpen_(points.size() > origins.size()) {
+    for (std::size_t i = 0; i < origins_.size(); ++i) {
+      EdgeOrigin& origin = origins_[i];
       if (origin.curve < 0 || (IsOn(origin, origin.t0, i) && IsOn(origin, origin.t1, i + 1))) continue;
       origin = {};
       ++beside;
@@ -55,24 +56,26 @@ class RingOutline {
   }
 
   Path Run() const {
+    const std::size_t count = origins_.size();
     Path path;
-    path.closed = true;
+    path.closed = !isOpen_;
     std::size_t start = 0;
-    while (start < count_ && GoesOn(start)) ++start;
-    if (start == count_) return Whole(std::move(path));
-    for (std::size_t k = 0; k < count_;) {
+    while (!isOpen_ && start < count && GoesOn(start)) ++start;
+    if (start == count) return Whole(std::move(path));
+    for (std::size_t k = 0; k < count;) {
       std::size_t end = k + 1;
-      while (end < count_ && GoesOn((start + end) % count_)) ++end;
+      while (end < count && GoesOn((start + end) % count)) ++end;
       AddRun(start + k, start + end, path);
       k = end;
     }
+    if (isOpen_) path.points.push_back(points_.back());
     return path;
   }
 
  private:
-  const ZBR_PT& Point(std::size_t i) const { return region_.rings.points()[first_ + i % count_]; }
-  const EdgeOrigin& Origin(std::size_t i) const { return origins_[i % count_]; }
-  const Curve& CurveOf(const EdgeOrigin& origin) const { return (*region_.curves)[static_cast<std::size_t>(origin.curve)]; }
+  const ZBR_PT& Point(std::size_t i) const { return points_[i % points_.size()]; }
+  const EdgeOrigin& Origin(std::size_t i) const { return origins_[i % origins_.size()]; }
+  const Curve& CurveOf(const EdgeOrigin& origin) const { return curves_[static_cast<std::size_t>(origin.curve)]; }
 
   bool IsOn(const EdgeOrigin& origin, double t, std::size_t i) const {
     const Curve& curve = CurveOf(origin);
@@ -81,7 +84,7 @@ class RingOutline {
 
   // Whether edge i is of what the edge before it is of, and goes on there.
   bool GoesOn(std::size_t i) const {
-    const EdgeOrigin &before = Origin(i + count_ - 1), &origin = Origin(i);
+    const EdgeOrigin &before = Origin(i + origins_.size() - 1), &origin = Origin(i);
     if (origin.curve < 0) return origin.line >= 0 && before.curve < 0 && before.line == origin.line && IsStraight(i);
     if (before.curve != origin.curve) return false;
     const double gap = CurveOf(origin).spline != nullptr ? origin.t0 - before.t1 : std::remainder(origin.t0 - before.t1, kTurn);
@@ -90,7 +93,7 @@ class RingOutline {
 
   // Two parts of a line that do not turn back.
   bool IsStraight(std::size_t i) const {
-    const ZBR_PT a = Point(i) - Point(i + count_ - 1), b = Point(i + 1) - Point(i);
+    const ZBR_PT a = Point(i) - Point(i + points_.size() - 1), b = Point(i + 1) - Point(i);
     return a.InnerProduct(b) > 0;
   }
 
@@ -109,26 +112,47 @@ class RingOutline {
 
   // A ring that is nothing but one curve.
   Path Whole(Path path) const {
-    AddRun(0, count_, path);
+    AddRun(0, origins_.size(), path);
+    if (path.curves.empty()) return path;
     Curve& curve = path.curves.front();
     curve.t1 = curve.t0 + (curve.t1 > curve.t0 ? kTurn : -kTurn);
     return path;
   }
 
-  const CurvedRegion& region_;
-  std::size_t first_, count_;
+  std::span<const ZBR_PT> points_;
+  const std::vector<Curve>& curves_;
   std::vector<EdgeOrigin> origins_;
+  bool isOpen_;
 };
+
+double ChordArea(const std::vector<ZBR_PT>& ring) {
+  double twice = 0.0;
+  for (std::size_t i = 1; i + 1 < ring.size(); ++i) twice += (ring[i] - ring[0]).OuterProduct(ring[i + 1] - ring[0]);
+  return twice / 2;
+}
+
+// Between a chord and its arc, which spans this angle; for splines none.
+double SegmentArea(const Curve& curve, double sweep) {
+  return curve.u.OuterProduct(curve.v) * (sweep - std::sin(sweep)) / 2;
+}
 
 }  // namespace
 
 double CurvedRegion::Area() const {
-  double area = rings.area();
+  const auto isSpline = [&](const EdgeOrigin& origin) {
+    return origin.curve >= 0 && (*curves)[static_cast<std::size_t>(origin.curve)].spline != nullptr;
+  };
+  double area = 0.0;
+  if (std::none_of(origins.begin(), origins.end(), isSpline)) {
+    for (const Path& path : OutlinesOf(*this)) {
+      area += ChordArea(path.points);
+      for (const Curve& curve : path.curves) area += SegmentArea(curve, curve.t1 - curve.t0);
+    }
+    return area;
+  }
+  area = rings.area();
   for (const EdgeOrigin& origin : origins) {
-    if (origin.curve < 0) continue;
-    const Curve& curve = (*curves)[static_cast<std::size_t>(origin.curve)];
-    const double sweep = origin.t1 - origin.t0;
-    area += (curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x()) * (sweep - std::sin(sweep)) / 2;
+    if (origin.curve >= 0) area += SegmentArea((*curves)[static_cast<std::size_t>(origin.curve)], origin.t1 - origin.t0);
   }
   return area;
 }
@@ -162,7 +186,11 @@ std::vector<Path> OutlinesOf(const CurvedRegion& region, std::size_t* beside) {
   std::size_t count = 0;
   for (std::size_t r = 0; r < region.rings.ring_count(); ++r) {
     if (region.HasCurves()) {
-      outlines.push_back(RingOutline(region, r, count).Run());
+      const auto first = static_cast<std::size_t>(region.rings.ring_offsets()[r]);
+      const std::size_t points = static_cast<std::size_t>(region.rings.ring_offsets()[r + 1]) - first;
+      outlines.push_back(Outline(std::span(region.rings.points()).subspan(first, points),
+                                 std::span(region.origins).subspan(first, points), *region.curves, count)
+                             .Run());
       continue;
     }
     const auto begin = region.rings.points().begin() + region.rings.ring_offsets()[r];
@@ -172,6 +200,12 @@ std::vector<Path> OutlinesOf(const CurvedRegion& region, std::size_t* beside) {
   }
   if (beside != nullptr) *beside = count;
   return outlines;
+}
+
+Path OutlineOf(const std::vector<ZBR_PT>& points, const std::vector<EdgeOrigin>& origins, const std::vector<Curve>& curves) {
+  std::size_t beside = 0;
+  const bool isClosed = points.size() > 2 && points.front().x() == points.back().x() && points.front().y() == points.back().y();
+  return Outline(std::span(points).first(points.size() - (isClosed ? 1 : 0)), origins, curves, beside).Run();
 }
 
 }  // namespace zbr::drawing

@@ -47,7 +47,9 @@ std::string FeatureStart(const std::string& name, const char* measure, double va
 }
 
 void AppendFeature(std::string& text, const Layer& layer, int units) {
-  text += FeatureStart(layer.name, "area", layer.area, units);
+  // Of what is written, which of curves are chords.
+  const double area = layer.outlines.empty() ? layer.area : zbrRegionOfLoops(layer.loops).area();
+  text += FeatureStart(layer.name, "area", area, units);
   text += R"(},"geometry":{"type":"MultiPolygon","coordinates":[)";
   for (std::size_t i = 0; i < layer.loops.size(); ++i) {
     text += i > 0 ? ",\n" : "\n";

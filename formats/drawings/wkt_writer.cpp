@@ -3,6 +3,8 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/drawings.h>
 
+#include <cmath>
+
 namespace zbr::formats {
 namespace {
 
@@ -42,7 +44,83 @@ void AppendLine(std::string& text, const SpaceLine& line, bool heights) {
   text += ')';
 }
 
+void AppendPoint(std::string& text, const ZBR_PT& p) {
+  AppendNumber(text, p.x());
+  text += ' ';
+  AppendNumber(text, p.y());
+}
+
+// One edge of an outline: arcs of circles by three points, or five all around; other curves by chords.
+void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& from, const ZBR_PT& to) {
+  constexpr int kChords = 64;
+  constexpr double kAlmostWhole = 6.0;  // radians: three points tell no whole circle
+  const bool isCircular = curve.IsCircular();
+  const int parts = !isCircular ? kChords : (std::abs(curve.t1 - curve.t0) > kAlmostWhole ? 4 : 2);
+  text += isCircular ? "CIRCULARSTRING (" : "(";
+  AppendPoint(text, from);
+  for (int k = 1; k <= parts; ++k) {
+    text += ", ";
+    AppendPoint(text, k == parts ? to : curve.At(curve.t0 + (curve.t1 - curve.t0) * k / parts));
+  }
+  text += ')';
+}
+
+void AppendOutline(std::string& text, const Path& path) {
+  const bool isCompound = path.points.size() > 1;
+  if (isCompound) text += "COMPOUNDCURVE (";
+  auto curve = path.curves.begin();
+  bool inLine = false;
+  for (std::size_t i = 0; i < path.points.size(); ++i) {
+    const ZBR_PT &from = path.points[i], &to = path.points[i + 1 < path.points.size() ? i + 1 : 0];
+    const bool isCurve = curve != path.curves.end() && curve->at == i;
+    if (inLine && isCurve) text += ')';
+    if (i > 0 && (isCurve || !inLine)) text += ", ";
+    if (isCurve) {
+      AppendCurve(text, *curve++, from, to);
+    } else {
+      if (!inLine) {
+        text += '(';
+        AppendPoint(text, from);
+      }
+      text += ", ";
+      AppendPoint(text, to);
+    }
+    inLine = !isCurve;
+  }
+  if (inLine) text += ')';
+  if (isCompound) text += ')';
+}
+
+void AppendCurvedLayer(std::string& text, const Layer& layer) {
+  const bool isOne = layer.loops.size() == 1;
+  if (!isOne) text += "MULTISURFACE (";
+  auto outline = layer.outlines.begin();
+  for (const auto& loop : layer.loops) {
+    if (loop != layer.loops.front()) text += ", ";
+    text += "CURVEPOLYGON (";
+    AppendOutline(text, *outline++);
+    for (std::size_t hole = 0; hole < loop->children().size(); ++hole) {
+      text += ", ";
+      AppendOutline(text, *outline++);
+    }
+    text += ')';
+  }
+  text += isOne ? "\n" : ")\n";
+}
+
 }  // namespace
+
+std::string WriteWktCurves(const std::vector<Layer>& layers) {
+  std::string text;
+  for (const Layer& layer : layers) {
+    if (layer.outlines.empty()) {
+      text += WriteWkt({layer});
+    } else {
+      AppendCurvedLayer(text, layer);
+    }
+  }
+  return text;
+}
 
 std::string WriteWktLines(const std::vector<LineLayer>& layers, bool heights) {
   std::string text;

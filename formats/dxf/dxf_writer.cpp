@@ -36,10 +36,26 @@ std::string WriteDxf(const std::vector<Layer>& layers, int units, DxfVersion ver
   return document.Take();
 }
 
+std::string WriteDxf(const Drawing& drawing, DxfVersion version) {
+  DxfSetup setup;
+  setup.version = version;
+  setup.units = drawing.units;
+  setup.layers = drawing.layers;
+  setup.lineTypes = drawing.lineTypes;
+  DxfDocument document(setup);
+  for (const Path& path : drawing.paths)
+    document.AddPath(path, {std::string(path.layer.empty() ? "0" : path.layer), path.colour, std::string(path.lineType)});
+  return document.Take();
+}
+
 std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units, DxfVersion version) {
   DxfDocument document(SetupFor(layers, units, version));
   for (const LineLayer& layer : layers) {
     for (const SpaceLine& line : layer.lines) {
+      if (!line.outline.points.empty()) {
+        document.AddPath(line.outline, {layer.name});
+        continue;
+      }
       std::vector<ZBR_PT3> points = line.points;
       if (line.IsClosed()) points.pop_back();
       document.AddSpaceLine(points, line.IsClosed(), {layer.name});

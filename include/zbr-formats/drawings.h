@@ -43,6 +43,8 @@ Drawing ReadLoopText(const std::string& text, const std::string& file, Content c
 
 std::string WriteGeoJson(const std::vector<Layer>& layers, int units);
 std::string WriteWkt(const std::vector<Layer>& layers);
+// With arcs of circles as such (CURVEPOLYGON, MULTISURFACE), other curves as chords.
+std::string WriteWktCurves(const std::vector<Layer>& layers);
 std::string WriteLoopText(const std::vector<Layer>& layers);
 
 std::string WriteGeoJsonLines(const std::vector<LineLayer>& layers, int units, bool heights);

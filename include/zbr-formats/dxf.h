@@ -14,6 +14,8 @@ Drawing ReadDxf(const std::string& text, const std::string& file, Content conten
 
 // Closed polylines on a layer for each result, in a colour of its own.
 std::string WriteDxf(const std::vector<Layer>& layers, int units, DxfVersion version = DxfVersion::kR2000);
+// A drawing as it is: every path as an entity on its layer, or as a few that are exact.
+std::string WriteDxf(const Drawing& drawing, DxfVersion version = DxfVersion::kR2000);
 std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units, DxfVersion version = DxfVersion::kR2000);
 
 // In millimetres, lines on the layers VISIBLE, OUTLINE (silhouettes) and HIDDEN. Outlines are closed polylines on a layer for each
