@@ -4,7 +4,6 @@
 #include <zbr-formats/files.h>
 
 #include <cstdio>
-#include <filesystem>
 
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
@@ -78,7 +77,7 @@ void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const std::vector<Outp
 int RunCheck(const CheckOptions& options) {
   if (options.fix != !options.outputs.empty()) throw Failure("--fix and -o need each other");
   Progress progress;
-  const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
+  const std::string name = StemOf(options.file);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();

@@ -3,7 +3,6 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
 
-#include <filesystem>
 
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
@@ -40,7 +39,7 @@ std::string List(const ZBR_REGION& shape) {
 
 int RunNest(const NestOptions& options) {
   Progress progress;
-  const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
+  const std::string name = StemOf(options.file);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   const ZBR_REGION shape = ValidShape(LoadRegion(loaded.contours.front(), options.input, progress));
