@@ -4,7 +4,8 @@
 add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang,AppleClang>:-ffp-contract=off>)
 add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,MSVC>:/fp:precise$<SEMICOLON>/permissive-$<SEMICOLON>/utf-8>)
 if(WIN32)
-  add_compile_definitions(NOMINMAX)  # windows.h would make macros of min and max
+  # windows.h would make macros of min and max; Microsoft's compiler warns of functions of the C library.
+  add_compile_definitions(NOMINMAX $<$<CXX_COMPILER_ID:MSVC>:_CRT_SECURE_NO_WARNINGS>)
 endif()
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
