@@ -201,7 +201,7 @@ class DxfReader {
   int partGroups_ = 0;
   bool isSplineFrame_ = false;
   std::set<int> seen_;
-  long announced_ = 0;
+  long long announced_ = 0;
   long xs_ = 0, ys_ = 0;
 };
 
