@@ -16,9 +16,6 @@ class ProcessState {
   ~ProcessState();
   ProcessState(const ProcessState&) = delete;
   ProcessState& operator=(const ProcessState&) = delete;
-
- private:
-  unsigned consoleCodePage_ = 0;  // to be put back; 0 where there is no console
 };
 
 // What stands behind the program's name, patterns replaced by the files that match them where the shell does not do so.
