@@ -3,22 +3,20 @@
 #include <zbr-drawing/frame.h>
 #include <zbr/tolerance.h>
 
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <iostream>
 #include <new>
-#include <string>
-#include <vector>
 
 #include "app/cli/command_line.h"
+#include "app/io/system.h"
 #include "app/libraries.h"
 
 int main(int argc, char** argv) {
-  std::signal(SIGXFSZ, SIG_IGN);  // writing then fails, and what was written is removed
+  const tool::ProcessState state;
   try {
     zbrSetEps(tool::kTolerance);
-    const int code = tool::CommandLine().Run(std::vector<std::string>(argv + 1, argv + argc));
+    const int code = tool::CommandLine().Run(tool::Arguments(argc, argv));
     // What was printed may not have arrived: on a full disk, at a closed pipe.
     std::cout.flush();
     if (!std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0) throw tool::Failure("standard output: cannot write");

@@ -2,6 +2,11 @@
 #
 # -ffp-contract=off: a fused multiply-add rounds differently, and the same input must give the same bits on every machine.
 add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang,AppleClang>:-ffp-contract=off>)
+add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,MSVC>:/fp:precise$<SEMICOLON>/permissive-$<SEMICOLON>/utf-8>)
+if(WIN32)
+  # windows.h would make macros of min and max; Microsoft's compiler warns of functions of the C library.
+  add_compile_definitions(NOMINMAX $<$<CXX_COMPILER_ID:MSVC>:_CRT_SECURE_NO_WARNINGS>)
+endif()
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
@@ -10,4 +15,5 @@ endif()
 add_library(zbr_strict_flags INTERFACE)
 target_compile_options(zbr_strict_flags INTERFACE
   $<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang,AppleClang>:-Wall -Wextra -Wshadow -Wconversion>
+  $<$<COMPILE_LANG_AND_ID:CXX,MSVC>:/W4>
   $<$<BOOL:${ZBR_WARNINGS_AS_ERRORS}>:$<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang,AppleClang>:-Werror>>)

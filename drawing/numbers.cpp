@@ -60,8 +60,8 @@ std::optional<double> ParseNumber(std::string_view token) {
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-std::optional<long> ParseInteger(std::string_view token) {
-  return ParseWhole<long>(token);
+std::optional<long long> ParseInteger(std::string_view token) {
+  return ParseWhole<long long>(token);
 }
 
 void AppendNumber(std::string& text, double value) {

@@ -7,14 +7,13 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 
+#include "formats/file_access.h"
+
 namespace zbr::formats {
 namespace {
-
-namespace fs = std::filesystem;
 
 [[noreturn]] void FailWithErrno(const std::string& name, const char* what) {
   throw Failure(name, what + std::string(": ") + std::strerror(errno));
@@ -24,12 +23,11 @@ namespace fs = std::filesystem;
 
 std::string ReadFile(const std::string& name) {
   const bool standardInput = name == "-";
-  std::error_code ignored;
-  if (!standardInput && fs::is_directory(name, ignored)) throw Failure(name, "is a directory");
+  if (!standardInput && IsDirectory(name)) throw Failure(name, "is a directory");
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> owned(nullptr, &std::fclose);
   std::FILE* stream = stdin;
   if (!standardInput) {
-    owned.reset(std::fopen(name.c_str(), "rb"));
+    owned.reset(OpenToRead(name));
     // The shell hands over a pattern as it is when nothing matches it.
     if (!owned && errno == ENOENT && name.find_first_of("*?[") != std::string::npos)
       throw Failure(name, "no file matches the pattern");
@@ -61,14 +59,18 @@ std::string ReadText(const std::string& name) {
 }
 
 std::string ExtensionOf(const std::string& name) {
-  std::string extension = fs::path(name).extension().string();
+  std::string extension = NameOf(PathOf(name).extension());
   if (!extension.empty()) extension.erase(0, 1);
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return extension;
 }
 
 std::string BaseName(const std::string& name) {
-  return name == "-" ? "standard input" : fs::path(name).filename().string();
+  return name == "-" ? "standard input" : NameOf(PathOf(name).filename());
+}
+
+std::string StemOf(const std::string& name) {
+  return NameOf(PathOf(BaseName(name)).stem());
 }
 
 }  // namespace zbr::formats

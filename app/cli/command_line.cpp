@@ -128,6 +128,7 @@ CommandLine::CommandLine()
     : app_("Combines, clips and examines planar drawings, and draws triangle models without their hidden lines.", "zbr") {
   app_.set_version_flag("--version", "zbr " ZBR_VERSION, "Print the version and exit");
   app_.set_help_flag("-h,--help", "Print help and exit");
+  app_.allow_windows_style_options(false);  // there "/parts/a.dxf" is a file as well; commands declared below inherit this
   app_.require_subcommand(1);
   app_.formatter(std::make_shared<HelpFormat>());
   DeclareBool();

@@ -91,7 +91,7 @@ void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, bool curves, const std
 int RunCheck(const CheckOptions& options) {
   if (options.fix != !options.outputs.empty()) throw Failure("--fix and -o need each other");
   Progress progress;
-  const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
+  const std::string name = StemOf(options.file);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   const Contours& contours = loaded.contours.front();

@@ -3,8 +3,6 @@
 #include <zbr-drawing/frame.h>
 #include <zbr-drawing/numbers.h>
 
-#include <unistd.h>
-
 #include <cmath>
 
 #include "app/commands/load.h"

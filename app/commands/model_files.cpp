@@ -9,7 +9,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <filesystem>
 #include <limits>
 #include <set>
 
@@ -18,10 +17,6 @@
 
 namespace tool {
 namespace {
-
-std::string StemOf(const std::string& file) {
-  return std::filesystem::path(BaseName(file)).stem().string();
-}
 
 // A name that ends like a model's is a name as a whole, whatever commas it has.
 PlacedFile ParseObject(const std::string& text) {

@@ -3,7 +3,6 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
 
-#include <filesystem>
 
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
@@ -78,7 +77,7 @@ std::string WriteCells(Format format, const std::string& name, const std::vector
 
 int RunNest(const NestOptions& options) {
   Progress progress;
-  const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
+  const std::string name = StemOf(options.file);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   const Loaded loaded = Load({options.file}, options.input, progress);
   OutputFiles files;

@@ -1,11 +1,11 @@
 // Files written whole. "-" names standard output.
 #pragma once
 
+#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "app/libraries.h"
+#include "app/io/system.h"
 
 namespace tool {
 
@@ -16,11 +16,6 @@ bool IsSameFile(const std::string& a, const std::string& b);
 // are on disk are they renamed. Targets that are no regular files (pipes, devices) are written directly.
 class OutputFiles {
  public:
-  OutputFiles() = default;
-  OutputFiles(const OutputFiles&) = delete;
-  OutputFiles& operator=(const OutputFiles&) = delete;
-  ~OutputFiles();
-
   // Fails when the file was added before.
   void Add(const std::string& name, std::string contents);
   void Commit();
@@ -29,8 +24,7 @@ class OutputFiles {
   struct Pending {
     std::string name;
     std::string contents;
-    std::string temporary;  // empty until written, and again once renamed
-    std::string target;
+    std::optional<NewFile> written;  // of regular files only
   };
   std::vector<Pending> files_;
 };

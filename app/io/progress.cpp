@@ -1,9 +1,9 @@
 // The line of progress on a terminal, refreshed by a thread of its own.
 #include "app/io/progress.h"
 
-#include <unistd.h>
-
 #include <cstdio>
+
+#include "app/io/system.h"
 
 namespace tool {
 namespace {
@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kTick(200);
 }  // namespace
 
 Progress::Progress() {
-  if (::isatty(STDERR_FILENO) == 1) ticker_ = std::thread([this] { Run(); });
+  if (IsTerminalOnStandardError()) ticker_ = std::thread([this] { Run(); });
 }
 
 Progress::~Progress() {

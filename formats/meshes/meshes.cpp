@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <utility>
 
+#include "formats/file_access.h"
 #include "formats/meshes/readers.h"
 
 namespace zbr::formats {
@@ -86,11 +86,10 @@ Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& 
 Mesh ReadMesh(const std::string& file, const std::string& format) {
   const std::string chosen = IsMeshFile(file) ? ExtensionOf(file) : format;
   const FileSource beside = [&](const std::string& name) {
-    const std::filesystem::path path = std::filesystem::path(file == "-" ? "" : file).parent_path() / name;
-    std::error_code ignored;
+    const std::string path = NameOf((PathOf(file == "-" ? "" : file).parent_path() / PathOf(name)).make_preferred());
     // A device or a pipe would not end.
-    if (!std::filesystem::is_regular_file(path, ignored)) throw Failure("there is no file " + Quoted(name));
-    return ReadFile(path.string());
+    if (!IsRegularFile(path)) throw Failure("there is no file " + Quoted(name));
+    return ReadFile(path);
   };
   return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside);
 }

@@ -28,11 +28,11 @@ class ObjReader {
 
   // Corners are "point/texture/normal", counted from 1, or from the last point backwards when negative.
   void ReadFace() {
-    const long count = static_cast<long>(mesh_.points.size());
+    const long long count = static_cast<long long>(mesh_.points.size());
     corners_.clear();
     for (std::string_view word = lines_.Word(); !word.empty(); word = lines_.Word()) {
-      const long number = lines_.ToInteger(word.substr(0, word.find('/')));
-      const long place = number < 0 ? count + number : number - 1;
+      const long long number = lines_.ToInteger(word.substr(0, word.find('/')));
+      const long long place = number < 0 ? count + number : number - 1;
       if (number == 0 || place < 0 || place >= count)
         lines_.Fail("point " + std::to_string(number) + " of a face is not among the " + std::to_string(count) + " before it");
       corners_.push_back(static_cast<std::uint32_t>(place));

@@ -15,11 +15,11 @@ bool IsHeader(std::string_view word) {
 }
 
 void ReadFace(TextLines& lines, Mesh& mesh, std::vector<std::uint32_t>& corners) {
-  const long size = lines.IntegerOfAnyLine();
+  const long long size = lines.IntegerOfAnyLine();
   corners.clear();
-  for (long i = 0; i < size; ++i) {
-    const long place = lines.IntegerOfAnyLine();
-    if (place < 0 || place >= static_cast<long>(mesh.points.size()))
+  for (long long i = 0; i < size; ++i) {
+    const long long place = lines.IntegerOfAnyLine();
+    if (place < 0 || place >= static_cast<long long>(mesh.points.size()))
       lines.Fail("point " + std::to_string(place) + " of a face is not among the " + std::to_string(mesh.points.size()));
     corners.push_back(static_cast<std::uint32_t>(place));
   }
@@ -36,17 +36,17 @@ Mesh ReadOff(const std::string& text, const std::string& file) {
   const std::string_view header = lines.WordOfAnyLine();
   if (!IsHeader(header)) lines.Fail("OFF expected, but found " + Quoted(header));
   const bool isPlain = header == "OFF";
-  const long points = lines.IntegerOfAnyLine(), faces = lines.IntegerOfAnyLine();
+  const long long points = lines.IntegerOfAnyLine(), faces = lines.IntegerOfAnyLine();
   lines.IntegerOfAnyLine();  // edges
   Mesh mesh;
-  for (long i = 0; i < points; ++i) {
+  for (long long i = 0; i < points; ++i) {
     const double x = lines.NumberOfAnyLine(), y = lines.NumberOfAnyLine(), z = lines.NumberOfAnyLine();
     mesh.points.emplace_back(x, y, z);
     while (!isPlain && !lines.Word().empty()) {
     }
   }
   std::vector<std::uint32_t> corners;
-  for (long i = 0; i < faces; ++i) ReadFace(lines, mesh, corners);
+  for (long long i = 0; i < faces; ++i) ReadFace(lines, mesh, corners);
   return mesh;
 }
 

@@ -34,7 +34,7 @@ struct Property {
 
 struct Element {
   std::string name;
-  long count = 0;
+  long long count = 0;
   std::vector<Property> properties;
 };
 
@@ -112,7 +112,7 @@ class PlyReader {
     const std::unique_ptr<Values> values = ReadHeader();
     for (const Element& element : elements_) {
       if (element.properties.empty()) continue;
-      for (long i = 0; i < element.count; ++i) ReadRecord(element, *values);
+      for (long long i = 0; i < element.count; ++i) ReadRecord(element, *values);
     }
     return std::move(mesh_);
   }

@@ -59,13 +59,13 @@ std::string_view TextLines::WordOfAnyLine() {
 double TextLines::Number() {
   return ToNumber(Word());
 }
-long TextLines::Integer() {
+long long TextLines::Integer() {
   return ToInteger(Word());
 }
 double TextLines::NumberOfAnyLine() {
   return ToNumber(WordOfAnyLine());
 }
-long TextLines::IntegerOfAnyLine() {
+long long TextLines::IntegerOfAnyLine() {
   return ToInteger(WordOfAnyLine());
 }
 
@@ -76,7 +76,7 @@ double TextLines::ToNumber(std::string_view word) const {
   return *value;
 }
 
-long TextLines::ToInteger(std::string_view word) const {
+long long TextLines::ToInteger(std::string_view word) const {
   if (word.empty()) Fail("a number is missing");
   const auto value = ParseInteger(word);
   if (!value) Fail(Quoted(word) + " is not a whole number");

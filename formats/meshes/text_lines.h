@@ -22,12 +22,12 @@ class TextLines {
 
   // The next word as a finite number, or as a whole one.
   double Number();
-  long Integer();
+  long long Integer();
   // A whole number from any line.
-  long IntegerOfAnyLine();
+  long long IntegerOfAnyLine();
   double NumberOfAnyLine();
 
-  long ToInteger(std::string_view word) const;
+  long long ToInteger(std::string_view word) const;
   std::size_t Line() const { return line_; }
   [[noreturn]] void Fail(const std::string& cause) const;
 

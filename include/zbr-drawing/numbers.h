@@ -10,7 +10,7 @@ namespace zbr::drawing {
 // The value of a token that is a finite decimal number as a whole, a leading sign allowed; nothing for everything else, "nan",
 // "inf" and numbers beyond the range of a double included.
 std::optional<double> ParseNumber(std::string_view token);
-std::optional<long> ParseInteger(std::string_view token);
+std::optional<long long> ParseInteger(std::string_view token);
 
 // Appends the shortest text that reads back as exactly this number.
 void AppendNumber(std::string& text, double value);

@@ -9,6 +9,16 @@
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// The one built beside these tests; or another, as one for another system together with what runs it.
+std::string Program() {
+  const char* const other = std::getenv("ZBR_TEST_TOOL");
+  return other != nullptr ? other : ZBR_TOOL;
+}
+
+}  // namespace
+
 Tool::Tool() {
   std::string pattern = (fs::temp_directory_path() / "zbr-app-test-XXXXXX").string();
   folder_ = mkdtemp(pattern.data());
@@ -22,7 +32,7 @@ Outcome Tool::Shell(const std::string& line, const std::string& input) const {
   const std::string captured = folder_ + ".captured";
   fs::create_directory(captured);
   std::ofstream(captured + "/in", std::ios::binary) << input;
-  const std::string script = "EX=" ZBR_EXAMPLES "\nzbr() { " ZBR_TOOL " \"$@\"; }\ncd " + folder_ + "\n" + line + "\n";
+  const std::string script = "EX=" ZBR_EXAMPLES "\nzbr() { " + Program() + " \"$@\"; }\ncd " + folder_ + "\n" + line + "\n";
   std::ofstream(captured + "/script") << script;
   const std::string redirections = " <" + captured + "/in >" + captured + "/out 2>" + captured + "/err";
   const int status = std::system(("sh " + captured + "/script" + redirections).c_str());

@@ -1,6 +1,5 @@
 // The library loaded at run time instead of linked, as a plug-in's host would do: storage of a thread that ran before the library
 // came must be found as well as that of threads started later, and no thread may see the tolerance of another.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <barrier>
@@ -9,7 +8,39 @@
 #include <thread>
 #include <vector>
 
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
+
 namespace {
+
+#ifdef _WIN32
+void* Open(const char* file) {
+  return LoadLibraryA(file);
+}
+
+void* Find(void* library, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+bool Close(void* library) {
+  return FreeLibrary(static_cast<HMODULE>(library)) != 0;
+}
+#else
+void* Open(const char* file) {
+  return dlopen(file, RTLD_NOW | RTLD_LOCAL);
+}
+
+void* Find(void* library, const char* name) {
+  return dlsym(library, name);
+}
+
+bool Close(void* library) {
+  return dlclose(library) == 0;
+}
+#endif
 
 // The functions used here, by their mangled names: zbrSetEps(double) and zbr_EpsE(double).
 struct Library {
@@ -18,10 +49,10 @@ struct Library {
   bool (*isZero)(double) = nullptr;
 
   void Load() {
-    handle = dlopen(ZBR_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(handle, nullptr) << dlerror();
-    setEps = reinterpret_cast<void (*)(double)>(dlsym(handle, "_Z9zbrSetEpsd"));
-    isZero = reinterpret_cast<bool (*)(double)>(dlsym(handle, "_Z8zbr_EpsEd"));
+    handle = Open(ZBR_LIBRARY_FILE);
+    ASSERT_NE(handle, nullptr) << ZBR_LIBRARY_FILE;
+    setEps = reinterpret_cast<void (*)(double)>(Find(handle, "_Z9zbrSetEpsd"));
+    isZero = reinterpret_cast<bool (*)(double)>(Find(handle, "_Z8zbr_EpsEd"));
     ASSERT_TRUE(setEps && isZero);
   }
 };
@@ -59,7 +90,7 @@ TEST(LoadedAtRunTime, EachThreadHasItsOwnTolerance) {
   ASSERT_FALSE(HasFatalFailure());
   EXPECT_EQ(agreed, std::vector<int>(kThreads, 1));
   EXPECT_TRUE(ToleranceIs(library, 1e-5));
-  EXPECT_EQ(dlclose(library.handle), 0);
+  EXPECT_TRUE(Close(library.handle));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 
 #include <zbr/spatial.h>
 #include <zbr/tolerance.h>
@@ -28,7 +29,7 @@ TEST(SpatialPoint, DividingAndDropping) {
 TEST(SpatialPoint, PseudoCosinesFallAllTheWayRound) {
   double last = 2.0;
   for (int k = 0; k < 24; ++k) {
-    const double angle = (k + 0.5) * 2.0 * M_PI / 24;
+    const double angle = (k + 0.5) * 2.0 * std::numbers::pi / 24;
     const double value = ZBR_PT3().pseudo_cosXY({1, 0, 0}, {std::cos(-angle), std::sin(-angle), 0.1 * k});
     EXPECT_TRUE(value < last && value >= -3.0) << k;
     last = value;

@@ -142,7 +142,7 @@ bool RunFolder(const std::filesystem::path& folder, bool list) {
                 c.regions, c.loopsAgree, c.loops);
     good &= c.regions > 0;
   }
-  if (suites.empty()) std::fprintf(stderr, "%s: no records\n", folder.c_str());
+  if (suites.empty()) std::fprintf(stderr, "%s: no records\n", folder.string().c_str());
   return good && !suites.empty();
 }
 

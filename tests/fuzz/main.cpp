@@ -20,6 +20,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 std::string s_input;  // the name of what runs
+
+#ifdef _WIN32
+void TellInput(int /*signal*/) {
+  std::fprintf(stderr, "on input %s\n", s_input.c_str());
+}
+
+void ListenTo(int signal) {
+  std::signal(signal, TellInput);
+}
+#else
 struct sigaction s_before[NSIG];
 
 // Leaves the signal to whoever had it before, a sanitizer perhaps: what raised it runs again.
@@ -33,6 +43,7 @@ void ListenTo(int signal) {
   action.sa_handler = TellInput;
   sigaction(signal, &action, &s_before[signal]);
 }
+#endif
 
 void Run(const std::string& name, const std::string& text) {
   s_input = name;
@@ -50,7 +61,7 @@ int main(int argc, char** argv) {
   std::sort(files.begin(), files.end());
   for (const auto& file : files) {
     std::ifstream in(file, std::ios::binary);
-    Run(file, std::string(std::istreambuf_iterator<char>(in), {}));
+    Run(file.string(), std::string(std::istreambuf_iterator<char>(in), {}));
   }
   const int inputs = std::atoi(argv[2]);
   for (int seed = 0; seed < inputs; ++seed) {

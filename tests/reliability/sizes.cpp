@@ -3,16 +3,13 @@
 //
 // Each case runs with 0, 1, 2, 3 and 10 of what it counts, then with its full size; each run is a process of its own, whose stack
 // is too small for a recursion as deep as the input. Prints time and peak memory of the full size and fails if a result is wrong.
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "hiddenline/scenes.h"
+#include "reliability/process.h"
 
 namespace {
 
@@ -156,33 +153,19 @@ const Case kCases[] = {
     {"segments", Segments, 1'000'000}, {"same-triangles", SameTriangles, 100'000}, {"frames", Frames, 50'000},
 };
 
-// Runs in a process of its own.
 bool RunCase(const Case& c, int n, bool print) {
-  const pid_t child = fork();
-  if (child == 0) _exit(c.run(n) ? 0 : 1);
-  int status = -1;
-  rusage used{};
-  const bool good = child > 0 && wait4(child, &status, 0, &used) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-  const double seconds = static_cast<double>(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
-                         1e-6 * static_cast<double>(used.ru_utime.tv_usec + used.ru_stime.tv_usec);
-  if (print || !good) {
-    std::printf("%-15s %9d %8.2f s %7ld MiB%s\n", c.name, n, seconds, used.ru_maxrss / 1024, good ? "" : "  wrong");
+  const Used used = RunApart([&] { return c.run(n); });
+  if (print || !used.isGood) {
+    std::printf("%-15s %9d %8.2f s %7ld MiB%s\n", c.name, n, used.seconds, used.mebibytes, used.isGood ? "" : "  wrong");
   }
   std::fflush(stdout);
-  return good;
+  return used.isGood;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // The main thread's stack is limited when a program starts: start again.
-  rlimit stack{};
-  getrlimit(RLIMIT_STACK, &stack);
-  constexpr rlim_t kStack = 1U << 20U;
-  if (stack.rlim_cur > kStack) {
-    stack.rlim_cur = kStack;
-    if (setrlimit(RLIMIT_STACK, &stack) != 0 || execv("/proc/self/exe", argv) != 0) return 2;
-  }
+  LimitStack(argv);
   const double factor = argc > 1 ? std::atof(argv[1]) : 1.0;
   bool good = true;
   for (const Case& c : kCases) {
