@@ -25,9 +25,9 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
 }
 
 void NoteIgnored(const Drawing& drawing, Progress& progress) {
-  std::string list;
-  for (const auto& [what, left] : drawing.leftOut) list += (list.empty() ? "" : ", ") + std::to_string(left.count) + " " + what;
-  if (!list.empty()) progress.Note(drawing.file + ": note: left out " + list);
+  for (const auto& [what, left] : drawing.leftOut) {
+    progress.Note(drawing.file + ":" + std::to_string(left.line) + ": note: left out " + std::to_string(left.count) + " " + what);
+  }
 }
 
 void LeaveOutRepeats(Drawing& drawing, Progress& progress) {

@@ -37,23 +37,17 @@ class Unfolding {
     }
   }
 
-  std::vector<std::size_t> UnfoldDrawing(DxfContents& contents) {
+  void UnfoldDrawing(DxfContents& contents) {
     auto insert = contents.inserts.begin();
     for (std::size_t i = 0; i <= contents.paths.size(); ++i) {
       for (; insert != contents.inserts.end() && insert->before == i; ++insert) Unfold(*insert, Place());
       if (i == contents.paths.size()) break;
-      NoteHatch(contents, i);
       AddPath(std::move(contents.paths[i]), Place());
     }
     AddLeftOut(contents.leftOut);
-    return std::move(hatches_);
   }
 
  private:
-  void NoteHatch(const DxfContents& contents, std::size_t path) {
-    if (std::binary_search(contents.hatches.begin(), contents.hatches.end(), path)) hatches_.push_back(drawing_.paths.size());
-  }
-
   void AddPath(Path path, const Place& place) {
     if (place.as != nullptr) {
       Map(path, place.map);
@@ -133,7 +127,6 @@ class Unfolding {
       for (; inner != contents.inserts.end() && inner->before == i; ++inner) Unfold(*inner, place);
       if (i == contents.paths.size()) break;
       Count(contents.paths[i].points.size() + contents.paths[i].curves.size(), insert.line);
-      NoteHatch(contents, i);
       AddPath(contents.paths[i], place);
     }
     AddLeftOut(contents.leftOut);
@@ -151,7 +144,6 @@ class Unfolding {
   std::set<std::string, std::less<>> frozen_, hidden_;
   std::set<const DxfBlock*> open_;
   std::size_t points_ = 0;
-  std::vector<std::size_t> hatches_;  // paths of the drawing
 };
 
 }  // namespace
@@ -162,8 +154,8 @@ std::string DxfCapitals(std::string_view name) {
   return capitals;
 }
 
-std::vector<std::size_t> UnfoldBlocks(DxfContents contents, const DxfBlocks& blocks, bool keepHeights, Drawing& drawing) {
-  return Unfolding(blocks, keepHeights, drawing).UnfoldDrawing(contents);
+void UnfoldBlocks(DxfContents contents, const DxfBlocks& blocks, bool keepHeights, Drawing& drawing) {
+  Unfolding(blocks, keepHeights, drawing).UnfoldDrawing(contents);
 }
 
 }  // namespace zbr::formats
