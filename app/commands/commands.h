@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zbr-drawing/contours.h>
+#include <zbr-formats/types.h>
 
 #include <string>
 #include <vector>
@@ -12,8 +13,14 @@
 namespace tool {
 
 inline constexpr int kExitFine = 0;
-inline constexpr int kExitFound = 1;  // of check alone
+inline constexpr int kExitFound = 1;  // of check, and of --strict
 inline constexpr int kExitError = 2;
+
+// How results are written.
+struct Writing {
+  bool curves = false;                  // WKT with arcs
+  DxfVersion dxf = DxfVersion::kR2000;
+};
 
 // Options of every command that reads drawings.
 struct InputOptions {
@@ -21,7 +28,10 @@ struct InputOptions {
   std::vector<std::string> layers;  // empty: all
   FlattenOptions flatten{-1.0, -1.0};
   std::string fill;     // the rule that tells what is inside; empty: even-odd
-  bool curves = false;  // WKT with arcs, of commands that write regions
+  Writing writing;      // of commands that write regions
+  bool allLayers = false;       // those that are off or frozen, too
+  bool strict = false;          // fail where anything that bears contours is left out
+  bool leftOutIsFound = false;  // such things are told by the command itself
 };
 
 struct BoolOptions {
@@ -64,7 +74,7 @@ struct CheckOptions {
   InputOptions input;
   std::string file;
   std::vector<std::string> outputs;
-  bool fix = false;  // outputs get the region that the drawing is taken for
+  bool fix = false;                     // outputs get the region that the drawing is taken for
 };
 
 struct DrawOptions {
@@ -90,6 +100,7 @@ struct DrawOptions {
   unsigned jobs = 0;      // 0: as many as there are processors
   bool fill = false;
   bool stats = false;
+  DxfVersion dxf = DxfVersion::kR2000;  // of outputs
 };
 
 struct PickOptions {
@@ -111,6 +122,7 @@ struct OutlineOptions {
   unsigned jobs = 0;   // 0: as many as there are processors
   bool whole = false;  // whatever nearer objects cover
   bool stats = false;
+  DxfVersion dxf = DxfVersion::kR2000;  // of outputs
 };
 
 struct ClipOptions {
