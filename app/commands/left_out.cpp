@@ -11,7 +11,7 @@
 namespace tool {
 namespace {
 
-constexpr double kWidestGap = 0.01;          // of the size of what is open; wider ones are not meant to be closed
+constexpr double kWidestGap = 0.01;          // of the size of the largest contour; wider ones are not meant to be closed
 constexpr std::size_t kMostContours = 1000;  // of which gaps are looked for, each against all
 
 void HideLayers(Drawing& drawing, Progress& progress) {
@@ -45,12 +45,9 @@ double NearestEnd(const Contours& contours, const OpenEnds& open) {
 }
 
 std::string TextOfGap(const Contours& contours, double gap) {
-  Extent extent = ExtentOf(contours.rings);
-  for (const OpenEnds& open : contours.open) {
-    extent.Add(open.from);
-    extent.Add(open.to);
-  }
-  if (!(gap <= kWidestGap * extent.Size())) return "";
+  double size = ExtentOf(contours.rings).Size();
+  for (const OpenEnds& open : contours.open) size = std::max(size, open.size);
+  if (!(gap <= kWidestGap * size)) return "";
   constexpr int kDigits = 3;
   return "; the nearest end is " + RoundedText(gap, kDigits) + " away, see --join";
 }

@@ -131,6 +131,7 @@ struct Ring {
 struct OpenEnds {
   ZBR_PT from, to;
   std::size_t line = 0;
+  double size = 0.0;  // the larger side of its box
 };
 
 // Where more than two ends of open contours meet.
