@@ -112,9 +112,9 @@ TEST_F(Tool, BinaryDxfHoldsTheSame) {
     std::replace(lines.begin(), lines.end(), '\n', '\r');
     return lines;
   }());
-  const std::string expected = Run("nest text.dxf -o - --format dxf").out;
-  EXPECT_EQ(Run("nest binary.dxf -o - --format dxf").out, expected);
-  EXPECT_EQ(Run("nest mac.dxf -o - --format dxf").out, expected);
+  const std::string expected = Run("nest - -o - --format dxf <text.dxf").out;
+  EXPECT_EQ(Run("nest - -o - --format dxf <binary.dxf").out, expected);
+  EXPECT_EQ(Run("nest - -o - --format dxf <mac.dxf").out, expected);
   EXPECT_EQ(Info("binary.dxf", "units"), "mm");
   for (const std::size_t size : {21U, 30U, 100U, 200U}) {
     Write("cut.dxf", BinaryDxf(text).substr(0, size));
