@@ -18,7 +18,7 @@ inline constexpr int kExitError = 2;
 
 // How results are written.
 struct Writing {
-  bool curves = false;                  // WKT with arcs
+  bool curves = false;  // WKT with arcs
   DxfVersion dxf = DxfVersion::kR2000;
 };
 
@@ -27,8 +27,8 @@ struct InputOptions {
   std::string format;               // of files whose names do not tell
   std::vector<std::string> layers;  // empty: all
   FlattenOptions flatten{-1.0, -1.0};
-  std::string fill;     // the rule that tells what is inside; empty: even-odd
-  Writing writing;      // of commands that write regions
+  std::string fill;             // the rule that tells what is inside; empty: even-odd
+  Writing writing;              // of commands that write regions
   bool allLayers = false;       // those that are off or frozen, too
   bool strict = false;          // fail where anything that bears contours is left out
   bool leftOutIsFound = false;  // such things are told by the command itself
@@ -74,7 +74,7 @@ struct CheckOptions {
   InputOptions input;
   std::string file;
   std::vector<std::string> outputs;
-  bool fix = false;                     // outputs get the region that the drawing is taken for
+  bool fix = false;  // outputs get the region that the drawing is taken for
 };
 
 struct DrawOptions {

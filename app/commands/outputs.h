@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/commands.h"
 #include "app/libraries.h"
 
 namespace tool {

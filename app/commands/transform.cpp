@@ -49,8 +49,7 @@ int RunTransform(const TransformOptions& options) {
   const Affine map = MapOf(options);
   const auto isDxf = [](const OutputPlan& plan) { return plan.format == Format::kDxf; };
   const bool isReadForLines = std::all_of(plans.begin(), plans.end(), isDxf);
-  Drawing drawing =
-      ReadInput(options.file, isReadForLines ? Content::kLines : Content::kRegions, options.input, progress);
+  Drawing drawing = ReadInput(options.file, isReadForLines ? Content::kLines : Content::kRegions, options.input, progress);
   for (Path& path : drawing.paths) {
     Map(path, map);
     for (double& z : path.heights) z *= options.scale;
