@@ -9,6 +9,7 @@
 #include <new>
 
 #include "app/cli/command_line.h"
+#include "app/commands/left_out.h"
 #include "app/io/system.h"
 #include "app/libraries.h"
 
@@ -21,6 +22,9 @@ int main(int argc, char** argv) {
     std::cout.flush();
     if (!std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0) throw tool::Failure("standard output: cannot write");
     return code;
+  } catch (const tool::Incomplete& incomplete) {
+    std::fprintf(stderr, "%s\n", incomplete.what());
+    return tool::kExitFound;
   } catch (const tool::Failure& failure) {
     std::fprintf(stderr, "%s\n", failure.what());
   } catch (const std::bad_alloc&) {

@@ -74,6 +74,16 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& 
   return command.add_option(name, value, description)->check(CLI::IsMember(choices).description(""))->type_name(typeName);
 }
 
+void AddDxfVersion(CLI::App& command, DxfVersion& version) {
+  command
+      .add_option_function<std::string>(
+          "--dxf-version", [&version](const std::string& name) { version = name == "R12" ? DxfVersion::kR12 : DxfVersion::kR2000; },
+          "Of DXF files that are written: R2000 by default; R12, which has neither ellipses nor splines, for machines and old "
+          "programs")
+      ->check(CLI::IsMember({"R12", "R2000"}).description(""))
+      ->type_name("VERSION");
+}
+
 void AddWeld(CLI::App& command, double& weld) {
   AddNumber(command, "--weld", kPart, weld,
             "Join points closer together than this part of the diagonal of the model's box; by default only equal ones");
@@ -158,6 +168,8 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
       ->type_name("FORMAT");
   AddList(command, "--layer", input.layers, "Read only these layers of DXF files, or features of this name of GeoJSON files",
           "NAME,...");
+  command.add_flag("--all-layers", input.allLayers, "Read layers of DXF files that are off or frozen, too");
+  command.add_flag("--strict", input.strict, "Exit with 1 where anything is left out that may bear contours");
   AddChoice(command, "--fill", input.fill, {"evenodd", "nonzero", "positive", "negative"},
             "What is inside: within an odd number of loops (evenodd, by default, with a warning where loops cross), or where their "
             "turns do not cancel (nonzero), or add up to counter-clockwise (positive) or clockwise ones (negative)",
@@ -199,8 +211,9 @@ void CommandLine::DeclareBool() {
           "Read only these layers of the first drawing; with --layer-b one file may be both operands", "NAME,...");
   AddList(command, "--layer-b", bool_.layersB, "The same of the second drawing", "NAME,...");
   command.add_flag("--stats", bool_.stats, "Print edges, loops, areas and the milliseconds of each stage");
-  AddCurves(command, bool_.input.curves);
+  AddCurves(command, bool_.input.writing.curves);
   DeclareInput(command, bool_.input);
+  AddDxfVersion(command, bool_.input.writing.dxf);
 }
 
 void CommandLine::DeclareNest() {
@@ -209,8 +222,9 @@ void CommandLine::DeclareNest() {
   command.add_option("-o,--output", nest_.outputs, "File for the nested loops; without it they are listed")
       ->allow_extra_args(false)
       ->type_name("OUT");
-  AddCurves(command, nest_.input.curves);
+  AddCurves(command, nest_.input.writing.curves);
   DeclareInput(command, nest_.input);
+  AddDxfVersion(command, nest_.input.writing.dxf);
 }
 
 void CommandLine::DeclareTransform() {
@@ -230,7 +244,8 @@ void CommandLine::DeclareTransform() {
                   "The point that mirroring, scaling and turning leave in place; by default the origin")
       ->type_name("X,Y");
   command.add_option("--move", transform_.move, "How far to move")->type_name("X,Y");
-  AddCurves(command, transform_.input.curves);
+  AddCurves(command, transform_.input.writing.curves);
+  AddDxfVersion(command, transform_.input.writing.dxf);
   DeclareInput(command, transform_.input);
 }
 
@@ -252,8 +267,9 @@ void CommandLine::DeclareCheck() {
   command.add_option("-o,--output", check_.outputs, "File for the repaired region; needs --fix")
       ->allow_extra_args(false)
       ->type_name("OUT");
-  AddCurves(command, check_.input.curves);
+  AddCurves(command, check_.input.writing.curves);
   DeclareInput(command, check_.input);
+  AddDxfVersion(command, check_.input.writing.dxf);
 }
 
 void CommandLine::DeclareDraw() {
@@ -282,6 +298,7 @@ void CommandLine::DeclareDraw() {
   DeclareSheet(command);
   AddJobs(command, draw_.jobs);
   command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
+  AddDxfVersion(command, draw_.dxf);
   AddChoice(command, "--format", draw_.format, {"svg", "pdf", "dxf", "json"},
             "Format of '-' and of outputs whose extension does not tell it: svg, pdf, dxf or json", "FORMAT");
 }
@@ -354,6 +371,7 @@ void CommandLine::DeclareOutline() {
   AddUnit(command, outline_.unit);
   AddJobs(command, outline_.jobs);
   command.add_flag("--stats", outline_.stats, "Print edges, loops, holes, areas and the milliseconds of each stage");
+  AddDxfVersion(command, outline_.dxf);
   AddChoice(command, "--format", outline_.format, {"dxf", "geojson", "wkt", "text", "svg"},
             "Format of '-' and of outputs whose extension does not tell it: dxf, geojson, wkt, text or svg", "FORMAT");
 }
@@ -376,6 +394,7 @@ void CommandLine::DeclareClip() {
   AddList(command, "--region-layer", clip_.regionLayers,
           "Read only these layers of the region's file; --layer chooses among those of the lines", "NAME,...");
   DeclareInput(command, clip_.input);
+  AddDxfVersion(command, clip_.input.writing.dxf);
 }
 
 void CommandLine::DeclareFile(const std::string& name, const std::string& description, FileOptions& options) {

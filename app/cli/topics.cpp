@@ -9,11 +9,13 @@ constexpr const char* kFormats =
 .svg. For '-', standard input or output, and for names with other extensions --format tells it; without it,
 standard output has the format of the first drawing.
 
-DXF (read and written): closed LWPOLYLINE and POLYLINE with bulges, CIRCLE, ELLIPSE, and LINE, ARC and open
-polylines that are joined end to end into loops. Arcs stay arcs. The units ($INSUNITS) are kept; other
-drawings in other units are converted to those of the first. Other entities are left out, with a note. Blocks
-are not expanded. Results are LWPOLYLINEs with bulges, CIRCLEs and ELLIPSEs on a layer named after each
-operation. The other formats get chords (--deviation).
+DXF (text and binary, R12 to 2018): LWPOLYLINE and POLYLINE with bulges (with a width: their borders), CIRCLE, ARC,
+ELLIPSE, LINE, SPLINE, SOLID, TRACE, MLINE, and INSERT with its block; what is open is joined end to end into loops.
+Boundaries of HATCH are taken where nothing else is drawn. What is tilted is seen from above. The units ($INSUNITS) are
+kept; other drawings in other units are converted to those of the first. Layers that are off or frozen are left
+out, but for --all-layers. Arcs stay arcs; other formats get
+chords (--deviation). All that is left out is noted; --strict makes it an error where it may bear
+contours. Results are on a layer named after each operation, by default as AutoCAD 2000 has it (--dxf-version).
 
 GeoJSON (read and written): Polygon and MultiPolygon, alone or in Feature, FeatureCollection and
 GeometryCollection. Polygons of one file are united. Results are a FeatureCollection with one

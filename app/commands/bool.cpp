@@ -152,7 +152,7 @@ std::string PictureOf(const Run& run, const std::vector<std::size_t>& results) {
   return WriteSvg(picture);
 }
 
-void WriteOutputs(const Run& run, bool curves) {
+void WriteOutputs(const Run& run, const Writing& writing) {
   OutputFiles files;
   for (const OutputPlan& plan : run.plans) {
     if (plan.format == Format::kSvg) {
@@ -161,7 +161,7 @@ void WriteOutputs(const Run& run, bool curves) {
     }
     std::vector<Layer> layers;
     for (const std::size_t i : plan.results) layers.push_back(run.results[i]);
-    files.Add(plan.file, WriteResults(plan.format, layers, run.loaded.units, curves));
+    files.Add(plan.file, WriteResults(plan.format, layers, run.loaded.units, writing));
   }
   files.Commit();
 }
@@ -203,7 +203,7 @@ int RunBool(const BoolOptions& options) {
     for (const Region& region : run.regions)
       run.operands.push_back(MakeLayer(BaseName(inputs[run.operands.size()]), CurvedShape(region)));
   }
-  WriteOutputs(run, options.input.curves);
+  WriteOutputs(run, options.input.writing);
   stats.Stage("write", watch.Lap());
   progress.Stage("");
 

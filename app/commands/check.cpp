@@ -5,8 +5,10 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <set>
 
+#include "app/commands/left_out.h"
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
 #include "app/io/output_files.h"
@@ -19,11 +21,15 @@ constexpr std::size_t kMostFaults = 1000000;
 // One line for each kind of fault that a loop has, or that two loops have with each other, with its first place.
 class Findings {
  public:
-  explicit Findings(const Contours& contours) : contours_(contours) {}
+  Findings(const Contours& contours, const std::map<std::string, LeftOut>& leftOut) : contours_(contours), leftOut_(leftOut) {}
 
   std::string Text() {
+    for (const auto& [what, left] : leftOut_) {
+      if (left.bearsContours) Report(left.line, "left out " + LeftOutText(what, left));
+    }
     for (const OpenEnds& open : contours_.open) {
-      Report(open.line, "contour does not close, from " + PointText(open.from) + " to " + PointText(open.to));
+      Report(open.line,
+             "contour does not close, from " + PointText(open.from) + " to " + PointText(open.to) + GapText(contours_, open));
     }
     for (const Fork& fork : contours_.forks) {
       Report(fork.line, std::to_string(fork.ends) + " lines meet at " + PointText(fork.at) +
@@ -74,15 +80,16 @@ class Findings {
   }
 
   const Contours& contours_;
+  const std::map<std::string, LeftOut>& leftOut_;
   std::string text_;
 };
 
-void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, bool curves, const std::vector<OutputPlan>& plans,
+void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const Writing& writing, const std::vector<OutputPlan>& plans,
                 const std::string& name, Progress& progress) {
   OutputFiles files;
   const Layer layer = MakeLayer(name, CurvedShape(MakeRegion(loaded.contours.front(), rule)));
   NoteBeside({layer}, progress);
-  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units, curves));
+  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units, writing));
   files.Commit();
 }
 
@@ -93,13 +100,15 @@ int RunCheck(const CheckOptions& options) {
   Progress progress;
   const std::string name = StemOf(options.file);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
-  const Loaded loaded = Load({options.file}, options.input, progress);
+  InputOptions input = options.input;
+  input.leftOutIsFound = true;
+  const Loaded loaded = Load({options.file}, input, progress);
   const Contours& contours = loaded.contours.front();
   progress.Stage("checking " + options.file);
-  std::string findings = Findings(contours).Text();
+  std::string findings = Findings(contours, loaded.leftOut.front()).Text();
   const bool isClean = findings.empty();
   if (isClean) findings = options.file + ": clean, " + std::to_string(contours.rings.size()) + " loops\n";
-  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), options.input.curves, plans, name, progress);
+  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), options.input.writing, plans, name, progress);
   progress.Stage("");
   if (UsesStandardOutput(plans)) {
     std::fputs(findings.c_str(), stderr);

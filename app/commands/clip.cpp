@@ -167,9 +167,10 @@ Frame FrameAround(const Extent& region, const Extent& lines) {
 }
 
 void Read(const ClipOptions& options, Run& run, Progress& progress) {
-  const Format format = FormatOption(options.input);
-  run.drawing = ReadInput(options.lines, format, Content::kLines, options.input.layers, progress);
-  Drawing region = ReadInput(options.region, format, Content::kRegions, options.regionLayers, progress);
+  InputOptions ofRegion = options.input;
+  ofRegion.layers = options.regionLayers;
+  run.drawing = ReadInput(options.lines, Content::kLines, options.input, progress);
+  Drawing region = ReadInput(options.region, Content::kRegions, ofRegion, progress);
   run.units = run.drawing.units != 0 ? run.drawing.units : region.units;
   ConvertUnits(region, run.units, progress);
   Extent extent = ExtentOf(run.drawing);
@@ -242,13 +243,14 @@ std::string PictureOf(const Run& run, const Parts& parts) {
   return WriteSvg(plot);
 }
 
-void WriteOutputs(const Run& run, const std::vector<OutputPlan>& plans) {
+void WriteOutputs(const Run& run, const std::vector<OutputPlan>& plans, DxfVersion version) {
   OutputFiles files;
   for (const OutputPlan& plan : plans) {
     Parts parts;
     for (const std::size_t i : plan.results) parts.push_back(&run.parts[i]);
-    files.Add(plan.file, plan.format == Format::kSvg ? PictureOf(run, parts)
-                                                     : WriteLines(plan.format, LayersOf(parts), run.units, run.hasHeights));
+    files.Add(plan.file, plan.format == Format::kSvg
+                             ? PictureOf(run, parts)
+                             : WriteLines(plan.format, LayersOf(parts), run.units, run.hasHeights, version));
   }
   files.Commit();
 }
@@ -292,7 +294,7 @@ int RunClip(const ClipOptions& options) {
   stages.emplace_back("clip", watch.Lap());
   progress.Stage("writing");
   run.region = MakeLayer(run.regionName, shape);
-  WriteOutputs(run, plans);
+  WriteOutputs(run, plans, options.input.writing.dxf);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");
   if (options.stats || plans.empty()) std::fputs(Report(run, stages).c_str(), UsesStandardOutput(plans) ? stderr : stdout);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zbr-drawing/contours.h>
+#include <zbr-formats/types.h>
 
 #include <string>
 #include <vector>
@@ -12,16 +13,25 @@
 namespace tool {
 
 inline constexpr int kExitFine = 0;
-inline constexpr int kExitFound = 1;  // of check alone
+inline constexpr int kExitFound = 1;  // of check, and of --strict
 inline constexpr int kExitError = 2;
+
+// How results are written.
+struct Writing {
+  bool curves = false;  // WKT with arcs
+  DxfVersion dxf = DxfVersion::kR2000;
+};
 
 // Options of every command that reads drawings.
 struct InputOptions {
   std::string format;               // of files whose names do not tell
   std::vector<std::string> layers;  // empty: all
   FlattenOptions flatten{-1.0, -1.0};
-  std::string fill;     // the rule that tells what is inside; empty: even-odd
-  bool curves = false;  // WKT with arcs, of commands that write regions
+  std::string fill;             // the rule that tells what is inside; empty: even-odd
+  Writing writing;              // of commands that write regions
+  bool allLayers = false;       // those that are off or frozen, too
+  bool strict = false;          // fail where anything that bears contours is left out
+  bool leftOutIsFound = false;  // such things are told by the command itself
 };
 
 struct BoolOptions {
@@ -90,6 +100,7 @@ struct DrawOptions {
   unsigned jobs = 0;      // 0: as many as there are processors
   bool fill = false;
   bool stats = false;
+  DxfVersion dxf = DxfVersion::kR2000;  // of outputs
 };
 
 struct PickOptions {
@@ -111,6 +122,7 @@ struct OutlineOptions {
   unsigned jobs = 0;   // 0: as many as there are processors
   bool whole = false;  // whatever nearer objects cover
   bool stats = false;
+  DxfVersion dxf = DxfVersion::kR2000;  // of outputs
 };
 
 struct ClipOptions {

@@ -118,7 +118,7 @@ int RunDraw(const DrawOptions& options) {
   const Sheet sheet = LayOut(std::move(views), plan.sheet);
   OutputFiles files;
   for (const SheetOutput& output : plan.outputs)
-    files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount()));
+    files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount(), options.dxf));
   files.Commit();
   progress.Stage("");
 

@@ -7,12 +7,13 @@
 
 #include <algorithm>
 
+#include "app/commands/left_out.h"
 #include "app/libraries.h"
 
 namespace tool {
 namespace {
 
-void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
+void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers, Progress& progress) {
   if (layers.empty()) return;
   std::set<std::string> known;
   for (const Path& path : drawing.paths) {
@@ -22,12 +23,10 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers) {
                 [&](const Path& path) { return std::find(layers.begin(), layers.end(), path.layer) == layers.end(); });
   if (drawing.paths.empty())
     throw Failure(drawing.file, "nothing on the chosen layers; " + (known.empty() ? "it has none" : "there are " + Listed(known)));
-}
-
-void NoteIgnored(const Drawing& drawing, Progress& progress) {
-  std::string list;
-  for (const auto& [what, left] : drawing.leftOut) list += (list.empty() ? "" : ", ") + std::to_string(left.count) + " " + what;
-  if (!list.empty()) progress.Note(drawing.file + ": note: left out " + list);
+  for (const std::string& layer : layers) {
+    if (!known.contains(layer))
+      progress.Note(drawing.file + ": note: nothing on layer " + Quoted(layer) + "; there are " + Listed(known));
+  }
 }
 
 void LeaveOutRepeats(Drawing& drawing, Progress& progress) {
@@ -52,12 +51,11 @@ const char* VerbFor(ZBR_REGION_FAULT_KIND kind) {
 
 }  // namespace
 
-Drawing ReadInput(const std::string& file, Format format, Content content, const std::vector<std::string>& layers,
-                  Progress& progress) {
+Drawing ReadInput(const std::string& file, Content content, const InputOptions& options, Progress& progress) {
   progress.Stage("reading " + file);
-  Drawing drawing = ReadDrawing(file, format, content);
-  NoteIgnored(drawing, progress);
-  KeepLayers(drawing, layers);
+  Drawing drawing = ReadDrawing(file, FormatOption(options), content);
+  KeepLayers(drawing, options.layers, progress);
+  LeaveOut(drawing, options, progress);
   if (content == Content::kRegions && drawing.joinsEnds) LeaveOutRepeats(drawing, progress);
   return drawing;
 }
@@ -82,12 +80,14 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   for (const std::string& file : files) {
     const std::size_t place = drawings.size();
     const bool isOwn = place < layers.size() && !layers[place].empty();
-    const std::vector<std::string>& chosen = isOwn ? layers[place] : options.layers;
-    Drawing& drawing = drawings.emplace_back(ReadInput(file, fallback, Content::kRegions, chosen, progress));
+    InputOptions ofFile = options;
+    if (isOwn) ofFile.layers = layers[place];
+    Drawing& drawing = drawings.emplace_back(ReadInput(file, Content::kRegions, ofFile, progress));
     ConvertUnits(drawing, drawings.front().units, progress);
     for (const Path& path : drawing.paths) {
       if (!path.layer.empty()) loaded.layers.emplace(path.layer);
     }
+    loaded.leftOut.push_back(drawing.leftOut);
     extent.Add(ExtentOf(drawing));
   }
   loaded.units = drawings.front().units;
@@ -96,10 +96,12 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   return loaded;
 }
 
-void NoteOpen(const Contours& contours, Progress& progress) {
+void NoteOpen(const Contours& contours, const InputOptions& options, Progress& progress) {
   if (contours.open.empty()) return;
-  progress.Note(contours.file + ":" + std::to_string(contours.open.front().line) + ": warning: left out " +
-                OpenText(contours.open.size()));
+  const std::string what = OpenText(contours.open.size()) + NarrowestGapText(contours);
+  const std::size_t line = contours.open.front().line;
+  if (options.strict) throw Incomplete(contours.file, line, "left out " + what + ", which --strict does not allow");
+  progress.Note(contours.file + ":" + std::to_string(line) + ": warning: left out " + what);
 }
 
 void NoteBeside(const std::vector<Layer>& layers, Progress& progress) {
@@ -114,7 +116,7 @@ Region LoadRegion(const Contours& contours, const InputOptions& options, Progres
   progress.Stage("nesting " + contours.file);
   Region region = MakeRegion(contours, FillRule(options.fill));
   NoteForks(contours, progress);
-  NoteOpen(contours, progress);
+  NoteOpen(contours, options, progress);
   if (!region.faults.empty() && options.fill.empty()) {
     const ZBR_REGION_FAULT& fault = region.faults.front();
     const std::size_t line = contours.rings[static_cast<std::size_t>(fault.ring_a)].line;

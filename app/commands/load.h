@@ -4,6 +4,7 @@
 #include <zbr-drawing/region.h>
 #include <zbr-formats/drawings.h>
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -15,10 +16,11 @@
 namespace tool {
 
 struct Loaded {
-  std::vector<Contours> contours;    // one for each file
-  std::set<std::string> layers;      // names found in the files
-  int units = 0;                     // of the first file
-  Format format = Format::kUnknown;  // of the first file
+  std::vector<Contours> contours;                       // one for each file
+  std::set<std::string> layers;                         // names found in the files
+  std::vector<std::map<std::string, LeftOut>> leftOut;  // by the readers, for each file
+  int units = 0;                                        // of the first file
+  Format format = Format::kUnknown;                     // of the first file
 };
 
 // Reads the files and makes contours of them, with one set of tolerances, so that what coincides in the files still does. A file in
@@ -28,16 +30,15 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
             const std::vector<std::vector<std::string>>& layers = {});
 
 // The parts of that, for commands that read files for different things: one file, without the layers that are not wanted (none
-// named: all), with a note of what was left out; and a drawing brought to the units of another one.
-Drawing ReadInput(const std::string& file, Format format, Content content, const std::vector<std::string>& layers,
-                  Progress& progress);
+// named: all that are shown), with a note of what was left out; and a drawing brought to the units of another one.
+Drawing ReadInput(const std::string& file, Content content, const InputOptions& options, Progress& progress);
 void ConvertUnits(Drawing& drawing, int units, Progress& progress);
 
 // The region of a file. A note says where its rings cross, unless the caller chose what that shall mean.
 Region LoadRegion(const Contours& contours, const InputOptions& options, Progress& progress);
 
 // Notes of contours that do not close, and of chords that could not become curves again.
-void NoteOpen(const Contours& contours, Progress& progress);
+void NoteOpen(const Contours& contours, const InputOptions& options, Progress& progress);
 void NoteBeside(const std::vector<Layer>& layers, Progress& progress);
 
 // "cut, marks, text", the first twenty.

@@ -59,10 +59,11 @@ std::string ListCells(const std::vector<CurvedRegion>& cells) {
 }
 
 // Formats that tell polygons apart get one of each cell, pictures and DXF all of them on one layer.
-std::string WriteCells(Format format, const std::string& name, const std::vector<CurvedRegion>& cells, int units, bool curves) {
+std::string WriteCells(Format format, const std::string& name, const std::vector<CurvedRegion>& cells, int units,
+                       const Writing& writing) {
   std::vector<Layer> layers;
   for (std::size_t i = 0; i < cells.size(); ++i) layers.push_back(MakeLayer("cell " + std::to_string(i + 1), cells[i]));
-  if (format != Format::kDxf && format != Format::kSvg) return WriteResults(format, layers, units, curves);
+  if (format != Format::kDxf && format != Format::kSvg) return WriteResults(format, layers, units, writing);
   Layer all;
   all.name = name;
   for (const Layer& layer : layers) {
@@ -70,7 +71,7 @@ std::string WriteCells(Format format, const std::string& name, const std::vector
     all.outlines.insert(all.outlines.end(), layer.outlines.begin(), layer.outlines.end());
     all.area += layer.area;
   }
-  return WriteRegion(format, all, units, curves);
+  return WriteRegion(format, all, units, writing);
 }
 
 }  // namespace
@@ -82,16 +83,16 @@ int RunNest(const NestOptions& options) {
   const Loaded loaded = Load({options.file}, options.input, progress);
   OutputFiles files;
   if (options.input.flatten.faces == LineFaces::kAll) {
-    NoteOpen(loaded.contours.front(), progress);
+    NoteOpen(loaded.contours.front(), options.input, progress);
     const std::vector<CurvedRegion> cells = CellsOf(loaded.contours.front());
     if (plans.empty()) files.Add("-", ListCells(cells));
     for (const OutputPlan& plan : plans)
-      files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units, options.input.curves));
+      files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units, options.input.writing));
   } else {
     const CurvedRegion shape = CurvedShape(LoadRegion(loaded.contours.front(), options.input, progress));
     if (plans.empty()) files.Add("-", List(shape.rings));
     for (const OutputPlan& plan : plans)
-      files.Add(plan.file, WriteRegion(plan.format, MakeLayer(name, shape), loaded.units, options.input.curves));
+      files.Add(plan.file, WriteRegion(plan.format, MakeLayer(name, shape), loaded.units, options.input.writing));
   }
   progress.Stage("");
   files.Commit();

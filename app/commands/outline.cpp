@@ -40,6 +40,7 @@ struct Run {
   int units = 0;
   std::string title, view;
   std::vector<Layer> layers;  // one for each object
+  DxfVersion dxf = DxfVersion::kR2000;
 };
 
 std::vector<Layer> FindLayers(const Objects& objects, const Model& model, Scene& scene, const OutlineOptions& options) {
@@ -81,7 +82,7 @@ std::string PictureOf(const Run& run, const std::vector<Layer>& layers) {
 }
 
 std::string TextOf(const Run& run, const std::vector<Layer>& layers, Format format) {
-  return format == Format::kSvg ? PictureOf(run, layers) : WriteDrawing(format, layers, run.units);
+  return format == Format::kSvg ? PictureOf(run, layers) : WriteDrawing(format, layers, run.units, run.dxf);
 }
 
 void WriteOutputs(const Run& run) {
@@ -112,7 +113,7 @@ std::vector<std::string> NamesOf(const std::vector<Layer>& layers) {
 int RunOutline(const OutlineOptions& options) {
   Progress progress;
   const std::vector<PlacedFile> files = ListObjects(options.models, options.objects);
-  Run run{PlanOutputs(options, files), UnitOption(options.unit), TitleOf(files), ViewName(options.view), {}};
+  Run run{PlanOutputs(options, files), UnitOption(options.unit), TitleOf(files), ViewName(options.view), {}, options.dxf};
   ChooseView(options.view, false);  // fails before anything is read
   std::vector<std::pair<std::string, double>> stages;
   Stopwatch watch;

@@ -63,12 +63,12 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
   return plans;
 }
 
-std::string WriteResults(Format format, const std::vector<Layer>& layers, int units, bool curves) {
-  return curves && format == Format::kWkt ? WriteWktCurves(layers) : WriteDrawing(format, layers, units);
+std::string WriteResults(Format format, const std::vector<Layer>& layers, int units, const Writing& writing) {
+  return writing.curves && format == Format::kWkt ? WriteWktCurves(layers) : WriteDrawing(format, layers, units, writing.dxf);
 }
 
-std::string WriteRegion(Format format, const Layer& layer, int units, bool curves) {
-  if (format != Format::kSvg) return WriteResults(format, {layer}, units, curves);
+std::string WriteRegion(Format format, const Layer& layer, int units, const Writing& writing) {
+  if (format != Format::kSvg) return WriteResults(format, {layer}, units, writing);
   Picture picture;
   picture.title = layer.name;
   picture.units = units;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/commands.h"
 #include "app/libraries.h"
 
 namespace tool {
@@ -33,10 +34,10 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
 void CheckPlaceholders(const std::string& file, const std::string& placeholder);
 
 // Results in this format, in WKT with curves if wanted. Not for pictures.
-std::string WriteResults(Format format, const std::vector<Layer>& layers, int units, bool curves);
+std::string WriteResults(Format format, const std::vector<Layer>& layers, int units, const Writing& writing);
 
 // A region by itself in this format.
-std::string WriteRegion(Format format, const Layer& layer, int units, bool curves);
+std::string WriteRegion(Format format, const Layer& layer, int units, const Writing& writing);
 
 // Whether a plan writes to standard output, so that reports have to go to standard error.
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans);

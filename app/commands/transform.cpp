@@ -49,17 +49,16 @@ int RunTransform(const TransformOptions& options) {
   const Affine map = MapOf(options);
   const auto isDxf = [](const OutputPlan& plan) { return plan.format == Format::kDxf; };
   const bool isReadForLines = std::all_of(plans.begin(), plans.end(), isDxf);
-  Drawing drawing =
-      ReadInput(options.file, format, isReadForLines ? Content::kLines : Content::kRegions, options.input.layers, progress);
+  Drawing drawing = ReadInput(options.file, isReadForLines ? Content::kLines : Content::kRegions, options.input, progress);
   for (Path& path : drawing.paths) {
     Map(path, map);
     for (double& z : path.heights) z *= options.scale;
   }
   OutputFiles files;
   for (const OutputPlan& plan : plans) {
-    files.Add(plan.file, isDxf(plan) ? WriteDxf(drawing)
+    files.Add(plan.file, isDxf(plan) ? WriteDxf(drawing, options.input.writing.dxf)
                                      : WriteRegion(plan.format, RegionLayer(drawing, name, options.input, progress), drawing.units,
-                                                   options.input.curves));
+                                                   options.input.writing));
   }
   progress.Stage("");
   files.Commit();

@@ -76,7 +76,10 @@ struct Piece {
 };
 
 void AddOpen(const Path& path, const ChordLine& chords, Contours& contours) {
-  if (!chords.points.empty()) contours.open.push_back({chords.points.front(), chords.points.back(), path.line});
+  if (chords.points.empty()) return;
+  Extent extent;
+  for (const ZBR_PT& p : chords.points) extent.Add(p);
+  contours.open.push_back({chords.points.front(), chords.points.back(), path.line, extent.Size()});
 }
 
 // The piece as lines for the tracing of faces.

@@ -7,7 +7,11 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
+
+#include "formats/text/foreign.h"
 
 namespace zbr::formats {
 namespace {
@@ -58,6 +62,7 @@ Drawing ParseDrawing(Format format, std::string text, const std::string& name, C
   if (format == Format::kUnknown)
     throw Failure(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .loops or .txt, else give --format");
   if (format == Format::kSvg) throw Failure(name, "pictures are written, not read");
+  RefuseForeign(text, name);
   DropByteOrderMark(text);
   if (format == Format::kDxf) return ReadDxf(text, name, content);
   if (format == Format::kGeoJson) return ReadGeoJson(text, name, content);
@@ -68,6 +73,9 @@ Drawing ParseDrawing(Format format, std::string text, const std::string& name, C
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   const Format format = FormatOf(file, fallback);
   const bool isReadable = format != Format::kUnknown && format != Format::kSvg;
+  std::error_code ignored;
+  // What the name does not tell the contents may.
+  if (format == Format::kUnknown && std::filesystem::is_regular_file(file, ignored)) RefuseForeign(ReadFile(file), file);
   return ParseDrawing(format, isReadable ? ReadFile(file) : "", file, content);
 }
 

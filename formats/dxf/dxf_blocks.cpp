@@ -1,11 +1,12 @@
 // Puts blocks in their places.
 //
 // Difficulty: blocks hold blocks, in columns and rows, so that a small file can stand for more than any memory holds, or for
-// a block within itself. So the points that come out are counted, blocks without any are not copied, and those that are being
-// unfolded are known.
+// a block within itself. So the points that will come out are counted before, blocks without any are unfolded once, for what they
+// left out, and those that are being unfolded are known.
 #include <zbr-drawing/failure.h>
+#include <zbr-drawing/numbers.h>
 
-#include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -14,7 +15,7 @@
 namespace zbr::formats {
 namespace {
 
-constexpr std::size_t kMostPoints = 10000000;  // which take some gigabytes
+constexpr double kMostPoints = 10000000;  // which take some gigabytes
 constexpr std::size_t kDeepest = 100;
 constexpr std::string_view kByBlock = "BYBLOCK";
 
@@ -37,23 +38,17 @@ class Unfolding {
     }
   }
 
-  std::vector<std::size_t> UnfoldDrawing(DxfContents& contents) {
+  void UnfoldDrawing(DxfContents& contents) {
     auto insert = contents.inserts.begin();
     for (std::size_t i = 0; i <= contents.paths.size(); ++i) {
       for (; insert != contents.inserts.end() && insert->before == i; ++insert) Unfold(*insert, Place());
       if (i == contents.paths.size()) break;
-      NoteHatch(contents, i);
       AddPath(std::move(contents.paths[i]), Place());
     }
     AddLeftOut(contents.leftOut);
-    return std::move(hatches_);
   }
 
  private:
-  void NoteHatch(const DxfContents& contents, std::size_t path) {
-    if (std::binary_search(contents.hatches.begin(), contents.hatches.end(), path)) hatches_.push_back(drawing_.paths.size());
-  }
-
   void AddPath(Path path, const Place& place) {
     if (place.as != nullptr) {
       Map(path, place.map);
@@ -103,17 +98,17 @@ class Unfolding {
     }
     if (fault != nullptr) return drawing_.LeaveOut(fault, insert.line, true);
     const DxfBlock& block = found->second;
-    const std::size_t before = drawing_.paths.size();
+    const double points = PointsOf(block);
+    if (outer.as == nullptr) Count(points * static_cast<double>(insert.rows) * static_cast<double>(insert.columns), insert.line);
+    if (points == 0 && !emptyOnes_.insert(&block).second) return;
     open_.insert(&block);
     const DxfInsert resolved = Resolved(insert, outer);
     for (long row = 0; row < insert.rows; ++row) {
       for (long column = 0; column < insert.columns; ++column) {
         UnfoldCopy(block, resolved, outer, insert.column * static_cast<double>(column) + insert.row * static_cast<double>(row));
-        if (drawing_.paths.size() == before) {  // nothing in it: no need of more copies
-          open_.erase(&block);
-          return;
-        }
+        if (points == 0) break;
       }
+      if (points == 0) break;
     }
     open_.erase(&block);
   }
@@ -126,23 +121,34 @@ class Unfolding {
     place.as = &insert;
     place.line = outer.as == nullptr ? insert.line : outer.line;
     place.hidden = outer.hidden || insert.hidden || frozen_.contains(DxfCapitals(insert.layer));
-    Count(1, insert.line);
     const DxfContents& contents = block.contents;
     auto inner = contents.inserts.begin();
     for (std::size_t i = 0; i <= contents.paths.size(); ++i) {
       for (; inner != contents.inserts.end() && inner->before == i; ++inner) Unfold(*inner, place);
       if (i == contents.paths.size()) break;
-      Count(contents.paths[i].points.size() + contents.paths[i].curves.size(), insert.line);
-      NoteHatch(contents, i);
       AddPath(contents.paths[i], place);
     }
     AddLeftOut(contents.leftOut);
   }
 
-  void Count(std::size_t points, std::size_t line) {
+  // How many points a copy of the block stands for; of one within itself those outside of that.
+  double PointsOf(const DxfBlock& block, std::size_t depth = 0) {
+    const auto [known, isNew] = pointsOf_.emplace(&block, 0.0);
+    if (!isNew || depth > kDeepest) return known->second;
+    double points = 0;
+    for (const Path& path : block.contents.paths) points += static_cast<double>(path.points.size() + path.curves.size());
+    for (const DxfInsert& insert : block.contents.inserts) {
+      const auto found = blocks_.find(DxfCapitals(insert.block));
+      if (found == blocks_.end()) continue;
+      points += PointsOf(found->second, depth + 1) * static_cast<double>(insert.rows) * static_cast<double>(insert.columns);
+    }
+    return pointsOf_[&block] = points;
+  }
+
+  void Count(double points, std::size_t line) {
     points_ += points;
     if (points_ > kMostPoints)
-      FailAt(drawing_.file, line, "the blocks stand for more than " + std::to_string(kMostPoints) + " points");
+      FailAt(drawing_.file, line, "the blocks stand for more than " + RoundedText(kMostPoints, 1) + " points");
   }
 
   const DxfBlocks& blocks_;
@@ -150,8 +156,9 @@ class Unfolding {
   Drawing& drawing_;
   std::set<std::string, std::less<>> frozen_, hidden_;
   std::set<const DxfBlock*> open_;
-  std::size_t points_ = 0;
-  std::vector<std::size_t> hatches_;  // paths of the drawing
+  std::set<const DxfBlock*> emptyOnes_;  // that were unfolded
+  std::map<const DxfBlock*, double> pointsOf_;
+  double points_ = 0;
 };
 
 }  // namespace
@@ -162,8 +169,8 @@ std::string DxfCapitals(std::string_view name) {
   return capitals;
 }
 
-std::vector<std::size_t> UnfoldBlocks(DxfContents contents, const DxfBlocks& blocks, bool keepHeights, Drawing& drawing) {
-  return Unfolding(blocks, keepHeights, drawing).UnfoldDrawing(contents);
+void UnfoldBlocks(DxfContents contents, const DxfBlocks& blocks, bool keepHeights, Drawing& drawing) {
+  Unfolding(blocks, keepHeights, drawing).UnfoldDrawing(contents);
 }
 
 }  // namespace zbr::formats

@@ -32,7 +32,6 @@ struct DxfContents {
   std::vector<Path> paths;
   std::vector<DxfInsert> inserts;
   std::map<std::string, LeftOut> leftOut;
-  std::vector<std::size_t> hatches;  // which paths are boundaries of hatches, in ascending order
 };
 
 struct DxfBlock {
@@ -49,10 +48,6 @@ std::string DxfCapitals(std::string_view name);
 // Puts blocks in their places, within each other too, and moves all paths into the drawing. What a block left out counts once for
 // each copy. Entities of layer 0 come to the layer of their insert, colours and line types "by block" become those of the insert.
 // Fails when that would make more than ten million points.
-// The result: which paths of the drawing are boundaries of hatches.
-std::vector<std::size_t> UnfoldBlocks(DxfContents contents, const DxfBlocks& blocks, bool keepHeights, Drawing& drawing);
-
-// Leaves out boundaries of hatches that other entities draw, edge by edge.
-void DropDrawnHatches(Drawing& drawing, const std::vector<std::size_t>& hatches);
+void UnfoldBlocks(DxfContents contents, const DxfBlocks& blocks, bool keepHeights, Drawing& drawing);
 
 }  // namespace zbr::formats

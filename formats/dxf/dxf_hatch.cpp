@@ -1,8 +1,4 @@
-// Boundaries of hatches.
-//
-// Most hatches fill contours that are drawn by entities of their own; taken as well, both would cancel each other out. So the
-// boundaries of associative hatches, which name those entities, are passed over, and so are boundaries all of whose edges are drawn
-// otherwise (dxf_repeats.cpp).
+// Boundaries of hatches, which the format describes in a fixed order of groups.
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -153,11 +149,10 @@ Path EdgeBoundary(Groups& groups) {
 }  // namespace
 
 void DxfEntities::TakeHatch(const DxfRecord& entity) {
-  constexpr int kAssociative = 71, kPaths = 91, kPathKind = 92, kSources = 97;
+  constexpr int kPaths = 91, kPathKind = 92;
   constexpr long kIsPolyline = 2, kIsTextBox = 8;
   const DxfPlane plane(entity);
   if (plane.IsEdgeOn()) return EdgeOn(entity);
-  const bool isAssociative = entity.Integer(kAssociative) != 0;
   Groups groups(entity);
   groups.Seek(kPaths);
   const long count = groups.Integer(kPaths);
@@ -166,9 +161,8 @@ void DxfEntities::TakeHatch(const DxfRecord& entity) {
     const long kind = groups.Integer(kPathKind);
     Path path = (kind & kIsPolyline) != 0 ? PolylineBoundary(groups) : EdgeBoundary(groups);
     if (!groups.IsGood() || path.points.empty()) return Malformed(entity);
-    const bool hasSources = groups.IsAt(kSources) && groups.Integer(kSources) > 0;
-    if ((isAssociative && hasSources) || (kind & kIsTextBox) != 0) continue;
-    contents_.hatches.push_back(contents_.paths.size());
+    if ((kind & kIsTextBox) != 0) continue;
+    path.fills = true;
     AddInPlane(std::move(path), entity, plane, entity.Real(30));
   }
 }

@@ -43,7 +43,7 @@ class DxfReader {
       }
     }
     if (!hasEnd) FailAt(file_.name, std::max<std::size_t>(groups_.group().line, 1), "the file ends without EOF");
-    DropDrawnHatches(drawing_, UnfoldBlocks(std::move(contents_), blocks_, keepsHeights_, drawing_));
+    UnfoldBlocks(std::move(contents_), blocks_, keepsHeights_, drawing_);
     return std::move(drawing_);
   }
 

@@ -12,6 +12,7 @@
 
 #include "formats/file_access.h"
 #include "formats/meshes/readers.h"
+#include "formats/text/foreign.h"
 
 namespace zbr::formats {
 namespace {
@@ -77,6 +78,7 @@ Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& 
     throw Failure(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give --model-format");
   if (reader != kReadStl) DropByteOrderMark(bytes);  // a binary STL may begin with anything
   if (bytes.empty()) throw Failure(name, "the file is empty");
+  RefuseForeign(bytes, name);
   Mesh mesh = reader(bytes, name, beside);
   Check(mesh, name);
   mesh.yUp = reader == ReadGltf;
@@ -91,6 +93,9 @@ Mesh ReadMesh(const std::string& file, const std::string& format) {
     if (!IsRegularFile(path)) throw Failure("there is no file " + Quoted(name));
     return ReadFile(path);
   };
+  std::error_code ignored;
+  // What the name does not tell the contents may.
+  if (ReaderOf(chosen) == nullptr && std::filesystem::is_regular_file(file, ignored)) RefuseForeign(ReadFile(file), file);
   return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside);
 }
 

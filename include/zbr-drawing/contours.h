@@ -38,6 +38,9 @@ std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenO
 // Leaves out lines and arcs that repeat an earlier one exactly, and returns how many those were.
 std::size_t DropRepeats(std::vector<Path>& paths);
 
+// Leaves out boundaries of hatches where other contours are drawn, and returns how many those were.
+std::size_t DropFillings(std::vector<Path>& paths);
+
 // Open paths joined end to end.
 struct LineWork {
   std::vector<Path> contours;             // what closes, marked so, and what is open: dead ends, joined as far as they do not fork

@@ -73,6 +73,7 @@ struct Path {
   std::string_view layer;       // kept by the drawing's names
   std::string_view lineType;    // the same; empty: that of the layer
   int colour = kColourByLayer;  // of the colour index
+  bool fills = false;           // bounds a hatch, which mostly fills what other contours bound (DropFillings)
   bool hidden = false;          // not shown: its layer is off or frozen, or it is marked so itself
 };
 
@@ -130,6 +131,7 @@ struct Ring {
 struct OpenEnds {
   ZBR_PT from, to;
   std::size_t line = 0;
+  double size = 0.0;  // the larger side of its box
 };
 
 // Where more than two ends of open contours meet.
