@@ -106,8 +106,8 @@ class Unfolding {
     const std::size_t before = drawing_.paths.size();
     open_.insert(&block);
     const DxfInsert resolved = Resolved(insert, outer);
-    for (long row = 0; row < insert.rows; ++row) {
-      for (long column = 0; column < insert.columns; ++column) {
+    for (long long row = 0; row < insert.rows; ++row) {
+      for (long long column = 0; column < insert.columns; ++column) {
         UnfoldCopy(block, resolved, outer, insert.column * static_cast<double>(column) + insert.row * static_cast<double>(row));
         if (drawing_.paths.size() == before) {  // nothing in it: no need of more copies
           open_.erase(&block);
