@@ -14,7 +14,7 @@
 #include "app/libraries.h"
 
 int main(int argc, char** argv) {
-  const tool::ProcessState state;
+  tool::PrepareProcess();
   try {
     zbrSetEps(tool::kTolerance);
     const int code = tool::CommandLine().Run(tool::Arguments(argc, argv));

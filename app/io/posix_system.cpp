@@ -57,11 +57,9 @@ bool IsReadOnly(const std::string& name, const fs::file_status& status) {
 
 }  // namespace
 
-ProcessState::ProcessState() {
+void PrepareProcess() {
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails, and what was written is removed
 }
-
-ProcessState::~ProcessState() = default;
 
 std::vector<std::string> Arguments(int argc, char** argv) {
   return {argv + 1, argv + argc};

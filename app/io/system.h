@@ -9,14 +9,9 @@
 
 namespace tool {
 
-// Holds while the tool runs: a full disk is an error and no signal; standard streams carry bytes, which a console takes for UTF-8.
-class ProcessState {
- public:
-  ProcessState();
-  ~ProcessState();
-  ProcessState(const ProcessState&) = delete;
-  ProcessState& operator=(const ProcessState&) = delete;
-};
+// To be called first: a full disk is an error and no signal; standard streams carry bytes, which a console takes for UTF-8 until
+// the program ends.
+void PrepareProcess();
 
 // What stands behind the program's name, patterns replaced by the files that match them where the shell does not do so.
 std::vector<std::string> Arguments(int argc, char** argv);

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <system_error>
@@ -93,20 +94,17 @@ BOOL WINAPI PutCodePageBack(DWORD /*event*/) {
 
 }  // namespace
 
-ProcessState::ProcessState() {
+void PrepareProcess() {
   for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
   g_codePageBefore = GetConsoleOutputCP();
   if (g_codePageBefore == 0) return;
+  std::atexit([] { PutCodePageBack(0); });
   SetConsoleCtrlHandler(PutCodePageBack, TRUE);
   SetConsoleOutputCP(CP_UTF8);
   // The line of progress is erased by a sequence of characters.
   const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
   DWORD mode = 0;
   if (GetConsoleMode(console, &mode) != 0) SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
-}
-
-ProcessState::~ProcessState() {
-  PutCodePageBack(0);
 }
 
 bool IsTerminalOnStandardError() {

@@ -103,8 +103,8 @@ class Unfolding {
     if (points == 0 && !emptyOnes_.insert(&block).second) return;
     open_.insert(&block);
     const DxfInsert resolved = Resolved(insert, outer);
-    for (long row = 0; row < insert.rows; ++row) {
-      for (long column = 0; column < insert.columns; ++column) {
+    for (long long row = 0; row < insert.rows; ++row) {
+      for (long long column = 0; column < insert.columns; ++column) {
         UnfoldCopy(block, resolved, outer, insert.column * static_cast<double>(column) + insert.row * static_cast<double>(row));
         if (points == 0) break;
       }

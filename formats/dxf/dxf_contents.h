@@ -21,7 +21,7 @@ struct DxfInsert {
   std::size_t line = 0;
   Affine place;        // of the first copy
   ZBR_PT column, row;  // from one copy to the next
-  long columns = 1, rows = 1;
+  long long columns = 1, rows = 1;
   double heightScale = 1.0, height = 0.0;
   std::string_view layer, lineType;
   int colour = kColourByLayer;

@@ -96,7 +96,7 @@ void DxfEntities::Add(Path path, const DxfRecord& entity) {
   path.line = entity.line;
   path.layer = names_.Keep(entity.Name(kLayer));
   path.lineType = names_.Keep(entity.Name(kLineType));
-  path.colour = static_cast<int>(std::clamp(entity.Integer(kColour, kColourByLayer), 0L, long{kColourByLayer}));
+  path.colour = static_cast<int>(std::clamp(entity.Integer(kColour, kColourByLayer), 0LL, static_cast<long long>(kColourByLayer)));
   path.hidden = entity.Integer(kInvisible) != 0;
   contents_.paths.push_back(std::move(path));
 }
@@ -199,13 +199,13 @@ void DxfEntities::TakeInsert(const DxfRecord& entity) {
   insert.place = flat.After(Affine::Move(at.xy()).After(turn.After(Affine::Scale(xScale, yScale))));
   insert.column = flat.OfVector(turn.OfVector({entity.Real(44), 0}));
   insert.row = flat.OfVector(turn.OfVector({0, entity.Real(45)}));
-  insert.columns = std::max(1L, entity.Integer(kColumns, 1));
-  insert.rows = std::max(1L, entity.Integer(kRows, 1));
+  insert.columns = std::max(1LL, entity.Integer(kColumns, 1));
+  insert.rows = std::max(1LL, entity.Integer(kRows, 1));
   insert.heightScale = entity.Real(43, 1) * plane.normal().z();
   insert.height = plane.HeightOf(at.xy(), at.z());
   insert.layer = names_.Keep(entity.Name(8));
   insert.lineType = names_.Keep(entity.Name(6));
-  insert.colour = static_cast<int>(std::clamp(entity.Integer(62, kColourByLayer), 0L, long{kColourByLayer}));
+  insert.colour = static_cast<int>(std::clamp(entity.Integer(62, kColourByLayer), 0LL, static_cast<long long>(kColourByLayer)));
   insert.hidden = entity.Integer(60) != 0;
   contents_.inserts.push_back(insert);
 }

@@ -119,7 +119,7 @@ bool DxfGroups::NextOfBinary() {
   if (range.kind == DxfKind::kReal) {
     group_.real = std::bit_cast<double>(TakeInteger(8));
   } else if (range.kind == DxfKind::kInteger) {
-    group_.integer = static_cast<long>(TakeInteger(range.bytes));
+    group_.integer = static_cast<long long>(TakeInteger(range.bytes));
   } else {
     group_.text = range.bytes == 0 ? TakeString() : TakeBytes(static_cast<std::size_t>(TakeInteger(1)));
   }

@@ -17,7 +17,7 @@ struct DxfGroup {
   bool isBinary = false;
   std::string_view text;  // as it stands in the file, without the line end; of binary numbers nothing
   double real = 0.0;      // of binary numbers
-  long integer = 0;
+  long long integer = 0;
   std::size_t line = 0;  // of the code; the value is on the next one
 
   bool Is(int otherCode, std::string_view value) const { return code == otherCode && text == value; }

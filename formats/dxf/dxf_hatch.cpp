@@ -27,7 +27,7 @@ class Groups {
   bool IsAt(int code) const { return next_ < entity_.groups.size() && entity_.groups[next_].code == code; }
   // The value of the next group, which must have this code; else the boundary is no good.
   double Real(int code) { return Take(code) ? entity_.Real(entity_.groups[next_ - 1]) : 0.0; }
-  long Integer(int code) { return Take(code) ? entity_.Integer(entity_.groups[next_ - 1]) : 0; }
+  long long Integer(int code) { return Take(code) ? entity_.Integer(entity_.groups[next_ - 1]) : 0; }
   ZBR_PT Point(int code) {
     const double x = Real(code);
     return {x, Real(code + 10)};
@@ -63,10 +63,10 @@ void AddEdge(Path& path, const ZBR_PT& from, const ZBR_PT& to, const std::option
 Path PolylineBoundary(Groups& groups) {
   const bool hasBulges = groups.Integer(72) != 0;
   groups.Integer(73);  // closed: boundaries are
-  const long count = groups.Integer(93);
+  const long long count = groups.Integer(93);
   Path path;
   std::vector<double> bulges;
-  for (long i = 0; i < count && groups.IsGood(); ++i) {
+  for (long long i = 0; i < count && groups.IsGood(); ++i) {
     path.points.push_back(groups.Point(10));
     bulges.push_back(hasBulges && groups.IsAt(42) ? groups.Real(42) : 0.0);
   }
@@ -102,12 +102,12 @@ void AddEllipseEdge(Groups& groups, Path& path, bool isCircle) {
 
 void AddSplineEdge(Groups& groups, Path& path) {
   Spline spline;
-  spline.degree = static_cast<int>(std::clamp(groups.Integer(94), 0L, 1000L));
+  spline.degree = static_cast<int>(std::clamp(groups.Integer(94), 0LL, 1000LL));
   const bool isRational = groups.Integer(73) != 0;
   groups.Integer(74);  // periodic: the knots say so
-  const long knots = groups.Integer(95), points = groups.Integer(96);
-  for (long i = 0; i < knots && groups.IsGood(); ++i) spline.knots.push_back(groups.Real(40));
-  for (long i = 0; i < points && groups.IsGood(); ++i) {
+  const long long knots = groups.Integer(95), points = groups.Integer(96);
+  for (long long i = 0; i < knots && groups.IsGood(); ++i) spline.knots.push_back(groups.Real(40));
+  for (long long i = 0; i < points && groups.IsGood(); ++i) {
     spline.control.push_back(groups.Point(10));
     if (isRational) spline.weights.push_back(groups.IsAt(42) ? groups.Real(42) : 1.0);
   }
@@ -126,9 +126,9 @@ void AddSplineEdge(Groups& groups, Path& path) {
 Path EdgeBoundary(Groups& groups) {
   enum { kLine = 1, kArc, kEllipse, kSpline };
   Path path;
-  const long count = groups.Integer(93);
-  for (long i = 0; i < count && groups.IsGood(); ++i) {
-    const long kind = groups.Integer(72);
+  const long long count = groups.Integer(93);
+  for (long long i = 0; i < count && groups.IsGood(); ++i) {
+    const long long kind = groups.Integer(72);
     if (kind == kLine) {
       const ZBR_PT from = groups.Point(10);
       AddEdge(path, from, groups.Point(11), std::nullopt);
@@ -150,15 +150,15 @@ Path EdgeBoundary(Groups& groups) {
 
 void DxfEntities::TakeHatch(const DxfRecord& entity) {
   constexpr int kPaths = 91, kPathKind = 92;
-  constexpr long kIsPolyline = 2, kIsTextBox = 8;
+  constexpr long long kIsPolyline = 2, kIsTextBox = 8;
   const DxfPlane plane(entity);
   if (plane.IsEdgeOn()) return EdgeOn(entity);
   Groups groups(entity);
   groups.Seek(kPaths);
-  const long count = groups.Integer(kPaths);
-  for (long i = 0; i < count && groups.IsGood(); ++i) {
+  const long long count = groups.Integer(kPaths);
+  for (long long i = 0; i < count && groups.IsGood(); ++i) {
     if (!groups.Seek(kPathKind)) return Malformed(entity);
-    const long kind = groups.Integer(kPathKind);
+    const long long kind = groups.Integer(kPathKind);
     Path path = (kind & kIsPolyline) != 0 ? PolylineBoundary(groups) : EdgeBoundary(groups);
     if (!groups.IsGood() || path.points.empty()) return Malformed(entity);
     if ((kind & kIsTextBox) != 0) continue;

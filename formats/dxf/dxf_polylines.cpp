@@ -65,14 +65,14 @@ void DxfEntities::TakeFlatPolyline(const DxfRecord& entity) {
     if (group.code == 41) vertex.endWidth = entity.Real(group);
     if (group.code == 42) vertex.bulge = entity.Real(group);
   }
-  const long announced = entity.Integer(90);
-  if (!isOrdered || ys != vertices.size() || announced != static_cast<long>(vertices.size())) return Malformed(entity);
+  const long long announced = entity.Integer(90);
+  if (!isOrdered || ys != vertices.size() || announced != static_cast<long long>(vertices.size())) return Malformed(entity);
   AddPolyline(vertices, (entity.Integer(70) & kClosed) != 0, entity.Real(38), entity);
 }
 
 void DxfEntities::TakePolyline(const DxfRecord& entity) {
   constexpr int kInSpace = 8, kMeshes = 16 | 64, kSplineFrame = 16;
-  const long flags = entity.Integer(70);
+  const long long flags = entity.Integer(70);
   if ((flags & kMeshes) != 0) return LeaveOut("polygon mesh", entity, true);
   if ((flags & kInSpace) != 0) return TakeSpacePolyline(entity);
   const double startWidth = entity.Real(40), endWidth = entity.Real(41);
@@ -111,7 +111,7 @@ void DxfEntities::TakeMultiline(const DxfRecord& entity) {
     std::vector<double> offsets;
   };
   std::vector<Joint> joints;
-  long counted = 0;
+  long long counted = 0;
   for (const DxfGroup& group : entity.groups) {
     if (group.code == 11) joints.push_back({{entity.Real(group), 0}, {}, {}});
     if (joints.empty()) continue;

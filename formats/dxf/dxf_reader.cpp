@@ -88,7 +88,7 @@ class DxfReader {
       // Versions are AC1009, AC1015 and so on; letters in their order, too.
       if (variable == "$ACADVER" && group.code == 1) file_.isUtf8 = group.text >= std::string_view("AC1021");
       if (variable == "$INSUNITS" && group.code == 70)
-        drawing_.units = static_cast<int>(std::clamp(record_.Integer(group), 0L, 1000L));
+        drawing_.units = static_cast<int>(std::clamp(record_.Integer(group), 0LL, 1000LL));
     }
   }
 
@@ -121,12 +121,12 @@ class DxfReader {
     if (record_.kind == "LAYER") {
       DrawingLayer& layer = drawing_.layers.emplace_back();
       layer.name = record_.Name(2);
-      const auto colour = static_cast<int>(std::clamp(record_.Integer(62, 7), -256L, 256L));
+      const auto colour = static_cast<int>(std::clamp(record_.Integer(62, 7), -256LL, 256LL));
       layer.off = colour < 0;
       layer.colour = std::abs(colour);
       layer.frozen = (record_.Integer(70) & kFrozen) != 0;
       if (record_.Has(6)) layer.lineType = record_.Name(6);
-      layer.lineWeight = static_cast<int>(std::clamp(record_.Integer(370, layer.lineWeight), -3L, 1000L));
+      layer.lineWeight = static_cast<int>(std::clamp(record_.Integer(370, layer.lineWeight), -3LL, 1000LL));
     } else if (record_.kind == "LTYPE") {
       LineType& type = drawing_.lineTypes.emplace_back();
       type.name = record_.Name(2);

@@ -88,14 +88,14 @@ double DxfRecord::Real(const DxfGroup& group) const {
   return *value;
 }
 
-long DxfRecord::Integer(const DxfGroup& group) const {
+long long DxfRecord::Integer(const DxfGroup& group) const {
   if (group.isBinary) return group.integer;
   if (const auto value = ParseInteger(group.text)) return *value;
   constexpr double kLargest = 2147483647.0;
   const auto value = ParseNumber(group.text);  // some programs write 1.0
   if (!value || *value != std::floor(*value) || std::abs(*value) > kLargest)
     FailAt(file->name, group.line + 1, Quoted(group.text) + " is not an integer");
-  return static_cast<long>(*value);
+  return static_cast<long long>(*value);
 }
 
 double DxfRecord::Real(int code, double otherwise) const {
@@ -103,7 +103,7 @@ double DxfRecord::Real(int code, double otherwise) const {
   return group == nullptr ? otherwise : Real(*group);
 }
 
-long DxfRecord::Integer(int code, long otherwise) const {
+long long DxfRecord::Integer(int code, long long otherwise) const {
   const DxfGroup* const group = Find(code);
   return group == nullptr ? otherwise : Integer(*group);
 }

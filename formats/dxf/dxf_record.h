@@ -31,13 +31,13 @@ struct DxfRecord {
 
   // Of the first group of this code, else `otherwise`. Fail, naming the line, on a value that is not a finite number.
   double Real(int code, double otherwise = 0.0) const;
-  long Integer(int code, long otherwise = 0) const;
+  long long Integer(int code, long long otherwise = 0) const;
   ZBR_PT3 Point(int code) const;  // of code, code + 10, code + 20
   ZBR_PT3 Point(int code, const ZBR_PT3& otherwise) const;
   std::string Name(int code) const;  // a text in UTF-8
 
   double Real(const DxfGroup& group) const;
-  long Integer(const DxfGroup& group) const;
+  long long Integer(const DxfGroup& group) const;
 };
 
 // The text in UTF-8: "\U+00E9" replaced by what it stands for. Other bytes than UTF-8 in old files are taken for those of Western

@@ -90,7 +90,7 @@ std::optional<ZBR_PT> UnitDirection(const DxfRecord& entity, int code) {
 Spline SplineOf(const DxfRecord& entity) {
   constexpr int kRational = 4;
   Spline spline;
-  spline.degree = static_cast<int>(std::clamp(entity.Integer(71), 0L, 1000L));
+  spline.degree = static_cast<int>(std::clamp(entity.Integer(71), 0LL, 1000LL));
   for (const DxfGroup& group : entity.groups) {
     if (group.code == 40) spline.knots.push_back(entity.Real(group));
     if (group.code == 41) spline.weights.push_back(entity.Real(group));

@@ -89,7 +89,7 @@ TEST(Allocator, FillingAgainGivesTheSameAddressesAndAllocatesNothing) {
   std::vector<unsigned int> sizes(3000);
   for (unsigned int& size : sizes) size = static_cast<unsigned int>(random() % (random() % 10 == 0 ? 1200 : 60));
   const auto isSingle = [](unsigned int size) { return size > kCapacity; };
-  const long singles = std::count_if(sizes.begin(), sizes.end(), isSingle);
+  const auto singles = std::count_if(sizes.begin(), sizes.end(), isSingle);
   const long live = g_live;
   {
     ZBR_CSimpleAlloc alloc(kCapacity + 20);
