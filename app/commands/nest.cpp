@@ -3,7 +3,6 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
 
-
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
 #include "app/io/output_files.h"
