@@ -58,6 +58,9 @@ bool AreSimple(std::span<const RingSpan> rings, double tolerance) {
   }
   EdgeIndex index;
   index.Build(std::move(indexed), 0.0, tolerance * tolerance);
+  // Points that repeat, and what crosses between them, are for the arrangement to put right.
+  if (std::any_of(index.rings().begin(), index.rings().end(), [](const IndexedRing& ring) { return ring.hasRepeats; }))
+    return false;
   return SimplicityOf(index, 0.0) == Simplicity::kSimple;
 }
 

@@ -107,8 +107,10 @@ void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const
         static_cast<std::size_t>(std::upper_bound(firstEdge.begin(), firstEdge.end(), s.edge) - firstEdge.begin()) - 1;
     const std::size_t operand = input.OperandOf(ring);
     const std::size_t firstRing = operand == 0 ? 0 : input.end(operand - 1);
+    // A vertex within the tolerance of an edge's end may lie beyond it; adding zero makes one of minus zero.
+    const auto onEdge = [](double t) { return std::clamp(t, 0.0, 1.0) + 0.0; };
     region.sources_.push_back({static_cast<std::int32_t>(operand), static_cast<std::int32_t>(ring - firstRing),
-                               static_cast<std::int32_t>(s.edge - firstEdge[ring]), s.t0, s.t1});
+                               static_cast<std::int32_t>(s.edge - firstEdge[ring]), onEdge(s.t0), onEdge(s.t1)});
   }
 }
 

@@ -329,6 +329,6 @@ ZBR_REGION_STATUS zbrTraceFaces(const ZBR_REGION_VIEW& lines, ZBR_REGION& cells,
     cells.Clear();
     return status;
   }
-  ZBR_REGION_ACCESS::Set(cells, region.Run(), input, options);
+  ZBR_REGION_ACCESS::SetResult(cells, region.Run(), input, options, status);
   return status;
 }

@@ -100,6 +100,14 @@ class ZBR_REGION_ACCESS {
   static void Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
   // The same in place of what there was, and in canonical order when that is asked for.
   static void Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input, const ZBR_REGION_OPTIONS& options);
+  // The same, or nothing, which the status tells, where there is too much for the offsets.
+  static void SetResult(ZBR_REGION& region, zbr::FlatRegion&& flat, const zbr::RegionInput& input,
+                        const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status) {
+    Set(region, std::move(flat), input, options);
+    if (!IsTooLarge(region)) return;
+    region.Clear();
+    status.code = ZBR_REGION_TOO_LARGE;
+  }
   // The region's lists, for whoever fills them.
   struct Lists {
     std::vector<ZBR_PT>& points;

@@ -4,6 +4,7 @@
 // each is made valid by itself, which costs nothing for a ring that is simple, and then the winding number of a place is the number
 // of regions that cover it. Their union is walked along crossings where these are certain; otherwise all are arranged at once.
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include <zbr/region.h>
@@ -17,6 +18,10 @@
 
 namespace zbr {
 namespace {
+
+// Of the work, for the progress: up to where rings are counted, and up to where neighbours are united.
+constexpr double kShareOfCounting = 0.4;
+constexpr double kShareOfNeighbours = 0.7;
 
 // Appends rings of one region, with their sources, to another.
 void AppendRings(const FlatRegion& from, std::uint32_t firstRing, std::uint32_t lastRing, FlatRegion& to) {
@@ -74,7 +79,7 @@ class ManyUnited {
   // Nothing when the caller stopped it.
   std::optional<FlatRegion> Run() {
     std::vector<Part> parts = UniteNeighbours();
-    for (double share = 0.7; parts.size() > 1 && !isStopped_; share += 0.5 * (1.0 - share)) {
+    for (double share = kShareOfNeighbours; parts.size() > 1 && !isStopped_; share += 0.5 * (1.0 - share)) {
       constexpr std::size_t kPartsTogether = 64;
       std::vector<Part> united;
       for (std::size_t first = 0; first < parts.size(); first += kPartsTogether) {
@@ -133,7 +138,8 @@ class ManyUnited {
       Group group;
       for (std::size_t k = first; k < std::min(first + kTogether, order.size()); ++k)
         group.Add(all, begin(order[k]), ends[order[k]], counted_.AreApart(order[k]));
-      parts.push_back(United(group, 0.4 + 0.3 * static_cast<double>(first) / static_cast<double>(order.size())));
+      parts.push_back(United(
+          group, std::lerp(kShareOfCounting, kShareOfNeighbours, static_cast<double>(first) / static_cast<double>(order.size()))));
     }
     return parts;
   }
@@ -164,18 +170,9 @@ class ManyUnited {
   bool wasExact_ = false;
 };
 
-void SetResult(ZBR_REGION& result, FlatRegion&& flat, const RegionInput& input, const ZBR_REGION_OPTIONS& options,
-               ZBR_REGION_STATUS& status) {
-  ZBR_REGION_ACCESS::Set(result, std::move(flat), input, options);
-  if (!ZBR_REGION_ACCESS::IsTooLarge(result)) return;
-  result.Clear();
-  status.code = ZBR_REGION_TOO_LARGE;
-}
-
 void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status,
            RegionProgress& progress) {
   constexpr std::size_t kEvery = 256;  // regions
-  constexpr double kShareOfCounting = 0.4;
   const double tolerance = input.ToleranceFor(options);
   CountedRings counted(tolerance, options.fill_a, options.sources);
   for (std::size_t i = 0; i < input.operands(); ++i) {
@@ -186,7 +183,7 @@ void Cover(const RegionInput& input, int times, ZBR_REGION& result, const ZBR_RE
   ManyUnited many(counted, tolerance, progress);
   std::optional<FlatRegion> flat = times == 1 ? many.Run() : CoverOf(counted.region(), times, tolerance);
   status.exact = times != 1 || many.WasExact() || counted.WasExact();
-  if (flat) SetResult(result, std::move(*flat), input, options, status);
+  if (flat) ZBR_REGION_ACCESS::SetResult(result, std::move(*flat), input, options, status);
 }
 
 }  // namespace
@@ -230,6 +227,6 @@ ZBR_REGION_STATUS zbrMakeValidRegion(const ZBR_REGION_VIEW& rings, ZBR_REGION& r
     return status;
   }
   zbr::FlatRegion flat = overlay.Region([&](zbr::Winding w) { return zbr::IsFilled(options.fill_a, w.of[0]); }, options.sources);
-  zbr::SetResult(result, std::move(flat), input, options, status);
+  ZBR_REGION_ACCESS::SetResult(result, std::move(flat), input, options, status);
   return status;
 }

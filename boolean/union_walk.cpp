@@ -21,8 +21,6 @@
 namespace zbr {
 namespace {
 
-constexpr std::uint32_t kNone = ~std::uint32_t{0};
-
 // A proper crossing of two rings: [0] leaves the other's region there, [1] enters it.
 struct RingCrossing {
   ZBR_PT at;

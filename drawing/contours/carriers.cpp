@@ -244,10 +244,11 @@ std::vector<CurveVertex> Carriers::VerticesOf(const Stretch& stretch) {
   const ZBR_PT& atLow = stretch.t0 < stretch.t1 ? stretch.from : stretch.to;
   const ZBR_PT& atHigh = stretch.t0 < stretch.t1 ? stretch.to : stretch.from;
   std::vector<CurveVertex> found;
+  const double begin = Canonical(stretch.carrier, low);
   const auto first =
-      std::lower_bound(list.begin(), list.end(), Wrapped(low), [](const CurveVertex& vertex, double t) { return vertex.t < t; });
+      std::lower_bound(list.begin(), list.end(), begin, [](const CurveVertex& vertex, double t) { return vertex.t < t; });
   auto at = static_cast<std::size_t>(first - list.begin());
-  const double turns = low - Wrapped(low);
+  const double turns = low - begin;
   for (std::size_t k = 0; k < list.size(); ++k, ++at) {
     const CurveVertex& vertex = list[at % list.size()];
     if (at >= list.size() && !IsPeriodic(stretch.carrier)) break;

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "drawing/contours/carriers.h"
@@ -109,7 +110,9 @@ class ChordMaker {
 
   void DrawLine(std::int32_t number, ChordLine& chords) {
     CutLine& line = lines_[static_cast<std::size_t>(number)];
-    std::stable_sort(line.cuts.begin(), line.cuts.end(), [](const CurveVertex& a, const CurveVertex& b) { return a.t < b.t; });
+    std::stable_sort(line.cuts.begin(), line.cuts.end(), [](const CurveVertex& a, const CurveVertex& b) {
+      return std::tuple(a.t, a.at.x(), a.at.y()) < std::tuple(b.t, b.at.x(), b.at.y());
+    });
     chords.points.push_back(line.from);
     chords.origins.push_back({-1, number, 0.0, 0.0});
     for (const CurveVertex& cut : line.cuts) {

@@ -18,6 +18,7 @@ namespace zbr::drawing {
 namespace {
 
 constexpr double kPartOfShortest = 0.25;
+constexpr double kLeastReach = 1e-6;  // of the tolerance, with which the search for partners begins
 
 bool HasEnds(const Path& path) {
   return !path.closed && path.points.size() > 1;
@@ -144,29 +145,58 @@ class NodeFinder {
         distance, [](std::uint32_t) { return true; }, [&](std::uint32_t a, std::uint32_t b) { Unite(a, b); });
   }
 
+  // Spots by ascending distance, in rounds of growing reach: what finds its partner early is not held against all others within the
+  // tolerance, which may be most of the drawing.
   void UniteLoose() {
-    std::vector<Pair> pairs;
-    ForPairs(
-        tolerance_, [&](std::uint32_t s) { return ends_[Root(s)] == 1; },
-        [&](std::uint32_t a, std::uint32_t b) {
-          if (Root(a) != Root(b)) pairs.push_back({spots_[a].Distance(spots_[b]), std::min(a, b), std::max(a, b)});
-        });
-    std::sort(pairs.begin(), pairs.end());
-    std::unordered_map<std::uint32_t, std::uint32_t> otherEnd;  // of a straight line whose end meets nothing
+    const OtherEnds otherEnds = FindOtherEnds();
+    double reach = FirstReach();
+    if (!(tolerance_ > 0)) return;
+    double within = -1.0;
+    for (reach = std::min(tolerance_, reach);; reach = std::min(tolerance_, 2.0 * reach)) {
+      std::vector<Pair> pairs;
+      ForPairs(
+          reach, [&](std::uint32_t s) { return ends_[Root(s)] == 1; },
+          [&](std::uint32_t a, std::uint32_t b) {
+            const double distance = spots_[a].Distance(spots_[b]);
+            if (distance > within && Root(a) != Root(b)) pairs.push_back({distance, std::min(a, b), std::max(a, b)});
+          });
+      std::sort(pairs.begin(), pairs.end());
+      for (const Pair& pair : pairs) UniteLooseEnds(pair, otherEnds);
+      if (!(reach < tolerance_)) return;
+      within = reach;
+    }
+  }
+
+  // About how far apart neighbours are; bounds the tolerance by what can matter.
+  double FirstReach() {
+    Extent extent;
+    for (const ZBR_PT& p : spots_) extent.Add(p);
+    if (extent.empty()) return tolerance_;
+    tolerance_ = std::min(tolerance_, 2.0 * extent.Size());
+    return std::max(extent.Size() / std::sqrt(static_cast<double>(spots_.size())), tolerance_ * kLeastReach);
+  }
+
+  // By spot at which nothing but a straight line ends: where that begins.
+  using OtherEnds = std::unordered_map<std::uint32_t, std::uint32_t>;
+  OtherEnds FindOtherEnds() const {
+    OtherEnds otherEnds;
     for (std::size_t i = 0; i < paths_.size(); ++i) {
       if (!HasEnds(paths_[i]) || !IsStraight(paths_[i])) continue;
-      otherEnd[spotOf_[2 * i]] = spotOf_[2 * i + 1];
-      otherEnd[spotOf_[2 * i + 1]] = spotOf_[2 * i];
+      otherEnds[spotOf_[2 * i]] = spotOf_[2 * i + 1];
+      otherEnds[spotOf_[2 * i + 1]] = spotOf_[2 * i];
     }
+    return otherEnds;
+  }
+
+  // A line does not close with itself alone.
+  void UniteLooseEnds(const Pair& pair, const OtherEnds& otherEnds) {
     const auto closesLine = [&](std::uint32_t s, std::uint32_t t) {
-      const auto found = otherEnd.find(s);
-      return found != otherEnd.end() && Root(found->second) == Root(t);
+      const auto found = otherEnds.find(s);
+      return found != otherEnds.end() && Root(found->second) == Root(t);
     };
-    for (const Pair& pair : pairs) {
-      const bool looseA = ends_[Root(pair.a)] == 1, looseB = ends_[Root(pair.b)] == 1;
-      if ((!looseA && !looseB) || closesLine(pair.a, pair.b) || closesLine(pair.b, pair.a)) continue;
-      Unite(pair.a, pair.b);
-    }
+    const bool looseA = ends_[Root(pair.a)] == 1, looseB = ends_[Root(pair.b)] == 1;
+    if ((!looseA && !looseB) || closesLine(pair.a, pair.b) || closesLine(pair.b, pair.a)) return;
+    Unite(pair.a, pair.b);
   }
 
   // A node lies on its first spot that a straight line was drawn to: an arc's end was computed.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 namespace zbr::drawing {
@@ -71,7 +72,9 @@ class Meetings {
       if (carriers_.IsCircle(stretches_[i].carrier)) items.push_back({BoxOf(stretches_[i]), i, true});
     }
     SweepAlongLonger(items);
-    std::sort(items.begin(), items.end(), [](const Item& a, const Item& b) { return a.box.xmin < b.box.xmin; });
+    std::sort(items.begin(), items.end(), [](const Item& a, const Item& b) {
+      return std::tie(a.box.xmin, a.isArc, a.index) < std::tie(b.box.xmin, b.isArc, b.index);
+    });
     std::vector<const Item*> lines, arcs;  // that the sweep is in
     for (const Item& item : items) {
       Meet(item, arcs);

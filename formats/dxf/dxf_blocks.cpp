@@ -122,6 +122,8 @@ class Unfolding {
     place.line = outer.as == nullptr ? insert.line : outer.line;
     place.hidden = outer.hidden || insert.hidden || frozen_.contains(DxfCapitals(insert.layer));
     const DxfContents& contents = block.contents;
+    made_ += 1.0 + static_cast<double>(contents.paths.size());
+    if (made_ > kMostPoints) FailTooMany(place.line);
     auto inner = contents.inserts.begin();
     for (std::size_t i = 0; i <= contents.paths.size(); ++i) {
       for (; inner != contents.inserts.end() && inner->before == i; ++inner) Unfold(*inner, place);
@@ -131,10 +133,13 @@ class Unfolding {
     AddLeftOut(contents.leftOut);
   }
 
-  // How many points a copy of the block stands for; of one within itself those outside of that.
+  // How many points a copy of the block stands for. Of one within itself, or nested too deep, a part of them, as it may stand
+  // elsewhere with more; those are counted as they are made.
   double PointsOf(const DxfBlock& block, std::size_t depth = 0) {
-    const auto [known, isNew] = pointsOf_.emplace(&block, 0.0);
-    if (!isNew || depth > kDeepest) return known->second;
+    constexpr double kSome = 1.0;
+    if (depth > kDeepest) return kSome;
+    const auto [known, isNew] = pointsOf_.emplace(&block, kSome);
+    if (!isNew) return known->second;
     double points = 0;
     for (const Path& path : block.contents.paths) points += static_cast<double>(path.points.size() + path.curves.size());
     for (const DxfInsert& insert : block.contents.inserts) {
@@ -147,8 +152,10 @@ class Unfolding {
 
   void Count(double points, std::size_t line) {
     points_ += points;
-    if (points_ > kMostPoints)
-      FailAt(drawing_.file, line, "the blocks stand for more than " + RoundedText(kMostPoints, 1) + " points");
+    if (points_ > kMostPoints) FailTooMany(line);
+  }
+  [[noreturn]] void FailTooMany(std::size_t line) const {
+    FailAt(drawing_.file, line, "the blocks stand for more than " + RoundedText(kMostPoints, 1) + " points");
   }
 
   const DxfBlocks& blocks_;
@@ -159,6 +166,7 @@ class Unfolding {
   std::set<const DxfBlock*> emptyOnes_;  // that were unfolded
   std::map<const DxfBlock*, double> pointsOf_;
   double points_ = 0;
+  double made_ = 0;  // copies and their paths
 };
 
 }  // namespace

@@ -131,10 +131,14 @@ Spline SplineThrough(std::vector<ZBR_PT> points, const std::optional<ZBR_PT>& st
 
 Path SplinePath(const Spline& spline) {
   constexpr double kRounding = 1e-9;  // of the size
+  // Parameters from 0 to 1, as lengths along parameters are compared later; the curve stays as it is.
+  Spline scaled = spline;
+  const double start = spline.Start() / 2, range = spline.End() / 2 - start;  // halves stay finite
+  for (double& knot : scaled.knots) knot = (knot / 2 - start) / range;
   Curve curve;
-  curve.spline = std::make_shared<const Spline>(spline);
-  curve.t0 = spline.Start();
-  curve.t1 = spline.End();
+  curve.t0 = scaled.Start();
+  curve.t1 = scaled.End();
+  curve.spline = std::make_shared<const Spline>(std::move(scaled));
   Extent extent;
   for (const ZBR_PT& p : spline.control) extent.Add(p);
   Path path;

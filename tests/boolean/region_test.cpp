@@ -189,6 +189,13 @@ TEST(Region, UnionOfMany) {
   EXPECT_GT(walked, Scaled(30) / 4);
 }
 
+TEST(Region, UnionsAreValidWherePointsRepeat) {
+  for (const Ring& ring : {Ring{{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}}, Ring{{0, 0}, {0, 0}, {1, 0}, {1, 1}, {1, 1}, {0, 1}},
+                           Ring{{0, 0}, {1, 0}, {1 + 1e-14, 1e-14}, {1, 0}, {1, 1}, {0, 1}}}) {
+    EXPECT_EQ(zbrUniteRegions({RegionOf({ring}), RegionOf({Square(5, 5, 1)})}).point_count(), 8U);
+  }
+}
+
 // Rings of three to forty corners around each other in cells, all of it perhaps within one large ring, in any order and
 // orientation; some points are repeated.
 std::vector<Ring> NestedCells(Random& random) {

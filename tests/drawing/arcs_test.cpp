@@ -304,6 +304,28 @@ TEST(Arcs, NamedCases) {
   EXPECT_NEAR(Combine(a, b).results[1].Area(), 100 * (half_ - std::sin(2 * half_) / 2), 1e-15);
 }
 
+// A parabola's arch over its chord, two thirds of the box, whatever its parameters are.
+TEST(Arcs, SplinesHaveAnyParameters) {
+  for (const auto& [start, end] : {std::pair(0.0, 1.0), std::pair(-5.0, 5.0), std::pair(100.0, 200.0), std::pair(-3.0, -1.0)}) {
+    Spline spline;
+    spline.degree = 2;
+    spline.control = {{0, 0}, {5, 20}, {10, 0}};
+    spline.knots = {start, start, start, end, end, end};
+    Drawing drawing;
+    Path& arch = drawing.paths.emplace_back();
+    arch.points = {{0, 0}, {10, 0}};
+    arch.curves.emplace_back().spline = std::make_shared<const Spline>(spline);
+    arch.curves[0].t0 = start;
+    arch.curves[0].t1 = end;
+    arch.closed = true;
+    const Contours contours = MakeContours(drawing, {1e-4, 0.0});
+    ASSERT_EQ(contours.rings.size(), 1U) << start;
+    ZBR_REGION region;
+    region.AddRing(contours.rings[0].points);
+    EXPECT_NEAR(std::abs(region.area()), 2.0 / 3.0 * 100.0, 1e-2) << start;
+  }
+}
+
 TEST(Arcs, Ellipses_MeetOnTheTrueCurves) {
   Drawing a, b;
   a.paths = {WholeCircle({0, 0}, 10)};
