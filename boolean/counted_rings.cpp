@@ -81,8 +81,12 @@ NestedRings::NestedRings(std::span<const RingSpan> rings, double tolerance) : or
 
 void CountedRings::Add(std::span<const RingSpan> rings) {
   bool areApart = true;
-  if (IsCountedSimply(rings) && AreSimple(rings, tolerance_)) {
-    AddSimple(rings);
+  // A ring whose last point repeats the first has one edge less that counts, the last one.
+  RingSpan single = rings.size() == 1 ? rings[0] : RingSpan();
+  if (single.size() > 1 && single.front() == single.back()) single = single.first(single.size() - 1);
+  const std::span<const RingSpan> open = rings.size() == 1 ? std::span<const RingSpan>(&single, 1) : rings;
+  if (IsCountedSimply(open) && AreSimple(open, tolerance_)) {
+    AddSimple(open);
   } else if (!rings.empty()) {
     const Overlay overlay(rings, rings.size(), tolerance_, tolerance_);
     const FlatRegion flat = overlay.Region([this](Winding w) { return IsFilled(rule_, w.of[0]); }, withSources_);

@@ -6,6 +6,7 @@
 #include <zbr-formats/files.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "app/commands/load.h"
@@ -53,6 +54,8 @@ int RunTransform(const TransformOptions& options) {
   for (Path& path : drawing.paths) {
     Map(path, map);
     for (double& z : path.heights) z *= options.scale;
+    const auto isUsable = [](const ZBR_PT& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); };
+    if (!std::all_of(path.points.begin(), path.points.end(), isUsable)) FailAt(options.file, path.line, "a coordinate overflows");
   }
   OutputFiles files;
   for (const OutputPlan& plan : plans) {

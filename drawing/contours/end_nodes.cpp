@@ -18,7 +18,7 @@ namespace zbr::drawing {
 namespace {
 
 constexpr double kPartOfShortest = 0.25;
-constexpr double kLeastReach = 1e-6;  // of the tolerance, with which the search for partners begins
+constexpr double kLeastReach = 1e-9;  // of the tolerance, with which the search for partners begins
 
 bool HasEnds(const Path& path) {
   return !path.closed && path.points.size() > 1;
@@ -167,13 +167,15 @@ class NodeFinder {
     }
   }
 
-  // About how far apart neighbours are; bounds the tolerance by what can matter.
+  // Less than neighbours are apart, unless most lie in a small part of the drawing; bounds the tolerance by what can matter.
   double FirstReach() {
+    constexpr double kPartOfSpacing = 1.0 / 1024.0;
     Extent extent;
     for (const ZBR_PT& p : spots_) extent.Add(p);
     if (extent.empty()) return tolerance_;
     tolerance_ = std::min(tolerance_, 2.0 * extent.Size());
-    return std::max(extent.Size() / std::sqrt(static_cast<double>(spots_.size())), tolerance_ * kLeastReach);
+    const double spacing = extent.Size() / std::sqrt(static_cast<double>(spots_.size()));
+    return std::max(spacing * kPartOfSpacing, tolerance_ * kLeastReach);
   }
 
   // By spot at which nothing but a straight line ends: where that begins.

@@ -12,21 +12,29 @@
 namespace zbr::drawing {
 namespace {
 
-using Key = std::array<double, 7>;
+using Key = std::array<double, 13>;
 
 bool IsSingle(const Path& path) {
   return !path.closed && path.points.size() == 2;
 }
 
-// The same for the same line, drawn in either direction. Arcs run one way.
+// The same for the same line, drawn in either direction. Arcs and splines run one way, and three places on the way tell them from
+// others between the same ends.
 Key KeyOf(const Path& path) {
   ZBR_PT from = path.points.front(), to = path.points.back();
   if (!path.curves.empty()) {
     const Curve& arc = path.curves.front();
-    return {from.x(), from.y(), to.x(), to.y(), arc.centre.x(), arc.centre.y(), arc.t1 - arc.t0};
+    Key key = {from.x(), from.y(), to.x(), to.y(), arc.centre.x(), arc.centre.y(), arc.t1 - arc.t0};
+    std::size_t k = 7;
+    for (const double part : {0.25, 0.5, 0.75}) {
+      const ZBR_PT p = arc.At(arc.t0 + part * (arc.t1 - arc.t0));
+      key[k++] = p.x();
+      key[k++] = p.y();
+    }
+    return key;
   }
   if (std::pair(to.x(), to.y()) < std::pair(from.x(), from.y())) std::swap(from, to);
-  return {from.x(), from.y(), to.x(), to.y(), 0.0, 0.0, 0.0};
+  return {from.x(), from.y(), to.x(), to.y()};
 }
 
 bool IsFinite(const Key& key) {

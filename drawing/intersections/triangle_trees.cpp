@@ -2,6 +2,7 @@
 #include "drawing/intersections/triangle_trees.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numeric>
 #include <utility>

@@ -87,6 +87,7 @@ class Unfolding {
   }
 
   void Unfold(const DxfInsert& insert, const Place& outer) {
+    if (++made_ > kMostPoints) FailTooMany(insert.line);
     const auto found = blocks_.find(DxfCapitals(insert.block));
     const char* fault = nullptr;
     if (found == blocks_.end()) {
@@ -122,7 +123,7 @@ class Unfolding {
     place.line = outer.as == nullptr ? insert.line : outer.line;
     place.hidden = outer.hidden || insert.hidden || frozen_.contains(DxfCapitals(insert.layer));
     const DxfContents& contents = block.contents;
-    made_ += 1.0 + static_cast<double>(contents.paths.size());
+    made_ += static_cast<double>(contents.paths.size());
     if (made_ > kMostPoints) FailTooMany(place.line);
     auto inner = contents.inserts.begin();
     for (std::size_t i = 0; i <= contents.paths.size(); ++i) {
@@ -166,7 +167,7 @@ class Unfolding {
   std::set<const DxfBlock*> emptyOnes_;  // that were unfolded
   std::map<const DxfBlock*, double> pointsOf_;
   double points_ = 0;
-  double made_ = 0;  // copies and their paths
+  double made_ = 0;  // inserts taken up and paths made of them
 };
 
 }  // namespace

@@ -145,8 +145,8 @@ ZBR_API ZBR_REGION zbrCombineRegions(const ZBR_REGION& a, const ZBR_REGION& b, Z
 ZBR_API ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGION_VIEW* b, std::size_t count,
                                                 ZBR_BOOLEAN_OPE op, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options = {});
 
-// What at least `times` of the regions cover, each filled by options.fill_a: 1 gives the union of all, which takes neighbours together
-// first and is walked where that is certain; more times take one arrangement for all.
+// What at least `times` of the regions cover, each filled by options.fill_a: 1 gives the union of all, which takes neighbours
+// together first and is walked where that is certain; more times take one arrangement for all.
 ZBR_API ZBR_REGION_STATUS zbrCoverRegions(const ZBR_REGION_VIEW* regions, std::size_t count, int times, ZBR_REGION& result,
                                           const ZBR_REGION_OPTIONS& options = {});
 ZBR_API ZBR_REGION zbrUniteRegions(const std::vector<ZBR_REGION>& regions, const ZBR_REGION_OPTIONS& options = {});

@@ -234,7 +234,7 @@ TEST(Region, WalksNestedRingsAsTheyAreArranged) {
     ZBR_REGION fast[5], sure[5];
     walks += zbrCombineRegions(a.view(), b.view(), kOps.data(), fast, 5, walked).exact ? 0 : 1;
     zbrCombineRegions(a.view(), b.view(), kOps.data(), sure, 5, arranged);
-    for (int k = 0; k < 5; ++k) {
+    for (std::size_t k = 0; k < kOps.size(); ++k) {
       ASSERT_EQ(fast[k].ring_offsets(), sure[k].ring_offsets()) << "seed " << seed << " operation " << kOps[k];
       ASSERT_EQ(fast[k].polygon_offsets(), sure[k].polygon_offsets()) << "seed " << seed << " operation " << kOps[k];
       for (std::size_t i = 0; i < sure[k].point_count(); ++i) {
