@@ -304,6 +304,18 @@ TEST(Arcs, NamedCases) {
   EXPECT_NEAR(Combine(a, b).results[1].Area(), 100 * (half_ - std::sin(2 * half_) / 2), 1e-15);
 }
 
+TEST(Arcs, MirroredHalvesAreNoRepeats) {
+  Drawing drawing;
+  drawing.joinsEnds = true;
+  for (const double side : {1.0, -1.0}) {
+    Path& half = drawing.paths.emplace_back();
+    half.curves = {Circle({0, 0}, 5, 0, kPi)};
+    half.curves[0].v.Set(0, 5 * side);
+    half.points = {{5, 0}, {-5, 0}};
+  }
+  EXPECT_EQ(MakeContours(drawing, {1e-4, 1e-6}).rings.size(), 1U);
+}
+
 // A parabola's arch over its chord, two thirds of the box, whatever its parameters are.
 TEST(Arcs, SplinesHaveAnyParameters) {
   for (const auto& [start, end] : {std::pair(0.0, 1.0), std::pair(-5.0, 5.0), std::pair(100.0, 200.0), std::pair(-3.0, -1.0)}) {
