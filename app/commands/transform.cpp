@@ -34,6 +34,19 @@ Affine MapOf(const TransformOptions& options) {
   return Affine::Move(move + about).After(inPlace.After(Affine::Move(about * -1.0)));
 }
 
+bool IsFinite(const ZBR_PT& p) {
+  return std::isfinite(p.x()) && std::isfinite(p.y());
+}
+
+bool IsFinite(const Path& path) {
+  const auto isFinite = [](const ZBR_PT& p) { return IsFinite(p); };
+  return std::all_of(path.points.begin(), path.points.end(), isFinite) &&
+         std::all_of(path.curves.begin(), path.curves.end(), [&](const Curve& curve) {
+           return IsFinite(curve.centre) && IsFinite(curve.u) && IsFinite(curve.v) &&
+                  (!curve.spline || std::all_of(curve.spline->control.begin(), curve.spline->control.end(), isFinite));
+         });
+}
+
 // The region that the drawing bounds, for formats that hold regions.
 Layer RegionLayer(const Drawing& drawing, const std::string& name, const InputOptions& input, Progress& progress) {
   const Contours contours = MakeContours(drawing, WithDefaults(input.flatten, ExtentOf(drawing)));
@@ -54,8 +67,7 @@ int RunTransform(const TransformOptions& options) {
   for (Path& path : drawing.paths) {
     Map(path, map);
     for (double& z : path.heights) z *= options.scale;
-    const auto isUsable = [](const ZBR_PT& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); };
-    if (!std::all_of(path.points.begin(), path.points.end(), isUsable)) FailAt(options.file, path.line, "a coordinate overflows");
+    if (!IsFinite(path)) FailAt(options.file, path.line, "a coordinate overflows");
   }
   OutputFiles files;
   for (const OutputPlan& plan : plans) {

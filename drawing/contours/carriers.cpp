@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <limits>
 #include <numeric>
 #include <optional>
 #include <set>
@@ -43,7 +44,7 @@ double Wrapped(double t) {
 // of a circle is that of the true one.
 int ChordsPerTurn(const Curve& curve, double deviation) {
   const double radius = LongestAxis(curve);
-  if (!(radius > 0)) return 4;
+  if (!(radius > 0 && radius < std::numeric_limits<double>::infinity())) return 4;  // coordinates that overflow are told later
   const double step = 2.0 * std::acos(std::clamp(1.0 - deviation / radius, -1.0, 1.0));
   return 4 * static_cast<int>(std::ceil(std::clamp(kFullTurn / step, kLeastPerTurn, kMostPerTurn) / 4.0));
 }
