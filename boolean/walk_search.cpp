@@ -12,6 +12,7 @@
 #include <span>
 
 #include "core/constants.h"
+#include "core/cost.h"
 #include "core/planar_inline.h"
 
 namespace zbr {
@@ -85,6 +86,7 @@ bool WalkSearch::VisitLeaves(std::uint32_t a, std::uint32_t b) {
   readB.count = 0;
   if (readA.count > 0) Read(b, boxes[a], readB);
   if (readB.count > 0) {
+    ZBR_COUNT(pairs, readA.count * readB.count);
     if (!ArePairsClear(std::span(readA.edges).first(readA.count), std::span(readB.edges).first(readB.count))) return false;
   }
   NoteAround(a, b);

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/cost.h"
 #include "core/directions.h"
 #include "loops/edge_index.h"
 
@@ -59,6 +60,7 @@ class NearLeaves {
     const std::uint32_t first = node * BoxTree::kFanOut;
     const std::uint32_t last = std::min(first + BoxTree::kFanOut, index_->tree().Count(level - 1));
     const Box* boxes = index_->tree().Level(level - 1);
+    ZBR_COUNT(nodes, last - first);
     for (std::uint32_t i = first; i < last; ++i) {
       if (!SearchInside(level - 1, i, visitor)) return false;
       const Box around = boxes[i].Widened(room_);
@@ -86,6 +88,7 @@ class NearLeaves {
     const Box around = BoxOf(dividesA ? b : a).Widened(room_);
     const Box* boxes = index_->tree().Level(divided.level - 1);
     const std::uint32_t end = std::min((divided.index + 1) * BoxTree::kFanOut, index_->tree().Count(divided.level - 1));
+    ZBR_COUNT(nodes, BoxTree::kFanOut);
     for (std::uint32_t i = divided.index * BoxTree::kFanOut; i < end; ++i) {
       if (!Overlap(around, boxes[i])) continue;
       const Node child{divided.level - 1, i};
