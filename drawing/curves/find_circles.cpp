@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
 #include <unordered_map>
 
 #include "drawing/curves/arc_search.h"
@@ -106,13 +105,11 @@ Circles FindCircles(const Model& model) {
   std::vector<FoundArc> found;
   for (std::size_t s = 0; s < model.ShellCount(); ++s) AddArcs(model, s, noise, found);
 
-  std::vector<std::size_t> order(found.size());
-  std::iota(order.begin(), order.end(), 0U);
-  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return found[a].turn > found[b].turn; });
+  std::stable_sort(found.begin(), found.end(), [](const FoundArc& a, const FoundArc& b) { return a.turn > b.turn; });
   CircleGrid grid(kCellPerNoise * noise.known, circles.all);
-  for (const std::size_t k : order) {
-    const std::uint32_t place = grid.Place(found[k]);
-    for (const std::uint32_t edge : found[k].edges) circles.ofEdge[edge] = place;
+  for (const FoundArc& arc : found) {
+    const std::uint32_t place = grid.Place(arc);
+    for (const std::uint32_t edge : arc.edges) circles.ofEdge[edge] = place;
   }
   for (Circle& circle : circles.all) {
     circle.centre = circle.centre * model.Diagonal() + model.Centre();

@@ -40,7 +40,7 @@ struct Run {
     const bool halved = std::abs(sweep) > kWidestBulge;
     points.push_back(from);
     bulges.push_back(std::tan(sweep / (halved ? 8 : 4)));
-    if (!halved) return;
+    if (arc == nullptr || !halved) return;
     points.push_back(arc->At(arc->t0 + (arc->t1 - arc->t0) / 2));
     bulges.push_back(bulges.back());
   }
