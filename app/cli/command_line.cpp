@@ -316,7 +316,7 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       "STYLE");
   AddChoice(
       command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
-      "Smooth edges at which fillets and other bent faces end: none, thin (by default) or layer, on a layer that is switched off",
+      "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is switched off",
       "STYLE");
   AddChoice(command, "--curves", draw_.curves, {"on", "off"},
             "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");

@@ -108,8 +108,8 @@ right side at equal scales; dimetric shows the front at nearly its true shape. -
 direction.
 
 An edge of a triangle is drawn when it is a border (of one triangle), a crease (the surface bends by more than
---crease), a junction (of three and more triangles), a silhouette (the surface turns away there) or, thin, tangent (a
-fillet or another bent face ends there); and lines are drawn where surfaces pass through each other. Triangles that
+--crease), a junction (of three and more triangles), a silhouette (the surface turns away there) or, with --tangent,
+tangent (a fillet or another bent face ends there); and lines are drawn where surfaces pass through each other. Triangles that
 share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
 
 Each file and each --object is an object: its surfaces are joined with each other, not with those of other objects.

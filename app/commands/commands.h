@@ -86,7 +86,7 @@ struct DrawOptions {
   std::string modelFormat;         // of models whose names do not tell
   std::string sheet;               // "first", "third" or empty: by the number of views
   std::string hidden;              // empty: dashed, in views along an axis only
-  std::string tangent = "thin";
+  std::string tangent = "none";
   std::string intersections = "on";
   std::string curves = "on";
   std::string scale, paper;  // empty: what fits
