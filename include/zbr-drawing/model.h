@@ -41,9 +41,11 @@ enum class Facing : std::uint8_t {
 struct EdgeNote {
   EdgeNote() : isJunction(false), isSameWay(false), isTangent(false) {}
 
+  // NOLINTBEGIN(modernize-use-default-member-init): C++17 has none for bit fields
   bool isJunction : 1;  // three and more triangles of the mesh meet here, be they in this shell or others
   bool isSameWay : 1;   // both triangles run along it the same way: then one of them shows its other side
   bool isTangent : 1;   // smooth, but the way the surface bends changes here
+  // NOLINTEND(modernize-use-default-member-init)
 };
 
 // Triangles are numbered through all shells: triangle t of shell s has the number shellBegin[s] + t. Edges are likewise.
