@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <limits>
 #include <optional>
 
 #include "boolean/combination.h"
+#include "boolean/walk_rings.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
 #include "loops/simplicity.h"
@@ -17,20 +17,14 @@
 namespace zbr {
 namespace {
 
-// A frame in which the extent is 2^12 to 2^13 and far coordinates become near: scaling by a power of two and the shift of an axis
-// by a value close to all its coordinates are exact, so that points come back to the bit. Far from the origin crossings are rounded
-// to the digits of the coordinates there; then the frame is smaller, so that the walk's tolerance is above that.
+// A frame in which the walk's tolerance suits and far coordinates become near: scaling by a power of two and the shift of an axis
+// by a value close to all its coordinates are exact, so that points come back to the bit.
 class Frame {
  public:
   explicit Frame(const Box& box) {
-    constexpr int kExponent = 12;
-    constexpr int kDigitsAboveRounding = 3;  // binary
     const double side = std::max(box.xmax - box.xmin, box.ymax - box.ymin);
-    const double reach = std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
     if (!(side > 0.0)) return;
-    const int finest =
-        std::ilogb(kBooleanEps) - kDigitsAboveRounding - (std::ilogb(reach) - std::numeric_limits<double>::digits + 1);
-    exponent_ = std::min(kExponent - std::ilogb(side), finest);
+    exponent_ = WalkExponent(box);
     sideExponent_ = std::ilogb(side) + exponent_;
     in_ = std::ldexp(1.0, exponent_);
     out_ = std::ldexp(1.0, -exponent_);

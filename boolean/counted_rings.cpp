@@ -1,7 +1,6 @@
 #include "boolean/counted_rings.h"
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 
 #include "arrangement/overlay.h"
@@ -9,30 +8,13 @@
 #include "boolean/region_input.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
+#include "loops/convex_ring.h"
 #include "loops/edge_index.h"
 #include "loops/nesting.h"
 #include "loops/simplicity.h"
 
 namespace zbr {
 namespace {
-
-// Whether the ring turns clearly to one side at every vertex, and once around: then its directions change from going right to going
-// left once and back once.
-bool IsConvex(RingSpan ring, double clear) {
-  ZBR_PT d = ring.front() - ring.back();
-  unsigned turns = 0;
-  unsigned changes = 0;
-  const auto goesLeft = [](const ZBR_PT& v) { return v.x() < 0.0 || (v.x() == 0.0 && v.y() < 0.0); };
-  for (std::size_t i = 0; i < ring.size(); ++i) {
-    const ZBR_PT e = ring[i + 1 < ring.size() ? i + 1 : 0] - ring[i];
-    const double turn = Cross(d, e);
-    if (!(std::fabs(turn) > clear * (std::fabs(d.x()) + std::fabs(d.y()) + std::fabs(e.x()) + std::fabs(e.y())))) return false;
-    turns |= turn > 0.0 ? 1U : 2U;
-    changes += goesLeft(d) != goesLeft(e) ? 1U : 0U;
-    d = e;
-  }
-  return turns != 3U && changes == 2U;
-}
 
 // Of rings that are simple and apart: which lie in an odd number of others.
 std::vector<bool> HolesAmong(std::span<const RingSpan> rings, double tolerance) {
@@ -50,7 +32,7 @@ std::vector<bool> HolesAmong(std::span<const RingSpan> rings, double tolerance) 
 bool AreSimple(std::span<const RingSpan> rings, double tolerance) {
   if (std::any_of(rings.begin(), rings.end(), [](const RingSpan& ring) { return ring.size() < 3; })) return false;
   const ToleranceScope scope(tolerance);
-  if (rings.size() == 1 && IsConvex(rings[0], kSurelyOff * tolerance)) return true;
+  if (rings.size() == 1 && IsClearlyConvex(rings[0], kSurelyOff * tolerance)) return true;
   std::vector<IndexedRing> indexed;
   for (const RingSpan& ring : rings) {
     const auto n = static_cast<std::uint32_t>(ring.size());

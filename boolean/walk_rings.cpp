@@ -9,18 +9,21 @@
 
 namespace zbr {
 
-// The tolerance is kBooleanEps for an extent of 2^12 to 2^13. Far from the origin crossings are rounded to the digits of the
-// coordinates there, and it is larger.
-WalkScale::WalkScale(const Box& bounds) {
+int WalkExponent(const Box& bounds) {
   constexpr int kExponent = 12;
   constexpr int kDigitsAboveRounding = 3;  // binary
-  constexpr int kLeastExponent = 2;        // of the extent in units in which the tolerance is kBooleanEps
-  constexpr int kMost = 200;               // fourth powers of lengths are far from overflow
   const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
   const double reach = std::max({std::fabs(bounds.xmin), std::fabs(bounds.xmax), std::fabs(bounds.ymin), std::fabs(bounds.ymax)});
-  if (!(side > 0.0 && side < std::numeric_limits<double>::infinity())) return;
   const int finest = std::ilogb(kBooleanEps) - kDigitsAboveRounding - (std::ilogb(reach) - std::numeric_limits<double>::digits + 1);
-  const int exponent = std::min(kExponent - std::ilogb(side), finest);
+  return std::min(kExponent - std::ilogb(side), finest);
+}
+
+WalkScale::WalkScale(const Box& bounds) {
+  constexpr int kLeastExponent = 2;  // of the extent in units in which the tolerance is kBooleanEps
+  constexpr int kMost = 200;         // fourth powers of lengths are far from overflow
+  const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
+  if (!(side > 0.0 && side < std::numeric_limits<double>::infinity())) return;
+  const int exponent = WalkExponent(bounds);
   isUsable = std::ilogb(side) + exponent >= kLeastExponent && std::abs(exponent) <= kMost;
   if (!isUsable) return;
   eps = std::ldexp(kBooleanEps, -exponent);

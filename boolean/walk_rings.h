@@ -11,6 +11,11 @@
 
 namespace zbr {
 
+// The power of two by which operands within the bounds, which are finite and not a point, are scaled so that the tolerance of their
+// walk is kBooleanEps: to an extent of 2^12 to 2^13. Far from the origin crossings are rounded to the digits of the coordinates
+// there; then less, so that the tolerance is above that.
+int WalkExponent(const Box& bounds);
+
 // Lengths that decide, for operands of a given extent.
 struct WalkScale {
   explicit WalkScale(const Box& bounds);

@@ -14,6 +14,7 @@
 #include "core/constants.h"
 #include "core/cost.h"
 #include "core/planar_inline.h"
+#include "loops/convex_ring.h"
 
 namespace zbr {
 
@@ -167,24 +168,10 @@ void WalkSearch::PushDown() {
   }
 }
 
-// Whether the leaf is a whole ring that turns clearly to one side at every vertex, and once around: then the directions change from
-// going right to going left once and back once.
+// Whether the leaf is a whole ring, and that one convex.
 bool WalkSearch::IsConvexRing(std::uint32_t leaf) const {
   const IndexedRing& ring = rings_->index().rings()[rings_->index().leaf(leaf).ring];
-  if (ring.n > EdgeIndex::kLeafEdges) return false;
-  unsigned turns = 0;
-  unsigned changes = 0;
-  const auto goesLeft = [](const ZBR_PT& v) { return v.x() < 0.0 || (v.x() == 0.0 && v.y() < 0.0); };
-  ZBR_PT d = ring.points[0] - ring.points[ring.n - 1];
-  for (std::uint32_t i = 0; i < ring.n; ++i) {
-    const ZBR_PT e = ring.points[ring.Next(i)] - ring.points[i];
-    const double turn = Cross(d, e);
-    if (!(std::fabs(turn) > near_ * (std::fabs(d.x()) + std::fabs(d.y()) + std::fabs(e.x()) + std::fabs(e.y())))) return false;
-    turns |= turn > 0.0 ? 1U : 2U;
-    changes += goesLeft(d) != goesLeft(e) ? 1U : 0U;
-    d = e;
-  }
-  return turns != 3U && changes == 2U;
+  return ring.n <= EdgeIndex::kLeafEdges && IsClearlyConvex(RingSpan(ring.points, ring.n), near_);
 }
 
 WalkSearch::Sides WalkSearch::SidesOf(const Edge& e, const Edge& f) const {

@@ -9,10 +9,11 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <numeric>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
+
+#include "drawing/model/disjoint_sets.h"
 
 namespace zbr::drawing {
 namespace {
@@ -94,8 +95,7 @@ class NodeFinder {
       ++ends_.back();
       if (!EndsInCurve(end)) isDrawn_.back() = true;
     }
-    parent_.resize(spots_.size());
-    std::iota(parent_.begin(), parent_.end(), 0U);
+    sets_ = DisjointSets(spots_.size());
   }
 
   bool EndsInCurve(std::size_t end) const {
@@ -104,18 +104,12 @@ class NodeFinder {
     return end % 2 == 0 ? path.curves.front().at == 0 : path.curves.back().at + 2 == path.points.size();
   }
 
-  std::uint32_t Root(std::uint32_t spot) {
-    while (parent_[spot] != spot) spot = parent_[spot] = parent_[parent_[spot]];
-    return spot;
-  }
+  std::uint32_t Root(std::uint32_t spot) { return sets_.Find(spot); }
 
   void Unite(std::uint32_t a, std::uint32_t b) {
     a = Root(a);
     b = Root(b);
-    if (a == b) return;
-    if (b < a) std::swap(a, b);
-    parent_[b] = a;
-    ends_[a] += ends_[b];
+    if (sets_.Unite(a, b)) ends_[std::min(a, b)] += ends_[std::max(a, b)];
   }
 
   // Calls visit for the pairs of spots within the distance of which `wanted` says so of the first; each at least once.
@@ -226,9 +220,9 @@ class NodeFinder {
   double tolerance_;
   std::vector<std::uint32_t> spotOf_;  // by end
   std::vector<ZBR_PT> spots_;
-  std::vector<std::uint32_t> ends_;    // by spot: how many, of a root those of its node
-  std::vector<bool> isDrawn_;          // by spot: whether a straight line ends there
-  std::vector<std::uint32_t> parent_;  // towards the root of a node, which is its first spot
+  std::vector<std::uint32_t> ends_;  // by spot: how many, of a root those of its node
+  std::vector<bool> isDrawn_;        // by spot: whether a straight line ends there
+  DisjointSets sets_{0};             // of spots; the root of a node is its first one
 };
 
 }  // namespace
