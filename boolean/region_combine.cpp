@@ -14,6 +14,7 @@
 #include "boolean/clusters.h"
 #include "boolean/contact_walk.h"
 #include "boolean/exact_loops.h"
+#include "boolean/rectilinear_sweep.h"
 #include "boolean/region_input.h"
 #include "boolean/region_walk.h"
 
@@ -86,7 +87,8 @@ class PairWork {
     const int exponent = !isDone && IsWalkable(options) ? ExponentFor(input_.bounds()) : 0;
     if (exponent != 0) input_.Scale(exponent);
     if (!isDone && IsWalkable(options)) {
-      isDone = Walk(walk_, input_, ops, results) || WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
+      isDone = Walk(walk_, input_, ops, results) || Sweep(ops, results, options) ||
+               WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
     }
     if (!isDone) CombineByParts(ops, results, options, status, progress);
     if (std::any_of(results, results + ops.size(), ZBR_REGION_ACCESS::IsTooLarge)) status.code = ZBR_REGION_TOO_LARGE;
@@ -102,6 +104,13 @@ class PairWork {
   }
 
  private:
+  // Of operands whose edges are parallel to the axes. Their arrays are not looked at after the first step.
+  bool Sweep(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options) {
+    if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) return false;
+    for (std::size_t k = 0; k < ops.size(); ++k) sweep_.Combine(ops[k], results[k]);
+    return true;
+  }
+
   // Clusters that can be walked, and the rest through the arrangement. The walk has failed for all of them together.
   void CombineByParts(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
                       ZBR_REGION_STATUS& status, RegionProgress& progress) {
@@ -127,6 +136,7 @@ class PairWork {
   RegionInput input_;
   RegionInput part_;
   RegionWalk walk_;
+  RectilinearSweep sweep_;
 };
 
 }  // namespace
