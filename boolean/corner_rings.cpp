@@ -102,10 +102,7 @@ void CornerRings::Write(ZBR_REGION& region) {
     if (outer == r) ++polygons;
     last[outer] = r;
   }
-  const ZBR_REGION_ACCESS::Lists lists = ZBR_REGION_ACCESS::Restart(region);
-  lists.points.reserve(taken_.size());
-  lists.ringOffsets.reserve(rings_.size() + 1);
-  lists.polygonOffsets.reserve(polygons + 1);
+  const ZBR_REGION_ACCESS::Lists lists = ZBR_REGION_ACCESS::Restart(region, taken_.size(), rings_.size(), polygons);
   for (const std::uint32_t outer : order_) {
     if (rings_[outer].outer != outer) continue;
     for (std::uint32_t r = outer; r != kNone; r = next[r]) {

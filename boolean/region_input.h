@@ -114,10 +114,13 @@ class ZBR_REGION_ACCESS {
     std::vector<std::int32_t>& ringOffsets;
     std::vector<std::int32_t>& polygonOffsets;
   };
-  // An empty region that keeps its memory.
-  static Lists Restart(ZBR_REGION& region) {
+  // An empty region that keeps its memory, with room for so much.
+  static Lists Restart(ZBR_REGION& region, std::size_t points, std::size_t rings, std::size_t polygons) {
     region.points_.clear();
+    region.points_.reserve(points);
+    region.ring_offsets_.reserve(rings + 1);
     region.ring_offsets_.assign(1, 0);
+    region.polygon_offsets_.reserve(polygons + 1);
     region.polygon_offsets_.assign(1, 0);
     region.sources_.clear();
     region.source_offsets_.clear();
@@ -130,6 +133,8 @@ class ZBR_REGION_ACCESS {
   // Appends the polygon of a nested loop, its points taken by `pointOf`.
   template <class PointOf>
   static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer, PointOf pointOf) {
+    if (region.ring_offsets_.empty()) region.ring_offsets_.push_back(0);
+    if (region.polygon_offsets_.empty()) region.polygon_offsets_.push_back(0);
     AddLoop(region, outer, pointOf);
     for (const auto& hole : outer.children()) AddLoop(region, *hole, pointOf);
     region.polygon_offsets_.push_back(static_cast<std::int32_t>(region.ring_count()));

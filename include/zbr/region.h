@@ -45,8 +45,7 @@ struct ZBR_EDGE_SOURCE {
   double t1 = 1.0;
 };
 
-// A region that owns its arrays. A value: copied, moved and compared as such; what was moved from is empty, its lists of offsets
-// too.
+// A region that owns its arrays. A value: copied, moved and compared as such; what was moved from is empty.
 class ZBR_REGION {
  public:
   ZBR_REGION() = default;
@@ -56,8 +55,8 @@ class ZBR_REGION {
   std::size_t polygon_count() const { return polygon_offsets_.empty() ? 0 : polygon_offsets_.size() - 1; }
   bool empty() const { return ring_count() == 0; }
   const std::vector<ZBR_PT>& points() const { return points_; }
-  const std::vector<std::int32_t>& ring_offsets() const { return ring_offsets_; }
-  const std::vector<std::int32_t>& polygon_offsets() const { return polygon_offsets_; }
+  const std::vector<std::int32_t>& ring_offsets() const { return ring_offsets_.empty() ? NoOffsets() : ring_offsets_; }
+  const std::vector<std::int32_t>& polygon_offsets() const { return polygon_offsets_.empty() ? NoOffsets() : polygon_offsets_; }
   // Valid until the region changes or goes.
   ZBR_API ZBR_REGION_VIEW view() const;
 
@@ -85,9 +84,15 @@ class ZBR_REGION {
  private:
   friend class ZBR_REGION_ACCESS;
 
+  // The offsets of nothing. Empty regions have none of their own, so that to make one needs no memory.
+  static const std::vector<std::int32_t>& NoOffsets() {
+    static const std::vector<std::int32_t> offsets(1, 0);
+    return offsets;
+  }
+
   std::vector<ZBR_PT> points_;
-  std::vector<std::int32_t> ring_offsets_{0};
-  std::vector<std::int32_t> polygon_offsets_{0};
+  std::vector<std::int32_t> ring_offsets_;
+  std::vector<std::int32_t> polygon_offsets_;
   std::vector<ZBR_EDGE_SOURCE> sources_;
   std::vector<std::int32_t> source_offsets_;
 };
