@@ -38,7 +38,8 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.contact = plan.contact;
   options.progress = [&](std::size_t view, DrawStage stage) {
     // Stages left out take no time.
-    std::fill(times[view].begin() + static_cast<std::ptrdiff_t>(stage), times[view].end(), Clock::now());
+    std::replace(times[view].begin(), times[view].begin() + static_cast<std::ptrdiff_t>(stage) + 1, Clock::time_point(),
+                 Clock::now());
     if (stage == DrawStage::kDone) ++done;
     if (stage != DrawStage::kScene) return;
     const std::string counter =
