@@ -98,13 +98,14 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  const Objects objects = ReadObjects(plan.objects, options.modelFormat);
+  Objects objects = ReadObjects(plan.objects, options.modelFormat);
   plan.views = ChooseViews(options, objects.mesh.yUp);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
+  objects.mesh = {};  // all there is to know is in the model
   NoteRoughness(model, plan.objects.front().file, options, progress);
   const double prepared = watch.Lap();
 
