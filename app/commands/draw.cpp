@@ -38,7 +38,8 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.contact = plan.contact;
   options.progress = [&](std::size_t view, DrawStage stage) {
     // Stages left out take no time.
-    std::fill(times[view].begin() + static_cast<std::ptrdiff_t>(stage), times[view].end(), Clock::now());
+    std::replace(times[view].begin(), times[view].begin() + static_cast<std::ptrdiff_t>(stage) + 1, Clock::time_point(),
+                 Clock::now());
     if (stage == DrawStage::kDone) ++done;
     if (stage != DrawStage::kScene) return;
     const std::string counter =
@@ -97,13 +98,14 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  const Objects objects = ReadObjects(plan.objects, options.modelFormat);
+  Objects objects = ReadObjects(plan.objects, options.modelFormat);
   plan.views = ChooseViews(options, objects.mesh.yUp);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
+  objects.mesh = {};  // all there is to know is in the model
   NoteRoughness(model, plan.objects.front().file, options, progress);
   const double prepared = watch.Lap();
 

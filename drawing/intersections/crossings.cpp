@@ -46,6 +46,18 @@ class Signs {
     return moves == Moves::kSecond ? sign : -sign;
   }
 
+  // The same of several points.
+  template <std::size_t n>
+  std::array<int, n> Sides(const Corners& t, const std::array<std::uint32_t, n>& points, Moves moves) const {
+    const PlaneThrough plane(At(t[0]), At(t[1]), At(t[2]));
+    std::array<int, n> sides;
+    for (std::size_t i = 0; i < n; ++i) {
+      sides[i] = plane.SideIfClear(At(points[i]));
+      if (sides[i] == 0) sides[i] = Side(t, points[i], moves);
+    }
+    return sides;
+  }
+
   // On which hand the edge from p to q passes the one from u to v.
   int Hand(std::uint32_t p, std::uint32_t q, std::uint32_t u, std::uint32_t v, Moves moves) const {
     if (const int sign = SignOf(Volume6(At(p), At(q), At(u), At(v)))) return sign;
@@ -164,12 +176,13 @@ class Finder {
   // Whether both ends of an edge are on one side of the plane of a triangle of the same shell.
   bool IsOnOneSide(std::uint32_t of, std::size_t edge, std::uint32_t triangle) const {
     const Corners &c = mesh_.corners[of], &plane = mesh_.corners[triangle];
-    return signs_.Side(plane, c[edge], Moves::kEachPoint) == signs_.Side(plane, c[(edge + 1) % 3], Moves::kEachPoint);
+    const auto sides = signs_.Sides<2>(plane, {c[edge], c[(edge + 1) % 3]}, Moves::kEachPoint);
+    return sides[0] == sides[1];
   }
 
   // False when all corners of `of` lie on one side of the triangle.
   bool Sides(std::uint32_t triangle, std::uint32_t of, Moves moves, std::array<int, 3>& side) const {
-    for (std::size_t i = 0; i < 3; ++i) side[i] = signs_.Side(mesh_.corners[triangle], mesh_.corners[of][i], moves);
+    side = signs_.Sides<3>(mesh_.corners[triangle], mesh_.corners[of], moves);
     return side[0] != side[1] || side[1] != side[2];
   }
 

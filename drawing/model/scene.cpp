@@ -50,7 +50,7 @@ class SceneMaker {
     classes_ = scene_.classes.data() + begin;
     for (std::size_t t = 0; t < count; ++t) Fill(t, *shell.GetTriangle(static_cast<int>(t)));
     scene_.drawable += borders_;
-    scene_.shells.emplace_back(triangles_, static_cast<unsigned>(count));
+    AddShell(triangles_, count);
   }
 
   // A triangle without width draws one edge and hides nothing.
@@ -71,10 +71,18 @@ class SceneMaker {
       scene_.crossing.push_back(lines[k].triangles);
     }
     scene_.drawable += lines.size();
-    if (!lines.empty()) scene_.shells.emplace_back(first, static_cast<unsigned>(lines.size()));
+    if (!lines.empty()) AddShell(first, lines.size());
   }
 
  private:
+  // The removal of a whole scene brings its own lists; those of a hundred thousand shells would be as large as their triangles.
+  void AddShell(ZBR_HL_TRI* first, std::size_t count) {
+    ZBR_HL_SHELL& shell = scene_.shells.emplace_back(first, static_cast<unsigned>(count));
+    for (auto* list :
+         {&shell.tri_result, &shell.xy_result, &shell.edge_result[0], &shell.edge_result[1], &shell.edge_result[2], &shell.work})
+      *list = {};
+  }
+
   static constexpr std::uint32_t kNone = 0xffffffffU;
 
   ZBR_PT3 Look(const ZBR_PT3& p) const { return scene_.view.In(p - centre_) * scene_.scale; }
