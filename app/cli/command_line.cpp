@@ -150,6 +150,8 @@ CommandLine::CommandLine()
               "Print what a drawing holds: loops, vertices, area, box, depth of nesting; or a model, and what is wrong with it",
               info_);
   AddModelFormat(*app_.get_subcommand("info"), info_.modelFormat);
+  app_.get_subcommand("info")->add_flag(
+      "--json", info_.json, "Print a JSON object, with perimeter, centroid and second moments too; of models area and volume");
   DeclareCheck();
   DeclareDraw();
   DeclareOutline();
@@ -267,6 +269,7 @@ void CommandLine::DeclareCheck() {
   command.add_option("-o,--output", check_.outputs, "File for the repaired region; needs --fix")
       ->allow_extra_args(false)
       ->type_name("OUT");
+  command.add_flag("--json", check_.json, "Print a JSON object with every place of every finding");
   AddCurves(command, check_.input.writing.curves);
   DeclareInput(command, check_.input);
   AddDxfVersion(command, check_.input.writing.dxf);

@@ -67,7 +67,8 @@ struct TransformOptions {
 struct FileOptions {
   InputOptions input;
   std::string file;
-  std::string modelFormat;  // of info alone; set: the file is a model
+  std::string modelFormat;  // set: the file is a model
+  bool json = false;
 };
 
 struct CheckOptions {
@@ -75,6 +76,7 @@ struct CheckOptions {
   std::string file;
   std::vector<std::string> outputs;
   bool fix = false;  // outputs get the region that the drawing is taken for
+  bool json = false;
 };
 
 struct DrawOptions {

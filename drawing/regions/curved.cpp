@@ -12,6 +12,8 @@
 #include <span>
 #include <utility>
 
+#include "drawing/regions/bezier.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -131,28 +133,20 @@ double ChordArea(const std::vector<ZBR_PT>& ring) {
   return twice / 2;
 }
 
-// Between a chord and its arc, which spans this angle; for splines none.
-double SegmentArea(const Curve& curve, double sweep) {
+// Between a curve and its chord.
+double SegmentArea(const Curve& curve) {
+  if (curve.spline != nullptr) return SplineArea(curve);
+  const double sweep = curve.t1 - curve.t0;
   return curve.u.OuterProduct(curve.v) * (sweep - std::sin(sweep)) / 2;
 }
 
 }  // namespace
 
 double CurvedRegion::Area() const {
-  const auto isSpline = [&](const EdgeOrigin& origin) {
-    return origin.curve >= 0 && (*curves)[static_cast<std::size_t>(origin.curve)].spline != nullptr;
-  };
   double area = 0.0;
-  if (std::none_of(origins.begin(), origins.end(), isSpline)) {
-    for (const Path& path : OutlinesOf(*this)) {
-      area += ChordArea(path.points);
-      for (const Curve& curve : path.curves) area += SegmentArea(curve, curve.t1 - curve.t0);
-    }
-    return area;
-  }
-  area = rings.area();
-  for (const EdgeOrigin& origin : origins) {
-    if (origin.curve >= 0) area += SegmentArea((*curves)[static_cast<std::size_t>(origin.curve)], origin.t1 - origin.t0);
+  for (const Path& path : OutlinesOf(*this)) {
+    area += ChordArea(path.points);
+    for (const Curve& curve : path.curves) area += SegmentArea(curve);
   }
   return area;
 }

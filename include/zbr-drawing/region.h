@@ -46,7 +46,7 @@ struct CurvedRegion {
   std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to
 
   bool HasCurves() const { return !origins.empty(); }
-  // By the orientation of the rings; what lies between chords and their arcs counts (not for splines, whose chords bound it).
+  // By the orientation of the rings; what lies between chords and their curves counts.
   double Area() const;
 };
 
