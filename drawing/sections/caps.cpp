@@ -29,7 +29,8 @@ class Sweep {
  public:
   explicit Sweep(const ZBR_REGION& region) {
     for (std::size_t r = 0; r < region.ring_count(); ++r) {
-      const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]), end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
+      const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]),
+                 end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
       for (std::size_t i = begin; i < end; ++i) AddEdge(region.points()[i], region.points()[i + 1 < end ? i + 1 : begin]);
     }
     std::sort(edges_.begin(), edges_.end(), [](const Edge& a, const Edge& b) { return a.low.y() < b.low.y(); });

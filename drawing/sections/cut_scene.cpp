@@ -1,8 +1,8 @@
 // Triangles clipped by the planes of a section.
 //
 // A scene is cut rather than the model: normals, silhouettes and creases stay those of the whole, and no sliver beside the cut gets
-// a direction of its own. What is left of a triangle is a convex polygon, whose sides are parts of the triangle's edges or cuts. Both
-// triangles of an edge are cut at the same point, to the bit, and their parts become neighbours again.
+// a direction of its own. What is left of a triangle is a convex polygon, whose sides are parts of the triangle's edges or cuts.
+// Both triangles of an edge are cut at the same point, to the bit, and their parts become neighbours again.
 #include "drawing/sections/cut_scene.h"
 
 #include <array>
@@ -24,9 +24,9 @@ enum : std::uint8_t { kFrontCut = 3, kBackCut = 4, kInside = 5 };
 constexpr std::uint32_t kNone = 0xffffffffU;
 
 struct Corner {
-  ZBR_PT3 place;                   // in the scene
-  std::array<bool, 2> isAbove{};   // by plane, the back one turned round
-  std::uint8_t side = 0;           // from here to the next corner
+  ZBR_PT3 place;                  // in the scene
+  std::array<bool, 2> isAbove{};  // by plane, the back one turned round
+  std::uint8_t side = 0;          // from here to the next corner
 };
 
 class SceneCutter {
@@ -218,7 +218,7 @@ class SceneCutter {
   Scene& scene_;
   std::array<SectionPlane, 2> planes_;
   std::size_t count_;
-  std::size_t shell_ = 0, begin_ = 0;          // what is being cut, and its first triangle
+  std::size_t shell_ = 0, begin_ = 0;         // what is being cut, and its first triangle
   std::vector<std::vector<double>> heights_;  // by plane
   std::vector<std::uint32_t> first_;          // of the shell's edges: the side met first, 3 x triangle + place
   // To become the scene's.

@@ -77,7 +77,8 @@ void FaceLines::AddFace(const SectionFace& face, const ZBR_REGION& cover) {
 }
 
 void FaceLines::AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_t shell) {
-  const auto begin = static_cast<std::size_t>(region.ring_offsets()[ring]), end = static_cast<std::size_t>(region.ring_offsets()[ring + 1]);
+  const auto begin = static_cast<std::size_t>(region.ring_offsets()[ring]),
+             end = static_cast<std::size_t>(region.ring_offsets()[ring + 1]);
   SectionLine line;
   line.shell = shell;
   line.closed = true;
@@ -99,7 +100,8 @@ void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
     line.triangles.clear();
   };
   for (std::size_t r = 0; r < cover.ring_count(); ++r) {
-    const auto begin = static_cast<std::size_t>(cover.ring_offsets()[r]), end = static_cast<std::size_t>(cover.ring_offsets()[r + 1]);
+    const auto begin = static_cast<std::size_t>(cover.ring_offsets()[r]),
+               end = static_cast<std::size_t>(cover.ring_offsets()[r + 1]);
     for (std::size_t i = begin; i < end; ++i) {
       const ZBR_PT &a = cover.points()[i], &b = cover.points()[i + 1 < end ? i + 1 : begin];
       for (const Interval& gap : GapsOf(taken[i])) {
@@ -134,8 +136,7 @@ void FaceLines::Finish(SectionLine& line) {
   lines_.push_back(std::move(kept));
 }
 
-std::vector<SectionLine> FaceLines::Take(std::size_t& open) {
-  open = open_;
+std::vector<SectionLine> FaceLines::Take() {
   std::stable_sort(lines_.begin(), lines_.end(), [](const SectionLine& a, const SectionLine& b) { return a.shell < b.shell; });
   return std::move(lines_);
 }

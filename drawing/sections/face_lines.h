@@ -24,8 +24,12 @@ class FaceLines {
   // face is not the whole cover it knows its sources there.
   void AddFace(const SectionFace& face, const ZBR_REGION& cover);
 
-  // Everything added; how many of the lines bound nothing.
-  std::vector<SectionLine> Take(std::size_t& open);
+  void CountBridge() { ++bridged_; }
+
+  std::size_t OpenCount() const { return open_; }
+  std::size_t BridgeCount() const { return bridged_; }
+  // Everything added, by shell.
+  std::vector<SectionLine> Take();
 
  private:
   using Points = std::vector<ZBR_PT>;
@@ -43,7 +47,7 @@ class FaceLines {
   std::vector<Crossed> crossed_;
   bool isSorted_ = false;
   std::vector<SectionLine> lines_;
-  std::size_t open_ = 0;
+  std::size_t open_ = 0, bridged_ = 0;
 };
 
 }  // namespace zbr::drawing

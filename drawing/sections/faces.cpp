@@ -1,10 +1,10 @@
 // What a plane lays open: from contours to faces.
 //
-// A shell's contours bound what is inside it. Where a face of the body lies in the plane there are two answers, just below the plane
-// and just above it; the first is where the body ends, and what belongs to both is cut. So a plane that touches cuts nothing, and a
-// step whose face lies in the plane shows as a face.
-// Shells that face inwards within another of their object are its hollows and taken from it; others are bodies turned inside out.
-// Cuts of open shells are joined across the shells of an object, as sheets that meet three at an edge are shells by themselves.
+// A shell's contours bound what is inside it. Where a face of the body lies in the plane there are two answers, just below the
+// plane and just above it; the first is where the body ends, and what belongs to both is cut. So a plane that touches cuts nothing,
+// and a step whose face lies in the plane shows as a face. Shells that face inwards within another of their object are its hollows
+// and taken from it; others are bodies turned inside out. Cuts of open shells are joined across the shells of an object, as sheets
+// that meet three at an edge are shells by themselves.
 #include <zbr-drawing/section.h>
 
 #include <algorithm>
@@ -81,8 +81,8 @@ class ObjectCutter {
       }
     }
     for (SeenContour& contour : JoinContours(std::move(open), kGap * model_.Diagonal())) {
-      const auto cut =
-          std::find_if(cuts_.begin(), cuts_.end(), [&](const ShellCut& c) { return c.shell == contour.shell; });
+      const auto cut = std::find_if(cuts_.begin(), cuts_.end(), [&](const ShellCut& c) { return c.shell == contour.shell; });
+      if (inPlane == InPlane::kAbove && contour.bridged) lines_.CountBridge();
       if (contour.closed) {
         closed[static_cast<std::size_t>(cut - cuts_.begin())].push_back(std::move(contour));
         cut->isOriented = false;
@@ -159,7 +159,9 @@ SectionCut FindSection(const Model& model, const View& view, const SectionPlane&
       section.covers.push_back(std::move(cut.inside[0]));
     }
   }
-  section.lines = lines.Take(section.openLines);
+  section.openLines = lines.OpenCount();
+  section.bridged = lines.BridgeCount();
+  section.lines = lines.Take();
   return section;
 }
 

@@ -42,6 +42,17 @@ std::vector<std::size_t> Partners(const std::vector<SeenContour>& open, double g
   return partner;
 }
 
+// The opening that may be bridged, as a part of the contour's length: of a half circle it is two thirds.
+constexpr double kOpening = 0.1;
+
+void BridgeIfSmall(SeenContour& contour) {
+  double length = 0.0;
+  for (std::size_t i = 1; i < contour.points.size(); ++i) length += contour.points[i].Distance(contour.points[i - 1]);
+  if (contour.points.front().Distance(contour.points.back()) > kOpening * length) return;
+  contour.closed = contour.bridged = true;
+  contour.triangles.push_back(kNoTriangle);
+}
+
 void Append(SeenContour& joined, SeenContour&& piece, bool backwards) {
   if (backwards) {
     std::reverse(piece.points.begin(), piece.points.end());
@@ -72,7 +83,7 @@ std::vector<SeenContour> JoinContours(std::vector<SeenContour> open, double gap)
       done[end / 2] = true;
       Append(contour, std::move(open[end / 2]), end % 2 == 1);
     }
-    if (end == kNone) return;
+    if (end == kNone) return BridgeIfSmall(contour);
     contour.closed = true;
     if (contour.points.back() == contour.points.front()) {
       contour.points.pop_back();

@@ -1,8 +1,8 @@
 // Lines at 45 degrees, a few millimetres apart, clipped by the faces.
 //
 // Bodies that come close to each other get different styles; a style whose lines run along much of the body's outline is passed
-// over. A face is cut by each line at an even number of places, because whether an edge reaches a line is decided at its ends alone,
-// the same for both edges of a point.
+// over. A face is cut by each line at an even number of places, because whether an edge reaches a line is decided at its ends
+// alone, the same for both edges of a point.
 #include "drawing/sheets/hatching.h"
 
 #include <algorithm>
@@ -45,7 +45,8 @@ Box BoxOf(const ZBR_REGION& region) {
 template <class F>
 void ForEachEdge(const ZBR_REGION& region, F f) {
   for (std::size_t r = 0; r < region.ring_count(); ++r) {
-    const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]), end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
+    const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]),
+               end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
     for (std::size_t i = begin; i < end; ++i) f(region.points()[i], region.points()[i + 1 < end ? i + 1 : begin]);
   }
 }

@@ -12,7 +12,7 @@ namespace {
 // Millimetres.
 constexpr double kBeyond = 7;  // the plane's line reaches beyond the view
 constexpr double kThick = 6;   // its ends
-constexpr double kArrow = 8, kHead = 3, kHalfHead = 0.9;
+constexpr double kArrow = 8, kHead = 3, kHalfHead = 0.6;
 constexpr double kLetter = 5;
 constexpr double kNameGap = 4;        // of a section's name above it
 constexpr double kLetterWidth = 0.7;  // of its height, on the average
@@ -50,7 +50,7 @@ void AddEnd(Sheet& sheet, const ZBR_PT& end, const ZBR_PT& inwards, const ZBR_PT
   const ZBR_PT tail = end + toViewer * kArrow, neck = end + toViewer * kHead, aside = inwards * kHalfHead;
   sheet.paths.push_back({{end, end + inwards * kThick}, false, true});
   sheet.paths.push_back({{tail, neck}, false, false});
-  sheet.paths.push_back({{end, neck + aside, neck - aside}, true, true});
+  sheet.paths.push_back({{end, neck + aside, neck - aside, end, neck}, false, true});
   const double half = kLetter / 2, halfWidth = kLetter * kLetterWidth / 2;
   const ZBR_PT middle = tail + toViewer * (half + 1.5);
   sheet.texts.push_back({middle - ZBR_PT(halfWidth, half), kLetter, letter});

@@ -66,8 +66,8 @@ Cell PictorialCell(const std::vector<Cell>& taken, Projection projection) {
   return cell;
 }
 
-// Which way to go on a sheet from a view to one that is turned from it by a right angle, in third-angle projection; to the right for
-// the same direction. None for other views.
+// Which way to go on a sheet from a view to one that is turned from it by a right angle, in third-angle projection; to the right
+// for the same direction. None for other views.
 std::optional<Cell> StepTo(const View& to, const View& from) {
   constexpr double kSame = 1e-9;
   const auto isSame = [](const ZBR_PT3& a, const ZBR_PT3& b) { return a.Distance(b) < kSame; };

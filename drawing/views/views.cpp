@@ -21,7 +21,8 @@ struct Found {
 };
 
 void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines& view) {
-  view.section = SectionOfView{direction.name.substr(0, 1), *direction.section, std::move(section.faces), section.openLines};
+  view.section =
+      SectionOfView{direction.name.substr(0, 1), *direction.section, std::move(section.faces), section.openLines, section.bridged};
   std::vector<Line> cuts;
   for (SectionLine& outline : section.lines) {
     Line& line = cuts.emplace_back();

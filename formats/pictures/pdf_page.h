@@ -36,7 +36,7 @@ class PdfPage {
 
   void SetWidth(double width);
   void SetRoundEnds(bool round);
-  void SetDashes(double dash, double gap);       // 0: none
+  void SetDashes(double dash, double gap);  // 0: none
   void SetDashes(const std::array<double, 4>& pattern);
   void SetShade(const std::array<int, 3>& rgb);  // of lines and areas
 

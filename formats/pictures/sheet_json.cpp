@@ -143,7 +143,8 @@ std::string SectionText(const SectionOfView& section, const Coordinates& coordin
   const Json plane = {{"normal", Vector(section.plane.normal)}, {"offset", section.plane.offset + 0.0}};
   std::string text = "\n],\"section\":{\"letter\":" + TextOf(section.letter) + ",\"plane\":" + TextOf(plane);
   if (std::isfinite(section.plane.depth)) text += ",\"depth\":" + TextOf(section.plane.depth);
-  text += ",\"open_lines\":" + std::to_string(section.openLines) + ",\"faces\":[\n";
+  text +=
+      ",\"open_lines\":" + std::to_string(section.openLines) + ",\"bridged\":" + std::to_string(section.bridged) + ",\"faces\":[\n";
   for (const SectionFace& face : section.faces) {
     if (&face != &section.faces.front()) text += ",\n";
     text += "{\"shell\":" + std::to_string(face.shell) + ",\"area\":" + TextOf(face.region.area()) + ",";

@@ -35,7 +35,8 @@ struct SectionPlane {
 // the plane at this distance from the origin in this direction, from where it is seen. Fails on anything else.
 SectionPlane ParseSection(const std::string& text, bool yUp = false);
 
-// Along the normal, with the model's upward axis drawn upwards; planes that lie flat are seen as the views from above and below are.
+// Along the normal, with the model's upward axis drawn upwards; planes that lie flat are seen as the views from above and below
+// are.
 View SectionView(const SectionPlane& plane, bool yUp = false);
 
 // What the plane lays open of one body. Points are in the view's x and y, with the middle of the model's box as the origin, in the
@@ -57,10 +58,11 @@ struct SectionLine {
 
 // A section belongs to a plane, and to a view along its normal.
 struct SectionCut {
-  std::vector<SectionFace> faces;   // in the order of shells
-  std::vector<SectionLine> lines;   // outlines of the faces, and cuts that bound none
-  std::vector<ZBR_REGION> covers;   // parallel to the faces: with them what of bodies ends in the plane
-  std::size_t openLines = 0;        // of them: where the mesh is open, the cut does not close
+  std::vector<SectionFace> faces;  // in the order of shells
+  std::vector<SectionLine> lines;  // outlines of the faces, and cuts that bound none
+  std::vector<ZBR_REGION> covers;  // parallel to the faces: with them what of bodies ends in the plane
+  std::size_t openLines = 0;       // of them: where the mesh is open, the cut does not close
+  std::size_t bridged = 0;         // cuts that were closed straight across an opening, small beside their length
 };
 
 // Cuts are exact as to what follows what: a vertex is above, below or in the plane for all its triangles, and cuts of triangles are

@@ -86,7 +86,7 @@ inline constexpr double kDashGap = 3.0;
 
 // Chain lines have long dashes of this many line widths, then a gap, a dot and another gap.
 inline constexpr double kLongDash = 24.0;
-inline constexpr double kDot = 0.5;
+inline constexpr double kDot = 1.0;
 bool IsChainLine(EdgeClass edgeClass);
 
 // Arranges the views, hatches sections and marks where they are. Fails when paper and scale are given and the views do not fit.

@@ -47,10 +47,11 @@ struct Line {
 
 // What makes a view a section.
 struct SectionOfView {
-  std::string letter;              // "A" of A-A
+  std::string letter;  // "A" of A-A
   SectionPlane plane;
   std::vector<SectionFace> faces;  // their outlines are among the view's lines, as EdgeClass::kCut
   std::size_t openLines = 0;       // of them: where the mesh is open, the cut does not close
+  std::size_t bridged = 0;         // cuts that were closed across an opening of the mesh
 };
 
 // In the unit of the model. The origin is the middle of the model's box: so the views of a sheet line up, and coordinates stay
@@ -63,8 +64,8 @@ struct ViewLines {
   std::vector<Line> lines;         // visible ones first, then by class, then by shell
   std::vector<LoopList> outlines;  // of the objects, as far as nearer ones leave them visible, where asked for
   std::optional<SectionOfView> section;
-  std::size_t drawable = 0;        // edges
-  std::uint64_t pairs = 0;         // of edges and triangles that the removal looked at closely
+  std::size_t drawable = 0;  // edges
+  std::uint64_t pairs = 0;   // of edges and triangles that the removal looked at closely
 
   double VisibleLength() const;
 };
