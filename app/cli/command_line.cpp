@@ -290,6 +290,12 @@ void CommandLine::DeclareDraw() {
   command.add_option("--look", draw_.look, "A view along this direction, beside those of --view")->type_name("X,Y,Z");
   command.add_option("--up", draw_.up, "With --look: the direction that is drawn upwards; by default that of --axes")
       ->type_name("X,Y,Z");
+  command
+      .add_option("--section", draw_.sections,
+                  "A section beside the other views: X=10, seen as the right view is; Y=5..20, what lies between two planes; or "
+                  "1,0,1=7.5, a plane at that distance from the origin, seen from there. May be repeated")
+      ->allow_extra_args(false)
+      ->type_name("PLANE");
   AddAxes(command, draw_.axes);
   AddNumber(command, "--crease", kDegrees, draw_.crease, "Draw edges at which the surface bends by more than this; by default 30");
   AddWeld(command, draw_.weld);
@@ -441,6 +447,7 @@ int CommandLine::RunChosen() {
   for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
   }
+  for (std::string& section : draw_.sections) section = Unprotected(section);
   for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &draw_.number, &draw_.author,
                             &draw_.date, &pick_.view.look, &pick_.view.up, &outline_.view.look, &outline_.view.up})
     *text = Unprotected(*text);

@@ -83,11 +83,12 @@ struct DrawOptions {
   std::vector<std::string> models;
   std::vector<std::string> objects;  // further ones, "FILE,DX,DY,DZ"
   std::vector<std::string> outputs;
-  std::vector<std::string> views;  // names
-  std::string look, up, axes;      // as in ViewOptions; a view beside the named ones
-  std::string modelFormat;         // of models whose names do not tell
-  std::string sheet;               // "first", "third" or empty: by the number of views
-  std::string hidden;              // empty: dashed, in views along an axis only
+  std::vector<std::string> views;     // names
+  std::string look, up, axes;         // as in ViewOptions; a view beside the named ones
+  std::vector<std::string> sections;  // planes, a view for each
+  std::string modelFormat;            // of models whose names do not tell
+  std::string sheet;                  // "first", "third" or empty: by the number of views
+  std::string hidden;                 // empty: dashed, in views along an axis only
   std::string tangent = "none";
   std::string intersections = "on";
   std::string curves = "on";

@@ -83,6 +83,21 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<Ob
   }
 }
 
+void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
+  for (const ViewLines& view : views) {
+    if (!view.section) continue;
+    const std::size_t open = view.section->openLines, bridged = view.section->bridged;
+    const std::string isOpen = view.name + ": note: the model is open there: ";
+    if (bridged > 0)
+      progress.Note(isOpen + std::to_string(bridged) + (bridged == 1 ? " cut was" : " cuts were") +
+                    " closed across a small opening");
+    if (open > 0)
+      progress.Note(isOpen + std::to_string(open) + (open == 1 ? " cut does" : " cuts do") +
+                    " not close, and nothing is hatched beside " + (open == 1 ? "it" : "them"));
+    if (view.section->faces.empty() && open == 0) progress.Note(view.name + ": note: the plane cuts nothing");
+  }
+}
+
 // A crease angle that was chosen is not talked about.
 void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
   constexpr double kUsual = 30.0;
@@ -114,6 +129,7 @@ int RunDraw(const DrawOptions& options) {
   const Clock::time_point begin = Clock::now();
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
   NoteEmptyOutlines(views, objects.sources, progress);
+  NoteSections(views, progress);
   watch.Lap();
 
   progress.Stage("writing");

@@ -17,7 +17,7 @@ namespace {
 constexpr const char* kLook = "look";
 
 std::size_t ViewCount(const DrawOptions& options) {
-  return std::max<std::size_t>(options.views.size() + (options.look.empty() ? 0 : 1), 1);
+  return std::max<std::size_t>(options.views.size() + (options.look.empty() ? 0 : 1) + options.sections.size(), 1);
 }
 
 SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
@@ -52,6 +52,17 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   sheet.date = options.date;
   sheet.title = options.title.empty() ? TitleOf(objects) : options.title;
   return sheet;
+}
+
+// A-A, B-B and so on; some letters look like numbers.
+void AddSections(const std::vector<std::string>& sections, bool yUp, std::vector<NamedDirection>& views) {
+  const std::string letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+  if (sections.size() > letters.size())
+    throw Failure("--section: there are letters for " + std::to_string(letters.size()) + " sections only");
+  for (std::size_t k = 0; k < sections.size(); ++k) {
+    const SectionPlane plane = ForOption("--section", [&] { return ParseSection(sections[k], yUp); });
+    views.push_back({std::string(1, letters[k]) + "-" + letters[k], SectionView(plane, yUp), plane});
+  }
 }
 
 }  // namespace
@@ -90,6 +101,7 @@ std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFi
     views.push_back({name, ViewByName(name, yUp)});
   }
   if (!options.look.empty()) views.push_back({kLook, LookView(options.look, options.up, yUp)});
+  AddSections(options.sections, yUp, views);
   if (views.empty()) views.push_back({"iso", ViewByName("iso", yUp)});
   return views;
 }

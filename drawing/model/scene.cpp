@@ -162,6 +162,7 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.contact = ContactOf(model, scene.scale);
   scene.offset = view.In(model.Centre());
   scene.drawable = 0;
+  scene.parts.clear();
   scene.triangles.resize(model.TriangleCount() + lines.size());
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
+#include "drawing/sections/cut_scene.h"
 #include "drawing/views/parallel.h"
 
 namespace zbr::drawing {
@@ -18,18 +20,44 @@ struct Found {
   std::vector<IntersectionLine> crossings;
 };
 
+void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines& view) {
+  view.section =
+      SectionOfView{direction.name.substr(0, 1), *direction.section, std::move(section.faces), section.openLines, section.bridged};
+  std::vector<Line> cuts;
+  for (SectionLine& outline : section.lines) {
+    Line& line = cuts.emplace_back();
+    line.edgeClass = outline.isCut ? EdgeClass::kCut : EdgeClass::kCrease;
+    line.shell = line.other = outline.shell;
+    line.chain.closed = outline.closed;
+    line.chain.points = std::move(outline.points);
+    for (const std::uint32_t triangle : outline.triangles) line.chain.edges.push_back({triangle, EdgeRef::kAcross});
+  }
+  AddVisible(view, std::move(cuts));
+}
+
 ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
                    unsigned threads, const std::function<void(DrawStage)>& at) {
   at(DrawStage::kScene);
   Scene scene = MakeScene(model, direction.view, found.crossings, options.tangents);
   if (options.contact >= 0) scene.contact = options.contact * scene.scale;
+  SectionCut section;
+  Extent whole;
+  if (direction.section) {
+    whole = ExtentOf(scene);
+    section = FindSection(model, direction.view, *direction.section);
+    CutScene(model, *direction.section, section, scene);
+  }
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
   at(DrawStage::kLines);
   const bool hidden = options.hidden == HiddenLines::kInAllViews ||
-                      (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal());
+                      (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
   ViewLines lines = CollectLines(model, scene, hidden, found.circles ? &*found.circles : nullptr);
   lines.name = direction.name;
+  if (direction.section) {
+    lines.extent = whole;  // views of one model line up, whatever was cut away
+    AddSection(std::move(section), direction, lines);
+  }
   if (options.outlines) {
     at(DrawStage::kOutlines);
     constexpr bool kNarrow = true;

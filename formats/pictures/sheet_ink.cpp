@@ -17,6 +17,10 @@ std::optional<DashPattern> DashesOf(const Sheet& sheet, const Line& line) {
   return DashPattern{dash * stretch, (period - dash) * stretch};
 }
 
+std::array<double, 4> ChainPattern(const Sheet& sheet) {
+  return {kLongDash * sheet.thin, kDashGap * sheet.thin, kDot * sheet.thin, kDashGap * sheet.thin};
+}
+
 std::array<int, 3> ShadeOf(std::size_t object) {
   constexpr std::array<std::array<int, 3>, 6> kShades = {
       {{0xe4, 0xe6, 0xe9}, {0xc9, 0xd8, 0xe6}, {0xec, 0xdf, 0xc4}, {0xcf, 0xe3, 0xcf}, {0xe9, 0xd0, 0xcd}, {0xd8, 0xd0, 0xe6}}};

@@ -139,6 +139,22 @@ std::string OutlinesText(const ViewLines& view, const Coordinates& coordinates) 
   return text;
 }
 
+std::string SectionText(const SectionOfView& section, const Coordinates& coordinates) {
+  const Json plane = {{"normal", Vector(section.plane.normal)}, {"offset", section.plane.offset + 0.0}};
+  std::string text = "\n],\"section\":{\"letter\":" + TextOf(section.letter) + ",\"plane\":" + TextOf(plane);
+  if (std::isfinite(section.plane.depth)) text += ",\"depth\":" + TextOf(section.plane.depth);
+  text +=
+      ",\"open_lines\":" + std::to_string(section.openLines) + ",\"bridged\":" + std::to_string(section.bridged) + ",\"faces\":[\n";
+  for (const SectionFace& face : section.faces) {
+    if (&face != &section.faces.front()) text += ",\n";
+    text += "{\"shell\":" + std::to_string(face.shell) + ",\"area\":" + TextOf(face.region.area()) + ",";
+    std::string outline;
+    AppendOutline(outline, face.object, zbrLoopsOfRegion(face.region.view()), coordinates);
+    text += outline.substr(1);
+  }
+  return text + "\n]}";
+}
+
 // Points times scale plus origin give millimetres on paper.
 std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
   const ViewLines& view = placed.lines;
@@ -154,7 +170,8 @@ std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
     text += &line == &view.lines.front() ? "\n" : ",\n";
     AppendPolyline(text, line, coordinates);
   }
-  return text + OutlinesText(view, coordinates) + "\n]}";
+  text += OutlinesText(view, coordinates);
+  return text + (view.section ? SectionText(*view.section, coordinates) + "}" : "\n]}");
 }
 
 const char* ProjectionName(Projection projection) {

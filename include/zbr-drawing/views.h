@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ namespace zbr::drawing {
 struct NamedDirection {
   std::string name;
   View view;
+  std::optional<SectionPlane> section = std::nullopt;  // at a right angle to the view; its letter is the first of the name
 };
 
 // What the work on a view is at; kDone comes last.
