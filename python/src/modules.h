@@ -1,0 +1,15 @@
+// What the parts of the module add to it, and the little that they share.
+#pragma once
+
+#include "python/src/refs.h"
+
+#include <string>
+
+namespace zbr::python {
+
+void AddFileFunctions(PyObject* module);
+
+// A path as the library wants it; bytes and text as os.fspath gives them.
+std::string FileName(PyObject* path);
+
+}  // namespace zbr::python
