@@ -61,17 +61,6 @@ Read ReadRegion(const Reading& reading, Monitor& monitor) {
   return read;
 }
 
-std::string BytesOf(PyObject* object, const char* name) {
-  Py_buffer buffer{};
-  if (PyObject_CheckBuffer(object) == 0 || PyObject_GetBuffer(object, &buffer, PyBUF_SIMPLE) != 0) {
-    PyErr_Clear();
-    throw BadType(name, "bytes are needed");
-  }
-  std::string bytes(static_cast<const char*>(buffer.buf), static_cast<std::size_t>(buffer.len));
-  PyBuffer_Release(&buffer);
-  return bytes;
-}
-
 std::vector<std::string> StringsOf(PyObject* object, const char* name) {
   std::vector<std::string> strings;
   if (object == nullptr) return strings;
@@ -144,16 +133,30 @@ PyObject* WriteRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObj
 PyObject* UnitCode(PyObject*, PyObject* name) noexcept {
   return Guarded([&] {
     if (PyUnicode_Check(name) == 0) throw BadType("unit", "a string is needed");
-    const std::string wanted = Arguments<1>::Text(name);
-    constexpr int kMostUnits = 32;
-    for (int code = 0; code < kMostUnits; ++code) {
-      if (drawing::UnitName(code) == wanted) return Ref::Own(PyLong_FromLong(code));
-    }
-    throw BadArgument("unit", "mm, cm, m, in, ft or another unit of length is needed");
+    return Ref::Own(PyLong_FromLong(UnitCodeOf(Arguments<1>::Text(name))));
   });
 }
 
 }  // namespace
+
+std::string BytesOf(PyObject* object, const char* name) {
+  Py_buffer buffer{};
+  if (PyObject_CheckBuffer(object) == 0 || PyObject_GetBuffer(object, &buffer, PyBUF_SIMPLE) != 0) {
+    PyErr_Clear();
+    throw BadType(name, "bytes are needed");
+  }
+  std::string bytes(static_cast<const char*>(buffer.buf), static_cast<std::size_t>(buffer.len));
+  PyBuffer_Release(&buffer);
+  return bytes;
+}
+
+long UnitCodeOf(const std::string& name) {
+  constexpr int kMostUnits = 32;
+  for (int code = 1; code < kMostUnits; ++code) {
+    if (!name.empty() && drawing::UnitName(code) == name) return code;
+  }
+  throw BadArgument("unit", "mm, cm, m, in, ft or another unit of length is needed");
+}
 
 std::string FileName(PyObject* path) {
   Ref bytes = Ref::Share(path);

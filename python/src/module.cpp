@@ -1,21 +1,21 @@
 // The module zbr._zbr, on which the package zbr stands.
 #include "python/src/arrays.h"
+#include "python/src/drawings.h"
 #include "python/src/modules.h"
 #include "python/src/regions.h"
 
 namespace zbr::python {
 namespace {
 
-// The classes of the package that new objects shall be of; both made of the types here.
-PyObject* UseClasses(PyObject*, PyObject* args) noexcept {
-  PyObject *region = nullptr, *regions = nullptr;
-  if (PyArg_ParseTuple(args, "O!O!", &PyType_Type, &region, &PyType_Type, &regions) == 0) return nullptr;
-  Py_INCREF(region);  // for good
-  Py_INCREF(regions);
-  UseRegionClass(reinterpret_cast<PyTypeObject*>(region));
-  UseRegionsClass(reinterpret_cast<PyTypeObject*>(regions));
-  Py_INCREF(Py_None);
-  return Py_None;
+// Tells which class of the package stands for which type.
+PyObject* UseClass(PyObject*, PyObject* type) noexcept {
+  return Guarded([&] {
+    const bool isKnown =
+        PyType_Check(type) != 0 && (Holder<RegionData>::Use(type) || Holder<RegionList>::Use(type) || Holder<MeshData>::Use(type) ||
+                                    Holder<DrawingData>::Use(type) || Holder<SheetData>::Use(type));
+    if (!isKnown) throw BadType("type", "a class made of a type of this module is needed");
+    return Ref::Share(type);
+  });
 }
 
 PyObject* NewError(PyObject* module, const char* name, const char* qualified, const char* doc, PyObject* base) {
@@ -29,6 +29,9 @@ void Fill(PyObject* module) {
   AddRegionType(module);
   AddRegionsType(module);
   AddRegionFunctions(module);
+  AddMeshType(module);
+  AddDrawingType(module);
+  AddSheetType(module);
   AddFileFunctions(module);
   TheErrors().failure =
       NewError(module, "Failure", "zbr.Failure",
@@ -44,7 +47,7 @@ void Fill(PyObject* module) {
 PyMODINIT_FUNC PyInit__zbr() {
   using zbr::python::Ref;
   static PyMethodDef functions[] = {
-      {"_use_classes", zbr::python::UseClasses, METH_VARARGS, nullptr},
+      {"use_class", zbr::python::UseClass, METH_O, nullptr},
       {nullptr, nullptr, 0, nullptr},
   };
   static PyModuleDef definition = {PyModuleDef_HEAD_INIT, "zbr._zbr", nullptr, -1, functions, nullptr, nullptr, nullptr, nullptr};

@@ -9,6 +9,12 @@ namespace zbr::python {
 
 void AddFileFunctions(PyObject* module);
 
+// The code of a unit by its name.
+long UnitCodeOf(const std::string& name);
+
+// A copy of a buffer of bytes; `name` is the argument's.
+std::string BytesOf(PyObject* object, const char* name);
+
 // A path as the library wants it; bytes and text as os.fspath gives them.
 std::string FileName(PyObject* path);
 

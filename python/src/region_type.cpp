@@ -16,26 +16,10 @@
 namespace zbr::python {
 namespace {
 
-struct RegionObject {
-  PyObject_HEAD RegionPtr data;
-};
-
-PyTypeObject* baseType = nullptr;
-PyTypeObject* regionClass = nullptr;
+using Objects = Holder<RegionData>;
 
 const RegionPtr& DataOf(PyObject* self) {
-  return reinterpret_cast<RegionObject*>(self)->data;
-}
-
-Ref Make(PyTypeObject* type, RegionPtr data) {
-  Ref object = Ref::Own(PyType_GenericAlloc(type, 0));
-  new (&reinterpret_cast<RegionObject*>(object.get())->data) RegionPtr(std::move(data));
-  return object;
-}
-
-void Delete(PyObject* self) {
-  DataOf(self).~RegionPtr();
-  FreeObject(self);
+  return Objects::Of(self);
 }
 
 // The union of the polygons, or what all rings bound where none are given.
@@ -83,18 +67,20 @@ PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
                                     &fill, &isValid, &tolerance, &progress) == 0) {
       throw PythonError();
     }
-    if (coords == nullptr) return Make(type, std::make_shared<RegionData>());
+    if (coords == nullptr) return Objects::Make(std::make_shared<RegionData>(), type);
     if (!(tolerance >= 0.0 && std::isfinite(tolerance))) throw BadArgument("tolerance", "a finite number of 0 or more is needed");
     RingArrays arrays(coords, rings, polygons);
     ZBR_REGION_OPTIONS options;
     options.fill_a = FillRule(fill);
     options.tolerance = tolerance;
     const std::size_t size = arrays.points.size();
-    return Make(type, Run(size, progress, [arrays = std::move(arrays), options, isValid](Monitor& monitor) mutable {
-                  options.progress = Monitor::Tell;
-                  options.progress_data = &monitor;
-                  return isValid != 0 ? AsGiven(arrays) : ValidRegion(arrays, options);
-                }));
+    return Objects::Make(Run(size, progress,
+                             [arrays = std::move(arrays), options, isValid](Monitor& monitor) mutable {
+                               options.progress = Monitor::Tell;
+                               options.progress_data = &monitor;
+                               return isValid != 0 ? AsGiven(arrays) : ValidRegion(arrays, options);
+                             }),
+                         type);
   });
 }
 
@@ -294,20 +280,15 @@ const Locator& RegionData::TheLocator() const {
 }
 
 Ref NewRegion(RegionPtr data) {
-  return Make(regionClass, std::move(data));
+  return Objects::Make(std::move(data));
 }
 
 bool IsRegion(PyObject* object) {
-  return Py_TYPE(object) == regionClass || PyObject_TypeCheck(object, baseType) != 0;
+  return Objects::Is(object);
 }
 
 const RegionPtr& RegionOf(PyObject* object, const char* name) {
-  if (!IsRegion(object)) throw BadType(name, "a Region is needed (Region.of() makes one of most things)");
-  return DataOf(object);
-}
-
-void UseRegionClass(PyTypeObject* type) {
-  regionClass = type;
+  return Objects::Of(object, name, "a Region is needed (Region.of() makes one of most things)");
 }
 
 void AddRegionType(PyObject* module) {
@@ -329,9 +310,8 @@ void AddRegionType(PyObject* module) {
       Fast("simplify", Simplify, nullptr),
       {nullptr, nullptr, 0, nullptr},
   };
-  static PyType_Slot slots[] = {
+  static const PyType_Slot slots[] = {
       {Py_tp_new, reinterpret_cast<void*>(New)},
-      {Py_tp_dealloc, reinterpret_cast<void*>(Delete)},
       {Py_tp_getset, properties},
       {Py_tp_methods, methods},
       {Py_tp_richcompare, reinterpret_cast<void*>(Compare)},
@@ -344,11 +324,7 @@ void AddRegionType(PyObject* module) {
       {Py_nb_xor, reinterpret_cast<void*>(Xor)},
       {0, nullptr},
   };
-  static PyType_Spec spec = {"zbr._zbr.Region", sizeof(RegionObject), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
-  const Ref type = Ref::Own(PyType_FromSpec(&spec));
-  baseType = reinterpret_cast<PyTypeObject*>(type.get());
-  regionClass = baseType;
-  if (PyModule_AddObjectRef(module, "Region", type.get()) < 0) throw PythonError();
+  Objects::AddType(module, "Region", "zbr._zbr.Region", slots);
 }
 
 }  // namespace zbr::python

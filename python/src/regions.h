@@ -2,6 +2,7 @@
 #pragma once
 
 #include "python/src/arrays.h"
+#include "python/src/holder.h"
 #include "python/src/refs.h"
 
 #include <zbr-drawing/frame.h>
@@ -94,9 +95,5 @@ void AddRegionFunctions(PyObject* module);
 
 // The number protocol of both types: | & - ^ for operands that are both Region, or either a Regions.
 PyObject* Operate(PyObject* a, PyObject* b, ZBR_BOOLEAN_OPE op) noexcept;
-
-// The classes of the package that new objects shall be of; for good.
-void UseRegionClass(PyTypeObject* type);
-void UseRegionsClass(PyTypeObject* type);
 
 }  // namespace zbr::python

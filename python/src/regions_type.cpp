@@ -12,26 +12,10 @@
 namespace zbr::python {
 namespace {
 
-struct RegionsObject {
-  PyObject_HEAD RegionListPtr list;
-};
-
-PyTypeObject* baseType = nullptr;
-PyTypeObject* regionsClass = nullptr;
+using Objects = Holder<RegionList>;
 
 const RegionListPtr& ListOf(PyObject* self) {
-  return reinterpret_cast<RegionsObject*>(self)->list;
-}
-
-Ref Make(PyTypeObject* type, RegionListPtr list) {
-  Ref object = Ref::Own(PyType_GenericAlloc(type, 0));
-  new (&reinterpret_cast<RegionsObject*>(object.get())->list) RegionListPtr(std::move(list));
-  return object;
-}
-
-void Delete(PyObject* self) {
-  ListOf(self).~RegionListPtr();
-  FreeObject(self);
+  return Objects::Of(self);
 }
 
 // Regions `begin` to `end` of the arrays, whose offsets may start anywhere.
@@ -89,11 +73,12 @@ PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
     }
     RegionList list = Part(arrays, offsets, 0, offsets.size() - 1);
     const std::size_t size = list.points.size();
-    return Make(type,
-                Run(size, progress, [list = std::move(list), rule, isValid, threads](Monitor& monitor) mutable -> RegionListPtr {
-                  if (isValid != 0) return std::make_shared<RegionList>(std::move(list));
-                  return std::make_shared<RegionList>(MadeValid(list, rule, static_cast<unsigned>(threads), monitor));
-                }));
+    return Objects::Make(Run(size, progress,
+                             [list = std::move(list), rule, isValid, threads](Monitor& monitor) mutable -> RegionListPtr {
+                               if (isValid != 0) return std::make_shared<RegionList>(std::move(list));
+                               return std::make_shared<RegionList>(MadeValid(list, rule, static_cast<unsigned>(threads), monitor));
+                             }),
+                         type);
   });
 }
 
@@ -232,20 +217,15 @@ ZBR_REGION RegionList::At(std::size_t region) const {
 }
 
 Ref NewRegions(RegionListPtr list) {
-  return Make(regionsClass, std::move(list));
+  return Objects::Make(std::move(list));
 }
 
 bool IsRegions(PyObject* object) {
-  return Py_TYPE(object) == regionsClass || PyObject_TypeCheck(object, baseType) != 0;
+  return Objects::Is(object);
 }
 
 const RegionListPtr& RegionsOf(PyObject* object, const char* name) {
-  if (!IsRegions(object)) throw BadType(name, "Regions are needed (Regions.of() makes them of a list)");
-  return ListOf(object);
-}
-
-void UseRegionsClass(PyTypeObject* type) {
-  regionsClass = type;
+  return Objects::Of(object, name, "Regions are needed (Regions.of() makes them of a list)");
 }
 
 void AddRegionsType(PyObject* module) {
@@ -262,9 +242,8 @@ void AddRegionsType(PyObject* module) {
       {"_concatenate", Concatenate, METH_O | METH_STATIC, nullptr},
       {nullptr, nullptr, 0, nullptr},
   };
-  static PyType_Slot slots[] = {
+  static const PyType_Slot slots[] = {
       {Py_tp_new, reinterpret_cast<void*>(New)},
-      {Py_tp_dealloc, reinterpret_cast<void*>(Delete)},
       {Py_tp_getset, properties},
       {Py_tp_methods, methods},
       {Py_sq_length, reinterpret_cast<void*>(Length)},
@@ -275,11 +254,7 @@ void AddRegionsType(PyObject* module) {
       {Py_nb_xor, reinterpret_cast<void*>(Xor)},
       {0, nullptr},
   };
-  static PyType_Spec spec = {"zbr._zbr.Regions", sizeof(RegionsObject), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
-  const Ref type = Ref::Own(PyType_FromSpec(&spec));
-  baseType = reinterpret_cast<PyTypeObject*>(type.get());
-  regionsClass = baseType;
-  if (PyModule_AddObjectRef(module, "Regions", type.get()) < 0) throw PythonError();
+  Objects::AddType(module, "Regions", "zbr._zbr.Regions", slots);
 }
 
 }  // namespace zbr::python

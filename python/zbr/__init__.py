@@ -3,6 +3,8 @@
 Regions hold NumPy arrays: coordinates and offsets of rings and polygons. Objects are immutable, and calls let other threads run.
 """
 
+from ._drawings import KINDS, Drawing, Mesh, Picked, Sheet, Survey, sheet
+from ._files import read, write
 from ._regions import (
     SOURCE,
     Fault,
@@ -21,12 +23,18 @@ from ._regions import (
 from ._zbr import Cancelled, Failure, __version__
 
 __all__ = [
-    "SOURCE",
     "Cancelled",
+    "Drawing",
     "Failure",
     "Fault",
+    "KINDS",
+    "Mesh",
+    "Picked",
     "Region",
     "Regions",
+    "SOURCE",
+    "Sheet",
+    "Survey",
     "__version__",
     "check",
     "combine",
@@ -34,7 +42,10 @@ __all__ = [
     "difference",
     "faces",
     "intersection",
+    "read",
+    "sheet",
     "union",
     "unite",
+    "write",
     "xor",
 ]

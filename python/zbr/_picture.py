@@ -7,6 +7,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 
 if TYPE_CHECKING:
+    from ._drawings import Drawing
     from ._regions import Region
 
 _MARGIN = 6.0  # pixels around a picture
@@ -66,3 +67,37 @@ def plot_region(region: Region, ax: Any, style: dict[str, Any]) -> Any:
     axes.autoscale_view()
     axes.set_aspect("equal")
     return patch
+
+
+_HIDDEN = {"stroke": "#8a949e", "stroke-width": "0.6", "stroke-dasharray": "4 2"}
+_VISIBLE = {"stroke": "#111", "stroke-width": "1.2"}
+
+
+def drawing_svg(drawing: Drawing, width: int) -> str:
+    if len(drawing) == 0:
+        return _page(2 * _MARGIN, 2 * _MARGIN, "")
+    low, high = drawing.coords.min(axis=0), drawing.coords.max(axis=0)
+    scale, across, height = _scale(low, high, width)
+    paths = []
+    for hidden, look in ((True, _HIDDEN), (False, _VISIBLE)):
+        lines = drawing.polylines(hidden)
+        if lines:
+            ends = np.cumsum([0] + [len(line) for line in lines])
+            data = _path_data(np.concatenate(lines), ends, low, scale, height, False)
+            style = " ".join(f'{name}="{value}"' for name, value in look.items())
+            paths.append(f'<path d="{data}" fill="none" stroke-linecap="round" stroke-linejoin="round" {style}/>')
+    return _page(across, height, "".join(paths))
+
+
+def plot_drawing(drawing: Drawing, ax: Any, style: dict[str, Any]) -> Any:
+    import matplotlib.pyplot
+    from matplotlib.collections import LineCollection
+
+    axes = matplotlib.pyplot.gca() if ax is None else ax
+    visible = LineCollection(drawing.polylines(False), **{"colors": "#111", "linewidths": 1.0, **style})
+    hidden = LineCollection(drawing.polylines(True), colors="#8a949e", linewidths=0.5, linestyles="dashed")
+    for lines in (hidden, visible):
+        axes.add_collection(lines)
+    axes.autoscale_view()
+    axes.set_aspect("equal")
+    return visible, hidden

@@ -22,6 +22,7 @@ SOURCE = np.dtype(
 )
 
 
+@_zbr.use_class
 class Region(_zbr.Region):
     """A valid region: polygons with holes, which touch each other in single points at most. Immutable.
 
@@ -130,6 +131,7 @@ class Region(_zbr.Region):
         return _picture.plot_region(self, ax, style)
 
 
+@_zbr.use_class
 class Regions(_zbr.Regions):
     """Many regions as one ragged array. Immutable; a sequence of Region.
 
@@ -183,8 +185,6 @@ def _restore_region(*arrays: Any) -> Region:
 def _restore_regions(*arrays: Any) -> Regions:
     return Regions(*arrays, valid=True)
 
-
-_zbr._use_classes(Region, Regions)
 
 union = _zbr.union
 intersection = _zbr.intersection
