@@ -109,11 +109,12 @@ class Inserter {
   }
 
   void InsertAll() {
-    auto next = inclusions_.begin();
+    const Inclusion* next = inclusions_.data();
+    const Inclusion* const end = next + inclusions_.size();
     for (std::uint32_t loop = 0; loop < loops_.size(); ++loop) {
-      const auto first = next;
-      while (next != inclusions_.end() && next->later == loop) ++next;
-      Insert(loop, {first, next});
+      const Inclusion* const first = next;
+      while (next != end && next->later == loop) ++next;
+      Insert(loop, {first, static_cast<std::size_t>(next - first)});
     }
   }
 
