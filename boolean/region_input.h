@@ -47,9 +47,12 @@ class RegionInput {
   const Box& bounds() const { return bounds_; }
   // The tolerance asked for, or one for the extent.
   double ToleranceFor(const ZBR_REGION_OPTIONS& options) const;
+  // What points may be off by because of the digits of their coordinates.
+  double Rounding() const { return HasExtent() ? OverlayTolerance(bounds_, 0.0) : 0.0; }
 
  private:
   bool AddRing(RingSpan ring, ZBR_REGION_STATUS& status);
+  bool HasExtent() const { return bounds_.xmax >= bounds_.xmin; }
 
   std::vector<RingSpan> rings_;
   std::vector<ZBR_PT> scaled_;  // points of the rings, where they are not the caller's

@@ -172,7 +172,7 @@ enum ZBR_REGION_FAULT_KIND : std::int32_t {
   ZBR_FAULT_OVERLAP = 1,         // they share a stretch; the place is its middle
   ZBR_FAULT_FOLD = 2,            // a boundary turns back on itself
   ZBR_FAULT_REPEATED_POINT = 3,  // an edge has no length; the place is its start
-  ZBR_FAULT_NO_AREA = 4,         // a ring of less than three different points, or narrower than the tolerance on the average
+  ZBR_FAULT_NO_AREA = 4,         // a ring of less than three different points, or narrower on the average than rounding explains
   ZBR_FAULT_NOT_FINITE = 5       // a coordinate is NaN, infinite or beyond 1e150; the ring is not looked at otherwise
 };
 
@@ -188,8 +188,10 @@ struct ZBR_REGION_FAULT {
 };
 
 // Finds the faults of the rings, whose polygons are not looked at: rings of different ones may not cross either. Touching is no
-// fault. faults is replaced, by ascending rings, then kinds, then edges. Where rings cross very often the search for what they do
-// to each other ends when `most` such faults are found. The status tells of faulty offsets only. n log n for rings that keep apart.
+// fault, nor is what the rounding of coordinates explains; what is narrower than combinations care for is looked at all the same,
+// as their results may be. faults is replaced, by ascending rings, then kinds, then edges. Where rings cross very often the search
+// for what they do to each other ends when `most` such faults are found. The status tells of faulty offsets only. n log n for rings
+// that keep apart.
 ZBR_API ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_REGION_FAULT>& faults,
                                          std::size_t most = 1000000);
 

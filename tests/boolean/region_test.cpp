@@ -310,6 +310,17 @@ TEST(Region, SweepsRightAngledRingsAsTheyAreArranged) {
   }
 }
 
+// Eight places of the coordinates to a unit.
+TEST(Region, SmallThingsFarAwayStay) {
+  const double far = 1e15;
+  const ZBR_REGION a = RegionOf({{{far, far}, {far + 5, far}, {far + 5, far + 6}, {far, far + 6}}});
+  const ZBR_REGION b = RegionOf({{{far, far}, {far + 3, far}, {far + 1, far + 3}}});
+  ZBR_REGION valid;
+  zbrMakeValidRegion(a.view(), valid);
+  EXPECT_EQ(valid.area(), 30.0);
+  EXPECT_EQ(zbrCombineRegions(a, b, ZBR_BOOL_A_MINUS_B).area(), 25.5);
+}
+
 TEST(Region, SimplifiesAndNests) {
   ZBR_REGION simple;
   const Ring dented = {{0, 0}, {2, 1e-4}, {4, 0}, {4, 4}, {0, 4}, {0, 2}};
