@@ -59,7 +59,8 @@ void Arrange(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, std
   }
 }
 
-// The power of two that makes operands of an unusual size ordinary ones, so that the walk takes them, too; mostly 0. That is exact.
+// The power of two that makes operands of an unusual size ordinary ones, so that the walk takes them, too; mostly 0. That is exact
+// but for coordinates so much smaller than the extent that they vanish against its tolerance.
 int ExponentFor(const Box& bounds) {
   constexpr int kOrdinary = 128;
   const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
@@ -139,6 +140,18 @@ class PairWork {
   RectilinearSweep sweep_;
 };
 
+// The share of one pair as that of all of them.
+struct PairsProgress {
+  const ZBR_REGION_OPTIONS& options;
+  double done;  // pairs
+  double each;  // the share of one
+
+  static bool Tell(double share, void* data) {
+    const PairsProgress& all = *static_cast<const PairsProgress*>(data);
+    return all.options.progress((all.done + share) * all.each, all.options.progress_data);
+  }
+};
+
 }  // namespace
 }  // namespace zbr
 
@@ -158,8 +171,13 @@ ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGI
                                         ZBR_REGION* results, const ZBR_REGION_OPTIONS& options) {
   ZBR_REGION_STATUS status;
   zbr::PairWork work;
+  zbr::PairsProgress progress{options, 0.0, 1.0 / static_cast<double>(count)};
+  ZBR_REGION_OPTIONS ofPair = options;
+  if (options.progress != nullptr) ofPair.progress = zbr::PairsProgress::Tell;
+  ofPair.progress_data = &progress;
   for (std::size_t i = 0; i < count; ++i) {
-    const ZBR_REGION_STATUS one = work.Combine(a[i], b[i], {&op, 1}, &results[i], options);
+    progress.done = static_cast<double>(i);
+    const ZBR_REGION_STATUS one = work.Combine(a[i], b[i], {&op, 1}, &results[i], ofPair);
     if (one.code == ZBR_REGION_STOPPED) {
       for (std::size_t k = i; k < count; ++k) results[k].Clear();
       return one;

@@ -385,4 +385,21 @@ TEST(Region, StopsWhenProgressSaysSo) {
   FAIL() << "never came to an end";
 }
 
+TEST(Region, ProgressOfManyPairsGoesOn) {
+  const std::vector<ZBR_REGION> regions(9, RegionOf({Square(0, 0, 2)}));
+  std::vector<ZBR_REGION_VIEW> views;
+  for (const ZBR_REGION& region : regions) views.push_back(region.view());
+  std::vector<ZBR_REGION> results(regions.size());
+  std::vector<double> shares;
+  ZBR_REGION_OPTIONS options;
+  options.sources = true;
+  options.progress_data = &shares;
+  options.progress = [](double share, void* data) {
+    static_cast<std::vector<double>*>(data)->push_back(share);
+    return true;
+  };
+  zbrCombineRegionPairs(views.data(), views.data(), views.size(), ZBR_BOOL_OR, results.data(), options);
+  EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()) && shares.size() > 1 && shares.back() <= 1.0);
+}
+
 }  // namespace
