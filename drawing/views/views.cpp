@@ -8,8 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
-#include "drawing/views/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -74,7 +74,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
   std::vector<ViewLines> drawn(views.size());
   Found found;
   if (options.curves) found.circles = FindCircles(model);
-  if (options.intersections && !views.empty()) found.crossings = FindIntersections(model, options.contact);
+  if (options.intersections && !views.empty()) found.crossings = FindIntersections(model, options.contact, options.threads);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {
