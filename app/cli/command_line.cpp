@@ -291,6 +291,13 @@ void CommandLine::DeclareDraw() {
   command.add_option("--up", draw_.up, "With --look: the direction that is drawn upwards; by default that of --axes")
       ->type_name("X,Y,Z");
   command
+      .add_option("--eye", draw_.eye,
+                  "A perspective from this point beside the views of --view: to the middle of the model, or along --look")
+      ->type_name("X,Y,Z");
+  AddNumber(
+      command, "--fov", kDegrees, draw_.fov,
+      "With --eye: cut the picture off at this angle, at most 170; by default all is drawn, and 60 if the eye is within the model");
+  command
       .add_option("--section", draw_.sections,
                   "A section beside the other views: X=10, seen as the right view is; Y=5..20, what lies between two planes; or "
                   "1,0,1=7.5, a plane at that distance from the origin, seen from there. May be repeated")
@@ -337,6 +344,7 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       .add_option("--paper", draw_.paper,
                   "A4 to A0, lying or standing as it suits, or WIDTHxHEIGHT in mm; by default A4 for one view and A3 for several")
       ->type_name("SIZE");
+  command.add_flag("--centre-lines", draw_.centreLines, "Draw the centres and axes of circles and cylinders as chain lines");
   command.add_flag(
       "--fill", draw_.fill,
       "Fill what each object covers and nearer ones leave visible: in SVG in a light shade, in DXF as closed polylines on "
@@ -448,8 +456,8 @@ int CommandLine::RunChosen() {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
   }
   for (std::string& section : draw_.sections) section = Unprotected(section);
-  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &draw_.number, &draw_.author,
-                            &draw_.date, &pick_.view.look, &pick_.view.up, &outline_.view.look, &outline_.view.up})
+  for (std::string* text : {&draw_.look, &draw_.eye, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &draw_.number,
+                            &draw_.author, &draw_.date, &pick_.view.look, &pick_.view.up, &outline_.view.look, &outline_.view.up})
     *text = Unprotected(*text);
   if (app_.got_subcommand("inside")) return RunInside(inside_);
   if (app_.got_subcommand("info")) return RunInfo(info_);

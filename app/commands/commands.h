@@ -85,6 +85,8 @@ struct DrawOptions {
   std::vector<std::string> outputs;
   std::vector<std::string> views;     // names
   std::string look, up, axes;         // as in ViewOptions; a view beside the named ones
+  std::string eye;                    // three numbers: a perspective from there, to the middle of the model or along `look`
+  double fov = 0.0;                   // degrees of it; 0: everything
   std::vector<std::string> sections;  // planes, a view for each
   std::string modelFormat;            // of models whose names do not tell
   std::string sheet;                  // "first", "third" or empty: by the number of views
@@ -101,6 +103,7 @@ struct DrawOptions {
   double weld = 0.0;
   double contact = -1.0;  // negative: from the coordinates
   unsigned jobs = 0;      // 0: as many as there are processors
+  bool centreLines = false;
   bool fill = false;
   bool stats = false;
   DxfVersion dxf = DxfVersion::kR2000;  // of outputs

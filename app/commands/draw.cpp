@@ -33,6 +33,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.intersections = plan.intersections;
   options.tangents = plan.tangents;
   options.curves = plan.curves;
+  options.centreLines = plan.centreLines;
   options.outlines = plan.fill;
   options.threads = plan.threads;
   options.contact = plan.contact;
@@ -114,12 +115,12 @@ int RunDraw(const DrawOptions& options) {
   Stopwatch watch;
   progress.Stage("reading");
   Objects objects = ReadObjects(plan.objects, options.modelFormat);
-  plan.views = ChooseViews(options, objects.mesh.yUp);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
+  plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
   objects.mesh = {};  // all there is to know is in the model
   NoteRoughness(model, plan.objects.front().file, options, progress);
   const double prepared = watch.Lap();

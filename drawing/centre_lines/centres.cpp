@@ -31,7 +31,8 @@ std::vector<double> TurnsOf(const Model& model, const Circles& circles) {
   return turns;
 }
 
-// The circles that lines of the view have edges of.
+// The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place; then
+// the silhouettes of the cylinder tell of them, whose triangles are at its rims.
 std::vector<bool> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
   std::uint32_t most = 0;
   for (const std::uint32_t t : model.source) most = std::max(most, t);
@@ -43,9 +44,11 @@ std::vector<bool> DrawnCircles(const Model& model, const Circles& circles, const
       if (ref.edge == EdgeRef::kAcross) continue;
       const std::uint32_t t = place[ref.triangle], s = model.ShellOf(t);
       const ZBR_ZBREPT& triangle = *model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s]));
-      const std::uint32_t k =
-          circles.ofEdge[model.edgeBegin[s] + static_cast<std::uint32_t>(EdgeOf(triangle, ref.edge).GetIndex())];
-      if (k != kNoCircle) drawn[k] = true;
+      for (std::size_t i = 0; i < 3; ++i) {
+        if (i != ref.edge && line.edgeClass != EdgeClass::kSilhouette) continue;
+        const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + static_cast<std::uint32_t>(EdgeOf(triangle, i).GetIndex())];
+        if (k != kNoCircle) drawn[k] = true;
+      }
     }
   }
   return drawn;

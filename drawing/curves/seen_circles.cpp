@@ -58,8 +58,7 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
   if (!seen.isCurve) return;
 
   const ZBR_PT3 &start = VertexOf(record, edge).GetPt(), &end = VertexOf(record, (edge + 1) % 3).GetPt();
-  const auto look = [&](const ZBR_PT3& p) { return (scene_.view.In(p - model_.Centre()) * scene_.scale).xy(); };
-  const ZBR_PT a = look(start), along = look(end) - a;
+  const ZBR_PT a = scene_.FromModel(start).xy(), along = scene_.FromModel(end).xy() - a;
   const ZBR_PT3& centre = circles_->all[circle].centre;
   const ZBR_PT3 from = start - centre, to = end - centre;
   const auto angle = [&](const ZBR_PT& p) {

@@ -1,11 +1,13 @@
-// Triangles clipped by the planes of a section.
+// Triangles clipped by planes.
 //
 // A scene is cut rather than the model: normals, silhouettes and creases stay those of the whole, and no sliver beside the cut gets
 // a direction of its own. What is left of a triangle is a convex polygon, whose sides are parts of the triangle's edges or cuts.
 // Both triangles of an edge are cut at the same point, to the bit, and their parts become neighbours again.
 #include "drawing/sections/cut_scene.h"
 
+#include <algorithm>
 #include <array>
+#include <bitset>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -18,57 +20,56 @@
 namespace zbr::drawing {
 namespace {
 
-// A side of what is left of a triangle: its edge 0, 1 or 2, or a cut.
-enum : std::uint8_t { kFrontCut = 3, kBackCut = 4, kInside = 5 };
+// A side of what is left of a triangle: its edge 0, 1 or 2, or one of these.
+enum : std::uint8_t { kDrawnCut = 3, kCut = 4, kInside = 5 };
 
 constexpr std::uint32_t kNone = 0xffffffffU;
 
 struct Corner {
-  ZBR_PT3 place;                  // in the scene
-  std::array<bool, 2> isAbove{};  // by plane, the back one turned round
-  std::uint8_t side = 0;          // from here to the next corner
+  ZBR_PT3 place;           // in the model
+  std::bitset<8> isAbove;  // by plane
+  std::uint8_t side = 0;   // from here to the next corner
 };
 
 class SceneCutter {
  public:
-  SceneCutter(const Model& model, const SectionPlane& plane, Scene& scene)
-      : model_(model), scene_(scene), planes_{plane, plane}, count_(std::isfinite(plane.depth) ? 2 : 1) {
-    planes_[1].normal = -plane.normal;
-    planes_[1].offset = -(plane.offset - plane.depth);
-  }
+  SceneCutter(const Model& model, const std::vector<CuttingPlane>& planes, Scene& scene)
+      : model_(model), planes_(planes), scene_(scene) {}
 
   void AddShell(std::size_t s) {
     shell_ = s;
     begin_ = triangles_.size();
     heights_.clear();
-    for (std::size_t k = 0; k < count_; ++k) heights_.push_back(HeightsOf(model_, s, planes_[k]));
+    for (const CuttingPlane& cut : planes_) heights_.push_back(HeightsOf(model_, s, cut.plane));
     first_.assign(static_cast<std::size_t>(model_.Shell(s).GetEdgeCnt()), kNone);
     for (std::size_t t = model_.shellBegin[s]; t < model_.shellBegin[s + 1]; ++t) Cut(t);
   }
 
+  // `height` is that of the section in the scene.
   void AddCover(const ZBR_REGION& region, double height) {
     for (const auto& corners : CoverOf(region)) {
-      Corner polygon[3];
+      std::array<ZBR_PT3, 3> places;
       for (std::size_t i = 0; i < 3; ++i) {
         const ZBR_PT p = corners[i] * scene_.scale;
-        polygon[i].place.Set(p.x(), p.y(), height);
-        polygon[i].side = kInside;
+        places[i].Set(p.x(), p.y(), height);
       }
-      AddTriangle({polygon[0], polygon[1], polygon[2]}, ScenePart{});
+      AddTriangle(places, ScenePart{});
     }
   }
 
   void EndShell() { ends_.push_back(triangles_.size()); }
 
   // Free lines run between points: what is left of each is a line again.
-  void AddLines(double height, double back) {
-    const std::size_t first = model_.TriangleCount();
+  void AddLines(const std::vector<IntersectionLine>& lines) {
     std::size_t kept = 0;
-    for (std::size_t k = 0; k < scene_.crossing.size(); ++k) {
-      ZBR_HL_TRI& line = scene_.triangles[first + k];
-      if (!Clip(line, height, 1.0) || !Clip(line, -back, -1.0)) continue;
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+      ZBR_PT3 from = lines[k].ends[0].place, to = lines[k].ends[1].place;
+      if (!Clip(from, to)) continue;
+      ZBR_HL_TRI& line = scene_.triangles[model_.TriangleCount() + k];
       scene_.crossing[kept++] = scene_.crossing[k];
       line.idx = static_cast<int>(kept - 1);
+      line.pt[0] = scene_.FromModel(from);
+      line.pt[1] = line.pt[2] = scene_.FromModel(to);
       triangles_.push_back(std::move(line));
       classes_.push_back({EdgeClass::kIntersection, EdgeClass::kSmooth, EdgeClass::kSmooth});
       parts_.emplace_back();
@@ -96,17 +97,20 @@ class SceneCutter {
   const ZBR_ZBREPT& Record(std::size_t t) const {
     return *model_.Shell(shell_).GetTriangle(static_cast<int>(t - model_.shellBegin[shell_]));
   }
+  double HeightAt(std::size_t k, const ZBR_ZBREPV& vertex) const {
+    return heights_[k][static_cast<std::size_t>(vertex.GetIndex())];
+  }
 
   void Cut(std::size_t t) {
     const ZBR_ZBREPT& record = Record(t);
     Polygon polygon(3);
     for (std::size_t i = 0; i < 3; ++i) {
-      polygon[i].place = scene_.triangles[t].pt[i];
+      polygon[i].place = VertexOf(record, i).GetPt();
       polygon[i].side = static_cast<std::uint8_t>(i);
-      for (std::size_t k = 0; k < count_; ++k)
-        polygon[i].isAbove[k] = IsAbove(heights_[k][static_cast<std::size_t>(VertexOf(record, i).GetIndex())], InPlane::kAbove);
+      for (std::size_t k = 0; k < planes_.size(); ++k)
+        polygon[i].isAbove[k] = IsAbove(HeightAt(k, VertexOf(record, i)), InPlane::kAbove);
     }
-    for (std::size_t k = 0; k < count_; ++k) polygon = Below(polygon, record, k);
+    for (std::size_t k = 0; k < planes_.size(); ++k) polygon = Below(polygon, record, k);
     polygon = WithLength(polygon);
     for (std::size_t i = 1; i + 1 < polygon.size(); ++i) AddPart(polygon, i, t);
   }
@@ -119,19 +123,24 @@ class SceneCutter {
       if (!a.isAbove[k]) below.push_back(a);
       if (a.isAbove[k] == b.isAbove[k]) continue;
       Corner crossing = a;
-      crossing.place = a.side < kFrontCut ? CrossingOn(record, a.side, k) : (a.isAbove[k] ? b : a).place;
-      crossing.isAbove.fill(false);
-      if (!a.isAbove[k]) crossing.side = k == 0 ? kFrontCut : kBackCut;
+      crossing.place = CrossingOn(record, a, b, k);
+      for (std::size_t j = 0; j < planes_.size(); ++j)
+        crossing.isAbove[j] = j > k && planes_[j].plane.HeightOf(crossing.place) >= 0;
+      if (!a.isAbove[k]) crossing.side = planes_[k].drawn ? kDrawnCut : kCut;
       below.push_back(crossing);
     }
     return below;
   }
 
-  ZBR_PT3 CrossingOn(const ZBR_ZBREPT& record, std::size_t edge, std::size_t k) const {
-    const ZBR_ZBREPV &a = VertexOf(record, edge), &b = VertexOf(record, (edge + 1) % 3);
-    const ZBR_PT3 p = CrossingOf(a.GetPt(), heights_[k][static_cast<std::size_t>(a.GetIndex())], b.GetPt(),
-                                 heights_[k][static_cast<std::size_t>(b.GetIndex())]);
-    return scene_.view.In(p - model_.Centre()) * scene_.scale;
+  // On an edge of the triangle it is the same for both of the edge's triangles.
+  ZBR_PT3 CrossingOn(const ZBR_ZBREPT& record, const Corner& a, const Corner& b, std::size_t k) const {
+    if (a.side < kDrawnCut) {
+      const ZBR_ZBREPV &from = VertexOf(record, a.side), &to = VertexOf(record, (a.side + 1U) % 3);
+      const double heightFrom = HeightAt(k, from), heightTo = HeightAt(k, to);
+      if ((heightFrom < 0) != (heightTo < 0)) return CrossingOf(from.GetPt(), heightFrom, to.GetPt(), heightTo);
+    }
+    const double heightA = planes_[k].plane.HeightOf(a.place), heightB = planes_[k].plane.HeightOf(b.place);
+    return (heightA < 0) != (heightB < 0) ? CrossingOf(a.place, heightA, b.place, heightB) : a.place;
   }
 
   static Polygon WithLength(const Polygon& polygon) {
@@ -150,22 +159,26 @@ class SceneCutter {
     if (i + 2 < polygon.size()) corners[2].side = kInside;
     ScenePart part;
     part.triangle = static_cast<std::uint32_t>(t);
-    for (std::size_t k = 0; k < 3; ++k) part.edges[k] = corners[k].side < kFrontCut ? corners[k].side : EdgeRef::kAcross;
-    AddTriangle(corners, part);
+    std::array<ZBR_PT3, 3> places;
+    for (std::size_t k = 0; k < 3; ++k) {
+      places[k] = scene_.FromModel(corners[k].place);
+      part.edges[k] = corners[k].side < kDrawnCut ? corners[k].side : EdgeRef::kAcross;
+    }
+    AddTriangle(places, part);
     const std::size_t here = triangles_.size() - 1;
     if (i > 1) Connect(here, 0, here - 1, 2);
     for (std::size_t k = 0; k < 3; ++k) {
-      if (corners[k].side < kFrontCut) SetEdge(here, k, t, corners[k].side);
-      if (corners[k].side == kBackCut) Draw(here, k, EdgeClass::kBorder);
+      if (corners[k].side < kDrawnCut) SetEdge(here, k, t, corners[k].side);
+      if (corners[k].side == kDrawnCut) Draw(here, k, EdgeClass::kBorder);
     }
   }
 
-  void AddTriangle(const std::array<Corner, 3>& corners, const ScenePart& part) {
+  void AddTriangle(const std::array<ZBR_PT3, 3>& places, const ScenePart& part) {
     ZBR_HL_TRI& triangle = triangles_.emplace_back();
     triangle.idx = static_cast<int>(triangles_.size() - 1 - begin_);
     triangle.skip = false;
     for (std::size_t i = 0; i < 3; ++i) {
-      triangle.pt[i] = corners[i].place;
+      triangle.pt[i] = places[i];
       triangle.profile[i] = triangle.adj[i] = triangle.adj_edge[i] = -1;
       triangle.dispj[i] = false;
     }
@@ -196,12 +209,14 @@ class SceneCutter {
     triangles_[b].adj_edge[k] = static_cast<int>(i);
   }
 
-  // Keeps what of a free line has sign * z below the height. Nothing may be left.
-  static bool Clip(ZBR_HL_TRI& line, double height, double sign) {
-    const double a = sign * line.pt[0].z() - height, b = sign * line.pt[1].z() - height;
-    if (a >= 0 && b >= 0) return false;
-    if (a > 0) line.pt[0] = line.pt[1] + (line.pt[0] - line.pt[1]) * (b / (b - a));
-    if (b > 0) line.pt[1] = line.pt[2] = line.pt[0] + (line.pt[1] - line.pt[0]) * (a / (a - b));
+  // Keeps what of a free line is below all planes. Nothing may be left.
+  bool Clip(ZBR_PT3& from, ZBR_PT3& to) const {
+    for (const CuttingPlane& cut : planes_) {
+      const double a = cut.plane.HeightOf(from), b = cut.plane.HeightOf(to);
+      if (a >= 0 && b >= 0) return false;
+      if (a > 0) from = CrossingOf(from, a, to, b);
+      if (b > 0) to = CrossingOf(from, a, to, b);
+    }
     return true;
   }
 
@@ -215,9 +230,8 @@ class SceneCutter {
   }
 
   const Model& model_;
+  const std::vector<CuttingPlane>& planes_;
   Scene& scene_;
-  std::array<SectionPlane, 2> planes_;
-  std::size_t count_;
   std::size_t shell_ = 0, begin_ = 0;         // what is being cut, and its first triangle
   std::vector<std::vector<double>> heights_;  // by plane
   std::vector<std::uint32_t> first_;          // of the shell's edges: the side met first, 3 x triangle + place
@@ -230,18 +244,25 @@ class SceneCutter {
 
 }  // namespace
 
-void CutScene(const Model& model, const SectionPlane& plane, const SectionCut& section, Scene& scene) {
-  const double height = (plane.offset - plane.normal.InnerProduct(model.Centre())) * scene.scale;
-  const double back = height - plane.depth * scene.scale;
-  SceneCutter cutter(model, plane, scene);
+void CutScene(const Model& model, const std::vector<IntersectionLine>& lines, const std::vector<CuttingPlane>& planes,
+              const SectionCut& section, Scene& scene) {
+  const ZBR_PT3 inPlane = planes.front().plane.normal * planes.front().plane.offset;
+  const double height = scene.FromModel(inPlane).z();
+  SceneCutter cutter(model, planes, scene);
   std::size_t face = 0;
   for (std::size_t s = 0; s < model.ShellCount(); ++s) {
     cutter.AddShell(s);
     for (; face < section.faces.size() && section.faces[face].shell == s; ++face) cutter.AddCover(section.covers[face], height);
     cutter.EndShell();
   }
-  cutter.AddLines(height, back);
+  cutter.AddLines(lines);
   cutter.Finish();
+}
+
+std::vector<CuttingPlane> PlanesOf(const SectionPlane& plane) {
+  std::vector<CuttingPlane> planes = {{plane, false}};
+  if (std::isfinite(plane.depth)) planes.push_back({{-plane.normal, -(plane.offset - plane.depth)}, true});
+  return planes;
 }
 
 }  // namespace zbr::drawing

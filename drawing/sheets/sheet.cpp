@@ -15,6 +15,7 @@
 #include <map>
 #include <numeric>
 
+#include "drawing/sheets/centre_lines.h"
 #include "drawing/sheets/hatching.h"
 #include "drawing/sheets/section_marks.h"
 
@@ -265,7 +266,7 @@ double Sheet::WidthOf(EdgeClass edgeClass) const {
 }
 
 bool IsChainLine(EdgeClass edgeClass) {
-  return edgeClass == EdgeClass::kCuttingPlane;
+  return edgeClass == EdgeClass::kCuttingPlane || edgeClass == EdgeClass::kCentre;
 }
 
 bool IsSideView(const std::string& name) {
@@ -287,6 +288,7 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet, grid.marks);
   ChooseWidths(sheet);
   AddHatching(sheet);
+  AddCentreLines(sheet);
   AddSectionMarks(sheet);
   if (options.projection != Projection::kNone) AddFrame(sheet);
   return sheet;

@@ -130,6 +130,8 @@ const char* NameOf(EdgeClass edgeClass) {
       return "hatching";
     case EdgeClass::kCuttingPlane:
       return "cutting-plane";
+    case EdgeClass::kCentre:
+      return "centre";
     case EdgeClass::kSmooth:
       break;
   }

@@ -10,6 +10,7 @@
 
 #include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
+#include "drawing/views/perspective.h"
 
 namespace zbr::drawing {
 namespace {
@@ -45,14 +46,17 @@ ViewLines DrawView(const Model& model, const Found& found, const NamedDirection&
   if (direction.section) {
     whole = ExtentOf(scene);
     section = FindSection(model, direction.view, *direction.section);
-    CutScene(model, *direction.section, section, scene);
+    CutScene(model, found.crossings, PlanesOf(*direction.section), section, scene);
   }
+  if (direction.view.perspective) FitPicture(model, found.crossings, scene);
   at(DrawStage::kRemoval);
   RemoveHidden(scene, threads);
   at(DrawStage::kLines);
   const bool hidden = options.hidden == HiddenLines::kInAllViews ||
                       (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
-  ViewLines lines = CollectLines(model, scene, hidden, found.circles ? &*found.circles : nullptr);
+  const bool curves = options.curves && !direction.view.perspective;
+  ViewLines lines = CollectLines(model, scene, hidden, curves ? &*found.circles : nullptr);
+  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   lines.name = direction.name;
   if (direction.section) {
     lines.extent = whole;  // views of one model line up, whatever was cut away
@@ -73,7 +77,7 @@ ViewLines DrawView(const Model& model, const Found& found, const NamedDirection&
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
   std::vector<ViewLines> drawn(views.size());
   Found found;
-  if (options.curves) found.circles = FindCircles(model);
+  if (options.curves || options.centreLines) found.circles = FindCircles(model);
   if (options.intersections && !views.empty()) found.crossings = FindIntersections(model, options.contact, options.threads);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {

@@ -159,11 +159,15 @@ std::string SectionText(const SectionOfView& section, const Coordinates& coordin
 std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
   const ViewLines& view = placed.lines;
   const ZBR_PT origin = placed.origin - view.middle.xy() * sheet.perUnit;
-  const Json header = {{"name", view.name},
-                       {"right", Vector(view.view.right)},
-                       {"up", Vector(view.view.up)},
-                       {"to_viewer", Vector(view.view.toViewer)},
-                       {"origin", {origin.x(), origin.y()}}};
+  Json header = {{"name", view.name},
+                 {"right", Vector(view.view.right)},
+                 {"up", Vector(view.view.up)},
+                 {"to_viewer", Vector(view.view.toViewer)},
+                 {"origin", {origin.x(), origin.y()}}};
+  if (view.view.perspective) {
+    header["eye"] = Vector(view.view.perspective->eye);
+    header["distance"] = view.view.perspective->distance;
+  }
   const Coordinates coordinates(view);
   std::string text = Opened(header, "polylines");
   for (const Line& line : view.lines) {

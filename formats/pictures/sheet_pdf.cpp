@@ -55,7 +55,6 @@ void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view, std::
   double width = layer == kVisibleLayer ? sheet.wide : sheet.thin;
   page.SetWidth(width);
   page.SetRoundEnds(layer != kCentreLayer);
-  if (layer == kCentreLayer) page.SetDashes(ChainPattern(sheet));
   for (const Line& line : view.lines.lines) {
     if (line.hidden || LayerOf(line.edgeClass) != layer) continue;
     if (sheet.WidthOf(line.edgeClass) != width) page.SetWidth(width = sheet.WidthOf(line.edgeClass));

@@ -24,6 +24,13 @@ std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& 
     const auto dashes = DashesOf(sheet, line);
     style = Attribute("stroke-dasharray", dashes ? Px(dashes->dash) + " " + Px(dashes->gap) : "none");
   }
+  if (IsChainLine(line.edgeClass)) {
+    std::string dashes;
+    if (const auto pattern = ChainPattern(sheet, line)) {
+      for (const double part : *pattern) dashes.append(dashes.empty() ? "" : " ").append(MmText(part));
+    }
+    if (!dashes.empty()) style = Attribute("stroke-dasharray", dashes);
+  }
   return "<path" + style + Attribute("d", page.PathData(sheet.OnPaper(view, line.chain))) + "/>\n";
 }
 
@@ -54,10 +61,7 @@ std::string ClassStyle(const Sheet& sheet, EdgeClass edgeClass) {
   const double width = sheet.WidthOf(edgeClass);
   std::string style = width != sheet.wide ? Attribute("stroke-width", MmText(width)) : "";
   if (edgeClass == EdgeClass::kTangent && sheet.options.tangent == TangentStyle::kLayer) style += Attribute("display", "none");
-  if (!IsChainLine(edgeClass)) return style;
-  std::string dashes;
-  for (const double part : ChainPattern(sheet)) dashes.append(dashes.empty() ? "" : " ").append(MmText(part));
-  return style + Attribute("stroke-dasharray", dashes) + Attribute("stroke-linecap", "butt");
+  return style + (IsChainLine(edgeClass) ? Attribute("stroke-linecap", "butt") : "");
 }
 
 // The hidden or the visible lines of a view.

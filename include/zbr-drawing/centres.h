@@ -32,8 +32,8 @@ struct Centres {
   std::vector<CentreAxis> axes;
 };
 
-// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that the lines of the view have
-// edges of. Circles seen at a slant have none, as drawings that show several sides at once have none.
+// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that the lines of the view
+// have edges of. Circles seen at a slant have none, as drawings that show several sides at once have none.
 Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view);
 
 }  // namespace zbr::drawing

@@ -32,6 +32,7 @@ enum class EdgeClass : std::uint8_t {
   kCut,           // outline of what the plane of a section lays open
   kHatching,      // on it
   kCuttingPlane,  // where another view's section is
+  kCentre,        // centre lines of circles, and axes
 };
 
 // How the triangles of a shell are oriented.

@@ -62,7 +62,8 @@ struct Scene {
   double scale = 1.0;  // scene units per model unit
   // Bodies that are this close stand face to face, in scene units; 0: as close as exact coordinates are. From the model's rounding.
   double contact = 0.0;
-  ZBR_PT3 offset;  // of the scene's origin: the middle of the model's box, in the view's axes
+  ZBR_PT3 middle;  // of the model's box
+  ZBR_PT3 offset;  // of the scene's origin, in the view's axes: the middle of the model's box; 0 in perspective
 
   Scene() = default;
   Scene(const Scene&) = delete;
@@ -72,6 +73,10 @@ struct Scene {
 
   std::size_t TriangleCount() const { return triangles.size() - crossing.size(); }  // without intersection lines
   unsigned ShellCount() const { return static_cast<unsigned>(shells.size()); }
+
+  // In perspective the third coordinate is such that planes stay planes: it grows with the inverse of the distance from the eye.
+  ZBR_PT3 FromModel(const ZBR_PT3& p) const { return view.perspective ? FromEye(p) : view.In(p - middle) * scale; }
+  ZBR_PT3 FromEye(const ZBR_PT3& p) const;
 
   // From the scene to the drawing in model units, whose origin is that of the model, and back.
   ZBR_PT3 ToDrawing(const ZBR_PT3& p) const { return p * (1.0 / scale) + offset; }

@@ -5,9 +5,11 @@
 //     const EdgeRef first = line.chain.edges.front();  // place of a triangle in the mesh, and which of its edges
 //   }
 //
-// Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
+// Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin; in perspective
+// with the point in the middle of the picture as the origin, and lengths as they are at the distance of what is looked at.
 #pragma once
 
+#include <zbr-drawing/centres.h>
 #include <zbr-drawing/circles.h>
 #include <zbr-drawing/drawing.h>
 #include <zbr-drawing/region.h>
@@ -64,6 +66,7 @@ struct ViewLines {
   std::vector<Line> lines;         // visible ones first, then by class, then by shell
   std::vector<LoopList> outlines;  // of the objects, as far as nearer ones leave them visible, where asked for
   std::optional<SectionOfView> section;
+  Centres centres;           // where centre lines are asked for
   std::size_t drawable = 0;  // edges
   std::uint64_t pairs = 0;   // of edges and triangles that the removal looked at closely
 
@@ -74,9 +77,9 @@ struct ViewLines {
 const char* NameOf(EdgeClass edgeClass);
 
 // The classes that are drawn.
-inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass::kBorder,       EdgeClass::kCrease,
-                                              EdgeClass::kJunction,   EdgeClass::kIntersection, EdgeClass::kTangent,
-                                              EdgeClass::kCut,        EdgeClass::kHatching,     EdgeClass::kCuttingPlane};
+inline constexpr EdgeClass kDrawnClasses[] = {
+    EdgeClass::kSilhouette, EdgeClass::kBorder, EdgeClass::kCrease,   EdgeClass::kJunction,     EdgeClass::kIntersection,
+    EdgeClass::kTangent,    EdgeClass::kCut,    EdgeClass::kHatching, EdgeClass::kCuttingPlane, EdgeClass::kCentre};
 
 // Adds lines behind the visible ones.
 void AddVisible(ViewLines& view, std::vector<Line> lines);
