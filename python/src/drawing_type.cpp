@@ -238,7 +238,7 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
     request.crease = given.Number(2, 30.0, 0.0);
     request.weld = given.Number(3, 0.0, 0.0);
-    request.options.tangents = given.Truth(4, true);
+    request.options.tangents = given.Truth(4, false);
     request.options.intersections = given.Truth(5, true);
     request.options.outlines = given.Truth(6, false);
     const unsigned threads = given.Threads(7);

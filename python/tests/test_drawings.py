@@ -59,7 +59,7 @@ def test_assemblies_and_outlines():
 
 def test_one_view_of_several_is_that_view():
     mesh = zbr.read(EXAMPLES / "housing.obj")
-    together = mesh.draw(["front", "iso", ((1, 2, -1), (0, 0, 1))], threads=2)
+    together = mesh.draw_views(["front", "iso", ((1, 2, -1), (0, 0, 1))], threads=2)
     for view, drawing in zip(["front", "iso", (1, 2, -1)], together):
         alone = mesh.draw(view)
         assert alone.coords.tobytes() == drawing.coords.tobytes() and alone.lines.tolist() == drawing.lines.tolist()
@@ -83,7 +83,7 @@ def test_results_are_those_of_the_tool(tmp_path):
 
 def test_sheets_and_files(tmp_path):
     mesh = zbr.read(EXAMPLES / "housing.obj")
-    views = mesh.draw(["front", "top", "left", "iso"])
+    views = mesh.draw_views(["front", "top", "left", "iso"])
     sheet = zbr.sheet(views, title="Housing", paper="A3", scale="1:2")
     assert sheet.paper == (420.0, 297.0) and sheet.scale == 0.5
     for name in ("s.svg", "s.dxf", "s.pdf", "s.json"):
@@ -169,7 +169,7 @@ def test_drawings_can_be_interrupted():
     timer.start()
     with pytest.raises(KeyboardInterrupt):
         for _ in range(100):
-            mesh.draw(["iso", "front"])
+            mesh.draw_views(["iso", "front"])
     with pytest.raises(zbr.Cancelled):
         mesh.draw("iso", progress=lambda share: share < 0.3)
     assert len(cube().draw(progress=lambda share: None)) > 0

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 from pathlib import Path
-from typing import Any, Iterable, NamedTuple, Sequence, overload
+from typing import Any, Iterable, NamedTuple, Sequence
 
 import numpy as np
 from numpy.typing import NDArray
@@ -69,24 +69,20 @@ class Mesh(_zbr.Mesh):
             return thing
         return cls(*_triangles_of(thing))
 
-    @overload
-    def draw(self, view: str | Sequence[float] = "iso", **options: Any) -> Drawing: ...
-    @overload
-    def draw(self, view: Sequence[View], **options: Any) -> list[Drawing]: ...
-    def draw(self, view: Any = "iso", **options: Any) -> Any:
-        """Draws a view, or each view of a list, which costs less than one by one.
+    def draw(self, view: View = "iso", **options: Any) -> Drawing:
+        """Draws a view: front, back, left, right, top, bottom, iso, dimetric; a direction of looking (3,); or that and what is
+        up, (2, 3).
 
-        view: front, back, left, right, top, bottom, iso or dimetric; or a direction of looking (3,), or that and what is up
-        (2, 3). Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn),
-        weld=0.0 (points closer than this part of the diagonal are one), tangents=True (smooth edges at which fillets end),
-        intersections=True (lines where bodies pass through each other), outlines=False (what is seen of each object),
-        threads=1 (0: one for each processor), progress=None.
+        Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn), weld=0.0
+        (points closer than this part of the diagonal are one), tangents=False (smooth edges at which fillets end),
+        intersections=True (lines where bodies pass through each other), outlines=False (what is seen of each object), threads=1
+        (0: one for each processor), progress=None.
         """
-        is_list = not isinstance(view, str) and len(view) > 0 and isinstance(view[0], (str, list, tuple, np.ndarray))
-        if is_list and isinstance(view, (tuple, np.ndarray)) and len(view) == 2 and not isinstance(view[0], str):
-            is_list = False  # a direction and what is up
-        drawings = self._draw(view if is_list else [view], **options)
-        return drawings if is_list else drawings[0]
+        return self._draw([view], **options)[0]
+
+    def draw_views(self, views: Iterable[View], **options: Any) -> list[Drawing]:
+        """Draws several views, which costs less than one by one; options as for draw()."""
+        return self._draw(views, **options)
 
     def survey(self) -> Survey:
         """Looks for what keeps the mesh from bounding bodies."""
