@@ -5,7 +5,7 @@ import { drawLines } from './ink.js';
 
 const byId = (id) => document.getElementById(id);
 const SHEET = ['front', 'top', 'left', 'iso'];
-const LARGE = 200000; // triangles from which the sheet is drawn without being asked twice only
+const LARGE = 200000; // triangles; of a model with more, four views are drawn when asked for
 
 let viewer, model, file, drawing, drawnIn, picture;
 let version = 0; // of what is shown; what was begun before is not shown any more
@@ -83,6 +83,7 @@ export async function repaint() {
   if (!model || !drawing) return;
   const mine = version;
   await drawLines(byId('drawing').querySelector('canvas'), drawing, options().hiddenStyle, () => mine === version && drawing);
+  if (mine === version) byId('drawing').dataset.version = mine;
 }
 
 async function saveAs(format) {
