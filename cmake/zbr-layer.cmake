@@ -9,9 +9,9 @@ function(zbr_layer target name)
                                        PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zbr_strict_flags>)
   if(EMSCRIPTEN)
-    # Exceptions cost time and size wherever they may pass; libzbr throws for lack of memory alone and cleans nothing up.
-    target_compile_options(${target} PUBLIC -fexceptions PRIVATE $<$<CONFIG:Release>:-Os>)
-    target_link_options(${target} PUBLIC -fexceptions)
+    # Exceptions as WebAssembly has them. libzbr goes without: it throws for lack of memory alone and cleans nothing up then.
+    target_compile_options(${target} PUBLIC -fwasm-exceptions)
+    target_link_options(${target} PUBLIC -fwasm-exceptions)
     target_include_directories(${target} BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/web/compat)  # what the standard library lacks
   endif()
 endfunction()

@@ -14,6 +14,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -81,6 +82,8 @@ int Answer(Work work) {
   } catch (const Stopped&) {
     status = Status::kStopped;
   } catch (const std::bad_alloc&) {
+    status = Status::kNoMemory;
+  } catch (const std::length_error&) {  // of a container
     status = Status::kNoMemory;
   } catch (const Failure& failure) {
     GiveFailure(failure);

@@ -36,14 +36,32 @@ bool YUp(const HeldModel& held, Options& options) {
   return axis == kFromFile ? held.objects.mesh.yUp : axis == 1;
 }
 
+NamedDirection SectionOf(Options& options, bool yUp) {
+  const std::string plane = options.Get("section", std::string());
+  options.Finish();
+  const SectionPlane section = ParseSection(plane, yUp);
+  return {"", SectionView(section, yUp), section};
+}
+
+// A-A, B-B and so on; some letters look like numbers.
+std::string LettersOf(const std::vector<NamedDirection>& before) {
+  const std::string letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+  const auto isSection = [](const NamedDirection& d) { return d.section.has_value(); };
+  const auto count = static_cast<std::size_t>(std::count_if(before.begin(), before.end(), isSection));
+  if (count >= letters.size())
+    Options::Refuse("views", "there are letters for " + std::to_string(letters.size()) + " sections only");
+  return std::string(1, letters[count]) + "-" + letters[count];
+}
+
 std::vector<NamedDirection> DirectionsOf(const HeldModel& held, Options& options) {
   const bool yUp = YUp(held, options);
   const Options::Json& views = options.At("views");
   std::vector<NamedDirection> directions;
-  if (views.is_null()) return {{"iso", *NamedView("iso", yUp)}};
+  if (views.is_null()) return {{"iso", *NamedView("iso", yUp), {}}};
   if (!views.is_array() || views.empty()) Options::Refuse("views", "a list of views is needed");
   for (const auto& view : views) {
     NamedDirection direction = DirectionOf(view, yUp, directions.size());
+    if (direction.section) direction.name = LettersOf(directions);
     const auto isSame = [&](const NamedDirection& d) { return d.name == direction.name; };
     if (std::any_of(directions.begin(), directions.end(), isSame))
       Options::Refuse("views", Quoted(direction.name) + " is named twice");
@@ -81,6 +99,8 @@ std::string KeyOf(const std::vector<NamedDirection>& directions, const DrawingOp
       add(axis.y());
       add(axis.z());
     }
+    if (d.section) add(d.section->offset);
+    if (d.section) add(d.section->depth);
   }
   return key;
 }
@@ -141,16 +161,17 @@ NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t plac
     const auto view = NamedView(name, yUp);
     if (!view)
       Options::Refuse("views", Quoted(name) + " is no view; there are front, back, left, right, top, bottom, iso and dimetric");
-    return {name, *view};
+    return {name, *view, {}};
   }
   if (!json.is_object()) Options::Refuse("views", "a view is a name or an object with a direction");
   Options options(json);
+  if (!options.At("section").is_null()) return SectionOf(options, yUp);
   const ZBR_PT3 direction = VectorOf(options.At("direction"), "direction");
   const Options::Json& up = options.At("up");
   const std::string name = options.Get("name", "view" + std::to_string(place + 1));
   options.Finish();
   try {
-    return {name, LookAlong(direction, up.is_null() ? ZBR_PT3(0, yUp ? 1 : 0, yUp ? 0 : 1) : VectorOf(up, "up"))};
+    return {name, LookAlong(direction, up.is_null() ? ZBR_PT3(0, yUp ? 1 : 0, yUp ? 0 : 1) : VectorOf(up, "up")), {}};
   } catch (const Failure& failure) {
     Options::Refuse("direction", failure.Cause());
   }

@@ -40,7 +40,7 @@ struct HeldModel {
 HeldModel& ModelAt(std::uint32_t number);
 std::uint32_t Hold(std::unique_ptr<HeldModel> model);
 
-// "front", or {direction: [x, y, z], up: [x, y, z], name: "..."}.
+// "front", {direction: [x, y, z], up: [x, y, z], name: "..."} or {section: "X=10"}.
 NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t place);
 
 // The views that the options ask for, drawn unless they are kept.

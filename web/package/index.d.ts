@@ -174,8 +174,11 @@ export interface ModelInfo {
 }
 
 export type ViewName = 'front' | 'back' | 'left' | 'right' | 'top' | 'bottom' | 'iso' | 'dimetric';
-/** Seen along `direction`, with `up` drawn upwards. */
-export type View = ViewName | { direction: [number, number, number]; up?: [number, number, number]; name?: string };
+/**
+ * Seen along `direction`, with `up` drawn upwards. Or cut by a plane, 'X=10' or '1,0,1=20' (a direction, and how far from the origin),
+ * 'X=10..25' for what lies between two, and seen against that direction.
+ */
+export type View = ViewName | { direction: [number, number, number]; up?: [number, number, number]; name?: string } | { section: string };
 
 export interface ViewOptions {
   view?: View;

@@ -45,6 +45,7 @@ export class Instance {
   #module;
   #core;
   #isBroken = false;
+  #isBusy = false;
   #thrown;
   generation = 0; // of instances; models know theirs
 
@@ -85,9 +86,11 @@ export class Instance {
 
   /** Calls a function whose arguments are numbers, { bytes } (an array, passed by its address) or { views: regions }. */
   call(name, args, { texts = [], onProgress } = {}) {
+    if (this.#isBusy) throw new ZbrError('a progress function can not make calls of its own', 'input');
     if (this.#isBroken) this.#renew();
     const core = this.#core;
     const room = new Room(core, args);
+    this.#isBusy = true;
     try {
       for (const text of texts) this.#addText(text);
       room.fill();
@@ -98,12 +101,13 @@ export class Instance {
       this.#fail(status);
     } catch (error) {
       if (error === this.#thrown?.error) throw error;
-      if (error instanceof WebAssembly.RuntimeError || error instanceof RangeError || typeof error === 'number') {
+      if (error instanceof WebAssembly.RuntimeError || error instanceof WebAssembly.Exception || error instanceof RangeError) {
         this.#isBroken = true;
         throw new ZbrError(`zbr: ${error.message ?? 'fault'}`, 'fault');
       }
       throw error;
     } finally {
+      this.#isBusy = false;
       if (!this.#isBroken) {
         core._zbrwLetGo();
         room.free();

@@ -20,9 +20,9 @@ async function startThread() {
       end: () => worker.terminate(),
     };
   }
-  const threads = 'node:worker_threads';
+  const threads = 'node:worker_threads', file = './worker-thread.js'; // not for bundlers
   const { Worker: NodeWorker } = await import(/* @vite-ignore */ threads);
-  const worker = new NodeWorker(new URL('./worker-thread.js', import.meta.url));
+  const worker = new NodeWorker(new URL(/* @vite-ignore */ file, import.meta.url));
   worker.unref();
   return {
     post: (message) => worker.postMessage(message),
@@ -186,11 +186,11 @@ class WorkerModel {
   get info() { return this.#state.info; }
 
   open(options) { return this.#call(this.#state, this.#source, undefined, options); }
-  mesh(options) { return this.#run('mesh', [], options); }
+  mesh({ signal } = {}) { return this.#run('mesh', [], { signal }); }
   draw({ signal, onProgress, ...options } = {}) { return this.#run('draw', [options], { signal, onProgress }); }
   sheet(formats, { signal, onProgress, ...options } = {}) { return this.#run('sheet', [formats, options], { signal, onProgress }); }
   outline(view, { signal, onProgress } = {}) { return this.#run('outline', [view, {}], { signal, onProgress }); }
-  pick(view, points, options) { return this.#run('pick', [view, points], options); }
+  pick(view, points, { signal } = {}) { return this.#run('pick', [view, points], { signal }); }
 
   async free() {
     if (this.#state.number) await this.#run('free', []);

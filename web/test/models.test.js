@@ -31,6 +31,8 @@ test('sheets are those of the tool', native, () => {
   const look = model.sheet('svg', { views: [{ direction: [1, 2, -1], name: 'look' }], hidden: 'none', crease: 60, scale: '1:3', title: 'T' });
   const args = ['draw', 'housing.obj', '--look', '1,2,-1', '--hidden', 'none', '--crease', '60', '--scale', '1:3', '--title', 'T'];
   assert.ok(bytes(look).equals(written(args, 'svg')));
+  const section = ['draw', 'housing.obj', '--view', 'front', '--section', 'Y=20'];
+  assertSame(model.sheet('svg', { views: ['front', { section: 'Y=20' }] }), written(section, 'svg'), 'section');
   model.free();
 });
 

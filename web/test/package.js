@@ -26,15 +26,6 @@ export function written(args, extension) {
   }
 }
 
-/** FNV-1a over the bytes of arrays, as tests/corpus/corpus.cpp has it. */
-export function digest(...arrays) {
-  let hash = 2166136261;
-  for (const array of arrays) {
-    for (const byte of new Uint8Array(array.buffer, array.byteOffset, array.byteLength)) hash = Math.imul(hash ^ byte, 16777619);
-  }
-  return (hash >>> 0).toString(16).padStart(8, '0');
-}
-
 /** Seeded numbers below a bound. */
 export function random(seed) {
   let state = seed;

@@ -120,6 +120,7 @@ test('progress may end a call, and nothing stays behind', () => {
   assert.ok(shares.length > 0 && shares.every((s, i) => s >= 0 && s <= 1 && (i === 0 || s >= shares[i - 1])), `${shares}`);
   assert.throws(() => zbr.union(a, b, { onProgress: () => false }), { name: 'AbortError' });
   assert.throws(() => zbr.union(a, b, { onProgress() { throw new RangeError('mine'); } }), { name: 'RangeError', message: 'mine' });
+  assert.throws(() => zbr.union(a, b, { onProgress() { zbr.area(a); } }), ZbrError);
   zbr.union(a, b);
   const { bytes } = zbr.memory;
   for (let i = 0; i < 40; ++i) {
