@@ -15,14 +15,16 @@ Boundaries of HATCH are taken where nothing else is drawn. What is tilted is see
 kept; other drawings in other units are converted to those of the first. Layers that are off or frozen are left
 out, but for --all-layers. Arcs stay arcs; other formats get
 chords (--deviation). All that is left out is noted; --strict makes it an error where it may bear
-contours. Results are on a layer named after each operation, by default as AutoCAD 2000 has it (--dxf-version).
+contours. Results are on a layer named after each operation, or with --layer-by source on those of the drawings; they are closed
+polylines, or with --entities lines, arcs and so on; by default as AutoCAD 2000 has it (--dxf-version).
 
 GeoJSON (read and written): Polygon and MultiPolygon, alone or in Feature, FeatureCollection and
 GeometryCollection. Polygons of one file are united. Results are a FeatureCollection with one
 MultiPolygon for each operation.
 
-WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, any number in one file. Polygons of one
-file are united. Results are one line for each operation.
+WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, and with arcs CURVEPOLYGON and MULTISURFACE, any
+number in one file. Polygons of one file are united. Results are one line for each operation, with arcs if --curves
+says so.
 
 text (read and written): one "x y" or "x y z" a line, a blank line between loops, '#' starts a comment:
 
@@ -157,6 +159,14 @@ The difference as DXF and as WKT, with sizes and times:
 Loops through a pipe:
 
   zbr bool --op xor a.txt b.txt -o - | zbr info - --format text
+
+A plate without a drawing of a part that is turned and moved to its place:
+
+  zbr bool --op a-b plate.dxf part.dxf --turn B=30 --move B=120,45 -o cut.dxf
+
+Sizes for a program:
+
+  zbr info plate.dxf --json
 
 Which of the points are in the drawing:
 

@@ -147,12 +147,12 @@ std::string JsonReport(const Contours& contours, const std::vector<Finding>& fin
   return TextOf(json);
 }
 
-void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const Writing& writing, const std::vector<OutputPlan>& plans,
-                const std::string& name, Progress& progress) {
+void WriteFixed(const Loaded& loaded, ZBR_FILL_RULE rule, const std::vector<OutputPlan>& plans, const std::string& name,
+                Progress& progress) {
   OutputFiles files;
-  const Layer layer = MakeLayer(name, CurvedShape(MakeRegion(loaded.contours.front(), rule)));
+  const Layer layer = ResultLayer(name, CurvedShape(MakeRegion(loaded.contours.front(), rule)), loaded.writing);
   NoteBeside({layer}, progress);
-  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units, writing));
+  for (const OutputPlan& plan : plans) files.Add(plan.file, WriteRegion(plan.format, layer, loaded.units, loaded.writing));
   files.Commit();
 }
 
@@ -171,7 +171,7 @@ int RunCheck(const CheckOptions& options) {
   Search search(contours, loaded.leftOut.front());
   const bool isComplete = search.Run(), isClean = search.findings().empty();
   std::string report = (options.json ? JsonReport : TextReport)(contours, search.findings(), isComplete);
-  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), options.input.writing, plans, name, progress);
+  if (options.fix) WriteFixed(loaded, FillRule(options.input.fill), plans, name, progress);
   progress.Stage("");
   if (UsesStandardOutput(plans)) {
     std::fputs(report.c_str(), stderr);

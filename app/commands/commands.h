@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/placement.h"
 #include "app/commands/view_options.h"
 #include "app/libraries.h"
 
@@ -18,8 +19,10 @@ inline constexpr int kExitError = 2;
 
 // How results are written.
 struct Writing {
-  bool curves = false;  // WKT with arcs
-  DxfVersion dxf = DxfVersion::kR2000;
+  bool curves = false;     // WKT with arcs
+  double deviation = 0.0;  // of the chords of its other curves; 0: 1/10000 of the larger side
+  double simplify = -1.0;  // tolerance within which points are left out; negative: all stay
+  DxfStyle dxf;
 };
 
 // Options of every command that reads drawings.
@@ -39,6 +42,7 @@ struct BoolOptions {
   std::vector<std::string> operations;
   std::vector<std::string> files;             // A, B and so on
   std::vector<std::string> layersA, layersB;  // of the first two; empty: those of the input
+  Placements placements;
   std::vector<std::string> outputs;
   bool stats = false;
 };
@@ -59,9 +63,7 @@ struct TransformOptions {
   InputOptions input;
   std::string file;
   std::vector<std::string> outputs;
-  std::string move, mirror, about;  // "X,Y"; the axis that is mirrored; "X,Y"
-  double turn = 0.0;                // degrees
-  double scale = 1.0;
+  Placement placement;
 };
 
 struct FileOptions {
@@ -137,6 +139,7 @@ struct ClipOptions {
   std::string lines, region;
   std::vector<std::string> outputs;
   bool outside = false, both = false;
+  std::string layerBy;  // "source": lines keep their colours and line types
   bool stats = false;
 };
 

@@ -40,7 +40,7 @@ double Share(double t) {
 EdgeOrigin Part(const EdgeOrigin& origin, const ZBR_EDGE_SOURCE& source) {
   const double sweep = origin.t1 - origin.t0;
   const auto at = [&](double t) { return t == 1.0 ? origin.t1 : origin.t0 + sweep * t; };
-  return {origin.curve, origin.line, at(Share(source.t0)), at(Share(source.t1))};
+  return {origin.curve, origin.line, at(Share(source.t0)), at(Share(source.t1)), origin.pen};
 }
 
 // Edges in a row, all around a ring or from one end to the other.
@@ -52,7 +52,7 @@ class Outline {
     for (std::size_t i = 0; i < origins_.size(); ++i) {
       EdgeOrigin& origin = origins_[i];
       if (origin.curve < 0 || (IsOn(origin, origin.t0, i) && IsOn(origin, origin.t1, i + 1))) continue;
-      origin = {};
+      origin = {-1, -1, 0.0, 0.0, origin.pen};
       ++beside;
     }
   }
@@ -87,6 +87,7 @@ class Outline {
   // Whether edge i is of what the edge before it is of, and goes on there.
   bool GoesOn(std::size_t i) const {
     const EdgeOrigin &before = Origin(i + origins_.size() - 1), &origin = Origin(i);
+    if (before.pen != origin.pen) return false;
     if (origin.curve < 0) return origin.line >= 0 && before.curve < 0 && before.line == origin.line && IsStraight(i);
     if (before.curve != origin.curve) return false;
     const double gap = CurveOf(origin).spline != nullptr ? origin.t0 - before.t1 : std::remainder(origin.t0 - before.t1, kTurn);
@@ -103,6 +104,7 @@ class Outline {
   void AddRun(std::size_t from, std::size_t to, Path& path) const {
     path.points.push_back(Point(from));
     const EdgeOrigin& origin = Origin(from);
+    if (origin.pen >= 0) path.pens.push_back(origin.pen);
     if (origin.curve < 0) return;
     Curve curve = CurveOf(origin);
     curve.at = path.points.size() - 1;
@@ -152,11 +154,12 @@ double CurvedRegion::Area() const {
 }
 
 CurvedRegion Traced(ZBR_REGION result, const std::vector<const CurvedRegion*>& operands) {
-  CurvedRegion traced{std::move(result), {}, nullptr};
+  CurvedRegion traced{std::move(result), {}, nullptr, nullptr};
   bool hasCurves = false;
   for (const CurvedRegion* const operand : operands) {
     hasCurves = hasCurves || operand->HasCurves();
     if (operand->curves != nullptr) traced.curves = operand->curves;
+    if (operand->pens != nullptr) traced.pens = operand->pens;
   }
   if (!hasCurves) return traced;
   const ZBR_REGION& rings = traced.rings;
@@ -169,7 +172,9 @@ CurvedRegion Traced(ZBR_REGION result, const std::vector<const CurvedRegion*>& o
       const CurvedRegion& operand = *operands[static_cast<std::size_t>(source.operand)];
       if (!operand.HasCurves()) continue;
       const auto first = static_cast<std::size_t>(operand.rings.ring_offsets()[static_cast<std::size_t>(source.ring)]);
+      const std::int32_t pen = origin.pen;
       origin = Part(operand.origins[first + static_cast<std::size_t>(source.edge)], source);
+      if (pen >= 0) origin.pen = pen;
     }
   }
   return traced;
