@@ -104,7 +104,8 @@ void ChooseStyles(Bodies& bodies, double gap) {
     std::size_t style;
   };
   std::vector<Placed> placed;
-  for (auto& [shell, body] : bodies) {
+  for (auto& entry : bodies) {
+    auto& body = entry.second;  // a name that lambdas may use with clang before 16
     std::array<bool, kStyles.size()> taken{};
     std::vector<Placed> own;
     for (const auto& [view, face] : body.faces) own.push_back({view, BoxOf(face->region), 0});

@@ -94,9 +94,24 @@ async function saveAs(format) {
   save(`${stemOf(file.name)}.${format}`, format === 'svg' && wanted.hiddenStyle === 'grey' ? greyed(data) : data);
 }
 
+// Where a browser shows nothing in three dimensions the named views can still be drawn.
+function plainViewer(reason) {
+  let name = 'iso';
+  byId('viewer').textContent = `No three-dimensional view: ${reason}`;
+  return { show() {}, clear() {}, look(chosenName) { name = chosenName; }, view: () => name };
+}
+
+async function makeViewer(onSettled) {
+  const { Viewer } = await import('./viewer.js');
+  try {
+    return new Viewer(byId('viewer'), onSettled);
+  } catch (error) {
+    return plainViewer(error.message);
+  }
+}
+
 /** Opens a model; `beside` are files that it may name. */
 export async function openModel(opened, beside, onError) {
-  const { Viewer } = await import('./viewer.js');
   const crease = Number(byId('crease').value);
   const next = await task(async (control) => {
     const zbr = await engine();
@@ -109,7 +124,7 @@ export async function openModel(opened, beside, onError) {
   file = opened;
   model = next.read;
   byId('model').hidden = false;
-  viewer ??= new Viewer(byId('viewer'), () => redraw().catch(onError));
+  viewer ??= await makeViewer(() => redraw().catch(onError));
   viewer.show(next.mesh, model.info);
   viewer.look('iso');
   if (model.info.triangles > LARGE) document.querySelector('#settings input[value=view]').checked = true;

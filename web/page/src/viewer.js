@@ -11,7 +11,7 @@ const VIEWS = { front: [0, 1, 0], back: [0, -1, 0], left: [1, 0, 0], right: [-1,
 
 export class Viewer {
   #element;
-  #renderer = new WebGLRenderer({ antialias: true, alpha: true });
+  #renderer = new WebGLRenderer({ antialias: true, alpha: true }); // throws where there is none
   #scene = new Scene();
   #camera = new OrthographicCamera(-1, 1, 1, -1);
   #controls;

@@ -132,6 +132,17 @@ test('broken files say why in a line', async () => {
   await page.close();
 });
 
+test('without WebGL models are drawn all the same', async () => {
+  const page = await openPage();
+  await page.evaluate(() => { HTMLCanvasElement.prototype.getContext = ((old) => function (kind, ...rest) { return kind === '2d' ? old.call(this, kind, ...rest) : null; })(HTMLCanvasElement.prototype.getContext); });
+  await drop(page, 'housing.obj');
+  await statusIs(page, 'visible');
+  assert.match(await page.textContent('#viewer'), /No three-dimensional view/);
+  await page.click('[data-view=front]');
+  await page.waitForFunction(() => document.querySelector('#drawing').dataset.version > 1);
+  await page.close();
+});
+
 test('small and dark screens', async () => {
   const page = await openPage({ viewport: { width: 390, height: 844 }, colorScheme: 'dark', deviceScaleFactor: 2, hasTouch: true });
   await shoot(page, 'small-welcome');
