@@ -176,11 +176,9 @@ bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
 class CopyRuns {
  public:
   CopyRuns(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps) : count_(loops.size()) {
-    IncludeScratch scratch;
     for (std::uint32_t i = 0; i < loops.size(); ++i) {
       const bool isCopy = i > 0 && AreCopies(*loops[i - 1], *loops[i]);
-      if (isCopy && (i - 1 > first_.back() || IsLoopInside(LoopProbe(*loops[i]), LoopProbe(*loops[i - 1]), eps, scratch))) continue;
-      first_.push_back(i);
+      if (!isCopy || !(i - 1 > first_.back() || LiesInCopy(*loops[i], eps))) first_.push_back(i);
     }
   }
   bool AreAlone() const { return first_.size() == count_; }
@@ -201,6 +199,11 @@ class CopyRuns {
   }
 
  private:
+  static bool LiesInCopy(const ZBR_LOOP& loop, double eps) {
+    IncludeScratch scratch;
+    LoopProbe copy(loop);
+    return IsLoopInside(LoopProbe(loop), copy, eps, scratch);
+  }
   std::uint32_t EndOf(std::uint32_t run) const {
     return run + 1 < first_.size() ? first_[run + 1] : static_cast<std::uint32_t>(count_);
   }
