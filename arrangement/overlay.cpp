@@ -2,7 +2,8 @@
 // nothing but a choice of faces, and its result the border of these. Where the border only passes a vertex, because an edge was led
 // through it or another one ends there, and no second part of the border does, the vertex is left out again: the edge is straight
 // as it was. Nothing comes to cross by that where the vertex lies on the edge but for rounding. Where it lay aside by what the
-// tolerance allows, something may; such a result is arranged once more, as it stands.
+// tolerance allows, something may; such a result is arranged once more, as it stands. So is one of pieces that come nearer to
+// nodes than the points lie that these stand for: then crossings are no new places, but vertices that edges are led through.
 #include "arrangement/overlay.h"
 
 #include <algorithm>
@@ -119,8 +120,12 @@ class Overlay::Assembler {
     return std::move(region_);
   }
   // Whether an edge was made straight past a vertex that lies beside it, or is shorter than the tolerance, as crossings of three
-  // edges in almost one place make them.
-  bool isUnsettled() const { return straightened_ || hasShortEdge_; }
+  // edges in almost one place make them; or two edges came to lie on each other, since what was left out between them was as good
+  // as straight.
+  bool IsUnsettled() {
+    std::sort(crowdedEdges_.begin(), crowdedEdges_.end());
+    return straightened_ || hasShortEdge_ || std::adjacent_find(crowdedEdges_.begin(), crowdedEdges_.end()) != crowdedEdges_.end();
+  }
 
  private:
   std::uint32_t Start(std::uint32_t piece) const { return StartOf(pieces_[piece], sides_[piece]); }
@@ -195,11 +200,19 @@ class Overlay::Assembler {
     for (std::size_t c = 0; c < corners_.size(); ++c) {
       region_.points.push_back(PointAt(pieces[corners_[c]]));
       if (withSources_) AddSources(pieces, c);
-      const ZBR_PT& next = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
+      const std::uint32_t nextPiece = pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]];
+      NoteCrowded(Start(pieces[corners_[c]]), Start(nextPiece));
+      const ZBR_PT& next = PointAt(nextPiece);
       hasShortEdge_ = hasShortEdge_ || region_.points.back().Distance2(next) <= overlay_.tolerance_ * overlay_.tolerance_;
     }
     region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size()));
     return true;
+  }
+
+  // Only edges between vertices that the border passes more than once can be there twice.
+  void NoteCrowded(std::uint32_t from, std::uint32_t to) {
+    if (passes_[from] < 2 || passes_[to] < 2) return;
+    crowdedEdges_.push_back(std::uint64_t{std::min(from, to)} << 32U | std::max(from, to));
   }
 
   const ZBR_PT& PointAt(std::uint32_t piece) const { return overlay_.arrangement_.points()[Start(piece)]; }
@@ -239,9 +252,10 @@ class Overlay::Assembler {
   bool withSources_;
   bool straightened_ = false;
   bool hasShortEdge_ = false;
-  std::vector<std::uint8_t> passes_;    // by vertex: 1 when the border passes it once, 2 when more often
-  std::vector<std::uint32_t> corners_;  // of the ring in work, as places in its list of pieces
-  std::vector<std::uint32_t> along_;    // edges that the border has run along since its last corner
+  std::vector<std::uint64_t> crowdedEdges_;  // of the result, by their vertices
+  std::vector<std::uint8_t> passes_;         // by vertex: 1 when the border passes it once, 2 when more often
+  std::vector<std::uint32_t> corners_;       // of the ring in work, as places in its list of pieces
+  std::vector<std::uint32_t> along_;         // edges that the border has run along since its last corner
   std::vector<std::uint32_t> common_;
   std::vector<std::uint32_t> runSources_;  // the edges along each of the ring's edges
   std::vector<std::uint32_t> runEnds_;
@@ -266,7 +280,7 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUn
   }
   Assembler assembler(*this, std::move(sides), withSources);
   FlatRegion region = assembler.Run();
-  isUnsettled = assembler.isUnsettled();
+  isUnsettled = assembler.IsUnsettled() || swept_.isTight;
   return region;
 }
 

@@ -310,6 +310,33 @@ TEST(Region, SweepsRightAngledRingsAsTheyAreArranged) {
   }
 }
 
+// The ends of the long edges are off the grid by half a step: where two cross almost on a third one, the place told nothing of its
+// side, and a ring touched its own edge from without. Led through that place, no edge comes near it.
+TEST(Region, CrossingsBesideAnEdgeAreOnIt) {
+  const ZBR_TmpEps guard(1e-12);
+  const ZBR_REGION a = RegionOf({{{31.567768844142076, -27.522436731746907},
+                                  {-41.78894448168422, -27.604840754793408},
+                                  {31.567768792047893, -27.522436622545126}},
+                                 {{30.592052395596305, -32.889078366138065},
+                                  {-41.78894469234753, -27.604840568195595},
+                                  {30.59205224228659, -32.88907837049685}}});
+  const ZBR_REGION b = RegionOf({{{31.56776861875701, -27.522436698805386},
+                                  {30.59205234202793, -32.88907809219331},
+                                  {30.59205207183357, -32.8890781108945}}});
+  for (const ZBR_BOOLEAN_OPE op : {ZBR_BOOL_A_MINUS_B, ZBR_BOOL_OR}) {
+    const std::vector<Ring> rings = RingsOf(zbrCombineRegions(a, b, op));
+    EXPECT_GE(rings.size(), 2U);
+    ForEachEdge(rings, [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+      for (const Ring& ring : rings) {
+        for (const ZBR_PT& v : ring) {
+          const bool isEnd = v.Distance(p) == 0.0 || v.Distance(q) == 0.0;
+          EXPECT_TRUE(isEnd || !zbrIsOnSeg(v, p, q, nullptr, nullptr)) << v.x() << ' ' << v.y();
+        }
+      }
+    });
+  }
+}
+
 // Eight places of the coordinates to a unit.
 TEST(Region, SmallThingsFarAwayStay) {
   const double far = 1e15;
