@@ -242,11 +242,15 @@ class ChordMaker {
 
   bool Halve(const Edge& edge) {
     constexpr double kShortest = 16;  // snaps
-    if (edge.origin.curve < 0 || edge.from.Distance(edge.to) < kShortest * snap_) return false;
+    const double length = edge.from.Distance(edge.to);
+    if (edge.origin.curve < 0 || length < kShortest * snap_) return false;
     const auto carrier = static_cast<std::uint32_t>(edge.origin.curve);
     const double t = (edge.origin.t0 + edge.origin.t1) / 2;
+    const ZBR_PT middle = carriers_.curve(carrier).At(t);
+    // A chord that is all but the curve gains nothing, and on a nearly flat ellipse there are many.
+    if (std::abs((edge.to - edge.from).OuterProduct(middle - edge.from)) <= snap_ / 2 * length) return false;
     if (!halved_.insert({carrier, t}).second) return false;
-    carriers_.AddVertex(carrier, t, carriers_.curve(carrier).At(t));
+    carriers_.AddVertex(carrier, t, middle);
     return true;
   }
 
