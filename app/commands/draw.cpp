@@ -33,6 +33,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.intersections = plan.intersections;
   options.tangents = plan.tangents;
   options.curves = plan.curves;
+  options.smoothSilhouettes = plan.smoothSilhouettes;
   options.centreLines = plan.centreLines;
   options.outlines = plan.fill;
   options.threads = plan.threads;

@@ -30,6 +30,7 @@ struct DrawPlan {
   HiddenLines hidden = HiddenLines::kInPrincipalViews;
   bool intersections = true;
   bool tangents = true;
+  bool smoothSilhouettes = false;
   bool centreLines = false;
   bool fill = false;
 };

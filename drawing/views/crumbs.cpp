@@ -1,0 +1,61 @@
+// Ends are looked up in cells of a grid that hold the points of longer lines.
+#include "drawing/views/crumbs.h"
+
+#include <cmath>
+#include <cstdint>
+#include <unordered_set>
+
+namespace zbr::drawing {
+namespace {
+
+constexpr double kCrumb = 0.01;   // of the view's size
+constexpr double kJoined = 2e-3;  // the same: ends this close together meet
+
+double LengthOf(const Line& line) {
+  double length = 0.0;
+  for (std::size_t i = 1; i < line.chain.points.size(); ++i) length += line.chain.points[i].Distance(line.chain.points[i - 1]);
+  return length;
+}
+
+class Cells {
+ public:
+  explicit Cells(double size) : size_(size) {}
+  void Add(const ZBR_PT& p) { cells_.insert(KeyOf(std::floor(p.x() / size_), std::floor(p.y() / size_))); }
+  // Whether a point is in the same cell or next to it.
+  bool Has(const ZBR_PT& p) const {
+    const double x = std::floor(p.x() / size_), y = std::floor(p.y() / size_);
+    for (const double dx : {-1.0, 0.0, 1.0}) {
+      for (const double dy : {-1.0, 0.0, 1.0}) {
+        if (cells_.contains(KeyOf(x + dx, y + dy))) return true;
+      }
+    }
+    return false;
+  }
+
+ private:
+  static std::uint64_t KeyOf(double x, double y) {
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(x)) << 32U ^
+           static_cast<std::uint32_t>(static_cast<std::int64_t>(y));
+  }
+  double size_;
+  std::unordered_set<std::uint64_t> cells_;
+};
+
+}  // namespace
+
+void DropCrumbs(ViewLines& view) {
+  const double size = view.extent.Size();
+  if (!(size > 0)) return;
+  Cells joined(kJoined * size);
+  for (const Line& line : view.lines) {
+    if (line.hidden || LengthOf(line) < kCrumb * size) continue;
+    for (const ZBR_PT& p : line.chain.points) joined.Add(p);
+  }
+  std::erase_if(view.lines, [&](const Line& line) {
+    if (line.hidden || (line.edgeClass != EdgeClass::kCrease && line.edgeClass != EdgeClass::kSilhouette)) return false;
+    if (LengthOf(line) >= kCrumb * size) return false;
+    return line.chain.closed || !joined.Has(line.chain.points.front()) || !joined.Has(line.chain.points.back());
+  });
+}
+
+}  // namespace zbr::drawing
