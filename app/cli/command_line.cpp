@@ -336,7 +336,8 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       "STYLE");
   AddChoice(
       command, "--silhouettes", draw_.silhouettes, {"facets", "smooth"},
-      "Where curved surfaces turn away: along edges of their facets (by default), or on the smooth surface that they stand for",
+      "Where curved surfaces turn away: along edges of their facets, or on the smooth surface that they stand for; by default "
+      "smooth for scans, whose creases are rough, else facets",
       "KIND");
   AddChoice(command, "--curves", draw_.curves, {"on", "off"},
             "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");

@@ -103,7 +103,7 @@ struct DrawOptions {
   double weld = 0.0;
   double contact = -1.0;    // negative: from the coordinates
   unsigned jobs = 0;        // 0: as many as there are processors
-  std::string silhouettes;  // "smooth" or by the facets
+  std::string silhouettes;  // "smooth" or "facets"; empty: by the model
   bool centreLines = false;
   bool fill = false;
   bool stats = false;

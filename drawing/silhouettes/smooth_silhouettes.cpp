@@ -95,13 +95,17 @@ void SmoothSilhouettes::AddTo(std::vector<IntersectionLine>& lines) {
   lines.insert(lines.end(), lines_.begin(), lines_.end());
 }
 
+// Where an edge is a crease as well no curve runs over it, and it stays.
 void SmoothSilhouettes::PutInto(const Model& model, Scene& scene) const {
   const std::size_t facets = scene.TriangleCount();
-  for (std::size_t t = 0; t < facets; ++t) {
-    for (std::size_t i = 0; i < 3; ++i) {
-      if (scene.classes[t][i] != EdgeClass::kSilhouette) continue;
-      scene.classes[t][i] = EdgeClass::kSmooth;
-      scene.triangles[t].dispj[i] = false;
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    for (std::size_t t = model.shellBegin[s]; t < model.shellBegin[s + 1]; ++t) {
+      const ZBR_ZBREPT& record = *model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s]));
+      for (std::size_t i = 0; i < 3; ++i) {
+        if (scene.classes[t][i] != EdgeClass::kSilhouette || EdgeOf(record, i).GetShow()) continue;
+        scene.classes[t][i] = EdgeClass::kSmooth;
+        scene.triangles[t].dispj[i] = false;
+      }
     }
   }
   for (std::size_t k = 0; k < lines_.size(); ++k) {

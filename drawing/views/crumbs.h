@@ -5,8 +5,8 @@
 
 namespace zbr::drawing {
 
-// Drops the visible creases and silhouettes of a rough surface that are shorter than a hundredth of the view and do not join longer
-// lines at both ends.
+// Drops the visible creases and silhouettes of a rough surface that are shorter than a hundredth of the view, unless they bridge a
+// gap between longer lines.
 void DropCrumbs(ViewLines& view);
 
 }  // namespace zbr::drawing
