@@ -33,12 +33,13 @@ enum class HiddenLines { kNone, kInPrincipalViews, kInAllViews };
 
 struct DrawingOptions {
   HiddenLines hidden = HiddenLines::kInPrincipalViews;
-  bool curves = true;         // runs along circles of the model, in Chain::curves
-  bool intersections = true;  // lines where surfaces pass through each other, found once for all views
-  bool tangents = true;       // smooth edges at which a fillet ends; of these never the hidden parts
-  bool centreLines = false;   // of circles, in ViewLines::centres
-  bool outlines = false;      // what nearer objects leave visible of each object, in ViewLines::outlines
-  unsigned threads = 1;       // views are worked on at once, and the triangles of each with the threads left over
+  bool curves = true;              // runs along circles of the model, in Chain::curves
+  bool intersections = true;       // lines where surfaces pass through each other, found once for all views
+  bool tangents = true;            // smooth edges at which a fillet ends; of these never the hidden parts
+  bool smoothSilhouettes = false;  // of the surface that the facets stand for, not of the facets
+  bool centreLines = false;        // of circles, in ViewLines::centres
+  bool outlines = false;           // what nearer objects leave visible of each object, in ViewLines::outlines
+  unsigned threads = 1;            // views are worked on at once, and the triangles of each with the threads left over
 
   // Bodies at most this far apart stand face to face, and their common edges are drawn; negative: four times what the coordinates
   // are rounded to, found from the model.
