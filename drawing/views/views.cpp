@@ -1,6 +1,7 @@
 // From a model to the lines of its views: scene, removal, lines and, where asked for, outlines, which use the scene up.
 #include <zbr-drawing/views.h>
 
+#include <zbr-drawing/failure.h>
 #include <zbr-drawing/outlines.h>
 #include <zbr-drawing/removal.h>
 
@@ -36,7 +37,7 @@ void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines
 }
 
 ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
-                   unsigned threads, const std::function<void(DrawStage)>& at) {
+                   unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
   at(DrawStage::kScene);
   Scene scene = MakeScene(model, direction.view, found.crossings, options.tangents);
   if (options.contact >= 0) scene.contact = options.contact * scene.scale;
@@ -48,7 +49,7 @@ ViewLines DrawView(const Model& model, const Found& found, const NamedDirection&
     CutScene(model, *direction.section, section, scene);
   }
   at(DrawStage::kRemoval);
-  RemoveHidden(scene, threads);
+  if (!RemoveHidden(scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);
   const bool hidden = options.hidden == HiddenLines::kInAllViews ||
                       (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
@@ -80,7 +81,9 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
     const auto at = [&](DrawStage stage) {
       if (options.progress) options.progress(i, stage);
     };
-    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at);
+    std::function<bool(double)> removal;
+    if (options.removal) removal = [&](double share) { return options.removal(i, share); };
+    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at, removal);
   });
   return drawn;
 }
