@@ -1,6 +1,7 @@
 // From a model to the lines of its views: scene, removal, lines and, where asked for, outlines, which use the scene up.
 #include <zbr-drawing/views.h>
 
+#include <zbr-drawing/failure.h>
 #include <zbr-drawing/outlines.h>
 #include <zbr-drawing/removal.h>
 
@@ -86,11 +87,11 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
 }
 
 ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
-                   unsigned threads, const std::function<void(DrawStage)>& at) {
+                   unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
   at(DrawStage::kScene);
   Prepared view = Prepare(model, found, direction, options);
   at(DrawStage::kRemoval);
-  RemoveHidden(view.scene, threads);
+  if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);
   ViewLines lines = Collect(model, found, direction, options, view);
   if (options.outlines) {
@@ -115,7 +116,9 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
     const auto at = [&](DrawStage stage) {
       if (options.progress) options.progress(i, stage);
     };
-    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at);
+    std::function<bool(double)> removal;
+    if (options.removal) removal = [&](double share) { return options.removal(i, share); };
+    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at, removal);
   });
   return drawn;
 }

@@ -48,6 +48,10 @@ struct DrawingOptions {
   // Told when a stage of a view begins, by its place in the list; from any of the threads, views in any order. What it throws ends
   // the work and comes out of DrawViews.
   std::function<void(std::size_t view, DrawStage stage)> progress;
+
+  // Told now and then which share of a view's hidden lines has been removed, from any of the threads, of one view by one at a time.
+  // When it answers false, DrawViews fails. It does not throw.
+  std::function<bool(std::size_t view, double share)> removal;
 };
 
 // The views in their order. A model without triangles gives views without lines.

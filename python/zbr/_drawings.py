@@ -13,7 +13,7 @@ from . import _picture, _zbr
 from ._files import written
 
 #: What the numbers of `Drawing.kind` mean.
-KINDS = ("smooth", "border", "crease", "junction", "silhouette", "tangent", "intersection")
+KINDS: tuple[str, ...] = _zbr.KINDS
 
 View = str | Sequence[Any]
 
@@ -83,6 +83,14 @@ class Mesh(_zbr.Mesh):
     def draw_views(self, views: Iterable[View], **options: Any) -> list[Drawing]:
         """Draws several views, which costs less than one by one; options as for draw()."""
         return self._draw(views, **options)
+
+    def section(self, plane: str, *, hidden: bool = False, **options: Any) -> Drawing:
+        """Draws a section: what a plane lays open and what lies behind. The faces are the drawing's section_faces.
+
+        plane: "X=10", "Y=10" or "Z=10", seen as right, front and top are; "X=10..25": what lies between the two; "1,0,1=20": at
+        this distance from the origin in this direction. draw_views() takes planes, too. Options as for draw().
+        """
+        return self.draw(plane, hidden=hidden, **options)
 
     def survey(self) -> Survey:
         """Looks for what keeps the mesh from bounding bodies."""
