@@ -1,5 +1,6 @@
 // Creases with hysteresis: they begin where the surface bends by more than the angle of creases, and from their loose ends go on,
-// as straight as they can, along edges at which it bends by a part of that. What stays short and joins nothing is roughness.
+// as straight as they can, along edges at which it bends by a part of that, until they meet another crease. What stays short and
+// joins nothing is roughness.
 //
 // Models whose creases end at each other, as those of machined parts, are left as they are.
 #include "drawing/model/rough_creases.h"
@@ -69,7 +70,9 @@ class ShellTidier {
     return length > 0 ? d * (1.0 / length) : d;
   }
 
+  // What ends nowhere else is taken back: noise goes on anywhere.
   void GoOn(std::size_t v) {
+    std::vector<std::uint32_t> shown;
     while (lines_[v].size() == 1) {
       const ZBR_PT3 along = -Direction(lines_[v].front(), v);
       double best = kStraight;
@@ -82,8 +85,12 @@ class ShellTidier {
         next = e;
         found = true;
       }
-      if (!found) return;
+      if (!found) {
+        for (const std::uint32_t e : shown) Show(e, false);
+        return;
+      }
       Show(next, true);
+      shown.push_back(next);
       v = Other(next, v);
     }
   }

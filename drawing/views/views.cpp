@@ -74,12 +74,12 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   ViewLines lines = CollectLines(model, view.scene, hidden, curves ? &*found.circles : nullptr);
   lines.name = direction.name;
   if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
-  if (model.isRough) DropCrumbs(lines);
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
   lines.lines.insert(lines.lines.end(), unseen, silhouettes.end());
   silhouettes.erase(unseen, silhouettes.end());
   AddVisible(lines, std::move(silhouettes));
+  if (model.isRough) DropCrumbs(lines);
   if (!direction.section) return lines;
   lines.extent = view.whole;  // views of one model line up, whatever was cut away
   AddSection(std::move(view.section), direction, lines);
