@@ -7,6 +7,7 @@
 #include <cmath>
 #include <deque>
 #include <limits>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <set>
@@ -73,6 +74,15 @@ Curve ShapeOf(const Curve& curve) {
 
 auto KeyOf(const Curve& c) {
   return std::tuple(c.centre.x(), c.centre.y(), c.u.x(), c.u.y(), c.v.x(), c.v.y());
+}
+
+// All that tells a spline from others.
+std::vector<double> NumbersOf(const Spline& spline) {
+  std::vector<double> numbers = {static_cast<double>(spline.degree)};
+  for (const ZBR_PT& p : spline.control) numbers.insert(numbers.end(), {p.x(), p.y()});
+  numbers.insert(numbers.end(), spline.knots.begin(), spline.knots.end());
+  numbers.insert(numbers.end(), spline.weights.begin(), spline.weights.end());
+  return numbers;
 }
 
 // Of circles that come by ascending centres, those whose centres are not yet too far to the left, by the height of their centres.
@@ -157,6 +167,7 @@ std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
   std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return KeyOf(shapes[a]) < KeyOf(shapes[b]); });
   std::vector<Stretch> stretches(curves.size());
   RecentCircles recent(curves_, kSameCircle * largest);
+  std::map<std::vector<double>, std::uint32_t> splines;
   for (const std::size_t i : order) {
     const Curve& shape = shapes[i];
     const bool isCircle = shape.IsCircular();
@@ -165,6 +176,10 @@ std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
     const bool isRepeat = !isCircle && shape.spline == nullptr && !curves_.empty() && curves_.back().spline == nullptr &&
                           KeyOf(curves_.back()) == KeyOf(shape);
     if (isRepeat) carrier = static_cast<std::uint32_t>(curves_.size() - 1);
+    if (shape.spline != nullptr) {
+      const auto [known, isNew] = splines.try_emplace(NumbersOf(*shape.spline), static_cast<std::uint32_t>(curves_.size()));
+      if (!isNew) carrier = known->second;
+    }
     if (!carrier) {
       carrier = AddCarrier(shape, isCircle);
       if (isCircle) recent.Add(*carrier);
