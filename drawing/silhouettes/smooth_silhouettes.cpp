@@ -56,7 +56,7 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const View& vi
   for (const ZBR_PT3& normal : normals.all) facing.push_back(normal.InnerProduct(view.toViewer));
 
   Cuts cuts;
-  std::vector<ZBR_PT3> places;  // of ends
+  std::vector<std::array<ZBR_PT3, 2>> places;  // of the ends of cuts
   for (int t = 0; t < shell.GetTriangleCnt(); ++t) {
     const ZBR_ZBREPT& triangle = *shell.GetTriangle(t);
     std::array<double, 3> at{};
@@ -75,14 +75,15 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const View& vi
       ends[side] = CrossingOf(VertexOf(triangle, i).GetPt(), at[i], VertexOf(triangle, j).GetPt(), at[j]);
     }
     cuts.Add(static_cast<std::uint32_t>(t), names[0], names[1]);
-    places.insert(places.end(), ends.begin(), ends.end());
+    places.push_back(ends);
   }
   for (const CutChain& chain : ChainCuts(cuts)) {
     Curve curve{static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(lines_.size()), 0, chain.closed};
     for (const std::uint32_t end : chain.ends) {
       IntersectionLine& line = lines_.emplace_back();
-      line.ends[0].place = places[end];
-      line.ends[1].place = places[end ^ 1U];
+      const std::array<ZBR_PT3, 2>& ends = places.at(end / 2);
+      line.ends[0].place = ends[end % 2];
+      line.ends[1].place = ends[1 - end % 2];
       line.triangles.fill(model.shellBegin[s] + cuts.triangles[end / 2]);
     }
     curve.end = static_cast<std::uint32_t>(lines_.size());
