@@ -159,7 +159,7 @@ PyObject* CombineAll(PyObject*, PyObject* const* args, Py_ssize_t count, PyObjec
       return results;
     };
     const Results results = Run(a->region.point_count() + b->region.point_count(), given[6], work);
-    const Ref tuple = Ref::Own(PyTuple_New(static_cast<Py_ssize_t>(results.size())));
+    Ref tuple = Ref::Own(PyTuple_New(static_cast<Py_ssize_t>(results.size())));
     for (std::size_t i = 0; i < results.size(); ++i) {
       if (PyTuple_SetItem(tuple.get(), static_cast<Py_ssize_t>(i), NewRegion(results[i]).release()) != 0) throw PythonError();
     }
@@ -220,7 +220,7 @@ PyObject* Check(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* ke
       CheckStatus(zbrCheckRegion(arrays.view(), found, most));
       return found;
     });
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     for (const ZBR_REGION_FAULT& f : faults) {
       const Ref item = Ref::Own(
           Py_BuildValue("(iddiiii)", static_cast<int>(f.kind), f.place.x(), f.place.y(), f.ring_a, f.edge_a, f.ring_b, f.edge_b));

@@ -149,7 +149,7 @@ PyObject* EdgeOffsets(PyObject* self, void*) noexcept {
 
 PyObject* Outlines(PyObject* self, void*) noexcept {
   return Guarded([&] {
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     for (const RegionPtr& outline : DataOf(self)->outlines) {
       if (PyList_Append(list.get(), NewRegion(outline).get()) != 0) throw PythonError();
     }
@@ -160,7 +160,7 @@ PyObject* Outlines(PyObject* self, void*) noexcept {
 // What a section lays open, in the coordinates of the drawing.
 PyObject* SectionFaces(PyObject* self, void*) noexcept {
   return Guarded([&] {
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     const auto& section = DataOf(self)->view.section;
     for (std::size_t i = 0; section && i < section->faces.size(); ++i) {
       const auto face = std::make_shared<RegionData>();
@@ -241,7 +241,8 @@ Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* object, const ZBR_PT
   std::vector<ZBR_PT> copy;
   for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
   constexpr std::size_t kEvery = 1024;
-  const auto hits = Run(copy.size(), progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
+  const std::size_t size = copy.size();
+  const auto hits = Run(size, progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
     const ZBR_TmpEps hold(drawing::kSceneTolerance);
     std::vector<Picker::Hit> found(copy.size());
     for (std::size_t i = 0; i < copy.size(); ++i) {
@@ -283,7 +284,7 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
       return Draw(mesh, request, monitor);
     });
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     for (const DrawingPtr& data : drawings) {
       if (PyList_Append(list.get(), Objects::Make(data).get()) != 0) throw PythonError();
     }

@@ -45,7 +45,7 @@ drawing::Mesh MeshOf(PyObject* points, PyObject* faces) {
 
 // `file` is what people know it by; the other name is for titles and layers.
 std::shared_ptr<MeshData> Named(drawing::Mesh mesh, const std::string& file, const std::string& name) {
-  const auto data = std::make_shared<MeshData>();
+  auto data = std::make_shared<MeshData>();
   data->mesh = std::move(mesh);
   data->name = name;
   data->sources.push_back({file, name, {}, 0});

@@ -191,17 +191,17 @@ Ref LocateAll(const RegionPtr& data, PyObject* object, PyObject* progress, Answe
   std::vector<ZBR_PT> copy;  // the work may outlast the call, and the array
   for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
   constexpr std::size_t kEvery = 4096;
-  return MakeArray<Shown>(
-      Run(copy.size() + data->region.point_count(), progress, [data, answer, copy = std::move(copy)](Monitor& monitor) {
-        std::vector<T> places(copy.size());
-        const Locator& locator = data->TheLocator();
-        const ZBR_TmpEps hold(drawing::kTolerance);
-        for (std::size_t i = 0; i < copy.size(); ++i) {
-          if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
-          places[i] = answer(locator.Locate(copy[i]));
-        }
-        return places;
-      }));
+  const std::size_t size = copy.size() + data->region.point_count();
+  return MakeArray<Shown>(Run(size, progress, [data, answer, copy = std::move(copy)](Monitor& monitor) {
+    std::vector<T> places(copy.size());
+    const Locator& locator = data->TheLocator();
+    const ZBR_TmpEps hold(drawing::kTolerance);
+    for (std::size_t i = 0; i < copy.size(); ++i) {
+      if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
+      places[i] = answer(locator.Locate(copy[i]));
+    }
+    return places;
+  }));
 }
 
 PyObject* Locate(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
