@@ -223,7 +223,7 @@ test('the same bits as the native library', { timeout: 120000 }, async () => {
   await page.addScriptTag({ url: `${files.url}zbr-fingerprint.js` });
   await page.waitForFunction(() => Module.text.split('\n').length > 10, null, { timeout: 100000 });
   assert.equal(await page.evaluate(() => Module.text), readFileSync(join(root, 'tests/reliability/fingerprint/expected.txt'), 'utf8'));
-  const corpus = process.env.ZBR_POLYGON_CORPUS ?? join(root, '../shared/data/polygons'), native = join(build, 'release/tests/corpus/zbr-corpus');
+  const corpus = process.env.ZBR_POLYGON_CORPUS ?? join(root, '../shared/data/polygons'), native = process.env.ZBR_CORPUS ?? join(build, 'release/tests/corpus/zbr-corpus');
   if (existsSync(corpus) && existsSync(native)) {
     const lines = readdirSync(corpus).filter((name) => name.endsWith('.jsonl'))
       .flatMap((name) => readFileSync(join(corpus, name), 'utf8').split('\n').filter(Boolean));
