@@ -3,6 +3,8 @@
 // get them. Between two places where something happens there is at least one vertex more, so that thin lenses do not collapse.
 #include "drawing/contours/carriers.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <deque>
@@ -28,7 +30,7 @@ constexpr double kLeastLensSnaps = 100;
 constexpr double kNearVertex = 0.01;  // of a step: fixed parameters this close to a place are left out for it
 
 double Length(const ZBR_PT& v) {
-  return std::hypot(v.x(), v.y());
+  return Hypot(v.x(), v.y());
 }
 
 double LongestAxis(const Curve& curve) {
@@ -46,7 +48,7 @@ double Wrapped(double t) {
 int ChordsPerTurn(const Curve& curve, double deviation) {
   const double radius = LongestAxis(curve);
   if (!(radius > 0 && radius < std::numeric_limits<double>::infinity())) return 4;  // coordinates that overflow are told later
-  const double step = 2.0 * std::acos(std::clamp(1.0 - deviation / radius, -1.0, 1.0));
+  const double step = 2.0 * Acos(std::clamp(1.0 - deviation / radius, -1.0, 1.0));
   return 4 * static_cast<int>(std::ceil(std::clamp(kFullTurn / step, kLeastPerTurn, kMostPerTurn) / 4.0));
 }
 
@@ -143,7 +145,7 @@ double Carriers::Canonical(std::uint32_t carrier, double t) const {
 
 double Carriers::ParameterOf(std::uint32_t carrier, const ZBR_PT& p) const {
   const ZBR_PT d = p - curves_[carrier].centre;
-  return std::atan2(d.y(), d.x());
+  return Atan2(d.y(), d.x());
 }
 
 std::uint32_t Carriers::AddCarrier(const Curve& curve, bool isCircle) {

@@ -5,6 +5,8 @@
 // Models whose creases end at each other, as those of machined parts, are left as they are.
 #include "drawing/model/rough_creases.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -29,7 +31,7 @@ class ShellTidier {
  public:
   ShellTidier(Model& model, std::size_t s, double degrees)
       : model_(model), shell_(*model.body.GetShell(static_cast<int>(s))), s_(s), size_(model.Diagonal()) {
-    const double limit = std::cos(std::min(degrees * kGoOn, 180.0) * kPi / 180.0);
+    const double limit = Cos(std::min(degrees * kGoOn, 180.0) * kPi / 180.0);
     lines_.resize(static_cast<std::size_t>(shell_.GetVertexCnt()));
     candidates_.resize(lines_.size());
     for (int e = 0; e < shell_.GetEdgeCnt(); ++e) {

@@ -1,5 +1,7 @@
 #include "drawing/silhouettes/smooth_normals.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -12,7 +14,7 @@ namespace {
 double AngleAt(const ZBR_ZBREPT& t, std::size_t i) {
   const ZBR_PT3 &p = VertexOf(t, i).GetPt(), a = VertexOf(t, (i + 1) % 3).GetPt() - p, b = VertexOf(t, (i + 2) % 3).GetPt() - p;
   const double size = a.Length() * b.Length();
-  return size > 0 ? std::acos(std::clamp(a.InnerProduct(b) / size, -1.0, 1.0)) : 0.0;
+  return size > 0 ? Acos(std::clamp(a.InnerProduct(b) / size, -1.0, 1.0)) : 0.0;
 }
 
 // The corner of a triangle at a vertex.

@@ -4,6 +4,7 @@
 // An "SRID=...;" before a geometry is allowed.
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-drawing/trigonometry.h>
 #include <zbr-formats/drawings.h>
 #include <zbr-formats/types.h>
 
@@ -169,7 +170,8 @@ class WktReader {
     ReadList([&] { ReadPoint(part); });
     if (kind == "CIRCULARSTRING" && part.points.size() % 2 == 0) Fail("an odd number of points");
     const bool goesOn = !path.points.empty() && !part.points.empty();
-    if (goesOn && path.points.back().Distance(part.points.front()) > 0) FailAt(drawing_.file, line_, "the parts of a compound curve do not meet");
+    if (goesOn && path.points.back().Distance(part.points.front()) > 0)
+      FailAt(drawing_.file, line_, "the parts of a compound curve do not meet");
     if (goesOn) path.points.pop_back();
     if (goesOn && !path.heights.empty()) path.heights.pop_back();
     path.heights.insert(path.heights.end(), part.heights.begin(), part.heights.end());
@@ -199,7 +201,7 @@ class WktReader {
     arc.u = centre * -1.0;
     arc.v = ZBR_PT(-arc.u.y(), arc.u.x()) * (turn < 0 ? -1.0 : 1.0);
     const ZBR_PT end = b - centre;
-    const double angle = std::atan2(end.InnerProduct(arc.v), end.InnerProduct(arc.u));
+    const double angle = Atan2(end.InnerProduct(arc.v), end.InnerProduct(arc.u));
     arc.t1 = isWhole || angle <= 0 ? angle + kTurn : angle;
     path.curves.push_back(arc);
     return true;
