@@ -44,6 +44,7 @@ struct Request {
   drawing::DrawingOptions options;
   double crease = 30.0;
   double weld = 0.0;
+  std::optional<bool> smoothSilhouettes;  // none: for rough models only
 };
 
 // Sections are known by letters, in their order.
@@ -78,6 +79,7 @@ double ShareAt(drawing::DrawStage stage) {
 
 std::vector<DrawingPtr> Draw(const MeshPtr& mesh, Request& request, Monitor& monitor) {
   const ModelPtr model = mesh->ModelFor(request.crease, request.weld);
+  request.options.smoothSilhouettes = request.smoothSilhouettes.value_or(model->isRough);
   static constexpr double kModel = 0.2;  // share of the work that all views have in common
   monitor.TellOrThrow(kModel / 2);
   std::vector<std::atomic<double>> shares(request.views.size());
@@ -265,9 +267,10 @@ Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* object, const ZBR_PT
 
 PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<9> given("draw",
-                             {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress"},
-                             1, args, count, keywords);
+    const Arguments<11> given("draw",
+                              {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress",
+                               "smooth_silhouettes", "centre_lines"},
+                              1, args, count, keywords);
     const MeshPtr mesh = Holder<MeshData>::Of(self);
     Request request;
     const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
@@ -279,6 +282,8 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     request.options.tangents = given.Truth(4, false);
     request.options.intersections = given.Truth(5, true);
     request.options.outlines = given.Truth(6, false);
+    if (given.OrNull(9) != nullptr) request.smoothSilhouettes = given.Truth(9, false);
+    request.options.centreLines = given.Truth(10, false);
     const unsigned threads = given.Threads(7);
     request.options.threads = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
     const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
@@ -329,7 +334,7 @@ void AddDrawingType(PyObject* module) {
   };
   Objects::AddType(module, "Drawing", "zbr._zbr.Drawing", slots);
   const Ref kinds = Ref::Own(PyList_New(0));
-  for (int kind = 0; kind <= static_cast<int>(drawing::EdgeClass::kCuttingPlane); ++kind) {
+  for (int kind = 0; kind <= static_cast<int>(drawing::EdgeClass::kCentre); ++kind) {
     const Ref name = Ref::Own(PyUnicode_FromString(drawing::NameOf(static_cast<drawing::EdgeClass>(kind))));
     if (PyList_Append(kinds.get(), name.get()) != 0) throw PythonError();
   }
