@@ -218,7 +218,7 @@ test('the same bits as the native library', { timeout: 120000 }, async () => {
   const build = join(root, 'build');
   const files = await serve(join(build, 'web/web/package'), join(build, 'web/tests/reliability/fingerprint'), join(root, 'web/test'));
   const page = await browser.newPage();
-  await page.goto(`${files.url}nothing`); // a page of the same origin
+  await page.goto(`${files.url}digests.js`); // something of the same origin
   await page.setContent('<script>Module = { text: "", print(line) { Module.text += line + "\\n"; } };</script>');
   await page.addScriptTag({ url: `${files.url}zbr-fingerprint.js` });
   await page.waitForFunction(() => Module.text.split('\n').length > 10, null, { timeout: 100000 });
