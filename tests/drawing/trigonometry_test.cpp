@@ -48,7 +48,7 @@ TEST(Trigonometry, EndsOfTheRange) {
       if (std::isnan(exact)) continue;
       EXPECT_LE(UnitsBetween(value, exact), 1) << y << ' ' << x;
       EXPECT_EQ(std::signbit(value), std::signbit(exact)) << y << ' ' << x;
-      if (!std::isnan(std::hypot(y, x))) EXPECT_LE(UnitsBetween(Hypot(y, x), std::hypot(y, x)), 2) << y << ' ' << x;
+      EXPECT_LE(UnitsBetween(Hypot(y, x), std::hypot(y, x)), 2) << y << ' ' << x;
     }
   }
   EXPECT_TRUE(std::isnan(Sin(kInf)) && std::isnan(Cos(std::nan(""))));
@@ -58,7 +58,7 @@ TEST(Trigonometry, EndsOfTheRange) {
 TEST(Trigonometry, PowersOfTenAndTheirExponents) {
   for (int n = -320; n <= 308; ++n) {
     EXPECT_EQ(DecimalExponent(PowerOfTen(n)), n);
-    if (std::abs(n) < 300) EXPECT_EQ(DecimalExponent(std::nextafter(PowerOfTen(n), 0.0)), n - 1);
+    EXPECT_EQ(DecimalExponent(std::nextafter(PowerOfTen(n), 0.0)), n - 1);
   }
   EXPECT_EQ(PowerOfTen(22), 1e22);
   EXPECT_EQ(PowerOfTen(-22), 1e-22);
