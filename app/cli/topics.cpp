@@ -129,7 +129,7 @@ from the left on its right; in third-angle projection it is the other way round.
 corner. All views have the same scale; SVG, PDF and DXF are in millimetres on paper:
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
-  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME
+  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME, and where needed HATCHING and CENTER
   DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE; with sections SECTION
         and HATCHING, CENTER for cutting planes and centre lines
   JSON  every line with its points, in the unit of the model, and the edges it is part of
@@ -143,7 +143,8 @@ edges as they are.
 below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.
 
 Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
-second; 3 stands for a line across the triangle, where the shell "other" passes through it. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
+second; 3 stands for a line across the triangle, where the shell "other" passes through it. Shells are numbered from
+0 in the order of their first triangles. 'zbr pick' uses the same numbers.
 )";
 
 constexpr const char* kExit =

@@ -36,8 +36,8 @@ struct DrawingOptions {
   bool curves = true;              // runs along circles of the model, in Chain::curves
   bool intersections = true;       // lines where surfaces pass through each other, found once for all views
   bool tangents = true;            // smooth edges at which a fillet ends; of these never the hidden parts
-  bool smoothSilhouettes = false;  // of the surface that the facets stand for, not of the facets
-  bool centreLines = false;        // of circles, in ViewLines::centres
+  bool smoothSilhouettes = false;  // of the surface that the facets stand for, not of the facets; not in sections and perspectives
+  bool centreLines = false;        // of circles, in ViewLines::centres; not in perspectives
   bool outlines = false;           // what nearer objects leave visible of each object, in ViewLines::outlines
   unsigned threads = 1;            // views are worked on at once, and the triangles of each with the threads left over
 

@@ -412,6 +412,25 @@ TEST(Region, StopsWhenProgressSaysSo) {
   FAIL() << "never came to an end";
 }
 
+TEST(Region, SweepOfRightAngledOperandsStopsToo) {
+  ZBR_REGION bars, beams;
+  for (int i = 0; i < 40; ++i) {
+    const double low = 2 * i + 0.5, high = low + 1;
+    bars.AddRing({{low, 0}, {high, 0}, {high, 80}, {low, 80}});
+    beams.AddRing({{0, low}, {80, low}, {80, high}, {0, high}});
+  }
+  beams.AddRing({{100, 0}, {101, 0}, {101, 1}, {100, 1}});
+  bars.AddRing({{101, 0}, {102, 0}, {102, 1}, {101, 1}});  // along an edge, which is not for the walk
+  ZBR_REGION_OPTIONS options;
+  int left = 4;
+  options.progress_data = &left;
+  options.progress = [](double share, void* data) { return share < 1.0 && --*static_cast<int*>(data) > 0; };
+  const ZBR_BOOLEAN_OPE op = ZBR_BOOL_XOR;
+  ZBR_REGION result = bars;
+  EXPECT_EQ(zbrCombineRegions(bars.view(), beams.view(), &op, &result, 1, options).code, ZBR_REGION_STOPPED);
+  EXPECT_TRUE(result.empty() && left == 0);
+}
+
 TEST(Region, ProgressOfManyPairsGoesOn) {
   const std::vector<ZBR_REGION> regions(9, RegionOf({Square(0, 0, 2)}));
   std::vector<ZBR_REGION_VIEW> views;
