@@ -412,6 +412,16 @@ TEST(Region, StopsWhenProgressSaysSo) {
   FAIL() << "never came to an end";
 }
 
+// The calling thread's tolerance says nothing about them.
+TEST(Region, UnionsOfRingsSmallerThanTheTolerance) {
+  for (const double size : {1.0, 1e-5, 1e-7, 1e-12}) {
+    const ZBR_REGION a = RegionOf({{{0, 0}, {size, 0}, {size, size}, {0, size}}});
+    const ZBR_REGION b = RegionOf({{{size, 0}, {2 * size, 0}, {2 * size, size}, {size, size}}});
+    const double area = zbrUniteRegions({a, b}).area();
+    EXPECT_NEAR(area, 2 * size * size, 1e-6 * size * size) << size;
+  }
+}
+
 TEST(Region, SweepOfRightAngledOperandsStopsToo) {
   ZBR_REGION bars, beams;
   for (int i = 0; i < 40; ++i) {
