@@ -24,8 +24,13 @@ std::vector<std::uint32_t> Partners(const Cuts& cuts) {
   for (std::size_t begin = 0, end = 0; begin < ends.size(); begin = end) {
     coming.clear();
     going.clear();
-    for (; end < ends.size() && names[ends[end]] == names[ends[begin]]; ++end)
-      (ends[end] % 2 == 1 ? coming : going).push_back(ends[end]);
+    for (; end < ends.size() && names[ends[end]] == names[ends[begin]]; ++end) {
+      if (ends[end] % 2 == 1) {
+        coming.push_back(ends[end]);
+      } else {
+        going.push_back(ends[end]);
+      }
+    }
     const std::size_t both = std::min(coming.size(), going.size());
     for (std::size_t i = 0; i < both; ++i) match(coming[i], going[i]);
     const std::vector<std::uint32_t>& rest = coming.size() > both ? coming : going;

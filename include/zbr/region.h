@@ -146,8 +146,8 @@ ZBR_API ZBR_REGION_STATUS zbrCombineRegions(const ZBR_REGION_VIEW& a, const ZBR_
 ZBR_API ZBR_REGION zbrCombineRegions(const ZBR_REGION& a, const ZBR_REGION& b, ZBR_BOOLEAN_OPE op,
                                      const ZBR_REGION_OPTIONS& options = {});
 
-// Many pairs: results[i] becomes what `op` says of a[i] and b[i]. The same as a call for each, faster for small ones. The status is that of
-// the first pair that fails; the others are formed all the same.
+// Many pairs: results[i] becomes what `op` says of a[i] and b[i]. The same as a call for each, faster for small ones. The status is
+// that of the first pair that fails; the others are formed all the same.
 ZBR_API ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGION_VIEW* b, std::size_t count,
                                                 ZBR_BOOLEAN_OPE op, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options = {});
 
