@@ -125,8 +125,8 @@ ZBR_REGION RegionFor(const std::vector<Ring>& rings) {
 }
 
 void Copies(int n) {  // one ring many times
-  zbrCombineRegions(RegionFor(std::vector<Ring>(static_cast<std::size_t>(n), Square(0, 0, 4))), RegionFor({Square(1, 1, 4)}),
-                    ZBR_BOOL_OR);
+  const Ring diamond = {{2, 0}, {4, 2}, {2, 4}, {0, 2}};
+  zbrCombineRegions(RegionFor(std::vector<Ring>(static_cast<std::size_t>(n), diamond)), RegionFor({Square(1, 1, 4)}), ZBR_BOOL_OR);
 }
 
 void CopiesUnited(int n) {
