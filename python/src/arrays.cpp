@@ -73,7 +73,7 @@ PyObject* AsArray() {
     throw PythonError();
   }
   const Ref text = value != nullptr ? Ref::Own(PyObject_Str(value)) : Ref();
-  PyErr_Format(PyExc_ValueError, "%s: not an array of numbers (%U)", name, text ? text.get() : Py_None);
+  PyErr_Format(PyExc_ValueError, "%s: not an array of numbers (%S)", name, text ? text.get() : Py_None);
   throw PythonError();
 }
 
@@ -215,9 +215,9 @@ void AddArrayType(PyObject* module) {
   };
   static PyType_Spec spec = {"zbr._zbr.Memory", sizeof(ArrayObject), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION,
                              slots};
-  const Ref type = Ref::Own(PyType_FromSpec(&spec));
-  arrayType = reinterpret_cast<PyTypeObject*>(type.get());
-  if (PyModule_AddObjectRef(module, "Memory", type.get()) < 0) throw PythonError();
+  PyObject* const type = Ref::Own(PyType_FromSpec(&spec)).release();  // kept for good
+  arrayType = reinterpret_cast<PyTypeObject*>(type);
+  if (PyModule_AddObjectRef(module, "Memory", type) < 0) throw PythonError();
 }
 
 }  // namespace zbr::python
