@@ -58,9 +58,10 @@ class Region(_zbr.Region):
         """
         if isinstance(thing, Region):
             return thing
-        if isinstance(thing, str):
+        arrays = _geo.arrays_of_wkt(thing) if isinstance(thing, str) else _geo.arrays_of(thing)
+        if arrays is None:
             return _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)[0]
-        coords, rings, polygons = _geo.arrays_of(thing)
+        coords, rings, polygons = arrays
         return cls(coords, rings, polygons, fill=fill)
 
     @property
@@ -166,7 +167,11 @@ class Regions(_zbr.Regions):
         first, last, step = index.indices(len(self))
         if step != 1:
             return Regions.of(self[i] for i in range(first, last, step))
-        return Regions(self.coords, self.rings, self.polygons, self.regions[first : max(first, last) + 1], valid=True)
+        regions = self.regions[first : max(first, last) + 1]  # of all that is handed over a copy is made: only what is needed
+        polygons = self.polygons[regions[0] : regions[-1] + 1]
+        rings = self.rings[polygons[0] : polygons[-1] + 1]
+        coords = self.coords[rings[0] : rings[-1]]
+        return Regions(coords, rings - rings[0], polygons - polygons[0], regions - regions[0], valid=True)
 
     def __iter__(self) -> Iterator[Region]:
         return (self[i] for i in range(len(self)))
