@@ -46,7 +46,8 @@ void TranslateException() noexcept {
   } catch (const drawing::Failure& e) {
     try {
       SetFailure(e);
-    } catch (const PythonError&) {  // no memory for the message, most likely
+    } catch (...) {  // no memory for the message, most likely
+      if (PyErr_Occurred() == nullptr) PyErr_NoMemory();
     }
   } catch (const std::bad_alloc&) {
     PyErr_NoMemory();

@@ -98,7 +98,7 @@ PyObject* Coords(PyObject* self, void*) noexcept {
 }
 
 Ref OffsetArray(const RegionPtr& data, const std::vector<std::int32_t>& offsets) {
-  static const std::int32_t zero = 0;  // what was moved from has no offsets
+  static const std::int32_t zero = 0;  // where there are no sources, there are no offsets of them
   return offsets.empty() ? MakeArray(data, &zero, {1}) : MakeArray(data, offsets.data(), {offsets.size()});
 }
 
