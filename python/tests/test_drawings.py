@@ -140,6 +140,8 @@ def test_drawings_of_others():
     text = io.StringIO()
     document.write(text)
     data = text.getvalue().encode()
+    with pytest.warns(UserWarning, match="do not close"):
+        assert not zbr.read("x.wkt", data=b"CURVEPOLYGON ((0 0, 1 0, 1 1))")
     assert zbr.read("x.dxf", data=data).area == pytest.approx(16 + 4 * np.pi, rel=1e-2)
     assert zbr.read("x.dxf", data=data, layers=["square"]).area == 16
     assert zbr.read("x.dxf", data=data, deviation=1e-6, layers=["0"]).area == pytest.approx(4 * np.pi, rel=1e-5)

@@ -168,6 +168,7 @@ def test_senseless_arguments_are_errors(coords, ring_offsets, polygons, regions,
     (lambda: zbr.Region.of(b"\x01\x03\x00\x00\x00\xff\xff\xff\xff"), "WKB: "),
     (lambda: zbr.Region.of("POLYGON ((0 0"), "WKT:1: "),
     (lambda: zbr.Region.of("POLYGON ((0 0, 1 0, 1 x))"), "WKT:1: "),
+    (lambda: zbr.Region.of("GEOMETRYCOLLECTION (POLYGON ((0 0, 1 0, 1 1)))"), "WKT: rings"),
     (lambda: zbr.Region.of("LINESTRING (0 0, 1 0, 1 1)"), "WKT: polygons are needed"),
 ])
 def test_errors_name_the_argument(call, name):

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import os
 import secrets
+import warnings
 from pathlib import Path
 from typing import Any, Mapping
 
@@ -35,14 +36,17 @@ def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str
     data: the contents, of which `file` is the name for messages. format: what the name does not tell. Options for regions:
     deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join (ends of
     lines at most this far apart belong together), fill (what is inside: evenodd, nonzero, positive, negative), layers (names);
-    for both: progress. Raises Failure, which is a ValueError and tells file, line and cause.
+    for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and tells file, line and cause.
     """
     kind = (format or Path(os.fsdecode(file)).suffix[1:]).lower()
     if kind in MESHES:
         return _zbr.read_mesh(file, data, format=kind, **options)
     if format is None and kind not in DRAWINGS:
         return _read_unknown(file, data)
-    return _zbr.read_region(file, data=data, format=DRAWINGS.get(kind, format), **options)[0]
+    region, _, unclosed = _zbr.read_region(file, data=data, format=DRAWINGS.get(kind, format), **options)
+    if unclosed > 0:
+        warnings.warn(f"{os.fsdecode(file)}: contours that do not close are left out: {unclosed}", stacklevel=2)
+    return region
 
 
 def _read_unknown(file: str | os.PathLike[str], data: bytes | None) -> Any:

@@ -60,7 +60,10 @@ class Region(_zbr.Region):
             return thing
         arrays = _geo.arrays_of_wkt(thing) if isinstance(thing, str) else _geo.arrays_of(thing)
         if arrays is None:
-            return _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)[0]
+            region, _, unclosed = _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)
+            if unclosed > 0:
+                raise ValueError(f"WKT: rings have to be closed, and {unclosed} are not")
+            return region
         coords, rings, polygons = arrays
         return cls(coords, rings, polygons, fill=fill)
 
