@@ -26,10 +26,14 @@ FORMAT = ".svg"
 def draw(model: str, sheet: str, views: list[str], limit: float) -> str:
     """Draws one model; an empty answer, or what was wrong with it."""
     deadline = time.monotonic() + limit
+
+    def goes_on(share: float) -> bool:
+        return time.monotonic() < deadline
+
     try:
-        drawings = zbr.read(model).draw_views(views, progress=lambda share: time.monotonic() < deadline)
+        drawings = zbr.read(model, progress=goes_on).draw_views(views, progress=goes_on)
         Path(sheet).parent.mkdir(parents=True, exist_ok=True)
-        zbr.sheet(drawings).save(sheet)
+        zbr.sheet(drawings, progress=goes_on).save(sheet)
     except zbr.Cancelled:
         return f"took longer than {limit:g} s"
     except (ValueError, OSError, MemoryError) as error:

@@ -91,7 +91,7 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
 }
 
 void AddOutlines(DxfDocument& document, const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects) {
-  for (std::size_t k = 0; k < view.lines.outlines.size(); ++k) {
+  for (std::size_t k = 0; k < std::min(view.lines.outlines.size(), objects.size()); ++k) {
     ForEachRing(view.lines.outlines[k], [&](const ZBR_LOOP& ring) {
       std::vector<ZBR_PT> points;
       for (const ZBR_PT& p : ring.pt()) points.push_back(sheet.OnPaper(view, p));

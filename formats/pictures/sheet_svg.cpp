@@ -7,6 +7,8 @@
 #include "formats/pictures/sheet_path.h"
 #include "formats/pictures/svg_text.h"
 
+#include <algorithm>
+
 namespace zbr::formats {
 namespace {
 
@@ -93,7 +95,7 @@ std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, 
 // What each object covers, below all lines. A hairline of the same shade closes the seams that smoothing leaves between neighbours.
 std::string FillGroup(const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects, const SheetPage& page) {
   std::string paths;
-  for (std::size_t k = 0; k < view.lines.outlines.size(); ++k) {
+  for (std::size_t k = 0; k < std::min(view.lines.outlines.size(), objects.size()); ++k) {
     const std::string data = RingsData(sheet, view, view.lines.outlines[k], page);
     if (data.empty()) continue;
     paths += "<path" + Attribute("id", ViewId(view) + "-fill-" + std::to_string(k)) + Attribute("fill", ShadeText(k)) +

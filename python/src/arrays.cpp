@@ -38,8 +38,8 @@ int GetBuffer(PyObject* self, Py_buffer* view, int flags) {
   view->itemsize = array->itemSize;
   view->format = (flags & PyBUF_FORMAT) != 0 ? const_cast<char*>(array->format) : nullptr;
   view->ndim = array->dimensions;
-  view->shape = const_cast<Py_ssize_t*>(array->shape);
-  view->strides = const_cast<Py_ssize_t*>(array->strides);
+  view->shape = (flags & PyBUF_ND) != 0 ? const_cast<Py_ssize_t*>(array->shape) : nullptr;
+  view->strides = (flags & PyBUF_STRIDES) == PyBUF_STRIDES ? const_cast<Py_ssize_t*>(array->strides) : nullptr;
   view->suboffsets = nullptr;
   view->internal = nullptr;
   return 0;
@@ -50,16 +50,14 @@ void DeleteArray(PyObject* self) {
   FreeObject(self);
 }
 
-// A function of NumPy, looked up once.
+// A function of NumPy, kept for good. Looked up when the module is made: an import within a call may wait for another thread's.
 PyObject* NumPy(const char* name) {
   const Ref module = Ref::Own(PyImport_ImportModule("numpy"));
   return Ref::Own(PyObject_GetAttrString(module.get(), name)).release();
 }
 
-PyObject* AsArray() {
-  static PyObject* const function = NumPy("asarray");
-  return function;
-}
+PyObject* asArray = nullptr;
+PyObject* asContiguousArray = nullptr;
 
 // Puts the argument's name before what NumPy says of it.
 [[noreturn]] void RethrowNaming(const char* name) {
@@ -73,13 +71,13 @@ PyObject* AsArray() {
     throw PythonError();
   }
   const Ref text = value != nullptr ? Ref::Own(PyObject_Str(value)) : Ref();
-  PyErr_Format(PyExc_ValueError, "%s: not an array of numbers (%U)", name, text ? text.get() : Py_None);
+  PyErr_Format(PyExc_ValueError, "%s: not an array of numbers (%S)", name, text ? text.get() : Py_None);
   throw PythonError();
 }
 
 // What numpy.asarray makes of the object, and the kind of its items.
 Ref Converted(PyObject* object, const char* name, char& kind) {
-  PyObject* const converted = PyObject_CallFunctionObjArgs(AsArray(), object, nullptr);
+  PyObject* const converted = PyObject_CallFunctionObjArgs(asArray, object, nullptr);
   if (converted == nullptr) RethrowNaming(name);
   Ref array = Ref::Own(converted);
   const Ref type = Ref::Own(PyObject_GetAttrString(array.get(), "dtype"));
@@ -91,8 +89,7 @@ Ref Converted(PyObject* object, const char* name, char& kind) {
 
 // The array with items of another type, contiguous.
 Ref Cast(const Ref& array, const char* type) {
-  static PyObject* const function = NumPy("ascontiguousarray");
-  return Ref::Own(PyObject_CallFunction(function, "Os", array.get(), type));
+  return Ref::Own(PyObject_CallFunction(asContiguousArray, "Os", array.get(), type));
 }
 
 std::string ShapeText(const Ref& array) {
@@ -204,10 +201,12 @@ Ref MakeArray(std::shared_ptr<const void> owner, const void* data, const char* f
   array->strides[0] = array->itemSize * (shape.columns == 0 ? 1 : array->shape[1]);
   array->strides[1] = array->itemSize;
   array->writable = shape.writable;
-  return Ref::Own(PyObject_CallFunctionObjArgs(AsArray(), holder.get(), nullptr));
+  return Ref::Own(PyObject_CallFunctionObjArgs(asArray, holder.get(), nullptr));
 }
 
 void AddArrayType(PyObject* module) {
+  asArray = NumPy("asarray");
+  asContiguousArray = NumPy("ascontiguousarray");
   static PyType_Slot slots[] = {
       {Py_tp_dealloc, reinterpret_cast<void*>(DeleteArray)},
       {Py_bf_getbuffer, reinterpret_cast<void*>(GetBuffer)},
@@ -215,9 +214,9 @@ void AddArrayType(PyObject* module) {
   };
   static PyType_Spec spec = {"zbr._zbr.Memory", sizeof(ArrayObject), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION,
                              slots};
-  const Ref type = Ref::Own(PyType_FromSpec(&spec));
-  arrayType = reinterpret_cast<PyTypeObject*>(type.get());
-  if (PyModule_AddObjectRef(module, "Memory", type.get()) < 0) throw PythonError();
+  PyObject* const type = Ref::Own(PyType_FromSpec(&spec)).release();  // kept for good
+  arrayType = reinterpret_cast<PyTypeObject*>(type);
+  if (PyModule_AddObjectRef(module, "Memory", type) < 0) throw PythonError();
 }
 
 }  // namespace zbr::python

@@ -3,7 +3,8 @@
 // Idea: the work runs on a thread of its own; the calling thread waits, looks for signals and tells the caller's progress function
 // every few hundredths of a second. Small work runs on the calling thread, where starting another would cost more than it.
 // Difficulty: not every stage of the work asks whether it shall go on. A call that is interrupted waits for its work only a moment,
-// then leaves it to itself: it owns all it reads and writes, never touches Python, and ends at its next question.
+// then leaves it to itself: it owns all it reads and writes, never touches Python, and ends at its next question. The end of the
+// process waits for it, as it would else read what is being destroyed.
 #pragma once
 
 #include "python/src/refs.h"
@@ -49,6 +50,11 @@ class Monitor {
 // What the calling thread and the one that works share, but for the result.
 class CallState {
  public:
+  CallState();
+  ~CallState();
+  CallState(const CallState&) = delete;
+  CallState& operator=(const CallState&) = delete;
+
   Monitor monitor;
   std::exception_ptr error;
 
@@ -64,8 +70,10 @@ class CallState {
   std::mutex mutex_;
   std::condition_variable changed_;
   bool isDone_ = false;
-  double told_ = -1.0;
 };
+
+// Tells all calls to end and waits for them, but not for ever; for the end of the process, without Python.
+void EndCalls();
 
 // Calls with less work than this, in points, take less than a millisecond or so.
 inline constexpr std::size_t kSmallCall = 1000;

@@ -49,14 +49,11 @@ struct Request {
 
 // Sections are known by letters, in their order.
 void AddView(PyObject* object, bool yUp, std::vector<drawing::NamedDirection>& views) {
-  static constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";
   drawing::NamedDirection view = ViewOf(object, yUp);
   if (view.section) {
     const auto before =
         static_cast<std::size_t>(std::count_if(views.begin(), views.end(), [](const auto& v) { return v.section.has_value(); }));
-    if (before >= kLetters.size())
-      throw BadArgument("views", "there are letters for " + std::to_string(kLetters.size()) + " sections only");
-    view.name = {kLetters[before], '-', kLetters[before]};
+    view.name = SectionName(before, "views");
   }
   views.push_back(std::move(view));
 }
@@ -212,6 +209,12 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
 }
 
 }  // namespace
+
+std::string SectionName(std::size_t i, const char* name) {
+  static constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+  if (i >= kLetters.size()) throw BadArgument(name, "there are letters for " + std::to_string(kLetters.size()) + " sections only");
+  return {kLetters[i], '-', kLetters[i]};
+}
 
 Picker::Picker(ModelPtr model, const drawing::View& view) : model_(std::move(model)), scene_(drawing::MakeScene(*model_, view)) {
   const ZBR_TmpEps hold(drawing::kSceneTolerance);

@@ -92,6 +92,9 @@ struct SheetData {
   std::size_t shells = 0;
 };
 
+// The name of the i-th section, "A-A" and so on; throws when there are no letters left. `name` is the argument's.
+std::string SectionName(std::size_t i, const char* name);
+
 // A name, a section ("X=10"), a direction of looking, or that and what is up.
 drawing::NamedDirection ViewOf(PyObject* object, bool yUp);
 

@@ -6,6 +6,7 @@
 
 #include "python/src/refs.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <string>
@@ -38,16 +39,20 @@ class Holder {
     FreeObject(self);
   }
 
-  // `name` is that of the type in the module. The slots are without tp_dealloc, and the last one is empty.
+  // `name` is that of the type in the module, which is kept for good. The slots are without tp_dealloc, and the last one is empty.
+  // Without tp_new there are only objects that functions of the module made: what object.__new__ makes would hold nothing.
   template <std::size_t N>
   static void AddType(PyObject* module, const char* name, const char* qualified, const PyType_Slot (&slots)[N]) {
-    PyType_Slot all[N + 1];
-    all[0] = {Py_tp_dealloc, reinterpret_cast<void*>(Delete)};
-    for (std::size_t i = 0; i < N; ++i) all[i + 1] = slots[i];
+    const bool isMade = std::any_of(slots, slots + N, [](const PyType_Slot& slot) { return slot.slot == Py_tp_new; });
+    PyType_Slot all[N + 2];
+    std::size_t count = 0;
+    all[count++] = {Py_tp_dealloc, reinterpret_cast<void*>(Delete)};
+    if (!isMade) all[count++] = {Py_tp_new, reinterpret_cast<void*>(Refuse)};
+    std::copy(slots, slots + N, all + count);
     PyType_Spec spec = {qualified, sizeof(Object), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, all};
-    const Ref type = Ref::Own(PyType_FromSpec(&spec));
-    base_ = made_ = reinterpret_cast<PyTypeObject*>(type.get());
-    if (PyModule_AddObjectRef(module, name, type.get()) < 0) throw PythonError();
+    PyObject* const type = Ref::Own(PyType_FromSpec(&spec)).release();
+    base_ = made_ = reinterpret_cast<PyTypeObject*>(type);
+    if (PyModule_AddObjectRef(module, name, type) < 0) throw PythonError();
   }
 
   // The class of the package, if it is one made of this type; kept for good.
@@ -62,6 +67,14 @@ class Holder {
   struct Object {
     PyObject_HEAD Pointer data;
   };
+
+  static PyObject* Refuse(PyTypeObject* type, PyObject*, PyObject*) noexcept {
+    return Guarded([type] {
+      const Ref name = Ref::Own(PyType_GetName(type));
+      PyErr_Format(PyExc_TypeError, "%S: made by functions, as draw() and sheet() are, not by its name", name.get());
+      return Ref::Own(nullptr);
+    });
+  }
 
   static inline PyTypeObject* base_ = nullptr;
   static inline PyTypeObject* made_ = nullptr;

@@ -1,8 +1,11 @@
 // The module zbr._zbr, on which the package zbr stands.
 #include "python/src/arrays.h"
+#include "python/src/calls.h"
 #include "python/src/drawings.h"
 #include "python/src/modules.h"
 #include "python/src/regions.h"
+
+#include <new>
 
 namespace zbr::python {
 namespace {
@@ -25,6 +28,7 @@ PyObject* NewError(PyObject* module, const char* name, const char* qualified, co
 }
 
 void Fill(PyObject* module) {
+  if (Py_AtExit(EndCalls) != 0) throw std::bad_alloc();  // no room in Python's list of what to do then
   AddArrayType(module);
   AddRegionType(module);
   AddRegionsType(module);

@@ -5,17 +5,22 @@
 
 #include <new>
 #include <stdexcept>
+#include <string_view>
 
 namespace zbr::python {
 namespace {
 
+// Messages name files, whose names need not be UTF-8.
+Ref TextOf(std::string_view message) {
+  return Ref::Own(PyUnicode_DecodeUTF8(message.data(), static_cast<Py_ssize_t>(message.size()), "replace"));
+}
+
 // Sets file, line and cause as attributes, as far as they are known.
 void SetFailure(const drawing::Failure& failure) {
-  const Ref error = Ref::Own(PyObject_CallFunction(TheErrors().failure, "s", failure.what()));
+  const Ref error = Ref::Own(PyObject_CallFunctionObjArgs(TheErrors().failure, TextOf(failure.what()).get(), nullptr));
   const Ref file = failure.File().empty() ? None() : Ref::Own(PyUnicode_DecodeFSDefault(failure.File().c_str()));
   const Ref line = failure.Line() == 0 ? None() : Ref::Own(PyLong_FromSize_t(failure.Line()));
-  const Ref cause =
-      Ref::Own(PyUnicode_DecodeUTF8(failure.Cause().data(), static_cast<Py_ssize_t>(failure.Cause().size()), "replace"));
+  const Ref cause = TextOf(failure.Cause());
   if (PyObject_SetAttrString(error.get(), "file", file.get()) < 0 || PyObject_SetAttrString(error.get(), "line", line.get()) < 0 ||
       PyObject_SetAttrString(error.get(), "cause", cause.get()) < 0) {
     throw PythonError();
@@ -41,7 +46,8 @@ void TranslateException() noexcept {
   } catch (const drawing::Failure& e) {
     try {
       SetFailure(e);
-    } catch (const PythonError&) {  // no memory for the message, most likely
+    } catch (...) {  // no memory for the message, most likely
+      if (PyErr_Occurred() == nullptr) PyErr_NoMemory();
     }
   } catch (const std::bad_alloc&) {
     PyErr_NoMemory();

@@ -22,11 +22,11 @@ const RegionPtr& DataOf(PyObject* self) {
   return Objects::Of(self);
 }
 
-// The union of the polygons, or what all rings bound where none are given.
+// The union of the polygons, or what all rings bound where polygons are not given.
 RegionPtr ValidRegion(const RingArrays& arrays, const ZBR_REGION_OPTIONS& options) {
   const auto data = std::make_shared<RegionData>();
   const ZBR_REGION_VIEW all = arrays.view();
-  if (arrays.polygons.size() <= 2) {
+  if (arrays.polygons.empty()) {
     CheckStatus(MakeValid(all, data->region, options));
     return data;
   }
@@ -39,15 +39,19 @@ RegionPtr ValidRegion(const RingArrays& arrays, const ZBR_REGION_OPTIONS& option
     one.polygon_count = 0;
     one.point_count = static_cast<std::size_t>(one.ring_offsets[one.ring_count]);
   }
-  CheckStatus(zbrCoverRegions(polygons.data(), polygons.size(), 1, data->region, options));
+  CheckStatus(polygons.size() == 1 ? MakeValid(polygons.front(), data->region, options)
+                                   : zbrCoverRegions(polygons.data(), polygons.size(), 1, data->region, options));
   return data;
 }
 
 RegionPtr AsGiven(const RingArrays& arrays) {
   const auto data = std::make_shared<RegionData>();
+  const bool isOne = arrays.polygons.empty();
+  const auto begin = isOne ? 0 : static_cast<std::size_t>(arrays.polygons.front());
+  const auto end = isOne ? arrays.rings.size() - 1 : static_cast<std::size_t>(arrays.polygons.back());
   std::size_t polygon = 0;
-  for (std::size_t r = 0; r + 1 < arrays.rings.size(); ++r) {
-    bool starts = arrays.polygons.empty() && r == 0;
+  for (std::size_t r = begin; r < end; ++r) {
+    bool starts = isOne && r == 0;
     for (; polygon + 1 < arrays.polygons.size() && static_cast<std::size_t>(arrays.polygons[polygon]) <= r; ++polygon)
       starts = true;
     const auto first = static_cast<std::size_t>(arrays.rings[r]);
@@ -70,6 +74,8 @@ PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
     if (coords == nullptr) return Objects::Make(std::make_shared<RegionData>(), type);
     if (!(tolerance >= 0.0 && std::isfinite(tolerance))) throw BadArgument("tolerance", "a finite number of 0 or more is needed");
     RingArrays arrays(coords, rings, polygons);
+    if (arrays.rings.size() == 1 && !arrays.points.empty())
+      throw BadArgument("rings", "offsets are one more than there are rings; one bounds none, and there are points");
     ZBR_REGION_OPTIONS options;
     options.fill_a = FillRule(fill);
     options.tolerance = tolerance;
@@ -92,7 +98,7 @@ PyObject* Coords(PyObject* self, void*) noexcept {
 }
 
 Ref OffsetArray(const RegionPtr& data, const std::vector<std::int32_t>& offsets) {
-  static const std::int32_t zero = 0;  // what was moved from has no offsets
+  static const std::int32_t zero = 0;  // where there are no sources, there are no offsets of them
   return offsets.empty() ? MakeArray(data, &zero, {1}) : MakeArray(data, offsets.data(), {offsets.size()});
 }
 

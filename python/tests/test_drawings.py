@@ -61,14 +61,28 @@ def test_sections():
     section = zbr.Mesh.join([cube(2.0), cube(1.0, (5.0, 0.0, 0.0))]).section("Y=0.5")
     assert sorted(face.area for face in section.section_faces) == pytest.approx([1.0, 4.0])
     assert section.polylines(kind="cut") and section.name == "A-A"
-    views = cube(2.0).draw_views(["front", "X=1", "Z=0.5..1"])
+    cube_of_two = cube(2.0)
+    views = cube_of_two.draw_views(["front", "X=1", "Z=0.5..1"])
     assert [view.name for view in views] == ["front", "A-A", "B-B"] and "A-A" in zbr.sheet(views).svg()
     with pytest.raises(ValueError, match="^view: "):
         cube().section("X=")
+    apart = zbr.sheet([views[0], cube_of_two.section("X=1"), cube_of_two.section("Z=0.5")]).svg()
+    assert "A\u2013A" in apart and "B\u2013B" in apart
+
+
+def test_what_has_no_lines_cannot_be_made():
+    for kind in (zbr.Drawing, zbr.Sheet):
+        with pytest.raises(TypeError, match=kind.__name__):
+            kind()
+    two = zbr.Mesh.join([cube(), cube(1.0, (3.0, 0.0, 0.0))])
+    with pytest.raises(ValueError, match="^drawings: "):
+        zbr.sheet([cube().draw("front", outlines=True), two.draw("top", outlines=True)])
 
 
 def test_one_view_of_several_is_that_view():
     mesh = zbr.read(EXAMPLES / "housing.obj")
+    for look, name in (((0, 0, -2), "top"), ((0, 0, 1), "bottom")):
+        assert mesh.draw(look).coords.tobytes() == mesh.draw(name).coords.tobytes()
     together = mesh.draw_views(["front", "iso", ((1, 2, -1), (0, 0, 1))], threads=2)
     for view, drawing in zip(["front", "iso", (1, 2, -1)], together):
         alone = mesh.draw(view)
@@ -126,6 +140,8 @@ def test_drawings_of_others():
     text = io.StringIO()
     document.write(text)
     data = text.getvalue().encode()
+    with pytest.warns(UserWarning, match="do not close"):
+        assert not zbr.read("x.wkt", data=b"CURVEPOLYGON ((0 0, 1 0, 1 1))")
     assert zbr.read("x.dxf", data=data).area == pytest.approx(16 + 4 * np.pi, rel=1e-2)
     assert zbr.read("x.dxf", data=data, layers=["square"]).area == 16
     assert zbr.read("x.dxf", data=data, deviation=1e-6, layers=["0"]).area == pytest.approx(4 * np.pi, rel=1e-5)
@@ -143,6 +159,12 @@ def test_failures_tell_the_place(file, data, place):
     assert failure.value.file == place[0] and failure.value.cause and place[1] in (None, failure.value.line)
     with pytest.raises(zbr.Failure, match="No such file"):
         zbr.read("/nowhere/" + file)
+    with pytest.raises(zbr.Failure, match="No such file") as failure:  # a name that is no UTF-8
+        zbr.read(os.fsdecode(b"/nowhere/\xff" + file.encode()))
+    assert os.fsencode(failure.value.file) == b"/nowhere/\xff" + file.encode()
+    with pytest.raises(zbr.Failure, match="format=") as failure:
+        zbr.read("x.unknown")
+    assert failure.value.file == "x.unknown"
 
 
 @given(hnp.arrays(st.sampled_from(["f8", "f4", "i8"]), st.tuples(st.integers(0, 6), st.integers(2, 4))),

@@ -3,12 +3,14 @@
 from __future__ import annotations
 
 import os
-import tempfile
+import secrets
+import warnings
 from pathlib import Path
 from typing import Any, Mapping
 
 from . import _zbr
 from ._regions import Region
+from ._zbr import Failure
 
 DRAWINGS = {"dxf": "dxf", "geojson": "geojson", "json": "geojson", "wkt": "wkt", "txt": "text", "loops": "text"}
 MESHES = ("stl", "obj", "ply", "off", "gltf", "glb")
@@ -17,17 +19,15 @@ MESHES = ("stl", "obj", "ply", "off", "gltf", "glb")
 def written(path: str | os.PathLike[str], data: bytes) -> None:
     """Writes a file that is whole, or the one that was there before."""
     path = Path(path)
-    handle, name = tempfile.mkstemp(dir=path.parent, prefix=f".{path.name}.")
-    try:
-        with os.fdopen(handle, "wb") as file:
+    beside = path.with_name(f".{path.name}.{secrets.token_hex(8)}")
+    with open(beside, "xb") as file:
+        try:
             file.write(data)
-        mask = os.umask(0)
-        os.umask(mask)
-        os.chmod(name, 0o666 & ~mask)
-        os.replace(name, path)
-    except BaseException:
-        os.unlink(name)
-        raise
+            file.close()
+            os.replace(beside, path)
+        except BaseException:
+            os.unlink(beside)
+            raise
 
 
 def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str | None = None, **options: Any) -> Any:
@@ -36,12 +36,30 @@ def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str
     data: the contents, of which `file` is the name for messages. format: what the name does not tell. Options for regions:
     deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join (ends of
     lines at most this far apart belong together), fill (what is inside: evenodd, nonzero, positive, negative), layers (names);
-    for both: progress. Raises Failure, which is a ValueError and tells file, line and cause.
+    for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and tells file, line and cause.
     """
-    kind = (format or Path(file).suffix[1:]).lower()
+    kind = (format or Path(os.fsdecode(file)).suffix[1:]).lower()
     if kind in MESHES:
         return _zbr.read_mesh(file, data, format=kind, **options)
-    return _zbr.read_region(file, data=data, format=DRAWINGS.get(kind, format), **options)[0]
+    if format is None and kind not in DRAWINGS:
+        return _read_unknown(file, data)
+    region, _, unclosed = _zbr.read_region(file, data=data, format=DRAWINGS.get(kind, format), **options)
+    if unclosed > 0:
+        warnings.warn(f"{os.fsdecode(file)}: contours that do not close are left out: {unclosed}", stacklevel=2)
+    return region
+
+
+def _read_unknown(file: str | os.PathLike[str], data: bytes | None) -> Any:
+    """Fails with what the contents tell, or else with the formats that there are."""
+    try:
+        return _zbr.read_region(file, data=data)[0]
+    except Failure as failure:
+        if "--format" not in failure.cause:
+            raise
+        cause = f"the name does not tell the format; give format=, one of {', '.join((*MESHES, *DRAWINGS))}"
+        unknown = Failure(f"{failure.file}: {cause}")
+        unknown.file, unknown.line, unknown.cause = failure.file, failure.line, cause
+        raise unknown from None
 
 
 def write(path: str | os.PathLike[str], regions: Region | Mapping[str, Region], *, unit: str | None = None) -> None:

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import json
+import re
 import struct
 from typing import TYPE_CHECKING, Any
 
@@ -11,6 +13,10 @@ if TYPE_CHECKING:
     from ._regions import Region
 
 Arrays = tuple[Any, Any, Any]  # coordinates, offsets of rings, offsets of polygons or None
+
+_POLYGONS = re.compile(r"\s*(MULTI)?POLYGON\s*(?:Z|M|ZM)?\s*(\(.*\))\s*", re.IGNORECASE | re.DOTALL)
+_LINES = re.compile(r"\s*((?:MULTI)?(?:POINT|LINESTRING|CURVE)|CIRCULARSTRING|COMPOUNDCURVE)\b", re.IGNORECASE)
+_POINT = re.compile(r"([^\s(),]+)\s+([^\s(),]+)[^(),]*")
 
 
 def arrays_of(thing: Any) -> Arrays:
@@ -27,6 +33,20 @@ def arrays_of(thing: Any) -> Arrays:
     if hasattr(thing, "__geo_interface__"):
         return _joined(_polygons_of(thing.__geo_interface__))
     return _of_sequence(thing)
+
+
+def arrays_of_wkt(text: str) -> Arrays | None:
+    """The rings of a POLYGON or MULTIPOLYGON in their order; None for what the reader of files takes, or refuses."""
+    if lines := _LINES.match(text):
+        raise ValueError(f"WKT: polygons are needed, not {lines[1].upper()}")
+    match = _POLYGONS.fullmatch(text)
+    if match is None:
+        return None
+    lists = _POINT.sub(r"[\1,\2]", match[2]).replace("(", "[").replace(")", "]")
+    try:
+        return _joined(_polygons_of({"type": "MultiPolygon" if match[1] else "Polygon", "coordinates": json.loads(lists)}))
+    except (ValueError, TypeError, RecursionError):
+        return None
 
 
 def _of_sequence(thing: Any) -> Arrays:

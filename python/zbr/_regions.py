@@ -58,9 +58,13 @@ class Region(_zbr.Region):
         """
         if isinstance(thing, Region):
             return thing
-        if isinstance(thing, str):
-            return _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)[0]
-        coords, rings, polygons = _geo.arrays_of(thing)
+        arrays = _geo.arrays_of_wkt(thing) if isinstance(thing, str) else _geo.arrays_of(thing)
+        if arrays is None:
+            region, _, unclosed = _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)
+            if unclosed > 0:
+                raise ValueError(f"WKT: rings have to be closed, and {unclosed} are not")
+            return region
+        coords, rings, polygons = arrays
         return cls(coords, rings, polygons, fill=fill)
 
     @property
@@ -166,7 +170,11 @@ class Regions(_zbr.Regions):
         first, last, step = index.indices(len(self))
         if step != 1:
             return Regions.of(self[i] for i in range(first, last, step))
-        return Regions(self.coords, self.rings, self.polygons, self.regions[first : max(first, last) + 1], valid=True)
+        regions = self.regions[first : max(first, last) + 1]  # of all that is handed over a copy is made: only what is needed
+        polygons = self.polygons[regions[0] : regions[-1] + 1]
+        rings = self.rings[polygons[0] : polygons[-1] + 1]
+        coords = self.coords[rings[0] : rings[-1]]
+        return Regions(coords, rings - rings[0], polygons - polygons[0], regions - regions[0], valid=True)
 
     def __iter__(self) -> Iterator[Region]:
         return (self[i] for i in range(len(self)))
