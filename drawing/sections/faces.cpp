@@ -97,7 +97,8 @@ class ObjectCutter {
         (seen.closed ? closed[k] : open).push_back(std::move(seen));
       }
     }
-    for (SeenContour& contour : JoinContours(std::move(open), kGap * model_.Diagonal())) {
+    std::vector<SeenContour> joined = JoinContours(std::move(open), kGap * model_.Diagonal());
+    for (SeenContour& contour : joined) {
       const auto cut = std::lower_bound(cuts_.begin(), cuts_.end(), contour.shell,
                                         [](const ShellCut& c, std::uint32_t shell) { return c.shell < shell; });
       if (inPlane == InPlane::kAbove && contour.bridged) lines_.CountBridge();
