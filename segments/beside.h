@@ -21,7 +21,8 @@ namespace zbr {
 // the long one that are looked at.
 class Beside {
  public:
-  // Of two lists that are counted as one; refers to both. Coordinates are finite.
+  // Of two lists that are counted as one; refers to both. Coordinates are finite and below 1e75: products of four
+  // stay finite.
   Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width);
 
   const ZBR_SEG& At(std::size_t i) const { return i < first_.size() ? first_[i] : second_[i - first_.size()]; }

@@ -100,6 +100,16 @@ void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
   }
 }
 
+// A section alone on its sheet is one that the reader knows.
+void NoteUnmarked(const Sheet& sheet, Progress& progress) {
+  for (const PlacedView& view : sheet.views) {
+    if (sheet.views.size() > 1 && view.lines.section && !view.lines.section->isMarked)
+      progress.Note(view.lines.name +
+                    ": note: none of the views shows where its plane is; that takes one from the front, a side, above or below "
+                    "which sees the plane as a line");
+  }
+}
+
 // A crease angle that was chosen is not talked about.
 void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
   constexpr double kUsual = 30.0;
@@ -138,6 +148,7 @@ int RunDraw(const DrawOptions& options) {
 
   progress.Stage("writing");
   const Sheet sheet = LayOut(std::move(views), plan.sheet);
+  NoteUnmarked(sheet, progress);
   OutputFiles files;
   for (const SheetOutput& output : plan.outputs)
     files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount(), options.dxf));

@@ -6,6 +6,7 @@
 #include <zbr-formats/files.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "app/commands/outputs.h"
 #include "app/io/output_files.h"
@@ -56,17 +57,24 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   return sheet;
 }
 
-// Without the model only what the options themselves say is looked at.
-View EyeView(const DrawOptions& options, bool yUp, const ZBR_PT3& middle, bool known) {
+View EyeView(const DrawOptions& options, bool yUp, const ZBR_PT3& middle) {
   const ZBR_PT3 eye = ParseVector(options.eye, "--eye");
-  ZBR_PT3 at = known ? middle : eye + ZBR_PT3(1, 1, 1);
+  ZBR_PT3 at = middle;
   if (!options.look.empty()) {
     const ZBR_PT3 ahead = -LookView(options.look, options.up, yUp).toViewer;
     const double distance = ahead.InnerProduct(at - eye);
     at = eye + ahead * (distance > 0 ? distance : std::max(eye.Distance(at), 1e-6));
   }
-  const ZBR_PT3 up = options.up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(options.up, "--up");
-  return ForOption("--eye", [&] { return LookFrom(eye, at, up, options.fov); });
+  const auto up = options.up.empty() ? std::nullopt : std::optional(ParseVector(options.up, "--up"));
+  return ForOption("--eye", [&] { return LookFrom(eye, at, up ? *up : UsualUp(at - eye, yUp), options.fov); });
+}
+
+// What the options say for themselves, wherever the model is: seen from the side of what is upwards.
+void CheckEye(DrawOptions options) {
+  ParseVector(options.eye, "--eye");
+  options.eye = "0,0,0";
+  const ZBR_PT3 up = options.up.empty() ? ZBR_PT3(0, 0, 1) : ParseVector(options.up, "--up");
+  EyeView(options, false, std::abs(up.x()) <= std::max(std::abs(up.y()), std::abs(up.z())) ? ZBR_PT3(1, 0, 0) : ZBR_PT3(0, 1, 0));
 }
 
 // A-A, B-B and so on; some letters look like numbers.
@@ -119,8 +127,11 @@ std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFi
     views.push_back({name, ViewByName(name, yUp)});
   }
   if (!options.eye.empty()) {
-    const View view = EyeView(options, yUp, middle.value_or(ZBR_PT3()), middle.has_value());
-    views.push_back({kEye, view});
+    if (!middle) {
+      CheckEye(options);
+    } else {
+      views.push_back({kEye, EyeView(options, yUp, *middle)});
+    }
   } else if (!options.look.empty()) {
     views.push_back({kLook, LookView(options.look, options.up, yUp)});
   }

@@ -39,7 +39,7 @@ struct DrawPlan {
 DrawPlan PlanDraw(const DrawOptions& options);
 
 // Named views in the order given, then the one of --look or --eye, then sections; iso if there is none. `middle` is that of the
-// model; without it the view of --eye is left out. Fails on views named twice.
+// model; without it the view of --eye is checked and left out. Fails on views named twice.
 std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile, const std::optional<ZBR_PT3>& middle);
 
 }  // namespace tool

@@ -5,6 +5,7 @@
 #include <zbr-drawing/units.h>
 
 #include <algorithm>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -56,8 +57,8 @@ ZBR_PT3 ParseVector(const std::string& text, const std::string& option) {
 
 View LookView(const std::string& look, const std::string& up, bool yUp) {
   const ZBR_PT3 direction = ParseVector(look, "--look");
-  const ZBR_PT3 upward = up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(up, "--up");
-  return ForOption("--look", [&] { return LookAlong(direction, upward); });
+  const auto upward = up.empty() ? std::nullopt : std::optional(ParseVector(up, "--up"));
+  return ForOption("--look", [&] { return LookAlong(direction, upward ? *upward : UsualUp(direction, yUp)); });
 }
 
 View ViewByName(const std::string& name, bool yUp) {

@@ -32,26 +32,47 @@ std::vector<double> TurnsOf(const Model& model, const Circles& circles) {
   return turns;
 }
 
+// Marks the circles that have an edge at one of the vertices.
+void MarkAt(const Model& model, const Circles& circles, const std::vector<std::vector<bool>>& vertices, std::vector<bool>& drawn) {
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    if (vertices[s].empty()) continue;
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+      const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + static_cast<std::size_t>(e)];
+      if (k == kNoCircle) continue;
+      for (const ZBR_ZBREPV* const v : {shell.GetEdge(e)->GetVertex0(), shell.GetEdge(e)->GetVertex1()}) {
+        if (vertices[s][static_cast<std::size_t>(v->GetIndex())]) drawn[k] = true;
+      }
+    }
+  }
+}
+
 // The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place;
-// then the silhouettes of the cylinder tell of them, whose triangles are at its rims.
+// then the silhouettes of the cylinder tell of them, which run from rim to rim: along edges, or across the triangles between.
 std::vector<bool> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
   std::uint32_t most = 0;
   for (const std::uint32_t t : model.source) most = std::max(most, t);
   std::vector<std::uint32_t> place(std::size_t{most} + 1);  // in the model, by the place in the mesh
   for (std::uint32_t t = 0; t < model.TriangleCount(); ++t) place[model.source[t]] = t;
   std::vector<bool> drawn(circles.all.size());
+  std::vector<std::vector<bool>> touched(model.ShellCount());  // vertices by shell, where there are any
   for (const Line& line : view.lines) {
     for (const EdgeRef& ref : line.chain.edges) {
-      if (ref.edge == EdgeRef::kAcross) continue;
+      const bool isAcross = ref.edge == EdgeRef::kAcross;
+      if (isAcross && line.edgeClass != EdgeClass::kSilhouette) continue;
       const std::uint32_t t = place[ref.triangle], s = model.ShellOf(t);
       const ZBR_ZBREPT& triangle = *model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s]));
-      for (std::size_t i = 0; i < 3; ++i) {
-        if (i != ref.edge && line.edgeClass != EdgeClass::kSilhouette) continue;
-        const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + static_cast<std::uint32_t>(EdgeOf(triangle, i).GetIndex())];
+      if (isAcross || (line.edgeClass == EdgeClass::kSilhouette && !EdgeOf(triangle, ref.edge).GetShow())) {
+        touched[s].resize(static_cast<std::size_t>(model.Shell(s).GetVertexCnt()));
+        for (std::size_t i = 0; i < 3; ++i) touched[s][static_cast<std::size_t>(VertexOf(triangle, i).GetIndex())] = true;
+      } else {
+        const auto edge = static_cast<std::uint32_t>(EdgeOf(triangle, ref.edge).GetIndex());
+        const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + edge];
         if (k != kNoCircle) drawn[k] = true;
       }
     }
   }
+  MarkAt(model, circles, touched, drawn);
   return drawn;
 }
 

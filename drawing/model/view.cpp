@@ -72,6 +72,13 @@ View LookFrom(const ZBR_PT3& eye, const ZBR_PT3& at, const ZBR_PT3& up, double f
   return view;
 }
 
+ZBR_PT3 UsualUp(const ZBR_PT3& direction, bool yUp) {
+  const ZBR_PT3 up = yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1);
+  const ZBR_PT3 ahead = Direction(direction, "the direction of view");
+  if (ahead.OuterProduct(up).Length() >= kSmallestAngle) return up;
+  return NamedView(ahead.InnerProduct(up) < 0 ? "top" : "bottom", yUp)->up;
+}
+
 const std::vector<std::string>& ViewNames() {
   static const std::vector<std::string> kNames = [] {
     std::vector<std::string> names;

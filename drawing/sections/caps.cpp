@@ -33,7 +33,7 @@ class Sweep {
                  end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
       for (std::size_t i = begin; i < end; ++i) AddEdge(region.points()[i], region.points()[i + 1 < end ? i + 1 : begin]);
     }
-    std::sort(edges_.begin(), edges_.end(), [](const Edge& a, const Edge& b) { return a.low.y() < b.low.y(); });
+    std::stable_sort(edges_.begin(), edges_.end(), [](const Edge& a, const Edge& b) { return a.low.y() < b.low.y(); });
     std::sort(heights_.begin(), heights_.end());
     heights_.erase(std::unique(heights_.begin(), heights_.end()), heights_.end());
   }

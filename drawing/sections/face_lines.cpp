@@ -2,7 +2,9 @@
 #include "drawing/sections/face_lines.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
+#include <utility>
 
 namespace zbr::drawing {
 namespace {
@@ -47,19 +49,24 @@ void FaceLines::Note(const SeenContour& contour) {
   for (std::size_t i = 0; i < contour.points.size(); ++i) {
     const ZBR_PT &a = contour.points[i], &b = contour.points[(i + 1) % contour.points.size()];
     if (contour.triangles[i] == kNoTriangle) continue;
-    crossed_.push_back(Precedes(a, b) ? Crossed{a, b, contour.triangles[i]} : Crossed{b, a, contour.triangles[i]});
+    const auto [low, high] = Precedes(a, b) ? std::pair(a, b) : std::pair(b, a);
+    crossed_.push_back({low, high, contour.shell, contour.triangles[i]});
   }
   isSorted_ = false;
 }
 
-std::uint32_t FaceLines::TriangleAt(const ZBR_PT& a, const ZBR_PT& b) {
-  const auto key = [](const Crossed& c) { return std::tuple(c.a.x(), c.a.y(), c.b.x(), c.b.y()); };
-  const auto before = [&](const Crossed& c, const Crossed& d) { return key(c) < key(d); };
+std::uint32_t FaceLines::TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint32_t shell) {
+  const auto place = [](const Crossed& c) { return std::tuple(c.a.x(), c.a.y(), c.b.x(), c.b.y()); };
+  const auto before = [&](const Crossed& c, const Crossed& d) {
+    return std::pair(place(c), c.shell) < std::pair(place(d), d.shell);
+  };
   if (!isSorted_) std::stable_sort(crossed_.begin(), crossed_.end(), before);
   isSorted_ = true;
-  const Crossed wanted = Precedes(a, b) ? Crossed{a, b, 0} : Crossed{b, a, 0};
+  const Crossed wanted = Precedes(a, b) ? Crossed{a, b, shell, 0} : Crossed{b, a, shell, 0};
+  const auto isThere = [&](const Crossed& c) { return place(c) == place(wanted); };
   const auto found = std::lower_bound(crossed_.begin(), crossed_.end(), wanted, before);
-  return found != crossed_.end() && key(*found) == key(wanted) ? found->triangle : kNoTriangle;
+  if (found != crossed_.end() && isThere(*found)) return found->triangle;
+  return found != crossed_.begin() && isThere(*std::prev(found)) ? std::prev(found)->triangle : kNoTriangle;
 }
 
 void FaceLines::AddOpen(const SeenContour& contour) {
@@ -85,7 +92,8 @@ void FaceLines::AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_
   line.points.assign(region.points().begin() + static_cast<std::ptrdiff_t>(begin),
                      region.points().begin() + static_cast<std::ptrdiff_t>(end));
   line.points.push_back(line.points.front());
-  for (std::size_t i = 0; i + 1 < line.points.size(); ++i) line.triangles.push_back(TriangleAt(line.points[i], line.points[i + 1]));
+  for (std::size_t i = 0; i + 1 < line.points.size(); ++i)
+    line.triangles.push_back(TriangleAt(line.points[i], line.points[i + 1], shell));
   Finish(line);
 }
 
@@ -111,7 +119,7 @@ void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
           line.points.push_back(from);
         }
         line.points.push_back(to);
-        line.triangles.push_back(TriangleAt(a, b));
+        line.triangles.push_back(TriangleAt(a, b, face.shell));
       }
     }
     flush();

@@ -16,7 +16,9 @@ class FaceLines {
   // Points less than a billionth of `size` off a straight line are left out of it.
   explicit FaceLines(double size) : straight_(1e-9 * size) {}
 
-  // A contour's edges, by which those of faces find their triangles again.
+  // Forgets the contours noted: bodies in the same place may have the same cut.
+  void StartObject() { crossed_.clear(); }
+  // A contour's edges, by which those of the object's faces find their triangles again.
   void Note(const SeenContour& contour);
   // A cut that bounds nothing.
   void AddOpen(const SeenContour& contour);
@@ -35,13 +37,14 @@ class FaceLines {
   using Points = std::vector<ZBR_PT>;
   struct Crossed {
     ZBR_PT a, b;
-    std::uint32_t triangle;
+    std::uint32_t shell, triangle;
   };
 
   void AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_t shell);
   void AddRest(const SectionFace& face, const ZBR_REGION& cover);
   void Finish(SectionLine& line);
-  std::uint32_t TriangleAt(const ZBR_PT& a, const ZBR_PT& b);
+  // That of the shell or, as the edges of its hollows are of others, of any.
+  std::uint32_t TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint32_t shell);
 
   double straight_;
   std::vector<Crossed> crossed_;

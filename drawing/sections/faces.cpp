@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
 #include <utility>
 
 #include "drawing/sections/contours.h"
@@ -39,6 +40,20 @@ ZBR_REGION RegionOf(const std::vector<SeenContour>& contours, bool oriented) {
   return region;
 }
 
+// Of an open mesh that ends in a vertex in the plane.
+bool IsDot(const SeenContour& contour) {
+  return std::all_of(contour.points.begin(), contour.points.end(), [&](const ZBR_PT& p) { return p == contour.points.front(); });
+}
+
+struct Sized {
+  explicit Sized(ShellCut& c) : Sized(std::as_const(c)) { cut = &c; }
+  explicit Sized(const ShellCut& c) : area(c.inside[0].area()) { c.inside[0].GetBounds(xmin, ymin, xmax, ymax); }
+  bool Meets(const Sized& o) const { return xmin <= o.xmax && o.xmin <= xmax && ymin <= o.ymax && o.ymin <= ymax; }
+
+  ShellCut* cut = nullptr;
+  double area, xmin = 0, ymin = 0, xmax = 0, ymax = 0;
+};
+
 // The cuts of an object, one InPlane after the other.
 class ObjectCutter {
  public:
@@ -48,6 +63,7 @@ class ObjectCutter {
   std::vector<ShellCut> Run(std::size_t object) {
     cuts_.clear();
     heights_.clear();
+    lines_.StartObject();
     for (std::uint32_t s = model_.objectBegin[object]; s < model_.objectBegin[object + 1]; ++s) Look(s);
     const bool anyTouched = std::any_of(cuts_.begin(), cuts_.end(), [](const ShellCut& cut) { return cut.isTouched; });
     Cut(InPlane::kAbove);
@@ -77,11 +93,14 @@ class ObjectCutter {
     for (std::size_t k = 0; k < cuts_.size(); ++k) {
       for (const Contour& contour : CutShell(model_.Shell(cuts_[k].shell), heights_[k], inPlane)) {
         SeenContour seen = Seen(contour, cuts_[k].shell);
+        if (!seen.closed && IsDot(seen)) continue;
         (seen.closed ? closed[k] : open).push_back(std::move(seen));
       }
     }
-    for (SeenContour& contour : JoinContours(std::move(open), kGap * model_.Diagonal())) {
-      const auto cut = std::find_if(cuts_.begin(), cuts_.end(), [&](const ShellCut& c) { return c.shell == contour.shell; });
+    std::vector<SeenContour> joined = JoinContours(std::move(open), kGap * model_.Diagonal());
+    for (SeenContour& contour : joined) {
+      const auto cut = std::lower_bound(cuts_.begin(), cuts_.end(), contour.shell,
+                                        [](const ShellCut& c, std::uint32_t shell) { return c.shell < shell; });
       if (inPlane == InPlane::kAbove && contour.bridged) lines_.CountBridge();
       if (contour.closed) {
         closed[static_cast<std::size_t>(cut - cuts_.begin())].push_back(std::move(contour));
@@ -107,20 +126,36 @@ class ObjectCutter {
   }
 
   // A hollow is mostly inside; what two bodies that pass through each other have in common is not most of either.
+  ShellCut* BodyAround(const ShellCut& hollow, const std::vector<Sized>& bodies) const {
+    const Sized inner(hollow);
+    for (const Sized& body : bodies) {
+      if (body.area < inner.area || !body.Meets(inner)) continue;  // a body within the hollow may fill most of it
+      const ZBR_REGION common = zbrCombineRegions(body.cut->inside[0], hollow.inside[0], ZBR_BOOL_AND);
+      if (2 * common.area() > inner.area) return body.cut;
+    }
+    return nullptr;
+  }
+
   void TakeHollows() {
-    for (ShellCut& hollow : cuts_) {
-      if (model_.facing[hollow.shell] != Facing::kInward) continue;
-      ShellCut* around = nullptr;
-      for (ShellCut& body : cuts_) {
-        if (model_.facing[body.shell] != Facing::kOutward || body.inside[0].empty()) continue;
-        const ZBR_REGION common = zbrCombineRegions(body.inside[0], hollow.inside[0], ZBR_BOOL_AND);
-        if (2 * common.area() <= hollow.inside[0].area()) continue;
-        if (around == nullptr || body.inside[0].area() < around->inside[0].area()) around = &body;
-      }
-      if (around == nullptr) continue;
+    std::vector<Sized> bodies;  // the smallest first
+    for (ShellCut& cut : cuts_) {
+      if (model_.facing[cut.shell] == Facing::kOutward && !cut.inside[0].empty()) bodies.emplace_back(cut);
+    }
+    std::stable_sort(bodies.begin(), bodies.end(), [](const Sized& a, const Sized& b) { return a.area < b.area; });
+    std::map<ShellCut*, std::vector<ShellCut*>> hollows;  // by what is around them
+    for (ShellCut& cut : cuts_) {
+      if (model_.facing[cut.shell] != Facing::kInward) continue;
+      if (ShellCut* const around = BodyAround(cut, bodies)) hollows[around].push_back(&cut);
+    }
+    for (const auto& [around, within] : hollows) {
       for (std::size_t k = 0; k < 2; ++k) {
-        around->inside[k] = zbrCombineRegions(around->inside[k], hollow.inside[k], ZBR_BOOL_A_MINUS_B);
-        hollow.inside[k].Clear();
+        std::vector<ZBR_REGION> taken;
+        for (ShellCut* const hollow : within) {
+          taken.push_back(std::move(hollow->inside[k]));
+          hollow->inside[k].Clear();
+        }
+        const ZBR_REGION all = taken.size() == 1 ? std::move(taken.front()) : zbrUniteRegions(taken);
+        around->inside[k] = zbrCombineRegions(around->inside[k], all, ZBR_BOOL_A_MINUS_B);
       }
     }
   }

@@ -145,8 +145,8 @@ std::vector<Meeting> MeetingsOf(const ZBR_REGION& region, const Style& style, do
       meetings.push_back({line, along.InnerProduct(place), place});
     }
   });
-  std::sort(meetings.begin(), meetings.end(),
-            [](const Meeting& m, const Meeting& n) { return std::tie(m.line, m.along) < std::tie(n.line, n.along); });
+  std::stable_sort(meetings.begin(), meetings.end(),
+                   [](const Meeting& m, const Meeting& n) { return std::tie(m.line, m.along) < std::tie(n.line, n.along); });
   return meetings;
 }
 

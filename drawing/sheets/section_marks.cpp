@@ -1,9 +1,14 @@
 #include "drawing/sheets/section_marks.h"
 
+#include <zbr-drawing/failure.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace zbr::drawing {
@@ -79,9 +84,18 @@ PlacedView* ParentOf(Sheet& sheet, const SectionPlane& plane) {
   return found == sheet.views.end() ? nullptr : &*found;
 }
 
+// Of what is drawn: a section may be far smaller than the model.
+Extent DrawnExtent(const ViewLines& view) {
+  Extent drawn;
+  for (const Line& line : view.lines) {
+    for (const ZBR_PT& p : line.chain.points) drawn.Add(p);
+  }
+  return drawn.empty() ? view.extent : drawn;
+}
+
 void AddName(Sheet& sheet, const PlacedView& view) {
   const std::string& letter = view.lines.section->letter;
-  const Extent& e = view.lines.extent;
+  const Extent e = DrawnExtent(view.lines);
   const ZBR_PT top = sheet.OnPaper(view, ZBR_PT((e.xmin + e.xmax) / 2, e.ymax));
   constexpr double kLetters = 3;
   sheet.texts.push_back(
@@ -90,11 +104,31 @@ void AddName(Sheet& sheet, const PlacedView& view) {
 
 }  // namespace
 
+void NameSections(std::vector<ViewLines>& views) {
+  constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";  // without those that look like numbers
+  std::set<std::string, std::less<>> taken;
+  std::vector<ViewLines*> others;
+  for (ViewLines& view : views) {
+    if (view.section && !taken.insert(view.section->letter).second) others.push_back(&view);
+  }
+  for (ViewLines* const view : others) {
+    std::string& letter = view->section->letter;
+    const auto free =
+        std::find_if(kLetters.begin(), kLetters.end(), [&](const char& c) { return !taken.contains(std::string_view(&c, 1)); });
+    if (free == kLetters.end()) throw Failure("there are letters for " + std::to_string(kLetters.size()) + " sections only");
+    const bool isNamedByIt = view->name == letter + "-" + letter;
+    letter = *taken.emplace(1, *free).first;
+    if (isNamedByIt) view->name = letter + "-" + letter;
+  }
+}
+
 void AddSectionMarks(Sheet& sheet) {
   for (std::size_t v = 0; v < sheet.views.size(); ++v) {
     if (!sheet.views[v].lines.section) continue;
-    const SectionOfView section = *sheet.views[v].lines.section;
-    if (PlacedView* const parent = ParentOf(sheet, section.plane)) AddPlane(sheet, *parent, section);
+    SectionOfView& section = *sheet.views[v].lines.section;
+    PlacedView* const parent = ParentOf(sheet, section.plane);
+    section.isMarked = parent != nullptr;
+    if (parent != nullptr) AddPlane(sheet, *parent, section);
     AddName(sheet, sheet.views[v]);
   }
 }

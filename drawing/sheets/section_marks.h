@@ -3,6 +3,8 @@
 
 #include <zbr-drawing/sheet.h>
 
+#include <vector>
+
 namespace zbr::drawing {
 
 // In a view that sees a section's plane edge-on, the plane: a chain line with thick ends, arrows the way the section is looked at,
@@ -11,5 +13,8 @@ void AddSectionMarks(Sheet& sheet);
 
 // Room that marks take around views, in millimetres.
 inline constexpr double kSectionMarks = 15.0;
+
+// Gives sections whose letter is another's already a letter of their own. Fails when there are more sections than letters.
+void NameSections(std::vector<ViewLines>& views);
 
 }  // namespace zbr::drawing

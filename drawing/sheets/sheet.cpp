@@ -276,6 +276,7 @@ bool IsSideView(const std::string& name) {
 Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   Sheet sheet;
   sheet.options = options;
+  NameSections(views);
   const Grid grid(views, options.projection);
   for (ViewLines& view : views) sheet.views.push_back({std::move(view), {}});
   if (options.scale) {

@@ -42,6 +42,23 @@ double WidthAround(const Scene& scene, const Model& model, std::uint32_t t) {
   return width;
 }
 
+// How far a surface with this normal, outwards, turns to the viewer. One that is seen edge-on does not, whatever rounding says:
+// where it ends below in a crease there is nothing beyond that turns away, and the curve runs over it all the same.
+double Towards(const ZBR_PT3& normal, const View& view, Facing facing) {
+  const double towards = normal.InnerProduct(view.toViewer) * (facing == Facing::kInward ? -1.0 : 1.0);
+  return towards > kSceneTolerance * normal.Length() ? towards : std::min(towards, 0.0);
+}
+
+// Whether a triangle at the edge is seen edge-on.
+bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPE& edge, const View& view) {
+  for (const ZBR_ZBREPT* const t : {edge.GetTriangle0(), edge.GetTriangle1()}) {
+    if (t == nullptr) continue;
+    const ZBR_PT3& normal = model.normals[model.shellBegin[s] + static_cast<std::size_t>(t->GetIndex())];
+    if (std::abs(normal.InnerProduct(view.toViewer)) <= kSceneTolerance) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 SmoothSilhouettes::SmoothSilhouettes(const Model& model, const View& view) {
@@ -53,7 +70,7 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const View& vi
   const SmoothNormals normals = SmoothNormalsOf(model, s);
   std::vector<double> facing;
   facing.reserve(normals.all.size());
-  for (const ZBR_PT3& normal : normals.all) facing.push_back(normal.InnerProduct(view.toViewer));
+  for (const ZBR_PT3& normal : normals.all) facing.push_back(Towards(normal, view, model.facing[s]));
 
   Cuts cuts;
   std::vector<std::array<ZBR_PT3, 2>> places;  // of the ends of cuts
@@ -61,18 +78,21 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const View& vi
     const ZBR_ZBREPT& triangle = *shell.GetTriangle(t);
     std::array<double, 3> at{};
     for (std::size_t i = 0; i < 3; ++i) at[i] = facing[normals.ofCorner[static_cast<std::size_t>(t)][i]];
-    if ((at[0] < 0) == (at[1] < 0) && (at[1] < 0) == (at[2] < 0)) continue;
+    if ((at[0] > 0) == (at[1] > 0) && (at[1] > 0) == (at[2] > 0)) continue;
     std::array<std::uint32_t, 2> names{};
     std::array<ZBR_PT3, 2> ends;
     for (std::size_t i = 0; i < 3; ++i) {
       const std::size_t j = (i + 1) % 3;
-      if ((at[i] < 0) == (at[j] < 0)) continue;
-      const std::size_t side = at[i] < 0 ? 1 : 0;
+      if ((at[i] > 0) == (at[j] > 0)) continue;
+      const std::size_t side = at[i] > 0 ? 0 : 1;
       const ZBR_ZBREPE& edge = EdgeOf(triangle, i);
       // An edge at which the surface bends has an end for each of its triangles.
       names[side] = static_cast<std::uint32_t>(IsSmoothAcross(model, s, edge) ? edge.GetIndex()
                                                                               : shell.GetEdgeCnt() + 3 * t + static_cast<int>(i));
-      ends[side] = CrossingOf(VertexOf(triangle, i).GetPt(), at[i], VertexOf(triangle, j).GetPt(), at[j]);
+      // A wall seen edge-on ends at its upper edge, wherever normals that are interpolated down to its foot say that it does.
+      ends[side] = IsWall(model, s, edge, view)
+                       ? VertexOf(triangle, at[i] > 0 ? i : j).GetPt()
+                       : CrossingOf(VertexOf(triangle, i).GetPt(), at[i], VertexOf(triangle, j).GetPt(), at[j]);
     }
     cuts.Add(static_cast<std::uint32_t>(t), names[0], names[1]);
     places.push_back(ends);

@@ -25,8 +25,8 @@ struct Found {
 };
 
 void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines& view) {
-  view.section =
-      SectionOfView{direction.name.substr(0, 1), *direction.section, std::move(section.faces), section.openLines, section.bridged};
+  view.section = SectionOfView{direction.name.substr(0, 1), *direction.section, std::move(section.faces),
+                               section.openLines,           section.bridged,    false};
   std::vector<Line> cuts;
   for (SectionLine& outline : section.lines) {
     Line& line = cuts.emplace_back();
@@ -73,12 +73,12 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
   ViewLines lines = CollectLines(model, view.scene, hidden, curves ? &*found.circles : nullptr);
   lines.name = direction.name;
-  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
   lines.lines.insert(lines.lines.end(), unseen, silhouettes.end());
   silhouettes.erase(unseen, silhouettes.end());
   AddVisible(lines, std::move(silhouettes));
+  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   if (model.isRough) DropCrumbs(lines);
   if (!direction.section) return lines;
   lines.extent = view.whole;  // views of one model line up, whatever was cut away

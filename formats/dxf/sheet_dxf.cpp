@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 #include "formats/dxf/dxf_document.h"
 
@@ -125,6 +126,18 @@ void AddPieces(DxfDocument& document, const Path& path, const DxfPen& pen) {
   addStraight(edges);
 }
 
+// Fonts that are drawn with strokes have no en dash.
+std::string WithHyphens(std::string_view text) {
+  constexpr std::string_view kEnDash = "\xe2\x80\x93";
+  std::string written;
+  for (std::size_t at = 0; at < text.size();) {
+    const bool isDash = text.substr(at, kEnDash.size()) == kEnDash;
+    written += isDash ? '-' : text[at];
+    at += isDash ? kEnDash.size() : 1;
+  }
+  return written;
+}
+
 }  // namespace
 
 std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
@@ -137,7 +150,7 @@ std::string WriteSheetDxf(const Sheet& sheet, const std::vector<ObjectSource>& o
   }
   for (const SheetPath& path : sheet.paths) document.AddPolyline(path.points, path.closed, {path.wide ? kFrame : kTitle});
   for (const SheetCircle& circle : sheet.circles) document.AddCircle(circle.centre, circle.radius, {kTitle});
-  for (const SheetText& text : sheet.texts) document.AddText(text.at, text.height, text.text, {kTitle});
+  for (const SheetText& text : sheet.texts) document.AddText(text.at, text.height, WithHyphens(text.text), {kTitle});
   return document.Take();
 }
 

@@ -50,6 +50,14 @@ void AddHidden(PdfPage& page, const Sheet& sheet, const PlacedView& view) {
   }
 }
 
+void SetChain(PdfPage& page, const std::optional<std::array<double, 4>>& pattern) {
+  if (pattern) {
+    page.SetDashes(*pattern);
+  } else {
+    page.SetDashes(0, 0);
+  }
+}
+
 // The visible lines of a layer.
 void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view, std::size_t layer) {
   double width = layer == kVisibleLayer ? sheet.wide : sheet.thin;
@@ -58,6 +66,7 @@ void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view, std::
   for (const Line& line : view.lines.lines) {
     if (line.hidden || LayerOf(line.edgeClass) != layer) continue;
     if (sheet.WidthOf(line.edgeClass) != width) page.SetWidth(width = sheet.WidthOf(line.edgeClass));
+    if (layer == kCentreLayer) SetChain(page, ChainPattern(sheet, line));
     page.Stroke(sheet.OnPaper(view, line.chain));
   }
 }

@@ -51,6 +51,10 @@ View LookAlong(const ZBR_PT3& direction, const ZBR_PT3& up);
 // The view from an eye to a point, with `up` drawn upwards. Fails as LookAlong does, and for a field of view beyond 170 degrees.
 View LookFrom(const ZBR_PT3& eye, const ZBR_PT3& at, const ZBR_PT3& up, double fieldOfView = 0.0);
 
+// What is drawn upwards when nobody says: the axis of the model that points up; looking along that, what the views named top and
+// bottom have there. Fails when the direction is zero or not finite.
+ZBR_PT3 UsualUp(const ZBR_PT3& direction, bool yUp = false);
+
 // Names of the standard views: front, back, left, right, top, bottom, iso, dimetric. With z up, the front is seen along y, the
 // right side from positive x; with y up, the front is seen against z.
 const std::vector<std::string>& ViewNames();

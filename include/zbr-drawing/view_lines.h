@@ -54,6 +54,7 @@ struct SectionOfView {
   std::vector<SectionFace> faces;  // their outlines are among the view's lines, as EdgeClass::kCut
   std::size_t openLines = 0;       // of them: where the mesh is open, the cut does not close
   std::size_t bridged = 0;         // cuts that were closed across an opening of the mesh
+  bool isMarked = false;           // on a sheet: another of its views shows where the plane is
 };
 
 // In the unit of the model. The origin is the middle of the model's box: so the views of a sheet line up, and coordinates stay

@@ -85,6 +85,23 @@ TEST(Sections, HollowsInvertedBodiesAndOpenOnes) {
   const Mesh outer = Box({0, 0, 0}, {6, 6, 6}), inner = Box({1, 1, 1}, {5, 4, 5});
   EXPECT_DOUBLE_EQ(AreaOf(Both(outer, TurnedInsideOut(inner)), "Z=2"), 36.0 - 12.0);
   EXPECT_DOUBLE_EQ(AreaOf(TurnedInsideOut(outer), "Z=2"), 36.0);
+  // A body within the hollow that nearly fills it.
+  const Mesh core = Box({1.1, 1.1, 1.1}, {4.9, 3.9, 4.9});
+  EXPECT_NEAR(AreaOf(Both(Both(outer, TurnedInsideOut(inner)), core), "Z=2"), 36.0 - 12.0 + 3.8 * 2.8, 1e-12);
+  // Bodies in one place have their own triangles; a mesh that ends in a vertex in the plane is not cut.
+  Mesh twice = Both(outer, TurnedInsideOut(inner));
+  twice.objects = {{0, 0}, {static_cast<std::uint32_t>(twice.points.size()), static_cast<std::uint32_t>(twice.triangles.size())}};
+  Append(twice, outer);
+  for (const SectionLine& line : CutOf(twice, ParseSection("Z=2")).lines) {
+    for (const std::uint32_t t : line.triangles) EXPECT_EQ(line.shell < 2, t < 24) << line.shell;
+  }
+  Mesh tip;
+  tip.points = {{0, 0, 0}, {1, 0, 3}, {0, 1, 3}};
+  tip.triangles = {{0, 1, 2}};
+  for (const char* const plane : {"0,0,1=0", "0,0,-1=0"}) {
+    const SectionCut cut = CutOf(tip, ParseSection(plane));
+    EXPECT_EQ(cut.bridged + cut.openLines + cut.lines.size(), 0U) << plane;
+  }
   Mesh tube = outer;
   const auto isFront = [&](const std::array<std::uint32_t, 3>& t) {
     return std::all_of(t.begin(), t.end(), [&](std::uint32_t p) { return tube.points[p].y() == 0; });
@@ -213,6 +230,18 @@ TEST(Sections, HatchingFillsFacesAndTellsBodiesApart) {
     EXPECT_NEAR(length * spacing, face.region.area(), 0.02 * face.region.area());
   }
   EXPECT_GT(std::abs(angles[0] - angles[1]), 0.1);
+}
+
+TEST(Sections, LettersOfSectionsDrawnApart) {
+  const Model model = MakeModel(Box({0, 0, 0}, {4, 5, 6}), 30.0);
+  std::vector<ViewLines> views;
+  for (const char* const text : {"X=1", "Y=2", "X=3"}) {
+    const SectionPlane plane = ParseSection(text);
+    views.push_back(DrawViews(model, {{views.size() == 2 ? "B-B" : "A-A", SectionView(plane), plane}}, {}).front());
+  }
+  std::string names;
+  for (const PlacedView& view : LayOut(std::move(views), {}).views) names += view.lines.name + view.lines.section->letter;
+  EXPECT_EQ(names, "A-AAC-CCB-BB");
 }
 
 TEST(Sections, PlanesAsText) {

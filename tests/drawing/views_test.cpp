@@ -126,12 +126,49 @@ TEST(CentreLines, OfHolesAndBores) {
   EXPECT_TRUE(views[2].centres.marks.empty() && views[2].centres.axes.empty());
   options.hidden = HiddenLines::kNone;  // then what is not seen has no axis
   EXPECT_TRUE(DrawViews(model, {{"front", *NamedView("front")}}, options).front().centres.axes.empty());
+  options.hidden = HiddenLines::kInPrincipalViews;  // curves in the place of the holes' facets tell of them as well
+  options.smoothSilhouettes = true;
+  EXPECT_EQ(DrawViews(model, {{"front", *NamedView("front")}}, options).front().centres.axes.size(), 3U);
   const Sheet sheet = LayOut(std::move(views), {});
   std::size_t lines = 0;
   for (const PlacedView& view : sheet.views)
     lines += static_cast<std::size_t>(std::count_if(view.lines.lines.begin(), view.lines.lines.end(),
                                                     [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; }));
   EXPECT_EQ(lines, 4U * 2 + 3);
+}
+
+// However the facets of the bore are divided, and from whichever side it is seen.
+TEST(CentreLines, OfABoreWithAnyDiagonals) {
+  DrawingOptions options;
+  options.centreLines = true;
+  for (unsigned ways = 0; ways < 8; ++ways) {
+    constexpr std::uint32_t kSides = 48;
+    Mesh tube;
+    for (std::uint32_t i = 0; i < kSides; ++i) {
+      const double a = i * 2 * 3.14159265358979 / kSides;
+      for (const double radius : {3.0, 5.0}) {
+        for (const double z : {0.0, 4.0}) tube.points.emplace_back(radius * std::cos(a), radius * std::sin(a), z);
+      }
+    }
+    for (std::uint32_t i = 0; i < kSides; ++i) {
+      const std::uint32_t p = 4 * i, q = 4 * ((i + 1) % kSides);
+      const bool turned = ((ways >> i % 3) & 1U) != 0;
+      const auto add = [&](std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d) {
+        tube.triangles.push_back({a, b, turned ? d : c});
+        tube.triangles.push_back({turned ? b : a, c, d});
+      };
+      add(p, p + 1, q + 1, q);
+      add(p + 3, p + 2, q + 2, q + 3);
+      add(p + 2, p, q, q + 2);
+      add(p + 1, p + 3, q + 3, q + 1);
+    }
+    const Model model = MakeModel(tube, 30.0);
+    for (const char* const name : {"front", "left", "right"}) {
+      const Centres centres = DrawViews(model, {{name, *NamedView(name)}}, options).front().centres;
+      ASSERT_EQ(centres.axes.size(), 1U) << name << ways;
+      EXPECT_NEAR(centres.axes[0].from.Distance(centres.axes[0].to), 4, 1e-5) << name << ways;
+    }
+  }
 }
 
 std::vector<Line> Visible(const ViewLines& view, EdgeClass edgeClass) {
@@ -198,6 +235,26 @@ TEST(SmoothSilhouettes, LeaveSharpBodiesAlone) {
     DrawingOptions options;
     options.hidden = HiddenLines::kInAllViews;
     EXPECT_EQ(smooth.lines.size(), DrawViews(MakeModel(mesh, 30.0), {{"iso", iso}}, options).front().lines.size());
+  }
+}
+
+// Walls seen edge-on that a vault goes on from smoothly, and that end below in a crease, are drawn like any outline.
+TEST(SmoothSilhouettes, OfWallsSeenEdgeOn) {
+  std::vector<ZBR_PT> profile = {{-2, 0}, {2, 0}};
+  for (int i = 0; i <= 24; ++i)
+    profile.emplace_back(2 * std::cos(i * 3.14159265358979 / 24), 3 + 2 * std::sin(i * 3.14159265358979 / 24));
+  example::Solid vault;
+  vault.Extrude(example::Axis::kY, example::Polygon(profile), 0, 10);
+  const Mesh mesh = vault.Take();
+  const ZBR_PT3 middle = MakeModel(mesh, 30.0).Centre();
+  for (const ZBR_PT3& look : {ZBR_PT3(0, 0, -1), ZBR_PT3(0, 1, -0.5), ZBR_PT3(0, -1, -2)}) {
+    const View view = LookAlong(look, {0, 1, 1});
+    std::vector<Line> lines = DrawSmooth(mesh, view).lines;
+    std::erase_if(lines, [](const Line& line) { return line.hidden; });
+    for (const double x : {-2.0, 2.0}) {
+      for (const double y : {-1.7, -5.3, -8.9})
+        EXPECT_LT(DistanceTo(lines, view.In(ZBR_PT3(x, y, 3) - middle).xy()), 1e-3) << x << ' ' << y;
+    }
   }
 }
 
