@@ -56,7 +56,7 @@ test('a model: the drawing follows the view, sheets, creases, files', async () =
   await statusIs(page, 'visible lines? · drawn');
   await page.waitForTimeout(300);
   assert.ok((await inked(page, '#drawing canvas')) < dashed);
-  const version = () => page.getAttribute('#drawing', 'data-version');
+  const version = async () => Number(await page.getAttribute('#drawing', 'data-version'));
   const isDrawnAnew = (old) => page.waitForFunction((v) => document.querySelector('#drawing').dataset.version > v, old);
   const iso = { version: await version(), ink: await inked(page, '#drawing canvas') };
   await page.evaluate(() => document.activeElement.blur()); // the keys turn the model all the same
@@ -77,8 +77,9 @@ test('a model: the drawing follows the view, sheets, creases, files', async () =
   await page.click('label:has([name=axes][value=y])');
   await isDrawnAnew(zUp.version);
   await shoot(page, 'y-up');
+  const yUp = await version();
   await page.keyboard.press('1');
-  await isDrawnAnew(await version());
+  await isDrawnAnew(yUp);
   assert.notEqual(await label(), zUp.label);
   await page.click('label:has([value=sheet])');
   await statusIs(page, 'Four views');
