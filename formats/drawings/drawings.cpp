@@ -60,7 +60,7 @@ std::string NameOf(Format format) {
 
 Drawing ParseDrawing(Format format, std::string text, const std::string& name, Content content) {
   if (format == Format::kUnknown)
-    throw Failure(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .loops or .txt, else give --format");
+    throw Failure(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .loops or .txt, else give its format");
   if (format == Format::kSvg) throw Failure(name, "pictures are written, not read");
   RefuseForeign(text, name);
   DropByteOrderMark(text);

@@ -75,7 +75,7 @@ const std::vector<std::string>& MeshFormats() {
 Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& name, const FileSource& beside) {
   const Reader reader = ReaderOf(format);
   if (reader == nullptr)
-    throw Failure(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give --model-format");
+    throw Failure(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give its format");
   if (reader != kReadStl) DropByteOrderMark(bytes);  // a binary STL may begin with anything
   if (bytes.empty()) throw Failure(name, "the file is empty");
   RefuseForeign(bytes, name);

@@ -132,6 +132,7 @@ int zbrwReadModel(std::size_t beside) {
       if (found == others.end()) throw Failure(name, "the file " + wanted + " is needed, too");
       return found->second;
     });
+    mesh.yUp = options.Choose("axes", {"z", "y"}, mesh.yUp ? 1 : 0) == 1;
     HoldMesh(std::move(mesh), name, options, out);
   });
 }

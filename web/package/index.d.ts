@@ -150,6 +150,8 @@ export interface ModelOptions {
   crease?: number;
   /** Points closer than this part of the diagonal become one; 0 joins equal ones. */
   weld?: number;
+  /** Which axis points up: what the format says by default, 'y' in glTF and 'z' elsewhere. */
+  axes?: 'y' | 'z';
   onProgress?: Progress;
 }
 
@@ -167,7 +169,7 @@ export interface ModelInfo {
   turnedEdges: number;
   low: [number, number, number];
   high: [number, number, number];
-  /** Which axis points up, by the file. */
+  /** Which axis points up. */
   axes: 'y' | 'z';
   /** Many creases end nowhere, as on a scan: a larger angle suits it. */
   roughCreases: boolean;
@@ -312,7 +314,7 @@ export interface Zbr {
   makeModel(
     points: Numbers<Float64Array>,
     triangles: Numbers<Uint32Array>,
-    options?: Omit<ModelOptions, 'format'> & { axes?: 'y' | 'z' },
+    options?: Omit<ModelOptions, 'format'>,
   ): Model;
   /** What the module has taken. */
   readonly memory: { bytes: number; models: number };

@@ -47,6 +47,7 @@ export class Instance {
   #isBroken = false;
   #isBusy = false;
   #thrown;
+  #released = []; // models that were let go while a call was under way, perhaps one on them
   generation = 0; // of instances; models know theirs
 
   static async load(source) {
@@ -113,11 +114,13 @@ export class Instance {
         room.free();
       }
       core.progress = this.#thrown = undefined;
+      for (const model of this.#released.splice(0)) this.release(model);
     }
   }
 
   release(model) {
-    if (!this.#isBroken) this.#core._zbrwFreeModel(model);
+    if (this.#isBusy) this.#released.push(model);
+    else if (!this.#isBroken) this.#core._zbrwFreeModel(model);
   }
 
   #addText(text) {

@@ -44,6 +44,12 @@ function errorOf({ name, message, code, ...rest }) {
 // What the caller gave as options: functions and signals stay on this side.
 const optionsOf = (last) => (last && typeof last === 'object' && ('signal' in last || 'onProgress' in last) ? last : undefined);
 
+// Codes of errors after which the module is another one, without the models.
+const LOST = new Set(['memory', 'fault']);
+
+// Why a call did not reach its model: the worker that held it had ended meanwhile.
+const GONE = Symbol('gone');
+
 class ZbrWorker {
   #module;
   #thread;
@@ -86,14 +92,19 @@ class ZbrWorker {
   }
 
   async #callModel(state, source, call, options) {
-    if (state.generation !== this.#generation || !state.number) {
-      if (call?.method === 'free') return undefined;
-      const progressAt = options?.onProgress && 0;
-      const opened = await this.#call({ method: 'openModel', args: [source], progressAt }, options);
-      Object.assign(state, opened, { generation: this.#generation });
+    for (;;) {
+      if (state.generation !== this.#generation || !state.number) {
+        if (call?.method === 'free') return undefined;
+        const progressAt = options?.onProgress && 0;
+        Object.assign(state, await this.#call({ method: 'openModel', args: [source], progressAt }, options));
+      }
+      if (!call) return undefined;
+      try {
+        return await this.#call({ ...call, model: state.number, generation: state.generation }, options);
+      } catch (error) {
+        if (error !== GONE) throw error;
+      }
     }
-    if (call) return this.#call({ ...call, model: state.number }, options);
-    return undefined;
   }
 
   #call(call, { signal, onProgress } = {}) {
@@ -115,6 +126,7 @@ class ZbrWorker {
     const place = this.#waiting.indexOf(call);
     if (place >= 0) this.#waiting.splice(place, 1);
     else if (this.#running === call) this.#endThread();
+    call.settled?.();
     call.reject(reason);
     this.#next();
   }
@@ -129,8 +141,17 @@ class ZbrWorker {
   async #next() {
     if (this.#running || this.#waiting.length === 0) return;
     const call = this.#running = this.#waiting.shift();
-    if (!this.#thread) await this.#start();
+    try {
+      if (!this.#thread) await this.#start();
+    } catch (error) { // what is around allows no worker
+      if (this.#running === call) this.#settle(() => call.reject(new ZbrError(error.message, 'load')));
+      return;
+    }
     if (this.#running !== call) return; // aborted or closed meanwhile
+    if ((call.generation ?? this.#generation) !== this.#generation) {
+      this.#settle(() => call.reject(GONE));
+      return;
+    }
     const { id, method, args, model, progressAt } = call;
     this.#thread.hold?.(true);
     try {
@@ -145,22 +166,36 @@ class ZbrWorker {
     const thread = await startThread();
     if (generation !== this.#generation || this.#isClosed) return thread.end();
     this.#thread = thread;
-    thread.listen((message) => this.#take(message), (cause) => this.#fail(cause));
+    const ifInUse = (take) => (what) => { if (this.#thread === thread) take(what); };
+    thread.listen(ifInUse((message) => this.#take(message)), ifInUse((cause) => this.#fail(new ZbrError(cause, 'fault'))));
     thread.post({ id: 0, method: 'load', args: [this.#module] });
     return undefined;
   }
 
   #take({ id, share, stage, result, error }) {
     const call = this.#running;
-    if (!call || call.id !== id) return;
-    if (share !== undefined) call.onProgress?.(share, stage);
-    else this.#settle(() => (error ? call.reject(errorOf(error)) : call.resolve(result)));
+    if (!call || (id !== 0 && call.id !== id)) return;
+    if (share !== undefined) this.#tell(call, share, stage);
+    else if (error && (id === 0 || LOST.has(error.code))) this.#fail(errorOf(error));
+    else if (error) this.#settle(() => call.reject(errorOf(error)));
+    else if (id !== 0) this.#settle(() => call.resolve(call.method === 'openModel' ? { ...result, generation: this.#generation } : result));
   }
 
-  #fail(cause) {
+  #tell(call, share, stage) {
+    try {
+      if (call.onProgress?.(share, stage) !== false) return;
+      throw new DOMException('stopped by the progress function', 'AbortError');
+    } catch (error) {
+      this.#abort(call, error);
+    }
+  }
+
+  // The worker is of no more use, nor are the models in it.
+  #fail(error) {
     const call = this.#running;
     this.#endThread();
-    call?.reject(new ZbrError(cause, 'fault'));
+    call?.settled?.();
+    call?.reject(error);
     this.#next();
   }
 

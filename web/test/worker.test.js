@@ -31,14 +31,46 @@ test('a signal ends a call at once; models are there again', { timeout: 60000 },
   const abort = new AbortController();
   const aborted = worker.union(slow, slow, { fill: 'nonzero', signal: abort.signal });
   const behind = worker.area(plate);
+  const drawnBehind = model.draw({ view: 'top' }); // by a worker that has yet to open the model
   setTimeout(() => abort.abort(), 100);
   const begin = performance.now();
   await assert.rejects(aborted, { name: 'AbortError' });
   assert.equal(await behind, 100);
   assert.ok(performance.now() - begin < 20000);
-  assert.deepEqual(await model.draw({ view: 'top' }), drawing);
+  assert.deepEqual(await drawnBehind, drawing);
   await assert.rejects(worker.area(plate, { signal: abort.signal }), { name: 'AbortError' });
   await model.free();
   await assert.rejects(model.draw(), { code: 'freed' });
+  worker.close();
+});
+
+test('a worker that cannot be started, or runs out of memory, fails one call only', { timeout: 60000 }, async () => {
+  const worker = await openWorker();
+  const threads = [];
+  globalThis.Worker = class {
+    constructor() { if (threads.push(this) === 1) throw new Error('workers are refused'); }
+    postMessage({ id, method }) {
+      const isFull = method === 'draw' && threads.length === 2;
+      const answer = isFull ? { error: { name: 'ZbrError', message: 'not enough memory', code: 'memory' } } : { result: { number: 1, thread: threads.length } };
+      setTimeout(() => this.onmessage({ data: { id, ...answer } }));
+    }
+    terminate() {}
+  };
+  try {
+    await assert.rejects(worker.area(plate), { code: 'load', message: 'workers are refused' });
+    const model = await worker.readModel('');
+    await assert.rejects(model.draw(), { code: 'memory' });
+    assert.equal((await model.draw()).thread, 3);
+  } finally {
+    delete globalThis.Worker;
+  }
+});
+
+test('a progress function ends a call of a worker, too', async () => {
+  const worker = await openWorker();
+  const model = await worker.readModel(example('housing.obj'), { name: 'housing.obj' });
+  await assert.rejects(model.draw({ onProgress: () => false }), { name: 'AbortError' });
+  await assert.rejects(model.draw({ onProgress() { throw new RangeError('mine'); } }), { message: 'mine' });
+  assert.equal((await model.draw()).name, 'iso');
   worker.close();
 });

@@ -1,9 +1,11 @@
 // Files in and out.
 const MODELS = new Set(['stl', 'obj', 'ply', 'off', 'gltf', 'glb']);
+const DRAWINGS = new Set(['dxf', 'geojson', 'json', 'wkt', 'loops', 'txt']);
 
 export const extensionOf = (name) => (name.includes('.') ? name.split('.').pop().toLowerCase() : '');
 export const stemOf = (name) => name.replace(/\.[^.]*$/, '');
 export const isModel = (file) => MODELS.has(extensionOf(file.name));
+export const isDrawing = (file) => DRAWINGS.has(extensionOf(file.name));
 
 const TYPES = { svg: 'image/svg+xml', dxf: 'image/vnd.dxf', pdf: 'application/pdf', geojson: 'application/geo+json', json: 'application/json' };
 

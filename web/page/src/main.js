@@ -4,16 +4,24 @@ import gasketUrl from 'examples/gasket.dxf?url';
 import housingUrl from 'examples/housing.obj?url';
 
 import { cancel, isBusy } from './engine.js';
-import { isModel } from './files.js';
+import { isDrawing, isModel } from './files.js';
 import { closeModel, openModel, prepareModel, repaint as repaintModel } from './model.js';
 import { closeDrawings, openDrawings, repaint as repaintRegions } from './regions.js';
 
 const byId = (id) => document.getElementById(id);
 const EXAMPLES = { housing: { 'housing.obj': housingUrl }, plates: { 'bracket.dxf': bracketUrl, 'gasket.dxf': gasketUrl } };
 
-function complain(error) {
-  byId('alert-text').textContent = error.message || String(error);
+function tell(text) {
+  byId('alert-text').textContent = text;
   byId('alert').hidden = false;
+}
+
+const complain = (error) => tell(error.message || String(error));
+
+// A model's own files may come with it, but one thing is shown at a time.
+function tellLeftOut(model, others) {
+  const names = others.filter((file) => isModel(file) || isDrawing(file)).map((file) => file.name);
+  if (names.length > 0) tell(`${model.name} is shown; left out: ${names.join(', ')}. One model is drawn at a time, or two drawings are combined.`);
 }
 
 async function open(files) {
@@ -22,7 +30,10 @@ async function open(files) {
   const models = files.filter(isModel);
   try {
     if (models.length > 0) {
-      if (await openModel(models[0], files.filter((file) => file !== models[0]), complain)) show('model');
+      const [model] = models, others = files.filter((file) => file !== model);
+      if (!(await openModel(model, others, complain))) return;
+      show('model');
+      tellLeftOut(model, others);
     } else if (files.length > 2) {
       throw new Error(`${files.length} drawings were dropped; two are combined at a time`);
     } else if (await openDrawings(files, complain)) {

@@ -10,7 +10,8 @@ const LARGE = 200000; // triangles; of a model with more, four views are drawn w
 let viewer, model, file, drawing, drawnIn, picture;
 let version = 0; // of what is shown; what was begun before is not shown any more
 
-const chosen = (name) => document.querySelector(`#settings input[name=${name}]:checked`).value;
+const chosen = (name) => document.querySelector(`#model input[name=${name}]:checked`).value;
+const choose = (name, value) => { document.querySelector(`#model input[name=${name}][value=${value}]`).checked = true; };
 const tell = (text) => { byId('status').textContent = text; };
 
 function options() {
@@ -19,7 +20,11 @@ function options() {
   return {
     isSheet,
     hiddenStyle: hidden,
-    drawing: { crease: Number(byId('crease').value), hidden: hidden === 'none' ? 'none' : isSheet ? 'principal' : 'all' },
+    drawing: {
+      crease: Number(byId('crease').value),
+      hidden: hidden === 'none' ? 'none' : isSheet ? 'principal' : 'all',
+      axes: chosen('axes'),
+    },
   };
 }
 
@@ -98,7 +103,7 @@ async function saveAs(format) {
 function plainViewer(reason) {
   let name = 'iso';
   byId('viewer').textContent = `No three-dimensional view: ${reason}`;
-  return { show() {}, clear() {}, look(chosenName) { name = chosenName; }, view: () => name };
+  return { show() {}, clear() {}, stand() {}, turn: () => false, look(chosenName) { name = chosenName; }, view: () => name };
 }
 
 async function makeViewer(onSettled) {
@@ -125,9 +130,10 @@ export async function openModel(opened, beside, onError) {
   model = next.read;
   byId('model').hidden = false;
   viewer ??= await makeViewer(() => redraw().catch(onError));
+  choose('axes', model.info.axes);
   viewer.show(next.mesh, model.info);
   viewer.look('iso');
-  if (model.info.triangles > LARGE) document.querySelector('#settings input[value=view]').checked = true;
+  if (model.info.triangles > LARGE) choose('show', 'view');
   byId('subject').textContent = file.name;
   await redraw();
   return true;
@@ -143,6 +149,9 @@ export async function closeModel() {
   await old?.free();
 }
 
+// On a page that is longer than the screen the arrow keys turn the model only where it has the focus.
+const scrolls = () => document.documentElement.scrollHeight > document.documentElement.clientHeight;
+
 export function prepareModel(onError) {
   const guarded = (work) => (...args) => work(...args)?.catch?.(onError);
   const look = (name) => {
@@ -153,11 +162,18 @@ export function prepareModel(onError) {
   for (const button of document.querySelectorAll('[data-view]')) button.addEventListener('click', () => look(button.dataset.view));
   for (const button of document.querySelectorAll('[data-save]')) button.addEventListener('click', guarded(() => saveAs(button.dataset.save)));
   byId('settings').addEventListener('change', guarded(redraw));
+  byId('look').addEventListener('change', () => {
+    viewer.stand(chosen('axes'));
+    look('iso');
+  });
   byId('crease').addEventListener('input', () => { byId('crease-text').textContent = `${byId('crease').value}°`; });
   new ResizeObserver(guarded(repaint)).observe(byId('drawing'));
   document.addEventListener('keydown', (event) => {
-    if (event.ctrlKey || event.metaKey || event.altKey || event.target.closest('input, button') || !model) return;
+    if (event.ctrlKey || event.metaKey || event.altKey || !model) return;
     const name = { 1: 'front', 2: 'top', 3: 'left', 4: 'iso' }[event.key];
-    if (name) look(name);
+    if (name) return look(name);
+    const isForViewer = byId('viewer').contains(event.target) || !(scrolls() || event.target.closest('input'));
+    if (isForViewer && viewer.turn(event.key, event.shiftKey)) event.preventDefault();
+    return undefined;
   });
 }

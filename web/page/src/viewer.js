@@ -30,11 +30,6 @@ export class Viewer {
     this.#camera.add(this.#light);
     this.#light.position.set(-0.5, 0.8, 1);
     this.#onSettled = onSettled;
-    element.addEventListener('keydown', (event) => {
-      if (event.ctrlKey || event.metaKey || event.altKey || !this.#turn(event.key, event.shiftKey)) return;
-      event.preventDefault();
-      this.#settle();
-    });
     new ResizeObserver(() => this.#resize()).observe(element);
   }
 
@@ -43,9 +38,7 @@ export class Viewer {
     const middle = low.map((x, k) => (x + high[k]) / 2);
     this.#radius = Math.hypot(...high.map((x, k) => x - low[k])) / 2 || 1;
     this.#half = high.map((x, k) => (x - low[k]) / 2);
-    this.#isYUp = axes === 'y';
-    this.#camera.up.set(0, this.#isYUp ? 1 : 0, this.#isYUp ? 0 : 1);
-    this.#control();
+    this.stand(axes);
     const positions = new Float32Array(points.length);
     for (let i = 0; i < points.length; ++i) positions[i] = points[i] - middle[i % 3];
     const geometry = new BufferGeometry();
@@ -57,6 +50,13 @@ export class Viewer {
     this.#mesh = new Mesh(geometry, material);
     this.#scene.add(this.#mesh);
     this.#resize();
+  }
+
+  /** Puts the model upright: 'y' or 'z' points up. */
+  stand(axes) {
+    this.#isYUp = axes === 'y';
+    this.#camera.up.set(0, this.#isYUp ? 1 : 0, this.#isYUp ? 0 : 1);
+    this.#control();
   }
 
   clear() {
@@ -111,7 +111,8 @@ export class Viewer {
     this.#timer = setTimeout(this.#onSettled, SETTLED);
   }
 
-  #turn(key, isShifted) {
+  /** Turns or zooms as a key asks for; tells whether it is such a key. */
+  turn(key, isShifted) {
     const turns = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1] };
     const step = isShifted ? STEP / 4 : STEP;
     if (turns[key]) {
@@ -131,6 +132,7 @@ export class Viewer {
     }
     this.#controls.update();
     this.#render();
+    this.#settle();
     return true;
   }
 
