@@ -33,7 +33,7 @@ double ParameterOn(const DirectedEdge& edge, const ZBR_PT& p) {
 }  // namespace
 
 double OverlayTolerance(const Box& box, double wanted) {
-  constexpr double kDigits = 16.0 * std::numeric_limits<double>::epsilon();
+  constexpr double kDigits = 4.0 * std::numeric_limits<double>::epsilon();
   const double size = std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
   return std::max(wanted, kDigits * size);
 }

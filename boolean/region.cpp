@@ -22,6 +22,11 @@ bool IsLess(const ZBR_PT& a, const ZBR_PT& b) {
   return a.x() != b.x() ? a.x() < b.x() : a.y() < b.y();
 }
 
+// The sum of offsets. Beyond the largest it is of no use, and IsTooLarge tells so later.
+std::int32_t Advanced(std::int32_t offset, std::uint32_t by) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(offset) + by);
+}
+
 // The ring's lowest leftmost point.
 std::size_t FirstPointOf(RingSpan ring) {
   return static_cast<std::size_t>(std::min_element(ring.begin(), ring.end(), IsLess) - ring.begin());
@@ -33,15 +38,16 @@ ZBR_REGION_VIEW ZBR_REGION::view() const {
   ZBR_REGION_VIEW view;
   view.xy = reinterpret_cast<const double*>(points_.data());
   view.point_count = points_.size();
-  view.ring_offsets = ring_offsets_.data();
+  view.ring_offsets = ring_offsets().data();
   view.ring_count = ring_count();
-  view.polygon_offsets = polygon_offsets_.data();
+  view.polygon_offsets = polygon_offsets().data();
   view.polygon_count = polygon_count();
   return view;
 }
 
 void ZBR_REGION::AddRing(const ZBR_PT* points, std::size_t count, bool startsPolygon) {
-  if (ring_offsets_.empty()) Clear();                      // moved from
+  if (ring_offsets_.empty()) ring_offsets_.push_back(0);
+  if (polygon_offsets_.empty()) polygon_offsets_.push_back(0);
   const std::vector<ZBR_PT> ring(points, points + count);  // they may be points of this region
   points_.insert(points_.end(), ring.begin(), ring.end());
   ring_offsets_.push_back(static_cast<std::int32_t>(points_.size()));
@@ -78,8 +84,7 @@ void ZBR_REGION::GetBounds(double& xmin, double& ymin, double& xmax, double& yma
 
 bool ZBR_REGION::operator==(const ZBR_REGION& o) const {
   const auto same = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
-  if (empty() && o.empty()) return true;  // one may have been moved from
-  return ring_offsets_ == o.ring_offsets_ && polygon_offsets_ == o.polygon_offsets_ &&
+  return ring_offsets() == o.ring_offsets() && polygon_offsets() == o.polygon_offsets() &&
          std::equal(points_.begin(), points_.end(), o.points_.begin(), o.points_.end(), same);
 }
 
@@ -92,15 +97,15 @@ void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const
     region.points_.insert(region.points_.end(), flat.points.begin(), flat.points.end());
   }
   const auto appendEnds = [](const std::vector<std::uint32_t>& ends, std::vector<std::int32_t>& offsets) {
+    if (offsets.empty()) offsets.push_back(0);
     const std::int32_t before = offsets.back();
-    for (const std::uint32_t end : ends) offsets.push_back(before + static_cast<std::int32_t>(end));
+    for (const std::uint32_t end : ends) offsets.push_back(Advanced(before, end));
   };
   appendEnds(flat.ringEnds, region.ring_offsets_);
   appendEnds(flat.polygonEnds, region.polygon_offsets_);
   if (!options.sources) return;
   std::vector<std::uint32_t> firstEdge{0};  // of each ring
   for (const RingSpan& ring : input.rings()) firstEdge.push_back(firstEdge.back() + static_cast<std::uint32_t>(ring.size()));
-  if (region.source_offsets_.empty()) region.source_offsets_.assign(1, 0);
   appendEnds(flat.sourceEnds, region.source_offsets_);
   for (const zbr::FlatSource& s : flat.sources) {
     const auto ring =
@@ -115,11 +120,20 @@ void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, zbr::FlatRegion&& flat, const
 }
 
 void ZBR_REGION_ACCESS::Append(ZBR_REGION& region, const ZBR_REGION& more) {
-  const auto points = static_cast<std::int32_t>(region.points_.size());
-  const auto rings = static_cast<std::int32_t>(region.ring_count());
+  if (more.empty()) return;
+  if (region.empty()) {
+    region = more;
+    return;
+  }
+  const std::int32_t points = region.ring_offsets_.back();
+  const std::int32_t rings = region.polygon_offsets_.back();
   region.points_.insert(region.points_.end(), more.points_.begin(), more.points_.end());
-  for (std::size_t r = 0; r < more.ring_count(); ++r) region.ring_offsets_.push_back(points + more.ring_offsets_[r + 1]);
-  for (std::size_t p = 0; p < more.polygon_count(); ++p) region.polygon_offsets_.push_back(rings + more.polygon_offsets_[p + 1]);
+  for (std::size_t r = 0; r < more.ring_count(); ++r) {
+    region.ring_offsets_.push_back(Advanced(points, static_cast<std::uint32_t>(more.ring_offsets_[r + 1])));
+  }
+  for (std::size_t p = 0; p < more.polygon_count(); ++p) {
+    region.polygon_offsets_.push_back(Advanced(rings, static_cast<std::uint32_t>(more.polygon_offsets_[p + 1])));
+  }
 }
 
 bool ZBR_REGION_ACCESS::IsTooLarge(const ZBR_REGION& region) {
@@ -164,6 +178,8 @@ void ZBR_REGION_ACCESS::Canonicalize(ZBR_REGION& region) {
   std::stable_sort(polygons.begin(), polygons.end(),
                    [&](std::size_t p, std::size_t q) { return comesFirst(rings[outer(p)], rings[outer(q)]); });
   ZBR_REGION sorted;
+  sorted.ring_offsets_.push_back(0);
+  sorted.polygon_offsets_.push_back(0);
   if (!region.source_offsets_.empty()) sorted.source_offsets_.push_back(0);
   for (const std::size_t p : polygons) {
     for (std::size_t k = outer(p); k < static_cast<std::size_t>(region.polygon_offsets_[p + 1]); ++k) {

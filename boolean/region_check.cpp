@@ -150,7 +150,7 @@ ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_R
       return one;
     }
   }
-  zbr::RegionCheck check(input.bounds(), input.ToleranceFor({}), faults);
+  zbr::RegionCheck check(input.bounds(), input.Rounding(), faults);
   for (std::size_t i = 0; i < finite.size(); ++i) check.AddRing(finite[i], input.operand(i)[0]);
   check.FindMeetings(most);
   std::stable_sort(faults.begin(), faults.end(), zbr::ComesBefore);

@@ -14,6 +14,7 @@
 #include "boolean/clusters.h"
 #include "boolean/contact_walk.h"
 #include "boolean/exact_loops.h"
+#include "boolean/rectilinear_sweep.h"
 #include "boolean/region_input.h"
 #include "boolean/region_walk.h"
 
@@ -58,7 +59,8 @@ void Arrange(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, std
   }
 }
 
-// The power of two that makes operands of an unusual size ordinary ones, so that the walk takes them, too; mostly 0. That is exact.
+// The power of two that makes operands of an unusual size ordinary ones, so that the walk takes them, too; mostly 0. That is exact
+// but for coordinates so much smaller than the extent that they vanish against its tolerance.
 int ExponentFor(const Box& bounds) {
   constexpr int kOrdinary = 128;
   const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
@@ -86,7 +88,8 @@ class PairWork {
     const int exponent = !isDone && IsWalkable(options) ? ExponentFor(input_.bounds()) : 0;
     if (exponent != 0) input_.Scale(exponent);
     if (!isDone && IsWalkable(options)) {
-      isDone = Walk(walk_, input_, ops, results) || WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
+      isDone = Walk(walk_, input_, ops, results) || Sweep(ops, results, options) ||
+               WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
     }
     if (!isDone) CombineByParts(ops, results, options, status, progress);
     if (std::any_of(results, results + ops.size(), ZBR_REGION_ACCESS::IsTooLarge)) status.code = ZBR_REGION_TOO_LARGE;
@@ -102,6 +105,13 @@ class PairWork {
   }
 
  private:
+  // Of operands whose edges are parallel to the axes. Their arrays are not looked at after the first step.
+  bool Sweep(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options) {
+    if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) return false;
+    for (std::size_t k = 0; k < ops.size(); ++k) sweep_.Combine(ops[k], results[k]);
+    return true;
+  }
+
   // Clusters that can be walked, and the rest through the arrangement. The walk has failed for all of them together.
   void CombineByParts(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
                       ZBR_REGION_STATUS& status, RegionProgress& progress) {
@@ -127,6 +137,19 @@ class PairWork {
   RegionInput input_;
   RegionInput part_;
   RegionWalk walk_;
+  RectilinearSweep sweep_;
+};
+
+// The share of one pair as that of all of them.
+struct PairsProgress {
+  const ZBR_REGION_OPTIONS& options;
+  double done;  // pairs
+  double each;  // the share of one
+
+  static bool Tell(double share, void* data) {
+    const PairsProgress& all = *static_cast<const PairsProgress*>(data);
+    return all.options.progress((all.done + share) * all.each, all.options.progress_data);
+  }
 };
 
 }  // namespace
@@ -148,8 +171,13 @@ ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGI
                                         ZBR_REGION* results, const ZBR_REGION_OPTIONS& options) {
   ZBR_REGION_STATUS status;
   zbr::PairWork work;
+  zbr::PairsProgress progress{options, 0.0, 1.0 / static_cast<double>(count)};
+  ZBR_REGION_OPTIONS ofPair = options;
+  if (options.progress != nullptr) ofPair.progress = zbr::PairsProgress::Tell;
+  ofPair.progress_data = &progress;
   for (std::size_t i = 0; i < count; ++i) {
-    const ZBR_REGION_STATUS one = work.Combine(a[i], b[i], {&op, 1}, &results[i], options);
+    progress.done = static_cast<double>(i);
+    const ZBR_REGION_STATUS one = work.Combine(a[i], b[i], {&op, 1}, &results[i], ofPair);
     if (one.code == ZBR_REGION_STOPPED) {
       for (std::size_t k = i; k < count; ++k) results[k].Clear();
       return one;

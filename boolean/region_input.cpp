@@ -119,7 +119,7 @@ bool RegionInput::AddRing(RingSpan ring, ZBR_REGION_STATUS& status) {
 }
 
 double RegionInput::ToleranceFor(const ZBR_REGION_OPTIONS& options) const {
-  if (rings_.empty() || !(bounds_.xmax >= bounds_.xmin)) return 0.0;
+  if (!HasExtent()) return 0.0;
   const double side = std::max(bounds_.xmax - bounds_.xmin, bounds_.ymax - bounds_.ymin);
   return OverlayTolerance(bounds_, options.tolerance > 0.0 ? std::min(options.tolerance, kLargest) : kRelativeTolerance * side);
 }

@@ -47,9 +47,12 @@ class RegionInput {
   const Box& bounds() const { return bounds_; }
   // The tolerance asked for, or one for the extent.
   double ToleranceFor(const ZBR_REGION_OPTIONS& options) const;
+  // What points may be off by because of the digits of their coordinates.
+  double Rounding() const { return HasExtent() ? OverlayTolerance(bounds_, 0.0) : 0.0; }
 
  private:
   bool AddRing(RingSpan ring, ZBR_REGION_STATUS& status);
+  bool HasExtent() const { return bounds_.xmax >= bounds_.xmin; }
 
   std::vector<RingSpan> rings_;
   std::vector<ZBR_PT> scaled_;  // points of the rings, where they are not the caller's
@@ -114,10 +117,13 @@ class ZBR_REGION_ACCESS {
     std::vector<std::int32_t>& ringOffsets;
     std::vector<std::int32_t>& polygonOffsets;
   };
-  // An empty region that keeps its memory.
-  static Lists Restart(ZBR_REGION& region) {
+  // An empty region that keeps its memory, with room for so much.
+  static Lists Restart(ZBR_REGION& region, std::size_t points, std::size_t rings, std::size_t polygons) {
     region.points_.clear();
+    region.points_.reserve(points);
+    region.ring_offsets_.reserve(rings + 1);
     region.ring_offsets_.assign(1, 0);
+    region.polygon_offsets_.reserve(polygons + 1);
     region.polygon_offsets_.assign(1, 0);
     region.sources_.clear();
     region.source_offsets_.clear();
@@ -130,6 +136,8 @@ class ZBR_REGION_ACCESS {
   // Appends the polygon of a nested loop, its points taken by `pointOf`.
   template <class PointOf>
   static void AddPolygon(ZBR_REGION& region, const ZBR_LOOP& outer, PointOf pointOf) {
+    if (region.ring_offsets_.empty()) region.ring_offsets_.push_back(0);
+    if (region.polygon_offsets_.empty()) region.polygon_offsets_.push_back(0);
     AddLoop(region, outer, pointOf);
     for (const auto& hole : outer.children()) AddLoop(region, *hole, pointOf);
     region.polygon_offsets_.push_back(static_cast<std::int32_t>(region.ring_count()));

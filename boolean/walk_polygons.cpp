@@ -100,10 +100,7 @@ void WalkPolygons::Write(ZBR_REGION& region) {
     next_[last_[outer] == kOuter ? outer : last_[outer]] = r;
     last_[outer] = r;
   }
-  const ZBR_REGION_ACCESS::Lists lists = ZBR_REGION_ACCESS::Restart(region);
-  lists.points.reserve(points_.size());
-  lists.ringOffsets.reserve(rings_.size() + 1);
-  lists.polygonOffsets.reserve(polygonCount + 1);
+  const ZBR_REGION_ACCESS::Lists lists = ZBR_REGION_ACCESS::Restart(region, points_.size(), rings_.size(), polygonCount);
   for (std::uint32_t r = 0; r < rings_.size(); ++r) {
     if (rings_[r].outer != kOuter) continue;
     for (std::uint32_t k = r; k != kOuter; k = next_[k]) {

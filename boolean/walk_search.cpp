@@ -15,6 +15,7 @@
 #include "core/cost.h"
 #include "core/planar_inline.h"
 #include "loops/convex_ring.h"
+#include "loops/star_ring.h"
 
 namespace zbr {
 
@@ -41,20 +42,47 @@ bool WalkSearch::Run(const WalkRings& rings, double eps, std::vector<OpenCrossin
   return true;
 }
 
-// Without a hierarchy.
+// Without a hierarchy: ring by ring, and of two rings only the edges that come near the other one's box.
 bool WalkSearch::SearchAll() {
   std::array<Edge, WalkRings::kSmall> edges;
+  std::array<std::span<const Edge>, WalkRings::kSmall> ringEdges;
+  std::array<Box, WalkRings::kSmall> boxes;
   std::size_t count = 0;
   for (std::uint32_t r = 0; r < rings_->all().size(); ++r) {
     const RingSpan points = rings_->all()[r].points;
+    const std::size_t first = count;
+    Box bounds;
     const ZBR_PT* from = &points.back();
     for (std::uint32_t i = 0; i < points.size(); ++i) {
       const ZBR_PT* to = points.data() + i;
       edges[count++] = {*from, *to, BoxOfSegment(*from, *to).Widened(near_), r, (i == 0 ? rings_->all()[r].size() : i) - 1};
+      bounds.Add(*to);
       from = to;
     }
+    boxes[r] = bounds.Widened(near_);
+    ringEdges[r] = std::span(edges).subspan(first, count - first);
+    if (!IsClearlyStarShaped(points, near_) && !ArePairsClear(ringEdges[r], {})) return false;
+    for (std::uint32_t q = 0; q < r; ++q) {
+      if (Overlap(boxes[q], boxes[r]) && !AreRingsClear(ringEdges[q], boxes[q], ringEdges[r], boxes[r])) return false;
+    }
   }
-  return ArePairsClear(std::span(edges).first(count), {});
+  return true;
+}
+
+bool WalkSearch::AreRingsClear(std::span<const Edge> ring, const Box& bounds, std::span<const Edge> other, const Box& otherBounds) {
+  std::array<Edge, WalkRings::kSmall> near;
+  std::size_t count = 0;
+  const auto read = [&](std::span<const Edge> edges, const Box& around) {
+    const std::size_t first = count;
+    for (const Edge& e : edges) {
+      near[count] = e;
+      count += Overlap(e.box, around) ? 1U : 0U;
+    }
+    return std::span<const Edge>(near).subspan(first, count - first);
+  };
+  const std::span<const Edge> nearOther = read(ring, otherBounds);
+  const std::span<const Edge> nearRing = read(other, bounds);
+  return nearOther.empty() || nearRing.empty() || ArePairsClear(nearOther, nearRing);
 }
 
 // The edges of a leaf that come near the box, their own boxes widened by the margin. Which do is as good as random, so there is no

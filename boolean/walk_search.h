@@ -44,6 +44,7 @@ class WalkSearch {
   enum class Meeting { kApart, kCrossing, kUnclear };
 
   bool SearchAll();
+  bool AreRingsClear(std::span<const Edge> ring, const Box& bounds, std::span<const Edge> other, const Box& otherBounds);
   bool ArePairsClear(std::span<const Edge> edges, std::span<const Edge> others);
   bool IsPairClear(const Edge& e, const Edge& f);
   std::uint8_t BitOf(std::uint32_t ring) const { return rings_->SideOf(ring) == 0 ? 1 : 2; }

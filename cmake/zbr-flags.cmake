@@ -8,6 +8,11 @@ if(WIN32)
   add_compile_definitions(NOMINMAX $<$<CXX_COMPILER_ID:MSVC>:_CRT_SECURE_NO_WARNINGS>)
 endif()
 
+set(ZBR_POSITION_INDEPENDENT ON)  # static libraries may become part of shared ones
+if(EMSCRIPTEN)
+  set(ZBR_POSITION_INDEPENDENT OFF)  # a program of WebAssembly is one piece
+endif()
+
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()

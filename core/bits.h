@@ -16,5 +16,10 @@ inline std::uint32_t BitsOf(float value) {
   std::memcpy(&bits, &value, sizeof bits);
   return bits;
 }
+inline double DoubleOf(std::uint64_t bits) {
+  double value = 0.0;
+  std::memcpy(&value, &bits, sizeof value);
+  return value;
+}
 
 }  // namespace zbr

@@ -109,6 +109,13 @@ bool CanReach(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& b) {
          t.min_x <= b.max_x + kBoxMargin && t.min_y <= b.max_y + kBoxMargin;
 }
 
+bool CanReachEdge(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& b) {
+  const ZBR_PT3& p = t.pt[edge];
+  const ZBR_PT3& q = t.pt[(edge + 1) % 3];
+  const Box box = BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin);
+  return std::min(p.z(), q.z()) - kBoxMargin <= b.max_z && Overlap(box, {b.min_x, b.min_y, b.max_x, b.max_y});
+}
+
 void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, Pass& pass) {
   Neighbours met;
   if (isOwn) met = MeetNeighbours(t, b, pass.lists);
@@ -117,7 +124,7 @@ void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, Pass& pass) 
     if (t.any_edge_visible) HideByAny(t, b, pass.lists, [&met](int position) { return !met.Has(position); });
   } else {
     for (int i = 0; i < 3; ++i) {
-      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, b, met, pass).Run();
+      if (t.IsEdgeAvailable(i) && (isOwn || CanReachEdge(t, i, b))) EdgeSearch(t, i, b, met, pass).Run();
     }
   }
   ZBR_CHECK(VisibleFault(t));
@@ -141,7 +148,7 @@ std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by,
     ZBR_HL_TRI& t = a.tris[i];
     if (!t.any_edge_visible) continue;
     if (by.search != nullptr) {
-      by.search->Find(BoxOf(t), t.min_z, by.shells);
+      by.search->Find(BoxOf(t), t.min_z, by.ranks, by.shells);
       std::erase(by.shells, &a);
     }
     for (const ZBR_HL_SHELL* b : by.shells) {
@@ -156,7 +163,7 @@ std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by,
 void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by) {
   // Fewer shells than this are asked one by one faster than through a hierarchy.
   constexpr std::size_t kManyShells = 128;
-  search.Find({a.min_x, a.min_y, a.max_x, a.max_y}, a.min_z, by.shells);
+  search.Find({a.min_x, a.min_y, a.max_x, a.max_y}, a.min_z, by.ranks, by.shells);
   std::erase(by.shells, &a);
   by.search = by.shells.size() > kManyShells && a.count > kManyShells ? &search : nullptr;
 }

@@ -32,6 +32,7 @@ struct TriangleRange {
 struct Occluding {
   ShellList shells;
   const ShellSearch* search = nullptr;
+  std::vector<std::uint32_t> ranks = {};  // scratch of the search
 };
 
 // Replaces `by` by what may hide something of a, of the shells in `search` but a itself.

@@ -115,6 +115,20 @@ OccluderTree::Lane OccluderTree::Around(const Node& node, std::int32_t child) {
   return {least(node.xmin), least(node.ymin), most(node.xmax), most(node.ymax), node.zmax[0], child};
 }
 
+namespace {
+
+// Of all levels: models of a hundred thousand small bodies have no room to spare.
+std::size_t NodeCount(std::size_t leaves) {
+  std::size_t count = 0;
+  do {
+    leaves = (leaves + OccluderTree::kFanOut - 1) / OccluderTree::kFanOut;
+    count += leaves;
+  } while (leaves > 1);
+  return count;
+}
+
+}  // namespace
+
 void OccluderTree::Build(std::span<const Extents> extents, std::span<const int> positions) {
   nodes_.clear();
   if (positions.empty()) return;
@@ -132,7 +146,7 @@ void OccluderTree::Build(std::span<const Extents> extents, std::span<const int> 
   CurveOrder(extents, ZBR_PT3(box.xmin, box.ymin, zmin), std::max({box.xmax - box.xmin, box.ymax - box.ymin, zmax - zmin}))
       .Sort(order);
 
-  nodes_.reserve(order.size() / 3 + 16);
+  nodes_.reserve(NodeCount(order.size()));
   std::array<Lane, kFanOut> lanes;
   for (std::size_t i = 0; i < order.size(); i += kFanOut) {
     const std::size_t n = std::min<std::size_t>(kFanOut, order.size() - i);

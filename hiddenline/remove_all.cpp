@@ -122,7 +122,8 @@ class Remover {
     if (shell.done || shell.count > kPiece) return;
     const zbr::ToleranceScope scope(zbr::kOcclusionEps);
     zbr::Occluding by;
-    HideAlone(i, {0, shell.count}, by, *zbr::ShellLists(&shell));
+    zbr::OwnLists own;
+    HideAlone(i, {0, shell.count}, by, own.Lend(zbr::ContactOf(shell)));
     alone_[i] = 1;
   }
 

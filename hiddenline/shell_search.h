@@ -19,11 +19,12 @@ class ShellSearch {
   explicit ShellSearch(std::span<const ZBR_HL_SHELL> shells);
 
   // Replaces `found` by the shells whose boxes meet the given one, widened by kBoxMargin, and reach the height; highest first,
-  // since what is nearest the viewer hides the most. Of equal height the one that comes first in space.
-  void Find(const Box& box, double minZ, ShellList& found) const;
+  // since what is nearest the viewer hides the most. Of equal height the one that comes first in space. `ranks` is scratch.
+  void Find(const Box& box, double minZ, std::vector<std::uint32_t>& ranks, ShellList& found) const;
 
  private:
-  ShellList shells_;
+  ShellList byHeight_;
+  std::vector<std::uint32_t> rank_;  // of the tree's leaves: their places by height
   BoxTree tree_;
 };
 

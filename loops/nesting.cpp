@@ -10,6 +10,8 @@
 // enumerated loop by loop without being stored.
 #include "loops/nesting.h"
 
+#include <algorithm>
+
 #include "core/cost.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
@@ -109,11 +111,12 @@ class Inserter {
   }
 
   void InsertAll() {
-    auto next = inclusions_.begin();
+    const Inclusion* next = inclusions_.data();
+    const Inclusion* const end = next + inclusions_.size();
     for (std::uint32_t loop = 0; loop < loops_.size(); ++loop) {
-      const auto first = next;
-      while (next != inclusions_.end() && next->later == loop) ++next;
-      Insert(loop, {first, next});
+      const Inclusion* const first = next;
+      while (next != end && next->later == loop) ++next;
+      Insert(loop, {first, static_cast<std::size_t>(next - first)});
     }
   }
 
@@ -163,10 +166,58 @@ class Inserter {
   bool anyMoved_ = false;
 };
 
+// Whether the loops have the same points in the same order.
+bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
+  const auto areEqual = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
+  return std::equal(a.pt().begin(), a.pt().end(), b.pt().begin(), b.pt().end(), areEqual);
+}
+
+// Runs of copies, of which each lies in the one before. They are nested as one: what lies in the first lies in the last.
+class CopyRuns {
+ public:
+  CopyRuns(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps) : count_(loops.size()) {
+    for (std::uint32_t i = 0; i < loops.size(); ++i) {
+      const bool isCopy = i > 0 && AreCopies(*loops[i - 1], *loops[i]);
+      if (!isCopy || !(i - 1 > first_.back() || LiesInCopy(*loops[i], eps))) first_.push_back(i);
+    }
+  }
+  bool AreAlone() const { return first_.size() == count_; }
+  std::vector<std::shared_ptr<ZBR_LOOP>> Firsts(std::span<const std::shared_ptr<ZBR_LOOP>> loops) const {
+    std::vector<std::shared_ptr<ZBR_LOOP>> firsts;
+    firsts.reserve(first_.size());
+    for (const std::uint32_t i : first_) firsts.push_back(loops[i]);
+    return firsts;
+  }
+  std::vector<std::uint32_t> ParentsOfAll(std::span<const std::uint32_t> parentsOfFirsts) const {
+    std::vector<std::uint32_t> parents(count_, kNoParent);
+    for (std::uint32_t run = 0; run < first_.size(); ++run) {
+      const std::uint32_t parent = parentsOfFirsts[run];
+      parents[first_[run]] = parent == kNoParent ? kNoParent : EndOf(parent) - 1;
+      for (std::uint32_t i = first_[run] + 1; i < EndOf(run); ++i) parents[i] = i - 1;
+    }
+    return parents;
+  }
+
+ private:
+  static bool LiesInCopy(const ZBR_LOOP& loop, double eps) {
+    IncludeScratch scratch;
+    LoopProbe copy(loop);
+    return IsLoopInside(LoopProbe(loop), copy, eps, scratch);
+  }
+  std::uint32_t EndOf(std::uint32_t run) const {
+    return run + 1 < first_.size() ? first_[run + 1] : static_cast<std::uint32_t>(count_);
+  }
+
+  std::size_t count_;
+  std::vector<std::uint32_t> first_;
+};
+
 }  // namespace
 
 std::vector<std::uint32_t> NestLoops(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps) {
-  return Inserter(loops, eps).Run();
+  const CopyRuns runs(loops, eps);
+  if (runs.AreAlone()) return Inserter(loops, eps).Run();
+  return runs.ParentsOfAll(Inserter(runs.Firsts(loops), eps).Run());
 }
 
 }  // namespace zbr

@@ -7,7 +7,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev libgeos-dev librsvg2-bin)
 check_packages=("${build_packages[@]}" binutils pkg-config clang libclang-rt-dev clang-format)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 googletest binutils)
+web_packages=(emscripten nodejs node-acorn cmake ninja-build nlohmann-json3-dev)
+page_packages=(chromium fonts-dejavu-core)
 lint_packages=("${check_packages[@]}" clang-tidy cppcheck)
+python_packages=(g++ cmake ninja-build nlohmann-json3-dev python3-dev python3-venv python3-pip python3-setuptools python3-wheel
+                 python3-numpy python3-pytest python3-hypothesis python3-shapely python3-ezdxf python3-matplotlib python3-mypy)
 bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev nlohmann-json3-dev
                 libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev libcgal-dev libopenmesh-dev)
 

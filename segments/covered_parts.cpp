@@ -14,8 +14,11 @@ namespace {
 bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, double width, std::pair<double, double>& range) {
   const ZBR_PT along = g.e() - g.s();
   const double length2 = along.Length2();
-  double t0 = along.InnerProduct(other.s() - g.s()) / length2;
-  double t1 = along.InnerProduct(other.e() - g.s()) / length2;
+  double t0 = along.InnerProduct(other.s() - g.s());
+  double t1 = along.InnerProduct(other.e() - g.s());
+  if ((t0 <= 0.0 && t1 <= 0.0) || (t0 >= length2 && t1 >= length2)) return false;
+  t0 /= length2;
+  t1 /= length2;
   ZBR_PT p0 = other.s();
   ZBR_PT p1 = other.e();
   if (t0 > t1) {
@@ -34,24 +37,36 @@ bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, double width
   return isNear(range.first) && isNear(range.second);
 }
 
+bool IsWhole(const std::pair<double, double>& range, double least) {
+  return !(range.first > least) && !(1.0 - range.second > least);
+}
+
+// Sorts the ranges and joins those that overlap.
+void Join(std::vector<std::pair<double, double>>& ranges) {
+  std::sort(ranges.begin(), ranges.end());
+  std::size_t kept = 0;
+  for (const auto& range : ranges) {
+    if (kept > 0 && range.first <= ranges[kept - 1].second) {
+      ranges[kept - 1].second = std::max(ranges[kept - 1].second, range.second);
+    } else {
+      ranges[kept++] = range;
+    }
+  }
+  ranges.resize(kept);
+}
+
 }  // namespace
 
 CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width)
-    : others_(others), segments_(segments), width_(width) {
-  const std::size_t n = segments.size() + others.size();
-  std::vector<ZBR_PT> centres(n);
-  for (std::size_t i = 0; i < n; ++i) centres[i] = (At(i).s() + At(i).e()) / 2.0;
-  order_ = SpatialOrder(centres);
-  const std::span<Box> leaves = tree_.StartLeaves(n);
-  for (std::size_t i = 0; i < n; ++i) leaves[i] = BoxOfSegment(At(order_[i]).s(), At(order_[i]).e());
-  tree_.BuildInner();
-}
+    : segments_(segments), width_(width), beside_(segments, others, width) {}
 
 std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
+  std::vector<ZBR_PT> centres;
+  centres.reserve(segments_.size());
+  for (const ZBR_SEG& g : segments_) centres.push_back((g.s() + g.e()) / 2.0);
   std::vector<Gap> gaps;
   Ranges ranges;
-  for (const std::uint32_t i : order_) {  // neighbours in the plane read the same part of the tree
-    if (i >= segments_.size()) continue;
+  for (const std::uint32_t i : SpatialOrder(centres)) {  // neighbours in the plane read the same part of the trees
     FindCovered(i, ranges);
     const double least = t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
     double from = 0.0;
@@ -66,20 +81,29 @@ std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
   return gaps;
 }
 
-void CoveredParts::FindCovered(std::size_t i, Ranges& ranges) const {
+// Where lines lie on each other by the hundred, the first few cover all there is.
+void CoveredParts::FindCovered(std::uint32_t i, Ranges& ranges) const {
   const double eps = t_tolerance.eps;
   const ZBR_SEG& g = segments_[i];
+  const double least = eps / g.s().Distance(g.e());
   const Box box = BoxOfSegment(g.s(), g.e()).Widened(width_);
+  constexpr std::size_t kMany = 64;
+  std::size_t limit = kMany;
   ranges.clear();
   std::pair<double, double> range;
-  tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
-             [&](std::uint32_t leaf) {
-               const std::size_t k = order_[leaf];
-               const bool counts = k < i || k >= segments_.size();
-               if (counts && RangeAlong(g, At(k), eps, width_, range)) ranges.push_back(range);
-               return true;
-             });
-  std::sort(ranges.begin(), ranges.end());
+  beside_.ForEach(i, [&](std::uint32_t k) {
+    if (k >= i && k < segments_.size()) return true;
+    const ZBR_SEG& other = beside_.At(k);
+    if (!RangeAlong(g, other, eps, width_, range) || !Overlap(box, BoxOfSegment(other.s(), other.e()))) return true;
+    ranges.push_back(range);
+    if (ranges.size() >= limit) {
+      Join(ranges);
+      limit = std::max(kMany, 2 * ranges.size());
+      range = ranges.front();
+    }
+    return !IsWhole(range, least);
+  });
+  Join(ranges);
 }
 
 }  // namespace zbr

@@ -7,12 +7,12 @@
 
 #include <zbr/planar.h>
 
-#include "core/box_tree.h"
+#include "segments/beside.h"
 
 namespace zbr {
 
-// A segment is covered where a segment of `others`, or an earlier one of `segments`, runs no farther than `width` beside it. n
-// log n on segments that are spread out. Refers to both lists.
+// A segment is covered where a segment of `others`, or an earlier one of `segments`, runs no farther than `width` beside it. About
+// n log n (beside.h). Refers to both lists.
 class CoveredParts {
  public:
   CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width);
@@ -29,15 +29,12 @@ class CoveredParts {
  private:
   using Ranges = std::vector<std::pair<double, double>>;
 
-  const ZBR_SEG& At(std::size_t i) const { return i < segments_.size() ? segments_[i] : others_[i - segments_.size()]; }
-  // The covered ranges of segment i, sorted.
-  void FindCovered(std::size_t i, Ranges& ranges) const;
+  // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
+  void FindCovered(std::uint32_t i, Ranges& ranges) const;
 
-  std::span<const ZBR_SEG> others_;
   std::span<const ZBR_SEG> segments_;
   double width_;
-  std::vector<std::uint32_t> order_;  // of both lists, segments first
-  BoxTree tree_;
+  Beside beside_;  // segments first
 };
 
 }  // namespace zbr

@@ -124,6 +124,36 @@ void AddCurves(CLI::App& command, bool& curves) {
   command.add_flag("--curves", curves, "Write arcs of circles to WKT as such, in CURVEPOLYGONs; DXF and pictures have them anyway");
 }
 
+// Of commands that write regions.
+void AddWriting(CLI::App& command, InputOptions& input) {
+  Writing& writing = input.writing;
+  AddCurves(command, writing.curves);
+  AddNumber(command, "--simplify", kLength, writing.simplify,
+            "Leave out points of results that are at most this far from the straight edges without them; curves stay");
+  command.add_flag("--entities", writing.dxf.entities,
+                   "Write a LINE, ARC, CIRCLE, ELLIPSE or SPLINE to DXF for each piece, in place of polylines");
+  command
+      .add_option_function<std::string>(
+          "--layer-by", [&input](const std::string& by) { input.flatten.pens = input.writing.dxf.keepsPens = by == "source"; },
+          "Layers of DXF files that are written: one for each operation (by default), or those of the drawings that edges come "
+          "from (source), with their colours and line types")
+      ->check(CLI::IsMember({"operation", "source"}).description(""))
+      ->type_name("WHAT");
+  AddDxfVersion(command, writing.dxf.version);
+}
+
+void AddPlacements(CLI::App& command, Placements& placements) {
+  const auto add = [&](const char* name, std::vector<std::string>& values, const char* typeName, const char* description) {
+    command.add_option(name, values, description)->allow_extra_args(false)->type_name(typeName);
+  };
+  add("--move", placements.move, "OPERAND=X,Y", "Move an operand, told by its letter, as in B=10,5; may be repeated for others");
+  add("--turn", placements.turn, "OPERAND=DEGREES", "Turn an operand counter-clockwise, before it is moved");
+  add("--scale", placements.scale, "OPERAND=FACTOR", "Scale an operand, before it is turned");
+  add("--mirror", placements.mirror, "OPERAND=AXIS", "Negate the x or the y coordinates of an operand, first of all");
+  add("--about", placements.about, "OPERAND=X,Y",
+      "The point that turning, scaling and mirroring leave in place; by default the origin");
+}
+
 void AddView(CLI::App& command, ViewOptions& view) {
   command.add_option("--view", view.view, "The view, by its name; by default iso. See 'zbr help views'")->type_name("VIEW");
   command.add_option("--look", view.look, "The view along this direction, in place of --view")->type_name("X,Y,Z");
@@ -150,6 +180,8 @@ CommandLine::CommandLine()
               "Print what a drawing holds: loops, vertices, area, box, depth of nesting; or a model, and what is wrong with it",
               info_);
   AddModelFormat(*app_.get_subcommand("info"), info_.modelFormat);
+  app_.get_subcommand("info")->add_flag(
+      "--json", info_.json, "Print a JSON object, with perimeter, centroid and second moments too; of models area and volume");
   DeclareCheck();
   DeclareDraw();
   DeclareOutline();
@@ -211,9 +243,9 @@ void CommandLine::DeclareBool() {
           "Read only these layers of the first drawing; with --layer-b one file may be both operands", "NAME,...");
   AddList(command, "--layer-b", bool_.layersB, "The same of the second drawing", "NAME,...");
   command.add_flag("--stats", bool_.stats, "Print edges, loops, areas and the milliseconds of each stage");
-  AddCurves(command, bool_.input.writing.curves);
   DeclareInput(command, bool_.input);
-  AddDxfVersion(command, bool_.input.writing.dxf);
+  AddWriting(command, bool_.input);
+  AddPlacements(command, bool_.placements);
 }
 
 void CommandLine::DeclareNest() {
@@ -222,9 +254,8 @@ void CommandLine::DeclareNest() {
   command.add_option("-o,--output", nest_.outputs, "File for the nested loops; without it they are listed")
       ->allow_extra_args(false)
       ->type_name("OUT");
-  AddCurves(command, nest_.input.writing.curves);
   DeclareInput(command, nest_.input);
-  AddDxfVersion(command, nest_.input.writing.dxf);
+  AddWriting(command, nest_.input);
 }
 
 void CommandLine::DeclareTransform() {
@@ -236,16 +267,16 @@ void CommandLine::DeclareTransform() {
       ->required()
       ->allow_extra_args(false)
       ->type_name("OUT");
-  AddChoice(command, "--mirror", transform_.mirror, {"x", "y"}, "Negate the x or the y coordinates", "AXIS");
-  AddNumber(command, "--scale", kFactor, transform_.scale, "Factor of all lengths");
-  AddNumber(command, "--turn", kTurn, transform_.turn, "Angle, counter-clockwise");
+  AddChoice(command, "--mirror", transform_.placement.mirror, {"x", "y"}, "Negate the x or the y coordinates", "AXIS");
+  AddNumber(command, "--scale", kFactor, transform_.placement.scale, "Factor of all lengths");
+  AddNumber(command, "--turn", kTurn, transform_.placement.turn, "Angle, counter-clockwise");
   command
-      .add_option("--about", transform_.about,
+      .add_option("--about", transform_.placement.about,
                   "The point that mirroring, scaling and turning leave in place; by default the origin")
       ->type_name("X,Y");
-  command.add_option("--move", transform_.move, "How far to move")->type_name("X,Y");
+  command.add_option("--move", transform_.placement.move, "How far to move")->type_name("X,Y");
   AddCurves(command, transform_.input.writing.curves);
-  AddDxfVersion(command, transform_.input.writing.dxf);
+  AddDxfVersion(command, transform_.input.writing.dxf.version);
   DeclareInput(command, transform_.input);
 }
 
@@ -267,9 +298,9 @@ void CommandLine::DeclareCheck() {
   command.add_option("-o,--output", check_.outputs, "File for the repaired region; needs --fix")
       ->allow_extra_args(false)
       ->type_name("OUT");
-  AddCurves(command, check_.input.writing.curves);
+  command.add_flag("--json", check_.json, "Print a JSON object with every place of every finding");
   DeclareInput(command, check_.input);
-  AddDxfVersion(command, check_.input.writing.dxf);
+  AddWriting(command, check_.input);
 }
 
 void CommandLine::DeclareDraw() {
@@ -287,6 +318,19 @@ void CommandLine::DeclareDraw() {
   command.add_option("--look", draw_.look, "A view along this direction, beside those of --view")->type_name("X,Y,Z");
   command.add_option("--up", draw_.up, "With --look: the direction that is drawn upwards; by default that of --axes")
       ->type_name("X,Y,Z");
+  command
+      .add_option("--eye", draw_.eye,
+                  "A perspective from this point beside the views of --view: to the middle of the model, or along --look")
+      ->type_name("X,Y,Z");
+  AddNumber(
+      command, "--fov", kDegrees, draw_.fov,
+      "With --eye: cut the picture off at this angle, at most 170; by default all is drawn, and 60 if the eye is within the model");
+  command
+      .add_option("--section", draw_.sections,
+                  "A section beside the other views: X=10, seen as the right view is; Y=5..20, what lies between two planes; or "
+                  "1,0,1=7.5, a plane at that distance from the origin, seen from there. May be repeated")
+      ->allow_extra_args(false)
+      ->type_name("PLANE");
   AddAxes(command, draw_.axes);
   AddNumber(command, "--crease", kDegrees, draw_.crease, "Draw edges at which the surface bends by more than this; by default 30");
   AddWeld(command, draw_.weld);
@@ -328,6 +372,7 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       .add_option("--paper", draw_.paper,
                   "A4 to A0, lying or standing as it suits, or WIDTHxHEIGHT in mm; by default A4 for one view and A3 for several")
       ->type_name("SIZE");
+  command.add_flag("--centre-lines", draw_.centreLines, "Draw the centres and axes of circles and cylinders as chain lines");
   command.add_flag(
       "--fill", draw_.fill,
       "Fill what each object covers and nearer ones leave visible: in SVG in a light shade, in DXF as closed polylines on "
@@ -394,7 +439,10 @@ void CommandLine::DeclareClip() {
   AddList(command, "--region-layer", clip_.regionLayers,
           "Read only these layers of the region's file; --layer chooses among those of the lines", "NAME,...");
   DeclareInput(command, clip_.input);
-  AddDxfVersion(command, clip_.input.writing.dxf);
+  AddChoice(command, "--layer-by", clip_.layerBy, {"side", "source"},
+            "Colours and line types of DXF files that are written: by the side (by default), or those of the lines (source)",
+            "WHAT");
+  AddDxfVersion(command, clip_.input.writing.dxf.version);
 }
 
 void CommandLine::DeclareFile(const std::string& name, const std::string& description, FileOptions& options) {
@@ -433,13 +481,14 @@ int CommandLine::RunChosen() {
   if (app_.got_subcommand("bool")) return RunBool(bool_);
   if (app_.got_subcommand("clip")) return RunClip(clip_);
   if (app_.got_subcommand("nest")) return RunNest(nest_);
-  for (std::string* text : {&transform_.move, &transform_.about}) *text = Unprotected(*text);
+  for (std::string* text : {&transform_.placement.move, &transform_.placement.about}) *text = Unprotected(*text);
   if (app_.got_subcommand("transform")) return RunTransform(transform_);
   for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);
   }
-  for (std::string* text : {&draw_.look, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &draw_.number, &draw_.author,
-                            &draw_.date, &pick_.view.look, &pick_.view.up, &outline_.view.look, &outline_.view.up})
+  for (std::string& section : draw_.sections) section = Unprotected(section);
+  for (std::string* text : {&draw_.look, &draw_.eye, &draw_.up, &draw_.scale, &draw_.paper, &draw_.title, &draw_.number,
+                            &draw_.author, &draw_.date, &pick_.view.look, &pick_.view.up, &outline_.view.look, &outline_.view.up})
     *text = Unprotected(*text);
   if (app_.got_subcommand("inside")) return RunInside(inside_);
   if (app_.got_subcommand("info")) return RunInfo(info_);

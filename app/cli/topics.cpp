@@ -15,14 +15,16 @@ Boundaries of HATCH are taken where nothing else is drawn. What is tilted is see
 kept; other drawings in other units are converted to those of the first. Layers that are off or frozen are left
 out, but for --all-layers. Arcs stay arcs; other formats get
 chords (--deviation). All that is left out is noted; --strict makes it an error where it may bear
-contours. Results are on a layer named after each operation, by default as AutoCAD 2000 has it (--dxf-version).
+contours. Results are on a layer named after each operation, or with --layer-by source on those of the drawings; they are closed
+polylines, or with --entities lines, arcs and so on; by default as AutoCAD 2000 has it (--dxf-version).
 
 GeoJSON (read and written): Polygon and MultiPolygon, alone or in Feature, FeatureCollection and
 GeometryCollection. Polygons of one file are united. Results are a FeatureCollection with one
 MultiPolygon for each operation.
 
-WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, any number in one file. Polygons of one
-file are united. Results are one line for each operation.
+WKT (read and written): POLYGON, MULTIPOLYGON and GEOMETRYCOLLECTION, and with arcs CURVEPOLYGON and MULTISURFACE, any
+number in one file. Polygons of one file are united. Results are one line for each operation, with arcs if --curves
+says so.
 
 text (read and written): one "x y" or "x y z" a line, a blank line between loops, '#' starts a comment:
 
@@ -112,6 +114,10 @@ An edge of a triangle is drawn when it is a border (of one triangle), a crease (
 tangent (a fillet or another bent face ends there); and lines are drawn where surfaces pass through each other. Triangles that
 share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
 
+--section PLANE adds a section: X=10, Y=10 and Z=10 are seen as the views right, front and top are (with y up, Z from the
+front, Y from above); 1,0,1=7.5 is the plane at the distance 7.5 from the origin in that direction, seen from there; X=5..20
+leaves what lies between two planes. Cut faces are hatched; the first view that sees the plane edge-on shows where it is.
+
 Each file and each --object is an object: its surfaces are joined with each other, not with those of other objects.
 
 Several views make a sheet. In first-angle projection the view from above stands below the front view and the view
@@ -120,7 +126,8 @@ corner. All views have the same scale; SVG, PDF and DXF are in millimetres on pa
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
   PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME
-  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE
+  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE; with sections SECTION,
+        HATCHING and CENTER (cutting planes)
   JSON  every line with its points, in the unit of the model, and the edges it is part of
 
 Edges that are chords of one circle are drawn as what they stand for: circles, ellipses and arcs. A chord spans at
@@ -152,6 +159,14 @@ The difference as DXF and as WKT, with sizes and times:
 Loops through a pipe:
 
   zbr bool --op xor a.txt b.txt -o - | zbr info - --format text
+
+A plate without a drawing of a part that is turned and moved to its place:
+
+  zbr bool --op a-b plate.dxf part.dxf --turn B=30 --move B=120,45 -o cut.dxf
+
+Sizes for a program:
+
+  zbr info plate.dxf --json
 
 Which of the points are in the drawing:
 

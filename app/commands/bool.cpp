@@ -152,7 +152,7 @@ std::string PictureOf(const Run& run, const std::vector<std::size_t>& results) {
   return WriteSvg(picture);
 }
 
-void WriteOutputs(const Run& run, const Writing& writing) {
+void WriteOutputs(const Run& run) {
   OutputFiles files;
   for (const OutputPlan& plan : run.plans) {
     if (plan.format == Format::kSvg) {
@@ -161,9 +161,18 @@ void WriteOutputs(const Run& run, const Writing& writing) {
     }
     std::vector<Layer> layers;
     for (const std::size_t i : plan.results) layers.push_back(run.results[i]);
-    files.Add(plan.file, WriteResults(plan.format, layers, run.loaded.units, writing));
+    files.Add(plan.file, WriteResults(plan.format, layers, run.loaded.units, run.loaded.writing));
   }
   files.Commit();
+}
+
+// What the operands have for themselves.
+std::vector<OperandOptions> OperandsOf(const BoolOptions& options, std::size_t count) {
+  std::vector<OperandOptions> operands;
+  for (const std::optional<Affine>& map : MapsOf(options.placements, count)) operands.push_back({{}, map});
+  operands[0].layers = options.layersA;
+  if (count > 1) operands[1].layers = options.layersB;
+  return operands;
 }
 
 // One file may be both operands, by its layers.
@@ -186,14 +195,15 @@ int RunBool(const BoolOptions& options) {
 
   Stopwatch watch;
   Stats stats;
-  run.loaded = Load(inputs, options.input, progress, {options.layersA, options.layersB});
+  run.loaded = Load(inputs, options.input, progress, OperandsOf(options, inputs.size()));
   stats.Stage("read", watch.Lap());
 
   for (const Contours& contours : run.loaded.contours) run.regions.push_back(LoadRegion(contours, options.input, progress));
   stats.Stage("check", watch.Lap());
 
   progress.Stage("combining");
-  for (const CurvedRegion& result : Combine(run)) run.results.push_back(MakeLayer(names[run.results.size()], result));
+  for (const CurvedRegion& result : Combine(run))
+    run.results.push_back(ResultLayer(names[run.results.size()], result, run.loaded.writing));
   NoteBeside(run.results, progress);
   stats.Stage("boolean", watch.Lap());
 
@@ -203,7 +213,7 @@ int RunBool(const BoolOptions& options) {
     for (const Region& region : run.regions)
       run.operands.push_back(MakeLayer(BaseName(inputs[run.operands.size()]), CurvedShape(region)));
   }
-  WriteOutputs(run, options.input.writing);
+  WriteOutputs(run);
   stats.Stage("write", watch.Lap());
   progress.Stage("");
 

@@ -124,7 +124,7 @@ class OriginsAlong {
 };
 
 SpaceLine LineOf(PieceOfLine&& piece, const SpaceLine& line, const Run& run) {
-  SpaceLine placed{Out(run.frame, std::move(piece.points)), line.layer, std::move(piece.origins), {}};
+  SpaceLine placed{Out(run.frame, std::move(piece.points)), line.layer, std::move(piece.origins), {}, line.lineType, line.colour};
   const auto isRaised = [](const ZBR_PT3& p) { return p.z() != 0; };
   if (placed.origins.empty() || std::any_of(placed.points.begin(), placed.points.end(), isRaised)) return placed;
   std::vector<ZBR_PT> points;
@@ -230,11 +230,15 @@ std::string PictureOf(const Run& run, const Parts& parts) {
   plot.title = run.linesName + " and " + run.regionName;
   plot.caption = parts.size() == 2 ? "Lines inside and outside" : std::string("Lines ") + NameOf(parts[0]->side);
   plot.units = run.units;
-  plot.items.push_back({run.regionName, run.region.area, run.region.loops, {}, "#e8edf3", "#94a3b8", 1.0});
+  plot.items.push_back({run.regionName, run.region.area, run.region.loops, {}, "#e8edf3", "#94a3b8", 1.0, run.region.outlines});
   for (const Part* const part : parts) {
     const bool isInside = part->side == Side::kInside;
     PlotItem item{NameOf(part->side), LengthOf(part->lines), {}, {}, "", isInside ? "#0f766e" : "#d97706", 1.5};
     for (const SpaceLine& line : part->lines) {
+      if (!line.outline.points.empty()) {
+        item.paths.push_back(line.outline);
+        continue;
+      }
       std::vector<ZBR_PT>& points = item.lines.emplace_back();
       for (const ZBR_PT3& p : line.points) points.push_back(p.xy());
     }
@@ -243,14 +247,15 @@ std::string PictureOf(const Run& run, const Parts& parts) {
   return WriteSvg(plot);
 }
 
-void WriteOutputs(const Run& run, const std::vector<OutputPlan>& plans, DxfVersion version) {
+void WriteOutputs(const Run& run, const std::vector<OutputPlan>& plans, DxfStyle style) {
+  style.layers = run.drawing.layers;
+  style.lineTypes = run.drawing.lineTypes;
   OutputFiles files;
   for (const OutputPlan& plan : plans) {
     Parts parts;
     for (const std::size_t i : plan.results) parts.push_back(&run.parts[i]);
-    files.Add(plan.file, plan.format == Format::kSvg
-                             ? PictureOf(run, parts)
-                             : WriteLines(plan.format, LayersOf(parts), run.units, run.hasHeights, version));
+    files.Add(plan.file, plan.format == Format::kSvg ? PictureOf(run, parts)
+                                                     : WriteLines(plan.format, LayersOf(parts), run.units, run.hasHeights, style));
   }
   files.Commit();
 }
@@ -294,7 +299,9 @@ int RunClip(const ClipOptions& options) {
   stages.emplace_back("clip", watch.Lap());
   progress.Stage("writing");
   run.region = MakeLayer(run.regionName, shape);
-  WriteOutputs(run, plans, options.input.writing.dxf);
+  DxfStyle style = options.input.writing.dxf;
+  style.keepsPens = options.layerBy == "source";
+  WriteOutputs(run, plans, style);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");
   if (options.stats || plans.empty()) std::fputs(Report(run, stages).c_str(), UsesStandardOutput(plans) ? stderr : stdout);

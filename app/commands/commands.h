@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/placement.h"
 #include "app/commands/view_options.h"
 #include "app/libraries.h"
 
@@ -18,8 +19,10 @@ inline constexpr int kExitError = 2;
 
 // How results are written.
 struct Writing {
-  bool curves = false;  // WKT with arcs
-  DxfVersion dxf = DxfVersion::kR2000;
+  bool curves = false;     // WKT with arcs
+  double deviation = 0.0;  // of the chords of its other curves; 0: 1/10000 of the larger side
+  double simplify = -1.0;  // tolerance within which points are left out; negative: all stay
+  DxfStyle dxf;
 };
 
 // Options of every command that reads drawings.
@@ -39,6 +42,7 @@ struct BoolOptions {
   std::vector<std::string> operations;
   std::vector<std::string> files;             // A, B and so on
   std::vector<std::string> layersA, layersB;  // of the first two; empty: those of the input
+  Placements placements;
   std::vector<std::string> outputs;
   bool stats = false;
 };
@@ -59,15 +63,14 @@ struct TransformOptions {
   InputOptions input;
   std::string file;
   std::vector<std::string> outputs;
-  std::string move, mirror, about;  // "X,Y"; the axis that is mirrored; "X,Y"
-  double turn = 0.0;                // degrees
-  double scale = 1.0;
+  Placement placement;
 };
 
 struct FileOptions {
   InputOptions input;
   std::string file;
-  std::string modelFormat;  // of info alone; set: the file is a model
+  std::string modelFormat;  // set: the file is a model
+  bool json = false;
 };
 
 struct CheckOptions {
@@ -75,17 +78,21 @@ struct CheckOptions {
   std::string file;
   std::vector<std::string> outputs;
   bool fix = false;  // outputs get the region that the drawing is taken for
+  bool json = false;
 };
 
 struct DrawOptions {
   std::vector<std::string> models;
   std::vector<std::string> objects;  // further ones, "FILE,DX,DY,DZ"
   std::vector<std::string> outputs;
-  std::vector<std::string> views;  // names
-  std::string look, up, axes;      // as in ViewOptions; a view beside the named ones
-  std::string modelFormat;         // of models whose names do not tell
-  std::string sheet;               // "first", "third" or empty: by the number of views
-  std::string hidden;              // empty: dashed, in views along an axis only
+  std::vector<std::string> views;     // names
+  std::string look, up, axes;         // as in ViewOptions; a view beside the named ones
+  std::string eye;                    // three numbers: a perspective from there, to the middle of the model or along `look`
+  double fov = 0.0;                   // degrees of it; 0: everything
+  std::vector<std::string> sections;  // planes, a view for each
+  std::string modelFormat;            // of models whose names do not tell
+  std::string sheet;                  // "first", "third" or empty: by the number of views
+  std::string hidden;                 // empty: dashed, in views along an axis only
   std::string tangent = "none";
   std::string intersections = "on";
   std::string curves = "on";
@@ -98,6 +105,7 @@ struct DrawOptions {
   double weld = 0.0;
   double contact = -1.0;  // negative: from the coordinates
   unsigned jobs = 0;      // 0: as many as there are processors
+  bool centreLines = false;
   bool fill = false;
   bool stats = false;
   DxfVersion dxf = DxfVersion::kR2000;  // of outputs
@@ -131,6 +139,7 @@ struct ClipOptions {
   std::string lines, region;
   std::vector<std::string> outputs;
   bool outside = false, both = false;
+  std::string layerBy;  // "source": lines keep their colours and line types
   bool stats = false;
 };
 

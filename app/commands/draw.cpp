@@ -33,12 +33,14 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.intersections = plan.intersections;
   options.tangents = plan.tangents;
   options.curves = plan.curves;
+  options.centreLines = plan.centreLines;
   options.outlines = plan.fill;
   options.threads = plan.threads;
   options.contact = plan.contact;
   options.progress = [&](std::size_t view, DrawStage stage) {
     // Stages left out take no time.
-    std::fill(times[view].begin() + static_cast<std::ptrdiff_t>(stage), times[view].end(), Clock::now());
+    std::replace(times[view].begin(), times[view].begin() + static_cast<std::ptrdiff_t>(stage) + 1, Clock::time_point(),
+                 Clock::now());
     if (stage == DrawStage::kDone) ++done;
     if (stage != DrawStage::kScene) return;
     const std::string counter =
@@ -82,6 +84,21 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<Ob
   }
 }
 
+void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
+  for (const ViewLines& view : views) {
+    if (!view.section) continue;
+    const std::size_t open = view.section->openLines, bridged = view.section->bridged;
+    const std::string isOpen = view.name + ": note: the model is open there: ";
+    if (bridged > 0)
+      progress.Note(isOpen + std::to_string(bridged) + (bridged == 1 ? " cut was" : " cuts were") +
+                    " closed across a small opening");
+    if (open > 0)
+      progress.Note(isOpen + std::to_string(open) + (open == 1 ? " cut does" : " cuts do") +
+                    " not close, and nothing is hatched beside " + (open == 1 ? "it" : "them"));
+    if (view.section->faces.empty() && open == 0) progress.Note(view.name + ": note: the plane cuts nothing");
+  }
+}
+
 // A crease angle that was chosen is not talked about.
 void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
   constexpr double kUsual = 30.0;
@@ -97,13 +114,14 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  const Objects objects = ReadObjects(plan.objects, options.modelFormat);
-  plan.views = ChooseViews(options, objects.mesh.yUp);
+  Objects objects = ReadObjects(plan.objects, options.modelFormat);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
+  plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
+  objects.mesh = {};  // all there is to know is in the model
   NoteRoughness(model, plan.objects.front().file, options, progress);
   const double prepared = watch.Lap();
 
@@ -112,6 +130,7 @@ int RunDraw(const DrawOptions& options) {
   const Clock::time_point begin = Clock::now();
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
   NoteEmptyOutlines(views, objects.sources, progress);
+  NoteSections(views, progress);
   watch.Lap();
 
   progress.Stage("writing");

@@ -15,9 +15,11 @@ namespace tool {
 namespace {
 
 constexpr const char* kLook = "look";
+constexpr const char* kEye = "eye";
 
 std::size_t ViewCount(const DrawOptions& options) {
-  return std::max<std::size_t>(options.views.size() + (options.look.empty() ? 0 : 1), 1);
+  return std::max<std::size_t>(
+      options.views.size() + (options.look.empty() && options.eye.empty() ? 0 : 1) + options.sections.size(), 1);
 }
 
 SheetFormat FormatOfSheet(const std::string& file, const std::string& chosen) {
@@ -54,11 +56,36 @@ SheetOptions PlanSheet(const DrawOptions& options, const std::vector<PlacedFile>
   return sheet;
 }
 
+// Without the model only what the options themselves say is looked at.
+View EyeView(const DrawOptions& options, bool yUp, const ZBR_PT3& middle, bool known) {
+  const ZBR_PT3 eye = ParseVector(options.eye, "--eye");
+  ZBR_PT3 at = known ? middle : eye + ZBR_PT3(1, 1, 1);
+  if (!options.look.empty()) {
+    const ZBR_PT3 ahead = -LookView(options.look, options.up, yUp).toViewer;
+    const double distance = ahead.InnerProduct(at - eye);
+    at = eye + ahead * (distance > 0 ? distance : std::max(eye.Distance(at), 1e-6));
+  }
+  const ZBR_PT3 up = options.up.empty() ? (yUp ? ZBR_PT3(0, 1, 0) : ZBR_PT3(0, 0, 1)) : ParseVector(options.up, "--up");
+  return ForOption("--eye", [&] { return LookFrom(eye, at, up, options.fov); });
+}
+
+// A-A, B-B and so on; some letters look like numbers.
+void AddSections(const std::vector<std::string>& sections, bool yUp, std::vector<NamedDirection>& views) {
+  const std::string letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+  if (sections.size() > letters.size())
+    throw Failure("--section: there are letters for " + std::to_string(letters.size()) + " sections only");
+  for (std::size_t k = 0; k < sections.size(); ++k) {
+    const SectionPlane plane = ForOption("--section", [&] { return ParseSection(sections[k], yUp); });
+    views.push_back({std::string(1, letters[k]) + "-" + letters[k], SectionView(plane, yUp), plane});
+  }
+}
+
 }  // namespace
 
 DrawPlan PlanDraw(const DrawOptions& options) {
-  if (!options.up.empty() && options.look.empty()) throw Failure("--up needs --look");
-  ChooseViews(options, false);
+  if (!options.up.empty() && options.look.empty() && options.eye.empty()) throw Failure("--up needs --look or --eye");
+  if (options.fov != 0 && options.eye.empty()) throw Failure("--fov needs --eye");
+  ChooseViews(options, false, std::nullopt);
   DrawPlan plan;
   plan.objects = ListObjects(options.models, options.objects);
   plan.sheet = PlanSheet(options, plan.objects);
@@ -77,11 +104,12 @@ DrawPlan PlanDraw(const DrawOptions& options) {
                                            : HiddenLines::kInAllViews;
   plan.intersections = options.intersections == "on";
   plan.tangents = options.tangent != "none";
+  plan.centreLines = options.centreLines;
   plan.fill = options.fill;
   return plan;
 }
 
-std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile) {
+std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile, const std::optional<ZBR_PT3>& middle) {
   const bool yUp = YUp(options.axes, yUpInFile);
   std::vector<NamedDirection> views;
   for (const std::string& name : options.views) {
@@ -89,7 +117,13 @@ std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFi
       throw Failure("--view: " + Quoted(name) + " is named twice");
     views.push_back({name, ViewByName(name, yUp)});
   }
-  if (!options.look.empty()) views.push_back({kLook, LookView(options.look, options.up, yUp)});
+  if (!options.eye.empty()) {
+    const View view = EyeView(options, yUp, middle.value_or(ZBR_PT3()), middle.has_value());
+    views.push_back({kEye, view});
+  } else if (!options.look.empty()) {
+    views.push_back({kLook, LookView(options.look, options.up, yUp)});
+  }
+  AddSections(options.sections, yUp, views);
   if (views.empty()) views.push_back({"iso", ViewByName("iso", yUp)});
   return views;
 }

@@ -5,6 +5,7 @@
 #include <zbr-drawing/views.h>
 #include <zbr-formats/sheets.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,13 +30,15 @@ struct DrawPlan {
   HiddenLines hidden = HiddenLines::kInPrincipalViews;
   bool intersections = true;
   bool tangents = true;
+  bool centreLines = false;
   bool fill = false;
 };
 
 // All but the views, which depend on what the models say. Fails on options that make no sense, before anything is read.
 DrawPlan PlanDraw(const DrawOptions& options);
 
-// Named views in the order given, then the one of --look; iso if there is none. Fails on views named twice.
-std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile);
+// Named views in the order given, then the one of --look or --eye, then sections; iso if there is none. `middle` is that of the
+// model; without it the view of --eye is left out. Fails on views named twice.
+std::vector<NamedDirection> ChooseViews(const DrawOptions& options, bool yUpInFile, const std::optional<ZBR_PT3>& middle);
 
 }  // namespace tool

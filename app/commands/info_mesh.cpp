@@ -1,6 +1,7 @@
 // zbr info of a model: its size and shells, and what keeps them from being closed surfaces that face outwards.
 #include "app/commands/info_mesh.h"
 
+#include <zbr-drawing/measures.h>
 #include <zbr-drawing/numbers.h>
 #include <zbr-drawing/survey.h>
 #include <zbr-formats/files.h>
@@ -10,6 +11,7 @@
 #include <cctype>
 #include <string>
 
+#include "app/commands/json.h"
 #include "app/commands/report.h"
 #include "app/io/output_files.h"
 #include "app/io/progress.h"
@@ -64,6 +66,78 @@ void AddFindings(const Survey& survey, Report& report) {
   if (survey.IsClean()) report.Line("clean", "closed surfaces that face outwards");
 }
 
+std::string TextReport(const FileOptions& options, const Mesh& mesh, const Model& model, const Survey& survey) {
+  Report report;
+  report.Line("file", BaseName(options.file));
+  report.Line("format", FormatName(options));
+  report.Line("triangles", std::to_string(mesh.triangles.size()));
+  report.Line("points", std::to_string(model.pointCount));
+  report.Line("box", PointText(model.low) + " to " + PointText(model.high));
+  AddShells(survey, report);
+  AddFindings(survey, report);
+  return report.Listed(kReportColumn);
+}
+
+bool BoundsVolume(const ShellSurvey& shell) {
+  return shell.isClosed && shell.turned == 0;
+}
+
+Json ShellsJson(const Model& model, const Survey& survey) {
+  Json shells = Json::array();
+  for (std::size_t s = 0; s < survey.shells.size(); ++s) {
+    const ShellSurvey& shell = survey.shells[s];
+    const ModelMeasures measures = MeasuresOf(model, s);
+    shells.push_back({{"triangles", shell.triangles},
+                      {"closed", shell.isClosed},
+                      {"facing", model.facing[s] == Facing::kUnknown ? Json() : Json(shell.isInward ? "inwards" : "outwards")},
+                      {"euler", shell.euler},
+                      {"genus", shell.genus < 0 ? Json() : Json(shell.genus)},
+                      {"area", measures.area},
+                      {"volume", BoundsVolume(shell) ? Json(measures.volume) : Json()}});
+  }
+  return shells;
+}
+
+// Of all shells together: those that face inwards are cavities.
+Json VolumeJson(const Model& model, const Survey& survey, Json& centroid) {
+  double volume = 0.0;
+  ZBR_PT3 moment;
+  for (std::size_t s = 0; s < survey.shells.size(); ++s) {
+    if (!BoundsVolume(survey.shells[s])) return {};
+    const ModelMeasures measures = MeasuresOf(model, s);
+    volume += measures.volume;
+    moment += (measures.centroid - model.low) * measures.volume;
+  }
+  if (volume != 0) centroid = JsonOf(model.low + moment / volume);
+  return volume;
+}
+
+std::string JsonReport(const FileOptions& options, const Mesh& mesh, const Model& model, const Survey& survey) {
+  double area = 0.0;
+  for (std::size_t s = 0; s < survey.shells.size(); ++s) area += MeasuresOf(model, s).area;
+  Json centroid;
+  const Json volume = VolumeJson(model, survey, centroid);
+  const Json json = {{"file", BaseName(options.file)},
+                     {"format", FormatName(options)},
+                     {"triangles", mesh.triangles.size()},
+                     {"points", model.pointCount},
+                     {"box", {{"low", JsonOf(model.low)}, {"high", JsonOf(model.high)}}},
+                     {"area", area},
+                     {"volume", volume},
+                     {"centroid", centroid},
+                     {"clean", survey.IsClean()},
+                     {"faults",
+                      {{"open", survey.borders},
+                       {"junction", survey.junctions},
+                       {"turned", survey.turned},
+                       {"pinched", survey.pinches},
+                       {"repeated", survey.repeated},
+                       {"flat", survey.flat},
+                       {"inward", survey.inward}}},
+                     {"shells", ShellsJson(model, survey)}};
+  return TextOf(json);
+}
+
 }  // namespace
 
 int RunMeshInfo(const FileOptions& options) {
@@ -74,17 +148,9 @@ int RunMeshInfo(const FileOptions& options) {
   progress.Stage("examining");
   constexpr double kAnyCrease = 180;  // no lines are drawn
   const Model model = MakeModel(mesh, kAnyCrease);
-  Report report;
-  report.Line("file", BaseName(options.file));
-  report.Line("format", FormatName(options));
-  report.Line("triangles", std::to_string(mesh.triangles.size()));
-  report.Line("points", std::to_string(model.pointCount));
-  report.Line("box", PointText(model.low) + " to " + PointText(model.high));
   const Survey survey = MakeSurvey(model);
-  AddShells(survey, report);
-  AddFindings(survey, report);
   progress.Stage("");
-  WriteToStandardOutput(report.Listed(kReportColumn));
+  WriteToStandardOutput((options.json ? JsonReport : TextReport)(options, mesh, model, survey));
   return kExitFine;
 }
 

@@ -45,6 +45,15 @@ void NoteForks(const Contours& contours, Progress& progress) {
                 "; what they enclose together is taken, see --faces");
 }
 
+// Of a name that several files describe the first description counts.
+template <class Entry>
+void AddNew(std::vector<Entry>&& entries, std::vector<Entry>& all) {
+  for (Entry& entry : entries) {
+    const auto isSame = [&](const Entry& other) { return other.name == entry.name; };
+    if (std::none_of(all.begin(), all.end(), isSame)) all.push_back(std::move(entry));
+  }
+}
+
 const char* VerbFor(ZBR_REGION_FAULT_KIND kind) {
   return kind == ZBR_FAULT_CROSSING ? "crosses" : (kind == ZBR_FAULT_OVERLAP ? "runs along" : "turns back on");
 }
@@ -71,7 +80,7 @@ void ConvertUnits(Drawing& drawing, int units, Progress& progress) {
 }
 
 Loaded Load(const std::vector<std::string>& files, const InputOptions& options, Progress& progress,
-            const std::vector<std::vector<std::string>>& layers) {
+            const std::vector<OperandOptions>& operands) {
   const Format fallback = FormatOption(options);
   if (std::count(files.begin(), files.end(), "-") > 1) throw Failure("-: standard input can be read only once");
   Loaded loaded;
@@ -79,11 +88,14 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   Extent extent;
   for (const std::string& file : files) {
     const std::size_t place = drawings.size();
-    const bool isOwn = place < layers.size() && !layers[place].empty();
+    const bool isOwn = place < operands.size() && !operands[place].layers.empty();
     InputOptions ofFile = options;
-    if (isOwn) ofFile.layers = layers[place];
+    if (isOwn) ofFile.layers = operands[place].layers;
     Drawing& drawing = drawings.emplace_back(ReadInput(file, Content::kRegions, ofFile, progress));
     ConvertUnits(drawing, drawings.front().units, progress);
+    for (Path& path : drawing.paths) {
+      if (place < operands.size() && operands[place].map) Map(path, *operands[place].map);
+    }
     for (const Path& path : drawing.paths) {
       if (!path.layer.empty()) loaded.layers.emplace(path.layer);
     }
@@ -92,8 +104,20 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
   }
   loaded.units = drawings.front().units;
   loaded.format = FormatOf(files.front(), fallback);
-  loaded.contours = MakeContours(std::move(drawings), WithDefaults(options.flatten, extent));
+  const FlattenOptions flatten = WithDefaults(options.flatten, extent);
+  loaded.writing = options.writing;
+  loaded.writing.deviation = flatten.deviation;
+  for (Drawing& drawing : drawings) {
+    if (!options.flatten.pens) break;
+    AddNew(std::move(drawing.layers), loaded.writing.dxf.layers);
+    AddNew(std::move(drawing.lineTypes), loaded.writing.dxf.lineTypes);
+  }
+  loaded.contours = MakeContours(std::move(drawings), flatten);
   return loaded;
+}
+
+Layer ResultLayer(const std::string& name, const CurvedRegion& shape, const Writing& writing) {
+  return MakeLayer(name, writing.simplify < 0 ? shape : Simplified(shape, writing.simplify));
 }
 
 void NoteOpen(const Contours& contours, const InputOptions& options, Progress& progress) {

@@ -40,7 +40,7 @@ std::vector<CurvedRegion> CellsOf(const Contours& contours) {
   int current = -1;
   for (const Ring& ring : contours.rings) {
     const bool isOuter = cells.empty() || ring.polygon != current;
-    if (isOuter) cells.push_back({{}, {}, contours.curves});
+    if (isOuter) cells.push_back({{}, {}, contours.curves, contours.pens});
     current = ring.polygon;
     cells.back().rings.AddRing(ring.points, isOuter);
     cells.back().origins.insert(cells.back().origins.end(), ring.origins.begin(), ring.origins.end());
@@ -61,7 +61,7 @@ std::string ListCells(const std::vector<CurvedRegion>& cells) {
 std::string WriteCells(Format format, const std::string& name, const std::vector<CurvedRegion>& cells, int units,
                        const Writing& writing) {
   std::vector<Layer> layers;
-  for (std::size_t i = 0; i < cells.size(); ++i) layers.push_back(MakeLayer("cell " + std::to_string(i + 1), cells[i]));
+  for (std::size_t i = 0; i < cells.size(); ++i) layers.push_back(ResultLayer("cell " + std::to_string(i + 1), cells[i], writing));
   if (format != Format::kDxf && format != Format::kSvg) return WriteResults(format, layers, units, writing);
   Layer all;
   all.name = name;
@@ -69,6 +69,7 @@ std::string WriteCells(Format format, const std::string& name, const std::vector
     all.loops.insert(all.loops.end(), layer.loops.begin(), layer.loops.end());
     all.outlines.insert(all.outlines.end(), layer.outlines.begin(), layer.outlines.end());
     all.area += layer.area;
+    all.pens = layer.pens;
   }
   return WriteRegion(format, all, units, writing);
 }
@@ -85,13 +86,12 @@ int RunNest(const NestOptions& options) {
     NoteOpen(loaded.contours.front(), options.input, progress);
     const std::vector<CurvedRegion> cells = CellsOf(loaded.contours.front());
     if (plans.empty()) files.Add("-", ListCells(cells));
-    for (const OutputPlan& plan : plans)
-      files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units, options.input.writing));
+    for (const OutputPlan& plan : plans) files.Add(plan.file, WriteCells(plan.format, name, cells, loaded.units, loaded.writing));
   } else {
     const CurvedRegion shape = CurvedShape(LoadRegion(loaded.contours.front(), options.input, progress));
     if (plans.empty()) files.Add("-", List(shape.rings));
     for (const OutputPlan& plan : plans)
-      files.Add(plan.file, WriteRegion(plan.format, MakeLayer(name, shape), loaded.units, options.input.writing));
+      files.Add(plan.file, WriteRegion(plan.format, ResultLayer(name, shape, loaded.writing), loaded.units, loaded.writing));
   }
   progress.Stage("");
   files.Commit();

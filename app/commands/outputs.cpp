@@ -64,7 +64,8 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
 }
 
 std::string WriteResults(Format format, const std::vector<Layer>& layers, int units, const Writing& writing) {
-  return writing.curves && format == Format::kWkt ? WriteWktCurves(layers) : WriteDrawing(format, layers, units, writing.dxf);
+  return writing.curves && format == Format::kWkt ? WriteWktCurves(layers, writing.deviation)
+                                                  : WriteDrawing(format, layers, units, writing.dxf);
 }
 
 std::string WriteRegion(Format format, const Layer& layer, int units, const Writing& writing) {

@@ -16,24 +16,6 @@
 namespace tool {
 namespace {
 
-// "X,Y", the origin where nothing is given.
-ZBR_PT PointOf(const std::string& text, const char* option) {
-  if (text.empty()) return {};
-  const std::size_t comma = text.find(',');
-  const auto x = ParseNumber(text.substr(0, comma));
-  const auto y = comma == std::string::npos ? std::nullopt : ParseNumber(text.substr(comma + 1));
-  if (!x || !y) throw Failure(std::string(option) + ": " + Quoted(text) + " is not X,Y");
-  return {*x, *y};
-}
-
-Affine MapOf(const TransformOptions& options) {
-  const ZBR_PT about = PointOf(options.about, "--about"), move = PointOf(options.move, "--move");
-  const double x = options.mirror == "x" ? -options.scale : options.scale;
-  const double y = options.mirror == "y" ? -options.scale : options.scale;
-  const Affine inPlace = Affine::Turn(options.turn).After(Affine::Scale(x, y));
-  return Affine::Move(move + about).After(inPlace.After(Affine::Move(about * -1.0)));
-}
-
 bool IsFinite(const ZBR_PT& p) {
   return std::isfinite(p.x()) && std::isfinite(p.y());
 }
@@ -60,18 +42,18 @@ int RunTransform(const TransformOptions& options) {
   const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
   const Format format = FormatOption(options.input);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, format, options.file);
-  const Affine map = MapOf(options);
+  const Affine map = MapOf(options.placement);
   const auto isDxf = [](const OutputPlan& plan) { return plan.format == Format::kDxf; };
   const bool isReadForLines = std::all_of(plans.begin(), plans.end(), isDxf);
   Drawing drawing = ReadInput(options.file, isReadForLines ? Content::kLines : Content::kRegions, options.input, progress);
   for (Path& path : drawing.paths) {
     Map(path, map);
-    for (double& z : path.heights) z *= options.scale;
+    for (double& z : path.heights) z *= options.placement.scale;
     if (!IsFinite(path)) FailAt(options.file, path.line, "a coordinate overflows");
   }
   OutputFiles files;
   for (const OutputPlan& plan : plans) {
-    files.Add(plan.file, isDxf(plan) ? WriteDxf(drawing, options.input.writing.dxf)
+    files.Add(plan.file, isDxf(plan) ? WriteDxf(drawing, options.input.writing.dxf.version)
                                      : WriteRegion(plan.format, RegionLayer(drawing, name, options.input, progress), drawing.units,
                                                    options.input.writing));
   }

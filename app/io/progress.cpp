@@ -37,6 +37,7 @@ void Progress::Stage(const std::string& name) {
 
 void Progress::Note(const std::string& line) {
   const std::lock_guard lock(mutex_);
+  if (!notes_.insert(line).second) return;
   Erase();
   std::fprintf(stderr, "%s\n", line.c_str());
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -21,7 +22,7 @@ class Progress {
   // Starts a stage; an empty name ends the last one.
   void Stage(const std::string& name);
 
-  // Prints a line to standard error, above the progress.
+  // Prints a line to standard error, above the progress; the same one only once, as when a file is two operands.
   void Note(const std::string& line);
 
  private:
@@ -31,6 +32,7 @@ class Progress {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::string stage_;
+  std::set<std::string> notes_;
   std::chrono::steady_clock::time_point since_;
   bool shown_ = false;
   bool done_ = false;

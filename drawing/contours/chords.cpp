@@ -93,7 +93,10 @@ class ChordMaker {
           DrawLine(static_cast<std::int32_t>(line), chords);
           ++line;
         }
-        chords.edges.resize(chords.origins.size(), i);
+        for (std::size_t k = chords.edges.size(); k < chords.origins.size(); ++k) {
+          chords.edges.push_back(i);
+          if (!path->pens.empty()) chords.origins[k].pen = path->pens[i];
+        }
       }
       if (!path->closed && !path->points.empty()) chords.points.push_back(path->points.back());
     }
@@ -277,7 +280,10 @@ ChordDrawing MakeChords(const std::vector<const Path*>& paths, double deviation)
     hasCurves = hasCurves || !path->curves.empty();
   }
   if (hasCurves) return ChordMaker(paths, deviation, std::max(kSnap * extent.Size(), kSnapDigits * extent.Magnitude())).Run();
-  for (const Path* const path : paths) drawing.lines.push_back({path->points, {}, {}});
+  for (const Path* const path : paths) {
+    ChordLine& line = drawing.lines.emplace_back(ChordLine{path->points, {}, {}});
+    for (const std::int32_t pen : path->pens) line.origins.push_back({-1, -1, 0.0, 0.0, pen});
+  }
   return drawing;
 }
 

@@ -11,7 +11,10 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <memory>
+#include <string>
+#include <tuple>
 #include <utility>
 
 #include "drawing/contours/carriers.h"
@@ -43,6 +46,25 @@ void CloseExactly(Path& path) {
 struct Work {
   std::vector<Path> contours;  // closed, or open
   std::vector<std::vector<Path>> pieces;
+};
+
+// The different pens of some drawings.
+class PenList {
+ public:
+  // Gives every edge of the paths the place of its pen.
+  void Add(std::vector<Path>& paths) {
+    for (Path& path : paths) {
+      Pen pen{std::string(path.layer), std::string(path.lineType), path.colour};
+      const auto [at, isNew] = places_.try_emplace({pen.layer, pen.lineType, pen.colour}, static_cast<std::int32_t>(pens_.size()));
+      if (isNew) pens_.push_back(std::move(pen));
+      path.pens.assign(path.points.size() - (path.closed || path.points.empty() ? 0 : 1), at->second);
+    }
+  }
+  std::vector<Pen> Take() { return std::move(pens_); }
+
+ private:
+  std::vector<Pen> pens_;
+  std::map<std::tuple<std::string, std::string, int>, std::int32_t> places_;
 };
 
 void CheckPath(const Path& path, const std::string& file) {
@@ -95,7 +117,7 @@ ZBR_REGION LinesOf(const Piece& piece, const std::vector<ChordLine>& chords) {
 
 EdgeOrigin PartOf(const EdgeOrigin& origin, const ZBR_EDGE_SOURCE& source) {
   const double sweep = origin.t1 - origin.t0;
-  return {origin.curve, origin.line, origin.t0 + sweep * source.t0, origin.t0 + sweep * source.t1};
+  return {origin.curve, origin.line, origin.t0 + sweep * source.t0, origin.t0 + sweep * source.t1, origin.pen};
 }
 
 // A ring of a region. originOf tells of a source what its edge stands for, lineOf where it stands in the file.
@@ -112,7 +134,10 @@ Ring RingOf(const ZBR_REGION& region, std::size_t r, bool hasCurves, OriginOf or
     for (auto s = static_cast<std::size_t>(region.source_offsets()[i]); s < last; ++s) {
       const ZBR_EDGE_SOURCE& source = region.sources()[s];
       ring.line = std::min(ring.line, lineOf(source));
-      if (hasCurves && origin.curve < 0) origin = PartOf(originOf(source), source);
+      if (!hasCurves || origin.curve >= 0) continue;
+      const std::int32_t pen = origin.pen;
+      origin = PartOf(originOf(source), source);
+      if (pen >= 0) origin.pen = pen;
     }
     if (hasCurves) ring.origins.push_back(origin);
   }
@@ -205,8 +230,10 @@ std::vector<Contours> MakeContoursAnd(const std::vector<Path>& others, std::vect
   std::vector<Contours> all(drawings.size());
   std::vector<Work> works;
   std::vector<const Path*> paths;
+  PenList pens;
   for (std::size_t i = 0; i < drawings.size(); ++i) {
     all[i].file = drawings[i].file;
+    if (options.pens) pens.Add(drawings[i].paths);
     works.push_back(Joined(drawings[i], options, all[i]));
   }
   for (const Work& work : works) {
@@ -218,9 +245,11 @@ std::vector<Contours> MakeContoursAnd(const std::vector<Path>& others, std::vect
   for (const Path& path : others) paths.push_back(&path);
   ChordDrawing chords = MakeChords(paths, options.deviation);
   const auto curves = std::make_shared<const std::vector<Curve>>(std::move(chords.curves));
+  const auto kept = std::make_shared<const std::vector<Pen>>(pens.Take());
   std::size_t next = 0;
   for (std::size_t i = 0; i < drawings.size(); ++i) {
     all[i].curves = curves;
+    all[i].pens = kept;
     for (const Path& path : works[i].contours) {
       ChordLine& line = chords.lines[next++];
       CheckFinite(line.points, drawings[i].file, path.line);

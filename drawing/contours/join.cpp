@@ -22,6 +22,7 @@ constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 void Reverse(Path& path) {
   const std::size_t edges = path.points.size() - 1;
   std::reverse(path.points.begin(), path.points.end());
+  std::reverse(path.pens.begin(), path.pens.end());
   std::reverse(path.curves.begin(), path.curves.end());
   for (Curve& curve : path.curves) {
     curve.at = edges - 1 - curve.at;
@@ -34,6 +35,7 @@ void Append(Path& chain, Path&& next) {
   const std::size_t joint = chain.points.size() - 1;
   chain.line = std::min(chain.line, next.line);
   chain.points.insert(chain.points.end(), next.points.begin() + 1, next.points.end());
+  chain.pens.insert(chain.pens.end(), next.pens.begin(), next.pens.end());
   for (Curve& curve : next.curves) {
     curve.at += joint;
     chain.curves.push_back(curve);

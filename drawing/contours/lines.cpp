@@ -39,7 +39,7 @@ double PartOf(const ChordLine& chords, std::size_t k) {
 }
 
 SpaceLine LineOf(const Path& path, ChordLine& chords) {
-  SpaceLine line{{}, path.layer, {}, {}};
+  SpaceLine line{{}, path.layer, {}, {}, path.lineType, path.colour};
   const bool hasEdges = !chords.edges.empty();
   for (std::size_t k = 0; k < chords.points.size(); ++k) {
     const ZBR_PT& p = chords.points[k];

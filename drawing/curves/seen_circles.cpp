@@ -57,10 +57,10 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
   if (!seen.isKnown) seen = Look(circles_->all[circle]);
   if (!seen.isCurve) return;
 
-  const ZBR_HL_TRI& drawn = scene_.triangles[model_.shellBegin[shell] + triangle];
-  const ZBR_PT a = drawn.pt[edge].xy(), along = drawn.pt[(edge + 1) % 3].xy() - a;
+  const ZBR_PT3 &start = VertexOf(record, edge).GetPt(), &end = VertexOf(record, (edge + 1) % 3).GetPt();
+  const ZBR_PT a = scene_.FromModel(start).xy(), along = scene_.FromModel(end).xy() - a;
   const ZBR_PT3& centre = circles_->all[circle].centre;
-  const ZBR_PT3 from = VertexOf(record, edge).GetPt() - centre, to = VertexOf(record, (edge + 1) % 3).GetPt() - centre;
+  const ZBR_PT3 from = start - centre, to = end - centre;
   const auto angle = [&](const ZBR_PT& p) {
     const double length2 = along.Length2();
     const double t = length2 > 0 ? std::clamp((p - a).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;

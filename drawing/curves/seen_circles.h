@@ -18,7 +18,7 @@ class SeenCircles {
   // Refers to all three; `circles` may be null.
   SeenCircles(const Model& model, const Scene& scene, const Circles* circles);
 
-  // Tells the segment, a part of edge `edge` of a triangle in the drawing, its circle and its angles there.
+  // Tells the segment, a part of edge `edge` of a shell's triangle in the drawing, its circle and its angles there.
   void Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment);
 
   // Centre and half axes; the rest of the record is empty.

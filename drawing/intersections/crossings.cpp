@@ -19,13 +19,16 @@
 
 #include "drawing/intersections/convex.h"
 #include "drawing/intersections/exact_sign.h"
+#include "drawing/intersections/plain_fans.h"
 #include "drawing/intersections/slender_tree.h"
 #include "drawing/intersections/triangle_trees.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
 
 using Corners = std::array<std::uint32_t, 3>;
+using Lines = std::vector<IntersectionLine>;
 
 // What counts as moved when a sign is 0.
 enum class Moves { kEachPoint, kFirst, kSecond };
@@ -44,6 +47,18 @@ class Signs {
     if (moves == Moves::kEachPoint) return PointByPoint({t[0], t[1], t[2], p});
     const int sign = CrossSign(At(t[0]), At(t[1]), At(t[0]), At(t[2]));
     return moves == Moves::kSecond ? sign : -sign;
+  }
+
+  // The same of several points.
+  template <std::size_t n>
+  std::array<int, n> Sides(const Corners& t, const std::array<std::uint32_t, n>& points, Moves moves) const {
+    const PlaneThrough plane(At(t[0]), At(t[1]), At(t[2]));
+    std::array<int, n> sides;
+    for (std::size_t i = 0; i < n; ++i) {
+      sides[i] = plane.SideIfClear(At(points[i]));
+      if (sides[i] == 0) sides[i] = Side(t, points[i], moves);
+    }
+    return sides;
   }
 
   // On which hand the edge from p to q passes the one from u to v.
@@ -82,35 +97,92 @@ class Signs {
 
 class Finder {
  public:
-  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches)
-      : mesh_(mesh), patches_(patches), grid_(OnGrid(mesh.points, model.low, model.high)), signs_(grid_) {}
+  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads)
+      : model_(model),
+        mesh_(mesh),
+        patches_(patches),
+        threads_(threads),
+        isPlain_(FindPlainFans(model, mesh)),
+        grid_(OnGrid(mesh.points, model.low, model.high)),
+        signs_(grid_),
+        trees_(grid_, mesh.corners, model.shellBegin) {}
 
-  std::vector<IntersectionLine> Run(const Model& model) {
-    const TriangleTrees trees(grid_, mesh_.corners, model.shellBegin);
-    for (std::size_t s = 0; s < model.ShellCount(); ++s) {
-      if (IsConvex(model, mesh_, s)) continue;
-      const auto join = [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-        auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j]); };
-        tree.JoinSelf(visit);
-      };
-      const auto triangles = std::span(mesh_.corners).subspan(model.shellBegin[s], trees.Order(s).size());
-      if (const SlenderTree slender(grid_, triangles, model.shellBegin[s]); slender.IsBetter()) {
-        join(slender.View(), slender.Order());
-      } else {
-        join(trees.Shell(s), trees.Order(s));
+  Lines Run() {
+    for (std::size_t s = 0; s < model_.ShellCount();) {
+      if (IsLarge(s)) {
+        WithinLarge(s++);
+        continue;
       }
+      const std::size_t first = s;
+      while (s < model_.ShellCount() && !IsLarge(s)) ++s;
+      InPieces(s - first, [&](std::size_t i, Lines& found) { WithinSmall(first + i, found); });
     }
-    trees.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) {
-      const auto orderA = trees.Order(a), orderB = trees.Order(b);
-      auto visit = [&](std::uint32_t i, std::uint32_t j) { Meet(orderA[i], orderB[j], Moves::kSecond); };
-      trees.Shell(a).Join(trees.Shell(b), visit);
-    });
+    BetweenShells();
     return std::move(found_);
   }
 
  private:
+  // Triangles of a shell that is worth sharing out.
+  static constexpr std::size_t kLarge = 4096;
+
+  bool IsLarge(std::size_t s) const { return trees_.Order(s).size() >= kLarge; }
+
+  // Runs work(i, where its lines go) for all i below count, some hundred of them as one piece of work, so that the lines come in
+  // order.
+  template <class Work>
+  void InPieces(std::size_t count, Work work) {
+    constexpr std::size_t kPieces = 64;
+    const std::size_t size = count / kPieces + 1, pieces = (count + size - 1) / size;
+    std::vector<Lines> parts(pieces);
+    RunParallel(pieces, threads_, [&](std::size_t piece) {
+      Lines& found = threads_ > 1 ? parts[piece] : found_;
+      for (std::size_t i = piece * size; i < std::min((piece + 1) * size, count); ++i) work(i, found);
+    });
+    for (const Lines& part : parts) found_.insert(found_.end(), part.begin(), part.end());
+  }
+
+  void WithinSmall(std::size_t s, Lines& found) const {
+    if (IsConvex(model_, mesh_, s)) return;
+    ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
+      auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j], found); };
+      tree.JoinSelf(visit);
+    });
+  }
+
+  void WithinLarge(std::size_t s) {
+    if (IsConvex(model_, mesh_, s)) return;
+    ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
+      const std::vector<NodePair> pairs = tree.PairsOfNodes();
+      InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
+        auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j], found); };
+        tree.Join(pairs[k], visit);
+      });
+    });
+  }
+
+  template <class Use>
+  void ChooseTree(std::size_t s, Use use) const {
+    const auto triangles = std::span(mesh_.corners).subspan(model_.shellBegin[s], trees_.Order(s).size());
+    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s]); slender.IsBetter()) {
+      use(slender.View(), slender.Order());
+    } else {
+      use(trees_.Shell(s), trees_.Order(s));
+    }
+  }
+
+  void BetweenShells() {
+    std::vector<std::array<std::uint32_t, 2>> pairs;
+    trees_.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) { pairs.push_back({a, b}); });
+    InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
+      const auto [a, b] = pairs[k];
+      const auto orderA = trees_.Order(a), orderB = trees_.Order(b);
+      auto visit = [&](std::uint32_t i, std::uint32_t j) { Meet(orderA[i], orderB[j], Moves::kSecond, found); };
+      trees_.Shell(a).Join(trees_.Shell(b), visit);
+    });
+  }
+
   // Two triangles of a shell. Neighbours across an edge have no more than that in common, unless they lie on each other.
-  void MeetWithin(std::uint32_t t, std::uint32_t u) {
+  void MeetWithin(std::uint32_t t, std::uint32_t u, Lines& found) const {
     if (patches_[t] == patches_[u]) return;
     if (t > u) std::swap(t, u);
     const Corners &a = mesh_.corners[t], &b = mesh_.corners[u];
@@ -124,11 +196,11 @@ class Finder {
         atU = j;
       }
     }
-    if (shared == 0) Meet(t, u, Moves::kEachPoint);
-    if (shared == 1) MeetAtCorner(t, atT, u, atU);
+    if (shared == 0) Meet(t, u, Moves::kEachPoint, found);
+    if (shared == 1 && !isPlain_[a[atT]]) MeetAtCorner(t, atT, u, atU, found);
   }
 
-  void Meet(std::uint32_t t, std::uint32_t u, Moves moves) {
+  void Meet(std::uint32_t t, std::uint32_t u, Moves moves, Lines& found) const {
     std::array<int, 3> sideT, sideU;  // of corners of each, against the other
     if (!Sides(u, t, Other(moves), sideT) || !Sides(t, u, moves, sideU)) return;
     IntersectionLine line;
@@ -143,11 +215,11 @@ class Finder {
     };
     pass(t, sideT, u, moves);
     pass(u, sideU, t, Other(moves));
-    if (ends == 2 && isSure) Add(line, t, u);
+    if (ends == 2 && isSure) Add(line, t, u, found);
   }
 
   // The edge across from the corner, of one of them, passes through the other, or there is nothing but the corner.
-  void MeetAtCorner(std::uint32_t t, std::size_t atT, std::uint32_t u, std::size_t atU) {
+  void MeetAtCorner(std::uint32_t t, std::size_t atT, std::uint32_t u, std::size_t atU, Lines& found) const {
     if (IsOnOneSide(t, (atT + 1) % 3, u) || IsOnOneSide(u, (atU + 1) % 3, t)) return;
     for (const bool swapped : {false, true}) {
       const std::uint32_t by = swapped ? u : t, through = swapped ? t : u;
@@ -156,7 +228,7 @@ class Finder {
       IntersectionLine line;
       const std::uint32_t corner = mesh_.corners[t][atT];
       line.ends[0] = {IntersectionEnd::kAtCorner, corner, mesh_.points[corner]};
-      if (SetEnd(by, edge, through, line.ends[1])) Add(line, t, u);
+      if (SetEnd(by, edge, through, line.ends[1])) Add(line, t, u, found);
       return;
     }
   }
@@ -164,12 +236,13 @@ class Finder {
   // Whether both ends of an edge are on one side of the plane of a triangle of the same shell.
   bool IsOnOneSide(std::uint32_t of, std::size_t edge, std::uint32_t triangle) const {
     const Corners &c = mesh_.corners[of], &plane = mesh_.corners[triangle];
-    return signs_.Side(plane, c[edge], Moves::kEachPoint) == signs_.Side(plane, c[(edge + 1) % 3], Moves::kEachPoint);
+    const auto sides = signs_.Sides<2>(plane, {c[edge], c[(edge + 1) % 3]}, Moves::kEachPoint);
+    return sides[0] == sides[1];
   }
 
   // False when all corners of `of` lie on one side of the triangle.
   bool Sides(std::uint32_t triangle, std::uint32_t of, Moves moves, std::array<int, 3>& side) const {
-    for (std::size_t i = 0; i < 3; ++i) side[i] = signs_.Side(mesh_.corners[triangle], mesh_.corners[of][i], moves);
+    side = signs_.Sides<3>(mesh_.corners[triangle], mesh_.corners[of], moves);
     return side[0] != side[1] || side[1] != side[2];
   }
 
@@ -193,23 +266,27 @@ class Finder {
     return true;
   }
 
-  void Add(IntersectionLine& line, std::uint32_t t, std::uint32_t u) {
+  static void Add(IntersectionLine& line, std::uint32_t t, std::uint32_t u, Lines& found) {
     line.triangles = {t, u};
-    found_.push_back(line);
+    found.push_back(line);
   }
 
+  const Model& model_;
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
+  const unsigned threads_;
+  const std::vector<bool> isPlain_;  // points
   const std::vector<GridPoint> grid_;
   const Signs signs_;
-  std::vector<IntersectionLine> found_;
+  const TriangleTrees trees_;
+  Lines found_;
 };
 
 }  // namespace
 
-std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh,
-                                            const std::vector<std::uint32_t>& patches) {
-  return Finder(model, mesh, patches).Run(model);
+std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches,
+                                            unsigned threads) {
+  return Finder(model, mesh, patches, threads).Run();
 }
 
 }  // namespace zbr::drawing

@@ -10,8 +10,8 @@
 
 namespace zbr::drawing {
 
-// The lines that pairs of triangles have in common, but for those of one patch (patches.h).
-std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh,
-                                            const std::vector<std::uint32_t>& patches);
+// The lines that pairs of triangles have in common, but for those of one patch (patches.h). The same with any number of threads.
+std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches,
+                                            unsigned threads);
 
 }  // namespace zbr::drawing

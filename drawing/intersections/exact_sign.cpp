@@ -84,6 +84,13 @@ double ExactVolume6(const GridPoint& u, const GridPoint& v, const GridPoint& w) 
   return sum.Value();
 }
 
+bool IsZero(const GridPoint& u) {
+  return (u.x == 0) & (u.y == 0) & (u.z == 0);
+}
+bool IsEqual(const GridPoint& u, const GridPoint& v) {
+  return (u.x == v.x) & (u.y == v.y) & (u.z == v.z);
+}
+
 // The sign of ab - cd.
 int DifferenceSign(double a, double b, double c, double d) {
   const Two p = Product(a, b), q = Product(c, d);
@@ -109,11 +116,23 @@ std::vector<GridPoint> OnGrid(const std::vector<ZBR_PT3>& points, const ZBR_PT3&
 
 double Volume6(const GridPoint& a, const GridPoint& b, const GridPoint& c, const GridPoint& d) {
   const GridPoint u = Minus(b, a), v = Minus(c, a), w = Minus(d, a);
+  if (IsZero(w) || IsEqual(w, u) || IsEqual(w, v)) return 0.0;  // bodies share corners more often than anything else
   const double yz = v.y * w.z, zy = v.z * w.y, zx = v.z * w.x, xz = v.x * w.z, xy = v.x * w.y, yx = v.y * w.x;
   const double value = u.x * (yz - zy) + u.y * (zx - xz) + u.z * (xy - yx);
   const double size = std::abs(u.x) * (std::abs(yz) + std::abs(zy)) + std::abs(u.y) * (std::abs(zx) + std::abs(xz)) +
                       std::abs(u.z) * (std::abs(xy) + std::abs(yx));
   return std::abs(value) > kError * size || size == 0 ? value : ExactVolume6(u, v, w);
+}
+
+PlaneThrough::PlaneThrough(const GridPoint& a, const GridPoint& b, const GridPoint& c) : a_(a) {
+  const GridPoint u = Minus(b, a), v = Minus(c, a);
+  const auto set = [](double p, double q, double& normal, double& error) {
+    normal = p - q;
+    error = kError * (std::abs(p) + std::abs(q));
+  };
+  set(u.y * v.z, u.z * v.y, normal_.x, error_.x);
+  set(u.z * v.x, u.x * v.z, normal_.y, error_.y);
+  set(u.x * v.y, u.y * v.x, normal_.z, error_.z);
 }
 
 int CrossSign(const GridPoint& a, const GridPoint& b, const GridPoint& c, const GridPoint& d) {

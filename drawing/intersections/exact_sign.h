@@ -8,6 +8,7 @@
 
 #include <zbr/spatial.h>
 
+#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -24,6 +25,25 @@ std::vector<GridPoint> OnGrid(const std::vector<ZBR_PT3>& points, const ZBR_PT3&
 // Six times the volume of the tetrahedron, positive when a, b, c are counter-clockwise seen from d. The sign is exact, and so is a
 // zero; the value is good to a few digits where it is hardly larger than the rounding of its terms, else to nearly all.
 double Volume6(const GridPoint& a, const GridPoint& b, const GridPoint& c, const GridPoint& d);
+
+// The plane through three points, for asking on which side several points lie. Most are far from it, and that is seen with a third
+// of the work.
+class PlaneThrough {
+ public:
+  PlaneThrough(const GridPoint& a, const GridPoint& b, const GridPoint& c);
+
+  // The sign of Volume6, or 0 where rounding does not let it be told.
+  int SideIfClear(const GridPoint& d) const {
+    const double x = d.x - a_.x, y = d.y - a_.y, z = d.z - a_.z;
+    const double value = x * normal_.x + y * normal_.y + z * normal_.z;
+    const double error = std::abs(x) * error_.x + std::abs(y) * error_.y + std::abs(z) * error_.z;
+    return (value > error) - (value < -error);
+  }
+
+ private:
+  GridPoint a_;
+  GridPoint normal_, error_;  // and what rounding does to a volume, for each component of the point's distance
+};
 
 // The sign of the first component of u x v that is not 0, in the order x, y, z, where u = b - a and v = d - c; 0 for parallels.
 // This is the sign of the product with a direction that leans from x towards y by less than anything, and towards z by less still.

@@ -41,6 +41,12 @@ inline bool Meet(const FloatBox& a, const FloatBox& b) {
 #endif
 }
 
+// Two nodes of a level of one tree, or one with itself.
+struct NodePair {
+  std::size_t level;
+  std::uint32_t first, second;
+};
+
 // One tree within arrays that many trees share. Leaves are named by their places in the order.
 class TreeView {
  public:
@@ -58,6 +64,21 @@ class TreeView {
   template <class Visit>
   void JoinSelf(Visit& visit) const {
     JoinSelf(top_, 0, visit);
+  }
+  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree.
+  std::vector<NodePair> PairsOfNodes() const {
+    constexpr std::size_t kDepth = 4;
+    std::vector<NodePair> pairs;
+    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, pairs);
+    return pairs;
+  }
+  template <class Visit>
+  void Join(const NodePair& pair, Visit& visit) const {
+    if (pair.first == pair.second) {
+      JoinSelf(pair.level, pair.first, visit);
+    } else {
+      Join(pair.level, pair.first, *this, pair.level, pair.second, visit);
+    }
   }
   // Calls visit(i, j) for leaves i of this tree and j of the other whose boxes meet.
   template <class Visit>
@@ -78,6 +99,19 @@ class TreeView {
       JoinSelf(level - 1, i, visit);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) Join(level - 1, i, *this, level - 1, j, visit);
+      }
+    }
+  }
+
+  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, std::vector<NodePair>& pairs) const {
+    if (level == lowest) {
+      pairs.push_back({level, node, node});
+      return;
+    }
+    for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
+      AddPairs(level - 1, i, lowest, pairs);
+      for (std::uint32_t j = i + 1; j < end; ++j) {
+        if (Meet(levels_[level - 1][i], levels_[level - 1][j])) pairs.push_back({level - 1, i, j});
       }
     }
   }

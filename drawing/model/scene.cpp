@@ -37,8 +37,7 @@ double ContactOf(const Model& model, double scale) {
 
 class SceneMaker {
  public:
-  SceneMaker(const Model& model, Scene& scene, bool tangents)
-      : model_(model), scene_(scene), tangents_(tangents), centre_(model.Centre()) {}
+  SceneMaker(const Model& model, Scene& scene, bool tangents) : model_(model), scene_(scene), tangents_(tangents) {}
 
   void FillShell(std::size_t s) {
     shell_ = s;
@@ -50,7 +49,7 @@ class SceneMaker {
     classes_ = scene_.classes.data() + begin;
     for (std::size_t t = 0; t < count; ++t) Fill(t, *shell.GetTriangle(static_cast<int>(t)));
     scene_.drawable += borders_;
-    scene_.shells.emplace_back(triangles_, static_cast<unsigned>(count));
+    AddShell(triangles_, count);
   }
 
   // A triangle without width draws one edge and hides nothing.
@@ -71,13 +70,32 @@ class SceneMaker {
       scene_.crossing.push_back(lines[k].triangles);
     }
     scene_.drawable += lines.size();
-    if (!lines.empty()) scene_.shells.emplace_back(first, static_cast<unsigned>(lines.size()));
+    if (!lines.empty()) AddShell(first, lines.size());
   }
 
  private:
+  // The removal of a whole scene brings its own lists; those of a hundred thousand shells would be as large as their triangles.
+  void AddShell(ZBR_HL_TRI* first, std::size_t count) {
+    ZBR_HL_SHELL& shell = scene_.shells.emplace_back(first, static_cast<unsigned>(count));
+    for (auto* list :
+         {&shell.tri_result, &shell.xy_result, &shell.edge_result[0], &shell.edge_result[1], &shell.edge_result[2], &shell.work})
+      *list = {};
+  }
+
   static constexpr std::uint32_t kNone = 0xffffffffU;
 
-  ZBR_PT3 Look(const ZBR_PT3& p) const { return scene_.view.In(p - centre_) * scene_.scale; }
+  ZBR_PT3 Look(const ZBR_PT3& p) const { return scene_.FromModel(p); }
+
+  // How much a triangle faces the viewer.
+  double Facing(std::size_t t) const {
+    if (HasEdgeSeenEndOn(triangles_[t])) return 0.0;
+    const ZBR_PT3& normal = model_.normals[model_.shellBegin[shell_] + t];
+    if (!scene_.view.perspective) return normal.InnerProduct(scene_.view.toViewer);
+    const ZBR_PT3 toEye =
+        scene_.view.perspective->eye - model_.Shell(shell_).GetTriangle(static_cast<int>(t))->GetVertex0()->GetPt();
+    const double distance = toEye.Length();
+    return distance > 0 ? normal.InnerProduct(toEye) / distance : 0.0;
+  }
 
   void LookAt(const ZBR_ZBREPS& shell) {
     points_.clear();
@@ -125,9 +143,7 @@ class SceneMaker {
   }
 
   EdgeClass SmoothClass(std::size_t t, std::size_t u, EdgeNote note) const {
-    const ZBR_PT3* const normals = model_.normals.data() + model_.shellBegin[shell_];
-    const double here = HasEdgeSeenEndOn(triangles_[t]) ? 0.0 : normals[t].InnerProduct(scene_.view.toViewer);
-    const double other = HasEdgeSeenEndOn(triangles_[u]) ? 0.0 : normals[u].InnerProduct(scene_.view.toViewer);
+    const double here = Facing(t), other = Facing(u);
     if (IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_])) return EdgeClass::kSilhouette;
     return tangents_ && note.isTangent ? EdgeClass::kTangent : EdgeClass::kSmooth;
   }
@@ -135,7 +151,6 @@ class SceneMaker {
   const Model& model_;
   Scene& scene_;
   const bool tangents_;
-  const ZBR_PT3 centre_;
   // Of the shell being filled.
   std::size_t shell_ = 0;
   ZBR_HL_TRI* triangles_ = nullptr;
@@ -147,13 +162,22 @@ class SceneMaker {
 
 }  // namespace
 
+ZBR_PT3 Scene::FromEye(const ZBR_PT3& p) const {
+  const Perspective& from = *view.perspective;
+  const ZBR_PT3 q = view.In(p - from.eye);
+  const double shrunk = from.distance / std::max(-q.z(), from.Nearest());
+  return ZBR_PT3(q.x() * shrunk, q.y() * shrunk, from.distance * (shrunk - 1.0)) * scale;
+}
+
 void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines, bool tangents) {
   const double diagonal = model.Diagonal();
   scene.view = view;
   scene.scale = diagonal > 0 ? kSceneDiagonal / diagonal : 1.0;
   scene.contact = ContactOf(model, scene.scale);
-  scene.offset = view.In(model.Centre());
+  scene.middle = model.Centre();
+  scene.offset = view.perspective ? ZBR_PT3() : view.In(model.Centre());
   scene.drawable = 0;
+  scene.parts.clear();
   scene.triangles.resize(model.TriangleCount() + lines.size());
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();

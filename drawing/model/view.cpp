@@ -49,6 +49,7 @@ ZBR_PT3 YUp(const ZBR_PT3& v) {
 }  // namespace
 
 bool View::IsPrincipal() const {
+  if (perspective) return false;
   const double largest = std::max({std::abs(toViewer.x()), std::abs(toViewer.y()), std::abs(toViewer.z())});
   return largest > 1.0 - kSmallestAngle;
 }
@@ -60,6 +61,14 @@ View LookAlong(const ZBR_PT3& direction, const ZBR_PT3& up) {
   if (right.Length() < kSmallestAngle) throw Failure("the direction of view is the upward one; the upward one has to be another");
   view.right = right * (1.0 / right.Length());
   view.up = view.toViewer.OuterProduct(view.right);
+  return view;
+}
+
+View LookFrom(const ZBR_PT3& eye, const ZBR_PT3& at, const ZBR_PT3& up, double fieldOfView) {
+  constexpr double kWidest = 170.0;
+  if (!(fieldOfView >= 0 && fieldOfView <= kWidest)) throw Failure("a field of view is at most 170 degrees wide");
+  View view = LookAlong(at - eye, up);
+  view.perspective = Perspective{eye, eye.Distance(at), fieldOfView};
   return view;
 }
 

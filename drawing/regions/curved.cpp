@@ -12,6 +12,8 @@
 #include <span>
 #include <utility>
 
+#include "drawing/regions/bezier.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -38,7 +40,7 @@ double Share(double t) {
 EdgeOrigin Part(const EdgeOrigin& origin, const ZBR_EDGE_SOURCE& source) {
   const double sweep = origin.t1 - origin.t0;
   const auto at = [&](double t) { return t == 1.0 ? origin.t1 : origin.t0 + sweep * t; };
-  return {origin.curve, origin.line, at(Share(source.t0)), at(Share(source.t1))};
+  return {origin.curve, origin.line, at(Share(source.t0)), at(Share(source.t1)), origin.pen};
 }
 
 // Edges in a row, all around a ring or from one end to the other.
@@ -50,7 +52,7 @@ class Outline {
     for (std::size_t i = 0; i < origins_.size(); ++i) {
       EdgeOrigin& origin = origins_[i];
       if (origin.curve < 0 || (IsOn(origin, origin.t0, i) && IsOn(origin, origin.t1, i + 1))) continue;
-      origin = {};
+      origin = {-1, -1, 0.0, 0.0, origin.pen};
       ++beside;
     }
   }
@@ -85,6 +87,7 @@ class Outline {
   // Whether edge i is of what the edge before it is of, and goes on there.
   bool GoesOn(std::size_t i) const {
     const EdgeOrigin &before = Origin(i + origins_.size() - 1), &origin = Origin(i);
+    if (before.pen != origin.pen) return false;
     if (origin.curve < 0) return origin.line >= 0 && before.curve < 0 && before.line == origin.line && IsStraight(i);
     if (before.curve != origin.curve) return false;
     const double gap = CurveOf(origin).spline != nullptr ? origin.t0 - before.t1 : std::remainder(origin.t0 - before.t1, kTurn);
@@ -101,6 +104,7 @@ class Outline {
   void AddRun(std::size_t from, std::size_t to, Path& path) const {
     path.points.push_back(Point(from));
     const EdgeOrigin& origin = Origin(from);
+    if (origin.pen >= 0) path.pens.push_back(origin.pen);
     if (origin.curve < 0) return;
     Curve curve = CurveOf(origin);
     curve.at = path.points.size() - 1;
@@ -131,38 +135,31 @@ double ChordArea(const std::vector<ZBR_PT>& ring) {
   return twice / 2;
 }
 
-// Between a chord and its arc, which spans this angle; for splines none.
-double SegmentArea(const Curve& curve, double sweep) {
+// Between a curve and its chord.
+double SegmentArea(const Curve& curve) {
+  if (curve.spline != nullptr) return SplineArea(curve);
+  const double sweep = curve.t1 - curve.t0;
   return curve.u.OuterProduct(curve.v) * (sweep - std::sin(sweep)) / 2;
 }
 
 }  // namespace
 
 double CurvedRegion::Area() const {
-  const auto isSpline = [&](const EdgeOrigin& origin) {
-    return origin.curve >= 0 && (*curves)[static_cast<std::size_t>(origin.curve)].spline != nullptr;
-  };
   double area = 0.0;
-  if (std::none_of(origins.begin(), origins.end(), isSpline)) {
-    for (const Path& path : OutlinesOf(*this)) {
-      area += ChordArea(path.points);
-      for (const Curve& curve : path.curves) area += SegmentArea(curve, curve.t1 - curve.t0);
-    }
-    return area;
-  }
-  area = rings.area();
-  for (const EdgeOrigin& origin : origins) {
-    if (origin.curve >= 0) area += SegmentArea((*curves)[static_cast<std::size_t>(origin.curve)], origin.t1 - origin.t0);
+  for (const Path& path : OutlinesOf(*this)) {
+    area += ChordArea(path.points);
+    for (const Curve& curve : path.curves) area += SegmentArea(curve);
   }
   return area;
 }
 
 CurvedRegion Traced(ZBR_REGION result, const std::vector<const CurvedRegion*>& operands) {
-  CurvedRegion traced{std::move(result), {}, nullptr};
+  CurvedRegion traced{std::move(result), {}, nullptr, nullptr};
   bool hasCurves = false;
   for (const CurvedRegion* const operand : operands) {
     hasCurves = hasCurves || operand->HasCurves();
     if (operand->curves != nullptr) traced.curves = operand->curves;
+    if (operand->pens != nullptr) traced.pens = operand->pens;
   }
   if (!hasCurves) return traced;
   const ZBR_REGION& rings = traced.rings;
@@ -175,7 +172,9 @@ CurvedRegion Traced(ZBR_REGION result, const std::vector<const CurvedRegion*>& o
       const CurvedRegion& operand = *operands[static_cast<std::size_t>(source.operand)];
       if (!operand.HasCurves()) continue;
       const auto first = static_cast<std::size_t>(operand.rings.ring_offsets()[static_cast<std::size_t>(source.ring)]);
+      const std::int32_t pen = origin.pen;
       origin = Part(operand.origins[first + static_cast<std::size_t>(source.edge)], source);
+      if (pen >= 0) origin.pen = pen;
     }
   }
   return traced;

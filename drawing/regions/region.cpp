@@ -31,7 +31,7 @@ std::vector<CurvedRegion> PartsOf(const CurvedRegion& whole, const std::vector<Z
   auto first = whole.origins.begin();
   for (const ZBR_REGION& polygon : polygons) {
     const auto end = first + static_cast<std::ptrdiff_t>(polygon.point_count());
-    parts.push_back({polygon, std::vector<EdgeOrigin>(first, end), whole.curves});
+    parts.push_back({polygon, std::vector<EdgeOrigin>(first, end), whole.curves, whole.pens});
     first = end;
   }
   return parts;
@@ -68,6 +68,7 @@ Region MakeRegion(const Contours& contours, ZBR_FILL_RULE rule) {
   Region region;
   region.rings = RingsOf(contours);
   region.curves = contours.curves;
+  region.pens = contours.pens;
   for (const Ring& ring : contours.rings) region.origins.insert(region.origins.end(), ring.origins.begin(), ring.origins.end());
   region.fill = rule;
   region.faults = MeetingsIn(contours, region.rings);
@@ -106,7 +107,7 @@ ZBR_REGION ValidShape(const Region& region) {
 
 CurvedRegion CurvedShape(const Region& region) {
   if (region.isValid) return region;
-  if (!region.HasCurves()) return {ValidShape(region), {}, region.curves};
+  if (!region.HasCurves()) return {ValidShape(region), {}, region.curves, region.pens};
   ZBR_REGION_OPTIONS options;
   options.fill_a = region.fill;
   options.canonical = true;
@@ -123,6 +124,7 @@ Layer MakeLayer(const std::string& name, const ZBR_REGION& shape) {
 Layer MakeLayer(const std::string& name, const CurvedRegion& shape) {
   Layer layer{name, zbrLoopsOfRegion(shape.rings.view()), shape.Area(), {}, 0};
   if (shape.HasCurves()) layer.outlines = OutlinesOf(shape, &layer.beside);
+  layer.pens = shape.pens;
   return layer;
 }
 

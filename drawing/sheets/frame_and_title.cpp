@@ -111,12 +111,13 @@ void AddSymbol(Sheet& sheet, const ZBR_PT& middle) {
 
 // The place of a view beside the front view tells what it shows, and so does what a single pictorial view looks like.
 void AddViewNames(Sheet& sheet) {
-  const auto isPictorial = [](const PlacedView& v) { return !IsSideView(v.lines.name); };
+  const auto isPictorial = [](const PlacedView& v) { return !IsSideView(v.lines.name) && !v.lines.section; };
   const bool hasFront =
       std::any_of(sheet.views.begin(), sheet.views.end(), [](const PlacedView& v) { return v.lines.name == "front"; });
   const bool severalPictorial = std::count_if(sheet.views.begin(), sheet.views.end(), isPictorial) > 1;
   constexpr double kBelow = 6, kLetterWidth = 0.6;
   for (const PlacedView& view : sheet.views) {
+    if (view.lines.section) continue;  // have their names above
     if (isPictorial(view) ? !severalPictorial : hasFront) continue;
     const Extent& e = view.lines.extent;
     const ZBR_PT low = sheet.OnPaper(view, ZBR_PT((e.xmin + e.xmax) / 2, e.ymin));

@@ -15,6 +15,10 @@
 #include <map>
 #include <numeric>
 
+#include "drawing/sheets/centre_lines.h"
+#include "drawing/sheets/hatching.h"
+#include "drawing/sheets/section_marks.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -63,11 +67,50 @@ Cell PictorialCell(const std::vector<Cell>& taken, Projection projection) {
   return cell;
 }
 
+// Which way to go on a sheet from a view to one that is turned from it by a right angle, in third-angle projection; to the right
+// for the same direction. None for other views.
+std::optional<Cell> StepTo(const View& to, const View& from) {
+  constexpr double kSame = 1e-9;
+  const auto isSame = [](const ZBR_PT3& a, const ZBR_PT3& b) { return a.Distance(b) < kSame; };
+  if (isSame(to.up, from.up)) {
+    if (isSame(to.toViewer, from.right) || isSame(to.toViewer, from.toViewer)) return Cell{1, 0, true};
+    if (isSame(to.toViewer, -from.right)) return Cell{-1, 0, true};
+  }
+  if (isSame(to.right, from.right)) {
+    if (isSame(to.toViewer, from.up)) return Cell{0, 1, true};
+    if (isSame(to.toViewer, -from.up)) return Cell{0, -1, true};
+  }
+  return std::nullopt;
+}
+
+// Sections stand in line with the first view that they are turned from by a right angle, as near as there is room.
+std::optional<Cell> SectionCell(const std::vector<ViewLines>& views, const std::vector<Cell>& cells, std::size_t section,
+                                const std::vector<Cell>& taken, Projection projection) {
+  if (taken.empty()) return Cell{0, 0, true};
+  for (std::size_t i = 0; i < views.size(); ++i) {
+    const auto step = cells[i].aligned ? StepTo(views[section].view, views[i].view) : std::nullopt;
+    if (!step) continue;
+    const bool isSame = views[section].view.toViewer.InnerProduct(views[i].view.toViewer) > 0.5;
+    const int sign = projection == Projection::kFirst && !isSame ? -1 : 1;
+    Cell cell = cells[i];
+    do {
+      cell.column += sign * step->column;
+      cell.row += sign * step->row;
+    } while (std::any_of(taken.begin(), taken.end(), [&](const Cell& t) { return t.SamePlace(cell); }));
+    return cell;
+  }
+  return std::nullopt;
+}
+
 std::vector<Cell> CellsOf(const std::vector<ViewLines>& views, Projection projection) {
   std::vector<Cell> cells(views.size());
   std::vector<Cell> taken;
   for (std::size_t i = 0; i < views.size(); ++i) {
     if (const auto side = SideCell(views[i].name, projection)) taken.push_back(cells[i] = *side);
+  }
+  for (std::size_t i = 0; i < views.size(); ++i) {
+    if (!views[i].section) continue;
+    if (const auto cell = SectionCell(views, cells, i, taken, projection)) taken.push_back(cells[i] = *cell);
   }
   for (std::size_t i = 0; i < views.size(); ++i) {
     if (!cells[i].aligned) taken.push_back(cells[i] = PictorialCell(taken, projection));
@@ -82,28 +125,29 @@ double Sum(const Bands& bands) {
   return std::accumulate(bands.begin(), bands.end(), 0.0, [](double sum, const auto& band) { return sum + band.second; });
 }
 
-double Gaps(const Bands& bands) {
-  return kGap * static_cast<double>(bands.size() - 1);
-}
-
 // The middle of band `number` behind those before it; `first` is the first one's start.
-double MiddleOf(const Bands& bands, int number, double first, double perUnit) {
+double MiddleOf(const Bands& bands, int number, double first, double perUnit, double gap) {
   double at = first;
-  for (auto band = bands.begin(); band->first != number; ++band) at += band->second * perUnit + kGap;
+  for (auto band = bands.begin(); band->first != number; ++band) at += band->second * perUnit + gap;
   return at + bands.at(number) * perUnit / 2;
 }
 
 struct Grid {
   std::vector<Cell> cells;
   Bands columns, rows;
+  double marks = 0.0;  // room around views
 
   Grid(const std::vector<ViewLines>& views, Projection projection) : cells(CellsOf(views, projection)) {
+    if (std::any_of(views.begin(), views.end(), [](const ViewLines& view) { return view.section.has_value(); }))
+      marks = kSectionMarks;
     for (std::size_t i = 0; i < views.size(); ++i) {
       const Extent& e = views[i].extent;
       columns[cells[i].column] = std::max(columns[cells[i].column], e.xmax - e.xmin);
       rows[cells[i].row] = std::max(rows[cells[i].row], e.ymax - e.ymin);
     }
   }
+  double Gap() const { return kGap + marks; }
+  double Gaps(const Bands& bands) const { return Gap() * static_cast<double>(bands.size() - 1) + 2 * marks; }
   // The largest scale in millimetres for each unit with which the views fit; at most 0 when even the gaps do not.
   double LargestIn(const DrawingArea& area) const {
     return std::min((area.width - Gaps(columns)) / Sum(columns), (area.height - Gaps(rows)) / Sum(rows));
@@ -141,8 +185,8 @@ void ChooseScale(Sheet& sheet, const Grid& grid) {
 Paper PaperAround(const Sheet& sheet, const Grid& grid, double perUnit) {
   constexpr double kLongestSide = 1e5;
   const DrawingArea area = AreaOf(sheet.paper, sheet.options);
-  const double width = Sum(grid.columns) * perUnit + Gaps(grid.columns) + sheet.paper.width - area.width;
-  const double height = Sum(grid.rows) * perUnit + Gaps(grid.rows) + sheet.paper.height - area.height;
+  const double width = Sum(grid.columns) * perUnit + grid.Gaps(grid.columns) + sheet.paper.width - area.width;
+  const double height = Sum(grid.rows) * perUnit + grid.Gaps(grid.rows) + sheet.paper.height - area.height;
   if (!(std::max(width, height) < kLongestSide))
     throw Failure("at " + ScaleText(sheet.scale) + " the drawing is more than 100 m long");
   return {"", std::max(width, sheet.paper.width), std::max(height, sheet.paper.height), false};
@@ -164,25 +208,26 @@ void ChoosePaper(Sheet& sheet, const Grid& grid) {
 
 void PlaceViews(Sheet& sheet, const Grid& grid) {
   const DrawingArea area = AreaOf(sheet.paper, sheet.options);
-  const double width = Sum(grid.columns) * sheet.perUnit + Gaps(grid.columns);
-  const double height = Sum(grid.rows) * sheet.perUnit + Gaps(grid.rows);
-  const double left = area.left + (area.width - width) / 2;
-  const double bottom = area.bottom + (area.height - height) / 2;
+  const double width = Sum(grid.columns) * sheet.perUnit + grid.Gaps(grid.columns);
+  const double height = Sum(grid.rows) * sheet.perUnit + grid.Gaps(grid.rows);
+  const double left = area.left + (area.width - width) / 2 + grid.marks;
+  const double bottom = area.bottom + (area.height - height) / 2 + grid.marks;
   for (std::size_t i = 0; i < sheet.views.size(); ++i) {
     PlacedView& view = sheet.views[i];
-    view.origin.Set(MiddleOf(grid.columns, grid.cells[i].column, left, sheet.perUnit),
-                    MiddleOf(grid.rows, grid.cells[i].row, bottom, sheet.perUnit));
+    view.origin.Set(MiddleOf(grid.columns, grid.cells[i].column, left, sheet.perUnit, grid.Gap()),
+                    MiddleOf(grid.rows, grid.cells[i].row, bottom, sheet.perUnit, grid.Gap()));
     const Extent& e = view.lines.extent;
     if (!grid.cells[i].aligned) view.origin -= ZBR_PT((e.xmin + e.xmax) / 2, (e.ymin + e.ymax) / 2) * sheet.perUnit;
   }
 }
 
 // The paper is cut to the drawing when nobody asked for a size.
-void CutPaper(Sheet& sheet) {
+void CutPaper(Sheet& sheet, double marks) {
   PlacedView& view = sheet.views.front();
   const Extent& e = view.lines.extent;
-  sheet.paper = {"", (e.xmax - e.xmin) * sheet.perUnit + 2 * kMargin, (e.ymax - e.ymin) * sheet.perUnit + 2 * kMargin, false};
-  view.origin = ZBR_PT(kMargin, kMargin) - ZBR_PT(e.xmin, e.ymin) * sheet.perUnit;
+  const double margin = kMargin + marks;
+  sheet.paper = {"", (e.xmax - e.xmin) * sheet.perUnit + 2 * margin, (e.ymax - e.ymin) * sheet.perUnit + 2 * margin, false};
+  view.origin = ZBR_PT(margin, margin) - ZBR_PT(e.xmin, e.ymin) * sheet.perUnit;
 }
 
 // How much of the views' places lines of the width 1 would cover, at the view where they are closest.
@@ -209,10 +254,20 @@ void ChooseWidths(Sheet& sheet) {
   std::size_t i = std::max(sheet.paper.width, sheet.paper.height) > kLargeSide ? 0 : 1;
   while (i + 1 < kWidths.size() && kWidths[i].wide * density > kMayCover) ++i;
   sheet.wide = kWidths[i].wide;
+  sheet.cut = i > 0 ? kWidths[i - 1].wide : 1.0;
   sheet.thin = kWidths[i].thin;
 }
 
 }  // namespace
+
+double Sheet::WidthOf(EdgeClass edgeClass) const {
+  if (edgeClass == EdgeClass::kCut) return cut;
+  return edgeClass == EdgeClass::kTangent || edgeClass == EdgeClass::kHatching || IsChainLine(edgeClass) ? thin : wide;
+}
+
+bool IsChainLine(EdgeClass edgeClass) {
+  return edgeClass == EdgeClass::kCuttingPlane || edgeClass == EdgeClass::kCentre;
+}
 
 bool IsSideView(const std::string& name) {
   return SideCell(name, Projection::kThird).has_value();
@@ -230,8 +285,11 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   }
   sheet.perUnit = sheet.scale * options.millimetres;
   PlaceViews(sheet, grid);
-  if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet);
+  if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet, grid.marks);
   ChooseWidths(sheet);
+  AddHatching(sheet);
+  AddCentreLines(sheet);
+  AddSectionMarks(sheet);
   if (options.projection != Projection::kNone) AddFrame(sheet);
   return sheet;
 }

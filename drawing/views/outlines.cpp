@@ -13,7 +13,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "drawing/views/parallel.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <zbr/tolerance.h>
 
-#include "drawing/views/parallel.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 

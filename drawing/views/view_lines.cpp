@@ -38,16 +38,17 @@ class Collector {
       : model_(model), scene_(scene), circles_(model, scene, circles) {}
 
   void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
-    const std::size_t t = model_.shellBegin[shell] + triangle;
+    const std::size_t t = static_cast<std::size_t>(scene_.shells[shell].tris - scene_.triangles.data()) + triangle;
     BinnedSegment s;
     s.edgeClass = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
     s.shell = s.other = static_cast<std::uint32_t>(shell);
     s.segment.segment = segment;
-    if (t < model_.TriangleCount()) {
-      s.segment.edge = {model_.source[t], static_cast<std::uint8_t>(edge)};
-      circles_.Locate(shell, triangle, static_cast<std::size_t>(edge), s.segment);
+    if (t < scene_.TriangleCount()) {
+      const auto [source, side] = SourceOf(t, edge);
+      s.segment.edge = {model_.source[source], side};
+      if (side != EdgeRef::kAcross) circles_.Locate(shell, source - model_.shellBegin[shell], side, s.segment);
     } else {
-      const auto [first, second] = scene_.crossing[t - model_.TriangleCount()];
+      const auto [first, second] = scene_.crossing[t - scene_.TriangleCount()];
       s.shell = model_.ShellOf(first);
       s.other = model_.ShellOf(second);
       s.segment.edge = {model_.source[first], EdgeRef::kAcross};
@@ -95,6 +96,12 @@ class Collector {
   }
 
  private:
+  // The triangle of the model and its edge.
+  EdgeRef SourceOf(std::size_t t, int edge) const {
+    if (scene_.parts.empty()) return {static_cast<std::uint32_t>(t), static_cast<std::uint8_t>(edge)};
+    return {scene_.parts[t].triangle, scene_.parts[t].edges[static_cast<std::size_t>(edge)]};
+  }
+
   const Model& model_;
   const Scene& scene_;
   SeenCircles circles_;
@@ -117,6 +124,14 @@ const char* NameOf(EdgeClass edgeClass) {
       return "tangent";
     case EdgeClass::kIntersection:
       return "intersection";
+    case EdgeClass::kCut:
+      return "cut";
+    case EdgeClass::kHatching:
+      return "hatching";
+    case EdgeClass::kCuttingPlane:
+      return "cutting-plane";
+    case EdgeClass::kCentre:
+      return "centre";
     case EdgeClass::kSmooth:
       break;
   }
@@ -132,6 +147,19 @@ double ViewLines::VisibleLength() const {
   return length;
 }
 
+void AddVisible(ViewLines& view, std::vector<Line> lines) {
+  const auto hidden = std::find_if(view.lines.begin(), view.lines.end(), [](const Line& line) { return line.hidden; });
+  view.lines.insert(hidden, std::make_move_iterator(lines.begin()), std::make_move_iterator(lines.end()));
+}
+
+Extent ExtentOf(const Scene& scene) {
+  Extent extent;
+  for (const ZBR_HL_TRI& triangle : scene.triangles) {
+    for (const ZBR_PT3& p : triangle.pt) extent.Add(ZBR_PT(p.x() / scene.scale, p.y() / scene.scale));
+  }
+  return extent;
+}
+
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles) {
   const ZBR_TmpEps hold(kSceneTolerance);
   ViewLines view;
@@ -139,9 +167,7 @@ ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, cons
   view.middle = scene.offset;
   view.drawable = scene.drawable;
   for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
-  for (const ZBR_HL_TRI& triangle : scene.triangles) {
-    for (const ZBR_PT3& p : triangle.pt) view.extent.Add(ZBR_PT(p.x() / scene.scale, p.y() / scene.scale));
-  }
+  view.extent = ExtentOf(scene);
   Collector collector(model, scene, circles);
   collector.AddVisible();
   collector.ChainInto(view.lines, false);

@@ -79,15 +79,15 @@ Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   return ParseDrawing(format, isReadable ? ReadFile(file) : "", file, content);
 }
 
-std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, DxfVersion version) {
-  if (format == Format::kDxf) return WriteDxf(layers, units, version);
+std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, const DxfStyle& style) {
+  if (format == Format::kDxf) return WriteDxf(layers, units, style);
   if (format == Format::kGeoJson) return WriteGeoJson(layers, units);
   if (format == Format::kWkt) return WriteWkt(layers);
   return WriteLoopText(layers);
 }
 
-std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights, DxfVersion version) {
-  if (format == Format::kDxf) return WriteDxfLines(layers, units, version);
+std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights, const DxfStyle& style) {
+  if (format == Format::kDxf) return WriteDxfLines(layers, units, style);
   if (format == Format::kGeoJson) return WriteGeoJsonLines(layers, units, heights);
   if (format == Format::kWkt) return WriteWktLines(layers, heights);
   return WriteTextLines(layers, heights);

@@ -1,4 +1,5 @@
-// Reads well-known text: any number of geometries, usually one a line. Polygons, multi-polygons and collections of them are taken;
+// Reads well-known text: any number of geometries, usually one a line. Polygons, those with arcs (CURVEPOLYGON, MULTISURFACE) too,
+// multi-polygons and collections of them are taken;
 // points are left out and counted, and so are lines unless they are asked for. Z values are kept for lines alone, M values dropped.
 // An "SRID=...;" before a geometry is allowed.
 
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
 #include <optional>
 #include <string_view>
 
@@ -72,28 +74,38 @@ class WktReader {
   void ReadGeometry(int depth) {
     if (depth > kDeepestCollection) FailAt(drawing_.file, line_, "collections are nested too deeply");
     if (Word() == "SRID") SkipReference();
+    const std::string kind = ReadKind();
+    if (Word() == "EMPTY") return Advance();
+    if (kind == "POLYGON") return ReadPolygon();
+    if (kind == "CURVEPOLYGON") return ReadCurvePolygon();
+    if (kind == "MULTIPOLYGON") return ReadList([&] { ReadPolygon(); });
+    if (kind == "MULTISURFACE") return ReadList([&] { token_ == "(" ? ReadPolygon() : ReadGeometry(depth + 1); });
+    if (kind == "GEOMETRYCOLLECTION") return ReadList([&] { ReadGeometry(depth + 1); });
+    const bool isLine = kind != "POINT" && kind != "MULTIPOINT";
+    if (isForLines_ && (kind == "MULTILINESTRING" || kind == "MULTICURVE"))
+      return ReadList([&] { token_ == "(" ? ReadLine("LINESTRING") : ReadLine(ReadKind()); });
+    if (isForLines_ && isLine) return ReadLine(kind);
+    drawing_.LeaveOut(kind, line_, isLine);
+    SkipParentheses();
+  }
+
+  // What a geometry is, and whether heights are to be kept. "POLYGONZ" and "POLYGON Z" mean the same.
+  std::string ReadKind() {
     std::string kind = Word();
-    // "POLYGONZ" and "POLYGON Z" mean the same.
     hasHeights_ = false;
     while (kind.size() > 5 && (kind.back() == 'Z' || kind.back() == 'M')) {
       hasHeights_ = isForLines_ && kind.back() == 'Z';
       kind.pop_back();
     }
-    static constexpr std::array<std::string_view, 7> kKinds = {"POLYGON",    "MULTIPOLYGON", "GEOMETRYCOLLECTION", "POINT",
-                                                               "MULTIPOINT", "LINESTRING",   "MULTILINESTRING"};
+    static constexpr std::array<std::string_view, 12> kKinds = {
+        "POLYGON",      "MULTIPOLYGON",    "GEOMETRYCOLLECTION", "POINT",      "MULTIPOINT",     "LINESTRING",
+        "CURVEPOLYGON", "MULTILINESTRING", "MULTISURFACE",       "MULTICURVE", "CIRCULARSTRING", "COMPOUNDCURVE"};
     if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end()) Fail("a geometry");
     Advance();
     const std::string dimension = Word();
     if (dimension == "Z" || dimension == "M" || dimension == "ZM") Advance();
     if (isForLines_ && dimension.starts_with('Z')) hasHeights_ = true;
-    if (Word() == "EMPTY") return Advance();
-    if (kind == "POLYGON") return ReadPolygon();
-    if (kind == "MULTIPOLYGON") return ReadList([&] { ReadPolygon(); });
-    if (kind == "GEOMETRYCOLLECTION") return ReadList([&] { ReadGeometry(depth + 1); });
-    if (isForLines_ && kind == "LINESTRING") return ReadLine();
-    if (isForLines_ && kind == "MULTILINESTRING") return ReadList([&] { ReadLine(); });
-    drawing_.LeaveOut(kind, line_, kind.ends_with("LINESTRING"));
-    SkipParentheses();
+    return kind;
   }
 
   void SkipReference() {
@@ -126,12 +138,71 @@ class WktReader {
     });
   }
 
-  void ReadLine() {
+  void ReadCurvePolygon() {
+    const int polygon = polygons_++;
+    ReadList([&] {
+      Path ring;
+      ring.line = line_;
+      ring.polygon = polygon;
+      ReadCurve(token_ == "(" ? "LINESTRING" : ReadKind(), ring);
+      drawing_.paths.push_back(std::move(ring));
+    });
+  }
+
+  void ReadLine(const std::string& kind) {
     if (Word() == "EMPTY") return Advance();
     Path line;
     line.line = line_;
-    ReadList([&] { ReadPoint(line); });
+    ReadCurve(kind, line);
     drawing_.paths.push_back(std::move(line));
+  }
+
+  // Appends a curve of this kind to the path, whose last point its first one repeats.
+  void ReadCurve(const std::string& kind, Path& path) {
+    if (kind == "COMPOUNDCURVE") return ReadList([&] { ReadPart(token_ == "(" ? "LINESTRING" : ReadKind(), path); });
+    ReadPart(kind, path);
+  }
+
+  void ReadPart(const std::string& kind, Path& path) {
+    if (kind != "LINESTRING" && kind != "CIRCULARSTRING") Fail("a line or arcs");
+    Path part;
+    ReadList([&] { ReadPoint(part); });
+    if (kind == "CIRCULARSTRING" && part.points.size() % 2 == 0) Fail("an odd number of points");
+    const bool goesOn = !path.points.empty() && !part.points.empty();
+    if (goesOn && path.points.back().Distance(part.points.front()) > 0) FailAt(drawing_.file, line_, "the parts of a compound curve do not meet");
+    if (goesOn) path.points.pop_back();
+    if (goesOn && !path.heights.empty()) path.heights.pop_back();
+    path.heights.insert(path.heights.end(), part.heights.begin(), part.heights.end());
+    for (std::size_t i = 0; i < part.points.size(); ++i) {
+      const bool isMiddle = kind == "CIRCULARSTRING" && i % 2 == 1;
+      if (!isMiddle || !AddArc(part.points[i - 1], part.points[i], part.points[i + 1], path))
+        path.points.push_back(part.points[i]);
+      else if (!part.heights.empty())
+        path.heights.erase(path.heights.begin() + static_cast<std::ptrdiff_t>(path.points.size()));
+    }
+  }
+
+  // From the last point of the path through the middle to the end; all around where both are the same and the middle is opposite.
+  // False where the three lie on a line.
+  static bool AddArc(const ZBR_PT& from, const ZBR_PT& middle, const ZBR_PT& to, Path& path) {
+    constexpr double kTurn = 6.283185307179586;
+    const ZBR_PT a = middle - from, b = to - from;
+    const double turn = a.OuterProduct(b);
+    const bool isWhole = from.x() == to.x() && from.y() == to.y();
+    const ZBR_PT centre =
+        isWhole ? a * 0.5
+                : ZBR_PT(b.y() * a.Length2() - a.y() * b.Length2(), a.x() * b.Length2() - b.x() * a.Length2()) * (0.5 / turn);
+    if (!std::isfinite(centre.x()) || !std::isfinite(centre.y()) || (isWhole && a.Length2() == 0)) return false;
+    Curve arc;
+    arc.at = path.points.size() - 1;
+    arc.centre = from + centre;
+    arc.u = centre * -1.0;
+    arc.v = ZBR_PT(-arc.u.y(), arc.u.x()) * (turn < 0 ? -1.0 : 1.0);
+    const ZBR_PT end = b - centre;
+    const double angle = std::atan2(end.InnerProduct(arc.v), end.InnerProduct(arc.u));
+    arc.t1 = isWhole || angle <= 0 ? angle + kTurn : angle;
+    path.curves.push_back(arc);
+    return true;
   }
 
   void ReadPoint(Path& path) {

@@ -1,5 +1,7 @@
 // Well-known text: one line for each result.
 
+#include <zbr-drawing/contours.h>
+#include <zbr-drawing/measures.h>
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/drawings.h>
 
@@ -50,13 +52,26 @@ void AppendPoint(std::string& text, const ZBR_PT& p) {
   AppendNumber(text, p.y());
 }
 
+void AppendChords(std::string& text, const Curve& curve, const ZBR_PT& from, const ZBR_PT& to, double deviation) {
+  Path alone;
+  alone.points = {from, to};
+  alone.curves = {curve};
+  alone.curves[0].at = 0;
+  const char* separator = "(";
+  FlattenPath(alone, deviation, [&](const ZBR_PT& p, std::size_t, double) {
+    text += separator;
+    AppendPoint(text, p);
+    separator = ", ";
+  });
+  text += ')';
+}
+
 // One edge of an outline: arcs of circles by three points, or five all around; other curves by chords.
-void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& from, const ZBR_PT& to) {
-  constexpr int kChords = 64;
+void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& from, const ZBR_PT& to, double deviation) {
   constexpr double kAlmostWhole = 6.0;  // radians: three points tell no whole circle
-  const bool isCircular = curve.IsCircular();
-  const int parts = !isCircular ? kChords : (std::abs(curve.t1 - curve.t0) > kAlmostWhole ? 4 : 2);
-  text += isCircular ? "CIRCULARSTRING (" : "(";
+  if (!curve.IsCircular()) return AppendChords(text, curve, from, to, deviation);
+  const int parts = std::abs(curve.t1 - curve.t0) > kAlmostWhole ? 4 : 2;
+  text += "CIRCULARSTRING (";
   AppendPoint(text, from);
   for (int k = 1; k <= parts; ++k) {
     text += ", ";
@@ -65,7 +80,7 @@ void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& from, cons
   text += ')';
 }
 
-void AppendOutline(std::string& text, const Path& path) {
+void AppendOutline(std::string& text, const Path& path, double deviation) {
   const bool isCompound = path.points.size() > 1;
   if (isCompound) text += "COMPOUNDCURVE (";
   auto curve = path.curves.begin();
@@ -76,7 +91,7 @@ void AppendOutline(std::string& text, const Path& path) {
     if (inLine && isCurve) text += ')';
     if (i > 0 && (isCurve || !inLine)) text += ", ";
     if (isCurve) {
-      AppendCurve(text, *curve++, from, to);
+      AppendCurve(text, *curve++, from, to, deviation);
     } else {
       if (!inLine) {
         text += '(';
@@ -91,17 +106,17 @@ void AppendOutline(std::string& text, const Path& path) {
   if (isCompound) text += ')';
 }
 
-void AppendCurvedLayer(std::string& text, const Layer& layer) {
+void AppendCurvedLayer(std::string& text, const Layer& layer, double deviation) {
   const bool isOne = layer.loops.size() == 1;
   if (!isOne) text += "MULTISURFACE (";
   auto outline = layer.outlines.begin();
   for (const auto& loop : layer.loops) {
     if (loop != layer.loops.front()) text += ", ";
     text += "CURVEPOLYGON (";
-    AppendOutline(text, *outline++);
+    AppendOutline(text, *outline++, deviation);
     for (std::size_t hole = 0; hole < loop->children().size(); ++hole) {
       text += ", ";
-      AppendOutline(text, *outline++);
+      AppendOutline(text, *outline++, deviation);
     }
     text += ')';
   }
@@ -110,13 +125,18 @@ void AppendCurvedLayer(std::string& text, const Layer& layer) {
 
 }  // namespace
 
-std::string WriteWktCurves(const std::vector<Layer>& layers) {
+std::string WriteWktCurves(const std::vector<Layer>& layers, double deviation) {
   std::string text;
+  Extent extent;
+  for (const Layer& layer : layers) {
+    for (const Path& outline : layer.outlines) extent.Add(TrueExtentOf(outline));
+  }
+  const double chords = WithDefaults({deviation > 0 ? deviation : -1.0, -1.0}, extent).deviation;
   for (const Layer& layer : layers) {
     if (layer.outlines.empty()) {
       text += WriteWkt({layer});
     } else {
-      AppendCurvedLayer(text, layer);
+      AppendCurvedLayer(text, layer, chords);
     }
   }
   return text;

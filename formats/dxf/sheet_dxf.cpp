@@ -14,6 +14,9 @@ constexpr const char* kVisible = "VISIBLE";
 constexpr const char* kOutline = "OUTLINE";
 constexpr const char* kIntersection = "INTERSECTION";
 constexpr const char* kTangent = "TANGENT";
+constexpr const char* kSection = "SECTION";
+constexpr const char* kHatching = "HATCHING";
+constexpr const char* kCentre = "CENTER";  // the line type's standard name, too
 constexpr const char* kHidden = "HIDDEN";
 // Some programs go by the name of a line type and leave its pattern: of the standard names this comes nearest to the dashes of
 // hidden lines, 3 mm for the usual width.
@@ -33,6 +36,34 @@ std::string FillLayer(const ObjectSource& object) {
   return "FILL-" + object.id;
 }
 
+const char* LayerOf(const Line& line) {
+  if (line.hidden) return kHidden;
+  if (line.edgeClass == EdgeClass::kCut) return kSection;
+  if (line.edgeClass == EdgeClass::kHatching) return kHatching;
+  if (IsChainLine(line.edgeClass)) return kCentre;
+  if (line.edgeClass == EdgeClass::kIntersection) return kIntersection;
+  if (line.edgeClass == EdgeClass::kTangent) return kTangent;
+  return line.edgeClass == EdgeClass::kSilhouette ? kOutline : kVisible;
+}
+
+bool HasLines(const Sheet& sheet, const char* layer) {
+  return std::any_of(sheet.views.begin(), sheet.views.end(), [&](const PlacedView& view) {
+    return std::any_of(view.lines.lines.begin(), view.lines.lines.end(), [&](const Line& line) { return LayerOf(line) == layer; });
+  });
+}
+
+// The layers that few sheets have lines on.
+void AddMarks(const Sheet& sheet, DxfSetup& setup) {
+  constexpr int kBlack = 7;
+  const std::string continuous = "CONTINUOUS";
+  if (HasLines(sheet, kSection)) setup.layers.push_back({kSection, kBlack, Hundredths(sheet.cut), continuous, false});
+  if (HasLines(sheet, kHatching)) setup.layers.push_back({kHatching, kBlack, Hundredths(sheet.thin), continuous, false});
+  if (!HasLines(sheet, kCentre)) return;
+  setup.layers.push_back({kCentre, kBlack, Hundredths(sheet.thin), kCentre, false});
+  const double dash = kLongDash * sheet.thin, gap = -kDashGap * sheet.thin;
+  setup.lineTypes.push_back({kCentre, "Center ____ _ ____ _ ____", {dash, gap, kDot * sheet.thin, gap}});
+}
+
 DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
   constexpr int kMillimetres = 4, kBlack = 7, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
   const bool off = sheet.options.hidden == HiddenStyle::kLayer;
@@ -49,6 +80,7 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
                   {kHidden, kGrey, Hundredths(sheet.thin), kDashes, off},
                   {kFrame, kBlack, kFrameWidth, continuous, false},
                   {kTitle, kBlack, kTitleWidth, continuous, false}};
+  AddMarks(sheet, setup);
   if (!HasOutlines(sheet)) return setup;
   constexpr int kFirstGrey = 251, kGreys = 4, kHairline = 5;
   for (std::size_t k = 0; k < objects.size(); ++k) {
@@ -56,13 +88,6 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
     setup.layers.push_back({FillLayer(objects[k]), grey, kHairline, continuous, false});
   }
   return setup;
-}
-
-const char* LayerOf(const Line& line) {
-  if (line.hidden) return kHidden;
-  if (line.edgeClass == EdgeClass::kIntersection) return kIntersection;
-  if (line.edgeClass == EdgeClass::kTangent) return kTangent;
-  return line.edgeClass == EdgeClass::kSilhouette ? kOutline : kVisible;
 }
 
 void AddOutlines(DxfDocument& document, const Sheet& sheet, const PlacedView& view, const std::vector<ObjectSource>& objects) {

@@ -109,6 +109,12 @@ void PdfPage::SetDashes(double dash, double gap) {
   content_ += "] 0 d\n";
 }
 
+void PdfPage::SetDashes(const std::array<double, 4>& pattern) {
+  content_ += '[';
+  for (const double part : pattern) Add(part);
+  content_ += "] 0 d\n";
+}
+
 void PdfPage::SetShade(const std::array<int, 3>& rgb) {
   for (const char* operation : {"rg\n", "RG\n"}) {
     for (const int value : rgb) Add(value / 255.0);

@@ -36,7 +36,8 @@ class PdfPage {
 
   void SetWidth(double width);
   void SetRoundEnds(bool round);
-  void SetDashes(double dash, double gap);       // 0: none
+  void SetDashes(double dash, double gap);  // 0: none
+  void SetDashes(const std::array<double, 4>& pattern);
   void SetShade(const std::array<int, 3>& rgb);  // of lines and areas
 
   // Arcs of circles and ellipses as Bézier curves, at most 1e-5 of the radius off. No splines.

@@ -1,6 +1,8 @@
 // Pictures of one drawing.
 #include <zbr-formats/plot.h>
 
+#include <zbr-drawing/contours.h>
+#include <zbr-drawing/measures.h>
 #include <zbr-drawing/units.h>
 
 #include <algorithm>
@@ -24,6 +26,7 @@ Extent ExtentOf(const Plot& plot) {
     for (const auto& line : item.lines) {
       for (const ZBR_PT& p : line) extent.Add(p);
     }
+    for (const Path& path : item.paths) extent.Add(TrueExtentOf(path));
   }
   return extent;
 }
@@ -32,6 +35,12 @@ double LengthOf(const PlotItem& item) {
   double length = LengthOfRings(item.region);
   for (const auto& line : item.lines) {
     for (std::size_t i = 1; i < line.size(); ++i) length += line[i].Distance(line[i - 1]);
+  }
+  for (const Path& path : item.paths) {
+    constexpr double kCoarse = 1e-3;  // of the size: enough for the width of lines
+    std::vector<ZBR_PT> points;
+    FlattenPath(path, kCoarse * TrueExtentOf(path).Size(), [&](const ZBR_PT& p, std::size_t, double) { points.push_back(p); });
+    for (std::size_t i = 1; i < points.size(); ++i) length += points[i].Distance(points[i - 1]);
   }
   return length;
 }
@@ -42,8 +51,9 @@ std::string Colours(const PlotItem& item) {
 }
 
 std::string ItemShape(const PlotItem& item, double usualWidth, const PageMap& map) {
-  std::string data = PathData(item.region, map);
+  std::string data = item.borders.empty() ? PathData(item.region, map) : PathData(item.borders, map);
   for (const auto& line : item.lines) data += PathData(line, map);
+  data += PathData(item.paths, map);
   if (data.empty()) return data;
   return "<path" + Colours(item) + " stroke-width=\"" + Px(usualWidth * item.width) +
          "\" stroke-linecap=\"round\" fill-rule=\"evenodd\" d=\"" + data + "\"/>\n";

@@ -22,6 +22,10 @@ struct DashPattern {
 // a short line still shows that it is hidden. None for very short ones.
 std::optional<DashPattern> DashesOf(const Sheet& sheet, const Line& line);
 
+// Dash, gap, dot and gap of a chain line, stretched so that it starts and ends with a dash, and has one in its middle, where the
+// two lines of a cross meet. None for lines that are not longer than a dash.
+std::optional<std::array<double, 4>> ChainPattern(const Sheet& sheet, const Line& line);
+
 // Red, green and blue of what an object covers: light enough for lines on top, and apart from each other even in print.
 std::array<int, 3> ShadeOf(std::size_t object);
 

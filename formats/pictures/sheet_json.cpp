@@ -139,22 +139,43 @@ std::string OutlinesText(const ViewLines& view, const Coordinates& coordinates) 
   return text;
 }
 
+std::string SectionText(const SectionOfView& section, const Coordinates& coordinates) {
+  const Json plane = {{"normal", Vector(section.plane.normal)}, {"offset", section.plane.offset + 0.0}};
+  std::string text = "\n],\"section\":{\"letter\":" + TextOf(section.letter) + ",\"plane\":" + TextOf(plane);
+  if (std::isfinite(section.plane.depth)) text += ",\"depth\":" + TextOf(section.plane.depth);
+  text +=
+      ",\"open_lines\":" + std::to_string(section.openLines) + ",\"bridged\":" + std::to_string(section.bridged) + ",\"faces\":[\n";
+  for (const SectionFace& face : section.faces) {
+    if (&face != &section.faces.front()) text += ",\n";
+    text += "{\"shell\":" + std::to_string(face.shell) + ",\"area\":" + TextOf(face.region.area()) + ",";
+    std::string outline;
+    AppendOutline(outline, face.object, zbrLoopsOfRegion(face.region.view()), coordinates);
+    text += outline.substr(1);
+  }
+  return text + "\n]}";
+}
+
 // Points times scale plus origin give millimetres on paper.
 std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
   const ViewLines& view = placed.lines;
   const ZBR_PT origin = placed.origin - view.middle.xy() * sheet.perUnit;
-  const Json header = {{"name", view.name},
-                       {"right", Vector(view.view.right)},
-                       {"up", Vector(view.view.up)},
-                       {"to_viewer", Vector(view.view.toViewer)},
-                       {"origin", {origin.x(), origin.y()}}};
+  Json header = {{"name", view.name},
+                 {"right", Vector(view.view.right)},
+                 {"up", Vector(view.view.up)},
+                 {"to_viewer", Vector(view.view.toViewer)},
+                 {"origin", {origin.x(), origin.y()}}};
+  if (view.view.perspective) {
+    header["eye"] = Vector(view.view.perspective->eye);
+    header["distance"] = view.view.perspective->distance;
+  }
   const Coordinates coordinates(view);
   std::string text = Opened(header, "polylines");
   for (const Line& line : view.lines) {
     text += &line == &view.lines.front() ? "\n" : ",\n";
     AppendPolyline(text, line, coordinates);
   }
-  return text + OutlinesText(view, coordinates) + "\n]}";
+  text += OutlinesText(view, coordinates);
+  return text + (view.section ? SectionText(*view.section, coordinates) + "}" : "\n]}");
 }
 
 const char* ProjectionName(Projection projection) {

@@ -11,7 +11,19 @@ namespace zbr::formats {
 namespace {
 
 // Layers of the page.
-enum : std::size_t { kFillLayer, kHiddenLayer, kTangentLayer, kVisibleLayer, kFrameLayer };
+enum : std::size_t { kFillLayer, kHiddenLayer, kTangentLayer, kVisibleLayer, kFrameLayer, kHatchingLayer, kCentreLayer };
+
+std::size_t LayerOf(EdgeClass edgeClass) {
+  if (IsChainLine(edgeClass)) return kCentreLayer;
+  return edgeClass == EdgeClass::kTangent ? kTangentLayer : edgeClass == EdgeClass::kHatching ? kHatchingLayer : kVisibleLayer;
+}
+
+bool IsUsed(const Sheet& sheet, std::size_t layer) {
+  return std::any_of(sheet.views.begin(), sheet.views.end(), [&](const PlacedView& view) {
+    return std::any_of(view.lines.lines.begin(), view.lines.lines.end(),
+                       [&](const Line& line) { return !line.hidden && LayerOf(line.edgeClass) == layer; });
+  });
+}
 
 void AddFills(PdfPage& page, const Sheet& sheet, const PlacedView& view) {
   page.SetWidth(kSeam);
@@ -38,12 +50,15 @@ void AddHidden(PdfPage& page, const Sheet& sheet, const PlacedView& view) {
   }
 }
 
-// The visible lines that are tangent edges, or those that are not.
-void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view, bool tangent) {
-  page.SetWidth(tangent ? sheet.thin : sheet.wide);
-  page.SetRoundEnds(true);
+// The visible lines of a layer.
+void AddVisible(PdfPage& page, const Sheet& sheet, const PlacedView& view, std::size_t layer) {
+  double width = layer == kVisibleLayer ? sheet.wide : sheet.thin;
+  page.SetWidth(width);
+  page.SetRoundEnds(layer != kCentreLayer);
   for (const Line& line : view.lines.lines) {
-    if (!line.hidden && (line.edgeClass == EdgeClass::kTangent) == tangent) page.Stroke(sheet.OnPaper(view, line.chain));
+    if (line.hidden || LayerOf(line.edgeClass) != layer) continue;
+    if (sheet.WidthOf(line.edgeClass) != width) page.SetWidth(width = sheet.WidthOf(line.edgeClass));
+    page.Stroke(sheet.OnPaper(view, line.chain));
   }
 }
 
@@ -62,12 +77,14 @@ void AddSheet(PdfPage& page, const Sheet& sheet) {
 }  // namespace
 
 std::string WriteSheetPdf(const Sheet& sheet) {
-  PdfPage page(sheet.paper.width, sheet.paper.height, sheet.options.title,
-               {{"FILL"},
-                {"HIDDEN", sheet.options.hidden != HiddenStyle::kLayer},
-                {"TANGENT", sheet.options.tangent != TangentStyle::kLayer},
-                {"VISIBLE"},
-                {"FRAME"}});
+  std::vector<PdfLayer> layers = {{"FILL"},
+                                  {"HIDDEN", sheet.options.hidden != HiddenStyle::kLayer},
+                                  {"TANGENT", sheet.options.tangent != TangentStyle::kLayer},
+                                  {"VISIBLE"},
+                                  {"FRAME"}};
+  const bool hasMarks = IsUsed(sheet, kHatchingLayer) || IsUsed(sheet, kCentreLayer);
+  if (hasMarks) layers.insert(layers.end(), {{"HATCHING"}, {"CENTER"}});
+  PdfPage page(sheet.paper.width, sheet.paper.height, sheet.options.title, layers);
   const auto onLayer = [&](std::size_t layer, const auto& add) {
     page.BeginLayer(layer);
     for (const PlacedView& view : sheet.views) add(page, sheet, view);
@@ -75,9 +92,9 @@ std::string WriteSheetPdf(const Sheet& sheet) {
   };
   onLayer(kFillLayer, AddFills);
   onLayer(kHiddenLayer, AddHidden);
-  for (const bool tangent : {true, false}) {
-    onLayer(tangent ? kTangentLayer : kVisibleLayer,
-            [&](PdfPage& p, const Sheet& s, const PlacedView& view) { AddVisible(p, s, view, tangent); });
+  for (const std::size_t layer : {kTangentLayer, kHatchingLayer, kVisibleLayer, kCentreLayer}) {
+    if ((layer == kHatchingLayer || layer == kCentreLayer) && !hasMarks) continue;
+    onLayer(layer, [&](PdfPage& p, const Sheet& s, const PlacedView& view) { AddVisible(p, s, view, layer); });
   }
   page.BeginLayer(kFrameLayer);
   AddSheet(page, sheet);

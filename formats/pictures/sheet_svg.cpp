@@ -24,6 +24,13 @@ std::string PathElement(const Sheet& sheet, const PlacedView& view, const Line& 
     const auto dashes = DashesOf(sheet, line);
     style = Attribute("stroke-dasharray", dashes ? Px(dashes->dash) + " " + Px(dashes->gap) : "none");
   }
+  if (IsChainLine(line.edgeClass)) {
+    std::string dashes;
+    if (const auto pattern = ChainPattern(sheet, line)) {
+      for (const double part : *pattern) dashes.append(dashes.empty() ? "" : " ").append(MmText(part));
+    }
+    if (!dashes.empty()) style = Attribute("stroke-dasharray", dashes);
+  }
   return "<path" + style + Attribute("d", page.PathData(sheet.OnPaper(view, line.chain))) + "/>\n";
 }
 
@@ -51,9 +58,10 @@ std::string ViewId(const PlacedView& view) {
 
 // What lines of a class have of their own.
 std::string ClassStyle(const Sheet& sheet, EdgeClass edgeClass) {
-  if (edgeClass != EdgeClass::kTangent) return "";
-  return Attribute("stroke-width", MmText(sheet.thin)) +
-         (sheet.options.tangent == TangentStyle::kLayer ? Attribute("display", "none") : "");
+  const double width = sheet.WidthOf(edgeClass);
+  std::string style = width != sheet.wide ? Attribute("stroke-width", MmText(width)) : "";
+  if (edgeClass == EdgeClass::kTangent && sheet.options.tangent == TangentStyle::kLayer) style += Attribute("display", "none");
+  return style + (IsChainLine(edgeClass) ? Attribute("stroke-linecap", "butt") : "");
 }
 
 // The hidden or the visible lines of a view.
@@ -67,7 +75,7 @@ std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, 
     }
     if (paths.empty()) continue;
     content += "<g" + Attribute("id", ViewId(view) + "-" + visibility + "-" + NameOf(edgeClass)) +
-               Attribute("class", NameOf(edgeClass)) + ClassStyle(sheet, edgeClass) + ">\n" + paths + "</g>\n";
+               Attribute("class", NameOf(edgeClass)) + (hidden ? "" : ClassStyle(sheet, edgeClass)) + ">\n" + paths + "</g>\n";
   }
   if (content.empty()) return "";
   std::string style = Attribute("class", visibility);
@@ -128,7 +136,7 @@ std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& o
            FillGroup(sheet, view, objects, page) + LinesGroup(sheet, view, true, page) + LinesGroup(sheet, view, false, page) +
            "</g>\n";
   }
-  if (!sheet.paths.empty()) svg += FrameGroup(sheet, page);
+  if (!sheet.paths.empty() || !sheet.texts.empty()) svg += FrameGroup(sheet, page);
   return svg + "</svg>\n";
 }
 

@@ -1,6 +1,8 @@
 // Coordinates, paths and texts of SVG.
 #include "formats/pictures/svg_text.h"
 
+#include <zbr-drawing/contours.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -61,30 +63,43 @@ void AppendArc(std::string& text, const Curve& axes, bool isReversed, const ZBR_
   AppendNumber(text, q.y());
 }
 
-// A curve, but for where it starts. Ellipses in parts of less than half a turn, splines as chords.
-void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& to, const PageMap& map) {
-  constexpr double kLongest = 3.0;
-  constexpr int kSplineChords = 64;
-  const double sweep = curve.t1 - curve.t0;
-  const bool isSpline = curve.spline != nullptr;
-  const int parts = isSpline ? kSplineChords : std::max(1, static_cast<int>(std::ceil(std::abs(sweep) / kLongest)));
-  const bool isReversed = (curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x()) * sweep < 0;
-  const Curve axes = isSpline ? curve : OnAxes(curve);
-  for (int i = 1; i <= parts; ++i) {
-    const ZBR_PT p = i == parts ? to : curve.At(curve.t0 + sweep * i / parts);
-    if (isSpline) {
-      AppendPoint(text, 'L', map(p));
-    } else {
-      AppendArc(text, axes, isReversed, p, map);
-    }
+// A stretch of a spline: Bezier curves where the page knows them, which it does up to the third degree and without weights.
+void AppendSpline(std::string& text, const Curve& curve, const ZBR_PT& to, const PageMap& map) {
+  constexpr std::array<char, 4> kCommands = {' ', 'L', 'Q', 'C'};
+  const auto degree = static_cast<std::size_t>(curve.spline->degree);
+  if (degree >= kCommands.size() || !curve.spline->weights.empty()) {
+    Path alone;
+    alone.points = {curve.At(curve.t0), to};
+    alone.curves = {curve};
+    alone.curves[0].at = 0;
+    FlattenPath(alone, kMergeDistance / map.PixelsPerUnit(), [&](const ZBR_PT& p, std::size_t i, double part) {
+      if (i > 0 || part > 0) AppendPoint(text, 'L', map(p));
+    });
+    return;
+  }
+  const Spline stretch = Trimmed(*curve.spline, curve.t0, curve.t1);
+  for (std::size_t i = 1; i < stretch.control.size(); ++i) {
+    const ZBR_PT q = map(i + 1 < stretch.control.size() ? stretch.control[i] : to);
+    AppendPoint(text, i % degree == 1 || degree == 1 ? kCommands[degree] : ' ', q);
   }
 }
 
-// A closed path.
-void AppendOutline(std::string& text, const Path& path, const PageMap& map) {
+// A curve, but for where it starts. Ellipses in parts of less than half a turn.
+void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& to, const PageMap& map) {
+  constexpr double kLongest = 3.0;
+  if (curve.spline != nullptr) return AppendSpline(text, curve, to, map);
+  const double sweep = curve.t1 - curve.t0;
+  const int parts = std::max(1, static_cast<int>(std::ceil(std::abs(sweep) / kLongest)));
+  const bool isReversed = (curve.u.x() * curve.v.y() - curve.u.y() * curve.v.x()) * sweep < 0;
+  const Curve axes = OnAxes(curve);
+  for (int i = 1; i <= parts; ++i) AppendArc(text, axes, isReversed, i == parts ? to : curve.At(curve.t0 + sweep * i / parts), map);
+}
+
+void AppendPath(std::string& text, const Path& path, const PageMap& map) {
+  const std::size_t edges = path.points.size() - (path.closed ? 0 : 1);
   auto curve = path.curves.begin();
   AppendPoint(text, 'M', map(path.points.front()));
-  for (std::size_t i = 0; i < path.points.size(); ++i) {
+  for (std::size_t i = 0; i < edges; ++i) {
     const ZBR_PT& from = path.points[i];
     const ZBR_PT& to = path.points[i + 1 < path.points.size() ? i + 1 : 0];
     const bool isCurve = curve != path.curves.end() && curve->at == i;
@@ -98,7 +113,7 @@ void AppendOutline(std::string& text, const Path& path, const PageMap& map) {
     }
     if (isCurve) ++curve;
   }
-  text += "Z\n";
+  text += path.closed ? "Z\n" : "\n";
 }
 
 }  // namespace
@@ -150,8 +165,14 @@ std::string PathData(const LoopList& loops, const PageMap& map) {
 
 std::string PathData(const Layer& layer, const PageMap& map) {
   if (layer.outlines.empty()) return PathData(layer.loops, map);
+  return PathData(layer.outlines, map);
+}
+
+std::string PathData(const std::vector<Path>& paths, const PageMap& map) {
   std::string text;
-  for (const Path& outline : layer.outlines) AppendOutline(text, outline, map);
+  for (const Path& path : paths) {
+    if (!path.points.empty()) AppendPath(text, path, map);
+  }
   return text;
 }
 

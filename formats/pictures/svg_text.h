@@ -34,6 +34,9 @@ std::string PathData(const LoopList& loops, const PageMap& map);
 // The same of a layer, with arcs where it has any.
 std::string PathData(const Layer& layer, const PageMap& map);
 
+// Path data for paths, open or closed, with arcs and splines as such.
+std::string PathData(const std::vector<Path>& paths, const PageMap& map);
+
 // Path data for an open line, or a closed one whose last point repeats the first.
 std::string PathData(const std::vector<ZBR_PT>& line, const PageMap& map);
 

@@ -21,6 +21,7 @@ struct FlattenOptions {
   double deviation = 0.0;  // largest distance between a curve and its chords
   double join = 0.0;       // ends at most this far apart belong together
   LineFaces faces = LineFaces::kOuter;
+  bool pens = false;  // edges know what they are drawn with
 };
 
 // The default tolerances for drawings of this extent, where the caller gave none (negative).

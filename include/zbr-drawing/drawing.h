@@ -68,13 +68,22 @@ struct Path {
   std::vector<Curve> curves;    // ascending in `at`
   std::vector<double> heights;  // of the points, where a drawing is read for its lines and tells any
   bool closed = false;
-  std::size_t line = 0;         // of the file, where the contour starts
-  int polygon = -1;             // number of the polygon that the ring belongs to, in formats that say so
-  std::string_view layer;       // kept by the drawing's names
-  std::string_view lineType;    // the same; empty: that of the layer
-  int colour = kColourByLayer;  // of the colour index
-  bool fills = false;           // bounds a hatch, which mostly fills what other contours bound (DropFillings)
-  bool hidden = false;          // not shown: its layer is off or frozen, or it is marked so itself
+  std::size_t line = 0;                 // of the file, where the contour starts
+  int polygon = -1;                     // number of the polygon that the ring belongs to, in formats that say so
+  std::string_view layer;               // kept by the drawing's names
+  std::string_view lineType;            // the same; empty: that of the layer
+  int colour = kColourByLayer;          // of the colour index
+  bool fills = false;                   // bounds a hatch, which mostly fills what other contours bound (DropFillings)
+  bool hidden = false;                  // not shown: its layer is off or frozen, or it is marked so itself
+  std::vector<std::int32_t> pens = {};  // of contours and what is made of them, by edge: places in a list of pens; mostly empty
+};
+
+// What a path is drawn with.
+struct Pen {
+  std::string layer, lineType;  // as in Path
+  int colour = kColourByLayer;
+
+  bool operator==(const Pen& o) const { return layer == o.layer && lineType == o.lineType && colour == o.colour; }
 };
 
 // What drawings say of a layer.
@@ -117,12 +126,14 @@ struct EdgeOrigin {
   std::int32_t curve = -1;  // place in a list of curves; -1: a line
   std::int32_t line = -1;   // of lines that were cut, the same number for all parts of one
   double t0 = 0.0, t1 = 0.0;
+  std::int32_t pen = -1;  // place in a list of pens, where they are kept
 };
 
 // A closed contour of straight edges, the last point not repeating the first.
 struct Ring {
   std::vector<ZBR_PT> points;
-  std::vector<EdgeOrigin> origins;  // by edge, which starts at the point of the same number; empty where nothing has curves
+  std::vector<EdgeOrigin>
+      origins;  // by edge, which starts at the point of the same number; empty where nothing has curves, nor pens
   std::size_t line = 0;
   int polygon = -1;
 };
@@ -147,6 +158,7 @@ struct Contours {
   std::vector<OpenEnds> open;
   std::vector<Fork> forks;
   std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to; shared by drawings that belong together
+  std::shared_ptr<const std::vector<Pen>> pens;      // the same
 };
 
 // Box of all points, empty (min > max) at first.

@@ -36,7 +36,7 @@ struct IntersectionLine {
 };
 
 // Bodies at most `contact` apart, or as deep in each other, are in contact; it is at least what rounding explains. About n log n.
-// The same to the bit for the same model.
-std::vector<IntersectionLine> FindIntersections(const Model& model, double contact = 0.0);
+// The same to the bit for the same model, with any number of threads.
+std::vector<IntersectionLine> FindIntersections(const Model& model, double contact = 0.0, unsigned threads = 1);
 
 }  // namespace zbr::drawing

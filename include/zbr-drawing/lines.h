@@ -17,6 +17,8 @@ struct SpaceLine {
   std::string_view layer;                // kept by the names of the drawing it was read from
   std::vector<EdgeOrigin> origins = {};  // by edge, where the drawing or the region it meets has curves
   Path outline = {};                     // the same with curves, where there are origins and no heights
+  std::string_view lineType = {};        // kept like the layer
+  int colour = kColourByLayer;
 
   bool IsClosed() const;
   double Length() const;

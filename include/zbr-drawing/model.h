@@ -28,6 +28,11 @@ enum class EdgeClass : std::uint8_t {
   kSilhouette,    // smooth, but seen from here the surface turns away; in scenes only
   kTangent,       // smooth, but a flat or otherwise bent face ends here, as at the borders of a fillet
   kIntersection,  // no edge: two surfaces pass through each other here; in scenes only
+  // No lines of the model, but of drawings:
+  kCut,           // outline of what the plane of a section lays open
+  kHatching,      // on it
+  kCuttingPlane,  // where another view's section is
+  kCentre,        // centre lines of circles, and axes
 };
 
 // How the triangles of a shell are oriented.

@@ -37,16 +37,18 @@ struct Layer {
   double area = 0.0;
   std::vector<Path> outlines = {};  // of the loops, as ForEachRing goes through them, with curves; empty where there are none
   std::size_t beside = 0;           // chords of curves that had to stay lines
+  std::shared_ptr<const std::vector<Pen>> pens = nullptr;  // that outlines refer to
 };
 
 // Rings whose edges know what they stand for.
 struct CurvedRegion {
   ZBR_REGION rings;
-  std::vector<EdgeOrigin> origins;                   // by edge, through all rings; empty where nothing has curves
-  std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to
+  std::vector<EdgeOrigin> origins;                         // by edge, through all rings; empty where nothing has curves, nor pens
+  std::shared_ptr<const std::vector<Curve>> curves;        // that origins refer to
+  std::shared_ptr<const std::vector<Pen>> pens = nullptr;  // the same
 
-  bool HasCurves() const { return !origins.empty(); }
-  // By the orientation of the rings; what lies between chords and their arcs counts (not for splines, whose chords bound it).
+  bool HasCurves() const { return !origins.empty(); }  // or pens
+  // By the orientation of the rings; what lies between chords and their curves counts.
   double Area() const;
 };
 
@@ -79,6 +81,10 @@ ZBR_REGION ValidShape(const Region& region);
 
 // The same with what its edges stand for.
 CurvedRegion CurvedShape(const Region& region);
+
+// A valid region without points that are within the tolerance of the straight edges that replace them. Ends of curves stay, and so
+// do curves; rings that would meet others, lose their area or come to lie elsewhere in the nesting stay as they are.
+CurvedRegion Simplified(const CurvedRegion& region, double tolerance);
 
 // The nested loops of a valid region.
 Layer MakeLayer(const std::string& name, const ZBR_REGION& shape);

@@ -44,7 +44,7 @@ struct PlacedView {
   ZBR_PT origin;  // where on paper the view's origin lies
 };
 
-// Frame, title and symbols. Points in millimetres.
+// Frame, title, symbols and marks of sections. Points in millimetres.
 struct SheetPath {
   std::vector<ZBR_PT> points;
   bool closed = false;
@@ -67,11 +67,14 @@ struct Sheet {
   double scale = 1.0;              // as people write it: millimetres on paper for each of the model
   double perUnit = 1.0;            // millimetres on paper for each unit of the model
   double wide = 0.5, thin = 0.25;  // of visible and of hidden lines
+  double cut = 0.7;                // of the outlines of cut faces
   std::vector<PlacedView> views;
   std::vector<SheetPath> paths;
   std::vector<SheetCircle> circles;
   std::vector<SheetText> texts;
 
+  // Of visible lines of this class.
+  double WidthOf(EdgeClass edgeClass) const;
   ZBR_PT OnPaper(const PlacedView& view, const ZBR_PT& p) const { return view.origin + p * perUnit; }
   // With arcs in place of the runs along circles.
   Path OnPaper(const PlacedView& view, const Chain& chain) const;
@@ -81,7 +84,12 @@ struct Sheet {
 inline constexpr double kDash = 12.0;
 inline constexpr double kDashGap = 3.0;
 
-// Arranges the views. Fails when paper and scale are given and the views do not fit.
+// Chain lines have long dashes of this many line widths, then a gap, a dot and another gap.
+inline constexpr double kLongDash = 24.0;
+inline constexpr double kDot = 1.0;
+bool IsChainLine(EdgeClass edgeClass);
+
+// Arranges the views, hatches sections and marks where they are. Fails when paper and scale are given and the views do not fit.
 Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options);
 
 // Whether a view of this name shows one side of the model: front, back, left, right, top or bottom.

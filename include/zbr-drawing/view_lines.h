@@ -5,31 +5,24 @@
 //     const EdgeRef first = line.chain.edges.front();  // place of a triangle in the mesh, and which of its edges
 //   }
 //
-// Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
+// Points are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin; in perspective
+// with the point in the middle of the picture as the origin, and lengths as they are at the distance of what is looked at.
 #pragma once
 
+#include <zbr-drawing/centres.h>
 #include <zbr-drawing/circles.h>
 #include <zbr-drawing/drawing.h>
 #include <zbr-drawing/region.h>
 #include <zbr-drawing/scene.h>
+#include <zbr-drawing/section.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace zbr::drawing {
-
-// An edge of the mesh: edge i of a triangle runs from its vertex i to its vertex (i + 1) % 3. Where a line runs across a triangle,
-// as intersection lines do, `edge` is kAcross.
-struct EdgeRef {
-  static constexpr std::uint8_t kAcross = 3;
-
-  std::uint32_t triangle = 0;  // place in the mesh as read
-  std::uint8_t edge = 0;
-
-  bool operator==(const EdgeRef& o) const { return triangle == o.triangle && edge == o.edge; }
-};
 
 // A run of a chain along a circle of the model: what the points from `at` to `last` stand for is centre + u cos t + v sin t with t
 // from t0 to t1. u and v are the half axes, u the longer one and v counter-clockwise from it; runs on one circle have them, and the
@@ -54,6 +47,15 @@ struct Line {
   Chain chain;
 };
 
+// What makes a view a section.
+struct SectionOfView {
+  std::string letter;  // "A" of A-A
+  SectionPlane plane;
+  std::vector<SectionFace> faces;  // their outlines are among the view's lines, as EdgeClass::kCut
+  std::size_t openLines = 0;       // of them: where the mesh is open, the cut does not close
+  std::size_t bridged = 0;         // cuts that were closed across an opening of the mesh
+};
+
 // In the unit of the model. The origin is the middle of the model's box: so the views of a sheet line up, and coordinates stay
 // precise wherever the model is.
 struct ViewLines {
@@ -63,8 +65,10 @@ struct ViewLines {
   Extent extent;                   // of the model
   std::vector<Line> lines;         // visible ones first, then by class, then by shell
   std::vector<LoopList> outlines;  // of the objects, as far as nearer ones leave them visible, where asked for
-  std::size_t drawable = 0;        // edges
-  std::uint64_t pairs = 0;         // of edges and triangles that the removal looked at closely
+  std::optional<SectionOfView> section;
+  Centres centres;           // where centre lines are asked for
+  std::size_t drawable = 0;  // edges
+  std::uint64_t pairs = 0;   // of edges and triangles that the removal looked at closely
 
   double VisibleLength() const;
 };
@@ -73,8 +77,15 @@ struct ViewLines {
 const char* NameOf(EdgeClass edgeClass);
 
 // The classes that are drawn.
-inline constexpr EdgeClass kDrawnClasses[] = {EdgeClass::kSilhouette, EdgeClass::kBorder,       EdgeClass::kCrease,
-                                              EdgeClass::kJunction,   EdgeClass::kIntersection, EdgeClass::kTangent};
+inline constexpr EdgeClass kDrawnClasses[] = {
+    EdgeClass::kSilhouette, EdgeClass::kBorder, EdgeClass::kCrease,   EdgeClass::kJunction,     EdgeClass::kIntersection,
+    EdgeClass::kTangent,    EdgeClass::kCut,    EdgeClass::kHatching, EdgeClass::kCuttingPlane, EdgeClass::kCentre};
+
+// Adds lines behind the visible ones.
+void AddVisible(ViewLines& view, std::vector<Line> lines);
+
+// The box of all triangles, in the unit of the model.
+Extent ExtentOf(const Scene& scene);
 
 // Chains the lines of a processed scene, for each class and shell by itself, and adds the box. The hidden ones are those that a
 // person would draw: none below a visible line, and no tangent edges. With circles of the model, chains tell where they run along

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ namespace zbr::drawing {
 struct NamedDirection {
   std::string name;
   View view;
+  std::optional<SectionPlane> section = std::nullopt;  // at a right angle to the view; its letter is the first of the name
 };
 
 // What the work on a view is at; kDone comes last.
@@ -34,6 +36,7 @@ struct DrawingOptions {
   bool curves = true;         // runs along circles of the model, in Chain::curves
   bool intersections = true;  // lines where surfaces pass through each other, found once for all views
   bool tangents = true;       // smooth edges at which a fillet ends; of these never the hidden parts
+  bool centreLines = false;   // of circles, in ViewLines::centres
   bool outlines = false;      // what nearer objects leave visible of each object, in ViewLines::outlines
   unsigned threads = 1;       // views are worked on at once, and the triangles of each with the threads left over
 

@@ -30,11 +30,11 @@ Drawing ParseDrawing(Format format, std::string text, const std::string& name, C
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content = Content::kRegions);
 
 // The text of a file with one layer, feature or line for each result. Not for pictures.
-std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, DxfVersion version = DxfVersion::kR2000);
+std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, const DxfStyle& style = {});
 
 // The same for lines, with their heights or without.
 std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights,
-                       DxfVersion version = DxfVersion::kR2000);
+                       const DxfStyle& style = {});
 
 // Each reads the text of one file; `file` is its name for messages.
 Drawing ReadGeoJson(const std::string& text, const std::string& file, Content content);
@@ -43,8 +43,9 @@ Drawing ReadLoopText(const std::string& text, const std::string& file, Content c
 
 std::string WriteGeoJson(const std::vector<Layer>& layers, int units);
 std::string WriteWkt(const std::vector<Layer>& layers);
-// With arcs of circles as such (CURVEPOLYGON, MULTISURFACE), other curves as chords.
-std::string WriteWktCurves(const std::vector<Layer>& layers);
+// With arcs of circles as such (CURVEPOLYGON, MULTISURFACE), other curves as chords within the deviation; of 0, within 1/10000 of
+// the larger side.
+std::string WriteWktCurves(const std::vector<Layer>& layers, double deviation = 0.0);
 std::string WriteLoopText(const std::vector<Layer>& layers);
 
 std::string WriteGeoJsonLines(const std::vector<LineLayer>& layers, int units, bool heights);

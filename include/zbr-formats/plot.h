@@ -15,8 +15,10 @@ struct PlotItem {
   double quantity = 0.0;  // area or length, told in the legend
   LoopList region;        // filled
   std::vector<std::vector<ZBR_PT>> lines;
-  std::string fill, stroke;  // colours; empty: none
-  double width = 1.0;        // of lines, as a part of the usual one
+  std::string fill, stroke;        // colours; empty: none
+  double width = 1.0;              // of lines, as a part of the usual one
+  std::vector<Path> borders = {};  // of the region, with curves; empty: its loops as they are
+  std::vector<Path> paths = {};    // further lines, with curves
 };
 
 struct Plot {

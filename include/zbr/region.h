@@ -45,8 +45,7 @@ struct ZBR_EDGE_SOURCE {
   double t1 = 1.0;
 };
 
-// A region that owns its arrays. A value: copied, moved and compared as such; what was moved from is empty, its lists of offsets
-// too.
+// A region that owns its arrays. A value: copied, moved and compared as such; what was moved from is empty.
 class ZBR_REGION {
  public:
   ZBR_REGION() = default;
@@ -56,8 +55,8 @@ class ZBR_REGION {
   std::size_t polygon_count() const { return polygon_offsets_.empty() ? 0 : polygon_offsets_.size() - 1; }
   bool empty() const { return ring_count() == 0; }
   const std::vector<ZBR_PT>& points() const { return points_; }
-  const std::vector<std::int32_t>& ring_offsets() const { return ring_offsets_; }
-  const std::vector<std::int32_t>& polygon_offsets() const { return polygon_offsets_; }
+  const std::vector<std::int32_t>& ring_offsets() const { return ring_offsets_.empty() ? NoOffsets() : ring_offsets_; }
+  const std::vector<std::int32_t>& polygon_offsets() const { return polygon_offsets_.empty() ? NoOffsets() : polygon_offsets_; }
   // Valid until the region changes or goes.
   ZBR_API ZBR_REGION_VIEW view() const;
 
@@ -85,9 +84,15 @@ class ZBR_REGION {
  private:
   friend class ZBR_REGION_ACCESS;
 
+  // The offsets of nothing. Empty regions have none of their own, so that to make one needs no memory.
+  static const std::vector<std::int32_t>& NoOffsets() {
+    static const std::vector<std::int32_t> offsets(1, 0);
+    return offsets;
+  }
+
   std::vector<ZBR_PT> points_;
-  std::vector<std::int32_t> ring_offsets_{0};
-  std::vector<std::int32_t> polygon_offsets_{0};
+  std::vector<std::int32_t> ring_offsets_;
+  std::vector<std::int32_t> polygon_offsets_;
   std::vector<ZBR_EDGE_SOURCE> sources_;
   std::vector<std::int32_t> source_offsets_;
 };
@@ -167,7 +172,7 @@ enum ZBR_REGION_FAULT_KIND : std::int32_t {
   ZBR_FAULT_OVERLAP = 1,         // they share a stretch; the place is its middle
   ZBR_FAULT_FOLD = 2,            // a boundary turns back on itself
   ZBR_FAULT_REPEATED_POINT = 3,  // an edge has no length; the place is its start
-  ZBR_FAULT_NO_AREA = 4,         // a ring of less than three different points, or narrower than the tolerance on the average
+  ZBR_FAULT_NO_AREA = 4,         // a ring of less than three different points, or narrower on the average than rounding explains
   ZBR_FAULT_NOT_FINITE = 5       // a coordinate is NaN, infinite or beyond 1e150; the ring is not looked at otherwise
 };
 
@@ -183,8 +188,10 @@ struct ZBR_REGION_FAULT {
 };
 
 // Finds the faults of the rings, whose polygons are not looked at: rings of different ones may not cross either. Touching is no
-// fault. faults is replaced, by ascending rings, then kinds, then edges. Where rings cross very often the search for what they do
-// to each other ends when `most` such faults are found. The status tells of faulty offsets only. n log n for rings that keep apart.
+// fault, nor is what the rounding of coordinates explains; what is narrower than combinations care for is looked at all the same,
+// as their results may be. faults is replaced, by ascending rings, then kinds, then edges. Where rings cross very often the search
+// for what they do to each other ends when `most` such faults are found. The status tells of faulty offsets only. n log n for rings
+// that keep apart.
 ZBR_API ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_REGION_FAULT>& faults,
                                          std::size_t most = 1000000);
 

@@ -142,6 +142,13 @@ TEST(Intersections, OfABodyThroughItself) {
   EXPECT_EQ(LooseEnds(lines), 0U);
   EXPECT_GT(LengthOf(lines), 1.0);
   EXPECT_NEAR(LengthOf(FindIntersections(two)), LengthOf(lines), 1e-9);
+  for (const Model* model : {&one, &two}) {
+    const auto alone = FindIntersections(*model), shared = FindIntersections(*model, 0.0, 3);
+    const auto same = [](const IntersectionLine& a, const IntersectionLine& b) {
+      return a.triangles == b.triangles && a.ends[0].Name() == b.ends[0].Name() && a.ends[1].Name() == b.ends[1].Name();
+    };
+    EXPECT_TRUE(std::equal(alone.begin(), alone.end(), shared.begin(), shared.end(), same));
+  }
 }
 
 TEST(Intersections, VisibilityIsThatOfRays) {

@@ -49,6 +49,7 @@ TEST(RegionCheck, EveryKindAtAnyScale) {
       {"spike", {{{0, 0}, {4, 0}, {8, 0}, {4, 0}, {4, 4}}}, ZBR_FAULT_FOLD, {8, 0}, {0, 1, 0, 2}, 1},
       {"repeated", {kSquare, {{5, 5}, {9, 5}, {9, 5}, {9, 9}}}, ZBR_FAULT_REPEATED_POINT, {9, 5}, {1, 1, -1, -1}, 1},
       {"two points", {kSquare, {{5, 5}, {9, 5}}}, ZBR_FAULT_NO_AREA, {5, 5}, {1, -1, -1, -1}, 1},
+      {"slit", {{{0, 0}, {4, 0}, {4, 4}, {2 + 1e-11, 4}, {2, 1}, {2 - 1e-11, 4}, {0, 4}}}, {}, {}, {}, 0},
       {"touching, closed by its first point", {kSquare, {{4, 4}, {8, 4}, {8, 8}, {4, 4}}}, {}, {}, {}, 0},
   };
   for (const auto& c : cases) {

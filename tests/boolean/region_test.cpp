@@ -2,6 +2,7 @@
 // and valid: classes/ and differential/.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "support/judge.h"
@@ -245,6 +246,81 @@ TEST(Region, WalksNestedRingsAsTheyAreArranged) {
   EXPECT_GT(walks, Scaled(300) * 9 / 10);
 }
 
+// A closed walk over a small lattice, turning at every point; it crosses, touches and covers itself.
+Ring RightAngledWalk(Random& random) {
+  const int turns = 2 + Below(random, 7);
+  std::vector<int> xs, ys;
+  for (std::vector<int>* values : {&xs, &ys}) {
+    while (static_cast<int>(values->size()) < turns) {
+      const int value = Below(random, 7);
+      const bool isLast = static_cast<int>(values->size()) == turns - 1;
+      if (values->empty() || (value != values->back() && !(isLast && value == values->front()))) values->push_back(value);
+    }
+  }
+  Ring ring;
+  for (std::size_t i = 0; i < xs.size(); ++i) {
+    ring.emplace_back(xs[i], ys[i]);
+    ring.emplace_back(xs[(i + 1) % xs.size()], ys[i]);
+  }
+  if (Below(random, 2) == 0) std::reverse(ring.begin(), ring.end());
+  return ring;
+}
+
+// Without points between two others of the same x or y.
+ZBR_REGION WithoutStraightPoints(const ZBR_REGION& region) {
+  ZBR_REGION corners;
+  for (std::size_t p = 0; p < region.polygon_count(); ++p) {
+    for (auto r = static_cast<std::size_t>(region.polygon_offsets()[p]);
+         r < static_cast<std::size_t>(region.polygon_offsets()[p + 1]); ++r) {
+      const Ring ring = RingsOf(region)[r];
+      Ring kept;
+      for (std::size_t i = 0; i < ring.size(); ++i) {
+        const ZBR_PT& prev = ring[(i + ring.size() - 1) % ring.size()];
+        const ZBR_PT& next = ring[(i + 1) % ring.size()];
+        if ((prev.x() == ring[i].x()) != (next.x() == ring[i].x())) kept.push_back(ring[i]);
+      }
+      corners.AddRing(kept, r == static_cast<std::size_t>(region.polygon_offsets()[p]));
+    }
+  }
+  return corners;
+}
+
+// Rings parallel to the axes need no arrangement, whatever they do to each other; the polygons are those that it gives.
+TEST(Region, SweepsRightAngledRingsAsTheyAreArranged) {
+  ZBR_REGION_OPTIONS swept, arranged;
+  swept.canonical = arranged.canonical = arranged.sources = true;
+  const double steps[] = {1.0, -0.25, 0x1p-300, 0x1p230};  // crossings are exact in both
+  for (int seed = 0; seed < Scaled(600); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const double step = steps[seed % 4];
+    const ZBR_PT shift = ZBR_PT(Below(random, 9) - 4, Below(random, 9) - 4) * step;
+    ZBR_REGION operands[2];
+    for (ZBR_REGION& operand : operands) {
+      for (int k = 1 + Below(random, 4); k > 0; --k) {
+        Ring ring = RightAngledWalk(random);
+        for (ZBR_PT& p : ring) p = p * step + shift;
+        operand.AddRing(ring);
+      }
+    }
+    ZBR_REGION fast[5], sure[5];
+    ASSERT_FALSE(zbrCombineRegions(operands[0].view(), operands[1].view(), kOps.data(), fast, 5, swept).exact) << "seed " << seed;
+    zbrCombineRegions(operands[0].view(), operands[1].view(), kOps.data(), sure, 5, arranged);
+    for (std::size_t k = 0; k < kOps.size(); ++k)
+      ASSERT_EQ(fast[k], WithoutStraightPoints(sure[k])) << "seed " << seed << " operation " << kOps[k];
+  }
+}
+
+// Eight places of the coordinates to a unit.
+TEST(Region, SmallThingsFarAwayStay) {
+  const double far = 1e15;
+  const ZBR_REGION a = RegionOf({{{far, far}, {far + 5, far}, {far + 5, far + 6}, {far, far + 6}}});
+  const ZBR_REGION b = RegionOf({{{far, far}, {far + 3, far}, {far + 1, far + 3}}});
+  ZBR_REGION valid;
+  zbrMakeValidRegion(a.view(), valid);
+  EXPECT_EQ(valid.area(), 30.0);
+  EXPECT_EQ(zbrCombineRegions(a, b, ZBR_BOOL_A_MINUS_B).area(), 25.5);
+}
+
 TEST(Region, SimplifiesAndNests) {
   ZBR_REGION simple;
   const Ring dented = {{0, 0}, {2, 1e-4}, {4, 0}, {4, 4}, {0, 4}, {0, 2}};
@@ -307,6 +383,23 @@ TEST(Region, StopsWhenProgressSaysSo) {
     if (!stopped) return;
   }
   FAIL() << "never came to an end";
+}
+
+TEST(Region, ProgressOfManyPairsGoesOn) {
+  const std::vector<ZBR_REGION> regions(9, RegionOf({Square(0, 0, 2)}));
+  std::vector<ZBR_REGION_VIEW> views;
+  for (const ZBR_REGION& region : regions) views.push_back(region.view());
+  std::vector<ZBR_REGION> results(regions.size());
+  std::vector<double> shares;
+  ZBR_REGION_OPTIONS options;
+  options.sources = true;
+  options.progress_data = &shares;
+  options.progress = [](double share, void* data) {
+    static_cast<std::vector<double>*>(data)->push_back(share);
+    return true;
+  };
+  zbrCombineRegionPairs(views.data(), views.data(), views.size(), ZBR_BOOL_OR, results.data(), options);
+  EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()) && shares.size() > 1 && shares.back() <= 1.0);
 }
 
 }  // namespace

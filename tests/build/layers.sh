@@ -21,6 +21,8 @@ drawing: include/zbr include/zbr-drawing
 include/zbr-formats: include/zbr include/zbr-drawing
 formats: include/zbr include/zbr-drawing include/zbr-formats
 app: include/zbr include/zbr-drawing include/zbr-formats
+python: include/zbr include/zbr-drawing include/zbr-formats
+web: include/zbr include/zbr-drawing include/zbr-formats
 TABLE
 trap 'rm -f "${TMPDIR:-/tmp}/layers.$$"' EXIT
 

@@ -1,12 +1,13 @@
 // Boolean cases of other projects, read in place from a folder of JSON lines.
-// usage: zbr-corpus FOLDER [--list]
+// usage: zbr-corpus FOLDER [--list | --digest]
 //
 // A record has operands a, b and perhaps more (lists of polygons, a polygon a list of rings), an operation, a fill rule and an
 // area computed independently. Regions as flat arrays take all of them as they are; loop lists those whose rule is parity. Where a
 // record's operands are what its rule asks for the area must agree, else the answer must be a region at least. --list names the
-// records without an area to compare with.
+// records without an area to compare with; --digest prints a digest of the bits of every result instead, to compare machines.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -126,6 +127,30 @@ bool Run(const Record& record, bool list, Count& count) {
   return isRegion && agrees && loopsAgree;
 }
 
+// FNV-1a over the bytes of coordinates and offsets.
+std::uint32_t DigestOf(const ZBR_REGION& region) {
+  std::uint32_t hash = 2166136261U;
+  const auto add = [&](const auto& items) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(items.data());
+    for (std::size_t i = 0; i < items.size() * sizeof(items[0]); ++i) hash = (hash ^ bytes[i]) * 16777619U;
+  };
+  add(region.points());
+  add(region.ring_offsets());
+  add(region.polygon_offsets());
+  return hash;
+}
+
+void DigestFolder(const std::filesystem::path& folder) {
+  for (const auto& file : std::filesystem::directory_iterator(folder)) {
+    if (file.path().extension() != ".jsonl") continue;
+    std::ifstream in(file.path());
+    for (std::string line; std::getline(in, line);) {
+      const Record record = ReadRecord(Json::parse(line));
+      std::printf("%s/%s %08x\n", record.suite.c_str(), record.id.c_str(), DigestOf(Combine(record)));
+    }
+  }
+}
+
 bool RunFolder(const std::filesystem::path& folder, bool list) {
   std::map<std::string, Count> suites;
   bool good = true;
@@ -150,11 +175,16 @@ bool RunFolder(const std::filesystem::path& folder, bool list) {
 
 int main(int argc, char** argv) {
   const bool list = argc == 3 && std::string_view(argv[2]) == "--list";
-  if (argc != 2 && !list) {
-    std::fprintf(stderr, "usage: %s FOLDER [--list]\n", argv[0]);
+  const bool digest = argc == 3 && std::string_view(argv[2]) == "--digest";
+  if (argc != 2 && !list && !digest) {
+    std::fprintf(stderr, "usage: %s FOLDER [--list | --digest]\n", argv[0]);
     return 2;
   }
   try {
+    if (digest) {
+      DigestFolder(argv[1]);
+      return 0;
+    }
     return RunFolder(argv[1], list) ? 0 : 1;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s: %s\n", argv[1], error.what());

@@ -1,4 +1,4 @@
-#include "drawing/views/parallel.h"
+#include "drawing/parallel.h"
 
 #include <zbr-drawing/scene.h>
 #include <zbr/tolerance.h>

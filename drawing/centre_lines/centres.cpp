@@ -1,0 +1,128 @@
+// Which circles a view draws is told by the edges of its lines; those with one axis are taken together.
+#include <zbr-drawing/centres.h>
+
+#include <zbr-drawing/view_lines.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+
+namespace zbr::drawing {
+namespace {
+
+// Sine of the tilt up to which a circle counts as seen face-on, or an axis from the side.
+constexpr double kTilt = 1e-5;
+// As parts of the diagonal: what is closer together is one line on paper.
+constexpr double kSamePlace = 1e-4;
+
+// How much of a turn there is of each circle.
+std::vector<double> TurnsOf(const Model& model, const Circles& circles) {
+  std::vector<double> turns(circles.all.size());
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+      const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + static_cast<std::size_t>(e)];
+      if (k == kNoCircle) continue;
+      const double chord = shell.GetEdge(e)->GetVertex0()->GetPt().Distance(shell.GetEdge(e)->GetVertex1()->GetPt());
+      turns[k] += 2 * std::asin(std::min(chord / (2 * circles.all[k].radius), 1.0));
+    }
+  }
+  return turns;
+}
+
+// The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place; then
+// the silhouettes of the cylinder tell of them, whose triangles are at its rims.
+std::vector<bool> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
+  std::uint32_t most = 0;
+  for (const std::uint32_t t : model.source) most = std::max(most, t);
+  std::vector<std::uint32_t> place(std::size_t{most} + 1);  // in the model, by the place in the mesh
+  for (std::uint32_t t = 0; t < model.TriangleCount(); ++t) place[model.source[t]] = t;
+  std::vector<bool> drawn(circles.all.size());
+  for (const Line& line : view.lines) {
+    for (const EdgeRef& ref : line.chain.edges) {
+      if (ref.edge == EdgeRef::kAcross) continue;
+      const std::uint32_t t = place[ref.triangle], s = model.ShellOf(t);
+      const ZBR_ZBREPT& triangle = *model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s]));
+      for (std::size_t i = 0; i < 3; ++i) {
+        if (i != ref.edge && line.edgeClass != EdgeClass::kSilhouette) continue;
+        const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + static_cast<std::uint32_t>(EdgeOf(triangle, i).GetIndex())];
+        if (k != kNoCircle) drawn[k] = true;
+      }
+    }
+  }
+  return drawn;
+}
+
+class Finder {
+ public:
+  Finder(const Model& model, const ViewLines& view) : model_(model), view_(view.view), same_(kSamePlace * model.Diagonal()) {}
+
+  void Add(const Circle& circle) {
+    const double slant = circle.axis.InnerProduct(view_.toViewer);
+    const ZBR_PT centre = view_.In(circle.centre - model_.Centre()).xy();
+    if (circle.axis.OuterProduct(view_.toViewer).Length() < kTilt) {
+      AddMark(centre, circle.radius);
+    } else if (std::abs(slant) < kTilt) {
+      ZBR_PT along = view_.In(circle.axis).xy();
+      along = along * (1.0 / along.Length());
+      if (along.x() < -0.5 || (along.x() < 0.5 && along.y() < 0)) along = along * -1.0;  // one of both ways, whatever rounding says
+      AddToAxis(centre, along, circle.radius);
+    }
+  }
+
+  Centres Take() {
+    for (const Axis& axis : axes_)
+      centres_.axes.push_back({axis.at + axis.along * axis.from, axis.at + axis.along * axis.to, axis.radius});
+    return std::move(centres_);
+  }
+
+ private:
+  struct Axis {
+    ZBR_PT at, along;
+    double from, to, radius;
+  };
+
+  void AddMark(const ZBR_PT& centre, double radius) {
+    for (CentreMark& mark : centres_.marks) {
+      if (mark.centre.Distance(centre) > same_) continue;
+      mark.radius = std::max(mark.radius, radius);
+      return;
+    }
+    centres_.marks.push_back({centre, radius});
+  }
+
+  // Holes in line have one axis.
+  void AddToAxis(const ZBR_PT& centre, const ZBR_PT& along, double radius) {
+    for (Axis& axis : axes_) {
+      if (std::abs(axis.along.OuterProduct(along)) > kTilt || std::abs(axis.along.OuterProduct(centre - axis.at)) > same_) continue;
+      const double at = axis.along.InnerProduct(centre - axis.at);
+      axis.from = std::min(axis.from, at);
+      axis.to = std::max(axis.to, at);
+      axis.radius = std::max(axis.radius, radius);
+      return;
+    }
+    axes_.push_back({centre, along, 0.0, 0.0, radius});
+  }
+
+  const Model& model_;
+  const View& view_;
+  double same_;
+  Centres centres_;
+  std::vector<Axis> axes_;
+};
+
+}  // namespace
+
+Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view) {
+  const std::vector<double> turns = TurnsOf(model, circles);
+  const std::vector<bool> drawn = DrawnCircles(model, circles, view);
+  Finder finder(model, view);
+  constexpr double kHalf = std::numbers::pi * 0.999;
+  for (std::size_t k = 0; k < circles.all.size(); ++k) {
+    if (drawn[k] && turns[k] > kHalf) finder.Add(circles.all[k]);
+  }
+  return finder.Take();
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,268 @@
+// Triangles clipped by planes.
+//
+// A scene is cut rather than the model: normals, silhouettes and creases stay those of the whole, and no sliver beside the cut gets
+// a direction of its own. What is left of a triangle is a convex polygon, whose sides are parts of the triangle's edges or cuts.
+// Both triangles of an edge are cut at the same point, to the bit, and their parts become neighbours again.
+#include "drawing/sections/cut_scene.h"
+
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "drawing/sections/caps.h"
+#include "drawing/sections/contours.h"
+
+namespace zbr::drawing {
+namespace {
+
+// A side of what is left of a triangle: its edge 0, 1 or 2, or one of these.
+enum : std::uint8_t { kDrawnCut = 3, kCut = 4, kInside = 5 };
+
+constexpr std::uint32_t kNone = 0xffffffffU;
+
+struct Corner {
+  ZBR_PT3 place;           // in the model
+  std::bitset<8> isAbove;  // by plane
+  std::uint8_t side = 0;   // from here to the next corner
+};
+
+class SceneCutter {
+ public:
+  SceneCutter(const Model& model, const std::vector<CuttingPlane>& planes, Scene& scene)
+      : model_(model), planes_(planes), scene_(scene) {}
+
+  void AddShell(std::size_t s) {
+    shell_ = s;
+    begin_ = triangles_.size();
+    heights_.clear();
+    for (const CuttingPlane& cut : planes_) heights_.push_back(HeightsOf(model_, s, cut.plane));
+    first_.assign(static_cast<std::size_t>(model_.Shell(s).GetEdgeCnt()), kNone);
+    for (std::size_t t = model_.shellBegin[s]; t < model_.shellBegin[s + 1]; ++t) Cut(t);
+  }
+
+  // `height` is that of the section in the scene.
+  void AddCover(const ZBR_REGION& region, double height) {
+    for (const auto& corners : CoverOf(region)) {
+      std::array<ZBR_PT3, 3> places;
+      for (std::size_t i = 0; i < 3; ++i) {
+        const ZBR_PT p = corners[i] * scene_.scale;
+        places[i].Set(p.x(), p.y(), height);
+      }
+      AddTriangle(places, ScenePart{});
+    }
+  }
+
+  void EndShell() { ends_.push_back(triangles_.size()); }
+
+  // Free lines run between points: what is left of each is a line again.
+  void AddLines(const std::vector<IntersectionLine>& lines) {
+    std::size_t kept = 0;
+    for (std::size_t k = 0; k < lines.size(); ++k) {
+      ZBR_PT3 from = lines[k].ends[0].place, to = lines[k].ends[1].place;
+      if (!Clip(from, to)) continue;
+      ZBR_HL_TRI& line = scene_.triangles[model_.TriangleCount() + k];
+      scene_.crossing[kept++] = scene_.crossing[k];
+      line.idx = static_cast<int>(kept - 1);
+      line.pt[0] = scene_.FromModel(from);
+      line.pt[1] = line.pt[2] = scene_.FromModel(to);
+      triangles_.push_back(std::move(line));
+      classes_.push_back({EdgeClass::kIntersection, EdgeClass::kSmooth, EdgeClass::kSmooth});
+      parts_.emplace_back();
+    }
+    scene_.crossing.resize(kept);
+    if (kept > 0) ends_.push_back(triangles_.size());
+  }
+
+  void Finish() {
+    scene_.triangles = std::move(triangles_);
+    scene_.classes = std::move(classes_);
+    scene_.parts = std::move(parts_);
+    scene_.shells.clear();
+    std::size_t begin = 0;
+    for (const std::size_t end : ends_) {
+      scene_.shells.emplace_back(scene_.triangles.data() + begin, static_cast<unsigned>(end - begin));
+      begin = end;
+    }
+    CountDrawable();
+  }
+
+ private:
+  using Polygon = std::vector<Corner>;
+
+  const ZBR_ZBREPT& Record(std::size_t t) const {
+    return *model_.Shell(shell_).GetTriangle(static_cast<int>(t - model_.shellBegin[shell_]));
+  }
+  double HeightAt(std::size_t k, const ZBR_ZBREPV& vertex) const {
+    return heights_[k][static_cast<std::size_t>(vertex.GetIndex())];
+  }
+
+  void Cut(std::size_t t) {
+    const ZBR_ZBREPT& record = Record(t);
+    Polygon polygon(3);
+    for (std::size_t i = 0; i < 3; ++i) {
+      polygon[i].place = VertexOf(record, i).GetPt();
+      polygon[i].side = static_cast<std::uint8_t>(i);
+      for (std::size_t k = 0; k < planes_.size(); ++k)
+        polygon[i].isAbove[k] = IsAbove(HeightAt(k, VertexOf(record, i)), InPlane::kAbove);
+    }
+    for (std::size_t k = 0; k < planes_.size(); ++k) polygon = Below(polygon, record, k);
+    polygon = WithLength(polygon);
+    for (std::size_t i = 1; i + 1 < polygon.size(); ++i) AddPart(polygon, i, t);
+  }
+
+  // The part of the polygon below plane k.
+  Polygon Below(const Polygon& polygon, const ZBR_ZBREPT& record, std::size_t k) const {
+    Polygon below;
+    for (std::size_t i = 0; i < polygon.size(); ++i) {
+      const Corner &a = polygon[i], &b = polygon[(i + 1) % polygon.size()];
+      if (!a.isAbove[k]) below.push_back(a);
+      if (a.isAbove[k] == b.isAbove[k]) continue;
+      Corner crossing = a;
+      crossing.place = CrossingOn(record, a, b, k);
+      for (std::size_t j = 0; j < planes_.size(); ++j)
+        crossing.isAbove[j] = j > k && planes_[j].plane.HeightOf(crossing.place) >= 0;
+      if (!a.isAbove[k]) crossing.side = planes_[k].drawn ? kDrawnCut : kCut;
+      below.push_back(crossing);
+    }
+    return below;
+  }
+
+  // On an edge of the triangle it is the same for both of the edge's triangles.
+  ZBR_PT3 CrossingOn(const ZBR_ZBREPT& record, const Corner& a, const Corner& b, std::size_t k) const {
+    if (a.side < kDrawnCut) {
+      const ZBR_ZBREPV &from = VertexOf(record, a.side), &to = VertexOf(record, (a.side + 1U) % 3);
+      const double heightFrom = HeightAt(k, from), heightTo = HeightAt(k, to);
+      if ((heightFrom < 0) != (heightTo < 0)) return CrossingOf(from.GetPt(), heightFrom, to.GetPt(), heightTo);
+    }
+    const double heightA = planes_[k].plane.HeightOf(a.place), heightB = planes_[k].plane.HeightOf(b.place);
+    return (heightA < 0) != (heightB < 0) ? CrossingOf(a.place, heightA, b.place, heightB) : a.place;
+  }
+
+  static Polygon WithLength(const Polygon& polygon) {
+    Polygon kept;
+    for (std::size_t i = 0; i < polygon.size(); ++i) {
+      if (!(polygon[i].place == polygon[(i + 1) % polygon.size()].place)) kept.push_back(polygon[i]);
+    }
+    if (kept.size() < 3) kept.clear();
+    return kept;
+  }
+
+  // The triangle of corners 0, i and i + 1.
+  void AddPart(const Polygon& polygon, std::size_t i, std::size_t t) {
+    std::array<Corner, 3> corners = {polygon[0], polygon[i], polygon[i + 1]};
+    if (i > 1) corners[0].side = kInside;
+    if (i + 2 < polygon.size()) corners[2].side = kInside;
+    ScenePart part;
+    part.triangle = static_cast<std::uint32_t>(t);
+    std::array<ZBR_PT3, 3> places;
+    for (std::size_t k = 0; k < 3; ++k) {
+      places[k] = scene_.FromModel(corners[k].place);
+      part.edges[k] = corners[k].side < kDrawnCut ? corners[k].side : EdgeRef::kAcross;
+    }
+    AddTriangle(places, part);
+    const std::size_t here = triangles_.size() - 1;
+    if (i > 1) Connect(here, 0, here - 1, 2);
+    for (std::size_t k = 0; k < 3; ++k) {
+      if (corners[k].side < kDrawnCut) SetEdge(here, k, t, corners[k].side);
+      if (corners[k].side == kDrawnCut) Draw(here, k, EdgeClass::kBorder);
+    }
+  }
+
+  void AddTriangle(const std::array<ZBR_PT3, 3>& places, const ScenePart& part) {
+    ZBR_HL_TRI& triangle = triangles_.emplace_back();
+    triangle.idx = static_cast<int>(triangles_.size() - 1 - begin_);
+    triangle.skip = false;
+    for (std::size_t i = 0; i < 3; ++i) {
+      triangle.pt[i] = places[i];
+      triangle.profile[i] = triangle.adj[i] = triangle.adj_edge[i] = -1;
+      triangle.dispj[i] = false;
+    }
+    classes_.push_back({EdgeClass::kSmooth, EdgeClass::kSmooth, EdgeClass::kSmooth});
+    parts_.push_back(part);
+  }
+
+  void SetEdge(std::size_t here, std::size_t k, std::size_t t, std::size_t edge) {
+    Draw(here, k, scene_.classes[t][edge]);
+    if (scene_.triangles[t].adj[edge] < 0) return;
+    std::uint32_t& first = first_[static_cast<std::size_t>(EdgeOf(Record(t), edge).GetIndex())];
+    if (first == kNone) {
+      first = static_cast<std::uint32_t>(3 * here + k);
+    } else {
+      Connect(here, k, first / 3, first % 3);
+    }
+  }
+
+  void Draw(std::size_t here, std::size_t k, EdgeClass edgeClass) {
+    classes_[here][k] = edgeClass;
+    triangles_[here].dispj[k] = edgeClass != EdgeClass::kSmooth;
+  }
+
+  void Connect(std::size_t a, std::size_t i, std::size_t b, std::size_t k) {
+    triangles_[a].adj[i] = static_cast<int>(b - begin_);
+    triangles_[a].adj_edge[i] = static_cast<int>(k);
+    triangles_[b].adj[k] = static_cast<int>(a - begin_);
+    triangles_[b].adj_edge[k] = static_cast<int>(i);
+  }
+
+  // Keeps what of a free line is below all planes. Nothing may be left.
+  bool Clip(ZBR_PT3& from, ZBR_PT3& to) const {
+    for (const CuttingPlane& cut : planes_) {
+      const double a = cut.plane.HeightOf(from), b = cut.plane.HeightOf(to);
+      if (a >= 0 && b >= 0) return false;
+      if (a > 0) from = CrossingOf(from, a, to, b);
+      if (b > 0) to = CrossingOf(from, a, to, b);
+    }
+    return true;
+  }
+
+  // Edges are drawn by either of their triangles.
+  void CountDrawable() {
+    std::size_t sides = 0;
+    for (const ZBR_HL_TRI& triangle : scene_.triangles) {
+      for (std::size_t i = 0; i < 3; ++i) sides += triangle.dispj[i] ? (triangle.adj[i] < 0 ? 2 : 1) : 0;
+    }
+    scene_.drawable = sides / 2;
+  }
+
+  const Model& model_;
+  const std::vector<CuttingPlane>& planes_;
+  Scene& scene_;
+  std::size_t shell_ = 0, begin_ = 0;         // what is being cut, and its first triangle
+  std::vector<std::vector<double>> heights_;  // by plane
+  std::vector<std::uint32_t> first_;          // of the shell's edges: the side met first, 3 x triangle + place
+  // To become the scene's.
+  std::vector<ZBR_HL_TRI> triangles_;
+  std::vector<std::array<EdgeClass, 3>> classes_;
+  std::vector<ScenePart> parts_;
+  std::vector<std::size_t> ends_;  // of shells
+};
+
+}  // namespace
+
+void CutScene(const Model& model, const std::vector<IntersectionLine>& lines, const std::vector<CuttingPlane>& planes,
+              const SectionCut& section, Scene& scene) {
+  const ZBR_PT3 inPlane = planes.front().plane.normal * planes.front().plane.offset;
+  const double height = scene.FromModel(inPlane).z();
+  SceneCutter cutter(model, planes, scene);
+  std::size_t face = 0;
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    cutter.AddShell(s);
+    for (; face < section.faces.size() && section.faces[face].shell == s; ++face) cutter.AddCover(section.covers[face], height);
+    cutter.EndShell();
+  }
+  cutter.AddLines(lines);
+  cutter.Finish();
+}
+
+std::vector<CuttingPlane> PlanesOf(const SectionPlane& plane) {
+  std::vector<CuttingPlane> planes = {{plane, false}};
+  if (std::isfinite(plane.depth)) planes.push_back({{-plane.normal, -(plane.offset - plane.depth)}, true});
+  return planes;
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,144 @@
+// Combining regions keeps points to the bit, so an edge of a face that is one of a contour's has its ends, and is found by them.
+#include "drawing/sections/face_lines.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace zbr::drawing {
+namespace {
+
+bool Precedes(const ZBR_PT& a, const ZBR_PT& b) {
+  return std::tuple(a.x(), a.y()) < std::tuple(b.x(), b.y());
+}
+
+struct Interval {
+  double from, to;
+};
+
+// What sorted intervals leave of [0, 1].
+std::vector<Interval> GapsOf(std::vector<Interval> taken) {
+  constexpr double kSliver = 1e-9;
+  std::sort(taken.begin(), taken.end(), [](const Interval& a, const Interval& b) { return a.from < b.from; });
+  std::vector<Interval> gaps;
+  double at = 0.0;
+  for (const Interval& t : taken) {
+    if (t.from - at > kSliver) gaps.push_back({at, t.from});
+    at = std::max(at, t.to);
+  }
+  if (1.0 - at > kSliver) gaps.push_back({at, 1.0});
+  return gaps;
+}
+
+// The stretches of the cover's edges along which the face runs, by edge through all rings.
+std::vector<std::vector<Interval>> TakenOf(const ZBR_REGION& face, const ZBR_REGION& cover) {
+  std::vector<std::vector<Interval>> taken(cover.point_count());
+  for (const ZBR_EDGE_SOURCE& source : face.sources()) {
+    if (source.operand != 0) continue;
+    const auto begin = static_cast<std::size_t>(cover.ring_offsets()[static_cast<std::size_t>(source.ring)]);
+    taken[begin + static_cast<std::size_t>(source.edge)].push_back(
+        {std::min(source.t0, source.t1), std::max(source.t0, source.t1)});
+  }
+  return taken;
+}
+
+}  // namespace
+
+void FaceLines::Note(const SeenContour& contour) {
+  for (std::size_t i = 0; i < contour.points.size(); ++i) {
+    const ZBR_PT &a = contour.points[i], &b = contour.points[(i + 1) % contour.points.size()];
+    if (contour.triangles[i] == kNoTriangle) continue;
+    crossed_.push_back(Precedes(a, b) ? Crossed{a, b, contour.triangles[i]} : Crossed{b, a, contour.triangles[i]});
+  }
+  isSorted_ = false;
+}
+
+std::uint32_t FaceLines::TriangleAt(const ZBR_PT& a, const ZBR_PT& b) {
+  const auto key = [](const Crossed& c) { return std::tuple(c.a.x(), c.a.y(), c.b.x(), c.b.y()); };
+  const auto before = [&](const Crossed& c, const Crossed& d) { return key(c) < key(d); };
+  if (!isSorted_) std::stable_sort(crossed_.begin(), crossed_.end(), before);
+  isSorted_ = true;
+  const Crossed wanted = Precedes(a, b) ? Crossed{a, b, 0} : Crossed{b, a, 0};
+  const auto found = std::lower_bound(crossed_.begin(), crossed_.end(), wanted, before);
+  return found != crossed_.end() && key(*found) == key(wanted) ? found->triangle : kNoTriangle;
+}
+
+void FaceLines::AddOpen(const SeenContour& contour) {
+  SectionLine line;
+  line.points = contour.points;
+  line.triangles = contour.triangles;
+  line.shell = contour.shell;
+  ++open_;
+  Finish(line);
+}
+
+void FaceLines::AddFace(const SectionFace& face, const ZBR_REGION& cover) {
+  for (std::size_t r = 0; r < face.region.ring_count(); ++r) AddRing(face.region, r, face.shell);
+  if (!face.region.source_offsets().empty() || face.region.empty()) AddRest(face, cover);
+}
+
+void FaceLines::AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_t shell) {
+  const auto begin = static_cast<std::size_t>(region.ring_offsets()[ring]),
+             end = static_cast<std::size_t>(region.ring_offsets()[ring + 1]);
+  SectionLine line;
+  line.shell = shell;
+  line.closed = true;
+  line.points.assign(region.points().begin() + static_cast<std::ptrdiff_t>(begin),
+                     region.points().begin() + static_cast<std::ptrdiff_t>(end));
+  line.points.push_back(line.points.front());
+  for (std::size_t i = 0; i + 1 < line.points.size(); ++i) line.triangles.push_back(TriangleAt(line.points[i], line.points[i + 1]));
+  Finish(line);
+}
+
+void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
+  const std::vector<std::vector<Interval>> taken = TakenOf(face.region, cover);
+  SectionLine line;
+  line.shell = face.shell;
+  line.isCut = false;
+  const auto flush = [&] {
+    if (line.points.size() > 1) Finish(line);
+    line.points.clear();
+    line.triangles.clear();
+  };
+  for (std::size_t r = 0; r < cover.ring_count(); ++r) {
+    const auto begin = static_cast<std::size_t>(cover.ring_offsets()[r]),
+               end = static_cast<std::size_t>(cover.ring_offsets()[r + 1]);
+    for (std::size_t i = begin; i < end; ++i) {
+      const ZBR_PT &a = cover.points()[i], &b = cover.points()[i + 1 < end ? i + 1 : begin];
+      for (const Interval& gap : GapsOf(taken[i])) {
+        const ZBR_PT from = gap.from > 0 ? a + (b - a) * gap.from : a, to = gap.to < 1 ? a + (b - a) * gap.to : b;
+        if (line.points.empty() || !(line.points.back() == from)) {
+          flush();
+          line.points.push_back(from);
+        }
+        line.points.push_back(to);
+        line.triangles.push_back(TriangleAt(a, b));
+      }
+    }
+    flush();
+  }
+}
+
+// Leaves out what lies straight between its neighbours; of closed lines the first point stays.
+void FaceLines::Finish(SectionLine& line) {
+  SectionLine kept = line;
+  kept.points.assign(1, line.points.front());
+  for (std::size_t i = 1; i + 1 < line.points.size(); ++i) {
+    const ZBR_PT along = line.points[i + 1] - kept.points.back();
+    const double length = along.Length();
+    const ZBR_PT off = line.points[i] - kept.points.back();
+    const bool ahead = off.InnerProduct(along) >= 0 && off.InnerProduct(along) <= length * length;
+    if (length > 0 && ahead && std::abs(along.OuterProduct(off)) <= straight_ * length) continue;
+    kept.points.push_back(line.points[i]);
+  }
+  kept.points.push_back(line.points.back());
+  std::erase(kept.triangles, kNoTriangle);
+  kept.triangles.erase(std::unique(kept.triangles.begin(), kept.triangles.end()), kept.triangles.end());
+  lines_.push_back(std::move(kept));
+}
+
+std::vector<SectionLine> FaceLines::Take() {
+  std::stable_sort(lines_.begin(), lines_.end(), [](const SectionLine& a, const SectionLine& b) { return a.shell < b.shell; });
+  return std::move(lines_);
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,168 @@
+// What a plane lays open: from contours to faces.
+//
+// A shell's contours bound what is inside it. Where a face of the body lies in the plane there are two answers, just below the
+// plane and just above it; the first is where the body ends, and what belongs to both is cut. So a plane that touches cuts nothing,
+// and a step whose face lies in the plane shows as a face. Shells that face inwards within another of their object are its hollows
+// and taken from it; others are bodies turned inside out. Cuts of open shells are joined across the shells of an object, as sheets
+// that meet three at an edge are shells by themselves.
+#include <zbr-drawing/section.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "drawing/sections/contours.h"
+#include "drawing/sections/face_lines.h"
+#include "drawing/sections/join_contours.h"
+
+namespace zbr::drawing {
+namespace {
+
+// As a part of the diagonal: gaps that are closed are a tenth of a line's width on a sheet filled by the model.
+constexpr double kGap = 1e-4;
+
+// What is cut of one shell, for both ways to count vertices in the plane, InPlane::kAbove first.
+struct ShellCut {
+  std::uint32_t shell = 0;
+  bool isTouched = false;  // vertices lie in the plane: both ways are to be looked at
+  bool isOriented = true;
+  std::array<ZBR_REGION, 2> inside;
+};
+
+ZBR_REGION RegionOf(const std::vector<SeenContour>& contours, bool oriented) {
+  ZBR_REGION rings, region;
+  for (const SeenContour& contour : contours) rings.AddRing(contour.points, true);
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = oriented ? ZBR_FILL_NON_ZERO : ZBR_FILL_EVEN_ODD;
+  zbrMakeValidRegion(rings.view(), region, options);
+  return region;
+}
+
+// The cuts of an object, one InPlane after the other.
+class ObjectCutter {
+ public:
+  ObjectCutter(const Model& model, const View& view, const SectionPlane& plane, FaceLines& lines)
+      : model_(model), view_(view), plane_(plane), lines_(lines) {}
+
+  std::vector<ShellCut> Run(std::size_t object) {
+    cuts_.clear();
+    heights_.clear();
+    for (std::uint32_t s = model_.objectBegin[object]; s < model_.objectBegin[object + 1]; ++s) Look(s);
+    const bool anyTouched = std::any_of(cuts_.begin(), cuts_.end(), [](const ShellCut& cut) { return cut.isTouched; });
+    Cut(InPlane::kAbove);
+    if (anyTouched) Cut(InPlane::kBelow);
+    for (ShellCut& cut : cuts_) {
+      if (!anyTouched) cut.inside[1] = cut.inside[0];
+      cut.isTouched = anyTouched;
+    }
+    TakeHollows();
+    return std::move(cuts_);
+  }
+
+ private:
+  // Notes the shell if the plane meets it.
+  void Look(std::uint32_t s) {
+    std::vector<double> heights = HeightsOf(model_, s, plane_);
+    const auto [low, high] = std::minmax_element(heights.begin(), heights.end());
+    if (heights.empty() || *low >= 0 || *high < 0) return;
+    const bool touched = std::find(heights.begin(), heights.end(), 0.0) != heights.end();
+    cuts_.push_back({s, touched, model_.facing[s] != Facing::kUnknown, {}});
+    heights_.push_back(std::move(heights));
+  }
+
+  void Cut(InPlane inPlane) {
+    std::vector<std::vector<SeenContour>> closed(cuts_.size());
+    std::vector<SeenContour> open;
+    for (std::size_t k = 0; k < cuts_.size(); ++k) {
+      for (const Contour& contour : CutShell(model_.Shell(cuts_[k].shell), heights_[k], inPlane)) {
+        SeenContour seen = Seen(contour, cuts_[k].shell);
+        (seen.closed ? closed[k] : open).push_back(std::move(seen));
+      }
+    }
+    for (SeenContour& contour : JoinContours(std::move(open), kGap * model_.Diagonal())) {
+      const auto cut = std::find_if(cuts_.begin(), cuts_.end(), [&](const ShellCut& c) { return c.shell == contour.shell; });
+      if (inPlane == InPlane::kAbove && contour.bridged) lines_.CountBridge();
+      if (contour.closed) {
+        closed[static_cast<std::size_t>(cut - cuts_.begin())].push_back(std::move(contour));
+        cut->isOriented = false;
+      } else if (inPlane == InPlane::kAbove) {
+        lines_.AddOpen(contour);
+      }
+    }
+    for (std::size_t k = 0; k < cuts_.size(); ++k) {
+      cuts_[k].inside[static_cast<std::size_t>(inPlane)] = RegionOf(closed[k], cuts_[k].isOriented);
+      for (const SeenContour& contour : closed[k]) lines_.Note(contour);
+    }
+  }
+
+  SeenContour Seen(const Contour& contour, std::uint32_t shell) const {
+    SeenContour seen;
+    seen.shell = shell;
+    seen.closed = contour.closed;
+    const ZBR_PT3 centre = model_.Centre();
+    for (const ZBR_PT3& p : contour.points) seen.points.push_back(view_.In(p - centre).xy());
+    for (const std::uint32_t t : contour.triangles) seen.triangles.push_back(model_.source[model_.shellBegin[shell] + t]);
+    return seen;
+  }
+
+  // A hollow is mostly inside; what two bodies that pass through each other have in common is not most of either.
+  void TakeHollows() {
+    for (ShellCut& hollow : cuts_) {
+      if (model_.facing[hollow.shell] != Facing::kInward) continue;
+      ShellCut* around = nullptr;
+      for (ShellCut& body : cuts_) {
+        if (model_.facing[body.shell] != Facing::kOutward || body.inside[0].empty()) continue;
+        const ZBR_REGION common = zbrCombineRegions(body.inside[0], hollow.inside[0], ZBR_BOOL_AND);
+        if (2 * common.area() <= hollow.inside[0].area()) continue;
+        if (around == nullptr || body.inside[0].area() < around->inside[0].area()) around = &body;
+      }
+      if (around == nullptr) continue;
+      for (std::size_t k = 0; k < 2; ++k) {
+        around->inside[k] = zbrCombineRegions(around->inside[k], hollow.inside[k], ZBR_BOOL_A_MINUS_B);
+        hollow.inside[k].Clear();
+      }
+    }
+  }
+
+  const Model& model_;
+  const View& view_;
+  const SectionPlane& plane_;
+  FaceLines& lines_;
+  std::vector<ShellCut> cuts_;
+  std::vector<std::vector<double>> heights_;  // parallel to the cuts
+};
+
+// What is cut, with the edges of what ends in the plane that it has.
+ZBR_REGION CutOf(const ShellCut& cut) {
+  if (!cut.isTouched) return cut.inside[0];
+  constexpr ZBR_BOOLEAN_OPE kBoth = ZBR_BOOL_AND;
+  ZBR_REGION_OPTIONS options;
+  options.sources = true;
+  ZBR_REGION common;
+  zbrCombineRegions(cut.inside[0].view(), cut.inside[1].view(), &kBoth, &common, 1, options);
+  return common;
+}
+
+}  // namespace
+
+SectionCut FindSection(const Model& model, const View& view, const SectionPlane& plane) {
+  SectionCut section;
+  FaceLines lines(model.Diagonal());
+  ObjectCutter cutter(model, view, plane, lines);
+  for (std::size_t object = 0; object < model.ObjectCount(); ++object) {
+    for (ShellCut& cut : cutter.Run(object)) {
+      if (cut.inside[0].empty()) continue;
+      SectionFace face{static_cast<std::uint32_t>(object), cut.shell, CutOf(cut)};
+      lines.AddFace(face, cut.inside[0]);
+      section.faces.push_back(std::move(face));
+      section.covers.push_back(std::move(cut.inside[0]));
+    }
+  }
+  section.openLines = lines.OpenCount();
+  section.bridged = lines.BridgeCount();
+  section.lines = lines.Take();
+  return section;
+}
+
+}  // namespace zbr::drawing

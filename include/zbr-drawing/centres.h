@@ -1,0 +1,39 @@
+// Centres of the circles that a view shows, and the axes that they lie on: where a drawing has its centre lines.
+//
+//   for (const CentreMark& mark : FindCentres(model, circles, view).marks) Cross(mark.centre, mark.radius);
+//
+// DrawViews (views.h) finds them if asked to, and LayOut (sheet.h) draws them.
+#pragma once
+
+#include <zbr-drawing/circles.h>
+#include <zbr-drawing/model.h>
+#include <zbr/planar.h>
+
+#include <vector>
+
+namespace zbr::drawing {
+
+struct ViewLines;
+
+// Circles seen face-on, the largest of those around one centre. In the view's x and y, in the unit of the model.
+struct CentreMark {
+  ZBR_PT centre;
+  double radius = 0.0;
+};
+
+// An axis seen from the side, from the first to the last of the circles around it.
+struct CentreAxis {
+  ZBR_PT from, to;
+  double radius = 0.0;  // of the largest circle
+};
+
+struct Centres {
+  std::vector<CentreMark> marks;
+  std::vector<CentreAxis> axes;
+};
+
+// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that the lines of the view
+// have edges of. Circles seen at a slant have none, as drawings that show several sides at once have none.
+Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view);
+
+}  // namespace zbr::drawing

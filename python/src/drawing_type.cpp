@@ -1,0 +1,290 @@
+// The type under zbr.Drawing: the lines of one view.
+#include "python/src/drawings.h"
+#include "python/src/options.h"
+
+#include <zbr/tolerance.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <thread>
+#include <utility>
+
+namespace zbr::python {
+namespace {
+
+using Objects = Holder<DrawingData>;
+
+const DrawingPtr& DataOf(PyObject* self) {
+  return Objects::Of(self);
+}
+
+std::shared_ptr<const LineArrays> ArraysOf(const drawing::ViewLines& view) {
+  const auto arrays = std::make_shared<LineArrays>();
+  for (const drawing::Line& line : view.lines) {
+    arrays->points.insert(arrays->points.end(), line.chain.points.begin(), line.chain.points.end());
+    arrays->lines.push_back(static_cast<std::int32_t>(arrays->points.size()));
+    arrays->kinds.push_back(static_cast<std::uint8_t>(line.edgeClass));
+    arrays->hidden.push_back(line.hidden ? 1 : 0);
+    arrays->shells.push_back(static_cast<std::int32_t>(line.shell));
+    for (const drawing::EdgeRef& edge : line.chain.edges) {
+      arrays->edges.push_back(static_cast<std::int32_t>(edge.triangle));
+      arrays->edges.push_back(edge.edge);
+    }
+    arrays->edgeOffsets.push_back(static_cast<std::int32_t>(arrays->edges.size() / 2));
+  }
+  return arrays;
+}
+
+// What views are drawn with.
+struct Request {
+  std::vector<drawing::NamedDirection> views;
+  drawing::DrawingOptions options;
+  double crease = 30.0;
+  double weld = 0.0;
+};
+
+// The share of the work that has been done when a stage begins, roughly.
+double ShareAt(drawing::DrawStage stage) {
+  switch (stage) {
+    case drawing::DrawStage::kScene:
+      return 0.0;
+    case drawing::DrawStage::kRemoval:
+      return 0.1;
+    case drawing::DrawStage::kLines:
+      return 0.8;
+    case drawing::DrawStage::kOutlines:
+      return 0.9;
+    default:
+      return 1.0;
+  }
+}
+
+std::vector<DrawingPtr> Draw(const MeshPtr& mesh, Request& request, Monitor& monitor) {
+  const ModelPtr model = mesh->ModelFor(request.crease, request.weld);
+  constexpr double kModel = 0.2;  // share of the work that all views have in common
+  monitor.TellOrThrow(kModel / 2);
+  std::vector<std::atomic<double>> shares(request.views.size());
+  request.options.progress = [&](std::size_t view, drawing::DrawStage stage) {
+    shares[view] = ShareAt(stage);
+    double sum = 0.0;
+    for (const auto& share : shares) sum += share;
+    monitor.TellOrThrow(kModel + (1.0 - kModel) * sum / static_cast<double>(shares.size()));
+  };
+  std::vector<DrawingPtr> drawings;
+  for (drawing::ViewLines& view : drawing::DrawViews(*model, request.views, request.options)) {
+    const auto data = std::make_shared<DrawingData>();
+    data->mesh = mesh;
+    data->model = model;
+    data->lines = ArraysOf(view);
+    for (const drawing::LoopList& loops : view.outlines) {
+      const auto outline = std::make_shared<RegionData>();
+      outline->region = zbrRegionOfLoops(loops);
+      data->outlines.push_back(outline);
+    }
+    data->view = std::move(view);
+    drawings.push_back(data);
+  }
+  return drawings;
+}
+
+template <class T>
+Ref ByLine(PyObject* self, const std::vector<T> LineArrays::*member, std::size_t columns = 0) {
+  const auto& lines = DataOf(self)->lines;
+  const std::vector<T>& items = (*lines).*member;
+  return MakeArray(lines, items.data(), {columns == 0 ? items.size() : items.size() / columns, columns});
+}
+
+PyObject* Coords(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const auto& lines = DataOf(self)->lines;
+    return MakeArray(lines, reinterpret_cast<const double*>(lines->points.data()), {lines->points.size(), 2});
+  });
+}
+PyObject* Lines(PyObject* self, void*) noexcept {
+  return Guarded([&] { return ByLine(self, &LineArrays::lines); });
+}
+PyObject* Kinds(PyObject* self, void*) noexcept {
+  return Guarded([&] { return ByLine(self, &LineArrays::kinds); });
+}
+PyObject* Hidden(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const auto& lines = DataOf(self)->lines;
+    return MakeArray(lines, reinterpret_cast<const bool*>(lines->hidden.data()), {lines->hidden.size()});
+  });
+}
+PyObject* Shells(PyObject* self, void*) noexcept {
+  return Guarded([&] { return ByLine(self, &LineArrays::shells); });
+}
+PyObject* Edges(PyObject* self, void*) noexcept {
+  return Guarded([&] { return ByLine(self, &LineArrays::edges, 2); });
+}
+PyObject* EdgeOffsets(PyObject* self, void*) noexcept {
+  return Guarded([&] { return ByLine(self, &LineArrays::edgeOffsets); });
+}
+
+PyObject* Outlines(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const Ref list = Ref::Own(PyList_New(0));
+    for (const RegionPtr& outline : DataOf(self)->outlines) {
+      if (PyList_Append(list.get(), NewRegion(outline).get()) != 0) throw PythonError();
+    }
+    return list;
+  });
+}
+
+PyObject* Name(PyObject* self, void*) noexcept {
+  return PyUnicode_FromString(DataOf(self)->view.name.c_str());
+}
+
+PyObject* Bounds(PyObject* self, void*) noexcept {
+  const drawing::Extent& e = DataOf(self)->view.extent;
+  return Py_BuildValue("(dddd)", e.xmin, e.ymin, e.xmax, e.ymax);
+}
+
+PyObject* Middle(PyObject* self, void*) noexcept {
+  const ZBR_PT3& m = DataOf(self)->view.middle;
+  return Py_BuildValue("(ddd)", m.x(), m.y(), m.z());
+}
+
+PyObject* Axes(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const drawing::View& v = DataOf(self)->view.view;
+    std::vector<double> axes;
+    for (const ZBR_PT3& axis : {v.right, v.up, v.toViewer}) axes.insert(axes.end(), {axis.x(), axis.y(), axis.z()});
+    return MakeArray<double>(std::move(axes), 3);
+  });
+}
+
+Py_ssize_t Length(PyObject* self) noexcept {
+  return static_cast<Py_ssize_t>(DataOf(self)->lines->kinds.size());
+}
+
+PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<2> given("pick", {"points", "progress"}, 1, args, count, keywords);
+    const DrawingPtr data = DataOf(self);
+    Run(kSmallCall, nullptr, [data](Monitor&) { return &data->ThePicker(); });
+    const std::shared_ptr<const Picker> picker(data, &data->ThePicker());
+    return PickAll(picker, given.Needed(0), data->view.middle.xy(), given[1]);
+  });
+}
+
+}  // namespace
+
+Picker::Picker(ModelPtr model, const drawing::View& view) : model_(std::move(model)), scene_(drawing::MakeScene(*model_, view)) {
+  const ZBR_TmpEps hold(drawing::kSceneTolerance);
+  ZBR_HiddenLine::Prepare(scene_.shells.data(), scene_.ShellCount());
+}
+
+Picker::Hit Picker::At(const ZBR_PT& p) const {
+  Hit result;
+  result.height = std::numeric_limits<double>::quiet_NaN();
+  const ZBR_PT3 at = scene_.FromDrawing(ZBR_PT3(p.x(), p.y(), 0));
+  if (!std::isfinite(at.x()) || !std::isfinite(at.y())) return result;
+  double z = std::numeric_limits<double>::lowest();
+  ZBR_HL_SOURCE hit;
+  if (!ZBR_HiddenLine::PickShells(at.x(), at.y(), scene_.shells.data(), scene_.ShellCount(), z, hit)) return result;
+  result.height = scene_.ToDrawing(ZBR_PT3(at.x(), at.y(), z)).z();
+  result.shell = hit.shell;
+  const std::size_t triangle = model_->shellBegin[static_cast<std::size_t>(hit.shell)] + static_cast<std::size_t>(hit.triangle);
+  result.triangle = static_cast<std::int32_t>(model_->source[triangle]);
+  return result;
+}
+
+const Picker& DrawingData::ThePicker() const {
+  std::call_once(once_, [this] { picker_.emplace(model, view.view); });
+  return *picker_;
+}
+
+Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* object, const ZBR_PT& shift, PyObject* progress) {
+  const Doubles points(object, "points", 2);
+  std::vector<ZBR_PT> copy;
+  for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
+  constexpr std::size_t kEvery = 1024;
+  const auto hits = Run(copy.size(), progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
+    const ZBR_TmpEps hold(drawing::kSceneTolerance);
+    std::vector<Picker::Hit> found(copy.size());
+    for (std::size_t i = 0; i < copy.size(); ++i) {
+      if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
+      found[i] = picker->At(copy[i] + shift);
+    }
+    return found;
+  });
+  std::vector<std::int32_t> shells, triangles;
+  std::vector<double> heights;
+  for (const Picker::Hit& hit : hits) {
+    shells.push_back(hit.shell);
+    triangles.push_back(hit.triangle);
+    heights.push_back(hit.height);
+  }
+  const Ref s = MakeArray<std::int32_t>(std::move(shells)), t = MakeArray<std::int32_t>(std::move(triangles)),
+            h = MakeArray<double>(std::move(heights));
+  return Ref::Own(PyTuple_Pack(3, s.get(), t.get(), h.get()));
+}
+
+PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<9> given("draw",
+                             {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress"},
+                             1, args, count, keywords);
+    const MeshPtr mesh = Holder<MeshData>::Of(self);
+    Request request;
+    const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
+    while (PyObject* const next = PyIter_Next(iterator.get()))
+      request.views.push_back(ViewOf(Ref::Own(next).get(), mesh->mesh.yUp));
+    if (PyErr_Occurred() != nullptr) throw PythonError();
+    request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
+    request.crease = given.Number(2, 30.0, 0.0);
+    request.weld = given.Number(3, 0.0, 0.0);
+    request.options.tangents = given.Truth(4, false);
+    request.options.intersections = given.Truth(5, true);
+    request.options.outlines = given.Truth(6, false);
+    const unsigned threads = given.Threads(7);
+    request.options.threads = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
+    const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
+      return Draw(mesh, request, monitor);
+    });
+    const Ref list = Ref::Own(PyList_New(0));
+    for (const DrawingPtr& data : drawings) {
+      if (PyList_Append(list.get(), Objects::Make(data).get()) != 0) throw PythonError();
+    }
+    return list;
+  });
+}
+
+const DrawingPtr& DrawingOf(PyObject* object, const char* name) {
+  return Objects::Of(object, name, "a Drawing is needed");
+}
+
+void AddDrawingType(PyObject* module) {
+  static PyGetSetDef properties[] = {
+      {"coords", Coords, nullptr, nullptr, nullptr},
+      {"lines", Lines, nullptr, nullptr, nullptr},
+      {"kind", Kinds, nullptr, nullptr, nullptr},
+      {"hidden", Hidden, nullptr, nullptr, nullptr},
+      {"shell", Shells, nullptr, nullptr, nullptr},
+      {"edges", Edges, nullptr, nullptr, nullptr},
+      {"edge_offsets", EdgeOffsets, nullptr, nullptr, nullptr},
+      {"outlines", Outlines, nullptr, nullptr, nullptr},
+      {"name", Name, nullptr, nullptr, nullptr},
+      {"bounds", Bounds, nullptr, nullptr, nullptr},
+      {"middle", Middle, nullptr, nullptr, nullptr},
+      {"axes", Axes, nullptr, nullptr, nullptr},
+      {nullptr, nullptr, nullptr, nullptr, nullptr},
+  };
+  static PyMethodDef methods[] = {
+      Fast("pick", Pick, nullptr),
+      {nullptr, nullptr, 0, nullptr},
+  };
+  static const PyType_Slot slots[] = {
+      {Py_tp_getset, properties},
+      {Py_tp_methods, methods},
+      {Py_mp_length, reinterpret_cast<void*>(Length)},
+      {0, nullptr},
+  };
+  Objects::AddType(module, "Drawing", "zbr._zbr.Drawing", slots);
+}
+
+}  // namespace zbr::python

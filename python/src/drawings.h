@@ -1,0 +1,111 @@
+// Meshes, drawings and sheets as Python has them.
+#pragma once
+
+#include "python/src/arrays.h"
+#include "python/src/calls.h"
+#include "python/src/holder.h"
+#include "python/src/regions.h"
+
+#include <zbr-drawing/mesh.h>
+#include <zbr-drawing/model.h>
+#include <zbr-drawing/objects.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-drawing/sheet.h>
+#include <zbr-drawing/views.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zbr::python {
+
+using ModelPtr = std::shared_ptr<const drawing::Model>;
+
+struct MeshData {
+  drawing::Mesh mesh;
+  std::string name;
+  std::vector<drawing::ObjectSource> sources;  // one for each object
+
+  // The model for these values. The last one is kept, as views of a mesh mostly have them in common. Any thread.
+  ModelPtr ModelFor(double crease, double weld) const;
+
+ private:
+  struct Kept {
+    double crease = 0.0, weld = 0.0;
+    ModelPtr model;
+  };
+  mutable std::mutex mutex_;
+  mutable Kept kept_;
+};
+using MeshPtr = std::shared_ptr<const MeshData>;
+
+// What is seen at places of a view. Made once, then only read.
+class Picker {
+ public:
+  Picker(ModelPtr model, const drawing::View& view);
+
+  struct Hit {
+    std::int32_t shell = -1, triangle = -1;
+    double height = 0.0;  // NaN: nothing
+  };
+  // In the view's axes, with the model's origin as the origin.
+  Hit At(const ZBR_PT& p) const;
+
+ private:
+  ModelPtr model_;
+  drawing::Scene scene_;
+};
+
+// The lines of a view as arrays.
+struct LineArrays {
+  std::vector<ZBR_PT> points;
+  std::vector<std::int32_t> lines{0};  // into the points
+  std::vector<std::uint8_t> kinds;     // by line
+  std::vector<std::uint8_t> hidden;
+  std::vector<std::int32_t> shells;
+  std::vector<std::int32_t> edges;  // pairs of triangle and edge
+  std::vector<std::int32_t> edgeOffsets{0};
+};
+
+struct DrawingData {
+  MeshPtr mesh;
+  ModelPtr model;
+  drawing::ViewLines view;
+  std::shared_ptr<const LineArrays> lines;
+  std::vector<RegionPtr> outlines;
+
+  const Picker& ThePicker() const;
+
+ private:
+  mutable std::once_flag once_;
+  mutable std::optional<Picker> picker_;
+};
+using DrawingPtr = std::shared_ptr<const DrawingData>;
+
+struct SheetData {
+  drawing::Sheet sheet;
+  std::vector<drawing::ObjectSource> sources;
+  std::size_t shells = 0;
+};
+
+// A name, a direction of looking, or that and what is up.
+drawing::NamedDirection ViewOf(PyObject* object, bool yUp);
+
+// Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).
+Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* points, const ZBR_PT& shift, PyObject* progress);
+
+// Throws unless it is one; `name` is the argument's.
+const DrawingPtr& DrawingOf(PyObject* object, const char* name);
+
+// Method of Mesh: draws views.
+PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept;
+
+void AddMeshType(PyObject* module);
+void AddDrawingType(PyObject* module);
+void AddSheetType(PyObject* module);
+
+}  // namespace zbr::python

@@ -1,0 +1,21 @@
+// What the parts of the module add to it, and the little that they share.
+#pragma once
+
+#include "python/src/refs.h"
+
+#include <string>
+
+namespace zbr::python {
+
+void AddFileFunctions(PyObject* module);
+
+// The code of a unit by its name.
+long UnitCodeOf(const std::string& name);
+
+// A copy of a buffer of bytes; `name` is the argument's.
+std::string BytesOf(PyObject* object, const char* name);
+
+// A path as the library wants it; bytes and text as os.fspath gives them.
+std::string FileName(PyObject* path);
+
+}  // namespace zbr::python

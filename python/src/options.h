@@ -1,0 +1,95 @@
+// Arguments of functions called with the fast protocol: positional ones, then some named ones.
+#pragma once
+
+#include "python/src/refs.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace zbr::python {
+
+// Values by their places in `names`: the first ones may be given by position, all by name. Null where not given; borrowed.
+template <std::size_t N>
+class Arguments {
+ public:
+  Arguments(const char* function, const std::array<const char*, N>& names, std::size_t positional, PyObject* const* args,
+            Py_ssize_t count, PyObject* keywords)
+      : names_(names) {
+    if (static_cast<std::size_t>(count) > positional)
+      throw BadType(function, "takes " + std::to_string(positional) + " positional arguments, not " + std::to_string(count));
+    for (Py_ssize_t i = 0; i < count; ++i) values_[static_cast<std::size_t>(i)] = args[i];
+    if (keywords == nullptr) return;
+    const Py_ssize_t named = PyTuple_Size(keywords);
+    for (Py_ssize_t k = 0; k < named; ++k) {
+      PyObject* const name = PyTuple_GetItem(keywords, k);
+      std::size_t i = 0;
+      while (i < N && PyUnicode_CompareWithASCIIString(name, names[i]) != 0) ++i;
+      if (i == N || values_[i] != nullptr) throw BadType(function, (i == N ? "unknown argument " : "given twice: ") + Text(name));
+      values_[i] = args[count + k];
+    }
+  }
+
+  PyObject* operator[](std::size_t i) const { return values_[i]; }
+  // Null when None was given.
+  PyObject* OrNull(std::size_t i) const { return values_[i] == Py_None ? nullptr : values_[i]; }
+  PyObject* Needed(std::size_t i) const {
+    if (values_[i] == nullptr) throw BadType(names_[i], "is missing");
+    return values_[i];
+  }
+
+  bool Truth(std::size_t i, bool otherwise) const {
+    if (values_[i] == nullptr) return otherwise;
+    const int truth = PyObject_IsTrue(values_[i]);
+    if (truth < 0) throw PythonError();
+    return truth != 0;
+  }
+  // A finite number, not below `least`.
+  double Number(std::size_t i, double otherwise, double least = -std::numeric_limits<double>::max()) const {
+    if (values_[i] == nullptr) return otherwise;
+    const double value = PyFloat_AsDouble(values_[i]);
+    if (value == -1.0 && PyErr_Occurred() != nullptr) throw PythonError();
+    if (!(value >= least && value <= std::numeric_limits<double>::max()))
+      throw BadArgument(names_[i],
+                        "a finite number" + (least == 0.0 ? std::string(" of 0 or more") : std::string()) + " is needed");
+    return value;
+  }
+  long Integer(std::size_t i, long otherwise, long least, long most) const {
+    if (values_[i] == nullptr) return otherwise;
+    const long value = PyLong_AsLong(values_[i]);
+    if (value == -1 && PyErr_Occurred() != nullptr) {
+      if (PyErr_ExceptionMatches(PyExc_OverflowError) == 0) throw PythonError();
+      PyErr_Clear();
+      throw BadArgument(names_[i], "is out of range");
+    }
+    if (value < least || value > most)
+      throw BadArgument(names_[i], "a number from " + std::to_string(least) + " to " + std::to_string(most) + " is needed");
+    return value;
+  }
+  // How many threads to use: 0 means one for each processor.
+  unsigned Threads(std::size_t i) const { return static_cast<unsigned>(Integer(i, 1, 0, 1024)); }
+  std::string String(std::size_t i, const char* otherwise) const {
+    if (values_[i] == nullptr) return otherwise;
+    if (PyUnicode_Check(values_[i]) == 0) throw BadType(names_[i], "a string is needed");
+    return Text(values_[i]);
+  }
+
+  static std::string Text(PyObject* unicode) {
+    const Ref bytes = Ref::Own(PyUnicode_AsUTF8String(unicode));
+    return {PyBytes_AsString(bytes.get()), static_cast<std::size_t>(PyBytes_Size(bytes.get()))};
+  }
+
+ private:
+  std::array<const char*, N> names_;
+  std::array<PyObject*, N> values_{};
+};
+
+// An entry of a method table for a function with the fast protocol.
+using FastFunction = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*);
+inline PyMethodDef Fast(const char* name, FastFunction function, const char* doc, int flags = 0) {
+  return {name, reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(function)), METH_FASTCALL | METH_KEYWORDS | flags, doc};
+}
+
+}  // namespace zbr::python

@@ -1,0 +1,330 @@
+// The type under zbr.Region.
+#include "python/src/regions.h"
+
+#include "python/src/calls.h"
+#include "python/src/options.h"
+
+#include <zbr/tolerance.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <new>
+
+namespace zbr::python {
+namespace {
+
+using Objects = Holder<RegionData>;
+
+const RegionPtr& DataOf(PyObject* self) {
+  return Objects::Of(self);
+}
+
+// The union of the polygons, or what all rings bound where none are given.
+RegionPtr ValidRegion(const RingArrays& arrays, const ZBR_REGION_OPTIONS& options) {
+  const auto data = std::make_shared<RegionData>();
+  const ZBR_REGION_VIEW all = arrays.view();
+  if (arrays.polygons.size() <= 2) {
+    CheckStatus(MakeValid(all, data->region, options));
+    return data;
+  }
+  std::vector<ZBR_REGION_VIEW> polygons;
+  for (std::size_t p = 0; p + 1 < arrays.polygons.size(); ++p) {
+    ZBR_REGION_VIEW& one = polygons.emplace_back(all);
+    one.ring_offsets += arrays.polygons[p];
+    one.ring_count = static_cast<std::size_t>(arrays.polygons[p + 1] - arrays.polygons[p]);
+    one.polygon_offsets = nullptr;
+    one.polygon_count = 0;
+    one.point_count = static_cast<std::size_t>(one.ring_offsets[one.ring_count]);
+  }
+  CheckStatus(zbrCoverRegions(polygons.data(), polygons.size(), 1, data->region, options));
+  return data;
+}
+
+RegionPtr AsGiven(const RingArrays& arrays) {
+  const auto data = std::make_shared<RegionData>();
+  std::size_t polygon = 0;
+  for (std::size_t r = 0; r + 1 < arrays.rings.size(); ++r) {
+    bool starts = arrays.polygons.empty() && r == 0;
+    for (; polygon + 1 < arrays.polygons.size() && static_cast<std::size_t>(arrays.polygons[polygon]) <= r; ++polygon)
+      starts = true;
+    const auto first = static_cast<std::size_t>(arrays.rings[r]);
+    data->region.AddRing(arrays.points.data() + first, static_cast<std::size_t>(arrays.rings[r + 1]) - first, starts);
+  }
+  return data;
+}
+
+PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    static const char* names[] = {"coords", "rings", "polygons", "fill", "valid", "tolerance", "progress", nullptr};
+    PyObject *coords = nullptr, *rings = Py_None, *polygons = Py_None, *progress = Py_None;
+    const char* fill = "evenodd";
+    int isValid = 0;
+    double tolerance = 0.0;
+    if (PyArg_ParseTupleAndKeywords(args, keywords, "|OOO$spdO:Region", const_cast<char**>(names), &coords, &rings, &polygons,
+                                    &fill, &isValid, &tolerance, &progress) == 0) {
+      throw PythonError();
+    }
+    if (coords == nullptr) return Objects::Make(std::make_shared<RegionData>(), type);
+    if (!(tolerance >= 0.0 && std::isfinite(tolerance))) throw BadArgument("tolerance", "a finite number of 0 or more is needed");
+    RingArrays arrays(coords, rings, polygons);
+    ZBR_REGION_OPTIONS options;
+    options.fill_a = FillRule(fill);
+    options.tolerance = tolerance;
+    const std::size_t size = arrays.points.size();
+    return Objects::Make(Run(size, progress,
+                             [arrays = std::move(arrays), options, isValid](Monitor& monitor) mutable {
+                               options.progress = Monitor::Tell;
+                               options.progress_data = &monitor;
+                               return isValid != 0 ? AsGiven(arrays) : ValidRegion(arrays, options);
+                             }),
+                         type);
+  });
+}
+
+PyObject* Coords(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const RegionPtr& data = DataOf(self);
+    return MakeArray(data, reinterpret_cast<const double*>(data->region.points().data()), {data->region.point_count(), 2});
+  });
+}
+
+Ref OffsetArray(const RegionPtr& data, const std::vector<std::int32_t>& offsets) {
+  static const std::int32_t zero = 0;  // what was moved from has no offsets
+  return offsets.empty() ? MakeArray(data, &zero, {1}) : MakeArray(data, offsets.data(), {offsets.size()});
+}
+
+PyObject* Rings(PyObject* self, void*) noexcept {
+  return Guarded([&] { return OffsetArray(DataOf(self), DataOf(self)->region.ring_offsets()); });
+}
+
+PyObject* Polygons(PyObject* self, void*) noexcept {
+  return Guarded([&] { return OffsetArray(DataOf(self), DataOf(self)->region.polygon_offsets()); });
+}
+
+PyObject* SourceBytes(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const auto& sources = DataOf(self)->region.sources();
+    return MakeArray(DataOf(self), reinterpret_cast<const std::uint8_t*>(sources.data()),
+                     {sources.size() * sizeof(ZBR_EDGE_SOURCE)});
+  });
+}
+
+PyObject* SourceOffsets(PyObject* self, void*) noexcept {
+  return Guarded([&] { return OffsetArray(DataOf(self), DataOf(self)->region.source_offsets()); });
+}
+
+PyObject* Area(PyObject* self, void*) noexcept {
+  return PyFloat_FromDouble(DataOf(self)->region.area());
+}
+
+PyObject* Perimeter(PyObject* self, void*) noexcept {
+  return PyFloat_FromDouble(DataOf(self)->region.perimeter());
+}
+
+PyObject* Bounds(PyObject* self, void*) noexcept {
+  if (DataOf(self)->region.empty()) {
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    return Py_BuildValue("(dddd)", none, none, none, none);
+  }
+  double xmin = 0.0, ymin = 0.0, xmax = 0.0, ymax = 0.0;
+  DataOf(self)->region.GetBounds(xmin, ymin, xmax, ymax);
+  return Py_BuildValue("(dddd)", xmin, ymin, xmax, ymax);
+}
+
+// Moments about the first point, where they lose no digits.
+PyObject* Centroid(PyObject* self, void*) noexcept {
+  const ZBR_REGION& region = DataOf(self)->region;
+  double twice = 0.0, mx = 0.0, my = 0.0;
+  const ZBR_PT origin = region.empty() ? ZBR_PT() : region.points().front();
+  for (std::size_t r = 0; r < region.ring_count(); ++r) {
+    const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]),
+               end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
+    for (std::size_t i = begin; i < end; ++i) {
+      const ZBR_PT p = region.points()[i] - origin, q = region.points()[i + 1 < end ? i + 1 : begin] - origin;
+      const double cross = p.x() * q.y() - p.y() * q.x();
+      twice += cross;
+      mx += (p.x() + q.x()) * cross;
+      my += (p.y() + q.y()) * cross;
+    }
+  }
+  return Py_BuildValue("(dd)", origin.x() + mx / (3.0 * twice), origin.y() + my / (3.0 * twice));
+}
+
+Py_ssize_t Length(PyObject* self) noexcept {
+  return static_cast<Py_ssize_t>(DataOf(self)->region.polygon_count());
+}
+
+int Truth(PyObject* self) noexcept {
+  return DataOf(self)->region.empty() ? 0 : 1;
+}
+
+PyObject* Compare(PyObject* a, PyObject* b, int how) noexcept {
+  if (!IsRegion(a) || !IsRegion(b) || (how != Py_EQ && how != Py_NE)) {
+    Py_INCREF(Py_NotImplemented);
+    return Py_NotImplemented;
+  }
+  const bool same = DataOf(a) == DataOf(b) || DataOf(a)->region == DataOf(b)->region;
+  return PyBool_FromLong(same == (how == Py_EQ) ? 1 : 0);
+}
+
+// Of what == compares, so without the sign of zeros.
+Py_hash_t Hash(PyObject* self) noexcept {
+  std::uint64_t hash = 0xcbf29ce484222325U;
+  const auto mix = [&hash](std::uint64_t word) { hash = (hash ^ word) * 0x9e3779b97f4a7c15U ^ hash >> 29U; };
+  const ZBR_REGION& region = DataOf(self)->region;
+  for (const ZBR_PT& p : region.points()) {
+    mix(std::bit_cast<std::uint64_t>(p.x() + 0.0));
+    mix(std::bit_cast<std::uint64_t>(p.y() + 0.0));
+  }
+  for (const std::int32_t offset : region.ring_offsets()) mix(static_cast<std::uint64_t>(offset));
+  const auto result = static_cast<Py_hash_t>(hash);
+  return result == -1 ? -2 : result;
+}
+
+// Places of points as numbers of type T, by what `answer` makes of them.
+template <class Shown, class T, class Answer>
+Ref LocateAll(const RegionPtr& data, PyObject* object, PyObject* progress, Answer answer) {
+  const Doubles points(object, "points", 2);
+  std::vector<ZBR_PT> copy;  // the work may outlast the call, and the array
+  for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
+  constexpr std::size_t kEvery = 4096;
+  return MakeArray<Shown>(
+      Run(copy.size() + data->region.point_count(), progress, [data, answer, copy = std::move(copy)](Monitor& monitor) {
+        std::vector<T> places(copy.size());
+        const Locator& locator = data->TheLocator();
+        const ZBR_TmpEps hold(drawing::kTolerance);
+        for (std::size_t i = 0; i < copy.size(); ++i) {
+          if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
+          places[i] = answer(locator.Locate(copy[i]));
+        }
+        return places;
+      }));
+}
+
+PyObject* Locate(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<2> given("locate", {"points", "progress"}, 1, args, count, keywords);
+    return LocateAll<std::int8_t, std::int8_t>(DataOf(self), given.Needed(0), given[1], [](std::int8_t place) { return place; });
+  });
+}
+
+PyObject* Contains(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<2> given("contains", {"points", "progress"}, 1, args, count, keywords);
+    return LocateAll<bool, std::uint8_t>(DataOf(self), given.Needed(0), given[1],
+                                         [](std::int8_t place) { return static_cast<std::uint8_t>(place > 0 ? 1 : 0); });
+  });
+}
+
+PyObject* Simplify(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<2> given("simplify", {"tolerance", "progress"}, 1, args, count, keywords);
+    given.Needed(0);
+    const double tolerance = given.Number(0, 0.0, 0.0);
+    const RegionPtr data = DataOf(self);
+    return NewRegion(Run(data->region.point_count(), given[1], [data, tolerance](Monitor& monitor) -> RegionPtr {
+      ZBR_REGION_OPTIONS options;
+      options.progress = Monitor::Tell;
+      options.progress_data = &monitor;
+      const auto result = std::make_shared<RegionData>();
+      CheckStatus(zbrSimplifyRegion(data->region.view(), tolerance, result->region, options));
+      return result;
+    }));
+  });
+}
+
+PyObject* Or(PyObject* a, PyObject* b) noexcept {
+  return Operate(a, b, ZBR_BOOL_OR);
+}
+PyObject* And(PyObject* a, PyObject* b) noexcept {
+  return Operate(a, b, ZBR_BOOL_AND);
+}
+PyObject* Subtract(PyObject* a, PyObject* b) noexcept {
+  return Operate(a, b, ZBR_BOOL_A_MINUS_B);
+}
+PyObject* Xor(PyObject* a, PyObject* b) noexcept {
+  return Operate(a, b, ZBR_BOOL_XOR);
+}
+
+}  // namespace
+
+Locator::Locator(const ZBR_REGION& region)
+    : frame_([&region] {
+        drawing::Extent extent;
+        for (const ZBR_PT& p : region.points()) extent.Add(p);
+        return drawing::Frame::For(extent);
+      }()),
+      locator_([&] {
+        const ZBR_TmpEps hold(drawing::kTolerance);
+        return ZBR_LOOP_LOCATOR(frame_.In(region));
+      }()) {}
+
+std::int8_t Locator::Locate(const ZBR_PT& p) const {
+  switch (locator_.IsInside(frame_.In(p))) {
+    case ZBR_PI_IN:
+      return 1;
+    case ZBR_PI_ON_EDGE:
+    case ZBR_PI_ON_VERTEX:
+      return 0;
+    default:
+      return -1;
+  }
+}
+
+const Locator& RegionData::TheLocator() const {
+  std::call_once(once_, [this] { locator_.emplace(region); });
+  return *locator_;
+}
+
+Ref NewRegion(RegionPtr data) {
+  return Objects::Make(std::move(data));
+}
+
+bool IsRegion(PyObject* object) {
+  return Objects::Is(object);
+}
+
+const RegionPtr& RegionOf(PyObject* object, const char* name) {
+  return Objects::Of(object, name, "a Region is needed (Region.of() makes one of most things)");
+}
+
+void AddRegionType(PyObject* module) {
+  static PyGetSetDef properties[] = {
+      {"coords", Coords, nullptr, nullptr, nullptr},
+      {"rings", Rings, nullptr, nullptr, nullptr},
+      {"polygons", Polygons, nullptr, nullptr, nullptr},
+      {"_source_bytes", SourceBytes, nullptr, nullptr, nullptr},
+      {"source_offsets", SourceOffsets, nullptr, nullptr, nullptr},
+      {"area", Area, nullptr, nullptr, nullptr},
+      {"perimeter", Perimeter, nullptr, nullptr, nullptr},
+      {"bounds", Bounds, nullptr, nullptr, nullptr},
+      {"centroid", Centroid, nullptr, nullptr, nullptr},
+      {nullptr, nullptr, nullptr, nullptr, nullptr},
+  };
+  static PyMethodDef methods[] = {
+      Fast("contains", Contains, nullptr),
+      Fast("locate", Locate, nullptr),
+      Fast("simplify", Simplify, nullptr),
+      {nullptr, nullptr, 0, nullptr},
+  };
+  static const PyType_Slot slots[] = {
+      {Py_tp_new, reinterpret_cast<void*>(New)},
+      {Py_tp_getset, properties},
+      {Py_tp_methods, methods},
+      {Py_tp_richcompare, reinterpret_cast<void*>(Compare)},
+      {Py_tp_hash, reinterpret_cast<void*>(Hash)},
+      {Py_mp_length, reinterpret_cast<void*>(Length)},
+      {Py_nb_bool, reinterpret_cast<void*>(Truth)},
+      {Py_nb_or, reinterpret_cast<void*>(Or)},
+      {Py_nb_and, reinterpret_cast<void*>(And)},
+      {Py_nb_subtract, reinterpret_cast<void*>(Subtract)},
+      {Py_nb_xor, reinterpret_cast<void*>(Xor)},
+      {0, nullptr},
+  };
+  Objects::AddType(module, "Region", "zbr._zbr.Region", slots);
+}
+
+}  // namespace zbr::python

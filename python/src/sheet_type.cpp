@@ -1,0 +1,134 @@
+// The type under zbr.Sheet: views on paper, and the files they become.
+#include "python/src/drawings.h"
+#include "python/src/modules.h"
+#include "python/src/options.h"
+
+#include <zbr-drawing/numbers.h>
+#include <zbr-drawing/paper.h>
+#include <zbr-drawing/units.h>
+#include <zbr-formats/sheets.h>
+
+#include <utility>
+
+namespace zbr::python {
+namespace {
+
+using Objects = Holder<SheetData>;
+
+// One of several words, by its place.
+template <std::size_t N>
+std::size_t Choice(const std::string& word, const char* argument, const std::array<const char*, N>& words) {
+  std::string known;
+  for (std::size_t i = 0; i < N; ++i) {
+    if (word == words[i]) return i;
+    known += (i == 0 ? "" : i + 1 == N ? " and " : ", ") + std::string(words[i]);
+  }
+  throw BadArgument(argument, "one of " + known + " is needed");
+}
+
+template <class Parse>
+auto ForArgument(const char* argument, Parse parse) -> decltype(parse()) {
+  try {
+    return parse();
+  } catch (const drawing::Failure& failure) {
+    throw BadArgument(argument, failure.what());
+  }
+}
+
+constexpr std::array<const char*, 12> kNames = {"drawings", "paper", "scale", "projection", "title",   "number",
+                                                "author",   "date",  "unit",  "hidden",     "tangent", "progress"};
+
+drawing::SheetOptions OptionsOf(const Arguments<kNames.size()>& given) {
+  drawing::SheetOptions options;
+  if (given.OrNull(1) != nullptr) options.paper = ForArgument("paper", [&] { return drawing::ParsePaper(given.String(1, "")); });
+  if (given.OrNull(2) != nullptr && PyUnicode_Check(given[2]) == 0) {
+    options.scale = ForArgument("scale", [&] { return drawing::ParseScale(drawing::NumberText(given.Number(2, 1.0))); });
+  } else if (given.OrNull(2) != nullptr) {
+    const std::string scale = given.String(2, "");
+    options.anyScale = scale == "fit";
+    if (!options.anyScale) options.scale = ForArgument("scale", [&] { return drawing::ParseScale(scale); });
+  }
+  const std::string projection = given.OrNull(3) == nullptr ? "none" : given.String(3, "first");
+  options.projection = static_cast<drawing::Projection>(Choice<3>(projection, "projection", {"none", "first", "third"}));
+  options.number = given.String(5, "");
+  options.author = given.String(6, "");
+  options.date = given.String(7, "");
+  options.unit = given.String(8, "mm");
+  constexpr int kMillimetre = 4;
+  options.millimetres = drawing::UnitFactor(static_cast<int>(UnitCodeOf(options.unit)), kMillimetre);
+  options.hidden = static_cast<drawing::HiddenStyle>(Choice<3>(given.String(9, "dashed"), "hidden", {"none", "dashed", "layer"}));
+  options.tangent = static_cast<drawing::TangentStyle>(Choice<2>(given.String(10, "thin"), "tangent", {"thin", "layer"}));
+  return options;
+}
+
+PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<kNames.size()> given("sheet", kNames, 1, args, count, keywords);
+    drawing::SheetOptions options = OptionsOf(given);
+    std::vector<DrawingPtr> drawings;
+    const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
+    while (PyObject* const next = PyIter_Next(iterator.get())) drawings.push_back(DrawingOf(Ref::Own(next).get(), "drawings"));
+    if (PyErr_Occurred() != nullptr) throw PythonError();
+    if (drawings.empty()) throw BadArgument("drawings", "there are none");
+    options.title = given.String(4, drawings.front()->mesh->name.c_str());
+    if (options.projection == drawing::Projection::kNone && drawings.size() > 1)
+      throw BadArgument("projection", "first or third is needed for several drawings");
+    return Objects::Make(Run(kSmallCall, given[11], [drawings, options](Monitor&) -> std::shared_ptr<const SheetData> {
+      const auto data = std::make_shared<SheetData>();
+      std::vector<drawing::ViewLines> views;
+      for (const DrawingPtr& drawing : drawings) views.push_back(drawing->view);
+      data->sheet = drawing::LayOut(std::move(views), options);
+      data->sources = drawings.front()->mesh->sources;
+      data->shells = drawings.front()->model->ShellCount();
+      return data;
+    }));
+  });
+}
+
+PyObject* Write(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<2> given("_write", {"format", "version"}, 2, args, count, keywords);
+    const std::string name = given.String(0, "");
+    const auto format = formats::SheetFormatByName(name);
+    if (!format) throw BadArgument("format", "one of svg, dxf, pdf and json is needed");
+    const auto version = static_cast<formats::DxfVersion>(Choice<2>(given.String(1, "R2000"), "version", {"R12", "R2000"}));
+    const auto data = Objects::Of(self);
+    const std::string text = Run(kSmallCall, nullptr, [=](Monitor&) {
+      return formats::WriteSheet(*format, data->sheet, data->sources, data->shells, version);
+    });
+    return Ref::Own(PyBytes_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size())));
+  });
+}
+
+PyObject* Scale(PyObject* self, void*) noexcept {
+  return PyFloat_FromDouble(Objects::Of(self)->sheet.scale);
+}
+
+PyObject* Paper(PyObject* self, void*) noexcept {
+  const drawing::Paper& paper = Objects::Of(self)->sheet.paper;
+  return Py_BuildValue("(dd)", paper.width, paper.height);
+}
+
+}  // namespace
+
+void AddSheetType(PyObject* module) {
+  static PyGetSetDef properties[] = {
+      {"scale", Scale, nullptr, nullptr, nullptr},
+      {"paper", Paper, nullptr, nullptr, nullptr},
+      {nullptr, nullptr, nullptr, nullptr, nullptr},
+  };
+  static PyMethodDef methods[] = {
+      Fast("_write", Write, nullptr),
+      {nullptr, nullptr, 0, nullptr},
+  };
+  static const PyType_Slot slots[] = {
+      {Py_tp_getset, properties},
+      {Py_tp_methods, methods},
+      {0, nullptr},
+  };
+  Objects::AddType(module, "Sheet", "zbr._zbr.Sheet", slots);
+  static PyMethodDef functions[] = {Fast("sheet", MakeSheet, nullptr), {nullptr, nullptr, 0, nullptr}};
+  if (PyModule_AddFunctions(module, functions) != 0) throw PythonError();
+}
+
+}  // namespace zbr::python

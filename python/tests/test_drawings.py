@@ -1,0 +1,175 @@
+"""Meshes, drawings, sheets and files: against the tool to the bit, and where a picture can be foretold."""
+
+import io
+import json
+import os
+import signal
+import subprocess
+import threading
+from pathlib import Path
+
+import ezdxf
+import numpy as np
+import pytest
+import zbr
+from hypothesis import given, settings
+from hypothesis import strategies as st
+from hypothesis.extra import numpy as hnp
+
+EXAMPLES = Path(__file__).resolve().parents[2] / "examples"
+TOOL = os.environ.get("ZBR_TOOL", "")
+CORNERS = np.array([(x, y, z) for x in (0, 1) for y in (0, 1) for z in (0, 1)], float)
+SIDES = [(0, 1, 3, 2), (4, 6, 7, 5), (0, 4, 5, 1), (2, 3, 7, 6), (0, 2, 6, 4), (1, 5, 7, 3)]
+FACES = [face for a, b, c, d in SIDES for face in ((a, b, c), (a, c, d))]
+
+
+def cube(size=1.0, at=(0.0, 0.0, 0.0)):
+    return zbr.Mesh(CORNERS * size + at, FACES, name="cube")
+
+
+def test_a_cube():
+    drawing = cube(2.0).draw("iso")
+    length = {hidden: sum(np.hypot(*np.diff(line, axis=0).T).sum() for line in drawing.polylines(hidden)) for hidden in (False, True)}
+    edge = 2.0 * np.sqrt(2.0 / 3.0)
+    assert length[False] == pytest.approx(9 * edge) and length[True] == pytest.approx(3 * edge)
+    assert {zbr.KINDS[kind] for kind in drawing.kind} == {"crease"}
+    assert len(drawing.polylines(kind="silhouette")) == 0
+    assert len(cube(2.0).draw("iso", hidden=False).polylines(True)) == 0
+    triangles, edges = drawing.edges.T  # each line is where the mesh has its edges
+    faces, axes = np.array(FACES), drawing.axes
+    for i in range(len(drawing)):
+        span = slice(drawing.edge_offsets[i], drawing.edge_offsets[i + 1])
+        ends = faces[triangles[span][:, None], (edges[span][:, None] + [0, 1]) % 3]
+        seen = (2.0 * CORNERS[ends.ravel()]) @ axes[:2].T - drawing.middle[:2]
+        for point in drawing.coords[drawing.lines[i] : drawing.lines[i + 1]]:
+            assert np.abs(seen - point).max(axis=1).min() < 1e-9
+    assert cube(2.0).survey() == zbr.Survey(1, 1, 0, 0, 0, 0, 0, 0, 0)
+    picked = drawing.pick([(0.0, 0.0), (9.0, 9.0)])
+    assert picked.shell.tolist() == [0, -1] and picked.height[0] == pytest.approx(4.0 / np.sqrt(3.0)) and np.isnan(picked.height[1])
+
+
+def test_assemblies_and_outlines():
+    two = zbr.Mesh.join([cube(1.0), cube(1.0, (5.0, 0.0, 0.0))])
+    assert len(two) == 24 and two.outline("top").area == pytest.approx(2.0)
+    front = two.draw("right", outlines=True)
+    assert sorted(outline.area for outline in front.outlines) == pytest.approx([0.0, 1.0])  # one hides the other
+    assert set(two.draw("iso").shell.tolist()) == {0, 1}
+    assert b"cube-2" in two.draw("top", outlines=True).dxf()
+
+
+def test_one_view_of_several_is_that_view():
+    mesh = zbr.read(EXAMPLES / "housing.obj")
+    together = mesh.draw_views(["front", "iso", ((1, 2, -1), (0, 0, 1))], threads=2)
+    for view, drawing in zip(["front", "iso", (1, 2, -1)], together):
+        alone = mesh.draw(view)
+        assert alone.coords.tobytes() == drawing.coords.tobytes() and alone.lines.tolist() == drawing.lines.tolist()
+
+
+@pytest.mark.skipif(not os.access(TOOL, os.X_OK), reason="ZBR_TOOL names no tool")
+def test_results_are_those_of_the_tool(tmp_path):
+    mesh = EXAMPLES / "housing.obj"
+    subprocess.run([TOOL, "draw", mesh, "--view", "iso", "--hidden", "dashed", "-o", tmp_path / "a.json", "-o", tmp_path / "a.svg"], check=True)
+    drawing = zbr.read(mesh).draw("iso")
+    assert drawing.svg() == (tmp_path / "a.svg").read_text()
+    assert drawing.sheet().json() == (tmp_path / "a.json").read_text()
+    random = np.random.default_rng(3)
+    a, b = (zbr.Region(random.random((60, 2))) for _ in range(2))
+    zbr.write(tmp_path / "a.wkt", a)
+    zbr.write(tmp_path / "b.wkt", b)
+    subprocess.run([TOOL, "bool", "--op", "a-b", "a.wkt", "b.wkt", "-o", "c.wkt"], cwd=tmp_path, check=True)
+    expected = zbr.Region.of((tmp_path / "c.wkt").read_text())
+    assert sorted(map(tuple, (a - b).coords)) == sorted(map(tuple, expected.coords))
+
+
+def test_sheets_and_files(tmp_path):
+    mesh = zbr.read(EXAMPLES / "housing.obj")
+    views = mesh.draw_views(["front", "top", "left", "iso"])
+    sheet = zbr.sheet(views, title="Housing", paper="A3", scale="1:2")
+    assert sheet.paper == (420.0, 297.0) and sheet.scale == 0.5
+    for name in ("s.svg", "s.dxf", "s.pdf", "s.json"):
+        sheet.save(tmp_path / name)
+    assert len(json.loads((tmp_path / "s.json").read_text())["views"]) == 4
+    assert (tmp_path / "s.pdf").read_bytes().startswith(b"%PDF-") and (tmp_path / "s.svg").read_text() == sheet.svg()
+    document = ezdxf.readfile(tmp_path / "s.dxf")
+    assert {"VISIBLE", "HIDDEN"} <= {layer.dxf.name for layer in document.layers} and not document.audit().errors
+    assert sorted(p.name for p in tmp_path.iterdir()) == ["s.dxf", "s.json", "s.pdf", "s.svg"]
+    with pytest.raises(ValueError, match="^format: "):
+        sheet.save(tmp_path / "s.png")
+    with pytest.raises(FileNotFoundError):
+        sheet.save(tmp_path / "nowhere" / "s.svg")
+
+
+@pytest.mark.parametrize("suffix", ["dxf", "geojson", "wkt", "txt"])
+def test_regions_through_files(tmp_path, suffix):
+    region = zbr.Region([(0.1, 0), (9, 0), (9, 1 / 3), (0, 9), (1, 1), (1, 2), (2, 1)], [0, 4, 7])
+    zbr.write(tmp_path / f"r.{suffix}", region, **({} if suffix == "wkt" else {"unit": "mm"}))
+    again = zbr.read(tmp_path / f"r.{suffix}")
+    assert sorted(map(tuple, again.coords)) == sorted(map(tuple, region.coords))
+    data = (tmp_path / f"r.{suffix}").read_bytes()
+    assert zbr.read("memory", data=data, format={"txt": "text"}.get(suffix, suffix)) == again
+
+
+def test_drawings_of_others():
+    document = ezdxf.new()
+    document.modelspace().add_circle((0, 0), 2)
+    document.modelspace().add_lwpolyline([(5, 0), (9, 0), (9, 4), (5, 4)], close=True, dxfattribs={"layer": "square"})
+    text = io.StringIO()
+    document.write(text)
+    data = text.getvalue().encode()
+    assert zbr.read("x.dxf", data=data).area == pytest.approx(16 + 4 * np.pi, rel=1e-2)
+    assert zbr.read("x.dxf", data=data, layers=["square"]).area == 16
+    assert zbr.read("x.dxf", data=data, deviation=1e-6, layers=["0"]).area == pytest.approx(4 * np.pi, rel=1e-5)
+
+
+@pytest.mark.parametrize(("file", "data", "place"), [
+    ("bad.obj", b"v 0 0 0\nv x 0 0\n", ("bad.obj", 2)),
+    ("bad.stl", b"solid\nfacet", ("bad.stl", None)),
+    ("bad.dxf", b"0\nSECTION\n2\n", ("bad.dxf", None)),
+    ("bad.wkt", b"POLYGON ((0 0, 1 1", ("bad.wkt", 1)),
+])
+def test_failures_tell_the_place(file, data, place):
+    with pytest.raises(zbr.Failure) as failure:
+        zbr.read(file, data=data, format=file[4:])
+    assert failure.value.file == place[0] and failure.value.cause and place[1] in (None, failure.value.line)
+    with pytest.raises(zbr.Failure, match="No such file"):
+        zbr.read("/nowhere/" + file)
+
+
+@given(hnp.arrays(st.sampled_from(["f8", "f4", "i8"]), st.tuples(st.integers(0, 6), st.integers(2, 4))),
+       hnp.arrays(st.sampled_from(["i8", "u4", "f8"]), st.tuples(st.integers(0, 6), st.integers(2, 4)), elements=st.integers(0, 7)),
+       st.one_of(st.none(), st.text(), st.lists(st.floats(), max_size=4)))
+@settings(deadline=None, max_examples=150)
+def test_senseless_meshes_are_errors(points, faces, view):
+    try:
+        mesh = zbr.Mesh(points, faces)
+        mesh.draw("iso")
+        mesh.draw(view)
+    except (ValueError, TypeError):
+        pass
+
+
+def test_arrays_outlive_their_drawing_and_its_mesh():
+    mesh = cube(3.0)
+    drawing = mesh.draw()
+    expected = mesh.points.tolist(), drawing.coords.tolist(), drawing.lines.tolist()
+    arrays = mesh.points, drawing.coords, drawing.lines
+    del mesh, drawing
+    [cube(k).draw() for k in range(1, 20)]
+    assert tuple(array.tolist() for array in arrays) == expected
+
+
+def test_drawings_can_be_interrupted():
+    side = np.arange(400)
+    x, y = np.meshgrid(side, side)
+    points = np.stack((x.ravel(), y.ravel(), np.random.default_rng(1).random(x.size) * 9), 1)
+    corner = (x[:-1, :-1] + 400 * y[:-1, :-1]).ravel()
+    faces = np.concatenate([np.stack((corner, corner + 1, corner + 401), 1), np.stack((corner, corner + 401, corner + 400), 1)])
+    mesh = zbr.Mesh(points, faces)
+    timer = threading.Timer(0.1, os.kill, (os.getpid(), signal.SIGINT))
+    timer.start()
+    with pytest.raises(KeyboardInterrupt):
+        for _ in range(100):
+            mesh.draw_views(["iso", "front"])
+    with pytest.raises(zbr.Cancelled):
+        mesh.draw("iso", progress=lambda share: share < 0.3)
+    assert len(cube().draw(progress=lambda share: None)) > 0

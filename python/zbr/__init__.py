@@ -1,0 +1,51 @@
+"""Planar Booleans of nested loops and hidden-line drawings of triangle meshes.
+
+Regions hold NumPy arrays: coordinates and offsets of rings and polygons. Objects are immutable, and calls let other threads run.
+"""
+
+from ._drawings import KINDS, Drawing, Mesh, Picked, Sheet, Survey, sheet
+from ._files import read, write
+from ._regions import (
+    SOURCE,
+    Fault,
+    Region,
+    Regions,
+    check,
+    combine,
+    coverage,
+    difference,
+    faces,
+    intersection,
+    union,
+    unite,
+    xor,
+)
+from ._zbr import Cancelled, Failure, __version__
+
+__all__ = [
+    "Cancelled",
+    "Drawing",
+    "Failure",
+    "Fault",
+    "KINDS",
+    "Mesh",
+    "Picked",
+    "Region",
+    "Regions",
+    "SOURCE",
+    "Sheet",
+    "Survey",
+    "__version__",
+    "check",
+    "combine",
+    "coverage",
+    "difference",
+    "faces",
+    "intersection",
+    "read",
+    "sheet",
+    "union",
+    "unite",
+    "write",
+    "xor",
+]

@@ -1,0 +1,225 @@
+"""Hidden-line drawings of triangle meshes."""
+
+from __future__ import annotations
+
+import os
+from pathlib import Path
+from typing import Any, Iterable, NamedTuple, Sequence
+
+import numpy as np
+from numpy.typing import NDArray
+
+from . import _picture, _zbr
+from ._files import written
+
+#: What the numbers of `Drawing.kind` mean.
+KINDS = ("smooth", "border", "crease", "junction", "silhouette", "tangent", "intersection")
+
+View = str | Sequence[Any]
+
+
+class Survey(NamedTuple):
+    """What keeps a mesh from bounding bodies: counts of shells, of closed ones, and of faults."""
+
+    shells: int
+    closed: int
+    borders: int  # edges of one triangle
+    junctions: int  # edges of three and more
+    turned: int  # edges along which both triangles run the same way
+    pinches: int  # points at which a surface touches itself
+    inward: int  # shells seen from inside
+    flat: int  # triangles without area
+    repeated: int  # triangles that repeat others
+
+
+class Picked(NamedTuple):
+    """What is seen at points, an array each: shell and triangle of the mesh, -1 for nothing; height towards the viewer, in
+    the axes of the view and from the origin of the model, NaN for nothing."""
+
+    shell: NDArray[np.int32]
+    triangle: NDArray[np.int32]
+    height: NDArray[np.float64]
+
+
+@_zbr.use_class
+class Mesh(_zbr.Mesh):
+    """Triangles in space, to be drawn. Immutable; what serves all views is found once.
+
+    Mesh(points, faces, *, y_up=False, name="mesh")
+
+    points: (v, 3) coordinates in any unit. faces: (f, 3) integers, places of points, counter-clockwise seen from outside where
+    there is an outside. Points may be repeated, and nothing need be welded or oriented. Raises ValueError, naming the argument,
+    for other shapes, places beyond the points, and coordinates that are not finite or beyond 1e75.
+
+    >>> tetrahedron = Mesh([(0, 0, 0), (4, 0, 0), (0, 4, 0), (0, 0, 4)], [(0, 2, 1), (0, 1, 3), (1, 2, 3), (0, 3, 2)])
+    >>> drawing = tetrahedron.draw("front")
+    >>> len(drawing), drawing.hidden.tolist()
+    (1, [False])
+    >>> tetrahedron.outline("top").area
+    8.0
+    """
+
+    __slots__ = ()
+
+    @classmethod
+    def of(cls, thing: Any) -> Mesh:
+        """A mesh of anything that has triangles: trimesh (vertices, faces), meshio (points, cells), pyvista (points, faces with
+        counts), CadQuery and build123d shapes, FreeCAD shapes and meshes (tessellate, Topology)."""
+        if isinstance(thing, Mesh):
+            return thing
+        return cls(*_triangles_of(thing))
+
+    def draw(self, view: View = "iso", **options: Any) -> Drawing:
+        """Draws a view: front, back, left, right, top, bottom, iso, dimetric; a direction of looking (3,); or that and what is
+        up, (2, 3).
+
+        Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn), weld=0.0
+        (points closer than this part of the diagonal are one), tangents=False (smooth edges at which fillets end),
+        intersections=True (lines where bodies pass through each other), outlines=False (what is seen of each object), threads=1
+        (0: one for each processor), progress=None.
+        """
+        return self._draw([view], **options)[0]
+
+    def draw_views(self, views: Iterable[View], **options: Any) -> list[Drawing]:
+        """Draws several views, which costs less than one by one; options as for draw()."""
+        return self._draw(views, **options)
+
+    def survey(self) -> Survey:
+        """Looks for what keeps the mesh from bounding bodies."""
+        return Survey(*self._survey())
+
+    def pick(self, points: Any, view: View = "iso", **options: Any) -> Picked:
+        """What is seen at points (n, 2) of a view, in its axes and from the origin of the model."""
+        return Picked(*super().pick(points, view, **options))
+
+    @property
+    def bounds(self) -> NDArray[np.float64]:
+        """The lowest and the highest coordinates, (2, 3)."""
+        if len(self.points) == 0:
+            return np.full((2, 3), np.nan)
+        return np.array((self.points.min(axis=0), self.points.max(axis=0)))
+
+    def __repr__(self) -> str:
+        return f"<zbr.Mesh {self.name}: triangles {len(self)}, points {len(self.points)}>"
+
+    def _repr_svg_(self) -> str:
+        return self.draw(hidden=False)._repr_svg_()
+
+
+@_zbr.use_class
+class Drawing(_zbr.Drawing):
+    """The lines of one view, visible ones first. Made by Mesh.draw().
+
+    Coordinates are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
+    """
+
+    __slots__ = ()
+
+    def polylines(self, hidden: bool | None = None, kind: str | None = None) -> list[NDArray[np.float64]]:
+        """The lines as arrays (n, 2), views of coords: all, or those that are hidden or not, or of one of KINDS."""
+        chosen = np.ones(len(self), bool)
+        if hidden is not None:
+            chosen &= self.hidden == hidden
+        if kind is not None:
+            if kind not in KINDS:
+                raise ValueError(f"kind: one of {', '.join(KINDS)} is needed")
+            chosen &= self.kind == KINDS.index(kind)
+        coords, lines = self.coords, self.lines
+        return [coords[lines[i] : lines[i + 1]] for i in np.flatnonzero(chosen)]
+
+    def pick(self, points: Any, **options: Any) -> Picked:
+        """What is seen at points (n, 2) of the drawing."""
+        return Picked(*super().pick(points, **options))
+
+    def sheet(self, **options: Any) -> Sheet:
+        """The drawing alone on paper, without frame; options are those of sheet()."""
+        return sheet([self], **{"projection": None, **options})
+
+    def svg(self, **options: Any) -> str:
+        return self.sheet(**options).svg()
+
+    def dxf(self, version: str = "R2000", **options: Any) -> bytes:
+        return self.sheet(**options).dxf(version)
+
+    def pdf(self, **options: Any) -> bytes:
+        return self.sheet(**options).pdf()
+
+    def save(self, path: str | os.PathLike[str], **options: Any) -> None:
+        """Writes a file: svg, dxf, pdf or json by its name."""
+        self.sheet(**options).save(path)
+
+    @property
+    def __geo_interface__(self) -> dict[str, Any]:
+        """The visible lines."""
+        lines = tuple(tuple(map(tuple, line.tolist())) for line in self.polylines(hidden=False))
+        return {"type": "MultiLineString", "coordinates": lines}
+
+    def __repr__(self) -> str:
+        hidden = int(self.hidden.sum())
+        return f"<zbr.Drawing {self.name}: visible lines {len(self) - hidden}, hidden lines {hidden}>"
+
+    def _repr_svg_(self) -> str:
+        return _picture.drawing_svg(self, 480)
+
+    def plot(self, ax: Any = None, **style: Any) -> Any:
+        """Draws the lines with matplotlib, on the axes given or the current ones; returns the collections, visible and hidden."""
+        return _picture.plot_drawing(self, ax, style)
+
+
+@_zbr.use_class
+class Sheet(_zbr.Sheet):
+    """Views on paper, as sheet() places them. `scale` and `paper`, its width and height in millimetres, tell what was chosen."""
+
+    __slots__ = ()
+
+    def svg(self) -> str:
+        return self._write("svg").decode()
+
+    def dxf(self, version: str = "R2000") -> bytes:
+        return self._write("dxf", version)
+
+    def pdf(self) -> bytes:
+        return self._write("pdf")
+
+    def json(self) -> str:
+        return self._write("json").decode()
+
+    def save(self, path: str | os.PathLike[str], version: str = "R2000") -> None:
+        """Writes a file: svg, dxf, pdf or json by its name. A file that was there is replaced at once or not at all."""
+        written(path, self._write(Path(path).suffix[1:].lower(), version))
+
+    def _repr_svg_(self) -> str:
+        return self.svg()
+
+
+def sheet(drawings: Iterable[Drawing], **options: Any) -> Sheet:
+    """Places views of one mesh on paper, with frame and title block.
+
+    Options: paper=None ("A3", "420x297" in millimetres; None: one that suits), scale=None ("1:2", 0.5, "fit"; None: the largest
+    standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number, author,
+    date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer").
+    """
+    return _zbr.sheet(list(drawings), **{"projection": "first", **options})
+
+
+def _triangles_of(thing: Any) -> tuple[Any, Any]:
+    if hasattr(thing, "val") and callable(thing.val):  # CadQuery's workplane
+        thing = thing.val()
+    if hasattr(thing, "vertices") and hasattr(thing, "faces") and not callable(thing.vertices):
+        return thing.vertices, thing.faces
+    if hasattr(thing, "cells_dict"):
+        triangles = thing.cells_dict.get("triangle")
+        if triangles is None:
+            raise ValueError("mesh: it has no triangles")
+        return thing.points, triangles
+    if hasattr(thing, "Topology"):
+        points, faces = thing.Topology
+        return [tuple(p) for p in points], faces
+    if hasattr(thing, "tessellate"):
+        box = getattr(thing, "BoundingBox", None)
+        size = float(box().DiagonalLength) if callable(box) else float(getattr(getattr(thing, "BoundBox", None), "DiagonalLength", 100.0))
+        points, faces = thing.tessellate(size / 1000)
+        return [tuple(p) if not hasattr(p, "toTuple") else p.toTuple() for p in points], faces
+    if hasattr(thing, "points") and hasattr(thing, "faces"):  # pyvista: the count of corners before them
+        return thing.points, np.asarray(thing.faces).reshape(-1, 4)[:, 1:]
+    raise TypeError("mesh: what has vertices and faces is needed")

@@ -1,0 +1,117 @@
+// Finding the segments that may run beside a given one.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <zbr/planar.h>
+
+#include "core/box_tree.h"
+
+namespace zbr {
+
+// Two segments run beside each other where one, as far as it lies over the other, stays within `width` of it. Searching boxes
+// alone finds, of many long slanted segments, nearly all of them for each: what merely crosses has to be told apart.
+//
+// Idea: over a long stretch only segments of nearly the same direction stay within the width. Long ones are bundled by direction,
+// each bundle with boxes along its own direction, which are slender. A short stretch that two long ones have in common is at an
+// end of either, for which the ends have a tree. Short segments have another, and where one of two is short, it is the pieces of
+// the long one that are looked at.
+class Beside {
+ public:
+  // Of two lists that are counted as one; refers to both. Coordinates are finite.
+  Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width);
+
+  const ZBR_SEG& At(std::size_t i) const { return i < first_.size() ? first_[i] : second_[i - first_.size()]; }
+
+  // Calls visit(k) for all that may run beside segment i, for some of them more than once, and for others as well, segment i among
+  // them. `visit` returns false to end the search.
+  template <class Visit>
+  void ForEach(std::uint32_t i, Visit visit) const;
+
+ private:
+  static constexpr int kBundles = 64;
+
+  // Boxes of parts of segments, in an order good for a tree.
+  class PartTree {
+   public:
+    void Add(std::uint32_t segment, const ZBR_PT& p, const ZBR_PT& q) { parts_.push_back({segment, BoxOfSegment(p, q)}); }
+    void Build();
+    // False when visit ended it.
+    template <class Visit>
+    bool Search(const Box& box, Visit& visit) const {
+      bool goOn = true;
+      tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
+                 [&](std::uint32_t leaf) { return goOn = visit(parts_[leaf].segment); });
+      return goOn;
+    }
+
+   private:
+    struct Part {
+      std::uint32_t segment;
+      Box box;
+    };
+    std::vector<Part> parts_;
+    BoxTree tree_;
+  };
+
+  struct Bundle {
+    ZBR_PT along;  // of length 1
+    PartTree tree;
+
+    ZBR_PT Turned(const ZBR_PT& p) const { return {p.InnerProduct(along), along.x() * p.y() - along.y() * p.x()}; }
+  };
+
+  static int BundleOf(const ZBR_SEG& g);
+  void MeasureLong();
+  void AddLong(std::uint32_t i);
+  // Call use(p, q) for both ends, or all pieces, of a long segment.
+  template <class Use>
+  void ForEachEnd(const ZBR_SEG& g, Use use) const {
+    const ZBR_PT part = (g.e() - g.s()) * (short_ / g.s().Distance(g.e()));
+    use(g.s(), g.s() + part);
+    use(g.e() - part, g.e());
+  }
+  template <class Use>
+  void ForEachPiece(const ZBR_SEG& g, Use use) const {
+    const ZBR_PT along = g.e() - g.s();
+    const double count = std::ceil(along.Length() / piece_);
+    for (double k = 0.0; k < count; k += 1.0) use(g.s() + along * (k / count), g.s() + along * ((k + 1.0) / count));
+  }
+  bool IsLong(const ZBR_SEG& g) const { return g.s().Distance(g.e()) > short_; }
+
+  std::span<const ZBR_SEG> first_, second_;
+  double width_;        // with room for rounding
+  double short_ = 0.0;  // length up to which a segment, or a stretch that two have in common, is short
+  double piece_ = 0.0;  // length of the pieces of long ones
+  PartTree shorts_;
+  PartTree ends_;    // of long ones
+  PartTree pieces_;  // of long ones
+  std::vector<Bundle> bundles_;
+};
+
+template <class Visit>
+void Beside::ForEach(std::uint32_t i, Visit visit) const {
+  const ZBR_SEG& g = At(i);
+  if (!IsLong(g)) {
+    const Box box = BoxOfSegment(g.s(), g.e()).Widened(width_);
+    if (shorts_.Search(box, visit)) pieces_.Search(box, visit);
+    return;
+  }
+  const int at = BundleOf(g);
+  for (const int step : {0, 1, kBundles - 1}) {
+    const Bundle& bundle = bundles_[static_cast<std::size_t>((at + step) % kBundles)];
+    const Box box = BoxOfSegment(bundle.Turned(g.s()), bundle.Turned(g.e())).Widened(width_);
+    if (!bundle.tree.Search(box, visit)) return;
+  }
+  bool goOn = true;
+  const auto search = [&](const PartTree& tree, const ZBR_PT& p, const ZBR_PT& q) {
+    goOn = goOn && tree.Search(BoxOfSegment(p, q).Widened(width_), visit);
+  };
+  ForEachEnd(g, [&](const ZBR_PT& p, const ZBR_PT& q) { search(ends_, p, q); });
+  ForEachPiece(g, [&](const ZBR_PT& p, const ZBR_PT& q) { search(shorts_, p, q); });
+}
+
+}  // namespace zbr

@@ -1,0 +1,230 @@
+// Sections: areas of cut faces, what touches, what is open; the view behind them; hatching.
+
+#include <zbr-drawing/failure.h>
+#include <zbr-drawing/section.h>
+#include <zbr-drawing/sheet.h>
+#include <zbr-drawing/views.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <string>
+
+#include "models/models.h"
+#include "models/solid.h"
+
+namespace zbr::drawing {
+namespace {
+
+using example::Append;
+using example::Box;
+using std::numbers::pi;
+
+Mesh Both(Mesh a, const Mesh& b) {
+  Append(a, b);
+  return a;
+}
+
+Mesh TurnedInsideOut(Mesh mesh) {
+  for (auto& t : mesh.triangles) std::swap(t[0], t[1]);
+  return mesh;
+}
+
+SectionCut CutOf(const Mesh& mesh, const SectionPlane& plane) {
+  return FindSection(MakeModel(mesh, 30.0), SectionView(plane), plane);
+}
+
+double AreaOf(const SectionCut& cut) {
+  double area = 0.0;
+  for (const SectionFace& face : cut.faces) area += face.region.area();
+  return area;
+}
+
+double AreaOf(const Mesh& mesh, const std::string& plane) {
+  return AreaOf(CutOf(mesh, ParseSection(plane)));
+}
+
+TEST(Sections, AreasOfSimpleBodies) {
+  const Mesh box = Box({-1, -2, -3}, {3, 2, 1});
+  EXPECT_DOUBLE_EQ(AreaOf(box, "X=0.3"), 16.0);
+  EXPECT_DOUBLE_EQ(AreaOf(box, "Z=-2.7..0"), 16.0);
+  EXPECT_NEAR(AreaOf(box, "3,3,0=0"), 4 * 3 * std::sqrt(2.0), 1e-12);  // from (-1, 1) to (2, -2)
+  constexpr int kSides = 90;
+  const Mesh cylinder = example::Cylinder(kSides, 5, 8);
+  // Its points are rounded to a millionth.
+  EXPECT_NEAR(AreaOf(cylinder, "Z=3"), kSides / 2.0 * 25 * std::sin(2 * pi / kSides), 1e-5);
+  EXPECT_NEAR(AreaOf(cylinder, "0,3,4=3"), 1.25 * kSides / 2.0 * 25 * std::sin(2 * pi / kSides), 1e-5);
+  const Mesh torus = example::Torus(80000);
+  EXPECT_NEAR(AreaOf(torus, "Z=0.01"), pi * (1.4 * 1.4 - 0.6 * 0.6), 0.01);
+  EXPECT_NEAR(AreaOf(torus, "X=0.001"), 2 * pi * 0.16, 0.002);
+}
+
+// A plane that lies in a face cuts what goes on behind it.
+TEST(Sections, FacesInThePlane) {
+  const Mesh low = Box({0, 0, 0}, {4, 4, 2}), high = Box({1, 1, 2}, {3, 3, 5});
+  for (const char* const plane : {"Z=0", "Z=2", "Z=5", "Y=0", "X=4"}) EXPECT_EQ(AreaOf(low, plane), 0.0) << plane;
+  EXPECT_EQ(AreaOf(Both(low, high), "Z=2"), 0.0);  // in contact
+  example::Solid step;
+  step.Stack(example::Axis::kZ, {0, 2, 5}, {example::Rectangle(0, 0, 4, 4), example::Rectangle(1, 1, 3, 3)});
+  const SectionCut cut = CutOf(step.Take(), ParseSection("Z=2"));
+  ASSERT_EQ(cut.faces.size(), 1U);
+  EXPECT_NEAR(cut.faces[0].region.area(), 4.0, 1e-12);
+  EXPECT_NEAR(cut.covers[0].area(), 16.0, 1e-12);
+  double border = 0.0;
+  for (const SectionLine& line : cut.lines) {
+    for (std::size_t i = 1; !line.isCut && i < line.points.size(); ++i) border += line.points[i].Distance(line.points[i - 1]);
+  }
+  EXPECT_NEAR(border, 16.0, 1e-12);  // of the step's face
+}
+
+TEST(Sections, HollowsInvertedBodiesAndOpenOnes) {
+  const Mesh outer = Box({0, 0, 0}, {6, 6, 6}), inner = Box({1, 1, 1}, {5, 4, 5});
+  EXPECT_DOUBLE_EQ(AreaOf(Both(outer, TurnedInsideOut(inner)), "Z=2"), 36.0 - 12.0);
+  EXPECT_DOUBLE_EQ(AreaOf(TurnedInsideOut(outer), "Z=2"), 36.0);
+  Mesh tube = outer;
+  const auto isFront = [&](const std::array<std::uint32_t, 3>& t) {
+    return std::all_of(t.begin(), t.end(), [&](std::uint32_t p) { return tube.points[p].y() == 0; });
+  };
+  ASSERT_EQ(std::erase_if(tube.triangles, isFront), 2U);
+  const SectionCut open = CutOf(tube, ParseSection("Z=2"));
+  EXPECT_EQ(open.openLines, 1U);
+  EXPECT_TRUE(open.faces.empty());
+  ASSERT_EQ(open.lines.size(), 1U);
+  EXPECT_EQ(open.lines[0].points.size(), 4U);
+  // A crack that is nothing on paper closes.
+  Mesh cracked = outer;
+  for (std::uint32_t& p : cracked.triangles[0]) {
+    cracked.points.push_back(cracked.points[p] + ZBR_PT3(1e-5, 1e-5, 1e-5));
+    p = static_cast<std::uint32_t>(cracked.points.size() - 1);
+  }
+  for (const char* const plane : {"X=2.5", "Y=2.5", "Z=2.5"}) EXPECT_NEAR(AreaOf(cracked, plane), 36.0, 1e-3) << plane;
+}
+
+// Whether a place lies in the body, by the crossings of a ray in a direction that meets no edge.
+bool IsInside(const Mesh& mesh, const ZBR_PT3& p) {
+  const ZBR_PT3 direction(0.5234178, 0.3189245, 0.7900412);
+  int crossings = 0;
+  for (const auto& t : mesh.triangles) {
+    const ZBR_PT3 a = mesh.points[t[0]] - p, b = mesh.points[t[1]] - p, c = mesh.points[t[2]] - p;
+    const double ab = direction.InnerProduct(a.OuterProduct(b)), bc = direction.InnerProduct(b.OuterProduct(c)),
+                 ca = direction.InnerProduct(c.OuterProduct(a));
+    if (!((ab > 0 && bc > 0 && ca > 0) || (ab < 0 && bc < 0 && ca < 0))) continue;
+    if ((a * bc + b * ca + c * ab).InnerProduct(direction) / (ab + bc + ca) > 0) ++crossings;
+  }
+  return crossings % 2 == 1;
+}
+
+bool IsInside(const ZBR_REGION& region, const ZBR_PT& p) {
+  bool inside = false;
+  for (std::size_t r = 0; r < region.ring_count(); ++r) {
+    const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]),
+               end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
+    for (std::size_t i = begin; i < end; ++i) {
+      const ZBR_PT &a = region.points()[i], &b = region.points()[i + 1 < end ? i + 1 : begin];
+      if ((a.y() > p.y()) == (b.y() > p.y())) continue;
+      if (p.x() < a.x() + (b.x() - a.x()) * ((p.y() - a.y()) / (b.y() - a.y()))) inside = !inside;
+    }
+  }
+  return inside;
+}
+
+bool IsInside(const std::vector<SectionFace>& faces, const ZBR_PT& p) {
+  return std::any_of(faces.begin(), faces.end(), [&](const SectionFace& face) { return IsInside(face.region, p); });
+}
+
+TEST(Sections, SamplesOfTheHousingAgree) {
+  const Mesh mesh = example::Housing();
+  const Model model = MakeModel(mesh, 30.0);
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> unit(-1, 1);
+  int inside = 0, wrong = 0;
+  for (int k = 0; k < 12; ++k) {
+    SectionPlane plane;  // some along axes, through faces and axes of holes
+    plane.normal = k < 3 ? ZBR_PT3(k == 0, k == 1, k == 2) : ZBR_PT3(unit(random), unit(random), unit(random));
+    plane.normal = plane.normal * (1.0 / plane.normal.Length());
+    plane.offset = plane.normal.InnerProduct(model.Centre()) + (k < 3 ? 0 : 30 * unit(random));
+    const View view = SectionView(plane);
+    const SectionCut cut = FindSection(model, view, plane);
+    EXPECT_EQ(cut.openLines, 0U);
+    const ZBR_PT3 middle = view.In(model.Centre());
+    for (int i = 0; i < 100; ++i) {
+      const ZBR_PT p(80 * unit(random), 80 * unit(random));
+      const bool isInside = IsInside(mesh, view.Out(ZBR_PT3(p.x() + middle.x(), p.y() + middle.y(), plane.offset)));
+      inside += isInside ? 1 : 0;
+      wrong += isInside != IsInside(cut.faces, p) ? 1 : 0;
+    }
+  }
+  EXPECT_GT(inside, 100);
+  EXPECT_EQ(wrong, 0);
+}
+
+ViewLines Draw(const Mesh& mesh, const std::string& section, const View& view) {
+  const auto plane = section.empty() ? std::nullopt : std::optional(ParseSection(section));
+  return DrawViews(MakeModel(mesh, 30.0), {{"A-A", view, plane}}, {}).front();
+}
+
+// What is cut looks like what ends there.
+TEST(Sections, ViewsAreThoseOfBodiesThatEndThere) {
+  const auto scene = [](double end) {
+    example::Solid part;
+    part.Extrude(example::Axis::kX, example::Minus(example::Rectangle(0, 0, 8, 6), example::Circle(4, 3, 2, 24)), -5,
+                 std::min(end, 4.0));
+    Mesh mesh = part.Take();
+    Mesh peg = example::Cylinder(32, 1, 5);
+    example::Move(peg, {std::min(end, 0.0) - 4, 11, 1});
+    Append(mesh, peg);
+    Append(mesh, Box({-6, -3, -1}, {end, 14, 0}));
+    Append(mesh, Box({-6, -1, 0}, {-3, 1, 9}));
+    return mesh;
+  };
+  const View right = *NamedView("right");
+  EXPECT_NEAR(Draw(scene(9), "X=2", right).VisibleLength(), Draw(scene(2), "", right).VisibleLength(), 1e-6);
+  const ViewLines slab = Draw(scene(9), "X=-2..2", right);
+  EXPECT_LT(slab.VisibleLength(), Draw(scene(2), "", right).VisibleLength() - 10);  // the far box and the peg are gone
+  for (const Line& line : Draw(scene(9), "X=2", right).lines) EXPECT_FALSE(line.hidden);
+}
+
+TEST(Sections, HatchingFillsFacesAndTellsBodiesApart) {
+  Mesh mesh = example::Housing();
+  Append(mesh, Box({90, -40, 0}, {120, 40, 60}));  // in contact with it
+  const SectionPlane plane = ParseSection("Y=3");
+  const Model model = MakeModel(mesh, 30.0);
+  const Sheet sheet = LayOut(DrawViews(model, {{"A-A", SectionView(plane), plane}}, {}), {});
+  const ViewLines& view = sheet.views[0].lines;
+  ASSERT_EQ(view.section->faces.size(), 2U);
+  double angles[2] = {0, 0};
+  for (std::size_t k = 0; k < 2; ++k) {
+    const SectionFace& face = view.section->faces[k];
+    double length = 0.0, spacing = HUGE_VAL, last = HUGE_VAL;
+    for (const Line& line : view.lines) {
+      if (line.edgeClass != EdgeClass::kHatching || line.shell != face.shell) continue;
+      const ZBR_PT a = line.chain.points[0], b = line.chain.points[1], along = (b - a) * (1.0 / b.Distance(a));
+      EXPECT_TRUE(IsInside(face.region, (a + b) * 0.5));
+      angles[k] = std::fmod(std::atan2(along.y(), along.x()) + pi, pi);
+      const double at = std::abs(along.OuterProduct(a));
+      if (std::abs(at - last) > 1e-6) spacing = std::min(spacing, std::abs(at - last));
+      last = at;
+      length += a.Distance(b);
+    }
+    EXPECT_NEAR(length * spacing, face.region.area(), 0.02 * face.region.area());
+  }
+  EXPECT_GT(std::abs(angles[0] - angles[1]), 0.1);
+}
+
+TEST(Sections, PlanesAsText) {
+  for (const char* const text :
+       {"", "X", "W=1", "X=", "X=a", "1,2=3", "0,0,0=1", "X=1..", "X=1..1", "1,2,3,4=5", "X=nan", "1,,2=3"})
+    EXPECT_THROW(ParseSection(text), Failure) << text;
+  EXPECT_EQ(ParseSection("y=2").HeightOf({0, 2, 0}), 0.0);
+  EXPECT_LT(ParseSection("Y=2").HeightOf({0, 3, 0}), 0.0);  // from the front
+  EXPECT_EQ(ParseSection("Y=2..5").HeightOf({0, 2, 0}), 0.0);
+  EXPECT_EQ(ParseSection("Y=2..5").depth, 3.0);
+  EXPECT_NEAR(ParseSection("3,0,4=5").HeightOf({3, 7, 4}), 0.0, 1e-15);
+}
+
+}  // namespace
+}  // namespace zbr::drawing

@@ -1,0 +1,131 @@
+#include "web/bindings/exchange.h"
+
+#include <emscripten.h>
+
+#include <nlohmann/json.hpp>
+
+#include "web/bindings/exports.h"
+
+// The page's function is a property of the module while a call lasts.
+EM_JS(int, zbrTellProgress, (double share, const char* stage),
+      { return Module.progress ? Module.progress(share, UTF8ToString(stage)) : 1; });
+
+namespace zbr::web {
+namespace {
+
+using Json = nlohmann::json;
+
+// A region call's complaint, with numbers instead of a line.
+class RegionFailure : public std::runtime_error {
+ public:
+  explicit RegionFailure(const ZBR_REGION_STATUS& status) : std::runtime_error("region"), status_(status) {}
+  const ZBR_REGION_STATUS& status() const { return status_; }
+
+ private:
+  ZBR_REGION_STATUS status_;
+};
+
+const char* TextOf(ZBR_REGION_CODE code) {
+  switch (code) {
+    case ZBR_REGION_BAD_OFFSETS:
+      return "offsets descend, or lead beyond the points or rings";
+    case ZBR_REGION_NOT_FINITE:
+      return "a coordinate is not finite, or beyond 1e150";
+    case ZBR_REGION_TOO_LARGE:
+      return "more points than 32 bits can number";
+    default:
+      return "unknown";
+  }
+}
+
+void GiveJson(const Json& json) {
+  Exchange::Get().LetGo();
+  Exchange::Get().Give(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+}  // namespace
+
+Exchange& Exchange::Get() {
+  static Exchange exchange;
+  return exchange;
+}
+
+char* Exchange::AddText(std::size_t size) {
+  return texts_.emplace_back(size, '\0').data();
+}
+
+void Exchange::Give(std::string text) {
+  Give(std::vector<char>(text.begin(), text.end()));
+}
+
+void Exchange::Give(ZBR_REGION region) {
+  const auto kept = std::make_shared<ZBR_REGION>(std::move(region));
+  const auto give = [&](const auto& items) { Give(items.data(), items.size() * sizeof(items[0])); };
+  give(kept->points());
+  give(kept->ring_offsets());
+  give(kept->polygon_offsets());
+  if (!kept->source_offsets().empty()) {
+    give(kept->source_offsets());
+    give(kept->sources());
+  }
+  kept_.push_back(kept);
+}
+
+void Exchange::Give(const void* data, std::size_t bytes) {
+  table_.push_back(reinterpret_cast<std::uintptr_t>(data));
+  table_.push_back(bytes);
+}
+
+void Exchange::LetGo() {
+  table_.clear();
+  kept_.clear();
+}
+
+void Report(double share, const char* stage) {
+  if (zbrTellProgress(share, stage) == 0) throw Stopped();
+}
+
+bool MayGoOn(double share, void*) {
+  return zbrTellProgress(share, "combining") != 0;
+}
+
+void Demand(const ZBR_REGION_STATUS& status) {
+  if (status.code == ZBR_REGION_STOPPED) throw Stopped();
+  if (status.code != ZBR_REGION_OK) throw RegionFailure(status);
+}
+
+void GiveFailure(const Failure& failure) {
+  GiveJson({{"message", failure.what()}, {"file", failure.File()}, {"line", failure.Line()}, {"reason", failure.Cause()}});
+}
+
+void GiveFailure(const std::exception& error) {
+  const auto* const region = dynamic_cast<const RegionFailure*>(&error);
+  if (region == nullptr) return GiveJson({{"message", error.what()}});
+  const ZBR_REGION_STATUS& status = region->status();
+  GiveJson({{"message", TextOf(status.code)}, {"operand", status.operand}, {"ring", status.ring}, {"point", status.point}});
+}
+
+}  // namespace zbr::web
+
+using zbr::web::Exchange;
+
+char* zbrwAddText(std::size_t size) {
+  try {
+    return Exchange::Get().AddText(size);
+  } catch (const std::exception&) {
+    return nullptr;
+  }
+}
+
+const std::uintptr_t* zbrwTable() {
+  return Exchange::Get().Table().data();
+}
+
+std::size_t zbrwTableSize() {
+  return Exchange::Get().Table().size();
+}
+
+void zbrwLetGo() {
+  Exchange::Get().LetGo();
+  Exchange::Get().DropTexts();
+}

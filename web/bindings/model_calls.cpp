@@ -1,0 +1,240 @@
+// Models: bytes or arrays in; drawings as arrays and as files out.
+#include <zbr-drawing/outlines.h>
+#include <zbr-drawing/survey.h>
+#include <zbr-formats/files.h>
+#include <zbr-formats/meshes.h>
+#include <zbr-formats/sheets.h>
+#include <zbr/tolerance.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+
+#include "web/bindings/exchange.h"
+#include "web/bindings/exports.h"
+#include "web/bindings/models.h"
+
+namespace zbr::web {
+namespace {
+
+using Json = Options::Json;
+
+Json Array(const ZBR_PT3& p) {
+  return {p.x(), p.y(), p.z()};
+}
+
+void GiveJson(const Json& json, Exchange& out) {
+  out.Give(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+// What makes a model of a mesh; gives its number.
+void HoldMesh(Mesh mesh, const std::string& name, Options& options, Exchange& out) {
+  auto held = std::make_unique<HeldModel>();
+  const std::string stem = formats::StemOf(name);
+  AddObject(held->objects, std::move(mesh), {formats::BaseName(name), stem, {}});
+  held->title = stem;
+  held->crease = options.Get("crease", held->crease);
+  held->weld = options.Get("weld", held->weld);
+  options.Finish();
+  held->With(held->crease);
+  out.Give(std::vector<std::uint32_t>{Hold(std::move(held))});
+}
+
+// The lines of a view, one array for each of their properties.
+void GiveLines(const ViewLines& view, Exchange& out) {
+  std::vector<ZBR_PT> points;
+  std::vector<std::int32_t> begin{0}, shells, edgeBegin{0};
+  std::vector<std::uint8_t> classes, hidden, sides;
+  std::vector<std::uint32_t> triangles;
+  for (const Line& line : view.lines) {
+    points.insert(points.end(), line.chain.points.begin(), line.chain.points.end());
+    begin.push_back(static_cast<std::int32_t>(points.size()));
+    classes.push_back(static_cast<std::uint8_t>(line.edgeClass));
+    hidden.push_back(line.hidden ? 1 : 0);
+    shells.push_back(static_cast<std::int32_t>(line.shell));
+    for (const EdgeRef& edge : line.chain.edges) {
+      triangles.push_back(edge.triangle);
+      sides.push_back(edge.edge);
+    }
+    edgeBegin.push_back(static_cast<std::int32_t>(triangles.size()));
+  }
+  out.Give(std::move(points));
+  out.Give(std::move(begin));
+  out.Give(std::move(classes));
+  out.Give(std::move(hidden));
+  out.Give(std::move(shells));
+  out.Give(std::move(edgeBegin));
+  out.Give(std::move(triangles));
+  out.Give(std::move(sides));
+}
+
+Json FactsOf(const ViewLines& view) {
+  return {{"name", view.name},
+          {"right", Array(view.view.right)},
+          {"up", Array(view.view.up)},
+          {"middle", {view.middle.x(), view.middle.y()}},
+          {"extent", {view.extent.xmin, view.extent.ymin, view.extent.xmax, view.extent.ymax}}};
+}
+
+Json FactsOf(const HeldModel& held, const Model& model) {
+  const Survey survey = MakeSurvey(model);
+  std::size_t closed = 0;
+  for (const ShellSurvey& shell : survey.shells) closed += shell.isClosed ? 1 : 0;
+  return {{"name", held.title},
+          {"triangles", model.TriangleCount()},
+          {"leftOut", model.collapsed + model.repeated},
+          {"points", model.pointCount},
+          {"shells", model.ShellCount()},
+          {"closedShells", closed},
+          {"openEdges", survey.borders},
+          {"junctions", survey.junctions},
+          {"turnedEdges", survey.turned},
+          {"low", Array(model.low)},
+          {"high", Array(model.high)},
+          {"axes", held.objects.mesh.yUp ? "y" : "z"},
+          {"roughCreases", HasRoughCreases(model)}};
+}
+
+std::vector<std::string> FormatsOf(Options& options) {
+  const Json& list = options.At("formats");
+  if (!list.is_array() || list.empty()) Options::Refuse("formats", "a list of svg, dxf, pdf and json is needed");
+  std::vector<std::string> names;
+  for (const Json& format : list) {
+    const std::string name = format.is_string() ? format.get<std::string>() : format.dump();
+    if (!formats::SheetFormatByName(name)) Options::Refuse("formats", name + " is none of svg, dxf, pdf and json");
+    names.push_back(name);
+  }
+  return names;
+}
+
+NamedDirection OneDirection(HeldModel& held, Options& options) {
+  const Json& view = options.At("view");
+  return DirectionOf(view.is_null() ? Json("iso") : view, held.objects.mesh.yUp, 0);
+}
+
+}  // namespace
+}  // namespace zbr::web
+
+using namespace zbr::web;
+namespace formats = zbr::formats;
+
+int zbrwReadModel(std::size_t beside) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    const std::string name = options.Get("name", std::string("model"));
+    const std::string format = options.Get("format", formats::ExtensionOf(name));
+    std::map<std::string, std::string> others;
+    const Json names = options.At("beside");
+    for (std::size_t i = 0; i < beside; ++i) others[names.at(i).get<std::string>()] = out.TakeText(2 + i);
+    Report(0.0, "reading");
+    Mesh mesh = formats::ParseMesh(format, out.TakeText(1), name, [&](const std::string& wanted) {
+      const auto found = others.find(wanted);
+      if (found == others.end()) throw Failure(name, "the file " + wanted + " is needed, too");
+      return found->second;
+    });
+    HoldMesh(std::move(mesh), name, options, out);
+  });
+}
+
+int zbrwMakeModel(const double* points, std::size_t pointCount, const std::uint32_t* faces, std::size_t faceCount) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    Mesh mesh;
+    for (std::size_t i = 0; i < pointCount; ++i) mesh.points.emplace_back(points[3 * i], points[3 * i + 1], points[3 * i + 2]);
+    for (std::size_t i = 0; i < faceCount; ++i) mesh.triangles.push_back({faces[3 * i], faces[3 * i + 1], faces[3 * i + 2]});
+    mesh.yUp = options.Choose("axes", {"z", "y"}, 0) == 1;
+    CheckMesh(mesh);
+    const std::string name = options.Get("name", std::string("model"));
+    HoldMesh(std::move(mesh), name, options, out);
+  });
+}
+
+int zbrwModelInfo(std::uint32_t model) {
+  return Answer([&](Exchange& out) {
+    HeldModel& held = ModelAt(model);
+    GiveJson(FactsOf(held, held.With(held.crease)), out);
+  });
+}
+
+int zbrwModelMesh(std::uint32_t model) {
+  return Answer([&](Exchange& out) {
+    const HeldModel& held = ModelAt(model);
+    out.Give(held.objects.mesh.points);
+    out.Give(held.objects.mesh.triangles);
+  });
+}
+
+int zbrwDraw(std::uint32_t model) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    const std::vector<ViewLines>& views = ViewsOf(ModelAt(model), options);
+    options.Finish();
+    Json facts = Json::array();
+    for (const ViewLines& view : views) facts.push_back(FactsOf(view));
+    GiveJson(facts, out);
+    for (const ViewLines& view : views) GiveLines(view, out);
+  });
+}
+
+int zbrwWriteSheet(std::uint32_t model) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    HeldModel& held = ModelAt(model);
+    const std::vector<std::string> names = FormatsOf(options);
+    const std::size_t viewCount = options.At("views").is_array() ? options.At("views").size() : 1;
+    const SheetOptions sheetOptions = SheetOptionsOf(held, options, viewCount);
+    const auto version = static_cast<formats::DxfVersion>(options.Choose("dxf", {"r12", "r2000"}, 1));
+    const std::vector<ViewLines>& views = ViewsOf(held, options);
+    options.Finish();
+    Report(1.0, "writing");
+    const Sheet sheet = LayOut(views, sheetOptions);
+    for (const std::string& name : names)
+      out.Give(
+          formats::WriteSheet(*formats::SheetFormatByName(name), sheet, held.objects.sources, held.model->ShellCount(), version));
+  });
+}
+
+int zbrwOutline(std::uint32_t model) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    HeldModel& held = ModelAt(model);
+    const NamedDirection direction = OneDirection(held, options);
+    options.Finish();
+    const Model& prepared = held.Any();
+    Report(0.3, "finding outlines");
+    Scene scene = MakeScene(prepared, direction.view);
+    FindOutlines(prepared, scene, false, 1);
+    LoopList all;
+    for (const LoopList& loops : OutlinesInPlace(prepared, scene)) all.insert(all.end(), loops.begin(), loops.end());
+    out.Give(zbrRegionOfLoops(all));
+  });
+}
+
+int zbrwPick(std::uint32_t model, const double* points, std::size_t count) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    HeldModel& held = ModelAt(model);
+    const NamedDirection direction = OneDirection(held, options);
+    options.Finish();
+    const Model& prepared = held.Any();
+    Scene scene = MakeScene(prepared, direction.view);
+    const ZBR_TmpEps tolerance(kSceneTolerance);
+    ZBR_HiddenLine::Prepare(scene.shells.data(), scene.ShellCount());
+    std::vector<std::int32_t> triangles(count, -1);
+    std::vector<double> heights(count, std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t i = 0; i < count; ++i) {
+      const ZBR_PT3 p = scene.FromDrawing(ZBR_PT3(points[2 * i], points[2 * i + 1], 0));
+      double z = std::numeric_limits<double>::lowest();
+      ZBR_HL_SOURCE hit;
+      if (!std::isfinite(p.x()) || !std::isfinite(p.y()) ||
+          !ZBR_HiddenLine::PickShells(p.x(), p.y(), scene.shells.data(), scene.ShellCount(), z, hit))
+        continue;
+      const std::size_t shell = static_cast<std::size_t>(hit.shell);
+      triangles[i] =
+          static_cast<std::int32_t>(prepared.source[prepared.shellBegin[shell] + static_cast<std::size_t>(hit.triangle)]);
+      heights[i] = scene.ToDrawing(ZBR_PT3(p.x(), p.y(), z)).z();
+    }
+    out.Give(std::move(triangles));
+    out.Give(std::move(heights));
+  });
+}

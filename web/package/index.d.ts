@@ -1,0 +1,336 @@
+/**
+ * Booleans of planar regions and hidden-line drawings of triangle meshes.
+ *
+ *     import load from 'zbr';
+ *     const zbr = await load();
+ *     const both = zbr.union(a, b);
+ *
+ * Results are plain data: arrays that belong to the caller. Only models hold memory of the module; free() gives it back, and so does
+ * the garbage collector in the end. Calls run on the calling thread; 'zbr/worker' has the same ones as promises. The same input
+ * gives the same bits as the native library, everywhere.
+ *
+ * Bad input throws: a TypeError for arguments of a wrong kind, else a ZbrError that says what is wrong, and where.
+ */
+
+/**
+ * A region in the layout of GeoArrow: x and y interleaved, and offsets that begin with 0 and have one entry more than there are
+ * items. In results rings are simple and not closed, outer ones counter-clockwise, each followed by its holes.
+ */
+export interface Region {
+  /** x, y of every point. */
+  coords: Float64Array;
+  /** Ring r is the points rings[r] up to rings[r + 1]. */
+  rings: Int32Array;
+  /** Polygon p is the rings polygons[p] up to polygons[p + 1], the outer one first. */
+  polygons: Int32Array;
+  /** Where the edges come from, if `sources` was asked for. */
+  sources?: Sources;
+}
+
+/** The edge that starts at point i runs along the pieces offsets[i] up to offsets[i + 1]. */
+export interface Sources {
+  offsets: Int32Array;
+  /** Of each piece: the operand's number, the ring in it, the edge of the ring. */
+  edges: Int32Array;
+  /** Of each piece: where on that edge it starts and ends, from 0 to 1. */
+  along: Float64Array;
+}
+
+type Numbers<T> = T | readonly number[];
+type Points = readonly (readonly [number, number, ...number[]])[];
+
+/** Polygon, MultiPolygon, or what holds them. */
+export interface GeoJSON {
+  type: string;
+  coordinates?: unknown;
+  geometry?: unknown;
+  geometries?: unknown;
+  features?: unknown;
+}
+
+/**
+ * What regions are taken from: arrays, GeoJSON, or a list of rings, each a list of points. Rings may be in any order and
+ * orientation, and cross themselves and each other; the rule of filling tells what is inside.
+ */
+export type RegionLike =
+  | { coords: Numbers<Float64Array>; rings: Numbers<Int32Array>; polygons?: Numbers<Int32Array> }
+  | GeoJSON
+  | readonly Points[];
+
+/** Many regions one behind the other: region i is the polygons parts[i] up to parts[i + 1]. */
+export interface Regions extends Region {
+  parts: Int32Array;
+}
+
+export type Op = 'union' | 'intersection' | 'a-b' | 'b-a' | 'xor';
+export type FillRule = 'evenodd' | 'nonzero' | 'positive' | 'negative';
+/** Told the share of the work that is done, and what the call is at; false ends the call with an AbortError. */
+export type Progress = (share: number, stage: string) => boolean | void;
+
+export interface RegionOptions {
+  /** What is closer than this is one place. Found from the extent of the operands by default. */
+  tolerance?: number;
+  /** What is inside: 'evenodd' by default. */
+  fill?: FillRule;
+  fillA?: FillRule;
+  fillB?: FillRule;
+  /** Adds Region.sources. */
+  sources?: boolean;
+  /** Rings from their lowest leftmost points on, holes and polygons in the order of these. */
+  canonical?: boolean;
+  onProgress?: Progress;
+}
+
+export interface Fault {
+  kind: 'crossing' | 'overlap' | 'fold' | 'repeated-point' | 'no-area' | 'not-finite';
+  place: [number, number];
+  /** Rings and edges that meet there; -1 where there is none. */
+  ringA: number;
+  edgeA: number;
+  ringB: number;
+  edgeB: number;
+}
+
+export type Bytes = string | ArrayBuffer | ArrayBufferView;
+
+export interface DrawingFile {
+  /** What a DXF, GeoJSON, WKT or loop file holds. */
+  data: Bytes;
+  /** The extension tells the format; stands for the file in messages. */
+  name?: string;
+  format?: 'dxf' | 'geojson' | 'wkt' | 'text';
+}
+
+export interface DrawingOptions {
+  /** Largest distance between a curve and its chords, in the drawing's unit. */
+  deviation?: number;
+  /** Ends of lines at most this far apart belong together. */
+  join?: number;
+  fill?: FillRule;
+  /** Files to be written of the results; curves are curves again in DXF. 'svg' is a picture of operands and results. */
+  formats?: ('dxf' | 'geojson' | 'wkt' | 'text' | 'svg')[];
+  dxf?: 'r12' | 'r2000';
+  onProgress?: Progress;
+}
+
+export interface DrawnRegion {
+  name: string;
+  /** With what lies between chords and their arcs. */
+  area: number;
+  polygons: number;
+  holes: number;
+  vertices: number;
+  /** Curves as chords. */
+  region: Region;
+}
+
+export interface Note {
+  file: string;
+  /** Of the file, 0 where it is not known. */
+  line: number;
+  /** What was left out, or looks wrong. */
+  text: string;
+}
+
+export interface Combined {
+  /** Of both drawings: the first one's; '' where it names none. */
+  unit: string;
+  notes: Note[];
+  operands: DrawnRegion[];
+  /** In the order of `ops`. */
+  results: DrawnRegion[];
+  files: Record<string, string>;
+}
+
+export interface ModelOptions {
+  /** The extension tells the format. */
+  name?: string;
+  format?: 'stl' | 'obj' | 'ply' | 'off' | 'gltf' | 'glb';
+  /** An edge shows where the surface bends by more than this many degrees; 30 by default. */
+  crease?: number;
+  /** Points closer than this part of the diagonal become one; 0 joins equal ones. */
+  weld?: number;
+  onProgress?: Progress;
+}
+
+export interface ModelInfo {
+  name: string;
+  triangles: number;
+  /** Triangles with two equal corners, or repeated. */
+  leftOut: number;
+  points: number;
+  shells: number;
+  closedShells: number;
+  /** Edges of one triangle, of three and more, and along which two run the same way. */
+  openEdges: number;
+  junctions: number;
+  turnedEdges: number;
+  low: [number, number, number];
+  high: [number, number, number];
+  /** Which axis points up, by the file. */
+  axes: 'y' | 'z';
+  /** Many creases end nowhere, as on a scan: a larger angle suits it. */
+  roughCreases: boolean;
+}
+
+export type ViewName = 'front' | 'back' | 'left' | 'right' | 'top' | 'bottom' | 'iso' | 'dimetric';
+/**
+ * Seen along `direction`, with `up` drawn upwards. Or cut by a plane, 'X=10' or '1,0,1=20' (a direction, and how far from the origin),
+ * 'X=10..25' for what lies between two, and seen against that direction.
+ */
+export type View = ViewName | { direction: [number, number, number]; up?: [number, number, number]; name?: string } | { section: string };
+
+export interface ViewOptions {
+  view?: View;
+  /** Several views; a list comes back, or a sheet with all of them. */
+  views?: View[];
+  /** In which views hidden lines are wanted: by default in those along an axis. */
+  hidden?: 'none' | 'principal' | 'all';
+  /** Another angle than the model was opened with. */
+  crease?: number;
+  /** Lines where surfaces pass through each other; true by default. */
+  intersections?: boolean;
+  /** Smooth edges at which fillets end; false by default. */
+  tangents?: boolean;
+  /** Arcs where the model has circles; true by default. */
+  curves?: boolean;
+  /** Bodies at most this far apart stand face to face. */
+  contact?: number;
+  axes?: 'y' | 'z';
+  onProgress?: Progress;
+}
+
+/** The lines of a view, in the model's unit, x to the right and y up, around the middle of the model's box. */
+export interface Drawing {
+  name: string;
+  /** The drawing's axes in the model. */
+  right: [number, number, number];
+  up: [number, number, number];
+  /** The origin, in the view's axes. */
+  middle: [number, number];
+  /** xmin, ymin, xmax, ymax. */
+  extent: [number, number, number, number];
+  coords: Float64Array;
+  /** Line i is the points lines[i] up to lines[i + 1]; of a closed one the last repeats the first. Visible ones come first. */
+  lines: Int32Array;
+  /** Why it is drawn: a place in edgeClasses. */
+  classes: Uint8Array;
+  hidden: Uint8Array;
+  shells: Int32Array;
+  /** Line i is made of the mesh's edges edges[i] up to edges[i + 1]: `triangles`, and which side of each (3: across it). */
+  edges: Int32Array;
+  triangles: Uint32Array;
+  sides: Uint8Array;
+}
+
+export interface SheetOptions extends Omit<ViewOptions, 'view'> {
+  /** How several views are arranged: 'first' by default. */
+  projection?: 'none' | 'first' | 'third';
+  hiddenStyle?: 'none' | 'dashed' | 'layer';
+  tangentStyle?: 'thin' | 'layer';
+  /** '1:2', 0.5, or 'fit' for any scale; the largest standard one that fits by default. */
+  scale?: string | number;
+  /** 'A3' or '420x297'. */
+  paper?: string;
+  title?: string;
+  number?: string;
+  author?: string;
+  date?: string;
+  /** Of the model; 'mm' by default. */
+  unit?: string;
+  /** Objects are filled. */
+  fill?: boolean;
+  dxf?: 'r12' | 'r2000';
+}
+
+export interface SheetFiles {
+  svg: string;
+  dxf: string;
+  json: string;
+  pdf: Uint8Array;
+}
+
+/** A model in the module's memory. */
+export class Model {
+  private constructor();
+  readonly info: ModelInfo;
+  /** x, y, z of the points and corners of the triangles, as read. */
+  mesh(): { points: Float64Array; triangles: Uint32Array };
+  draw(options: ViewOptions & { views: View[] }): Drawing[];
+  draw(options?: ViewOptions): Drawing;
+  /** Views on paper. Views that were drawn last are not drawn again. */
+  sheet<F extends keyof SheetFiles>(format: F, options?: SheetOptions): SheetFiles[F];
+  sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions): Pick<SheetFiles, F>;
+  /** What the model covers, in its own coordinates. */
+  outline(view?: View, options?: { onProgress?: Progress }): Region;
+  /** What is seen at points of a view in the model's coordinates: triangles (-1: nothing) and heights towards the viewer. */
+  pick(view: View, points: Float64Array | Points): { triangles: Int32Array; heights: Float64Array };
+  /** Gives its memory back. */
+  free(): void;
+}
+
+export interface Zbr {
+  union(a: RegionLike, b: RegionLike, options?: RegionOptions): Region;
+  intersection(a: RegionLike, b: RegionLike, options?: RegionOptions): Region;
+  difference(a: RegionLike, b: RegionLike, options?: RegionOptions): Region;
+  xor(a: RegionLike, b: RegionLike, options?: RegionOptions): Region;
+  /** Several results with one search for crossings. */
+  combine(a: RegionLike, b: RegionLike, ops: Op[], options?: RegionOptions): Region[];
+  /** Many pairs in one call. */
+  combinePairs(a: Regions, b: Regions, op: Op, options?: RegionOptions): Regions;
+  unite(regions: RegionLike[], options?: RegionOptions): Region;
+  /** What at least `times` of the regions cover. */
+  cover(regions: RegionLike[], times: number, options?: RegionOptions): Region;
+  /** The region that rings bound, whatever they do to each other. */
+  makeValid(rings: RegionLike, options?: RegionOptions): Region;
+  /** Without points that lie straight between their neighbours within the tolerance. */
+  simplify(rings: RegionLike, tolerance: number, options?: RegionOptions): Region;
+  /** The cells into which lines cut the plane: each 'ring' is a line, open unless its last point repeats the first. */
+  faces(lines: RegionLike, options?: RegionOptions): Region;
+  /** What keeps rings from bounding a region as they are. */
+  check(rings: RegionLike, options?: { most?: number }): Fault[];
+  /** By the orientation of the rings; bounds are xmin, ymin, xmax, ymax. */
+  measure(region: RegionLike): { area: number; perimeter: number; bounds: [number, number, number, number] };
+  area(region: RegionLike): number;
+  /** 1 inside, 0 on the boundary, -1 outside. */
+  locate(region: RegionLike, points: Float64Array | Points, options?: RegionOptions): Int8Array;
+  /** The region of a drawing. */
+  readDrawing(drawing: DrawingFile, options?: DrawingOptions): DrawnRegion & Pick<Combined, 'unit' | 'notes' | 'files'>;
+  /** Combinations of two drawings: all five by default. */
+  combineDrawings(a: DrawingFile, b: DrawingFile, options?: DrawingOptions & { ops?: Op[] }): Combined;
+  /** A file with a layer or feature for each region. */
+  writeRegions(
+    regions: Record<string, RegionLike>,
+    format: 'dxf' | 'geojson' | 'wkt' | 'text',
+    options?: { unit?: string; dxf?: 'r12' | 'r2000' },
+  ): string;
+  /** A model from what a file holds. `beside`: other files that a glTF document names. */
+  readModel(data: Bytes, options?: ModelOptions & { beside?: Record<string, Bytes> }): Model;
+  /** A model from arrays: x, y, z of points, and three corners of each triangle. */
+  makeModel(
+    points: Numbers<Float64Array>,
+    triangles: Numbers<Uint32Array>,
+    options?: Omit<ModelOptions, 'format'> & { axes?: 'y' | 'z' },
+  ): Model;
+  /** What the module has taken. */
+  readonly memory: { bytes: number; models: number };
+}
+
+export class ZbrError extends Error {
+  /** 'input', 'memory', 'fault' (of the module, which is renewed), 'freed', 'closed' or 'load'. */
+  code: string;
+  file?: string;
+  line?: number;
+  /** The message without the place. */
+  reason?: string;
+  operand?: number;
+  ring?: number;
+  point?: number;
+}
+
+export const edgeClasses: readonly string[];
+export function fromGeoJSON(json: GeoJSON): Region;
+export function toGeoJSON(region: Region): { type: 'MultiPolygon'; coordinates: number[][][][] };
+/** `wasm`: where the module is, its bytes, or the compiled module; beside this file by default. */
+export function load(options?: { wasm?: URL | string | BufferSource | Response | WebAssembly.Module }): Promise<Zbr>;
+export default load;

@@ -1,0 +1,221 @@
+// The module of WebAssembly: loading it, and calls with arrays and texts on either side.
+//
+// A call puts its arrays into the module's memory, copies what comes back and frees everything before it returns: nothing that a
+// caller holds lies in there, but models. After a fault of the machine (stack or memory used up, which no call recovers from by
+// itself) the next call gets a new instance; models of the old one are gone.
+import createCore from './zbr-core.mjs';
+
+const utf8 = new TextEncoder();
+const fromUtf8 = new TextDecoder();
+
+const DONE = 0, FAILED = 1, NO_MEMORY = 2;
+
+/** What calls throw for bad input, and when memory does not suffice (code 'memory') or a fault was met (code 'fault'). */
+export class ZbrError extends Error {
+  constructor(message, code, place = {}) {
+    super(message);
+    this.name = 'ZbrError';
+    this.code = code;
+    for (const [key, value] of Object.entries(place)) {
+      if (key !== 'message' && value !== '' && value !== -1 && !(key === 'line' && value === 0)) this[key] = value;
+    }
+  }
+}
+
+async function compile(source) {
+  const wasm = await (source ?? new URL('./zbr-core.wasm', import.meta.url));
+  if (wasm instanceof WebAssembly.Module) return wasm;
+  if (ArrayBuffer.isView(wasm) || wasm instanceof ArrayBuffer) return WebAssembly.compile(wasm);
+  if (typeof Response !== 'undefined' && wasm instanceof Response) return WebAssembly.compile(await wasm.arrayBuffer());
+  const url = new URL(wasm, import.meta.url);
+  if (url.protocol === 'file:') {
+    const files = 'node:fs/promises';
+    const { readFile } = await import(/* @vite-ignore */ files);
+    return WebAssembly.compile(await readFile(url));
+  }
+  const response = await fetch(url);
+  if (!response.ok) throw new ZbrError(`${url}: ${response.status} ${response.statusText}`, 'load');
+  return WebAssembly.compile(await response.arrayBuffer());
+}
+
+/** Compiles the module once, for several instances of it. */
+export { compile as compileCore };
+
+export class Instance {
+  #module;
+  #core;
+  #isBroken = false;
+  #isBusy = false;
+  #thrown;
+  generation = 0; // of instances; models know theirs
+
+  static async load(source) {
+    const instance = new Instance();
+    instance.#module = await compile(source);
+    const core = { print() {}, printErr() {} };
+    core.instantiateWasm = (imports, receive) => {
+      WebAssembly.instantiate(instance.#module, imports).then((made) => receive(made));
+      return {};
+    };
+    instance.#core = await createCore(core);
+    return instance;
+  }
+
+  #renew() {
+    const core = { print() {}, printErr() {} };
+    core.instantiateWasm = (imports, receive) => {
+      const made = new WebAssembly.Instance(this.#module, imports);
+      receive(made);
+      return made.exports;
+    };
+    createCore(core);
+    this.#core = core;
+    this.#isBroken = false;
+    ++this.generation;
+  }
+
+  /** Bytes of memory that the module has taken. */
+  get memory() {
+    return this.#core.HEAPU8.length;
+  }
+
+  /** Models that are held. */
+  get modelCount() {
+    return this.#core._zbrwModelCount();
+  }
+
+  /** Calls a function whose arguments are numbers, { bytes } (an array, passed by its address) or { views: regions }. */
+  call(name, args, { texts = [], onProgress } = {}) {
+    if (this.#isBusy) throw new ZbrError('a progress function can not make calls of its own', 'input');
+    if (this.#isBroken) this.#renew();
+    const core = this.#core;
+    const room = new Room(core, args);
+    this.#isBusy = true;
+    try {
+      for (const text of texts) this.#addText(text);
+      room.fill();
+      this.#listen(onProgress);
+      const status = core['_' + name](...room.numbers);
+      if (this.#thrown) throw this.#thrown.error;
+      if (status === DONE) return this.#answer();
+      this.#fail(status);
+    } catch (error) {
+      if (error === this.#thrown?.error) throw error;
+      if (error instanceof WebAssembly.RuntimeError || error instanceof WebAssembly.Exception || error instanceof RangeError) {
+        this.#isBroken = true;
+        throw new ZbrError(`zbr: ${error.message ?? 'fault'}`, 'fault');
+      }
+      throw error;
+    } finally {
+      this.#isBusy = false;
+      if (!this.#isBroken) {
+        core._zbrwLetGo();
+        room.free();
+      }
+      core.progress = this.#thrown = undefined;
+    }
+  }
+
+  release(model) {
+    if (!this.#isBroken) this.#core._zbrwFreeModel(model);
+  }
+
+  #addText(text) {
+    const bytes = typeof text === 'string' ? utf8.encode(text) : text;
+    const at = this.#core._zbrwAddText(bytes.length) >>> 0;
+    if (at === 0) throw new ZbrError('not enough memory', 'memory');
+    this.#core.HEAPU8.set(bytes, at);
+  }
+
+  // An exception of the caller's function stops the call, and leaves it when the call has returned.
+  #listen(onProgress) {
+    this.#core.progress = !onProgress ? undefined : (share, stage) => {
+      try {
+        return onProgress(share, stage) === false ? 0 : 1;
+      } catch (error) {
+        this.#thrown = { error };
+        return 0;
+      }
+    };
+  }
+
+  #answer() {
+    const core = this.#core;
+    const at = (core._zbrwTable() >>> 0) / 4, size = core._zbrwTableSize();
+    const table = core.HEAPU32.subarray(at, at + size);
+    const arrays = [];
+    for (let i = 0; i < size; i += 2) arrays.push(core.HEAPU8.slice(table[i], table[i] + table[i + 1]).buffer);
+    return arrays;
+  }
+
+  #fail(status) {
+    if (status === FAILED) {
+      const place = JSON.parse(fromUtf8.decode(this.#answer()[0]));
+      throw new ZbrError(place.message, 'input', place);
+    }
+    if (status === NO_MEMORY) {
+      this.#isBroken = true; // what was left behind goes with the instance
+      throw new ZbrError('not enough memory', 'memory');
+    }
+    throw new DOMException('stopped by the progress function', 'AbortError');
+  }
+}
+
+export const textOf = (buffer) => fromUtf8.decode(buffer);
+
+// The arrays of a call in one block of memory.
+class Room {
+  #core;
+  #address = 0;
+  #writes = [];
+  #size = 0;
+  numbers = [];
+
+  constructor(core, args) {
+    this.#core = core;
+    for (const arg of args) {
+      if (typeof arg === 'number') this.numbers.push(arg);
+      else if (arg.views) this.#addViews(arg.views);
+      else this.numbers.push({ offset: this.#add(arg.bytes) });
+    }
+  }
+
+  #add(array) {
+    const offset = this.#size;
+    this.#writes.push({ offset, array });
+    this.#size += (array.byteLength + 7) & ~7;
+    if (this.#size > 0xfff00000) throw new ZbrError('not enough memory', 'memory');
+    return offset;
+  }
+
+  // Records of six numbers: addresses and counts.
+  #addViews(regions) {
+    const fields = [];
+    for (const { coords, rings, polygons } of regions) {
+      fields.push({ offset: this.#add(coords) }, coords.length / 2, { offset: this.#add(rings) }, rings.length - 1);
+      if (polygons) fields.push({ offset: this.#add(polygons) }, polygons.length - 1);
+      else fields.push(0, 0);
+    }
+    const offset = this.#size;
+    this.#size += fields.length * 4;
+    this.#writes.push({ offset, fields });
+    this.numbers.push({ offset });
+  }
+
+  fill() {
+    const core = this.#core;
+    this.#address = core._malloc(Math.max(this.#size, 8)) >>> 0;
+    if (this.#address === 0) throw new ZbrError('not enough memory', 'memory');
+    const absolute = (field) => (typeof field === 'number' ? field : this.#address + field.offset);
+    for (const { offset, array, fields } of this.#writes) {
+      const at = this.#address + offset;
+      if (array) core.HEAPU8.set(new Uint8Array(array.buffer, array.byteOffset, array.byteLength), at);
+      else core.HEAPU32.set(fields.map(absolute), at / 4);
+    }
+    this.numbers = this.numbers.map(absolute);
+  }
+
+  free() {
+    if (this.#address) this.#core._free(this.#address);
+  }
+}

@@ -1,0 +1,52 @@
+/**
+ * The calls of 'zbr' as promises, worked on by a worker of its own.
+ *
+ *     import openWorker from 'zbr/worker';
+ *     const zbr = await openWorker();
+ *     const model = await zbr.readModel(file, { name: file.name });
+ *     const drawing = await model.draw({ view: 'iso', signal, onProgress });
+ *
+ * A signal that is aborted ends the call at once, and the worker with it; the next call gets another. Models are opened again there
+ * when they are next used.
+ */
+import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, Region, SheetFiles, SheetOptions, View, ViewOptions, Zbr } from './index.js';
+
+type Signal = { signal?: AbortSignal };
+type WithSignal<A extends unknown[]> = A extends [...infer Rest, (infer O extends object)?] ? [...Rest, (O & Signal)?] : A;
+type Later<F> = F extends (...args: infer A) => infer R ? (...args: WithSignal<A>) => Promise<R> : never;
+type FileOf<T> = T extends DrawingFile ? Omit<DrawingFile, 'data'> & { data: Bytes | Blob } : T;
+
+export interface WorkerModel {
+  readonly info: ModelInfo;
+  mesh(options?: Signal): Promise<{ points: Float64Array; triangles: Uint32Array }>;
+  draw(options: ViewOptions & { views: View[] } & Signal): Promise<Drawing[]>;
+  draw(options?: ViewOptions & Signal): Promise<Drawing>;
+  sheet<F extends keyof SheetFiles>(format: F, options?: SheetOptions & Signal): Promise<SheetFiles[F]>;
+  sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions & Signal): Promise<Pick<SheetFiles, F>>;
+  outline(view?: View, options?: Pick<ViewOptions, 'onProgress'> & Signal): Promise<Region>;
+  pick(view: View, points: Float64Array, options?: Signal): Promise<{ triangles: Int32Array; heights: Float64Array }>;
+  free(): Promise<void>;
+}
+
+type Region1 = 'union' | 'intersection' | 'difference' | 'xor' | 'combine' | 'combinePairs' | 'unite' | 'cover' | 'makeValid' | 'simplify';
+type Region2 = 'faces' | 'check' | 'measure' | 'area' | 'locate' | 'writeRegions';
+
+export type ZbrWorker = { [K in Region1 | Region2]: Later<Zbr[K]> } & {
+  readDrawing(drawing: FileOf<DrawingFile>, options?: Parameters<Zbr['readDrawing']>[1] & Signal): Promise<ReturnType<Zbr['readDrawing']>>;
+  combineDrawings(
+    a: FileOf<DrawingFile>,
+    b: FileOf<DrawingFile>,
+    options?: Parameters<Zbr['combineDrawings']>[2] & Signal,
+  ): Promise<ReturnType<Zbr['combineDrawings']>>;
+  /** From a File or Blob, or bytes, which have to stay as they are. */
+  readModel(
+    data: Bytes | Blob,
+    options?: ModelOptions & { beside?: Record<string, Bytes | Blob> } & Signal,
+  ): Promise<WorkerModel>;
+  makeModel(points: Float64Array, triangles: Uint32Array, options?: Parameters<Zbr['makeModel']>[2] & Signal): Promise<WorkerModel>;
+  /** Ends the worker. Calls that are not done fail. */
+  close(): void;
+};
+
+export function openWorker(options?: { wasm?: URL | string | BufferSource | WebAssembly.Module }): Promise<ZbrWorker>;
+export default openWorker;

@@ -1,0 +1,211 @@
+// The same calls as promises, worked on by a worker: the page stays alive, and an AbortSignal ends a call at once.
+//
+// A call can't be interrupted from outside, so the worker of one that is aborted is ended and the next call gets another, for which
+// the compiled module is kept. Models are opened again there when they are next asked for something, from the file or array they
+// came from.
+import { ZbrError, compileCore } from './instance.js';
+
+const METHODS = ['union', 'intersection', 'difference', 'xor', 'combine', 'combinePairs', 'unite', 'cover', 'makeValid', 'simplify',
+  'faces', 'check', 'measure', 'area', 'locate', 'readDrawing', 'combineDrawings', 'writeRegions'];
+
+async function startThread() {
+  if (typeof Worker !== 'undefined') {
+    const worker = new Worker(new URL('./worker-thread.js', import.meta.url), { type: 'module' });
+    return {
+      post: (message) => worker.postMessage(message),
+      listen(take, fail) {
+        worker.onmessage = ({ data }) => take(data);
+        worker.onerror = (event) => fail(event.message || 'the worker could not be started');
+      },
+      end: () => worker.terminate(),
+    };
+  }
+  const threads = 'node:worker_threads', file = './worker-thread.js'; // not for bundlers
+  const { Worker: NodeWorker } = await import(/* @vite-ignore */ threads);
+  const worker = new NodeWorker(new URL(/* @vite-ignore */ file, import.meta.url));
+  worker.unref();
+  return {
+    post: (message) => worker.postMessage(message),
+    listen(take, fail) {
+      worker.on('message', take);
+      worker.on('error', (error) => fail(error.message));
+    },
+    end: () => worker.terminate(),
+    hold: (busy) => (busy ? worker.ref() : worker.unref()),
+  };
+}
+
+function errorOf({ name, message, code, ...rest }) {
+  if (name === 'AbortError') return new DOMException(message, name);
+  if (name === 'TypeError') return new TypeError(message);
+  return new ZbrError(message, code, rest);
+}
+
+// What the caller gave as options: functions and signals stay on this side.
+const optionsOf = (last) => (last && typeof last === 'object' && ('signal' in last || 'onProgress' in last) ? last : undefined);
+
+class ZbrWorker {
+  #module;
+  #thread;
+  #generation = 0; // of threads
+  #waiting = [];
+  #running;
+  #lastId = 0;
+  #isClosed = false;
+
+  /** By openWorker only. */
+  constructor(module) {
+    this.#module = module;
+    for (const method of METHODS) {
+      this[method] = (...args) => {
+        const { signal, onProgress, ...rest } = optionsOf(args.at(-1)) ?? {};
+        if (signal || onProgress) args[args.length - 1] = rest;
+        return this.#call({ method, args, progressAt: onProgress && args.length - 1 }, { signal, onProgress });
+      };
+    }
+  }
+
+  /** A model from a File or Blob, bytes, or points and triangles; it is read at once. */
+  async readModel(data, { signal, onProgress, ...options } = {}) {
+    const model = new WorkerModel((...args) => this.#callModel(...args), { data, ...options });
+    await model.open({ signal, onProgress });
+    return model;
+  }
+
+  makeModel(points, triangles, options = {}) {
+    return this.readModel(points, { ...options, triangles });
+  }
+
+  close() {
+    this.#isClosed = true;
+    this.#thread?.end();
+    const closed = new ZbrError('the worker was closed', 'closed');
+    for (const call of [this.#running, ...this.#waiting]) call?.reject(closed);
+    this.#running = undefined;
+    this.#waiting = [];
+  }
+
+  async #callModel(state, source, call, options) {
+    if (state.generation !== this.#generation || !state.number) {
+      if (call?.method === 'free') return undefined;
+      const progressAt = options?.onProgress && 0;
+      const opened = await this.#call({ method: 'openModel', args: [source], progressAt }, options);
+      Object.assign(state, opened, { generation: this.#generation });
+    }
+    if (call) return this.#call({ ...call, model: state.number }, options);
+    return undefined;
+  }
+
+  #call(call, { signal, onProgress } = {}) {
+    if (this.#isClosed) return Promise.reject(new ZbrError('the worker was closed', 'closed'));
+    if (signal?.aborted) return Promise.reject(signal.reason);
+    return new Promise((resolve, reject) => {
+      const waiting = { ...call, id: ++this.#lastId, resolve, reject, onProgress };
+      if (signal) {
+        const abort = () => this.#abort(waiting, signal.reason);
+        signal.addEventListener('abort', abort, { once: true });
+        waiting.settled = () => signal.removeEventListener('abort', abort);
+      }
+      this.#waiting.push(waiting);
+      this.#next();
+    });
+  }
+
+  #abort(call, reason) {
+    const place = this.#waiting.indexOf(call);
+    if (place >= 0) this.#waiting.splice(place, 1);
+    else if (this.#running === call) this.#endThread();
+    call.reject(reason);
+    this.#next();
+  }
+
+  #endThread() {
+    this.#thread?.end();
+    this.#thread = undefined;
+    this.#running = undefined;
+    ++this.#generation;
+  }
+
+  async #next() {
+    if (this.#running || this.#waiting.length === 0) return;
+    const call = this.#running = this.#waiting.shift();
+    if (!this.#thread) await this.#start();
+    if (this.#running !== call) return; // aborted or closed meanwhile
+    const { id, method, args, model, progressAt } = call;
+    this.#thread.hold?.(true);
+    try {
+      this.#thread.post({ id, method, args, model, progressAt });
+    } catch (error) { // what can't be sent, such as a function
+      this.#settle(() => call.reject(error));
+    }
+  }
+
+  async #start() {
+    const generation = this.#generation;
+    const thread = await startThread();
+    if (generation !== this.#generation || this.#isClosed) return thread.end();
+    this.#thread = thread;
+    thread.listen((message) => this.#take(message), (cause) => this.#fail(cause));
+    thread.post({ id: 0, method: 'load', args: [this.#module] });
+    return undefined;
+  }
+
+  #take({ id, share, stage, result, error }) {
+    const call = this.#running;
+    if (!call || call.id !== id) return;
+    if (share !== undefined) call.onProgress?.(share, stage);
+    else this.#settle(() => (error ? call.reject(errorOf(error)) : call.resolve(result)));
+  }
+
+  #fail(cause) {
+    const call = this.#running;
+    this.#endThread();
+    call?.reject(new ZbrError(cause, 'fault'));
+    this.#next();
+  }
+
+  #settle(settle) {
+    this.#running.settled?.();
+    this.#running = undefined;
+    this.#thread?.hold?.(false);
+    settle();
+    this.#next();
+  }
+}
+
+class WorkerModel {
+  #call;
+  #source;
+  #state = {};
+
+  constructor(call, source) {
+    this.#call = call;
+    this.#source = source;
+  }
+
+  get info() { return this.#state.info; }
+
+  open(options) { return this.#call(this.#state, this.#source, undefined, options); }
+  mesh({ signal } = {}) { return this.#run('mesh', [], { signal }); }
+  draw({ signal, onProgress, ...options } = {}) { return this.#run('draw', [options], { signal, onProgress }); }
+  sheet(formats, { signal, onProgress, ...options } = {}) { return this.#run('sheet', [formats, options], { signal, onProgress }); }
+  outline(view, { signal, onProgress } = {}) { return this.#run('outline', [view, {}], { signal, onProgress }); }
+  pick(view, points, { signal } = {}) { return this.#run('pick', [view, points], { signal }); }
+
+  async free() {
+    if (this.#state.number) await this.#run('free', []);
+    this.#state = {};
+    this.#source = undefined;
+  }
+
+  #run(method, args, options) {
+    if (!this.#source) return Promise.reject(new ZbrError('the model was freed', 'freed'));
+    const progressAt = options?.onProgress && args.length - 1;
+    return this.#call(this.#state, this.#source, { method, args, progressAt }, options);
+  }
+}
+
+export async function openWorker({ wasm } = {}) {
+  return new ZbrWorker(await compileCore(wasm));
+}
+export default openWorker;

@@ -1,0 +1,239 @@
+// The page in Chromium: every flow, broken files, cancelling, small and dark screens; and the package's bits there.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { existsSync, mkdtempSync, readFileSync, readdirSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+import { after, test } from 'node:test';
+import { root, serve, shoot, startBrowser } from './browser.js';
+
+const scratch = mkdtempSync(join(tmpdir(), 'zbr-page-'));
+const server = await serve(join(root, 'build/web/page'));
+const browser = await startBrowser();
+after(async () => {
+  await browser.close();
+  server.close();
+});
+
+async function openPage(options = {}) {
+  const context = await browser.newContext({ viewport: { width: 1366, height: 800 }, acceptDownloads: true, ...options });
+  const page = await context.newPage();
+  page.on('pageerror', (error) => assert.fail(error.stack));
+  await page.goto(server.url);
+  return page;
+}
+
+const statusIs = (page, pattern, timeout = 60000) =>
+  page.waitForFunction((text) => new RegExp(text).test(document.querySelector('#status').textContent), pattern, { timeout });
+const drop = (page, ...files) => page.setInputFiles('#files', files.map((file) => (typeof file === 'string' ? join(root, 'examples', file) : file)));
+const file = (name, text) => ({ name, mimeType: 'text/plain', buffer: Buffer.from(text) });
+
+async function saved(page, selector) {
+  const [download] = await Promise.all([page.waitForEvent('download'), page.click(selector)]);
+  return { name: download.suggestedFilename(), data: readFileSync(await download.path()) };
+}
+
+// How much of a canvas or a screenshot's part is not the colour of its corner.
+const inked = (page, selector) => page.$eval(selector, (canvas) => {
+  const { data } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+  let count = 0;
+  for (let i = 3; i < data.length; i += 4) count += data[i] > 0 ? 1 : 0;
+  return count;
+});
+
+test('a model: the drawing follows the view, sheets, creases, files', async () => {
+  const before = server.sent.bytes;
+  const page = await openPage();
+  await shoot(page, 'welcome');
+  await drop(page, 'housing.obj');
+  await statusIs(page, 'visible lines?, [0-9]+ hidden');
+  assert.ok(server.sent.bytes - before < 1.2e6, `${server.sent.bytes - before} bytes`);
+  await page.waitForTimeout(300);
+  await shoot(page, 'model');
+  const dashed = await inked(page, '#drawing canvas');
+  assert.ok(dashed > 3000);
+  await page.click('label:has([value=none])');
+  await statusIs(page, 'visible lines? · drawn');
+  await page.waitForTimeout(300);
+  assert.ok((await inked(page, '#drawing canvas')) < dashed);
+  const version = () => page.getAttribute('#drawing', 'data-version');
+  const isDrawnAnew = (old) => page.waitForFunction((v) => document.querySelector('#drawing').dataset.version > v, old);
+  const iso = { version: await version(), ink: await inked(page, '#drawing canvas') };
+  await page.focus('#viewer');
+  for (let i = 0; i < 3; ++i) await page.keyboard.press('ArrowLeft');
+  await isDrawnAnew(iso.version);
+  assert.notEqual(await inked(page, '#drawing canvas'), iso.ink);
+  const turned = await version();
+  await page.keyboard.press('1');
+  await isDrawnAnew(turned);
+  await page.click('label:has([value=grey])');
+  await statusIs(page, 'hidden · drawn');
+  const svg = await saved(page, '[data-save=svg]');
+  assert.equal(svg.name, 'housing.svg');
+  assert.match(svg.data.toString(), /<g class="hidden" stroke="#a3abb3"/);
+  assert.doesNotMatch(svg.data.toString(), /dasharray/);
+  await page.click('label:has([value=sheet])');
+  await statusIs(page, 'Four views');
+  await page.waitForTimeout(500);
+  await shoot(page, 'sheet');
+  assert.match((await saved(page, '[data-save=dxf]')).data.toString(), /HIDDEN[^]*EOF/);
+  assert.match((await saved(page, '[data-save=pdf]')).data.toString('latin1'), /^%PDF/);
+  await page.fill('#crease', '80');
+  await page.dispatchEvent('#crease', 'change');
+  await page.waitForFunction(() => document.querySelector('#crease-text').textContent === '80°');
+  await page.close();
+});
+
+test('two drawings: five pictures with areas, files', async () => {
+  const page = await openPage();
+  await drop(page, 'bracket.dxf');
+  await statusIs(page, 'Read in');
+  await drop(page, 'gasket.dxf');
+  await page.waitForSelector('.card[data-op=xor]');
+  await page.waitForTimeout(300);
+  await shoot(page, 'drawings');
+  const areas = await page.$$eval('.card .area', (all) => all.map((a) => parseFloat(a.textContent.replaceAll(',', ''))));
+  const [union, both, ab, ba, xor] = areas;
+  assert.ok(Math.abs(union - both - xor) < 0.3 && Math.abs(xor - ab - ba) < 0.3, `${areas}`);
+  const json = JSON.parse((await saved(page, '[data-op=union] button:has-text("GeoJSON")')).data);
+  assert.equal(json.features.length, 1);
+  assert.match((await saved(page, 'button:has-text("All as DXF")')).data.toString(), /intersection[^]*EOF/);
+  await page.click('button:has-text("Swap")');
+  await page.waitForFunction(() => document.querySelector('.operand').textContent.includes('gasket'));
+  await drop(page, 'housing.obj');
+  await statusIs(page, 'visible');
+  assert.ok(await page.isHidden('#regions'));
+  await page.close();
+});
+
+test('broken files say why in a line', async () => {
+  const page = await openPage();
+  const complaint = async (...files) => {
+    await drop(page, ...files);
+    await page.waitForSelector('#alert:not([hidden])');
+    const text = await page.textContent('#alert-text');
+    assert.ok(!text.includes('\n'), text);
+    await page.click('#alert-close');
+    return text;
+  };
+  assert.match(await complaint(file('part.stl', 'solid x\nfacet normal')), /^part\.stl: no triangles/);
+  assert.match(await complaint(file('part.obj', 'v 1 2 x\n')), /^part\.obj:1: /);
+  assert.match(await complaint(file('scene.gltf', '{"asset":')), /^scene\.gltf/);
+  assert.match(await complaint(file('a.dxf', 'AC1027\0binary')), /^a\.dxf/);
+  assert.match(await complaint(file('a.wkt', 'POLYGON ((0 0, 1 1')), /^a\.wkt:1: /);
+  assert.match(await complaint(file('photo.jpg', 'x')), /not known as a drawing/);
+  assert.match(await complaint('bracket.dxf', 'gasket.dxf', 'bracket.dxf'), /two are combined/);
+  await drop(page, file('scene.gltf', '{"asset":'));
+  await page.waitForSelector('#alert:not([hidden])');
+  await shoot(page, 'broken');
+  await drop(page, 'housing.obj');
+  await statusIs(page, 'visible');
+  assert.ok(await page.isHidden('#alert'));
+  await page.close();
+});
+
+test('without WebGL models are drawn all the same', async () => {
+  const page = await openPage();
+  await page.evaluate(() => { HTMLCanvasElement.prototype.getContext = ((old) => function (kind, ...rest) { return kind === '2d' ? old.call(this, kind, ...rest) : null; })(HTMLCanvasElement.prototype.getContext); });
+  await drop(page, 'housing.obj');
+  await statusIs(page, 'visible');
+  assert.match(await page.textContent('#viewer'), /No three-dimensional view/);
+  await page.click('[data-view=front]');
+  await page.waitForFunction(() => document.querySelector('#drawing').dataset.version > 1);
+  await page.close();
+});
+
+test('small and dark screens', async () => {
+  const page = await openPage({ viewport: { width: 390, height: 844 }, colorScheme: 'dark', deviceScaleFactor: 2, hasTouch: true });
+  await shoot(page, 'small-welcome');
+  await page.click('[data-example=housing]');
+  await statusIs(page, 'visible');
+  await page.waitForTimeout(300);
+  await page.screenshot({ path: join(process.env.ZBR_SCREENSHOTS ?? join(root, 'build/web/screenshots'), 'small-model.png'), fullPage: true });
+  const wide = await page.evaluate(() => document.documentElement.scrollWidth > document.documentElement.clientWidth);
+  assert.ok(!wide, 'nothing is cut off at the side');
+  await page.setViewportSize({ width: 1366, height: 800 });
+  await page.waitForTimeout(400);
+  await shoot(page, 'dark-model');
+  await page.close();
+  const plates = await openPage({ colorScheme: 'dark' });
+  await plates.click('[data-example=plates]');
+  await plates.waitForSelector('.card[data-op=xor]');
+  await plates.waitForTimeout(300);
+  await shoot(plates, 'dark-drawings');
+  await plates.close();
+});
+
+// Boxes on a plate, as binary STL.
+function boxes(side) {
+  const data = new DataView(new ArrayBuffer(84 + 50 * 12 * side * side));
+  data.setUint32(80, 12 * side * side, true);
+  const corners = [[0, 2, 1], [1, 2, 3], [4, 5, 6], [5, 7, 6], [0, 1, 4], [1, 5, 4], [2, 6, 3], [3, 6, 7], [0, 4, 2], [2, 4, 6], [1, 3, 5], [3, 7, 5]];
+  let at = 84;
+  for (let k = 0; k < side * side; ++k) {
+    const x = 2 * (k % side), y = 2 * Math.floor(k / side), height = 1 + ((7 * k) % 13);
+    for (const corner of corners) {
+      at += 12;
+      for (const v of corner) {
+        [x + (v & 1), y + ((v >> 1) & 1), height * (v >> 2)].forEach((value) => { data.setFloat32(at, value, true); at += 4; });
+      }
+      at += 2;
+    }
+  }
+  return data;
+}
+
+test('a million triangles do not freeze the page, and can be cancelled', { timeout: 300000 }, async () => {
+  const model = join(scratch, 'boxes.stl');
+  writeFileSync(model, boxes(300));
+  const page = await openPage();
+  await page.evaluate(() => {
+    window.longest = 0;
+    let last = performance.now();
+    setInterval(() => {
+      window.longest = Math.max(window.longest, performance.now() - last);
+      last = performance.now();
+    }, 10);
+  });
+  await page.setInputFiles('#files', model);
+  await page.waitForSelector('#progress:not([hidden])');
+  await page.keyboard.press('Escape');
+  await page.waitForSelector('#progress', { state: 'hidden' });
+  await page.setInputFiles('#files', model);
+  await page.waitForFunction(() => document.querySelector('#stage').textContent === 'removing hidden lines', null, { timeout: 120000 });
+  await shoot(page, 'working');
+  await page.keyboard.press('Escape');
+  await statusIs(page, 'Cancelled');
+  await page.focus('#viewer');
+  await page.keyboard.press('ArrowLeft');
+  await statusIs(page, '1,080,000 triangles.*visible', 240000);
+  const longest = await page.evaluate(() => window.longest);
+  console.log(`longest pause of the page: ${Math.round(longest)} ms; ${await page.textContent('#status')}`);
+  await page.waitForTimeout(1500);
+  await shoot(page, 'million');
+  await page.close();
+});
+
+test('the same bits as the native library', { timeout: 120000 }, async () => {
+  const build = join(root, 'build');
+  const files = await serve(join(build, 'web/web/package'), join(build, 'web/tests/reliability/fingerprint'), join(root, 'web/test'));
+  const page = await browser.newPage();
+  await page.goto(`${files.url}nothing`); // a page of the same origin
+  await page.setContent('<script>Module = { text: "", print(line) { Module.text += line + "\\n"; } };</script>');
+  await page.addScriptTag({ url: `${files.url}zbr-fingerprint.js` });
+  await page.waitForFunction(() => Module.text.split('\n').length > 10, null, { timeout: 100000 });
+  assert.equal(await page.evaluate(() => Module.text), readFileSync(join(root, 'tests/reliability/fingerprint/expected.txt'), 'utf8'));
+  const corpus = process.env.ZBR_POLYGON_CORPUS ?? join(root, '../shared/data/polygons'), native = join(build, 'release/tests/corpus/zbr-corpus');
+  if (existsSync(corpus) && existsSync(native)) {
+    const lines = readdirSync(corpus).filter((name) => name.endsWith('.jsonl'))
+      .flatMap((name) => readFileSync(join(corpus, name), 'utf8').split('\n').filter(Boolean));
+    const ours = await page.evaluate(async ([url, all]) => {
+      const { digestOfRecord } = await import(`${url}digests.js`);
+      const zbr = await (await import(`${url}index.js`)).load();
+      return all.map((line) => digestOfRecord(zbr, line));
+    }, [files.url, lines]);
+    assert.deepEqual(ours.sort(), execFileSync(native, [corpus, '--digest'], { encoding: 'utf8' }).trim().split('\n').sort());
+  }
+  await page.close();
+  files.close();
+});

@@ -1,0 +1,25 @@
+// What the types allow and what they refuse; compiled, not run.
+import load, { toGeoJSON, type Region } from '../../build/web/web/package/index.js';
+import openWorker from '../../build/web/web/package/worker.js';
+
+const zbr = await load();
+const triangle = [[[0, 0], [1, 0], [1, 1]]] as const;
+const region: Region = zbr.union(triangle, { type: 'Polygon', coordinates: [] }, { sources: true, onProgress: (share) => share < 1 });
+const model = zbr.readModel(new Uint8Array(3), { name: 'a.stl' });
+const views: Float64Array[] = model.draw({ views: ['front', { direction: [1, 2, 3] }, { section: 'X=1' }] }).map((d) => d.coords);
+const one: Int32Array = model.draw().lines;
+const files: { svg: string; pdf: Uint8Array } = model.sheet(['svg', 'pdf']);
+const svg: string = model.sheet('svg');
+// @ts-expect-error a misspelt option
+zbr.union([], [], { fil: 'nonzero' });
+// @ts-expect-error no such view
+model.draw({ view: 'up' });
+
+const worker = await openWorker();
+const { signal } = new AbortController();
+const united: Region = await worker.union(triangle, [], { signal, fill: 'nonzero' });
+const area: number = await worker.area(united);
+const remote = await worker.readModel(new Blob([]), { name: 'part.stl', signal });
+const coords: Float64Array = (await remote.draw({ view: 'iso', signal })).coords;
+const { results } = await worker.combineDrawings({ data: new Blob([]) }, { data: 'x' }, { ops: ['xor'], signal });
+export { area, coords, files, one, region, results, svg, toGeoJSON, views };

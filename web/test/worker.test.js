@@ -1,0 +1,44 @@
+// The calls of a worker: the same answers, and signals that end them.
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import { example, load, openWorker } from './package.js';
+
+const plate = [[[0, 0], [10, 0], [10, 10], [0, 10]]];
+const bar = [[[5, 3], [12, 3], [12, 5], [5, 5]]];
+
+// Rings enough to keep a worker busy for seconds.
+const slow = Array.from({ length: 1500 }, (_, k) => [[0, k], [1500, 1500 - k], [1500, 1500.5 - k], [0, k + 0.5]]);
+
+test('answers and errors are those of the calls themselves', async () => {
+  const zbr = await load(), worker = await openWorker();
+  assert.deepEqual(await worker.combine(plate, bar, ['union', 'xor']), zbr.combine(plate, bar, ['union', 'xor']));
+  const data = example('bracket.dxf');
+  assert.deepEqual(await worker.readDrawing({ data: new Blob([data]), name: 'b.dxf' }), zbr.readDrawing({ data, name: 'b.dxf' }));
+  await assert.rejects(worker.union(plate, [[[0, 0], [1, NaN], [1, 1]]]), { name: 'ZbrError', code: 'input', operand: 1, point: 1 });
+  await assert.rejects(worker.union(plate, 3), TypeError);
+  await assert.rejects(worker.union(plate, () => 3), { name: 'DataCloneError' });
+  assert.equal(await worker.area(plate), 100);
+  worker.close();
+  await assert.rejects(worker.area(plate), { code: 'closed' });
+});
+
+test('a signal ends a call at once; models are there again', { timeout: 60000 }, async () => {
+  const worker = await openWorker();
+  const shares = [];
+  const model = await worker.readModel(new Blob([example('housing.obj')]), { name: 'housing.obj', onProgress: (share) => shares.push(share) });
+  assert.ok(shares.length > 0);
+  const drawing = await model.draw({ view: 'top' });
+  const abort = new AbortController();
+  const aborted = worker.union(slow, slow, { fill: 'nonzero', signal: abort.signal });
+  const behind = worker.area(plate);
+  setTimeout(() => abort.abort(), 100);
+  const begin = performance.now();
+  await assert.rejects(aborted, { name: 'AbortError' });
+  assert.equal(await behind, 100);
+  assert.ok(performance.now() - begin < 20000);
+  assert.deepEqual(await model.draw({ view: 'top' }), drawing);
+  await assert.rejects(worker.area(plate, { signal: abort.signal }), { name: 'AbortError' });
+  await model.free();
+  await assert.rejects(model.draw(), { code: 'freed' });
+  worker.close();
+});
