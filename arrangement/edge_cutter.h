@@ -51,23 +51,31 @@ class EdgeCutter {
     return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, -net, origin};
   }
 
-  void MakeVertices(std::span<const DirectedEdge> edges);
+  void NumberVertices();
+  void MergeLines();
+
+  // make_lines.cpp
+  void MakeVertices(std::span<const DirectedEdge> edges);  // fills toPoint_ and vertexOf_
   std::vector<bool> FindRepeated() const;
   void MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand);
   void SortLines();
+
+  // cross_lines.cpp
+  void AppendParts(const CutLine& line, std::vector<std::uint32_t>& hits, std::vector<CutLine>& next) const;
+  std::uint32_t Cross(const CutLine& a, const CutLine& b);
+  ZBR_PT TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT& place) const;
+
+  // thorough_cut.cpp
+  struct PlaceGroups;
+  class CutInOrder;
+  void ThoroughCut();
   bool IsWithinReach(const CutLine& line, std::uint32_t v) const;
   bool PassesCell(const CutLine& line, std::uint32_t v) const;
-  struct PlaceGroups;
   std::uint32_t SpansFor(std::size_t vertices) const;
   BoxTree TreeOverLines(double margin, std::uint32_t spans) const;
   template <class IsHit>
   bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
-  void AppendParts(const CutLine& line, std::vector<std::uint32_t>& hits, std::vector<CutLine>& next) const;
   void AddCrossings();
-  std::uint32_t Cross(const CutLine& a, const CutLine& b);
-  ZBR_PT TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT& place) const;
-  void NumberVertices();
-  void MergeLines();
 
   // quick_cut.cpp
   struct Hit {

@@ -2,7 +2,8 @@
 // nothing but a choice of faces, and its result the border of these. Where the border only passes a vertex, because an edge was led
 // through it or another one ends there, and no second part of the border does, the vertex is left out again: the edge is straight
 // as it was. Nothing comes to cross by that where the vertex lies on the edge but for rounding. Where it lay aside by what the
-// tolerance allows, something may; such a result is arranged once more, as it stands.
+// tolerance allows, something may; such a result is arranged once more, as it stands. So is one of pieces that come nearer to
+// nodes than the points lie that these stand for: then crossings are no new places, but vertices that edges are led through.
 #include "arrangement/overlay.h"
 
 #include <algorithm>
@@ -119,8 +120,14 @@ class Overlay::Assembler {
     return std::move(region_);
   }
   // Whether an edge was made straight past a vertex that lies beside it, or is shorter than the tolerance, as crossings of three
-  // edges in almost one place make them.
-  bool isUnsettled() const { return straightened_ || hasShortEdge_; }
+  // edges in almost one place make them; or two edges came to lie on each other, since what was left out between them was as good
+  // as straight; or an outer ring may lie in a hole that was too narrow.
+  bool IsUnsettled() {
+    constexpr double kLonger = 2.0;  // than the hole, at the most
+    if (shortestOuter_ <= kLonger * longestDropped_) return true;
+    std::sort(crowdedEdges_.begin(), crowdedEdges_.end());
+    return straightened_ || hasShortEdge_ || std::adjacent_find(crowdedEdges_.begin(), crowdedEdges_.end()) != crowdedEdges_.end();
+  }
 
  private:
   std::uint32_t Start(std::uint32_t piece) const { return StartOf(pieces_[piece], sides_[piece]); }
@@ -142,7 +149,6 @@ class Overlay::Assembler {
     std::set_intersection(along_.begin(), along_.end(), sources.begin(), sources.end(), std::back_inserter(common_));
     if (common_.empty()) return false;
     along_.swap(common_);
-    straightened_ = straightened_ || LiesAside(Start(next), overlay_.edges_[along_[0]]);
     return true;
   }
 
@@ -191,34 +197,58 @@ class Overlay::Assembler {
   bool AddRing(std::uint32_t r) {
     const std::span<const std::uint32_t> pieces = rings_.ring(r);
     FindCorners(pieces);
-    if (IsNarrow(pieces)) return false;
+    const bool isHole = rings_.parent[r] != BoundaryRings::kOuter;
+    if (IsNarrow(pieces)) {
+      if (isHole) longestDropped_ = std::max(longestDropped_, perimeter_);
+      return false;
+    }
+    if (!isHole) shortestOuter_ = std::min(shortestOuter_, perimeter_);
     for (std::size_t c = 0; c < corners_.size(); ++c) {
       region_.points.push_back(PointAt(pieces[corners_[c]]));
       if (withSources_) AddSources(pieces, c);
-      const ZBR_PT& next = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
+      const std::uint32_t nextPiece = pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]];
+      NoteCrowded(Start(pieces[corners_[c]]), Start(nextPiece));
+      const ZBR_PT& next = PointAt(nextPiece);
+      NoteLeftOut(pieces, c, {region_.points.back(), next});
       hasShortEdge_ = hasShortEdge_ || region_.points.back().Distance2(next) <= overlay_.tolerance_ * overlay_.tolerance_;
     }
     region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size()));
     return true;
   }
 
+  // What was left out between corner c and the next. The edge is held against it as it is in the result: its ends may lie off the
+  // edge of the input.
+  void NoteLeftOut(std::span<const std::uint32_t> pieces, std::size_t c, const DirectedEdge& edge) {
+    const std::size_t end = corners_[c + 1 < corners_.size() ? c + 1 : 0];
+    const auto after = [&](std::size_t k) { return k + 1 < pieces.size() ? k + 1 : 0; };
+    for (std::size_t k = after(corners_[c]); k != end; k = after(k)) {
+      straightened_ = straightened_ || LiesAside(Start(pieces[k]), edge);
+    }
+  }
+
+  // Only edges between vertices that the border passes more than once can be there twice.
+  void NoteCrowded(std::uint32_t from, std::uint32_t to) {
+    if (passes_[from] < 2 || passes_[to] < 2) return;
+    crowdedEdges_.push_back(std::uint64_t{std::min(from, to)} << 32U | std::max(from, to));
+  }
+
   const ZBR_PT& PointAt(std::uint32_t piece) const { return overlay_.arrangement_.points()[Start(piece)]; }
 
   // The area of a narrow ring is its width times half the way around it. In steps of the grid, where nothing under- or overflows.
-  bool IsNarrow(std::span<const std::uint32_t> pieces) const {
+  bool IsNarrow(std::span<const std::uint32_t> pieces) {
+    perimeter_ = 0.0;
     if (corners_.size() < 3) return true;
     const double perStep = 1.0 / overlay_.arrangement_.step();
     const ZBR_PT& origin = PointAt(pieces[corners_[0]]);
     double twiceArea = 0.0;
-    double perimeter = 0.0;
     ZBR_PT p;
     for (std::size_t c = 0; c < corners_.size(); ++c) {
       const ZBR_PT q = (PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]) - origin) * perStep;
       twiceArea += Cross(p, q);
-      perimeter += p.Distance(q);
+      perimeter_ += p.Distance(q);
       p = q;
     }
-    return !(std::fabs(twiceArea) > overlay_.width_ * perStep * perimeter);
+    return !(std::fabs(twiceArea) > overlay_.width_ * perStep * perimeter_);
   }
 
   // Of the edge from corner c to the next: the input edges that run along the whole of it.
@@ -239,9 +269,13 @@ class Overlay::Assembler {
   bool withSources_;
   bool straightened_ = false;
   bool hasShortEdge_ = false;
-  std::vector<std::uint8_t> passes_;    // by vertex: 1 when the border passes it once, 2 when more often
-  std::vector<std::uint32_t> corners_;  // of the ring in work, as places in its list of pieces
-  std::vector<std::uint32_t> along_;    // edges that the border has run along since its last corner
+  double perimeter_ = 0.0;       // of the last ring, in steps
+  double longestDropped_ = 0.0;  // of narrow holes
+  double shortestOuter_ = std::numeric_limits<double>::infinity();
+  std::vector<std::uint64_t> crowdedEdges_;  // of the result, by their vertices
+  std::vector<std::uint8_t> passes_;         // by vertex: 1 when the border passes it once, 2 when more often
+  std::vector<std::uint32_t> corners_;       // of the ring in work, as places in its list of pieces
+  std::vector<std::uint32_t> along_;         // edges that the border has run along since its last corner
   std::vector<std::uint32_t> common_;
   std::vector<std::uint32_t> runSources_;  // the edges along each of the ring's edges
   std::vector<std::uint32_t> runEnds_;
@@ -266,7 +300,7 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUn
   }
   Assembler assembler(*this, std::move(sides), withSources);
   FlatRegion region = assembler.Run();
-  isUnsettled = assembler.isUnsettled();
+  isUnsettled = assembler.IsUnsettled() || swept_.isTight;
   return region;
 }
 

@@ -64,6 +64,14 @@ class WindingSweep {
     }
   }
 
+  // The sign of SideSign. Notes when p comes very near the line, too.
+  int LookAt(GridPoint from, GridPoint to, GridPoint p) {
+    constexpr double kTight = 2.0;  // steps, by which the points that the ends stand for can move the line
+    const double side = SideProducts(from, to, p).Value();
+    if (side * side <= kTight * kTight * Along(from, to, to)) swept_.isTight = true;
+    return SideSign(from, to, p);
+  }
+
   // Notes when two pieces of the status, the first below the second, cross or touch where they share no vertex.
   void Compare(std::uint32_t lower, std::uint32_t upper) {
     if (!looks_ || lower == SweepStatus::kNone || upper == SweepStatus::kNone) return;
@@ -71,12 +79,11 @@ class WindingSweep {
     const ArrangedPiece& u = pieces_[upper];
     bool isFine = true;
     if (l.from != u.from) {
-      isFine =
-          l.from < u.from ? SideSign(From(lower), To(lower), From(upper)) > 0 : SideSign(From(upper), To(upper), From(lower)) < 0;
+      isFine = l.from < u.from ? LookAt(From(lower), To(lower), From(upper)) > 0 : LookAt(From(upper), To(upper), From(lower)) < 0;
     }
     if (l.to != u.to) {
-      isFine = isFine &&
-               (l.to < u.to ? SideSign(From(upper), To(upper), To(lower)) < 0 : SideSign(From(lower), To(lower), To(upper)) > 0);
+      isFine =
+          isFine && (l.to < u.to ? LookAt(From(upper), To(upper), To(lower)) < 0 : LookAt(From(lower), To(lower), To(upper)) > 0);
     } else {
       isFine = isFine && l.from != u.from;
     }

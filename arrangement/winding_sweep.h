@@ -18,6 +18,9 @@ struct SweptPieces {
   std::vector<std::uint32_t> under;
   // Whether no two pieces cross or overlap and none passes a node; otherwise the sweep has ended there, and the rest says nothing.
   bool isPlanar = true;
+  // Whether a node lies so near a piece that the points that nodes stand for may lie on its other side, as crossings of three edges
+  // in almost one place do. Only noticed after quick care.
+  bool isTight = false;
 };
 
 // Of pieces between the given nodes, sorted by `from`, that meet at nodes only, for sure when the arrangement was made with

@@ -9,10 +9,10 @@
 #include <optional>
 
 #include "boolean/combination.h"
+#include "boolean/counted_rings.h"
 #include "boolean/walk_rings.h"
 #include "core/constants.h"
 #include "core/tolerance_state.h"
-#include "loops/simplicity.h"
 
 namespace zbr {
 namespace {
@@ -75,15 +75,9 @@ std::optional<LoopList> LoopsIn(std::span<const RingSpan> rings, const Frame& fr
 
 // Whether the rings are simple and keep apart.
 bool AreApart(const LoopList& loops) {
-  std::vector<IndexedRing> rings;
-  for (const Polygon& p : PolygonsOf(loops)) {
-    const std::vector<ZBR_PT>& points = (**p.loop).pt();
-    const auto n = static_cast<std::uint32_t>(points.size());
-    rings.push_back({BoxOfRing(points), points.data(), n, 0, n, 0, false});
-  }
-  EdgeIndex index;
-  index.Build(std::move(rings), 0.0, t_tolerance.eps2);
-  return SimplicityOf(index, 0.0) == Simplicity::kSimple;
+  std::vector<RingSpan> rings;
+  for (const Polygon& p : PolygonsOf(loops)) rings.emplace_back((**p.loop).pt());
+  return AreSimple(rings, t_tolerance.eps);
 }
 
 }  // namespace

@@ -88,7 +88,8 @@ bool RectilinearSweep::Prepare(const RegionInput& input, double tolerance) {
   return FindValues(ends_, x, kTolerancesApart * tolerance, xs_);
 }
 
-void RectilinearSweep::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result) {
+bool RectilinearSweep::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result, const std::function<bool(double)>& goesOn) {
+  constexpr std::uint32_t kColumnsBetweenAnswers = 16;
   for (unsigned k = 0; k < isInside_.size(); ++k) isInside_[k] = IsInResult(op, (k & 1U) != 0, (k & 2U) != 0);
   lines_.Reset(ys_.size());
   borders_.Reset(ys_.size());
@@ -97,9 +98,15 @@ void RectilinearSweep::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result) {
   begin_.resize(ys_.size());
   rings_.Start(xs_, ys_);
   std::uint32_t x = 0;
+  bool isOn = true;
+  const auto sweep = [&](std::span<const End> ends) {
+    if (x % kColumnsBetweenAnswers == 0) isOn = isOn && goesOn(x / static_cast<double>(xs_.size()));
+    if (isOn) SweepColumn(x++, ends);
+  };
   ForEachRun(
-      ends_, [](const End& end) { return end.x; }, [&](std::span<const End> ends) { SweepColumn(x++, ends); });
-  rings_.Write(result);
+      ends_, [](const End& end) { return end.x; }, sweep);
+  if (isOn) rings_.Write(result);
+  return isOn;
 }
 
 void RectilinearSweep::SweepColumn(std::uint32_t x, std::span<const End> ends) {

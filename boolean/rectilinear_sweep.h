@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -19,8 +20,9 @@ class RectilinearSweep {
   // False when some ring is not made of horizontal and vertical edges by turns, or when different coordinates come within a few
   // tolerances of each other. The rings may touch, overlap and cross as they like.
   bool Prepare(const RegionInput& input, double tolerance);
-  // After Prepare. What is inside an operand is told by the even-odd rule.
-  void Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result);
+  // After Prepare. What is inside an operand is told by the even-odd rule. Asks now and then whether to go on, with the share that
+  // is done; false when the answer was no.
+  bool Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result, const std::function<bool(double)>& goesOn);
 
  private:
   // A vertex of an operand, as one end of its horizontal edge: the coordinates as sorting takes them, later the number of y.

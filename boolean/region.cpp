@@ -148,6 +148,20 @@ void ZBR_REGION_ACCESS::Set(ZBR_REGION& region, zbr::FlatRegion&& flat, const zb
   if (options.canonical && !IsTooLarge(region)) Canonicalize(region);
 }
 
+void ZBR_REGION_ACCESS::AppendRing(const ZBR_REGION& from, std::size_t ring, std::size_t first, ZBR_REGION& to) {
+  const auto begin = static_cast<std::size_t>(from.ring_offsets_[ring]);
+  const std::size_t n = RingOf(from, ring).size();
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::size_t point = begin + (first + i) % n;
+    to.points_.push_back(from.points_[point]);
+    if (from.source_offsets_.empty()) continue;
+    to.sources_.insert(to.sources_.end(), from.sources_.begin() + from.source_offsets_[point],
+                       from.sources_.begin() + from.source_offsets_[point + 1]);
+    to.source_offsets_.push_back(static_cast<std::int32_t>(to.sources_.size()));
+  }
+  to.ring_offsets_.push_back(static_cast<std::int32_t>(to.points_.size()));
+}
+
 void ZBR_REGION_ACCESS::Canonicalize(ZBR_REGION& region) {
   struct Item {
     std::size_t ring;
@@ -182,19 +196,8 @@ void ZBR_REGION_ACCESS::Canonicalize(ZBR_REGION& region) {
   sorted.polygon_offsets_.push_back(0);
   if (!region.source_offsets_.empty()) sorted.source_offsets_.push_back(0);
   for (const std::size_t p : polygons) {
-    for (std::size_t k = outer(p); k < static_cast<std::size_t>(region.polygon_offsets_[p + 1]); ++k) {
-      const auto begin = static_cast<std::size_t>(region.ring_offsets_[rings[k].ring]);
-      const std::size_t n = RingOf(region, rings[k].ring).size();
-      for (std::size_t i = 0; i < n; ++i) {
-        const std::size_t from = begin + (rings[k].first + i) % n;
-        sorted.points_.push_back(region.points_[from]);
-        if (region.source_offsets_.empty()) continue;
-        sorted.sources_.insert(sorted.sources_.end(), region.sources_.begin() + region.source_offsets_[from],
-                               region.sources_.begin() + region.source_offsets_[from + 1]);
-        sorted.source_offsets_.push_back(static_cast<std::int32_t>(sorted.sources_.size()));
-      }
-      sorted.ring_offsets_.push_back(static_cast<std::int32_t>(sorted.points_.size()));
-    }
+    for (std::size_t k = outer(p); k < static_cast<std::size_t>(region.polygon_offsets_[p + 1]); ++k)
+      AppendRing(region, rings[k].ring, rings[k].first, sorted);
     sorted.polygon_offsets_.push_back(static_cast<std::int32_t>(sorted.ring_count()));
   }
   region = std::move(sorted);

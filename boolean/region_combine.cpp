@@ -88,7 +88,7 @@ class PairWork {
     const int exponent = !isDone && IsWalkable(options) ? ExponentFor(input_.bounds()) : 0;
     if (exponent != 0) input_.Scale(exponent);
     if (!isDone && IsWalkable(options)) {
-      isDone = Walk(walk_, input_, ops, results) || Sweep(ops, results, options) ||
+      isDone = Walk(walk_, input_, ops, results) || Sweep(ops, results, options, progress) ||
                WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
     }
     if (!isDone) CombineByParts(ops, results, options, status, progress);
@@ -105,10 +105,16 @@ class PairWork {
   }
 
  private:
-  // Of operands whose edges are parallel to the axes. Their arrays are not looked at after the first step.
-  bool Sweep(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options) {
+  // Of operands whose edges are parallel to the axes. Their arrays are not looked at after the first step. True also when the
+  // progress function ended it.
+  bool Sweep(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
+             RegionProgress& progress) {
     if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) return false;
-    for (std::size_t k = 0; k < ops.size(); ++k) sweep_.Combine(ops[k], results[k]);
+    const double count = static_cast<double>(ops.size());
+    for (std::size_t k = 0; k < ops.size(); ++k) {
+      const auto goesOn = [&](double share) { return progress.GoesOn((static_cast<double>(k) + share) / count); };
+      if (!sweep_.Combine(ops[k], results[k], goesOn)) break;
+    }
     return true;
   }
 

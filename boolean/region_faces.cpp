@@ -315,20 +315,8 @@ class CellRegion {
 }  // namespace zbr
 
 ZBR_REGION_STATUS zbrTraceFaces(const ZBR_REGION_VIEW& lines, ZBR_REGION& cells, const ZBR_REGION_OPTIONS& options) {
-  ZBR_REGION_STATUS status;
-  zbr::RegionInput input;
-  zbr::RegionProgress progress(options, status);
-  if (!input.Add(lines, status) || !progress.GoesOn(0.0)) {
-    cells.Clear();
-    return status;
-  }
-  status.exact = true;
-  zbr::CellRegion region(input, input.ToleranceFor(options), options.sources);
-  constexpr double kShareOfSearch = 0.6;
-  if (!progress.GoesOn(kShareOfSearch)) {
-    cells.Clear();
-    return status;
-  }
-  ZBR_REGION_ACCESS::SetResult(cells, region.Run(), input, options, status);
-  return status;
+  return zbr::FormOfOne(
+      lines, cells, options,
+      [&](const zbr::RegionInput& input, double tolerance) { return zbr::CellRegion(input, tolerance, options.sources); },
+      [](zbr::CellRegion& region) { return region.Run(); });
 }

@@ -148,9 +148,32 @@ class ZBR_REGION_ACCESS {
   static bool IsTooLarge(const ZBR_REGION& region);
 
  private:
+  // Appends a ring, from one of its points on, with its sources.
+  static void AppendRing(const ZBR_REGION& from, std::size_t ring, std::size_t first, ZBR_REGION& to);
   template <class PointOf>
   static void AddLoop(ZBR_REGION& region, const ZBR_LOOP& loop, PointOf pointOf) {
     for (const ZBR_PT& p : loop.pt()) region.points_.push_back(pointOf(p));
     region.ring_offsets_.push_back(static_cast<std::int32_t>(region.points_.size()));
   }
 };
+
+namespace zbr {
+
+// A call with one operand: `arrange` makes what the result is formed of by `form`.
+template <class Arrange, class Form>
+ZBR_REGION_STATUS FormOfOne(const ZBR_REGION_VIEW& operand, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options, Arrange arrange,
+                            Form form) {
+  constexpr double kShareOfArranging = 0.6;
+  ZBR_REGION_STATUS status;
+  RegionInput input;
+  RegionProgress progress(options, status);
+  if (input.Add(operand, status) && progress.GoesOn(0.0)) {
+    auto arranged = arrange(input, input.ToleranceFor(options));
+    status.exact = true;
+    if (progress.GoesOn(kShareOfArranging)) ZBR_REGION_ACCESS::SetResult(result, form(arranged), input, options, status);
+  }
+  if (status.code != ZBR_REGION_OK) result.Clear();
+  return status;
+}
+
+}  // namespace zbr

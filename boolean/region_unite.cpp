@@ -211,22 +211,11 @@ ZBR_REGION zbrUniteRegions(const std::vector<ZBR_REGION>& regions, const ZBR_REG
 }
 
 ZBR_REGION_STATUS zbrMakeValidRegion(const ZBR_REGION_VIEW& rings, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options) {
-  ZBR_REGION_STATUS status;
-  zbr::RegionInput input;
-  zbr::RegionProgress progress(options, status);
-  if (!input.Add(rings, status) || !progress.GoesOn(0.0)) {
-    result.Clear();
-    return status;
-  }
-  const double tolerance = input.ToleranceFor(options);
-  const zbr::Overlay overlay(input.rings(), input.rings().size(), tolerance, tolerance);
-  status.exact = true;
-  constexpr double kShareOfSearch = 0.6;
-  if (!progress.GoesOn(kShareOfSearch)) {
-    result.Clear();
-    return status;
-  }
-  zbr::FlatRegion flat = overlay.Region([&](zbr::Winding w) { return zbr::IsFilled(options.fill_a, w.of[0]); }, options.sources);
-  ZBR_REGION_ACCESS::SetResult(result, std::move(flat), input, options, status);
-  return status;
+  const auto isFilled = [&](zbr::Winding w) { return zbr::IsFilled(options.fill_a, w.of[0]); };
+  return zbr::FormOfOne(
+      rings, result, options,
+      [](const zbr::RegionInput& input, double tolerance) {
+        return zbr::Overlay(input.rings(), input.rings().size(), tolerance, tolerance);
+      },
+      [&](const zbr::Overlay& overlay) { return overlay.Region(isFilled, options.sources); });
 }

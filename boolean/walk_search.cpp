@@ -73,16 +73,16 @@ bool WalkSearch::AreRingsClear(std::span<const Edge> ring, const Box& bounds, st
   std::array<Edge, WalkRings::kSmall> near;
   std::size_t count = 0;
   const auto read = [&](std::span<const Edge> edges, const Box& around) {
-    const std::size_t first = count;
+    const std::size_t begin = count;
     for (const Edge& e : edges) {
       near[count] = e;
       count += Overlap(e.box, around) ? 1U : 0U;
     }
-    return std::span<const Edge>(near).subspan(first, count - first);
+    return std::span<const Edge>(near).subspan(begin, count - begin);
   };
-  const std::span<const Edge> nearOther = read(ring, otherBounds);
-  const std::span<const Edge> nearRing = read(other, bounds);
-  return nearOther.empty() || nearRing.empty() || ArePairsClear(nearOther, nearRing);
+  const std::span<const Edge> first = read(ring, otherBounds);
+  const std::span<const Edge> second = read(other, bounds);
+  return first.empty() || second.empty() || ArePairsClear(first, second);
 }
 
 // The edges of a leaf that come near the box, their own boxes widened by the margin. Which do is as good as random, so there is no

@@ -1,7 +1,7 @@
 # Toolchain: WebAssembly by Emscripten, from Debian's package or wherever em++ is; run by node or a browser.
 find_program(ZBR_EMXX em++ REQUIRED)
 execute_process(COMMAND em-config EMSCRIPTEN_ROOT OUTPUT_VARIABLE ZBR_EMSCRIPTEN OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "Flags of optimised code")  # -O3 is a third larger and no faster
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "Flags of optimised code")
 include(${ZBR_EMSCRIPTEN}/cmake/Modules/Platform/Emscripten.cmake)
 set(CMAKE_CROSSCOMPILING_EMULATOR node)
 

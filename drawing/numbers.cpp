@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <limits>
 
 #if !defined(__cpp_lib_to_chars)
 #include <locale.h>
@@ -82,6 +84,22 @@ std::string RoundedText(double value, int digits) {
 }
 std::string FixedText(double value, int decimals) {
   return Formatted(value, std::chars_format::fixed, decimals);
+}
+
+double PowerOfTen(int exponent) {
+  constexpr int kInvertible = 308;
+  if (exponent < -kInvertible) return PowerOfTen(-kInvertible) / PowerOfTen(-kInvertible - exponent);
+  double power = 1.0;
+  for (int n = std::abs(exponent); n > 0; --n) power *= 10.0;
+  return exponent < 0 ? 1.0 / power : power;
+}
+
+int DecimalExponent(double value) {
+  if (!std::isfinite(value)) return std::numeric_limits<double>::max_exponent10 + 1;
+  int exponent = static_cast<int>(std::floor(std::log10(value)));  // may be off by one beside a power
+  while (PowerOfTen(exponent) > value) --exponent;
+  while (PowerOfTen(exponent + 1) <= value) ++exponent;
+  return exponent;
 }
 
 std::string Quoted(std::string_view token) {

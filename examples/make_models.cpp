@@ -1,6 +1,7 @@
-// Makes the two example models: a bearing housing, in millimetres, and a house of several bodies, in metres.
+// Makes the example models: a bearing housing, in millimetres, a house of several bodies, in metres, and two of bodies with round
+// surfaces that pass through each other.
 //
-//   zbr-make-models FOLDER     writes housing.obj and house.obj
+//   zbr-make-models FOLDER     writes housing.obj, house.obj, cover.obj and cone.obj
 //
 // The files are OBJ, the plainest of the formats that every modelling program reads. Numbers have fixed decimals, so the bytes are
 // the same on every machine.
@@ -43,7 +44,9 @@ int main(int argc, char** argv) {
   }
   const std::string folder = std::string(argv[1]) + "/";
   return WriteFile(folder + "housing.obj", Obj("Bearing housing, millimetres", example::Housing())) &&
-                 WriteFile(folder + "house.obj", Obj("House, metres", example::House()))
+                 WriteFile(folder + "house.obj", Obj("House, metres", example::House())) &&
+                 WriteFile(folder + "cover.obj", Obj("Cover with fillets, millimetres", example::Cover())) &&
+                 WriteFile(folder + "cone.obj", Obj("Cone through a sphere", example::ConeThroughSphere()))
              ? 0
              : 2;
 }

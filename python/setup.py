@@ -1,6 +1,7 @@
 """Builds the extension module by the CMake project that the package is part of, and puts it into the package.
 
-ZBR_PYTHON_BUILD names the build tree, by default build/python of the project; what is up to date there is not built again.
+ZBR_PYTHON_BUILD names a build tree of the project to be used as it is configured; else there is one of its own, build/python. What is
+up to date is not built again.
 """
 
 import os
@@ -22,8 +23,9 @@ SCRATCH.mkdir(parents=True)
 
 class BuildByCMake(build_ext):
     def build_extension(self, ext: Extension) -> None:
-        configure = ["cmake", "-S", PROJECT, "-B", TREE, "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF"]
-        configure += ["-DBUILD_SHARED_LIBS=OFF", "-DZBR_BUILD_PYTHON=ON", f"-DPython_EXECUTABLE={sys.executable}"]
+        configure = ["cmake", "-S", PROJECT, "-B", TREE, "-DZBR_BUILD_PYTHON=ON", f"-DPython_EXECUTABLE={sys.executable}"]
+        if "ZBR_PYTHON_BUILD" not in os.environ:
+            configure += ["-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF", "-DBUILD_SHARED_LIBS=OFF"]
         if shutil.which("ninja") and not (TREE / "CMakeCache.txt").exists():
             configure += ["-G", "Ninja"]
         subprocess.run(configure, check=True)

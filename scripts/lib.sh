@@ -9,9 +9,10 @@ check_packages=("${build_packages[@]}" binutils pkg-config clang libclang-rt-dev
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 googletest binutils)
 web_packages=(emscripten nodejs node-acorn cmake ninja-build nlohmann-json3-dev)
 page_packages=(chromium fonts-dejavu-core)
-lint_packages=("${check_packages[@]}" clang-tidy cppcheck)
-python_packages=(g++ cmake ninja-build nlohmann-json3-dev python3-dev python3-venv python3-pip python3-setuptools python3-wheel
-                 python3-numpy python3-pytest python3-hypothesis python3-shapely python3-ezdxf python3-matplotlib python3-mypy)
+lint_packages=("${check_packages[@]}" clang-tidy cppcheck python3-dev)
+python_packages=(python3-dev python3-venv python3-pip python3-setuptools python3-wheel python3-numpy python3-pytest python3-hypothesis
+                 python3-shapely python3-ezdxf python3-matplotlib python3-mypy python3-nbclient python3-nbformat python3-ipykernel
+                 python3-distributed)
 bench_packages=(g++ cmake ninja-build python3 libbenchmark-dev libpolyclipping-dev libgeos-dev libboost-dev nlohmann-json3-dev
                 libocct-modeling-algorithms-dev libocct-modeling-data-dev libocct-foundation-dev libcgal-dev libopenmesh-dev)
 

@@ -77,8 +77,9 @@ class Beside {
   template <class Use>
   void ForEachPiece(const ZBR_SEG& g, Use use) const {
     const ZBR_PT along = g.e() - g.s();
-    const double count = std::ceil(along.Length() / piece_);
-    for (double k = 0.0; k < count; k += 1.0) use(g.s() + along * (k / count), g.s() + along * ((k + 1.0) / count));
+    const auto count = static_cast<std::size_t>(std::ceil(along.Length() / piece_));
+    const auto at = [&](std::size_t k) { return g.s() + along * (static_cast<double>(k) / static_cast<double>(count)); };
+    for (std::size_t k = 0; k < count; ++k) use(at(k), at(k + 1));
   }
   bool IsLong(const ZBR_SEG& g) const { return g.s().Distance(g.e()) > short_; }
 

@@ -362,6 +362,11 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
       "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is switched off",
       "STYLE");
+  AddChoice(
+      command, "--silhouettes", draw_.silhouettes, {"facets", "smooth"},
+      "Where curved surfaces turn away: along edges of their facets, or on the smooth surface that they stand for; by default "
+      "smooth for scans, whose creases are rough, else facets",
+      "KIND");
   AddChoice(command, "--curves", draw_.curves, {"on", "off"},
             "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");
   command

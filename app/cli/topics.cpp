@@ -114,6 +114,10 @@ An edge of a triangle is drawn when it is a border (of one triangle), a crease (
 tangent (a fillet or another bent face ends there); and lines are drawn where surfaces pass through each other. Triangles that
 share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
 
+--eye X,Y,Z adds a perspective from that point to the middle of the model, or along --look. --centre-lines marks circles and
+axes. Scans, whose creases end nowhere, show creases that can be followed for some way, and smooth silhouettes
+(--silhouettes).
+
 --section PLANE adds a section: X=10, Y=10 and Z=10 are seen as the views right, front and top are (with y up, Z from the
 front, Y from above); 1,0,1=7.5 is the plane at the distance 7.5 from the origin in that direction, seen from there; X=5..20
 leaves what lies between two planes. Cut faces are hatched; the first view that sees the plane edge-on shows where it is.
@@ -125,9 +129,9 @@ from the left on its right; in third-angle projection it is the other way round.
 corner. All views have the same scale; SVG, PDF and DXF are in millimetres on paper:
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
-  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME
-  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE; with sections SECTION,
-        HATCHING and CENTER (cutting planes)
+  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME, and where needed HATCHING and CENTER
+  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE; with sections SECTION
+        and HATCHING, CENTER for cutting planes and centre lines
   JSON  every line with its points, in the unit of the model, and the edges it is part of
 
 Edges that are chords of one circle are drawn as what they stand for: circles, ellipses and arcs. A chord spans at
@@ -139,7 +143,8 @@ edges as they are.
 below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.
 
 Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
-second; 3 stands for a line across the triangle, where the shell "other" passes through it. Shells are numbered from 0 in the order of their first triangles. 'zbr pick' uses the same numbers.
+second; 3 stands for a line across the triangle, where the shell "other" passes through it. Shells are numbered from
+0 in the order of their first triangles. 'zbr pick' uses the same numbers.
 )";
 
 constexpr const char* kExit =

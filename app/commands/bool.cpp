@@ -198,7 +198,10 @@ int RunBool(const BoolOptions& options) {
   run.loaded = Load(inputs, options.input, progress, OperandsOf(options, inputs.size()));
   stats.Stage("read", watch.Lap());
 
-  for (const Contours& contours : run.loaded.contours) run.regions.push_back(LoadRegion(contours, options.input, progress));
+  for (const Contours& contours : run.loaded.contours) {
+    run.regions.push_back(LoadRegion(contours, options.input, progress));
+    if (contours.rings.empty()) progress.Note(contours.file + ": note: holds no region");
+  }
   stats.Stage("check", watch.Lap());
 
   progress.Stage("combining");

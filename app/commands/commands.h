@@ -103,8 +103,9 @@ struct DrawOptions {
   std::string format;  // of outputs whose names do not tell
   double crease = 30.0;
   double weld = 0.0;
-  double contact = -1.0;  // negative: from the coordinates
-  unsigned jobs = 0;      // 0: as many as there are processors
+  double contact = -1.0;    // negative: from the coordinates
+  unsigned jobs = 0;        // 0: as many as there are processors
+  std::string silhouettes;  // "smooth" or "facets"; empty: by the model
   bool centreLines = false;
   bool fill = false;
   bool stats = false;

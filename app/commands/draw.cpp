@@ -33,6 +33,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.intersections = plan.intersections;
   options.tangents = plan.tangents;
   options.curves = plan.curves;
+  options.smoothSilhouettes = plan.silhouettes == "smooth" || (plan.silhouettes.empty() && model.isRough);
   options.centreLines = plan.centreLines;
   options.outlines = plan.fill;
   options.threads = plan.threads;
@@ -103,7 +104,9 @@ void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
 void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
   constexpr double kUsual = 30.0;
   if (options.crease == kUsual && HasRoughCreases(model))
-    progress.Note(file + ": note: many creases end nowhere, as the roughness of a scanned surface does; --crease 60 draws fewer");
+    progress.Note(file +
+                  ": note: many creases end nowhere, as the roughness of a scanned surface does; short ones are left out, --crease "
+                  "60 draws fewer");
 }
 
 }  // namespace

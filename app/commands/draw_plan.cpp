@@ -104,6 +104,7 @@ DrawPlan PlanDraw(const DrawOptions& options) {
                                            : HiddenLines::kInAllViews;
   plan.intersections = options.intersections == "on";
   plan.tangents = options.tangent != "none";
+  plan.silhouettes = options.silhouettes;
   plan.centreLines = options.centreLines;
   plan.fill = options.fill;
   return plan;

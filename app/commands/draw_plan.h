@@ -30,6 +30,7 @@ struct DrawPlan {
   HiddenLines hidden = HiddenLines::kInPrincipalViews;
   bool intersections = true;
   bool tangents = true;
+  std::string silhouettes;  // empty: smooth ones of scans alone
   bool centreLines = false;
   bool fill = false;
 };

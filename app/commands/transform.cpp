@@ -51,6 +51,12 @@ int RunTransform(const TransformOptions& options) {
     for (double& z : path.heights) z *= options.placement.scale;
     if (!IsFinite(path)) FailAt(options.file, path.line, "a coordinate overflows");
   }
+  const auto isFlattened = [](const Path& path) {
+    return !path.curves.empty() && std::any_of(path.heights.begin(), path.heights.end(), [](double z) { return z != 0; });
+  };
+  if (const auto count = std::count_if(drawing.paths.begin(), drawing.paths.end(), isFlattened); count > 0)
+    progress.Note(options.file + ": note: " + std::to_string(count) + (count == 1 ? " contour" : " contours") +
+                  " with curves put to height 0");
   OutputFiles files;
   for (const OutputPlan& plan : plans) {
     files.Add(plan.file, isDxf(plan) ? WriteDxf(drawing, options.input.writing.dxf.version)

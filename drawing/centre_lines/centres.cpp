@@ -1,6 +1,7 @@
 // Which circles a view draws is told by the edges of its lines; those with one axis are taken together.
 #include <zbr-drawing/centres.h>
 
+#include <zbr-drawing/trigonometry.h>
 #include <zbr-drawing/view_lines.h>
 
 #include <algorithm>
@@ -25,14 +26,14 @@ std::vector<double> TurnsOf(const Model& model, const Circles& circles) {
       const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + static_cast<std::size_t>(e)];
       if (k == kNoCircle) continue;
       const double chord = shell.GetEdge(e)->GetVertex0()->GetPt().Distance(shell.GetEdge(e)->GetVertex1()->GetPt());
-      turns[k] += 2 * std::asin(std::min(chord / (2 * circles.all[k].radius), 1.0));
+      turns[k] += 2 * Asin(std::min(chord / (2 * circles.all[k].radius), 1.0));
     }
   }
   return turns;
 }
 
-// The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place; then
-// the silhouettes of the cylinder tell of them, whose triangles are at its rims.
+// The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place;
+// then the silhouettes of the cylinder tell of them, whose triangles are at its rims.
 std::vector<bool> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
   std::uint32_t most = 0;
   for (const std::uint32_t t : model.source) most = std::max(most, t);

@@ -1,4 +1,5 @@
 #include <zbr-drawing/affine.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <cmath>
 #include <memory>
@@ -9,7 +10,7 @@ ZBR_PT Direction(double degrees) {
   constexpr double kPi = 3.141592653589793;
   const double turn = std::fmod(degrees, 360.0);
   const double quarters = turn / 90.0;
-  if (quarters != std::floor(quarters)) return {std::cos(turn * kPi / 180.0), std::sin(turn * kPi / 180.0)};
+  if (quarters != std::floor(quarters)) return {Cos(turn * kPi / 180.0), Sin(turn * kPi / 180.0)};
   constexpr double kCosine[] = {1.0, 0.0, -1.0, 0.0};
   const int quarter = (static_cast<int>(quarters) + 4) % 4;
   return {kCosine[quarter], kCosine[(quarter + 3) % 4]};

@@ -3,10 +3,13 @@
 // get them. Between two places where something happens there is at least one vertex more, so that thin lenses do not collapse.
 #include "drawing/contours/carriers.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <deque>
 #include <limits>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <set>
@@ -27,7 +30,7 @@ constexpr double kLeastLensSnaps = 100;
 constexpr double kNearVertex = 0.01;  // of a step: fixed parameters this close to a place are left out for it
 
 double Length(const ZBR_PT& v) {
-  return std::hypot(v.x(), v.y());
+  return Hypot(v.x(), v.y());
 }
 
 double LongestAxis(const Curve& curve) {
@@ -45,7 +48,7 @@ double Wrapped(double t) {
 int ChordsPerTurn(const Curve& curve, double deviation) {
   const double radius = LongestAxis(curve);
   if (!(radius > 0 && radius < std::numeric_limits<double>::infinity())) return 4;  // coordinates that overflow are told later
-  const double step = 2.0 * std::acos(std::clamp(1.0 - deviation / radius, -1.0, 1.0));
+  const double step = 2.0 * Acos(std::clamp(1.0 - deviation / radius, -1.0, 1.0));
   return 4 * static_cast<int>(std::ceil(std::clamp(kFullTurn / step, kLeastPerTurn, kMostPerTurn) / 4.0));
 }
 
@@ -73,6 +76,15 @@ Curve ShapeOf(const Curve& curve) {
 
 auto KeyOf(const Curve& c) {
   return std::tuple(c.centre.x(), c.centre.y(), c.u.x(), c.u.y(), c.v.x(), c.v.y());
+}
+
+// All that tells a spline from others.
+std::vector<double> NumbersOf(const Spline& spline) {
+  std::vector<double> numbers = {static_cast<double>(spline.degree)};
+  for (const ZBR_PT& p : spline.control) numbers.insert(numbers.end(), {p.x(), p.y()});
+  numbers.insert(numbers.end(), spline.knots.begin(), spline.knots.end());
+  numbers.insert(numbers.end(), spline.weights.begin(), spline.weights.end());
+  return numbers;
 }
 
 // Of circles that come by ascending centres, those whose centres are not yet too far to the left, by the height of their centres.
@@ -133,7 +145,7 @@ double Carriers::Canonical(std::uint32_t carrier, double t) const {
 
 double Carriers::ParameterOf(std::uint32_t carrier, const ZBR_PT& p) const {
   const ZBR_PT d = p - curves_[carrier].centre;
-  return std::atan2(d.y(), d.x());
+  return Atan2(d.y(), d.x());
 }
 
 std::uint32_t Carriers::AddCarrier(const Curve& curve, bool isCircle) {
@@ -157,6 +169,7 @@ std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
   std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return KeyOf(shapes[a]) < KeyOf(shapes[b]); });
   std::vector<Stretch> stretches(curves.size());
   RecentCircles recent(curves_, kSameCircle * largest);
+  std::map<std::vector<double>, std::uint32_t> splines;
   for (const std::size_t i : order) {
     const Curve& shape = shapes[i];
     const bool isCircle = shape.IsCircular();
@@ -165,6 +178,10 @@ std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
     const bool isRepeat = !isCircle && shape.spline == nullptr && !curves_.empty() && curves_.back().spline == nullptr &&
                           KeyOf(curves_.back()) == KeyOf(shape);
     if (isRepeat) carrier = static_cast<std::uint32_t>(curves_.size() - 1);
+    if (shape.spline != nullptr) {
+      const auto [known, isNew] = splines.try_emplace(NumbersOf(*shape.spline), static_cast<std::uint32_t>(curves_.size()));
+      if (!isNew) carrier = known->second;
+    }
     if (!carrier) {
       carrier = AddCarrier(shape, isCircle);
       if (isCircle) recent.Add(*carrier);

@@ -200,9 +200,36 @@ class ChordMaker {
   bool Separate(const Edge& a, const Edge& b, const ZBR_PT& place) {
     const Edge &first = a.origin.curve >= 0 ? a : b, &second = a.origin.curve >= 0 ? b : a;
     const bool isKnown = IsCircle(first) && (second.origin.curve < 0 || IsCircle(second));
+    if (!isKnown && second.origin.curve >= 0) {
+      const bool isNewOnFirst = Share(first, second), isNewOnSecond = Share(second, first);
+      if (isNewOnFirst || isNewOnSecond) return true;
+      if (RunsAlong(first, second)) return false;
+    }
     if (!isKnown && AddCrossing(first, second, place)) return true;
     const bool halvedFirst = Halve(first), halvedSecond = Halve(second);
     return halvedFirst || halvedSecond;
+  }
+
+  // Ends of b that lie on the curve of a become vertices of it: so chords of curves along each other, as those of a drawing and of
+  // what was cut from it before, end in the same places.
+  bool Share(const Edge& a, const Edge& b) {
+    const auto carrier = static_cast<std::uint32_t>(a.origin.curve);
+    bool any = false;
+    for (const ZBR_PT& p : {b.from, b.to}) {
+      if (a.HasEnd(p, snap_ / 2)) continue;
+      const double t = NearestParameter(carriers_.curve(carrier), p, a.ParameterAt(p));
+      if (a.Holds(t) && carriers_.curve(carrier).At(t).Distance(p) <= snap_) any |= AddTo(a, t, p);
+    }
+    return any;
+  }
+
+  // Whether both have the same ends, and the middle of one is on the curve of the other.
+  bool RunsAlong(const Edge& a, const Edge& b) const {
+    if (!b.HasEnd(a.from, snap_) || !b.HasEnd(a.to, snap_)) return false;
+    const Curve &curve = carriers_.curve(static_cast<std::uint32_t>(a.origin.curve)),
+                &other = carriers_.curve(static_cast<std::uint32_t>(b.origin.curve));
+    const ZBR_PT middle = curve.At((a.origin.t0 + a.origin.t1) / 2);
+    return other.At(NearestParameter(other, middle, b.ParameterAt(middle))).Distance(middle) <= snap_;
   }
 
   bool IsCircle(const Edge& edge) const {
@@ -242,11 +269,15 @@ class ChordMaker {
 
   bool Halve(const Edge& edge) {
     constexpr double kShortest = 16;  // snaps
-    if (edge.origin.curve < 0 || edge.from.Distance(edge.to) < kShortest * snap_) return false;
+    const double length = edge.from.Distance(edge.to);
+    if (edge.origin.curve < 0 || length < kShortest * snap_) return false;
     const auto carrier = static_cast<std::uint32_t>(edge.origin.curve);
     const double t = (edge.origin.t0 + edge.origin.t1) / 2;
+    const ZBR_PT middle = carriers_.curve(carrier).At(t);
+    // A chord that is all but the curve gains nothing, and on a nearly flat ellipse there are many.
+    if (std::abs((edge.to - edge.from).OuterProduct(middle - edge.from)) <= snap_ / 2 * length) return false;
     if (!halved_.insert({carrier, t}).second) return false;
-    carriers_.AddVertex(carrier, t, carriers_.curve(carrier).At(t));
+    carriers_.AddVertex(carrier, t, middle);
     return true;
   }
 

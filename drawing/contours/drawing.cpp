@@ -1,5 +1,6 @@
 // Points of curves, and boxes.
 #include <zbr-drawing/drawing.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +11,7 @@ namespace zbr::drawing {
 
 ZBR_PT Curve::At(double t) const {
   if (spline != nullptr) return spline->At(t);
-  return centre + u * std::cos(t) + v * std::sin(t);
+  return centre + u * Cos(t) + v * Sin(t);
 }
 
 bool Curve::IsCircular() const {
@@ -25,11 +26,11 @@ Curve OnAxes(const Curve& ellipse) {
   const ZBR_PT &p = ellipse.u, &q = ellipse.v;
   const double across = 2 * (p.x() * q.x() + p.y() * q.y());
   const double difference = p.x() * p.x() + p.y() * p.y() - q.x() * q.x() - q.y() * q.y();
-  double start = across == 0 && difference >= 0 ? 0.0 : std::atan2(across, difference) / 2;
+  double start = across == 0 && difference >= 0 ? 0.0 : Atan2(across, difference) / 2;
   Curve turned = ellipse;
   if (start != 0) {
-    turned.u = p * std::cos(start) + q * std::sin(start);
-    turned.v = q * std::cos(start) - p * std::sin(start);
+    turned.u = p * Cos(start) + q * Sin(start);
+    turned.v = q * Cos(start) - p * Sin(start);
     if (start == kQuarter) {  // no rounding for axes that are only exchanged
       turned.u = q;
       turned.v = p * -1.0;

@@ -26,11 +26,10 @@ bool IsInRange(const ZBR_PT3& p) {
   return std::abs(p.x()) <= kLargest && std::abs(p.y()) <= kLargest && std::abs(p.z()) <= kLargest;
 }
 
-// How far along its edge of the path the start of chord k lies.
-double PartOf(const ChordLine& chords, std::size_t k) {
-  std::size_t first = k, end = k + 1;
-  while (first > 0 && chords.edges[first - 1] == chords.edges[k]) --first;
-  while (end < chords.edges.size() && chords.edges[end] == chords.edges[k]) ++end;
+// How far along its edge of the path the start of chord k lies; the edge's chords are those from `first` on.
+double PartOf(const ChordLine& chords, std::size_t k, std::size_t first) {
+  const auto after = std::upper_bound(chords.edges.begin() + static_cast<std::ptrdiff_t>(k), chords.edges.end(), chords.edges[k]);
+  const auto end = static_cast<std::size_t>(after - chords.edges.begin());
   const EdgeOrigin &start = chords.origins[first], &last = chords.origins[end - 1];
   if (start.curve >= 0 && last.t1 != start.t0) return (chords.origins[k].t0 - start.t0) / (last.t1 - start.t0);
   const ZBR_PT &from = chords.points[first], &to = chords.points[end < chords.points.size() ? end : 0];
@@ -41,16 +40,18 @@ double PartOf(const ChordLine& chords, std::size_t k) {
 SpaceLine LineOf(const Path& path, ChordLine& chords) {
   SpaceLine line{{}, path.layer, {}, {}, path.lineType, path.colour};
   const bool hasEdges = !chords.edges.empty();
+  std::size_t first = 0;  // chord of the edge
   for (std::size_t k = 0; k < chords.points.size(); ++k) {
     const ZBR_PT& p = chords.points[k];
     const bool isStart = !hasEdges || k >= chords.edges.size() || k == 0 || chords.edges[k] != chords.edges[k - 1];
     const std::size_t i = !hasEdges ? k : (k < chords.edges.size() ? chords.edges[k] : path.points.size() - 1);
     const double z = HeightOf(path, i);
+    if (isStart) first = k;
     if (path.heights.empty() || isStart) {
       line.points.emplace_back(p.x(), p.y(), z);
       continue;
     }
-    const double next = HeightOf(path, i + 1 < path.points.size() ? i + 1 : 0), part = PartOf(chords, k);
+    const double next = HeightOf(path, i + 1 < path.points.size() ? i + 1 : 0), part = PartOf(chords, k, first);
     line.points.emplace_back(p.x(), p.y(), z + (next - z) * part);
   }
   line.origins = std::move(chords.origins);

@@ -238,4 +238,18 @@ bool FindCrossing(const Curve& a, const CutLine& line, double& t, double& s, ZBR
   return FindZero([&](double x) { return a.At(x); }, [&](double x) { return line.from + (line.to - line.from) * x; }, t, s, at);
 }
 
+double NearestParameter(const Curve& curve, const ZBR_PT& p, double t) {
+  constexpr int kRounds = 8;
+  constexpr double kStep = 1e-6, kDone = 1e-15;
+  for (int round = 0; round < kRounds; ++round) {
+    const ZBR_PT along = (curve.At(t + kStep) - curve.At(t - kStep)) * (0.5 / kStep);
+    const double length2 = Dot(along, along);
+    if (!(length2 > 0)) break;
+    const double step = Dot(p - curve.At(t), along) / length2;
+    t += step;
+    if (!(std::abs(step) > kDone * (1 + std::abs(t)))) break;
+  }
+  return t;
+}
+
 }  // namespace zbr::drawing

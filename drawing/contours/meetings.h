@@ -24,4 +24,7 @@ void FindMeetings(std::vector<CutLine>& lines, const std::vector<Stretch>& stret
 bool FindCrossing(const Curve& a, const Curve& b, double& t, double& s, ZBR_PT& at);
 bool FindCrossing(const Curve& a, const CutLine& line, double& t, double& s, ZBR_PT& at);
 
+// The parameter of the point of a curve that is nearest to a place next to it, searched from t.
+double NearestParameter(const Curve& curve, const ZBR_PT& p, double t);
+
 }  // namespace zbr::drawing

@@ -1,5 +1,7 @@
 #include "drawing/curves/seen_circles.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -65,7 +67,7 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
     const double length2 = along.Length2();
     const double t = length2 > 0 ? std::clamp((p - a).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;
     const ZBR_PT3 q = from * (1.0 - t) + to * t;
-    return std::atan2(q.InnerProduct(seen.y), q.InnerProduct(seen.x));
+    return Atan2(q.InnerProduct(seen.y), q.InnerProduct(seen.x));
   };
   segment.circle = circle;
   segment.t0 = angle(segment.segment.s());

@@ -1,5 +1,7 @@
 #include "drawing/intersections/convex.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <cmath>
 #include <vector>
 
@@ -25,7 +27,7 @@ bool BendsOutwards(const Model& model, const Connectivity& mesh, std::uint32_t e
 }
 
 double Angle(const ZBR_PT3& u, const ZBR_PT3& v) {
-  return std::atan2(u.OuterProduct(v).Length(), u.InnerProduct(v));
+  return Atan2(u.OuterProduct(v).Length(), u.InnerProduct(v));
 }
 
 // Around a point of a convex body the angles of the triangles sum up to less than a turn; where the surface winds round twice, to

@@ -5,6 +5,8 @@
 // get the class that the gap's two sides give them.
 #include "drawing/model/edge_classes.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -117,7 +119,7 @@ void SetNormals(Model& model) {
 }
 
 void ShowEdges(Model& model, double creaseDegrees) {
-  const double limit = std::cos(std::clamp(creaseDegrees + kAngleSlack, 0.0, 180.0) * kPi / 180.0);
+  const double limit = Cos(std::clamp(creaseDegrees + kAngleSlack, 0.0, 180.0) * kPi / 180.0);
   for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
     ZBR_ZBREPS& shell = *model.body.GetShell(static_cast<int>(s));
     const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];

@@ -13,6 +13,7 @@
 
 #include "drawing/model/edge_classes.h"
 #include "drawing/model/records.h"
+#include "drawing/model/rough_creases.h"
 #include "drawing/model/tangents.h"
 #include "drawing/model/weld.h"
 
@@ -231,6 +232,8 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
   ShowEdges(model, creaseDegrees);
   FindFacing(model);
   NoteTangents(model);
+  model.isRough = AreCreasesRough(model);
+  if (model.isRough) TidyRoughCreases(model, creaseDegrees);
   FindObjects(mesh.objects, model);
   return model;
 }

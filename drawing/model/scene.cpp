@@ -127,7 +127,9 @@ class SceneMaker {
       ++borders_;
     } else {
       const std::size_t u = first / 3, k = first % 3;
-      const EdgeClass drawn = edge.GetShow() ? EdgeClass::kCrease : SmoothClass(t, u, note);
+      EdgeClass drawn = edge.GetShow() ? EdgeClass::kCrease : SmoothClass(t, u, note);
+      // Along the silhouette of a rough surface edges are creases here and there, which shall not divide it.
+      if (model_.isRough && edge.GetShow() && SmoothClass(t, u, note) == EdgeClass::kSilhouette) drawn = EdgeClass::kSilhouette;
       SetSide(t, i, static_cast<int>(u), static_cast<int>(k), drawn);
       SetSide(u, k, static_cast<int>(t), static_cast<int>(i), drawn);
       --borders_;

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/model/rough_creases.h"
 
 namespace zbr::drawing {
 namespace {
@@ -69,25 +70,7 @@ ShellSurvey SurveyShell(const Model& model, std::size_t s) {
 }  // namespace
 
 bool HasRoughCreases(const Model& model) {
-  constexpr std::size_t kFewest = 200, kCreasesPerEnd = 12;
-  std::size_t creases = 0, loose = 0;
-  std::vector<std::uint8_t> lines;  // that end at each vertex, two standing for more
-  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
-    const ZBR_ZBREPS& shell = model.Shell(s);
-    lines.assign(static_cast<std::size_t>(shell.GetVertexCnt()), 0);
-    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
-      const ZBR_ZBREPE& edge = *shell.GetEdge(e);
-      const EdgeClass edgeClass = model.Class(s, edge);
-      if (edgeClass == EdgeClass::kSmooth) continue;
-      if (edgeClass == EdgeClass::kCrease) ++creases;
-      for (const int v : {edge.GetV0(), edge.GetV1()}) {
-        std::uint8_t& count = lines[static_cast<std::size_t>(v)];
-        count = count == 0 ? 1 : 2;
-      }
-    }
-    loose += static_cast<std::size_t>(std::count(lines.begin(), lines.end(), 1));
-  }
-  return creases >= kFewest && loose * kCreasesPerEnd >= creases;
+  return model.isRough || AreCreasesRough(model);
 }
 
 Survey MakeSurvey(const Model& model) {

@@ -1,6 +1,7 @@
 // De Casteljau's scheme in homogeneous coordinates: its last but one round gives the derivative, its edges give both halves.
 #include "drawing/regions/bezier.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "drawing/regions/gauss.h"
@@ -54,7 +55,8 @@ std::pair<Bezier, Bezier> Bezier::Halves() const {
     last.push_back(points[count - 1]);
     for (std::size_t i = 0; i + 1 < count; ++i) points[i] = Between(points[i], points[i + 1], 0.5);
   }
-  for (auto p = last.rbegin(); p != last.rend(); ++p) add(second, *p);
+  std::reverse(last.begin(), last.end());
+  for (const Weighted& p : last) add(second, p);
   return {std::move(first), std::move(second)};
 }
 

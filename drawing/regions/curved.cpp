@@ -6,6 +6,7 @@
 // (chords that cross where curves only come near each other), the chord stays what it is.
 #include <zbr-drawing/lines.h>
 #include <zbr-drawing/region.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +28,7 @@ double SizeOf(const Curve& curve) {
     for (const ZBR_PT& p : curve.spline->control) extent.Add(p);
     return extent.Size();
   }
-  return std::hypot(curve.u.x(), curve.u.y()) + std::hypot(curve.v.x(), curve.v.y());
+  return Hypot(curve.u.x(), curve.u.y()) + Hypot(curve.v.x(), curve.v.y());
 }
 
 // The shares of an edge's ends that are but for rounding those of the whole edge are these.
@@ -139,7 +140,7 @@ double ChordArea(const std::vector<ZBR_PT>& ring) {
 double SegmentArea(const Curve& curve) {
   if (curve.spline != nullptr) return SplineArea(curve);
   const double sweep = curve.t1 - curve.t0;
-  return curve.u.OuterProduct(curve.v) * (sweep - std::sin(sweep)) / 2;
+  return curve.u.OuterProduct(curve.v) * (sweep - Sin(sweep)) / 2;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 // origin and has about unit size: far from the origin, moments would drown in rounding.
 #include <zbr-drawing/affine.h>
 #include <zbr-drawing/measures.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +23,7 @@ using Way = std::function<Motion(double)>;
 constexpr double kEighth = 0.7853981633974483;  // of a turn
 
 double Speed(const Motion& motion) {
-  return std::hypot(motion.along.x(), motion.along.y());
+  return Hypot(motion.along.x(), motion.along.y());
 }
 
 double LengthOf(const Way& way, double a, double b, int halvings) {
@@ -35,7 +36,7 @@ double LengthOf(const Way& way, double a, double b, int halvings) {
 }
 
 Motion OnEllipse(const Curve& curve, double t) {
-  return {curve.At(t), curve.v * std::cos(t) - curve.u * std::sin(t)};
+  return {curve.At(t), curve.v * Cos(t) - curve.u * Sin(t)};
 }
 
 // Calls visit with the ways that make up the curve, each with the range of its parameter.
@@ -73,7 +74,7 @@ class Sums {
       ForEachNode(a, b, [&](double t, double weight) { Add(way(t), weight); });
       if (!curve.IsCircular()) perimeter_ += std::abs(LengthOf(way, a, b, kMostHalvings));
     });
-    if (curve.IsCircular()) perimeter_ += std::hypot(curve.u.x(), curve.u.y()) * std::abs(curve.t1 - curve.t0);
+    if (curve.IsCircular()) perimeter_ += Hypot(curve.u.x(), curve.u.y()) * std::abs(curve.t1 - curve.t0);
   }
 
   RegionMeasures Result(double area) const {
@@ -111,7 +112,7 @@ class Sums {
 void AddTurns(const Curve& curve, double u, double v, Extent& extent) {
   constexpr double kHalfTurn = 4 * kEighth, kNextTo = 1e-6;
   const double low = std::min(curve.t0, curve.t1) + kNextTo, high = std::max(curve.t0, curve.t1) - kNextTo;
-  const double turn = std::atan2(v, u);
+  const double turn = Atan2(v, u);
   for (double k = std::ceil((low - turn) / kHalfTurn); turn + k * kHalfTurn <= high; ++k)
     extent.Add(curve.At(turn + k * kHalfTurn));
 }

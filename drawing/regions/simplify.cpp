@@ -41,7 +41,7 @@ class RingSimplifier {
     for (std::size_t i = 0; i < ring_.count; ++i) {
       if (ring_.IsEnd(i)) ends.push_back(i);
     }
-    if (ends.empty()) ends.push_back(0);
+    if (ends.empty()) ends.push_back(Furthest(0, ring_.count).first % ring_.count);  // a corner, if there is any
     if (ends.size() == 1) ends.push_back(Furthest(ends[0], ends[0] + ring_.count).first % ring_.count);
     std::sort(ends.begin(), ends.end());
     for (const std::size_t i : ends) stays_[i] = true;

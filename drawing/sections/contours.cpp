@@ -10,7 +10,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <tuple>
+
+#include "drawing/sections/cut_chains.h"
 
 namespace zbr::drawing {
 namespace {
@@ -19,19 +20,6 @@ namespace {
 constexpr double kInPlane = 1e-12;
 // Steps of coordinates that faces may be off the plane that they were made for.
 constexpr double kSteps = 4.0;
-
-constexpr std::uint32_t kNone = 0xffffffffU;
-
-// An end of a cut: twice the cut's number, and 1 for where it leads to.
-struct CutEnd {
-  std::uint32_t edge, end;
-  bool IsTo() const { return end % 2 == 1; }
-};
-
-struct Cuts {
-  std::vector<std::uint32_t> triangles;
-  std::vector<CutEnd> ends;  // two for each
-};
 
 Cuts CutTriangles(const ZBR_ZBREPS& shell, const std::vector<double>& heights, InPlane inPlane) {
   Cuts cuts;
@@ -46,86 +34,10 @@ Cuts CutTriangles(const ZBR_ZBREPS& shell, const std::vector<double>& heights, I
       if (above[i] == above[(i + 1) % 3]) continue;
       (above[i] ? from : to) = static_cast<std::uint32_t>(EdgeOf(triangle, i).GetIndex());
     }
-    const auto k = static_cast<std::uint32_t>(cuts.triangles.size());
-    cuts.triangles.push_back(static_cast<std::uint32_t>(t));
-    cuts.ends.push_back({from, 2 * k});
-    cuts.ends.push_back({to, 2 * k + 1});
+    cuts.Add(static_cast<std::uint32_t>(t), from, to);
   }
   return cuts;
 }
-
-// The end that each end goes on with: at an edge the one of the other triangle; at an edge of more, those that come with those
-// that go as far as there are such, then what is left.
-std::vector<std::uint32_t> Partners(const Cuts& cuts) {
-  std::vector<CutEnd> ends = cuts.ends;
-  std::sort(ends.begin(), ends.end(),
-            [](const CutEnd& a, const CutEnd& b) { return std::tie(a.edge, a.end) < std::tie(b.edge, b.end); });
-  std::vector<std::uint32_t> partner(ends.size(), kNone);
-  const auto match = [&](const CutEnd& a, const CutEnd& b) {
-    partner[a.end] = b.end;
-    partner[b.end] = a.end;
-  };
-  for (std::size_t begin = 0, end = 0; begin < ends.size(); begin = end) {
-    while (end < ends.size() && ends[end].edge == ends[begin].edge) ++end;
-    std::vector<CutEnd> coming, going;
-    for (std::size_t i = begin; i < end; ++i) (ends[i].IsTo() ? coming : going).push_back(ends[i]);
-    const std::size_t both = std::min(coming.size(), going.size());
-    for (std::size_t i = 0; i < both; ++i) match(coming[i], going[i]);
-    std::vector<CutEnd>& rest = coming.size() > both ? coming : going;
-    for (std::size_t i = both; i + 1 < rest.size(); i += 2) match(rest[i], rest[i + 1]);
-  }
-  return partner;
-}
-
-class Chainer {
- public:
-  Chainer(const ZBR_ZBREPS& shell, const std::vector<double>& heights, const Cuts& cuts)
-      : shell_(shell), heights_(heights), cuts_(cuts), partner_(Partners(cuts)), done_(cuts.triangles.size()) {}
-
-  // Open ones first, from their ends that lead away; what is left closes.
-  std::vector<Contour> Run() {
-    for (const bool second : {false, true}) {
-      for (std::uint32_t end = second ? 1 : 0; end < partner_.size(); end += 2) {
-        if (partner_[end] == kNone && !done_[end / 2]) Follow(end);
-      }
-    }
-    for (std::uint32_t end = 0; end < partner_.size(); end += 2) {
-      if (!done_[end / 2]) Follow(end);
-    }
-    return std::move(contours_);
-  }
-
- private:
-  void Follow(std::uint32_t start) {
-    Contour& contour = contours_.emplace_back();
-    for (std::uint32_t end = start; end != kNone; end = partner_[end ^ 1U]) {
-      if (done_[end / 2]) {
-        contour.closed = true;
-        return;
-      }
-      done_[end / 2] = true;
-      contour.points.push_back(PlaceOf(end));
-      contour.triangles.push_back(cuts_.triangles[end / 2]);
-      last_ = end ^ 1U;
-    }
-    contour.points.push_back(PlaceOf(last_));
-  }
-
-  ZBR_PT3 PlaceOf(std::uint32_t end) const {
-    const ZBR_ZBREPE& edge = *shell_.GetEdge(static_cast<int>(cuts_.ends[end].edge));
-    const ZBR_ZBREPV &a = *edge.GetVertex0(), &b = *edge.GetVertex1();
-    return CrossingOf(a.GetPt(), heights_[static_cast<std::size_t>(a.GetIndex())], b.GetPt(),
-                      heights_[static_cast<std::size_t>(b.GetIndex())]);
-  }
-
-  const ZBR_ZBREPS& shell_;
-  const std::vector<double>& heights_;
-  const Cuts& cuts_;
-  std::vector<std::uint32_t> partner_;
-  std::vector<bool> done_;  // of cuts
-  std::vector<Contour> contours_;
-  std::uint32_t last_ = 0;
-};
 
 bool Precedes(const ZBR_PT3& a, const ZBR_PT3& b) {
   if (a.x() != b.x()) return a.x() < b.x();
@@ -158,7 +70,23 @@ ZBR_PT3 CrossingOf(const ZBR_PT3& a, double heightA, const ZBR_PT3& b, double he
 
 std::vector<Contour> CutShell(const ZBR_ZBREPS& shell, const std::vector<double>& heights, InPlane inPlane) {
   const Cuts cuts = CutTriangles(shell, heights, inPlane);
-  return Chainer(shell, heights, cuts).Run();
+  const auto placeOf = [&](std::uint32_t end) {
+    const ZBR_ZBREPE& edge = *shell.GetEdge(static_cast<int>(cuts.names[end]));
+    const ZBR_ZBREPV &a = *edge.GetVertex0(), &b = *edge.GetVertex1();
+    return CrossingOf(a.GetPt(), heights[static_cast<std::size_t>(a.GetIndex())], b.GetPt(),
+                      heights[static_cast<std::size_t>(b.GetIndex())]);
+  };
+  std::vector<Contour> contours;
+  for (const CutChain& chain : ChainCuts(cuts)) {
+    Contour& contour = contours.emplace_back();
+    contour.closed = chain.closed;
+    for (const std::uint32_t end : chain.ends) {
+      contour.points.push_back(placeOf(end));
+      contour.triangles.push_back(cuts.triangles[end / 2]);
+    }
+    if (!chain.closed) contour.points.push_back(placeOf(chain.last));
+  }
+  return contours;
 }
 
 }  // namespace zbr::drawing

@@ -5,6 +5,8 @@
 // alone, the same for both edges of a point.
 #include "drawing/sheets/hatching.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -70,7 +72,7 @@ struct Body {
   bool RunsAlong(std::size_t k) const {
     constexpr double kAlong = 0.17, kMuch = 0.3;  // sine of 10 degrees
     const double angle = kStyles[k].degrees * std::numbers::pi / 180;
-    const ZBR_PT along(std::cos(angle), std::sin(angle));
+    const ZBR_PT along(Cos(angle), Sin(angle));
     double all = 0.0, parallel = 0.0;
     for (const auto& [view, face] : faces) {
       ForEachEdge(face->region, [&](const ZBR_PT& p, const ZBR_PT& q) {
@@ -133,7 +135,7 @@ struct Meeting {
 
 std::vector<Meeting> MeetingsOf(const ZBR_REGION& region, const Style& style, double spacing) {
   const double angle = style.degrees * std::numbers::pi / 180;
-  const ZBR_PT along(std::cos(angle), std::sin(angle)), across(-along.y(), along.x());
+  const ZBR_PT along(Cos(angle), Sin(angle)), across(-along.y(), along.x());
   std::vector<Meeting> meetings;
   ForEachEdge(region, [&](const ZBR_PT& p, const ZBR_PT& q) {
     const double a = across.InnerProduct(p) / spacing, b = across.InnerProduct(q) / spacing;

@@ -51,7 +51,7 @@ double ParseScale(const std::string& text) {
 
 double StandardScale(double limit) {
   constexpr double kSlack = 1 + 1e-9;  // a drawing that fits exactly may exceed its place by rounding
-  const double power = std::pow(10.0, std::floor(std::log10(limit * kSlack)));
+  const double power = PowerOfTen(DecimalExponent(limit * kSlack));
   for (const double factor : {5.0, power < 1 ? 4.0 : 2.5, 2.0}) {  // 4/10 is 1:2.5
     if (factor * power <= limit * kSlack) return factor * power;
   }
@@ -61,7 +61,7 @@ double StandardScale(double limit) {
 double FittingScale(double limit) {
   constexpr double kDigits = 100;
   const double ratio = limit < 1 ? 1 / limit : limit;
-  const double step = std::pow(10.0, std::floor(std::log10(ratio))) / kDigits;
+  const double step = PowerOfTen(DecimalExponent(ratio)) / kDigits;
   return limit < 1 ? 1 / (std::ceil(ratio / step) * step) : std::floor(ratio / step) * step;
 }
 

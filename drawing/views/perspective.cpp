@@ -3,6 +3,7 @@
 #include "drawing/views/perspective.h"
 
 #include <zbr-drawing/failure.h>
+#include <zbr-drawing/trigonometry.h>
 #include <zbr-drawing/view_lines.h>
 
 #include <cmath>
@@ -38,8 +39,7 @@ std::vector<CuttingPlane> PlanesOf(const Model& model, const View& view) {
   if (isAround) add(view.toViewer, -from.Nearest());
   if (!isAround && from.fieldOfView == 0) return planes;
   const double half = (from.fieldOfView > 0 ? from.fieldOfView : kUsualField) / 2 * std::numbers::pi / 180;
-  for (const ZBR_PT3& side : {view.right, -view.right, view.up, -view.up})
-    add(side * std::cos(half) + view.toViewer * std::sin(half), 0.0);
+  for (const ZBR_PT3& side : {view.right, -view.right, view.up, -view.up}) add(side * Cos(half) + view.toViewer * Sin(half), 0.0);
   return planes;
 }
 
@@ -57,7 +57,7 @@ void FitPicture(const Model& model, const std::vector<IntersectionLine>& lines, 
   const std::vector<CuttingPlane> planes = PlanesOf(model, scene.view);
   if (!planes.empty()) CutScene(model, lines, planes, {}, scene);
   const Extent extent = ExtentOf(scene);
-  const double size = extent.empty() ? 0.0 : std::hypot(extent.xmax - extent.xmin, extent.ymax - extent.ymin);
+  const double size = extent.empty() ? 0.0 : Hypot(extent.xmax - extent.xmin, extent.ymax - extent.ymin);
   if (!std::isnormal(size)) throw Failure("nothing of the model is in front of the eye");
   Scale(scene, kSceneDiagonal / (size * scene.scale));
 }

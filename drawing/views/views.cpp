@@ -1,6 +1,7 @@
 // From a model to the lines of its views: scene, removal, lines and, where asked for, outlines, which use the scene up.
 #include <zbr-drawing/views.h>
 
+#include <zbr-drawing/failure.h>
 #include <zbr-drawing/outlines.h>
 #include <zbr-drawing/removal.h>
 
@@ -10,6 +11,8 @@
 
 #include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
+#include "drawing/silhouettes/smooth_silhouettes.h"
+#include "drawing/views/crumbs.h"
 #include "drawing/views/perspective.h"
 
 namespace zbr::drawing {
@@ -36,37 +39,66 @@ void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines
   AddVisible(view, std::move(cuts));
 }
 
-ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
-                   unsigned threads, const std::function<void(DrawStage)>& at) {
-  at(DrawStage::kScene);
-  Scene scene = MakeScene(model, direction.view, found.crossings, options.tangents);
-  if (options.contact >= 0) scene.contact = options.contact * scene.scale;
+// A view on its way to lines.
+struct Prepared {
+  Scene scene;
   SectionCut section;
-  Extent whole;
+  Extent whole;  // of what a section is made of
+  std::optional<SmoothSilhouettes> silhouettes;
+};
+
+Prepared Prepare(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options) {
+  Prepared view;
+  std::vector<IntersectionLine> lines = found.crossings;
+  const bool isWhole = !direction.section && !direction.view.perspective;
+  if (options.smoothSilhouettes && isWhole) view.silhouettes.emplace(model, direction.view).AddTo(lines);
+  view.scene = MakeScene(model, direction.view, lines, options.tangents);
+  if (options.contact >= 0) view.scene.contact = options.contact * view.scene.scale;
   if (direction.section) {
-    whole = ExtentOf(scene);
-    section = FindSection(model, direction.view, *direction.section);
-    CutScene(model, found.crossings, PlanesOf(*direction.section), section, scene);
+    view.whole = ExtentOf(view.scene);
+    view.section = FindSection(model, direction.view, *direction.section);
+    CutScene(model, lines, PlanesOf(*direction.section), view.section, view.scene);
   }
-  if (direction.view.perspective) FitPicture(model, found.crossings, scene);
-  at(DrawStage::kRemoval);
-  RemoveHidden(scene, threads);
-  at(DrawStage::kLines);
+  if (direction.view.perspective) FitPicture(model, lines, view.scene);
+  if (view.silhouettes) view.silhouettes->PutInto(model, view.scene);
+  return view;
+}
+
+ViewLines Collect(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
+                  Prepared& view) {
   const bool hidden = options.hidden == HiddenLines::kInAllViews ||
                       (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
   const bool curves = options.curves && !direction.view.perspective;
-  ViewLines lines = CollectLines(model, scene, hidden, curves ? &*found.circles : nullptr);
-  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
+  std::vector<Line> silhouettes;
+  if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
+  ViewLines lines = CollectLines(model, view.scene, hidden, curves ? &*found.circles : nullptr);
   lines.name = direction.name;
-  if (direction.section) {
-    lines.extent = whole;  // views of one model line up, whatever was cut away
-    AddSection(std::move(section), direction, lines);
-  }
+  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
+  const auto isHidden = [](const Line& line) { return line.hidden; };
+  const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
+  lines.lines.insert(lines.lines.end(), unseen, silhouettes.end());
+  silhouettes.erase(unseen, silhouettes.end());
+  AddVisible(lines, std::move(silhouettes));
+  if (model.isRough) DropCrumbs(lines);
+  if (!direction.section) return lines;
+  lines.extent = view.whole;  // views of one model line up, whatever was cut away
+  AddSection(std::move(view.section), direction, lines);
+  return lines;
+}
+
+ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
+                   unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
+  at(DrawStage::kScene);
+  Prepared view = Prepare(model, found, direction, options);
+  at(DrawStage::kRemoval);
+  if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
+  at(DrawStage::kLines);
+  ViewLines lines = Collect(model, found, direction, options, view);
   if (options.outlines) {
     at(DrawStage::kOutlines);
     constexpr bool kNarrow = true;
-    FindOutlines(model, scene, kNarrow, threads);
-    lines.outlines = OutlinesAroundMiddle(model, scene);
+    FindOutlines(model, view.scene, kNarrow, threads);
+    lines.outlines = OutlinesAroundMiddle(model, view.scene);
   }
   at(DrawStage::kDone);
   return lines;
@@ -84,7 +116,9 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
     const auto at = [&](DrawStage stage) {
       if (options.progress) options.progress(i, stage);
     };
-    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at);
+    std::function<bool(double)> removal;
+    if (options.removal) removal = [&](double share) { return options.removal(i, share); };
+    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at, removal);
   });
   return drawn;
 }

@@ -38,8 +38,11 @@ Mesh BoxesOnPlate(int n, bool lattice = false, std::uint64_t seed = 1);
 // k x k x k gears of about `triangles` triangles in random poses, apart from each other.
 Mesh Gears(int k, std::size_t triangles = 2300, std::uint64_t seed = 1);
 
-// The models shipped with the examples: a bearing housing, in millimetres, and a house of several bodies, in metres.
+// The models shipped with the examples: a bearing housing, in millimetres; a house of several bodies, in metres; a cover with
+// fillets, a boss on it and a pipe through that; a cone through a sphere.
 Mesh Housing();
 Mesh House();
+Mesh Cover();
+Mesh ConeThroughSphere();
 
 }  // namespace example

@@ -1,9 +1,9 @@
 // Reads well-known text: any number of geometries, usually one a line. Polygons, those with arcs (CURVEPOLYGON, MULTISURFACE) too,
-// multi-polygons and collections of them are taken;
-// points are left out and counted, and so are lines unless they are asked for. Z values are kept for lines alone, M values dropped.
-// An "SRID=...;" before a geometry is allowed.
+// multi-polygons and collections of them are taken; points are left out and counted, and so are lines unless they are asked for.
+// Z values are kept for lines alone, M values dropped. An "SRID=...;" before a geometry is allowed.
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-drawing/trigonometry.h>
 #include <zbr-formats/drawings.h>
 #include <zbr-formats/types.h>
 
@@ -83,7 +83,7 @@ class WktReader {
     if (kind == "GEOMETRYCOLLECTION") return ReadList([&] { ReadGeometry(depth + 1); });
     const bool isLine = kind != "POINT" && kind != "MULTIPOINT";
     if (isForLines_ && (kind == "MULTILINESTRING" || kind == "MULTICURVE"))
-      return ReadList([&] { token_ == "(" ? ReadLine("LINESTRING") : ReadLine(ReadKind()); });
+      return ReadList([&] { ReadLine(token_ == "(" ? "LINESTRING" : ReadPartKind()); });
     if (isForLines_ && isLine) return ReadLine(kind);
     drawing_.LeaveOut(kind, line_, isLine);
     SkipParentheses();
@@ -105,6 +105,14 @@ class WktReader {
     const std::string dimension = Word();
     if (dimension == "Z" || dimension == "M" || dimension == "ZM") Advance();
     if (isForLines_ && dimension.starts_with('Z')) hasHeights_ = true;
+    return kind;
+  }
+
+  // Parts of what has heights have them, said again or not.
+  std::string ReadPartKind() {
+    const bool haveAll = hasHeights_;
+    std::string kind = ReadKind();
+    hasHeights_ = hasHeights_ || haveAll;
     return kind;
   }
 
@@ -144,7 +152,7 @@ class WktReader {
       Path ring;
       ring.line = line_;
       ring.polygon = polygon;
-      ReadCurve(token_ == "(" ? "LINESTRING" : ReadKind(), ring);
+      ReadCurve(token_ == "(" ? "LINESTRING" : ReadPartKind(), ring);
       drawing_.paths.push_back(std::move(ring));
     });
   }
@@ -159,7 +167,7 @@ class WktReader {
 
   // Appends a curve of this kind to the path, whose last point its first one repeats.
   void ReadCurve(const std::string& kind, Path& path) {
-    if (kind == "COMPOUNDCURVE") return ReadList([&] { ReadPart(token_ == "(" ? "LINESTRING" : ReadKind(), path); });
+    if (kind == "COMPOUNDCURVE") return ReadList([&] { ReadPart(token_ == "(" ? "LINESTRING" : ReadPartKind(), path); });
     ReadPart(kind, path);
   }
 
@@ -169,26 +177,30 @@ class WktReader {
     ReadList([&] { ReadPoint(part); });
     if (kind == "CIRCULARSTRING" && part.points.size() % 2 == 0) Fail("an odd number of points");
     const bool goesOn = !path.points.empty() && !part.points.empty();
-    if (goesOn && path.points.back().Distance(part.points.front()) > 0) FailAt(drawing_.file, line_, "the parts of a compound curve do not meet");
+    if (goesOn && path.points.back().Distance(part.points.front()) > 0)
+      FailAt(drawing_.file, line_, "the parts of a compound curve do not meet");
+    const bool haveHeights = !path.heights.empty() || !part.heights.empty();  // those that have none lie at 0
+    if (haveHeights) path.heights.resize(path.points.size());
+    if (haveHeights) part.heights.resize(part.points.size());
     if (goesOn) path.points.pop_back();
-    if (goesOn && !path.heights.empty()) path.heights.pop_back();
-    path.heights.insert(path.heights.end(), part.heights.begin(), part.heights.end());
+    if (goesOn && haveHeights) path.heights.pop_back();
     for (std::size_t i = 0; i < part.points.size(); ++i) {
       const bool isMiddle = kind == "CIRCULARSTRING" && i % 2 == 1;
-      if (!isMiddle || !AddArc(part.points[i - 1], part.points[i], part.points[i + 1], path))
-        path.points.push_back(part.points[i]);
-      else if (!part.heights.empty())
-        path.heights.erase(path.heights.begin() + static_cast<std::ptrdiff_t>(path.points.size()));
+      if (isMiddle && AddArc(part.points[i - 1], part.points[i], part.points[i + 1], path)) continue;
+      path.points.push_back(part.points[i]);
+      if (haveHeights) path.heights.push_back(part.heights[i]);
     }
   }
 
   // From the last point of the path through the middle to the end; all around where both are the same and the middle is opposite.
-  // False where the three lie on a line.
+  // False where the three lie on a line, or so nearly that the arc rises by less from it than coordinates tell.
   static bool AddArc(const ZBR_PT& from, const ZBR_PT& middle, const ZBR_PT& to, Path& path) {
     constexpr double kTurn = 6.283185307179586;
+    constexpr double kFlat = 1e-9;
     const ZBR_PT a = middle - from, b = to - from;
     const double turn = a.OuterProduct(b);
     const bool isWhole = from.x() == to.x() && from.y() == to.y();
+    if (!isWhole && std::abs(turn) <= kFlat * a.Length() * b.Length()) return false;
     const ZBR_PT centre =
         isWhole ? a * 0.5
                 : ZBR_PT(b.y() * a.Length2() - a.y() * b.Length2(), a.x() * b.Length2() - b.x() * a.Length2()) * (0.5 / turn);
@@ -199,7 +211,7 @@ class WktReader {
     arc.u = centre * -1.0;
     arc.v = ZBR_PT(-arc.u.y(), arc.u.x()) * (turn < 0 ? -1.0 : 1.0);
     const ZBR_PT end = b - centre;
-    const double angle = std::atan2(end.InnerProduct(arc.v), end.InnerProduct(arc.u));
+    const double angle = Atan2(end.InnerProduct(arc.v), end.InnerProduct(arc.u));
     arc.t1 = isWhole || angle <= 0 ? angle + kTurn : angle;
     path.curves.push_back(arc);
     return true;

@@ -1,6 +1,8 @@
 // Entities of the plane and their names.
 #include "formats/dxf/dxf_document.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -147,7 +149,7 @@ void DxfDocument::ExtendBy(const Curve& curve) {
   ExtendBy(curve.At(curve.t0));
   ExtendBy(curve.At(curve.t1));
   const double low = std::min(curve.t0, curve.t1), high = std::max(curve.t0, curve.t1);
-  for (const double turning : {std::atan2(curve.v.x(), curve.u.x()), std::atan2(curve.v.y(), curve.u.y())}) {
+  for (const double turning : {Atan2(curve.v.x(), curve.u.x()), Atan2(curve.v.y(), curve.u.y())}) {
     const double first = turning + std::ceil((low - turning) / kPi) * kPi;
     for (int k = 0; k < 3 && first + k * kPi <= high; ++k) ExtendBy(curve.At(first + k * kPi));
   }

@@ -90,13 +90,14 @@ void AddEllipseEdge(Groups& groups, Path& path, bool isCircle) {
   curve.u = isCircle ? ZBR_PT() : groups.Point(11);
   const double ratio = groups.Real(40);  // or the radius
   if (isCircle) curve.u.Set(ratio, 0);
-  double start = groups.Real(50), end = groups.Real(51);
+  const double start = groups.Real(50), end = groups.Real(51);
   const bool isCounterClockwise = groups.Integer(73) != 0;
   if (!groups.IsGood()) return;
   curve.v = ZBR_PT(-curve.u.y(), curve.u.x()) * (isCircle ? 1.0 : ratio) * (isCounterClockwise ? 1.0 : -1.0);
-  if (end <= start) end += 360.0;
-  curve.t0 = start * kPi / 180.0;
-  curve.t1 = end * kPi / 180.0;
+  constexpr double kTurn = 360.0;
+  const double sweep = std::fmod(end - start, kTurn);
+  curve.t0 = std::fmod(start, kTurn) * kPi / 180.0;
+  curve.t1 = curve.t0 + (sweep > 0 ? sweep : sweep + kTurn) * kPi / 180.0;
   AddEdge(path, curve.At(curve.t0), curve.At(curve.t1), curve);
 }
 

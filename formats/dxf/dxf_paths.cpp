@@ -3,6 +3,7 @@
 // Polylines hold arcs of circles as bulges, the tangent of a quarter of the angle. That grows without bounds towards a full turn,
 // and centre and radius then hang on a short chord; so arcs of more than three quarters of a turn are halved.
 #include <zbr-drawing/contours.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +27,7 @@ bool IsWhole(const Curve& curve) {
 }
 
 double AngleOf(const ZBR_PT& direction) {
-  const double degrees = std::atan2(direction.y(), direction.x()) * 180.0 / kPi;
+  const double degrees = Atan2(direction.y(), direction.x()) * 180.0 / kPi;
   return degrees < 0 ? degrees + 360.0 : degrees;
 }
 
@@ -39,7 +40,7 @@ struct Run {
     const double sweep = arc == nullptr ? 0.0 : Sweep(*arc);
     const bool halved = std::abs(sweep) > kWidestBulge;
     points.push_back(from);
-    bulges.push_back(std::tan(sweep / (halved ? 8 : 4)));
+    bulges.push_back(Tan(sweep / (halved ? 8 : 4)));
     if (arc == nullptr || !halved) return;
     points.push_back(arc->At(arc->t0 + (arc->t1 - arc->t0) / 2));
     bulges.push_back(bulges.back());
@@ -55,7 +56,7 @@ Curve BulgeArc(const ZBR_PT& p, const ZBR_PT& q, double bulge) {
   arc.centre = p + chord * 0.5 + left * ((1.0 / bulge - bulge) / 4.0);
   arc.u = p - arc.centre;
   arc.v.Set(-arc.u.y(), arc.u.x());
-  arc.t1 = 4.0 * std::atan(bulge);
+  arc.t1 = 4.0 * Atan(bulge);
   return arc;
 }
 

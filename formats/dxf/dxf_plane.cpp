@@ -1,3 +1,5 @@
+#include <zbr-drawing/trigonometry.h>
+
 #include <cmath>
 
 #include "formats/dxf/dxf_entities.h"
@@ -15,8 +17,8 @@ DxfPlane::DxfPlane(const DxfRecord& entity) : x_(1, 0, 0), y_(0, 1, 0), normal_(
   constexpr double kNear = 1.0 / 64;
   if (!entity.Has(kNormal)) return;
   const ZBR_PT3 given = entity.Point(kNormal, {0, 0, 0});
-  const double length = std::hypot(given.x(), given.y(), given.z());
-  if (length == 0 || std::hypot(given.x(), given.y()) <= kUpright * std::abs(given.z())) {
+  const double length = Hypot(given.x(), given.y(), given.z());
+  if (length == 0 || Hypot(given.x(), given.y()) <= kUpright * std::abs(given.z())) {
     if (given.z() >= 0) return;
     x_ = {-1, 0, 0};
     normal_ = {0, 0, -1};

@@ -106,11 +106,12 @@ Spline SplineOf(const DxfRecord& entity) {
 }  // namespace
 
 Spline SplineThrough(std::vector<ZBR_PT> points, const std::optional<ZBR_PT>& startDirection,
-                     const std::optional<ZBR_PT>& endDirection) {
+                     const std::optional<ZBR_PT>& endDirection, bool isSmoothAllRound) {
   points.erase(std::unique(points.begin(), points.end(), IsSame), points.end());
   std::vector<double> lengths;
   for (std::size_t i = 1; i < points.size(); ++i) lengths.push_back(points[i].Distance(points[i - 1]));
-  const bool closed = points.size() > 3 && IsSame(points.front(), points.back()) && !startDirection && !endDirection;
+  const bool closed =
+      isSmoothAllRound && points.size() > 3 && IsSame(points.front(), points.back()) && !startDirection && !endDirection;
   const std::vector<ZBR_PT> velocities =
       closed ? ClosedVelocities(points, lengths) : OpenVelocities(points, lengths, startDirection, endDirection);
   Spline spline;
@@ -159,10 +160,11 @@ void DxfEntities::TakeSpline(const DxfRecord& entity) {
     }
     if (points.empty()) return Malformed(entity);
     constexpr int kClosed = 1;
-    if ((entity.Integer(70) & kClosed) != 0 && !IsSame(points.front(), points.back())) points.push_back(points.front());
+    const bool isClosed = (entity.Integer(70) & kClosed) != 0;
+    if (isClosed && !IsSame(points.front(), points.back())) points.push_back(points.front());
     if (std::all_of(points.begin(), points.end(), [&](const ZBR_PT& p) { return IsSame(p, points[0]); }))
       return WithoutSize(entity);
-    spline = SplineThrough(std::move(points), UnitDirection(entity, 12), UnitDirection(entity, 13));
+    spline = SplineThrough(std::move(points), UnitDirection(entity, 12), UnitDirection(entity, 13), isClosed);
   }
   if (!spline.IsValid()) return Malformed(entity);
   Path path = SplinePath(spline);

@@ -122,8 +122,18 @@ std::string WriteDxf(const Drawing& drawing, DxfVersion version) {
   setup.layers = drawing.layers;
   setup.lineTypes = drawing.lineTypes;
   DxfDocument document(setup);
-  for (const Path& path : drawing.paths)
-    document.AddPath(path, {std::string(path.layer.empty() ? "0" : path.layer), path.colour, std::string(path.lineType)});
+  for (const Path& path : drawing.paths) {
+    const DxfPen pen{std::string(path.layer.empty() ? "0" : path.layer), path.colour, std::string(path.lineType)};
+    const bool isRaised = std::any_of(path.heights.begin(), path.heights.end(), [](double z) { return z != 0; });
+    if (!isRaised || !path.curves.empty()) {
+      document.AddPath(path, pen);
+      continue;
+    }
+    std::vector<ZBR_PT3> points;
+    for (std::size_t i = 0; i < path.points.size(); ++i)
+      points.emplace_back(path.points[i].x(), path.points[i].y(), path.heights[i]);
+    document.AddSpaceLine(points, path.closed, pen);
+  }
   return document.Take();
 }
 

@@ -55,9 +55,9 @@ double LengthOfRings(const LoopList& loops) {
 }
 
 Quantities::Quantities(double largest, const std::string& unit) : unit_(unit) {
-  const double magnitude = largest > 0 ? std::floor(std::log10(largest)) : 0.0;
+  const int magnitude = largest > 0 ? DecimalExponent(largest) : 0;
   readable_ = magnitude >= -6 && magnitude < 12;
-  decimals_ = readable_ ? std::max(0, kDigits - 1 - static_cast<int>(magnitude)) : 0;
+  decimals_ = readable_ ? std::max(0, kDigits - 1 - magnitude) : 0;
 }
 
 std::string Quantities::operator()(double value) const {
@@ -102,7 +102,7 @@ std::string InPanel(const PanelLayout& layout, std::size_t index, const std::str
 std::string ScaleBar(int units, const PanelLayout& layout, const PageMap& map) {
   const double longest = layout.panelWidth / 4 / map.PixelsPerUnit();
   if (!std::isfinite(longest) || !(longest > 0)) return "";
-  const double power = std::pow(10.0, std::floor(std::log10(longest)));
+  const double power = PowerOfTen(DecimalExponent(longest));
   const double factor = longest >= 5 * power ? 5 : (longest >= 2 * power ? 2 : 1);
   const double length = factor * power * map.PixelsPerUnit();
   if (!std::isfinite(length)) return "";

@@ -3,6 +3,7 @@
 #include "formats/pictures/pdf_page.h"
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
 #include <cmath>
@@ -126,8 +127,8 @@ void PdfPage::SetShade(const std::array<int, 3>& rgb) {
 void PdfPage::ArcTo(const Curve& arc) {
   const double turn = arc.t1 - arc.t0;
   const double pieces = std::max(std::ceil(std::fabs(turn) / (kHalfPi / 2) - 1e-9), 1.0);
-  const double reach = 4.0 / 3.0 * std::tan(turn / pieces / 4.0);
-  const auto tangent = [&](double t) { return arc.v * (std::cos(t) * reach) - arc.u * (std::sin(t) * reach); };
+  const double reach = 4.0 / 3.0 * Tan(turn / pieces / 4.0);
+  const auto tangent = [&](double t) { return arc.v * (Cos(t) * reach) - arc.u * (Sin(t) * reach); };
   for (double k = 0; k < pieces; ++k) {
     const double t0 = arc.t0 + turn * (k / pieces), t1 = arc.t0 + turn * ((k + 1) / pieces);
     Add(arc.At(t0) + tangent(t0), "");

@@ -19,7 +19,7 @@ class Coordinates {
  public:
   explicit Coordinates(const ViewLines& view) : middle_(view.middle.xy()) {
     const double size = std::max(view.extent.Size(), view.extent.Magnitude());
-    if (size > 0) power_ = std::pow(10.0, 9 - std::floor(std::log10(size)));
+    if (size > 0) power_ = PowerOfTen(9 - DecimalExponent(size));
     if (!std::isnormal(power_)) power_ = 0.0;
   }
   void Append(std::string& text, const ZBR_PT& p) const { AppendPair(text, p + middle_); }

@@ -1,6 +1,7 @@
 #include "formats/pictures/sheet_path.h"
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <cmath>
 
@@ -39,7 +40,7 @@ class PathText {
     if (arc.u.Length() * std::fabs(turn) < kMerged) return;
     const auto pieces = std::max(std::ceil(std::fabs(turn) / kPiece), 1.0);
     std::string radii(1, 'A');
-    for (const double value : {arc.u.Length(), arc.v.Length(), -std::atan2(arc.u.y(), arc.u.x()) * 180.0 / kPi}) {
+    for (const double value : {arc.u.Length(), arc.v.Length(), -Atan2(arc.u.y(), arc.u.x()) * 180.0 / kPi}) {
       radii += FineText(value);
       radii += ' ';
     }

@@ -2,6 +2,7 @@
 #include "formats/pictures/svg_text.h"
 
 #include <zbr-drawing/contours.h>
+#include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
 #include <array>
@@ -54,9 +55,9 @@ void AppendNumber(std::string& text, double value) {
 void AppendArc(std::string& text, const Curve& axes, bool isReversed, const ZBR_PT& to, const PageMap& map) {
   constexpr double kDegrees = 360.0 / kTurn;
   text += 'A';
-  AppendPx(text, std::hypot(axes.u.x(), axes.u.y()) * map.PixelsPerUnit());
-  AppendNumber(text, std::hypot(axes.v.x(), axes.v.y()) * map.PixelsPerUnit());
-  AppendNumber(text, axes.IsCircular() ? 0.0 : -std::atan2(axes.u.y(), axes.u.x()) * kDegrees);
+  AppendPx(text, Hypot(axes.u.x(), axes.u.y()) * map.PixelsPerUnit());
+  AppendNumber(text, Hypot(axes.v.x(), axes.v.y()) * map.PixelsPerUnit());
+  AppendNumber(text, axes.IsCircular() ? 0.0 : -Atan2(axes.u.y(), axes.u.x()) * kDegrees);
   text += isReversed ? " 0 1" : " 0 0";
   const ZBR_PT q = map(to);
   AppendNumber(text, q.x());

@@ -70,6 +70,7 @@ struct Model {
 
   ZBR_PT3 low, high;      // box of the triangles
   double rounding = 0.0;  // of the mesh's coordinates
+  bool isRough = false;   // many creases end nowhere, as on scans: only those that are followed for some way are shown
 
   // Triangles of the mesh that were left out: with two vertices at the same place; repeating another one.
   std::size_t collapsed = 0;

@@ -1,4 +1,4 @@
-// Numbers as text, the same under every locale.
+// Numbers as text, the same under every locale, and their powers of ten, the same with every C library.
 #pragma once
 
 #include <optional>
@@ -19,6 +19,11 @@ std::string NumberText(double value);
 // For people: with at most `digits` significant digits, or with `decimals` decimals.
 std::string RoundedText(double value, int digits);
 std::string FixedText(double value, int decimals);
+
+// Correctly rounded from -22 to 22, infinite or zero beyond what a double holds.
+double PowerOfTen(int exponent);
+// That of the largest power of ten which is not above a positive number; 309 for infinity.
+int DecimalExponent(double value);
 
 // The token, quoted and cut to a length that fits an error message, without control characters.
 std::string Quoted(std::string_view token);

@@ -9,9 +9,12 @@
 
 #include <zbr-drawing/scene.h>
 
+#include <functional>
+
 namespace zbr::drawing {
 
-// The same to the bit whatever the number of threads; at least one is taken.
-void RemoveHidden(Scene& scene, unsigned threads);
+// The same to the bit whatever the number of threads; at least one is taken. `progress`, if given, is told now and then which share
+// is done, by one thread at a time; when it answers false the removal ends early, and this with false.
+bool RemoveHidden(Scene& scene, unsigned threads, const std::function<bool(double share)>& progress = {});
 
 }  // namespace zbr::drawing

@@ -33,12 +33,13 @@ enum class HiddenLines { kNone, kInPrincipalViews, kInAllViews };
 
 struct DrawingOptions {
   HiddenLines hidden = HiddenLines::kInPrincipalViews;
-  bool curves = true;         // runs along circles of the model, in Chain::curves
-  bool intersections = true;  // lines where surfaces pass through each other, found once for all views
-  bool tangents = true;       // smooth edges at which a fillet ends; of these never the hidden parts
-  bool centreLines = false;   // of circles, in ViewLines::centres
-  bool outlines = false;      // what nearer objects leave visible of each object, in ViewLines::outlines
-  unsigned threads = 1;       // views are worked on at once, and the triangles of each with the threads left over
+  bool curves = true;              // runs along circles of the model, in Chain::curves
+  bool intersections = true;       // lines where surfaces pass through each other, found once for all views
+  bool tangents = true;            // smooth edges at which a fillet ends; of these never the hidden parts
+  bool smoothSilhouettes = false;  // of the surface that the facets stand for, not of the facets; not in sections and perspectives
+  bool centreLines = false;        // of circles, in ViewLines::centres; not in perspectives
+  bool outlines = false;           // what nearer objects leave visible of each object, in ViewLines::outlines
+  unsigned threads = 1;            // views are worked on at once, and the triangles of each with the threads left over
 
   // Bodies at most this far apart stand face to face, and their common edges are drawn; negative: four times what the coordinates
   // are rounded to, found from the model.
@@ -47,6 +48,10 @@ struct DrawingOptions {
   // Told when a stage of a view begins, by its place in the list; from any of the threads, views in any order. What it throws ends
   // the work and comes out of DrawViews.
   std::function<void(std::size_t view, DrawStage stage)> progress;
+
+  // Told now and then which share of a view's hidden lines has been removed, from any of the threads, of one view by one at a time.
+  // When it answers false, DrawViews fails. It does not throw.
+  std::function<bool(std::size_t view, double share)> removal;
 };
 
 // The views in their order. A model without triangles gives views without lines.

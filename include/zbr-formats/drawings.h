@@ -33,8 +33,7 @@ Drawing ReadDrawing(const std::string& file, Format fallback, Content content = 
 std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, const DxfStyle& style = {});
 
 // The same for lines, with their heights or without.
-std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights,
-                       const DxfStyle& style = {});
+std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int units, bool heights, const DxfStyle& style = {});
 
 // Each reads the text of one file; `file` is its name for messages.
 Drawing ReadGeoJson(const std::string& text, const std::string& file, Content content);

@@ -15,7 +15,8 @@ Drawing ReadDxf(const std::string& text, const std::string& file, Content conten
 // Closed polylines on a layer for each result, in a colour of its own; or as the style has it. A polyline of edges with different
 // pens has the one that most of its length is drawn with.
 std::string WriteDxf(const std::vector<Layer>& layers, int units, const DxfStyle& style = {});
-// A drawing as it is: every path as an entity on its layer, or as a few that are exact.
+// A drawing as it is: every path as an entity on its layer, or as a few that are exact. Paths with curves lie flat, whatever
+// heights they have.
 std::string WriteDxf(const Drawing& drawing, DxfVersion version = DxfVersion::kR2000);
 // Every layer in a colour of its own, or, where the style keeps pens, as the layer of its first line is described.
 std::string WriteDxfLines(const std::vector<LineLayer>& layers, int units, const DxfStyle& style = {});

@@ -84,10 +84,11 @@ class ZBR_REGION {
  private:
   friend class ZBR_REGION_ACCESS;
 
-  // The offsets of nothing. Empty regions have none of their own, so that to make one needs no memory.
+  // The offsets of nothing. Empty regions have none of their own, so that to make one needs no memory. Never freed, as threads may
+  // read it while the program ends.
   static const std::vector<std::int32_t>& NoOffsets() {
-    static const std::vector<std::int32_t> offsets(1, 0);
-    return offsets;
+    static const auto* const offsets = new std::vector<std::int32_t>(1, 0);
+    return *offsets;
   }
 
   std::vector<ZBR_PT> points_;
@@ -145,7 +146,7 @@ ZBR_API ZBR_REGION_STATUS zbrCombineRegions(const ZBR_REGION_VIEW& a, const ZBR_
 ZBR_API ZBR_REGION zbrCombineRegions(const ZBR_REGION& a, const ZBR_REGION& b, ZBR_BOOLEAN_OPE op,
                                      const ZBR_REGION_OPTIONS& options = {});
 
-// Many pairs: results[i] becomes ops of a[i] and b[i]. The same as a call for each, faster for small ones. The status is that of
+// Many pairs: results[i] becomes what `op` says of a[i] and b[i]. The same as a call for each, faster for small ones. The status is that of
 // the first pair that fails; the others are formed all the same.
 ZBR_API ZBR_REGION_STATUS zbrCombineRegionPairs(const ZBR_REGION_VIEW* a, const ZBR_REGION_VIEW* b, std::size_t count,
                                                 ZBR_BOOLEAN_OPE op, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options = {});

@@ -159,7 +159,7 @@ PyObject* CombineAll(PyObject*, PyObject* const* args, Py_ssize_t count, PyObjec
       return results;
     };
     const Results results = Run(a->region.point_count() + b->region.point_count(), given[6], work);
-    const Ref tuple = Ref::Own(PyTuple_New(static_cast<Py_ssize_t>(results.size())));
+    Ref tuple = Ref::Own(PyTuple_New(static_cast<Py_ssize_t>(results.size())));
     for (std::size_t i = 0; i < results.size(); ++i) {
       if (PyTuple_SetItem(tuple.get(), static_cast<Py_ssize_t>(i), NewRegion(results[i]).release()) != 0) throw PythonError();
     }
@@ -220,7 +220,7 @@ PyObject* Check(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* ke
       CheckStatus(zbrCheckRegion(arrays.view(), found, most));
       return found;
     });
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     for (const ZBR_REGION_FAULT& f : faults) {
       const Ref item = Ref::Own(
           Py_BuildValue("(iddiiii)", static_cast<int>(f.kind), f.place.x(), f.place.y(), f.ring_a, f.edge_a, f.ring_b, f.edge_b));
@@ -243,12 +243,39 @@ PyObject* Operate(PyObject* a, PyObject* b, ZBR_BOOLEAN_OPE op) noexcept {
   });
 }
 
+// What the options of all four operations are.
+#define ZBR_DOC_OF_OPTIONS                                                                                                         \
+  " Of two Region, or pair by pair of Regions, or of Regions and one Region.\n\n"                                                  \
+  "tolerance: what is closer is one place, a length; 0: about 1e-12 of the extent. sources: tell where edges come from, for two "  \
+  "single regions. canonical: rings start at their lowest leftmost points and are ordered by these. threads: for Regions; 0: one " \
+  "for each processor. progress(share): called now and then; False ends the call. Raises ValueError, TypeError, Cancelled."
+
 void AddRegionFunctions(PyObject* module) {
   static PyMethodDef functions[] = {
-      Fast("union", Union, nullptr),           Fast("intersection", Intersection, nullptr),
-      Fast("difference", Difference, nullptr), Fast("xor", SymmetricDifference, nullptr),
-      Fast("combine", CombineAll, nullptr),    Fast("coverage", Cover, nullptr),
-      Fast("faces", Faces, nullptr),           Fast("check", Check, nullptr),
+      Fast("union", Union,
+           "union(a, b, /, *, tolerance=0.0, sources=False, canonical=False, threads=1, progress=None)\n--\n\nWhat lies in a or "
+           "b." ZBR_DOC_OF_OPTIONS),
+      Fast("intersection", Intersection,
+           "intersection(a, b, /, *, tolerance=0.0, sources=False, canonical=False, threads=1, progress=None)\n--\n\nWhat lies in "
+           "both a and b." ZBR_DOC_OF_OPTIONS),
+      Fast("difference", Difference,
+           "difference(a, b, /, *, tolerance=0.0, sources=False, canonical=False, threads=1, progress=None)\n--\n\nWhat lies in a "
+           "and not in b." ZBR_DOC_OF_OPTIONS),
+      Fast("xor", SymmetricDifference,
+           "xor(a, b, /, *, tolerance=0.0, sources=False, canonical=False, threads=1, progress=None)\n--\n\nWhat lies in one of a "
+           "and b, not in both." ZBR_DOC_OF_OPTIONS),
+      Fast("combine", CombineAll,
+           "combine(a, b, ops, *, tolerance=0.0, sources=False, canonical=False, progress=None)\n--\n\n"
+           "A tuple of results, one for each of ops (union, intersection, difference, b-a, xor), by one search. Options are those "
+           "of "
+           "union()."),
+      Fast("coverage", Cover, nullptr),
+      Fast("faces", Faces,
+           "faces(coords, lines=None, *, tolerance=0.0, progress=None)\n--\n\n"
+           "The cells that lines cut the plane into, as Regions. coords (n, 2), lines: offsets into them; lines may cross, touch "
+           "and "
+           "overlap, and are open unless the last point repeats the first."),
+      Fast("check", Check, nullptr),
       {nullptr, nullptr, 0, nullptr},
   };
   if (PyModule_AddFunctions(module, functions) != 0) throw PythonError();

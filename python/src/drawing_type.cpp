@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -43,7 +44,22 @@ struct Request {
   drawing::DrawingOptions options;
   double crease = 30.0;
   double weld = 0.0;
+  std::optional<bool> smoothSilhouettes;  // none: for rough models only
 };
+
+// Sections are known by letters, in their order.
+void AddView(PyObject* object, bool yUp, std::vector<drawing::NamedDirection>& views) {
+  static constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+  drawing::NamedDirection view = ViewOf(object, yUp);
+  if (view.section) {
+    const auto before =
+        static_cast<std::size_t>(std::count_if(views.begin(), views.end(), [](const auto& v) { return v.section.has_value(); }));
+    if (before >= kLetters.size())
+      throw BadArgument("views", "there are letters for " + std::to_string(kLetters.size()) + " sections only");
+    view.name = {kLetters[before], '-', kLetters[before]};
+  }
+  views.push_back(std::move(view));
+}
 
 // The share of the work that has been done when a stage begins, roughly.
 double ShareAt(drawing::DrawStage stage) {
@@ -63,14 +79,23 @@ double ShareAt(drawing::DrawStage stage) {
 
 std::vector<DrawingPtr> Draw(const MeshPtr& mesh, Request& request, Monitor& monitor) {
   const ModelPtr model = mesh->ModelFor(request.crease, request.weld);
-  constexpr double kModel = 0.2;  // share of the work that all views have in common
+  request.options.smoothSilhouettes = request.smoothSilhouettes.value_or(model->isRough);
+  static constexpr double kModel = 0.2;  // share of the work that all views have in common
   monitor.TellOrThrow(kModel / 2);
   std::vector<std::atomic<double>> shares(request.views.size());
-  request.options.progress = [&](std::size_t view, drawing::DrawStage stage) {
-    shares[view] = ShareAt(stage);
+  const auto total = [&shares] {
     double sum = 0.0;
     for (const auto& share : shares) sum += share;
-    monitor.TellOrThrow(kModel + (1.0 - kModel) * sum / static_cast<double>(shares.size()));
+    return kModel + (1.0 - kModel) * sum / static_cast<double>(shares.size());
+  };
+  request.options.progress = [&](std::size_t view, drawing::DrawStage stage) {
+    shares[view] = ShareAt(stage);
+    monitor.TellOrThrow(total());
+  };
+  request.options.removal = [&](std::size_t view, double share) {
+    constexpr double kBegin = 0.1, kEnd = 0.8;  // of ShareAt()
+    shares[view] = kBegin + (kEnd - kBegin) * share;
+    return monitor.Tell(total());
   };
   std::vector<DrawingPtr> drawings;
   for (drawing::ViewLines& view : drawing::DrawViews(*model, request.views, request.options)) {
@@ -126,9 +151,23 @@ PyObject* EdgeOffsets(PyObject* self, void*) noexcept {
 
 PyObject* Outlines(PyObject* self, void*) noexcept {
   return Guarded([&] {
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     for (const RegionPtr& outline : DataOf(self)->outlines) {
       if (PyList_Append(list.get(), NewRegion(outline).get()) != 0) throw PythonError();
+    }
+    return list;
+  });
+}
+
+// What a section lays open, in the coordinates of the drawing.
+PyObject* SectionFaces(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    Ref list = Ref::Own(PyList_New(0));
+    const auto& section = DataOf(self)->view.section;
+    for (std::size_t i = 0; section && i < section->faces.size(); ++i) {
+      const auto face = std::make_shared<RegionData>();
+      face->region = section->faces[i].region;
+      if (PyList_Append(list.get(), NewRegion(face).get()) != 0) throw PythonError();
     }
     return list;
   });
@@ -165,6 +204,7 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
   return Guarded([&] {
     const Arguments<2> given("pick", {"points", "progress"}, 1, args, count, keywords);
     const DrawingPtr data = DataOf(self);
+    if (data->view.section) throw BadArgument("pick", "not in sections");
     Run(kSmallCall, nullptr, [data](Monitor&) { return &data->ThePicker(); });
     const std::shared_ptr<const Picker> picker(data, &data->ThePicker());
     return PickAll(picker, given.Needed(0), data->view.middle.xy(), given[1]);
@@ -203,7 +243,8 @@ Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* object, const ZBR_PT
   std::vector<ZBR_PT> copy;
   for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
   constexpr std::size_t kEvery = 1024;
-  const auto hits = Run(copy.size(), progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
+  const std::size_t size = copy.size();
+  const auto hits = Run(size, progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
     const ZBR_TmpEps hold(drawing::kSceneTolerance);
     std::vector<Picker::Hit> found(copy.size());
     for (std::size_t i = 0; i < copy.size(); ++i) {
@@ -226,14 +267,14 @@ Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* object, const ZBR_PT
 
 PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<9> given("draw",
-                             {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress"},
-                             1, args, count, keywords);
+    const Arguments<11> given("draw",
+                              {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress",
+                               "smooth_silhouettes", "centre_lines"},
+                              1, args, count, keywords);
     const MeshPtr mesh = Holder<MeshData>::Of(self);
     Request request;
     const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
-    while (PyObject* const next = PyIter_Next(iterator.get()))
-      request.views.push_back(ViewOf(Ref::Own(next).get(), mesh->mesh.yUp));
+    while (PyObject* const next = PyIter_Next(iterator.get())) AddView(Ref::Own(next).get(), mesh->mesh.yUp, request.views);
     if (PyErr_Occurred() != nullptr) throw PythonError();
     request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
     request.crease = given.Number(2, 30.0, 0.0);
@@ -241,12 +282,14 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     request.options.tangents = given.Truth(4, false);
     request.options.intersections = given.Truth(5, true);
     request.options.outlines = given.Truth(6, false);
+    if (given.OrNull(9) != nullptr) request.smoothSilhouettes = given.Truth(9, false);
+    request.options.centreLines = given.Truth(10, false);
     const unsigned threads = given.Threads(7);
     request.options.threads = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
     const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
       return Draw(mesh, request, monitor);
     });
-    const Ref list = Ref::Own(PyList_New(0));
+    Ref list = Ref::Own(PyList_New(0));
     for (const DrawingPtr& data : drawings) {
       if (PyList_Append(list.get(), Objects::Make(data).get()) != 0) throw PythonError();
     }
@@ -260,18 +303,23 @@ const DrawingPtr& DrawingOf(PyObject* object, const char* name) {
 
 void AddDrawingType(PyObject* module) {
   static PyGetSetDef properties[] = {
-      {"coords", Coords, nullptr, nullptr, nullptr},
-      {"lines", Lines, nullptr, nullptr, nullptr},
-      {"kind", Kinds, nullptr, nullptr, nullptr},
-      {"hidden", Hidden, nullptr, nullptr, nullptr},
-      {"shell", Shells, nullptr, nullptr, nullptr},
-      {"edges", Edges, nullptr, nullptr, nullptr},
-      {"edge_offsets", EdgeOffsets, nullptr, nullptr, nullptr},
-      {"outlines", Outlines, nullptr, nullptr, nullptr},
-      {"name", Name, nullptr, nullptr, nullptr},
-      {"bounds", Bounds, nullptr, nullptr, nullptr},
-      {"middle", Middle, nullptr, nullptr, nullptr},
-      {"axes", Axes, nullptr, nullptr, nullptr},
+      {"coords", Coords, nullptr, "(n, 2) float64: the points of all lines, one behind the other. A view; read-only.", nullptr},
+      {"lines", Lines, nullptr, "(m + 1,) int32: line i is coords[lines[i]:lines[i + 1]]; a closed one ends where it starts.",
+       nullptr},
+      {"kind", Kinds, nullptr, "(m,) uint8: why a line is drawn, a place in KINDS.", nullptr},
+      {"hidden", Hidden, nullptr, "(m,) bool.", nullptr},
+      {"shell", Shells, nullptr, "(m,) int32: the shell that a line belongs to; shells are numbered by their first triangles.",
+       nullptr},
+      {"edges", Edges, nullptr,
+       "(k, 2) int32: triangle of the mesh and its edge (3: across it) that lines are made of, in their order.", nullptr},
+      {"edge_offsets", EdgeOffsets, nullptr, "(m + 1,) int32: the edges of line i are edges[edge_offsets[i]:edge_offsets[i + 1]].",
+       nullptr},
+      {"outlines", Outlines, nullptr, "What is seen of each object, a list of Region, where asked for.", nullptr},
+      {"section_faces", SectionFaces, nullptr, "What a section lays open, a list of Region.", nullptr},
+      {"name", Name, nullptr, "The name of the view.", nullptr},
+      {"bounds", Bounds, nullptr, "(xmin, ymin, xmax, ymax) of the model in the view.", nullptr},
+      {"middle", Middle, nullptr, "(x, y, z): where the origin of the drawing lies, in the axes of the view.", nullptr},
+      {"axes", Axes, nullptr, "(3, 3) float64: what is drawn to the right, upwards, and towards the viewer.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {
@@ -285,6 +333,13 @@ void AddDrawingType(PyObject* module) {
       {0, nullptr},
   };
   Objects::AddType(module, "Drawing", "zbr._zbr.Drawing", slots);
+  const Ref kinds = Ref::Own(PyList_New(0));
+  for (int kind = 0; kind <= static_cast<int>(drawing::EdgeClass::kCentre); ++kind) {
+    const Ref name = Ref::Own(PyUnicode_FromString(drawing::NameOf(static_cast<drawing::EdgeClass>(kind))));
+    if (PyList_Append(kinds.get(), name.get()) != 0) throw PythonError();
+  }
+  const Ref tuple = Ref::Own(PyList_AsTuple(kinds.get()));
+  if (PyModule_AddObjectRef(module, "KINDS", tuple.get()) < 0) throw PythonError();
 }
 
 }  // namespace zbr::python

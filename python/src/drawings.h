@@ -92,7 +92,7 @@ struct SheetData {
   std::size_t shells = 0;
 };
 
-// A name, a direction of looking, or that and what is up.
+// A name, a section ("X=10"), a direction of looking, or that and what is up.
 drawing::NamedDirection ViewOf(PyObject* object, bool yUp);
 
 // Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).

@@ -45,7 +45,7 @@ drawing::Mesh MeshOf(PyObject* points, PyObject* faces) {
 
 // `file` is what people know it by; the other name is for titles and layers.
 std::shared_ptr<MeshData> Named(drawing::Mesh mesh, const std::string& file, const std::string& name) {
-  const auto data = std::make_shared<MeshData>();
+  auto data = std::make_shared<MeshData>();
   data->mesh = std::move(mesh);
   data->name = name;
   data->sources.push_back({file, name, {}, 0});
@@ -139,12 +139,19 @@ PyObject* Join(PyObject*, PyObject* meshes) noexcept {
   });
 }
 
+// A view that is no section.
+drawing::NamedDirection WholeView(PyObject* object, bool yUp) {
+  drawing::NamedDirection view = ViewOf(object, yUp);
+  if (view.section) throw BadArgument("view", "sections can only be drawn");
+  return view;
+}
+
 // The outlines of all objects, in the model's coordinates.
 PyObject* Outline(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<4> given("outline", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
-    const drawing::NamedDirection view = ViewOf(given[0], mesh->mesh.yUp);
+    const drawing::NamedDirection view = WholeView(given[0], mesh->mesh.yUp);
     const double weld = given.Number(1, 0.0, 0.0);
     const unsigned threads = given.Threads(2);
     return NewRegion(Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) -> RegionPtr {
@@ -166,7 +173,7 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
   return Guarded([&] {
     const Arguments<4> given("pick", {"points", "view", "weld", "progress"}, 2, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
-    const drawing::NamedDirection view = ViewOf(given[1], mesh->mesh.yUp);
+    const drawing::NamedDirection view = WholeView(given[1], mesh->mesh.yUp);
     const double weld = given.Number(2, 0.0, 0.0);
     given.Needed(0);
     const auto picker = Run(kSmallCall, nullptr, [mesh, view, weld](Monitor&) {
@@ -199,6 +206,16 @@ std::array<double, 3> Vector(PyObject* object, const char* name) {
   return {xyz.data()[0], xyz.data()[1], xyz.data()[2]};
 }
 
+// What a view's description says, or why it says nothing.
+template <class Parse>
+auto Parsed(Parse parse) -> decltype(parse()) {
+  try {
+    return parse();
+  } catch (const drawing::Failure& failure) {
+    throw BadArgument("view", failure.what());
+  }
+}
+
 }  // namespace
 
 ModelPtr MeshData::ModelFor(double crease, double weld) const {
@@ -215,6 +232,10 @@ drawing::NamedDirection ViewOf(PyObject* object, bool yUp) {
   if (PyUnicode_Check(object) != 0) {
     const std::string name = Arguments<1>::Text(object);
     if (const auto view = drawing::NamedView(name, yUp)) return {name, *view};
+    if (name.find('=') != std::string::npos) {
+      const drawing::SectionPlane plane = Parsed([&] { return drawing::ParseSection(name, yUp); });
+      return {name, drawing::SectionView(plane, yUp), plane};
+    }
     std::string known;
     for (const std::string& one : drawing::ViewNames()) known += (known.empty() ? "" : ", ") + one;
     throw BadArgument("view", "one of " + known + ", a direction, or a direction and what is up is needed");
@@ -225,25 +246,26 @@ drawing::NamedDirection ViewOf(PyObject* object, bool yUp) {
   const auto vector = [&](Py_ssize_t i) { return Vector(Ref::Own(PySequence_GetItem(object, i)).get(), "view"); };
   const std::array<double, 3> look = isPair ? vector(0) : Vector(object, "view");
   const std::array<double, 3> up = isPair ? vector(1) : std::array<double, 3>{usual.x(), usual.y(), usual.z()};
-  try {
-    return {"look", drawing::LookAlong(ZBR_PT3(look[0], look[1], look[2]), ZBR_PT3(up[0], up[1], up[2]))};
-  } catch (const drawing::Failure& failure) {
-    throw BadArgument("view", failure.what());
-  }
+  return {"look", Parsed([&] { return drawing::LookAlong(ZBR_PT3(look[0], look[1], look[2]), ZBR_PT3(up[0], up[1], up[2])); })};
 }
 
 void AddMeshType(PyObject* module) {
   static PyGetSetDef properties[] = {
-      {"points", Points, nullptr, nullptr, nullptr}, {"faces", Faces, nullptr, nullptr, nullptr},
-      {"name", Name, nullptr, nullptr, nullptr},     {"y_up", YUp, nullptr, nullptr, nullptr},
+      {"points", Points, nullptr, "(v, 3) float64. A view; read-only.", nullptr},
+      {"faces", Faces, nullptr, "(f, 3) int32: places of points. A view; read-only.", nullptr},
+      {"name", Name, nullptr, "What titles call it.", nullptr},
+      {"y_up", YUp, nullptr, "Whether y points up, else z.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {
-      Fast("outline", Outline, nullptr),
+      Fast("outline", Outline,
+           "outline($self, /, view=\"iso\", *, weld=0.0, threads=1, progress=None)\n--\n\n"
+           "What the mesh covers in a view, a Region in the axes of the view and from the origin of the model."),
       Fast("pick", Pick, nullptr),
       Fast("_draw", DrawMesh, nullptr),
       {"_survey", Survey, METH_NOARGS, nullptr},
-      {"join", Join, METH_O | METH_STATIC, nullptr},
+      {"join", Join, METH_O | METH_STATIC,
+       "join(meshes, /)\n--\n\nOne mesh of several, each an object of its own, never welded to others."},
       {nullptr, nullptr, 0, nullptr},
   };
   static const PyType_Slot slots[] = {

@@ -83,7 +83,7 @@ class Arguments {
 
  private:
   std::array<const char*, N> names_;
-  std::array<PyObject*, N> values_{};
+  PyObject* values_[N] = {};
 };
 
 // An entry of a method table for a function with the fast protocol.

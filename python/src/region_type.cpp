@@ -191,17 +191,17 @@ Ref LocateAll(const RegionPtr& data, PyObject* object, PyObject* progress, Answe
   std::vector<ZBR_PT> copy;  // the work may outlast the call, and the array
   for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
   constexpr std::size_t kEvery = 4096;
-  return MakeArray<Shown>(
-      Run(copy.size() + data->region.point_count(), progress, [data, answer, copy = std::move(copy)](Monitor& monitor) {
-        std::vector<T> places(copy.size());
-        const Locator& locator = data->TheLocator();
-        const ZBR_TmpEps hold(drawing::kTolerance);
-        for (std::size_t i = 0; i < copy.size(); ++i) {
-          if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
-          places[i] = answer(locator.Locate(copy[i]));
-        }
-        return places;
-      }));
+  const std::size_t size = copy.size() + data->region.point_count();
+  return MakeArray<Shown>(Run(size, progress, [data, answer, copy = std::move(copy)](Monitor& monitor) {
+    std::vector<T> places(copy.size());
+    const Locator& locator = data->TheLocator();
+    const ZBR_TmpEps hold(drawing::kTolerance);
+    for (std::size_t i = 0; i < copy.size(); ++i) {
+      if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
+      places[i] = answer(locator.Locate(copy[i]));
+    }
+    return places;
+  }));
 }
 
 PyObject* Locate(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
@@ -293,21 +293,31 @@ const RegionPtr& RegionOf(PyObject* object, const char* name) {
 
 void AddRegionType(PyObject* module) {
   static PyGetSetDef properties[] = {
-      {"coords", Coords, nullptr, nullptr, nullptr},
-      {"rings", Rings, nullptr, nullptr, nullptr},
-      {"polygons", Polygons, nullptr, nullptr, nullptr},
+      {"coords", Coords, nullptr, "(n, 2) float64: the points of all rings, one ring behind the other. A view; read-only.",
+       nullptr},
+      {"rings", Rings, nullptr,
+       "(r + 1,) int32: ring i is coords[rings[i]:rings[i + 1]], not closed; outer ones counter-clockwise.", nullptr},
+      {"polygons", Polygons, nullptr,
+       "(p + 1,) int32: rings of polygon i are polygons[i] to polygons[i + 1] - 1, the outer one first.", nullptr},
       {"_source_bytes", SourceBytes, nullptr, nullptr, nullptr},
-      {"source_offsets", SourceOffsets, nullptr, nullptr, nullptr},
-      {"area", Area, nullptr, nullptr, nullptr},
-      {"perimeter", Perimeter, nullptr, nullptr, nullptr},
-      {"bounds", Bounds, nullptr, nullptr, nullptr},
-      {"centroid", Centroid, nullptr, nullptr, nullptr},
+      {"source_offsets", SourceOffsets, nullptr, "(n + 1,) int32: offsets into sources, by point; (1,) where there are none.",
+       nullptr},
+      {"area", Area, nullptr, "The area, in squares of the unit.", nullptr},
+      {"perimeter", Perimeter, nullptr, "The length of all rings.", nullptr},
+      {"bounds", Bounds, nullptr, "(xmin, ymin, xmax, ymax); NaN when empty.", nullptr},
+      {"centroid", Centroid, nullptr, "The centre of mass (x, y); NaN when empty.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {
-      Fast("contains", Contains, nullptr),
-      Fast("locate", Locate, nullptr),
-      Fast("simplify", Simplify, nullptr),
+      Fast("contains", Contains,
+           "contains($self, /, points, *, progress=None)\n--\n\n"
+           "(n,) bool: whether the points (n, 2) lie in the interior. The first call builds an index."),
+      Fast("locate", Locate,
+           "locate($self, /, points, *, progress=None)\n--\n\n"
+           "(n,) int8: 1 for points in the interior, 0 on the boundary, -1 outside. Points that are not finite are outside."),
+      Fast("simplify", Simplify,
+           "simplify($self, /, tolerance, *, progress=None)\n--\n\n"
+           "The region without points that lie straight between their neighbours within the tolerance, a length; valid."),
       {nullptr, nullptr, 0, nullptr},
   };
   static const PyType_Slot slots[] = {

@@ -230,12 +230,12 @@ const RegionListPtr& RegionsOf(PyObject* object, const char* name) {
 
 void AddRegionsType(PyObject* module) {
   static PyGetSetDef properties[] = {
-      {"coords", Coords, nullptr, nullptr, nullptr},
-      {"rings", Offsets<&RegionList::rings>, nullptr, nullptr, nullptr},
-      {"polygons", Offsets<&RegionList::polygons>, nullptr, nullptr, nullptr},
-      {"regions", Offsets<&RegionList::regions>, nullptr, nullptr, nullptr},
-      {"area", Areas, nullptr, nullptr, nullptr},
-      {"perimeter", Perimeters, nullptr, nullptr, nullptr},
+      {"coords", Coords, nullptr, "(n, 2) float64: the points of all rings. A view; read-only.", nullptr},
+      {"rings", Offsets<&RegionList::rings>, nullptr, "int32: offsets of rings into coords, from 0.", nullptr},
+      {"polygons", Offsets<&RegionList::polygons>, nullptr, "int32: offsets of polygons into rings, from 0.", nullptr},
+      {"regions", Offsets<&RegionList::regions>, nullptr, "int32: offsets of regions into polygons, from 0.", nullptr},
+      {"area", Areas, nullptr, "(m,) float64: the area of each region.", nullptr},
+      {"perimeter", Perimeters, nullptr, "(m,) float64: the length of the rings of each region.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {

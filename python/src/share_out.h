@@ -52,6 +52,9 @@ RegionList ShareOut(std::size_t count, unsigned threads, Monitor& monitor, const
   for (std::thread& other : others) other.join();
   if (error) std::rethrow_exception(error);
   RegionList all;
+  std::size_t points = 0;
+  for (const RegionList& part : parts) points += part.points.size();
+  all.points.reserve(points);
   for (RegionList& part : parts) {
     all.Add(part);
     part = RegionList();

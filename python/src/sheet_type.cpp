@@ -113,8 +113,8 @@ PyObject* Paper(PyObject* self, void*) noexcept {
 
 void AddSheetType(PyObject* module) {
   static PyGetSetDef properties[] = {
-      {"scale", Scale, nullptr, nullptr, nullptr},
-      {"paper", Paper, nullptr, nullptr, nullptr},
+      {"scale", Scale, nullptr, "Millimetres on paper for each of the model.", nullptr},
+      {"paper", Paper, nullptr, "(width, height) in millimetres.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {

@@ -57,6 +57,16 @@ def test_assemblies_and_outlines():
     assert b"cube-2" in two.draw("top", outlines=True).dxf()
 
 
+def test_sections():
+    section = zbr.Mesh.join([cube(2.0), cube(1.0, (5.0, 0.0, 0.0))]).section("Y=0.5")
+    assert sorted(face.area for face in section.section_faces) == pytest.approx([1.0, 4.0])
+    assert section.polylines(kind="cut") and section.name == "A-A"
+    views = cube(2.0).draw_views(["front", "X=1", "Z=0.5..1"])
+    assert [view.name for view in views] == ["front", "A-A", "B-B"] and "A-A" in zbr.sheet(views).svg()
+    with pytest.raises(ValueError, match="^view: "):
+        cube().section("X=")
+
+
 def test_one_view_of_several_is_that_view():
     mesh = zbr.read(EXAMPLES / "housing.obj")
     together = mesh.draw_views(["front", "iso", ((1, 2, -1), (0, 0, 1))], threads=2)

@@ -13,7 +13,7 @@ from . import _picture, _zbr
 from ._files import written
 
 #: What the numbers of `Drawing.kind` mean.
-KINDS = ("smooth", "border", "crease", "junction", "silhouette", "tangent", "intersection")
+KINDS: tuple[str, ...] = _zbr.KINDS
 
 View = str | Sequence[Any]
 
@@ -75,14 +75,23 @@ class Mesh(_zbr.Mesh):
 
         Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn), weld=0.0
         (points closer than this part of the diagonal are one), tangents=False (smooth edges at which fillets end),
-        intersections=True (lines where bodies pass through each other), outlines=False (what is seen of each object), threads=1
-        (0: one for each processor), progress=None.
+        intersections=True (lines where bodies pass through each other), smooth_silhouettes=None (of the surface that the facets
+        stand for; None: for scans only), centre_lines=False, outlines=False (what is seen of each object), threads=1 (0: one for
+        each processor), progress=None.
         """
         return self._draw([view], **options)[0]
 
     def draw_views(self, views: Iterable[View], **options: Any) -> list[Drawing]:
         """Draws several views, which costs less than one by one; options as for draw()."""
         return self._draw(views, **options)
+
+    def section(self, plane: str, *, hidden: bool = False, **options: Any) -> Drawing:
+        """Draws a section: what a plane lays open and what lies behind. The faces are the drawing's section_faces.
+
+        plane: "X=10", "Y=10" or "Z=10", seen as right, front and top are; "X=10..25": what lies between the two; "1,0,1=20": at
+        this distance from the origin in this direction. draw_views() takes planes, too. Options as for draw().
+        """
+        return self.draw(plane, hidden=hidden, **options)
 
     def survey(self) -> Survey:
         """Looks for what keeps the mesh from bounding bodies."""

@@ -11,6 +11,7 @@ from ._regions import Region as PublicRegion
 from ._regions import Regions as PublicRegions
 
 __version__: str
+KINDS: tuple[str, ...]
 
 _Progress = Callable[[float], object] | None
 _Sides = PublicRegion | PublicRegions
@@ -146,6 +147,8 @@ class Drawing:
     def edge_offsets(self) -> NDArray[np.int32]: ...
     @property
     def outlines(self) -> list[PublicRegion]: ...
+    @property
+    def section_faces(self) -> list[PublicRegion]: ...
     @property
     def name(self) -> str: ...
     @property

@@ -104,6 +104,8 @@ TEST(Model, GeneratedBodiesAreClosedAndFaceOutwards) {
       {"boxes", example::BoxesOnPlate(4), 17, 2, 17 * 12},
       {"gears", example::Gears(2, 1000), 8, 0, 0},
       {"housing: a bore, four bolt holes, six in the flange", example::Housing(), 1, 2 - 2 * 11, 0},
+      {"cover, boss and pipe", example::Cover(), 3, 2, 0},
+      {"cone through a sphere", example::ConeThroughSphere(), 2, 2, 0},
       {"house, first its walls with ten openings", example::House(), 23, 2 - 2 * 10, 0},
   };
   for (const Sound& c : kCases) {

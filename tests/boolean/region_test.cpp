@@ -310,6 +310,33 @@ TEST(Region, SweepsRightAngledRingsAsTheyAreArranged) {
   }
 }
 
+// The ends of the long edges are off the grid by half a step: where two cross almost on a third one, the place told nothing of its
+// side, and a ring touched its own edge from without. Led through that place, no edge comes near it.
+TEST(Region, CrossingsBesideAnEdgeAreOnIt) {
+  const ZBR_TmpEps guard(1e-12);
+  const ZBR_REGION a = RegionOf({{{31.567768844142076, -27.522436731746907},
+                                  {-41.78894448168422, -27.604840754793408},
+                                  {31.567768792047893, -27.522436622545126}},
+                                 {{30.592052395596305, -32.889078366138065},
+                                  {-41.78894469234753, -27.604840568195595},
+                                  {30.59205224228659, -32.88907837049685}}});
+  const ZBR_REGION b = RegionOf({{{31.56776861875701, -27.522436698805386},
+                                  {30.59205234202793, -32.88907809219331},
+                                  {30.59205207183357, -32.8890781108945}}});
+  for (const ZBR_BOOLEAN_OPE op : {ZBR_BOOL_A_MINUS_B, ZBR_BOOL_OR}) {
+    const std::vector<Ring> rings = RingsOf(zbrCombineRegions(a, b, op));
+    EXPECT_GE(rings.size(), 2U);
+    ForEachEdge(rings, [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+      for (const Ring& ring : rings) {
+        for (const ZBR_PT& v : ring) {
+          const bool isEnd = v.Distance(p) == 0.0 || v.Distance(q) == 0.0;
+          EXPECT_TRUE(isEnd || !zbrIsOnSeg(v, p, q, nullptr, nullptr)) << v.x() << ' ' << v.y();
+        }
+      }
+    });
+  }
+}
+
 // Eight places of the coordinates to a unit.
 TEST(Region, SmallThingsFarAwayStay) {
   const double far = 1e15;
@@ -383,6 +410,25 @@ TEST(Region, StopsWhenProgressSaysSo) {
     if (!stopped) return;
   }
   FAIL() << "never came to an end";
+}
+
+TEST(Region, SweepOfRightAngledOperandsStopsToo) {
+  ZBR_REGION bars, beams;
+  for (int i = 0; i < 40; ++i) {
+    const double low = 2 * i + 0.5, high = low + 1;
+    bars.AddRing({{low, 0}, {high, 0}, {high, 80}, {low, 80}});
+    beams.AddRing({{0, low}, {80, low}, {80, high}, {0, high}});
+  }
+  beams.AddRing({{100, 0}, {101, 0}, {101, 1}, {100, 1}});
+  bars.AddRing({{101, 0}, {102, 0}, {102, 1}, {101, 1}});  // along an edge, which is not for the walk
+  ZBR_REGION_OPTIONS options;
+  int left = 4;
+  options.progress_data = &left;
+  options.progress = [](double share, void* data) { return share < 1.0 && --*static_cast<int*>(data) > 0; };
+  const ZBR_BOOLEAN_OPE op = ZBR_BOOL_XOR;
+  ZBR_REGION result = bars;
+  EXPECT_EQ(zbrCombineRegions(bars.view(), beams.view(), &op, &result, 1, options).code, ZBR_REGION_STOPPED);
+  EXPECT_TRUE(result.empty() && left == 0);
 }
 
 TEST(Region, ProgressOfManyPairsGoesOn) {

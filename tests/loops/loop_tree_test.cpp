@@ -76,4 +76,31 @@ TEST(LoopTree, DeepNests) {
   }
 }
 
+// Copies are nested as one, loops that are equal but for the vertex they start at one by one.
+TEST(LoopTree, CopiesNestAsEqualLoopsDo) {
+  std::mt19937_64 random(1);
+  const auto below = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  for (int k = 0; k < 300; ++k) {
+    std::vector<Ring> copies;
+    std::vector<Ring> turned;
+    for (int n = 1 + below(5); n > 0; --n) {
+      const int x = 20 * below(2), half = 1 + below(6);
+      Ring ring = Square(x - half, -half, 2 * half);
+      for (int times = 1 + below(5); times > 0; --times) {
+        copies.push_back(Square(x - half, -half, 2 * half));
+        turned.push_back(ring);
+        std::rotate(ring.begin(), ring.begin() + 1, ring.end());
+      }
+    }
+    LoopList a = MakeLoops(copies);
+    LoopList b = MakeLoops(turned);
+    zbrMakeLoopTree(a);
+    zbrMakeLoopTree(b);
+    ASSERT_EQ(Tree(a), Tree(b)) << k;
+  }
+  LoopList many = MakeLoops(std::vector<Ring>(50000, Square(0, 0, 4)));
+  zbrMakeLoopTree(many);
+  EXPECT_EQ(many.size(), 25000U);
+}
+
 }  // namespace

@@ -77,6 +77,7 @@ DrawingOptions DrawingOptionsOf(Options& options) {
   drawing.tangents = options.Get("tangents", false);
   drawing.curves = options.Get("curves", true);
   drawing.outlines = options.Get("fill", false);
+  drawing.centreLines = options.Get("centreLines", false);
   drawing.contact = options.Get("contact", -1.0);
   return drawing;
 }
@@ -90,7 +91,8 @@ std::string KeyOf(const std::vector<NamedDirection>& directions, const DrawingOp
   };
   add(crease);
   add(static_cast<double>(options.hidden));
-  for (const bool flag : {options.intersections, options.tangents, options.curves, options.outlines}) add(flag ? 1 : 0);
+  for (const bool flag : {options.intersections, options.tangents, options.curves, options.outlines, options.centreLines})
+    add(flag ? 1 : 0);
   add(options.contact);
   for (const NamedDirection& d : directions) {
     key += d.name + ' ';

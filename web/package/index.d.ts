@@ -194,6 +194,8 @@ export interface ViewOptions {
   tangents?: boolean;
   /** Arcs where the model has circles; true by default. */
   curves?: boolean;
+  /** Centre lines of circles, on sheets; false by default. */
+  centreLines?: boolean;
   /** Bodies at most this far apart stand face to face. */
   contact?: number;
   axes?: 'y' | 'z';

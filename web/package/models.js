@@ -2,7 +2,7 @@
 import { regionOfBuffers } from './regions.js';
 import { ZbrError, textOf } from './instance.js';
 
-const CLASSES = ['smooth', 'border', 'crease', 'junction', 'silhouette', 'tangent', 'intersection', 'cut', 'hatching', 'cutting-plane'];
+const CLASSES = ['smooth', 'border', 'crease', 'junction', 'silhouette', 'tangent', 'intersection', 'cut', 'hatching', 'cutting-plane', 'centre'];
 /** Names of the numbers in Drawing.classes. */
 export const edgeClasses = Object.freeze(CLASSES);
 

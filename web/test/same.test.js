@@ -9,7 +9,7 @@ import { load, root } from './package.js';
 
 const build = join(root, 'build');
 const fingerprint = join(build, 'web/tests/reliability/fingerprint/zbr-fingerprint.js');
-const native = join(build, 'release/tests/corpus/zbr-corpus');
+const native = process.env.ZBR_CORPUS ?? join(build, 'release/tests/corpus/zbr-corpus');
 const corpus = process.env.ZBR_POLYGON_CORPUS ?? join(root, '../shared/data/polygons');
 
 test('the fingerprint', () => {

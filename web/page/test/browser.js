@@ -1,8 +1,9 @@
 // A browser on the page as it was built, served as any server of files would.
-import { createReadStream, existsSync, mkdirSync, statSync } from 'node:fs';
+import { createReadStream, existsSync, mkdirSync, readFileSync, statSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { extname, join, normalize } from 'node:path';
 import { fileURLToPath } from 'node:url';
+import { gzipSync } from 'node:zlib';
 import { chromium } from 'playwright-core';
 
 export const root = fileURLToPath(new URL('../../..', import.meta.url));
@@ -18,7 +19,7 @@ export async function serve(...folders) {
       response.writeHead(404).end();
       return;
     }
-    sent.bytes += statSync(file).size;
+    sent.bytes += gzipSync(readFileSync(file)).length; // as servers send it that compress
     response.writeHead(200, { 'content-type': TYPES[extname(file)] ?? 'application/octet-stream' });
     createReadStream(file).pipe(response);
   });

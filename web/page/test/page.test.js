@@ -218,12 +218,12 @@ test('the same bits as the native library', { timeout: 120000 }, async () => {
   const build = join(root, 'build');
   const files = await serve(join(build, 'web/web/package'), join(build, 'web/tests/reliability/fingerprint'), join(root, 'web/test'));
   const page = await browser.newPage();
-  await page.goto(`${files.url}nothing`); // a page of the same origin
+  await page.goto(`${files.url}digests.js`); // something of the same origin
   await page.setContent('<script>Module = { text: "", print(line) { Module.text += line + "\\n"; } };</script>');
   await page.addScriptTag({ url: `${files.url}zbr-fingerprint.js` });
   await page.waitForFunction(() => Module.text.split('\n').length > 10, null, { timeout: 100000 });
   assert.equal(await page.evaluate(() => Module.text), readFileSync(join(root, 'tests/reliability/fingerprint/expected.txt'), 'utf8'));
-  const corpus = process.env.ZBR_POLYGON_CORPUS ?? join(root, '../shared/data/polygons'), native = join(build, 'release/tests/corpus/zbr-corpus');
+  const corpus = process.env.ZBR_POLYGON_CORPUS ?? join(root, '../shared/data/polygons'), native = process.env.ZBR_CORPUS ?? join(build, 'release/tests/corpus/zbr-corpus');
   if (existsSync(corpus) && existsSync(native)) {
     const lines = readdirSync(corpus).filter((name) => name.endsWith('.jsonl'))
       .flatMap((name) => readFileSync(join(corpus, name), 'utf8').split('\n').filter(Boolean));

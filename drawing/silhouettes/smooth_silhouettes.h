@@ -1,0 +1,38 @@
+// Silhouettes of the smooth surfaces that facets stand for.
+#pragma once
+
+#include <zbr-drawing/intersections.h>
+#include <zbr-drawing/scene.h>
+#include <zbr-drawing/view_lines.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace zbr::drawing {
+
+class SmoothSilhouettes {
+ public:
+  // Finds them for a view that is no perspective. Linear, but for the chaining.
+  SmoothSilhouettes(const Model& model, const View& view);
+
+  // Puts them behind the lines of a scene that is to be made.
+  void AddTo(std::vector<IntersectionLine>& lines);
+  // They take the place of the silhouettes along edges in the scene made with these lines.
+  void PutInto(const Model& model, Scene& scene) const;
+  // Takes them from the scene after the removal as lines, hidden ones where wanted.
+  std::vector<Line> TakeFrom(const Model& model, Scene& scene, bool hidden) const;
+
+ private:
+  // Lines in a row.
+  struct Curve {
+    std::uint32_t shell = 0, begin = 0, end = 0;
+    bool closed = false;
+  };
+  void FindIn(const Model& model, std::size_t shell, const View& view);
+
+  std::vector<IntersectionLine> lines_;
+  std::vector<Curve> curves_;
+  std::size_t first_ = 0;  // of them among the scene's lines
+};
+
+}  // namespace zbr::drawing

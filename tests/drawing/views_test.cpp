@@ -1,0 +1,244 @@
+// Views from an eye, against rays; centre lines; smooth silhouettes; the creases of scans.
+
+#include <zbr-drawing/failure.h>
+#include <zbr-drawing/sheet.h>
+#include <zbr-drawing/views.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <random>
+#include <string>
+
+#include "models/models.h"
+#include "models/solid.h"
+
+namespace zbr::drawing {
+namespace {
+
+using example::Append;
+
+// The least distance, as a part of the way, from where a triangle is met on the way from p to q to either end of it; 1 where none
+// is. Grazing counts, as a negative distance: it is no one's business what is seen there.
+double Clearance(const Mesh& mesh, const ZBR_PT3& p, const ZBR_PT3& q, bool& hidden) {
+  constexpr double kGraze = 1e-4;
+  double least = 1.0;
+  const ZBR_PT3 way = q - p;
+  for (const auto& t : mesh.triangles) {
+    const ZBR_PT3 &a = mesh.points[t[0]], ab = mesh.points[t[1]] - a, ac = mesh.points[t[2]] - a;
+    const ZBR_PT3 n = ab.OuterProduct(ac);
+    const double along = n.InnerProduct(way);
+    const double s = along == 0 ? HUGE_VAL : n.InnerProduct(a - p) / along;
+    if (!(std::abs(s) < 2)) continue;
+    const ZBR_PT3 at = p + way * s - a;
+    const double v = ab.OuterProduct(at).InnerProduct(n) / n.Length2(), u = at.OuterProduct(ac).InnerProduct(n) / n.Length2();
+    const double inside = std::min({u, v, 1 - u - v});
+    if (inside < -kGraze || s > 1 || s < -kGraze) continue;
+    if (std::abs(s) < kGraze) continue;  // the faces of the edge itself
+    if (inside < kGraze) return -1.0;
+    hidden = true;
+    least = std::min(least, s);
+  }
+  return least;
+}
+
+double DistanceTo(const std::vector<Line>& lines, const ZBR_PT& p) {
+  double least = HUGE_VAL;
+  for (const Line& line : lines) {
+    for (std::size_t i = 1; i < line.chain.points.size(); ++i) {
+      const ZBR_PT &a = line.chain.points[i - 1], ab = line.chain.points[i] - a;
+      const double t = std::clamp((p - a).InnerProduct(ab) / std::max(ab.Length2(), 1e-300), 0.0, 1.0);
+      least = std::min(least, p.Distance(a + ab * t));
+    }
+  }
+  return least;
+}
+
+// Points of creases are on lines where the way to the eye is free, and only there.
+TEST(Perspective, RaysToTheEyeAgree) {
+  Mesh mesh = example::BoxesOnPlate(4);
+  const Model model = MakeModel(mesh, 30.0);
+  const ZBR_PT3 middle = model.Centre(), size = model.high - model.low;
+  int seen = 0, unseen = 0, wrong = 0;
+  for (const auto& [from, field] : {std::pair{ZBR_PT3(0.9, -1.1, 2.5), 0.0},
+                                    {ZBR_PT3(-0.7, 0.4, 1.2), 0.0},
+                                    {ZBR_PT3(0.2, 0.1, 0.55), 80.0},
+                                    {ZBR_PT3(0.3, -0.45, 0.4), 60.0}}) {
+    const ZBR_PT3 eye(middle.x() + from.x() * size.x(), middle.y() + from.y() * size.y(), middle.z() + from.z() * size.z() * 1.7);
+    const View view = LookFrom(eye, middle + ZBR_PT3(0.01, 0.02, 0) * size.x(), {0, 0, 1}, field);
+    const ViewLines drawn = DrawViews(model, {{"eye", view}}, {}).front();
+    const double tiny = 1e-5 * drawn.extent.Size(), distance = view.perspective->distance;
+    const double reach = field > 0 ? distance * std::tan(field / 2 * 0.017453292519943295) : drawn.extent.Size();
+    for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+      for (int e = 0; e < model.Shell(s).GetEdgeCnt(); ++e) {
+        const ZBR_ZBREPE& edge = *model.Shell(s).GetEdge(e);
+        if (!edge.GetShow()) continue;
+        for (const double t : {0.137, 0.519, 0.871}) {
+          const ZBR_PT3 p = edge.GetVertex0()->GetPt() * (1 - t) + edge.GetVertex1()->GetPt() * t;
+          const ZBR_PT3 q = view.In(p - eye);
+          const ZBR_PT at(q.x() * distance / -q.z(), q.y() * distance / -q.z());
+          if (-q.z() < 2 * view.perspective->Nearest() || std::max(std::abs(at.x()), std::abs(at.y())) > 0.99 * reach) continue;
+          bool hidden = false;
+          if (Clearance(mesh, p, eye, hidden) < 0.01) continue;
+          ++(hidden ? unseen : seen);
+          const double off = DistanceTo(drawn.lines, at);
+          wrong += (hidden ? off < tiny : off > tiny) ? 1 : 0;
+        }
+      }
+    }
+  }
+  EXPECT_GT(seen, 200);
+  EXPECT_GT(unseen, 100);
+  EXPECT_LE(wrong, unseen / 100);  // what is hidden may lie under a line that is not
+}
+
+TEST(Perspective, EyesThatSeeNothing) {
+  const Model model = MakeModel(example::Box({0, 0, 0}, {1, 1, 1}), 30.0);
+  EXPECT_THROW(LookFrom({1, 1, 1}, {1, 1, 1}, {0, 0, 1}), Failure);
+  EXPECT_THROW(LookFrom({1, 1, 1}, {0, 0, 0}, {0, 0, 1}, 171), Failure);
+  EXPECT_THROW(DrawViews(model, {{"eye", LookFrom({5, 5, 5}, {9, 9, 8}, {0, 0, 1})}}, {}), Failure);  // away from it
+  const ViewLines inside = DrawViews(model, {{"eye", LookFrom({0.5, 0.05, 0.5}, {0.5, 1, 0.5}, {0, 0, 1})}}, {}).front();
+  EXPECT_FALSE(inside.lines.empty());
+}
+
+// A plate with a bore, four holes of which one is blind, and rounded corners.
+TEST(CentreLines, OfHolesAndBores) {
+  example::Solid plate;
+  plate.Extrude(example::Axis::kZ, example::RoundedRectangle(-30, -20, 30, 20, 5, 8), 0, 6);
+  plate.Drill(example::Axis::kZ, example::Circle(0, 0, 9, 60), 0, 6);
+  for (const double x : {-24.0, 24.0}) plate.Drill(example::Axis::kZ, example::Circle(x, 14, 3, 32), 0, 6);
+  plate.Drill(example::Axis::kZ, example::Circle(24, -14, 3, 32), 2, 6);
+  const Model model = MakeModel(plate.Take(), 30.0);
+  DrawingOptions options;
+  options.centreLines = true;
+  std::vector<ViewLines> views =
+      DrawViews(model, {{"top", *NamedView("top")}, {"front", *NamedView("front")}, {"iso", *NamedView("iso")}}, options);
+  EXPECT_EQ(views[0].centres.marks.size(), 4U);
+  EXPECT_TRUE(views[0].centres.axes.empty());
+  const auto bore = std::max_element(views[0].centres.marks.begin(), views[0].centres.marks.end(),
+                                     [](const CentreMark& a, const CentreMark& b) { return a.radius < b.radius; });
+  EXPECT_NEAR(bore->radius, 9, 1e-5);
+  EXPECT_NEAR(bore->centre.Distance(ZBR_PT(0, 0)), 0, 1e-5);
+  ASSERT_EQ(views[1].centres.axes.size(), 3U);
+  for (const CentreAxis& axis : views[1].centres.axes) EXPECT_NEAR(axis.from.Distance(axis.to), 6, 1e-5);
+  EXPECT_TRUE(views[2].centres.marks.empty() && views[2].centres.axes.empty());
+  options.hidden = HiddenLines::kNone;  // then what is not seen has no axis
+  EXPECT_TRUE(DrawViews(model, {{"front", *NamedView("front")}}, options).front().centres.axes.empty());
+  const Sheet sheet = LayOut(std::move(views), {});
+  std::size_t lines = 0;
+  for (const PlacedView& view : sheet.views)
+    lines += static_cast<std::size_t>(std::count_if(view.lines.lines.begin(), view.lines.lines.end(),
+                                                    [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; }));
+  EXPECT_EQ(lines, 4U * 2 + 3);
+}
+
+std::vector<Line> Visible(const ViewLines& view, EdgeClass edgeClass) {
+  std::vector<Line> lines;
+  std::copy_if(view.lines.begin(), view.lines.end(), std::back_inserter(lines),
+               [&](const Line& line) { return !line.hidden && line.edgeClass == edgeClass; });
+  return lines;
+}
+
+double LengthOf(const Line& line) {
+  double length = 0.0;
+  for (std::size_t i = 1; i < line.chain.points.size(); ++i) length += line.chain.points[i].Distance(line.chain.points[i - 1]);
+  return length;
+}
+
+ViewLines DrawSmooth(const Mesh& mesh, const View& view) {
+  DrawingOptions options;
+  options.smoothSilhouettes = true;
+  options.hidden = HiddenLines::kInAllViews;
+  return DrawViews(MakeModel(mesh, 30.0), {{"iso", view}}, options).front();
+}
+
+// Seen at a slant the torus shows its outline, and of its hole the near and the far side up to where they meet.
+TEST(SmoothSilhouettes, AsManyAsTheSurfaceHasHoweverFineTheMesh) {
+  for (const std::size_t triangles : {2000U, 9000U, 40000U}) {
+    for (const ZBR_PT3& look : {ZBR_PT3(1, -1, 1), ZBR_PT3(0.3, 1, -0.4), ZBR_PT3(1, 0.2, 0.3)}) {
+      const ViewLines view = DrawSmooth(example::Torus(triangles), LookAlong(look, {0, 0, 1}));
+      const std::vector<Line> lines = Visible(view, EdgeClass::kSilhouette);
+      EXPECT_LE(lines.size(), 4U) << triangles;
+      double longest = 0.0;
+      for (const Line& line : lines) {
+        EXPECT_GT(LengthOf(line), 0.01 * view.extent.Size());
+        longest = std::max(longest, line.chain.closed ? LengthOf(line) : 0.0);
+      }
+      EXPECT_GT(longest, 5.0) << triangles;  // the outline is whole
+    }
+  }
+}
+
+// Points of the silhouette lie where the torus turns away: at the tube's radius from a circle that is seen as an ellipse.
+TEST(SmoothSilhouettes, LieOnTheOutlineOfTheSurface) {
+  const View view = LookAlong({1, 0.4, -0.8}, {0, 0, 1});
+  const ViewLines drawn = DrawSmooth(example::Torus(20000), view);
+  for (const Line& line : drawn.lines) {
+    for (const ZBR_PT& p : line.chain.points) {
+      double least = HUGE_VAL;
+      for (int i = 0; i < 3000; ++i) {
+        const double a = i * 2 * 3.14159265358979 / 3000;
+        const ZBR_PT3 axis(std::cos(a), std::sin(a), 0), along(-std::sin(a), std::cos(a), 0);
+        const ZBR_PT3 aside = along.OuterProduct(view.toViewer);  // the normals there are at a right angle to both
+        for (const double side : {0.4, -0.4})
+          least = std::min(least, p.Distance(view.In(axis + aside * (side / aside.Length())).xy()));
+      }
+      ASSERT_LT(least, 3e-3);
+    }
+  }
+  EXPECT_GE(drawn.lines.size(), 2U);
+}
+
+TEST(SmoothSilhouettes, LeaveSharpBodiesAlone) {
+  for (const Mesh& mesh : {example::Box({0, 0, 0}, {1, 2, 3}), example::LSolid(2)}) {
+    const View iso = *NamedView("iso");
+    const ViewLines smooth = DrawSmooth(mesh, iso);
+    DrawingOptions options;
+    options.hidden = HiddenLines::kInAllViews;
+    EXPECT_EQ(smooth.lines.size(), DrawViews(MakeModel(mesh, 30.0), {{"iso", iso}}, options).front().lines.size());
+  }
+}
+
+// A step under noise that bends as much as creases do: the step stays, the noise goes.
+TEST(RoughCreases, TheStepStaysAndTheNoiseGoes) {
+  constexpr std::uint32_t kCells = 90;
+  Mesh mesh;
+  std::mt19937 random(3);
+  std::normal_distribution<double> noise(0, 0.11);
+  for (std::uint32_t i = 0; i <= kCells; ++i) {
+    for (std::uint32_t j = 0; j <= kCells; ++j) mesh.points.emplace_back(i, j, (i > kCells / 2 ? 4.0 : 0.0) + noise(random));
+  }
+  for (std::uint32_t i = 0; i < kCells; ++i) {
+    for (std::uint32_t j = 0; j < kCells; ++j) {
+      const std::uint32_t a = i * (kCells + 1) + j, b = a + kCells + 1;
+      mesh.triangles.push_back({a, b, b + 1});
+      mesh.triangles.push_back({a, b + 1, a + 1});
+    }
+  }
+  const Model model = MakeModel(mesh, 30.0);
+  EXPECT_TRUE(model.isRough);
+  double step = 0.0, others = 0.0, bent = 0.0;
+  for (int e = 0; e < model.Shell(0).GetEdgeCnt(); ++e) {
+    const ZBR_ZBREPE& edge = *model.Shell(0).GetEdge(e);
+    if (edge.GetTriangle1() == nullptr) continue;
+    const ZBR_PT3 &a = edge.GetVertex0()->GetPt(), &b = edge.GetVertex1()->GetPt();
+    const auto isOnStep = [](const ZBR_PT3& p) { return p.x() == kCells / 2 || p.x() == kCells / 2 + 1; };
+    const ZBR_PT3 &n = model.normals[static_cast<std::size_t>(edge.GetTriangle0()->GetIndex())],
+                  &o = model.normals[static_cast<std::size_t>(edge.GetTriangle1()->GetIndex())];
+    const double length = std::abs(a.y() - b.y());
+    if (!isOnStep(a) && n.InnerProduct(o) < std::cos(0.5236)) bent += length;
+    if (model.Class(0, edge) == EdgeClass::kCrease) (isOnStep(a) && isOnStep(b) ? step : others) += length;
+  }
+  EXPECT_GT(step, 2 * 0.95 * kCells);  // above and below
+  EXPECT_LT(others, 0.5 * bent);
+  const ViewLines view = DrawViews(model, {{"iso", *NamedView("iso")}}, {}).front();
+  std::size_t crumbs = 0;
+  for (const Line& line : view.lines) crumbs += LengthOf(line) < 0.01 * view.extent.Size() ? 1 : 0;
+  EXPECT_LE(10 * crumbs, view.lines.size());
+  EXPECT_FALSE(MakeModel(example::Housing(), 30.0).isRough);
+}
+
+}  // namespace
+}  // namespace zbr::drawing
