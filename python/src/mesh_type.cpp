@@ -206,19 +206,6 @@ std::array<double, 3> Vector(PyObject* object, const char* name) {
   return {xyz.data()[0], xyz.data()[1], xyz.data()[2]};
 }
 
-// What is up where nothing is said: along the upward axis itself, what is so in the top and bottom views.
-std::array<double, 3> UsualUp(const std::array<double, 3>& look, bool yUp) {
-  const std::size_t upward = yUp ? 1 : 2;
-  for (std::size_t i = 0; i < 3; ++i) {
-    if (i == upward || look[i] == 0.0) continue;
-    std::array<double, 3> up{};
-    up[upward] = 1.0;
-    return up;
-  }
-  const ZBR_PT3 up = drawing::NamedView(look[upward] < 0.0 ? "top" : "bottom", yUp)->up;
-  return {up.x(), up.y(), up.z()};
-}
-
 // What a view's description says, or why it says nothing.
 template <class Parse>
 auto Parsed(Parse parse) -> decltype(parse()) {
@@ -255,10 +242,13 @@ drawing::NamedDirection ViewOf(PyObject* object, bool yUp) {
   }
   const bool isPair = PySequence_Check(object) != 0 && PySequence_Size(object) == 2;
   PyErr_Clear();
-  const auto vector = [&](Py_ssize_t i) { return Vector(Ref::Own(PySequence_GetItem(object, i)).get(), "view"); };
-  const std::array<double, 3> look = isPair ? vector(0) : Vector(object, "view");
-  const std::array<double, 3> up = isPair ? vector(1) : UsualUp(look, yUp);
-  return {"look", Parsed([&] { return drawing::LookAlong(ZBR_PT3(look[0], look[1], look[2]), ZBR_PT3(up[0], up[1], up[2])); })};
+  const auto vectorOf = [](PyObject* from) {
+    const std::array<double, 3> v = Vector(from, "view");
+    return ZBR_PT3(v[0], v[1], v[2]);
+  };
+  const auto vector = [&](Py_ssize_t i) { return vectorOf(Ref::Own(PySequence_GetItem(object, i)).get()); };
+  const ZBR_PT3 look = isPair ? vector(0) : vectorOf(object);
+  return {"look", Parsed([&] { return drawing::LookAlong(look, isPair ? vector(1) : drawing::UsualUp(look, yUp)); })};
 }
 
 void AddMeshType(PyObject* module) {

@@ -36,7 +36,8 @@ def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str
     data: the contents, of which `file` is the name for messages. format: what the name does not tell. Options for regions:
     deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join (ends of
     lines at most this far apart belong together), fill (what is inside: evenodd, nonzero, positive, negative), layers (names);
-    for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and tells file, line and cause.
+    for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and tells
+    file, line and cause.
     """
     kind = (format or Path(os.fsdecode(file)).suffix[1:]).lower()
     if kind in MESHES:
@@ -54,7 +55,7 @@ def _read_unknown(file: str | os.PathLike[str], data: bytes | None) -> Any:
     try:
         return _zbr.read_region(file, data=data)[0]
     except Failure as failure:
-        if "--format" not in failure.cause:
+        if "give its format" not in failure.cause:
             raise
         cause = f"the name does not tell the format; give format=, one of {', '.join((*MESHES, *DRAWINGS))}"
         unknown = Failure(f"{failure.file}: {cause}")

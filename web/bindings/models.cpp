@@ -173,7 +173,7 @@ NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t plac
   const std::string name = options.Get("name", "view" + std::to_string(place + 1));
   options.Finish();
   try {
-    return {name, LookAlong(direction, up.is_null() ? ZBR_PT3(0, yUp ? 1 : 0, yUp ? 0 : 1) : VectorOf(up, "up")), {}};
+    return {name, LookAlong(direction, up.is_null() ? UsualUp(direction, yUp) : VectorOf(up, "up")), {}};
   } catch (const Failure& failure) {
     Options::Refuse("direction", failure.Cause());
   }
