@@ -25,8 +25,9 @@ async function openPage(options = {}) {
 
 const statusIs = (page, pattern, timeout = 60000) =>
   page.waitForFunction((text) => new RegExp(text).test(document.querySelector('#status').textContent), pattern, { timeout });
-const drop = (page, ...files) => page.setInputFiles('#files', files.map((file) => (typeof file === 'string' ? join(root, 'examples', file) : file)));
-const file = (name, text) => ({ name, mimeType: 'text/plain', buffer: Buffer.from(text) });
+const file = (name, contents) => ({ name, mimeType: 'text/plain', buffer: Buffer.from(contents) });
+const example = (name) => file(name, readFileSync(join(root, 'examples', name)));
+const drop = (page, ...files) => page.setInputFiles('#files', files.map((given) => (typeof given === 'string' ? example(given) : given)));
 
 async function saved(page, selector) {
   const [download] = await Promise.all([page.waitForEvent('download'), page.click(selector)]);
