@@ -7,6 +7,7 @@
 #include "boolean/polygons.h"
 #include "boolean/region_input.h"
 #include "core/constants.h"
+#include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 #include "loops/convex_ring.h"
 #include "loops/edge_index.h"
@@ -64,9 +65,8 @@ NestedRings::NestedRings(std::span<const RingSpan> rings, double tolerance) : or
 void CountedRings::Add(std::span<const RingSpan> rings) {
   bool areApart = true;
   // A ring whose last point repeats the first, to the bit, has one edge less that counts, the last one.
-  const auto areOne = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
   RingSpan single = rings.size() == 1 ? rings[0] : RingSpan();
-  if (single.size() > 1 && areOne(single.front(), single.back())) single = single.first(single.size() - 1);
+  if (single.size() > 1 && AreIdentical(single.front(), single.back())) single = single.first(single.size() - 1);
   const std::span<const RingSpan> open = rings.size() == 1 ? std::span<const RingSpan>(&single, 1) : rings;
   if (IsCountedSimply(open) && AreSimple(open, tolerance_)) {
     AddSimple(open);

@@ -13,6 +13,7 @@
 #include "boolean/exact_loops.h"
 #include "core/assert.h"
 #include "core/bits.h"
+#include "core/planar_inline.h"
 #include "core/radix_sort.h"
 
 namespace zbr {
@@ -50,8 +51,7 @@ bool FindValues(const Items& items, Key key, double least, std::vector<double>& 
 // The change at the start of a horizontal edge is that at its end, taken back, whichever way it runs.
 bool RectilinearSweep::AddRing(RingSpan ring, std::uint8_t operand) {
   constexpr std::size_t kLeastCorners = 4;
-  const auto areOne = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
-  while (ring.size() > 1 && areOne(ring.front(), ring.back())) ring = ring.first(ring.size() - 1);
+  while (ring.size() > 1 && AreIdentical(ring.front(), ring.back())) ring = ring.first(ring.size() - 1);
   if (ring.size() < kLeastCorners || ring.size() % 2 != 0) return false;
   const ZBR_PT* from = &ring.back();
   bool isHorizontal = from->y() == ring.front().y();

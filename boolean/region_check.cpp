@@ -10,6 +10,7 @@
 #include <zbr/region.h>
 
 #include "boolean/region_input.h"
+#include "core/planar_inline.h"
 #include "core/rings.h"
 #include "core/tolerance_state.h"
 #include "loops/contacts.h"
@@ -80,20 +81,17 @@ class RegionCheck {
         clean.origin.push_back(static_cast<std::int32_t>(i));
         continue;
       }
-      if (i + 1 < points.size() || !IsSame(points[i], points[0])) repeats(i - 1);
+      if (i + 1 < points.size() || !AreIdentical(points[i], points[0])) repeats(i - 1);
       clean.origin.back() = static_cast<std::int32_t>(i);  // the edge with a length starts at the last of the repeated points
     }
     while (clean.points.size() > 1 && clean.points.back() == clean.points.front()) {
       const auto last = static_cast<std::size_t>(clean.origin.back());
-      if (last + 1 < points.size() || !IsSame(points[last], points[0])) repeats(last);
+      if (last + 1 < points.size() || !AreIdentical(points[last], points[0])) repeats(last);
       clean.points.pop_back();
       clean.origin.pop_back();
     }
     return clean;
   }
-
-  // A ring that states its first point again closes by it.
-  static bool IsSame(const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); }
 
   // The area of a narrow ring is its width times half the way around it.
   bool IsNarrow(const std::vector<ZBR_PT>& points) const { return std::fabs(TwiceArea(points)) <= eps_ * Perimeter(points); }

@@ -17,6 +17,11 @@ inline bool SamePoint(const ZBR_PT& p, const ZBR_PT& q, double eps2) {
   return WithinTol(p.Distance2(q), eps2);
 }
 
+// Equality of coordinates, whatever the tolerance is: a closing point that repeats the first, copies of rings.
+inline bool AreIdentical(const ZBR_PT& p, const ZBR_PT& q) {
+  return p.x() == q.x() && p.y() == q.y();
+}
+
 inline double Cross(const ZBR_PT& u, const ZBR_PT& v) {
   return u.x() * v.y() - u.y() * v.x();
 }

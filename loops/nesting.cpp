@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "core/cost.h"
+#include "core/planar_inline.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
 
@@ -168,8 +169,7 @@ class Inserter {
 
 // Whether the loops have the same points in the same order.
 bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
-  const auto areEqual = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
-  return std::equal(a.pt().begin(), a.pt().end(), b.pt().begin(), b.pt().end(), areEqual);
+  return std::equal(a.pt().begin(), a.pt().end(), b.pt().begin(), b.pt().end(), AreIdentical);
 }
 
 // Runs of copies, of which each lies in the one before. They are nested as one: what lies in the first lies in the last.
