@@ -77,14 +77,11 @@ void CheckEye(DrawOptions options) {
   EyeView(options, false, std::abs(up.x()) <= std::max(std::abs(up.y()), std::abs(up.z())) ? ZBR_PT3(1, 0, 0) : ZBR_PT3(0, 1, 0));
 }
 
-// A-A, B-B and so on; some letters look like numbers.
 void AddSections(const std::vector<std::string>& sections, bool yUp, std::vector<NamedDirection>& views) {
-  const std::string letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
-  if (sections.size() > letters.size())
-    throw Failure("--section: there are letters for " + std::to_string(letters.size()) + " sections only");
+  if (!sections.empty()) ForOption("--section", [&] { return SectionName(sections.size() - 1); });  // whether there are enough
   for (std::size_t k = 0; k < sections.size(); ++k) {
     const SectionPlane plane = ForOption("--section", [&] { return ParseSection(sections[k], yUp); });
-    views.push_back({std::string(1, letters[k]) + "-" + letters[k], SectionView(plane, yUp), plane});
+    views.push_back({SectionName(k), SectionView(plane, yUp), plane});
   }
 }
 

@@ -76,4 +76,10 @@ View SectionView(const SectionPlane& plane, bool yUp) {
   return *NamedView(plane.normal.InnerProduct(up) > 0 ? "top" : "bottom", yUp);
 }
 
+std::string SectionName(std::size_t i) {
+  constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";
+  if (i >= kLetters.size()) throw Failure("there are letters for " + std::to_string(kLetters.size()) + " sections only");
+  return {kLetters[i], '-', kLetters[i]};
+}
+
 }  // namespace zbr::drawing

@@ -1,14 +1,10 @@
 #include "drawing/sheets/section_marks.h"
 
-#include <zbr-drawing/failure.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zbr::drawing {
@@ -105,20 +101,19 @@ void AddName(Sheet& sheet, const PlacedView& view) {
 }  // namespace
 
 void NameSections(std::vector<ViewLines>& views) {
-  constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";  // without those that look like numbers
-  std::set<std::string, std::less<>> taken;
+  std::set<std::string> taken;
   std::vector<ViewLines*> others;
   for (ViewLines& view : views) {
     if (view.section && !taken.insert(view.section->letter).second) others.push_back(&view);
   }
+  std::size_t next = 0;
   for (ViewLines* const view : others) {
     std::string& letter = view->section->letter;
-    const auto free =
-        std::find_if(kLetters.begin(), kLetters.end(), [&](const char& c) { return !taken.contains(std::string_view(&c, 1)); });
-    if (free == kLetters.end()) throw Failure("there are letters for " + std::to_string(kLetters.size()) + " sections only");
     const bool isNamedByIt = view->name == letter + "-" + letter;
-    letter = *taken.emplace(1, *free).first;
-    if (isNamedByIt) view->name = letter + "-" + letter;
+    std::string name = SectionName(next++);
+    while (taken.contains(name.substr(0, 1))) name = SectionName(next++);
+    letter = name.substr(0, 1);
+    if (isNamedByIt) view->name = name;
   }
 }
 

@@ -39,6 +39,10 @@ SectionPlane ParseSection(const std::string& text, bool yUp = false);
 // are.
 View SectionView(const SectionPlane& plane, bool yUp = false);
 
+// The name of the i-th section of a sheet: "A-A", "B-B" and so on, without letters that look like numbers. Fails where none is
+// left.
+std::string SectionName(std::size_t i);
+
 // What the plane lays open of one body. Points are in the view's x and y, with the middle of the model's box as the origin, in the
 // unit of the model.
 struct SectionFace {

@@ -2,13 +2,13 @@
 #include "python/src/drawings.h"
 #include "python/src/options.h"
 
+#include <zbr-drawing/failure.h>
 #include <zbr/tolerance.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <limits>
-#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -211,9 +211,11 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
 }  // namespace
 
 std::string SectionName(std::size_t i, const char* name) {
-  static constexpr std::string_view kLetters = "ABCDEFGHJKLMNPRSTUVWXYZ";
-  if (i >= kLetters.size()) throw BadArgument(name, "there are letters for " + std::to_string(kLetters.size()) + " sections only");
-  return {kLetters[i], '-', kLetters[i]};
+  try {
+    return drawing::SectionName(i);
+  } catch (const drawing::Failure& failure) {
+    throw BadArgument(name, failure.what());
+  }
 }
 
 Picker::Picker(ModelPtr model, const drawing::View& view) : model_(std::move(model)), scene_(drawing::MakeScene(*model_, view)) {

@@ -43,14 +43,14 @@ NamedDirection SectionOf(Options& options, bool yUp) {
   return {"", SectionView(section, yUp), section};
 }
 
-// A-A, B-B and so on; some letters look like numbers.
 std::string LettersOf(const std::vector<NamedDirection>& before) {
-  const std::string letters = "ABCDEFGHJKLMNPRSTUVWXYZ";
   const auto isSection = [](const NamedDirection& d) { return d.section.has_value(); };
   const auto count = static_cast<std::size_t>(std::count_if(before.begin(), before.end(), isSection));
-  if (count >= letters.size())
-    Options::Refuse("views", "there are letters for " + std::to_string(letters.size()) + " sections only");
-  return std::string(1, letters[count]) + "-" + letters[count];
+  try {
+    return SectionName(count);
+  } catch (const Failure& failure) {
+    Options::Refuse("views", failure.Cause());
+  }
 }
 
 std::vector<NamedDirection> DirectionsOf(const HeldModel& held, Options& options) {
