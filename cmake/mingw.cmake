@@ -13,16 +13,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
-# Packages of headers alone can be used as they are, but not from /usr/include, where the C library's headers are as well.
-cmake_path(APPEND CMAKE_CURRENT_LIST_DIR .. build windows-headers OUTPUT_VARIABLE headers)
-cmake_path(NORMAL_PATH headers)
-foreach(folder include/CLI share/cmake/CLI11 include/nlohmann share/cmake/nlohmann_json)
-  if(EXISTS /usr/${folder} AND NOT EXISTS ${headers}/${folder})
-    cmake_path(GET folder PARENT_PATH parent)
-    file(COPY /usr/${folder} DESTINATION ${headers}/${parent})
-  endif()
-endforeach()
-list(APPEND CMAKE_PREFIX_PATH ${headers})
+include(${CMAKE_CURRENT_LIST_DIR}/header-packages.cmake)
+zbr_header_packages(windows-headers include/CLI share/cmake/CLI11 include/nlohmann share/cmake/nlohmann_json)
 
 # The compiler's run-time libraries go into each program and DLL: nothing but what Windows has is needed to run them. The main
 # thread's stack is as large as Microsoft's linker makes it, half of what GNU's does.
