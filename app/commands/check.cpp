@@ -27,23 +27,6 @@ struct Finding {
   std::size_t otherLine = 0;  // where the other loop starts, if there is one
 };
 
-const char* NameOf(ZBR_REGION_FAULT_KIND kind) {
-  switch (kind) {
-    case ZBR_FAULT_CROSSING:
-      return "crossing";
-    case ZBR_FAULT_OVERLAP:
-      return "overlap";
-    case ZBR_FAULT_FOLD:
-      return "fold";
-    case ZBR_FAULT_REPEATED_POINT:
-      return "repeated_point";
-    case ZBR_FAULT_NO_AREA:
-      return "no_area";
-    default:
-      return "not_finite";
-  }
-}
-
 // One finding for each kind of fault that a loop has, or that two loops have with each other.
 class Search {
  public:

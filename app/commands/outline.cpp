@@ -2,7 +2,6 @@
 
 #include <zbr-drawing/outlines.h>
 #include <zbr-formats/plot.h>
-#include <zbr/tolerance.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -43,10 +42,9 @@ struct Run {
   DxfVersion dxf = DxfVersion::kR2000;
 };
 
-std::vector<Layer> FindLayers(const Objects& objects, const Model& model, Scene& scene, const OutlineOptions& options) {
-  FindOutlines(model, scene, !options.whole, ThreadCount(options.jobs));
+std::vector<Layer> FindLayers(const Objects& objects, const Model& model, const View& view, const OutlineOptions& options) {
   std::vector<Layer> layers;
-  for (LoopList& loops : OutlinesInPlace(model, scene)) {
+  for (LoopList& loops : FindOutlines(model, view, !options.whole, ThreadCount(options.jobs))) {
     const double area = zbrRegionOfLoops(loops).area();
     layers.push_back({objects.sources[layers.size()].id, std::move(loops), area});
   }
@@ -126,11 +124,10 @@ int RunOutline(const OutlineOptions& options) {
   constexpr double kAnyCrease = 180;  // no lines are drawn
   const Model model = MakeModel(objects.mesh, kAnyCrease, options.weld);
   if (model.TriangleCount() == 0) throw Failure(files.front().file, "no triangle has an area");
-  Scene scene = MakeScene(model, view);
   stages.emplace_back("model", watch.Lap());
 
   progress.Stage("finding outlines");
-  run.layers = FindLayers(objects, model, scene, options);
+  run.layers = FindLayers(objects, model, view, options);
   stages.emplace_back("outline", watch.Lap());
   NoteEmpty(objects, run.layers, progress);
 

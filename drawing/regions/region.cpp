@@ -128,6 +128,23 @@ Layer MakeLayer(const std::string& name, const CurvedRegion& shape) {
   return layer;
 }
 
+const char* NameOf(ZBR_REGION_FAULT_KIND kind) {
+  switch (kind) {
+    case ZBR_FAULT_CROSSING:
+      return "crossing";
+    case ZBR_FAULT_OVERLAP:
+      return "overlap";
+    case ZBR_FAULT_FOLD:
+      return "fold";
+    case ZBR_FAULT_REPEATED_POINT:
+      return "repeated_point";
+    case ZBR_FAULT_NO_AREA:
+      return "no_area";
+    default:
+      return "not_finite";
+  }
+}
+
 std::size_t CountHoles(const LoopList& loops) {
   std::size_t count = 0;
   for (const auto& outer : loops) count += outer->children().size();

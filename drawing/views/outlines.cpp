@@ -162,4 +162,10 @@ std::vector<LoopList> OutlinesInPlace(const Model& model, const Scene& scene) {
   return MovedOutlines(model, scene, ExactPlaces(model, scene));
 }
 
+std::vector<LoopList> FindOutlines(const Model& model, const View& view, bool narrow, unsigned threads) {
+  Scene scene = MakeScene(model, view);
+  FindOutlines(model, scene, narrow, threads);
+  return OutlinesInPlace(model, scene);
+}
+
 }  // namespace zbr::drawing

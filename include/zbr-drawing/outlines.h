@@ -1,8 +1,6 @@
 // The outlines of a scene's objects: what each covers in the drawing, and what nearer ones leave of it.
 //
-//   Scene scene = MakeScene(model, *NamedView("top"));
-//   FindOutlines(model, scene, false, 1);                                // each object as a whole
-//   const std::vector<LoopList> outlines = OutlinesInPlace(model, scene);  // loops with holes, one list for each object
+//   const std::vector<LoopList> outlines = FindOutlines(model, *NamedView("top"), false, 1);  // loops with holes, for each object
 //
 // Triangles seen edge-on cover nothing; which way triangles face does not matter. Outlines are nested loops (zbr/loop.h), ready for
 // the combinations of zbr/boolean.h. An object of which nothing is seen has an empty list.
@@ -24,11 +22,15 @@ namespace zbr::drawing {
 // as a whole.
 void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned threads);
 
-// The outlines found, one list for each object, in the unit of the model, with the middle of the model's box as the origin.
+// The outlines found by the call above, one list for each object, in the unit of the model, with the middle of the model's box as
+// the origin.
 std::vector<LoopList> OutlinesAroundMiddle(const Model& model, const Scene& scene);
 
 // The same with the model's origin as the origin. Vertices of the model have their own coordinates to the last digit, in views
 // along an axis those of the file.
 std::vector<LoopList> OutlinesInPlace(const Model& model, const Scene& scene);
+
+// The same of a view whose scene nobody else needs.
+std::vector<LoopList> FindOutlines(const Model& model, const View& view, bool narrow, unsigned threads);
 
 }  // namespace zbr::drawing

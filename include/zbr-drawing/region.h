@@ -90,6 +90,9 @@ CurvedRegion Simplified(const CurvedRegion& region, double tolerance);
 Layer MakeLayer(const std::string& name, const ZBR_REGION& shape);
 Layer MakeLayer(const std::string& name, const CurvedRegion& shape);
 
+// "crossing", "repeated_point": a word for each kind of fault, as reports have it.
+const char* NameOf(ZBR_REGION_FAULT_KIND kind);
+
 // How many holes and vertices nested loops have.
 std::size_t CountHoles(const LoopList& loops);
 std::size_t CountVertices(const LoopList& loops);

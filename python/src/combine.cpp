@@ -4,6 +4,8 @@
 #include "python/src/regions.h"
 #include "python/src/share_out.h"
 
+#include <zbr-drawing/region.h>
+
 #include <array>
 #include <cstring>
 #include <string>
@@ -223,7 +225,7 @@ PyObject* Check(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* ke
     Ref list = Ref::Own(PyList_New(0));
     for (const ZBR_REGION_FAULT& f : faults) {
       const Ref item = Ref::Own(
-          Py_BuildValue("(iddiiii)", static_cast<int>(f.kind), f.place.x(), f.place.y(), f.ring_a, f.edge_a, f.ring_b, f.edge_b));
+          Py_BuildValue("(sddiiii)", drawing::NameOf(f.kind), f.place.x(), f.place.y(), f.ring_a, f.edge_a, f.ring_b, f.edge_b));
       if (PyList_Append(list.get(), item.get()) != 0) throw PythonError();
     }
     return list;

@@ -3,11 +3,9 @@
 #include "python/src/options.h"
 
 #include <zbr-drawing/failure.h>
-#include <zbr/tolerance.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <limits>
 #include <thread>
 #include <utility>
@@ -40,7 +38,7 @@ std::shared_ptr<const LineArrays> ArraysOf(const drawing::ViewLines& view) {
 
 // What views are drawn with.
 struct Request {
-  std::vector<drawing::NamedDirection> views;
+  std::vector<WantedView> views;
   drawing::DrawingOptions options;
   double crease = 30.0;
   double weld = 0.0;
@@ -48,12 +46,16 @@ struct Request {
 };
 
 // Sections are known by letters, in their order.
-void AddView(PyObject* object, bool yUp, std::vector<drawing::NamedDirection>& views) {
-  drawing::NamedDirection view = ViewOf(object, yUp);
-  if (view.section) {
-    const auto before =
-        static_cast<std::size_t>(std::count_if(views.begin(), views.end(), [](const auto& v) { return v.section.has_value(); }));
-    view.name = SectionName(before, "views");
+void AddView(PyObject* object, bool yUp, std::vector<WantedView>& views) {
+  WantedView view = ViewOf(object, yUp);
+  if (view.direction.section) {
+    const auto before = static_cast<std::size_t>(
+        std::count_if(views.begin(), views.end(), [](const auto& v) { return v.direction.section.has_value(); }));
+    try {
+      view.direction.name = drawing::SectionName(before);
+    } catch (const drawing::Failure& failure) {
+      throw BadArgument("views", failure.what());
+    }
   }
   views.push_back(std::move(view));
 }
@@ -95,7 +97,9 @@ std::vector<DrawingPtr> Draw(const MeshPtr& mesh, Request& request, Monitor& mon
     return monitor.Tell(total());
   };
   std::vector<DrawingPtr> drawings;
-  for (drawing::ViewLines& view : drawing::DrawViews(*model, request.views, request.options)) {
+  std::vector<drawing::NamedDirection> directions;
+  for (const WantedView& view : request.views) directions.push_back(view.Of(*model, mesh->mesh.yUp));
+  for (drawing::ViewLines& view : drawing::DrawViews(*model, directions, request.options)) {
     const auto data = std::make_shared<DrawingData>();
     data->mesh = mesh;
     data->model = model;
@@ -201,72 +205,45 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
   return Guarded([&] {
     const Arguments<2> given("pick", {"points", "progress"}, 1, args, count, keywords);
     const DrawingPtr data = DataOf(self);
-    if (data->view.section) throw BadArgument("pick", "not in sections");
+    if (data->view.section || data->view.view.perspective) throw BadArgument("pick", "not in sections and perspectives");
     Run(kSmallCall, nullptr, [data](Monitor&) { return &data->ThePicker(); });
-    const std::shared_ptr<const Picker> picker(data, &data->ThePicker());
+    const std::shared_ptr<const drawing::Picker> picker(data, &data->ThePicker());
     return PickAll(picker, given.Needed(0), data->view.middle.xy(), given[1]);
   });
 }
 
 }  // namespace
 
-std::string SectionName(std::size_t i, const char* name) {
-  try {
-    return drawing::SectionName(i);
-  } catch (const drawing::Failure& failure) {
-    throw BadArgument(name, failure.what());
-  }
-}
-
-Picker::Picker(ModelPtr model, const drawing::View& view) : model_(std::move(model)), scene_(drawing::MakeScene(*model_, view)) {
-  const ZBR_TmpEps hold(drawing::kSceneTolerance);
-  ZBR_HiddenLine::Prepare(scene_.shells.data(), scene_.ShellCount());
-}
-
-Picker::Hit Picker::At(const ZBR_PT& p) const {
-  Hit result;
-  result.height = std::numeric_limits<double>::quiet_NaN();
-  const ZBR_PT3 at = scene_.FromDrawing(ZBR_PT3(p.x(), p.y(), 0));
-  if (!std::isfinite(at.x()) || !std::isfinite(at.y())) return result;
-  double z = std::numeric_limits<double>::lowest();
-  ZBR_HL_SOURCE hit;
-  if (!ZBR_HiddenLine::PickShells(at.x(), at.y(), scene_.shells.data(), scene_.ShellCount(), z, hit)) return result;
-  result.height = scene_.ToDrawing(ZBR_PT3(at.x(), at.y(), z)).z();
-  result.shell = hit.shell;
-  const std::size_t triangle = model_->shellBegin[static_cast<std::size_t>(hit.shell)] + static_cast<std::size_t>(hit.triangle);
-  result.triangle = static_cast<std::int32_t>(model_->source[triangle]);
-  return result;
-}
-
-const Picker& DrawingData::ThePicker() const {
-  std::call_once(once_, [this] { picker_.emplace(model, view.view); });
+const drawing::Picker& DrawingData::ThePicker() const {
+  std::call_once(once_, [this] { picker_.emplace(*model, view.view); });
   return *picker_;
 }
 
-Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* object, const ZBR_PT& shift, PyObject* progress) {
+Ref PickAll(std::shared_ptr<const drawing::Picker> picker, PyObject* object, const ZBR_PT& shift, PyObject* progress) {
   const Doubles points(object, "points", 2);
   std::vector<ZBR_PT> copy;
   for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
   constexpr std::size_t kEvery = 1024;
+  struct Hits {
+    std::vector<std::int32_t> shells, triangles;
+    std::vector<double> heights;
+  };
   const std::size_t size = copy.size();
-  const auto hits = Run(size, progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
-    const ZBR_TmpEps hold(drawing::kSceneTolerance);
-    std::vector<Picker::Hit> found(copy.size());
+  Hits hits = Run(size, progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
+    Hits found{std::vector<std::int32_t>(copy.size(), -1), std::vector<std::int32_t>(copy.size(), -1),
+               std::vector<double>(copy.size(), std::numeric_limits<double>::quiet_NaN())};
     for (std::size_t i = 0; i < copy.size(); ++i) {
       if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
-      found[i] = picker->At(copy[i] + shift);
+      const auto hit = picker->At(copy[i] + shift);
+      if (!hit) continue;
+      found.shells[i] = static_cast<std::int32_t>(hit->shell);
+      found.triangles[i] = static_cast<std::int32_t>(hit->triangle);
+      found.heights[i] = hit->height;
     }
     return found;
   });
-  std::vector<std::int32_t> shells, triangles;
-  std::vector<double> heights;
-  for (const Picker::Hit& hit : hits) {
-    shells.push_back(hit.shell);
-    triangles.push_back(hit.triangle);
-    heights.push_back(hit.height);
-  }
-  const Ref s = MakeArray<std::int32_t>(std::move(shells)), t = MakeArray<std::int32_t>(std::move(triangles)),
-            h = MakeArray<double>(std::move(heights));
+  const Ref s = MakeArray<std::int32_t>(std::move(hits.shells)), t = MakeArray<std::int32_t>(std::move(hits.triangles)),
+            h = MakeArray<double>(std::move(hits.heights));
   return Ref::Own(PyTuple_Pack(3, s.get(), t.get(), h.get()));
 }
 

@@ -9,6 +9,7 @@
 #include <zbr-drawing/mesh.h>
 #include <zbr-drawing/model.h>
 #include <zbr-drawing/objects.h>
+#include <zbr-drawing/picker.h>
 #include <zbr-drawing/scene.h>
 #include <zbr-drawing/sheet.h>
 #include <zbr-drawing/views.h>
@@ -19,6 +20,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zbr::python {
@@ -43,21 +45,12 @@ struct MeshData {
 };
 using MeshPtr = std::shared_ptr<const MeshData>;
 
-// What is seen at places of a view. Made once, then only read.
-class Picker {
- public:
-  Picker(ModelPtr model, const drawing::View& view);
+// Keeps the model that it picks from.
+struct OwnPicker {
+  ModelPtr model;
+  drawing::Picker picker;
 
-  struct Hit {
-    std::int32_t shell = -1, triangle = -1;
-    double height = 0.0;  // NaN: nothing
-  };
-  // In the view's axes, with the model's origin as the origin.
-  Hit At(const ZBR_PT& p) const;
-
- private:
-  ModelPtr model_;
-  drawing::Scene scene_;
+  OwnPicker(ModelPtr m, const drawing::View& view) : model(std::move(m)), picker(*model, view) {}
 };
 
 // The lines of a view as arrays.
@@ -78,11 +71,11 @@ struct DrawingData {
   std::shared_ptr<const LineArrays> lines;
   std::vector<RegionPtr> outlines;
 
-  const Picker& ThePicker() const;
+  const drawing::Picker& ThePicker() const;
 
  private:
   mutable std::once_flag once_;
-  mutable std::optional<Picker> picker_;
+  mutable std::optional<drawing::Picker> picker_;
 };
 using DrawingPtr = std::shared_ptr<const DrawingData>;
 
@@ -92,14 +85,26 @@ struct SheetData {
   std::size_t shells = 0;
 };
 
-// The name of the i-th section, "A-A" and so on; throws when there are no letters left. `name` is the argument's.
-std::string SectionName(std::size_t i, const char* name);
+// Where someone looks from; what is not given depends on the model.
+struct Eye {
+  ZBR_PT3 place;
+  std::optional<ZBR_PT3> at, up;  // none: the middle of the model; what is usual
+  double fieldOfView = 0.0;
+};
 
-// A name, a section ("X=10"), a direction of looking, or that and what is up.
-drawing::NamedDirection ViewOf(PyObject* object, bool yUp);
+// A view as the caller says it.
+struct WantedView {
+  drawing::NamedDirection direction;
+  std::optional<Eye> eye = std::nullopt;  // then the direction has its name only
+
+  drawing::NamedDirection Of(const drawing::Model& model, bool yUp) const;
+};
+
+// A name, a section ("X=10"), a direction of looking, that and what is up, or a mapping that says where the eye is.
+WantedView ViewOf(PyObject* object, bool yUp);
 
 // Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).
-Ref PickAll(std::shared_ptr<const Picker> picker, PyObject* points, const ZBR_PT& shift, PyObject* progress);
+Ref PickAll(std::shared_ptr<const drawing::Picker> picker, PyObject* points, const ZBR_PT& shift, PyObject* progress);
 
 // Throws unless it is one; `name` is the argument's.
 const DrawingPtr& DrawingOf(PyObject* object, const char* name);

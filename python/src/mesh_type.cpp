@@ -9,9 +9,6 @@
 #include <zbr-formats/meshes.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <limits>
 #include <thread>
 #include <utility>
 
@@ -139,11 +136,11 @@ PyObject* Join(PyObject*, PyObject* meshes) noexcept {
   });
 }
 
-// A view that is no section.
-drawing::NamedDirection WholeView(PyObject* object, bool yUp) {
-  drawing::NamedDirection view = ViewOf(object, yUp);
-  if (view.section) throw BadArgument("view", "sections can only be drawn");
-  return view;
+// A parallel view of the whole.
+drawing::View WholeView(PyObject* object, bool yUp) {
+  const WantedView view = ViewOf(object, yUp);
+  if (view.direction.section || view.eye) throw BadArgument("view", "sections and perspectives can only be drawn");
+  return view.direction.view;
 }
 
 // The outlines of all objects, in the model's coordinates.
@@ -151,17 +148,16 @@ PyObject* Outline(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObj
   return Guarded([&] {
     const Arguments<4> given("outline", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
-    const drawing::NamedDirection view = WholeView(given[0], mesh->mesh.yUp);
+    const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
     const double weld = given.Number(1, 0.0, 0.0);
     const unsigned threads = given.Threads(2);
     return NewRegion(Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) -> RegionPtr {
       const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
       monitor.TellOrThrow(0.3);
-      drawing::Scene scene = drawing::MakeScene(*model, view.view);
-      monitor.TellOrThrow(0.5);
-      drawing::FindOutlines(*model, scene, false, threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency()));
+      const unsigned used = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
       std::vector<ZBR_REGION> parts;
-      for (const drawing::LoopList& loops : drawing::OutlinesInPlace(*model, scene)) parts.push_back(zbrRegionOfLoops(loops));
+      for (const drawing::LoopList& loops : drawing::FindOutlines(*model, view, false, used))
+        parts.push_back(zbrRegionOfLoops(loops));
       const auto result = std::make_shared<RegionData>();
       result->region = parts.size() == 1 ? std::move(parts.front()) : zbrUniteRegions(parts);
       return result;
@@ -173,12 +169,13 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
   return Guarded([&] {
     const Arguments<4> given("pick", {"points", "view", "weld", "progress"}, 2, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
-    const drawing::NamedDirection view = WholeView(given[1], mesh->mesh.yUp);
+    const drawing::View view = WholeView(given[1], mesh->mesh.yUp);
     const double weld = given.Number(2, 0.0, 0.0);
     given.Needed(0);
-    const auto picker = Run(kSmallCall, nullptr, [mesh, view, weld](Monitor&) {
-      return std::make_shared<const Picker>(mesh->ModelFor(kAnyCrease, weld), view.view);
+    const auto own = Run(kSmallCall, nullptr, [mesh, view, weld](Monitor&) {
+      return std::make_shared<const OwnPicker>(mesh->ModelFor(kAnyCrease, weld), view);
     });
+    const std::shared_ptr<const drawing::Picker> picker(own, &own->picker);
     return PickAll(picker, given[0], ZBR_PT(0, 0), given[3]);
   });
 }
@@ -199,23 +196,6 @@ PyObject* Survey(PyObject* self, PyObject*) noexcept {
   });
 }
 
-std::array<double, 3> Vector(PyObject* object, const char* name) {
-  const Ref row = Ref::Own(PyTuple_Pack(1, object));
-  const Doubles xyz(row.get(), name, 3);
-  if (xyz.rows() != 1) throw BadArgument(name, "three numbers are needed");
-  return {xyz.data()[0], xyz.data()[1], xyz.data()[2]};
-}
-
-// What a view's description says, or why it says nothing.
-template <class Parse>
-auto Parsed(Parse parse) -> decltype(parse()) {
-  try {
-    return parse();
-  } catch (const drawing::Failure& failure) {
-    throw BadArgument("view", failure.what());
-  }
-}
-
 }  // namespace
 
 ModelPtr MeshData::ModelFor(double crease, double weld) const {
@@ -225,30 +205,6 @@ ModelPtr MeshData::ModelFor(double crease, double weld) const {
     kept_ = {crease, weld, std::make_shared<const drawing::Model>(drawing::MakeModel(mesh, crease, weld))};
   }
   return kept_.model;
-}
-
-drawing::NamedDirection ViewOf(PyObject* object, bool yUp) {
-  if (object == nullptr) return {"iso", *drawing::NamedView("iso", yUp)};
-  if (PyUnicode_Check(object) != 0) {
-    const std::string name = Arguments<1>::Text(object);
-    if (const auto view = drawing::NamedView(name, yUp)) return {name, *view};
-    if (name.find('=') != std::string::npos) {
-      const drawing::SectionPlane plane = Parsed([&] { return drawing::ParseSection(name, yUp); });
-      return {name, drawing::SectionView(plane, yUp), plane};
-    }
-    std::string known;
-    for (const std::string& one : drawing::ViewNames()) known += (known.empty() ? "" : ", ") + one;
-    throw BadArgument("view", "one of " + known + ", a direction, or a direction and what is up is needed");
-  }
-  const bool isPair = PySequence_Check(object) != 0 && PySequence_Size(object) == 2;
-  PyErr_Clear();
-  const auto vectorOf = [](PyObject* from) {
-    const std::array<double, 3> v = Vector(from, "view");
-    return ZBR_PT3(v[0], v[1], v[2]);
-  };
-  const auto vector = [&](Py_ssize_t i) { return vectorOf(Ref::Own(PySequence_GetItem(object, i)).get()); };
-  const ZBR_PT3 look = isPair ? vector(0) : vectorOf(object);
-  return {"look", Parsed([&] { return drawing::LookAlong(look, isPair ? vector(1) : drawing::UsualUp(look, yUp)); })};
 }
 
 void AddMeshType(PyObject* module) {

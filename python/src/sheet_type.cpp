@@ -62,21 +62,6 @@ drawing::SheetOptions OptionsOf(const Arguments<kNames.size()>& given) {
   return options;
 }
 
-// Sections that were drawn one by one are all A-A; on one sheet each has a letter of its own.
-void NameSections(std::vector<drawing::ViewLines>& views) {
-  std::vector<drawing::ViewLines*> sections;
-  bool isAgain = false;
-  for (drawing::ViewLines& view : views) {
-    if (!view.section) continue;
-    isAgain |= std::any_of(sections.begin(), sections.end(), [&](const auto* before) { return before->name == view.name; });
-    sections.push_back(&view);
-  }
-  for (std::size_t i = 0; isAgain && i < sections.size(); ++i) {
-    sections[i]->name = SectionName(i, "drawings");
-    sections[i]->section->letter = sections[i]->name.substr(0, 1);
-  }
-}
-
 PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<kNames.size()> given("sheet", kNames, 1, args, count, keywords);
@@ -96,7 +81,6 @@ PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject
       const auto data = std::make_shared<SheetData>();
       std::vector<drawing::ViewLines> views;
       for (const DrawingPtr& drawing : drawings) views.push_back(drawing->view);
-      NameSections(views);
       data->sheet = drawing::LayOut(std::move(views), options);
       data->sources = drawings.front()->mesh->sources;
       data->shells = drawings.front()->model->ShellCount();

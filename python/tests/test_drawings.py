@@ -68,6 +68,7 @@ def test_sections():
         cube().section("X=")
     apart = zbr.sheet([views[0], cube_of_two.section("X=1"), cube_of_two.section("Z=0.5")]).svg()
     assert "A\u2013A" in apart and "B\u2013B" in apart
+    assert all(f"{letter}\u2013{letter}" in zbr.sheet([*views, cube_of_two.section("X=1.5")]).svg() for letter in "ABC")
 
 
 def test_what_has_no_lines_cannot_be_made():
@@ -96,6 +97,9 @@ def test_results_are_those_of_the_tool(tmp_path):
     drawing = zbr.read(mesh).draw("iso")
     assert drawing.svg() == (tmp_path / "a.svg").read_text()
     assert drawing.sheet().json() == (tmp_path / "a.json").read_text()
+    subprocess.run([TOOL, "draw", mesh, "--eye", "300,-250,200", "--fov", "25", "--hidden", "dashed", "-o", tmp_path / "e.svg"], check=True)
+    eye = zbr.read(mesh).draw({"eye": (300, -250, 200), "fov": 25})
+    assert eye.svg() == (tmp_path / "e.svg").read_text()
     random = np.random.default_rng(3)
     a, b = (zbr.Region(random.random((60, 2))) for _ in range(2))
     zbr.write(tmp_path / "a.wkt", a)

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 from pathlib import Path
-from typing import Any, Iterable, NamedTuple, Sequence
+from typing import Any, Iterable, Mapping, NamedTuple, Sequence
 
 import numpy as np
 from numpy.typing import NDArray
@@ -15,7 +15,7 @@ from ._files import written
 #: What the numbers of `Drawing.kind` mean.
 KINDS: tuple[str, ...] = _zbr.KINDS
 
-View = str | Sequence[Any]
+View = str | Sequence[Any] | Mapping[str, Any]
 
 
 class Survey(NamedTuple):
@@ -70,8 +70,9 @@ class Mesh(_zbr.Mesh):
         return cls(*_triangles_of(thing))
 
     def draw(self, view: View = "iso", **options: Any) -> Drawing:
-        """Draws a view: front, back, left, right, top, bottom, iso, dimetric; a direction of looking (3,); or that and what is
-        up, (2, 3).
+        """Draws a view: front, back, left, right, top, bottom, iso, dimetric; a direction of looking (3,); that and what is up,
+        (2, 3); or the perspective of an eye, {"eye": (x, y, z)}, with the keys at (what it looks at; by default the middle of the
+        model), up, and fov (degrees at which the picture is cut off; by default all is drawn).
 
         Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn), weld=0.0
         (points closer than this part of the diagonal are one), tangents=False (smooth edges at which fillets end),

@@ -223,7 +223,7 @@ def coverage(regions: Iterable[Any], times: int, **options: Any) -> Region:
 class Fault(NamedTuple):
     """What keeps rings from bounding a region as they are, and where.
 
-    kind: crossing, overlap, fold, repeated point, no area. Edges have the numbers of the points they start at; -1: none.
+    kind: crossing, overlap, fold, repeated_point, no_area. Edges have the numbers of the points they start at; -1: none.
     """
 
     kind: str
@@ -234,13 +234,10 @@ class Fault(NamedTuple):
     edge_b: int
 
 
-_KINDS = ("crossing", "overlap", "fold", "repeated point", "no area", "not finite")
-
-
 def check(coords: ArrayLike, rings: ArrayLike | None = None, *, most: int = 1_000_000) -> list[Fault]:
     """The faults of rings, arrays as Region takes them. Touching is none. The search ends when `most` are found.
 
     >>> check([(0, 0), (4, 4), (4, 0), (0, 5)])
     [Fault(kind='crossing', place=(2.2222222222222223, 2.2222222222222223), ring_a=0, edge_a=0, ring_b=0, edge_b=2)]
     """
-    return [Fault(_KINDS[f[0]], (f[1], f[2]), *f[3:]) for f in _zbr.check(coords, rings, most=most)]
+    return [Fault(f[0], (f[1], f[2]), *f[3:]) for f in _zbr.check(coords, rings, most=most)]

@@ -1,12 +1,11 @@
 // Models: bytes or arrays in; drawings as arrays and as files out.
 #include <zbr-drawing/outlines.h>
+#include <zbr-drawing/picker.h>
 #include <zbr-drawing/survey.h>
 #include <zbr-formats/files.h>
 #include <zbr-formats/meshes.h>
 #include <zbr-formats/sheets.h>
-#include <zbr/tolerance.h>
 
-#include <cmath>
 #include <limits>
 #include <map>
 
@@ -203,10 +202,9 @@ int zbrwOutline(std::uint32_t model) {
     options.Finish();
     const Model& prepared = held.Any();
     Report(0.3, "finding outlines");
-    Scene scene = MakeScene(prepared, direction.view);
-    FindOutlines(prepared, scene, false, 1);
     LoopList all;
-    for (const LoopList& loops : OutlinesInPlace(prepared, scene)) all.insert(all.end(), loops.begin(), loops.end());
+    for (const LoopList& loops : FindOutlines(prepared, direction.view, false, 1))
+      all.insert(all.end(), loops.begin(), loops.end());
     out.Give(zbrRegionOfLoops(all));
   });
 }
@@ -218,22 +216,14 @@ int zbrwPick(std::uint32_t model, const double* points, std::size_t count) {
     const NamedDirection direction = OneDirection(held, options);
     options.Finish();
     const Model& prepared = held.Any();
-    Scene scene = MakeScene(prepared, direction.view);
-    const ZBR_TmpEps tolerance(kSceneTolerance);
-    ZBR_HiddenLine::Prepare(scene.shells.data(), scene.ShellCount());
+    const Picker picker(prepared, direction.view);
     std::vector<std::int32_t> triangles(count, -1);
     std::vector<double> heights(count, std::numeric_limits<double>::quiet_NaN());
     for (std::size_t i = 0; i < count; ++i) {
-      const ZBR_PT3 p = scene.FromDrawing(ZBR_PT3(points[2 * i], points[2 * i + 1], 0));
-      double z = std::numeric_limits<double>::lowest();
-      ZBR_HL_SOURCE hit;
-      if (!std::isfinite(p.x()) || !std::isfinite(p.y()) ||
-          !ZBR_HiddenLine::PickShells(p.x(), p.y(), scene.shells.data(), scene.ShellCount(), z, hit))
-        continue;
-      const std::size_t shell = static_cast<std::size_t>(hit.shell);
-      triangles[i] =
-          static_cast<std::int32_t>(prepared.source[prepared.shellBegin[shell] + static_cast<std::size_t>(hit.triangle)]);
-      heights[i] = scene.ToDrawing(ZBR_PT3(p.x(), p.y(), z)).z();
+      const auto hit = picker.At(ZBR_PT(points[2 * i], points[2 * i + 1]));
+      if (!hit) continue;
+      triangles[i] = static_cast<std::int32_t>(hit->triangle);
+      heights[i] = hit->height;
     }
     out.Give(std::move(triangles));
     out.Give(std::move(heights));

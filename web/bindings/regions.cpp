@@ -155,7 +155,10 @@ int zbrwCheck(const ZBR_REGION_VIEW* rings, std::size_t most) {
   return Answer([&](Exchange& out) {
     std::vector<ZBR_REGION_FAULT> faults;
     Demand(zbrCheckRegion(*rings, faults, most));
+    std::string kinds;
+    for (const ZBR_REGION_FAULT& fault : faults) kinds.append(NameOf(fault.kind)).append(1, '\n');
     out.Give(std::move(faults));
+    out.Give(std::move(kinds));
   });
 }
 

@@ -82,7 +82,7 @@ export interface RegionOptions {
 }
 
 export interface Fault {
-  kind: 'crossing' | 'overlap' | 'fold' | 'repeated-point' | 'no-area' | 'not-finite';
+  kind: 'crossing' | 'overlap' | 'fold' | 'repeated_point' | 'no_area' | 'not_finite';
   place: [number, number];
   /** Rings and edges that meet there; -1 where there is none. */
   ringA: number;

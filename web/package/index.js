@@ -7,7 +7,6 @@ export { Model, ZbrError, edgeClasses, fromGeoJSON, toGeoJSON };
 
 const OPS = { 'a-b': 0, 'b-a': 1, union: 2, intersection: 3, xor: 4 };
 const RULES = { evenodd: 0, nonzero: 1, positive: 2, negative: 3 };
-const FAULTS = ['crossing', 'overlap', 'fold', 'repeated-point', 'no-area', 'not-finite'];
 const REGION_OPTIONS = new Set(['tolerance', 'fill', 'fillA', 'fillB', 'sources', 'canonical', 'onProgress']);
 
 function lookUp(table, name, what) {
@@ -105,11 +104,11 @@ class Zbr {
   }
 
   check(rings, { most = 1000000 } = {}) {
-    const [buffer] = this.#instance.call('zbrwCheck', [{ views: [regionOf(rings, 'rings')] }, most]);
-    const ints = new Int32Array(buffer), doubles = new Float64Array(buffer);
+    const [buffer, names] = this.#instance.call('zbrwCheck', [{ views: [regionOf(rings, 'rings')] }, most]);
+    const ints = new Int32Array(buffer), doubles = new Float64Array(buffer), kinds = textOf(names).split('\n');
     return Array.from({ length: ints.length / 10 }, (_, i) => {
       const [ringA, edgeA, ringB, edgeB] = ints.subarray(10 * i + 6, 10 * i + 10);
-      return { kind: FAULTS[ints[10 * i]], place: [doubles[5 * i + 1], doubles[5 * i + 2]], ringA, edgeA, ringB, edgeB };
+      return { kind: kinds[i], place: [doubles[5 * i + 1], doubles[5 * i + 2]], ringA, edgeA, ringB, edgeB };
     });
   }
 
