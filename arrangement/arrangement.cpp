@@ -41,6 +41,10 @@ void EdgeCutter::Run(Arrangement::Care care) {
   }
   NumberVertices();
   MergeLines();
+  if (isFine_) return;
+  for (std::uint32_t i = 0; i < toPoint_.size(); ++i) {
+    out_.ends_.push_back({number_[vertexOf_[i]], number_[vertexOf_[toPoint_[i]]]});
+  }
 }
 
 // The vertices that are in order already are merged with the others.
@@ -97,5 +101,28 @@ Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& 
 
 Arrangement::Arrangement(std::span<const DirectedEdge> edges)
     : Arrangement(edges, Resolution::Coarse(BoxOf(edges)), edges.size(), Care::kThorough) {}
+
+std::uint32_t Arrangement::PieceBetween(std::uint32_t u, std::uint32_t v) const {
+  const auto [from, to] = std::minmax(u, v);
+  const auto isBefore = [](const Piece& p, const Ends& ends) { return p.from != ends.from ? p.from < ends.from : p.to < ends.to; };
+  const auto place = std::lower_bound(pieces_.begin(), pieces_.end(), Ends{from, to}, isBefore);
+  const bool isThere = place != pieces_.end() && place->from == from && place->to == to;
+  return isThere ? static_cast<std::uint32_t>(place - pieces_.begin()) : kNoPiece;
+}
+
+EdgesAlong::EdgesAlong(const Arrangement& arrangement, std::size_t edgeCount) : begin_(arrangement.pieces().size() + 1, 0) {
+  const auto forEach = [&](auto visit) {
+    for (std::uint32_t e = 0; e < edgeCount; ++e) {
+      arrangement.PiecesOf(e, [&](std::uint32_t piece) {
+        if (piece != Arrangement::kNoPiece) visit(e, piece);
+      });
+    }
+  };
+  forEach([&](std::uint32_t, std::uint32_t piece) { ++begin_[piece + 1]; });
+  std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
+  edges_.resize(begin_.back());
+  std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
+  forEach([&](std::uint32_t e, std::uint32_t piece) { edges_[place[piece]++] = e; });
+}
 
 }  // namespace zbr

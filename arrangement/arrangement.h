@@ -67,6 +67,15 @@ class Arrangement {
   // Sorted by `from`, then by `to`.
   const std::vector<Piece>& pieces() const { return pieces_; }
 
+  // Where an edge of a coarse grid begins and ends.
+  struct Ends {
+    std::uint32_t from;
+    std::uint32_t to;
+  };
+  Ends EndsOf(std::size_t edge) const { return ends_[edge]; }
+  // The piece between two vertices, in either order; kNoPiece when there is none.
+  std::uint32_t PieceBetween(std::uint32_t u, std::uint32_t v) const;
+
   // Calls visit(piece) for what became of the given edge; kNoPiece stands for a part along which as many edges run one way as the
   // other. An edge whose ends merged visits nothing.
   template <class Visit>
@@ -86,6 +95,22 @@ class Arrangement {
   std::vector<std::uint32_t> lineOfEdge_;   // the edge before it was cut
   std::vector<std::uint32_t> lineBegin_;    // where the parts of that begin
   std::vector<std::uint32_t> pieceOfLine_;  // which piece such a part is
+  std::vector<Ends> ends_;                  // by edge, on a coarse grid
+};
+
+// Which edges run along each piece of an arrangement, ascending.
+class EdgesAlong {
+ public:
+  EdgesAlong() = default;
+  EdgesAlong(const Arrangement& arrangement, std::size_t edgeCount);
+
+  std::span<const std::uint32_t> operator[](std::uint32_t piece) const {
+    return std::span(edges_).subspan(begin_[piece], begin_[piece + 1] - begin_[piece]);
+  }
+
+ private:
+  std::vector<std::uint32_t> begin_;  // by piece
+  std::vector<std::uint32_t> edges_;
 };
 
 }  // namespace zbr

@@ -33,11 +33,20 @@ inline constexpr double kOutlineTolerance = 1e-9;
 // touch, just above the rounding errors that nesting allows for.
 inline constexpr double kTouchOnGrid = 6e-14;
 
+// How a loop goes along its ring.
+struct LoopTrace {
+  std::uint32_t ring;
+  std::vector<std::uint32_t> kept;  // by point of the loop: its place in the ring
+  bool runsBack;                    // against the ring
+};
+
 // The loops of rings through the given points, nested by zbrMakeLoopTree whatever their size and place. Nesting looks at `places`,
 // where rings must not cross; `touch` is how close to another ring a place counts as on it (kTouchOnGrid or kOutlineTolerance).
 // Points within the width of the one before, and points that lie straight between their neighbours but for rounding errors, are
-// removed; rings narrower than the width are left out.
+// removed; rings narrower than the width are left out. `traces`, when not null, becomes those of the loops, each outer loop before
+// its holes.
 std::vector<std::shared_ptr<ZBR_LOOP>> NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places,
-                                                 std::span<const ZBR_PT> points, double width, double touch);
+                                                 std::span<const ZBR_PT> points, double width, double touch,
+                                                 std::vector<LoopTrace>* traces = nullptr);
 
 }  // namespace zbr

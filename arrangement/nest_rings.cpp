@@ -5,6 +5,7 @@
 // points are put in place afterwards.
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 
 #include "arrangement/loop_builder.h"
 #include "arrangement/ring_shape.h"
@@ -33,7 +34,7 @@ class RingShape {
             kStraight * std::max({std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)}), width)),
         width_(width) {}
 
-  Points Simplify(const Points& ring) const { return StraightenedRing(ThinnedRing(ring, width_), straight_); }
+  std::vector<std::uint32_t> Simplify(const Points& ring) const { return SimplifiedRing(ring, width_, straight_); }
 
  private:
   double straight_;
@@ -73,19 +74,37 @@ LoopList ScaledLoops(std::span<const Ring> rings, std::span<const ZBR_PT> places
   return loops;
 }
 
+// Those of the loops in `all`, which has the traces' order, as the nested loops follow each other.
+std::vector<LoopTrace> InOrderOf(const LoopList& nested, const LoopList& all, std::vector<LoopTrace>& traces) {
+  std::unordered_map<const ZBR_LOOP*, LoopTrace*> traceOf;
+  for (std::size_t i = 0; i < all.size(); ++i) traceOf[all[i].get()] = &traces[i];
+  std::vector<LoopTrace> ordered;
+  ordered.reserve(all.size());
+  for (const auto& outer : nested) {
+    ordered.push_back(std::move(*traceOf.at(outer.get())));
+    for (const auto& hole : outer->children()) ordered.push_back(std::move(*traceOf.at(hole.get())));
+  }
+  return ordered;
+}
+
 }  // namespace
 
 LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, std::span<const ZBR_PT> points, double width,
-                   double touch) {
+                   double touch, std::vector<LoopTrace>* traces) {
   const RingShape shape(BoxOf(rings, points), width);
   std::vector<Ring> wide;
   std::vector<Points> shapes;
-  for (const Ring& ring : rings) {
-    Points kept = shape.Simplify(PointsOf(ring, points));
+  std::vector<LoopTrace> found;
+  for (std::uint32_t r = 0; r < rings.size(); ++r) {
+    const Points ring = PointsOf(rings[r], points);
+    std::vector<std::uint32_t> corners = shape.Simplify(ring);
+    Points kept = PointsAt(ring, corners);
     if (IsNarrow(kept, width)) continue;
-    wide.push_back(ring);
+    wide.push_back(rings[r]);
     shapes.push_back(std::move(kept));
+    if (traces != nullptr) found.push_back({r, std::move(corners), false});
   }
+  if (traces != nullptr) traces->clear();
   if (wide.empty()) return {};
   LoopList loops = ScaledLoops(wide, places);
   const LoopList all = loops;
@@ -94,11 +113,18 @@ LoopList NestRings(std::span<const Ring> rings, std::span<const ZBR_PT> places, 
     zbrMakeLoopTree(loops);
   }
   for (std::size_t i = 0; i < all.size(); ++i) {
-    if ((TwiceArea(shapes[i]) > 0.0) != (all[i]->area() > 0.0)) std::reverse(shapes[i].begin(), shapes[i].end());
+    if ((TwiceArea(shapes[i]) > 0.0) != (all[i]->area() > 0.0)) {
+      std::reverse(shapes[i].begin(), shapes[i].end());
+      if (traces != nullptr) {
+        std::reverse(found[i].kept.begin(), found[i].kept.end());
+        found[i].runsBack = true;
+      }
+    }
     all[i]->pt() = std::move(shapes[i]);
     all[i]->Reset();
     all[i]->Setup();
   }
+  if (traces != nullptr) *traces = InOrderOf(loops, all, found);
   return loops;
 }
 

@@ -68,24 +68,7 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
     arrangement_ = Arrangement(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kThorough);
     swept_ = SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kThorough);
   }
-  CollectSources();
-}
-
-void Overlay::CollectSources() {
-  sourceBegin_.assign(arrangement_.pieces().size() + 1, 0);
-  for (std::size_t e = 0; e < edges_.size(); ++e) {
-    arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
-      if (piece != Arrangement::kNoPiece) ++sourceBegin_[piece + 1];
-    });
-  }
-  for (std::size_t p = 1; p < sourceBegin_.size(); ++p) sourceBegin_[p] += sourceBegin_[p - 1];
-  sources_.resize(sourceBegin_.back());
-  std::vector<std::uint32_t> place(sourceBegin_.begin(), sourceBegin_.end() - 1);
-  for (std::uint32_t e = 0; e < edges_.size(); ++e) {
-    arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
-      if (piece != Arrangement::kNoPiece) sources_[place[piece]++] = e;
-    });
-  }
+  along_ = EdgesAlong(arrangement_, edges_.size());
 }
 
 // Makes points, rings and polygons of traced boundaries.
@@ -144,7 +127,7 @@ class Overlay::Assembler {
   // turns before that piece.
   bool GoesOn(std::uint32_t next) {
     if (passes_[Start(next)] != 1) return false;
-    const std::span<const std::uint32_t> sources = overlay_.SourcesOf(next);
+    const std::span<const std::uint32_t> sources = overlay_.along_[next];
     common_.clear();
     std::set_intersection(along_.begin(), along_.end(), sources.begin(), sources.end(), std::back_inserter(common_));
     if (common_.empty()) return false;
@@ -160,7 +143,7 @@ class Overlay::Assembler {
   }
 
   void StartAlong(std::uint32_t piece) {
-    const std::span<const std::uint32_t> sources = overlay_.SourcesOf(piece);
+    const std::span<const std::uint32_t> sources = overlay_.along_[piece];
     along_.assign(sources.begin(), sources.end());
   }
 

@@ -38,12 +38,8 @@ class Overlay {
  private:
   class Assembler;
 
-  void CollectSources();
   FlatRegion Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const;
   FlatRegion Settled(const FlatRegion& region, bool& isUnsettled) const;
-  std::span<const std::uint32_t> SourcesOf(std::uint32_t piece) const {
-    return std::span(sources_).subspan(sourceBegin_[piece], sourceBegin_[piece + 1] - sourceBegin_[piece]);
-  }
 
   double tolerance_;
   double width_;
@@ -51,8 +47,7 @@ class Overlay {
   Resolution resolution_;
   Arrangement arrangement_;
   SweptPieces swept_;
-  std::vector<std::uint32_t> sourceBegin_;  // by piece
-  std::vector<std::uint32_t> sources_;      // edges, ascending within a piece
+  EdgesAlong along_;
 };
 
 }  // namespace zbr

@@ -41,17 +41,17 @@ bool IsStraight(const ZBR_PT& before, const ZBR_PT& p, const ZBR_PT& after, doub
 
 }  // namespace
 
-std::vector<ZBR_PT> ThinnedRing(RingSpan ring, double width) {
-  std::vector<ZBR_PT> kept;
+std::vector<std::uint32_t> ThinnedRing(RingSpan ring, double width) {
+  std::vector<std::uint32_t> kept;
   kept.reserve(ring.size());
-  for (const ZBR_PT& p : ring) {
-    if (kept.empty() || p.Distance(kept.back()) > width) kept.push_back(p);
+  for (std::uint32_t i = 0; i < ring.size(); ++i) {
+    if (kept.empty() || ring[i].Distance(ring[kept.back()]) > width) kept.push_back(i);
   }
-  while (kept.size() > 1 && !(kept.back().Distance(kept[0]) > width)) kept.pop_back();
+  while (kept.size() > 1 && !(ring[kept.back()].Distance(ring[kept[0]]) > width)) kept.pop_back();
   return kept;
 }
 
-std::vector<ZBR_PT> StraightenedRing(RingSpan ring, double width) {
+std::vector<std::uint32_t> StraightenedRing(RingSpan ring, double width) {
   const std::size_t n = ring.size();
   const auto at = [&](std::size_t i) { return ring[i < n ? i : i - n]; };
   std::size_t start = 0;
@@ -61,16 +61,23 @@ std::vector<ZBR_PT> StraightenedRing(RingSpan ring, double width) {
     const auto isLess = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y(); };
     start = static_cast<std::size_t>(std::min_element(ring.begin(), ring.end(), isLess) - ring.begin());
   }
-  std::vector<ZBR_PT> kept{ring[start]};
-  Corridor corridor(kept.back(), width);
+  std::vector<std::uint32_t> kept{static_cast<std::uint32_t>(start)};
+  Corridor corridor(ring[start], width);
   for (std::size_t i = start + 1; i < start + n; ++i) {
     const ZBR_PT& p = at(i);
     const ZBR_PT next = at(i + 1);
     corridor.Pass(p);
-    if (corridor.Allows(next) && (p - kept.back()).InnerProduct(next - p) > 0.0) continue;
-    kept.push_back(p);
+    if (corridor.Allows(next) && (p - ring[kept.back()]).InnerProduct(next - p) > 0.0) continue;
+    kept.push_back(static_cast<std::uint32_t>(i < n ? i : i - n));
     corridor = Corridor(p, width);
   }
+  return kept;
+}
+
+std::vector<std::uint32_t> SimplifiedRing(RingSpan ring, double thin, double straight) {
+  std::vector<std::uint32_t> thinned = ThinnedRing(ring, thin);
+  std::vector<std::uint32_t> kept = StraightenedRing(PointsAt(ring, thinned), straight);
+  for (std::uint32_t& i : kept) i = thinned[i];
   return kept;
 }
 

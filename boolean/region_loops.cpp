@@ -63,8 +63,8 @@ ZBR_REGION_STATUS zbrSimplifyRegion(const ZBR_REGION_VIEW& rings, double toleran
   }
   const double width = tolerance > 0.0 ? tolerance : 0.0;  // not NaN
   for (const zbr::RingSpan& ring : input.rings()) {
-    const std::vector<ZBR_PT> corners = zbr::StraightenedRing(zbr::ThinnedRing(ring, 0.0), width);
-    if (corners.size() > 2) simple.AddRing(corners);
+    const std::vector<std::uint32_t> corners = zbr::SimplifiedRing(ring, 0.0, width);
+    if (corners.size() > 2) simple.AddRing(zbr::PointsAt(ring, corners));
   }
   ZBR_REGION_OPTIONS withoutSources = options;
   withoutSources.sources = false;

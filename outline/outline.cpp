@@ -16,6 +16,7 @@
 #include "arrangement/loop_builder.h"
 #include "arrangement/winding_sweep.h"
 #include "outline/bare_edges.h"
+#include "outline/outline_sources.h"
 
 namespace {
 
@@ -51,7 +52,8 @@ void SetProfiles(ZBR_HL_SHELL* shells, const zbr::BareEdges& bare, const zbr::Ar
   }
 }
 
-Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::int8_t>& boundary) {
+// With their rings and traces when `traced` is not null.
+Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::int8_t>& boundary, zbr::TracedLoops* traced) {
   std::vector<zbr::BoundaryPiece> pieces;
   for (std::size_t i = 0; i < boundary.size(); ++i) {
     const zbr::Arrangement::Piece& p = arrangement.pieces()[i];
@@ -63,22 +65,35 @@ Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::in
   places.reserve(arrangement.nodes().size());
   for (const zbr::GridPoint& node : arrangement.nodes()) places.push_back(node.Point());
   std::vector<std::uint32_t> next;
-  const std::vector<zbr::Ring> rings = zbr::TraceRings(pieces, places, next);
-  return zbr::NestRings(rings, places, arrangement.points(), arrangement.step(), zbr::kTouchOnGrid);
+  std::vector<zbr::Ring> rings = zbr::TraceRings(pieces, places, next);
+  std::vector<zbr::LoopTrace>* traces = traced != nullptr ? &traced->traces : nullptr;
+  Loops loops = zbr::NestRings(rings, places, arrangement.points(), arrangement.step(), zbr::kTouchOnGrid, traces);
+  if (traced != nullptr) traced->rings = std::move(rings);
+  return loops;
 }
 
-}  // namespace
-
-void ZBR_HiddenLine::OutLineObj(ZBR_HL_SHELL* shells, unsigned count) {
-  if (count == 0) return;
+void FindOutline(ZBR_HL_SHELL* shells, unsigned count, ZBR_HL_OUTLINE_SOURCES* sources) {
   Classify(shells, count);
   const zbr::BareEdges bare = zbr::CollectBareEdges(shells, count);
   const zbr::Arrangement arrangement(bare.edges);
   const std::vector<std::int8_t> boundary = zbr::BoundarySides(arrangement);
   SetProfiles(shells, bare, arrangement, boundary);
-  Loops all = LoopsAround(arrangement, boundary);
+  zbr::TracedLoops traced;
+  Loops all = LoopsAround(arrangement, boundary, sources != nullptr ? &traced : nullptr);
+  if (sources != nullptr) *sources = zbr::FindSources(shells, bare, arrangement, traced);
   Loops copy;
   ZBR_LOOP::DeepCopyLoops(copy, all);
   shells[0].outline_all.swap(all);
   shells[0].outline.swap(copy);
+}
+
+}  // namespace
+
+void ZBR_HiddenLine::OutLineObj(ZBR_HL_SHELL* shells, unsigned count) {
+  if (count != 0) FindOutline(shells, count, nullptr);
+}
+
+void ZBR_HiddenLine::OutLineObj(ZBR_HL_SHELL* shells, unsigned count, ZBR_HL_OUTLINE_SOURCES& sources) {
+  sources = {{}, {0}, {}};
+  if (count != 0) FindOutline(shells, count, &sources);
 }

@@ -180,6 +180,7 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.offset = view.perspective ? ZBR_PT3() : view.In(model.Centre());
   scene.drawable = 0;
   scene.parts.clear();
+  scene.outlines.clear();
   scene.triangles.resize(model.TriangleCount() + lines.size());
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();

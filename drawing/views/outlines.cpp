@@ -1,8 +1,8 @@
 // Outlines by the library, and their way back from the scene.
 //
 // A scene is centred and scaled, and what is merely scaled back is off by rounding: a width of 10 would come out
-// as 10.000000000000002, and outlines of parts that fit would no longer share their edges. So the vertices of outlines are looked
-// up among those of the model.
+// as 10.000000000000002, and outlines of parts that fit would no longer share their edges. So the vertices of outlines are taken
+// from the model where they are vertices of it.
 #include <zbr-drawing/outlines.h>
 
 #include <zbr-drawing/removal.h>
@@ -36,17 +36,18 @@ Place PlaceOf(const ZBR_PT& p) {
   return {std::bit_cast<std::uint64_t>(p.x() + 0.0), std::bit_cast<std::uint64_t>(p.y() + 0.0)};
 }
 
-struct ShellRange {
+struct ObjectShells {
   ZBR_HL_SHELL* first;
   unsigned count;
+  ZBR_HL_OUTLINE_SOURCES* sources;  // of its outline
 };
 
 // The shells of each object that has any; the others lost all their triangles when points were joined.
-std::vector<ShellRange> ObjectsOf(const Model& model, Scene& scene) {
-  std::vector<ShellRange> objects;
+std::vector<ObjectShells> ObjectsOf(const Model& model, Scene& scene) {
+  std::vector<ObjectShells> objects;
   for (std::size_t k = 0; k < model.ObjectCount(); ++k) {
     const std::uint32_t begin = model.objectBegin[k], end = model.objectBegin[k + 1];
-    if (end > begin) objects.push_back({scene.shells.data() + begin, end - begin});
+    if (end > begin) objects.push_back({scene.shells.data() + begin, end - begin, &scene.outlines[k]});
   }
   return objects;
 }
@@ -76,12 +77,13 @@ void GiveUpLines(Scene& scene) {
   }
 }
 
-void Narrow(const std::vector<ShellRange>& objects) {
+void Narrow(const std::vector<ObjectShells>& objects) {
   for (std::size_t j = 1; j < objects.size(); ++j) {
     for (std::size_t i = 0; i < j; ++i) {
-      const auto& [a, na] = objects[i];
-      const auto& [b, nb] = objects[j];
-      if (MayOverlap(a->outline, b->outline)) ZBR_HiddenLine::HiddenLineObjByObj(a, b, na, nb, true);
+      const ObjectShells& a = objects[i];
+      const ObjectShells& b = objects[j];
+      if (!MayOverlap(a.first->outline, b.first->outline)) continue;
+      ZBR_HiddenLine::HiddenLineObjByObj(a.first, b.first, a.count, b.count, true);
     }
   }
 }
@@ -105,36 +107,36 @@ std::vector<LoopList> MovedOutlines(const Model& model, const Scene& scene, cons
   return outlines;
 }
 
-// Where vertices of outlines are in the drawing, by their places in the scene. Few of the model's vertices are among them.
-class ExactPlaces {
+// Where vertices of outlines are in the drawing, by their places in the scene. What nearer objects leave of an outline has vertices
+// of whole outlines, and crossings of these.
+class PlacesInDrawing {
  public:
-  ExactPlaces(const Model& model, const Scene& scene) : scene_(scene) {
-    for (std::size_t k = 0; k < model.ObjectCount(); ++k) {
-      ForEachRing(OutlineOf(model, scene, k), [&](const ZBR_LOOP& ring) {
-        for (const ZBR_PT& p : ring.pt()) places_.try_emplace(PlaceOf(p), scene.ToDrawing(p));
+  PlacesInDrawing(const Model& model, const Scene& scene) : model_(model), scene_(scene) {
+    for (std::size_t k = 0; k < scene.outlines.size(); ++k) {
+      const std::uint32_t first = model.objectBegin[k];
+      if (first == model.objectBegin[k + 1]) continue;
+      auto corner = scene.outlines[k].corners.begin();
+      ForEachRing(scene.shells[first].outline_all, [&](const ZBR_LOOP& ring) {
+        for (const ZBR_PT& p : ring.pt()) AddVertex(p, first, *corner++);
       });
     }
-    std::unordered_map<Place, ZBR_PT, PlaceHash> exact;
-    for (std::size_t s = 0; s < model.ShellCount(); ++s) AddShell(model, s, exact);
-    for (const auto& [place, p] : exact) places_[place] = p;
   }
 
-  ZBR_PT operator()(const ZBR_PT& p) const { return places_.at(PlaceOf(p)); }
+  ZBR_PT operator()(const ZBR_PT& p) const {
+    const auto place = places_.find(PlaceOf(p));
+    return place != places_.end() ? place->second : scene_.ToDrawing(p);
+  }
 
  private:
-  void AddShell(const Model& model, std::size_t s, std::unordered_map<Place, ZBR_PT, PlaceHash>& exact) const {
-    const ZBR_ZBREPS& shell = model.Shell(s);
-    for (int t = 0; t < shell.GetTriangleCnt(); ++t) {
-      const ZBR_HL_TRI& triangle = scene_.triangles[model.shellBegin[s] + static_cast<std::size_t>(t)];
-      for (std::size_t i = 0; i < 3; ++i) {
-        const Place place = PlaceOf(triangle.pt[i].xy());
-        if (!places_.contains(place)) continue;
-        const ZBR_PT3 p = scene_.view.In(VertexOf(*shell.GetTriangle(t), i).GetPt());
-        exact.try_emplace(place, p.x() + 0.0, p.y() + 0.0);  // without the sign of a zero
-      }
-    }
+  void AddVertex(const ZBR_PT& p, std::size_t firstShell, const ZBR_HL_SOURCE& corner) {
+    if (corner.triangle < 0 || scene_.view.perspective) return;
+    const ZBR_ZBREPS& shell = model_.Shell(firstShell + static_cast<std::size_t>(corner.shell));
+    const ZBR_PT3& vertex = VertexOf(*shell.GetTriangle(corner.triangle), static_cast<std::size_t>(corner.edge)).GetPt();
+    const ZBR_PT3 q = scene_.view.In(vertex);
+    places_.try_emplace(PlaceOf(p), q.x() + 0.0, q.y() + 0.0);  // without the sign of a zero
   }
 
+  const Model& model_;
   const Scene& scene_;
   std::unordered_map<Place, ZBR_PT, PlaceHash> places_;
 };
@@ -143,10 +145,11 @@ class ExactPlaces {
 
 void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned threads) {
   GiveUpLines(scene);
-  const std::vector<ShellRange> objects = ObjectsOf(model, scene);
+  scene.outlines.assign(model.ObjectCount(), {});
+  const std::vector<ObjectShells> objects = ObjectsOf(model, scene);
   RunParallel(objects.size(), threads, [&](std::size_t i) {
     const ZBR_TmpEps hold(kOutlineTolerance);
-    ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count);
+    ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count, *objects[i].sources);
   });
   if (!narrow || objects.size() < 2) return;
   RemoveHidden(scene, threads);
@@ -159,7 +162,7 @@ std::vector<LoopList> OutlinesAroundMiddle(const Model& model, const Scene& scen
 }
 
 std::vector<LoopList> OutlinesInPlace(const Model& model, const Scene& scene) {
-  return MovedOutlines(model, scene, ExactPlaces(model, scene));
+  return MovedOutlines(model, scene, PlacesInDrawing(model, scene));
 }
 
 std::vector<LoopList> FindOutlines(const Model& model, const View& view, bool narrow, unsigned threads) {

@@ -41,6 +41,25 @@ struct ZBR_HL_SOURCE {
   int edge = -1;
 };
 
+// A piece of a projected edge: of edge `edge` of the triangle, from parameter t0 to t1, where 0 is the triangle's vertex of that
+// number and 1 the next one. t0 > t1 when the piece runs against the edge.
+struct ZBR_HL_PIECE {
+  ZBR_HL_SOURCE source;
+  double t0 = 0.0;
+  double t1 = 1.0;
+};
+
+// Where an outline comes from. Its edges are counted through all loops, each outer loop before its holes, an edge by the point that
+// it starts at.
+struct ZBR_HL_OUTLINE_SOURCES {
+  // What edge i runs along is pieces[offsets[i]] up to pieces[offsets[i + 1]], by where they begin along it: they cover it, one
+  // after the other or, where edges lie over each other, side by side. A parameter is exactly 0 or 1 where an edge begins or ends.
+  std::vector<ZBR_HL_PIECE> pieces;
+  std::vector<std::size_t> offsets;
+  // By edge: a triangle's vertex that its first point is, with `edge` the vertex's number; no triangle where edges cross.
+  std::vector<ZBR_HL_SOURCE> corners;
+};
+
 // How RemoveAll goes about it. All fields may stay as they are.
 struct ZBR_HL_REMOVAL {
   // Calls work(0) to work(count - 1), each once, in any order and on any threads, and returns when all have ended. Without one
@@ -118,6 +137,8 @@ class ZBR_HiddenLine {
   // between those; more where long edges lie side by side in many directions at once, and where loops meet by the thousands
   // at one vertex. Not for two threads at once on one shell.
   ZBR_API static void OutLineObj(ZBR_HL_SHELL* shells, unsigned count);
+  // The same, and the triangles' edges that the outline runs along. `shell` is a place in the array given. A little slower.
+  ZBR_API static void OutLineObj(ZBR_HL_SHELL* shells, unsigned count, ZBR_HL_OUTLINE_SOURCES& sources);
 
   // The same question for a single edge, by a walk over quadtrees: takes from `parts` (sorted stretches of edge `edge` of t) those
   // beside which, on the right of the edge as t runs counter-clockwise, a triangle of s lies. What all shells of an object leave

@@ -13,9 +13,48 @@
 
 namespace {
 
+// Pieces cover each edge from its first point to its last, and lie on it; corners are vertices to the bit.
+void ExpectSources(const std::vector<ZBR_HL_SHELL>& shells, const ZBR_HL_OUTLINE_SOURCES& sources, double tolerance) {
+  const auto corner = [&](const ZBR_HL_SOURCE& s, int k) {
+    return shells[static_cast<std::size_t>(s.shell)].tris[s.triangle].pt[(s.edge + k) % 3].xy();
+  };
+  std::size_t edge = 0;
+  for (const Ring& ring : RingsOf(shells[0].outline_all)) {
+    for (std::size_t i = 0; i < ring.size(); ++i, ++edge) {
+      const ZBR_PT& p = ring[i];
+      const ZBR_PT d = ring[(i + 1) % ring.size()] - p;
+      ASSERT_LT(edge + 1, sources.offsets.size());
+      double reached = 0.0;  // in lengths of the edge
+      for (std::size_t k = sources.offsets[edge]; k < sources.offsets[edge + 1]; ++k) {
+        const ZBR_HL_PIECE& piece = sources.pieces[k];
+        double along[2];
+        for (const int end : {0, 1}) {
+          const double t = end == 0 ? piece.t0 : piece.t1;
+          const ZBR_PT at = corner(piece.source, 0) * (1.0 - t) + corner(piece.source, 1) * t - p;
+          along[end] = at.InnerProduct(d) / d.Length2();
+          EXPECT_LE(std::fabs(at.OuterProduct(d)), tolerance * d.Length());
+        }
+        EXPECT_LE((along[0] - reached) * d.Length(), tolerance) << "a gap";
+        EXPECT_GE((along[1] - along[0]) * d.Length(), -tolerance) << "runs back";
+        reached = std::max(reached, along[1]);
+      }
+      EXPECT_GE((reached - 1.0) * d.Length(), -tolerance) << "an end without source";
+      const ZBR_HL_SOURCE& first = sources.corners[edge];
+      if (first.triangle >= 0) {
+        EXPECT_EQ(corner(first, 0).Distance(p), 0.0);
+      }
+    }
+  }
+  EXPECT_EQ(sources.offsets.size(), edge + 1);
+  EXPECT_EQ(sources.corners.size(), edge);
+}
+
 LoopList OutlineOf(std::vector<ZBR_HL_SHELL>& shells) {
-  ZBR_HiddenLine::OutLineObj(shells.data(), static_cast<unsigned>(shells.size()));
-  return shells.empty() ? LoopList() : shells[0].outline_all;
+  ZBR_HL_OUTLINE_SOURCES sources;
+  ZBR_HiddenLine::OutLineObj(shells.data(), static_cast<unsigned>(shells.size()), sources);
+  if (shells.empty()) return {};
+  ExpectSources(shells, sources, 1e-8 * RegionJudge(FacesOf(shells), {}).Extent());
+  return shells[0].outline_all;
 }
 LoopList OutlineOf(Drawing& drawing) {
   std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
