@@ -57,8 +57,10 @@ void KeepOneOfTwo(ZBR_HL_TRI& t) {
   if (endOn || t.dispj[first]) t.edge_state[second] = kInvalid;
 }
 
-// The single interval of the long edge on one side of the place below the apex.
-void GiveStretch(ZBR_HL_TRI& t, int edge, bool fromStart) {
+// The single interval of the long edge L on one side of the place below the apex, where only one of the edges at the apex is drawn.
+void GiveStretch(ZBR_HL_TRI& t) {
+  const int edge = t.vert_edge;
+  const bool fromStart = t.dispj[(edge + 1) % 3];
   if (!t.dispj[edge]) return;
   const ZBR_PT3& p = t.pt[edge];
   const ZBR_PT3& q = t.pt[(edge + 1) % 3];
@@ -70,7 +72,6 @@ void GiveStretch(ZBR_HL_TRI& t, int edge, bool fromStart) {
   } else {
     t.intvl_v[edge].emplace_back(below, q, r, 1.0);
   }
-  t.any_edge_visible = true;
 }
 
 // Makes the edges that are not part of the upper outline invalid.
@@ -83,10 +84,8 @@ void KeepOutline(ZBR_HL_TRI& t, int longEdge, bool hasEndOnEdge) {
     t.edge_state[longEdge] = kInvalid;
   } else if (t.vert_upper && t.dispj[next]) {
     t.edge_state[prev] = kInvalid;
-    GiveStretch(t, longEdge, true);
   } else if (t.vert_upper && t.dispj[prev]) {
     t.edge_state[next] = kInvalid;
-    GiveStretch(t, longEdge, false);
   } else {
     t.edge_state[next] = kInvalid;
     t.edge_state[prev] = kInvalid;
@@ -104,29 +103,44 @@ void CheckThreeEdges(ZBR_HL_TRI& t, double eps) {
   }
 }
 
+// Whether L and one of the other two share the outline of a wall.
+bool IsOutlineShared(const ZBR_HL_TRI& t) {
+  if (!t.IsTriVertical() || !t.vert_upper || std::count(t.edge_state, t.edge_state + 3, kVertical) != 0) return false;
+  return t.dispj[(t.vert_edge + 1) % 3] != t.dispj[(t.vert_edge + 2) % 3];
+}
+
 }  // namespace
 
-void ZBR_HL_TRI::CheckTriangle() {
-  ClearEdgeAll();
-  if (!CanBeComputedWith(*this)) return Invalidate(*this);
-  const zbr::Tolerance& tol = zbr::t_tolerance;
-  for (int i = 0; i < 3; ++i) edge_state[i] = EdgeState(pt[i], pt[(i + 1) % 3], tol);
-  tri_state = kGeneral;
-  switch (std::count(edge_state, edge_state + 3, kInvalid)) {
+void zbr::Classify(ZBR_HL_TRI& t) {
+  t.ClearEdgeAll();
+  if (!CanBeComputedWith(t)) return Invalidate(t);
+  const Tolerance& tol = t_tolerance;
+  for (int i = 0; i < 3; ++i) t.edge_state[i] = EdgeState(t.pt[i], t.pt[(i + 1) % 3], tol);
+  t.tri_state = kGeneral;
+  switch (std::count(t.edge_state, t.edge_state + 3, kInvalid)) {
     case 0:
-      CheckThreeEdges(*this, tol.eps);
+      CheckThreeEdges(t, tol.eps);
       break;
     case 1:
-      KeepOneOfTwo(*this);
+      KeepOneOfTwo(t);
       break;
     default:
-      Invalidate(*this);
+      Invalidate(t);
   }
+}
+
+void zbr::GiveIntervals(ZBR_HL_TRI& t) {
+  if (IsOutlineShared(t)) GiveStretch(t);
   for (int i = 0; i < 3; ++i) {
-    if (edge_state[i] != kGeneral || !dispj[i]) continue;
-    if (intvl_v[i].empty()) intvl_v[i].emplace_back(pt[i], pt[(i + 1) % 3], 0.0, 1.0);
-    any_edge_visible = true;
+    if (t.edge_state[i] != kGeneral || !t.dispj[i]) continue;
+    if (t.intvl_v[i].empty()) t.intvl_v[i].emplace_back(t.pt[i], t.pt[(i + 1) % 3], 0.0, 1.0);
+    t.any_edge_visible = true;
   }
+}
+
+void ZBR_HL_TRI::CheckTriangle() {
+  zbr::Classify(*this);
+  zbr::GiveIntervals(*this);
 }
 
 int ZBR_HL_TRI::SetVerticalInfo(int e) {

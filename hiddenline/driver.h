@@ -7,7 +7,6 @@
 
 #include <zbr/hidden_line.h>
 
-#include "hiddenline/extents.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/shell_search.h"
 
@@ -18,8 +17,8 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx);
 
 // Gives the shells indices that ascend with their places; those that are neither prepared nor done get new ones.
 void NumberInOrder(ZBR_HL_SHELL* shells, unsigned count);
-// Extents, states and search structure of a shell that has its index. Returns the triangles' extents.
-std::vector<Extents> PrepareShell(ZBR_HL_SHELL& shell);
+// Prepares a shell that has its index (preparation.h) and gives its edges their intervals.
+void PrepareWhole(ZBR_HL_SHELL& shell);
 // The shell's own pass, with all that it still lacks (but the index) made before. The quadtree is built as well.
 void HideInItself(ZBR_HL_SHELL& shell);
 

@@ -1,7 +1,9 @@
 // The extents of triangles, apart from the bulky records they belong to.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include <zbr/hidden_line.h>
 
@@ -12,8 +14,15 @@ namespace zbr {
 
 struct Extents {
   Box box;
-  double minZ;
-  double maxZ;
+  double minZ = std::numeric_limits<double>::infinity();
+  double maxZ = -std::numeric_limits<double>::infinity();
+
+  bool empty() const { return minZ > maxZ; }
+  void Add(const Extents& e) {
+    box.Add(e.box);
+    minZ = std::min(minZ, e.minZ);
+    maxZ = std::max(maxZ, e.maxZ);
+  }
 };
 
 inline Box BoxOf(const ZBR_HL_TRI& t) {

@@ -35,39 +35,95 @@ std::uint64_t Spread(std::uint32_t c) {
   return v;
 }
 
+// Triangles in one piece of work.
+constexpr std::size_t kPiece = 16384;
+
 // Morton's order of the centres of boxes on a cubic grid (as in Lauterbach et al., "Fast BVH construction on GPUs", 2009). Depth
 // counts like width: on a closed surface, clusters that are compact in space have small boxes seen from anywhere.
 class CurveOrder {
  public:
-  CurveOrder(std::span<const Extents> extents, const ZBR_PT3& low, double size)
-      : extents_(extents), low_(low), scale_(size > 0.0 ? kCells / size : 0.0) {}
+  struct Keyed {
+    std::uint32_t key;
+    int position;
+  };
 
-  void Sort(std::vector<int>& positions) const {
-    std::vector<Keyed> keyed(positions.size());
-    std::vector<Keyed> scratch;
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-      keyed[i] = {static_cast<std::uint32_t>(FullKey(positions[i]) >> kFineBits), positions[i]};
-    }
-    const auto key = [](const Keyed& k) { return k.key; };
-    RadixSort(keyed, scratch, key);
-    ForEachRun(keyed, key, [this](std::span<Keyed> cell) {
-      if (cell.size() > kCrowded) SortFinely(cell);
+  CurveOrder(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds)
+      : triangles_(triangles), low_(bounds.box.xmin, bounds.box.ymin, bounds.minZ) {
+    const Box& box = bounds.box;
+    const double size = std::max({box.xmax - box.xmin, box.ymax - box.ymin, bounds.maxZ - bounds.minZ});
+    scale_ = size > 0.0 ? kCells / size : 0.0;
+  }
+
+  // The triangles that are not invalid, in order. They are dealt out to stretches of the curve first, several of which make a piece
+  // of work, so that each is sorted where it lies.
+  std::vector<Keyed> Sorted(const Sharing& sharing) const {
+    std::vector<Keyed> keyed(triangles_.size());
+    sharing.InPieces(keyed.size(), kPiece, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) keyed[i] = KeyOf(i);
     });
-    for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = keyed[i].position;
+    if (keyed.size() <= kPiece) {
+      std::erase_if(keyed, [](const Keyed& k) { return k.key == kInvalidKey; });
+      Sort(keyed);
+      return keyed;
+    }
+    std::vector<std::size_t> ends;  // of the stretches
+    keyed = Dealt(std::move(keyed), ends, sharing);
+    keyed.resize(ends[kStretches - 1]);
+    std::vector<std::size_t> pieces{0};
+    for (std::size_t k = 0; k < kStretches; ++k) {
+      if (ends[k] - pieces.back() >= kPiece || k + 1 == kStretches) pieces.push_back(ends[k]);
+    }
+    sharing.Run(pieces.size() - 1, [&](std::size_t k) { Sort(std::span(keyed).subspan(pieces[k], pieces[k + 1] - pieces[k])); });
+    return keyed;
   }
 
  private:
   static constexpr double kCells = 65535.0;
   static constexpr int kFineBits = 18;         // of 48: ten bits an axis suffice unless detail is unevenly spread
   static constexpr std::size_t kCrowded = 16;  // triangles in one coarse cell
+  static constexpr unsigned kStretchBits = 18;
+  static constexpr std::size_t kStretches = 4096;  // of the 30 - 18 highest bits
+  static constexpr std::uint32_t kInvalidKey = ~std::uint32_t{0};
 
-  struct Keyed {
-    std::uint32_t key;
-    int position;
-  };
+  static std::size_t StretchOf(const Keyed& k) { return std::min<std::size_t>(k.key >> kStretchBits, kStretches); }
 
+  // In order of the stretches, and within each as given; what is invalid comes last.
+  static std::vector<Keyed> Dealt(std::vector<Keyed> keyed, std::vector<std::size_t>& ends, const Sharing& sharing) {
+    const std::size_t pieces = Sharing::PieceCount(keyed.size(), kDealt);
+    std::vector<std::vector<std::uint32_t>> places(pieces, std::vector<std::uint32_t>(kStretches + 1));
+    sharing.InPieces(keyed.size(), kDealt, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) ++places[piece][StretchOf(keyed[i])];
+    });
+    std::uint32_t sum = 0;
+    for (std::size_t k = 0; k <= kStretches; ++k) {
+      for (std::vector<std::uint32_t>& of : places) sum += std::exchange(of[k], sum);
+      ends.push_back(sum);
+    }
+    std::vector<Keyed> dealt(keyed.size());
+    sharing.InPieces(keyed.size(), kDealt, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) dealt[places[piece][StretchOf(keyed[i])]++] = keyed[i];
+    });
+    return dealt;
+  }
+  static constexpr std::size_t kDealt = 65536;  // triangles in a piece of that, which counts for all stretches
+
+  void Sort(std::span<Keyed> piece) const {
+    std::vector<Keyed> own(piece.begin(), piece.end()), scratch;
+    const auto key = [](const Keyed& k) { return k.key; };
+    RadixSort(own, scratch, key);
+    ForEachRun(own, key, [this](std::span<Keyed> cell) {
+      if (cell.size() > kCrowded) SortFinely(cell);
+    });
+    std::copy(own.begin(), own.end(), piece.begin());
+  }
+
+  Keyed KeyOf(std::size_t i) const {
+    const int position = static_cast<int>(i);
+    if (triangles_[i].IsTriInvalid()) return {kInvalidKey, position};
+    return {static_cast<std::uint32_t>(FullKey(position) >> kFineBits), position};
+  }
   std::uint64_t FullKey(int position) const {
-    const Extents& e = extents_[static_cast<std::size_t>(position)];
+    const Extents e = ExtentsOf(triangles_[static_cast<std::size_t>(position)]);
     const ZBR_PT centre = e.box.Center();
     return Spread(Cell(centre.x() - low_.x())) | Spread(Cell(centre.y() - low_.y())) << 1U |
            Spread(Cell((e.minZ + e.maxZ) / 2.0 - low_.z())) << 2U;
@@ -81,7 +137,7 @@ class CurveOrder {
     for (std::size_t i = 0; i < cell.size(); ++i) cell[i].position = fine[i].second;
   }
 
-  std::span<const Extents> extents_;
+  std::span<const ZBR_HL_TRI> triangles_;
   ZBR_PT3 low_;
   double scale_;
 };
@@ -129,38 +185,31 @@ std::size_t NodeCount(std::size_t leaves) {
 
 }  // namespace
 
-void OccluderTree::Build(std::span<const Extents> extents, std::span<const int> positions) {
+void OccluderTree::Build(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds, const Sharing& sharing) {
   nodes_.clear();
-  if (positions.empty()) return;
-  Box box;
-  double zmin = std::numeric_limits<double>::infinity();
-  double zmax = -zmin;
-  for (const int position : positions) {
-    const Extents& e = extents[static_cast<std::size_t>(position)];
-    box.Add(e.box);
-    zmin = std::min(zmin, e.minZ);
-    zmax = std::max(zmax, e.maxZ);
-  }
-  centre_ = ZBR_PT3((box.xmin + box.xmax) / 2.0, (box.ymin + box.ymax) / 2.0, (zmin + zmax) / 2.0);
-  std::vector<int> order(positions.begin(), positions.end());
-  CurveOrder(extents, ZBR_PT3(box.xmin, box.ymin, zmin), std::max({box.xmax - box.xmin, box.ymax - box.ymin, zmax - zmin}))
-      .Sort(order);
-
-  nodes_.reserve(NodeCount(order.size()));
-  std::array<Lane, kFanOut> lanes;
-  for (std::size_t i = 0; i < order.size(); i += kFanOut) {
-    const std::size_t n = std::min<std::size_t>(kFanOut, order.size() - i);
-    for (std::size_t k = 0; k < n; ++k) lanes[k] = LaneOf(extents[static_cast<std::size_t>(order[i + k])], order[i + k]);
-    nodes_.push_back(MakeNode(std::span(lanes).first(n)));
-  }
-  for (std::size_t begin = 0; nodes_.size() - begin > 1;) {
-    const std::size_t end = nodes_.size();
-    for (std::size_t i = begin; i < end; i += kFanOut) {
-      const std::size_t n = std::min<std::size_t>(kFanOut, end - i);
-      for (std::size_t k = 0; k < n; ++k) lanes[k] = Around(nodes_[i + k], static_cast<std::int32_t>(i + k));
-      nodes_.push_back(MakeNode(std::span(lanes).first(n)));
-    }
-    begin = end;
+  centre_ = ZBR_PT3((bounds.box.xmin + bounds.box.xmax) / 2.0, (bounds.box.ymin + bounds.box.ymax) / 2.0,
+                    (bounds.minZ + bounds.maxZ) / 2.0);
+  const std::vector<CurveOrder::Keyed> order = CurveOrder(triangles, bounds).Sorted(sharing);
+  if (order.empty()) return;
+  nodes_.resize(NodeCount(order.size()));
+  const auto fill = [&](std::size_t first, std::size_t below, auto laneOf) {  // nodes above so many lanes
+    sharing.InPieces(Sharing::PieceCount(below, kFanOut), kPiece / kFanOut, [&](std::size_t, std::size_t begin, std::size_t end) {
+      std::array<Lane, kFanOut> lanes;
+      for (std::size_t node = begin; node < end; ++node) {
+        const std::size_t n = std::min<std::size_t>(kFanOut, below - node * kFanOut);
+        for (std::size_t k = 0; k < n; ++k) lanes[k] = laneOf(node * kFanOut + k);
+        nodes_[first + node] = MakeNode(std::span(lanes).first(n));
+      }
+    });
+  };
+  fill(0, order.size(), [&](std::size_t i) {
+    const int position = order[i].position;
+    return LaneOf(ExtentsOf(triangles[static_cast<std::size_t>(position)]), position);
+  });
+  std::size_t begin = 0;
+  for (std::size_t count = Sharing::PieceCount(order.size(), kFanOut); count > 1; count = Sharing::PieceCount(count, kFanOut)) {
+    fill(begin + count, count, [&](std::size_t i) { return Around(nodes_[begin + i], static_cast<std::int32_t>(begin + i)); });
+    begin += count;
   }
 }
 

@@ -16,10 +16,12 @@
 #include <xmmintrin.h>
 #endif
 
+#include <zbr/hidden_line.h>
 #include <zbr/spatial.h>
 
 #include "core/box.h"
 #include "hiddenline/extents.h"
+#include "hiddenline/sharing.h"
 
 namespace zbr {
 
@@ -32,8 +34,8 @@ class OccluderTree {
     float xmin, ymin, xmax, ymax, z;
   };
 
-  // Of the triangles at the given positions, whose extents are given by position.
-  void Build(std::span<const Extents> extents, std::span<const int> positions);
+  // Of those triangles that are not invalid, all of which lie within the bounds.
+  void Build(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds, const Sharing& sharing);
   bool empty() const { return nodes_.empty(); }
   Query MakeQuery(const Box& box, double z) const;
 

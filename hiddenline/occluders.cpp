@@ -1,6 +1,8 @@
 #include "hiddenline/occluders.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -11,12 +13,8 @@ bool HasUniqueIds(const std::vector<std::pair<int, int>>& sortedByIdx) {
 
 }  // namespace
 
-ZBR_HL_SHELL::Occluders::Occluders(const ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents, const zbr::Box& pickableBox)
+ZBR_HL_SHELL::Occluders::Occluders(const ZBR_HL_SHELL& shell, const zbr::Extents& bounds, const zbr::Box& pickableBox,
+                                   const zbr::Sharing& sharing)
     : uniqueIds(HasUniqueIds(shell.id_map)), pickable(pickableBox) {
-  std::vector<int> positions;
-  positions.reserve(shell.count);
-  for (unsigned i = 0; i < shell.count; ++i) {
-    if (!shell.tris[i].IsTriInvalid()) positions.push_back(static_cast<int>(i));
-  }
-  tree.Build(extents, positions);
+  tree.Build({shell.tris, shell.count}, bounds, sharing);
 }

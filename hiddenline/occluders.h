@@ -1,17 +1,15 @@
 // What a shell keeps for the driver's searches.
 #pragma once
 
-#include <span>
-#include <vector>
-
 #include <zbr/hidden_line.h>
 
 #include "hiddenline/extents.h"
 #include "hiddenline/occluder_tree.h"
+#include "hiddenline/sharing.h"
 
 struct ZBR_HL_SHELL::Occluders {
-  // Of a checked shell, whose triangles' extents are given by position; a place outside `pickable` picks nothing.
-  Occluders(const ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents, const zbr::Box& pickable);
+  // Of a checked shell, whose triangles that are not invalid lie within the bounds; a place outside `pickable` picks nothing.
+  Occluders(const ZBR_HL_SHELL& shell, const zbr::Extents& bounds, const zbr::Box& pickable, const zbr::Sharing& sharing);
 
   zbr::OccluderTree tree;  // over the positions of the triangles that are not invalid
   // No two triangles share an idx, so that only the triangles named in `adj` can be neighbours.

@@ -58,6 +58,10 @@ class ShellLists {
   Scratch lists_;
 };
 
+// The two halves of CheckTriangle: states, with empty lists of intervals; then the intervals of the edges that are to be drawn.
+void Classify(ZBR_HL_TRI& t);
+void GiveIntervals(ZBR_HL_TRI& t);
+
 // The two ends of edge i as a mask, from a mask over the vertices.
 inline unsigned EdgeMask(unsigned vertices, int i) {
   return i == 2 ? (vertices >> 2U & 1U) | (vertices & 1U) << 1U : vertices >> static_cast<unsigned>(i) & 3U;

@@ -52,7 +52,7 @@ void ZBR_HiddenLine::Prepare(ZBR_HL_SHELL* shells, unsigned count) {
   zbr::NumberInOrder(shells, count);
   for (unsigned i = 0; i < count; ++i) {
     if (shells[i].count == 0 || !IsFresh(shells[i])) continue;
-    zbr::PrepareShell(shells[i]);
+    zbr::PrepareWhole(shells[i]);
     shells[i].prepared = true;
   }
 }

@@ -1,14 +1,13 @@
 // Many shells at once, on as many threads as the caller gives.
 //
-// Two steps, each cut into pieces of work that do not disturb one another: shells are prepared one by one, then runs of triangles
-// lose what their own shell and the others hide. A triangle's visible intervals are written by the piece that it belongs to and
+// Two steps, each cut into pieces of work that do not disturb one another: shells are prepared, several at once or large ones in
+// pieces, then runs of triangles lose what their own shell and the others hide. Edges get their intervals at the last moment, as
+// most of them lose them again. A triangle's visible intervals are written by the piece that it belongs to and
 // read by no other; what others read of it (vertices, plane, states) was written in the first step. Numbers are given beforehand by
 // position. So neither the number of threads nor their order changes a bit.
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <exception>
-#include <functional>
 #include <limits>
 #include <mutex>
 #include <vector>
@@ -18,12 +17,17 @@
 #include "core/constants.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
+#include "hiddenline/occlusion.h"
+#include "hiddenline/preparation.h"
+#include "hiddenline/sharing.h"
 
 namespace {
 
 // Triangles in one piece of work, of one large shell or of several small ones: some tenths of a second at most, and enough to make
 // up for handing it out.
 constexpr unsigned kPiece = 4096;
+// Triangles of a shell whose own preparation is worth sharing out.
+constexpr unsigned kLargeShell = 32768;
 // What preparing a triangle costs, compared with removing what hides it; for the progress alone.
 constexpr double kPreparingShare = 0.2;
 
@@ -33,29 +37,25 @@ struct Piece {
   zbr::TriangleRange range;  // of each of them, as far as it has so many
 };
 
-// Runs pieces of work under the caller's tolerance, tells how far they are, ends early when asked to or when one fails.
+// Runs pieces of work, tells how far they are, ends early when asked to or when one fails.
 class Runner {
  public:
-  Runner(const ZBR_HL_REMOVAL& options, double total) : options_(options), total_(total), eps_(zbr::t_tolerance.eps) {}
+  Runner(const ZBR_HL_REMOVAL& options, double total) : sharing(&options.executor), options_(options), total_(total) {}
+
+  const zbr::Sharing sharing;
 
   // False when it was ended early. What a piece of work throws is thrown here, after all have ended.
   template <class Work>
   bool Run(std::size_t count, Work work) {
-    const std::function<void(std::size_t)> guarded = [&](std::size_t i) {
+    sharing.Run(count, [&](std::size_t i) {
       if (ended_) return;
       try {
-        const zbr::ToleranceScope scope(eps_);
         Tell(work(i));
       } catch (...) {
-        Fail(std::current_exception());
+        ended_ = true;
+        throw;
       }
-    };
-    if (options_.executor) {
-      options_.executor(count, guarded);
-    } else {
-      for (std::size_t i = 0; i < count; ++i) guarded(i);
-    }
-    if (failure_) std::rethrow_exception(failure_);
+    });
     return !ended_;
   }
 
@@ -66,19 +66,12 @@ class Runner {
     done_ += worth;
     if (!ended_ && !options_.progress(total_ > 0.0 ? std::min(done_ / total_, 1.0) : 1.0)) ended_ = true;
   }
-  void Fail(std::exception_ptr failure) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    if (!failure_) failure_ = std::move(failure);
-    ended_ = true;
-  }
 
   const ZBR_HL_REMOVAL& options_;
   double total_;
-  double eps_;
   std::atomic<bool> ended_{false};
   std::mutex mutex_;
   double done_ = 0.0;
-  std::exception_ptr failure_;
 };
 
 bool IsReady(const ZBR_HL_SHELL& shell) {
@@ -109,15 +102,17 @@ std::vector<Piece> PiecesOf(const ZBR_HL_SHELL* shells, unsigned count) {
 
 class Remover {
  public:
-  Remover(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), pairs_(count), alone_(count) {}
+  Remover(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), pairs_(count), alone_(count), bare_(count) {
+    for (unsigned i = 0; i < count; ++i) alone_[i] = shells[i].done ? 1 : 0;
+  }
 
   // A small shell is hidden by itself at once, while it is in the cache.
-  void Prepare(std::size_t i) {
+  void Prepare(std::size_t i, const zbr::Sharing& sharing) {
     ZBR_HL_SHELL& shell = shells_[i];
-    alone_[i] = shell.done ? 1 : 0;
     if (!IsReady(shell)) {
-      zbr::PrepareShell(shell);
+      zbr::PrepareShell(shell, sharing);
       shell.prepared = true;
+      bare_[i] = 1;
     }
     if (shell.done || shell.count > kPiece) return;
     const zbr::ToleranceScope scope(zbr::kOcclusionEps);
@@ -154,6 +149,9 @@ class Remover {
 
  private:
   void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {
+    if (bare_[i] != 0) {
+      for (unsigned t = range.begin; t < range.end; ++t) zbr::GiveIntervals(shells_[i].tris[t]);
+    }
     by.shells.assign(1, &shells_[i]);
     by.search = nullptr;
     pairs_[i] += zbr::HideTriangles(shells_[i], range, by, lists);
@@ -163,6 +161,7 @@ class Remover {
   // By shell:
   std::vector<std::atomic<std::uint64_t>> pairs_;
   std::vector<char> alone_;  // hidden by itself
+  std::vector<char> bare_;   // edges have no intervals before that
 };
 
 // On every way out no shell is left prepared: those that are not done by then start afresh.
@@ -180,6 +179,20 @@ class NothingPrepared {
   unsigned count_;
 };
 
+// Small shells are shared out, then each of the large ones within itself. False when it was ended.
+bool PrepareAll(const ZBR_HL_SHELL* shells, unsigned count, Runner& runner, Remover& remover) {
+  const auto isLarge = [&](std::size_t i) { return shells[i].count > kLargeShell; };
+  const auto prepare = [&](std::size_t i, const zbr::Sharing& sharing) {
+    remover.Prepare(i, sharing);
+    return kPreparingShare * shells[i].count;
+  };
+  if (!runner.Run(count, [&](std::size_t i) { return isLarge(i) ? 0.0 : prepare(i, zbr::Sharing()); })) return false;
+  for (unsigned s = 0; s < count; ++s) {
+    if (isLarge(s) && !runner.Run(1, [&](std::size_t) { return prepare(s, runner.sharing); })) return false;
+  }
+  return true;
+}
+
 double TrianglesOf(const ZBR_HL_SHELL* shells, unsigned count) {
   double sum = 0.0;
   for (unsigned i = 0; i < count; ++i) sum += shells[i].count;
@@ -196,11 +209,7 @@ bool ZBR_HiddenLine::RemoveAll(ZBR_HL_SHELL* shells, unsigned count, const ZBR_H
   const NothingPrepared afterwards(shells, count);
   Runner runner(options, TrianglesOf(shells, count));
   Remover remover(shells, count);
-  const auto prepare = [&](std::size_t i) {
-    remover.Prepare(i);
-    return kPreparingShare * shells[i].count;
-  };
-  if (!runner.Run(count, prepare)) return false;
+  if (!PrepareAll(shells, count, runner, remover)) return false;
   const std::vector<Piece> pieces = PiecesOf(shells, count);
   const zbr::ShellSearch search({shells, count});
   const auto remove = [&](std::size_t i) { return (1.0 - kPreparingShare) * remover.Remove(pieces[i], search); };

@@ -1,8 +1,7 @@
-// The shell: preparing its triangles, its tree and its search index, and its own state.
+// The shell: its trees and its own state.
 //
-// Preparation is one pass over the triangles (extents, numbers, planes, states), and then the occluders, which the driver and
-// picking search (occluders.h), from extents kept apart from the records. The order by height and the quadtree, which are part of
-// the interface but not needed for a drawing, are a third of the work and made only for those who process a shell by itself or ask.
+// The order by height and the quadtree, which are part of the interface but not needed for a drawing, are made only for those who
+// process a shell by itself or ask, from extents kept apart from the bulky records.
 #include <algorithm>
 #include <limits>
 #include <numeric>
@@ -10,13 +9,11 @@
 
 #include <zbr/hidden_line.h>
 
-#include "core/assert.h"
 #include "core/radix_sort.h"
-#include "core/tolerance_state.h"
-#include "hiddenline/check.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/float_key.h"
 #include "hiddenline/occluders.h"
+#include "hiddenline/preparation.h"
 #include "hiddenline/quadtree/quad.h"
 
 ZBR_HL_SHELL::ZBR_HL_SHELL() : ZBR_HL_SHELL(nullptr, 0) {}
@@ -72,99 +69,14 @@ void ZBR_HL_SHELL::Init() {
   work.reserve(10);
 }
 
-namespace {
-
-// The shell's box, grown triangle by triangle.
-class BoxOfShell {
- public:
-  // Triangles that are not finite will be invalid; they must not spoil the box of the others.
-  void Add(const zbr::Extents& e) {
-    if (!zbr::IsUsable(e)) return;
-    box_.Add(e.box);
-    minZ_ = std::min(minZ_, e.minZ);
-    maxZ_ = std::max(maxZ_, e.maxZ);
-  }
-  void WriteTo(ZBR_HL_SHELL& shell) const {
-    const bool empty = minZ_ > maxZ_;
-    shell.max_x = empty ? 0.0 : box_.xmax;
-    shell.min_x = empty ? 0.0 : box_.xmin;
-    shell.max_y = empty ? 0.0 : box_.ymax;
-    shell.min_y = empty ? 0.0 : box_.ymin;
-    shell.max_z = empty ? 0.0 : maxZ_;
-    shell.min_z = empty ? 0.0 : minZ_;
-    shell.maxmin_valid = true;
-  }
-
- private:
-  zbr::Box box_;
-  double minZ_ = std::numeric_limits<double>::infinity();
-  double maxZ_ = -std::numeric_limits<double>::infinity();
-};
-
-// Numbers and classifies the triangles of a shell, one by one.
-class Checker {
- public:
-  explicit Checker(ZBR_HL_SHELL& shell) : shell_(shell), number_(shell.tris[0].idx == -1) { shell.id_map.resize(shell.count); }
-
-  void Check(unsigned position) {
-    ZBR_HL_TRI& t = shell_.tris[position];
-    if (number_) t.idx = static_cast<int>(position);
-    t.shell_idx = shell_.index;
-    t.shell = &shell_;
-    shell_.id_map[position] = {t.idx, static_cast<int>(position)};
-    t.normal.Set(t.pt[0], t.pt[1], t.pt[2]);
-    t.clockwise = !(t.normal.normal().z() > 0.0);
-    t.CheckTriangle();
-  }
-  void Finish() {
-    auto& map = shell_.id_map;
-    if (!std::is_sorted(map.begin(), map.end())) std::sort(map.begin(), map.end());
-    ZBR_CHECK(zbr::IdMapFault(shell_));
-  }
-
- private:
-  ZBR_HL_SHELL& shell_;
-  bool number_;
-};
-
-std::vector<zbr::Extents> ExtentsOf(const ZBR_HL_SHELL& shell) {
-  std::vector<zbr::Extents> extents(shell.count);
-  for (unsigned i = 0; i < shell.count; ++i) extents[i] = zbr::ExtentsOf(shell.tris[i]);
-  return extents;
-}
-
-// Extents and CheckTriangle in one pass, as records are bulky; returns the triangles' extents.
-std::vector<zbr::Extents> CheckAll(ZBR_HL_SHELL& shell) {
-  std::vector<zbr::Extents> extents(shell.count);
-  BoxOfShell box;
-  Checker checker(shell);
-  for (unsigned i = 0; i < shell.count; ++i) {
-    if (!shell.maxmin_valid) shell.tris[i].GetMaxMin();
-    extents[i] = zbr::ExtentsOf(shell.tris[i]);
-    box.Add(extents[i]);
-    checker.Check(i);
-  }
-  checker.Finish();
-  if (!shell.maxmin_valid) box.WriteTo(shell);
-  return extents;
-}
-
-}  // namespace
-
 void ZBR_HL_SHELL::GetMaxMin() {
-  BoxOfShell box;
+  zbr::Extents usable;
   for (unsigned i = 0; i < count; ++i) {
     tris[i].GetMaxMin();
-    box.Add(zbr::ExtentsOf(tris[i]));
+    const zbr::Extents e = zbr::ExtentsOf(tris[i]);
+    if (zbr::IsUsable(e)) usable.Add(e);
   }
-  box.WriteTo(*this);
-}
-
-void ZBR_HL_SHELL::CheckTriangle() {
-  if (count == 0) return;
-  Checker checker(*this);
-  for (unsigned i = 0; i < count; ++i) checker.Check(i);
-  checker.Finish();
+  zbr::SetExtents(*this, usable);
 }
 
 void ZBR_HL_SHELL::QuadRemoveInvalid(ZBR_HL_QUAD& node) {
@@ -200,12 +112,9 @@ std::vector<int> OrderByHeight(std::span<const zbr::Extents> extents) {
   return order;
 }
 
-// The shell's box, a little enlarged, so that what lies on its border lies strictly inside.
-zbr::Box EnlargedBox(const ZBR_HL_SHELL& s, double eps) {
-  return {s.min_x - eps, s.min_y - eps, s.max_x + eps, s.max_y + eps};
-}
-
-void BuildQuadOf(ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents) {
+void BuildQuadOf(ZBR_HL_SHELL& shell) {
+  std::vector<zbr::Extents> extents(shell.count);
+  for (unsigned i = 0; i < shell.count; ++i) extents[i] = zbr::ExtentsOf(shell.tris[i]);
   shell.order = OrderByHeight(extents);
   const zbr::Box box = shell.occluders->pickable;
   shell.root = ZBR_HL_QUAD();
@@ -224,16 +133,9 @@ void BuildQuadOf(ZBR_HL_SHELL& shell, std::span<const zbr::Extents> extents) {
 
 namespace zbr {
 
-std::vector<Extents> PrepareShell(ZBR_HL_SHELL& shell) {
-  std::vector<Extents> extents = CheckAll(shell);
-  if (shell.quad_built) return extents;
-  if (!shell.order.empty()) {  // of a former tree, which would lead astray
-    shell.order.clear();
-    shell.root = ZBR_HL_QUAD();
-    for (unsigned i = 0; i < shell.count; ++i) shell.tris[i].quad = nullptr;
-  }
-  shell.occluders = std::make_shared<const ZBR_HL_SHELL::Occluders>(shell, extents, EnlargedBox(shell, t_tolerance.eps));
-  return extents;
+void PrepareWhole(ZBR_HL_SHELL& shell) {
+  PrepareShell(shell, Sharing());
+  for (unsigned i = 0; i < shell.count; ++i) GiveIntervals(shell.tris[i]);
 }
 
 void HideInItself(ZBR_HL_SHELL& shell) {
@@ -242,8 +144,8 @@ void HideInItself(ZBR_HL_SHELL& shell) {
     if (shell.prepared) {
       shell.BuildQuad();
     } else {
-      const std::vector<Extents> extents = PrepareShell(shell);
-      if (!shell.quad_built) BuildQuadOf(shell, extents);
+      PrepareWhole(shell);
+      if (!shell.quad_built) BuildQuadOf(shell);
     }
     Occluding itself{{&shell}};
     HideShell(shell, itself);
@@ -255,7 +157,7 @@ void HideInItself(ZBR_HL_SHELL& shell) {
 }  // namespace zbr
 
 void ZBR_HL_SHELL::BuildQuad() {
-  if (!quad_built && occluders != nullptr && count != 0 && (prepared || done)) BuildQuadOf(*this, ExtentsOf(*this));
+  if (!quad_built && occluders != nullptr && count != 0 && (prepared || done)) BuildQuadOf(*this);
 }
 
 void ZBR_HL_SHELL::HiddenLineSelf() {
@@ -293,7 +195,7 @@ void ZBR_HL_SHELL::Offset(const ZBR_PT3& d) {
   if (occluders != nullptr) {
     const zbr::Box& old = occluders->pickable;
     const zbr::Box moved{old.xmin + d.x(), old.ymin + d.y(), old.xmax + d.x(), old.ymax + d.y()};
-    occluders = std::make_shared<const Occluders>(*this, ExtentsOf(*this), moved);
+    zbr::MakeOccluders(*this, moved);
   }
   const ZBR_PT planar(d.x(), d.y());
   ZBR_LOOP::Offset(outline, planar);

@@ -79,7 +79,7 @@ class SceneMaker {
     ZBR_HL_SHELL& shell = scene_.shells.emplace_back(first, static_cast<unsigned>(count));
     for (auto* list :
          {&shell.tri_result, &shell.xy_result, &shell.edge_result[0], &shell.edge_result[1], &shell.edge_result[2], &shell.work})
-      *list = {};
+      *list = std::vector<ZBR_HL_INTERVAL>();  // "{}" would keep the room
   }
 
   static constexpr std::uint32_t kNone = 0xffffffffU;
