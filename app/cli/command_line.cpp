@@ -213,11 +213,13 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
   command
       .add_option_function<std::string>(
           "--faces",
-          [&input](const std::string& faces) { input.flatten.faces = faces == "all" ? LineFaces::kAll : LineFaces::kOuter; },
-          "What open lines bound where more than two meet: what they enclose together (outer, by default); or every cell into "
-          "which "
-          "all lines, closed and open ones, cut the plane (all)")
-      ->check(CLI::IsMember({"outer", "all"}).description(""))
+          [&input](const std::string& faces) {
+            input.flatten.faces = faces == "all" ? LineFaces::kAll : (faces == "outer" ? LineFaces::kOuter : LineFaces::kRings);
+          },
+          "What open lines bound where more than two meet. Where an even number meets everywhere: what contours do that were cut "
+          "there; elsewhere what they enclose together (rings, by default). That everywhere (outer). Or every cell into which all "
+          "lines, closed and open ones, cut the plane (all)")
+      ->check(CLI::IsMember({"rings", "outer", "all"}).description(""))
       ->type_name("FACES");
 }
 

@@ -24,7 +24,8 @@ namespace zbr::drawing {
 namespace {
 
 constexpr double kDefaultDeviation = 1e-4;  // of the extent: invisible in a picture, and a bolt hole gets some thirty edges
-constexpr double kDefaultJoin = 1e-6;       // of the extent: above the noise of exported ends, far below any feature
+constexpr double kLeastPart = 1e-9;  // of a curve: closer to its ends no chord begins, where these are such places but for rounding
+constexpr double kDefaultJoin = 1e-6;  // of the extent: above the noise of exported ends, far below any feature
 
 void CheckFinite(const std::vector<ZBR_PT>& points, const std::string& file, std::size_t line) {
   for (const ZBR_PT& p : points) {
@@ -80,13 +81,13 @@ Work Joined(Drawing& drawing, const FlattenOptions& options, Contours& contours)
   }
   if (options.faces == LineFaces::kAll) {
     // Ends that meet but for a gap still have to. All that is drawn is one piece.
-    LineWork joined = JoinPaths(std::move(drawing.paths), options.join);
+    LineWork joined = JoinPaths(std::move(drawing.paths), options.join, options.faces);
     std::vector<Path>& all = work.pieces.emplace_back(std::move(joined.contours));
     for (std::vector<Path>& piece : joined.pieces) std::move(piece.begin(), piece.end(), std::back_inserter(all));
     return work;
   }
   if (!drawing.joinsEnds) return {std::move(drawing.paths), {}};
-  LineWork joined = JoinPaths(std::move(drawing.paths), options.join);
+  LineWork joined = JoinPaths(std::move(drawing.paths), options.join, options.faces);
   contours.forks = std::move(joined.forks);
   return {std::move(joined.contours), std::move(joined.pieces)};
 }
@@ -193,7 +194,7 @@ void TracePiece(const Piece& piece, const std::vector<ChordLine>& chords, LineFa
       rings.back().polygon = static_cast<int>(p);
     }
   }
-  if (faces == LineFaces::kOuter) rings = OutlinesOf(rings, hasCurves);
+  if (faces != LineFaces::kAll) rings = OutlinesOf(rings, hasCurves);
   std::move(rings.begin(), rings.end(), std::back_inserter(contours.rings));
   std::vector<bool> isUsed(piece.paths.size(), false);
   for (const ZBR_EDGE_SOURCE& source : cells.sources()) isUsed[static_cast<std::size_t>(source.ring)] = true;
@@ -209,7 +210,10 @@ void FlattenPath(const Path& path, double deviation, const std::function<void(co
   for (std::size_t i = 0; i < path.points.size(); ++i) {
     visit(path.points[i], i, 0);
     if (curve == path.curves.end() || curve->at != i) continue;
-    for (const double t : ChordParameters(*curve, deviation)) visit(curve->At(t), i, (t - curve->t0) / (curve->t1 - curve->t0));
+    for (const double t : ChordParameters(*curve, deviation)) {
+      const double part = (t - curve->t0) / (curve->t1 - curve->t0);
+      if (part > kLeastPart && part < 1 - kLeastPart) visit(curve->At(t), i, part);
+    }
     ++curve;
   }
 }

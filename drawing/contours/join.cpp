@@ -1,9 +1,10 @@
 // Joins lines and arcs that meet end to end into contours.
 //
 // Idea: the ends that meet are the nodes of a graph whose edges are the open paths. Dead ends are peeled off until every node has
-// two ends or more. What is left falls into connected pieces; one whose nodes all have two ends is a contour, walked from its
-// leftmost node; one with forks is handed back as it is, as only the faces it bounds tell what it encloses. Peeled paths become
-// open chains. Nothing but the numbers of lines and the order in which contours are listed depends on the order of the paths.
+// two ends or more. What is left falls into connected pieces. One whose nodes all have two ends is a contour, walked from its
+// leftmost node; one whose nodes all have an even number of ends is several; one with other forks is handed back as it is, as only
+// the faces it bounds tell what it encloses. Peeled paths become open chains. Nothing but the numbers of lines and the order in
+// which contours are listed depends on the order of the paths.
 #include <zbr-drawing/contours.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include <utility>
 
 #include "drawing/contours/end_nodes.h"
+#include "drawing/contours/even_rings.h"
 
 namespace zbr::drawing {
 namespace {
@@ -44,7 +46,8 @@ void Append(Path& chain, Path&& next) {
 
 class Joiner {
  public:
-  Joiner(std::vector<Path>& paths, double tolerance) : paths_(paths), nodes_(FindEndNodes(paths, tolerance)) {
+  Joiner(std::vector<Path>& paths, double tolerance, bool ringsAtForks)
+      : paths_(paths), ringsAtForks_(ringsAtForks), nodes_(FindEndNodes(paths, tolerance)) {
     endsAt_.resize(nodes_.points.size());
     for (std::size_t end = 0; end < nodes_.nodeOf.size(); ++end) {
       if (nodes_.nodeOf[end] != EndNodes::kNoNode) AddEnd(end);
@@ -120,9 +123,9 @@ class Joiner {
       if (degree_[start] == 0 || isSeen[start]) continue;
       std::vector<std::uint32_t> piece{start};
       isSeen[start] = true;
-      bool forks = false;
+      bool isRings = true;
       for (std::size_t k = 0; k < piece.size(); ++k) {
-        forks = forks || degree_[piece[k]] > 2;
+        isRings = isRings && (degree_[piece[k]] == 2 || (ringsAtForks_ && degree_[piece[k]] % 2 == 0));
         for (const std::size_t end : endsAt_[piece[k]]) {
           const std::uint32_t other = NodeOf(end ^ 1U);
           if (isPeeled_[end / 2] || isSeen[other]) continue;
@@ -130,10 +133,10 @@ class Joiner {
           piece.push_back(other);
         }
       }
-      if (forks) {
-        TakeForked(piece);
+      if (isRings) {
+        TakeRings(piece);
       } else {
-        TakeRing(start);
+        TakeForked(piece);
       }
     }
   }
@@ -156,22 +159,27 @@ class Joiner {
 
   std::size_t LineOf(std::size_t path) const { return paths_[path].line; }
 
-  // The leftmost node's way to go is the one whose path leads there first by its coordinates.
-  void TakeRing(std::uint32_t start) {
-    std::size_t end = kNone;
-    for (const std::size_t e : endsAt_[start]) {
-      if (!isPeeled_[e / 2] && (end == kNone || LeavesFirst(e, end))) end = e;
+  void TakeRings(std::vector<std::uint32_t>& piece) {
+    std::sort(piece.begin(), piece.end());
+    std::vector<std::vector<std::size_t>> ends;
+    for (const std::uint32_t v : piece) {
+      std::vector<std::size_t>& kept = ends.emplace_back(endsAt_[v]);
+      std::erase_if(kept, [&](std::size_t end) { return isPeeled_[end / 2]; });
     }
-    std::size_t place = end / 2;
-    Path chain = Take(end);
-    for (std::uint32_t at = NodeOf(end ^ 1U); at != start;) {
-      std::size_t next = kNone;
-      for (const std::size_t e : endsAt_[at]) {
-        if (!isPeeled_[e / 2] && !isTaken_[e / 2]) next = e;
-      }
-      place = std::min(place, next / 2);
-      at = NodeOf(next ^ 1U);
-      Append(chain, Take(next));
+    for (EndCycle& ring : EvenRings(paths_, nodes_, ends)) TakeRing(ring);
+  }
+
+  // The first node's way to go is the one whose path leads there first by its coordinates.
+  void TakeRing(EndCycle& ring) {
+    if (LeavesFirst(ring.back() ^ 1U, ring.front())) {
+      std::reverse(ring.begin(), ring.end());
+      for (std::size_t& end : ring) end ^= 1U;
+    }
+    std::size_t place = ring.front() / 2;
+    Path chain = Take(ring.front());
+    for (std::size_t i = 1; i < ring.size(); ++i) {
+      place = std::min(place, ring[i] / 2);
+      Append(chain, Take(ring[i]));
     }
     chain.points.pop_back();
     chain.closed = true;
@@ -226,6 +234,7 @@ class Joiner {
   }
 
   std::vector<Path>& paths_;
+  bool ringsAtForks_;
   EndNodes nodes_;
   std::vector<std::vector<std::size_t>> endsAt_;        // by node
   std::vector<std::size_t> degree_;                     // by node: ends that are not peeled
@@ -236,8 +245,8 @@ class Joiner {
 
 }  // namespace
 
-LineWork JoinPaths(std::vector<Path> paths, double tolerance) {
-  return Joiner(paths, tolerance).Run();
+LineWork JoinPaths(std::vector<Path> paths, double tolerance, LineFaces faces) {
+  return Joiner(paths, tolerance, faces == LineFaces::kRings).Run();
 }
 
 }  // namespace zbr::drawing

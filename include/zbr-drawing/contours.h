@@ -13,14 +13,15 @@
 
 namespace zbr::drawing {
 
-// What open lines that fork bound: what each connected piece encloses, divisions within it disregarded; or every cell into which
-// all lines of the drawing, closed ones too, cut the plane.
-enum class LineFaces { kOuter, kAll };
+// What open lines that fork bound. Rings: a connected piece of which an even number of ends meet everywhere is what closed contours
+// were before they were cut where they meet, and bounds what they do; of others, what each encloses, divisions within it
+// disregarded. Outer: that of all pieces. All: every cell into which all lines of the drawing, closed ones too, cut the plane.
+enum class LineFaces { kRings, kOuter, kAll };
 
 struct FlattenOptions {
   double deviation = 0.0;  // largest distance between a curve and its chords
   double join = 0.0;       // ends at most this far apart belong together
-  LineFaces faces = LineFaces::kOuter;
+  LineFaces faces = LineFaces::kRings;
   bool pens = false;  // edges know what they are drawn with
 };
 
@@ -45,12 +46,12 @@ std::size_t DropFillings(std::vector<Path>& paths);
 // Open paths joined end to end.
 struct LineWork {
   std::vector<Path> contours;             // what closes, marked so, and what is open: dead ends, joined as far as they do not fork
-  std::vector<std::vector<Path>> pieces;  // connected open paths that fork, without dead ends
+  std::vector<std::vector<Path>> pieces;  // connected open paths that fork, without dead ends; where rings are wanted, not evenly
   std::vector<Fork> forks;                // of the pieces
 };
 
 // Ends that are at most `tolerance` apart belong together. The order of the paths does not matter, but that contours are listed by
 // the first path of each.
-LineWork JoinPaths(std::vector<Path> paths, double tolerance);
+LineWork JoinPaths(std::vector<Path> paths, double tolerance, LineFaces faces = LineFaces::kRings);
 
 }  // namespace zbr::drawing

@@ -26,7 +26,7 @@ struct Reading {
   std::string format;  // empty: the file's name tells
   std::string bytes;
   bool isFromMemory = false;
-  drawing::FlattenOptions flatten{-1.0, -1.0, drawing::LineFaces::kOuter};
+  drawing::FlattenOptions flatten{-1.0, -1.0};
   ZBR_FILL_RULE fill = ZBR_FILL_EVEN_ODD;
   std::vector<std::string> layers;
 };

@@ -98,6 +98,76 @@ TEST(LineWork, NamedCases_AnyOrder) {
   ExpectAlways(paths, 850, 2, 1);  // a bridge to a loop
 }
 
+// The edges of closed paths, cut somewhere, each a path of its own.
+std::vector<Path> Cut(const std::vector<Path>& rings, std::mt19937& engine) {
+  std::vector<Path> cut;
+  for (const Path& ring : rings) {
+    const std::size_t n = ring.points.size(), turn = engine() % n;
+    auto isCut = [&](std::size_t i) { return i % n == turn || (ring.points[i % n].x() + ring.points[i % n].y() > 3); };
+    for (std::size_t k = 0; k < n; ++k) {
+      const std::size_t i = turn + k;
+      if (isCut(i)) cut.push_back(Line({ring.points[i % n]}));
+      for (Curve curve : ring.curves) {
+        if (curve.at != i % n) continue;
+        curve.at = cut.back().points.size() - 1;
+        cut.back().curves.push_back(curve);
+      }
+      cut.back().points.push_back(ring.points[(i + 1) % n]);
+    }
+  }
+  return cut;
+}
+
+// Rings that touch, cross, run along and lie within one another, cut into lines and arcs, bound what they did.
+TEST(LineWork, CutRings_BoundWhatTheyDid) {
+  std::size_t touching = 0;
+  for (unsigned seed = 0; seed < 400; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 engine(seed);
+    std::vector<Path> rings;
+    for (unsigned i = 0; i < 2 + seed % 5; ++i) {
+      const auto upTo = [&](unsigned n) { return static_cast<double>(engine() % n); };
+      const double x = upTo(4), y = upTo(4), w = 1 + upTo(2), h = 1 + upTo(2);
+      Path& ring = rings.emplace_back(Line({{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}));
+      ring.closed = true;
+      if (engine() % 2 == 0) continue;  // else a disc that touches three sides of the box inside, and may touch others
+      const Path right = HalfCircle({x + 0.5, y + 0.5}, 0.5, -kPi / 2), left = HalfCircle({x + 0.5, y + 0.5}, 0.5, kPi / 2);
+      ring.points = {{x + 0.5, y}, {x + 0.5, y + 1}};
+      ring.curves = {right.curves[0], left.curves[0]};
+      ring.curves[1].at = 1;
+    }
+    const double area = CurvedShape(MakeRegion(ContoursOf(rings, LineFaces::kRings))).Area();
+    const std::vector<Path> cut = Cut(rings, engine);
+    const Contours contours = ContoursOf(Shuffled(cut, seed), LineFaces::kRings, 1e-6);
+    EXPECT_NEAR(CurvedShape(MakeRegion(contours)).Area(), area, 1e-9);
+    EXPECT_TRUE(contours.forks.empty());
+    EXPECT_TRUE(contours.open.empty());
+    if (!ContoursOf(cut, LineFaces::kOuter, 1e-6).forks.empty()) ++touching;
+  }
+  EXPECT_GT(touching, 100U);
+}
+
+// Discs that touch within one another leave the point in one direction: no ring is taken for one that crosses another.
+TEST(LineWork, CurvesThatTouch_DoNotCross) {
+  std::vector<Path> paths = {Line({{0, 0}, {2, 0}, {2, 2}, {-2, 2}, {-2, 0}, {0, 0}})};
+  for (const double radius : {1.0, 0.75, 0.7, 0.1}) {
+    for (const double from : {-kPi / 2, kPi / 2}) paths.push_back(HalfCircle({0, radius}, radius, from));
+  }
+  paths[0].points.pop_back();
+  paths.push_back(Line({{-2, 0}, {0, 0}}));
+  const double area = 8 - kPi * (1 - 0.75 * 0.75 + 0.7 * 0.7 - 0.1 * 0.1);
+  ZBR_REGION first;
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    const Contours contours = ContoursOf(Shuffled(paths, seed), LineFaces::kRings, 1e-6);
+    const Region region = MakeRegion(contours);
+    EXPECT_EQ(region.rings.ring_count(), 5U);
+    EXPECT_TRUE(region.faults.empty());
+    EXPECT_NEAR(CurvedShape(region).Area(), area, 1e-9);
+    if (seed == 0) first = ValidShape(region);
+    EXPECT_EQ(ValidShape(region), first);
+  }
+}
+
 // A tolerance above the length of lines closes gaps, but swallows none.
 TEST(LineWork, ShortLinesUnderAWideTolerance) {
   std::vector<Path> paths;
