@@ -255,9 +255,7 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
                               1, args, count, keywords);
     const MeshPtr mesh = Holder<MeshData>::Of(self);
     Request request;
-    const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
-    while (PyObject* const next = PyIter_Next(iterator.get())) AddView(Ref::Own(next).get(), mesh->mesh.yUp, request.views);
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(given.Needed(0), "views", [&](PyObject* view) { AddView(view, mesh->mesh.yUp, request.views); });
     request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
     request.crease = given.Number(2, 30.0, 0.0);
     request.weld = given.Number(3, 0.0, 0.0);

@@ -51,14 +51,11 @@ std::shared_ptr<MeshData> Named(drawing::Mesh mesh, const std::string& file, con
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    static const char* names[] = {"points", "faces", "y_up", "name", nullptr};
-    PyObject *points = nullptr, *faces = nullptr;
-    int yUp = 0;
-    const char* name = "mesh";
-    if (PyArg_ParseTupleAndKeywords(args, keywords, "OO|$ps:Mesh", const_cast<char**>(names), &points, &faces, &yUp, &name) == 0)
-      throw PythonError();
-    drawing::Mesh mesh = MeshOf(points, faces);
-    mesh.yUp = yUp != 0;
+    const Arguments<4> given("Mesh", {"points", "faces", "y_up", "name"}, 2, args, keywords);
+    const std::string name = given.String(3, "mesh");
+    const bool yUp = given.Truth(2, false);
+    drawing::Mesh mesh = MeshOf(given.Needed(0), given.Needed(1));
+    mesh.yUp = yUp;
     return Objects::Make(Named(std::move(mesh), name, name), type);
   });
 }
@@ -94,8 +91,7 @@ Py_ssize_t Length(PyObject* self) noexcept {
 PyObject* Read(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<4> given("read_mesh", {"file", "data", "format", "progress"}, 2, args, count, keywords);
-    const Ref path = Ref::Own(PyOS_FSPath(given.Needed(0)));
-    const std::string file = FileName(path.get());
+    const std::string file = FileName(given.Needed(0));
     const std::string format = given.OrNull(2) == nullptr ? "" : given.String(2, "");
     const bool isFromMemory = given.OrNull(1) != nullptr;
     std::string bytes = isFromMemory ? BytesOf(given[1], "data") : std::string();
@@ -110,12 +106,8 @@ PyObject* Read(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* key
 PyObject* Join(PyObject*, PyObject* meshes) noexcept {
   return Guarded([&] {
     std::vector<MeshPtr> parts;
-    const Ref iterator = Ref::Own(PyObject_GetIter(meshes));
-    while (PyObject* const next = PyIter_Next(iterator.get())) {
-      const Ref item = Ref::Own(next);
-      parts.push_back(Objects::Of(item.get(), "meshes", "a list of Mesh is needed"));
-    }
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(meshes, "meshes",
+                [&parts](PyObject* item) { parts.push_back(Objects::Of(item, "meshes", "a list of Mesh is needed")); });
     return Objects::Make(Run(kSmallCall, nullptr, [parts](Monitor&) -> MeshPtr {
       drawing::Objects objects;
       for (std::size_t i = 0; i < parts.size(); ++i) {

@@ -67,9 +67,7 @@ PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject
     const Arguments<kNames.size()> given("sheet", kNames, 1, args, count, keywords);
     drawing::SheetOptions options = OptionsOf(given);
     std::vector<DrawingPtr> drawings;
-    const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
-    while (PyObject* const next = PyIter_Next(iterator.get())) drawings.push_back(DrawingOf(Ref::Own(next).get(), "drawings"));
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(given.Needed(0), "drawings", [&](PyObject* item) { drawings.push_back(DrawingOf(item, "drawings")); });
     if (drawings.empty()) throw BadArgument("drawings", "there are none");
     const auto isOfAnother = [&](const DrawingPtr& drawing) { return drawing->mesh != drawings.front()->mesh; };
     if (std::any_of(drawings.begin(), drawings.end(), isOfAnother))

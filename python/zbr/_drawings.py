@@ -3,14 +3,13 @@
 from __future__ import annotations
 
 import os
-from pathlib import Path
 from typing import Any, Iterable, Mapping, NamedTuple, Sequence
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _picture, _zbr
-from ._files import written
+from ._files import place_of, written
 
 #: What the numbers of `Drawing.kind` mean.
 KINDS: tuple[str, ...] = _zbr.KINDS
@@ -129,9 +128,9 @@ class Drawing(_zbr.Drawing):
         """The lines as arrays (n, 2), views of coords: all, or those that are hidden or not, or of one of KINDS."""
         chosen = np.ones(len(self), bool)
         if hidden is not None:
-            chosen &= self.hidden == hidden
+            chosen &= self.hidden == bool(hidden)
         if kind is not None:
-            if kind not in KINDS:
+            if not isinstance(kind, str) or kind not in KINDS:
                 raise ValueError(f"kind: one of {', '.join(KINDS)} is needed")
             chosen &= self.kind == KINDS.index(kind)
         coords, lines = self.coords, self.lines
@@ -196,7 +195,8 @@ class Sheet(_zbr.Sheet):
 
     def save(self, path: str | os.PathLike[str], version: str = "R2000") -> None:
         """Writes a file: svg, dxf, pdf or json by its name. A file that was there is replaced at once or not at all."""
-        written(path, self._write(Path(path).suffix[1:].lower(), version))
+        place = place_of(path)
+        written(place, self._write(place.suffix[1:].lower(), version))
 
     def _repr_svg_(self) -> str:
         return self.svg()
@@ -209,7 +209,7 @@ def sheet(drawings: Iterable[Drawing], **options: Any) -> Sheet:
     standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number, author,
     date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer").
     """
-    return _zbr.sheet(list(drawings), **{"projection": "first", **options})
+    return _zbr.sheet(drawings, **{"projection": "first", **options})
 
 
 def _triangles_of(thing: Any) -> tuple[Any, Any]:
