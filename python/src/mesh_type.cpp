@@ -172,6 +172,18 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
   });
 }
 
+PyObject* Pack(PyObject* self, PyObject*) noexcept {
+  return Guarded([&] { return PackMesh(*DataOf(self)); });
+}
+
+// (points, faces, what _pack() gave)
+PyObject* Restore(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<3> given("restore_mesh", {"points", "faces", "rest"}, 3, args, count, keywords);
+    return Objects::Make(UnpackMesh(MeshOf(given.Needed(0), given.Needed(1)), given.Needed(2)));
+  });
+}
+
 // (shells, closed ones, borders, junctions, turned, pinches, inward, flat, repeated)
 PyObject* Survey(PyObject* self, PyObject*) noexcept {
   return Guarded([&] {
@@ -199,6 +211,10 @@ ModelPtr MeshData::ModelFor(double crease, double weld) const {
   return kept_.model;
 }
 
+Ref ShowMesh(const MeshPtr& mesh) {
+  return Objects::Show(mesh);
+}
+
 void AddMeshType(PyObject* module) {
   static PyGetSetDef properties[] = {
       {"points", Points, nullptr, "(v, 3) float64. A view; read-only.", nullptr},
@@ -214,6 +230,7 @@ void AddMeshType(PyObject* module) {
       Fast("pick", Pick, nullptr),
       Fast("_draw", DrawMesh, nullptr),
       {"_survey", Survey, METH_NOARGS, nullptr},
+      {"_pack", Pack, METH_NOARGS, nullptr},
       {"join", Join, METH_O | METH_STATIC,
        "join(meshes, /)\n--\n\nOne mesh of several, each an object of its own, never welded to others."},
       {nullptr, nullptr, 0, nullptr},
@@ -226,7 +243,8 @@ void AddMeshType(PyObject* module) {
       {0, nullptr},
   };
   Objects::AddType(module, "Mesh", "zbr._zbr.Mesh", slots);
-  static PyMethodDef functions[] = {Fast("read_mesh", Read, nullptr), {nullptr, nullptr, 0, nullptr}};
+  static PyMethodDef functions[] = {
+      Fast("read_mesh", Read, nullptr), Fast("restore_mesh", Restore, nullptr), {nullptr, nullptr, 0, nullptr}};
   if (PyModule_AddFunctions(module, functions) != 0) throw PythonError();
 }
 

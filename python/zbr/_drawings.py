@@ -108,6 +108,9 @@ class Mesh(_zbr.Mesh):
             return np.full((2, 3), np.nan)
         return np.array((self.points.min(axis=0), self.points.max(axis=0)))
 
+    def __reduce__(self) -> tuple[Any, ...]:
+        return _zbr.restore_mesh, (self.points, self.faces, self._pack())
+
     def __repr__(self) -> str:
         return f"<zbr.Mesh {self.name}: triangles {len(self)}, points {len(self.points)}>"
 
@@ -162,6 +165,9 @@ class Drawing(_zbr.Drawing):
         """The visible lines."""
         lines = tuple(tuple(map(tuple, line.tolist())) for line in self.polylines(hidden=False))
         return {"type": "MultiLineString", "coordinates": lines}
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return _zbr.restore_drawing, (self.mesh, self._pack())
 
     def __repr__(self) -> str:
         hidden = int(self.hidden.sum())
