@@ -87,9 +87,13 @@ def main() -> int:
             failed = run(client, work, options.views.split(","), options.limit)
         if not options.scheduler:
             cluster.close()
-    lines = [f"{model.relative_to(options.models)}\t{reason}\n" for model, reason in sorted(failed.items())]
-    (options.sheets / "failed.tsv").write_text("".join(lines))
-    print(f"{len(work) - len(failed)} drawn, {len(failed)} failed" + (f", see {options.sheets / 'failed.tsv'}" if failed else ""))
+    text = "".join(f"{model.relative_to(options.models)}\t{reason}\n" for model, reason in sorted(failed.items()))
+    place = options.sheets / "failed.tsv"
+    try:
+        place.write_text(text)
+    except OSError as error:  # the disk may be full
+        print(f"{text}{place}: {error}", file=sys.stderr)
+    print(f"{len(work) - len(failed)} drawn, {len(failed)} failed" + (f", see {place}" if failed else ""))
     return 1 if failed else 0
 
 

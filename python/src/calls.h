@@ -84,6 +84,7 @@ template <class Work>
 auto Run(std::size_t size, PyObject* progress, Work work) -> decltype(work(std::declval<Monitor&>())) {
   using Result = decltype(work(std::declval<Monitor&>()));
   if (progress == Py_None) progress = nullptr;
+  if (progress != nullptr && PyCallable_Check(progress) == 0) throw BadType("progress", "a function is needed");
   if (size < kSmallCall && progress == nullptr) {
     Monitor monitor;
     const WithoutGil others;

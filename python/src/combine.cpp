@@ -139,10 +139,7 @@ PyObject* CombineAll(PyObject*, PyObject* const* args, Py_ssize_t count, PyObjec
                              keywords);
     const RegionPtr a = RegionOf(given.Needed(0), "a"), b = RegionOf(given.Needed(1), "b");
     std::vector<ZBR_BOOLEAN_OPE> ops;
-    if (PyUnicode_Check(given.Needed(2)) != 0) throw BadType("ops", "a list of operations is needed");
-    const Ref iterator = Ref::Own(PyObject_GetIter(given[2]));
-    while (PyObject* const next = PyIter_Next(iterator.get())) ops.push_back(OpOf(Ref::Own(next).get()));
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(given.Needed(2), "ops", [&ops](PyObject* op) { ops.push_back(OpOf(op)); });
     ZBR_REGION_OPTIONS options;
     options.tolerance = given.Number(3, 0.0, 0.0);
     options.sources = given.Truth(4, false);
@@ -193,7 +190,7 @@ PyObject* Cover(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* ke
 PyObject* Faces(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<4> given("faces", {"coords", "lines", "tolerance", "progress"}, 2, args, count, keywords);
-    RingArrays arrays(given.Needed(0), given[1], nullptr);
+    RingArrays arrays(given.Needed(0), given[1], nullptr, "lines");
     ZBR_REGION_OPTIONS options;
     options.tolerance = given.Number(2, 0.0, 0.0);
     options.canonical = true;

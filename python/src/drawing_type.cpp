@@ -36,6 +36,16 @@ std::shared_ptr<const LineArrays> ArraysOf(const drawing::ViewLines& view) {
   return arrays;
 }
 
+// What callers see of a view's lines and outlines.
+void Finish(DrawingData& data) {
+  data.lines = ArraysOf(data.view);
+  for (const drawing::LoopList& loops : data.view.outlines) {
+    const auto outline = std::make_shared<RegionData>();
+    outline->region = zbrRegionOfLoops(loops);
+    data.outlines.push_back(outline);
+  }
+}
+
 // What views are drawn with.
 struct Request {
   std::vector<WantedView> views;
@@ -103,13 +113,11 @@ std::vector<DrawingPtr> Draw(const MeshPtr& mesh, Request& request, Monitor& mon
     const auto data = std::make_shared<DrawingData>();
     data->mesh = mesh;
     data->model = model;
-    data->lines = ArraysOf(view);
-    for (const drawing::LoopList& loops : view.outlines) {
-      const auto outline = std::make_shared<RegionData>();
-      outline->region = zbrRegionOfLoops(loops);
-      data->outlines.push_back(outline);
-    }
+    data->crease = request.crease;
+    data->weld = request.weld;
+    data->shells = model->ShellCount();
     data->view = std::move(view);
+    Finish(*data);
     drawings.push_back(data);
   }
   return drawings;
@@ -201,6 +209,25 @@ Py_ssize_t Length(PyObject* self) noexcept {
   return static_cast<Py_ssize_t>(DataOf(self)->lines->kinds.size());
 }
 
+PyObject* TheMesh(PyObject* self, void*) noexcept {
+  return Guarded([&] { return ShowMesh(DataOf(self)->mesh); });
+}
+
+PyObject* Pack(PyObject* self, PyObject*) noexcept {
+  return Guarded([&] { return PackDrawing(*DataOf(self)); });
+}
+
+// (mesh, what _pack() gave)
+PyObject* Restore(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<2> given("restore_drawing", {"mesh", "rest"}, 2, args, count, keywords);
+    const MeshPtr& mesh = Holder<MeshData>::Of(given.Needed(0), "mesh", "a Mesh is needed");
+    const auto data = UnpackDrawing(mesh, given.Needed(1));
+    Finish(*data);
+    return Objects::Make(data);
+  });
+}
+
 PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<2> given("pick", {"points", "progress"}, 1, args, count, keywords);
@@ -215,8 +242,8 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
 }  // namespace
 
 const drawing::Picker& DrawingData::ThePicker() const {
-  std::call_once(once_, [this] { picker_.emplace(*model, view.view); });
-  return *picker_;
+  std::call_once(once_, [this] { picker_.emplace(model ? model : mesh->ModelFor(crease, weld), view.view); });
+  return picker_->picker;
 }
 
 Ref PickAll(std::shared_ptr<const drawing::Picker> picker, PyObject* object, const ZBR_PT& shift, PyObject* progress) {
@@ -255,9 +282,7 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
                               1, args, count, keywords);
     const MeshPtr mesh = Holder<MeshData>::Of(self);
     Request request;
-    const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
-    while (PyObject* const next = PyIter_Next(iterator.get())) AddView(Ref::Own(next).get(), mesh->mesh.yUp, request.views);
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(given.Needed(0), "views", [&](PyObject* view) { AddView(view, mesh->mesh.yUp, request.views); });
     request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
     request.crease = given.Number(2, 30.0, 0.0);
     request.weld = given.Number(3, 0.0, 0.0);
@@ -298,6 +323,7 @@ void AddDrawingType(PyObject* module) {
        nullptr},
       {"outlines", Outlines, nullptr, "What is seen of each object, a list of Region, where asked for.", nullptr},
       {"section_faces", SectionFaces, nullptr, "What a section lays open, a list of Region.", nullptr},
+      {"mesh", TheMesh, nullptr, "The mesh that is drawn.", nullptr},
       {"name", Name, nullptr, "The name of the view.", nullptr},
       {"bounds", Bounds, nullptr, "(xmin, ymin, xmax, ymax) of the model in the view.", nullptr},
       {"middle", Middle, nullptr, "(x, y, z): where the origin of the drawing lies, in the axes of the view.", nullptr},
@@ -306,6 +332,7 @@ void AddDrawingType(PyObject* module) {
   };
   static PyMethodDef methods[] = {
       Fast("pick", Pick, nullptr),
+      {"_pack", Pack, METH_NOARGS, nullptr},
       {nullptr, nullptr, 0, nullptr},
   };
   static const PyType_Slot slots[] = {
@@ -315,6 +342,8 @@ void AddDrawingType(PyObject* module) {
       {0, nullptr},
   };
   Objects::AddType(module, "Drawing", "zbr._zbr.Drawing", slots);
+  static PyMethodDef functions[] = {Fast("restore_drawing", Restore, nullptr), {nullptr, nullptr, 0, nullptr}};
+  if (PyModule_AddFunctions(module, functions) != 0) throw PythonError();
   const Ref kinds = Ref::Own(PyList_New(0));
   for (int kind = 0; kind <= static_cast<int>(drawing::EdgeClass::kCentre); ++kind) {
     const Ref name = Ref::Own(PyUnicode_FromString(drawing::NameOf(static_cast<drawing::EdgeClass>(kind))));

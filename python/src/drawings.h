@@ -32,6 +32,9 @@ struct MeshData {
   std::string name;
   std::vector<drawing::ObjectSource> sources;  // one for each object
 
+  // The Python object of this mesh, while there is one: borrowed, for drawings to show the mesh that they are of.
+  mutable PyObject* shown = nullptr;
+
   // The model for these values. The last one is kept, as views of a mesh mostly have them in common. Any thread.
   ModelPtr ModelFor(double crease, double weld) const;
 
@@ -66,7 +69,9 @@ struct LineArrays {
 
 struct DrawingData {
   MeshPtr mesh;
-  ModelPtr model;
+  double crease = 30.0, weld = 0.0;  // of the model
+  ModelPtr model;                    // null in a drawing that another process made, until it is needed
+  std::size_t shells = 0;
   drawing::ViewLines view;
   std::shared_ptr<const LineArrays> lines;
   std::vector<RegionPtr> outlines;
@@ -75,7 +80,7 @@ struct DrawingData {
 
  private:
   mutable std::once_flag once_;
-  mutable std::optional<drawing::Picker> picker_;
+  mutable std::optional<OwnPicker> picker_;
 };
 using DrawingPtr = std::shared_ptr<const DrawingData>;
 
@@ -105,6 +110,16 @@ WantedView ViewOf(PyObject* object, bool yUp);
 
 // Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).
 Ref PickAll(std::shared_ptr<const drawing::Picker> picker, PyObject* points, const ZBR_PT& shift, PyObject* progress);
+
+// The object of a mesh, the one there is or a new one.
+Ref ShowMesh(const MeshPtr& mesh);
+
+// For pickle: all but the points and triangles of a mesh, all but the mesh of a drawing; throws for bytes that are not of this
+// version. DrawingData::lines and outlines are to be made.
+Ref PackMesh(const MeshData& data);
+Ref PackDrawing(const DrawingData& data);
+std::shared_ptr<MeshData> UnpackMesh(drawing::Mesh mesh, PyObject* rest);
+std::shared_ptr<DrawingData> UnpackDrawing(MeshPtr mesh, PyObject* bytes);
 
 // Throws unless it is one; `name` is the argument's.
 const DrawingPtr& DrawingOf(PyObject* object, const char* name);

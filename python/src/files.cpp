@@ -64,14 +64,10 @@ Read ReadRegion(const Reading& reading, Monitor& monitor) {
 std::vector<std::string> StringsOf(PyObject* object, const char* name) {
   std::vector<std::string> strings;
   if (object == nullptr) return strings;
-  if (PyUnicode_Check(object) != 0) throw BadType(name, "a list of strings is needed");
-  const Ref iterator = Ref::Own(PyObject_GetIter(object));
-  while (PyObject* const next = PyIter_Next(iterator.get())) {
-    const Ref item = Ref::Own(next);
-    if (PyUnicode_Check(item.get()) == 0) throw BadType(name, "a list of strings is needed");
-    strings.push_back(Arguments<1>::Text(item.get()));
-  }
-  if (PyErr_Occurred() != nullptr) throw PythonError();
+  ForEachItem(object, name, [&](PyObject* item) {
+    if (PyUnicode_Check(item) == 0) throw BadType(name, "a list of strings is needed");
+    strings.push_back(Arguments<1>::Text(item));
+  });
   return strings;
 }
 
@@ -86,8 +82,7 @@ PyObject* ReadRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObje
     const Arguments<8> given("read_region", {"file", "data", "format", "deviation", "join", "fill", "layers", "progress"}, 1, args,
                              count, keywords);
     Reading reading;
-    const Ref path = Ref::Own(PyOS_FSPath(given.Needed(0)));
-    reading.file = FileName(path.get());
+    reading.file = FileName(given.Needed(0));
     reading.format = given.OrNull(2) == nullptr ? "" : given.String(2, "");
     CheckFormat(reading.format);
     reading.isFromMemory = given.OrNull(1) != nullptr;
@@ -158,8 +153,13 @@ long UnitCodeOf(const std::string& name) {
   throw BadArgument("unit", "mm, cm, m, in, ft or another unit of length is needed");
 }
 
-std::string FileName(PyObject* path) {
-  Ref bytes = Ref::Share(path);
+std::string FileName(PyObject* object) {
+  PyObject* const path = PyOS_FSPath(object);
+  if (path == nullptr) {
+    PyErr_Clear();
+    throw BadType("file", "a string or a path is needed");
+  }
+  Ref bytes = Ref::Own(path);
 #ifdef _WIN32  // file names of the library are UTF-8 there
   if (PyUnicode_Check(path) != 0) bytes = Ref::Own(PyUnicode_AsUTF8String(path));
 #else

@@ -18,12 +18,20 @@ template <class Data>
 class Holder {
  public:
   using Pointer = std::shared_ptr<const Data>;
+  static constexpr bool kIsShown = requires(const Data& data) { data.shown; };
 
   // A new object of the class, or of `type`.
   static Ref Make(Pointer data, PyTypeObject* type = nullptr) {
     Ref object = Ref::Own(PyType_GenericAlloc(type != nullptr ? type : made_, 0));
+    if constexpr (kIsShown) data->shown = object.get();
     new (&reinterpret_cast<Object*>(object.get())->data) Pointer(std::move(data));
     return object;
+  }
+
+  // The object that was made last, unless it is gone: for data with a member `shown`, which tells.
+  static Ref Show(const Pointer& data) {
+    const bool isAlive = data->shown != nullptr && Py_REFCNT(data->shown) > 0;
+    return isAlive ? Ref::Share(data->shown) : Make(data);
   }
 
   static const Pointer& Of(PyObject* self) { return reinterpret_cast<Object*>(self)->data; }
@@ -35,6 +43,9 @@ class Holder {
   }
 
   static void Delete(PyObject* self) {
+    if constexpr (kIsShown) {
+      if (Of(self)->shown == self) Of(self)->shown = nullptr;
+    }
     Of(self).~Pointer();
     FreeObject(self);
   }

@@ -51,14 +51,11 @@ std::shared_ptr<MeshData> Named(drawing::Mesh mesh, const std::string& file, con
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    static const char* names[] = {"points", "faces", "y_up", "name", nullptr};
-    PyObject *points = nullptr, *faces = nullptr;
-    int yUp = 0;
-    const char* name = "mesh";
-    if (PyArg_ParseTupleAndKeywords(args, keywords, "OO|$ps:Mesh", const_cast<char**>(names), &points, &faces, &yUp, &name) == 0)
-      throw PythonError();
-    drawing::Mesh mesh = MeshOf(points, faces);
-    mesh.yUp = yUp != 0;
+    const Arguments<4> given("Mesh", {"points", "faces", "y_up", "name"}, 2, args, keywords);
+    const std::string name = given.String(3, "mesh");
+    const bool yUp = given.Truth(2, false);
+    drawing::Mesh mesh = MeshOf(given.Needed(0), given.Needed(1));
+    mesh.yUp = yUp;
     return Objects::Make(Named(std::move(mesh), name, name), type);
   });
 }
@@ -94,8 +91,7 @@ Py_ssize_t Length(PyObject* self) noexcept {
 PyObject* Read(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<4> given("read_mesh", {"file", "data", "format", "progress"}, 2, args, count, keywords);
-    const Ref path = Ref::Own(PyOS_FSPath(given.Needed(0)));
-    const std::string file = FileName(path.get());
+    const std::string file = FileName(given.Needed(0));
     const std::string format = given.OrNull(2) == nullptr ? "" : given.String(2, "");
     const bool isFromMemory = given.OrNull(1) != nullptr;
     std::string bytes = isFromMemory ? BytesOf(given[1], "data") : std::string();
@@ -110,12 +106,8 @@ PyObject* Read(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* key
 PyObject* Join(PyObject*, PyObject* meshes) noexcept {
   return Guarded([&] {
     std::vector<MeshPtr> parts;
-    const Ref iterator = Ref::Own(PyObject_GetIter(meshes));
-    while (PyObject* const next = PyIter_Next(iterator.get())) {
-      const Ref item = Ref::Own(next);
-      parts.push_back(Objects::Of(item.get(), "meshes", "a list of Mesh is needed"));
-    }
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(meshes, "meshes",
+                [&parts](PyObject* item) { parts.push_back(Objects::Of(item, "meshes", "a list of Mesh is needed")); });
     return Objects::Make(Run(kSmallCall, nullptr, [parts](Monitor&) -> MeshPtr {
       drawing::Objects objects;
       for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -180,6 +172,18 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
   });
 }
 
+PyObject* Pack(PyObject* self, PyObject*) noexcept {
+  return Guarded([&] { return PackMesh(*DataOf(self)); });
+}
+
+// (points, faces, what _pack() gave)
+PyObject* Restore(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<3> given("restore_mesh", {"points", "faces", "rest"}, 3, args, count, keywords);
+    return Objects::Make(UnpackMesh(MeshOf(given.Needed(0), given.Needed(1)), given.Needed(2)));
+  });
+}
+
 // (shells, closed ones, borders, junctions, turned, pinches, inward, flat, repeated)
 PyObject* Survey(PyObject* self, PyObject*) noexcept {
   return Guarded([&] {
@@ -207,6 +211,10 @@ ModelPtr MeshData::ModelFor(double crease, double weld) const {
   return kept_.model;
 }
 
+Ref ShowMesh(const MeshPtr& mesh) {
+  return Objects::Show(mesh);
+}
+
 void AddMeshType(PyObject* module) {
   static PyGetSetDef properties[] = {
       {"points", Points, nullptr, "(v, 3) float64. A view; read-only.", nullptr},
@@ -222,6 +230,7 @@ void AddMeshType(PyObject* module) {
       Fast("pick", Pick, nullptr),
       Fast("_draw", DrawMesh, nullptr),
       {"_survey", Survey, METH_NOARGS, nullptr},
+      {"_pack", Pack, METH_NOARGS, nullptr},
       {"join", Join, METH_O | METH_STATIC,
        "join(meshes, /)\n--\n\nOne mesh of several, each an object of its own, never welded to others."},
       {nullptr, nullptr, 0, nullptr},
@@ -234,7 +243,8 @@ void AddMeshType(PyObject* module) {
       {0, nullptr},
   };
   Objects::AddType(module, "Mesh", "zbr._zbr.Mesh", slots);
-  static PyMethodDef functions[] = {Fast("read_mesh", Read, nullptr), {nullptr, nullptr, 0, nullptr}};
+  static PyMethodDef functions[] = {
+      Fast("read_mesh", Read, nullptr), Fast("restore_mesh", Restore, nullptr), {nullptr, nullptr, 0, nullptr}};
   if (PyModule_AddFunctions(module, functions) != 0) throw PythonError();
 }
 

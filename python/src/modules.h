@@ -15,7 +15,7 @@ long UnitCodeOf(const std::string& name);
 // A copy of a buffer of bytes; `name` is the argument's.
 std::string BytesOf(PyObject* object, const char* name);
 
-// A path as the library wants it; bytes and text as os.fspath gives them.
-std::string FileName(PyObject* path);
+// A path, as text, bytes or an object of one, as the library wants it.
+std::string FileName(PyObject* object);
 
 }  // namespace zbr::python

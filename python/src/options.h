@@ -18,18 +18,23 @@ class Arguments {
   Arguments(const char* function, const std::array<const char*, N>& names, std::size_t positional, PyObject* const* args,
             Py_ssize_t count, PyObject* keywords)
       : names_(names) {
-    if (static_cast<std::size_t>(count) > positional)
-      throw BadType(function, "takes " + std::to_string(positional) + " positional arguments, not " + std::to_string(count));
+    CheckCount(function, static_cast<std::size_t>(count), positional);
     for (Py_ssize_t i = 0; i < count; ++i) values_[static_cast<std::size_t>(i)] = args[i];
     if (keywords == nullptr) return;
     const Py_ssize_t named = PyTuple_Size(keywords);
-    for (Py_ssize_t k = 0; k < named; ++k) {
-      PyObject* const name = PyTuple_GetItem(keywords, k);
-      std::size_t i = 0;
-      while (i < N && PyUnicode_CompareWithASCIIString(name, names[i]) != 0) ++i;
-      if (i == N || values_[i] != nullptr) throw BadType(function, (i == N ? "unknown argument " : "given twice: ") + Text(name));
-      values_[i] = args[count + k];
-    }
+    for (Py_ssize_t k = 0; k < named; ++k) Set(function, PyTuple_GetItem(keywords, k), args[count + k]);
+  }
+  // Of a constructor: a tuple and a dictionary, or null.
+  Arguments(const char* function, const std::array<const char*, N>& names, std::size_t positional, PyObject* args,
+            PyObject* keywords)
+      : names_(names) {
+    const auto count = static_cast<std::size_t>(PyTuple_Size(args));
+    CheckCount(function, count, positional);
+    for (std::size_t i = 0; i < count; ++i) values_[i] = PyTuple_GetItem(args, static_cast<Py_ssize_t>(i));
+    if (keywords == nullptr) return;
+    PyObject *name = nullptr, *value = nullptr;
+    Py_ssize_t place = 0;
+    while (PyDict_Next(keywords, &place, &name, &value) != 0) Set(function, name, value);
   }
 
   PyObject* operator[](std::size_t i) const { return values_[i]; }
@@ -43,14 +48,14 @@ class Arguments {
   bool Truth(std::size_t i, bool otherwise) const {
     if (values_[i] == nullptr) return otherwise;
     const int truth = PyObject_IsTrue(values_[i]);
-    if (truth < 0) throw PythonError();
+    if (truth < 0) Refuse(i, "True or False");
     return truth != 0;
   }
   // A finite number, not below `least`.
   double Number(std::size_t i, double otherwise, double least = -std::numeric_limits<double>::max()) const {
     if (values_[i] == nullptr) return otherwise;
     const double value = PyFloat_AsDouble(values_[i]);
-    if (value == -1.0 && PyErr_Occurred() != nullptr) throw PythonError();
+    if (value == -1.0 && PyErr_Occurred() != nullptr) Refuse(i, "a number");
     if (!(value >= least && value <= std::numeric_limits<double>::max()))
       throw BadArgument(names_[i],
                         "a finite number" + (least == 0.0 ? std::string(" of 0 or more") : std::string()) + " is needed");
@@ -60,7 +65,7 @@ class Arguments {
     if (values_[i] == nullptr) return otherwise;
     const long value = PyLong_AsLong(values_[i]);
     if (value == -1 && PyErr_Occurred() != nullptr) {
-      if (PyErr_ExceptionMatches(PyExc_OverflowError) == 0) throw PythonError();
+      if (PyErr_ExceptionMatches(PyExc_OverflowError) == 0) Refuse(i, "an integer");
       PyErr_Clear();
       throw BadArgument(names_[i], "is out of range");
     }
@@ -82,9 +87,38 @@ class Arguments {
   }
 
  private:
+  static void CheckCount(const char* function, std::size_t count, std::size_t most) {
+    if (count > most)
+      throw BadType(function, "takes " + std::to_string(most) + " positional arguments, not " + std::to_string(count));
+  }
+  void Set(const char* function, PyObject* name, PyObject* value) {
+    std::size_t i = 0;
+    while (i < N && PyUnicode_CompareWithASCIIString(name, names_[i]) != 0) ++i;
+    if (i == N || values_[i] != nullptr) throw BadType(function, (i == N ? "unknown argument " : "given twice: ") + Text(name));
+    values_[i] = value;
+  }
+  // Instead of what Python says, which tells the type but not the argument.
+  [[noreturn]] void Refuse(std::size_t i, const char* wanted) const {
+    PyErr_Clear();
+    throw BadType(names_[i], std::string(wanted) + " is needed");
+  }
+
   std::array<const char*, N> names_;
   PyObject* values_[N] = {};
 };
+
+// Calls visit for each item of a list, or whatever can be gone through; `name` is the argument's.
+template <class Visit>
+void ForEachItem(PyObject* object, const char* name, Visit visit) {
+  PyObject* const found = PyUnicode_Check(object) != 0 ? nullptr : PyObject_GetIter(object);
+  if (found == nullptr) {
+    PyErr_Clear();
+    throw BadType(name, "a list is needed");
+  }
+  const Ref iterator = Ref::Own(found);
+  while (PyObject* const next = PyIter_Next(iterator.get())) visit(Ref::Own(next).get());
+  if (PyErr_Occurred() != nullptr) throw PythonError();
+}
 
 // An entry of a method table for a function with the fast protocol.
 using FastFunction = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*);

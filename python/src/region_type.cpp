@@ -62,29 +62,22 @@ RegionPtr AsGiven(const RingArrays& arrays) {
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    static const char* names[] = {"coords", "rings", "polygons", "fill", "valid", "tolerance", "progress", nullptr};
-    PyObject *coords = nullptr, *rings = Py_None, *polygons = Py_None, *progress = Py_None;
-    const char* fill = "evenodd";
-    int isValid = 0;
-    double tolerance = 0.0;
-    if (PyArg_ParseTupleAndKeywords(args, keywords, "|OOO$spdO:Region", const_cast<char**>(names), &coords, &rings, &polygons,
-                                    &fill, &isValid, &tolerance, &progress) == 0) {
-      throw PythonError();
-    }
-    if (coords == nullptr) return Objects::Make(std::make_shared<RegionData>(), type);
-    if (!(tolerance >= 0.0 && std::isfinite(tolerance))) throw BadArgument("tolerance", "a finite number of 0 or more is needed");
-    RingArrays arrays(coords, rings, polygons);
+    const Arguments<7> given("Region", {"coords", "rings", "polygons", "fill", "valid", "tolerance", "progress"}, 3, args,
+                             keywords);
+    if (given[0] == nullptr) return Objects::Make(std::make_shared<RegionData>(), type);
+    ZBR_REGION_OPTIONS options;
+    options.fill_a = FillRule(given.String(3, "evenodd"));
+    const bool isValid = given.Truth(4, false);
+    options.tolerance = given.Number(5, 0.0, 0.0);
+    RingArrays arrays(given[0], given.OrNull(1), given.OrNull(2));
     if (arrays.rings.size() == 1 && !arrays.points.empty())
       throw BadArgument("rings", "offsets are one more than there are rings; one bounds none, and there are points");
-    ZBR_REGION_OPTIONS options;
-    options.fill_a = FillRule(fill);
-    options.tolerance = tolerance;
     const std::size_t size = arrays.points.size();
-    return Objects::Make(Run(size, progress,
+    return Objects::Make(Run(size, given[6],
                              [arrays = std::move(arrays), options, isValid](Monitor& monitor) mutable {
                                options.progress = Monitor::Tell;
                                options.progress_data = &monitor;
-                               return isValid != 0 ? AsGiven(arrays) : ValidRegion(arrays, options);
+                               return isValid ? AsGiven(arrays) : ValidRegion(arrays, options);
                              }),
                          type);
   });

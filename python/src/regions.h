@@ -80,7 +80,7 @@ struct RingArrays {
   std::vector<std::int32_t> rings;
   std::vector<std::int32_t> polygons;  // empty: none given
 
-  RingArrays(PyObject* coords, PyObject* ringOffsets, PyObject* polygonOffsets);
+  RingArrays(PyObject* coords, PyObject* ringOffsets, PyObject* polygonOffsets, const char* ringArgument = "rings");
   ZBR_REGION_VIEW view() const;
 };
 

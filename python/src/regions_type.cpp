@@ -52,31 +52,25 @@ RegionList MadeValid(const RegionList& given, ZBR_FILL_RULE fill, unsigned threa
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    static const char* names[] = {"coords", "rings", "polygons", "regions", "fill", "valid", "threads", "progress", nullptr};
-    PyObject *coords = nullptr, *rings = nullptr, *polygons = nullptr, *regions = Py_None, *progress = Py_None;
-    const char* fill = "evenodd";
-    int isValid = 0;
-    int threads = 1;
-    if (PyArg_ParseTupleAndKeywords(args, keywords, "OOO|O$spiO:Regions", const_cast<char**>(names), &coords, &rings, &polygons,
-                                    &regions, &fill, &isValid, &threads, &progress) == 0) {
-      throw PythonError();
-    }
-    if (threads < 0 || threads > 1024) throw BadArgument("threads", "a number from 0 to 1024 is needed");
-    const ZBR_FILL_RULE rule = FillRule(fill);
-    if (polygons == Py_None) throw BadArgument("polygons", "offsets are needed");
-    const RingArrays arrays(coords, rings, polygons);
+    const Arguments<8> given("Regions", {"coords", "rings", "polygons", "regions", "fill", "valid", "threads", "progress"}, 4, args,
+                             keywords);
+    const ZBR_FILL_RULE rule = FillRule(given.String(4, "evenodd"));
+    const bool isValid = given.Truth(5, false);
+    const unsigned threads = given.Threads(6);
+    if (given.Needed(2) == Py_None) throw BadArgument("polygons", "offsets are needed");
+    const RingArrays arrays(given.Needed(0), given.Needed(1), given[2]);
     std::vector<std::int32_t> offsets;
-    if (regions != Py_None) {
-      offsets = ReadOffsets(regions, "regions", arrays.polygons.size() - 1, "polygons");
+    if (given.OrNull(3) != nullptr) {
+      offsets = ReadOffsets(given[3], "regions", arrays.polygons.size() - 1, "polygons");
     } else {  // a polygon is a region
       for (std::size_t p = 0; p < arrays.polygons.size(); ++p) offsets.push_back(static_cast<std::int32_t>(p));
     }
     RegionList list = Part(arrays, offsets, 0, offsets.size() - 1);
     const std::size_t size = list.points.size();
-    return Objects::Make(Run(size, progress,
+    return Objects::Make(Run(size, given[7],
                              [list = std::move(list), rule, isValid, threads](Monitor& monitor) mutable -> RegionListPtr {
-                               if (isValid != 0) return std::make_shared<RegionList>(std::move(list));
-                               return std::make_shared<RegionList>(MadeValid(list, rule, static_cast<unsigned>(threads), monitor));
+                               if (isValid) return std::make_shared<RegionList>(std::move(list));
+                               return std::make_shared<RegionList>(MadeValid(list, rule, threads, monitor));
                              }),
                          type);
   });
@@ -153,16 +147,13 @@ PyObject* Item(PyObject* self, Py_ssize_t index) noexcept {
 PyObject* Concatenate(PyObject*, PyObject* regions) noexcept {
   return Guarded([&] {
     const auto list = std::make_shared<RegionList>();
-    const Ref iterator = Ref::Own(PyObject_GetIter(regions));
-    while (PyObject* const next = PyIter_Next(iterator.get())) {
-      const Ref item = Ref::Own(next);
-      if (IsRegions(item.get())) {
-        list->Add(*ListOf(item.get()));
+    ForEachItem(regions, "regions", [&](PyObject* item) {
+      if (IsRegions(item)) {
+        list->Add(*ListOf(item));
       } else {
-        list->Add(RegionOf(item.get(), "regions")->region);
+        list->Add(RegionOf(item, "regions")->region);
       }
-    }
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    });
     return NewRegions(list);
   });
 }

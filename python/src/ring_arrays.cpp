@@ -14,7 +14,7 @@ constexpr double kLargest = 1e150;  // of coordinates, for the library
 
 }  // namespace
 
-RingArrays::RingArrays(PyObject* coords, PyObject* ringOffsets, PyObject* polygonOffsets) {
+RingArrays::RingArrays(PyObject* coords, PyObject* ringOffsets, PyObject* polygonOffsets, const char* ringArgument) {
   const Doubles xy(coords, "coords", 2);
   if (xy.rows() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
     throw BadArgument("coords", "more than 2^31 - 1 points");
@@ -28,7 +28,7 @@ RingArrays::RingArrays(PyObject* coords, PyObject* ringOffsets, PyObject* polygo
   if (ringOffsets == nullptr || ringOffsets == Py_None) {
     rings = {0, static_cast<std::int32_t>(points.size())};
   } else {
-    rings = ReadOffsets(ringOffsets, "rings", points.size(), "points");
+    rings = ReadOffsets(ringOffsets, ringArgument, points.size(), "points");
   }
   if (polygonOffsets != nullptr && polygonOffsets != Py_None)
     polygons = ReadOffsets(polygonOffsets, "polygons", rings.size() - 1, "rings");

@@ -9,6 +9,7 @@
 #include <zbr-formats/sheets.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace zbr::python {
@@ -62,16 +63,22 @@ drawing::SheetOptions OptionsOf(const Arguments<kNames.size()>& given) {
   return options;
 }
 
+// The same, or a copy of it: drawings that other processes made have one each.
+bool IsSameMesh(const MeshData& a, const MeshData& b) {
+  const auto& p = a.mesh.points;
+  const auto& q = b.mesh.points;
+  return &a == &b || (p.size() == q.size() && a.mesh.triangles == b.mesh.triangles && a.sources.size() == b.sources.size() &&
+                      (p.empty() || std::memcmp(p.data(), q.data(), p.size() * sizeof p.front()) == 0));
+}
+
 PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<kNames.size()> given("sheet", kNames, 1, args, count, keywords);
     drawing::SheetOptions options = OptionsOf(given);
     std::vector<DrawingPtr> drawings;
-    const Ref iterator = Ref::Own(PyObject_GetIter(given.Needed(0)));
-    while (PyObject* const next = PyIter_Next(iterator.get())) drawings.push_back(DrawingOf(Ref::Own(next).get(), "drawings"));
-    if (PyErr_Occurred() != nullptr) throw PythonError();
+    ForEachItem(given.Needed(0), "drawings", [&](PyObject* item) { drawings.push_back(DrawingOf(item, "drawings")); });
     if (drawings.empty()) throw BadArgument("drawings", "there are none");
-    const auto isOfAnother = [&](const DrawingPtr& drawing) { return drawing->mesh != drawings.front()->mesh; };
+    const auto isOfAnother = [&](const DrawingPtr& drawing) { return !IsSameMesh(*drawing->mesh, *drawings.front()->mesh); };
     if (std::any_of(drawings.begin(), drawings.end(), isOfAnother))
       throw BadArgument("drawings", "views of one mesh are needed; Mesh.join() makes one of several");
     options.title = given.String(4, drawings.front()->mesh->name.c_str());
@@ -83,7 +90,7 @@ PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject
       for (const DrawingPtr& drawing : drawings) views.push_back(drawing->view);
       data->sheet = drawing::LayOut(std::move(views), options);
       data->sources = drawings.front()->mesh->sources;
-      data->shells = drawings.front()->model->ShellCount();
+      data->shells = drawings.front()->shells;
       return data;
     }));
   });

@@ -3,6 +3,7 @@
 import io
 import json
 import os
+import pickle
 import signal
 import subprocess
 import threading
@@ -182,6 +183,24 @@ def test_senseless_meshes_are_errors(points, faces, view):
         mesh.draw(view)
     except (ValueError, TypeError):
         pass
+
+
+def test_pickles_are_equal_and_share_their_mesh():
+    two = zbr.Mesh.join([zbr.read(EXAMPLES / "housing.obj"), cube(30.0, (200.0, 0.0, 0.0))])
+    views = two.draw_views(["front", "X=10", "iso", {"eye": (500, -400, 300)}], crease=20, centre_lines=True, outlines=True)
+    again = pickle.loads(pickle.dumps(views))
+    assert all(view.mesh is again[0].mesh for view in again) and views[0].mesh is two
+    for ours, theirs in zip(views, again):
+        assert ours.sheet().json() == theirs.sheet().json() and ours.edges.tobytes() == theirs.edges.tobytes()
+        assert ours.outlines == theirs.outlines and ours.section_faces == theirs.section_faces
+    assert zbr.sheet(again).svg() == zbr.sheet(views).svg() == zbr.sheet([pickle.loads(pickle.dumps(view)) for view in views]).svg()
+    assert again[0].pick([(0, 0), (200, 0)]).triangle.tolist() == views[0].pick([(0, 0), (200, 0)]).triangle.tolist()
+    copy = pickle.loads(pickle.dumps(two))
+    assert copy.draw("iso").sheet().dxf() == two.draw("iso").sheet().dxf() and copy.name == two.name
+    restore, (mesh, data) = views[1].__reduce__()
+    for bad in (b"", data[:-1], data[:40], b"x" + data[1:], "x"):
+        with pytest.raises((ValueError, TypeError), match="^pickle: "):
+            restore(mesh, bad)
 
 
 def test_arrays_outlive_their_drawing_and_its_mesh():

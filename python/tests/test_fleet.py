@@ -1,6 +1,7 @@
 """The fleet: a killed worker, a poisoned file and a folder that cannot be written to lose nothing else."""
 
 import os
+import resource
 import shutil
 import signal
 import sys
@@ -47,6 +48,24 @@ def test_what_fails_is_told_and_the_rest_is_drawn(client, tmp_path):
     assert len(list(sheets.rglob("*.svg"))) == 13 and len(list(sheets.rglob("*"))) == 14
     (sheets / "3.obj.svg").unlink()
     assert [path.name for path in draw_fleet.missing(models, sheets).values()] == ["3.obj", "poisoned.stl", "wrong.obj"]
+
+
+def fill_disk(most):
+    """Files can have this many bytes at most, which ends writing as a full disk does."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (most, resource.getrlimit(resource.RLIMIT_FSIZE)[1]))
+
+
+def test_a_full_disk_leaves_no_half_sheets(client, tmp_path):
+    models, sheets = tmp_path / "models", tmp_path / "sheets"
+    models.mkdir()
+    for k in range(3):
+        shutil.copy(EXAMPLES / "house.obj", models / f"{k}.obj")
+    client.run(fill_disk, 2000)
+    failed = draw_fleet.run(client, draw_fleet.missing(models, sheets), ["iso"], 60)
+    assert len(failed) == 3 and all("OSError" in reason for reason in failed.values()) and not list(sheets.iterdir())
+    client.run(fill_disk, resource.RLIM_INFINITY)
+    assert not draw_fleet.run(client, draw_fleet.missing(models, sheets), ["iso"], 60) and len(list(sheets.iterdir())) == 3
 
 
 def test_tiles_make_up_the_whole(client):

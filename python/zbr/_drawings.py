@@ -3,14 +3,13 @@
 from __future__ import annotations
 
 import os
-from pathlib import Path
 from typing import Any, Iterable, Mapping, NamedTuple, Sequence
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _picture, _zbr
-from ._files import written
+from ._files import place_of, written
 
 #: What the numbers of `Drawing.kind` mean.
 KINDS: tuple[str, ...] = _zbr.KINDS
@@ -109,6 +108,9 @@ class Mesh(_zbr.Mesh):
             return np.full((2, 3), np.nan)
         return np.array((self.points.min(axis=0), self.points.max(axis=0)))
 
+    def __reduce__(self) -> tuple[Any, ...]:
+        return _zbr.restore_mesh, (self.points, self.faces, self._pack())
+
     def __repr__(self) -> str:
         return f"<zbr.Mesh {self.name}: triangles {len(self)}, points {len(self.points)}>"
 
@@ -129,9 +131,9 @@ class Drawing(_zbr.Drawing):
         """The lines as arrays (n, 2), views of coords: all, or those that are hidden or not, or of one of KINDS."""
         chosen = np.ones(len(self), bool)
         if hidden is not None:
-            chosen &= self.hidden == hidden
+            chosen &= self.hidden == bool(hidden)
         if kind is not None:
-            if kind not in KINDS:
+            if not isinstance(kind, str) or kind not in KINDS:
                 raise ValueError(f"kind: one of {', '.join(KINDS)} is needed")
             chosen &= self.kind == KINDS.index(kind)
         coords, lines = self.coords, self.lines
@@ -163,6 +165,9 @@ class Drawing(_zbr.Drawing):
         """The visible lines."""
         lines = tuple(tuple(map(tuple, line.tolist())) for line in self.polylines(hidden=False))
         return {"type": "MultiLineString", "coordinates": lines}
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return _zbr.restore_drawing, (self.mesh, self._pack())
 
     def __repr__(self) -> str:
         hidden = int(self.hidden.sum())
@@ -196,7 +201,8 @@ class Sheet(_zbr.Sheet):
 
     def save(self, path: str | os.PathLike[str], version: str = "R2000") -> None:
         """Writes a file: svg, dxf, pdf or json by its name. A file that was there is replaced at once or not at all."""
-        written(path, self._write(Path(path).suffix[1:].lower(), version))
+        place = place_of(path)
+        written(place, self._write(place.suffix[1:].lower(), version))
 
     def _repr_svg_(self) -> str:
         return self.svg()
@@ -209,7 +215,7 @@ def sheet(drawings: Iterable[Drawing], **options: Any) -> Sheet:
     standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number, author,
     date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer").
     """
-    return _zbr.sheet(list(drawings), **{"projection": "first", **options})
+    return _zbr.sheet(drawings, **{"projection": "first", **options})
 
 
 def _triangles_of(thing: Any) -> tuple[Any, Any]:

@@ -16,9 +16,16 @@ DRAWINGS = {"dxf": "dxf", "geojson": "geojson", "json": "geojson", "wkt": "wkt",
 MESHES = ("stl", "obj", "ply", "off", "gltf", "glb")
 
 
-def written(path: str | os.PathLike[str], data: bytes) -> None:
+def place_of(path: Any) -> Path:
+    """A path as text, bytes or an object of one."""
+    try:
+        return Path(os.fsdecode(path))
+    except TypeError:
+        raise TypeError("path: a string or a path is needed") from None
+
+
+def written(path: Path, data: bytes) -> None:
     """Writes a file that is whole, or the one that was there before."""
-    path = Path(path)
     beside = path.with_name(f".{path.name}.{secrets.token_hex(8)}")
     with open(beside, "xb") as file:
         try:
@@ -39,7 +46,9 @@ def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str
     for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and tells
     file, line and cause.
     """
-    kind = (format or Path(os.fsdecode(file)).suffix[1:]).lower()
+    if format is not None and not isinstance(format, str):
+        raise TypeError("format: a string is needed")
+    kind = (format or place_of(file).suffix[1:]).lower()
     if kind in MESHES:
         return _zbr.read_mesh(file, data, format=kind, **options)
     if format is None and kind not in DRAWINGS:
@@ -68,7 +77,10 @@ def write(path: str | os.PathLike[str], regions: Region | Mapping[str, Region], 
 
     unit: mm, cm, m, in or another that the format can tell.
     """
+    if not isinstance(regions, (Region, Mapping)):
+        raise TypeError("regions: a Region or a mapping of names to them is needed")
     layers = {"region": regions} if isinstance(regions, Region) else dict(regions)
-    kind = DRAWINGS.get(Path(path).suffix[1:].lower(), "unknown")
+    place = place_of(path)
+    kind = DRAWINGS.get(place.suffix[1:].lower(), "unknown")
     code = 0 if unit is None else _zbr.unit_code(unit)
-    written(path, _zbr.write_regions(kind, list(layers.values()), list(layers), code))
+    written(place, _zbr.write_regions(kind, list(layers.values()), list(layers), code))

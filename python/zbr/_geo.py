@@ -54,7 +54,7 @@ def _of_sequence(thing: Any) -> Arrays:
         return thing, None, None
     if not thing or np.ndim(thing[0]) < 2:  # points
         return thing, None, None
-    rings = [np.asarray(ring, dtype=float) for ring in thing]
+    rings = [_numbers(ring, f"ring {k}") for k, ring in enumerate(thing)]
     for k, ring in enumerate(rings):
         if ring.ndim != 2 or ring.shape[1] != 2:
             raise ValueError(f"ring {k}: an array of shape (n, 2) is needed, not of shape {ring.shape}")
@@ -71,8 +71,15 @@ def _joined(polygons: list[list[Any]]) -> Arrays:
     return coords, _offsets(rings), _offsets(polygons)
 
 
+def _numbers(points: Any, name: str) -> Any:
+    try:
+        return np.asarray(points, dtype=float)
+    except (ValueError, TypeError) as error:
+        raise ValueError(f"{name}: not an array of numbers ({error})") from None
+
+
 def _ring(points: Any) -> Any:
-    ring = np.asarray(points, dtype=float)
+    ring = _numbers(points, "coordinates")
     if ring.size == 0:
         return np.empty((0, 2))
     if ring.ndim != 2 or ring.shape[1] < 2:
@@ -81,6 +88,13 @@ def _ring(points: Any) -> Any:
 
 
 def _polygons_of(geometry: Any) -> list[list[Any]]:
+    try:
+        return _polygons_by_type(geometry)
+    except (AttributeError, KeyError, TypeError) as error:
+        raise ValueError(f"geometry: not as GeoJSON has it ({type(error).__name__}: {error})") from None
+
+
+def _polygons_by_type(geometry: Any) -> list[list[Any]]:
     kind = geometry.get("type")
     if kind == "Polygon":
         return [[_ring(ring) for ring in geometry["coordinates"]]]

@@ -16,6 +16,8 @@ _STEP = 0.25  # of a pixel: what is closer looks the same
 
 def _scale(low: Any, high: Any, width: int) -> tuple[float, float, float]:
     """Pixels for one unit, and the picture's size."""
+    if not isinstance(width, (int, float)) or not width > 2 * _MARGIN:
+        raise ValueError(f"width: more than {2 * _MARGIN:g} pixels are needed")
     size = np.maximum(high - low, 0.0)
     largest = float(size.max())
     scale = (width - 2 * _MARGIN) / largest if largest > 0 else 1.0

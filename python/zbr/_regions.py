@@ -158,6 +158,8 @@ class Regions(_zbr.Regions):
         """Regions of anything that Region.of() takes, one of each."""
         if isinstance(things, Regions):
             return things
+        if isinstance(things, (str, bytes)) or not isinstance(things, Iterable):
+            raise TypeError("regions: a list of what Region.of() takes is needed")
         return cls._concatenate(Region.of(thing, fill=fill) for thing in things)
 
     @overload

@@ -1,0 +1,57 @@
+"""Wrong arguments of public calls: errors of the usual kinds, which begin with the argument's name."""
+
+import re
+
+import numpy as np
+import pytest
+import zbr
+
+RING = [(0, 0), (4, 0), (0, 4)]
+REGION = zbr.Region(RING)
+MESH = zbr.Mesh([(0, 0, 0), (4, 0, 0), (0, 4, 0)], [(0, 1, 2)])
+DRAWING = MESH.draw("top")
+WRONG = [None, "x", b"x", -1, 2**70, np.nan, 1j, [], ["a"], [[1, 2], [3]], np.array([None]), np.zeros((2, 2, 2)), [(1, np.nan)], {}, object()]
+
+
+def read_triangle(**options):
+    return zbr.read("x.wkt", data=b"POLYGON ((0 0, 1 0, 0 1))", **options)
+
+
+OPTIONS = {
+    zbr.Region: ((RING,), "rings polygons fill valid tolerance progress"),
+    zbr.Regions: ((RING, [0, 3], [0, 1]), "regions fill valid threads progress"),
+    zbr.Mesh: (([(0, 0, 0)], []), "y_up name"),
+    zbr.union: ((REGION, REGION), "tolerance sources threads progress"),
+    zbr.check: ((RING,), "rings most"),
+    zbr.faces: ((RING,), "lines tolerance"),
+    REGION.simplify: ((), "tolerance"),
+    REGION.svg: ((), "width"),
+    MESH.draw: ((), "view hidden crease weld tangents intersections outlines threads progress smooth_silhouettes centre_lines"),
+    MESH.outline: ((), "view weld threads"),
+    DRAWING.polylines: ((), "kind"),
+    zbr.sheet: (([DRAWING],), "paper projection title number author date unit hidden tangent progress"),
+    read_triangle: ((), "deviation join fill layers"),
+}
+FIRST = [zbr.Region, zbr.Region.of, zbr.Regions.of, zbr.unite, zbr.check, zbr.faces, REGION.contains, MESH.pick, zbr.Mesh.of, zbr.Mesh.join,
+         MESH.draw_views, DRAWING.pick, zbr.sheet, DRAWING.save, lambda x: zbr.union(x, REGION), lambda x: zbr.combine(REGION, REGION, x),
+         lambda x: zbr.coverage([REGION], x), lambda x: zbr.write(x, REGION), lambda x: zbr.write("nowhere/x.wkt", x), lambda x: zbr.read("x", data=x),
+         lambda x: zbr.Region.of({"type": "Polygon", "coordinates": x}), lambda x: MESH.draw({"eye": x}), lambda x: zbr.Mesh(x, [(0, 1, 2)])]
+
+
+def expect_words(call, names):
+    try:
+        call()
+    except (ValueError, TypeError, OSError) as error:
+        assert re.match(names, str(error)), repr(error)
+
+
+@pytest.mark.filterwarnings("ignore:.*do not close")
+@pytest.mark.parametrize("wrong", WRONG, ids=lambda wrong: re.sub(r" at 0x\w+|\s", "", repr(wrong))[:20])
+def test_wrong_arguments_are_named(wrong, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    for function, (args, names) in OPTIONS.items():
+        for name in names.split():
+            expect_words(lambda: function(*args, **{name: wrong}), rf"{name}\b.*: ")
+    for function in FIRST:
+        expect_words(lambda: function(wrong), r"[\w\[\]\"]+( \d+)?:|\[Errno")
+    expect_words(lambda: zbr.read("x.wkt", data=b"", format=wrong), r"format: |x.wkt:")
