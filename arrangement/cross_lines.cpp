@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "arrangement/edge_cutter.h"
-#include "core/cost.h"
 
 namespace zbr {
 
@@ -47,7 +46,6 @@ double RoundedPlace(double p, double d, const Int128& share, const Int128& whole
 
 // The vertex of the crossing, or kNoVertex. Ends that lie on the other line are vertices already, so only proper crossings count.
 std::uint32_t EdgeCutter::Cross(const CutLine& a, const CutLine& b) {
-  ZBR_COUNT(pairs, 1);
   const GridPoint p = Node(a.from);
   const GridPoint q = Node(a.to);
   const GridPoint r = Node(b.from);

@@ -10,6 +10,11 @@
 
 namespace zbr {
 
+bool EdgeCutter::AreCrowded() const {
+  constexpr std::size_t kCrowded = 8;  // parts to a line, on the average
+  return lines_.size() > kCrowded * origins_.size();
+}
+
 // Replaces the lines by those that differ, in their order. Returns, for each line there was, its like among these.
 std::vector<std::uint32_t> EdgeCutter::DropRepeatedParts() {
   struct Item {

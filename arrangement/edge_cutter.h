@@ -97,6 +97,7 @@ class EdgeCutter {
   void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
 
   // crowded_cut.cpp
+  bool AreCrowded() const;
   std::vector<std::uint32_t> DropRepeatedParts();
   void CrossCrowdedParts();
 

@@ -220,6 +220,7 @@ void EdgeCutter::CrossParts(const LinePair& pair, const std::vector<std::uint32_
 
 // Notes the hits of two lines at their crossing.
 void EdgeCutter::CrossPair(std::uint32_t i, std::uint32_t j) {
+  ZBR_COUNT(pairs, 1);
   const CutLine& a = lines_[i];
   const CutLine& b = lines_[j];
   if (a.from == b.from || a.from == b.to || a.to == b.from || a.to == b.to) return;
@@ -230,14 +231,13 @@ void EdgeCutter::CrossPair(std::uint32_t i, std::uint32_t j) {
 }
 
 void EdgeCutter::QuickCut() {
-  constexpr std::size_t kCrowded = 8;  // parts to a line, on the average
   lengths_.reserve(lines_.size());
   for (const CutLine& line : lines_) lengths_.push_back(std::sqrt(Along(Node(line.from), Node(line.to), Node(line.to))));
   if (!lines_.empty()) PairSearch(*this).Run();
   std::vector<std::uint32_t> begin;
   CutAt(hits_, begin);
   hits_.clear();
-  if (lines_.size() > kCrowded * origins_.size()) {
+  if (AreCrowded()) {
     CrossCrowdedParts();
   } else {
     for (const LinePair& pair : pairs_) CrossParts(pair, begin);

@@ -193,7 +193,7 @@ TEST(Cost, LinesThatRunTogetherCostNoMoreThanTheirPairs) {
   for (const int k : {0, 1}) {
     std::vector<Ring> slivers;
     for (int i = 0; i < (k == 0 ? 50 : 200); ++i) {
-      const auto at = [i](double x, int y) { return ZBR_PT(x, 0.3 * x + 1e-11 * (i * (2 + y) % 5)); };
+      const auto at = [i](double x, int y) { return ZBR_PT(x, 0.3 * x + 1e-13 * (i * (2 + y) % 5)); };
       slivers.push_back({at(std::fmod(i * 0.618, 1.0), 0), at(2.0 + std::fmod(i * 0.414, 1.0), 1), at(1.5 + i * 1e-4, 2)});
     }
     zbr::t_cost = {};
