@@ -34,11 +34,13 @@ Box BoxOf(std::span<const DirectedEdge> edges) {
 }  // namespace
 
 void EdgeCutter::Run(Arrangement::Care care) {
+  const std::uint32_t firstCrossing = vertices_.size();
   if (care == Arrangement::Care::kQuick) {
     QuickCut();
   } else {
     ThoroughCut();
   }
+  if (isFine_) AlignCrossings(firstCrossing);
   NumberVertices();
   MergeLines();
   if (isFine_) return;

@@ -1,9 +1,9 @@
 // Where lines cross, and the parts of a line between the vertices on it.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "arrangement/edge_cutter.h"
-#include "core/cost.h"
 
 namespace zbr {
 
@@ -46,7 +46,6 @@ double RoundedPlace(double p, double d, const Int128& share, const Int128& whole
 
 // The vertex of the crossing, or kNoVertex. Ends that lie on the other line are vertices already, so only proper crossings count.
 std::uint32_t EdgeCutter::Cross(const CutLine& a, const CutLine& b) {
-  ZBR_COUNT(pairs, 1);
   const GridPoint p = Node(a.from);
   const GridPoint q = Node(a.to);
   const GridPoint r = Node(b.from);
@@ -59,6 +58,29 @@ std::uint32_t EdgeCutter::Cross(const CutLine& a, const CutLine& b) {
   const GridPoint node = {RoundedPlace(p.x, q.x - p.x, share, whole, t), RoundedPlace(p.y, q.y - p.y, share, whole, t)};
   const ZBR_PT place = p.Point() + (q.Point() - p.Point()) * t;
   return vertices_.OnNode(node, isFine_ ? vertices_.FromGrid(node.Point()) : TrueCrossing(a, b, place));
+}
+
+// A crossing on an edge that is parallel to an axis has that edge's coordinate, to the bit, and not that of its node.
+void EdgeCutter::AlignCrossings(std::uint32_t firstCrossing) {
+  constexpr double kNone = std::numeric_limits<double>::infinity();
+  std::vector<ZBR_PT> aligned(vertices_.size() - firstCrossing, ZBR_PT(kNone, kNone));
+  if (aligned.empty()) return;
+  for (const CutLine& line : lines_) {
+    const ZBR_PT& p = vertices_.point(origins_[line.origin].from);
+    const ZBR_PT& q = vertices_.point(origins_[line.origin].to);
+    if (p.x() != q.x() && p.y() != q.y()) continue;
+    for (const std::uint32_t v : {line.from, line.to}) {
+      if (v < firstCrossing) continue;
+      ZBR_PT& at = aligned[v - firstCrossing];  // of several edges the least, whatever their order is
+      at = ZBR_PT(p.x() == q.x() ? std::min(at.x(), p.x()) : at.x(), p.y() == q.y() ? std::min(at.y(), p.y()) : at.y());
+    }
+  }
+  const auto nearer = [&](double to, double from) { return std::fabs(to - from) <= vertices_.step() ? to : from; };
+  for (std::uint32_t v = firstCrossing; v < vertices_.size(); ++v) {
+    const ZBR_PT& p = vertices_.point(v);
+    const ZBR_PT& to = aligned[v - firstCrossing];
+    vertices_.SetPoint(v, ZBR_PT(nearer(to.x(), p.x()), nearer(to.y(), p.y())));
+  }
 }
 
 // The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.

@@ -64,6 +64,7 @@ class EdgeCutter {
   void AppendParts(const CutLine& line, std::vector<std::uint32_t>& hits, std::vector<CutLine>& next) const;
   std::uint32_t Cross(const CutLine& a, const CutLine& b);
   ZBR_PT TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT& place) const;
+  void AlignCrossings(std::uint32_t firstCrossing);
 
   // thorough_cut.cpp
   struct PlaceGroups;
@@ -92,7 +93,13 @@ class EdgeCutter {
   void LookAtPair(std::uint32_t i, std::uint32_t j);
   void NoteReached(std::uint32_t line, std::uint32_t vertex, double side);
   void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);
+  void CrossPair(std::uint32_t i, std::uint32_t j);
   void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
+
+  // crowded_cut.cpp
+  bool AreCrowded() const;
+  std::vector<std::uint32_t> DropRepeatedParts();
+  void CrossCrowdedParts();
 
   Arrangement& out_;
   VertexSet vertices_;

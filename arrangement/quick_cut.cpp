@@ -214,16 +214,20 @@ void EdgeCutter::CrossParts(const LinePair& pair, const std::vector<std::uint32_
   const LinePair as = areWhole ? LinePair{begin[pair.a], begin[pair.a + 1]} : ofA.Beside(origins_[pair.b]);
   for (std::uint32_t i = as.a; i < as.b; ++i) {
     const LinePair bs = ofB.Beside(lines_[i]);
-    for (std::uint32_t j = bs.a; j < bs.b; ++j) {
-      const CutLine& a = lines_[i];
-      const CutLine& b = lines_[j];
-      if (a.from == b.from || a.from == b.to || a.to == b.from || a.to == b.to) continue;
-      const std::uint32_t vertex = Cross(a, b);
-      if (vertex == kNoVertex) continue;
-      if (vertex != a.from && vertex != a.to) hits_.push_back({i, vertex});
-      if (vertex != b.from && vertex != b.to) hits_.push_back({j, vertex});
-    }
+    for (std::uint32_t j = bs.a; j < bs.b; ++j) CrossPair(i, j);
   }
+}
+
+// Notes the hits of two lines at their crossing.
+void EdgeCutter::CrossPair(std::uint32_t i, std::uint32_t j) {
+  ZBR_COUNT(pairs, 1);
+  const CutLine& a = lines_[i];
+  const CutLine& b = lines_[j];
+  if (a.from == b.from || a.from == b.to || a.to == b.from || a.to == b.to) return;
+  const std::uint32_t vertex = Cross(a, b);
+  if (vertex == kNoVertex) return;
+  if (vertex != a.from && vertex != a.to) hits_.push_back({i, vertex});
+  if (vertex != b.from && vertex != b.to) hits_.push_back({j, vertex});
 }
 
 void EdgeCutter::QuickCut() {
@@ -233,7 +237,11 @@ void EdgeCutter::QuickCut() {
   std::vector<std::uint32_t> begin;
   CutAt(hits_, begin);
   hits_.clear();
-  for (const LinePair& pair : pairs_) CrossParts(pair, begin);
+  if (AreCrowded()) {
+    CrossCrowdedParts();
+  } else {
+    for (const LinePair& pair : pairs_) CrossParts(pair, begin);
+  }
   CutAt(hits_, begin);
 }
 

@@ -159,11 +159,21 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
 
 // Makes a vertex of every crossing.
 void EdgeCutter::AddCrossings() {
+  const bool areCrowded = AreCrowded();
+  std::vector<CutLine> all;
+  if (areCrowded) {
+    all = lines_;
+    DropRepeatedParts();
+  }
   const BoxTree tree = TreeOverLines(0.0, 1);
   BoxJoin::Run(tree, tree, [this](std::uint32_t i, std::span<const std::uint32_t> hits) {
-    for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) Cross(lines_[i], lines_[*j]);
+    for (auto j = std::upper_bound(hits.begin(), hits.end(), i); j != hits.end(); ++j) {
+      ZBR_COUNT(pairs, 1);
+      Cross(lines_[i], lines_[*j]);
+    }
     return true;
   });
+  if (areCrowded) lines_.swap(all);
 }
 
 void EdgeCutter::ThoroughCut() {

@@ -47,6 +47,8 @@ class VertexSet {
   std::uint32_t size() const { return static_cast<std::uint32_t>(nodes_.size()); }
   GridPoint node(std::uint32_t vertex) const { return nodes_[vertex]; }
   const ZBR_PT& point(std::uint32_t vertex) const { return points_[vertex]; }
+  // Has a vertex stand for another point near its node.
+  void SetPoint(std::uint32_t vertex, const ZBR_PT& p) { points_[vertex] = p; }
   const std::vector<GridPoint>& nodes() const { return nodes_; }
   double step() const { return step_; }
 

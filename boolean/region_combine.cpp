@@ -6,8 +6,6 @@
 // only those clusters are arranged that can't be walked.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <limits>
 
 #include <zbr/region.h>
 
@@ -59,17 +57,6 @@ void Arrange(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, std
   }
 }
 
-// The power of two that makes operands of an unusual size ordinary ones, so that the walk takes them, too; mostly 0. That is exact
-// but for coordinates so much smaller than the extent that they vanish against its tolerance.
-int ExponentFor(const Box& bounds) {
-  constexpr int kOrdinary = 128;
-  const double side = std::max(bounds.xmax - bounds.xmin, bounds.ymax - bounds.ymin);
-  if (!(side > 0.0 && side < std::numeric_limits<double>::infinity())) return 0;
-  const double reach = std::max({std::fabs(bounds.xmin), std::fabs(bounds.xmax), std::fabs(bounds.ymin), std::fabs(bounds.ymax)});
-  const int exponent = -std::ilogb(side);
-  return std::abs(exponent) > kOrdinary && std::ilogb(reach) + exponent <= kOrdinary ? exponent : 0;
-}
-
 // Nothing that lies farther apart is near for the walk.
 double ClusterMargin(const WalkScale& scale) {
   constexpr double kTolerances = 16.0;
@@ -85,8 +72,9 @@ class PairWork {
     RegionProgress progress(options, status);
     input_.Clear();
     bool isDone = !input_.Add(a, status) || !input_.Add(b, status) || !progress.GoesOn(0.0);
-    const int exponent = !isDone && IsWalkable(options) ? ExponentFor(input_.bounds()) : 0;
-    if (exponent != 0) input_.Scale(exponent);
+    // The unit of length changes no digit. The walk wants large operands to be ordinary ones, too.
+    if (!isDone && IsWalkable(options)) input_.Scale(input_.OrdinaryExponent());
+    if (!isDone && !IsWalkable(options)) input_.ScaleUp();
     if (!isDone && IsWalkable(options)) {
       isDone = Walk(walk_, input_, ops, results) || Sweep(ops, results, options, progress) ||
                WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
@@ -98,7 +86,7 @@ class PairWork {
         results[k].Clear();
         continue;
       }
-      if (exponent != 0) ZBR_REGION_ACCESS::Scale(results[k], -exponent);
+      ZBR_REGION_ACCESS::Scale(results[k], input_.ExponentBack());
       if (options.canonical) ZBR_REGION_ACCESS::Canonicalize(results[k]);
     }
     return status;

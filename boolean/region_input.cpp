@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <type_traits>
 
@@ -39,9 +40,22 @@ void RegionInput::Clear() {
   ends_.clear();
   bounds_ = Box();
   points_ = 0;
+  exponent_ = 0;
+}
+
+int RegionInput::OrdinaryExponent() const {
+  constexpr int kOrdinary = 128;
+  const double side = std::max(bounds_.xmax - bounds_.xmin, bounds_.ymax - bounds_.ymin);
+  if (!(side > 0.0 && side < std::numeric_limits<double>::infinity())) return 0;
+  const double reach =
+      std::max({std::fabs(bounds_.xmin), std::fabs(bounds_.xmax), std::fabs(bounds_.ymin), std::fabs(bounds_.ymax)});
+  const int exponent = -std::ilogb(side);
+  return std::abs(exponent) > kOrdinary && std::ilogb(reach) + exponent <= kOrdinary ? exponent : 0;
 }
 
 void RegionInput::Scale(int exponent) {
+  if (exponent == 0) return;
+  exponent_ = exponent;
   scaled_.clear();
   scaled_.reserve(points_);
   const auto scale = [exponent](Box& box) {
@@ -61,6 +75,7 @@ void RegionInput::Scale(int exponent) {
 void RegionInput::Choose(const RegionInput& all, std::span<const std::uint32_t> rings) {
   Clear();
   bounds_ = all.bounds_;
+  exponent_ = all.exponent_;
   std::size_t first = 0;  // ring of the second operand
   for (const std::uint32_t r : rings) {
     first += r < all.end(0) ? 1 : 0;
@@ -121,7 +136,8 @@ bool RegionInput::AddRing(RingSpan ring, ZBR_REGION_STATUS& status) {
 double RegionInput::ToleranceFor(const ZBR_REGION_OPTIONS& options) const {
   if (!HasExtent()) return 0.0;
   const double side = std::max(bounds_.xmax - bounds_.xmin, bounds_.ymax - bounds_.ymin);
-  return OverlayTolerance(bounds_, options.tolerance > 0.0 ? std::min(options.tolerance, kLargest) : kRelativeTolerance * side);
+  const double asked = std::ldexp(options.tolerance, exponent_);
+  return OverlayTolerance(bounds_, options.tolerance > 0.0 ? std::min(asked, kLargest) : kRelativeTolerance * side);
 }
 
 }  // namespace zbr

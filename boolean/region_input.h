@@ -26,8 +26,15 @@ class RegionInput {
   // Appends the rings of an operand. False, with the status telling the place, when the arrays are faulty.
   bool Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status);
 
-  // Multiplies all points, as copies of its own, by a power of two.
+  // The power of two that makes operands of an unusual size ordinary ones; mostly 0. Multiplying by it is exact but for coordinates
+  // so much smaller than the extent that they vanish against its tolerance; with a positive one always.
+  int OrdinaryExponent() const;
+  // Multiplies all points, as copies of its own, by a power of two. Once, after the last operand.
   void Scale(int exponent);
+  // The same with that of operands whose squared lengths would underflow.
+  void ScaleUp() { Scale(std::max(OrdinaryExponent(), 0)); }
+  // What results are to be multiplied by.
+  int ExponentBack() const { return -exponent_; }
   // Becomes some rings of two operands, whose numbers ascend, with the bounds and so the tolerance of all.
   void Choose(const RegionInput& all, std::span<const std::uint32_t> rings);
 
@@ -60,6 +67,7 @@ class RegionInput {
   std::vector<std::size_t> ends_;
   Box bounds_;
   std::size_t points_ = 0;
+  int exponent_ = 0;
 };
 
 // Whether the offsets ascend and stay within their arrays.
@@ -131,6 +139,7 @@ class ZBR_REGION_ACCESS {
   }
   static void Append(ZBR_REGION& region, const ZBR_REGION& more);
   static void Scale(ZBR_REGION& region, int exponent) {
+    if (exponent == 0) return;
     for (ZBR_PT& p : region.points_) p = zbr::Scaled(p, exponent);
   }
   // Appends the polygon of a nested loop, its points taken by `pointOf`.
@@ -168,9 +177,11 @@ ZBR_REGION_STATUS FormOfOne(const ZBR_REGION_VIEW& operand, ZBR_REGION& result, 
   RegionInput input;
   RegionProgress progress(options, status);
   if (input.Add(operand, status) && progress.GoesOn(0.0)) {
+    input.ScaleUp();
     auto arranged = arrange(input, input.ToleranceFor(options));
     status.exact = true;
     if (progress.GoesOn(kShareOfArranging)) ZBR_REGION_ACCESS::SetResult(result, form(arranged), input, options, status);
+    ZBR_REGION_ACCESS::Scale(result, input.ExponentBack());
   }
   if (status.code != ZBR_REGION_OK) result.Clear();
   return status;

@@ -61,14 +61,18 @@ ZBR_REGION_STATUS zbrSimplifyRegion(const ZBR_REGION_VIEW& rings, double toleran
     result.Clear();
     return status;
   }
-  const double width = tolerance > 0.0 ? tolerance : 0.0;  // not NaN
+  input.ScaleUp();
+  const double width = tolerance > 0.0 ? std::ldexp(tolerance, -input.ExponentBack()) : 0.0;  // not NaN
   for (const zbr::RingSpan& ring : input.rings()) {
     const std::vector<std::uint32_t> corners = zbr::SimplifiedRing(ring, 0.0, width);
     if (corners.size() > 2) simple.AddRing(zbr::PointsAt(ring, corners));
   }
   ZBR_REGION_OPTIONS withoutSources = options;
   withoutSources.sources = false;
-  return zbrMakeValidRegion(simple.view(), result, withoutSources);
+  withoutSources.tolerance = std::ldexp(options.tolerance, -input.ExponentBack());
+  status = zbrMakeValidRegion(simple.view(), result, withoutSources);
+  ZBR_REGION_ACCESS::Scale(result, input.ExponentBack());
+  return status;
 }
 
 ZBR_REGION_STATUS zbrNestRegion(const ZBR_REGION_VIEW& rings, std::vector<std::int32_t>& depths,
@@ -78,6 +82,7 @@ ZBR_REGION_STATUS zbrNestRegion(const ZBR_REGION_VIEW& rings, std::vector<std::i
   depths.clear();
   parents.clear();
   if (!input.Add(rings, status)) return status;
+  input.ScaleUp();
   std::vector<std::shared_ptr<ZBR_LOOP>> loops;
   for (const zbr::RingSpan& ring : input.rings()) loops.push_back(OrientedLoopOf(ring, 0));
   // Largest first, as nesting wants them; a ring without area holds none and lies in none.

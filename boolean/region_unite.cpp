@@ -196,7 +196,11 @@ ZBR_REGION_STATUS zbrCoverRegions(const ZBR_REGION_VIEW* regions, std::size_t co
   zbr::RegionProgress progress(options, status);
   bool isDone = !progress.GoesOn(0.0);
   for (std::size_t i = 0; i < count && !isDone; ++i) isDone = !input.Add(regions[i], status);
-  if (!isDone) zbr::Cover(input, std::max(times, 1), result, options, status, progress);
+  if (!isDone) {
+    input.ScaleUp();
+    zbr::Cover(input, std::max(times, 1), result, options, status, progress);
+    ZBR_REGION_ACCESS::Scale(result, input.ExponentBack());
+  }
   if (status.code != ZBR_REGION_OK) result.Clear();
   return status;
 }

@@ -186,6 +186,25 @@ TEST(Cost, OneBadPartLeavesTheOthersToTheWalk) {
   }
 }
 
+// Slivers along one line, within the tolerance of each other: each is led through the ends of all, but the pairs of what they
+// become are not looked at one by one.
+TEST(Cost, LinesThatRunTogetherCostNoMoreThanTheirPairs) {
+  double pairs[2] = {};
+  for (const int k : {0, 1}) {
+    std::vector<Ring> slivers;
+    for (int i = 0; i < (k == 0 ? 50 : 200); ++i) {
+      const auto at = [i](double x, int y) { return ZBR_PT(x, 0.3 * x + 1e-13 * (i * (2 + y) % 5)); };
+      slivers.push_back({at(std::fmod(i * 0.618, 1.0), 0), at(2.0 + std::fmod(i * 0.414, 1.0), 1), at(1.5 + i * 1e-4, 2)});
+    }
+    zbr::t_cost = {};
+    ZBR_REGION result;
+    zbrMakeValidRegion(RegionFor(slivers).view(), result);
+    pairs[k] = static_cast<double>(zbr::t_cost.pairs);
+  }
+  std::printf("[ counted  ] %10.0f %10.0f\n", pairs[0], pairs[1]);
+  EXPECT_LE(pairs[1], 1.5 * 16 * pairs[0]);
+}
+
 INSTANTIATE_TEST_SUITE_P(Families, CostOf,
                          testing::Values(Family{"stars", Stars, 500}, Family{"combs", Combs, 500}, Family{"tiles", Tiles, 400},
                                          Family{"nest", NestSquares, 400}, Family{"locate", Locate, 500}, Family{"clip", Clip, 500},
