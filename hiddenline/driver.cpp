@@ -15,6 +15,7 @@
 
 #include "core/assert.h"
 #include "core/constants.h"
+#include "core/prefetch.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/check.h"
 #include "hiddenline/driver.h"
@@ -68,8 +69,14 @@ class EdgeSearch {
     const ZBR_PT3& p = t_.pt[edge_];
     const ZBR_PT3& q = t_.pt[(edge_ + 1) % 3];
     const OccluderTree& tree = shell_.occluders->tree;
-    tree.Search(tree.MakeQuery(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin), std::min(p.z(), q.z()) - kBoxMargin),
-                [this](int position) { return Try(position); });
+    tree.Search(
+        tree.MakeQuery(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin), std::min(p.z(), q.z()) - kBoxMargin),
+        [this](int position) { return Try(position); },
+        [this](int position) {
+          const ZBR_HL_TRI& o = shell_.tris[position];
+          PrefetchObject(o.normal);
+          PrefetchObject(o.pt);
+        });
   }
 
  private:
@@ -79,6 +86,7 @@ class EdgeSearch {
     unsigned front = 0;
     unsigned on = 0;
     if (!look_.CanHide(o, front, on) || o.IsTriSkip() || &o == &t_ || met_.Has(position)) return true;
+    if (look_.IsHiddenAlready(o, t_.intvl_v[edge_])) return true;
     ++pass_.pairs;
     const Scratch& lists = pass_.lists;
     VisibleParts(t_, edge_, front, on, o, lists.result, lists);
@@ -145,7 +153,7 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
 std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists) {
   Pass pass{lists};
   for (unsigned i = range.begin; i < range.end; ++i) {
-    ZBR_HL_TRI& t = a.tris[i];
+    ZBR_HL_TRI& t = a.tris[range.At(i)];
     if (!t.any_edge_visible) continue;
     if (by.search != nullptr) {
       by.search->Find(BoxOf(t), t.min_z, by.ranks, by.shells);

@@ -22,8 +22,12 @@ void PrepareWhole(ZBR_HL_SHELL& shell);
 // The shell's own pass, with all that it still lacks (but the index) made before. The quadtree is built as well.
 void HideInItself(ZBR_HL_SHELL& shell);
 
+// Some of a shell's triangles: places in its array or, if there is one, in an order of them.
 struct TriangleRange {
   unsigned begin, end;
+  const std::vector<unsigned>* order = nullptr;
+
+  unsigned At(unsigned place) const { return order == nullptr ? place : (*order)[place]; }
 };
 
 // The shells, each of them prepared, that hide something; with a search, those that it finds for each triangle, which take the

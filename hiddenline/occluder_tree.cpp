@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "core/prefetch.h"
 #include "core/radix_sort.h"
 #include "core/small_sort.h"
 #include "hiddenline/float_key.h"
@@ -204,6 +205,11 @@ void OccluderTree::Build(std::span<const ZBR_HL_TRI> triangles, const Extents& b
   };
   fill(0, order.size(), [&](std::size_t i) {
     const int position = order[i].position;
+    if (i + kItemsAhead < order.size()) {
+      const ZBR_HL_TRI& ahead = triangles[static_cast<std::size_t>(order[i + kItemsAhead].position)];
+      Prefetch(&ahead.max_x);
+      Prefetch(&ahead.min_z);
+    }
     return LaneOf(ExtentsOf(triangles[static_cast<std::size_t>(position)]), position);
   });
   std::size_t begin = 0;

@@ -37,12 +37,19 @@ class OccluderTree {
   // Of those triangles that are not invalid, all of which lie within the bounds.
   void Build(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds, const Sharing& sharing);
   bool empty() const { return nodes_.empty(); }
+  // Calls visit(position) for all triangles, neighbours in space one after the other.
+  template <class Visit>
+  void ForEach(Visit visit) const;
   Query MakeQuery(const Box& box, double z) const;
 
   // Visits triangles whose boxes meet the query, roughly from the highest down, by position. `visit` returns false to end the
-  // search.
+  // search. `announce` is called for the few that will be visited next.
+  template <class Visit, class Announce>
+  void Search(const Query& query, Visit visit, Announce announce) const;
   template <class Visit>
-  void Search(const Query& query, Visit visit) const;
+  void Search(const Query& query, Visit visit) const {
+    Search(query, visit, [](int) {});
+  }
 
  private:
   struct alignas(16) Node {
@@ -65,6 +72,16 @@ class OccluderTree {
   std::vector<Node> nodes_;  // the root last
 };
 
+template <class Visit>
+void OccluderTree::ForEach(Visit visit) const {
+  for (const Node& node : nodes_) {
+    if (node.child[0] >= 0) return;  // no longer one of the lowest nodes
+    for (std::size_t i = 0; i < kFanOut; ++i) {
+      if (node.xmin[i] <= node.xmax[i]) visit(~node.child[i]);
+    }
+  }
+}
+
 inline unsigned OccluderTree::Hits(const Node& node, const Query& q) {
 #if defined(__SSE__)
   const auto load = [](const std::array<float, kFanOut>& a) { return _mm_load_ps(a.data()); };
@@ -85,8 +102,8 @@ inline unsigned OccluderTree::Hits(const Node& node, const Query& q) {
 #endif
 }
 
-template <class Visit>
-void OccluderTree::Search(const Query& query, Visit visit) const {
+template <class Visit, class Announce>
+void OccluderTree::Search(const Query& query, Visit visit, Announce announce) const {
   if (empty()) return;
   std::int32_t stack[64];  // three siblings wait per level, and sixteen levels hold more than there are ints
   int depth = 0;
@@ -102,6 +119,9 @@ void OccluderTree::Search(const Query& query, Visit visit) const {
         stack[depth++] = node.child[last];
       }
     } else {
+      for (unsigned left = hits; left != 0; left &= left - 1U) {
+        announce(~node.child[static_cast<unsigned>(std::countr_zero(left))]);
+      }
       for (; hits != 0; hits &= hits - 1U) {
         if (!visit(~node.child[static_cast<unsigned>(std::countr_zero(hits))])) return;
       }

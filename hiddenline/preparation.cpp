@@ -61,8 +61,15 @@ class Checker {
   bool number_;
 };
 
+bool Draws(const ZBR_HL_TRI& t) {
+  bool draws = false;
+  for (int i = 0; i < 3; ++i) draws = draws || (t.edge_state[i] == kGeneral && t.dispj[i]);
+  return draws;
+}
+
 // Returns what the triangles lie within.
-Bounds CheckAll(ZBR_HL_SHELL& shell, const Sharing& sharing) {
+Bounds CheckAll(ZBR_HL_SHELL& shell, const Sharing& sharing, std::vector<char>* draws) {
+  if (draws != nullptr) draws->resize(shell.count);
   Checker checker(shell);
   std::vector<Bounds> bounds(Sharing::PieceCount(shell.count, kPiece));
   sharing.InPieces(shell.count, kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
@@ -70,6 +77,7 @@ Bounds CheckAll(ZBR_HL_SHELL& shell, const Sharing& sharing) {
       if (!shell.maxmin_valid) shell.tris[i].GetMaxMin();
       checker.Check(i);
       bounds[piece].Add(shell.tris[i]);
+      if (draws != nullptr) (*draws)[i] = Draws(shell.tris[i]) ? 1 : 0;
     }
   });
   checker.Finish();
@@ -95,8 +103,8 @@ void SetExtents(ZBR_HL_SHELL& shell, const Extents& e) {
   shell.maxmin_valid = true;
 }
 
-void PrepareShell(ZBR_HL_SHELL& shell, const Sharing& sharing) {
-  const Bounds bounds = CheckAll(shell, sharing);
+void PrepareShell(ZBR_HL_SHELL& shell, const Sharing& sharing, std::vector<char>* draws) {
+  const Bounds bounds = CheckAll(shell, sharing, draws);
   if (!shell.maxmin_valid) SetExtents(shell, bounds.usable);
   if (shell.quad_built) return;
   if (!shell.order.empty()) {  // of a former tree, which would lead astray

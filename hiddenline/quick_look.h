@@ -2,18 +2,21 @@
 //
 // Of the triangles whose boxes meet an edge's, most leave it whole: they lie behind it, or beside it in projection. QuickLook says
 // so only where every decision of the full rule is far from its tolerance, so that the full rule would say the same; in all other
-// cases it asks for the full rule. "Far" is a distance of twice the tolerance and, where a cut of the edge at a plane could bend
-// the line on which the rule then decides, an angle of 1e-4: with coordinates up to 1000 and an edge longer than a millionth of its
-// coordinates, a cut that leaves a ten-thousandth of the edge on either side bends it less than a tenth of that.
+// cases it asks for the full rule. The same goes for triangles that hide nothing but what others hide already. "Far" is a distance
+// of twice the tolerance and, where a cut of the edge at a plane could bend the line on which the rule then decides, an angle of
+// 1e-4: with coordinates up to 1000 and an edge longer than a millionth of its coordinates, a cut that leaves a ten-thousandth of
+// the edge on either side bends it less than a tenth of that.
 #pragma once
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include <zbr/hidden_line.h>
 
 #include "core/constants.h"
 #include "core/planar_inline.h"
+#include "hiddenline/interval.h"
 #include "hiddenline/occlusion.h"
 
 namespace zbr {
@@ -27,7 +30,8 @@ class QuickLook {
   }
 
   // False when the edge certainly stays whole. front and on receive the ends of the edge in front of and on the triangle's plane.
-  bool CanHide(const ZBR_HL_TRI& o, unsigned& front, unsigned& on) const {
+  bool CanHide(const ZBR_HL_TRI& o, unsigned& front, unsigned& on) {
+    apex_ = -1;
     double dp = o.normal.distance(p_);
     double dq = o.normal.distance(q_);
     if (o.clockwise) {
@@ -46,31 +50,58 @@ class QuickLook {
     return !IsBeside(o);
   }
 
+  // Of the triangle last asked about, which can hide something: whether all of that is clearly hidden already, so that the full
+  // rule would leave the visible parts as they are. The line of the edge has to cross two of its sides clearly, and in between is
+  // all that it can hide. As the rule decides within the tolerance on which side of a side's line an end lies, it is up to the
+  // tolerance wrong across that line, and along the edge more, the less the two are inclined.
+  bool IsHiddenAlready(const ZBR_HL_TRI& o, const Intervals& visible) const {
+    if (apex_ < 0) return false;
+    const ZBR_PT& a = o.pt[apex_].xy();
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (const int k : {(apex_ + 1) % 3, (apex_ + 2) % 3}) {
+      const ZBR_PT side = o.pt[k].xy() - a;
+      const double rise = crosses_[k] - crosses_[apex_];  // not 0, as the two lie on different sides
+      const double at = along_.InnerProduct(a - p_.xy() - side * (crosses_[apex_] / rise)) / length2_;
+      const double margin = kLeastPart + kWide * side.Length() / std::fabs(rise);
+      low = std::min(low, at - margin);
+      high = std::max(high, at + margin);
+    }
+    return std::all_of(visible.begin(), visible.end(),
+                       [&](const ZBR_HL_INTERVAL& v) { return v.e.t - v.s.t > kLeastPart && (v.e.t < low || v.s.t > high); });
+  }
+
  private:
   static constexpr double kFar2 = 4.0 * kOcclusionEps * kOcclusionEps;
   static constexpr double kClearAngle = 1e-4;
   static constexpr double kClearAngle2 = 1e-8;
   static constexpr double kLargestSize = 1e3;
   static constexpr double kLeastLength = 1e-6;  // of an edge, in its coordinates
+  static constexpr double kWide = 4.0 * kOcclusionEps;
+  static constexpr double kLeastPart = 10.0 * kOcclusionEps;  // of an edge; the rule drops parts of less than a tenth of that
 
-  // Whether the stretch certainly projects outside o.
-  bool IsBeside(const ZBR_HL_TRI& o) const {
+  // Whether the stretch certainly projects outside o. Sets apex_ when it is as certain that its line runs through o.
+  bool IsBeside(const ZBR_HL_TRI& o) {
     int sides[3];
     int sum = 0;
     int off = 0;
     for (int k = 0; k < 3; ++k) {
-      if (!ClearSide(o.pt[k].xy(), sides[k])) return false;
+      if (!ClearSide(o.pt[k].xy(), sides[k], crosses_[k])) return false;
       sum += sides[k];
       off += sides[k] * sides[k];
     }
     if (sum == off || sum == -off) return off >= 2;
-    return off == 3 && IsBeyondApex(o, sides[0] == sides[1] ? 2 : sides[0] == sides[2] ? 1 : 0);
+    if (off != 3) return false;
+    const int apex = sides[0] == sides[1] ? 2 : sides[0] == sides[2] ? 1 : 0;
+    if (IsBeyondApex(o, apex)) return true;
+    apex_ = apex;
+    return false;
   }
 
   // The side of the edge's line on which v lies, 0 for an end of the edge itself; false when that is not clear.
-  bool ClearSide(const ZBR_PT& v, int& side) const {
+  bool ClearSide(const ZBR_PT& v, int& side, double& c) const {
     const ZBR_PT w = v - p_.xy();
-    const double c = Cross(along_, w);
+    c = Cross(along_, w);
     const double c2 = c * c;
     side = c > 0.0 ? 1 : -1;
     if (c2 > length2_ * (kFar2 + kClearAngle2 * w.Length2())) return true;
@@ -107,6 +138,9 @@ class QuickLook {
   double length2_;
   double contact_;
   bool reliable_;
+  // Of the triangle last asked about:
+  int apex_ = -1;              // the vertex that the line of the edge parts from the others; -1: that is not clear
+  double crosses_[3] = {0.0};  // of vertices: cross product with the edge
 };
 
 }  // namespace zbr

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -17,6 +18,7 @@
 #include "core/constants.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
+#include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/preparation.h"
 #include "hiddenline/sharing.h"
@@ -78,12 +80,14 @@ bool IsReady(const ZBR_HL_SHELL& shell) {
   return shell.count == 0 || shell.prepared || shell.done;
 }
 
-std::vector<Piece> PiecesOf(const ZBR_HL_SHELL* shells, unsigned count) {
+// Of `shells` shells of which each has so many triangles to go through.
+template <class CountOf>
+std::vector<Piece> PiecesOf(unsigned shells, CountOf countOf) {
   constexpr unsigned kAll = std::numeric_limits<unsigned>::max();
   std::vector<Piece> pieces;
   unsigned filled = kPiece;  // of the last piece
-  for (unsigned s = 0; s < count; ++s) {
-    const unsigned n = shells[s].count;
+  for (unsigned s = 0; s < shells; ++s) {
+    const unsigned n = countOf(s);
     if (n < kPiece - filled) {
       pieces.back().endShell = s + 1;
       filled += n;
@@ -102,66 +106,98 @@ std::vector<Piece> PiecesOf(const ZBR_HL_SHELL* shells, unsigned count) {
 
 class Remover {
  public:
-  Remover(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), pairs_(count), alone_(count), bare_(count) {
-    for (unsigned i = 0; i < count; ++i) alone_[i] = shells[i].done ? 1 : 0;
+  Remover(ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), states_(count) {
+    for (unsigned i = 0; i < count; ++i) states_[i].isAlone = shells[i].done;
   }
 
   // A small shell is hidden by itself at once, while it is in the cache.
   void Prepare(std::size_t i, const zbr::Sharing& sharing) {
     ZBR_HL_SHELL& shell = shells_[i];
     if (!IsReady(shell)) {
-      zbr::PrepareShell(shell, sharing);
+      std::vector<char> draws;
+      zbr::PrepareShell(shell, sharing, shell.count > kPiece ? &draws : nullptr);
       shell.prepared = true;
-      bare_[i] = 1;
+      states_[i].isBare = true;
+      if (!draws.empty() && !shell.quad_built) PutInOrder(i, draws);  // not where the tree is a former one
     }
     if (shell.done || shell.count > kPiece) return;
     const zbr::ToleranceScope scope(zbr::kOcclusionEps);
     zbr::Occluding by;
     zbr::OwnLists own;
     HideAlone(i, {0, shell.count}, by, own.Lend(zbr::ContactOf(shell)));
-    alone_[i] = 1;
+    states_[i].isAlone = true;
   }
 
-  // Removes from the triangles of a piece what hides them. Returns how many there are.
+  // The triangles of a prepared shell to go through.
+  unsigned CountOf(unsigned i) const {
+    const auto& order = states_[i].order;
+    return order == nullptr ? shells_[i].count : static_cast<unsigned>(order->size());
+  }
+
+  // Removes from the triangles of a piece what hides them. Returns how many there are, those passed over included.
   double Remove(const Piece& piece, const zbr::ShellSearch& search) {
     const zbr::ToleranceScope scope(zbr::kOcclusionEps);
     zbr::OwnLists own;
     zbr::Occluding by;
     double triangles = 0.0;
     for (unsigned s = piece.firstShell; s < piece.endShell; ++s) {
+      const unsigned count = CountOf(s);
+      if (count == 0) triangles += shells_[s].count;
+      if (count == 0) continue;
       ZBR_HL_SHELL& shell = shells_[s];
-      const zbr::TriangleRange range{piece.range.begin, std::min(piece.range.end, shell.count)};
+      State& state = states_[s];
+      const zbr::TriangleRange range{piece.range.begin, std::min(piece.range.end, count), state.order.get()};
       const zbr::Scratch lists = own.Lend(zbr::ContactOf(shell));
-      if (alone_[s] == 0) HideAlone(s, range, by, lists);
+      if (!state.isAlone) HideAlone(s, range, by, lists);
       zbr::FindOthersNear(shell, search, by);
-      pairs_[s] += zbr::HideTriangles(shell, range, by, lists);
-      triangles += range.end - range.begin;
+      state.pairs += zbr::HideTriangles(shell, range, by, lists);
+      triangles += static_cast<double>(range.end - range.begin) / count * shell.count;
     }
     return triangles;
   }
 
   void Finish() {
-    for (std::size_t s = 0; s < pairs_.size(); ++s) {
-      shells_[s].pairs_tried += pairs_[s];
+    for (std::size_t s = 0; s < states_.size(); ++s) {
+      shells_[s].pairs_tried += states_[s].pairs;
       shells_[s].done = true;
     }
   }
 
  private:
+  // Of a shell.
+  struct State {
+    bool isAlone = false;                          // hidden by itself
+    bool isBare = false;                           // its edges have no intervals before that
+    std::unique_ptr<std::vector<unsigned>> order;  // of a large one: what it is gone through in
+    std::atomic<std::uint64_t> pairs{0};
+  };
+
+  // Of the triangles that have something to draw. In the order of the tree each edge meets the occluders of the one before: of a
+  // gear of 200,000 triangles seen along its axis, with steep walls under each other, that is a third of the time.
+  void PutInOrder(std::size_t i, const std::vector<char>& draws) {
+    const ZBR_HL_SHELL& shell = shells_[i];
+    auto& order = *(states_[i].order = std::make_unique<std::vector<unsigned>>());
+    const auto add = [&](std::size_t position) {
+      if (draws[position] != 0) order.push_back(static_cast<unsigned>(position));
+    };
+    shell.occluders->tree.ForEach([&](int position) { add(static_cast<std::size_t>(position)); });
+    const auto count = static_cast<std::size_t>(std::count(draws.begin(), draws.end(), 1));
+    for (std::size_t k = 0; order.size() < count; ++k) {
+      if (shell.tris[k].IsTriInvalid()) add(k);
+    }
+  }
+
   void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {
-    if (bare_[i] != 0) {
-      for (unsigned t = range.begin; t < range.end; ++t) zbr::GiveIntervals(shells_[i].tris[t]);
+    if (states_[i].isBare) {
+      for (unsigned k = range.begin; k < range.end; ++k) zbr::GiveIntervals(shells_[i].tris[range.At(k)]);
     }
     by.shells.assign(1, &shells_[i]);
     by.search = nullptr;
-    pairs_[i] += zbr::HideTriangles(shells_[i], range, by, lists);
+    states_[i].pairs += zbr::HideTriangles(shells_[i], range, by, lists);
   }
 
   ZBR_HL_SHELL* shells_;
-  // By shell:
-  std::vector<std::atomic<std::uint64_t>> pairs_;
-  std::vector<char> alone_;  // hidden by itself
-  std::vector<char> bare_;   // edges have no intervals before that
+  std::vector<State> states_;
 };
 
 // On every way out no shell is left prepared: those that are not done by then start afresh.
@@ -210,7 +246,7 @@ bool ZBR_HiddenLine::RemoveAll(ZBR_HL_SHELL* shells, unsigned count, const ZBR_H
   Runner runner(options, TrianglesOf(shells, count));
   Remover remover(shells, count);
   if (!PrepareAll(shells, count, runner, remover)) return false;
-  const std::vector<Piece> pieces = PiecesOf(shells, count);
+  const std::vector<Piece> pieces = PiecesOf(count, [&](unsigned s) { return remover.CountOf(s); });
   const zbr::ShellSearch search({shells, count});
   const auto remove = [&](std::size_t i) { return (1.0 - kPreparingShare) * remover.Remove(pieces[i], search); };
   if (!runner.Run(pieces.size(), remove)) return false;

@@ -2,6 +2,7 @@
 // then hide each other; tolerance guards that exceptions unwind.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
@@ -110,6 +111,39 @@ TEST(SharedInput, ShellsOfOneSceneHideEachOther) {
     }
   });
   EXPECT_EQ(StateText(shells), StateText(expected));
+}
+
+// A shell so large that its preparation is shared out, too, goes to as many threads as the caller likes. Lines without width, which
+// no tree holds, are part of it.
+TEST(SharedInput, OneShellInPieces) {
+  const auto draw = [](unsigned threads) {
+    Drawing drawing = Draw({example::Gear(40000)}, *zbr::drawing::NamedView("dimetric"));
+    std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+    for (unsigned k = 0; k < 5; ++k) {
+      ZBR_HL_TRI& line = shells[0].tris[1000 * k];
+      line.pt[2] = line.pt[1];
+      line.dispj[0] = true;
+    }
+    if (threads == 0) {
+      ZBR_HiddenLine::HiddenLine_Shells(shells.data(), 1);
+      return StateText(shells);
+    }
+    ZBR_HL_REMOVAL options;
+    options.executor = [threads](std::size_t n, const std::function<void(std::size_t)>& work) {
+      std::atomic<std::size_t> next{0};
+      std::vector<std::thread> all;
+      for (unsigned k = 0; k < threads; ++k) {
+        all.emplace_back([&] {
+          for (std::size_t i = next++; i < n; i = next++) work(i);
+        });
+      }
+      for (std::thread& thread : all) thread.join();
+    };
+    EXPECT_TRUE(ZBR_HiddenLine::RemoveAll(shells.data(), 1, options));
+    return StateText(shells);
+  };
+  const std::string expected = draw(0);
+  for (const unsigned threads : {1U, 2U, 4U}) EXPECT_TRUE(draw(threads) == expected) << threads << " threads";
 }
 
 }  // namespace
