@@ -11,6 +11,9 @@
 namespace zbr::drawing {
 namespace {
 
+// Cosine of the angle up to which a rough surface may be a smooth one all the same, whatever of it is drawn as creases.
+constexpr double kSharp = 0.5;
+
 double AngleAt(const ZBR_ZBREPT& t, std::size_t i) {
   const ZBR_PT3 &p = VertexOf(t, i).GetPt(), a = VertexOf(t, (i + 1) % 3).GetPt() - p, b = VertexOf(t, (i + 2) % 3).GetPt() - p;
   const double size = a.Length() * b.Length();
@@ -28,7 +31,10 @@ std::uint32_t CornerAt(const ZBR_ZBREPT& t, const ZBR_ZBREPV& vertex) {
 
 bool IsSmoothAcross(const Model& model, std::size_t shell, const ZBR_ZBREPE& edge) {
   const EdgeNote note = model.Note(shell, edge);
-  return !edge.GetShow() && !note.isJunction && !note.isSameWay && edge.GetTriangle1() != nullptr;
+  if (note.isJunction || note.isSameWay || edge.GetTriangle1() == nullptr) return false;
+  if (!edge.GetShow() || !model.isRough) return !edge.GetShow();
+  const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[shell];
+  return normals[edge.GetTriangle0()->GetIndex()].InnerProduct(normals[edge.GetTriangle1()->GetIndex()]) > kSharp;
 }
 
 SmoothNormals SmoothNormalsOf(const Model& model, std::size_t shell) {

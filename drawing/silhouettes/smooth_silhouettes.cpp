@@ -25,23 +25,6 @@ namespace {
 // In widths of a facet.
 constexpr double kNearer = 2.0;
 
-// Twice the area over the longest side.
-double WidthOf(const ZBR_HL_TRI& t) {
-  double longest2 = 0.0;
-  for (int i = 0; i < 3; ++i) longest2 = std::max(longest2, (t.pt[(i + 1) % 3] - t.pt[i]).Length2());
-  return longest2 > 0 ? (t.pt[1] - t.pt[0]).OuterProduct(t.pt[2] - t.pt[0]).Length() / std::sqrt(longest2) : 0.0;
-}
-
-// Of a triangle and its neighbours: beside the silhouette there may be slivers.
-double WidthAround(const Scene& scene, const Model& model, std::uint32_t t) {
-  double width = WidthOf(scene.triangles[t]);
-  const std::size_t begin = model.shellBegin[model.ShellOf(t)];
-  for (const int adjacent : scene.triangles[t].adj) {
-    if (adjacent >= 0) width = std::max(width, WidthOf(scene.triangles[begin + static_cast<std::size_t>(adjacent)]));
-  }
-  return width;
-}
-
 // How far a surface with this normal, outwards, turns to the viewer. One that is seen edge-on does not, whatever rounding says:
 // where it ends below in a crease there is nothing beyond that turns away, and the curve runs over it all the same.
 double Towards(const ZBR_PT3& normal, const View& view, Facing facing) {
@@ -116,14 +99,15 @@ void SmoothSilhouettes::AddTo(std::vector<IntersectionLine>& lines) {
   lines.insert(lines.end(), lines_.begin(), lines_.end());
 }
 
-// Where an edge is a crease as well no curve runs over it, and it stays.
-void SmoothSilhouettes::PutInto(const Model& model, Scene& scene) const {
+// Where the surface bends at an edge no curve runs over it, and it stays.
+void SmoothSilhouettes::PutInto(const Model& model, Scene& scene) {
   const std::size_t facets = scene.TriangleCount();
   for (std::size_t s = 0; s < model.ShellCount(); ++s) {
     for (std::size_t t = model.shellBegin[s]; t < model.shellBegin[s + 1]; ++t) {
       const ZBR_ZBREPT& record = *model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s]));
       for (std::size_t i = 0; i < 3; ++i) {
-        if (scene.classes[t][i] != EdgeClass::kSilhouette || EdgeOf(record, i).GetShow()) continue;
+        if (scene.classes[t][i] != EdgeClass::kSilhouette || !IsSmoothAcross(model, s, EdgeOf(record, i))) continue;
+        edges_.push_back({static_cast<std::uint32_t>(t), static_cast<std::uint8_t>(i)});
         scene.classes[t][i] = EdgeClass::kSmooth;
         scene.triangles[t].dispj[i] = false;
       }

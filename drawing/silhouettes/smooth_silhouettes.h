@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "drawing/silhouettes/contour.h"
+
 namespace zbr::drawing {
 
 class SmoothSilhouettes {
@@ -18,9 +20,13 @@ class SmoothSilhouettes {
   // Puts them behind the lines of a scene that is to be made.
   void AddTo(std::vector<IntersectionLine>& lines);
   // They take the place of the silhouettes along edges in the scene made with these lines.
-  void PutInto(const Model& model, Scene& scene) const;
+  void PutInto(const Model& model, Scene& scene);
   // Takes them from the scene after the removal as lines, hidden ones where wanted.
   std::vector<Line> TakeFrom(const Model& model, Scene& scene, bool hidden) const;
+  // Where contours are open that the view, as it is by then, has lines of.
+  void CloseContours(const Model& model, const Scene& scene, ViewLines& view) const {
+    drawing::CloseContours(model, scene, edges_, view);
+  }
 
  private:
   // Lines in a row.
@@ -32,7 +38,8 @@ class SmoothSilhouettes {
 
   std::vector<IntersectionLine> lines_;
   std::vector<Curve> curves_;
-  std::size_t first_ = 0;  // of them among the scene's lines
+  std::size_t first_ = 0;       // of them among the scene's lines
+  std::vector<EdgeRef> edges_;  // silhouettes along edges, by their triangles in the scene
 };
 
 }  // namespace zbr::drawing

@@ -80,6 +80,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   AddVisible(lines, std::move(silhouettes));
   if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   if (model.isRough) DropCrumbs(lines);
+  if (view.silhouettes) view.silhouettes->CloseContours(model, view.scene, lines);
   if (!direction.section) return lines;
   lines.extent = view.whole;  // views of one model line up, whatever was cut away
   AddSection(std::move(view.section), direction, lines);

@@ -258,6 +258,25 @@ TEST(SmoothSilhouettes, OfWallsSeenEdgeOn) {
   }
 }
 
+// Around all that a rough body covers there is a line, though creases cut its silhouettes to pieces.
+TEST(SmoothSilhouettes, LeaveNoContourOpen) {
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> noise(-0.035, 0.035);
+  Mesh mesh = example::Torus(3000);
+  for (ZBR_PT3& p : mesh.points) p += ZBR_PT3(noise(random), noise(random), noise(random));
+  const Model model = MakeModel(mesh, 30.0);
+  ASSERT_TRUE(model.isRough);
+  DrawingOptions options;
+  options.smoothSilhouettes = options.outlines = true;
+  options.hidden = HiddenLines::kNone;
+  for (const char* const name : {"top", "front", "iso", "dimetric"}) {
+    const ViewLines view = DrawViews(model, {{name, *NamedView(name)}}, options).front();
+    for (const auto& loop : view.outlines.front()) {
+      for (const ZBR_PT& p : loop->pt()) EXPECT_LT(DistanceTo(view.lines, p), 0.005 * view.extent.Size()) << name;
+    }
+  }
+}
+
 // A step under noise that bends as much as creases do: the step stays, the noise goes.
 TEST(RoughCreases, TheStepStaysAndTheNoiseGoes) {
   constexpr std::uint32_t kCells = 90;

@@ -1,0 +1,226 @@
+// Idea: silhouettes along the edges of facets leave no gap, as the facets are a closed surface themselves; smooth ones lie up to a
+// facet's width beside them, end where creases cut them, and where facets are coarse are taken for hidden. So where the facets' own
+// silhouette parts the body from the empty paper, where nothing can hide it, and no line is drawn as near as a smooth silhouette
+// would be, it is drawn itself, and led on to the lines at its ends.
+#include "drawing/silhouettes/contour.h"
+
+#include <zbr/hidden_line.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <unordered_map>
+#include <utility>
+
+#include "drawing/curves/seen_circles.h"
+#include "drawing/views/chains.h"
+
+namespace zbr::drawing {
+namespace {
+
+// As parts of the drawing's size. How far apart places are looked at, and how far beside the edge; along how much of it one look
+// tells whether there is paper, which costs more; how near a line is in any case, and how far off one may be at all.
+constexpr double kStep = 1e-3;
+constexpr double kBesideEdge = 5e-4;
+constexpr std::size_t kStepsALook = 4;
+constexpr double kNear = 1e-3;
+constexpr double kFar = 5e-3;
+// A smooth silhouette lies that far from the facets' own, in their widths.
+constexpr double kBeside = 0.12;
+// What closes a gap is farthest from other lines in its middle, by half its length if it is straight. Less than this part of it,
+// and it is shorter than that part of the size: then it runs beside a line.
+constexpr double kApart = 0.35;
+constexpr double kShort = 0.01;
+constexpr double kChainTolerance = 1e-3;  // in scene units, as for all lines
+
+// Twice the area over the longest side.
+double WidthOf(const ZBR_HL_TRI& t) {
+  double longest2 = 0.0;
+  for (int i = 0; i < 3; ++i) longest2 = std::max(longest2, (t.pt[(i + 1) % 3] - t.pt[i]).Length2());
+  return longest2 > 0 ? (t.pt[1] - t.pt[0]).OuterProduct(t.pt[2] - t.pt[0]).Length() / std::sqrt(longest2) : 0.0;
+}
+
+ZBR_PT NearestOn(const ZBR_SEG& segment, const ZBR_PT& p) {
+  const ZBR_PT along = segment.e() - segment.s();
+  const double length2 = along.InnerProduct(along);
+  const double t = length2 > 0 ? std::clamp((p - segment.s()).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;
+  return segment.s() + along * t;
+}
+
+// Looks up what is drawn near a place, by square cells as large as the longest way that is looked.
+class DrawnLines {
+ public:
+  DrawnLines(const ViewLines& view, double scale, double reach) : cell_(reach) {
+    for (const Line& line : view.lines) {
+      if (line.hidden) continue;
+      const std::vector<ZBR_PT>& points = line.chain.points;
+      for (std::size_t k = 1; k < points.size(); ++k) Add({points[k - 1] * scale, points[k] * scale});
+    }
+  }
+
+  // The nearest point of a line that is not beyond `reach`, as far as there is one.
+  bool Nearest(const ZBR_PT& p, double reach, ZBR_PT& nearest) const {
+    bool found = false;
+    const std::int64_t x = Cell(p.x()), y = Cell(p.y());
+    for (std::int64_t i = x - 1; i <= x + 1; ++i) {
+      for (std::int64_t j = y - 1; j <= y + 1; ++j) {
+        const auto cell = cells_.find(Key(i, j));
+        if (cell == cells_.end()) continue;
+        for (const std::uint32_t k : cell->second) {
+          const ZBR_PT at = NearestOn(segments_[k], p);
+          const double distance = at.Distance(p);
+          if (distance > reach) continue;
+          reach = distance;
+          nearest = at;
+          found = true;
+        }
+      }
+    }
+    return found;
+  }
+
+ private:
+  std::int64_t Cell(double x) const { return static_cast<std::int64_t>(std::floor(x / cell_)); }
+  static std::uint64_t Key(std::int64_t i, std::int64_t j) {
+    return static_cast<std::uint64_t>(i) << 32U ^ static_cast<std::uint32_t>(j);
+  }
+
+  // Into all cells that it passes: a step of a cell's size may cut the corner of one, which is looked at from next to it.
+  void Add(const ZBR_SEG& segment) {
+    const auto k = static_cast<std::uint32_t>(segments_.size());
+    segments_.push_back(segment);
+    const double steps = std::max(std::ceil(2.0 * segment.s().Distance(segment.e()) / cell_), 1.0);
+    for (double step = 0; step <= steps; ++step) {
+      const ZBR_PT p = segment.s() + (segment.e() - segment.s()) * (step / steps);
+      std::vector<std::uint32_t>& cell = cells_[Key(Cell(p.x()), Cell(p.y()))];
+      if (cell.empty() || cell.back() != k) cell.push_back(k);
+    }
+  }
+
+  double cell_;
+  std::vector<ZBR_SEG> segments_;
+  std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> cells_;
+};
+
+// A silhouette along an edge of facets.
+struct FacetEdge {
+  ZBR_SEG segment;
+  ZBR_PT outwards;     // of length 1
+  double width = 0.0;  // of the facets there
+  EdgeRef edge;
+};
+
+// Both facets lie on one side of the edge; one of them may be seen edge-on.
+FacetEdge Look(const Model& model, const Scene& scene, const EdgeRef& edge, std::size_t begin) {
+  const ZBR_HL_TRI& triangle = scene.triangles[edge.triangle];
+  const std::size_t i = edge.edge;
+  const ZBR_PT from = triangle.pt[i].xy(), along = triangle.pt[(i + 1) % 3].xy() - from;
+  double inwards = along.OuterProduct(triangle.pt[(i + 2) % 3].xy() - from);
+  if (triangle.adj[i] >= 0) {
+    const ZBR_HL_TRI& other = scene.triangles[begin + static_cast<std::size_t>(triangle.adj[i])];
+    const ZBR_PT apex = other.pt[(static_cast<std::size_t>(triangle.adj_edge[i]) + 2) % 3].xy();
+    const double there = along.OuterProduct(apex - from);
+    if (std::abs(there) > std::abs(inwards)) inwards = there;
+  }
+  const double length = along.Length();
+  const ZBR_PT outwards = length > 0 ? ZBR_PT(along.y(), -along.x()) * ((inwards > 0 ? 1.0 : -1.0) / length) : ZBR_PT();
+  return {
+      ZBR_SEG(from, from + along), outwards, WidthAround(scene, model, edge.triangle), {model.source[edge.triangle], edge.edge}};
+}
+
+// The parts of an edge that no line is near to and behind which there is nothing.
+class Gaps {
+ public:
+  Gaps(const Scene& scene, const DrawnLines& drawn, double size) : scene_(scene), drawn_(drawn), size_(size) {}
+
+  double Reach(const FacetEdge& edge) const { return std::clamp(kBeside * edge.width, kNear * size_, kFar * size_); }
+
+  void AddOf(const FacetEdge& edge, std::vector<EdgeSegment>& gaps) const {
+    const ZBR_PT from = edge.segment.s(), along = edge.segment.e() - from;
+    const auto steps = static_cast<std::size_t>(std::max(std::ceil(along.Length() / (kStep * size_)), 1.0));
+    const auto at = [&](std::size_t k) {
+      return k == steps ? edge.segment.e() : from + along * (static_cast<double>(k) / static_cast<double>(steps));
+    };
+    for (std::size_t begin = 0, end = 0; begin < steps; begin = std::max(end, begin + 1)) {
+      for (end = begin; end < std::min(begin + kStepsALook, steps) && IsBare(edge, (at(end) + at(end + 1)) * 0.5);) ++end;
+      if (end > begin && IsPaper((at(begin) + at(end)) * 0.5 + edge.outwards * (kBesideEdge * size_)))
+        gaps.push_back({ZBR_SEG(at(begin), at(end)), edge.edge});
+    }
+  }
+
+ private:
+  bool IsBare(const FacetEdge& edge, const ZBR_PT& p) const {
+    ZBR_PT nearest;
+    return !drawn_.Nearest(p, Reach(edge), nearest);
+  }
+
+  bool IsPaper(const ZBR_PT& p) const {
+    double height = std::numeric_limits<double>::lowest();
+    return !ZBR_HiddenLine::PickShells(p.x(), p.y(), scene_.shells.data(), scene_.ShellCount(), height);
+  }
+
+  const Scene& scene_;
+  const DrawnLines& drawn_;
+  double size_;
+};
+
+bool IsBeside(const DrawnLines& drawn, const Chain& chain, double size) {
+  double length = 0.0;
+  for (std::size_t k = 1; k < chain.points.size(); ++k) length += chain.points[k].Distance(chain.points[k - 1]);
+  const std::size_t half = chain.points.size() / 2;
+  const ZBR_PT middle = chain.points.size() > 2 ? chain.points[half] : (chain.points.front() + chain.points.back()) * 0.5;
+  ZBR_PT nearest;
+  return length < kShort * size && drawn.Nearest(middle, kApart * length, nearest);
+}
+
+// To the line that its end has come near to.
+void LeadOn(const DrawnLines& drawn, double reach, Chain& chain) {
+  if (chain.closed) return;
+  std::vector<ZBR_PT>& points = chain.points;
+  ZBR_PT nearest;
+  if (drawn.Nearest(points.front(), reach, nearest)) points.insert(points.begin(), nearest);
+  if (drawn.Nearest(points.back(), reach, nearest)) points.push_back(nearest);
+}
+
+}  // namespace
+
+double WidthAround(const Scene& scene, const Model& model, std::uint32_t t) {
+  double width = WidthOf(scene.triangles[t]);
+  const std::size_t begin = model.shellBegin[model.ShellOf(t)];
+  for (const int adjacent : scene.triangles[t].adj) {
+    if (adjacent >= 0) width = std::max(width, WidthOf(scene.triangles[begin + static_cast<std::size_t>(adjacent)]));
+  }
+  return width;
+}
+
+void CloseContours(const Model& model, const Scene& scene, const std::vector<EdgeRef>& edges, ViewLines& view) {
+  const double size = view.extent.Size() * scene.scale;
+  if (!(size > 0) || edges.empty()) return;
+  const DrawnLines drawn(view, scene.scale, kFar * size);
+  const Gaps gaps(scene, drawn, size);
+  std::vector<Line> lines;
+  std::size_t next = 0;
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    const std::size_t begin = model.shellBegin[s];
+    std::vector<EdgeSegment> found;
+    double reach = 0.0;
+    for (; next < edges.size() && edges[next].triangle < model.shellBegin[s + 1]; ++next) {
+      const int adjacent = scene.triangles[edges[next].triangle].adj[edges[next].edge];
+      if (adjacent >= 0 && begin + static_cast<std::size_t>(adjacent) < edges[next].triangle) continue;  // the other side's
+      const FacetEdge edge = Look(model, scene, edges[next], begin);
+      gaps.AddOf(edge, found);
+      reach = std::max(reach, gaps.Reach(edge));
+    }
+    for (Chain& chain : ChainSegments(found, kChainTolerance, SeenCircles(model, scene, nullptr))) {
+      if (IsBeside(drawn, chain, size)) continue;
+      LeadOn(drawn, reach + kStep * size, chain);
+      for (ZBR_PT& p : chain.points) p.Set(p.x() / scene.scale, p.y() / scene.scale);
+      const auto shell = static_cast<std::uint32_t>(s);
+      lines.push_back({EdgeClass::kSilhouette, false, shell, shell, std::move(chain)});
+    }
+  }
+  AddVisible(view, std::move(lines));
+}
+
+}  // namespace zbr::drawing
