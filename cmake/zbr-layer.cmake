@@ -10,7 +10,7 @@ function(zbr_layer target name)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zbr_strict_flags>)
   if(EMSCRIPTEN)
     # Exceptions as WebAssembly has them. libzbr goes without: it throws for lack of memory alone and cleans nothing up then.
-    target_compile_options(${target} PUBLIC -fwasm-exceptions PRIVATE -Oz)
+    target_compile_options(${target} PUBLIC -fwasm-exceptions)
     target_link_options(${target} PUBLIC -fwasm-exceptions)
     target_include_directories(${target} BEFORE PRIVATE ${PROJECT_SOURCE_DIR}/web/compat)  # what the standard library lacks
   endif()
