@@ -2,8 +2,6 @@
 
 #include <emscripten.h>
 
-#include <nlohmann/json.hpp>
-
 #include "web/bindings/exports.h"
 
 // The page's function is a property of the module while a call lasts.
@@ -12,8 +10,6 @@ EM_JS(int, zbrTellProgress, (double share, const char* stage),
 
 namespace zbr::web {
 namespace {
-
-using Json = nlohmann::json;
 
 // A region call's complaint, with numbers instead of a line.
 class RegionFailure : public std::runtime_error {
@@ -38,9 +34,13 @@ const char* TextOf(ZBR_REGION_CODE code) {
   }
 }
 
-void GiveJson(const Json& json) {
-  Exchange::Get().LetGo();
-  Exchange::Get().Give(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+// A line, and an operand with its ring and point, and three texts.
+void GiveFailure(const std::vector<std::int32_t>& place, const char* message, const std::string& file = {},
+                 const std::string& reason = {}) {
+  Exchange& exchange = Exchange::Get();
+  exchange.LetGo();
+  exchange.Give(place);
+  for (const std::string& text : {std::string(message), file, reason}) exchange.Give(text);
 }
 
 }  // namespace
@@ -95,14 +95,14 @@ void Demand(const ZBR_REGION_STATUS& status) {
 }
 
 void GiveFailure(const Failure& failure) {
-  GiveJson({{"message", failure.what()}, {"file", failure.File()}, {"line", failure.Line()}, {"reason", failure.Cause()}});
+  GiveFailure({static_cast<std::int32_t>(failure.Line()), -1, -1, -1}, failure.what(), failure.File(), failure.Cause());
 }
 
 void GiveFailure(const std::exception& error) {
   const auto* const region = dynamic_cast<const RegionFailure*>(&error);
-  if (region == nullptr) return GiveJson({{"message", error.what()}});
+  if (region == nullptr) return GiveFailure({0, -1, -1, -1}, error.what());
   const ZBR_REGION_STATUS& status = region->status();
-  GiveJson({{"message", TextOf(status.code)}, {"operand", status.operand}, {"ring", status.ring}, {"point", status.point}});
+  GiveFailure({0, status.operand, status.ring, status.point}, TextOf(status.code));
 }
 
 }  // namespace zbr::web

@@ -68,7 +68,7 @@ bool MayGoOn(double share, void* data);
 // Throws unless the call went well; what was wrong names the place.
 void Demand(const ZBR_REGION_STATUS& status);
 
-// The message of a failure, as JSON.
+// What went wrong, and where.
 void GiveFailure(const Failure& failure);
 void GiveFailure(const std::exception& error);
 

@@ -106,9 +106,11 @@ std::vector<std::string> FormatsOf(Options& options) {
   return names;
 }
 
-NamedDirection OneDirection(HeldModel& held, Options& options) {
-  const Json& view = options.At("view");
-  return DirectionOf(view.is_null() ? Json("iso") : view, held.objects.mesh.yUp, 0);
+View OneView(HeldModel& held, Options& options) {
+  const Json& json = options.At("view");
+  const NamedDirection direction = DirectionOf(json.is_null() ? Json("iso") : json, held.objects.mesh.yUp, 0, held.Any().Centre());
+  if (direction.section || direction.view.perspective) Options::Refuse("view", "sections and perspectives can only be drawn");
+  return direction.view;
 }
 
 }  // namespace
@@ -198,12 +200,12 @@ int zbrwOutline(std::uint32_t model) {
   return Answer([&](Exchange& out) {
     Options options(out.TakeText(0));
     HeldModel& held = ModelAt(model);
-    const NamedDirection direction = OneDirection(held, options);
+    const View view = OneView(held, options);
     options.Finish();
     const Model& prepared = held.Any();
     Report(0.3, "finding outlines");
     LoopList all;
-    for (const LoopList& loops : FindOutlines(prepared, direction.view, false, 1))
+    for (const LoopList& loops : FindOutlines(prepared, view, false, 1))
       all.insert(all.end(), loops.begin(), loops.end());
     out.Give(zbrRegionOfLoops(all));
   });
@@ -213,10 +215,10 @@ int zbrwPick(std::uint32_t model, const double* points, std::size_t count) {
   return Answer([&](Exchange& out) {
     Options options(out.TakeText(0));
     HeldModel& held = ModelAt(model);
-    const NamedDirection direction = OneDirection(held, options);
+    const View view = OneView(held, options);
     options.Finish();
     const Model& prepared = held.Any();
-    const Picker picker(prepared, direction.view);
+    const Picker picker(prepared, view);
     std::vector<std::int32_t> triangles(count, -1);
     std::vector<double> heights(count, std::numeric_limits<double>::quiet_NaN());
     for (std::size_t i = 0; i < count; ++i) {

@@ -53,14 +53,27 @@ std::string LettersOf(const std::vector<NamedDirection>& before) {
   }
 }
 
-std::vector<NamedDirection> DirectionsOf(const HeldModel& held, Options& options) {
+// From an eye, or along a direction.
+View LookOf(Options& options, bool yUp, const ZBR_PT3& middle) {
+  const Options::Json &eye = options.At("eye"), &up = options.At("up");
+  if (eye.is_null()) {
+    const ZBR_PT3 direction = VectorOf(options.At("direction"), "direction");
+    return LookAlong(direction, up.is_null() ? UsualUp(direction, yUp) : VectorOf(up, "up"));
+  }
+  const ZBR_PT3 from = VectorOf(eye, "eye");
+  const Options::Json& at = options.At("at");
+  const ZBR_PT3 to = at.is_null() ? middle : VectorOf(at, "at");
+  return LookFrom(from, to, up.is_null() ? UsualUp(to - from, yUp) : VectorOf(up, "up"), options.Get("fov", 0.0));
+}
+
+std::vector<NamedDirection> DirectionsOf(HeldModel& held, Options& options) {
   const bool yUp = YUp(held, options);
   const Options::Json& views = options.At("views");
   std::vector<NamedDirection> directions;
   if (views.is_null()) return {{"iso", *NamedView("iso", yUp), {}}};
   if (!views.is_array() || views.empty()) Options::Refuse("views", "a list of views is needed");
   for (const auto& view : views) {
-    NamedDirection direction = DirectionOf(view, yUp, directions.size());
+    NamedDirection direction = DirectionOf(view, yUp, directions.size(), held.Any().Centre());
     if (direction.section) direction.name = LettersOf(directions);
     const auto isSame = [&](const NamedDirection& d) { return d.name == direction.name; };
     if (std::any_of(directions.begin(), directions.end(), isSame))
@@ -70,13 +83,14 @@ std::vector<NamedDirection> DirectionsOf(const HeldModel& held, Options& options
   return directions;
 }
 
-DrawingOptions DrawingOptionsOf(Options& options) {
+DrawingOptions DrawingOptionsOf(Options& options, bool isRough) {
   DrawingOptions drawing;
   drawing.hidden = static_cast<HiddenLines>(options.Choose("hidden", {"none", "principal", "all"}, 1));
   drawing.intersections = options.Get("intersections", true);
   drawing.tangents = options.Get("tangents", false);
   drawing.curves = options.Get("curves", true);
   drawing.outlines = options.Get("fill", false);
+  drawing.smoothSilhouettes = options.Choose("silhouettes", {"facets", "smooth"}, isRough ? 1 : 0) == 1;
   drawing.centreLines = options.Get("centreLines", false);
   drawing.contact = options.Get("contact", -1.0);
   return drawing;
@@ -91,16 +105,19 @@ std::string KeyOf(const std::vector<NamedDirection>& directions, const DrawingOp
   };
   add(crease);
   add(static_cast<double>(options.hidden));
-  for (const bool flag : {options.intersections, options.tangents, options.curves, options.outlines, options.centreLines})
+  for (const bool flag :
+       {options.intersections, options.tangents, options.curves, options.smoothSilhouettes, options.outlines, options.centreLines})
     add(flag ? 1 : 0);
   add(options.contact);
+  const auto addPoint = [&](const ZBR_PT3& p) {
+    for (const double x : {p.x(), p.y(), p.z()}) add(x);
+  };
   for (const NamedDirection& d : directions) {
     key += d.name + ' ';
-    for (const ZBR_PT3& axis : {d.view.right, d.view.up}) {
-      add(axis.x());
-      add(axis.y());
-      add(axis.z());
-    }
+    addPoint(d.view.right);
+    addPoint(d.view.up);
+    if (d.view.perspective) addPoint(d.view.perspective->eye);
+    if (d.view.perspective) addPoint({d.view.perspective->distance, d.view.perspective->fieldOfView, 0});
     if (d.section) add(d.section->offset);
     if (d.section) add(d.section->depth);
   }
@@ -157,7 +174,7 @@ std::uint32_t Hold(std::unique_ptr<HeldModel> model) {
   return models.last;
 }
 
-NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t place) {
+NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t place, const ZBR_PT3& middle) {
   if (json.is_string()) {
     const auto name = json.get<std::string>();
     const auto view = NamedView(name, yUp);
@@ -168,24 +185,24 @@ NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t plac
   if (!json.is_object()) Options::Refuse("views", "a view is a name or an object with a direction");
   Options options(json);
   if (!options.At("section").is_null()) return SectionOf(options, yUp);
-  const ZBR_PT3 direction = VectorOf(options.At("direction"), "direction");
-  const Options::Json& up = options.At("up");
   const std::string name = options.Get("name", "view" + std::to_string(place + 1));
-  options.Finish();
   try {
-    return {name, LookAlong(direction, up.is_null() ? UsualUp(direction, yUp) : VectorOf(up, "up")), {}};
+    const View view = LookOf(options, yUp, middle);
+    options.Finish();
+    return {name, view, {}};
   } catch (const Failure& failure) {
-    Options::Refuse("direction", failure.Cause());
+    if (!failure.File().empty()) throw;  // an option's
+    Options::Refuse(options.At("eye").is_null() ? "direction" : "eye", failure.Cause());
   }
 }
 
 const std::vector<ViewLines>& ViewsOf(HeldModel& held, Options& options) {
   const std::vector<NamedDirection> directions = DirectionsOf(held, options);
-  DrawingOptions drawing = DrawingOptionsOf(options);
   const double crease = options.Get("crease", held.crease);
+  const Model& model = held.With(crease);
+  DrawingOptions drawing = DrawingOptionsOf(options, model.isRough);
   std::string key = KeyOf(directions, drawing, crease);
   if (key == held.viewsKey) return held.views;
-  const Model& model = held.With(crease);
   held.viewsKey.clear();
   held.views.clear();
   Report(0.1, "looking for intersections and circles");

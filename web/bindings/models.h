@@ -40,8 +40,9 @@ struct HeldModel {
 HeldModel& ModelAt(std::uint32_t number);
 std::uint32_t Hold(std::unique_ptr<HeldModel> model);
 
-// "front", {direction: [x, y, z], up: [x, y, z], name: "..."} or {section: "X=10"}.
-NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t place);
+// "front", {direction: [x, y, z], up: [x, y, z], name: "..."}, {eye: [x, y, z], at: [x, y, z], up, fov, name} or {section: "X=10"}.
+// `at` is the middle of the model if nothing else is said.
+NamedDirection DirectionOf(const Options::Json& json, bool yUp, std::size_t place, const ZBR_PT3& middle);
 
 // The views that the options ask for, drawn unless they are kept.
 const std::vector<ViewLines>& ViewsOf(HeldModel& held, Options& options);

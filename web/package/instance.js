@@ -1,9 +1,8 @@
-// The module of WebAssembly: loading it, and calls with arrays and texts on either side.
+// A module of WebAssembly: loading it, and calls with arrays and texts on either side.
 //
 // A call puts its arrays into the module's memory, copies what comes back and frees everything before it returns: nothing that a
 // caller holds lies in there, but models. After a fault of the machine (stack or memory used up, which no call recovers from by
 // itself) the next call gets a new instance; models of the old one are gone.
-import createCore from './zbr-core.mjs';
 
 const utf8 = new TextEncoder();
 const fromUtf8 = new TextDecoder();
@@ -23,7 +22,7 @@ export class ZbrError extends Error {
 }
 
 async function compile(source) {
-  const wasm = await (source ?? new URL('./zbr-core.wasm', import.meta.url));
+  const wasm = await source;
   if (wasm instanceof WebAssembly.Module) return wasm;
   if (ArrayBuffer.isView(wasm) || wasm instanceof ArrayBuffer) return WebAssembly.compile(wasm);
   if (typeof Response !== 'undefined' && wasm instanceof Response) return WebAssembly.compile(await wasm.arrayBuffer());
@@ -38,11 +37,12 @@ async function compile(source) {
   return WebAssembly.compile(await response.arrayBuffer());
 }
 
-/** Compiles the module once, for several instances of it. */
-export { compile as compileCore };
+/** Compiles a module once, for several instances of it. */
+export { compile as compileModule };
 
 export class Instance {
   #module;
+  #create; // by Emscripten
   #core;
   #isBroken = false;
   #isBusy = false;
@@ -50,15 +50,17 @@ export class Instance {
   #released = []; // models that were let go while a call was under way, perhaps one on them
   generation = 0; // of instances; models know theirs
 
-  static async load(source) {
+  /** Of a module, or from where that is. */
+  static async load(create, source) {
     const instance = new Instance();
+    instance.#create = create;
     instance.#module = await compile(source);
     const core = { print() {}, printErr() {} };
     core.instantiateWasm = (imports, receive) => {
       WebAssembly.instantiate(instance.#module, imports).then((made) => receive(made));
       return {};
     };
-    instance.#core = await createCore(core);
+    instance.#core = await create(core);
     return instance;
   }
 
@@ -69,7 +71,7 @@ export class Instance {
       receive(made);
       return made.exports;
     };
-    createCore(core);
+    this.#create(core);
     this.#core = core;
     this.#isBroken = false;
     ++this.generation;
@@ -153,8 +155,9 @@ export class Instance {
 
   #fail(status) {
     if (status === FAILED) {
-      const place = JSON.parse(fromUtf8.decode(this.#answer()[0]));
-      throw new ZbrError(place.message, 'input', place);
+      const [numbers, ...texts] = this.#answer();
+      const [line, operand, ring, point] = new Int32Array(numbers), [message, file, reason] = texts.map(textOf);
+      throw new ZbrError(message, 'input', { file, line, reason, operand, ring, point });
     }
     if (status === NO_MEMORY) {
       this.#isBroken = true; // what was left behind goes with the instance

@@ -1,9 +1,8 @@
 // The worker's side of worker.js: one call at a time, by name.
-import load from './index.js';
-
 const isNode = typeof self === 'undefined' || typeof self.postMessage !== 'function';
 const threads = 'node:worker_threads';
 const port = isNode ? (await import(/* @vite-ignore */ threads)).parentPort : self;
+const importing = { regions: () => import('./index.js'), drawings: () => import('./drawings.js') };
 const zbr = { api: undefined };
 const models = new Map();
 let last = 0;
@@ -30,7 +29,9 @@ async function open({ data, triangles, beside = {}, ...options }) {
 
 async function run({ method, args, model, progressAt }, onProgress) {
   if (method === 'load') {
-    zbr.api = await load({ wasm: args[0] });
+    const [module, wasm] = args;
+    const { load } = await importing[module]();
+    zbr.api = await load({ wasm });
     return undefined;
   }
   if (method === 'openModel') {

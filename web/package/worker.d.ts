@@ -7,9 +7,10 @@
  *     const drawing = await model.draw({ view: 'iso', signal, onProgress });
  *
  * A signal that is aborted ends the call at once, and the worker with it; the next call gets another. Models are opened again there
- * when they are next used.
+ * when they are next used. Of the two modules each is loaded by the first call that needs it.
  */
-import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, Region, SheetFiles, SheetOptions, View, ViewOptions, Zbr } from './index.js';
+import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, SheetFiles, SheetOptions, View, ViewOptions, ZbrDrawings } from './drawings.js';
+import type { Region, Wasm } from './index.js';
 
 type Signal = { signal?: AbortSignal };
 type WithSignal<A extends unknown[]> = A extends [...infer Rest, (infer O extends object)?] ? [...Rest, (O & Signal)?] : A;
@@ -31,22 +32,23 @@ export interface WorkerModel {
 type Region1 = 'union' | 'intersection' | 'difference' | 'xor' | 'combine' | 'combinePairs' | 'unite' | 'cover' | 'makeValid' | 'simplify';
 type Region2 = 'faces' | 'check' | 'measure' | 'area' | 'locate' | 'writeRegions';
 
-export type ZbrWorker = { [K in Region1 | Region2]: Later<Zbr[K]> } & {
-  readDrawing(drawing: FileOf<DrawingFile>, options?: Parameters<Zbr['readDrawing']>[1] & Signal): Promise<ReturnType<Zbr['readDrawing']>>;
+export type ZbrWorker = { [K in Region1 | Region2]: Later<ZbrDrawings[K]> } & {
+  readDrawing(drawing: FileOf<DrawingFile>, options?: Parameters<ZbrDrawings['readDrawing']>[1] & Signal): Promise<ReturnType<ZbrDrawings['readDrawing']>>;
   combineDrawings(
     a: FileOf<DrawingFile>,
     b: FileOf<DrawingFile>,
-    options?: Parameters<Zbr['combineDrawings']>[2] & Signal,
-  ): Promise<ReturnType<Zbr['combineDrawings']>>;
+    options?: Parameters<ZbrDrawings['combineDrawings']>[2] & Signal,
+  ): Promise<ReturnType<ZbrDrawings['combineDrawings']>>;
   /** From a File or Blob, or bytes, which have to stay as they are. */
   readModel(
     data: Bytes | Blob,
     options?: ModelOptions & { beside?: Record<string, Bytes | Blob> } & Signal,
   ): Promise<WorkerModel>;
-  makeModel(points: Float64Array, triangles: Uint32Array, options?: Parameters<Zbr['makeModel']>[2] & Signal): Promise<WorkerModel>;
+  makeModel(points: Float64Array, triangles: Uint32Array, options?: Parameters<ZbrDrawings['makeModel']>[2] & Signal): Promise<WorkerModel>;
   /** Ends the worker. Calls that are not done fail. */
   close(): void;
 };
 
-export function openWorker(options?: { wasm?: URL | string | BufferSource | WebAssembly.Module }): Promise<ZbrWorker>;
+/** Where the modules are, if not beside this file. */
+export function openWorker(options?: { regions?: Wasm; drawings?: Wasm }): Promise<ZbrWorker>;
 export default openWorker;

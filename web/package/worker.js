@@ -1,12 +1,15 @@
 // The same calls as promises, worked on by a worker: the page stays alive, and an AbortSignal ends a call at once.
 //
 // A call can't be interrupted from outside, so the worker of one that is aborted is ended and the next call gets another, for which
-// the compiled module is kept. Models are opened again there when they are next asked for something, from the file or array they
-// came from.
-import { ZbrError, compileCore } from './instance.js';
+// compiled modules are kept. Models are opened again there when they are next asked for something, from the file or array they came
+// from. A module is loaded by the first call that needs it: the one for regions, or the one that has all calls.
+import { ZbrError, compileModule } from './instance.js';
 
-const METHODS = ['union', 'intersection', 'difference', 'xor', 'combine', 'combinePairs', 'unite', 'cover', 'makeValid', 'simplify',
-  'faces', 'check', 'measure', 'area', 'locate', 'readDrawing', 'combineDrawings', 'writeRegions'];
+const METHODS = {
+  regions: ['union', 'intersection', 'difference', 'xor', 'combine', 'combinePairs', 'unite', 'cover', 'makeValid', 'simplify', 'faces',
+    'check', 'measure', 'area', 'locate'],
+  drawings: ['readDrawing', 'combineDrawings', 'writeRegions'],
+};
 
 async function startThread() {
   if (typeof Worker !== 'undefined') {
@@ -51,8 +54,10 @@ const LOST = new Set(['memory', 'fault']);
 const GONE = Symbol('gone');
 
 class ZbrWorker {
-  #module;
+  #sources;
+  #modules = {}; // compiled
   #thread;
+  #has; // which module the thread has, if any
   #generation = 0; // of threads
   #waiting = [];
   #running;
@@ -60,15 +65,17 @@ class ZbrWorker {
   #isClosed = false;
 
   /** By openWorker only. */
-  constructor(module) {
-    this.#module = module;
-    for (const method of METHODS) {
-      this[method] = (...args) => {
-        const { signal, onProgress, ...rest } = optionsOf(args.at(-1)) ?? {};
-        if (signal || onProgress) args[args.length - 1] = rest;
-        return this.#call({ method, args, progressAt: onProgress && args.length - 1 }, { signal, onProgress });
-      };
+  constructor(sources) {
+    this.#sources = sources;
+    for (const [module, methods] of Object.entries(METHODS)) {
+      for (const method of methods) this[method] = (...args) => this.#callByName(module, method, args);
     }
+  }
+
+  #callByName(module, method, args) {
+    const { signal, onProgress, ...rest } = optionsOf(args.at(-1)) ?? {};
+    if (signal || onProgress) args[args.length - 1] = rest;
+    return this.#call({ module, method, args, progressAt: onProgress && args.length - 1 }, { signal, onProgress });
   }
 
   /** A model from a File or Blob, bytes, or points and triangles; it is read at once. */
@@ -111,7 +118,7 @@ class ZbrWorker {
     if (this.#isClosed) return Promise.reject(new ZbrError('the worker was closed', 'closed'));
     if (signal?.aborted) return Promise.reject(signal.reason);
     return new Promise((resolve, reject) => {
-      const waiting = { ...call, id: ++this.#lastId, resolve, reject, onProgress };
+      const waiting = { module: 'drawings', ...call, id: ++this.#lastId, resolve, reject, onProgress };
       if (signal) {
         const abort = () => this.#abort(waiting, signal.reason);
         signal.addEventListener('abort', abort, { once: true });
@@ -133,7 +140,7 @@ class ZbrWorker {
 
   #endThread() {
     this.#thread?.end();
-    this.#thread = undefined;
+    this.#thread = this.#has = undefined;
     this.#running = undefined;
     ++this.#generation;
   }
@@ -143,7 +150,8 @@ class ZbrWorker {
     const call = this.#running = this.#waiting.shift();
     try {
       if (!this.#thread) await this.#start();
-    } catch (error) { // what is around allows no worker
+      if (this.#has !== 'drawings' && this.#has !== call.module) await this.#equip(call.module);
+    } catch (error) { // what is around allows no worker, or a module is not where it should be
       if (this.#running === call) this.#settle(() => call.reject(new ZbrError(error.message, 'load')));
       return;
     }
@@ -168,8 +176,15 @@ class ZbrWorker {
     this.#thread = thread;
     const ifInUse = (take) => (what) => { if (this.#thread === thread) take(what); };
     thread.listen(ifInUse((message) => this.#take(message)), ifInUse((cause) => this.#fail(new ZbrError(cause, 'fault'))));
-    thread.post({ id: 0, method: 'load', args: [this.#module] });
     return undefined;
+  }
+
+  async #equip(module) {
+    const thread = this.#thread;
+    this.#modules[module] ??= await compileModule(this.#sources[module]());
+    if (this.#thread !== thread || !thread) return;
+    thread.post({ id: 0, method: 'load', args: [module, this.#modules[module]] });
+    this.#has = module;
   }
 
   #take({ id, share, stage, result, error }) {
@@ -240,7 +255,10 @@ class WorkerModel {
   }
 }
 
-export async function openWorker({ wasm } = {}) {
-  return new ZbrWorker(await compileCore(wasm));
+export async function openWorker({ regions, drawings } = {}) {
+  return new ZbrWorker({
+    regions: () => regions ?? new URL('./zbr-regions.wasm', import.meta.url),
+    drawings: () => drawings ?? new URL('./zbr-drawings.wasm', import.meta.url),
+  });
 }
 export default openWorker;

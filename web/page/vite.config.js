@@ -8,16 +8,15 @@ import { defineConfig } from 'vite';
 
 const root = fileURLToPath(new URL('../..', import.meta.url));
 const folder = process.env.ZBR_PACKAGE ?? join(root, 'build/web/web/package');
-const compressed = join(root, 'build/web/page-module/zbr-core.wasm.gz');
+const compressed = join(root, 'build/web/page-module/zbr-drawings.wasm.gz');
 mkdirSync(join(compressed, '..'), { recursive: true });
-writeFileSync(compressed, gzipSync(readFileSync(join(folder, 'zbr-core.wasm')), { level: 9 }));
+writeFileSync(compressed, gzipSync(readFileSync(join(folder, 'zbr-drawings.wasm')), { level: 9 }));
 
-// The one beside the package's sources is never asked for.
-const withoutPlainModule = {
-  name: 'zbr-without-plain-module',
+// Those beside the package's sources are never asked for.
+const withoutPlainModules = {
+  name: 'zbr-without-plain-modules',
   enforce: 'pre',
-  transform: (code, id) =>
-    id.endsWith('/instance.js') ? code.replace("new URL('./zbr-core.wasm', import.meta.url)", 'undefined') : null,
+  transform: (code) => (code.includes('.wasm') ? code.replaceAll(/new URL\('\.\/zbr-\w+\.wasm', import\.meta\.url\)/g, 'undefined') : null),
 };
 
 export default defineConfig({
@@ -31,8 +30,8 @@ export default defineConfig({
       { find: 'examples', replacement: join(root, 'examples') },
     ],
   },
-  plugins: [withoutPlainModule],
-  worker: { format: 'es', plugins: () => [withoutPlainModule] },
+  plugins: [withoutPlainModules],
+  worker: { format: 'es', plugins: () => [withoutPlainModules] },
   build: { outDir: join(root, 'build/web/page'), emptyOutDir: true, target: 'es2022', assetsInlineLimit: 0, chunkSizeWarningLimit: 800 },
   server: { fs: { allow: [root] } },
 });

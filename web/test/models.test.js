@@ -24,6 +24,12 @@ test('sheets are those of the tool', native, () => {
   assert.ok(bytes(look).equals(written(args, 'svg')));
   const section = ['draw', 'housing.obj', '--view', 'front', '--section', 'Y=20'];
   assertSame(model.sheet('svg', { views: ['front', { section: 'Y=20' }] }), written(section, 'svg'), 'section');
+  const eye = model.sheet('svg', { views: [{ eye: [300, -400, 250], name: 'eye' }], centreLines: true });
+  assertSame(eye, written(['draw', 'housing.obj', '--eye', '300,-400,250', '--centre-lines'], 'svg'), 'perspective');
+  for (const silhouettes of ['facets', 'smooth']) {
+    const args = ['draw', 'housing.obj', '--view', 'iso,front', '--silhouettes', silhouettes, '--centre-lines', '--curves', 'off'];
+    assertSame(model.sheet('dxf', { views: ['iso', 'front'], silhouettes, centreLines: true, curves: false }), written(args, 'dxf'), silhouettes);
+  }
   model.free();
 });
 
@@ -121,6 +127,10 @@ test('bad input is refused with its place', () => {
   const model = tetrahedron();
   assert.throws(() => model.draw({ view: 'up' }), /no view/);
   assert.throws(() => model.draw({ view: { direction: [0, 0, 0] } }), { code: 'input' });
+  assert.throws(() => model.draw({ view: { eye: [1, 2] } }), /eye: three finite numbers/);
+  assert.throws(() => model.draw({ view: { eye: [9, 9, 9], fov: 200 } }), /eye: .*170/);
+  assert.throws(() => model.draw({ view: { eye: [9, 9, 9], direction: [1, 0, 0] } }), /direction: there is no such option/);
+  assert.throws(() => model.outline({ section: 'X=1' }), /can only be drawn/);
   assert.throws(() => model.draw({ creases: 3 }), /creases: there is no such option/);
   assert.throws(() => model.sheet('png'), /none of svg, dxf, pdf and json/);
   assert.throws(() => model.sheet('svg', { paper: 'A9' }), { code: 'input' });

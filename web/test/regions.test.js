@@ -1,10 +1,10 @@
 // Regions: data in and out, options, errors. That results are right is the library's matter; that they are its bits, same.test.js's.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { load, random, zbr as pkg } from './package.js';
+import { loadRegions, random, zbr as pkg } from './package.js';
 
 const { fromGeoJSON, toGeoJSON, ZbrError } = pkg;
-const zbr = await load();
+const zbr = await loadRegions();
 
 const square = (x, y, side) => [[x, y], [x + side, y], [x + side, y + side], [x, y + side]];
 const plate = [square(0, 0, 10), square(4, 4, 2)];

@@ -1,7 +1,11 @@
 // What the types allow and what they refuse; compiled, not run.
-import load, { toGeoJSON, type Region } from '../../build/web/web/package/index.js';
+import load from '../../build/web/web/package/drawings.js';
+import loadRegions, { toGeoJSON, type Region } from '../../build/web/web/package/index.js';
 import openWorker from '../../build/web/web/package/worker.js';
 
+const regions = await loadRegions();
+// @ts-expect-error what only the other module has
+regions.readModel(new Uint8Array(3));
 const zbr = await load();
 const triangle = [[[0, 0], [1, 0], [1, 1]]] as const;
 const region: Region = zbr.union(triangle, { type: 'Polygon', coordinates: [] }, { sources: true, onProgress: (share) => share < 1 });

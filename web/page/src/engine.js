@@ -11,7 +11,7 @@ async function moduleBytes() {
 }
 
 let opening;
-export const engine = () => (opening ??= openWorker({ wasm: moduleBytes() }).catch((error) => {
+export const engine = () => (opening ??= moduleBytes().then((drawings) => openWorker({ drawings })).catch((error) => {
   opening = undefined;
   throw error;
 }));

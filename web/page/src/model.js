@@ -1,4 +1,4 @@
-// A model and its drawing: what follows the view, or a sheet of four views.
+// A model and its drawing: what follows the view, a sheet of four views, or a section.
 import { engine, task } from './engine.js';
 import { counted, save, stemOf } from './files.js';
 import { drawLines } from './ink.js';
@@ -14,41 +14,66 @@ const chosen = (name) => document.querySelector(`#model input[name=${name}]:chec
 const choose = (name, value) => { document.querySelector(`#model input[name=${name}][value=${value}]`).checked = true; };
 const tell = (text) => { byId('status').textContent = text; };
 
+const isOn = (id) => byId(id).checked && !byId(id).disabled;
+
+// The plane of the section, as the library takes it: a round number of the model's unit.
+function plane() {
+  const axis = chosen('axis'), k = 'XYZ'.indexOf(axis);
+  const { low, high } = model.info;
+  const offset = low[k] + ((high[k] - low[k]) * Number(byId('offset').value)) / 100;
+  const digits = 3 - Math.floor(Math.log10(high[k] - low[k] || 1));
+  return `${axis}=${Number(offset.toFixed(Math.min(Math.max(digits, 0), 12)))}`;
+}
+
 function options() {
-  const hidden = chosen('hidden');
-  const isSheet = chosen('show') === 'sheet';
+  const hidden = chosen('hidden'), show = chosen('show');
   return {
-    isSheet,
+    show,
+    isSheet: show !== 'view' || isOn('centre-lines'),
     hiddenStyle: hidden,
+    views: show === 'sheet' ? SHEET : [show === 'section' ? { section: plane() } : viewer.view()],
     drawing: {
       crease: Number(byId('crease').value),
-      hidden: hidden === 'none' ? 'none' : isSheet ? 'principal' : 'all',
+      hidden: hidden === 'none' ? 'none' : show === 'view' ? 'all' : 'principal',
+      centreLines: isOn('centre-lines'),
+      curves: isOn('curves'),
       axes: chosen('axes'),
     },
   };
+}
+
+// What the settings mean for each other.
+function tidySettings() {
+  const show = chosen('show');
+  byId('plane').hidden = show !== 'section';
+  byId('hidden-lines').disabled = show === 'section'; // sections have none
+  byId('perspective').disabled = show !== 'view' || (viewer && !viewer.setPerspective);
+  byId('centre-lines').disabled = isOn('perspective');
+  byId('crease-text').textContent = `${byId('crease').value}°`;
+  if (!model) return;
+  byId('offset-text').textContent = plane().slice(2);
+  viewer.setPerspective?.(isOn('perspective'));
 }
 
 // Grey lines in place of dashes, in a picture.
 const greyed = (svg) => svg.replace(/<g class="hidden"[^]*?<\/g>\n<\/g>/g, (group) =>
   group.replaceAll(/ stroke-dasharray="[^"]*"/g, '').replace('<g class="hidden"', '<g class="hidden" stroke="#a3abb3"'));
 
-function sheetOptions({ isSheet, hiddenStyle, drawing: wanted }) {
-  const title = stemOf(file.name);
-  const style = { ...wanted, title, hiddenStyle: hiddenStyle === 'none' ? 'none' : 'dashed' };
-  return isSheet ? { ...style, views: SHEET } : { ...style, views: [viewer.view()] };
+function sheetOptions({ hiddenStyle, views, drawing: wanted }) {
+  return { ...wanted, views, title: stemOf(file.name), hiddenStyle: hiddenStyle === 'none' ? 'none' : 'dashed' };
 }
 
 async function redraw() {
   if (!model) return;
   const mine = ++version;
   const isCurrent = () => mine === version;
+  tidySettings();
   const wanted = options();
-  byId('crease-text').textContent = `${wanted.drawing.crease}°`;
   byId('drawing').classList.add('busy');
   const begin = performance.now();
   const drawn = await task(async (control) => {
     if (wanted.isSheet) return model.sheet('svg', { ...sheetOptions(wanted), ...control });
-    return model.draw({ view: viewer.view(), ...wanted.drawing, ...control });
+    return model.draw({ view: wanted.views[0], ...wanted.drawing, ...control });
   });
   if (!isCurrent()) return;
   byId('drawing').classList.remove('busy');
@@ -74,12 +99,12 @@ function describe(wanted) {
   const { triangles, shells, openEdges, roughCreases } = model.info;
   const parts = [counted(triangles, 'triangle'), counted(shells, 'shell')];
   if (openEdges > 0) parts.push(counted(openEdges, 'open edge'));
-  let picturedAs = 'Four views';
+  let picturedAs = { sheet: 'Four views', section: `Section ${wanted.views[0].section}`, view: 'This view with centre lines' }[wanted.show];
   if (drawing) {
     const hiddenCount = drawing.hidden.reduce((sum, h) => sum + h, 0);
     picturedAs = counted(drawing.hidden.length - hiddenCount, 'visible line') + (hiddenCount ? `, ${hiddenCount.toLocaleString('en')} hidden` : '');
   }
-  byId('drawing').setAttribute('aria-label', `${wanted.isSheet ? 'Four views' : 'Drawing'} of ${file.name}: ${picturedAs}`);
+  byId('drawing').setAttribute('aria-label', `Drawing of ${file.name}: ${picturedAs}`);
   const advice = roughCreases && wanted.drawing.crease <= 30 ? ' · a rough surface: a larger crease angle draws fewer lines' : '';
   tell(`${parts.join(', ')} · ${picturedAs} · drawn in ${Math.round(drawnIn)} ms${advice}`);
 }
@@ -166,7 +191,7 @@ export function prepareModel(onError) {
     viewer.stand(chosen('axes'));
     look('iso');
   });
-  byId('crease').addEventListener('input', () => { byId('crease-text').textContent = `${byId('crease').value}°`; });
+  byId('settings').addEventListener('input', tidySettings);
   new ResizeObserver(guarded(repaint)).observe(byId('drawing'));
   document.addEventListener('keydown', (event) => {
     if (event.ctrlKey || event.metaKey || event.altKey || !model) return;

@@ -1,12 +1,13 @@
-// The model in three dimensions, in parallel projection as drawings are. Tells when it was let go.
+// The model in three dimensions, in parallel projection or from an eye as its drawing is. Tells when it was let go.
 import {
-  BufferAttribute, BufferGeometry, DirectionalLight, DoubleSide, HemisphereLight, Mesh, MeshLambertMaterial, OrthographicCamera, Scene, Vector3,
-  WebGLRenderer,
+  BufferAttribute, BufferGeometry, DirectionalLight, DoubleSide, HemisphereLight, Mesh, MeshLambertMaterial, OrthographicCamera, PerspectiveCamera, Scene,
+  Vector3, WebGLRenderer,
 } from 'three';
 import { OrbitControls } from 'three/examples/jsm/controls/OrbitControls.js';
 
 const SETTLED = 180; // ms after the last key or turn of the wheel
 const STEP = Math.PI / 24;
+const FAR = 4; // distance of the eye, in radii of the model
 const VIEWS = { front: [0, 1, 0], back: [0, -1, 0], left: [1, 0, 0], right: [-1, 0, 0], top: [0, 0, -1], bottom: [0, 0, 1], iso: [-1, 1, -1] };
 
 export class Viewer {
@@ -14,10 +15,13 @@ export class Viewer {
   #renderer = new WebGLRenderer({ antialias: true, alpha: true }); // throws where there is none
   #scene = new Scene();
   #camera = new OrthographicCamera(-1, 1, 1, -1);
+  #eye = new PerspectiveCamera();
+  #isPerspective = false;
   #controls;
   #light = new DirectionalLight(0xffffff, 2.2);
   #mesh;
   #radius = 1;
+  #middle = [0, 0, 0];
   #half = [1, 1, 1]; // of the model's box
   #isYUp = false;
   #timer;
@@ -36,6 +40,7 @@ export class Viewer {
   /** Points and triangles of a model, and which axis points up. */
   show({ points, triangles }, { low, high, axes }) {
     const middle = low.map((x, k) => (x + high[k]) / 2);
+    this.#middle = middle;
     this.#radius = Math.hypot(...high.map((x, k) => x - low[k])) / 2 || 1;
     this.#half = high.map((x, k) => (x - low[k]) / 2);
     this.stand(axes);
@@ -94,8 +99,27 @@ export class Viewer {
   view() {
     this.#camera.updateMatrixWorld();
     const { elements } = this.#camera.matrixWorld;
-    const tidy = (x) => (Math.abs(x) < 1e-4 ? 0 : x);
-    return { name: 'view', direction: [-elements[8], -elements[9], -elements[10]].map(tidy), up: [elements[4], elements[5], elements[6]].map(tidy) };
+    const axis = (k) => elements.slice(4 * k, 4 * k + 3).map((x) => (Math.abs(x) < 1e-4 ? 0 : x));
+    const up = axis(1), back = axis(2);
+    if (!this.#isPerspective) return { name: 'view', direction: back.map((x) => -x), up };
+    const at = this.#controls.target.toArray().map((x, k) => x + this.#middle[k]);
+    return { name: 'view', eye: at.map((x, k) => x + FAR * this.#radius * back[k]), at, up };
+  }
+
+  setPerspective(isOn) {
+    if (isOn === this.#isPerspective) return;
+    this.#isPerspective = isOn;
+    this.#render();
+  }
+
+  // What the parallel camera looks at, from the eye: across the target both show the same.
+  #fromEye() {
+    const { right, top, zoom, quaternion } = this.#camera, distance = FAR * this.#radius;
+    Object.assign(this.#eye, { fov: (360 / Math.PI) * Math.atan(top / zoom / distance), aspect: right / top, near: distance / 50, far: 10 * distance });
+    this.#eye.quaternion.copy(quaternion);
+    this.#eye.position.set(0, 0, distance).applyQuaternion(quaternion).add(this.#controls.target);
+    this.#eye.updateProjectionMatrix();
+    return this.#eye;
   }
 
   // The controls keep the axis that points up from when they are made.
@@ -150,6 +174,6 @@ export class Viewer {
   }
 
   #render() {
-    this.#renderer.render(this.#scene, this.#camera);
+    this.#renderer.render(this.#scene, this.#isPerspective ? this.#fromEye() : this.#camera);
   }
 }
