@@ -42,6 +42,7 @@ struct NumberKind {
 };
 constexpr NumberKind kLength = {"LENGTH", "a length", 0, std::numeric_limits<double>::max()};
 constexpr NumberKind kDegrees = {"DEGREES", "an angle from 0 to 180 degrees", 0, 180};
+constexpr NumberKind kOpening = {"DEGREES", "an angle from 0 to 170 degrees", 0, 170};
 constexpr NumberKind kTurn = {"DEGREES", "a number of degrees", -1e9, 1e9};
 constexpr NumberKind kFactor = {"FACTOR", "a positive factor", std::numeric_limits<double>::min(),
                                 std::numeric_limits<double>::max()};
@@ -325,7 +326,7 @@ void CommandLine::DeclareDraw() {
                   "A perspective from this point beside the views of --view: to the middle of the model, or along --look")
       ->type_name("X,Y,Z");
   AddNumber(
-      command, "--fov", kDegrees, draw_.fov,
+      command, "--fov", kOpening, draw_.fov,
       "With --eye: cut the picture off at this angle, at most 170; by default all is drawn, and 60 if the eye is within the model");
   command
       .add_option("--section", draw_.sections,

@@ -14,17 +14,22 @@
 // Difficulty: tessellators divide a face as they like. What they agree on is that a strip of a cylinder or cone, and a flat face,
 // are plane but for rounding. So facets are plane patches of two and more triangles, and at least one side of a tangent edge is
 // one: where fillets meet at a corner, it is the long facet of the fillet that does not bend along the corner's edge. Scanned
-// surfaces hardly have any such patches. A patch with many corners is a flat face as a whole.
+// surfaces hardly have any such patches. A patch with many corners is a flat face as a whole. And where strips are wide and narrow
+// by turns, one facet tells nothing: there the jump must be seen over the way that the rounder side takes to turn by some degrees
+// too.
 #include "drawing/model/tangents.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "drawing/model/connectivity.h"
+#include "drawing/model/disjoint_sets.h"
 #include "drawing/model/patches.h"
 
 namespace zbr::drawing {
@@ -35,6 +40,12 @@ constexpr double kSmallestBend = 0.004;  // radians, half of what a facet bends;
 constexpr double kJump = 0.7;            // of the larger curvature: what it has to differ from the other one by
 constexpr double kMisfit = 0.3;          // of a bend: what it may be off from what both facets say; more is noise
 constexpr double kFarLonger = 3.0;       // a facet this many times as wide as the other does not belong to the same bend
+// How far the rounder side is followed: until it has turned by so much, or by so little and is flat for far longer from there on;
+// radians. What turns less ends nowhere that can be seen.
+constexpr double kRunTurn = 0.3;
+constexpr double kLeastTurn = 0.1;
+constexpr int kMostTriangles = 200;  // of a run
+constexpr double kShortLine = 0.03;  // of the diagonal: lines that end loosely are longer
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kWide = std::numeric_limits<double>::infinity();
 
@@ -50,6 +61,11 @@ struct Extent {
 
 struct Facet {
   double width, curvature;
+};
+
+// A way over the surface, and how much that turns along it.
+struct Way {
+  double length = 0.0, turn = 0.0;
 };
 
 class Finder {
@@ -171,7 +187,68 @@ class Finder {
     Complete(a, b, bend);
     Complete(b, a, bend);
     if (!(std::abs(2.0 * bend - Turn(a) - Turn(b)) <= kMisfit * std::abs(2.0 * bend))) return false;
-    return std::abs(a.curvature - b.curvature) > kJump * std::max(std::abs(a.curvature), std::abs(b.curvature));
+    if (!Differ(a.curvature, b.curvature)) return false;
+    return HoldsForRuns(SideAt(edge, t), SideAt(edge, u));
+  }
+
+  static bool Differ(double a, double b) { return std::abs(a - b) > kJump * std::max(std::abs(a), std::abs(b)); }
+
+  // The way over the surface from the middle of a side, at a right angle to it: as far as it is round, or up to a length.
+  Way Follow(Side s, double upTo) const {
+    const bool isRound = upTo == kWide;
+    Way run;
+    ZBR_PT3 p = (From(s) + To(s)) * 0.5, way = Inwards(s);
+    double walked = 0.0;
+    for (int k = 0; k < kMostTriangles; ++k) {
+      const Side out = Leave(s, p, way, walked);
+      if (!isRound && walked > upTo) return {upTo, run.turn};
+      if (isRound && std::abs(run.turn) >= kLeastTurn && walked > (1.0 + kFarLonger) * run.length) return run;
+      if (out == kNoSide || !IsSmooth(EdgeAt(out))) break;
+      s = SideAt(EdgeAt(out), mesh_.Across(EdgeAt(out), out / 3));
+      const ZBR_PT3 along = (To(s) - From(s)) * (1.0 / (To(s) - From(s)).Length());
+      const double across = -way.InnerProduct(Inwards(out)), bend = across * Bend(EdgeAt(s));
+      way = along * way.InnerProduct(along) + Inwards(s) * across;
+      run.turn += bend;
+      if (!isRound || std::abs(bend) > kSmallestBend * kMisfit) run.length = walked;
+      if (isRound && std::abs(run.turn) >= kRunTurn) return run;
+    }
+    if (!isRound) run.length = walked;
+    return run;
+  }
+
+  // At a right angle to the side, within its triangle.
+  ZBR_PT3 Inwards(Side s) const {
+    const ZBR_PT3 inwards = model_.normals[s / 3].OuterProduct(To(s) - From(s));
+    const double length = inwards.Length();
+    return length > 0 ? inwards * (1.0 / length) : ZBR_PT3();
+  }
+
+  // Where the way leaves the triangle that it entered at a side; moves p there.
+  Side Leave(Side s, ZBR_PT3& p, const ZBR_PT3& way, double& walked) const {
+    Side out = kNoSide;
+    double least = kWide;
+    for (const Side side : {3 * (s / 3) + (s + 1) % 3, 3 * (s / 3) + (s + 2) % 3}) {
+      const ZBR_PT3 inwards = Inwards(side);
+      const double towards = -way.InnerProduct(inwards);
+      if (!(towards > 0)) continue;
+      const double length = std::max((p - From(side)).InnerProduct(inwards) / towards, 0.0);
+      if (length >= least) continue;
+      least = length;
+      out = side;
+    }
+    if (out == kNoSide) return out;
+    p += way * least;
+    walked += least;
+    return out;
+  }
+
+  bool HoldsForRuns(Side s, Side o) const {
+    const Way there = Follow(s, kWide), here = Follow(o, kWide);
+    const bool isFirst = here.turn == 0 || std::abs(there.turn) * here.length > std::abs(here.turn) * there.length;
+    const Way& round = isFirst ? there : here;
+    if (!(std::abs(round.turn) >= kLeastTurn)) return false;
+    const Way flat = Follow(isFirst ? o : s, round.length);
+    return Differ(round.turn * flat.length, flat.turn * round.length);
   }
 
   // The curvature of one facet from the other's and the bend between them.
@@ -190,35 +267,66 @@ class Finder {
   std::vector<Extent> extents_;      // of the sides of facets
 };
 
-// Lines go on or end at others: an edge with a loose end is chance.
-std::vector<std::uint32_t> Connected(const Connectivity& mesh, const std::vector<std::uint32_t>& found) {
-  const auto ends = [&](std::uint32_t edge) {
-    const std::uint32_t t = mesh.sides[edge][0];
+// Lines go on or end at others: an edge with a loose end is chance, and so are short lines with one.
+class Chains {
+ public:
+  explicit Chains(const Connectivity& mesh) : mesh_(mesh), uses_(mesh.points.size()) {
+    for (std::uint32_t e = 0; e < mesh.sides.size(); ++e) {
+      if (mesh.shows[e]) Use(e);
+    }
+  }
+
+  std::vector<std::uint32_t> Connected(std::vector<std::uint32_t> found, double least) {
+    for (const std::uint32_t e : found) Use(e);
+    std::vector<std::uint32_t> dropped;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(dropped), [&](std::uint32_t e) { return LooseEnds(e) > 0; });
+    std::erase_if(found, [&](std::uint32_t e) { return LooseEnds(e) > 0; });
+    for (const std::uint32_t e : dropped) {
+      for (const std::uint32_t p : Ends(e)) --uses_[p];
+    }
+    DisjointSets sets(mesh_.points.size());
+    for (const std::uint32_t e : found) sets.Unite(Ends(e)[0], Ends(e)[1]);
+    std::vector<double> length(mesh_.points.size());
+    std::vector<bool> isLoose(mesh_.points.size());
+    for (const std::uint32_t e : found) {
+      const std::uint32_t chain = sets.Find(Ends(e)[0]);
+      length[chain] += mesh_.points[Ends(e)[0]].Distance(mesh_.points[Ends(e)[1]]);
+      if (LooseEnds(e) > 0) isLoose[chain] = true;
+    }
+    std::erase_if(found, [&](std::uint32_t e) {
+      const std::uint32_t chain = sets.Find(Ends(e)[0]);
+      return isLoose[chain] && length[chain] < least;
+    });
+    return found;
+  }
+
+ private:
+  std::array<std::uint32_t, 2> Ends(std::uint32_t edge) const {
+    const std::uint32_t t = mesh_.sides[edge][0];
     std::size_t i = 0;
-    while (mesh.edges[t][i] != edge) ++i;
-    return std::array{mesh.corners[t][i], mesh.corners[t][(i + 1) % 3]};
-  };
-  std::vector<std::uint32_t> uses(mesh.points.size());
-  if (found.empty()) return {};
-  for (std::uint32_t e = 0; e < mesh.sides.size(); ++e) {
-    if (!mesh.shows[e]) continue;
-    for (const std::uint32_t p : ends(e)) ++uses[p];
+    while (mesh_.edges[t][i] != edge) ++i;
+    return {mesh_.corners[t][i], mesh_.corners[t][(i + 1) % 3]};
   }
-  for (const std::uint32_t e : found) {
-    for (const std::uint32_t p : ends(e)) ++uses[p];
+  void Use(std::uint32_t edge) {
+    for (const std::uint32_t p : Ends(edge)) ++uses_[p];
   }
-  std::vector<std::uint32_t> connected;
-  for (const std::uint32_t e : found) {
-    if (uses[ends(e)[0]] > 1 && uses[ends(e)[1]] > 1) connected.push_back(e);
+  int LooseEnds(std::uint32_t edge) const {
+    const auto ends = Ends(edge);
+    return static_cast<int>(std::count_if(ends.begin(), ends.end(), [&](std::uint32_t p) { return uses_[p] < 2; }));
   }
-  return connected;
-}
+
+  const Connectivity& mesh_;
+  std::vector<std::uint32_t> uses_;  // of points, by what is drawn
+};
 
 }  // namespace
 
 void NoteTangents(Model& model) {
   const Finder finder(model);
-  for (const std::uint32_t edge : Connected(finder.Mesh(), finder.Run())) model.notes[edge].isTangent = true;
+  std::vector<std::uint32_t> found = finder.Run();
+  if (found.empty()) return;
+  for (const std::uint32_t edge : Chains(finder.Mesh()).Connected(std::move(found), kShortLine * model.Diagonal()))
+    model.notes[edge].isTangent = true;
 }
 
 }  // namespace zbr::drawing

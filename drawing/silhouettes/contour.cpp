@@ -90,9 +90,9 @@ class DrawnLines {
   void Add(const ZBR_SEG& segment) {
     const auto k = static_cast<std::uint32_t>(segments_.size());
     segments_.push_back(segment);
-    const double steps = std::max(std::ceil(2.0 * segment.s().Distance(segment.e()) / cell_), 1.0);
-    for (double step = 0; step <= steps; ++step) {
-      const ZBR_PT p = segment.s() + (segment.e() - segment.s()) * (step / steps);
+    const auto steps = static_cast<std::size_t>(std::max(std::ceil(2.0 * segment.s().Distance(segment.e()) / cell_), 1.0));
+    for (std::size_t step = 0; step <= steps; ++step) {
+      const ZBR_PT p = segment.s() + (segment.e() - segment.s()) * (static_cast<double>(step) / static_cast<double>(steps));
       std::vector<std::uint32_t>& cell = cells_[Key(Cell(p.x()), Cell(p.y()))];
       if (cell.empty() || cell.back() != k) cell.push_back(k);
     }

@@ -34,12 +34,12 @@ double Towards(const ZBR_PT3& normal, const View& view, Facing facing) {
 
 // Whether a triangle at the edge is seen edge-on.
 bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPE& edge, const View& view) {
-  for (const ZBR_ZBREPT* const t : {edge.GetTriangle0(), edge.GetTriangle1()}) {
-    if (t == nullptr) continue;
+  const std::array triangles = {edge.GetTriangle0(), edge.GetTriangle1()};
+  return std::any_of(triangles.begin(), triangles.end(), [&](const ZBR_ZBREPT* t) {
+    if (t == nullptr) return false;
     const ZBR_PT3& normal = model.normals[model.shellBegin[s] + static_cast<std::size_t>(t->GetIndex())];
-    if (std::abs(normal.InnerProduct(view.toViewer)) <= kSceneTolerance) return true;
-  }
-  return false;
+    return std::abs(normal.InnerProduct(view.toViewer)) <= kSceneTolerance;
+  });
 }
 
 }  // namespace

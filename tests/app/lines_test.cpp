@@ -237,6 +237,15 @@ TEST(Tangents, FilletsEndAndNothingElseDoes) {
   EXPECT_TRUE(tangents(Cylinder(64, 1, 3)).empty());
   EXPECT_TRUE(tangents(example::Torus(4000)).empty());
   EXPECT_TRUE(tangents(example::Gear(4000)).empty());
+  std::mt19937 random(2);  // strips wide and narrow by turns
+  for (const double least : {0.0003, 0.01}) {
+    std::vector<ZBR_PT> corners;
+    for (double a = 0; a < 6.28; a += least * std::pow(0.1 / least, std::uniform_real_distribution<double>(0, 1)(random)))
+      corners.emplace_back(80 * std::cos(a), 80 * std::sin(a));
+    example::Solid uneven;
+    uneven.Extrude(example::Axis::kZ, example::Polygon(corners), 0, 30);
+    EXPECT_TRUE(tangents(uneven.Take()).empty()) << least;
+  }
 }
 
 // A picture shows no hidden lines unless it is asked to, a view along an axis does; hidden tangent edges are never drawn.
