@@ -167,9 +167,15 @@ class Inserter {
   bool anyMoved_ = false;
 };
 
-// Whether the loops have the same points in the same order.
+// Whether the loops have the same points in the same order, wherever they start.
 bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
-  return std::equal(a.pt().begin(), a.pt().end(), b.pt().begin(), b.pt().end(), AreIdentical);
+  const std::vector<ZBR_PT>& p = a.pt();
+  const std::vector<ZBR_PT>& q = b.pt();
+  if (p.size() != q.size() || p.empty()) return p.size() == q.size();
+  const auto start = std::find_if(q.begin(), q.end(), [&](const ZBR_PT& point) { return AreIdentical(point, p[0]); });
+  const auto rest = static_cast<std::ptrdiff_t>(q.end() - start);
+  return start != q.end() && std::equal(start, q.end(), p.begin(), AreIdentical) &&
+         std::equal(q.begin(), start, p.begin() + rest, AreIdentical);
 }
 
 // Runs of copies, of which each lies in the one before. They are nested as one: what lies in the first lies in the last.

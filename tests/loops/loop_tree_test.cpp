@@ -76,29 +76,36 @@ TEST(LoopTree, DeepNests) {
   }
 }
 
-// Copies are nested as one, loops that are equal but for the vertex they start at one by one.
+// Copies are nested as one, wherever they start; loops that are equal but for points on their edges one by one.
 TEST(LoopTree, CopiesNestAsEqualLoopsDo) {
   std::mt19937_64 random(1);
   const auto below = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
   for (int k = 0; k < 300; ++k) {
     std::vector<Ring> copies;
     std::vector<Ring> turned;
+    std::vector<Ring> split;
     for (int n = 1 + below(5); n > 0; --n) {
       const int x = 20 * below(2), half = 1 + below(6);
       Ring ring = Square(x - half, -half, 2 * half);
+      Ring longer = ring;
       for (int times = 1 + below(5); times > 0; --times) {
         copies.push_back(Square(x - half, -half, 2 * half));
         turned.push_back(ring);
+        split.push_back(longer);
         std::rotate(ring.begin(), ring.begin() + 1, ring.end());
+        longer.push_back((longer[0] + longer.back()) * 0.5);
       }
     }
     LoopList a = MakeLoops(copies);
     LoopList b = MakeLoops(turned);
-    zbrMakeLoopTree(a);
-    zbrMakeLoopTree(b);
-    ASSERT_EQ(Tree(a), Tree(b)) << k;
+    LoopList c = MakeLoops(split);
+    for (LoopList* loops : {&a, &b, &c}) zbrMakeLoopTree(*loops);
+    ASSERT_EQ(Tree(a), Tree(c)) << k;
+    ASSERT_EQ(Tree(b), Tree(c)) << k;
   }
-  LoopList many = MakeLoops(std::vector<Ring>(50000, Square(0, 0, 4)));
+  std::vector<Ring> rings(50000, Square(0, 0, 4));
+  for (std::size_t i = 0; i < rings.size(); ++i) std::rotate(rings[i].begin(), rings[i].begin() + i % 4, rings[i].end());
+  LoopList many = MakeLoops(rings);
   zbrMakeLoopTree(many);
   EXPECT_EQ(many.size(), 25000U);
 }

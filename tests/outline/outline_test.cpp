@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <span>
 
 #include "hiddenline/scenes.h"
 #include "support/expect.h"
@@ -13,38 +14,40 @@
 
 namespace {
 
-// Pieces cover each edge from its first point to its last, and lie on it; corners are vertices to the bit.
-void ExpectSources(const std::vector<ZBR_HL_SHELL>& shells, const ZBR_HL_OUTLINE_SOURCES& sources, double tolerance) {
-  const auto corner = [&](const ZBR_HL_SOURCE& s, int k) {
-    return shells[static_cast<std::size_t>(s.shell)].tris[s.triangle].pt[(s.edge + k) % 3].xy();
-  };
-  std::size_t edge = 0;
-  for (const Ring& ring : RingsOf(shells[0].outline_all)) {
-    for (std::size_t i = 0; i < ring.size(); ++i, ++edge) {
-      const ZBR_PT& p = ring[i];
-      const ZBR_PT d = ring[(i + 1) % ring.size()] - p;
-      ASSERT_LT(edge + 1, sources.offsets.size());
-      double reached = 0.0;  // in lengths of the edge
-      for (std::size_t k = sources.offsets[edge]; k < sources.offsets[edge + 1]; ++k) {
-        const ZBR_HL_PIECE& piece = sources.pieces[k];
-        double along[2];
-        for (const int end : {0, 1}) {
-          const double t = end == 0 ? piece.t0 : piece.t1;
-          const ZBR_PT at = corner(piece.source, 0) * (1.0 - t) + corner(piece.source, 1) * t - p;
-          along[end] = at.InnerProduct(d) / d.Length2();
-          EXPECT_LE(std::fabs(at.OuterProduct(d)), tolerance * d.Length());
-        }
-        EXPECT_LE((along[0] - reached) * d.Length(), tolerance) << "a gap";
-        EXPECT_GE((along[1] - along[0]) * d.Length(), -tolerance) << "runs back";
-        reached = std::max(reached, along[1]);
-      }
-      EXPECT_GE((reached - 1.0) * d.Length(), -tolerance) << "an end without source";
-      const ZBR_HL_SOURCE& first = sources.corners[edge];
-      if (first.triangle >= 0) {
-        EXPECT_EQ(corner(first, 0).Distance(p), 0.0);
-      }
-    }
+ZBR_PT CornerOf(const std::vector<ZBR_HL_SHELL>& shells, const ZBR_HL_SOURCE& s, int k) {
+  return shells[static_cast<std::size_t>(s.shell)].tris[s.triangle].pt[(s.edge + k) % 3].xy();
+}
+
+// The pieces lie on the edge from p to q and cover it.
+void ExpectCovered(const std::vector<ZBR_HL_SHELL>& shells, const ZBR_PT& p, const ZBR_PT& q, std::span<const ZBR_HL_PIECE> pieces,
+                   double tolerance) {
+  const ZBR_PT d = (q - p) / q.Distance(p);
+  double reached = 0.0;
+  for (const ZBR_HL_PIECE& piece : pieces) {
+    const ZBR_PT from = CornerOf(shells, piece.source, 0) - p;
+    const ZBR_PT to = CornerOf(shells, piece.source, 1) - p;
+    const ZBR_PT ends[] = {from + (to - from) * piece.t0, from + (to - from) * piece.t1};
+    for (const ZBR_PT& end : ends) EXPECT_LE(std::fabs(d.OuterProduct(end)), tolerance);
+    EXPECT_LE(d.InnerProduct(ends[0]) - reached, tolerance) << "a gap";
+    EXPECT_GE(d.InnerProduct(ends[1] - ends[0]), -tolerance) << "runs back";
+    reached = std::max(reached, d.InnerProduct(ends[1]));
   }
+  EXPECT_GE(reached, q.Distance(p) - tolerance) << "an end without source";
+}
+
+// Edges are covered by their sources, and corners are vertices to the bit.
+void ExpectSources(const std::vector<ZBR_HL_SHELL>& shells, const ZBR_HL_OUTLINE_SOURCES& sources, double tolerance) {
+  std::size_t edge = 0;
+  ForEachEdge(RingsOf(shells[0].outline_all), [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+    ASSERT_LT(edge + 1, sources.offsets.size());
+    const std::span pieces(sources.pieces);
+    const std::size_t first = sources.offsets[edge];
+    ExpectCovered(shells, p, q, pieces.subspan(first, sources.offsets[edge + 1] - first), tolerance);
+    const ZBR_HL_SOURCE& corner = sources.corners[edge++];
+    if (corner.triangle >= 0) {
+      EXPECT_EQ(CornerOf(shells, corner, 0).Distance(p), 0.0);
+    }
+  });
   EXPECT_EQ(sources.offsets.size(), edge + 1);
   EXPECT_EQ(sources.corners.size(), edge);
 }
