@@ -29,7 +29,7 @@ constexpr double kCreaseDegrees = 30.0;
 
 // Times of the steps, one entry per repetition.
 struct Times {
-  std::vector<double> model, scene, fourViews, remove, chain, hidden, hiddenDrawing;
+  std::vector<double> model, scene, fourViews, remove, removeAll, inPieces, chain, hidden, hiddenDrawing;
 };
 
 void TimePreparation(const SceneInput& input, zbr::drawing::Model& model, Times& times) {
@@ -89,8 +89,13 @@ void MeasureOurs(const HiddenScene& scene, const SceneOptions& options) {
     times.remove.push_back(Time([&] { remover.Run(); }));
     if (remover.Describe().checksum != first.checksum) throw std::runtime_error(scene.name + ": two runs differ");
     TimeAfterwards(remover.scene(), times);
+    remover.Load(model, input.view);
+    times.removeAll.push_back(Time([&] { times.inPieces.push_back(remover.RunInPieces()); }));
+    if (remover.Describe().checksum != first.checksum) throw std::runtime_error(scene.name + ": in pieces it differs");
   }
   report.Row("remove", Median(times.remove), "s");
+  if (!times.removeAll.empty()) report.Row("remove-all", Median(times.removeAll), "s");
+  if (!times.inPieces.empty()) report.Row("remove-all-in-pieces", Median(times.inPieces), "part");
   ReportLines(report, first);
   report.Row("chain", Median(times.chain), "s");
   report.Row("hidden-0", Median(times.hidden), "s");

@@ -6,6 +6,7 @@
 #include <bit>
 
 #include "hidden_remover.h"
+#include "scene_runs.h"
 
 namespace bench {
 namespace {
@@ -25,6 +26,20 @@ void ZbrRemover::Load(const zbr::drawing::Model& model, const zbr::drawing::View
 void ZbrRemover::Run() {
   const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
   ZBR_HiddenLine::HiddenLine_Shells(scene_.shells.data(), scene_.ShellCount());
+}
+
+double ZbrRemover::RunInPieces() {
+  const ZBR_TmpEps eps(zbr::drawing::kSceneTolerance);
+  double inPieces = 0.0;
+  ZBR_HL_REMOVAL options;
+  options.executor = [&](std::size_t count, const std::function<void(std::size_t)>& work) {
+    const double seconds = Time([&] {
+      for (std::size_t i = 0; i < count; ++i) work(i);
+    });
+    if (count > 1) inPieces += seconds;
+  };
+  const double all = Time([&] { ZBR_HiddenLine::RemoveAll(scene_.shells.data(), scene_.ShellCount(), options); });
+  return all > 0.0 ? inPieces / all : 0.0;
 }
 
 DrawnLines ZbrRemover::Describe() const {

@@ -59,7 +59,7 @@ void KeepOneOfTwo(ZBR_HL_TRI& t) {
 
 // The single interval of the long edge L on one side of the place below the apex, where only one of the edges at the apex is drawn.
 void GiveStretch(ZBR_HL_TRI& t) {
-  const int edge = t.vert_edge;
+  const int edge = static_cast<unsigned char>(t.vert_edge);
   const bool fromStart = t.dispj[(edge + 1) % 3];
   if (!t.dispj[edge]) return;
   const ZBR_PT3& p = t.pt[edge];

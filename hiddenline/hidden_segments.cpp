@@ -9,6 +9,7 @@
 #include <zbr/hidden_line.h>
 
 #include "core/planar_inline.h"
+#include "core/sharing.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/interval.h"
@@ -104,9 +105,9 @@ bool IsLeftToNeighbour(const ZBR_HL_SHELL& shell, const ZBR_HL_SOURCE& source) {
 }
 
 // Replaces each stretch by its parts that no visible line and no earlier stretch covers.
-void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, double width) {
+void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, double width, const Sharing& sharing) {
   Stretches rest;
-  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments, width).Gaps()) {
+  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments, width).Gaps(sharing)) {
     const ZBR_SEG& g = hidden.segments[gap.segment];
     const ZBR_PT along = g.e() - g.s();
     rest.segments.emplace_back(gap.from == 0.0 ? g.s() : g.s() + along * gap.from, gap.to == 1.0 ? g.e() : g.s() + along * gap.to);
@@ -116,16 +117,16 @@ void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, doubl
 }
 
 // As a person draws: each line once, and no hidden line along a visible one.
-Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, unsigned count, double width) {
+Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, unsigned count, double width, const Sharing& sharing) {
   const Stretches visible = Collect(shells, count, AddVisible);
   Stretches hidden = Collect(shells, count, AddGaps,
                              [shells](const ZBR_HL_SOURCE& source) { return !IsLeftToNeighbour(shells[source.shell], source); });
-  KeepUncovered(hidden, visible.segments, width);
+  KeepUncovered(hidden, visible.segments, width, sharing);
   return hidden;
 }
 
-Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode, double width) {
-  if (mode >= 3) return HiddenDrawing(shells, count, std::max(width, t_tolerance.eps));
+Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode, double width, const Sharing& sharing) {
+  if (mode >= 3) return HiddenDrawing(shells, count, std::max(width, t_tolerance.eps), sharing);
   Stretches hidden = Collect(shells, count, AddGaps);
   if (mode == 2) Keep(hidden, NotIn(Collect(shells, count, AddVisible).segments, hidden.segments));
   Keep(hidden, FirstOfEach(hidden.segments));
@@ -136,12 +137,12 @@ Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode, 
 }  // namespace zbr
 
 void ZBR_HiddenLine::GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count) {
-  out = zbr::HiddenStretches(shells, count, mode, 0.0).segments;
+  out = zbr::HiddenStretches(shells, count, mode, 0.0, zbr::Sharing()).segments;
 }
 
 void ZBR_HiddenLine::GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count,
-                                      std::vector<ZBR_HL_SOURCE>& sources, double width) {
-  zbr::Stretches hidden = zbr::HiddenStretches(shells, count, mode, width);
+                                      std::vector<ZBR_HL_SOURCE>& sources, double width, const ZBR_HL_REMOVAL& options) {
+  zbr::Stretches hidden = zbr::HiddenStretches(shells, count, mode, width, zbr::Sharing(&options.executor));
   out = std::move(hidden.segments);
   sources = std::move(hidden.sources);
 }

@@ -20,8 +20,8 @@
 #include <zbr/spatial.h>
 
 #include "core/box.h"
+#include "core/sharing.h"
 #include "hiddenline/extents.h"
-#include "hiddenline/sharing.h"
 
 namespace zbr {
 

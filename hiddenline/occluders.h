@@ -3,9 +3,9 @@
 
 #include <zbr/hidden_line.h>
 
+#include "core/sharing.h"
 #include "hiddenline/extents.h"
 #include "hiddenline/occluder_tree.h"
-#include "hiddenline/sharing.h"
 
 struct ZBR_HL_SHELL::Occluders {
   // Of a checked shell, whose triangles that are not invalid lie within the bounds; a place outside `pickable` picks nothing.

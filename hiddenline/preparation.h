@@ -6,8 +6,8 @@
 
 #include <zbr/hidden_line.h>
 
+#include "core/sharing.h"
 #include "hiddenline/extents.h"
-#include "hiddenline/sharing.h"
 
 namespace zbr {
 

@@ -16,12 +16,12 @@
 #include <zbr/hidden_line.h>
 
 #include "core/constants.h"
+#include "core/sharing.h"
 #include "core/tolerance_state.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/occluders.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/preparation.h"
-#include "hiddenline/sharing.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace zbr {
 namespace {
@@ -36,14 +37,18 @@ int Beside::BundleOf(const ZBR_SEG& g) {
 
 void Beside::PartTree::Build() {
   std::vector<ZBR_PT> centres;
-  centres.reserve(parts_.size());
-  for (const Part& part : parts_) centres.push_back(part.box.Center());
-  const std::vector<Part> unsorted = std::move(parts_);
-  parts_.clear();
-  parts_.reserve(unsorted.size());
-  for (const std::uint32_t i : SpatialOrder(centres)) parts_.push_back(unsorted[i]);
-  const std::span<Box> leaves = tree_.StartLeaves(parts_.size());
-  for (std::size_t i = 0; i < parts_.size(); ++i) leaves[i] = parts_[i].box;
+  centres.reserve(boxes_.size());
+  for (const Box& box : boxes_) centres.push_back(box.Center());
+  const std::vector<std::uint32_t> order = SpatialOrder(centres);
+  std::vector<ZBR_PT>().swap(centres);
+  const std::span<Box> leaves = tree_.StartLeaves(boxes_.size());
+  std::vector<std::uint32_t> segments(boxes_.size());
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    leaves[i] = boxes_[order[i]];
+    segments[i] = segments_[order[i]];
+  }
+  segments_ = std::move(segments);
+  std::vector<Box>().swap(boxes_);
   tree_.BuildInner();
 }
 

@@ -38,23 +38,23 @@ class Beside {
   // Boxes of parts of segments, in an order good for a tree.
   class PartTree {
    public:
-    void Add(std::uint32_t segment, const ZBR_PT& p, const ZBR_PT& q) { parts_.push_back({segment, BoxOfSegment(p, q)}); }
+    void Add(std::uint32_t segment, const ZBR_PT& p, const ZBR_PT& q) {
+      segments_.push_back(segment);
+      boxes_.push_back(BoxOfSegment(p, q));
+    }
     void Build();
     // False when visit ended it.
     template <class Visit>
     bool Search(const Box& box, Visit& visit) const {
       bool goOn = true;
       tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
-                 [&](std::uint32_t leaf) { return goOn = visit(parts_[leaf].segment); });
+                 [&](std::uint32_t leaf) { return goOn = visit(segments_[leaf]); });
       return goOn;
     }
 
    private:
-    struct Part {
-      std::uint32_t segment;
-      Box box;
-    };
-    std::vector<Part> parts_;
+    std::vector<std::uint32_t> segments_;  // of the parts
+    std::vector<Box> boxes_;               // until they are the leaves of the tree
     BoxTree tree_;
   };
 

@@ -60,25 +60,33 @@ void Join(std::vector<std::pair<double, double>>& ranges) {
 CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width)
     : segments_(segments), width_(width), beside_(segments, others, width) {}
 
-std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
+std::vector<CoveredParts::Gap> CoveredParts::Gaps(const Sharing& sharing) const {
   std::vector<ZBR_PT> centres;
   centres.reserve(segments_.size());
   for (const ZBR_SEG& g : segments_) centres.push_back((g.s() + g.e()) / 2.0);
+  const std::vector<std::uint32_t> order = SpatialOrder(centres);  // neighbours in the plane read the same part of the trees
+  constexpr std::size_t kPiece = 4096;
+  std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
+  sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+    Ranges ranges;
+    for (std::size_t k = begin; k < end; ++k) AddGaps(order[k], ranges, parts[piece]);
+  });
   std::vector<Gap> gaps;
-  Ranges ranges;
-  for (const std::uint32_t i : SpatialOrder(centres)) {  // neighbours in the plane read the same part of the trees
-    FindCovered(i, ranges);
-    const double least = t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
-    double from = 0.0;
-    for (const auto& [t0, t1] : ranges) {
-      if (t0 - from > least) gaps.push_back({i, from, t0});
-      from = std::max(from, t1);
-    }
-    if (1.0 - from > least) gaps.push_back({i, from, 1.0});
-  }
+  for (const std::vector<Gap>& part : parts) gaps.insert(gaps.end(), part.begin(), part.end());
   std::vector<Gap> scratch;
   RadixSort(gaps, scratch, [](const Gap& gap) { return gap.segment; });
   return gaps;
+}
+
+void CoveredParts::AddGaps(std::uint32_t i, Ranges& ranges, std::vector<Gap>& gaps) const {
+  FindCovered(i, ranges);
+  const double least = t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
+  double from = 0.0;
+  for (const auto& [t0, t1] : ranges) {
+    if (t0 - from > least) gaps.push_back({i, from, t0});
+    from = std::max(from, t1);
+  }
+  if (1.0 - from > least) gaps.push_back({i, from, 1.0});
 }
 
 // Where lines lie on each other by the hundred, the first few cover all there is.

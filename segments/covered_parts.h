@@ -7,6 +7,7 @@
 
 #include <zbr/planar.h>
 
+#include "core/sharing.h"
 #include "segments/beside.h"
 
 namespace zbr {
@@ -24,11 +25,12 @@ class CoveredParts {
     double to;
   };
   // All of them, by segment and then along it.
-  std::vector<Gap> Gaps() const;
+  std::vector<Gap> Gaps(const Sharing& sharing = Sharing()) const;
 
  private:
   using Ranges = std::vector<std::pair<double, double>>;
 
+  void AddGaps(std::uint32_t i, Ranges& ranges, std::vector<Gap>& gaps) const;
   // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
   void FindCovered(std::uint32_t i, Ranges& ranges) const;
 

@@ -11,6 +11,7 @@
 #include <tuple>
 
 #include "drawing/curves/seen_circles.h"
+#include "drawing/parallel.h"
 #include "drawing/views/chains.h"
 
 namespace zbr::drawing {
@@ -34,8 +35,8 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 
 class Collector {
  public:
-  Collector(const Model& model, const Scene& scene, const Circles* circles)
-      : model_(model), scene_(scene), circles_(model, scene, circles) {}
+  Collector(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
+      : model_(model), scene_(scene), circles_(model, scene, circles), threads_(threads) {}
 
   void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
     const std::size_t t = static_cast<std::size_t>(scene_.shells[shell].tris - scene_.triangles.data()) + triangle;
@@ -57,6 +58,9 @@ class Collector {
   }
 
   void AddVisible() {
+    std::size_t count = 0;
+    for (const ZBR_HL_SHELL& shell : scene_.shells) count += shell.GetDispSegNum();
+    segments_.reserve(count);
     for (std::size_t s = 0; s < scene_.shells.size(); ++s) {
       const ZBR_HL_SHELL& shell = scene_.shells[s];
       for (std::size_t t = 0; t < shell.count; ++t) {
@@ -72,30 +76,54 @@ class Collector {
     std::vector<ZBR_SEG> hidden;
     std::vector<ZBR_HL_SOURCE> sources;
     constexpr int kAsDrawn = 3;
-    ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine);
+    ZBR_HL_REMOVAL options;
+    options.executor = [this](std::size_t count, const std::function<void(std::size_t)>& work) {
+      RunParallel(count, threads_, work);
+    };
+    ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine, options);
+    segments_.reserve(hidden.size());
     for (std::size_t i = 0; i < hidden.size(); ++i)
       Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
     std::erase_if(segments_, [](const BinnedSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
   }
 
   void ChainInto(std::vector<Line>& lines, bool hidden) {
-    const auto key = [](const BinnedSegment& s) { return std::tuple(s.edgeClass, s.shell, s.other); };
-    std::stable_sort(segments_.begin(), segments_.end(),
-                     [&](const BinnedSegment& a, const BinnedSegment& b) { return key(a) < key(b); });
-    std::vector<EdgeSegment> bin;
+    const auto isBefore = [](const BinnedSegment& a, const BinnedSegment& b) { return KeyOf(a) < KeyOf(b); };
+    if (!std::is_sorted(segments_.begin(), segments_.end(), isBefore))
+      std::stable_sort(segments_.begin(), segments_.end(), isBefore);
+    std::vector<std::size_t> begins;  // of pieces of work, which are whole bins
     for (std::size_t i = 0; i < segments_.size(); ++i) {
+      if (i == 0 || (i - begins.back() >= kPiece && KeyOf(segments_[i]) != KeyOf(segments_[i - 1]))) begins.push_back(i);
+    }
+    begins.push_back(segments_.size());
+    std::vector<std::vector<Line>> parts(begins.size() - 1);
+    RunParallel(parts.size(), threads_, [&](std::size_t k) { ChainBins(begins[k], begins[k + 1], hidden, parts[k]); });
+    for (std::vector<Line>& part : parts)
+      lines.insert(lines.end(), std::make_move_iterator(part.begin()), std::make_move_iterator(part.end()));
+    std::vector<BinnedSegment>().swap(segments_);
+  }
+
+ private:
+  static constexpr std::size_t kPiece = 4096;  // segments
+
+  static std::tuple<std::uint8_t, std::uint32_t, std::uint32_t> KeyOf(const BinnedSegment& s) {
+    return {s.edgeClass, s.shell, s.other};
+  }
+
+  // The bins from one place to another.
+  void ChainBins(std::size_t begin, std::size_t end, bool hidden, std::vector<Line>& lines) const {
+    std::vector<EdgeSegment> bin;
+    for (std::size_t i = begin; i < end; ++i) {
       bin.push_back(segments_[i].segment);
-      if (i + 1 < segments_.size() && key(segments_[i + 1]) == key(segments_[i])) continue;
+      if (i + 1 < end && KeyOf(segments_[i + 1]) == KeyOf(segments_[i])) continue;
       for (Chain& chain : ChainSegments(bin, kChainTolerance, circles_)) {
         for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
         lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, segments_[i].other, std::move(chain)});
       }
       bin.clear();
     }
-    segments_.clear();
   }
 
- private:
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t t, int edge) const {
     if (scene_.parts.empty()) return {static_cast<std::uint32_t>(t), static_cast<std::uint8_t>(edge)};
@@ -105,6 +133,7 @@ class Collector {
   const Model& model_;
   const Scene& scene_;
   SeenCircles circles_;
+  const unsigned threads_;
   std::vector<BinnedSegment> segments_;
 };
 
@@ -160,7 +189,7 @@ Extent ExtentOf(const Scene& scene) {
   return extent;
 }
 
-ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles) {
+ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles, unsigned threads) {
   const ZBR_TmpEps hold(kSceneTolerance);
   ViewLines view;
   view.view = scene.view;
@@ -168,7 +197,7 @@ ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, cons
   view.drawable = scene.drawable;
   for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
   view.extent = ExtentOf(scene);
-  Collector collector(model, scene, circles);
+  Collector collector(model, scene, circles, threads);
   collector.AddVisible();
   collector.ChainInto(view.lines, false);
   if (hidden) collector.AddHidden();

@@ -65,13 +65,13 @@ Prepared Prepare(const Model& model, const Found& found, const NamedDirection& d
 }
 
 ViewLines Collect(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
-                  Prepared& view) {
+                  unsigned threads, Prepared& view) {
   const bool hidden = options.hidden == HiddenLines::kInAllViews ||
                       (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
   const bool curves = options.curves && !direction.view.perspective;
   std::vector<Line> silhouettes;
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
-  ViewLines lines = CollectLines(model, view.scene, hidden, curves ? &*found.circles : nullptr);
+  ViewLines lines = CollectLines(model, view.scene, hidden, curves ? &*found.circles : nullptr, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
@@ -94,7 +94,7 @@ ViewLines DrawView(const Model& model, const Found& found, const NamedDirection&
   at(DrawStage::kRemoval);
   if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);
-  ViewLines lines = Collect(model, found, direction, options, view);
+  ViewLines lines = Collect(model, found, direction, options, threads, view);
   if (options.outlines) {
     at(DrawStage::kOutlines);
     constexpr bool kNarrow = true;
@@ -110,8 +110,11 @@ ViewLines DrawView(const Model& model, const Found& found, const NamedDirection&
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
   std::vector<ViewLines> drawn(views.size());
   Found found;
-  if (options.curves || options.centreLines) found.circles = FindCircles(model);
-  if (options.intersections && !views.empty()) found.crossings = FindIntersections(model, options.contact, options.threads);
+  RunParallel(2, options.threads, [&](std::size_t which) {
+    if (which == 0 && options.intersections && !views.empty())
+      found.crossings = FindIntersections(model, options.contact, options.threads);
+    if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
+  });
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {

@@ -90,7 +90,7 @@ Extent ExtentOf(const Scene& scene);
 
 // Chains the lines of a processed scene, for each class and shell by itself, and adds the box. The hidden ones are those that a
 // person would draw: none below a visible line, and no tangent edges. With circles of the model, chains tell where they run along
-// them.
-ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles = nullptr);
+// them. The lines do not depend on the number of threads.
+ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles = nullptr, unsigned threads = 1);
 
 }  // namespace zbr::drawing

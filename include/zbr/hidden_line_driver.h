@@ -156,10 +156,12 @@ class ZBR_HiddenLine {
   //   mode 3     as a person draws: the parts of hidden stretches over which a visible line runs are cut out
   // sources, in the second form, receives for each segment the edge it is part of; lines that run no farther apart than width (or
   // eps, if that is more) count as one in mode 3, which on meshes with noisy coordinates wants about the width of a drawn line.
-  // Coordinates above 1e75, whose products overflow, run beside nothing.
+  // Coordinates above 1e75, whose products overflow, run beside nothing. Mode 3, in which lines by the thousand over each other
+  // take their time, uses the executor of `options`, and nothing else of them.
   ZBR_API static void GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count);
   ZBR_API static void GetHiddenLineObj(const ZBR_HL_SHELL* shells, std::vector<ZBR_SEG>& out, int mode, unsigned count,
-                                       std::vector<ZBR_HL_SOURCE>& sources, double width = 0.0);
+                                       std::vector<ZBR_HL_SOURCE>& sources, double width = 0.0,
+                                       const ZBR_HL_REMOVAL& options = ZBR_HL_REMOVAL());
 
   // Picking: the highest point over (x, y), or over p's projection. z is raised to the height of the highest triangle found that
   // lies above z; returns whether there was one. Start with the lowest double, and hand the same z to several calls to get the

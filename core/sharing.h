@@ -7,8 +7,6 @@
 #include <functional>
 #include <mutex>
 
-#include <zbr/hidden_line.h>
-
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -17,7 +15,8 @@ namespace zbr {
 // must not depend on the executor, and pieces write nothing that another one reads: then no bit does, either.
 class Sharing {
  public:
-  using Executor = decltype(ZBR_HL_REMOVAL::executor);
+  // Calls work(0) to work(count - 1), each once, in any order and on any threads, and returns when all have ended.
+  using Executor = std::function<void(std::size_t count, const std::function<void(std::size_t)>& work)>;
 
   // The executor, if there is one, stays the caller's.
   explicit Sharing(const Executor* executor = nullptr) : executor_(executor), eps_(t_tolerance.eps) {}
