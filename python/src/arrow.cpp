@@ -156,7 +156,7 @@ Ref Capsule(const char* name, const Rest&... rest) {
   Fill(*record, 0, rest...);
   PyObject* const capsule = PyCapsule_New(record.get(), name, DropCapsule<Record>);
   if (capsule == nullptr) record->release(record.get());
-  const Ref kept = Ref::Own(capsule);
+  Ref kept = Ref::Own(capsule);
   (void)record.release();
   return kept;
 }
@@ -185,7 +185,8 @@ std::string ExtensionOf(const ArrowSchema& schema) {
     return std::string(at - size, at);
   };
   for (std::int32_t left = number(); left > 0; --left) {
-    const std::string key = text(), value = text();
+    const std::string key = text();
+    std::string value = text();
     if (key == kExtension) return value;
   }
   return {};
