@@ -37,7 +37,7 @@ Sum Product(double a, double b) {
 
 // pi/2 in pieces of 33 bits, so that small multiples of the first ones are exact.
 constexpr double kQuarter[] = {0x1.921fb544p+0, 0x1.0b4611a6p-34, 0x1.3198a2ep-69, 0x1.b839a252049c1p-104};
-constexpr double kPi = 0x1.921fb54442d18p+1, kPiLow = 0x1.1a62633145c07p-53;
+constexpr double kPiLow = 0x1.1a62633145c07p-53;
 
 struct Reduced {
   std::int64_t quarters;  // 0 to 3

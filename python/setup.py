@@ -12,6 +12,7 @@ from pathlib import Path
 
 from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
+from setuptools.command.sdist import sdist
 from wheel.bdist_wheel import bdist_wheel
 
 PROJECT = Path(__file__).resolve().parent.parent
@@ -44,6 +45,11 @@ class Wheel(bdist_wheel):
         return "cp311", "abi3", super().get_tag()[2]
 
 
+class NoSourceDistribution(sdist):
+    def run(self) -> None:
+        sys.exit("zbr: this folder is a part of the project, whose sources the module is made of: build wheels, or pack the project")
+
+
 # The texts of the project, wherever the package is built from.
 setup(
     version=(PROJECT / "VERSION").read_text().strip(),
@@ -52,5 +58,5 @@ setup(
     license_files=["LICENSE"],
     ext_modules=[Extension("zbr._zbr", [], py_limited_api=True)],
     options={"build": {"build_base": str(SCRATCH)}, "egg_info": {"egg_base": str(SCRATCH)}},
-    cmdclass={"build_ext": BuildByCMake, "bdist_wheel": Wheel},
+    cmdclass={"build_ext": BuildByCMake, "bdist_wheel": Wheel, "sdist": NoSourceDistribution},
 )

@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # Debian packages for the tool with its library, and what the tests and checks need beyond them. Everything the presets look for
 # at configuration is in the first list, so that all scripts share one build tree.
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev libgeos-dev librsvg2-bin)
-check_packages=("${build_packages[@]}" binutils pkg-config clang libclang-rt-dev clang-format)
+check_packages=("${build_packages[@]}" binutils pkg-config clang libclang-rt-dev clang-format python3-ezdxf)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 googletest binutils)
 web_packages=(emscripten nodejs node-acorn cmake ninja-build nlohmann-json3-dev)
 page_packages=(chromium fonts-dejavu-core)

@@ -1,17 +1,16 @@
-// Declares every command and option, parses arguments and runs the command they name.
+// Declares the commands and the options of those on drawings, parses arguments and runs the command they name.
 #include "app/cli/command_line.h"
 
 #include <zbr-drawing/numbers.h>
-#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <limits>
 #include <string_view>
 
 #include "app/cli/help_format.h"
 #include "app/cli/manual.h"
+#include "app/cli/shared_options.h"
 #include "app/libraries.h"
 
 namespace tool {
@@ -28,139 +27,6 @@ void Protect(std::vector<std::string>& arguments) {
   for (std::string& argument : arguments) {
     if (StartsNegative(argument)) argument.insert(0, 1, ' ');
   }
-}
-
-std::string Unprotected(const std::string& argument) {
-  return argument.substr(argument.rfind(' ', 0) == 0 ? 1 : 0);
-}
-
-// What an option takes.
-struct NumberKind {
-  const char* typeName;
-  const char* expected;  // "'x' is not ..."
-  double low, high;
-};
-constexpr NumberKind kLength = {"LENGTH", "a length", 0, std::numeric_limits<double>::max()};
-constexpr NumberKind kDegrees = {"DEGREES", "an angle from 0 to 180 degrees", 0, 180};
-constexpr NumberKind kOpening = {"DEGREES", "an angle from 0 to 170 degrees", 0, 170};
-constexpr NumberKind kTurn = {"DEGREES", "a number of degrees", -1e9, 1e9};
-constexpr NumberKind kFactor = {"FACTOR", "a positive factor", std::numeric_limits<double>::min(),
-                                std::numeric_limits<double>::max()};
-constexpr NumberKind kPart = {"PART", "a number from 0 to 0.1", 0, 0.1};
-
-// Numbers are parsed by the tool's own routine: the parser's depends on the locale and takes "nan".
-CLI::Option* AddNumber(CLI::App& command, const std::string& name, const NumberKind& kind, double& value,
-                       const std::string& description) {
-  return command
-      .add_option_function<std::string>(
-          name,
-          [&value, &kind, name](const std::string& text) {
-            const std::string number = Unprotected(text);
-            const auto parsed = ParseNumber(number);
-            if (!parsed || *parsed < kind.low || *parsed > kind.high)
-              throw CLI::ValidationError(name, Quoted(number) + " is not " + kind.expected);
-            value = *parsed;
-          },
-          description)
-      ->type_name(kind.typeName);
-}
-
-CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const std::string& description,
-                     const std::string& typeName) {
-  return command.add_option(name, values, description)->delimiter(',')->allow_extra_args(false)->type_name(typeName);
-}
-
-CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value, const std::vector<std::string>& choices,
-                       const std::string& description, const std::string& typeName) {
-  return command.add_option(name, value, description)->check(CLI::IsMember(choices).description(""))->type_name(typeName);
-}
-
-void AddDxfVersion(CLI::App& command, DxfVersion& version) {
-  command
-      .add_option_function<std::string>(
-          "--dxf-version", [&version](const std::string& name) { version = name == "R12" ? DxfVersion::kR12 : DxfVersion::kR2000; },
-          "Of DXF files that are written: R2000 by default; R12, which has neither ellipses nor splines, for machines and old "
-          "programs")
-      ->check(CLI::IsMember({"R12", "R2000"}).description(""))
-      ->type_name("VERSION");
-}
-
-void AddWeld(CLI::App& command, double& weld) {
-  AddNumber(command, "--weld", kPart, weld,
-            "Join points closer together than this part of the diagonal of the model's box; by default only equal ones");
-}
-
-void AddObjects(CLI::App& command, std::vector<std::string>& models, std::vector<std::string>& objects) {
-  command.add_option("models", models, "Files of triangles: STL, OBJ, PLY, OFF, glTF. Several are objects that hide one another")
-      ->type_name("MODEL ...");
-  command
-      .add_option(
-          "--object", objects,
-          "One more object, moved by DX, DY, DZ in the coordinates of the models; may be repeated, and may name a file again")
-      ->allow_extra_args(false)
-      ->type_name("MODEL[,DX,DY,DZ]");
-}
-
-void AddModelFormat(CLI::App& command, std::string& format) {
-  AddChoice(command, "--model-format", format, MeshFormats(),
-            "Format of models whose extension does not tell it, and of '-': stl, obj, ply, off, gltf or glb", "FORMAT");
-}
-
-void AddUnit(CLI::App& command, std::string& unit) {
-  command.add_option("--unit", unit, "Unit of the model: mm (by default), cm, m, in, ft, ...")->type_name("UNIT");
-}
-
-void AddJobs(CLI::App& command, unsigned& jobs) {
-  command.add_option("--jobs", jobs, "Threads to use; by default as many as there are processors")
-      ->check(CLI::Range(1U, 256U).description(""))
-      ->type_name("N");
-}
-
-void AddAxes(CLI::App& command, std::string& axes) {
-  AddChoice(command, "--axes", axes, {"y", "z"}, "Axis of the model that points up; by default what the format says, else z",
-            "AXIS");
-}
-
-void AddCurves(CLI::App& command, bool& curves) {
-  command.add_flag("--curves", curves, "Write arcs of circles to WKT as such, in CURVEPOLYGONs; DXF and pictures have them anyway");
-}
-
-// Of commands that write regions.
-void AddWriting(CLI::App& command, InputOptions& input) {
-  Writing& writing = input.writing;
-  AddCurves(command, writing.curves);
-  AddNumber(command, "--simplify", kLength, writing.simplify,
-            "Leave out points of results that are at most this far from the straight edges without them; curves stay");
-  command.add_flag("--entities", writing.dxf.entities,
-                   "Write a LINE, ARC, CIRCLE, ELLIPSE or SPLINE to DXF for each piece, in place of polylines");
-  command
-      .add_option_function<std::string>(
-          "--layer-by", [&input](const std::string& by) { input.flatten.pens = input.writing.dxf.keepsPens = by == "source"; },
-          "Layers of DXF files that are written: one for each operation (by default), or those of the drawings that edges come "
-          "from (source), with their colours and line types")
-      ->check(CLI::IsMember({"operation", "source"}).description(""))
-      ->type_name("WHAT");
-  AddDxfVersion(command, writing.dxf.version);
-}
-
-void AddPlacements(CLI::App& command, Placements& placements) {
-  const auto add = [&](const char* name, std::vector<std::string>& values, const char* typeName, const char* description) {
-    command.add_option(name, values, description)->allow_extra_args(false)->type_name(typeName);
-  };
-  add("--move", placements.move, "OPERAND=X,Y", "Move an operand, told by its letter, as in B=10,5; may be repeated for others");
-  add("--turn", placements.turn, "OPERAND=DEGREES", "Turn an operand counter-clockwise, before it is moved");
-  add("--scale", placements.scale, "OPERAND=FACTOR", "Scale an operand, before it is turned");
-  add("--mirror", placements.mirror, "OPERAND=AXIS", "Negate the x or the y coordinates of an operand, first of all");
-  add("--about", placements.about, "OPERAND=X,Y",
-      "The point that turning, scaling and mirroring leave in place; by default the origin");
-}
-
-void AddView(CLI::App& command, ViewOptions& view) {
-  command.add_option("--view", view.view, "The view, by its name; by default iso. See 'zbr help views'")->type_name("VIEW");
-  command.add_option("--look", view.look, "The view along this direction, in place of --view")->type_name("X,Y,Z");
-  command.add_option("--up", view.up, "With --look: the direction that is drawn upwards; by default that of --axes")
-      ->type_name("X,Y,Z");
-  AddAxes(command, view.axes);
 }
 
 }  // namespace
@@ -304,129 +170,6 @@ void CommandLine::DeclareCheck() {
   command.add_flag("--json", check_.json, "Print a JSON object with every place of every finding");
   DeclareInput(command, check_.input);
   AddWriting(command, check_.input);
-}
-
-void CommandLine::DeclareDraw() {
-  CLI::App& command = *app_.add_subcommand("draw", "Draw models of triangles without their hidden lines, in one or several views");
-  AddObjects(command, draw_.models, draw_.objects);
-  AddModelFormat(command, draw_.modelFormat);
-  command
-      .add_option("-o,--output", draw_.outputs,
-                  "File for the drawing, .svg, .pdf, .dxf or .json; may be repeated. Without it the table of --stats is printed")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
-  AddList(command, "--view", draw_.views,
-          "One or several of front, back, left, right, top, bottom, iso and dimetric; by default iso. See 'zbr help views'",
-          "VIEW,...");
-  command.add_option("--look", draw_.look, "A view along this direction, beside those of --view")->type_name("X,Y,Z");
-  command.add_option("--up", draw_.up, "With --look: the direction that is drawn upwards; by default that of --axes")
-      ->type_name("X,Y,Z");
-  command
-      .add_option("--eye", draw_.eye,
-                  "A perspective from this point beside the views of --view: to the middle of the model, or along --look")
-      ->type_name("X,Y,Z");
-  AddNumber(
-      command, "--fov", kOpening, draw_.fov,
-      "With --eye: cut the picture off at this angle, at most 170; by default all is drawn, and 60 if the eye is within the model");
-  command
-      .add_option("--section", draw_.sections,
-                  "A section beside the other views: X=10, seen as the right view is; Y=5..20, what lies between two planes; or "
-                  "1,0,1=7.5, a plane at that distance from the origin, seen from there. May be repeated")
-      ->allow_extra_args(false)
-      ->type_name("PLANE");
-  AddAxes(command, draw_.axes);
-  AddNumber(command, "--crease", kDegrees, draw_.crease, "Draw edges at which the surface bends by more than this; by default 30");
-  AddWeld(command, draw_.weld);
-  AddNumber(command, "--contact", kLength, draw_.contact,
-            "Bodies at most this far apart stand face to face, and the edges that they share are drawn; by default four times what "
-            "coordinates are rounded to, where they were rounded to single precision");
-  AddChoice(command, "--intersections", draw_.intersections, {"on", "off"},
-            "Draw the lines where bodies pass through each other, or a body through itself; on by default", "SWITCH");
-  DeclareSheet(command);
-  AddJobs(command, draw_.jobs);
-  command.add_flag("--stats", draw_.stats, "Print triangles, edges, lines and the milliseconds of each stage");
-  AddDxfVersion(command, draw_.dxf);
-  AddChoice(command, "--format", draw_.format, {"svg", "pdf", "dxf", "json"},
-            "Format of '-' and of outputs whose extension does not tell it: svg, pdf, dxf or json", "FORMAT");
-}
-
-// Options on how the views come to paper.
-void CommandLine::DeclareSheet(CLI::App& command) {
-  AddChoice(command, "--sheet", draw_.sheet, {"first", "third"},
-            "Arrange the views in first- or third-angle projection on a sheet with frame and title; by default first for several "
-            "views, and no sheet for one",
-            "ANGLE");
-  AddChoice(
-      command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
-      "Hidden lines: none, dashed or layer, on a layer that is switched off; by default dashed in views along an axis, none in "
-      "others such as iso",
-      "STYLE");
-  AddChoice(
-      command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
-      "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is switched off",
-      "STYLE");
-  AddChoice(
-      command, "--silhouettes", draw_.silhouettes, {"facets", "smooth"},
-      "Where curved surfaces turn away: along edges of their facets, or on the smooth surface that they stand for; by default "
-      "smooth for scans, whose creases are rough, else facets",
-      "KIND");
-  AddChoice(command, "--curves", draw_.curves, {"on", "off"},
-            "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");
-  command
-      .add_option("--scale", draw_.scale,
-                  "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 2.5, 5, 10, ... that fits, with fit the largest of any")
-      ->type_name("SCALE");
-  command
-      .add_option("--paper", draw_.paper,
-                  "A4 to A0, lying or standing as it suits, or WIDTHxHEIGHT in mm; by default A4 for one view and A3 for several")
-      ->type_name("SIZE");
-  command.add_flag("--centre-lines", draw_.centreLines, "Draw the centres and axes of circles and cylinders as chain lines");
-  command.add_flag(
-      "--fill", draw_.fill,
-      "Fill what each object covers and nearer ones leave visible: in SVG in a light shade, in DXF as closed polylines on "
-      "layers FILL-name, in JSON as polygons");
-  AddUnit(command, draw_.unit);
-  command.add_option("--title", draw_.title, "Title of the sheet; by default the name of the model")->type_name("TEXT");
-  command.add_option("--number", draw_.number, "Number of the drawing, for the sheet")->type_name("TEXT");
-  command.add_option("--author", draw_.author, "Who drew it, for the sheet")->type_name("TEXT");
-  command.add_option("--date", draw_.date, "Its date, for the sheet, as it is to be written")->type_name("TEXT");
-}
-
-void CommandLine::DeclarePick() {
-  CLI::App& command =
-      *app_.add_subcommand("pick", "Tell which triangle of a model is seen at points of a drawing, and how high it is");
-  command.add_option("model", pick_.file, "The model")->required()->type_name("MODEL");
-  command
-      .add_option("points", pick_.coordinates,
-                  "Coordinates in the drawing, x and y in turn, in the unit of the model; without any, points are read from "
-                  "standard input, one a line")
-      ->type_name("X Y ...");
-  AddModelFormat(command, pick_.modelFormat);
-  AddView(command, pick_.view);
-  AddWeld(command, pick_.weld);
-}
-
-void CommandLine::DeclareOutline() {
-  CLI::App& command = *app_.add_subcommand(
-      "outline", "Find what models cover in a view: their silhouettes as regions, loops with holes, in the unit of the model");
-  AddObjects(command, outline_.models, outline_.objects);
-  AddModelFormat(command, outline_.modelFormat);
-  command
-      .add_option(
-          "-o,--output", outline_.outputs,
-          "File for the outlines of all objects, the format by its extension; may be repeated. {object} in a name stands for "
-          "one file for each object. Without it the table of --stats is printed. See 'zbr help outlines'")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
-  AddView(command, outline_.view);
-  command.add_flag("--whole", outline_.whole, "Whole outlines, even where nearer objects cover them");
-  AddWeld(command, outline_.weld);
-  AddUnit(command, outline_.unit);
-  AddJobs(command, outline_.jobs);
-  command.add_flag("--stats", outline_.stats, "Print edges, loops, holes, areas and the milliseconds of each stage");
-  AddDxfVersion(command, outline_.dxf);
-  AddChoice(command, "--format", outline_.format, {"dxf", "geojson", "wkt", "text", "svg"},
-            "Format of '-' and of outputs whose extension does not tell it: dxf, geojson, wkt, text or svg", "FORMAT");
 }
 
 void CommandLine::DeclareClip() {

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <numbers>
 
 namespace zbr::drawing {
 namespace {
@@ -140,7 +139,7 @@ Centres FindCentres(const Model& model, const Circles& circles, const ViewLines&
   const std::vector<double> turns = TurnsOf(model, circles);
   const std::vector<bool> drawn = DrawnCircles(model, circles, view);
   Finder finder(model, view);
-  constexpr double kHalf = std::numbers::pi * 0.999;
+  constexpr double kHalf = kPi * 0.999;
   for (std::size_t k = 0; k < circles.all.size(); ++k) {
     if (drawn[k] && turns[k] > kHalf) finder.Add(circles.all[k]);
   }

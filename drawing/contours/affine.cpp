@@ -7,7 +7,6 @@
 namespace zbr::drawing {
 
 ZBR_PT Direction(double degrees) {
-  constexpr double kPi = 3.141592653589793;
   const double turn = std::fmod(degrees, 360.0);
   const double quarters = turn / 90.0;
   if (quarters != std::floor(quarters)) return {Cos(turn * kPi / 180.0), Sin(turn * kPi / 180.0)};

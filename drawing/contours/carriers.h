@@ -9,8 +9,6 @@
 
 namespace zbr::drawing {
 
-inline constexpr double kFullTurn = 6.283185307179586;
-
 // A part of a carrier, from the parameter t0 to t1, which may be below it. Its ends are those of its neighbours on the path, to the
 // bit.
 struct Stretch {

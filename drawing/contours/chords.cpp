@@ -4,6 +4,7 @@
 // chords cross as the curves do, and combinations of chords are those of curves.
 #include "drawing/contours/chords.h"
 
+#include <zbr-drawing/trigonometry.h>
 #include <zbr/region.h>
 
 #include <algorithm>

@@ -22,7 +22,6 @@ bool Curve::IsCircular() const {
 
 // The half axes are the points of the ellipse where position and direction are at right angles: tan 2s = 2 u v / (u u - v v).
 Curve OnAxes(const Curve& ellipse) {
-  constexpr double kQuarter = 1.5707963267948966;
   const ZBR_PT &p = ellipse.u, &q = ellipse.v;
   const double across = 2 * (p.x() * q.x() + p.y() * q.y());
   const double difference = p.x() * p.x() + p.y() * p.y() - q.x() * q.x() - q.y() * q.y();
@@ -31,7 +30,7 @@ Curve OnAxes(const Curve& ellipse) {
   if (start != 0) {
     turned.u = p * Cos(start) + q * Sin(start);
     turned.v = q * Cos(start) - p * Sin(start);
-    if (start == kQuarter) {  // no rounding for axes that are only exchanged
+    if (start == kFullTurn / 4) {  // no rounding for axes that are only exchanged
       turned.u = q;
       turned.v = p * -1.0;
     }

@@ -4,6 +4,8 @@
 // place. Which pairs come near each other is found by a sweep over their boxes.
 #include "drawing/contours/meetings.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <tuple>

@@ -3,13 +3,13 @@
 // begin in the middle of one. So the chain is taken anew from its segments, with a mark at each point that stays.
 #include "drawing/curves/chain_runs.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 
 namespace zbr::drawing {
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 // A segment as the chain runs along it.
 struct Step {

@@ -10,8 +10,6 @@
 namespace zbr::drawing {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-
 // The corner of a triangle that is not on the edge.
 std::uint32_t Apex(const Connectivity& mesh, std::uint32_t edge, std::uint32_t t) {
   for (std::size_t i = 0; i < 3; ++i) {

@@ -24,8 +24,6 @@ constexpr double kAngleSlack = 0.01;
 // The number of flat triangles that may lie side by side before the search for a normal is given up.
 constexpr int kLongestDetour = 64;
 
-constexpr double kPi = 3.14159265358979323846;
-
 std::size_t LongestEdge(const ZBR_ZBREPT& t) {
   std::size_t longest = 0;
   double length = -1.0;

@@ -19,8 +19,6 @@
 namespace zbr::drawing {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-
 constexpr double kGoOn = 0.6;      // of the angle of creases
 constexpr double kStraight = 0.5;  // cosine of the largest turn
 // As parts of the model's diagonal: the box of lines that hang together, and side lines of such.

@@ -20,7 +20,6 @@ namespace {
 
 constexpr double kOnCurve = 1e-9;  // of the curve's size
 constexpr double kGoesOn = 1e-6;   // of the parameter, between the end of one chord and the start of the next
-constexpr double kTurn = 6.283185307179586;
 
 double SizeOf(const Curve& curve) {
   if (curve.spline != nullptr) {
@@ -91,7 +90,7 @@ class Outline {
     if (before.pen != origin.pen) return false;
     if (origin.curve < 0) return origin.line >= 0 && before.curve < 0 && before.line == origin.line && IsStraight(i);
     if (before.curve != origin.curve) return false;
-    const double gap = CurveOf(origin).spline != nullptr ? origin.t0 - before.t1 : std::remainder(origin.t0 - before.t1, kTurn);
+    const double gap = CurveOf(origin).spline != nullptr ? origin.t0 - before.t1 : std::remainder(origin.t0 - before.t1, kFullTurn);
     return std::abs(gap) < kGoesOn && (origin.t1 > origin.t0) == (before.t1 > before.t0);
   }
 
@@ -120,7 +119,7 @@ class Outline {
     AddRun(0, origins_.size(), path);
     if (path.curves.empty()) return path;
     Curve& curve = path.curves.front();
-    curve.t1 = curve.t0 + (curve.t1 > curve.t0 ? kTurn : -kTurn);
+    curve.t1 = curve.t0 + (curve.t1 > curve.t0 ? kFullTurn : -kFullTurn);
     return path;
   }
 

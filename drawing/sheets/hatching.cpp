@@ -12,7 +12,6 @@
 #include <cmath>
 #include <cstddef>
 #include <map>
-#include <numbers>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -71,7 +70,7 @@ struct Body {
   // Whether much of the outline runs along the lines of the style.
   bool RunsAlong(std::size_t k) const {
     constexpr double kAlong = 0.17, kMuch = 0.3;  // sine of 10 degrees
-    const double angle = kStyles[k].degrees * std::numbers::pi / 180;
+    const double angle = kStyles[k].degrees * kPi / 180;
     const ZBR_PT along(Cos(angle), Sin(angle));
     double all = 0.0, parallel = 0.0;
     for (const auto& [view, face] : faces) {
@@ -134,7 +133,7 @@ struct Meeting {
 };
 
 std::vector<Meeting> MeetingsOf(const ZBR_REGION& region, const Style& style, double spacing) {
-  const double angle = style.degrees * std::numbers::pi / 180;
+  const double angle = style.degrees * kPi / 180;
   const ZBR_PT along(Cos(angle), Sin(angle)), across(-along.y(), along.x());
   std::vector<Meeting> meetings;
   ForEachEdge(region, [&](const ZBR_PT& p, const ZBR_PT& q) {

@@ -7,7 +7,6 @@
 #include <zbr-drawing/view_lines.h>
 
 #include <cmath>
-#include <numbers>
 
 #include "drawing/sections/cut_scene.h"
 
@@ -38,7 +37,7 @@ std::vector<CuttingPlane> PlanesOf(const Model& model, const View& view) {
   const bool isAround = IsAround(model, view);
   if (isAround) add(view.toViewer, -from.Nearest());
   if (!isAround && from.fieldOfView == 0) return planes;
-  const double half = (from.fieldOfView > 0 ? from.fieldOfView : kUsualField) / 2 * std::numbers::pi / 180;
+  const double half = (from.fieldOfView > 0 ? from.fieldOfView : kUsualField) / 2 * kPi / 180;
   for (const ZBR_PT3& side : {view.right, -view.right, view.up, -view.up}) add(side * Cos(half) + view.toViewer * Sin(half), 0.0);
   return planes;
 }

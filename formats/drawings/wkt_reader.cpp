@@ -195,7 +195,6 @@ class WktReader {
   // From the last point of the path through the middle to the end; all around where both are the same and the middle is opposite.
   // False where the three lie on a line, or so nearly that the arc rises by less from it than coordinates tell.
   static bool AddArc(const ZBR_PT& from, const ZBR_PT& middle, const ZBR_PT& to, Path& path) {
-    constexpr double kTurn = 6.283185307179586;
     constexpr double kFlat = 1e-9;
     const ZBR_PT a = middle - from, b = to - from;
     const double turn = a.OuterProduct(b);
@@ -212,7 +211,7 @@ class WktReader {
     arc.v = ZBR_PT(-arc.u.y(), arc.u.x()) * (turn < 0 ? -1.0 : 1.0);
     const ZBR_PT end = b - centre;
     const double angle = Atan2(end.InnerProduct(arc.v), end.InnerProduct(arc.u));
-    arc.t1 = isWhole || angle <= 0 ? angle + kTurn : angle;
+    arc.t1 = isWhole || angle <= 0 ? angle + kFullTurn : angle;
     path.curves.push_back(arc);
     return true;
   }

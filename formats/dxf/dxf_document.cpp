@@ -141,7 +141,6 @@ void DxfDocument::ExtendBy(const ZBR_PT& p, double z) {
 
 // By its ends and where it runs along one of the axes; by its control points, between which it lies.
 void DxfDocument::ExtendBy(const Curve& curve) {
-  constexpr double kPi = 3.141592653589793;
   if (curve.spline != nullptr) {
     for (const ZBR_PT& p : Trimmed(*curve.spline, curve.t0, curve.t1).control) ExtendBy(p);
     return;

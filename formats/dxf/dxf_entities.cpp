@@ -1,6 +1,8 @@
 // Lines, arcs, circles, ellipses, splines, solids and inserts of a DXF file.
 #include "formats/dxf/dxf_entities.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -12,8 +14,6 @@
 
 namespace zbr::formats {
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 // Entities that show something other than contours.
 bool IsAnnotation(std::string_view kind) {

@@ -1,4 +1,6 @@
 // Boundaries of hatches, which the format describes in a fixed order of groups.
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -11,8 +13,6 @@
 
 namespace zbr::formats {
 namespace {
-
-constexpr double kPi = 3.141592653589793;
 
 // The groups of a hatch one by one, in the order that the format asks for.
 class Groups {

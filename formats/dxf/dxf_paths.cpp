@@ -14,7 +14,6 @@
 namespace zbr::formats {
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kWidestBulge = 1.5 * kPi;
 
 double Sweep(const Curve& arc) {

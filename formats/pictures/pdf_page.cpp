@@ -16,7 +16,6 @@ namespace {
 
 constexpr double kPointsPerMm = 72.0 / 25.4;
 constexpr double kLongestSide = 14400.0;  // in units of the page, which are points, or multiples of them for larger pages
-constexpr double kHalfPi = 1.5707963267948966;
 
 // The objects that there are in every file.
 enum Object : std::size_t { kCatalog = 1, kPages, kPage, kContent, kFont, kInfo, kFirstLayer };
@@ -126,7 +125,7 @@ void PdfPage::SetShade(const std::array<int, 3>& rgb) {
 // Pieces of an eighth of a turn.
 void PdfPage::ArcTo(const Curve& arc) {
   const double turn = arc.t1 - arc.t0;
-  const double pieces = std::max(std::ceil(std::fabs(turn) / (kHalfPi / 2) - 1e-9), 1.0);
+  const double pieces = std::max(std::ceil(std::fabs(turn) / (kPi / 4) - 1e-9), 1.0);
   const double reach = 4.0 / 3.0 * Tan(turn / pieces / 4.0);
   const auto tangent = [&](double t) { return arc.v * (Cos(t) * reach) - arc.u * (Sin(t) * reach); };
   for (double k = 0; k < pieces; ++k) {
@@ -165,7 +164,7 @@ void PdfPage::StrokeCircle(const ZBR_PT& centre, double radius) {
   whole.centre = centre;
   whole.u.Set(radius, 0);
   whole.v.Set(0, radius);
-  whole.t1 = 4 * kHalfPi;
+  whole.t1 = kFullTurn;
   circle.points = {whole.At(0)};
   circle.closed = true;
   Stroke(circle);

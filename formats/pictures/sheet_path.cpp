@@ -11,7 +11,6 @@ namespace zbr::formats {
 namespace {
 
 constexpr double kMerged = 0.02;  // mm: points closer together than this make no difference on paper
-constexpr double kPi = 3.14159265358979323846;
 
 // Arcs are told by radii and ends that have to fit each other, so these are given closer than points: to a ten-thousandth.
 std::string FineText(double value) {

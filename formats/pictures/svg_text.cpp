@@ -43,8 +43,6 @@ void AppendPoints(std::string& text, const std::vector<ZBR_PT>& points, const Pa
   }
 }
 
-constexpr double kTurn = 6.283185307179586;
-
 // A number of the page, and a blank before it.
 void AppendNumber(std::string& text, double value) {
   text += ' ';
@@ -53,7 +51,7 @@ void AppendNumber(std::string& text, double value) {
 
 // The part of an ellipse from t0 to t1, at most half a turn. Counter-clockwise is what the page calls the negative direction.
 void AppendArc(std::string& text, const Curve& axes, bool isReversed, const ZBR_PT& to, const PageMap& map) {
-  constexpr double kDegrees = 360.0 / kTurn;
+  constexpr double kDegrees = 360.0 / kFullTurn;
   text += 'A';
   AppendPx(text, Hypot(axes.u.x(), axes.u.y()) * map.PixelsPerUnit());
   AppendNumber(text, Hypot(axes.v.x(), axes.v.y()) * map.PixelsPerUnit());

@@ -8,6 +8,9 @@
 
 namespace zbr::drawing {
 
+inline constexpr double kPi = 3.141592653589793;
+inline constexpr double kFullTurn = 2 * kPi;
+
 double Sin(double angle);
 double Cos(double angle);
 double Tan(double angle);

@@ -37,6 +37,7 @@ void Fill(PyObject* module) {
   AddDrawingType(module);
   AddSheetType(module);
   AddFileFunctions(module);
+  AddArrowFunctions(module);
   TheErrors().failure =
       NewError(module, "Failure", "zbr.Failure",
                "A file or a model that cannot be taken; `file`, `line` and `cause` say where and why.", PyExc_ValueError);

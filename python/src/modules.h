@@ -8,6 +8,7 @@
 namespace zbr::python {
 
 void AddFileFunctions(PyObject* module);
+void AddArrowFunctions(PyObject* module);
 
 // The code of a unit by its name.
 long UnitCodeOf(const std::string& name);

@@ -61,6 +61,7 @@ def test_a_full_disk_leaves_no_half_sheets(client, tmp_path):
     models.mkdir()
     for k in range(3):
         shutil.copy(EXAMPLES / "house.obj", models / f"{k}.obj")
+    client.wait_for_workers(2)  # one may have been killed just now
     client.run(fill_disk, 2000)
     failed = draw_fleet.run(client, draw_fleet.missing(models, sheets), ["iso"], 60)
     assert len(failed) == 3 and all("OSError" in reason for reason in failed.values()) and not list(sheets.iterdir())

@@ -51,13 +51,16 @@ class Region(_zbr.Region):
         """A region of anything that has polygons.
 
         That is: a Region, whatever has __geo_interface__ (shapely, geopandas, fiona), a GeoJSON geometry, feature or collection
-        as a dict, WKT (str), WKB (bytes), an (n, 2) array, or a list of such arrays, the rings.
+        as a dict, WKT (str), WKB (bytes), a GeoArrow array of polygons (all of them united), an (n, 2) array, or a list of such
+        arrays, the rings.
 
         >>> Region.of("POLYGON ((0 0, 4 0, 0 4, 0 0))").area
         8.0
         """
         if isinstance(thing, Region):
             return thing
+        if hasattr(thing, "__arrow_c_array__"):
+            return cls(*_zbr.arrays_of_arrow(*thing.__arrow_c_array__())[:3], fill=fill)
         arrays = _geo.arrays_of_wkt(thing) if isinstance(thing, str) else _geo.arrays_of(thing)
         if arrays is None:
             region, _, unclosed = _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)
@@ -104,6 +107,10 @@ class Region(_zbr.Region):
     @property
     def __geo_interface__(self) -> dict[str, Any]:
         return _geo.mapping(self)
+
+    def __arrow_c_array__(self, requested_schema: object = None) -> tuple[object, object]:
+        """A GeoArrow array of one multipolygon."""
+        return Regions._concatenate([self]).__arrow_c_array__()
 
     def to_wkt(self) -> str:
         """Well-known text, a POLYGON or MULTIPOLYGON; numbers read back as they were.
@@ -155,12 +162,21 @@ class Regions(_zbr.Regions):
 
     @classmethod
     def of(cls, things: Iterable[Any], *, fill: str = "evenodd") -> Regions:
-        """Regions of anything that Region.of() takes, one of each."""
+        """Regions of anything that Region.of() takes, one of each; of a GeoArrow array of polygons or multipolygons, its items."""
         if isinstance(things, Regions):
             return things
+        if hasattr(things, "__arrow_c_array__"):
+            return cls(*_zbr.arrays_of_arrow(*things.__arrow_c_array__()), fill=fill)
         if isinstance(things, (str, bytes)) or not isinstance(things, Iterable):
             raise TypeError("regions: a list of what Region.of() takes is needed")
         return cls._concatenate(Region.of(thing, fill=fill) for thing in things)
+
+    def __arrow_c_schema__(self) -> object:
+        return _zbr.arrow_schema()
+
+    def __arrow_c_array__(self, requested_schema: object = None) -> tuple[object, object]:
+        """A GeoArrow array of multipolygons, as pyarrow.array() and others take it; rings are closed there."""
+        return _zbr.arrow_of(self)
 
     @overload
     def __getitem__(self, index: int) -> Region: ...
