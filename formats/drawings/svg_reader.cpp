@@ -224,6 +224,7 @@ class SvgReader {
   void AddShape(const XmlElement& element, const Frame& frame) {
     std::optional<std::vector<Path>> paths = SvgShapePaths(element, frame.viewport);
     if (!paths) return drawing_.LeaveOut("malformed " + element.name, element.line, true);
+    if (IsFlat(frame.map)) return drawing_.LeaveOut(element.name + " without width", element.line, false);
     // What a style sheet says of the filling is not known.
     const bool closes = !isForLines_ && frame.isFilled && element.Attribute("class").empty();
     for (Path& path : *paths) {
@@ -235,6 +236,13 @@ class SvgReader {
       path.hidden = !frame.isShown || !frame.isVisible;
       drawing_.paths.push_back(std::move(path));
     }
+  }
+
+  // Whether it leaves nothing of the plane but a line.
+  static bool IsFlat(const Affine& map) {
+    constexpr double kFlattest = 1e-9;
+    const ZBR_PT u = map.OfVector(ZBR_PT(1, 0)), v = map.OfVector(ZBR_PT(0, 1));
+    return std::abs(u.OuterProduct(v)) <= kFlattest * (u.Length2() + v.Length2());
   }
 
   static bool IsFinite(const Path& path) {
