@@ -233,6 +233,8 @@ int CommandLine::RunChosen() {
   if (app_.got_subcommand("clip")) return RunClip(clip_);
   if (app_.got_subcommand("nest")) return RunNest(nest_);
   for (std::string* text : {&transform_.placement.move, &transform_.placement.about}) *text = Unprotected(*text);
+  for (const char* const option : {"--turn", "--scale", "--mirror"})
+    transform_.placement.turns = transform_.placement.turns || app_.get_subcommand("transform")->count(option) > 0;
   if (app_.got_subcommand("transform")) return RunTransform(transform_);
   for (auto* coordinates : {&inside_.coordinates, &pick_.coordinates}) {
     for (std::string& coordinate : *coordinates) coordinate = Unprotected(coordinate);

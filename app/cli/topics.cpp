@@ -5,8 +5,7 @@ namespace tool {
 namespace {
 
 constexpr const char* kFormats =
-    R"(The format of a file follows from its extension: .dxf, .geojson or .json, .wkt, .loops or .txt, and for output
-.svg. For '-', standard input or output, and for names with other extensions --format tells it; without it,
+    R"(The format of a file follows from its extension: .dxf, .geojson or .json, .wkt, .svg, .loops or .txt. For '-', standard input or output, and for names with other extensions --format tells it; without it,
 standard output has the format of the first drawing.
 
 DXF (text and binary, R12 to 2018): LWPOLYLINE and POLYLINE with bulges (with a width: their borders), CIRCLE, ARC,
@@ -37,7 +36,10 @@ text (read and written): one "x y" or "x y z" a line, a blank line between loops
   3 1
   1 3
 
-svg (written): a picture of the operands' outlines and the filled results.
+SVG, read: path, rect, circle, ellipse, line, polyline and polygon with all transforms, views and copies; y goes up, in
+millimetres where the file has its size in a unit of length. What is filled closes, what is only stroked is joined like lines of DXF;
+groups are layers, style sheets are not read. A ring in a ring is a hole, whatever is painted (--fill nonzero for others). Written: a
+picture of the operands' outlines and the filled results.
 
 Lines, which 'zbr clip' cuts, are every contour of a file, open or closed, each for itself. Beside the above they
 are LineString and MultiLineString (GeoJSON, WKT), blocks of points that do not close (text), and LINE, open

@@ -146,6 +146,7 @@ int RunCheck(const CheckOptions& options) {
   Progress progress;
   const std::string name = StemOf(options.file);
   const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
+  NoteUnused(options.input.writing, plans, progress);
   InputOptions input = options.input;
   input.leftOutIsFound = true;
   const Loaded loaded = Load({options.file}, input, progress);

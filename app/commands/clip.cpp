@@ -286,6 +286,9 @@ int RunClip(const ClipOptions& options) {
   Results results{{}, "{side}", false};
   for (const Part& part : run.parts) results.names.emplace_back(NameOf(part.side));
   const auto plans = PlanOutputs(options.outputs, results, FormatOption(options.input), options.lines);
+  Writing writing = options.input.writing;
+  writing.dxf.keepsPens = options.layerBy == "source";
+  NoteUnused(writing, plans, progress);
   std::vector<std::pair<std::string, double>> stages;
   Stopwatch watch;
   Read(options, run, progress);
@@ -299,9 +302,7 @@ int RunClip(const ClipOptions& options) {
   stages.emplace_back("clip", watch.Lap());
   progress.Stage("writing");
   run.region = MakeLayer(run.regionName, shape);
-  DxfStyle style = options.input.writing.dxf;
-  style.keepsPens = options.layerBy == "source";
-  WriteOutputs(run, plans, style);
+  WriteOutputs(run, plans, writing.dxf);
   stages.emplace_back("write", watch.Lap());
   progress.Stage("");
   if (options.stats || plans.empty()) std::fputs(Report(run, stages).c_str(), UsesStandardOutput(plans) ? stderr : stdout);

@@ -21,9 +21,10 @@ void HideLayers(Drawing& drawing, Progress& progress) {
     return path.hidden;
   });
   if (count == 0) return;
-  const char* const what = count == 1 ? " contour that is not shown, on " : " contours that are not shown, on ";
-  progress.Note(drawing.file + ": note: left out " + std::to_string(count) + what + Listed(layers) +
-                "; --all-layers takes what is off or frozen");
+  layers.erase("");
+  const char* const what = count == 1 ? " contour that is not shown" : " contours that are not shown";
+  progress.Note(drawing.file + ": note: left out " + std::to_string(count) + what + (layers.empty() ? "" : ", on ") +
+                Listed(layers) + "; --all-layers takes what is off or frozen");
 }
 
 // The distance from an end of this contour to the nearest end of any that is not the same place; infinite without one.

@@ -4,6 +4,7 @@
 #include <zbr-drawing/affine.h>
 #include <zbr-drawing/numbers.h>
 #include <zbr-drawing/units.h>
+#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 
@@ -62,6 +63,8 @@ const char* VerbFor(ZBR_REGION_FAULT_KIND kind) {
 
 Drawing ReadInput(const std::string& file, Content content, const InputOptions& options, Progress& progress) {
   progress.Stage("reading " + file);
+  if (FormatOf(file, FormatOption(options)) == Format::kUnknown && IsMeshFile(file))
+    throw Failure(file, "is a model, no drawing; 'zbr info' examines it, 'zbr draw' and 'zbr outline' make drawings of it");
   Drawing drawing = ReadDrawing(file, FormatOption(options), content);
   KeepLayers(drawing, options.layers, progress);
   LeaveOut(drawing, options, progress);

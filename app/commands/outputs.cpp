@@ -78,6 +78,18 @@ std::string WriteRegion(Format format, const Layer& layer, int units, const Writ
   return WriteSvg(picture);
 }
 
+void NoteUnused(const Writing& writing, const std::vector<OutputPlan>& plans, Progress& progress) {
+  const auto note = [&](bool isAskedFor, Format format, const char* what) {
+    const auto isOf = [&](const OutputPlan& plan) { return plan.format == format; };
+    if (isAskedFor && std::none_of(plans.begin(), plans.end(), isOf))
+      progress.Note(std::string("note: ") + what + ", and none is written");
+  };
+  note(writing.dxf.entities, Format::kDxf, "--entities says how DXF is written");
+  note(writing.dxf.keepsPens, Format::kDxf, "--layer-by source says how DXF is written");
+  note(writing.dxf.version == DxfVersion::kR12, Format::kDxf, "--dxf-version says how DXF is written");
+  note(writing.curves, Format::kWkt, "--curves says how WKT is written");
+}
+
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans) {
   return std::any_of(plans.begin(), plans.end(), [](const OutputPlan& plan) { return plan.file == "-"; });
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/commands/commands.h"
+#include "app/io/progress.h"
 #include "app/libraries.h"
 
 namespace tool {
@@ -38,6 +39,9 @@ std::string WriteResults(Format format, const std::vector<Layer>& layers, int un
 
 // A region by itself in this format.
 std::string WriteRegion(Format format, const Layer& layer, int units, const Writing& writing);
+
+// Notes of options that say how DXF or WKT is written where none is.
+void NoteUnused(const Writing& writing, const std::vector<OutputPlan>& plans, Progress& progress);
 
 // Whether a plan writes to standard output, so that reports have to go to standard error.
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans);

@@ -44,6 +44,8 @@ class Assignment {
 }  // namespace
 
 Affine MapOf(const Placement& placement) {
+  if (!placement.about.empty() && !placement.turns)
+    throw Failure("--about is the point that --turn, --scale and --mirror leave in place, and needs one of them");
   const ZBR_PT about = PointOf(placement.about, "--about"), move = PointOf(placement.move, "--move");
   const double x = placement.mirror == "x" ? -placement.scale : placement.scale;
   const double y = placement.mirror == "y" ? -placement.scale : placement.scale;
@@ -63,14 +65,19 @@ std::vector<std::optional<Affine>> MapsOf(const Placements& placements, std::siz
   };
   assign(placements.move, "--move", [](Placement& place, const std::string& value) { place.move = value; });
   assign(placements.about, "--about", [](Placement& place, const std::string& value) { place.about = value; });
-  assign(placements.turn, "--turn", [](Placement& place, const std::string& value) { place.turn = NumberOf(value, "--turn"); });
+  assign(placements.turn, "--turn", [](Placement& place, const std::string& value) {
+    place.turn = NumberOf(value, "--turn");
+    place.turns = true;
+  });
   assign(placements.scale, "--scale", [](Placement& place, const std::string& value) {
     place.scale = NumberOf(value, "--scale");
+    place.turns = true;
     if (!(place.scale > 0)) throw Failure("--scale: " + Quoted(value) + " is not a positive factor");
   });
   assign(placements.mirror, "--mirror", [](Placement& place, const std::string& value) {
     if (value != "x" && value != "y") throw Failure("--mirror: " + Quoted(value) + " is neither x nor y");
     place.mirror = value;
+    place.turns = true;
   });
   std::vector<std::optional<Affine>> maps;
   for (const std::optional<Placement>& place : places) maps.push_back(place ? std::optional(MapOf(*place)) : std::nullopt);

@@ -17,6 +17,7 @@ struct Placement {
   std::string move, mirror, about;  // "X,Y"; the axis whose coordinates are negated; "X,Y"
   double turn = 0.0;                // degrees
   double scale = 1.0;
+  bool turns = false;  // mirroring, scaling or turning was asked for, be it by nothing
 };
 
 // Fails where a text is not what it should be.

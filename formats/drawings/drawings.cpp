@@ -60,23 +60,23 @@ std::string NameOf(Format format) {
 
 Drawing ParseDrawing(Format format, std::string text, const std::string& name, Content content) {
   if (format == Format::kUnknown)
-    throw Failure(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .loops or .txt, else give its format");
-  if (format == Format::kSvg) throw Failure(name, "pictures are written, not read");
+    throw Failure(name,
+                  "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .svg, .loops or .txt, else give its format");
   RefuseForeign(text, name);
   DropByteOrderMark(text);
   if (format == Format::kDxf) return ReadDxf(text, name, content);
   if (format == Format::kGeoJson) return ReadGeoJson(text, name, content);
   if (format == Format::kWkt) return ReadWkt(text, name, content);
+  if (format == Format::kSvg) return ReadSvg(text, name, content);
   return ReadLoopText(text, name, content);
 }
 
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   const Format format = FormatOf(file, fallback);
-  const bool isReadable = format != Format::kUnknown && format != Format::kSvg;
   std::error_code ignored;
   // What the name does not tell the contents may.
   if (format == Format::kUnknown && std::filesystem::is_regular_file(file, ignored)) RefuseForeign(ReadFile(file), file);
-  return ParseDrawing(format, isReadable ? ReadFile(file) : "", file, content);
+  return ParseDrawing(format, format == Format::kUnknown ? "" : ReadFile(file), file, content);
 }
 
 std::string WriteDrawing(Format format, const std::vector<Layer>& layers, int units, const DxfStyle& style) {

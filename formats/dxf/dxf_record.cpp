@@ -18,19 +18,6 @@ constexpr char32_t kWestern[32] = {0x20AC, 0x81,   0x201A, 0x192,  0x201E, 0x202
                                    0x2039, 0x152,  0x8D,   0x17D,  0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
                                    0x2013, 0x2014, 0x2DC,  0x2122, 0x161,  0x203A, 0x153,  0x9D,   0x17E,  0x178};
 
-void AppendUtf8(std::string& text, char32_t code) {
-  if (code < 0x80) {
-    text += static_cast<char>(code);
-  } else if (code < 0x800) {
-    text += static_cast<char>(0xC0 | code >> 6U);
-    text += static_cast<char>(0x80 | (code & 0x3FU));
-  } else {
-    text += static_cast<char>(0xE0 | code >> 12U);
-    text += static_cast<char>(0x80 | (code >> 6U & 0x3FU));
-    text += static_cast<char>(0x80 | (code & 0x3FU));
-  }
-}
-
 // The code of "\U+00E9" at this place, if that is what stands there.
 std::optional<char32_t> EscapeAt(std::string_view text, std::size_t at) {
   constexpr std::string_view kStart = "\\U+";

@@ -38,6 +38,7 @@ std::string WriteLines(Format format, const std::vector<LineLayer>& layers, int 
 // Each reads the text of one file; `file` is its name for messages.
 Drawing ReadGeoJson(const std::string& text, const std::string& file, Content content);
 Drawing ReadWkt(const std::string& text, const std::string& file, Content content);
+Drawing ReadSvg(const std::string& text, const std::string& file, Content content = Content::kRegions);
 Drawing ReadLoopText(const std::string& text, const std::string& file, Content content = Content::kRegions);
 
 std::string WriteGeoJson(const std::vector<Layer>& layers, int units);

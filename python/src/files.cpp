@@ -42,7 +42,9 @@ Read ReadRegion(const Reading& reading, Monitor& monitor) {
   drawing::Drawing drawing = reading.isFromMemory ? formats::ParseDrawing(format, reading.bytes, reading.file)
                                                   : formats::ReadDrawing(reading.file, format);
   monitor.TellOrThrow(0.4);
-  if (!reading.layers.empty()) {
+  if (reading.layers.empty()) {
+    std::erase_if(drawing.paths, [](const drawing::Path& path) { return path.hidden; });
+  } else {
     std::erase_if(drawing.paths, [&](const drawing::Path& path) {
       return std::find(reading.layers.begin(), reading.layers.end(), path.layer) == reading.layers.end();
     });
@@ -73,7 +75,7 @@ std::vector<std::string> StringsOf(PyObject* object, const char* name) {
 
 void CheckFormat(const std::string& format) {
   if (!format.empty() && formats::FormatByName(format) == formats::Format::kUnknown)
-    throw BadArgument("format", "one of dxf, geojson, wkt and text is needed");
+    throw BadArgument("format", "one of dxf, geojson, wkt, svg and text is needed");
 }
 
 // (region, unit, number of contours that do not close)

@@ -12,7 +12,7 @@ from . import _zbr
 from ._regions import Region
 from ._zbr import Failure
 
-DRAWINGS = {"dxf": "dxf", "geojson": "geojson", "json": "geojson", "wkt": "wkt", "txt": "text", "loops": "text"}
+DRAWINGS = {"dxf": "dxf", "geojson": "geojson", "json": "geojson", "wkt": "wkt", "svg": "svg", "txt": "text", "loops": "text"}
 MESHES = ("stl", "obj", "ply", "off", "gltf", "glb")
 
 
@@ -38,7 +38,7 @@ def written(path: Path, data: bytes) -> None:
 
 
 def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str | None = None, **options: Any) -> Any:
-    """Reads a file: a Mesh from stl, obj, ply, off, gltf and glb, a Region from dxf, geojson, json, wkt, loops and txt.
+    """Reads a file: a Mesh from stl, obj, ply, off, gltf and glb, a Region from dxf, geojson, json, wkt, svg, loops and txt.
 
     data: the contents, of which `file` is the name for messages. format: what the name does not tell. Options for regions:
     deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join (ends of

@@ -13,6 +13,7 @@ using zbr::formats::Format;
 zbr::drawing::Drawing Read(Format format, const std::string& text, Content content) {
   if (format == Format::kDxf) return zbr::formats::ReadDxf(text, "file", content);
   if (format == Format::kGeoJson) return zbr::formats::ReadGeoJson(text, "file", content);
+  if (format == Format::kSvg) return zbr::formats::ReadSvg(text, "file", content);
   return format == Format::kWkt ? zbr::formats::ReadWkt(text, "file", content) : zbr::formats::ReadLoopText(text, "file", content);
 }
 
@@ -37,10 +38,12 @@ void ReadBack(const zbr::drawing::Layer& layer) {
 }  // namespace
 
 void Fuzz(Bytes& bytes) {
-  const int kind = bytes.Below(8);
-  const Content content = kind < 4 ? Content::kRegions : Content::kLines;
+  constexpr int kKinds = 4, kSvgRegions = 8;
+  const int kind = bytes.Below(kSvgRegions + 2);
+  const Content content = kind < kKinds || kind == kSvgRegions ? Content::kRegions : Content::kLines;
+  const Format format = kind < kSvgRegions ? kFormats[kind % kKinds] : Format::kSvg;
   IsTaken("file", [&] {
-    const zbr::drawing::Drawing drawing = Read(kFormats[kind % 4], bytes.Rest(), content);
+    const zbr::drawing::Drawing drawing = Read(format, bytes.Rest(), content);
     for (const zbr::drawing::Path& path : drawing.paths) {
       for (const ZBR_PT& p : path.points) Require(std::isfinite(p.x()) && std::isfinite(p.y()), "coordinates are finite");
     }
