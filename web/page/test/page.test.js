@@ -116,12 +116,16 @@ test('sections, perspectives, centre lines and arcs', async () => {
   const at = await page.textContent('#offset-text');
   assert.ok((await page.textContent('#status')).includes(`Section Y=${at} `));
   assert.match((await saved(page, '[data-save=dxf]')).data.toString(), /SECTION[^]*EOF/);
-  await isDrawnAs(() => choose('view'), 'visible');
-  const parallel = await page.getAttribute('#drawing', 'data-version');
-  const lines = await page.textContent('#status');
-  await isDrawnAs(() => page.click('label:has(#perspective)'), 'visible');
-  await page.waitForFunction((version) => document.querySelector('#drawing').dataset.version > version, parallel);
-  assert.notEqual((await page.textContent('#status')).replace(/ · drawn.*/, ''), lines.replace(/ · drawn.*/, ''));
+  const version = async () => Number(await page.getAttribute('#drawing', 'data-version'));
+  const isDrawnAnew = async (change) => {
+    const before = await version();
+    await change();
+    await page.waitForFunction((v) => Number(document.querySelector('#drawing').dataset.version) > v, before);
+  };
+  await isDrawnAnew(() => choose('view'));
+  const ink = await inked(page, '#drawing canvas');
+  await isDrawnAnew(() => page.click('label:has(#perspective)'));
+  assert.notEqual(await inked(page, '#drawing canvas'), ink);
   assert.ok(await page.isDisabled('#centre-lines'));
   await shoot(page, 'perspective');
   await isDrawnAs(() => page.click('label:has(#perspective)'), 'visible');
