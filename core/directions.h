@@ -15,8 +15,8 @@ namespace zbr {
 // The quadrant of a direction, as a bit. Seen along an axis on which it neither rises nor falls, a direction goes with the other
 // axis, so that opposite directions are in opposite quadrants.
 constexpr unsigned QuadrantBit(double x, double y) {
-  const bool left = x < 0.0 || (x == 0.0 && y < 0.0);
-  const bool down = y < 0.0 || (y == 0.0 && x < 0.0);
+  const bool left = (x < 0.0) | ((x == 0.0) & (y < 0.0));  // no branches: signs are as good as random
+  const bool down = (y < 0.0) | ((y == 0.0) & (x < 0.0));
   return 1U << (static_cast<unsigned>(left) | static_cast<unsigned>(down) << 1U);
 }
 

@@ -19,17 +19,21 @@ std::vector<IndexedRing> AlongCurve(const std::vector<IndexedRing>& rings) {
 
 // Grows `box` by the edges from vertex `from` on over `count` edges that do not wrap, and `directions` by theirs; whether one is
 // within eps2.
-bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, double eps2, Box& box, std::uint32_t& directions) {
+bool AddEdges(const ZBR_PT* points, std::uint32_t from, std::uint32_t count, double eps2, Box& all, std::uint32_t& directions) {
   bool repeats = false;
+  Box box = all;  // in registers: a box behind a reference might be one of the points
+  std::uint32_t bits = 0;
   ZBR_PT prev = points[from];
   box.Add(prev);
   for (std::uint32_t i = from + 1; i <= from + count; ++i) {
     const ZBR_PT cur = points[i];
     box.Add(cur);
     repeats |= cur.Distance2(prev) <= eps2;
-    directions |= DirectionBits(cur - prev);
+    bits |= DirectionBits(cur - prev);
     prev = cur;
   }
+  all = box;
+  directions |= bits;
   return repeats;
 }
 

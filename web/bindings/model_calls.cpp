@@ -205,8 +205,7 @@ int zbrwOutline(std::uint32_t model) {
     const Model& prepared = held.Any();
     Report(0.3, "finding outlines");
     LoopList all;
-    for (const LoopList& loops : FindOutlines(prepared, view, false, 1))
-      all.insert(all.end(), loops.begin(), loops.end());
+    for (const LoopList& loops : FindOutlines(prepared, view, false, 1)) all.insert(all.end(), loops.begin(), loops.end());
     out.Give(zbrRegionOfLoops(all));
   });
 }

@@ -46,7 +46,7 @@ function options() {
 function tidySettings() {
   const show = chosen('show');
   byId('plane').hidden = show !== 'section';
-  byId('hidden-lines').disabled = show === 'section'; // sections have none
+  byId('hidden-lines').hidden = show === 'section'; // which have none
   byId('perspective').disabled = show !== 'view' || (viewer && !viewer.setPerspective);
   byId('centre-lines').disabled = isOn('perspective');
   byId('crease-text').textContent = `${byId('crease').value}°`;

@@ -94,6 +94,52 @@ test('a model: the drawing follows the view, sheets, creases, files', async () =
   await page.close();
 });
 
+test('sections, perspectives, centre lines and arcs', async () => {
+  const page = await openPage();
+  await drop(page, 'housing.obj');
+  await statusIs(page, 'visible');
+  const isDrawnAs = async (change, pattern) => {
+    await page.evaluate(() => { document.querySelector('#status').textContent = ''; });
+    await change();
+    await statusIs(page, pattern);
+  };
+  const picture = () => page.$eval('#drawing img', async (image) => (await fetch(image.src)).text());
+  const choose = (value) => page.click(`label:has([value=${value}])`);
+  await isDrawnAs(() => choose('section'), 'Section X=');
+  assert.match(await picture(), /class="hatching"/);
+  await isDrawnAs(() => choose('Y'), 'Section Y=');
+  await isDrawnAs(async () => {
+    await page.fill('#offset', '70');
+    await page.dispatchEvent('#offset', 'change');
+  }, 'Section Y=');
+  await shoot(page, 'section');
+  const at = await page.textContent('#offset-text');
+  assert.ok((await page.textContent('#status')).includes(`Section Y=${at} `));
+  assert.match((await saved(page, '[data-save=dxf]')).data.toString(), /SECTION[^]*EOF/);
+  const version = async () => Number(await page.getAttribute('#drawing', 'data-version'));
+  const isDrawnAnew = async (change) => {
+    const before = await version();
+    await change();
+    await page.waitForFunction((v) => Number(document.querySelector('#drawing').dataset.version) > v, before);
+  };
+  await isDrawnAnew(() => choose('view'));
+  const ink = await inked(page, '#drawing canvas');
+  await isDrawnAnew(() => page.click('label:has(#perspective)'));
+  assert.notEqual(await inked(page, '#drawing canvas'), ink);
+  assert.ok(await page.isDisabled('#centre-lines'));
+  await shoot(page, 'perspective');
+  await isDrawnAs(() => page.click('label:has(#perspective)'), 'visible');
+  await isDrawnAs(() => page.keyboard.press('1'), 'visible'); // oblique views have none
+  await isDrawnAs(() => page.click('label:has(#centre-lines)'), 'with centre lines');
+  assert.match(await picture(), /class="centre/);
+  await shoot(page, 'centre-lines');
+  const arcs = (await saved(page, '[data-save=dxf]')).data.toString();
+  await isDrawnAs(() => page.click('label:has(#curves)'), 'with centre lines');
+  assert.match(arcs, /\n(CIRCLE|ARC)\n/);
+  assert.doesNotMatch((await saved(page, '[data-save=dxf]')).data.toString(), /\n(CIRCLE|ARC)\n/);
+  await page.close();
+});
+
 test('two drawings: five pictures with areas, files', async () => {
   const page = await openPage();
   await drop(page, 'bracket.dxf');
