@@ -2,6 +2,7 @@
 
 #include <zbr-drawing/trigonometry.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -41,10 +42,7 @@ bool WindsOnce(const Model& model, const Connectivity& mesh, std::size_t shell) 
       sums[c[i] - firstPoint] += Angle(mesh.points[c[(i + 1) % 3]] - p, mesh.points[c[(i + 2) % 3]] - p);
     }
   }
-  for (const double sum : sums) {
-    if (sum > 3.0 * kPi) return false;
-  }
-  return true;
+  return std::all_of(sums.begin(), sums.end(), [](double sum) { return sum <= 3.0 * kPi; });
 }
 
 }  // namespace

@@ -37,6 +37,7 @@ class RingSimplifier {
   RingSimplifier(const Ring& ring, double tolerance) : ring_(ring), tolerance_(tolerance), stays_(ring.count, false) {}
 
   std::vector<bool> Run() {
+    if (ring_.count == 0) return {};
     std::vector<std::size_t> ends;
     for (std::size_t i = 0; i < ring_.count; ++i) {
       if (ring_.IsEnd(i)) ends.push_back(i);
