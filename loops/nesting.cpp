@@ -171,7 +171,8 @@ class Inserter {
 bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
   const std::vector<ZBR_PT>& p = a.pt();
   const std::vector<ZBR_PT>& q = b.pt();
-  if (p.size() != q.size() || p.empty()) return p.size() == q.size();
+  if (p.size() != q.size()) return false;
+  if (p.empty()) return true;
   const auto start = std::find_if(q.begin(), q.end(), [&](const ZBR_PT& point) { return AreIdentical(point, p[0]); });
   const auto rest = static_cast<std::ptrdiff_t>(q.end() - start);
   return start != q.end() && std::equal(start, q.end(), p.begin(), AreIdentical) &&

@@ -163,8 +163,9 @@ class Joiner {
     std::sort(piece.begin(), piece.end());
     std::vector<std::vector<std::size_t>> ends;
     for (const std::uint32_t v : piece) {
-      std::vector<std::size_t>& kept = ends.emplace_back(endsAt_[v]);
+      std::vector<std::size_t> kept = endsAt_[v];
       std::erase_if(kept, [&](std::size_t end) { return isPeeled_[end / 2]; });
+      ends.push_back(std::move(kept));
     }
     for (EndCycle& ring : EvenRings(paths_, nodes_, ends)) TakeRing(ring);
   }

@@ -325,8 +325,8 @@ void NoteTangents(Model& model) {
   const Finder finder(model);
   std::vector<std::uint32_t> found = finder.Run();
   if (found.empty()) return;
-  for (const std::uint32_t edge : Chains(finder.Mesh()).Connected(std::move(found), kShortLine * model.Diagonal()))
-    model.notes[edge].isTangent = true;
+  const std::vector<std::uint32_t> connected = Chains(finder.Mesh()).Connected(std::move(found), kShortLine * model.Diagonal());
+  for (const std::uint32_t edge : connected) model.notes[edge].isTangent = true;
 }
 
 }  // namespace zbr::drawing

@@ -82,8 +82,18 @@ struct Closed {
     return static_cast<std::int64_t>(lengths[level]);
   }
   const void* Buffer(std::size_t level) const {
-    const std::array<const void*, 5> buffers = {list->regions.data(), list->polygons.data(), rings.data(), nullptr, points.data()};
-    return buffers[level];
+    switch (level) {
+      case 0:
+        return list->regions.data();
+      case 1:
+        return list->polygons.data();
+      case 2:
+        return rings.data();
+      case 3:
+        return nullptr;  // points, which have children only
+      default:
+        return points.data();
+    }
   }
 };
 
