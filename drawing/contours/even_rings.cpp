@@ -19,7 +19,6 @@ namespace zbr::drawing {
 namespace {
 
 constexpr double kPartOfReach = 0.125;  // of the shortest first edge at a node: how far from it directions are taken
-constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
 // The first edge of a path seen from one of its ends.
 class FirstEdge {
