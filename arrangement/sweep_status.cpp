@@ -51,7 +51,7 @@ std::size_t SweepStatus::PlaceOf(std::uint32_t chunk) const {
 }
 
 std::uint32_t SweepStatus::NewChunk(std::size_t place) {
-  std::uint32_t chunk = static_cast<std::uint32_t>(chunks_.size());
+  auto chunk = static_cast<std::uint32_t>(chunks_.size());
   if (free_.empty()) {
     chunks_.emplace_back();
   } else {

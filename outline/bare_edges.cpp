@@ -55,6 +55,18 @@ class Cancellation {
 
   bool IsCancelled(unsigned triangle, int edge) const { return (cancelled_[triangle] >> static_cast<unsigned>(edge) & 1U) != 0; }
 
+  // Cancels the edges of the whole shell. None is bare before all have been tried: where only the later one of two triangles names
+  // the other, it still cancels an edge of the earlier one.
+  void Run() {
+    for (unsigned i = 0; i < shell_.count; ++i) {
+      if (Turn(i) == 0) continue;
+      for (int k = 0; k < 3; ++k) {
+        if (!IsCancelled(i, k)) Try(i, k);
+      }
+    }
+  }
+
+ private:
   // Cancels an edge with one of its neighbour's if that runs exactly opposite. Only the points decide, so that wrong
   // neighbours do no harm.
   void Try(unsigned triangle, int edge) {
@@ -72,7 +84,6 @@ class Cancellation {
     }
   }
 
- private:
   static bool AreOpposite(const ZBR_HL_TRI& t, int i, const ZBR_HL_TRI& u, int k, bool sameWay) {
     const ZBR_PT3& from = u.pt[k];
     const ZBR_PT3& to = u.pt[(k + 1) % 3];
@@ -92,13 +103,13 @@ BareEdges CollectBareEdges(ZBR_HL_SHELL* shells, unsigned count) {
   for (unsigned s = 0; s < count; ++s) {
     const ZBR_HL_SHELL& shell = shells[s];
     Cancellation cancellation(shell, noise);
+    cancellation.Run();
     for (unsigned i = 0; i < shell.count; ++i) {
       ZBR_HL_TRI& t = shell.tris[i];
       const int turn = cancellation.Turn(i);
       std::fill(t.profile, t.profile + 3, turn != 0 ? 0 : -1);
       if (turn == 0) continue;
       for (int k = 0; k < 3; ++k) {
-        if (!cancellation.IsCancelled(i, k)) cancellation.Try(i, k);
         if (cancellation.IsCancelled(i, k)) continue;
         bare.edges.push_back(SideOf(t, turn, k));
         bare.sides.push_back({s, i, static_cast<std::uint32_t>(k)});

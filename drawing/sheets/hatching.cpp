@@ -139,7 +139,9 @@ std::vector<Meeting> MeetingsOf(const ZBR_REGION& region, const Style& style, do
   ForEachEdge(region, [&](const ZBR_PT& p, const ZBR_PT& q) {
     const double a = across.InnerProduct(p) / spacing, b = across.InnerProduct(q) / spacing;
     const double low = std::min(a, b), high = std::max(a, b);
-    for (double line = std::ceil(low); line < high; line += 1.0) {
+    const double first = std::ceil(low);
+    for (std::size_t k = 0; first + static_cast<double>(k) < high; ++k) {
+      const double line = first + static_cast<double>(k);
       const ZBR_PT place = p + (q - p) * std::clamp((line - a) / (b - a), 0.0, 1.0);
       meetings.push_back({line, along.InnerProduct(place), place});
     }

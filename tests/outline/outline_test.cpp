@@ -171,6 +171,20 @@ TEST(OutlineOfCrowds, BarsAcrossBarsAtAnyAngle) {
 INSTANTIATE_TEST_SUITE_P(Families, OutlineOfScenes, testing::ValuesIn(SceneFamilies()), testing::PrintToStringParamName());
 
 // A ring and a rod, narrower than what counts as a wall for the hidden lines, in their facets or altogether.
+// A square of two triangles; either, both or none names the other as its neighbour.
+TEST(OutlineOfTriangles, ThatNameNoneOrOneOfTwoNeighbours_IsThatOfAll) {
+  for (const unsigned named : {0U, 1U, 2U, 3U}) {
+    std::vector<ZBR_HL_TRI> tris(2);
+    const ZBR_PT3 corners[2][3] = {{{0, 0, 0}, {10, 0, 0}, {10, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {0, 10, 0}}};
+    for (std::size_t t = 0; t < 2; ++t) std::copy(corners[t], corners[t] + 3, tris[t].pt);
+    if ((named & 1U) != 0) tris[0].adj[2] = 1;
+    if ((named & 2U) != 0) tris[1].adj[0] = 0;
+    ZBR_HL_SHELL shell(tris.data(), 2);
+    ZBR_HiddenLine::OutLineObj(&shell, 1);
+    EXPECT_EQ(NetArea(shell.outline_all), 100) << named;
+  }
+}
+
 TEST(OutlineOfSlenderParts, HasAllTheirArea) {
   const auto at = [](int k, double r) { return ZBR_PT3(r * std::cos(k * 0.1), r * std::sin(k * 0.1), 0); };
   for (const double width : {1e-4, 1e-5, 1e-6}) {
