@@ -2,7 +2,8 @@
 //
 // Triangulations of polygons leave triangles without area: three points on one line, which fill the gap between a long edge and two
 // short ones. Their direction is rounding noise. They take the normal of the neighbour at their longest edge; the short edges then
-// get the class that the gap's two sides give them.
+// get the class that the gap's two sides give them. Where there is no such neighbour far and wide, as on a slender rod of very many
+// facets, they are facets like any others and keep their own.
 #include "drawing/model/edge_classes.h"
 
 #include <zbr-drawing/trigonometry.h>
@@ -17,6 +18,12 @@ namespace {
 // Height below which a triangle has no direction of its own, as a part of the model's diagonal: what is left of a height of zero by
 // the rounding of coordinates stored with single precision.
 constexpr double kFlatHeight = 1e-7;
+
+// The same for coordinates that are not rounded: the rounding of the products.
+constexpr double kNoHeight = 1e-12;
+
+// How far rounded coordinates may move the corners of a triangle in all, in steps of the rounding.
+constexpr double kSteps = 4.0;
 
 // Degrees that rounding may add to an angle: prisms with twelve sides bend by exactly the usual limit.
 constexpr double kAngleSlack = 0.01;
@@ -36,15 +43,15 @@ std::size_t LongestEdge(const ZBR_ZBREPT& t) {
   return longest;
 }
 
-// In units of the diagonal, so that products neither overflow nor vanish. Zero for a flat triangle.
-ZBR_PT3 OwnNormal(const ZBR_ZBREPT& t, double perDiagonal) {
+// In units of the diagonal, so that products neither overflow nor vanish. Zero for a triangle that is not higher than `flat`.
+ZBR_PT3 OwnNormal(const ZBR_ZBREPT& t, double perDiagonal, double flat) {
   const ZBR_PT3& a = t.GetVertex0()->GetPt();
   const ZBR_PT3 ab = (t.GetVertex1()->GetPt() - a) * perDiagonal;
   const ZBR_PT3 ac = (t.GetVertex2()->GetPt() - a) * perDiagonal;
   const ZBR_PT3 n = ab.OuterProduct(ac);
   const double doubleArea = n.Length();
   const double longest = std::sqrt(std::max({ab.Length2(), ac.Length2(), (ac - ab).Length2()}));
-  return doubleArea > kFlatHeight * longest ? n * (1.0 / doubleArea) : ZBR_PT3();
+  return doubleArea > flat * longest ? n * (1.0 / doubleArea) : ZBR_PT3();
 }
 
 bool IsZero(const ZBR_PT3& n) {
@@ -98,21 +105,22 @@ double PerDiagonal(const Model& model) {
 }  // namespace
 
 void SetNormals(Model& model) {
-  const double perDiagonal = PerDiagonal(model);
+  const double perDiagonal = PerDiagonal(model), least = std::max(kNoHeight, kSteps * model.rounding * perDiagonal);
   model.normals.clear();
   model.normals.reserve(model.TriangleCount());
   for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
     const ZBR_ZBREPS& shell = model.Shell(s);
     std::vector<int> flat;
     for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
-      model.normals.push_back(OwnNormal(*shell.GetTriangle(k), perDiagonal));
+      model.normals.push_back(OwnNormal(*shell.GetTriangle(k), perDiagonal, kFlatHeight));
       if (IsZero(model.normals.back())) flat.push_back(k);
     }
     model.flat += flat.size();
     ZBR_PT3* const own = model.normals.data() + model.shellBegin[s];
     std::vector<ZBR_PT3> borrowed;
     for (const int k : flat) borrowed.push_back(BorrowedNormal(model, s, own, shell.GetTriangle(k)));
-    for (std::size_t k = 0; k < flat.size(); ++k) own[flat[k]] = borrowed[k];
+    for (std::size_t k = 0; k < flat.size(); ++k)
+      own[flat[k]] = IsZero(borrowed[k]) ? OwnNormal(*shell.GetTriangle(flat[k]), perDiagonal, least) : borrowed[k];
   }
 }
 

@@ -1,8 +1,15 @@
 // Turns a model into view coordinates and finds its silhouettes.
+//
+// A silhouette is an edge between a facet that faces the viewer and one that does not. The difficulty are facets so narrow in
+// projection that for the removal their edges are one line: the facets of slender rods, and single ones that the view happens to
+// meet almost edge-on. There the surface that rises behind the silhouette would hide it, being on its line and higher. So narrow
+// facets count to the lower side, one after the other, and the silhouette is the uppermost of the edges on its line.
 #include <zbr-drawing/scene.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <unordered_map>
 
 namespace zbr::drawing {
 namespace {
@@ -18,13 +25,24 @@ bool IsSilhouette(double a, double b, Facing facing) {
   return (a > kFlat) != (b > kFlat) || (a < -kFlat) != (b < -kFlat);
 }
 
-// Whether the removal takes the triangle for a wall because of its shape: long and thin, its short edge towards the viewer, as at
-// the sides of a slender rod.
-bool HasEdgeSeenEndOn(const ZBR_HL_TRI& t) {
+double LongestEdge2(const ZBR_HL_TRI& t) {
+  double longest2 = 0.0;
+  for (int i = 0; i < 3; ++i) longest2 = std::max(longest2, (t.pt[(i + 1) % 3].xy() - t.pt[i].xy()).Length2());
+  return longest2;
+}
+
+// Whether the removal takes edges of the triangle for one line, or the whole of it for a wall because its short edge is seen
+// end-on. One whose corners it takes for two hides nothing.
+bool IsNarrow(const ZBR_HL_TRI& t) {
+  constexpr double kLine = 2e-7;  // twice the distance within which points are on a line there
+  const double area2 = (t.pt[1].xy() - t.pt[0].xy()).OuterProduct(t.pt[2].xy() - t.pt[0].xy());
+  bool isNarrow = area2 * area2 <= kLine * kLine * LongestEdge2(t);
   for (int i = 0; i < 3; ++i) {
-    if (ZBR_HL_TRI::EqualPtPt(t.pt[i], t.pt[(i + 1) % 3], kSceneTolerance)) return true;
+    const ZBR_PT3 &p = t.pt[i], &q = t.pt[(i + 1) % 3];
+    if ((q - p).Length2() <= kSceneTolerance * kSceneTolerance) return false;
+    isNarrow = isNarrow || ZBR_HL_TRI::EqualPtPt(p, q, kSceneTolerance);
   }
-  return false;
+  return isNarrow;
 }
 
 // Faces that met before their corners were rounded are some steps apart. However coarse the coordinates are, what shows in a
@@ -49,6 +67,7 @@ class SceneMaker {
     classes_ = scene_.classes.data() + begin;
     for (std::size_t t = 0; t < count; ++t) Fill(t, *shell.GetTriangle(static_cast<int>(t)));
     scene_.drawable += borders_;
+    RaiseSilhouettes();
     AddShell(triangles_, count);
   }
 
@@ -88,7 +107,7 @@ class SceneMaker {
 
   // How much a triangle faces the viewer.
   double Facing(std::size_t t) const {
-    if (HasEdgeSeenEndOn(triangles_[t])) return 0.0;
+    if (const auto lowered = lowered_.find(t); lowered != lowered_.end()) return lowered->second;
     const ZBR_PT3& normal = model_.normals[model_.shellBegin[shell_] + t];
     if (!scene_.view.perspective) return normal.InnerProduct(scene_.view.toViewer);
     const ZBR_PT3 toEye =
@@ -101,6 +120,8 @@ class SceneMaker {
     points_.clear();
     for (int v = 0; v < shell.GetVertexCnt(); ++v) points_.push_back(Look(shell.GetVertex(v)->GetPt()));
     borders_ = 0;
+    lowered_.clear();
+    silhouettes_.clear();
   }
 
   void Fill(std::size_t t, const ZBR_ZBREPT& record) {
@@ -127,13 +148,12 @@ class SceneMaker {
       ++borders_;
     } else {
       const std::size_t u = first / 3, k = first % 3;
-      EdgeClass drawn = edge.GetShow() ? EdgeClass::kCrease : SmoothClass(t, u, note);
-      // Along the silhouette of a rough surface edges are creases here and there, which shall not divide it.
-      if (model_.isRough && edge.GetShow() && SmoothClass(t, u, note) == EdgeClass::kSilhouette) drawn = EdgeClass::kSilhouette;
+      const EdgeClass drawn = InnerClass(t, u, edge, note);
       SetSide(t, i, static_cast<int>(u), static_cast<int>(k), drawn);
       SetSide(u, k, static_cast<int>(t), static_cast<int>(i), drawn);
       --borders_;
       if (drawn != EdgeClass::kSmooth) ++scene_.drawable;
+      if (drawn == EdgeClass::kSilhouette) silhouettes_.push_back({t, i});
     }
   }
 
@@ -144,10 +164,73 @@ class SceneMaker {
     classes_[t][i] = edge;
   }
 
+  // Along the silhouette of a rough surface edges are creases here and there, which shall not divide it.
+  EdgeClass InnerClass(std::size_t t, std::size_t u, const ZBR_ZBREPE& edge, EdgeNote note) const {
+    if (edge.GetShow() && !model_.isRough) return EdgeClass::kCrease;
+    const EdgeClass smooth = SmoothClass(t, u, note);
+    return edge.GetShow() && smooth != EdgeClass::kSilhouette ? EdgeClass::kCrease : smooth;
+  }
+
   EdgeClass SmoothClass(std::size_t t, std::size_t u, EdgeNote note) const {
     const double here = Facing(t), other = Facing(u);
     if (IsSilhouette(here, note.isSameWay ? -other : other, model_.facing[shell_])) return EdgeClass::kSilhouette;
     return tangents_ && note.isTangent ? EdgeClass::kTangent : EdgeClass::kSmooth;
+  }
+
+  // From the silhouettes as the normals tell them. Each facet is lowered once.
+  void RaiseSilhouettes() {
+    while (!silhouettes_.empty()) {
+      const Side side = silhouettes_.back();
+      silhouettes_.pop_back();
+      if (classes_[side.triangle][side.edge] != EdgeClass::kSilhouette) continue;  // raised already
+      const Side other = Opposite(side);
+      if (Rises(side)) Lower(side, other.triangle);
+      if (Rises(other)) Lower(other, side.triangle);
+    }
+  }
+
+  struct Side {
+    std::size_t triangle, edge;
+  };
+
+  Side Opposite(const Side& side) const {
+    const ZBR_HL_TRI& t = triangles_[side.triangle];
+    return {static_cast<std::size_t>(t.adj[side.edge]), static_cast<std::size_t>(t.adj_edge[side.edge])};
+  }
+
+  // Whether a facet is narrow, its third vertex higher than a long edge of it, and another long edge there to be drawn instead.
+  bool Rises(const Side& side) const {
+    const ZBR_HL_TRI& t = triangles_[side.triangle];
+    if (!IsNarrow(t) || lowered_.contains(side.triangle) || std::abs(Facing(side.triangle)) <= kSceneTolerance) return false;
+    constexpr double kLong = 0.25;
+    const double long2 = kLong * kLong * LongestEdge2(t);
+    const std::size_t next = (side.edge + 1) % 3, last = (side.edge + 2) % 3;
+    const ZBR_PT3 &a = t.pt[side.edge], &b = t.pt[next], &apex = t.pt[last];
+    const ZBR_PT along = b.xy() - a.xy(), across = apex.xy() - a.xy();
+    if (!(along.Length2() > long2) || apex.z() <= a.z() + (b.z() - a.z()) * (across.InnerProduct(along) / along.Length2()))
+      return false;
+    const auto isFree = [&](std::size_t i) {
+      return (t.pt[(i + 1) % 3].xy() - t.pt[i].xy()).Length2() > long2 && classes_[side.triangle][i] != EdgeClass::kSilhouette;
+    };
+    return isFree(next) || isFree(last);
+  }
+
+  // Makes a facet face as its neighbour does. Its edges change sides with it.
+  void Lower(const Side& side, std::size_t neighbour) {
+    const ZBR_ZBREPT& record = *model_.Shell(shell_).GetTriangle(static_cast<int>(side.triangle));
+    const double below = Facing(neighbour);
+    lowered_[side.triangle] = model_.Note(shell_, EdgeOf(record, side.edge)).isSameWay ? -below : below;
+    for (std::size_t i = 0; i < 3; ++i) {
+      if (triangles_[side.triangle].adj[i] < 0) continue;
+      const ZBR_ZBREPE& edge = EdgeOf(record, i);
+      const Side other = Opposite({side.triangle, i});
+      const EdgeClass drawn = InnerClass(side.triangle, other.triangle, edge, model_.Note(shell_, edge));
+      scene_.drawable += drawn != EdgeClass::kSmooth ? 1 : 0;
+      scene_.drawable -= classes_[side.triangle][i] != EdgeClass::kSmooth ? 1 : 0;
+      SetSide(side.triangle, i, static_cast<int>(other.triangle), static_cast<int>(other.edge), drawn);
+      SetSide(other.triangle, other.edge, static_cast<int>(side.triangle), static_cast<int>(i), drawn);
+      if (drawn == EdgeClass::kSilhouette) silhouettes_.push_back({side.triangle, i});
+    }
   }
 
   const Model& model_;
@@ -160,6 +243,8 @@ class SceneMaker {
   std::vector<ZBR_PT3> points_;
   std::vector<std::uint32_t> side_;  // of edges: the side met first, 3 x triangle + place
   std::size_t borders_ = 0;          // edges with one side met
+  std::vector<Side> silhouettes_;
+  std::unordered_map<std::size_t, double> lowered_;  // narrow facets: how much they are taken to face the viewer
 };
 
 }  // namespace

@@ -17,7 +17,7 @@ struct EdgeSegment {
   double t0 = 0.0, t1 = 0.0;         // angles of both ends there
 };
 
-// Ends that are at most `tolerance` apart are joined; shorter segments and repeats are left out.
-std::vector<Chain> ChainSegments(const std::vector<EdgeSegment>& segments, double tolerance, const SeenCircles& circles);
+// Ends that are at most `tolerance` apart are joined; repeats are left out, and shorter segments unless they follow one another.
+std::vector<Chain> ChainSegments(std::vector<EdgeSegment> segments, double tolerance, const SeenCircles& circles);
 
 }  // namespace zbr::drawing

@@ -1,4 +1,4 @@
-// Views from an eye, against rays; centre lines; smooth silhouettes; the creases of scans.
+// Views from an eye, against rays; centre lines; silhouettes, smooth ones and those of slender rods; the creases of scans.
 
 #include <zbr-drawing/failure.h>
 #include <zbr-drawing/sheet.h>
@@ -273,6 +273,38 @@ TEST(SmoothSilhouettes, LeaveNoContourOpen) {
     const ViewLines view = DrawViews(model, {{name, *NamedView(name)}}, options).front();
     for (const auto& loop : view.outlines.front()) {
       for (const ZBR_PT& p : loop->pt()) EXPECT_LT(DistanceTo(view.lines, p), 0.005 * view.extent.Size()) << name;
+    }
+  }
+}
+
+// Facets of a rod so narrow that several of them are one line in a view: none may hide its silhouettes, and rims made of edges
+// that are each too short to be drawn are drawn.
+TEST(SlenderRods, KeepContourAndRims) {
+  for (const int facets : {1000, 4000}) {
+    std::vector<ZBR_PT> circle;
+    for (int i = 0; i < facets; ++i)
+      circle.emplace_back(std::cos(i * 2 * 3.14159265358979 / facets), std::sin(i * 2 * 3.14159265358979 / facets));
+    example::Solid rod;
+    rod.Extrude(example::Axis::kX, example::Polygon(circle), -600, 600);
+    const Mesh along = rod.Take();
+    Mesh inMetres = along, crossing = along;
+    for (ZBR_PT3& p : inMetres.points) p = p * 1e-3;
+    for (ZBR_PT3& p : crossing.points) p.Set(-p.y(), p.x(), p.z() + 6);
+    Append(crossing, along);
+    const Model one = MakeModel(inMetres, 30.0), both = MakeModel(crossing, 30.0);
+    for (const char* const name : {"iso", "dimetric"}) {
+      const View view = *NamedView(name);
+      const double x = 2400 * std::sqrt(1 - view.toViewer.x() * view.toViewer.x());
+      const double y = 2400 * std::sqrt(1 - view.toViewer.y() * view.toViewer.y());
+      const auto length = [](const ViewLines& drawn, EdgeClass edgeClass) {
+        double sum = 0.0;
+        for (const Line& line : Visible(drawn, edgeClass)) sum += LengthOf(line);
+        return sum;
+      };
+      const ViewLines drawn = DrawViews(one, {{name, view}}, {}).front();
+      EXPECT_NEAR(length(drawn, EdgeClass::kSilhouette), 1e-3 * x, 1e-8 * x) << facets << name;
+      EXPECT_GT(length(drawn, EdgeClass::kCrease), 4e-3) << facets << name;
+      EXPECT_NEAR(length(DrawViews(both, {{name, view}}, {}).front(), EdgeClass::kSilhouette), x + y, 0.01 * x) << facets << name;
     }
   }
 }
