@@ -17,11 +17,12 @@
 #include <utility>
 
 #include "drawing/contours/spline.h"
+#include "drawing/contours/spline_pieces.h"
 
 namespace zbr::drawing {
 namespace {
 
-constexpr double kSameCircle = 1e-10;  // of the radius: centres and radii that differ by rounding, as those from bulges do
+constexpr double kSameCircle = 1e-10;  // of the radius: what differs by rounding, as centres and radii from bulges do
 constexpr double kWholeTurn = 1e-12;   // turns short of one or beyond it
 constexpr double kMostPerTurn = 1e5;   // chords, however small a deviation is asked for
 constexpr double kLeastPerTurn = 8.0;  // however large
@@ -57,8 +58,8 @@ bool IsWhole(const Curve& curve) {
 }
 
 bool AreNear(const Curve& a, const Curve& b) {
-  const double reach = kSameCircle * a.u.x();
-  return std::abs(a.u.x() - b.u.x()) <= reach && a.centre.Distance(b.centre) <= reach;
+  const double reach = kSameCircle * LongestAxis(a);
+  return a.u.Distance(b.u) <= reach && a.v.Distance(b.v) <= reach && a.centre.Distance(b.centre) <= reach;
 }
 
 // All that the curve is a part of, a circle from the x axis on.
@@ -87,14 +88,31 @@ std::vector<double> NumbersOf(const Spline& spline) {
   return numbers;
 }
 
-// Of circles that come by ascending centres, those whose centres are not yet too far to the left, by the height of their centres.
-class RecentCircles {
- public:
-  RecentCircles(const std::vector<Curve>& curves, double reach) : curves_(curves), reach_(reach) {}
+// For each curve what its spline is a stretch of, by places of curves; of others nothing.
+std::vector<StretchOfSpline> WholesOf(const std::vector<Curve>& shapes, double tolerance) {
+  std::vector<std::size_t> places;
+  std::vector<const Spline*> splines;
+  for (std::size_t i = 0; i < shapes.size(); ++i) {
+    if (shapes[i].spline == nullptr) continue;
+    places.push_back(i);
+    splines.push_back(shapes[i].spline.get());
+  }
+  std::vector<StretchOfSpline> wholes(shapes.size());
+  std::size_t next = 0;
+  for (const StretchOfSpline& found : FindWholes(splines, tolerance))
+    wholes[places[next++]] = {places[found.whole], found.start, found.rate};
+  return wholes;
+}
 
-  void Add(std::uint32_t circle) {
-    window_.push_back(circle);
-    byHeight_.emplace(curves_[circle].centre.y(), circle);
+// Of circles or ellipses that come by ascending centres, those whose centres are not yet too far to the left, by the height of
+// their centres.
+class RecentCurves {
+ public:
+  RecentCurves(const std::vector<Curve>& curves, double reach) : curves_(curves), reach_(reach) {}
+
+  void Add(std::uint32_t carrier) {
+    window_.push_back(carrier);
+    byHeight_.emplace(curves_[carrier].centre.y(), carrier);
   }
   // The first one that is equal but for rounding.
   std::optional<std::uint32_t> Find(const Curve& shape) {
@@ -156,7 +174,8 @@ std::uint32_t Carriers::AddCarrier(const Curve& curve, bool isCircle) {
   return static_cast<std::uint32_t>(curves_.size() - 1);
 }
 
-// Circles are taken up by their coordinates, so that the one which stands for equals does not depend on the order of the arcs.
+// Circles and ellipses are taken up by their coordinates, so that the one which stands for equals does not depend
+// on the order of the arcs.
 std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
   std::vector<Curve> shapes;
   double largest = 0.0;
@@ -168,25 +187,27 @@ std::vector<Stretch> Carriers::Add(const std::vector<const Curve*>& curves) {
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return KeyOf(shapes[a]) < KeyOf(shapes[b]); });
   std::vector<Stretch> stretches(curves.size());
-  RecentCircles recent(curves_, kSameCircle * largest);
+  RecentCurves circles(curves_, kSameCircle * largest), ellipses(curves_, kSameCircle * largest);
+  const std::vector<StretchOfSpline> wholes = WholesOf(shapes, snap_);
   std::map<std::vector<double>, std::uint32_t> splines;
   for (const std::size_t i : order) {
-    const Curve& shape = shapes[i];
+    const Curve& shape = shapes[i].spline != nullptr ? shapes[wholes[i].whole] : shapes[i];
     const bool isCircle = shape.IsCircular();
     std::optional<std::uint32_t> carrier;
-    if (isCircle) carrier = recent.Find(shape);
-    const bool isRepeat = !isCircle && shape.spline == nullptr && !curves_.empty() && curves_.back().spline == nullptr &&
-                          KeyOf(curves_.back()) == KeyOf(shape);
-    if (isRepeat) carrier = static_cast<std::uint32_t>(curves_.size() - 1);
-    if (shape.spline != nullptr) {
+    RecentCurves& recent = isCircle ? circles : ellipses;
+    if (shape.spline == nullptr) {
+      carrier = recent.Find(shape);
+    } else {
       const auto [known, isNew] = splines.try_emplace(NumbersOf(*shape.spline), static_cast<std::uint32_t>(curves_.size()));
       if (!isNew) carrier = known->second;
     }
     if (!carrier) {
       carrier = AddCarrier(shape, isCircle);
-      if (isCircle) recent.Add(*carrier);
+      if (shape.spline == nullptr) recent.Add(*carrier);
     }
     stretches[i] = StretchOn(*carrier, *curves[i]);
+    if (shape.spline == nullptr) continue;
+    for (double* const t : {&stretches[i].t0, &stretches[i].t1}) *t = std::clamp(wholes[i].At(*t), shape.t0, shape.t1);
   }
   return stretches;
 }

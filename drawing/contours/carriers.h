@@ -28,7 +28,8 @@ struct CurveVertex {
 };
 
 // Circles that are equal but for rounding are one carrier, so that arcs along each other get the same vertices, however long each
-// is; of ellipses those with equal axes. Parameters are angles from the carrier's u, for circles from the x axis.
+// is; of ellipses those with equal axes too, and splines that are stretches of another one are that one. Parameters are angles from
+// the carrier's u, for circles from the x axis; those of splines are the spline's own.
 class Carriers {
  public:
   // Points closer together than `snap` are one place.

@@ -195,7 +195,13 @@ class ChordMaker {
     return {false, line.origins[e], line.points[e], line.points[(e + 1) % line.points.size()]};
   }
 
-  static bool AreAlongEachOther(const Edge& a, const Edge& b) { return a.origin.curve == b.origin.curve; }
+  // On one curve: the same chord or chords next to each other. Others cross only where a spline crosses itself.
+  bool AreAlongEachOther(const Edge& a, const Edge& b) const {
+    if (a.origin.curve != b.origin.curve) return false;
+    if (carriers_.IsPeriodic(static_cast<std::uint32_t>(a.origin.curve))) return true;
+    const auto [low, high] = std::minmax(a.origin.t0, a.origin.t1);
+    return std::max(b.origin.t0, b.origin.t1) >= low && std::min(b.origin.t0, b.origin.t1) <= high;
+  }
 
   // True curves of other kinds than circles may cross here; else the chords are too long.
   bool Separate(const Edge& a, const Edge& b, const ZBR_PT& place) {

@@ -21,6 +21,9 @@ using drawing::Curve;
 using drawing::Path;
 using drawing::Spline;
 
+// Half a chord by the radius, below which an arc is its chord: it leaves it by less than its coordinates can tell.
+constexpr double kFlattestArc = 1e-8;
+
 bool IsSame(const ZBR_PT& a, const ZBR_PT& b) {
   return a.x() == b.x() && a.y() == b.y();
 }
@@ -147,7 +150,6 @@ void SvgPathMaker::BezierTo(const std::vector<ZBR_PT>& controls) {
 }
 
 void SvgPathMaker::ArcTo(double rx, double ry, double degrees, bool isLarge, bool isPositive, const ZBR_PT& p) {
-  constexpr double kTurn = 6.283185307179586;
   rx = std::abs(rx);
   ry = std::abs(ry);
   if (IsSame(p, current_) || rx == 0 || ry == 0) return LineTo(p);
@@ -157,6 +159,8 @@ void SvgPathMaker::ArcTo(double rx, double ry, double degrees, bool isLarge, boo
     rx *= length;
     ry *= length;
     h = h * (1.0 / length);
+  } else if (length < kFlattestArc) {
+    return LineTo(p);
   }
   const double aside = std::sqrt(std::max(0.0, 1.0 / h.Length2() - 1.0)) * (isLarge != isPositive ? 1.0 : -1.0);
   const ZBR_PT centre(h.y() * aside, -h.x() * aside), from = h - centre, to = h * -1.0 - centre;
@@ -166,8 +170,8 @@ void SvgPathMaker::ArcTo(double rx, double ry, double degrees, bool isLarge, boo
   arc.centre = (current_ + p) * 0.5 + arc.u * centre.x() + arc.v * centre.y();
   arc.t0 = drawing::Atan2(from.y(), from.x());
   arc.t1 = drawing::Atan2(to.y(), to.x());
-  if (isPositive && arc.t1 <= arc.t0) arc.t1 += kTurn;
-  if (!isPositive && arc.t1 >= arc.t0) arc.t1 -= kTurn;
+  if (isPositive && arc.t1 <= arc.t0) arc.t1 += drawing::kFullTurn;
+  if (!isPositive && arc.t1 >= arc.t0) arc.t1 -= drawing::kFullTurn;
   AddCurve(std::move(arc), p);
 }
 

@@ -227,9 +227,10 @@ class SvgReader {
     if (IsFlat(frame.map)) return drawing_.LeaveOut(element.name + " without width", element.line, false);
     // What a style sheet says of the filling is not known.
     const bool closes = !isForLines_ && frame.isFilled && element.Attribute("class").empty();
+    for (Path& path : *paths) Map(path, frame.map);
+    if (!std::all_of(paths->begin(), paths->end(), IsFinite))
+      return drawing_.LeaveOut(element.name + " whose coordinates overflow", element.line, true);
     for (Path& path : *paths) {
-      Map(path, frame.map);
-      if (!IsFinite(path)) FailAt(drawing_.file, element.line, "a coordinate overflows");
       if (closes && path.points.size() > 2) path.closed = true;
       path.line = element.line;
       path.layer = frame.layer;

@@ -1,5 +1,7 @@
 #include "formats/drawings/svg_shapes.h"
 
+#include <zbr-drawing/trigonometry.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -43,13 +45,12 @@ class Lengths {
 };
 
 std::vector<Path> WholeEllipse(double x, double y, double rx, double ry) {
-  constexpr double kTurn = 6.283185307179586;
   if (!(rx > 0) || !(ry > 0)) return {};
   Curve ellipse;
   ellipse.centre.Set(x, y);
   ellipse.u.Set(rx, 0);
   ellipse.v.Set(0, ry);
-  ellipse.t1 = kTurn;
+  ellipse.t1 = drawing::kFullTurn;
   Path path;
   path.points = {ellipse.At(0)};
   path.curves = {ellipse};

@@ -48,7 +48,6 @@ std::string_view Trimmed(std::string_view text) {
 
 // One function of a transform with its numbers.
 std::optional<Affine> TransformOf(std::string_view name, const std::vector<double>& n) {
-  constexpr double kDegree = 3.141592653589793 / 180.0;
   const std::size_t count = n.size();
   if (name == "matrix" && count == 6) return Affine{n[0], n[2], n[4], n[1], n[3], n[5]};
   if (name == "translate" && (count == 1 || count == 2)) return Affine::Move(ZBR_PT(n[0], count == 2 ? n[1] : 0.0));
@@ -58,8 +57,8 @@ std::optional<Affine> TransformOf(std::string_view name, const std::vector<doubl
     const ZBR_PT centre(n[1], n[2]);
     return Affine::Move(centre).After(Affine::Turn(n[0])).After(Affine::Move(centre * -1.0));
   }
-  if (name == "skewX" && count == 1) return Affine{1.0, drawing::Tan(n[0] * kDegree), 0.0, 0.0, 1.0, 0.0};
-  if (name == "skewY" && count == 1) return Affine{1.0, 0.0, 0.0, drawing::Tan(n[0] * kDegree), 1.0, 0.0};
+  if (name == "skewX" && count == 1) return Affine{1.0, drawing::Tan(n[0] * drawing::kDegree), 0.0, 0.0, 1.0, 0.0};
+  if (name == "skewY" && count == 1) return Affine{1.0, 0.0, 0.0, drawing::Tan(n[0] * drawing::kDegree), 1.0, 0.0};
   return std::nullopt;
 }
 

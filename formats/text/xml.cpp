@@ -18,7 +18,8 @@ using drawing::FailAt;
 using drawing::Quoted;
 
 constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::size_t kDeepest = 1000;  // elements within each other
+constexpr std::size_t kDeepest = 1000;         // elements within each other
+constexpr std::size_t kLongestCharacter = 32;  // from its '&': where no ';' comes, the rest is not searched for one each time
 
 class XmlReader {
  public:
@@ -129,7 +130,7 @@ class XmlReader {
     for (std::size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&')) {
       resolved += text.substr(0, at);
       text.remove_prefix(at);
-      const std::size_t end = text.find(';');
+      const std::size_t end = text.substr(0, kLongestCharacter).find(';');
       const std::string character = end == std::string_view::npos ? "" : CharacterOf(text.substr(1, end - 1));
       resolved += character.empty() ? "&" : character;
       text.remove_prefix(character.empty() ? 1 : end + 1);

@@ -10,6 +10,7 @@ namespace zbr::drawing {
 
 inline constexpr double kPi = 3.141592653589793;
 inline constexpr double kFullTurn = 2 * kPi;
+inline constexpr double kDegree = kPi / 180.0;
 
 double Sin(double angle);
 double Cos(double angle);

@@ -316,6 +316,50 @@ TEST(Arcs, MirroredHalvesAreNoRepeats) {
   EXPECT_EQ(MakeContours(drawing, {1e-4, 1e-6}).rings.size(), 1U);
 }
 
+// A closed spline beside the pieces it was cut into, each with parameters of its own, some turned round: one region, with the same
+// vertices, also where the spline crosses itself.
+TEST(Arcs, PiecesOfSplinesAreTheirSpline) {
+  for (unsigned seed = 0; seed < static_cast<unsigned>(Scaled(60)); ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Random random(seed);
+    Spline whole;
+    whole.knots.assign(4, 0.0);
+    for (int i = static_cast<int>(random.Between(4, 9)); i-- > 0;) {
+      whole.control.push_back(random.Point());
+      if (seed % 2 != 0) whole.weights.push_back(random.Between(0.5, 2));
+    }
+    whole.control.push_back(whole.control.front());
+    if (seed % 2 != 0) whole.weights.push_back(1);
+    while (whole.knots.size() < whole.control.size()) whole.knots.push_back(static_cast<double>(whole.knots.size()) - 3);
+    whole.knots.resize(whole.control.size() + 4, whole.knots.back() + 1);
+    const auto add = [](Path& path, Spline spline) {
+      Curve& curve = path.curves.emplace_back();
+      curve.at = path.points.size();
+      curve.spline = std::make_shared<const Spline>(std::move(spline));
+      curve.t0 = curve.spline->Start();
+      curve.t1 = curve.spline->End();
+      return &curve;
+    };
+    Drawing a, b;
+    for (Drawing* const drawing : {&a, &b}) drawing->paths.emplace_back().closed = true;
+    add(a.paths[0], whole);
+    a.paths[0].points = {whole.control.front()};
+    const std::array<double, 4> cuts = {0, whole.End() * random.Between(0.1, 0.5), whole.End() * random.Between(0.6, 0.9),
+                                        whole.End()};
+    for (std::size_t k = 1; k < cuts.size(); ++k) {
+      const bool turned = random.Between(0, 1) < 0.5;
+      Spline piece = turned ? Trimmed(whole, cuts[k], cuts[k - 1]) : Trimmed(whole, cuts[k - 1], cuts[k]);
+      for (double& knot : piece.knots) knot = (knot - cuts[k - 1]) / (cuts[k] - cuts[k - 1]);
+      Curve* const curve = add(b.paths[0], std::move(piece));
+      if (turned) std::swap(curve->t0, curve->t1);
+      b.paths[0].points.push_back(whole.At(cuts[k - 1]));
+    }
+    const Combined combined = Combine(a, b);
+    EXPECT_GT(combined.results[1].Area(), 1.0);
+    EXPECT_TRUE(combined.outlines[2].empty()) << combined.results[2].Area();
+  }
+}
+
 // A parabola's arch over its chord, two thirds of the box, whatever its parameters are.
 TEST(Arcs, SplinesHaveAnyParameters) {
   for (const auto& [start, end] : {std::pair(0.0, 1.0), std::pair(-5.0, 5.0), std::pair(100.0, 200.0), std::pair(-3.0, -1.0)}) {

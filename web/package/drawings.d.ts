@@ -15,11 +15,11 @@ export { ZbrError, fromGeoJSON, toGeoJSON } from './index.js';
 export type Bytes = string | ArrayBuffer | ArrayBufferView;
 
 export interface DrawingFile {
-  /** What a DXF, GeoJSON, WKT or loop file holds. */
+  /** What a DXF, SVG, GeoJSON, WKT or loop file holds. */
   data: Bytes;
   /** The extension tells the format; stands for the file in messages. */
   name?: string;
-  format?: 'dxf' | 'geojson' | 'wkt' | 'text';
+  format?: 'dxf' | 'svg' | 'geojson' | 'wkt' | 'text';
 }
 
 export interface DrawingOptions {

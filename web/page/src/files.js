@@ -1,6 +1,6 @@
 // Files in and out.
 const MODELS = new Set(['stl', 'obj', 'ply', 'off', 'gltf', 'glb']);
-const DRAWINGS = new Set(['dxf', 'geojson', 'json', 'wkt', 'loops', 'txt']);
+const DRAWINGS = new Set(['dxf', 'geojson', 'json', 'wkt', 'svg', 'loops', 'txt']);
 
 export const extensionOf = (name) => (name.includes('.') ? name.split('.').pop().toLowerCase() : '');
 export const stemOf = (name) => name.replace(/\.[^.]*$/, '');
