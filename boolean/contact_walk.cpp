@@ -90,18 +90,27 @@ bool WalkAlongContacts(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR
   const std::size_t edges = CountPoints(input.rings());
   if (!frame.IsUsable() || edges < kLeastEdges || edges < kEdgesPerRing * input.rings().size()) return false;
   const ToleranceScope tolerance(kBooleanEps);
-  const std::optional<LoopList> a = LoopsIn(input.operand(0), frame);
-  const std::optional<LoopList> b = LoopsIn(input.operand(1), frame);
+  std::optional<LoopList> a = LoopsIn(input.operand(0), frame);
+  std::optional<LoopList> b = LoopsIn(input.operand(1), frame);
   if (!a || !b) return false;
   std::vector<ZBR_CROSS> crosses;
-  Combination combination(*a, *b, crosses);
-  combination.FindCrossings();
-  if (!combination.IsCertain() || crosses.size() * kEdgesPerCrossing > edges) return false;
+  std::optional<Combination> combination(std::in_place, *a, *b, crosses);
+  combination->FindCrossings();
+  if (!combination->IsCertain() || crosses.size() * kEdgesPerCrossing > edges) return false;
   std::vector<ZBR_REGION> formed(static_cast<std::size_t>(count));
   for (int k = 0; k < count; ++k) {
-    const std::optional<LoopList> loops = combination.Walk(ops[k]);
+    std::optional<LoopList> loops = combination->Walk(ops[k]);
+    if (k + 1 == count) {  // the memory is wanted for the result
+      combination.reset();
+      a.reset();
+      b.reset();
+    }
     if (!loops || !AreApart(*loops)) return false;
     ZBR_REGION& region = formed[static_cast<std::size_t>(k)];
+    const std::vector<Polygon> polygons = PolygonsOf(*loops);
+    std::size_t points = 0;
+    for (const Polygon& p : polygons) points += (**p.loop).pt().size();
+    ZBR_REGION_ACCESS::Restart(region, points, polygons.size(), loops->size());
     for (const auto& outer : *loops) ZBR_REGION_ACCESS::AddPolygon(region, *outer, [&](const ZBR_PT& p) { return frame.Out(p); });
   }
   std::move(formed.begin(), formed.end(), results);

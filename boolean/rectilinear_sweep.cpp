@@ -15,6 +15,7 @@
 #include "core/bits.h"
 #include "core/planar_inline.h"
 #include "core/radix_sort.h"
+#include "core/scratch.h"
 
 namespace zbr {
 namespace {
@@ -29,6 +30,26 @@ std::uint64_t SortableOf(double value) {
 
 double ValueOf(std::uint64_t sortable) {
   return DoubleOf((sortable & kSign) != 0 ? sortable & ~kSign : ~sortable);
+}
+
+RingSpan WithoutRepeatedEnd(RingSpan ring) {
+  while (ring.size() > 1 && AreIdentical(ring.front(), ring.back())) ring = ring.first(ring.size() - 1);
+  return ring;
+}
+
+// Whether horizontal and vertical edges take turns in a ring that doesn't end with its first point.
+bool IsRectilinear(RingSpan ring) {
+  constexpr std::size_t kLeastCorners = 4;
+  if (ring.size() < kLeastCorners || ring.size() % 2 != 0) return false;
+  const ZBR_PT* from = &ring.back();
+  bool isHorizontal = from->y() == ring.front().y();
+  for (const ZBR_PT& to : ring) {
+    const bool isOne = isHorizontal ? from->y() == to.y() && from->x() != to.x() : from->x() == to.x() && from->y() != to.y();
+    if (!isOne) return false;
+    isHorizontal = !isHorizontal;
+    from = &to;
+  }
+  return true;
 }
 
 // The values of sorted keys, each once. False when two of them are no farther apart than `least`.
@@ -48,30 +69,17 @@ bool FindValues(const Items& items, Key key, double least, std::vector<double>& 
 
 }  // namespace
 
-// The change at the start of a horizontal edge is that at its end, taken back, whichever way it runs.
-bool RectilinearSweep::AddRing(RingSpan ring, std::uint8_t operand) {
-  constexpr std::size_t kLeastCorners = 4;
-  while (ring.size() > 1 && AreIdentical(ring.front(), ring.back())) ring = ring.first(ring.size() - 1);
-  if (ring.size() < kLeastCorners || ring.size() % 2 != 0) return false;
-  const ZBR_PT* from = &ring.back();
-  bool isHorizontal = from->y() == ring.front().y();
-  for (const ZBR_PT& to : ring) {
-    const bool isOne = isHorizontal ? from->y() == to.y() && from->x() != to.x() : from->x() == to.x() && from->y() != to.y();
-    if (!isOne) return false;
-    ends_.push_back({SortableOf(to.x()), SortableOf(to.y()), operand});
-    isHorizontal = !isHorizontal;
-    from = &to;
-  }
-  return true;
-}
-
 bool RectilinearSweep::Prepare(const RegionInput& input, double tolerance) {
   constexpr double kTolerancesApart = 4.0;
+  const auto isRectilinear = [](RingSpan ring) { return IsRectilinear(WithoutRepeatedEnd(ring)); };
+  if (!std::all_of(input.rings().begin(), input.rings().end(), isRectilinear)) return false;
+  // The change at the start of a horizontal edge is that at its end, taken back, whichever way it runs.
   ends_.clear();
   ends_.reserve(CountPoints(input.rings()));
-  for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
+  for (const std::uint8_t side : {std::uint8_t{0}, std::uint8_t{1}}) {
+    const auto operand = static_cast<std::uint8_t>(side + 1);
     for (const RingSpan& ring : input.operand(side)) {
-      if (!AddRing(ring, side == 0 ? 1 : 2)) return false;
+      for (const ZBR_PT& p : WithoutRepeatedEnd(ring)) ends_.push_back({SortableOf(p.x()), SortableOf(p.y()), operand});
     }
   }
   const auto x = [](const End& end) { return end.x; };
@@ -85,7 +93,13 @@ bool RectilinearSweep::Prepare(const RegionInput& input, double tolerance) {
     last = std::exchange(end.y, rank);
   }
   RadixSort(ends_, scratch_, x);
+  FreeLarge(scratch_);
   return FindValues(ends_, x, kTolerancesApart * tolerance, xs_);
+}
+
+void RectilinearSweep::Clear() {
+  FreeLarge(ends_);
+  FreeLarge(scratch_);
 }
 
 bool RectilinearSweep::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result, const std::function<bool(double)>& goesOn) {

@@ -20,6 +20,8 @@ class RectilinearSweep {
   // False when some ring is not made of horizontal and vertical edges by turns, or when different coordinates come within a few
   // tolerances of each other. The rings may touch, overlap and cross as they like.
   bool Prepare(const RegionInput& input, double tolerance);
+  // Large memory is given back.
+  void Clear();
   // After Prepare. What is inside an operand is told by the even-odd rule. Asks now and then whether to go on, with the share that
   // is done; false when the answer was no.
   bool Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result, const std::function<bool(double)>& goesOn);
@@ -39,7 +41,6 @@ class RectilinearSweep {
     bool rightAbove;
   };
 
-  bool AddRing(RingSpan ring, std::uint8_t operand);
   void SweepColumn(std::uint32_t x, std::span<const End> ends);
   std::size_t SweepUp(std::uint32_t x, std::span<const End> ends);
   void Border(std::uint32_t x, std::uint32_t y, const Quarters& inside);

@@ -22,11 +22,14 @@ namespace {
 // All results by walking, unless one of them is not certain; then they hold nothing of use. A result may be the owner of an
 // operand's arrays, so that those of several operations are formed before the first is handed over.
 bool Walk(RegionWalk& walk, const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results) {
-  if (!walk.Prepare(input)) return false;
-  if (ops.size() == 1) return walk.Combine(ops[0], results[0]);
+  if (!walk.Prepare(input)) {
+    walk.Clear();
+    return false;
+  }
+  if (ops.size() == 1) return walk.Combine(ops[0], results[0], true);
   std::vector<ZBR_REGION> formed(ops.size());
   for (std::size_t k = 0; k < ops.size(); ++k) {
-    if (!walk.Combine(ops[k], formed[k])) return false;
+    if (!walk.Combine(ops[k], formed[k], k + 1 == ops.size())) return false;
   }
   std::move(formed.begin(), formed.end(), results);
   return true;
@@ -97,7 +100,10 @@ class PairWork {
   // progress function ended it.
   bool Sweep(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
              RegionProgress& progress) {
-    if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) return false;
+    if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) {
+      sweep_.Clear();
+      return false;
+    }
     const double count = static_cast<double>(ops.size());
     for (std::size_t k = 0; k < ops.size(); ++k) {
       const auto goesOn = [&](double share) { return progress.GoesOn((static_cast<double>(k) + share) / count); };
@@ -114,7 +120,7 @@ class PairWork {
     if (!IsWalkable(options) || !scale.isUsable || input_.rings().size() < 2) {
       Arrange(input_, ops, formed, options, status, progress);
     } else {
-      const Clusters clusters(input_.boxes(), ClusterMargin(scale));
+      const Clusters clusters(input_.Boxes(), ClusterMargin(scale));
       std::vector<ZBR_REGION> walked(ops.size());
       const auto tryWalk = [&](const std::vector<std::uint32_t>& items) {
         part_.Choose(input_, items);

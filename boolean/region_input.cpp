@@ -36,7 +36,6 @@ bool HaveUsableOffsets(const ZBR_REGION_VIEW& view) {
 
 void RegionInput::Clear() {
   rings_.clear();
-  boxes_.clear();
   ends_.clear();
   bounds_ = Box();
   points_ = 0;
@@ -68,8 +67,14 @@ void RegionInput::Scale(int exponent) {
     for (const ZBR_PT& p : ring) scaled_.push_back(Scaled(p, exponent));
     ring = RingSpan(scaled_).subspan(first);
   }
-  for (Box& box : boxes_) scale(box);
   scale(bounds_);
+}
+
+std::vector<Box> RegionInput::Boxes() const {
+  std::vector<Box> boxes;
+  boxes.reserve(rings_.size());
+  for (const RingSpan& ring : rings_) boxes.push_back(BoxOfRing(ring));
+  return boxes;
 }
 
 void RegionInput::Choose(const RegionInput& all, std::span<const std::uint32_t> rings) {
@@ -80,7 +85,6 @@ void RegionInput::Choose(const RegionInput& all, std::span<const std::uint32_t> 
   for (const std::uint32_t r : rings) {
     first += r < all.end(0) ? 1 : 0;
     rings_.push_back(all.rings_[r]);
-    boxes_.push_back(all.boxes_[r]);
     points_ += all.rings_[r].size();
   }
   ends_ = {first, rings_.size()};
@@ -102,7 +106,6 @@ bool RegionInput::Add(const ZBR_REGION_VIEW& view, ZBR_REGION_STATUS& status) {
   const auto* points = reinterpret_cast<const ZBR_PT*>(view.xy);
   if (rings_.empty()) {  // of many operands each would be another move
     rings_.reserve(view.ring_count);
-    boxes_.reserve(view.ring_count);
   }
   for (std::size_t r = 0; r < view.ring_count; ++r) {
     status.ring = static_cast<std::int32_t>(r);
@@ -129,7 +132,6 @@ bool RegionInput::AddRing(RingSpan ring, ZBR_REGION_STATUS& status) {
   }
   bounds_.Add(box);
   rings_.push_back(ring);
-  boxes_.push_back(box);
   return true;
 }
 

@@ -40,7 +40,7 @@ class RegionInput {
 
   const std::vector<RingSpan>& rings() const { return rings_; }
   // By ring, counted through all operands.
-  std::span<const Box> boxes() const { return boxes_; }
+  std::vector<Box> Boxes() const;
   // The rings of an operand, in the order of Add.
   std::span<const RingSpan> operand(std::size_t i) const {
     const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
@@ -63,7 +63,6 @@ class RegionInput {
 
   std::vector<RingSpan> rings_;
   std::vector<ZBR_PT> scaled_;  // points of the rings, where they are not the caller's
-  std::vector<Box> boxes_;
   std::vector<std::size_t> ends_;
   Box bounds_;
   std::size_t points_ = 0;

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "core/constants.h"
+#include "core/scratch.h"
 #include "core/small_sort.h"
 
 namespace zbr {
@@ -27,9 +28,11 @@ RegionWalk::Way RegionWalk::WayOf(ZBR_BOOLEAN_OPE op) {
 }
 
 bool RegionWalk::Prepare(const RegionInput& input) {
-  scale_ = WalkScale(input.bounds());
-  if (!scale_.isUsable || !rings_.Load(input, scale_)) return false;
-  if (!search_.Run(rings_, scale_.eps, crossings_)) return false;
+  const bool areKnown = Search(input);
+  search_.Clear();
+  depths_.Clear();
+  rings_.ClearIndex();
+  if (!areKnown) return false;
   for (const int side : {0, 1}) {
     SortByEdge(side);
     SortOnEdges(side);
@@ -37,9 +40,33 @@ bool RegionWalk::Prepare(const RegionInput& input) {
     FindRings(side);
     if (!AreApart(side)) return false;
   }
-  if (!depths_.Run(rings_, search_)) return false;
+  FreeLarge(edgeBegin_);
   NoteDirections();
   return TakeTurns(0) && TakeTurns(1);
+}
+
+// What needs the hierarchy over the edges, which takes as much memory as all of the rest.
+bool RegionWalk::Search(const RegionInput& input) {
+  scale_ = WalkScale(input.bounds());
+  return scale_.isUsable && rings_.Load(input, scale_) && search_.Run(rings_, scale_.eps, crossings_) &&
+         depths_.Run(rings_, search_);
+}
+
+void RegionWalk::Along::Clear() {
+  FreeLarge(at);
+  FreeLarge(place);
+  FreeLarge(ring);
+  FreeLarge(begin);
+}
+
+void RegionWalk::Clear() {
+  rings_.Clear();
+  FreeLarge(crossings_);
+  FreeLarge(edgeBegin_);
+  along_[0].Clear();
+  along_[1].Clear();
+  FreeLarge(goesLeft_);
+  FreeLarge(done_);
 }
 
 // Crossings by the edges that they lie on: places of side 1, and what will be those of side 0.
@@ -95,13 +122,22 @@ void RegionWalk::SortOnEdge(const ZBR_PT& d, std::span<std::uint32_t> order) {
   std::sort(order.begin(), order.end(), less);  // equal ones, which come near each other, end the walk
 }
 
-// From here on crossings are named by their places along A.
+// From here on crossings are named by their places along A. Follows the cycles of the order, so that there is no second list of
+// them.
 void RegionWalk::PutInOrderAlongA() {
   std::vector<std::uint32_t>& order = along_[0].at;
-  scratch_.clear();
-  scratch_.reserve(order.size());
-  for (const std::uint32_t c : order) scratch_.push_back(crossings_[c]);
-  crossings_.swap(scratch_);
+  for (std::uint32_t start = 0; start < order.size(); ++start) {
+    if (order[start] == start) continue;
+    const OpenCrossing first = crossings_[start];
+    std::uint32_t k = start;
+    for (std::uint32_t next = order[k]; next != start; next = order[k]) {
+      crossings_[k] = crossings_[next];
+      order[k] = k;
+      k = next;
+    }
+    crossings_[k] = first;
+    order[k] = k;
+  }
   order.clear();
 }
 
@@ -111,11 +147,9 @@ void RegionWalk::FindRings(int side) {
   along.ring.resize(n);
   along.begin.assign(1, 0);
   std::uint32_t k = 0;
-  for (WalkedRing& ring : rings_.all().subspan(rings_.first(side), rings_.count(side))) {
-    const std::uint32_t first = k;
+  for (const WalkedRing& ring : rings_.all().subspan(rings_.first(side), rings_.count(side))) {
     const auto number = static_cast<std::uint32_t>(along.begin.size()) - 1;
     while (k < n && crossings_[along.At(k)].edge[side] - ring.firstEdge < ring.size()) along.ring[k++] = number;
-    ring.isCrossed = k > first;
     along.begin.push_back(k);
   }
   along.place.clear();
@@ -158,7 +192,7 @@ bool RegionWalk::TakeTurns(int side) const {
   return HoldsForNeighbours(side, [&](std::uint32_t x, std::uint32_t y) { return goesLeft_[x] != goesLeft_[y]; });
 }
 
-bool RegionWalk::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result) {
+bool RegionWalk::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result, bool isLast) {
   polygons_.Start(rings_.edges(0) + rings_.edges(1) + std::size_t{2} * crossings_.size());
   if (op != ZBR_BOOL_XOR) {
     if (!CombineOne(op)) return false;
@@ -167,6 +201,7 @@ bool RegionWalk::Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result) {
     polygons_.StartGroup();
     if (!CombineOne(ZBR_BOOL_B_MINUS_A)) return false;
   }
+  if (isLast) Clear();
   polygons_.Write(result);
   return true;
 }

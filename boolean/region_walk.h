@@ -19,7 +19,10 @@ class RegionWalk {
   // Finds what all operations have in common. False when the walk can't be certain of the operands.
   bool Prepare(const RegionInput& input);
   // After Prepare. False when the walk can't be certain of the result, which then holds nothing of use.
-  bool Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result);
+  // The last one gives large memory back before it writes the result.
+  bool Combine(ZBR_BOOLEAN_OPE op, ZBR_REGION& result, bool isLast);
+  // Large memory is given back.
+  void Clear();
 
  private:
   // A walk that starts at crossings where B goes to the left of A.
@@ -36,8 +39,10 @@ class RegionWalk {
 
     std::uint32_t At(std::uint32_t k) const { return at.empty() ? k : at[k]; }
     std::uint32_t PlaceOf(std::uint32_t crossing) const { return place.empty() ? crossing : place[crossing]; }
+    void Clear();
   };
 
+  bool Search(const RegionInput& input);
   static Way WayOf(ZBR_BOOLEAN_OPE op);
   void SortByEdge(int side);
   void SortOnEdges(int side);
@@ -61,8 +66,7 @@ class RegionWalk {
   WalkRings rings_;
   WalkSearch search_;
   WalkDepths depths_;
-  std::vector<OpenCrossing> crossings_;  // in order along A
-  std::vector<OpenCrossing> scratch_;
+  std::vector<OpenCrossing> crossings_;   // in order along A
   std::vector<std::uint32_t> edgeBegin_;  // scratch
   Along along_[2];
   std::vector<std::uint8_t> goesLeft_;

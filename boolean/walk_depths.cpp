@@ -14,7 +14,6 @@ bool WalkDepths::Run(WalkRings& rings, const WalkSearch& search) {
   constexpr std::size_t kTestsPerRing = 32;
   constexpr std::size_t kTestsAtLeast = 4096;
   rings_ = &rings;
-  for (WalkedRing& ring : rings.all()) ring.isReversed = ring.twiceArea < 0.0;
   if (rings.AreSmall()) {
     LocateAll();
     return true;
@@ -25,6 +24,13 @@ bool WalkDepths::Run(WalkRings& rings, const WalkSearch& search) {
   return BoxJoin::Run(points_, boxes_, [this](std::uint32_t place, std::span<const std::uint32_t> around) {
     return Locate(rings_->index().rings()[place], around);
   });
+}
+
+void WalkDepths::Clear() {
+  FreeLarge(firstLeaf_);
+  FreeLarge(large_);
+  boxes_.Clear();
+  points_.Clear();
 }
 
 // Without a hierarchy.
@@ -66,7 +72,7 @@ void WalkDepths::AddLargeRings(const WalkSearch& search) {
   const std::span<Box> points = points_.StartLeaves(indexed.size());
   const std::span<Box> boxes = boxes_.StartLeaves(large_.size());
   for (std::size_t i = 0; i < indexed.size(); ++i) points[i].Add(indexed[i].points[0]);
-  for (std::size_t k = 0; k < large_.size(); ++k) boxes[k] = indexed[large_[k]].bounds;
+  for (std::size_t k = 0; k < large_.size(); ++k) boxes[k] = BoxOfRing({indexed[large_[k]].points, indexed[large_[k]].n});
   points_.BuildInner();
   boxes_.BuildInner();
 }

@@ -13,9 +13,11 @@ namespace zbr {
 
 class WalkDepths {
  public:
-  // Sets isReversed of all rings, and isInside of those that are not crossed. False when rings are nested so deep that this is not
-  // worth while. After the search, for rings in general position.
+  // Turns isReversed of the rings that lie in others of their operand, and sets isInside of those that are not crossed. False when
+  // rings are nested so deep that this is not worth while. After the search, for rings in general position.
   bool Run(WalkRings& rings, const WalkSearch& search);
+  // Large memory is given back.
+  void Clear();
 
  private:
   void LocateAll();

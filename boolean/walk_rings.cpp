@@ -39,18 +39,19 @@ bool WalkRings::Load(const RegionInput& input, const WalkScale& scale) {
     for (RingSpan points : input.operand(static_cast<std::size_t>(side))) {
       while (points.size() > 1 && points.back().Distance2(points.front()) <= eps2) points = points.first(points.size() - 1);
       if (points.size() < 3) return false;
-      rings_.push_back({points, edges_[side], 0.0, false, false, false});
+      rings_.push_back({points, edges_[side], false, false, false});
       edges_[side] += rings_.back().size();
     }
     if (side == 0) countA_ = static_cast<std::uint32_t>(rings_.size());
   }
-  if (!Index(input, eps2)) {
+  if (!Index(eps2)) {
     DropRepeats(eps2);
-    if (!Index(input, eps2)) return false;
+    if (!Index(eps2)) return false;
   }
   for (WalkedRing& ring : rings_) {
-    ring.twiceArea = TwiceArea(ring.points);
-    if (!(std::fabs(ring.twiceArea) > 2.0 * scale.least)) return false;
+    const double twiceArea = TwiceArea(ring.points);
+    if (!(std::fabs(twiceArea) > 2.0 * scale.least)) return false;
+    ring.isReversed = twiceArea < 0.0;
   }
   return true;
 }
@@ -63,20 +64,20 @@ bool WalkRings::HaveRepeats(double eps2) const {
 }
 
 // False when some edge is no longer than the tolerance.
-bool WalkRings::Index(const RegionInput& input, double eps2) {
+bool WalkRings::Index(double eps2) {
   if (AreSmall()) return !HaveRepeats(eps2);
   std::vector<IndexedRing>& indexed = index_.StartRings();
   indexed.reserve(rings_.size());
   const auto add = [&](std::uint32_t r) {
     const WalkedRing& ring = rings_[r];
-    indexed.push_back({input.boxes()[r], ring.points.data(), ring.size(), 0, ring.size(), r, false});
+    indexed.push_back({Box(), ring.points.data(), ring.size(), 0, ring.size(), r, false});
   };
   if (rings_.size() < EdgeIndex::kMinRingsToReorder) {
     for (std::uint32_t r = 0; r < rings_.size(); ++r) add(r);
   } else {
     std::vector<ZBR_PT> centres;
     centres.reserve(rings_.size());
-    for (std::size_t r = 0; r < rings_.size(); ++r) centres.push_back(input.boxes()[r].Center());
+    for (const WalkedRing& ring : rings_) centres.push_back(BoxOfRing(ring.points).Center());
     for (const std::uint32_t r : SpatialOrder(centres)) add(r);
   }
   index_.Build(0.0, eps2);

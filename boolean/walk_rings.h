@@ -28,10 +28,9 @@ struct WalkScale {
 struct WalkedRing {
   RingSpan points;          // the last differs from the first
   std::uint32_t firstEdge;  // number of the edge from points[0], counted through the rings of the operand
-  double twiceArea;
-  bool isReversed;  // the region lies on its right
-  bool isCrossed;   // by some ring of the other operand
-  bool isInside;    // the other operand, if it isn't crossed
+  bool isReversed;          // the region lies on its right; before it is known what is around it, whether it runs clockwise
+  bool isCrossed;           // by some ring of the other operand
+  bool isInside;            // the other operand, if it isn't crossed
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(points.size()); }
 };
@@ -67,13 +66,20 @@ class WalkRings {
   bool AreSmall() const { return std::size_t{edges_[0]} + edges_[1] <= kSmall; }
   // Over the edges of all rings, whose ids are their numbers here; unless they are small.
   const EdgeIndex& index() const { return index_; }
+  void ClearIndex() { index_.Clear(); }
+  // Without rings; large memory is given back.
+  void Clear() {
+    FreeLarge(rings_);
+    cleaned_.clear();
+    index_.Clear();
+  }
   // Whether the ray from p to the left passes the edges of a leaf of the index an odd number of times. Vertices at the height of p
   // count as lying below it. For points that do not come near the edges.
   bool IsLeafOdd(std::uint32_t leaf, const ZBR_PT& p) const;
 
  private:
   bool HaveRepeats(double eps2) const;
-  bool Index(const RegionInput& input, double eps2);
+  bool Index(double eps2);
   void DropRepeats(double eps2);
 
   std::vector<WalkedRing> rings_;

@@ -28,13 +28,15 @@ struct WalkSearch::Sides {
   bool AreEqual() const { return (from > 0.0) == (to > 0.0); }
 };
 
-bool WalkSearch::Run(const WalkRings& rings, double eps, std::vector<OpenCrossing>& found) {
+bool WalkSearch::Run(WalkRings& rings, double eps, std::vector<OpenCrossing>& found) {
   rings_ = &rings;
   found_ = &found;
   near_ = kSurelyOff * eps;
   near2_ = near_ * near_;
   found.clear();
   if (rings.AreSmall()) return SearchAll();
+  constexpr std::size_t kEdgesPerCrossing = 4;  // more crossings are seldom; room that is not used takes no memory
+  found.reserve((std::size_t{rings.edges(0)} + rings.edges(1)) / kEdgesPerCrossing);
   const BoxTree& tree = rings.index().tree();
   around_.assign(static_cast<std::size_t>(tree.Level(tree.TopLevel()) - tree.Level(0)) + 1, 0);
   if (!nearLeaves_.Run(rings.index(), 2.0 * near_, *this)) return false;
@@ -244,7 +246,8 @@ bool WalkSearch::AreClearAcross(const Edge& a, const Edge& b) {
   const Meeting meeting = MeetingOf(a, b, ofA, ofB);
   if (meeting != Meeting::kCrossing) return meeting == Meeting::kApart;
   const ZBR_PT pt = a.from + (a.to - a.from) * (ofB.from / (ofB.from - ofB.to));
-  const std::span<const WalkedRing> rings = rings_->all();
+  const std::span<WalkedRing> rings = rings_->all();
+  rings[a.ring].isCrossed = rings[b.ring].isCrossed = true;
   found_->push_back({pt, {rings[a.ring].firstEdge + a.slot, rings[b.ring].firstEdge + b.slot}, ofA.to > 0.0});
   return true;
 }

@@ -16,11 +16,18 @@ namespace zbr {
 // cross in the middle of both. Near is what lies within a few tolerances.
 class WalkSearch {
  public:
-  // Replaces `found`, in no order. False when the operands are not in general position, as far as rounded arithmetic can tell.
-  bool Run(const WalkRings& rings, double eps, std::vector<OpenCrossing>& found);
+  // Replaces `found`, in no order, and notes which rings are crossed. False when the operands are not in general position, as far
+  // as rounded arithmetic can tell.
+  bool Run(WalkRings& rings, double eps, std::vector<OpenCrossing>& found);
   // Of a leaf of the index, for each operand as a bit: whether an odd number of those rings lies around its edges that are a leaf
   // by themselves. It tells nothing of rings of the other operand that cross its ring.
   unsigned Around(std::uint32_t leaf) const { return around_[leaf]; }
+
+  // Of leaves nothing is known any more; large memory is given back.
+  void Clear() {
+    FreeLarge(around_);
+    nearLeaves_.Clear();
+  }
 
   // For the search over the hierarchy.
   bool VisitLeaf(std::uint32_t leaf);
@@ -59,7 +66,7 @@ class WalkSearch {
   bool IsNear(const ZBR_PT& p, const Edge& e) const;
   bool FoldsBack(const Edge& e, const Edge& next) const;
 
-  const WalkRings* rings_ = nullptr;
+  WalkRings* rings_ = nullptr;
   std::vector<OpenCrossing>* found_ = nullptr;
   double near_ = 0.0;
   double near2_ = 0.0;

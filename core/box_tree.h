@@ -14,6 +14,7 @@
 
 #include "core/box.h"
 #include "core/cost.h"
+#include "core/scratch.h"
 
 namespace zbr {
 
@@ -24,6 +25,11 @@ class BoxTree {
   // Starts a tree over n leaves and returns their boxes for the caller to fill; BuildInner() then adds the levels above.
   std::span<Box> StartLeaves(std::size_t n);
   void BuildInner();
+  // Without leaves; large memory is given back.
+  void Clear() {
+    FreeLarge(boxes_);
+    begin_.clear();
+  }
 
   bool empty() const { return Count(0) == 0; }
   int TopLevel() const { return static_cast<int>(begin_.size()) - 2; }

@@ -13,6 +13,7 @@
 
 #include "core/box.h"
 #include "core/box_tree.h"
+#include "core/scratch.h"
 
 namespace zbr {
 
@@ -54,6 +55,12 @@ class EdgeIndex {
     return rings_;
   }
   void Build(double margin, double eps2);
+  // Without rings; large memory is given back.
+  void Clear() {
+    FreeLarge(rings_);
+    FreeLarge(leaves_);
+    tree_.Clear();
+  }
   // With fewer rings than this any order will do: there is little to gain from another.
   static constexpr std::size_t kMinRingsToReorder = 8;
 

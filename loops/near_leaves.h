@@ -13,6 +13,7 @@
 
 #include "core/cost.h"
 #include "core/directions.h"
+#include "core/scratch.h"
 #include "loops/edge_index.h"
 
 namespace zbr {
@@ -32,6 +33,9 @@ class NearLeaves {
     FillMasks();
     return SearchInside(index.tree().TopLevel(), 0, visitor);
   }
+
+  // Large memory is given back.
+  void Clear() { FreeLarge(masks_); }
 
  private:
   struct Node {
