@@ -63,7 +63,8 @@ class TreeView {
   // Calls visit(i, j) once for each two different leaves whose boxes meet.
   template <class Visit>
   void JoinSelf(Visit& visit) const {
-    JoinSelf(top_, 0, visit);
+    const auto none = [](std::size_t, std::uint32_t) { return false; };
+    JoinSelf(top_, 0, visit, none);
   }
   // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree.
   std::vector<NodePair> PairsOfNodes() const {
@@ -72,10 +73,11 @@ class TreeView {
     AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, pairs);
     return pairs;
   }
-  template <class Visit>
-  void Join(const NodePair& pair, Visit& visit) const {
+  // Leaves of one node are left out where leaveOut(level, node).
+  template <class Visit, class LeaveOut>
+  void Join(const NodePair& pair, Visit& visit, const LeaveOut& leaveOut) const {
     if (pair.first == pair.second) {
-      JoinSelf(pair.level, pair.first, visit);
+      JoinSelf(pair.level, pair.first, visit, leaveOut);
     } else {
       Join(pair.level, pair.first, *this, pair.level, pair.second, visit);
     }
@@ -92,11 +94,11 @@ class TreeView {
     return end < counts_[level - 1] ? end : counts_[level - 1];
   }
 
-  template <class Visit>
-  void JoinSelf(std::size_t level, std::uint32_t node, Visit& visit) const {
-    if (level == 0) return;
+  template <class Visit, class LeaveOut>
+  void JoinSelf(std::size_t level, std::uint32_t node, Visit& visit, const LeaveOut& leaveOut) const {
+    if (level == 0 || leaveOut(level, node)) return;
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-      JoinSelf(level - 1, i, visit);
+      JoinSelf(level - 1, i, visit, leaveOut);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) Join(level - 1, i, *this, level - 1, j, visit);
       }
@@ -157,6 +159,7 @@ class TriangleTrees {
 
   TreeView Shell(std::size_t s) const;
   std::span<const std::uint32_t> Order(std::size_t s) const;  // the triangles of a shell's leaves
+  std::span<const FloatBox> Leaves(std::size_t s) const;
 
   // Calls visit(a, b), a < b, for shells whose boxes meet.
   template <class Visit>
