@@ -164,7 +164,7 @@ class Finder {
       const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
       const auto isSheet = [&](std::size_t level, std::uint32_t node) { return sheets.IsSheet(level, node); };
       const SharedCorners corners = sheets.AreMost() ? SharedCorners::kFew : SharedCorners::kMany;
-      const std::vector<NodePair> pairs = tree.PairsOfNodes();
+      const std::vector<NodePair> pairs = tree.PairsOfNodes(isSheet);
       InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
         auto visit = [&](std::uint32_t i, std::uint32_t j) {
           MeetWithin(leaves[i], leaves[j], order[i], order[j], corners, found);

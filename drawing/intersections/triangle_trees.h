@@ -66,14 +66,15 @@ class TreeView {
     const auto none = [](std::size_t, std::uint32_t) { return false; };
     JoinSelf(top_, 0, visit, none);
   }
-  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree.
-  std::vector<NodePair> PairsOfNodes() const {
+  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree. Pairs within a node are left out where
+  // leaveOut(level, node).
+  template <class LeaveOut>
+  std::vector<NodePair> PairsOfNodes(const LeaveOut& leaveOut) const {
     constexpr std::size_t kDepth = 4;
     std::vector<NodePair> pairs;
-    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, pairs);
+    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, leaveOut, pairs);
     return pairs;
   }
-  // Leaves of one node are left out where leaveOut(level, node).
   template <class Visit, class LeaveOut>
   void Join(const NodePair& pair, Visit& visit, const LeaveOut& leaveOut) const {
     if (pair.first == pair.second) {
@@ -105,13 +106,16 @@ class TreeView {
     }
   }
 
-  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, std::vector<NodePair>& pairs) const {
+  template <class LeaveOut>
+  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, const LeaveOut& leaveOut,
+                std::vector<NodePair>& pairs) const {
+    if (leaveOut(level, node)) return;
     if (level == lowest) {
       pairs.push_back({level, node, node});
       return;
     }
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-      AddPairs(level - 1, i, lowest, pairs);
+      AddPairs(level - 1, i, lowest, leaveOut, pairs);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) pairs.push_back({level - 1, i, j});
       }

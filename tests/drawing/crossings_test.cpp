@@ -101,19 +101,22 @@ bool Meet(const std::vector<ZBR_PT3>& p, const Triangle& t, const Triangle& u) {
   return false;
 }
 
+struct Interval {
+  double low, high;
+};
+
 std::size_t CountMeeting(const Connectivity& mesh) {
-  const auto low = [&](std::size_t t, auto of) {
-    return std::min(
-        {of(mesh.points[mesh.corners[t][0]]), of(mesh.points[mesh.corners[t][1]]), of(mesh.points[mesh.corners[t][2]])});
-  };
-  const auto apart = [&](std::size_t t, std::size_t u, auto of) {
-    const auto minus = [&](const ZBR_PT3& p) { return -of(p); };
-    return low(t, of) > -low(u, minus) || low(u, of) > -low(t, minus);
-  };
+  std::vector<Interval> x, y;
+  for (const Triangle& t : mesh.corners) {
+    const ZBR_PT3 &a = mesh.points[t[0]], &b = mesh.points[t[1]], &c = mesh.points[t[2]];
+    x.push_back({std::min({a.x(), b.x(), c.x()}), std::max({a.x(), b.x(), c.x()})});
+    y.push_back({std::min({a.y(), b.y(), c.y()}), std::max({a.y(), b.y(), c.y()})});
+  }
+  const auto apart = [](const Interval& a, const Interval& b) { return a.low > b.high || b.low > a.high; };
   std::size_t count = 0;
   for (std::size_t t = 0; t < mesh.corners.size(); ++t) {
     for (std::size_t u = t + 1; u < mesh.corners.size(); ++u) {
-      if (apart(t, u, [](const ZBR_PT3& p) { return p.x(); }) || apart(t, u, [](const ZBR_PT3& p) { return p.y(); })) continue;
+      if (apart(x[t], x[u]) || apart(y[t], y[u])) continue;
       count += Meet(mesh.points, mesh.corners[t], mesh.corners[u]) ? 1 : 0;
     }
   }
