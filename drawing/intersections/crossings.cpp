@@ -16,10 +16,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 #include "drawing/intersections/convex.h"
 #include "drawing/intersections/exact_sign.h"
 #include "drawing/intersections/plain_fans.h"
+#include "drawing/intersections/sheets.h"
 #include "drawing/intersections/slender_tree.h"
 #include "drawing/intersections/triangle_trees.h"
 #include "drawing/parallel.h"
@@ -95,6 +97,10 @@ class Signs {
   const std::vector<GridPoint>& points_;
 };
 
+// How many pairs of triangles that share a corner are to be looked at: whether it is worth knowing the corners at which nothing can
+// be found.
+enum class SharedCorners { kFew, kMany };
+
 class Finder {
  public:
   Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads)
@@ -102,7 +108,6 @@ class Finder {
         mesh_(mesh),
         patches_(patches),
         threads_(threads),
-        isPlain_(FindPlainFans(model, mesh)),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
         trees_(grid_, mesh.corners, model.shellBegin) {}
@@ -144,7 +149,10 @@ class Finder {
   void WithinSmall(std::size_t s, Lines& found) const {
     if (IsConvex(model_, mesh_, s)) return;
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j], found); };
+      const std::vector<Leaf> leaves = LeavesOf(order);
+      auto visit = [&](std::uint32_t i, std::uint32_t j) {
+        MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
+      };
       tree.JoinSelf(visit);
     });
   }
@@ -152,10 +160,16 @@ class Finder {
   void WithinLarge(std::size_t s) {
     if (IsConvex(model_, mesh_, s)) return;
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const std::vector<NodePair> pairs = tree.PairsOfNodes();
+      const std::vector<Leaf> leaves = LeavesOf(order);
+      const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
+      const auto isSheet = [&](std::size_t level, std::uint32_t node) { return sheets.IsSheet(level, node); };
+      const SharedCorners corners = sheets.AreMost() ? SharedCorners::kFew : SharedCorners::kMany;
+      const std::vector<NodePair> pairs = tree.PairsOfNodes(isSheet);
       InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
-        auto visit = [&](std::uint32_t i, std::uint32_t j) { MeetWithin(order[i], order[j], found); };
-        tree.Join(pairs[k], visit);
+        auto visit = [&](std::uint32_t i, std::uint32_t j) {
+          MeetWithin(leaves[i], leaves[j], order[i], order[j], corners, found);
+        };
+        tree.Join(pairs[k], visit, isSheet);
       });
     });
   }
@@ -163,7 +177,7 @@ class Finder {
   template <class Use>
   void ChooseTree(std::size_t s, Use use) const {
     const auto triangles = std::span(mesh_.corners).subspan(model_.shellBegin[s], trees_.Order(s).size());
-    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s]); slender.IsBetter()) {
+    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s], trees_.Leaves(s)); slender.IsBetter()) {
       use(slender.View(), slender.Order());
     } else {
       use(trees_.Shell(s), trees_.Order(s));
@@ -181,23 +195,38 @@ class Finder {
     });
   }
 
-  // Two triangles of a shell. Neighbours across an edge have no more than that in common, unless they lie on each other.
-  void MeetWithin(std::uint32_t t, std::uint32_t u, Lines& found) const {
-    if (patches_[t] == patches_[u]) return;
-    if (t > u) std::swap(t, u);
-    const Corners &a = mesh_.corners[t], &b = mesh_.corners[u];
-    int shared = 0;
-    std::size_t atT = 0, atU = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-      for (std::size_t j = 0; j < 3; ++j) {
-        if (a[i] != b[j]) continue;
-        ++shared;
-        atT = i;
-        atU = j;
-      }
+  // What is asked of most pairs, in the order of a tree's leaves.
+  struct Leaf {
+    Corners corners;
+    std::uint32_t patch;
+  };
+
+  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order) const {
+    std::vector<Leaf> leaves;
+    leaves.reserve(order.size());
+    for (const std::uint32_t t : order) leaves.push_back({mesh_.corners[t], patches_[t]});
+    return leaves;
+  }
+
+  // Two triangles of a shell, t and u. Neighbours across an edge have no more than that in common, unless they lie on each other.
+  void MeetWithin(const Leaf& a, const Leaf& b, std::uint32_t t, std::uint32_t u, SharedCorners corners, Lines& found) const {
+    if (a.patch == b.patch) return;
+    unsigned shared = 0;
+    for (const std::uint32_t p : a.corners) {
+      for (const std::uint32_t q : b.corners) shared += p == q ? 1 : 0;
     }
-    if (shared == 0) Meet(t, u, Moves::kEachPoint, found);
-    if (shared == 1 && !isPlain_[a[atT]]) MeetAtCorner(t, atT, u, atU, found);
+    if (shared == 0) Meet(std::min(t, u), std::max(t, u), Moves::kEachPoint, found);
+    if (shared != 1) return;
+    std::size_t atT = 0, atU = 0;
+    while (std::find(b.corners.begin(), b.corners.end(), a.corners[atT]) == b.corners.end()) ++atT;
+    while (b.corners[atU] != a.corners[atT]) ++atU;
+    if (corners == SharedCorners::kMany && IsPlain(a.corners[atT])) return;
+    t < u ? MeetAtCorner(t, atT, u, atU, found) : MeetAtCorner(u, atU, t, atT, found);
+  }
+
+  bool IsPlain(std::uint32_t point) const {
+    std::call_once(isPlainKnown_, [&] { isPlain_ = FindPlainFans(model_, mesh_); });
+    return isPlain_[point];
   }
 
   void Meet(std::uint32_t t, std::uint32_t u, Moves moves, Lines& found) const {
@@ -275,10 +304,11 @@ class Finder {
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
   const unsigned threads_;
-  const std::vector<bool> isPlain_;  // points
   const std::vector<GridPoint> grid_;
   const Signs signs_;
   const TriangleTrees trees_;
+  mutable std::once_flag isPlainKnown_;
+  mutable std::vector<bool> isPlain_;  // points
   Lines found_;
 };
 

@@ -40,6 +40,14 @@ class PlaneThrough {
     return (value > error) - (value < -error);
   }
 
+  // The sign of the normal's product with a direction of small whole numbers, or 0 in doubt.
+  int FacesIfClear(const GridPoint& direction) const {
+    const double x = direction.x * normal_.x, y = direction.y * normal_.y, z = direction.z * normal_.z;
+    const double value = x + y + z,
+                 error = std::abs(direction.x) * error_.x + std::abs(direction.y) * error_.y + std::abs(direction.z) * error_.z;
+    return (value > error) - (value < -error);
+  }
+
  private:
   GridPoint a_;
   GridPoint normal_, error_;  // and what rounding does to a volume, for each component of the point's distance

@@ -63,12 +63,11 @@ Frame FrameAlong(std::span<const GridPoint> points, std::span<const Corners> cor
 
 }  // namespace
 
-SlenderTree::SlenderTree(std::span<const GridPoint> points, std::span<const Corners> corners, std::uint32_t first) {
+SlenderTree::SlenderTree(std::span<const GridPoint> points, std::span<const Corners> corners, std::uint32_t first,
+                         std::span<const FloatBox> uprightBoxes) {
   double inside = 0.0, upright = 0.0, slanting = 0.0;
+  for (const FloatBox& box : uprightBoxes) upright += AreaOf(box);
   for (const Corners& c : corners) {
-    FloatBox box = FloatBox::Empty();
-    for (const std::uint32_t p : c) box.Add(points[p]);
-    upright += AreaOf(box);
     const GridPoint twice = Cross(Minus(points[c[1]], points[c[0]]), Minus(points[c[2]], points[c[0]]));
     inside += 0.5 * std::sqrt(Dot(twice, twice));
   }

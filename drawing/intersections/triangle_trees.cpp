@@ -159,4 +159,8 @@ std::span<const std::uint32_t> TriangleTrees::Order(std::size_t s) const {
   return std::span(order_).subspan(shellBegin_[s], shellBegin_[s + 1] - shellBegin_[s]);
 }
 
+std::span<const FloatBox> TriangleTrees::Leaves(std::size_t s) const {
+  return {boxes_.data() + boxBegin_[s], shellBegin_[s + 1] - shellBegin_[s]};
+}
+
 }  // namespace zbr::drawing

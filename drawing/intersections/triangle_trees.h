@@ -63,19 +63,22 @@ class TreeView {
   // Calls visit(i, j) once for each two different leaves whose boxes meet.
   template <class Visit>
   void JoinSelf(Visit& visit) const {
-    JoinSelf(top_, 0, visit);
+    const auto none = [](std::size_t, std::uint32_t) { return false; };
+    JoinSelf(top_, 0, visit, none);
   }
-  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree.
-  std::vector<NodePair> PairsOfNodes() const {
+  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree. Pairs within a node are left out where
+  // leaveOut(level, node).
+  template <class LeaveOut>
+  std::vector<NodePair> PairsOfNodes(const LeaveOut& leaveOut) const {
     constexpr std::size_t kDepth = 4;
     std::vector<NodePair> pairs;
-    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, pairs);
+    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, leaveOut, pairs);
     return pairs;
   }
-  template <class Visit>
-  void Join(const NodePair& pair, Visit& visit) const {
+  template <class Visit, class LeaveOut>
+  void Join(const NodePair& pair, Visit& visit, const LeaveOut& leaveOut) const {
     if (pair.first == pair.second) {
-      JoinSelf(pair.level, pair.first, visit);
+      JoinSelf(pair.level, pair.first, visit, leaveOut);
     } else {
       Join(pair.level, pair.first, *this, pair.level, pair.second, visit);
     }
@@ -92,24 +95,27 @@ class TreeView {
     return end < counts_[level - 1] ? end : counts_[level - 1];
   }
 
-  template <class Visit>
-  void JoinSelf(std::size_t level, std::uint32_t node, Visit& visit) const {
-    if (level == 0) return;
+  template <class Visit, class LeaveOut>
+  void JoinSelf(std::size_t level, std::uint32_t node, Visit& visit, const LeaveOut& leaveOut) const {
+    if (level == 0 || leaveOut(level, node)) return;
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-      JoinSelf(level - 1, i, visit);
+      JoinSelf(level - 1, i, visit, leaveOut);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) Join(level - 1, i, *this, level - 1, j, visit);
       }
     }
   }
 
-  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, std::vector<NodePair>& pairs) const {
+  template <class LeaveOut>
+  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, const LeaveOut& leaveOut,
+                std::vector<NodePair>& pairs) const {
+    if (leaveOut(level, node)) return;
     if (level == lowest) {
       pairs.push_back({level, node, node});
       return;
     }
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-      AddPairs(level - 1, i, lowest, pairs);
+      AddPairs(level - 1, i, lowest, leaveOut, pairs);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) pairs.push_back({level - 1, i, j});
       }
@@ -157,6 +163,7 @@ class TriangleTrees {
 
   TreeView Shell(std::size_t s) const;
   std::span<const std::uint32_t> Order(std::size_t s) const;  // the triangles of a shell's leaves
+  std::span<const FloatBox> Leaves(std::size_t s) const;
 
   // Calls visit(a, b), a < b, for shells whose boxes meet.
   template <class Visit>
