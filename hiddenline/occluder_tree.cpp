@@ -129,7 +129,9 @@ class CurveOrder {
     return Spread(Cell(centre.x() - low_.x())) | Spread(Cell(centre.y() - low_.y())) << 1U |
            Spread(Cell((e.minZ + e.maxZ) / 2.0 - low_.z())) << 2U;
   }
-  std::uint32_t Cell(double d) const { return static_cast<std::uint32_t>(std::min(std::max(d * scale_, 0.0), kCells)); }
+  std::uint32_t Cell(double d) const {
+    return static_cast<std::uint32_t>(std::min(std::max(0.0, d * scale_), kCells));  // 0 for NaN, as max() keeps the first then
+  }
 
   void SortFinely(std::span<Keyed> cell) const {
     std::vector<std::pair<std::uint64_t, int>> fine;

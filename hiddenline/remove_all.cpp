@@ -2,15 +2,16 @@
 //
 // Two steps, each cut into pieces of work that do not disturb one another: shells are prepared, several at once or large ones in
 // pieces, then runs of triangles lose what their own shell and the others hide. Edges get their intervals at the last moment, as
-// most of them lose them again. A triangle's visible intervals are written by the piece that it belongs to and
-// read by no other; what others read of it (vertices, plane, states) was written in the first step. Numbers are given beforehand by
-// position. So neither the number of threads nor their order changes a bit.
+// most of them lose them again. A triangle's visible intervals are written by the piece that it belongs to and read by no other;
+// what others read of it (vertices, plane, states) was written in the first step. Numbers are given beforehand by position. So
+// neither the number of threads nor their order changes a bit.
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include <zbr/hidden_line.h>
@@ -118,7 +119,7 @@ class Remover {
       zbr::PrepareShell(shell, sharing, shell.count > kPiece ? &draws : nullptr);
       shell.prepared = true;
       states_[i].isBare = true;
-      if (!draws.empty() && !shell.quad_built) PutInOrder(i, draws);  // not where the tree is a former one
+      if (!draws.empty() && !shell.quad_built) PutInOrder(i, std::move(draws));  // not where the tree is a former one
     }
     if (shell.done || shell.count > kPiece) return;
     const zbr::ToleranceScope scope(zbr::kOcclusionEps);
@@ -174,17 +175,15 @@ class Remover {
 
   // Of the triangles that have something to draw. In the order of the tree each edge meets the occluders of the one before: of a
   // gear of 200,000 triangles seen along its axis, with steep walls under each other, that is a third of the time.
-  void PutInOrder(std::size_t i, const std::vector<char>& draws) {
+  void PutInOrder(std::size_t i, std::vector<char> draws) {
     const ZBR_HL_SHELL& shell = shells_[i];
     auto& order = *(states_[i].order = std::make_unique<std::vector<unsigned>>());
     const auto add = [&](std::size_t position) {
       if (draws[position] != 0) order.push_back(static_cast<unsigned>(position));
+      draws[position] = 0;
     };
     shell.occluders->tree.ForEach([&](int position) { add(static_cast<std::size_t>(position)); });
-    const auto count = static_cast<std::size_t>(std::count(draws.begin(), draws.end(), 1));
-    for (std::size_t k = 0; order.size() < count; ++k) {
-      if (shell.tris[k].IsTriInvalid()) add(k);
-    }
+    for (std::size_t k = 0; k < shell.count; ++k) add(k);  // invalid ones, and those whose extents are no numbers
   }
 
   void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {

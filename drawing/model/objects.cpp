@@ -39,6 +39,19 @@ void Append(Mesh mesh, Mesh& all) {
   }
 }
 
+// Those without triangles, too: points are welded by object.
+void CheckObjects(const Mesh& mesh) {
+  MeshObject before;
+  for (const MeshObject& o : mesh.objects) {
+    const bool isFirst = &o == mesh.objects.data();
+    if (isFirst && (o.firstPoint != 0 || o.firstTriangle != 0)) throw Failure("the first object does not start with the mesh");
+    if (o.firstPoint < before.firstPoint || o.firstTriangle < before.firstTriangle || o.firstPoint > mesh.points.size() ||
+        o.firstTriangle > mesh.triangles.size())
+      throw Failure("object " + std::to_string(&o - mesh.objects.data()) + " is out of order");
+    before = o;
+  }
+}
+
 }  // namespace
 
 bool IsMeshCoordinate(const ZBR_PT3& p) {
@@ -52,6 +65,7 @@ void CheckMesh(const Mesh& mesh) {
     if (!IsMeshCoordinate(mesh.points[i]))
       throw Failure("a coordinate of point " + std::to_string(i) + " is too large or no number");
   }
+  CheckObjects(mesh);
   std::size_t object = 0, firstPoint = 0, lastPoint = mesh.points.size();
   for (std::size_t t = 0; t < mesh.triangles.size(); ++t) {
     for (; object < mesh.objects.size() && mesh.objects[object].firstTriangle <= t; ++object) {

@@ -90,9 +90,9 @@ def main() -> int:
     text = "".join(f"{model.relative_to(options.models)}\t{reason}\n" for model, reason in sorted(failed.items()))
     place = options.sheets / "failed.tsv"
     try:
-        place.write_text(text)
+        place.write_text(text, encoding="utf-8", errors="surrogateescape")  # names as the file system has them
     except OSError as error:  # the disk may be full
-        print(f"{text}{place}: {error}", file=sys.stderr)
+        print(f"{text}{place}: {error}".encode(errors="replace").decode(), file=sys.stderr)
     print(f"{len(work) - len(failed)} drawn, {len(failed)} failed" + (f", see {place}" if failed else ""))
     return 1 if failed else 0
 

@@ -93,12 +93,12 @@ class ZBR_HiddenLine {
   ZBR_API static void HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb);
   // Every shell by itself and by every other.
   ZBR_API static void HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count);
-  // Numbers the shells by their positions in the array and makes them ready to hide: extents, states, search structure (not the
-  // quadtree). Of two
-  // shells that have a line in common the one with the smaller index draws it, so numbers drawn by whichever thread comes first
-  // would let chance decide. Whoever processes shells one by one (HiddenLineSelf and HiddenLine_ShellByShell, in threads or not)
-  // calls this first, on all of them. Shells that are prepared or done keep their state; where their indices do not ascend, the
-  // same indices are dealt out again. HiddenLine_Shells and HiddenLineObj begin with it.
+  // Numbers the shells by their positions in the array and makes them ready to hide: extents, states, search structure
+  // (not the quadtree). Of two shells that have a line in common the one with the smaller index draws it, so numbers drawn
+  // by whichever thread comes first would let chance decide. Whoever processes shells one by one (HiddenLineSelf and
+  // HiddenLine_ShellByShell, in threads or not) calls this first, on all of them. Shells that are prepared or done keep
+  // their state; where their indices do not ascend, the same indices are dealt out again. HiddenLine_Shells and
+  // HiddenLineObj begin with it.
   ZBR_API static void Prepare(ZBR_HL_SHELL* shells, unsigned count);
   // Sets the extents of the shells that lack them.
   ZBR_API static void GetMaxMin(ZBR_HL_SHELL* shells, unsigned count);

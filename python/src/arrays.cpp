@@ -108,7 +108,7 @@ bool IsEmpty(const Ref& array) {
 bool Doubles::Hold(PyObject* object, int columns) {
   if (PyObject_CheckBuffer(object) == 0) return false;
   if (PyObject_GetBuffer(object, &buffer_, PyBUF_C_CONTIGUOUS | PyBUF_FORMAT) != 0) {
-    PyErr_Clear();
+    DropError();
     return false;
   }
   isHeld_ = true;
@@ -133,10 +133,10 @@ Doubles::Doubles(PyObject* object, const char* name, int columns) {
   const Ref cast = Cast(array, "float64");
   if (Hold(cast.get(), columns)) return;
   if (IsEmpty(cast)) {
-    PyErr_Clear();
+    DropError();
     return;
   }
-  PyErr_Clear();
+  DropError();
   throw BadArgument(name, wanted + " is needed, not of shape " + ShapeText(array));
 }
 
@@ -144,7 +144,7 @@ std::vector<std::int32_t> ReadIntegers(PyObject* object, const char* name, int c
   char kind = 0;
   const Ref array = Converted(object, name, kind);
   const bool isEmpty = IsEmpty(array);
-  PyErr_Clear();  // a number has no size
+  DropError();  // a number has no size
   if (!isEmpty && std::strchr("iu", kind) == nullptr) throw BadArgument(name, "integers are needed");
   const Ref cast = Cast(array, kind == 'u' ? "uint64" : "int64");
   Py_buffer buffer{};

@@ -211,13 +211,13 @@ class Reading {
     const bool isKnown = extension.empty() || extension == (depth_ == 2 ? kPolygon : kMultiPolygon);
     if (depth_ < 2 || depth_ > 3 || !isKnown) throw BadArgument(kArgument, "an Arrow array of polygons or multipolygons is needed");
     end_ = array.length;
-    CheckNulls();
   }
 
   std::size_t depth() const { return depth_; }
 
   // The offsets of a level of lists, from 0; goes on to what they divide.
   std::vector<std::int32_t> Offsets() {
+    CheckNulls(*array_, begin_, end_);
     const auto at = [this, isLarge = schema_->format[1] == 'L'](std::int64_t i) {
       const void* const offsets = array_->buffers[1];
       return isLarge ? static_cast<const std::int64_t*>(offsets)[i] : std::int64_t{static_cast<const std::int32_t*>(offsets)[i]};
@@ -238,15 +238,17 @@ class Reading {
     end_ = before;
     schema_ = schema_->children[0];
     array_ = &child;
+    isInner_ = true;
     return result;
   }
 
   std::vector<double> Coordinates() const {
+    CheckNulls(*array_, begin_, end_);
     const std::string_view format = schema_->format;
     std::vector<double> xy;
-    if (format.substr(0, 3) == "+w:" && std::string_view(schema_->children[0]->format) == "g") {
+    if (format.size() == 4 && format.substr(0, 3) == "+w:" && std::string_view(schema_->children[0]->format) == "g") {
       const std::int64_t width = format[3] - '0';
-      if (width < 2 || format.size() > 4) throw BadArgument(kArgument, "coordinates of the Arrow array are no points");
+      if (width < 2 || width > 9) throw BadArgument(kArgument, "coordinates of the Arrow array are no points");
       const double* const numbers = Numbers(*array_->children[0]);
       for (std::int64_t i = begin_ + array_->offset; i < end_ + array_->offset; ++i)
         xy.insert(xy.end(), {numbers[width * i], numbers[width * i + 1]});
@@ -266,17 +268,20 @@ class Reading {
   }
   static const double* Numbers(const ArrowArray& array) { return static_cast<const double*>(array.buffers[1]) + array.offset; }
 
-  void CheckNulls() const {
-    const auto* const valid = static_cast<const std::uint8_t*>(array_->buffers[0]);
-    for (std::int64_t i = 0; valid != nullptr && array_->null_count != 0 && i < array_->length; ++i) {
-      const std::int64_t bit = i + array_->offset;
-      if ((valid[bit / 8] >> (bit % 8) & 1) == 0) throw BadArgument(kArgument, "item " + std::to_string(i) + " is null");
+  // Nothing says what a null would be, on any level.
+  void CheckNulls(const ArrowArray& array, std::int64_t begin, std::int64_t end) const {
+    const auto* const valid = static_cast<const std::uint8_t*>(array.buffers[0]);
+    for (std::int64_t i = begin; valid != nullptr && array.null_count != 0 && i < end; ++i) {
+      const std::int64_t bit = i + array.offset;
+      if ((valid[bit / 8] >> (bit % 8) & 1) == 0)
+        throw BadArgument(kArgument, (isInner_ ? "part " : "item ") + std::to_string(i) + " is null");
     }
   }
 
   const ArrowSchema* schema_;
   const ArrowArray* array_;
   std::size_t depth_ = 0;
+  bool isInner_ = false;  // within the items
   std::int64_t begin_ = 0, end_ = 0;
 };
 

@@ -78,13 +78,19 @@ void EndCalls();
 // Calls with less work than this, in points, take less than a millisecond or so.
 inline constexpr std::size_t kSmallCall = 1000;
 
+// Throws unless it is null, None or a function.
+inline void CheckProgress(PyObject* progress) {
+  if (progress != nullptr && progress != Py_None && PyCallable_Check(progress) == 0)
+    throw BadType("progress", "a function is needed");
+}
+
 // Runs work(monitor), which owns what it uses and knows nothing of Python, and returns what it returns. `progress` may be null or
 // None; otherwise it is called with the share that is done, and ends the work by answering False.
 template <class Work>
 auto Run(std::size_t size, PyObject* progress, Work work) -> decltype(work(std::declval<Monitor&>())) {
   using Result = decltype(work(std::declval<Monitor&>()));
+  CheckProgress(progress);
   if (progress == Py_None) progress = nullptr;
-  if (progress != nullptr && PyCallable_Check(progress) == 0) throw BadType("progress", "a function is needed");
   if (size < kSmallCall && progress == nullptr) {
     Monitor monitor;
     const WithoutGil others;

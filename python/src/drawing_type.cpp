@@ -233,9 +233,10 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
     const Arguments<2> given("pick", {"points", "progress"}, 1, args, count, keywords);
     const DrawingPtr data = DataOf(self);
     if (data->view.section || data->view.view.perspective) throw BadArgument("pick", "not in sections and perspectives");
+    std::vector<ZBR_PT> points = PickedPoints(given.Needed(0), given[1]);
     Run(kSmallCall, nullptr, [data](Monitor&) { return &data->ThePicker(); });
     const std::shared_ptr<const drawing::Picker> picker(data, &data->ThePicker());
-    return PickAll(picker, given.Needed(0), data->view.middle.xy(), given[1]);
+    return PickAll(picker, std::move(points), data->view.middle.xy(), given[1]);
   });
 }
 
@@ -246,17 +247,22 @@ const drawing::Picker& DrawingData::ThePicker() const {
   return picker_->picker;
 }
 
-Ref PickAll(std::shared_ptr<const drawing::Picker> picker, PyObject* object, const ZBR_PT& shift, PyObject* progress) {
+std::vector<ZBR_PT> PickedPoints(PyObject* object, PyObject* progress) {
+  CheckProgress(progress);
   const Doubles points(object, "points", 2);
   std::vector<ZBR_PT> copy;
   for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
+  return copy;
+}
+
+Ref PickAll(std::shared_ptr<const drawing::Picker> picker, std::vector<ZBR_PT> points, const ZBR_PT& shift, PyObject* progress) {
   constexpr std::size_t kEvery = 1024;
   struct Hits {
     std::vector<std::int32_t> shells, triangles;
     std::vector<double> heights;
   };
-  const std::size_t size = copy.size();
-  Hits hits = Run(size, progress, [picker, shift, copy = std::move(copy)](Monitor& monitor) {
+  const std::size_t size = points.size();
+  Hits hits = Run(size, progress, [picker, shift, copy = std::move(points)](Monitor& monitor) {
     Hits found{std::vector<std::int32_t>(copy.size(), -1), std::vector<std::int32_t>(copy.size(), -1),
                std::vector<double>(copy.size(), std::numeric_limits<double>::quiet_NaN())};
     for (std::size_t i = 0; i < copy.size(); ++i) {

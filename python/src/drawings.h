@@ -108,8 +108,11 @@ struct WantedView {
 // A name, a section ("X=10"), a direction of looking, that and what is up, or a mapping that says where the eye is.
 WantedView ViewOf(PyObject* object, bool yUp);
 
+// Points to be picked at, of arguments that are looked at before a model is prepared, which takes long.
+std::vector<ZBR_PT> PickedPoints(PyObject* points, PyObject* progress);
+
 // Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).
-Ref PickAll(std::shared_ptr<const drawing::Picker> picker, PyObject* points, const ZBR_PT& shift, PyObject* progress);
+Ref PickAll(std::shared_ptr<const drawing::Picker> picker, std::vector<ZBR_PT> points, const ZBR_PT& shift, PyObject* progress);
 
 // The object of a mesh, the one there is or a new one.
 Ref ShowMesh(const MeshPtr& mesh);
@@ -120,6 +123,10 @@ Ref PackMesh(const MeshData& data);
 Ref PackDrawing(const DrawingData& data);
 std::shared_ptr<MeshData> UnpackMesh(drawing::Mesh mesh, PyObject* rest);
 std::shared_ptr<DrawingData> UnpackDrawing(MeshPtr mesh, PyObject* bytes);
+
+// Throw unless what was unpacked is what could have been packed: nothing that it is put to later looks again.
+void CheckRestored(const MeshData& data);
+void CheckRestored(const DrawingData& data);
 
 // Throws unless it is one; `name` is the argument's.
 const DrawingPtr& DrawingOf(PyObject* object, const char* name);

@@ -68,7 +68,7 @@ std::vector<std::string> StringsOf(PyObject* object, const char* name) {
   if (object == nullptr) return strings;
   ForEachItem(object, name, [&](PyObject* item) {
     if (PyUnicode_Check(item) == 0) throw BadType(name, "a list of strings is needed");
-    strings.push_back(Arguments<1>::Text(item));
+    strings.push_back(Arguments<1>::Text(item, name));
   });
   return strings;
 }
@@ -130,7 +130,7 @@ PyObject* WriteRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObj
 PyObject* UnitCode(PyObject*, PyObject* name) noexcept {
   return Guarded([&] {
     if (PyUnicode_Check(name) == 0) throw BadType("unit", "a string is needed");
-    return Ref::Own(PyLong_FromLong(UnitCodeOf(Arguments<1>::Text(name))));
+    return Ref::Own(PyLong_FromLong(UnitCodeOf(Arguments<1>::Text(name, "unit"))));
   });
 }
 
@@ -139,7 +139,7 @@ PyObject* UnitCode(PyObject*, PyObject* name) noexcept {
 std::string BytesOf(PyObject* object, const char* name) {
   Py_buffer buffer{};
   if (PyObject_CheckBuffer(object) == 0 || PyObject_GetBuffer(object, &buffer, PyBUF_SIMPLE) != 0) {
-    PyErr_Clear();
+    DropError();
     throw BadType(name, "bytes are needed");
   }
   std::string bytes(static_cast<const char*>(buffer.buf), static_cast<std::size_t>(buffer.len));
@@ -158,7 +158,7 @@ long UnitCodeOf(const std::string& name) {
 std::string FileName(PyObject* object) {
   PyObject* const path = PyOS_FSPath(object);
   if (path == nullptr) {
-    PyErr_Clear();
+    DropError();
     throw BadType("file", "a string or a path is needed");
   }
   Ref bytes = Ref::Own(path);

@@ -163,12 +163,12 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
     const MeshPtr mesh = DataOf(self);
     const drawing::View view = WholeView(given[1], mesh->mesh.yUp);
     const double weld = given.Number(2, 0.0, 0.0);
-    given.Needed(0);
+    std::vector<ZBR_PT> points = PickedPoints(given.Needed(0), given[3]);
     const auto own = Run(kSmallCall, nullptr, [mesh, view, weld](Monitor&) {
       return std::make_shared<const OwnPicker>(mesh->ModelFor(kAnyCrease, weld), view);
     });
     const std::shared_ptr<const drawing::Picker> picker(own, &own->picker);
-    return PickAll(picker, given[0], ZBR_PT(0, 0), given[3]);
+    return PickAll(picker, std::move(points), ZBR_PT(0, 0), given[3]);
   });
 }
 

@@ -66,7 +66,7 @@ class Arguments {
     const long value = PyLong_AsLong(values_[i]);
     if (value == -1 && PyErr_Occurred() != nullptr) {
       if (PyErr_ExceptionMatches(PyExc_OverflowError) == 0) Refuse(i, "an integer");
-      PyErr_Clear();
+      DropError();
       throw BadArgument(names_[i], "is out of range");
     }
     if (value < least || value > most)
@@ -78,11 +78,16 @@ class Arguments {
   std::string String(std::size_t i, const char* otherwise) const {
     if (values_[i] == nullptr) return otherwise;
     if (PyUnicode_Check(values_[i]) == 0) throw BadType(names_[i], "a string is needed");
-    return Text(values_[i]);
+    return Text(values_[i], names_[i]);
   }
 
-  static std::string Text(PyObject* unicode) {
-    const Ref bytes = Ref::Own(PyUnicode_AsUTF8String(unicode));
+  static std::string Text(PyObject* unicode, const char* argument) {
+    PyObject* const encoded = PyUnicode_AsUTF8String(unicode);
+    if (encoded == nullptr) {
+      DropError();
+      throw BadArgument(argument, "a text without halves of surrogate pairs is needed");
+    }
+    const Ref bytes = Ref::Own(encoded);
     return {PyBytes_AsString(bytes.get()), static_cast<std::size_t>(PyBytes_Size(bytes.get()))};
   }
 
@@ -94,12 +99,13 @@ class Arguments {
   void Set(const char* function, PyObject* name, PyObject* value) {
     std::size_t i = 0;
     while (i < N && PyUnicode_CompareWithASCIIString(name, names_[i]) != 0) ++i;
-    if (i == N || values_[i] != nullptr) throw BadType(function, (i == N ? "unknown argument " : "given twice: ") + Text(name));
+    if (i == N || values_[i] != nullptr)
+      throw BadType(function, (i == N ? "unknown argument " : "given twice: ") + Text(name, function));
     values_[i] = value;
   }
   // Instead of what Python says, which tells the type but not the argument.
   [[noreturn]] void Refuse(std::size_t i, const char* wanted) const {
-    PyErr_Clear();
+    DropError();
     throw BadType(names_[i], std::string(wanted) + " is needed");
   }
 
@@ -112,7 +118,7 @@ template <class Visit>
 void ForEachItem(PyObject* object, const char* name, Visit visit) {
   PyObject* const found = PyUnicode_Check(object) != 0 ? nullptr : PyObject_GetIter(object);
   if (found == nullptr) {
-    PyErr_Clear();
+    DropError();
     throw BadType(name, "a list is needed");
   }
   const Ref iterator = Ref::Own(found);

@@ -22,6 +22,7 @@
 
 namespace zbr::python {
 
+// Changes nothing of what it packs, which other threads may be reading.
 struct Packer {
   static constexpr bool kReads = false;
   std::string bytes;
@@ -56,34 +57,50 @@ template <class Archive>
 void Describe(Archive& a, bool& item) {
   std::uint8_t byte = item ? 1 : 0;
   Describe(a, byte);
-  item = byte != 0;
+  if constexpr (Archive::kReads) item = byte != 0;
 }
 
-// The number of items to follow, each at least a byte.
+// Numbers of other types, as large as they come.
+template <class Archive, class T>
+void DescribeAsNumber(Archive& a, T& item) {
+  auto number = static_cast<std::uint64_t>(item);
+  Describe(a, number);
+  if constexpr (Archive::kReads) {
+    item = static_cast<T>(number);
+    if (static_cast<std::uint64_t>(item) != number) throw BadArgument("pickle", "a number is out of range");
+  }
+}
+
+// Texts and lists of numbers, in one piece.
 template <class Archive, class List>
-void DescribeSize(Archive& a, List& list) {
+void DescribeRaw(Archive& a, List& list) {
+  using Item = typename List::value_type;
   std::uint64_t size = list.size();
   Describe(a, size);
   if constexpr (Archive::kReads) {
-    if (size > a.rest.size()) throw BadArgument("pickle", "it is cut off");
+    if (size > a.rest.size() / sizeof(Item)) throw BadArgument("pickle", "it is cut off");
     list.resize(static_cast<std::size_t>(size));
   }
+  a.Raw(list.data(), list.size() * sizeof(Item));
 }
 
 template <class Archive>
 void Describe(Archive& a, std::string& text) {
-  DescribeSize(a, text);
-  a.Raw(text.data(), text.size());
+  DescribeRaw(a, text);
 }
 
+// Lists grow item by item: they end where the bytes do, whatever length is claimed.
 template <class Archive, class T>
 void Describe(Archive& a, std::vector<T>& items) {
-  DescribeSize(a, items);
   if constexpr (kIsRaw<T>) {
-    if (items.size() > SIZE_MAX / sizeof(T)) throw BadArgument("pickle", "it is cut off");
-    a.Raw(items.data(), items.size() * sizeof(T));
+    DescribeRaw(a, items);
   } else {
-    for (T& item : items) Describe(a, item);
+    std::uint64_t size = items.size();
+    Describe(a, size);
+    for (std::uint64_t i = 0; i < size; ++i) {
+      if constexpr (Archive::kReads) items.emplace_back();
+      Describe(a, items[static_cast<std::size_t>(i)]);
+    }
   }
 }
 

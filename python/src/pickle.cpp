@@ -4,22 +4,13 @@
 #include "python/src/options.h"
 #include "python/src/pack.h"
 
-#include <zbr-drawing/failure.h>
 #include <zbr/region.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace zbr::python {
 
 // The records, in an order in which each is described before others hold it. All are found by their archive's namespace.
-
-template <class Archive, class T>
-void DescribeAsNumber(Archive& a, T& item) {
-  auto number = static_cast<std::uint64_t>(item);
-  Describe(a, number);
-  item = static_cast<T>(number);
-}
 
 template <class Archive>
 void Describe(Archive& a, drawing::MeshObject& o) {
@@ -41,7 +32,7 @@ void Describe(Archive& a, ZBR_REGION& region) {
     std::size_t polygon = 0;
     for (std::size_t r = 0; r + 1 < rings.size(); ++r) {
       const std::int32_t begin = rings[r], end = rings[r + 1];
-      if (begin < 0 || end < begin || static_cast<std::size_t>(end) > points.size())
+      if (begin < 0 || end - std::int64_t{begin} < 3 || static_cast<std::size_t>(end) > points.size())
         throw BadArgument("pickle", "its rings are wrong");
       const bool starts = polygon < polygons.size() && polygons[polygon] == static_cast<std::int32_t>(r);
       polygon += starts ? 1 : 0;
@@ -72,7 +63,6 @@ void Describe(Archive& a, drawing::CircleRun& run) {  // an arc: views have no s
 template <class Archive>
 void Describe(Archive& a, drawing::Line& line) {
   DescribeAsNumber(a, line.edgeClass);
-  if (line.edgeClass > drawing::EdgeClass::kCentre) throw BadArgument("pickle", "its lines are wrong");
   All(a, line.hidden, line.shell, line.other, line.chain.points, line.chain.edges, line.chain.curves, line.chain.closed);
 }
 
@@ -152,6 +142,7 @@ void Unpack(PyObject* bytes, Data& data) {
   Describe(unpacker, version);
   if (version != kVersion) throw BadArgument("pickle", "it is of another version, or damaged");
   Describe(unpacker, data);
+  if (!unpacker.rest.empty()) throw BadArgument("pickle", "it is too long");
 }
 
 }  // namespace
@@ -168,13 +159,7 @@ std::shared_ptr<MeshData> UnpackMesh(drawing::Mesh mesh, PyObject* rest) {
   auto data = std::make_shared<MeshData>();
   data->mesh = std::move(mesh);
   Unpack(rest, *data);
-  try {
-    drawing::CheckMesh(data->mesh);
-  } catch (const drawing::Failure& failure) {
-    throw BadArgument("pickle", failure.what());
-  }
-  if (data->sources.empty() || data->sources.size() != std::max<std::size_t>(data->mesh.objects.size(), 1))
-    throw BadArgument("pickle", "its objects are wrong");
+  CheckRestored(*data);
   return data;
 }
 
@@ -182,6 +167,7 @@ std::shared_ptr<DrawingData> UnpackDrawing(MeshPtr mesh, PyObject* bytes) {
   auto data = std::make_shared<DrawingData>();
   data->mesh = std::move(mesh);
   Unpack(bytes, *data);
+  CheckRestored(*data);
   return data;
 }
 

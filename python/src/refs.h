@@ -81,6 +81,13 @@ class WithoutGil {
 // Sets Python's error indicator by the exception being handled.
 void TranslateException() noexcept;
 
+// Forgets an error of Python's, for one that says more; but what is no fault of an argument (an interrupt, lack of memory) leaves.
+inline void DropError() {
+  if (PyErr_Occurred() == nullptr) return;
+  if (PyErr_ExceptionMatches(PyExc_Exception) == 0 || PyErr_ExceptionMatches(PyExc_MemoryError) != 0) throw PythonError();
+  PyErr_Clear();
+}
+
 // The border to Python: `work` returns a Ref, or throws.
 template <class Work>
 PyObject* Guarded(Work work) noexcept {

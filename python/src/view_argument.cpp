@@ -46,7 +46,7 @@ WantedView Named(const std::string& name, bool yUp) {
 double FieldOfView(PyObject* object) {
   const double degrees = PyFloat_AsDouble(object);
   if (PyErr_Occurred() != nullptr) {
-    PyErr_Clear();
+    DropError();
     throw BadType(kArgument, "fov is a number of degrees");
   }
   return degrees;
@@ -58,7 +58,7 @@ WantedView FromEye(PyObject* mapping) {
   PyObject *key = nullptr, *value = nullptr;
   Py_ssize_t place = 0;
   while (PyDict_Next(mapping, &place, &key, &value) != 0) {
-    const std::string name = PyUnicode_Check(key) != 0 ? Arguments<1>::Text(key) : "";
+    const std::string name = PyUnicode_Check(key) != 0 ? Arguments<1>::Text(key, kArgument) : "";
     const std::string argument = std::string(kArgument) + "[\"" + name + "\"]";
     if (name == "eye") {
       eye.place = Vector(value, argument);
@@ -91,10 +91,10 @@ drawing::NamedDirection WantedView::Of(const drawing::Model& model, bool yUp) co
 
 WantedView ViewOf(PyObject* object, bool yUp) {
   if (object == nullptr) return Named("iso", yUp);
-  if (PyUnicode_Check(object) != 0) return Named(Arguments<1>::Text(object), yUp);
+  if (PyUnicode_Check(object) != 0) return Named(Arguments<1>::Text(object, kArgument), yUp);
   if (PyDict_Check(object) != 0) return FromEye(object);
   const bool isPair = PySequence_Check(object) != 0 && PySequence_Size(object) == 2;
-  PyErr_Clear();
+  DropError();
   const auto vector = [&](Py_ssize_t i) { return Vector(Ref::Own(PySequence_GetItem(object, i)).get(), kArgument); };
   const ZBR_PT3 look = isPair ? vector(0) : Vector(object, kArgument);
   return {{"look", Parsed([&] { return drawing::LookAlong(look, isPair ? vector(1) : drawing::UsualUp(look, yUp)); })}};

@@ -1,10 +1,12 @@
 """Meshes, drawings, sheets and files: against the tool to the bit, and where a picture can be foretold."""
 
+import copy
 import io
 import json
 import os
 import pickle
 import signal
+import struct
 import subprocess
 import threading
 from pathlib import Path
@@ -195,12 +197,42 @@ def test_pickles_are_equal_and_share_their_mesh():
         assert ours.outlines == theirs.outlines and ours.section_faces == theirs.section_faces
     assert zbr.sheet(again).svg() == zbr.sheet(views).svg() == zbr.sheet([pickle.loads(pickle.dumps(view)) for view in views]).svg()
     assert again[0].pick([(0, 0), (200, 0)]).triangle.tolist() == views[0].pick([(0, 0), (200, 0)]).triangle.tolist()
-    copy = pickle.loads(pickle.dumps(two))
-    assert copy.draw("iso").sheet().dxf() == two.draw("iso").sheet().dxf() and copy.name == two.name
+    other = pickle.loads(pickle.dumps(two))
+    assert other.draw("iso").sheet().dxf() == two.draw("iso").sheet().dxf() and other.name == two.name
+    assert copy.copy(two) is copy.deepcopy(two) is two and copy.deepcopy(views)[0] is views[0]
+    flat = zbr.Mesh([(0, 0, 0)] * 3, [(0, 1, 2)]).draw()  # has no extent
+    assert len(pickle.loads(pickle.dumps(flat))) == len(flat) == 0
     restore, (mesh, data) = views[1].__reduce__()
-    for bad in (b"", data[:-1], data[:40], b"x" + data[1:], "x"):
+    for bad in (b"", data[:-1], data[:40], data + b"x", b"x" + data[1:], "x"):
         with pytest.raises((ValueError, TypeError), match="^pickle: "):
             restore(mesh, bad)
+
+
+def test_objects_of_a_pickle_are_in_order():
+    restore, (points, faces, data) = zbr.Mesh.join([cube(), zbr.Mesh(CORNERS, [])]).__reduce__()
+    assert struct.pack("<II", 8, 12) in data and len(restore(points, faces, data)) == 12
+    for wrong in ((4000000, 13), (17, 12), (8, 13)):
+        with pytest.raises(ValueError, match="^pickle: "):
+            restore(points, faces, data.replace(struct.pack("<II", 8, 12), struct.pack("<II", *wrong))).draw("top")
+
+
+def test_damaged_pickles_are_refused_or_harmless():
+    """Eight bytes of a drawing are something else: what is still taken can be drawn."""
+    random, taken = np.random.default_rng(11), 0
+    views = zbr.read(EXAMPLES / "housing.obj").draw_views(["iso", "X=10", {"eye": (500, -400, 300)}], centre_lines=True, outlines=True)
+    numbers = [struct.pack("<Q", n) for n in (0, 1, 2**31, 2**63, 2**64 - 1)] + [struct.pack("<d", x) for x in (np.nan, np.inf, -1e300, 1e60, 1e-60)]
+    for k in range(600):
+        restore, (mesh, data) = views[k % 3].__reduce__()
+        at = int(random.integers(len(data) - 7))
+        number = numbers[k % len(numbers)] if k % 2 else random.bytes(8)
+        try:
+            view = restore(mesh, data[:at] + number + data[at + 8 :])
+            taken += 1
+            sheet = view.sheet()
+            assert sheet.svg() and sheet.pdf() and sheet.json() and sheet.dxf()
+        except ValueError:
+            pass
+    assert 100 < taken < 600
 
 
 def test_arrays_outlive_their_drawing_and_its_mesh():

@@ -1,5 +1,6 @@
 """The fleet: a killed worker, a poisoned file and a folder that cannot be written to lose nothing else."""
 
+import contextlib
 import os
 import resource
 import shutil
@@ -67,6 +68,14 @@ def test_a_full_disk_leaves_no_half_sheets(client, tmp_path):
     assert len(failed) == 3 and all("OSError" in reason for reason in failed.values()) and not list(sheets.iterdir())
     client.run(fill_disk, resource.RLIM_INFINITY)
     assert not draw_fleet.run(client, draw_fleet.missing(models, sheets), ["iso"], 60) and len(list(sheets.iterdir())) == 3
+
+
+def test_names_that_are_no_utf8_are_listed(tmp_path, monkeypatch):
+    (tmp_path / os.fsdecode(b"\xff.stl")).touch()
+    monkeypatch.setattr(draw_fleet, "Client", contextlib.nullcontext)
+    monkeypatch.setattr(draw_fleet, "run", lambda client, work, views, limit: dict.fromkeys(work.values(), "bad"))
+    monkeypatch.setattr(sys, "argv", ["draw_fleet.py", str(tmp_path), str(tmp_path / "sheets"), "--scheduler", "none"])
+    assert draw_fleet.main() == 1 and (tmp_path / "sheets" / "failed.tsv").read_bytes() == b"\xff.stl\tbad\n"
 
 
 def test_tiles_make_up_the_whole(client):

@@ -108,6 +108,12 @@ class Mesh(_zbr.Mesh):
             return np.full((2, 3), np.nan)
         return np.array((self.points.min(axis=0), self.points.max(axis=0)))
 
+    def __copy__(self) -> Mesh:
+        return self  # nothing of it changes
+
+    def __deepcopy__(self, memo: Any) -> Mesh:
+        return self
+
     def __reduce__(self) -> tuple[Any, ...]:
         return _zbr.restore_mesh, (self.points, self.faces, self._pack())
 
@@ -165,6 +171,12 @@ class Drawing(_zbr.Drawing):
         """The visible lines."""
         lines = tuple(tuple(map(tuple, line.tolist())) for line in self.polylines(hidden=False))
         return {"type": "MultiLineString", "coordinates": lines}
+
+    def __copy__(self) -> Drawing:
+        return self  # nothing of it changes
+
+    def __deepcopy__(self, memo: Any) -> Drawing:
+        return self
 
     def __reduce__(self) -> tuple[Any, ...]:
         return _zbr.restore_drawing, (self.mesh, self._pack())

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import math
+import numbers
 from typing import TYPE_CHECKING, Any
 
 import numpy as np
@@ -14,9 +16,9 @@ _MARGIN = 6.0  # pixels around a picture
 _STEP = 0.25  # of a pixel: what is closer looks the same
 
 
-def _scale(low: Any, high: Any, width: int) -> tuple[float, float, float]:
+def _scale(low: Any, high: Any, width: float) -> tuple[float, float, float]:
     """Pixels for one unit, and the picture's size."""
-    if not isinstance(width, (int, float)) or not width > 2 * _MARGIN:
+    if not isinstance(width, numbers.Real) or not 2 * _MARGIN < width < math.inf:
         raise ValueError(f"width: more than {2 * _MARGIN:g} pixels are needed")
     size = np.maximum(high - low, 0.0)
     largest = float(size.max())

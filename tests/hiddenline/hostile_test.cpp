@@ -48,6 +48,23 @@ TEST(Hostile, EdgeNumbersOutOfRangeAreNoNeighbours) {
   }
 }
 
+// Extents that the caller set, of triangles that were changed since: the one of which they are no numbers is drawn all the same.
+TEST(Hostile, ExtentsThatAreNoNumbersLoseNoTriangle) {
+  std::vector<Corners> corners;
+  for (int i = 0; i < 5000; ++i)  // more than are gone through in one piece
+    corners.push_back({ZBR_PT3(i, 0, 0), ZBR_PT3(i + 0.5, 0, 0), ZBR_PT3(i, 0.5, 0)});
+  for (const double bad : {NAN, INFINITY}) {
+    Drawing drawing = DrawTriangles(corners);
+    ZBR_HL_SHELL shell = drawing.Shells()[0];
+    shell.GetMaxMin();
+    ZBR_HL_TRI& changed = drawing.bodies[0][77];
+    changed.min_x = changed.max_x = changed.max_z = bad;
+    EXPECT_TRUE(ZBR_HiddenLine::RemoveAll(&shell, 1));
+    EXPECT_EQ(changed.GetDispSegNum(), 3U);
+    EXPECT_EQ(shell.GetAvailableTriNum(), 5000U);
+  }
+}
+
 // Triangles that are not finite draw and hide nothing: the others are as if they were not there. Those with very large coordinates
 // take part or not, as far as one can compute with them; what is drawn has numbers for coordinates.
 TEST(Hostile, BadCoordinatesDoNoHarm) {

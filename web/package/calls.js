@@ -85,6 +85,7 @@ export class Zbr {
   }
 
   simplify(rings, tolerance, options = {}) {
+    if (typeof tolerance !== 'number') throw new TypeError('tolerance: a number is needed');
     const args = [{ views: [regionOf(rings, 'rings')] }, tolerance, numbersOf(options)];
     return regionOfBuffers(this.#instance.call('zbrwSimplify', args, options));
   }

@@ -72,6 +72,6 @@ class ZbrDrawings extends Zbr {
 }
 
 export async function load({ wasm } = {}) {
-  return new ZbrDrawings(await Instance.load(createCore, wasm ?? new URL('./zbr-drawings.wasm', import.meta.url)));
+  return new ZbrDrawings(await Instance.load(createCore, wasm ?? new URL('./zbr-drawings.wasm', import.meta.url), 'zbrwReadModel'));
 }
 export default load;

@@ -7,6 +7,6 @@ import createCore from './zbr-regions.mjs';
 export { ZbrError, fromGeoJSON, toGeoJSON };
 
 export async function load({ wasm } = {}) {
-  return new Zbr(await Instance.load(createCore, wasm ?? new URL('./zbr-regions.wasm', import.meta.url)));
+  return new Zbr(await Instance.load(createCore, wasm ?? new URL('./zbr-regions.wasm', import.meta.url), 'zbrwCombine'));
 }
 export default load;

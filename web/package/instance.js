@@ -50,17 +50,25 @@ export class Instance {
   #released = []; // models that were let go while a call was under way, perhaps one on them
   generation = 0; // of instances; models know theirs
 
-  /** Of a module, or from where that is. */
-  static async load(create, source) {
+  /** Of a module, or from where that is; `needed` is a function that the right one has. */
+  static async load(create, source, needed) {
     const instance = new Instance();
     instance.#create = create;
     instance.#module = await compile(source);
+    if (WebAssembly.Module.exports(instance.#module).every(({ name }) => name !== needed))
+      throw new ZbrError('this is another module than the one needed', 'load');
     const core = { print() {}, printErr() {} };
-    core.instantiateWasm = (imports, receive) => {
-      WebAssembly.instantiate(instance.#module, imports).then((made) => receive(made));
-      return {};
-    };
-    instance.#core = await create(core);
+    try {
+      instance.#core = await new Promise((resolve, reject) => {
+        core.instantiateWasm = (imports, receive) => {
+          WebAssembly.instantiate(instance.#module, imports).then(receive).catch(reject);
+          return {};
+        };
+        create(core).then(resolve, reject);
+      });
+    } catch (error) {
+      throw new ZbrError(`the module cannot be started: ${error.message ?? error}`, 'load');
+    }
     return instance;
   }
 

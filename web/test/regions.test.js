@@ -1,7 +1,9 @@
 // Regions: data in and out, options, errors. That results are right is the library's matter; that they are its bits, same.test.js's.
 import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { test } from 'node:test';
-import { loadRegions, random, zbr as pkg } from './package.js';
+import { folder, load, loadRegions, random, zbr as pkg } from './package.js';
 
 const { fromGeoJSON, toGeoJSON, ZbrError } = pkg;
 const zbr = await loadRegions();
@@ -130,4 +132,14 @@ test('progress may end a call, and nothing stays behind', () => {
     zbr.combine(a, bar, ['union', 'xor'], { sources: i % 2 === 0 });
   }
   assert.equal(zbr.memory.bytes, bytes);
+});
+
+test('a module that is none, or another one, is refused', async () => {
+  const nothing = Uint8Array.of(0, 97, 115, 109, 1, 0, 0, 0); // compiles
+  const named = [7, 15, 1, 11, ...Buffer.from('zbrwCombine'), 3, 0]; // (export "zbrwCombine" (global 0))
+  const importing = Uint8Array.of(...nothing, 2, 8, 1, 1, 97, 1, 98, 3, 127, 0, ...named); // (import "a" "b" (global i32))
+  const regions = readFileSync(join(folder, 'zbr-regions.wasm'));
+  for (const [start, wasm] of [[loadRegions, nothing], [loadRegions, importing], [load, importing], [load, regions]])
+    await assert.rejects(start({ wasm }), { name: 'ZbrError', code: 'load' });
+  assert.throws(() => zbr.simplify(plate, 'x'), /^TypeError: tolerance: /);
 });
