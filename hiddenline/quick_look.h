@@ -55,7 +55,7 @@ class QuickLook {
   // all that it can hide. As the rule decides within the tolerance on which side of a side's line an end lies, it is up to the
   // tolerance wrong across that line, and along the edge more, the less the two are inclined.
   bool IsHiddenAlready(const ZBR_HL_TRI& o, const Intervals& visible) const {
-    if (apex_ < 0) return false;
+    if (apex_ < 0 || !IsOfUsualSize(o)) return false;
     const ZBR_PT& a = o.pt[apex_].xy();
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
@@ -79,6 +79,13 @@ class QuickLook {
   static constexpr double kLeastLength = 1e-6;  // of an edge, in its coordinates
   static constexpr double kWide = 4.0 * kOcclusionEps;
   static constexpr double kLeastPart = 10.0 * kOcclusionEps;  // of an edge; the rule drops parts of less than a tenth of that
+
+  // The rule on a triangle with coordinates beyond any drawing's is as good as its rounding, and nothing tells what it leaves.
+  static bool IsOfUsualSize(const ZBR_HL_TRI& o) {
+    return std::all_of(o.pt, o.pt + 3, [](const ZBR_PT3& v) {
+      return std::max({std::fabs(v.x()), std::fabs(v.y()), std::fabs(v.z())}) <= kLargestSize;
+    });
+  }
 
   // Whether the stretch certainly projects outside o. Sets apex_ when it is as certain that its line runs through o.
   bool IsBeside(const ZBR_HL_TRI& o) {
