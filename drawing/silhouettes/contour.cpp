@@ -1,7 +1,7 @@
-// Idea: silhouettes along the edges of facets leave no gap, as the facets are a closed surface themselves; smooth ones lie up to a
-// facet's width beside them, end where creases cut them, and where facets are coarse are taken for hidden. So where the facets' own
-// silhouette parts the body from the empty paper, where nothing can hide it, and no line is drawn as near as a smooth silhouette
-// would be, it is drawn itself, and led on to the lines at its ends.
+// Idea: silhouettes along the edges of facets leave no gap, as the facets are a closed surface themselves, but where crumbs of them
+// are dropped; smooth ones lie up to a facet's width beside them, end where creases cut them, and where facets are coarse are taken
+// for hidden. So where the facets' own silhouette parts the body from the empty paper, where nothing can hide it, and no line is
+// drawn as near as a smooth silhouette would be, it is drawn itself, and led on to the lines at its ends.
 #include "drawing/silhouettes/contour.h"
 
 #include <zbr/hidden_line.h>
@@ -59,28 +59,42 @@ class DrawnLines {
     }
   }
 
+  bool HasNear(const ZBR_PT& p, double reach) const {
+    return !ForEachNear(p, [&](const ZBR_SEG& segment) { return NearestOn(segment, p).Distance(p) > reach; });
+  }
+
   // The nearest point of a line that is not beyond `reach`, as far as there is one.
   bool Nearest(const ZBR_PT& p, double reach, ZBR_PT& nearest) const {
     bool found = false;
+    ForEachNear(p, [&](const ZBR_SEG& segment) {
+      const ZBR_PT at = NearestOn(segment, p);
+      const double distance = at.Distance(p);
+      if (distance > reach) return true;
+      reach = distance;
+      nearest = at;
+      found = true;
+      return true;
+    });
+    return found;
+  }
+
+ private:
+  // While what it is told says so. Whether it did to the end.
+  template <class GoesOn>
+  bool ForEachNear(const ZBR_PT& p, const GoesOn& goesOn) const {
     const std::int64_t x = Cell(p.x()), y = Cell(p.y());
     for (std::int64_t i = x - 1; i <= x + 1; ++i) {
       for (std::int64_t j = y - 1; j <= y + 1; ++j) {
         const auto cell = cells_.find(Key(i, j));
         if (cell == cells_.end()) continue;
         for (const std::uint32_t k : cell->second) {
-          const ZBR_PT at = NearestOn(segments_[k], p);
-          const double distance = at.Distance(p);
-          if (distance > reach) continue;
-          reach = distance;
-          nearest = at;
-          found = true;
+          if (!goesOn(segments_[k])) return false;
         }
       }
     }
-    return found;
+    return true;
   }
 
- private:
   std::int64_t Cell(double x) const { return static_cast<std::int64_t>(std::floor(x / cell_)); }
   static std::uint64_t Key(std::int64_t i, std::int64_t j) {
     return static_cast<std::uint64_t>(i) << 32U ^ static_cast<std::uint32_t>(j);
@@ -150,10 +164,7 @@ class Gaps {
   }
 
  private:
-  bool IsBare(const FacetEdge& edge, const ZBR_PT& p) const {
-    ZBR_PT nearest;
-    return !drawn_.Nearest(p, Reach(edge), nearest);
-  }
+  bool IsBare(const FacetEdge& edge, const ZBR_PT& p) const { return !drawn_.HasNear(p, Reach(edge)); }
 
   bool IsPaper(const ZBR_PT& p) const {
     double height = std::numeric_limits<double>::lowest();
@@ -170,8 +181,7 @@ bool IsBeside(const DrawnLines& drawn, const Chain& chain, double size) {
   for (std::size_t k = 1; k < chain.points.size(); ++k) length += chain.points[k].Distance(chain.points[k - 1]);
   const std::size_t half = chain.points.size() / 2;
   const ZBR_PT middle = chain.points.size() > 2 ? chain.points[half] : (chain.points.front() + chain.points.back()) * 0.5;
-  ZBR_PT nearest;
-  return length < kShort * size && drawn.Nearest(middle, kApart * length, nearest);
+  return length < kShort * size && drawn.HasNear(middle, kApart * length);
 }
 
 // To the line that its end has come near to.
@@ -194,10 +204,21 @@ double WidthAround(const Scene& scene, const Model& model, std::uint32_t t) {
   return width;
 }
 
+std::vector<EdgeRef> SilhouetteEdges(const Scene& scene) {
+  std::vector<EdgeRef> edges;
+  for (std::size_t t = 0; t < scene.TriangleCount(); ++t) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      if (scene.classes[t][i] == EdgeClass::kSilhouette)
+        edges.push_back({static_cast<std::uint32_t>(t), static_cast<std::uint8_t>(i)});
+    }
+  }
+  return edges;
+}
+
 void CloseContours(const Model& model, const Scene& scene, const std::vector<EdgeRef>& edges, ViewLines& view) {
   const double size = view.extent.Size() * scene.scale;
   if (!(size > 0) || edges.empty()) return;
-  const DrawnLines drawn(view, scene.scale, kFar * size);
+  const DrawnLines drawn(view, scene.scale, (kFar + kStep) * size);
   const Gaps gaps(scene, drawn, size);
   std::vector<Line> lines;
   std::size_t next = 0;

@@ -44,13 +44,12 @@ bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPE& edge, const Vie
 
 }  // namespace
 
-SmoothSilhouettes::SmoothSilhouettes(const Model& model, const View& view) {
-  for (std::size_t s = 0; s < model.ShellCount(); ++s) FindIn(model, s, view);
+SmoothSilhouettes::SmoothSilhouettes(const Model& model, const std::vector<SmoothNormals>& normals, const View& view) {
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) FindIn(model, s, normals[s], view);
 }
 
-void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const View& view) {
+void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const SmoothNormals& normals, const View& view) {
   const ZBR_ZBREPS& shell = model.Shell(s);
-  const SmoothNormals normals = SmoothNormalsOf(model, s);
   std::vector<double> facing;
   facing.reserve(normals.all.size());
   for (const ZBR_PT3& normal : normals.all) facing.push_back(Towards(normal, view, model.facing[s]));

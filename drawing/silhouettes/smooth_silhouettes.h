@@ -9,13 +9,14 @@
 #include <vector>
 
 #include "drawing/silhouettes/contour.h"
+#include "drawing/silhouettes/smooth_normals.h"
 
 namespace zbr::drawing {
 
 class SmoothSilhouettes {
  public:
-  // Finds them for a view that is no perspective. Linear, but for the chaining.
-  SmoothSilhouettes(const Model& model, const View& view);
+  // Finds them for a view that is no perspective, from the normals of each shell. Linear, but for the chaining.
+  SmoothSilhouettes(const Model& model, const std::vector<SmoothNormals>& normals, const View& view);
 
   // Puts them behind the lines of a scene that is to be made.
   void AddTo(std::vector<IntersectionLine>& lines);
@@ -34,7 +35,7 @@ class SmoothSilhouettes {
     std::uint32_t shell = 0, begin = 0, end = 0;
     bool closed = false;
   };
-  void FindIn(const Model& model, std::size_t shell, const View& view);
+  void FindIn(const Model& model, std::size_t shell, const SmoothNormals& normals, const View& view);
 
   std::vector<IntersectionLine> lines_;
   std::vector<Curve> curves_;

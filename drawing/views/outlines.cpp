@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "drawing/parallel.h"
+#include "drawing/views/bare_scene.h"
 
 namespace zbr::drawing {
 namespace {
@@ -67,14 +68,6 @@ bool MayOverlap(LoopList& a, LoopList& b) {
     }
   }
   return false;
-}
-
-// Without lines there is nothing left to hide, and the comparison of two objects is one of their outlines alone.
-void GiveUpLines(Scene& scene) {
-  for (ZBR_HL_TRI& triangle : scene.triangles) {
-    triangle.ClearEdgeAll();
-    for (bool& drawn : triangle.dispj) drawn = false;
-  }
 }
 
 void Narrow(const std::vector<ObjectShells>& objects) {
@@ -149,7 +142,10 @@ void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned thread
   const std::vector<ObjectShells> objects = ObjectsOf(model, scene);
   RunParallel(objects.size(), threads, [&](std::size_t i) {
     const ZBR_TmpEps hold(kOutlineTolerance);
-    ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count, *objects[i].sources);
+    ZBR_HL_OUTLINE_SOURCES& sources = *objects[i].sources;
+    ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count, sources);
+    sources.pieces = {};  // corners are all that the way back needs
+    sources.offsets = {};
   });
   if (!narrow || objects.size() < 2) return;
   RemoveHidden(scene, threads);

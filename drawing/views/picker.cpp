@@ -7,11 +7,14 @@
 #include <cstddef>
 #include <limits>
 
+#include "drawing/views/bare_scene.h"
+
 namespace zbr::drawing {
 
 Picker::Picker(const Model& model, const View& view) : model_(&model) {
   if (view.perspective) throw Failure("what is seen at points can be told of parallel views only");
   MakeScene(model, view, scene_);
+  GiveUpLines(scene_);
   const ZBR_TmpEps hold(kSceneTolerance);
   ZBR_HiddenLine::Prepare(scene_.shells.data(), scene_.ShellCount());
 }

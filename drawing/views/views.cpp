@@ -22,6 +22,7 @@ namespace {
 struct Found {
   std::optional<Circles> circles;
   std::vector<IntersectionLine> crossings;
+  std::vector<SmoothNormals> normals;  // of shells, where silhouettes are to be smooth
 };
 
 void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines& view) {
@@ -47,11 +48,14 @@ struct Prepared {
   std::optional<SmoothSilhouettes> silhouettes;
 };
 
+bool IsWhole(const NamedDirection& direction) {
+  return !direction.section && !direction.view.perspective;
+}
+
 Prepared Prepare(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options) {
   Prepared view;
   std::vector<IntersectionLine> lines = found.crossings;
-  const bool isWhole = !direction.section && !direction.view.perspective;
-  if (options.smoothSilhouettes && isWhole) view.silhouettes.emplace(model, direction.view).AddTo(lines);
+  if (options.smoothSilhouettes && IsWhole(direction)) view.silhouettes.emplace(model, found.normals, direction.view).AddTo(lines);
   view.scene = MakeScene(model, direction.view, lines, options.tangents);
   if (options.contact >= 0) view.scene.contact = options.contact * view.scene.scale;
   if (direction.section) {
@@ -80,7 +84,11 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   AddVisible(lines, std::move(silhouettes));
   if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   if (model.isRough) DropCrumbs(lines);
-  if (view.silhouettes) view.silhouettes->CloseContours(model, view.scene, lines);
+  if (view.silhouettes) {
+    view.silhouettes->CloseContours(model, view.scene, lines);
+  } else if (model.isRough && IsWhole(direction)) {
+    CloseContours(model, view.scene, SilhouetteEdges(view.scene), lines);
+  }
   if (!direction.section) return lines;
   lines.extent = view.whole;  // views of one model line up, whatever was cut away
   AddSection(std::move(view.section), direction, lines);
@@ -115,6 +123,8 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
       found.crossings = FindIntersections(model, options.contact, options.threads);
     if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
   });
+  for (std::size_t s = 0; options.smoothSilhouettes && s < model.ShellCount(); ++s)
+    found.normals.push_back(SmoothNormalsOf(model, s));
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {

@@ -55,9 +55,10 @@ struct Scene {
   std::vector<ZBR_HL_SHELL> shells;
   std::vector<std::array<EdgeClass, 3>> classes;       // silhouettes included; all but smooth edges are drawn
   std::vector<std::array<std::uint32_t, 2>> crossing;  // of intersection lines: the triangles of the model that meet there
-  std::vector<ScenePart> parts;                  // of triangles, where the scene is cut; empty: triangles are those of the model
-  std::vector<ZBR_HL_OUTLINE_SOURCES> outlines;  // by object, where FindOutlines has been: `shell` is counted from its first one
-  std::size_t drawable = 0;                      // edges and lines to be drawn, each counted once
+  std::vector<ScenePart> parts;  // of triangles, where the scene is cut; empty: triangles are those of the model
+  std::vector<ZBR_HL_OUTLINE_SOURCES>
+      outlines;              // by object, where FindOutlines has been: corners alone, `shell` from its first one
+  std::size_t drawable = 0;  // edges and lines to be drawn, each counted once
 
   View view;
   double scale = 1.0;  // scene units per model unit
