@@ -31,7 +31,7 @@ struct Mesh {
   std::vector<ZBR_PT3> points;
   std::vector<std::array<std::uint32_t, 3>> triangles;
   bool yUp = false;                 // the format says that y points up; most say nothing, and z is taken
-  std::vector<MeshObject> objects;  // in increasing order, triangles use points of their own object only; none: all is one
+  std::vector<MeshObject> objects;  // ascending from 0, 0; triangles use points of their own object only; none: all is one
 
   // The distance between neighbouring values that coordinates are rounded to, 0 where they are exact. Negative: RoundingOf tells.
   double rounding = -1.0;
