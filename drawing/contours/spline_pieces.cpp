@@ -107,8 +107,8 @@ class WholesFinder {
       });
       if (IsTop(next)) active.push_back(next);
     }
-    for (std::size_t i = 0; i < wholes_.size(); ++i) {
-      while (!IsTop(wholes_[i].whole)) wholes_[i] = After(wholes_[wholes_[i].whole], wholes_[i]);
+    for (StretchOfSpline& stretch : wholes_) {
+      while (!IsTop(stretch.whole)) stretch = After(wholes_[stretch.whole], stretch);
     }
     return std::move(wholes_);
   }
