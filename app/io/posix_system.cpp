@@ -2,12 +2,16 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <memory>
 
 #include "app/io/system.h"
@@ -55,10 +59,22 @@ bool IsReadOnly(const std::string& name, const fs::file_status& status) {
   return (status.permissions() & kWrite) == fs::perms::none || ::access(name.c_str(), W_OK) != 0;
 }
 
+// Each stage of a drawing allocates arrays of a million and frees those of the stage before. By default glibc gives large ones back
+// to the system and gets new pages for the next, which the system has to clear: a third of its time for a process (0.7 to 0.44 s
+// for 90,000 boxes).
+void KeepFreedMemory() {
+#if defined(__GLIBC__)
+  constexpr int kLargest = std::numeric_limits<int>::max();
+  ::mallopt(M_MMAP_THRESHOLD, kLargest);
+  ::mallopt(M_TRIM_THRESHOLD, kLargest);
+#endif
+}
+
 }  // namespace
 
 void PrepareProcess() {
   std::signal(SIGXFSZ, SIG_IGN);  // writing then fails, and what was written is removed
+  KeepFreedMemory();
 }
 
 std::vector<std::string> Arguments(int argc, char** argv) {
