@@ -16,6 +16,7 @@
 #include <numeric>
 
 #include "drawing/sheets/centre_lines.h"
+#include "drawing/sheets/cutting_planes.h"
 #include "drawing/sheets/hatching.h"
 #include "drawing/sheets/section_marks.h"
 
@@ -118,18 +119,24 @@ std::vector<Cell> CellsOf(const std::vector<ViewLines>& views, Projection projec
   return cells;
 }
 
-// Sizes of the columns or rows in use, in the model's unit, by number.
-using Bands = std::map<int, double>;
+// A column or a row: its views in the model's unit, and in millimetres what they need around them.
+struct Band {
+  double size = 0.0, room = 0.0;
 
-double Sum(const Bands& bands) {
-  return std::accumulate(bands.begin(), bands.end(), 0.0, [](double sum, const auto& band) { return sum + band.second; });
+  double On(double perUnit) const { return size * perUnit + room; }
+};
+// Those in use, by number.
+using Bands = std::map<int, Band>;
+
+double Sum(const Bands& bands, double Band::*part) {
+  return std::accumulate(bands.begin(), bands.end(), 0.0, [part](double sum, const auto& band) { return sum + band.second.*part; });
 }
 
 // The middle of band `number` behind those before it; `first` is the first one's start.
 double MiddleOf(const Bands& bands, int number, double first, double perUnit, double gap) {
   double at = first;
-  for (auto band = bands.begin(); band->first != number; ++band) at += band->second * perUnit + gap;
-  return at + bands.at(number) * perUnit / 2;
+  for (auto band = bands.begin(); band->first != number; ++band) at += band->second.On(perUnit) + gap;
+  return at + bands.at(number).On(perUnit) / 2;
 }
 
 struct Grid {
@@ -142,15 +149,34 @@ struct Grid {
       marks = kSectionMarks;
     for (std::size_t i = 0; i < views.size(); ++i) {
       const Extent& e = views[i].extent;
-      columns[cells[i].column] = std::max(columns[cells[i].column], e.xmax - e.xmin);
-      rows[cells[i].row] = std::max(rows[cells[i].row], e.ymax - e.ymin);
+      Band &column = columns[cells[i].column], &row = rows[cells[i].row];
+      column.size = std::max(column.size, e.xmax - e.xmin);
+      row.size = std::max(row.size, e.ymax - e.ymin);
     }
   }
   double Gap() const { return kGap + marks; }
-  double Gaps(const Bands& bands) const { return Gap() * static_cast<double>(bands.size() - 1) + 2 * marks; }
+  // All that does not grow with the scale.
+  double Gaps(const Bands& bands) const {
+    return Gap() * static_cast<double>(bands.size() - 1) + 2 * marks + Sum(bands, &Band::room);
+  }
+  double Width(double perUnit) const { return Sum(columns, &Band::size) * perUnit + Gaps(columns); }
+  double Height(double perUnit) const { return Sum(rows, &Band::size) * perUnit + Gaps(rows); }
   // The largest scale in millimetres for each unit with which the views fit; at most 0 when even the gaps do not.
   double LargestIn(const DrawingArea& area) const {
-    return std::min((area.width - Gaps(columns)) / Sum(columns), (area.height - Gaps(rows)) / Sum(rows));
+    return std::min((area.width - Gaps(columns)) / Sum(columns, &Band::size), (area.height - Gaps(rows)) / Sum(rows, &Band::size));
+  }
+  // Room for ends of cutting planes that stand farther out than usual. Whether there was less before.
+  bool WidenFor(const std::vector<CuttingPlane>& planes) {
+    bool wider = false;
+    const auto widen = [&](Band& band, double room) {
+      wider = wider || room > band.room;
+      band.room = std::max(band.room, room);
+    };
+    for (const CuttingPlane& plane : planes) {
+      widen(columns[cells[plane.parent].column], 2 * plane.outwards * std::abs(plane.along.x()));
+      widen(rows[cells[plane.parent].row], 2 * plane.outwards * std::abs(plane.along.y()));
+    }
+    return wider;
   }
 };
 
@@ -185,8 +211,8 @@ void ChooseScale(Sheet& sheet, const Grid& grid) {
 Paper PaperAround(const Sheet& sheet, const Grid& grid, double perUnit) {
   constexpr double kLongestSide = 1e5;
   const DrawingArea area = AreaOf(sheet.paper, sheet.options);
-  const double width = Sum(grid.columns) * perUnit + grid.Gaps(grid.columns) + sheet.paper.width - area.width;
-  const double height = Sum(grid.rows) * perUnit + grid.Gaps(grid.rows) + sheet.paper.height - area.height;
+  const double width = grid.Width(perUnit) + sheet.paper.width - area.width;
+  const double height = grid.Height(perUnit) + sheet.paper.height - area.height;
   if (!(std::max(width, height) < kLongestSide))
     throw Failure("at " + ScaleText(sheet.scale) + " the drawing is more than 100 m long");
   return {"", std::max(width, sheet.paper.width), std::max(height, sheet.paper.height), false};
@@ -208,16 +234,36 @@ void ChoosePaper(Sheet& sheet, const Grid& grid) {
 
 void PlaceViews(Sheet& sheet, const Grid& grid) {
   const DrawingArea area = AreaOf(sheet.paper, sheet.options);
-  const double width = Sum(grid.columns) * sheet.perUnit + grid.Gaps(grid.columns);
-  const double height = Sum(grid.rows) * sheet.perUnit + grid.Gaps(grid.rows);
-  const double left = area.left + (area.width - width) / 2 + grid.marks;
-  const double bottom = area.bottom + (area.height - height) / 2 + grid.marks;
+  const double left = area.left + (area.width - grid.Width(sheet.perUnit)) / 2 + grid.marks;
+  const double bottom = area.bottom + (area.height - grid.Height(sheet.perUnit)) / 2 + grid.marks;
   for (std::size_t i = 0; i < sheet.views.size(); ++i) {
     PlacedView& view = sheet.views[i];
     view.origin.Set(MiddleOf(grid.columns, grid.cells[i].column, left, sheet.perUnit, grid.Gap()),
                     MiddleOf(grid.rows, grid.cells[i].row, bottom, sheet.perUnit, grid.Gap()));
     const Extent& e = view.lines.extent;
     if (!grid.cells[i].aligned) view.origin -= ZBR_PT((e.xmin + e.xmax) / 2, (e.ymin + e.ymax) / 2) * sheet.perUnit;
+  }
+}
+
+// The scale or the paper, and the places of views.
+void Arrange(Sheet& sheet, const Grid& grid) {
+  if (sheet.options.scale) {
+    ChoosePaper(sheet, grid);
+  } else {
+    ChooseScale(sheet, grid);
+  }
+  sheet.perUnit = sheet.scale * sheet.options.millimetres;
+  PlaceViews(sheet, grid);
+}
+
+// Marks of planes that are close to each other on paper need more room, whereby the scale may shrink and planes come closer still.
+// What there is no room for without halving the scale stays where it is: the marks are drawn, at worst over other views.
+void MakeRoomForMarks(Sheet& sheet, Grid& grid) {
+  const double least = sheet.options.scale ? sheet.perUnit : sheet.perUnit / 2;
+  const bool isPaperGiven = !sheet.options.scale || sheet.options.paper;
+  for (Grid wider = grid; wider.WidenFor(FindCuttingPlanes(sheet)); grid = wider) {
+    if (isPaperGiven && LargestOn(BetterWay(sheet.paper, sheet, wider), sheet, wider) < least) return;
+    Arrange(sheet, wider);
   }
 }
 
@@ -277,15 +323,10 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   Sheet sheet;
   sheet.options = options;
   NameSections(views);
-  const Grid grid(views, options.projection);
+  Grid grid(views, options.projection);
   for (ViewLines& view : views) sheet.views.push_back({std::move(view), {}});
-  if (options.scale) {
-    ChoosePaper(sheet, grid);
-  } else {
-    ChooseScale(sheet, grid);
-  }
-  sheet.perUnit = sheet.scale * options.millimetres;
-  PlaceViews(sheet, grid);
+  Arrange(sheet, grid);
+  MakeRoomForMarks(sheet, grid);
   if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet, grid.marks);
   ChooseWidths(sheet);
   AddHatching(sheet);

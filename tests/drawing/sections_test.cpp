@@ -244,6 +244,35 @@ TEST(Sections, LettersOfSectionsDrawnApart) {
   EXPECT_EQ(names, "A-AAC-CCB-BB");
 }
 
+// Planes a hair apart, crossing at a corner, and seen from opposite sides; and more of them than there is room for.
+TEST(Sections, LettersOfNearPlanesStandApart) {
+  const Model model = MakeModel(Box({0, 0, 0}, {40, 50, 60}), 30.0);
+  const auto lettersOf = [&model](const std::vector<std::string>& planes, const char* paper) {
+    std::vector<NamedDirection> views = {{"front", *NamedView("front")}, {"top", *NamedView("top")}};
+    for (const std::string& text : planes) {
+      const SectionPlane plane = ParseSection(text);
+      views.push_back({SectionName(views.size() - 2), SectionView(plane), plane});
+    }
+    SheetOptions options;
+    options.projection = Projection::kFirst;
+    options.paper = ParsePaper(paper);
+    std::vector<ZBR_PT> letters;
+    for (const SheetText& text : LayOut(DrawViews(model, views, {}), options).texts) {
+      if (text.text.size() == 1 && text.height == 5.0) letters.push_back(text.at);
+    }
+    return letters;
+  };
+  const std::vector<ZBR_PT> letters = lettersOf({"X=20", "X=20.5", "Z=59", "X=39", "-1,0,0=-21", "Y=20", "Y=20"}, "A1");
+  EXPECT_EQ(letters.size(), 14U);
+  for (std::size_t i = 0; i < letters.size(); ++i) {
+    for (std::size_t k = 0; k < i; ++k) {
+      const ZBR_PT apart = letters[i] - letters[k];
+      EXPECT_TRUE(std::abs(apart.x()) > 4 || std::abs(apart.y()) > 5.5) << i << ' ' << k;
+    }
+  }
+  EXPECT_EQ(lettersOf(std::vector<std::string>(8, "X=20"), "A3").size(), 16U);
+}
+
 TEST(Sections, PlanesAsText) {
   for (const char* const text :
        {"", "X", "W=1", "X=", "X=a", "1,2=3", "0,0,0=1", "X=1..", "X=1..1", "1,2,3,4=5", "X=nan", "1,,2=3"})

@@ -1,0 +1,36 @@
+// Where a sheet shows the planes of its sections: in which view, along which line, and how far out the ends of that line stand.
+#pragma once
+
+#include <zbr-drawing/sheet.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace zbr::drawing {
+
+// Millimetres.
+inline constexpr double kPlaneBeyond = 7;  // the plane's line reaches beyond the view
+inline constexpr double kThickEnd = 6;
+inline constexpr double kArrow = 8;
+inline constexpr double kMarkLetter = 5;
+inline constexpr double kLetterWidth = 0.7;  // of its height, on the average
+
+// The line of a plane in a view that sees it edge-on, in the view's x and y.
+struct CuttingPlane {
+  std::size_t section = 0, parent = 0;  // places of views
+  ZBR_PT along, toViewer;               // of length 1; the second the way the section's viewer is
+  ZBR_PT foot;                          // of the line
+  double low = 0.0, high = 0.0;         // along it, where it crosses the view
+  double outwards = 0.0;                // millimetres beyond the usual: the ends of planes close to each other stand apart
+
+  ZBR_PT From(double perUnit) const { return foot + along * (low - (kPlaneBeyond + outwards) / perUnit); }
+  ZBR_PT To(double perUnit) const { return foot + along * (high + (kPlaneBeyond + outwards) / perUnit); }
+};
+
+// Of the sections that another view of the sheet shows, in their order.
+std::vector<CuttingPlane> FindCuttingPlanes(const Sheet& sheet);
+
+// The middle of the letter behind the arrow at an end, on paper.
+ZBR_PT LetterAt(const CuttingPlane& plane, const ZBR_PT& end);
+
+}  // namespace zbr::drawing
