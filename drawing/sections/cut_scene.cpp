@@ -23,18 +23,25 @@ namespace {
 // A side of what is left of a triangle: its edge 0, 1 or 2, or one of these.
 enum : std::uint8_t { kDrawnCut = 3, kCut = 4, kInside = 5 };
 
+// The four sides of a picture, and what is too near; a slab has two.
+constexpr std::size_t kMostPlanes = 5;
+
 constexpr std::uint32_t kNone = 0xffffffffU;
 
 struct Corner {
-  ZBR_PT3 place;           // in the model
-  std::bitset<8> isAbove;  // by plane
-  std::uint8_t side = 0;   // from here to the next corner
+  ZBR_PT3 place;                     // in the model
+  std::bitset<kMostPlanes> isAbove;  // by plane
+  std::uint8_t side = 0;             // from here to the next corner
 };
 
 class SceneCutter {
  public:
   SceneCutter(const Model& model, const std::vector<CuttingPlane>& planes, Scene& scene)
-      : model_(model), planes_(planes), scene_(scene) {}
+      : model_(model), planes_(planes), scene_(scene) {
+    triangles_.reserve(scene.triangles.size());  // most planes leave fewer; what is not used costs nothing
+    classes_.reserve(scene.triangles.size());
+    parts_.reserve(scene.triangles.size());
+  }
 
   void AddShell(std::size_t s) {
     shell_ = s;
@@ -84,15 +91,34 @@ class SceneCutter {
     scene_.parts = std::move(parts_);
     scene_.shells.clear();
     std::size_t begin = 0;
+    scene_.shells.reserve(ends_.size());
     for (const std::size_t end : ends_) {
-      scene_.shells.emplace_back(scene_.triangles.data() + begin, static_cast<unsigned>(end - begin));
+      ZBR_HL_SHELL& shell = scene_.shells.emplace_back(scene_.triangles.data() + begin, static_cast<unsigned>(end - begin));
+      // The lists of a hundred thousand shells would be as large as their triangles, and the removal brings its own.
+      for (auto* list :
+           {&shell.tri_result, &shell.xy_result, &shell.edge_result[0], &shell.edge_result[1], &shell.edge_result[2], &shell.work})
+        *list = std::vector<ZBR_HL_INTERVAL>();
       begin = end;
     }
     CountDrawable();
   }
 
  private:
-  using Polygon = std::vector<Corner>;
+  // A triangle gains a corner by each plane at most.
+  class Polygon {
+   public:
+    void Add(const Corner& corner) { corners_[static_cast<std::size_t>(count_++)] = corner; }
+    void Clear() { count_ = 0; }
+    std::size_t Size() const { return static_cast<std::size_t>(count_); }
+    const Corner& operator[](std::size_t i) const { return corners_[i]; }
+    bool ReachesAbove(std::size_t plane) const {
+      return std::any_of(corners_.begin(), corners_.begin() + count_, [plane](const Corner& c) { return c.isAbove[plane]; });
+    }
+
+   private:
+    std::array<Corner, 3 + kMostPlanes> corners_;
+    std::ptrdiff_t count_ = 0;
+  };
 
   const ZBR_ZBREPT& Record(std::size_t t) const {
     return *model_.Shell(shell_).GetTriangle(static_cast<int>(t - model_.shellBegin[shell_]));
@@ -103,31 +129,35 @@ class SceneCutter {
 
   void Cut(std::size_t t) {
     const ZBR_ZBREPT& record = Record(t);
-    Polygon polygon(3);
+    Polygon polygon;
     for (std::size_t i = 0; i < 3; ++i) {
-      polygon[i].place = VertexOf(record, i).GetPt();
-      polygon[i].side = static_cast<std::uint8_t>(i);
+      Corner corner;
+      corner.place = VertexOf(record, i).GetPt();
+      corner.side = static_cast<std::uint8_t>(i);
       for (std::size_t k = 0; k < planes_.size(); ++k)
-        polygon[i].isAbove[k] = IsAbove(HeightAt(k, VertexOf(record, i)), InPlane::kAbove);
+        corner.isAbove[k] = IsAbove(HeightAt(k, VertexOf(record, i)), InPlane::kAbove);
+      polygon.Add(corner);
     }
-    for (std::size_t k = 0; k < planes_.size(); ++k) polygon = Below(polygon, record, k);
+    for (std::size_t k = 0; k < planes_.size(); ++k) {
+      if (polygon.ReachesAbove(k)) polygon = Below(polygon, record, k);
+    }
     polygon = WithLength(polygon);
-    for (std::size_t i = 1; i + 1 < polygon.size(); ++i) AddPart(polygon, i, t);
+    for (std::size_t i = 1; i + 1 < polygon.Size(); ++i) AddPart(polygon, i, t);
   }
 
   // The part of the polygon below plane k.
   Polygon Below(const Polygon& polygon, const ZBR_ZBREPT& record, std::size_t k) const {
     Polygon below;
-    for (std::size_t i = 0; i < polygon.size(); ++i) {
-      const Corner &a = polygon[i], &b = polygon[(i + 1) % polygon.size()];
-      if (!a.isAbove[k]) below.push_back(a);
+    for (std::size_t i = 0; i < polygon.Size(); ++i) {
+      const Corner &a = polygon[i], &b = polygon[(i + 1) % polygon.Size()];
+      if (!a.isAbove[k]) below.Add(a);
       if (a.isAbove[k] == b.isAbove[k]) continue;
       Corner crossing = a;
       crossing.place = CrossingOn(record, a, b, k);
       for (std::size_t j = 0; j < planes_.size(); ++j)
         crossing.isAbove[j] = j > k && planes_[j].plane.HeightOf(crossing.place) >= 0;
       if (!a.isAbove[k]) crossing.side = planes_[k].drawn ? kDrawnCut : kCut;
-      below.push_back(crossing);
+      below.Add(crossing);
     }
     return below;
   }
@@ -145,10 +175,10 @@ class SceneCutter {
 
   static Polygon WithLength(const Polygon& polygon) {
     Polygon kept;
-    for (std::size_t i = 0; i < polygon.size(); ++i) {
-      if (!(polygon[i].place == polygon[(i + 1) % polygon.size()].place)) kept.push_back(polygon[i]);
+    for (std::size_t i = 0; i < polygon.Size(); ++i) {
+      if (!(polygon[i].place == polygon[(i + 1) % polygon.Size()].place)) kept.Add(polygon[i]);
     }
-    if (kept.size() < 3) kept.clear();
+    if (kept.Size() < 3) kept.Clear();
     return kept;
   }
 
@@ -156,7 +186,7 @@ class SceneCutter {
   void AddPart(const Polygon& polygon, std::size_t i, std::size_t t) {
     std::array<Corner, 3> corners = {polygon[0], polygon[i], polygon[i + 1]};
     if (i > 1) corners[0].side = kInside;
-    if (i + 2 < polygon.size()) corners[2].side = kInside;
+    if (i + 2 < polygon.Size()) corners[2].side = kInside;
     ScenePart part;
     part.triangle = static_cast<std::uint32_t>(t);
     std::array<ZBR_PT3, 3> places;

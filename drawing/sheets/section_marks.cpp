@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "drawing/sheets/cutting_planes.h"
+#include "drawing/sheets/marked_planes.h"
 
 namespace zbr::drawing {
 namespace {
@@ -15,7 +15,7 @@ constexpr double kHead = 3, kHalfHead = 0.6;  // of arrows
 constexpr double kNameGap = 4;                // of a section's name above it
 
 // The letter stands behind the arrow.
-void AddEnd(Sheet& sheet, const CuttingPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards, const std::string& letter) {
+void AddEnd(Sheet& sheet, const MarkedPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards, const std::string& letter) {
   const ZBR_PT tail = end + plane.toViewer * kArrow, neck = end + plane.toViewer * kHead, aside = inwards * kHalfHead;
   sheet.paths.push_back({{end, end + inwards * kThickEnd}, false, true});
   sheet.paths.push_back({{tail, neck}, false, false});
@@ -23,7 +23,7 @@ void AddEnd(Sheet& sheet, const CuttingPlane& plane, const ZBR_PT& end, const ZB
   sheet.texts.push_back({LetterAt(plane, end) - ZBR_PT(kMarkLetter * kLetterWidth / 2, kMarkLetter / 2), kMarkLetter, letter});
 }
 
-void AddPlane(Sheet& sheet, const CuttingPlane& plane) {
+void AddPlane(Sheet& sheet, const MarkedPlane& plane) {
   PlacedView& parent = sheet.views[plane.parent];
   const SectionOfView& section = *sheet.views[plane.section].lines.section;
   Line line;
@@ -73,10 +73,10 @@ void NameSections(std::vector<ViewLines>& views) {
 }
 
 void AddSectionMarks(Sheet& sheet) {
-  const std::vector<CuttingPlane> planes = FindCuttingPlanes(sheet);
+  const std::vector<MarkedPlane> planes = FindMarkedPlanes(sheet);
   for (std::size_t v = 0; v < sheet.views.size(); ++v) {
     if (!sheet.views[v].lines.section) continue;
-    const auto plane = std::find_if(planes.begin(), planes.end(), [v](const CuttingPlane& p) { return p.section == v; });
+    const auto plane = std::find_if(planes.begin(), planes.end(), [v](const MarkedPlane& p) { return p.section == v; });
     sheet.views[v].lines.section->isMarked = plane != planes.end();
     if (plane != planes.end()) AddPlane(sheet, *plane);
     AddName(sheet, sheet.views[v]);

@@ -16,8 +16,8 @@
 #include <numeric>
 
 #include "drawing/sheets/centre_lines.h"
-#include "drawing/sheets/cutting_planes.h"
 #include "drawing/sheets/hatching.h"
+#include "drawing/sheets/marked_planes.h"
 #include "drawing/sheets/section_marks.h"
 
 namespace zbr::drawing {
@@ -166,13 +166,13 @@ struct Grid {
     return std::min((area.width - Gaps(columns)) / Sum(columns, &Band::size), (area.height - Gaps(rows)) / Sum(rows, &Band::size));
   }
   // Room for ends of cutting planes that stand farther out than usual. Whether there was less before.
-  bool WidenFor(const std::vector<CuttingPlane>& planes) {
+  bool WidenFor(const std::vector<MarkedPlane>& planes) {
     bool wider = false;
     const auto widen = [&](Band& band, double room) {
       wider = wider || room > band.room;
       band.room = std::max(band.room, room);
     };
-    for (const CuttingPlane& plane : planes) {
+    for (const MarkedPlane& plane : planes) {
       widen(columns[cells[plane.parent].column], 2 * plane.outwards * std::abs(plane.along.x()));
       widen(rows[cells[plane.parent].row], 2 * plane.outwards * std::abs(plane.along.y()));
     }
@@ -261,7 +261,7 @@ void Arrange(Sheet& sheet, const Grid& grid) {
 void MakeRoomForMarks(Sheet& sheet, Grid& grid) {
   const double least = sheet.options.scale ? sheet.perUnit : sheet.perUnit / 2;
   const bool isPaperGiven = !sheet.options.scale || sheet.options.paper;
-  for (Grid wider = grid; wider.WidenFor(FindCuttingPlanes(sheet)); grid = wider) {
+  for (Grid wider = grid; wider.WidenFor(FindMarkedPlanes(sheet)); grid = wider) {
     if (isPaperGiven && LargestOn(BetterWay(sheet.paper, sheet, wider), sheet, wider) < least) return;
     Arrange(sheet, wider);
   }

@@ -16,7 +16,7 @@ inline constexpr double kMarkLetter = 5;
 inline constexpr double kLetterWidth = 0.7;  // of its height, on the average
 
 // The line of a plane in a view that sees it edge-on, in the view's x and y.
-struct CuttingPlane {
+struct MarkedPlane {
   std::size_t section = 0, parent = 0;  // places of views
   ZBR_PT along, toViewer;               // of length 1; the second the way the section's viewer is
   ZBR_PT foot;                          // of the line
@@ -28,9 +28,9 @@ struct CuttingPlane {
 };
 
 // Of the sections that another view of the sheet shows, in their order.
-std::vector<CuttingPlane> FindCuttingPlanes(const Sheet& sheet);
+std::vector<MarkedPlane> FindMarkedPlanes(const Sheet& sheet);
 
 // The middle of the letter behind the arrow at an end, on paper.
-ZBR_PT LetterAt(const CuttingPlane& plane, const ZBR_PT& end);
+ZBR_PT LetterAt(const MarkedPlane& plane, const ZBR_PT& end);
 
 }  // namespace zbr::drawing

@@ -2,7 +2,7 @@
 // step outwards until they are clear. A letter stands before its plane, where the line of another one may pass: the foremost plane
 // stays innermost, and no line has to pass a letter. Only planes that are looked at from opposite sides can be in each other's way
 // however far out they are.
-#include "drawing/sheets/cutting_planes.h"
+#include "drawing/sheets/marked_planes.h"
 
 #include <algorithm>
 #include <array>
@@ -28,10 +28,10 @@ double Reach(const Extent& e, const ZBR_PT& direction, bool high) {
   return reach;
 }
 
-CuttingPlane LineOf(const Sheet& sheet, std::size_t parent, std::size_t section) {
+MarkedPlane LineOf(const Sheet& sheet, std::size_t parent, std::size_t section) {
   const ViewLines& view = sheet.views[parent].lines;
   const SectionPlane& plane = sheet.views[section].lines.section->plane;
-  CuttingPlane line;
+  MarkedPlane line;
   line.section = section;
   line.parent = parent;
   line.toViewer = view.view.In(plane.normal).xy();
@@ -76,7 +76,7 @@ struct Marks {
   };
   std::array<End, 2> ends;
 
-  Marks(const Sheet& sheet, const CuttingPlane& plane)
+  Marks(const Sheet& sheet, const MarkedPlane& plane)
       : ends{EndAt(plane, sheet.OnPaper(sheet.views[plane.parent], plane.From(sheet.perUnit)), plane.along),
              EndAt(plane, sheet.OnPaper(sheet.views[plane.parent], plane.To(sheet.perUnit)), plane.along * -1.0)} {}
 
@@ -86,7 +86,7 @@ struct Marks {
   }
 
  private:
-  static End EndAt(const CuttingPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards) {
+  static End EndAt(const MarkedPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards) {
     const ZBR_PT letter = LetterAt(plane, end), half(kMarkLetter * kLetterWidth / 2, kMarkLetter / 2);
     return {
         {letter - half, letter + half}, {end, end + plane.toViewer * kArrow}, {end, end + inwards * (kThickEnd + plane.outwards)}};
@@ -94,14 +94,14 @@ struct Marks {
 };
 
 // The foremost first, as said above.
-void MoveApart(const Sheet& sheet, std::vector<CuttingPlane>& planes) {
-  std::vector<CuttingPlane*> inOrder;
-  for (CuttingPlane& plane : planes) inOrder.push_back(&plane);
-  const auto height = [](const CuttingPlane* p) { return p->toViewer.InnerProduct(p->foot); };
+void MoveApart(const Sheet& sheet, std::vector<MarkedPlane>& planes) {
+  std::vector<MarkedPlane*> inOrder;
+  for (MarkedPlane& plane : planes) inOrder.push_back(&plane);
+  const auto height = [](const MarkedPlane* p) { return p->toViewer.InnerProduct(p->foot); };
   std::stable_sort(inOrder.begin(), inOrder.end(),
-                   [&](const CuttingPlane* a, const CuttingPlane* b) { return height(a) > height(b); });
+                   [&](const MarkedPlane* a, const MarkedPlane* b) { return height(a) > height(b); });
   std::vector<Marks> placed;
-  for (CuttingPlane* const plane : inOrder) {
+  for (MarkedPlane* const plane : inOrder) {
     const auto isClear = [&] {
       const Marks marks(sheet, *plane);
       return std::all_of(placed.begin(), placed.end(), [&](const Marks& o) { return marks.AreClearOf(o); });
@@ -113,12 +113,12 @@ void MoveApart(const Sheet& sheet, std::vector<CuttingPlane>& planes) {
 
 }  // namespace
 
-ZBR_PT LetterAt(const CuttingPlane& plane, const ZBR_PT& end) {
+ZBR_PT LetterAt(const MarkedPlane& plane, const ZBR_PT& end) {
   return end + plane.toViewer * (kArrow + kLetterGap + kMarkLetter / 2);
 }
 
-std::vector<CuttingPlane> FindCuttingPlanes(const Sheet& sheet) {
-  std::vector<CuttingPlane> planes;
+std::vector<MarkedPlane> FindMarkedPlanes(const Sheet& sheet) {
+  std::vector<MarkedPlane> planes;
   for (std::size_t i = 0; i < sheet.views.size(); ++i) {
     const auto& section = sheet.views[i].lines.section;
     const auto parent = section ? ParentOf(sheet, section->plane) : std::nullopt;
