@@ -87,8 +87,8 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   return lines;
 }
 
-ViewLines DrawView(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
-                   unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
+ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
+                  unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
   at(DrawStage::kScene);
   Prepared view = Prepare(model, found, direction, options);
   at(DrawStage::kRemoval);
@@ -122,9 +122,15 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
     };
     std::function<bool(double)> removal;
     if (options.removal) removal = [&](double share) { return options.removal(i, share); };
-    drawn[i] = DrawView(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at, removal);
+    drawn[i] = DrawOne(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at, removal);
   });
   return drawn;
+}
+
+ViewLines DrawView(const Model& model, const std::string& name, const DrawingOptions& options) {
+  const std::optional<View> view = NamedView(name);
+  if (!view) throw Failure("'" + name + "' is no view");
+  return std::move(DrawViews(model, {{name, *view}}, options).front());
 }
 
 }  // namespace zbr::drawing

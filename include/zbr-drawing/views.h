@@ -2,8 +2,7 @@
 //
 //   Mesh mesh;                                       // points and triangles
 //   const Model model = MakeModel(mesh, 30.0);       // edges show where the surface bends by more than 30 degrees
-//   const std::vector<ViewLines> views = DrawViews(model, {{"front", *NamedView("front")}}, {});
-//   for (const Line& line : views[0].lines) Plot(line.chain.points, line.hidden);
+//   for (const Line& line : DrawView(model, "front").lines) Plot(line.chain.points, line.hidden);
 //
 // Lengths are in the unit of the model. The result is the same to the bit whatever the number of threads. A model may be drawn from
 // several threads at once; it is only read.
@@ -55,6 +54,9 @@ struct DrawingOptions {
 };
 
 // The views in their order. A model without triangles gives views without lines.
-std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options);
+std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options = {});
+
+// One of the standard views of a model with z up, by its name (view.h). Fails for any other name.
+ViewLines DrawView(const Model& model, const std::string& name, const DrawingOptions& options = {});
 
 }  // namespace zbr::drawing

@@ -99,6 +99,7 @@ TEST(Perspective, EyesThatSeeNothing) {
   EXPECT_THROW(LookFrom({1, 1, 1}, {1, 1, 1}, {0, 0, 1}), Failure);
   EXPECT_THROW(LookFrom({1, 1, 1}, {0, 0, 0}, {0, 0, 1}, 171), Failure);
   EXPECT_THROW(DrawViews(model, {{"eye", LookFrom({5, 5, 5}, {9, 9, 8}, {0, 0, 1})}}, {}), Failure);  // away from it
+  EXPECT_THROW(DrawView(model, "fron"), Failure);
   const ViewLines inside = DrawViews(model, {{"eye", LookFrom({0.5, 0.05, 0.5}, {0.5, 1, 0.5}, {0, 0, 1})}}, {}).front();
   EXPECT_FALSE(inside.lines.empty());
 }
