@@ -3,6 +3,8 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/meshes.h>
 
+#include <cmath>
+
 namespace tool {
 
 std::string Unprotected(const std::string& argument) {
@@ -71,8 +73,19 @@ void AddUnit(CLI::App& command, std::string& unit) {
 }
 
 void AddJobs(CLI::App& command, unsigned& jobs) {
-  command.add_option("--jobs", jobs, "Threads to use; by default as many as there are processors")
-      ->check(CLI::Range(1U, 256U).description(""))
+  constexpr unsigned kMostJobs = 256;
+  command
+      .add_option_function<std::string>(
+          "--jobs",
+          [&jobs](const std::string& text) {
+            const std::string number = Unprotected(text);
+            const auto parsed = ParseNumber(number);
+            if (!parsed || !(*parsed >= 1) || *parsed > kMostJobs || *parsed != std::floor(*parsed))
+              throw CLI::ValidationError("--jobs",
+                                         Quoted(number) + " is not a whole number from 1 to " + std::to_string(kMostJobs));
+            jobs = static_cast<unsigned>(*parsed);
+          },
+          "Threads to use; by default as many as there are processors")
       ->type_name("N");
 }
 

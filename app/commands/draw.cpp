@@ -85,6 +85,19 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<Ob
   }
 }
 
+// All of the model may lie behind one of its own faces: next to an eye that is in the material.
+void NoteUnseen(const std::vector<ViewLines>& views, bool centreLines, Progress& progress) {
+  for (const ViewLines& view : views) {
+    const bool isSeen = std::any_of(view.lines.begin(), view.lines.end(), [](const Line& line) { return !line.hidden; });
+    if (!isSeen && !view.section)
+      progress.Note(view.name + ": note: nothing of the model is seen" +
+                    (view.view.perspective ? ", as where the eye is within the material" : ""));
+    if (centreLines && view.centres.marks.empty() && view.centres.axes.empty())
+      progress.Note(view.name + (view.view.perspective ? ": note: perspectives have no centre lines"
+                                                       : ": note: no centre lines: no circle is seen face-on or from the side"));
+  }
+}
+
 void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
   for (const ViewLines& view : views) {
     if (!view.section) continue;
@@ -143,6 +156,7 @@ int RunDraw(const DrawOptions& options) {
   const Clock::time_point begin = Clock::now();
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
   NoteEmptyOutlines(views, objects.sources, progress);
+  NoteUnseen(views, options.centreLines, progress);
   NoteSections(views, progress);
   watch.Lap();
 

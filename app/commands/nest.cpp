@@ -3,6 +3,10 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/files.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 #include "app/commands/load.h"
 #include "app/commands/outputs.h"
 #include "app/io/output_files.h"
@@ -10,25 +14,35 @@
 namespace tool {
 namespace {
 
-std::string Line(const std::string& label, const ZBR_REGION& shape, std::size_t ring, int depth) {
+// What is less than the last digit of the largest coordinate is the rounding of an end of an arc, and told as 0.
+double RoundingOf(const std::vector<ZBR_PT>& points) {
+  double largest = 0.0;
+  for (const ZBR_PT& p : points) largest = std::max({largest, std::abs(p.x()), std::abs(p.y())});
+  return largest * std::numeric_limits<double>::epsilon();
+}
+
+std::string Line(const std::string& label, const ZBR_REGION& shape, std::size_t ring, int depth, double rounding) {
   const auto first = static_cast<std::size_t>(shape.ring_offsets()[ring]),
              end = static_cast<std::size_t>(shape.ring_offsets()[ring + 1]);
   ZBR_REGION alone;
   alone.AddRing(shape.points().data() + first, end - first);
+  const auto told = [&](double value) { return std::abs(value) <= rounding ? 0.0 : value; };
+  const ZBR_PT at(told(shape.points()[first].x()), told(shape.points()[first].y()));
   return label + ": depth " + std::to_string(depth) + ", " + std::to_string(end - first) + " points, area " +
-         NumberText(alone.area()) + ", at " + PointText(shape.points()[first]) + "\n";
+         NumberText(alone.area()) + ", at " + PointText(at) + "\n";
 }
 
 std::string List(const ZBR_REGION& shape) {
   std::vector<std::int32_t> depths, parents;
   zbrNestRegion(shape.view(), depths, parents);
+  const double rounding = RoundingOf(shape.points());
   std::string text;
   for (std::size_t i = 0; i < shape.polygon_count(); ++i) {
     const std::string number = std::to_string(i + 1);
     const auto first = static_cast<std::size_t>(shape.polygon_offsets()[i]);
     for (std::size_t r = first; r < static_cast<std::size_t>(shape.polygon_offsets()[i + 1]); ++r) {
       const std::string label = r == first ? "loop " + number : "  hole " + number + "." + std::to_string(r - first);
-      text += Line(label, shape, r, depths[r]);
+      text += Line(label, shape, r, depths[r], rounding);
     }
   }
   return text;

@@ -19,6 +19,7 @@
 
 #include "formats/drawings/svg_shapes.h"
 #include "formats/drawings/svg_values.h"
+#include "formats/pictures/svg_text.h"
 #include "formats/text/xml.h"
 
 namespace zbr::formats {
@@ -73,9 +74,15 @@ class SvgReader {
   Drawing Read() {
     const XmlElement& root = elements_.front();
     if (root.name != "svg") FailAt(drawing_.file, root.line, "is XML, but no SVG: it begins with " + Quoted(root.name));
+    if (root.Attribute(kContentAttribute) == kPictureContent)
+      throw Failure(drawing_.file,
+                    "is a picture of a result, with legend and frame; write the result as DXF, GeoJSON or WKT, too, and read that");
     Frame page = PageOf(root);
-    Inherit(root, page);
-    DrawChildren(root, page);
+    if (Inherit(root, page)) DrawChildren(root, page);
+    for (const XmlElement& element : elements_) {
+      if (element.name == "style") drawing_.LeaveOut("style sheet", element.line, false);
+    }
+    if (drawing_.paths.empty() && drawing_.leftOut.empty()) drawing_.LeaveOut("svg without shapes", root.line, false);
     return std::move(drawing_);
   }
 
@@ -139,8 +146,8 @@ class SvgReader {
     return page;
   }
 
-  // Takes over what an element says of itself and of what is in it.
-  void Inherit(const XmlElement& element, Frame& frame) {
+  // Takes over what an element says of itself and of what is in it; false where that does not tell its place.
+  bool Inherit(const XmlElement& element, Frame& frame) {
     if (const std::string_view fill = PropertyOf(element, "fill"); !fill.empty() && fill != "inherit")
       frame.isFilled = fill != "none";
     if (PropertyOf(element, "display") == "none") frame.isShown = false;
@@ -151,13 +158,17 @@ class SvgReader {
     const std::string_view transform = PropertyOf(element, "transform");
     if (!transform.empty()) {
       const std::optional<Affine> own = ParseSvgTransform(transform);
-      if (!own) FailAt(drawing_.file, element.line, "transform is malformed: " + Quoted(transform));
+      if (!own) {
+        drawing_.LeaveOut(element.name + " with a malformed transform", element.line, true);
+        return false;
+      }
       frame.map = frame.map.After(*own);
     }
     for (const char* const cutter : {"clip-path", "mask"}) {
       if (const std::string_view by = PropertyOf(element, cutter); !by.empty() && by != "none")
         drawing_.LeaveOut(cutter, element.line, true);
     }
+    return true;
   }
 
   void DrawChildren(const XmlElement& element, const Frame& frame) {
@@ -168,21 +179,13 @@ class SvgReader {
     if (++frame.depth > kDeepest) FailAt(drawing_.file, element.line, "elements and copies are nested too deeply");
     if (frame.copies > 0 && ++copied_ > kMostCopied)
       FailAt(drawing_.file, element.line, "copies of copies make more than a million elements");
-    if (IsSvgShape(element.name)) {
-      Inherit(element, frame);
-      return AddShape(element, frame);
-    }
-    if (IsAnyOf(element.name, {"g", "a", "switch"})) {
-      Inherit(element, frame);
-      return DrawChildren(element, frame);
-    }
-    if (element.name == "svg") {
-      Inherit(element, frame);
+    const bool isShape = IsSvgShape(element.name);
+    if (isShape || IsAnyOf(element.name, {"g", "a", "switch", "svg", "use"})) {
+      if (!Inherit(element, frame)) return;
+      if (isShape) return AddShape(element, frame);
+      if (element.name == "use") return DrawCopy(element, frame);
+      if (element.name != "svg") return DrawChildren(element, frame);
       return DrawView(element, LengthOf(element, "width"), LengthOf(element, "height"), frame);
-    }
-    if (element.name == "use") {
-      Inherit(element, frame);
-      return DrawCopy(element, frame);
     }
     if (IsAnyOf(element.name, {"text", "image", "foreignObject"})) drawing_.LeaveOut(element.name, element.line, false);
   }
@@ -216,7 +219,7 @@ class SvgReader {
     frame.map = frame.map.After(
         Affine::Move(ZBR_PT(x ? x->InUserUnits(frame.viewport.width) : 0.0, y ? y->InUserUnits(frame.viewport.height) : 0.0)));
     if (original.name != "symbol") return Draw(original, frame);
-    Inherit(original, frame);
+    if (!Inherit(original, frame)) return;
     const auto size = [&](const char* name) { return LengthOf(use, name) ? LengthOf(use, name) : LengthOf(original, name); };
     DrawView(original, size("width"), size("height"), frame);
   }

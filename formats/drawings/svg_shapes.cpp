@@ -23,14 +23,23 @@ class Lengths {
 
   double X(const char* name) { return Value(name, viewport_.width).value_or(0.0); }
   double Y(const char* name) { return Value(name, viewport_.height).value_or(0.0); }
-  std::optional<double> RadiusX(const char* name) { return Value(name, viewport_.width); }
-  std::optional<double> RadiusY(const char* name) { return Value(name, viewport_.height); }
+  double Width() { return Size("width", viewport_.width).value_or(0.0); }
+  double Height() { return Size("height", viewport_.height).value_or(0.0); }
+  std::optional<double> RadiusX(const char* name) { return Size(name, viewport_.width); }
+  std::optional<double> RadiusY(const char* name) { return Size(name, viewport_.height); }
   double Radius() {
-    return Value("r", std::sqrt((viewport_.width * viewport_.width + viewport_.height * viewport_.height) / 2)).value_or(0.0);
+    return Size("r", std::sqrt((viewport_.width * viewport_.width + viewport_.height * viewport_.height) / 2)).value_or(0.0);
   }
   bool AreGood() const { return good_; }
 
  private:
+  // A negative one is malformed.
+  std::optional<double> Size(const char* name, double whole) {
+    const std::optional<double> size = Value(name, whole);
+    good_ = good_ && !(size && *size < 0);
+    return size;
+  }
+
   std::optional<double> Value(const char* name, double whole) {
     const std::string& text = element_.Attribute(name);
     if (text.empty() || text == "auto") return std::nullopt;
@@ -60,7 +69,7 @@ std::vector<Path> WholeEllipse(double x, double y, double rx, double ry) {
 
 // Corners are quarters of an ellipse, where there are any.
 std::vector<Path> Rectangle(Lengths& lengths) {
-  const double x = lengths.X("x"), y = lengths.Y("y"), width = lengths.X("width"), height = lengths.Y("height");
+  const double x = lengths.X("x"), y = lengths.Y("y"), width = lengths.Width(), height = lengths.Height();
   const std::optional<double> rx = lengths.RadiusX("rx"), ry = lengths.RadiusY("ry");
   if (!(width > 0) || !(height > 0)) return {};
   const double a = std::clamp(rx.value_or(ry.value_or(0.0)), 0.0, width / 2);

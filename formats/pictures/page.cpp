@@ -75,8 +75,9 @@ std::string Font(double size, const char* colour, const char* more) {
 std::string PageStart(const PanelLayout& layout, const std::string& title) {
   const std::string size = Px(layout.width) + "\" height=\"" + Px(layout.height);
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-         "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" width=\"" +
-         size + "\" viewBox=\"0 0 " + Px(layout.width) + " " + Px(layout.height) +
+         "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" " +
+         std::string(kContentAttribute) + "=\"" + kPictureContent + "\" width=\"" + size + "\" viewBox=\"0 0 " + Px(layout.width) +
+         " " + Px(layout.height) +
          "\" font-family=\"Inter, 'Helvetica Neue', Helvetica, Arial, 'DejaVu Sans', sans-serif\" stroke-linejoin=\"round\">\n"
          "<title>" +
          Escaped(title) + "</title>\n<rect width=\"" + size + "\" fill=\"#ffffff\"/>\n" +

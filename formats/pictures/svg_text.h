@@ -10,6 +10,10 @@
 
 namespace zbr::formats {
 
+// What the root element of a picture with panels and a legend says, by which readers know it from a drawing.
+inline constexpr const char* kContentAttribute = "data-content";
+inline constexpr const char* kPictureContent = "picture";
+
 // Maps a drawing into a box that starts at the origin, y up becoming y down, centred and with equal scale on both axes.
 class PageMap {
  public:

@@ -2,12 +2,25 @@
 
 #include <cstddef>
 
+#include "formats/text/utf8.h"
+
 namespace zbr::formats {
 namespace {
 
 std::string Behind(const std::string& text, const std::string& mark, std::size_t from) {
   const std::size_t at = text.find(mark, from);
   return at == std::string::npos ? text : text.substr(at + mark.size());
+}
+
+// What was read last stands in the text, and may be anything.
+std::string Readable(const std::string& text) {
+  std::string readable;
+  for (std::size_t i = 0; i < text.size();) {
+    const Character character = CharacterAt(text, i);
+    readable += character.code < ' ' ? "?" : text.substr(i, character.length);
+    i += character.length;
+  }
+  return readable;
 }
 
 }  // namespace
@@ -20,7 +33,7 @@ std::string JsonCause(const std::string& what) {
     cause.resize(kLongest);
     cause += "...";
   }
-  return cause;
+  return Readable(cause);
 }
 
 }  // namespace zbr::formats

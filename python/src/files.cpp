@@ -106,9 +106,7 @@ PyObject* ReadRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObje
 PyObject* WriteRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<4> given("write_regions", {"format", "regions", "names", "unit"}, 4, args, count, keywords);
-    const std::string name = given.String(0, "");
-    CheckFormat(name);
-    const formats::Format format = formats::FormatByName(name);
+    const formats::Format format = formats::FormatByName(given.String(0, ""));
     if (format == formats::Format::kUnknown || format == formats::Format::kSvg)
       throw BadArgument("format", "one of dxf, geojson, wkt and text is needed");
     const std::vector<std::string> names = StringsOf(given.OrNull(2), "names");

@@ -87,3 +87,25 @@ def test_texts_and_widths():
     assert REGION.svg(width=np.int64(400)) == REGION.svg(width=400)
     with pytest.raises(ValueError, match="^width: "):
         REGION.svg(width=np.inf)
+
+
+def test_shapely_and_places_where_regions_are_taken(tmp_path):
+    """What has rings is taken as it is, closed or not; entries and masks that make no sense are named."""
+    polygon = REGION.to_shapely()
+    bow = type("Bow", (), {"__geo_interface__": {"type": "Polygon", "coordinates": [[(0, 0), (4, 4), (4, 0), (0, 5), (0, 0)]]}})()
+    assert zbr.check(polygon) == [] and [fault.kind for fault in zbr.check(bow)] == ["crossing"]
+    for regions in (polygon, {"a": polygon}):
+        zbr.write(tmp_path / "x.wkt", regions)
+        assert zbr.read(tmp_path / "x.wkt").area == REGION.area
+    with pytest.raises(ValueError, match="^format: one of dxf, geojson, wkt and text is"):
+        zbr.write("x.foo", REGION)
+    with pytest.raises((TypeError, ValueError), match=r"^regions\[1\]: "):
+        zbr.Regions.of([polygon, None])
+    many = zbr.Regions.of([zbr.Region([(0, 0), (k, 0), (0, k)]) for k in range(1, 5)])
+    mask = many.area > 2
+    assert many[mask].area.tolist() == many[[2, -1]].area.tolist() == [4.5, 8.0] and len(many[[]]) == 0
+    for wrong in (mask[:2], [[0]], [9]):
+        with pytest.raises(IndexError):
+            many[wrong]
+    with pytest.warns(UserWarning, match="cuts nothing"):
+        MESH.section("X=1000")

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import warnings
 from typing import Any, Iterable, Mapping, NamedTuple, Sequence
 
 import numpy as np
@@ -91,7 +92,10 @@ class Mesh(_zbr.Mesh):
         plane: "X=10", "Y=10" or "Z=10", seen as right, front and top are; "X=10..25": what lies between the two; "1,0,1=20": at
         this distance from the origin in this direction. draw_views() takes planes, too. Options as for draw().
         """
-        return self.draw(plane, hidden=hidden, **options)
+        drawing = self.draw(plane, hidden=hidden, **options)
+        if not np.any(drawing.kind == KINDS.index("cut")):
+            warnings.warn(f"{drawing.name}: the plane cuts nothing", stacklevel=2)
+        return drawing
 
     def survey(self) -> Survey:
         """Looks for what keeps the mesh from bounding bodies."""

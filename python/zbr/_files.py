@@ -72,14 +72,18 @@ def _read_unknown(file: str | os.PathLike[str], data: bytes | None) -> Any:
         raise unknown from None
 
 
-def write(path: str | os.PathLike[str], regions: Region | Mapping[str, Region], *, unit: str | None = None) -> None:
-    """Writes regions to a file, dxf, geojson, wkt or txt by its name; each of a mapping becomes a layer.
+def write(path: str | os.PathLike[str], regions: Any, *, unit: str | None = None) -> None:
+    """Writes a region to a file, dxf, geojson, wkt or txt by its name, or a mapping of names to regions, each of which becomes a
+    layer. Whatever has __geo_interface__ (shapely) is taken for a region.
 
     unit: mm, cm, m, in or another that the format can tell.
     """
-    if not isinstance(regions, (Region, Mapping)):
-        raise TypeError("regions: a Region or a mapping of names to them is needed")
-    layers = {"region": regions} if isinstance(regions, Region) else dict(regions)
+    layers = dict(regions) if isinstance(regions, Mapping) else {"region": regions}
+    for name, region in layers.items():
+        if hasattr(region, "__geo_interface__"):
+            layers[name] = Region.of(region)
+        elif not isinstance(region, Region):
+            raise TypeError("regions: a Region or a mapping of names to them is needed")
     place = place_of(path)
     kind = DRAWINGS.get(place.suffix[1:].lower(), "unknown")
     code = 0 if unit is None else _zbr.unit_code(unit)

@@ -169,7 +169,7 @@ class Regions(_zbr.Regions):
             return cls(*_zbr.arrays_of_arrow(*things.__arrow_c_array__()), fill=fill)
         if isinstance(things, (str, bytes)) or not isinstance(things, Iterable):
             raise TypeError("regions: a list of what Region.of() takes is needed")
-        return cls._concatenate(Region.of(thing, fill=fill) for thing in things)
+        return cls._concatenate(_entry(k, thing, fill) for k, thing in enumerate(things))
 
     def __arrow_c_schema__(self) -> object:
         return _zbr.arrow_schema()
@@ -181,10 +181,12 @@ class Regions(_zbr.Regions):
     @overload
     def __getitem__(self, index: int) -> Region: ...
     @overload
-    def __getitem__(self, index: slice) -> Regions: ...
-    def __getitem__(self, index: int | slice) -> Region | Regions:
+    def __getitem__(self, index: slice | NDArray[Any] | list[Any]) -> Regions: ...
+    def __getitem__(self, index: int | slice | NDArray[Any] | list[Any]) -> Region | Regions:
+        if isinstance(index, list) or (isinstance(index, np.ndarray) and index.ndim > 0):
+            return Regions._concatenate(self[i] for i in _places(index, len(self)))
         if not isinstance(index, slice):
-            return super().__getitem__(index)  # type: ignore[no-any-return]
+            return super().__getitem__(index)  # type: ignore[no-any-return, index]
         first, last, step = index.indices(len(self))
         if step != 1:
             return Regions.of(self[i] for i in range(first, last, step))
@@ -202,6 +204,24 @@ class Regions(_zbr.Regions):
 
     def __reduce__(self) -> tuple[Any, ...]:
         return _restore_regions, (self.coords, self.rings, self.polygons, self.regions)
+
+
+def _entry(k: int, thing: Any, fill: str) -> Region:
+    try:
+        return Region.of(thing, fill=fill)
+    except (TypeError, ValueError) as error:
+        error.args = (f"regions[{k}]: {error}",)
+        raise
+
+
+def _places(index: Any, count: int) -> NDArray[Any]:
+    """Places from a list or an array of them, or of what is true for those that are meant."""
+    places = np.asarray(index)
+    if places.dtype == bool and places.shape != (count,):
+        raise IndexError(f"index: a mask for {count} regions is needed, not of shape {places.shape}")
+    if places.ndim != 1:
+        raise IndexError(f"index: places in a row are needed, not of shape {places.shape}")
+    return np.flatnonzero(places) if places.dtype == bool else places
 
 
 def _restore_region(*arrays: Any) -> Region:
@@ -253,9 +273,12 @@ class Fault(NamedTuple):
 
 
 def check(coords: ArrayLike, rings: ArrayLike | None = None, *, most: int = 1_000_000) -> list[Fault]:
-    """The faults of rings, arrays as Region takes them. Touching is none. The search ends when `most` are found.
+    """The faults of rings, arrays as Region takes them, or of what has __geo_interface__ (shapely). Touching is none. The search
+    ends when `most` are found.
 
     >>> check([(0, 0), (4, 4), (4, 0), (0, 5)])
     [Fault(kind='crossing', place=(2.2222222222222223, 2.2222222222222223), ring_a=0, edge_a=0, ring_b=0, edge_b=2)]
     """
+    if rings is None and hasattr(coords, "__geo_interface__"):
+        coords, rings, _ = _geo.arrays_of(coords)
     return [Fault(f[0], (f[1], f[2]), *f[3:]) for f in _zbr.check(coords, rings, most=most)]
