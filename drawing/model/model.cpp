@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "drawing/model/edge_classes.h"
+#include "drawing/model/named_shells.h"
 #include "drawing/model/records.h"
 #include "drawing/model/rough_creases.h"
 #include "drawing/model/tangents.h"
@@ -33,6 +34,7 @@ struct Gathered {
   std::vector<ZBR_PT3> points;
   std::vector<Corners> triangles;
   std::vector<std::uint32_t> source;
+  std::vector<std::uint32_t> shell;  // numbers of those that the mesh names, if it does
 };
 
 // Joins the points of each object for itself: objects that touch stay objects. Returns where each point of the mesh went.
@@ -68,6 +70,7 @@ Gathered Gather(const Mesh& mesh, double weld, Model& model) {
     gathered.triangles.push_back(welded);
     gathered.source.push_back(static_cast<std::uint32_t>(k));
   }
+  if (!mesh.shells.empty()) gathered.shell = SeparateShells(mesh, gathered.source, gathered.triangles, gathered.points);
   return gathered;
 }
 
@@ -88,10 +91,12 @@ void Remove(const std::vector<std::uint32_t>& places, Gathered& gathered) {
       continue;
     }
     gathered.triangles[kept] = gathered.triangles[t];
+    if (!gathered.shell.empty()) gathered.shell[kept] = gathered.shell[t];
     gathered.source[kept++] = gathered.source[t];
   }
   gathered.triangles.resize(kept);
   gathered.source.resize(kept);
+  if (!gathered.shell.empty()) gathered.shell.resize(kept);
 }
 
 // Makes one shell of everything and returns its junctions. Two layers of the same triangles, as double-sided surfaces are often
@@ -180,7 +185,12 @@ void FillBody(Gathered& gathered, Model& model) {
   const std::vector<EdgeUse> junctions = FillWhole(gathered, filler, model);
   model.pointCount = static_cast<std::size_t>(model.Shell(0).GetVertexCnt());
   std::uint32_t count = 0;
-  std::vector<std::uint32_t> shell = NumberParts(model.Shell(0), junctions, count);
+  std::vector<std::uint32_t> shell = std::move(gathered.shell);
+  if (shell.empty()) {
+    shell = NumberParts(model.Shell(0), junctions, count);
+  } else {
+    count = *std::max_element(shell.begin(), shell.end()) + 1;
+  }
   model.shellBegin.assign(count + 1, 0);
   SortByShell(shell, gathered, model);
   if (count != 1) FillShells(gathered, count, filler, model);

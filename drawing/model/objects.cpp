@@ -37,6 +37,14 @@ void Append(Mesh mesh, Mesh& all) {
     for (std::uint32_t& corner : triangle) corner += shift;
     all.triangles.push_back(triangle);
   }
+  all.shells.insert(all.shells.end(), mesh.shells.begin(), mesh.shells.end());
+}
+
+bool SaysOfShells(const Mesh& mesh) {
+  if (mesh.shells.empty()) return false;
+  if (mesh.shells.size() == mesh.triangles.size()) return true;
+  throw Failure("there are " + std::to_string(mesh.triangles.size()) + " triangles, but numbers of shells for " +
+                std::to_string(mesh.shells.size()));
 }
 
 // Those without triangles, too: points are welded by object.
@@ -65,6 +73,7 @@ void CheckMesh(const Mesh& mesh) {
     if (!IsMeshCoordinate(mesh.points[i]))
       throw Failure("a coordinate of point " + std::to_string(i) + " is too large or no number");
   }
+  SaysOfShells(mesh);
   CheckObjects(mesh);
   std::size_t object = 0, firstPoint = 0, lastPoint = mesh.points.size();
   for (std::size_t t = 0; t < mesh.triangles.size(); ++t) {
@@ -81,6 +90,8 @@ void CheckMesh(const Mesh& mesh) {
 }
 
 void AddObject(Objects& objects, Mesh mesh, ObjectSource source) {
+  if (SaysOfShells(mesh) != SaysOfShells(objects.mesh) && !mesh.triangles.empty() && !objects.mesh.triangles.empty())
+    throw Failure(source.name, "either all objects say which shells their triangles are of, or none does");
   // Asked before the points are moved: sums are no single-precision numbers any more, but as inexact.
   const double rounding = std::max(objects.mesh.rounding, mesh.rounding < 0 ? RoundingOf(mesh.points) : mesh.rounding);
   Move(mesh, source);

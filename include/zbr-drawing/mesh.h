@@ -33,6 +33,10 @@ struct Mesh {
   bool yUp = false;                 // the format says that y points up; most say nothing, and z is taken
   std::vector<MeshObject> objects;  // ascending from 0, 0; triangles use points of their own object only; none: all is one
 
+  // Which shell each triangle is of, by any numbers; the same number in two objects is two shells. None: what hangs together by
+  // edges is a shell. With numbers, points are joined within shells only.
+  std::vector<std::uint32_t> shells;
+
   // The distance between neighbouring values that coordinates are rounded to, 0 where they are exact. Negative: RoundingOf tells.
   double rounding = -1.0;
 };
@@ -46,8 +50,8 @@ bool IsMeshCoordinate(const ZBR_PT3& p);
 double RoundingOf(const std::vector<ZBR_PT3>& points);
 
 // Adds the polygon's triangles to the mesh; the corners are places of its points, counter-clockwise seen from outside. What is too
-// crooked to be taken apart, or without area, becomes a fan; fewer than three corners add nothing. Fails for a corner that is no
-// point of the mesh.
+// crooked to be taken apart, or without area, becomes a fan; fewer than three corners add nothing. Which shell they are of is left
+// to the caller. Fails for a corner that is no point of the mesh.
 void AddPolygon(Mesh& mesh, const std::vector<std::uint32_t>& corners);
 
 // Fails, saying which triangle or point it is, unless the mesh is as promised above. MakeModel asks for this.

@@ -55,9 +55,9 @@ struct EdgeNote {
 
 // Triangles are numbered through all shells: triangle t of shell s has the number shellBegin[s] + t. Edges are likewise.
 struct Model {
-  // A shell is what hangs together by edges other than junctions. Shells are in the order of their first triangles in the mesh; so
-  // are the triangles of a shell, whose vertices are in the order in which triangles need them. An edge shows if it is drawn in
-  // every view.
+  // A shell is what hangs together by edges other than junctions, or what the mesh says is one. Shells are in the order of their
+  // first triangles in the mesh; so are the triangles of a shell, whose vertices are in the order in which triangles need them. An
+  // edge shows if it is drawn in every view.
   ZBR_ZBREPB body;
   std::vector<std::uint32_t> shellBegin{0};  // of triangles; one more than shells
   std::vector<std::uint32_t> edgeBegin{0};

@@ -23,7 +23,7 @@ struct Objects {
 };
 
 // Moves the mesh by the source's shift and adds it as one object. Fails when the shift carries points out of range, or when there
-// are more than kMostMeshPoints.
+// are more than kMostMeshPoints, or when it has numbers of shells and the other objects do not, or the other way round.
 void AddObject(Objects& objects, Mesh mesh, ObjectSource source);
 
 }  // namespace zbr::drawing
