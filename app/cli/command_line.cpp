@@ -76,7 +76,9 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
   AddNumber(command, "--deviation", kLength, input.flatten.deviation,
             "Largest distance of a flattened arc from the true one; by default 1/10000 of the larger side of all drawings read");
   AddNumber(command, "--join", kLength, input.flatten.join,
-            "Join ends of DXF lines and arcs that are at most this far apart; by default 1/1000000 of the larger side");
+            "Join ends of DXF lines and arcs that are at most this far apart, and with --faces all draw those on that stop so far "
+            "short of "
+            "another line; by default 1/1000000 of the larger side");
   command
       .add_option_function<std::string>(
           "--faces",

@@ -19,6 +19,7 @@
 
 #include "drawing/contours/carriers.h"
 #include "drawing/contours/chords.h"
+#include "drawing/contours/short_ends.h"
 
 namespace zbr::drawing {
 namespace {
@@ -84,6 +85,7 @@ Work Joined(Drawing& drawing, const FlattenOptions& options, Contours& contours)
     LineWork joined = JoinPaths(std::move(drawing.paths), options.join, options.faces);
     std::vector<Path>& all = work.pieces.emplace_back(std::move(joined.contours));
     for (std::vector<Path>& piece : joined.pieces) std::move(piece.begin(), piece.end(), std::back_inserter(all));
+    LeadShortEnds(all, options.join, options.deviation);
     return work;
   }
   if (!drawing.joinsEnds) return {std::move(drawing.paths), {}};

@@ -20,7 +20,7 @@ enum class LineFaces { kRings, kOuter, kAll };
 
 struct FlattenOptions {
   double deviation = 0.0;  // largest distance between a curve and its chords
-  double join = 0.0;       // ends at most this far apart belong together
+  double join = 0.0;       // ends at most this far apart belong together; with all faces, an end and the middle of an edge, too
   LineFaces faces = LineFaces::kRings;
   bool pens = false;  // edges know what they are drawn with
 };

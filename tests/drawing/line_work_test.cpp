@@ -98,6 +98,39 @@ TEST(LineWork, NamedCases_AnyOrder) {
   ExpectAlways(paths, 850, 2, 1);  // a bridge to a loop
 }
 
+// Trimmed lines that were written with few digits end short of a line, an arc and a circle; others end beyond them or exactly
+// there.
+TEST(LineWork, EndsShortOfTheMiddle_AreLedOn) {
+  constexpr double kGap = 1e-5;
+  const auto expectCells = [](const std::vector<Path>& paths, std::size_t cells, double area, double join) {
+    ZBR_REGION first;
+    for (unsigned seed = 0; seed < 50; ++seed) {
+      const Contours all = ContoursOf(Shuffled(paths, seed), LineFaces::kAll, join);
+      ASSERT_EQ(all.rings.empty() ? 0U : static_cast<std::size_t>(all.rings.back().polygon) + 1, cells) << "seed " << seed;
+      const Region region = MakeRegion(all);
+      ASSERT_NEAR(CurvedShape(region).Area(), area, 1e-3) << "seed " << seed;
+      if (seed == 0) first = ValidShape(region);
+      ASSERT_EQ(ValidShape(region), first) << "seed " << seed;
+    }
+  };
+  for (const double gap : {kGap, 1e-9, 0.0, -kGap}) {
+    SCOPED_TRACE(gap);
+    // A room of three lines on a wall, divided by a line that ends on a wall on either side.
+    std::vector<Path> paths = {Line({{-5, 0}, {45, 0}}), Line({{0, gap}, {0, 20}}), Line({{0, 20}, {40, 20}}),
+                               Line({{40, 20}, {40, gap}}), Line({{10, gap}, {20, 20 - gap}})};
+    expectCells(paths, 2, 800, 1e-4);
+    if (gap >= kGap) expectCells(paths, 0, 0, 1e-6);
+    // An arc that a line closes, and a whole circle that another line divides.
+    Path whole = HalfCircle({0, 0}, 20, 0);
+    whole.curves[0].t1 = 2 * kPi;
+    whole.points.pop_back();
+    whole.closed = true;
+    paths = {HalfCircle({60, 0}, 10, -kPi / 2), Line({{60 + gap, -11}, {60 + gap, 11}}),
+             Line({{60 + gap, 2}, {60 + std::sqrt(96.0) - gap, 2}}), whole, Line({{gap - 12, 16}, {12 - gap, gap - 16}})};
+    expectCells(paths, 4, 450 * kPi, 1e-4);
+  }
+}
+
 // The edges of closed paths, cut somewhere, each a path of its own.
 std::vector<Path> Cut(const std::vector<Path>& rings, std::mt19937& engine) {
   std::vector<Path> cut;
