@@ -98,7 +98,7 @@ class ShortEnds {
       for (const Foot& foot : end.feet) cuts[{foot.edge.path, foot.edge.edge}].push_back(foot);
     }
     // From the last edge to the first: cuts do not change the numbers of those before.
-    for (auto cut = cuts.rbegin(); cut != cuts.rend(); ++cut) CutEdge(cut->first.first, cut->first.second, cut->second);
+    std::for_each(cuts.rbegin(), cuts.rend(), [&](auto& cut) { CutEdge(cut.first.first, cut.first.second, cut.second); });
     for (const End& end : ends_) {
       if (FallsShort(end)) Draw(end);
     }
@@ -240,7 +240,9 @@ class ShortEnds {
     std::erase_if(feet, [&](const Foot& foot) { return IsSame(foot.at, from) || IsSame(foot.at, to); });
     feet.erase(std::unique(feet.begin(), feet.end(), [](const Foot& a, const Foot& b) { return IsSame(a.at, b.at); }), feet.end());
     const auto here = static_cast<std::ptrdiff_t>(edge);
-    for (auto foot = feet.rbegin(); foot != feet.rend(); ++foot) path.points.insert(path.points.begin() + here + 1, foot->at);
+    std::vector<ZBR_PT> places;
+    for (const Foot& foot : feet) places.push_back(foot.at);
+    path.points.insert(path.points.begin() + here + 1, places.begin(), places.end());
     if (!path.pens.empty()) path.pens.insert(path.pens.begin() + here, feet.size(), path.pens[edge]);
     std::vector<Curve> curves;
     for (const Curve& curve : path.curves) {
