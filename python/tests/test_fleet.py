@@ -21,7 +21,7 @@ import draw_fleet  # noqa: E402
 import overlay_tiles  # noqa: E402
 
 
-@pytest.fixture(scope="module")
+@pytest.fixture  # of its own for each test, as one kills a worker
 def client():
     os.environ["PYTHONPATH"] = str(EXAMPLES / "fleet")  # for workers to find the functions
     with distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as cluster, distributed.Client(cluster) as client:
@@ -62,7 +62,6 @@ def test_a_full_disk_leaves_no_half_sheets(client, tmp_path):
     models.mkdir()
     for k in range(3):
         shutil.copy(EXAMPLES / "house.obj", models / f"{k}.obj")
-    client.wait_for_workers(2)  # one may have been killed just now
     client.run(fill_disk, 2000)
     failed = draw_fleet.run(client, draw_fleet.missing(models, sheets), ["iso"], 60)
     assert len(failed) == 3 and all("OSError" in reason for reason in failed.values()) and not list(sheets.iterdir())
