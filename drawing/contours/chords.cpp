@@ -44,14 +44,12 @@ class ChordMaker {
   }
 
  private:
-  std::size_t EdgesOf(const Path& path) const { return path.points.size() - (path.closed || path.points.empty() ? 0 : 1); }
-
   // The straight edges of all paths, and the curves, each in the order of the paths.
   void Collect() {
     std::vector<const Curve*> curves;
     for (const Path* const path : paths_) {
       auto curve = path->curves.begin();
-      for (std::size_t i = 0; i < EdgesOf(*path); ++i) {
+      for (std::size_t i = 0; i < path->EdgeCount(); ++i) {
         if (curve != path->curves.end() && curve->at == i) {
           curves.push_back(&*curve++);
         } else {
@@ -86,7 +84,7 @@ class ChordMaker {
     for (const Path* const path : paths_) {
       ChordLine& chords = drawn_.emplace_back();
       auto curve = path->curves.begin();
-      for (std::size_t i = 0; i < EdgesOf(*path); ++i) {
+      for (std::size_t i = 0; i < path->EdgeCount(); ++i) {
         if (curve != path->curves.end() && curve->at == i) {
           DrawCurve(stretches_[stretch++], path->points[i], path->points[(i + 1) % path->points.size()], chords);
           ++curve;
@@ -135,7 +133,7 @@ class ChordMaker {
     };
     const std::size_t first = chords.origins.size();
     if (!stretch.isWhole) {
-      if (from.x() != stretch.from.x() || from.y() != stretch.from.y()) DrawGap(from, chords);
+      if (!AreIdentical(from, stretch.from)) DrawGap(from, chords);
       add(stretch.from, stretch.t0);
     }
     for (const CurveVertex& vertex : vertices) add(vertex.at, vertex.t);
@@ -144,7 +142,7 @@ class ChordMaker {
     for (std::size_t i = chords.origins.size(); i-- > first;) {
       if (chords.origins[i].curve >= 0) chords.origins[i].t1 = std::exchange(end, chords.origins[i].t0);
     }
-    if (!stretch.isWhole && (to.x() != stretch.to.x() || to.y() != stretch.to.y())) DrawGap(stretch.to, chords);
+    if (!stretch.isWhole && !AreIdentical(to, stretch.to)) DrawGap(stretch.to, chords);
   }
 
   static void DrawGap(const ZBR_PT& from, ChordLine& chords) {

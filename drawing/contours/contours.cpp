@@ -37,9 +37,7 @@ void CheckFinite(const std::vector<ZBR_PT>& points, const std::string& file, std
 // A contour that states its first point again at the end closes there.
 void CloseExactly(Path& path) {
   if (path.closed || path.points.size() < 2) return;
-  const ZBR_PT& first = path.points.front();
-  const ZBR_PT& last = path.points.back();
-  if (first.x() != last.x() || first.y() != last.y()) return;
+  if (!AreIdentical(path.points.front(), path.points.back())) return;
   path.points.pop_back();
   path.closed = true;
 }
@@ -59,7 +57,7 @@ class PenList {
       Pen pen{std::string(path.layer), std::string(path.lineType), path.colour};
       const auto [at, isNew] = places_.try_emplace({pen.layer, pen.lineType, pen.colour}, static_cast<std::int32_t>(pens_.size()));
       if (isNew) pens_.push_back(std::move(pen));
-      path.pens.assign(path.points.size() - (path.closed || path.points.empty() ? 0 : 1), at->second);
+      path.pens.assign(path.EdgeCount(), at->second);
     }
   }
   std::vector<Pen> Take() { return std::move(pens_); }

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/points.h"
 
 namespace zbr::drawing {
 namespace {
@@ -27,10 +28,6 @@ bool HasEnds(const Path& path) {
 
 bool IsStraight(const Path& path) {
   return path.points.size() == 2 && path.curves.empty();
-}
-
-bool IsLess(const ZBR_PT& a, const ZBR_PT& b) {
-  return a.x() != b.x() ? a.x() < b.x() : a.y() < b.y();
 }
 
 // How far a path goes from where it starts.
@@ -86,7 +83,7 @@ class NodeFinder {
     spotOf_.assign(2 * paths_.size(), EndNodes::kNoNode);
     for (const std::size_t end : ends) {
       const ZBR_PT& p = PointOf(end);
-      if (spots_.empty() || spots_.back().x() != p.x() || spots_.back().y() != p.y()) {
+      if (spots_.empty() || !AreIdentical(spots_.back(), p)) {
         spots_.push_back(p);
         ends_.push_back(0);
         isDrawn_.push_back(false);

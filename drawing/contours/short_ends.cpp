@@ -17,6 +17,7 @@
 
 #include "drawing/contours/carriers.h"
 #include "drawing/contours/meetings.h"
+#include "drawing/points.h"
 
 namespace zbr::drawing {
 namespace {
@@ -44,28 +45,10 @@ struct End {
   std::vector<Foot> feet;  // the nearest one, on every edge that has it
 };
 
-std::size_t EdgesOf(const Path& path) {
-  return path.points.size() - (path.closed || path.points.empty() ? 0 : 1);
-}
-
 const Curve* CurveOf(const Path& path, std::size_t edge) {
   const auto found = std::lower_bound(path.curves.begin(), path.curves.end(), edge,
                                       [](const Curve& curve, std::size_t at) { return curve.at < at; });
   return found != path.curves.end() && found->at == edge ? &*found : nullptr;
-}
-
-bool IsLess(const ZBR_PT& a, const ZBR_PT& b) {
-  return std::pair(a.x(), a.y()) < std::pair(b.x(), b.y());
-}
-
-bool IsSame(const ZBR_PT& a, const ZBR_PT& b) {
-  return a.x() == b.x() && a.y() == b.y();
-}
-
-double PartOf(const ZBR_PT& p, const ZBR_PT& from, const ZBR_PT& to) {
-  const ZBR_PT d = to - from;
-  const double length2 = d.Length2();
-  return length2 > 0 ? std::clamp((p - from).InnerProduct(d) / length2, 0.0, 1.0) : 0.0;
 }
 
 class ShortEnds {
@@ -90,7 +73,7 @@ class ShortEnds {
     CollectEnds();
     if (ends_.empty()) return;
     for (std::size_t i = 0; i < paths_.size(); ++i) {
-      for (std::size_t e = 0; e < EdgesOf(paths_[i]); ++e) MeasureFrom({i, e});
+      for (std::size_t e = 0; e < paths_[i].EdgeCount(); ++e) MeasureFrom({i, e});
     }
     std::map<std::pair<std::size_t, std::size_t>, std::vector<Foot>> cuts;
     for (End& end : ends_) {
@@ -125,7 +108,8 @@ class ShortEnds {
     }
     std::sort(all.begin(), all.end(), [](const End& a, const End& b) { return IsLess(a.at, b.at); });
     for (std::size_t i = 0; i < all.size(); ++i) {
-      if ((i > 0 && IsSame(all[i - 1].at, all[i].at)) || (i + 1 < all.size() && IsSame(all[i + 1].at, all[i].at))) continue;
+      if ((i > 0 && AreIdentical(all[i - 1].at, all[i].at)) || (i + 1 < all.size() && AreIdentical(all[i + 1].at, all[i].at)))
+        continue;
       all[i].before = Before(all[i]);
       ends_.push_back(all[i]);
     }
@@ -177,7 +161,7 @@ class ShortEnds {
     if (end.path == id.path && end.edge == id.edge) return true;
     const EdgeId own{end.path, end.edge};
     const ZBR_PT start = end.isLast ? From(own) : To(own);
-    const bool sharesStart = IsSame(start, From(id)) || IsSame(start, To(id));
+    const bool sharesStart = AreIdentical(start, From(id)) || AreIdentical(start, To(id));
     const bool isStraight = curve == nullptr && CurveOf(paths_[end.path], end.edge) == nullptr;
     return sharesStart && (isStraight || start.Distance(end.at) <= tolerance_);
   }
@@ -186,7 +170,7 @@ class ShortEnds {
     ZBR_PT from = From(id), to = To(id);
     const bool isTurned = IsLess(to, from);
     if (isTurned) std::swap(from, to);
-    const double t = PartOf(p, from, to);
+    const double t = NearestPart(p, from, to);
     return AtEnds({id, isTurned ? 1 - t : t, from + (to - from) * t, to - from});
   }
 
@@ -194,7 +178,7 @@ class ShortEnds {
     double best = std::numeric_limits<double>::infinity(), t = ts.front();
     for (std::size_t k = 0; k + 1 < ts.size(); ++k) {
       const ZBR_PT a = curve.At(ts[k]), b = curve.At(ts[k + 1]);
-      const double part = PartOf(p, a, b), distance = (a + (b - a) * part).Distance(p);
+      const double part = NearestPart(p, a, b), distance = (a + (b - a) * part).Distance(p);
       if (distance >= best) continue;
       best = distance;
       t = ts[k] + (ts[k + 1] - ts[k]) * part;
@@ -218,7 +202,7 @@ class ShortEnds {
     const bool isNearer = end.feet.empty() || std::tuple(distance, foot.at.x(), foot.at.y()) <
                                                   std::tuple(end.distance, end.feet.front().at.x(), end.feet.front().at.y());
     if (isNearer) end.feet.clear();
-    if (!isNearer && !IsSame(foot.at, end.feet.front().at)) return;
+    if (!isNearer && !AreIdentical(foot.at, end.feet.front().at)) return;
     end.distance = distance;
     end.feet.push_back(foot);
   }
@@ -237,8 +221,9 @@ class ShortEnds {
     const Curve* const found = CurveOf(path, edge);
     const bool isBack = found != nullptr && found->t1 < found->t0;
     std::sort(feet.begin(), feet.end(), [&](const Foot& a, const Foot& b) { return isBack ? b.t < a.t : a.t < b.t; });
-    std::erase_if(feet, [&](const Foot& foot) { return IsSame(foot.at, from) || IsSame(foot.at, to); });
-    feet.erase(std::unique(feet.begin(), feet.end(), [](const Foot& a, const Foot& b) { return IsSame(a.at, b.at); }), feet.end());
+    std::erase_if(feet, [&](const Foot& foot) { return AreIdentical(foot.at, from) || AreIdentical(foot.at, to); });
+    feet.erase(std::unique(feet.begin(), feet.end(), [](const Foot& a, const Foot& b) { return AreIdentical(a.at, b.at); }),
+               feet.end());
     const auto here = static_cast<std::ptrdiff_t>(edge);
     std::vector<ZBR_PT> places;
     for (const Foot& foot : feet) places.push_back(foot.at);

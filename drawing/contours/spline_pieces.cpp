@@ -141,9 +141,8 @@ class WholesFinder {
   }
 
   static bool IsSame(const Spline& a, const Spline& b) {
-    const auto isSame = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); };
     return a.degree == b.degree && a.knots == b.knots && a.weights == b.weights &&
-           std::equal(a.control.begin(), a.control.end(), b.control.begin(), b.control.end(), isSame);
+           std::equal(a.control.begin(), a.control.end(), b.control.begin(), b.control.end(), AreIdentical);
   }
 
   // Between any two knots of either. Ends of these stretches are left out, as splines may leap there.

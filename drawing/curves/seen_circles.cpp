@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "drawing/points.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -60,12 +62,11 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
   if (!seen.isCurve) return;
 
   const ZBR_PT3 &start = VertexOf(record, edge).GetPt(), &end = VertexOf(record, (edge + 1) % 3).GetPt();
-  const ZBR_PT a = scene_.FromModel(start).xy(), along = scene_.FromModel(end).xy() - a;
+  const ZBR_PT a = scene_.FromModel(start).xy(), b = scene_.FromModel(end).xy();
   const ZBR_PT3& centre = circles_->all[circle].centre;
   const ZBR_PT3 from = start - centre, to = end - centre;
   const auto angle = [&](const ZBR_PT& p) {
-    const double length2 = along.Length2();
-    const double t = length2 > 0 ? std::clamp((p - a).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;
+    const double t = NearestPart(p, a, b);
     const ZBR_PT3 q = from * (1.0 - t) + to * t;
     return Atan2(q.InnerProduct(seen.y), q.InnerProduct(seen.x));
   };

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "drawing/points.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -26,10 +28,7 @@ struct Ring {
 };
 
 double Distance(const ZBR_PT& p, const ZBR_PT& from, const ZBR_PT& to) {
-  const ZBR_PT along = to - from;
-  const double length2 = along.Length2();
-  const double part = length2 > 0 ? std::clamp((p - from).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;
-  return p.Distance(from + along * part);
+  return p.Distance(from + (to - from) * NearestPart(p, from, to));
 }
 
 class RingSimplifier {

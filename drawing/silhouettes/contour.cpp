@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "drawing/curves/seen_circles.h"
+#include "drawing/points.h"
 #include "drawing/views/chains.h"
 
 namespace zbr::drawing {
@@ -42,10 +43,7 @@ double WidthOf(const ZBR_HL_TRI& t) {
 }
 
 ZBR_PT NearestOn(const ZBR_SEG& segment, const ZBR_PT& p) {
-  const ZBR_PT along = segment.e() - segment.s();
-  const double length2 = along.InnerProduct(along);
-  const double t = length2 > 0 ? std::clamp((p - segment.s()).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;
-  return segment.s() + along * t;
+  return segment.s() + (segment.e() - segment.s()) * NearestPart(p, segment.s(), segment.e());
 }
 
 // Looks up what is drawn near a place, by square cells as large as the longest way that is looked.

@@ -17,16 +17,13 @@
 namespace zbr::formats {
 namespace {
 
+using drawing::AreIdentical;
 using drawing::Curve;
 using drawing::Path;
 using drawing::Spline;
 
 // Half a chord by the radius, below which an arc is its chord: it leaves it by less than its coordinates can tell.
 constexpr double kFlattestArc = 1e-8;
-
-bool IsSame(const ZBR_PT& a, const ZBR_PT& b) {
-  return a.x() == b.x() && a.y() == b.y();
-}
 
 class PathReader {
  public:
@@ -122,7 +119,7 @@ void SvgPathMaker::Start() {
 
 void SvgPathMaker::LineTo(const ZBR_PT& p) {
   Start();
-  if (!IsSame(p, current_)) paths_.back().points.push_back(p);
+  if (!AreIdentical(p, current_)) paths_.back().points.push_back(p);
   current_ = p;
 }
 
@@ -136,7 +133,7 @@ void SvgPathMaker::AddCurve(Curve curve, const ZBR_PT& end) {
 }
 
 void SvgPathMaker::BezierTo(const std::vector<ZBR_PT>& controls) {
-  if (std::all_of(controls.begin(), controls.end(), [&](const ZBR_PT& p) { return IsSame(p, current_); })) return;
+  if (std::all_of(controls.begin(), controls.end(), [&](const ZBR_PT& p) { return AreIdentical(p, current_); })) return;
   Spline spline;
   spline.degree = static_cast<int>(controls.size());
   spline.control = {current_};
@@ -152,7 +149,7 @@ void SvgPathMaker::BezierTo(const std::vector<ZBR_PT>& controls) {
 void SvgPathMaker::ArcTo(double rx, double ry, double degrees, bool isLarge, bool isPositive, const ZBR_PT& p) {
   rx = std::abs(rx);
   ry = std::abs(ry);
-  if (IsSame(p, current_) || rx == 0 || ry == 0) return LineTo(p);
+  if (AreIdentical(p, current_) || rx == 0 || ry == 0) return LineTo(p);
   const ZBR_PT axis = drawing::Direction(degrees), half = (current_ - p) * 0.5;
   ZBR_PT h(half.InnerProduct(axis) / rx, axis.OuterProduct(half) / ry);  // from the middle to the start, on the circle of radius 1
   if (const double length = h.Length(); length > 1) {
@@ -179,7 +176,7 @@ void SvgPathMaker::Close() {
   if (isOpen_) {
     Path& path = paths_.back();
     path.closed = true;
-    if (path.points.size() > 1 && IsSame(path.points.back(), path.points.front())) path.points.pop_back();
+    if (path.points.size() > 1 && AreIdentical(path.points.back(), path.points.front())) path.points.pop_back();
   }
   isOpen_ = false;
   current_ = start_;

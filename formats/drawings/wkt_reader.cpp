@@ -198,7 +198,7 @@ class WktReader {
     constexpr double kFlat = 1e-9;
     const ZBR_PT a = middle - from, b = to - from;
     const double turn = a.OuterProduct(b);
-    const bool isWhole = from.x() == to.x() && from.y() == to.y();
+    const bool isWhole = AreIdentical(from, to);
     if (!isWhole && std::abs(turn) <= kFlat * a.Length() * b.Length()) return false;
     const ZBR_PT centre =
         isWhole ? a * 0.5

@@ -177,9 +177,8 @@ void DxfEntities::TakeSolid(const DxfRecord& entity) {
   Path path;
   path.closed = true;
   path.points = {first.xy(), entity.Point(11).xy(), entity.Point(13, third).xy(), third.xy()};
-  const auto isSame = [](const ZBR_PT& a, const ZBR_PT& b) { return a.x() == b.x() && a.y() == b.y(); };
-  path.points.erase(std::unique(path.points.begin(), path.points.end(), isSame), path.points.end());
-  if (isSame(path.points.front(), path.points.back())) path.points.pop_back();
+  path.points.erase(std::unique(path.points.begin(), path.points.end(), AreIdentical), path.points.end());
+  if (AreIdentical(path.points.front(), path.points.back())) path.points.pop_back();
   if (path.points.size() < 3) return WithoutSize(entity);
   AddInPlane(std::move(path), entity, plane, first.z());
 }

@@ -26,9 +26,8 @@ Path PathOf(const std::vector<WideVertex>& vertices, bool closed) {
 }
 
 bool HasSize(const std::vector<WideVertex>& vertices) {
-  return std::any_of(vertices.begin(), vertices.end(), [&](const WideVertex& vertex) {
-    return vertex.at.x() != vertices[0].at.x() || vertex.at.y() != vertices[0].at.y();
-  });
+  return std::any_of(vertices.begin(), vertices.end(),
+                     [&](const WideVertex& vertex) { return !AreIdentical(vertex.at, vertices[0].at); });
 }
 
 }  // namespace

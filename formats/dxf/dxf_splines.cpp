@@ -10,10 +10,6 @@
 namespace zbr::formats {
 namespace {
 
-bool IsSame(const ZBR_PT& a, const ZBR_PT& b) {
-  return a.x() == b.x() && a.y() == b.y();
-}
-
 // Rows: before * x[i - 1] + middle * x[i] + after * x[i + 1] = right. Diagonally dominant, so no exchange of rows is needed.
 struct Rows {
   std::vector<double> before, middle, after;
@@ -107,11 +103,11 @@ Spline SplineOf(const DxfRecord& entity) {
 
 Spline SplineThrough(std::vector<ZBR_PT> points, const std::optional<ZBR_PT>& startDirection,
                      const std::optional<ZBR_PT>& endDirection, bool isSmoothAllRound) {
-  points.erase(std::unique(points.begin(), points.end(), IsSame), points.end());
+  points.erase(std::unique(points.begin(), points.end(), AreIdentical), points.end());
   std::vector<double> lengths;
   for (std::size_t i = 1; i < points.size(); ++i) lengths.push_back(points[i].Distance(points[i - 1]));
   const bool closed =
-      isSmoothAllRound && points.size() > 3 && IsSame(points.front(), points.back()) && !startDirection && !endDirection;
+      isSmoothAllRound && points.size() > 3 && AreIdentical(points.front(), points.back()) && !startDirection && !endDirection;
   const std::vector<ZBR_PT> velocities =
       closed ? ClosedVelocities(points, lengths) : OpenVelocities(points, lengths, startDirection, endDirection);
   Spline spline;
@@ -161,8 +157,8 @@ void DxfEntities::TakeSpline(const DxfRecord& entity) {
     if (points.empty()) return Malformed(entity);
     constexpr int kClosed = 1;
     const bool isClosed = (entity.Integer(70) & kClosed) != 0;
-    if (isClosed && !IsSame(points.front(), points.back())) points.push_back(points.front());
-    if (std::all_of(points.begin(), points.end(), [&](const ZBR_PT& p) { return IsSame(p, points[0]); }))
+    if (isClosed && !AreIdentical(points.front(), points.back())) points.push_back(points.front());
+    if (std::all_of(points.begin(), points.end(), [&](const ZBR_PT& p) { return AreIdentical(p, points[0]); }))
       return WithoutSize(entity);
     spline = SplineThrough(std::move(points), UnitDirection(entity, 12), UnitDirection(entity, 13), isClosed);
   }

@@ -45,7 +45,7 @@ std::vector<Edge> LeftBorder(const std::vector<WideVertex>& vertices, bool close
   std::vector<Edge> edges;
   for (std::size_t i = 0; i + (closed ? 0 : 1) < vertices.size(); ++i) {
     const ZBR_PT& next = vertices[(i + 1) % vertices.size()].at;
-    if (next.x() != vertices[i].at.x() || next.y() != vertices[i].at.y()) edges.push_back(BorderOf(vertices[i], next));
+    if (!AreIdentical(next, vertices[i].at)) edges.push_back(BorderOf(vertices[i], next));
   }
   return edges;
 }

@@ -95,7 +95,7 @@ void AppendCurve(std::string& text, const Curve& curve, const ZBR_PT& to, const 
 }
 
 void AppendPath(std::string& text, const Path& path, const PageMap& map) {
-  const std::size_t edges = path.points.size() - (path.closed ? 0 : 1);
+  const std::size_t edges = path.EdgeCount();
   auto curve = path.curves.begin();
   AppendPoint(text, 'M', map(path.points.front()));
   for (std::size_t i = 0; i < edges; ++i) {

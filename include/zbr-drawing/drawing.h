@@ -62,6 +62,11 @@ Curve OnAxes(const Curve& ellipse);
 
 constexpr int kColourByBlock = 0, kColourByLayer = 256;
 
+// Equality of coordinates, whatever the tolerance is that the points' own operator goes by.
+inline bool AreIdentical(const ZBR_PT& p, const ZBR_PT& q) {
+  return p.x() == q.x() && p.y() == q.y();
+}
+
 // A contour as read: vertices, and curves in place of some of the edges.
 struct Path {
   std::vector<ZBR_PT> points;
@@ -76,6 +81,9 @@ struct Path {
   bool fills = false;                   // bounds a hatch, which mostly fills what other contours bound (DropFillings)
   bool hidden = false;                  // not shown: its layer is off or frozen, or it is marked so itself
   std::vector<std::int32_t> pens = {};  // of contours and what is made of them, by edge: places in a list of pens; mostly empty
+
+  // Edges and curves; the last one of a closed path leads back to its first point.
+  std::size_t EdgeCount() const { return points.size() - (closed || points.empty() ? 0 : 1); }
 };
 
 // What a path is drawn with.

@@ -1,0 +1,22 @@
+// Points among others, and beside edges.
+#pragma once
+
+#include <zbr/planar.h>
+
+#include <algorithm>
+
+namespace zbr::drawing {
+
+// Order by x, then y.
+inline bool IsLess(const ZBR_PT& p, const ZBR_PT& q) {
+  return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y();
+}
+
+// How far along an edge, from 0 to 1, its point nearest to p is; 0 on an edge without length.
+inline double NearestPart(const ZBR_PT& p, const ZBR_PT& from, const ZBR_PT& to) {
+  const ZBR_PT along = to - from;
+  const double length2 = along.Length2();
+  return length2 > 0 ? std::clamp((p - from).InnerProduct(along) / length2, 0.0, 1.0) : 0.0;
+}
+
+}  // namespace zbr::drawing
