@@ -11,20 +11,32 @@ std::string Unprotected(const std::string& argument) {
   return argument.substr(argument.rfind(' ', 0) == 0 ? 1 : 0);
 }
 
-CLI::Option* AddNumber(CLI::App& command, const std::string& name, const NumberKind& kind, double& value,
-                       const std::string& description) {
+namespace {
+
+constexpr NumberKind kJobs = {"N", "a whole number from 1 to 256", 1, 256, true};
+
+template <class Number>
+CLI::Option* AddNumberOf(CLI::App& command, const std::string& name, const NumberKind& kind, Number& value,
+                         const std::string& description) {
   return command
       .add_option_function<std::string>(
           name,
           [&value, &kind, name](const std::string& text) {
             const std::string number = Unprotected(text);
             const auto parsed = ParseNumber(number);
-            if (!parsed || *parsed < kind.low || *parsed > kind.high)
+            if (!parsed || *parsed < kind.low || *parsed > kind.high || (kind.isWhole && *parsed != std::floor(*parsed)))
               throw CLI::ValidationError(name, Quoted(number) + " is not " + kind.expected);
-            value = *parsed;
+            value = static_cast<Number>(*parsed);
           },
           description)
       ->type_name(kind.typeName);
+}
+
+}  // namespace
+
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, const NumberKind& kind, double& value,
+                       const std::string& description) {
+  return AddNumberOf(command, name, kind, value, description);
 }
 
 CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const std::string& description,
@@ -73,20 +85,7 @@ void AddUnit(CLI::App& command, std::string& unit) {
 }
 
 void AddJobs(CLI::App& command, unsigned& jobs) {
-  constexpr unsigned kMostJobs = 256;
-  command
-      .add_option_function<std::string>(
-          "--jobs",
-          [&jobs](const std::string& text) {
-            const std::string number = Unprotected(text);
-            const auto parsed = ParseNumber(number);
-            if (!parsed || !(*parsed >= 1) || *parsed > kMostJobs || *parsed != std::floor(*parsed))
-              throw CLI::ValidationError("--jobs",
-                                         Quoted(number) + " is not a whole number from 1 to " + std::to_string(kMostJobs));
-            jobs = static_cast<unsigned>(*parsed);
-          },
-          "Threads to use; by default as many as there are processors")
-      ->type_name("N");
+  AddNumberOf(command, "--jobs", kJobs, jobs, "Threads to use; by default as many as there are processors");
 }
 
 void AddAxes(CLI::App& command, std::string& axes) {

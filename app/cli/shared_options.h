@@ -20,6 +20,7 @@ struct NumberKind {
   const char* typeName;
   const char* expected;  // "'x' is not ..."
   double low, high;
+  bool isWhole = false;
 };
 inline constexpr NumberKind kLength = {"LENGTH", "a length", 0, std::numeric_limits<double>::max()};
 inline constexpr NumberKind kDegrees = {"DEGREES", "an angle from 0 to 180 degrees", 0, 180};
