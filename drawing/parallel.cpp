@@ -55,4 +55,8 @@ void RunParallel(std::size_t count, unsigned threads, const std::function<void(s
   if (failure) std::rethrow_exception(failure);
 }
 
+std::function<void(std::size_t count, const std::function<void(std::size_t)>& work)> ExecutorOf(unsigned threads) {
+  return [threads](std::size_t count, const std::function<void(std::size_t)>& work) { RunParallel(count, threads, work); };
+}
+
 }  // namespace zbr::drawing

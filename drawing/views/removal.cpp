@@ -10,9 +10,7 @@ namespace zbr::drawing {
 bool RemoveHidden(Scene& scene, unsigned threads, const std::function<bool(double share)>& progress) {
   ZBR_HL_REMOVAL options;
   options.contact_tolerance = scene.contact;
-  options.executor = [threads](std::size_t count, const std::function<void(std::size_t)>& work) {
-    RunParallel(count, threads, work);
-  };
+  options.executor = ExecutorOf(threads);
   options.progress = progress;
   const ZBR_TmpEps hold(kSceneTolerance);
   return ZBR_HiddenLine::RemoveAll(scene.shells.data(), scene.ShellCount(), options);

@@ -77,9 +77,7 @@ class Collector {
     std::vector<ZBR_HL_SOURCE> sources;
     constexpr int kAsDrawn = 3;
     ZBR_HL_REMOVAL options;
-    options.executor = [this](std::size_t count, const std::function<void(std::size_t)>& work) {
-      RunParallel(count, threads_, work);
-    };
+    options.executor = ExecutorOf(threads_);
     ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine, options);
     segments_.reserve(hidden.size());
     for (std::size_t i = 0; i < hidden.size(); ++i)
