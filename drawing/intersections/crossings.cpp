@@ -221,7 +221,11 @@ class Finder {
     while (std::find(b.corners.begin(), b.corners.end(), a.corners[atT]) == b.corners.end()) ++atT;
     while (b.corners[atU] != a.corners[atT]) ++atU;
     if (corners == SharedCorners::kMany && IsPlain(a.corners[atT])) return;
-    t < u ? MeetAtCorner(t, atT, u, atU, found) : MeetAtCorner(u, atU, t, atT, found);
+    if (u < t) {
+      std::swap(t, u);
+      std::swap(atT, atU);
+    }
+    MeetAtCorner(t, atT, u, atU, found);
   }
 
   bool IsPlain(std::uint32_t point) const {
