@@ -10,6 +10,7 @@
 #include <iterator>
 #include <tuple>
 
+#include "drawing/curves/doubled_curves.h"
 #include "drawing/curves/seen_circles.h"
 #include "drawing/parallel.h"
 #include "drawing/views/chains.h"
@@ -36,7 +37,7 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 class Collector {
  public:
   Collector(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
-      : model_(model), scene_(scene), circles_(model, scene, circles), threads_(threads) {}
+      : model_(model), scene_(scene), known_(circles), circles_(model, scene, circles), threads_(threads) {}
 
   void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
     const std::size_t t = static_cast<std::size_t>(scene_.shells[shell].tris - scene_.triangles.data()) + triangle;
@@ -61,15 +62,7 @@ class Collector {
     std::size_t count = 0;
     for (const ZBR_HL_SHELL& shell : scene_.shells) count += shell.GetDispSegNum();
     segments_.reserve(count);
-    for (std::size_t s = 0; s < scene_.shells.size(); ++s) {
-      const ZBR_HL_SHELL& shell = scene_.shells[s];
-      for (std::size_t t = 0; t < shell.count; ++t) {
-        for (int i = 0; i < 3; ++i) {
-          for (const ZBR_HL_INTERVAL& visible : shell.tris[t].intvl_v[i])
-            Add(s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
-        }
-      }
-    }
+    ForEachVisible([&](std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) { Add(s, t, edge, segment); });
   }
 
   void AddHidden() {
@@ -79,6 +72,7 @@ class Collector {
     ZBR_HL_REMOVAL options;
     options.executor = ExecutorOf(threads_);
     ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine, options);
+    if (scene_.shells.size() > 1 && !scene_.view.perspective) LeaveOutDoubles(hidden, sources);
     segments_.reserve(hidden.size());
     for (std::size_t i = 0; i < hidden.size(); ++i)
       Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
@@ -102,10 +96,71 @@ class Collector {
   }
 
  private:
+  template <class Use>
+  void ForEachVisible(const Use& use) const {
+    for (std::size_t s = 0; s < scene_.shells.size(); ++s) {
+      const ZBR_HL_SHELL& shell = scene_.shells[s];
+      for (std::size_t t = 0; t < shell.count; ++t) {
+        for (int i = 0; i < 3; ++i) {
+          for (const ZBR_HL_INTERVAL& visible : shell.tris[t].intvl_v[i])
+            use(s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+        }
+      }
+    }
+  }
+
   static constexpr std::size_t kPiece = 4096;  // segments
 
   static std::tuple<std::uint8_t, std::uint32_t, std::uint32_t> KeyOf(const BinnedSegment& s) {
     return {s.edgeClass, s.shell, s.other};
+  }
+
+  // Whether a stretch of a triangle's edge stands for a curve.
+  bool IsCurved(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment, CurvedStretch& stretch) const {
+    const std::size_t t = static_cast<std::size_t>(scene_.shells[shell].tris - scene_.triangles.data()) + triangle;
+    if (t >= scene_.TriangleCount()) return false;
+    const auto [source, side] = SourceOf(t, edge);
+    const EdgeClass edgeClass = scene_.classes[t][static_cast<std::size_t>(edge)];
+    if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;
+    stretch.segment = segment;
+    stretch.shell = static_cast<std::uint32_t>(shell);
+    return drawing::IsCurved(model_, scene_, known_, shell, source - model_.shellBegin[shell], side, edgeClass, stretch);
+  }
+
+  // Curves that bodies have in common are dashed once.
+  void LeaveOutDoubles(std::vector<ZBR_SEG>& hidden, std::vector<ZBR_HL_SOURCE>& sources) const {
+    std::vector<CurvedStretch> curved, visible;
+    std::vector<std::size_t> places;
+    CurvedStretch stretch;
+    for (std::size_t i = 0; i < hidden.size(); ++i) {
+      const ZBR_HL_SOURCE& at = sources[i];
+      if (!IsCurved(static_cast<std::size_t>(at.shell), static_cast<std::size_t>(at.triangle), at.edge, hidden[i], stretch))
+        continue;
+      curved.push_back(stretch);
+      places.push_back(i);
+    }
+    if (curved.empty()) return;
+    ForEachVisible([&](std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+      if (IsCurved(s, t, edge, segment, stretch)) visible.push_back(stretch);
+    });
+    const std::vector<PartOfStretch> left = WithoutDoubles(scene_, known_, visible, curved);
+    std::vector<ZBR_SEG> rest;
+    std::vector<ZBR_HL_SOURCE> restSources;
+    for (std::size_t i = 0, curve = 0, part = 0; i < hidden.size(); ++i) {
+      const bool isCurve = curve < places.size() && places[curve] == i;
+      if (!isCurve) {
+        rest.push_back(hidden[i]);
+        restSources.push_back(sources[i]);
+        continue;
+      }
+      for (; part < left.size() && left[part].stretch == curve; ++part) {
+        rest.push_back(left[part].Of(hidden[i]));
+        restSources.push_back(sources[i]);
+      }
+      ++curve;
+    }
+    hidden = std::move(rest);
+    sources = std::move(restSources);
   }
 
   // The bins from one place to another.
@@ -130,6 +185,7 @@ class Collector {
 
   const Model& model_;
   const Scene& scene_;
+  const Circles* known_;
   SeenCircles circles_;
   const unsigned threads_;
   std::vector<BinnedSegment> segments_;

@@ -192,6 +192,35 @@ ViewLines DrawSmooth(const Mesh& mesh, const View& view) {
   return DrawViews(MakeModel(mesh, 30.0), {{"iso", view}}, options).front();
 }
 
+double HiddenLength(const ViewLines& view) {
+  double length = 0.0;
+  for (const Line& line : view.lines) length += line.hidden ? LengthOf(line) : 0.0;
+  return length;
+}
+
+// A pin in a bore of its radius, or one a line's width larger, under a lid: rims and silhouettes are polygons and lines side by
+// side.
+TEST(DoubledCurves, ArePartOfOneDashedLine) {
+  const auto draw = [](int sides, double radius, const char* name) {
+    example::Solid block;
+    block.Extrude(example::Axis::kZ, example::RoundedRectangle(-20, -20, 20, 20, 4, 8), 0, 30);
+    block.Drill(example::Axis::kZ, example::Circle(0, 0, 10, 36), 0, 30);
+    Mesh mesh = block.Take();
+    Mesh pin = example::Cylinder(sides, radius, 30);
+    example::Turn(pin, {0, 0, 1}, 0.003);
+    Append(mesh, pin);
+    Append(mesh, example::Box({-25, -25, 36}, {25, 25, 40}));
+    Append(mesh, example::Box({-25, -30, -5}, {25, -25, 40}));
+    DrawingOptions options;
+    options.intersections = false;
+    return DrawViews(MakeModel(mesh, 30.0), {{name, *NamedView(name)}}, options).front();
+  };
+  const double rim = 2 * 10 * 3.14159265358979, block = 4 * 32 + 2 * 4 * 3.14159265358979;
+  EXPECT_NEAR(HiddenLength(draw(50, 10, "top")), rim + block, 0.4);
+  EXPECT_NEAR(HiddenLength(draw(50, 9.7, "top")), 1.97 * rim + block, 0.4);  // of a smaller pin there are both
+  EXPECT_NEAR(HiddenLength(draw(16, 10, "front")) - HiddenLength(draw(36, 10, "front")), 0, 0.2);
+}
+
 // Seen at a slant the torus shows its outline, and of its hole the near and the far side up to where they meet.
 TEST(SmoothSilhouettes, AsManyAsTheSurfaceHasHoweverFineTheMesh) {
   for (const std::size_t triangles : {2000U, 9000U, 40000U}) {

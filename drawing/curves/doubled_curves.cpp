@@ -1,0 +1,225 @@
+// Idea: cylinders in line, or one in the bore of another, have one rim and one silhouette; but divided into different numbers of
+// facets they have polygons beside each other, as far apart as chords from their arcs. Drawn with dashes each, they fill each
+// other's gaps. A part of a hidden line that is near enough to another body's line for the same curve is left out.
+// Difficulty: lines that only cross or touch are near each other there. Chords are of one circle; silhouettes stay near to each
+// other for as long as they run side by side, which is much longer than they are apart. Invariant: what is left out lies beside a
+// line that stays, not beside one that was left out for a third.
+#include "drawing/curves/doubled_curves.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <unordered_map>
+#include <utility>
+
+namespace zbr::drawing {
+namespace {
+
+// In scene units: a line's width on a sheet filled by the view.
+constexpr double kLineWidth = 0.2;
+constexpr double kRounding = 1e-6;    // in the same: of lines that are at one place
+constexpr double kLargestTurn = 0.5;  // sine of the angle between chords of one circle that are at one place
+constexpr double kLong = 20.0;        // how long silhouettes run side by side, in the distances that they may be apart
+
+// Twice the area of the triangle over the edge, over the edge's length.
+double WidthOver(const ZBR_ZBREPT& triangle, std::size_t edge) {
+  const ZBR_PT3 &a = VertexOf(triangle, edge).GetPt(), &b = VertexOf(triangle, (edge + 1) % 3).GetPt();
+  const double length = a.Distance(b);
+  return length > 0 ? (b - a).OuterProduct(VertexOf(triangle, (edge + 2) % 3).GetPt() - a).Length() / length : 0.0;
+}
+
+std::size_t PlaceOfEdge(const ZBR_ZBREPT& triangle, const ZBR_ZBREPE& edge) {
+  std::size_t i = 0;
+  while (i < 2 && &EdgeOf(triangle, i) != &edge) ++i;
+  return i;
+}
+
+// Of arcs over facets as wide and as bent as those at a smooth edge, over the chord.
+double HeightOverFacets(const Model& model, std::size_t shell, const ZBR_ZBREPT& triangle, std::size_t edge) {
+  ZBR_ZBREPE& record = EdgeOf(triangle, edge);
+  const ZBR_ZBREPT* const other = model.Across(shell, triangle, record);
+  if (other == nullptr) return 0.0;
+  const auto normal = [&](const ZBR_ZBREPT& t) {
+    return model.normals[model.shellBegin[shell] + static_cast<std::size_t>(t.GetIndex())];
+  };
+  const double width = std::max(WidthOver(triangle, edge), WidthOver(*other, PlaceOfEdge(*other, record)));
+  return width * normal(triangle).Distance(normal(*other)) / 8.0;
+}
+
+// How far the arc's middle is from the chord's.
+double HeightOverChord(const Circle& circle, const ZBR_ZBREPT& triangle, std::size_t edge) {
+  const ZBR_PT3 middle = (VertexOf(triangle, edge).GetPt() + VertexOf(triangle, (edge + 1) % 3).GetPt()) * 0.5;
+  return std::max(circle.radius - middle.Distance(circle.centre), 0.0);
+}
+
+struct Part {
+  double from, to;
+};
+
+// Widens the part by where the segment is within `reach` of a point.
+void AddDisc(const ZBR_SEG& s, const ZBR_PT& centre, double reach, Part& part) {
+  const ZBR_PT d = s.e() - s.s(), o = s.s() - centre;
+  const double along = d.Length2(), half = o.InnerProduct(d), root = half * half - along * (o.Length2() - reach * reach);
+  if (!(root >= 0) || !(along > 0)) return;
+  part.from = std::min(part.from, std::max((-half - std::sqrt(root)) / along, 0.0));
+  part.to = std::max(part.to, std::min((-half + std::sqrt(root)) / along, 1.0));
+}
+
+// The part of a segment whose coordinate, at0 at its start and at1 at its end, is between two values.
+Part PartBetween(double at0, double at1, double low, double high) {
+  if (at0 == at1) return at0 >= low && at0 <= high ? Part{0.0, 1.0} : Part{1.0, 0.0};
+  const double t0 = (low - at0) / (at1 - at0), t1 = (high - at0) / (at1 - at0);
+  return {std::max(std::min(t0, t1), 0.0), std::min(std::max(t0, t1), 1.0)};
+}
+
+// A segment beside another: the part of it that runs there, and of that the part that is near.
+struct Side {
+  Part along, near;
+
+  Side(const ZBR_SEG& s, const ZBR_SEG& other, double reach) {
+    const ZBR_PT unit = (other.e() - other.s()) * (1.0 / other.s().Distance(other.e()));
+    const ZBR_PT a = s.s() - other.s(), b = s.e() - other.s();
+    along = PartBetween(unit.InnerProduct(a), unit.InnerProduct(b), 0.0, other.s().Distance(other.e()));
+    const Part close = PartBetween(unit.OuterProduct(a), unit.OuterProduct(b), -reach, reach);
+    near = {std::max(along.from, close.from), std::min(along.to, close.to)};
+  }
+};
+
+// The lines that stay, by square cells.
+class Kept {
+ public:
+  Kept(const Scene& scene, const Circles* circles, double cell) : scene_(scene), circles_(circles), cell_(cell) {}
+
+  void Add(const CurvedStretch& stretch) {
+    const auto k = static_cast<std::uint32_t>(stretches_.size());
+    stretches_.push_back(stretch);
+    ForEachCell(stretch.segment, [&](const Cell& at) {
+      std::vector<std::uint32_t>& cell = cells_[KeyOf(at.first, at.second)];
+      if (cell.empty() || cell.back() != k) cell.push_back(k);
+    });
+  }
+
+  // The parts of a stretch beside which another shell's line stays, sorted.
+  std::vector<Part> PartsBeside(const CurvedStretch& stretch) {
+    std::vector<Part> parts;
+    found_.clear();
+    ForEachCell(stretch.segment, [&](const Cell& at) {
+      for (std::int64_t x = at.first - 1; x <= at.first + 1; ++x) {
+        for (std::int64_t y = at.second - 1; y <= at.second + 1; ++y) Collect(KeyOf(x, y), stretch.shell);
+      }
+    });
+    std::sort(found_.begin(), found_.end());
+    found_.erase(std::unique(found_.begin(), found_.end()), found_.end());
+    for (const std::uint32_t k : found_) {
+      const Part part = PartAlong(stretch, stretches_[k]);
+      if (part.from < part.to) parts.push_back(part);
+    }
+    std::sort(parts.begin(), parts.end(),
+              [](const Part& a, const Part& b) { return std::pair(a.from, a.to) < std::pair(b.from, b.to); });
+    return parts;
+  }
+
+ private:
+  using Cell = std::pair<std::int64_t, std::int64_t>;
+  static std::uint64_t KeyOf(std::int64_t x, std::int64_t y) {
+    return static_cast<std::uint64_t>(x) << 32U ^ static_cast<std::uint32_t>(y);
+  }
+
+  // Cells half a cell apart along the segment: a place in it is no farther than a quarter from where one is looked up.
+  template <class Use>
+  void ForEachCell(const ZBR_SEG& segment, const Use& use) const {
+    const ZBR_PT along = segment.e() - segment.s();
+    const double steps = std::max(std::ceil(2.0 * along.Length() / cell_), 1.0);
+    for (double step = 0; step <= steps; ++step) {
+      const ZBR_PT p = segment.s() + along * (step / steps);
+      use(Cell(std::floor(p.x() / cell_), std::floor(p.y() / cell_)));
+    }
+  }
+
+  // Where a stretch and another stand for one curve. Places within reach of a segment are convex, so it is one part.
+  Part PartAlong(const CurvedStretch& stretch, const CurvedStretch& other) const {
+    const double reach = std::min(stretch.height + other.height + kRounding, kLineWidth);
+    const ZBR_SEG &s = stretch.segment, &o = other.segment;
+    const double length = s.s().Distance(s.e()), otherLength = o.s().Distance(o.e());
+    if ((stretch.circle == kNoCircle) != (other.circle == kNoCircle) || !(length > 0 && otherLength > 0)) return {1.0, 0.0};
+    const Side side(s, o, reach);
+    if (stretch.circle == kNoCircle) {
+      const bool isOne = side.near.from <= side.along.from && side.near.to >= side.along.to &&
+                         (side.along.to - side.along.from) * length >= kLong * reach;
+      return isOne ? side.near : Part{1.0, 0.0};
+    }
+    const double turn = std::abs((s.e() - s.s()).OuterProduct(o.e() - o.s()));
+    if (turn > kLargestTurn * length * otherLength || !AreOne(stretch.circle, other.circle, reach)) return {1.0, 0.0};
+    Part part = side.near.from <= side.near.to ? side.near : Part{1.0, 0.0};
+    AddDisc(s, o.s(), reach, part);
+    AddDisc(s, o.e(), reach, part);
+    return part;
+  }
+
+  // Whether circles are seen as one.
+  bool AreOne(std::uint32_t a, std::uint32_t b, double reach) const {
+    if (a == b) return true;
+    const Circle &c = circles_->all[a], &d = circles_->all[b];
+    const double tolerance = reach / scene_.scale;
+    return std::abs(c.radius - d.radius) <= tolerance && c.axis.OuterProduct(d.axis).Length() * c.radius <= tolerance &&
+           scene_.view.In(c.centre - d.centre).xy().Length() <= tolerance;
+  }
+
+  // Of the other shells.
+  void Collect(std::uint64_t key, std::uint32_t shell) {
+    const auto cell = cells_.find(key);
+    if (cell == cells_.end()) return;
+    std::copy_if(cell->second.begin(), cell->second.end(), std::back_inserter(found_),
+                 [&](std::uint32_t k) { return stretches_[k].shell != shell; });
+  }
+
+  const Scene& scene_;
+  const Circles* circles_;
+  double cell_;
+  std::vector<CurvedStretch> stretches_;
+  std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> cells_;
+  std::vector<std::uint32_t> found_;
+};
+
+}  // namespace
+
+bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, std::size_t shell, std::size_t triangle,
+              std::size_t edge, EdgeClass edgeClass, CurvedStretch& stretch) {
+  const ZBR_ZBREPT& record = *model.Shell(shell).GetTriangle(static_cast<int>(triangle));
+  double height = 0.0;
+  stretch.circle = kNoCircle;
+  if (edgeClass == EdgeClass::kSilhouette) {
+    height = HeightOverFacets(model, shell, record, edge);
+  } else if (circles != nullptr) {
+    stretch.circle = circles->ofEdge[model.edgeBegin[shell] + static_cast<std::size_t>(EdgeOf(record, edge).GetIndex())];
+    if (stretch.circle != kNoCircle) height = HeightOverChord(circles->all[stretch.circle], record, edge);
+  }
+  stretch.height = height * scene.scale;
+  return height > 0;
+}
+
+std::vector<PartOfStretch> WithoutDoubles(const Scene& scene, const Circles* circles, const std::vector<CurvedStretch>& visible,
+                                          const std::vector<CurvedStretch>& hidden) {
+  double length = 0.0;
+  for (const CurvedStretch& stretch : hidden) length += stretch.segment.s().Distance(stretch.segment.e());
+  Kept kept(scene, circles, std::max(2.0 * kLineWidth, hidden.empty() ? 0.0 : length / static_cast<double>(hidden.size())));
+  for (const CurvedStretch& stretch : visible) kept.Add(stretch);
+  std::vector<PartOfStretch> left;
+  for (std::size_t k = 0; k < hidden.size(); ++k) {
+    const std::size_t before = left.size();
+    double from = 0.0;
+    for (const Part& part : kept.PartsBeside(hidden[k])) {
+      if (part.from > from) left.push_back({k, from, part.from});
+      from = std::max(from, part.to);
+    }
+    if (from < 1.0) left.push_back({k, from, 1.0});
+    for (std::size_t i = before; i < left.size(); ++i) {
+      CurvedStretch stretch = hidden[k];
+      stretch.segment = left[i].Of(stretch.segment);
+      kept.Add(stretch);
+    }
+  }
+  return left;
+}
+
+}  // namespace zbr::drawing
