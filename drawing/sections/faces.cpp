@@ -16,6 +16,7 @@
 #include "drawing/sections/contours.h"
 #include "drawing/sections/face_lines.h"
 #include "drawing/sections/join_contours.h"
+#include "drawing/sections/simple_ring.h"
 
 namespace zbr::drawing {
 namespace {
@@ -33,6 +34,7 @@ struct ShellCut {
 
 ZBR_REGION RegionOf(const std::vector<SeenContour>& contours, bool oriented) {
   ZBR_REGION rings, region;
+  if (contours.size() == 1 && SetSimpleRegion(contours.front().points, region)) return region;
   for (const SeenContour& contour : contours) rings.AddRing(contour.points, true);
   ZBR_REGION_OPTIONS options;
   options.fill_a = oriented ? ZBR_FILL_NON_ZERO : ZBR_FILL_EVEN_ODD;

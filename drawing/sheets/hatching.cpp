@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -97,23 +98,71 @@ Bodies BodiesOf(const Sheet& sheet) {
   return bodies;
 }
 
-// Each body takes the first style that suits and no body near it took before.
-void ChooseStyles(Bodies& bodies, double gap) {
+// The styles of what is placed near a box, by square cells.
+class PlacedStyles {
+ public:
+  using Styles = std::array<bool, kStyles.size()>;
+
+  // Cells are as large as the boxes are on the average, and so large that none covers very many.
+  PlacedStyles(const Bodies& bodies, double gap) : gap_(gap) {
+    constexpr double kMostCells = 256;  // along a box
+    double sum = 0.0, largest = 0.0, count = 0.0;
+    for (const auto& entry : bodies) {
+      for (const auto& face : entry.second.faces) {
+        const Box box = BoxOf(face.second->region);
+        const double size = std::max(box.xmax - box.xmin, box.ymax - box.ymin);
+        sum += size;
+        largest = std::max(largest, size);
+        ++count;
+      }
+    }
+    cell_ = std::max({gap, sum / std::max(count, 1.0), largest / kMostCells});
+  }
+
+  void Add(std::size_t view, const Box& box, std::size_t style) {
+    const auto k = static_cast<std::uint32_t>(placed_.size());
+    placed_.push_back({box, style});
+    ForEachCell(view, box, 0.0, [&](const Key& key) { cells_[key].push_back(k); });
+  }
+
+  void Mark(std::size_t view, const Box& box, Styles& taken) const {
+    ForEachCell(view, box, gap_, [&](const Key& key) {
+      const auto cell = cells_.find(key);
+      if (cell == cells_.end()) return;
+      for (const std::uint32_t k : cell->second) {
+        if (!taken[placed_[k].style] && box.IsNear(placed_[k].box, gap_)) taken[placed_[k].style] = true;
+        if (std::find(taken.begin(), taken.end(), false) == taken.end()) return;
+      }
+    });
+  }
+
+ private:
   struct Placed {
-    std::size_t view;
     Box box;
     std::size_t style;
   };
-  std::vector<Placed> placed;
+  using Key = std::tuple<std::size_t, double, double>;
+
+  template <class Use>
+  void ForEachCell(std::size_t view, const Box& box, double gap, const Use& use) const {
+    const auto cell = [&](double x) { return cell_ > 0 ? std::floor(x / cell_) : 0.0; };
+    for (double x = cell(box.xmin - gap); x <= cell(box.xmax + gap); ++x) {
+      for (double y = cell(box.ymin - gap); y <= cell(box.ymax + gap); ++y) use(Key(view, x, y));
+    }
+  }
+
+  double gap_, cell_ = 0.0;
+  std::vector<Placed> placed_;
+  std::map<Key, std::vector<std::uint32_t>> cells_;
+};
+
+// Each body takes the first style that suits and no body near it took before.
+void ChooseStyles(Bodies& bodies, double gap) {
+  PlacedStyles placed(bodies, gap);
   for (auto& entry : bodies) {
     auto& body = entry.second;  // a name that lambdas may use with clang before 16
-    std::array<bool, kStyles.size()> taken{};
-    std::vector<Placed> own;
-    for (const auto& [view, face] : body.faces) own.push_back({view, BoxOf(face->region), 0});
-    for (const Placed& other : placed) {
-      const auto meets = [&](const Placed& p) { return p.view == other.view && p.box.IsNear(other.box, gap); };
-      if (std::any_of(own.begin(), own.end(), meets)) taken[other.style] = true;
-    }
+    PlacedStyles::Styles taken{};
+    for (const auto& [view, face] : body.faces) placed.Mark(view, BoxOf(face->region), taken);
     const auto first = [&](bool anyAngle) {
       for (std::size_t k = 0; k < kStyles.size(); ++k) {
         if (!taken[k] && (anyAngle || !body.RunsAlong(k))) return k;
@@ -121,8 +170,7 @@ void ChooseStyles(Bodies& bodies, double gap) {
       return kStyles.size();
     };
     body.style = first(false) < kStyles.size() ? first(false) : first(true) % kStyles.size();
-    for (Placed& p : own) p.style = body.style;
-    placed.insert(placed.end(), own.begin(), own.end());
+    for (const auto& [view, face] : body.faces) placed.Add(view, BoxOf(face->region), body.style);
   }
 }
 

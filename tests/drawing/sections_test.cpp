@@ -14,6 +14,7 @@
 #include <random>
 #include <string>
 
+#include "drawing/sections/simple_ring.h"
 #include "models/models.h"
 #include "models/solid.h"
 
@@ -46,6 +47,37 @@ double AreaOf(const SectionCut& cut) {
 
 double AreaOf(const Mesh& mesh, const std::string& plane) {
   return AreaOf(CutOf(mesh, ParseSection(plane)));
+}
+
+// Stars, some of which do not go round their middle, points on a coarse grid, and squares with points along their sides, turned.
+TEST(Sections, SimpleRingsAreTheRegionsMadeOfThem) {
+  std::mt19937 engine(1);
+  const auto part = [&] { return std::uniform_real_distribution<double>(0, 1)(engine); };
+  int taken = 0;
+  for (int i = 0; i < 6000; ++i) {
+    std::vector<ZBR_PT> ring;
+    const double scale = std::pow(10.0, i % 9 - 4), turn = 2 * pi * part();
+    const int n = 3 + static_cast<int>(20 * part());
+    for (int k = 0; k < n; ++k) {
+      const double t = (k + part()) / n, angle = 2 * pi * t, along = std::floor(32 * t) / 4;
+      const ZBR_PT onSquare(std::clamp(std::abs(along - 4) - 2, -1.0, 1.0), std::clamp(2 - std::abs(along - 2), -1.0, 1.0));
+      ring.push_back(i % 3 == 0   ? ZBR_PT(std::cos(angle), std::sin(angle)) * (1 + 2 * part())
+                     : i % 3 == 1 ? ZBR_PT(std::floor(6 * part()), std::floor(6 * part()))
+                                  : ZBR_PT(onSquare.x() * std::cos(turn) - onSquare.y() * std::sin(turn),
+                                           onSquare.x() * std::sin(turn) + onSquare.y() * std::cos(turn)) *
+                                        scale);
+    }
+    if (i % 5 == 0) std::reverse(ring.begin(), ring.end());
+    ZBR_REGION rings, made, simple;
+    rings.AddRing(ring, true);
+    ZBR_REGION_OPTIONS options;
+    options.fill_a = i % 2 == 0 ? ZBR_FILL_NON_ZERO : ZBR_FILL_EVEN_ODD;
+    if (!SetSimpleRegion(ring, simple)) continue;
+    zbrMakeValidRegion(rings.view(), made, options);
+    ASSERT_EQ(simple, made) << i;
+    ++taken;
+  }
+  EXPECT_GT(taken, 2000);
 }
 
 TEST(Sections, AreasOfSimpleBodies) {
