@@ -107,7 +107,7 @@ bool IsLeftToNeighbour(const ZBR_HL_SHELL& shell, const ZBR_HL_SOURCE& source) {
 // Replaces each stretch by its parts that no visible line and no earlier stretch covers.
 void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, double width, const Sharing& sharing) {
   Stretches rest;
-  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments, width).Gaps(sharing)) {
+  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments, width, sharing).Gaps()) {
     const ZBR_SEG& g = hidden.segments[gap.segment];
     const ZBR_PT along = g.e() - g.s();
     rest.segments.emplace_back(gap.from == 0.0 ? g.s() : g.s() + along * gap.from, gap.to == 1.0 ? g.e() : g.s() + along * gap.to);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace zbr {
@@ -36,23 +37,32 @@ int Beside::BundleOf(const ZBR_SEG& g) {
 }
 
 void Beside::PartTree::Build() {
+  if (parts_.empty()) return;
   std::vector<ZBR_PT> centres;
-  centres.reserve(boxes_.size());
-  for (const Box& box : boxes_) centres.push_back(box.Center());
+  centres.reserve(parts_.size());
+  for (const Part& part : parts_) centres.push_back(part.box.Center());
   const std::vector<std::uint32_t> order = SpatialOrder(centres);
   std::vector<ZBR_PT>().swap(centres);
-  const std::span<Box> leaves = tree_.StartLeaves(boxes_.size());
-  std::vector<std::uint32_t> segments(boxes_.size());
+  const std::span<Box> leaves = tree_.StartLeaves(parts_.size());
+  segments_.resize(parts_.size());
+  least_.assign(PlaceOf(tree_.TopLevel()) + 1, std::numeric_limits<std::uint32_t>::max());
   for (std::size_t i = 0; i < order.size(); ++i) {
-    leaves[i] = boxes_[order[i]];
-    segments[i] = segments_[order[i]];
+    const Part& part = parts_[order[i]];
+    leaves[i] = part.box;
+    segments_[i] = part.segment;
+    least_[i] = part.rank;
   }
-  segments_ = std::move(segments);
-  std::vector<Box>().swap(boxes_);
+  std::vector<Part>().swap(parts_);
   tree_.BuildInner();
+  for (int level = 1; level <= tree_.TopLevel(); ++level) {
+    for (std::uint32_t i = 0; i < tree_.Count(level - 1); ++i) {
+      std::uint32_t& least = least_[PlaceOf(level) + i / BoxTree::kFanOut];
+      least = std::min(least, least_[PlaceOf(level - 1) + i]);
+    }
+  }
 }
 
-Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width)
+Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width, const Sharing& sharing)
     : first_(first), second_(second), width_(width), bundles_(kBundles) {
   MeasureLong();
   for (int b = 0; b < kBundles; ++b) {
@@ -65,13 +75,12 @@ Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, 
     if (IsLong(At(i))) {
       AddLong(i);
     } else {
-      shorts_.Add(i, At(i).s(), At(i).e());
+      AddPart(shorts_, i, At(i).s(), At(i).e());
     }
   }
-  shorts_.Build();
-  ends_.Build();
-  pieces_.Build();
-  for (Bundle& bundle : bundles_) bundle.tree.Build();
+  std::vector<PartTree*> trees{&shorts_, &ends_, &pieces_};
+  for (Bundle& bundle : bundles_) trees.push_back(&bundle.tree);
+  sharing.Run(trees.size(), [&](std::size_t k) { trees[k]->Build(); });
 }
 
 // Segments that stay within the width over more than the length `least` differ by an angle of at most 2 width / least, which has to
@@ -94,10 +103,10 @@ void Beside::MeasureLong() {
 
 void Beside::AddLong(std::uint32_t i) {
   const ZBR_SEG& g = At(i);
-  ForEachEnd(g, [&](const ZBR_PT& p, const ZBR_PT& q) { ends_.Add(i, p, q); });
-  ForEachPiece(g, [&](const ZBR_PT& p, const ZBR_PT& q) { pieces_.Add(i, p, q); });
+  ForEachEnd(g, [&](const ZBR_PT& p, const ZBR_PT& q) { AddPart(ends_, i, p, q); });
+  ForEachPiece(g, [&](const ZBR_PT& p, const ZBR_PT& q) { AddPart(pieces_, i, p, q); });
   Bundle& bundle = bundles_[static_cast<std::size_t>(BundleOf(g))];
-  bundle.tree.Add(i, bundle.Turned(g.s()), bundle.Turned(g.e()));
+  AddPart(bundle.tree, i, bundle.Turned(g.s()), bundle.Turned(g.e()));
 }
 
 }  // namespace zbr

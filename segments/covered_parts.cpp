@@ -1,7 +1,12 @@
+// Where lines are stacked, as the edges of a twisted surface seen along its axis are by the hundred, each lies beside all of the
+// stack, and as a rule few of them cover it. So segments are taken in spatial order, and each is held against those first that
+// covered the ones before. What is covered is a union of ranges: it makes no difference who is asked first.
 #include "segments/covered_parts.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
 
 #include "core/planar_inline.h"
 #include "core/radix_sort.h"
@@ -57,61 +62,100 @@ void Join(std::vector<std::pair<double, double>>& ranges) {
 
 }  // namespace
 
-CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width)
-    : segments_(segments), width_(width), beside_(segments, others, width) {}
+// Finds what covers one segment after another.
+class CoveredParts::Cover {
+ public:
+  explicit Cover(const CoveredParts& of) : of_(of) { recent_.fill(kNone); }
 
-std::vector<CoveredParts::Gap> CoveredParts::Gaps(const Sharing& sharing) const {
+  // The parts of segment i that are not covered.
+  void AddGaps(std::uint32_t i, std::vector<Gap>& gaps) {
+    Find(i);
+    double from = 0.0;
+    for (const auto& [t0, t1] : ranges_) {
+      if (t0 - from > least_) gaps.push_back({i, from, t0});
+      from = std::max(from, t1);
+    }
+    if (1.0 - from > least_) gaps.push_back({i, from, 1.0});
+  }
+
+ private:
+  static constexpr std::size_t kRecent = 16;  // those asked first: more find more, and each costs
+  static constexpr std::size_t kMany = 8;     // ranges that are joined at once
+  static constexpr auto kNone = std::numeric_limits<std::uint32_t>::max();
+
+  // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
+  void Find(std::uint32_t i) {
+    g_ = of_.segments_[i];
+    least_ = t_tolerance.eps / g_.s().Distance(g_.e());
+    box_ = BoxOfSegment(g_.s(), g_.e()).Widened(of_.width_);
+    limit_ = kMany;
+    ranges_.clear();
+    const auto isOfUse = [&](std::uint32_t k) { return k != kNone && !(k >= i && of_.IsOwn(k)); };
+    std::any_of(recent_.begin(), recent_.end(), [&](std::uint32_t k) { return isOfUse(k) && Fills(k); });
+    Join(ranges_);
+    if (std::any_of(ranges_.begin(), ranges_.end(), [&](const auto& range) { return IsWhole(range, least_); })) return;
+    best_.fill(kNone);
+    of_.beside_.ForEach(i, [this](std::uint32_t k) { return !Fills(k); });
+    Join(ranges_);
+    for (const std::uint32_t k : best_) Remember(k);
+  }
+
+  // Adds what segment k covers. Whether nothing is left then.
+  bool Fills(std::uint32_t k) {
+    const ZBR_SEG& other = of_.beside_.At(k);
+    std::pair<double, double> range;
+    if (!Overlap(box_, BoxOfSegment(other.s(), other.e()))) return false;
+    if (!RangeAlong(g_, other, t_tolerance.eps, of_.width_, range)) return false;
+    const bool fromStart = !(range.first > least_), toEnd = !(1.0 - range.second > least_);
+    std::uint32_t& best = best_[fromStart ? 0 : toEnd ? 1 : 2];
+    if (best == kNone || of_.IsBefore(k, best)) best = k;
+    ranges_.push_back(range);
+    if (ranges_.size() >= limit_) {
+      Join(ranges_);
+      limit_ = std::max(kMany, 2 * ranges_.size());
+      range = ranges_.front();
+    }
+    return IsWhole(range, least_);
+  }
+
+  void Remember(std::uint32_t k) {
+    if (k == kNone || std::find(recent_.begin(), recent_.end(), k) != recent_.end()) return;
+    recent_[next_] = k;
+    next_ = (next_ + 1) % kRecent;
+  }
+
+  const CoveredParts& of_;
+  // Of segment i:
+  ZBR_SEG g_;
+  double least_ = 0.0;  // parameter of the shortest part that counts
+  Box box_;
+  std::vector<std::pair<double, double>> ranges_;
+  std::size_t limit_ = kMany;            // of ranges before they are joined again
+  std::array<std::uint32_t, 3> best_{};  // the first that covers its start, its end, a part between
+  // Of those before:
+  std::array<std::uint32_t, kRecent> recent_{};
+  std::size_t next_ = 0;
+};
+
+CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width, const Sharing& sharing)
+    : segments_(segments), width_(width), sharing_(sharing), beside_(segments, others, width, sharing) {}
+
+std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
   std::vector<ZBR_PT> centres;
   centres.reserve(segments_.size());
   for (const ZBR_SEG& g : segments_) centres.push_back((g.s() + g.e()) / 2.0);
-  const std::vector<std::uint32_t> order = SpatialOrder(centres);  // neighbours in the plane read the same part of the trees
+  const std::vector<std::uint32_t> order = SpatialOrder(centres);
   constexpr std::size_t kPiece = 4096;
   std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
-  sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
-    Ranges ranges;
-    for (std::size_t k = begin; k < end; ++k) AddGaps(order[k], ranges, parts[piece]);
+  sharing_.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+    Cover cover(*this);
+    for (std::size_t k = begin; k < end; ++k) cover.AddGaps(order[k], parts[piece]);
   });
   std::vector<Gap> gaps;
   for (const std::vector<Gap>& part : parts) gaps.insert(gaps.end(), part.begin(), part.end());
   std::vector<Gap> scratch;
   RadixSort(gaps, scratch, [](const Gap& gap) { return gap.segment; });
   return gaps;
-}
-
-void CoveredParts::AddGaps(std::uint32_t i, Ranges& ranges, std::vector<Gap>& gaps) const {
-  FindCovered(i, ranges);
-  const double least = t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
-  double from = 0.0;
-  for (const auto& [t0, t1] : ranges) {
-    if (t0 - from > least) gaps.push_back({i, from, t0});
-    from = std::max(from, t1);
-  }
-  if (1.0 - from > least) gaps.push_back({i, from, 1.0});
-}
-
-// Where lines lie on each other by the hundred, the first few cover all there is.
-void CoveredParts::FindCovered(std::uint32_t i, Ranges& ranges) const {
-  const double eps = t_tolerance.eps;
-  const ZBR_SEG& g = segments_[i];
-  const double least = eps / g.s().Distance(g.e());
-  const Box box = BoxOfSegment(g.s(), g.e()).Widened(width_);
-  constexpr std::size_t kMany = 64;
-  std::size_t limit = kMany;
-  ranges.clear();
-  std::pair<double, double> range;
-  beside_.ForEach(i, [&](std::uint32_t k) {
-    if (k >= i && k < segments_.size()) return true;
-    const ZBR_SEG& other = beside_.At(k);
-    if (!RangeAlong(g, other, eps, width_, range) || !Overlap(box, BoxOfSegment(other.s(), other.e()))) return true;
-    ranges.push_back(range);
-    if (ranges.size() >= limit) {
-      Join(ranges);
-      limit = std::max(kMany, 2 * ranges.size());
-      range = ranges.front();
-    }
-    return !IsWhole(range, least);
-  });
-  Join(ranges);
 }
 
 }  // namespace zbr

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <span>
-#include <utility>
 #include <vector>
 
 #include <zbr/planar.h>
@@ -13,10 +12,11 @@
 namespace zbr {
 
 // A segment is covered where a segment of `others`, or an earlier one of `segments`, runs no farther than `width` beside it. About
-// n log n (beside.h). Refers to both lists.
+// n log n (beside.h). Refers to both lists, and to the executor.
 class CoveredParts {
  public:
-  CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width);
+  CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width,
+               const Sharing& sharing = Sharing());
 
   // A part of a segment, longer than the tolerance, that is not covered.
   struct Gap {
@@ -25,17 +25,18 @@ class CoveredParts {
     double to;
   };
   // All of them, by segment and then along it.
-  std::vector<Gap> Gaps(const Sharing& sharing = Sharing()) const;
+  std::vector<Gap> Gaps() const;
 
  private:
-  using Ranges = std::vector<std::pair<double, double>>;
+  class Cover;
 
-  void AddGaps(std::uint32_t i, Ranges& ranges, std::vector<Gap>& gaps) const;
-  // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
-  void FindCovered(std::uint32_t i, Ranges& ranges) const;
+  bool IsOwn(std::uint32_t k) const { return k < segments_.size(); }
+  // Others come before segments.
+  bool IsBefore(std::uint32_t k, std::uint32_t l) const { return IsOwn(k) == IsOwn(l) ? k < l : !IsOwn(k); }
 
   std::span<const ZBR_SEG> segments_;
   double width_;
+  const Sharing sharing_;
   Beside beside_;  // segments first
 };
 
