@@ -36,24 +36,25 @@ int Beside::BundleOf(const ZBR_SEG& g) {
   return std::min(static_cast<int>(turn * (kBundles / 2.0)), kBundles - 1);
 }
 
-void Beside::PartTree::Build() {
-  if (parts_.empty()) return;
+template <class Rank>
+void Beside::PartTree::Build(Rank rank) {
+  if (boxes_.empty()) return;
   std::vector<ZBR_PT> centres;
-  centres.reserve(parts_.size());
-  for (const Part& part : parts_) centres.push_back(part.box.Center());
+  centres.reserve(boxes_.size());
+  for (const Box& box : boxes_) centres.push_back(box.Center());
   const std::vector<std::uint32_t> order = SpatialOrder(centres);
   std::vector<ZBR_PT>().swap(centres);
-  const std::span<Box> leaves = tree_.StartLeaves(parts_.size());
-  segments_.resize(parts_.size());
-  least_.assign(PlaceOf(tree_.TopLevel()) + 1, std::numeric_limits<std::uint32_t>::max());
+  const std::span<Box> leaves = tree_.StartLeaves(boxes_.size());
+  std::vector<std::uint32_t> segments(boxes_.size());
   for (std::size_t i = 0; i < order.size(); ++i) {
-    const Part& part = parts_[order[i]];
-    leaves[i] = part.box;
-    segments_[i] = part.segment;
-    least_[i] = part.rank;
+    leaves[i] = boxes_[order[i]];
+    segments[i] = segments_[order[i]];
   }
-  std::vector<Part>().swap(parts_);
+  segments_ = std::move(segments);
+  std::vector<Box>().swap(boxes_);
   tree_.BuildInner();
+  least_.assign(PlaceOf(tree_.TopLevel()) + 1, std::numeric_limits<std::uint32_t>::max());
+  for (std::size_t i = 0; i < segments_.size(); ++i) least_[i] = rank(segments_[i]);
   for (int level = 1; level <= tree_.TopLevel(); ++level) {
     for (std::uint32_t i = 0; i < tree_.Count(level - 1); ++i) {
       std::uint32_t& least = least_[PlaceOf(level) + i / BoxTree::kFanOut];
@@ -75,12 +76,12 @@ Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, 
     if (IsLong(At(i))) {
       AddLong(i);
     } else {
-      AddPart(shorts_, i, At(i).s(), At(i).e());
+      shorts_.Add(i, At(i).s(), At(i).e());
     }
   }
   std::vector<PartTree*> trees{&shorts_, &ends_, &pieces_};
   for (Bundle& bundle : bundles_) trees.push_back(&bundle.tree);
-  sharing.Run(trees.size(), [&](std::size_t k) { trees[k]->Build(); });
+  sharing.Run(trees.size(), [&](std::size_t k) { trees[k]->Build([this](std::uint32_t i) { return RankOf(i); }); });
 }
 
 // Segments that stay within the width over more than the length `least` differ by an angle of at most 2 width / least, which has to
@@ -103,10 +104,10 @@ void Beside::MeasureLong() {
 
 void Beside::AddLong(std::uint32_t i) {
   const ZBR_SEG& g = At(i);
-  ForEachEnd(g, [&](const ZBR_PT& p, const ZBR_PT& q) { AddPart(ends_, i, p, q); });
-  ForEachPiece(g, [&](const ZBR_PT& p, const ZBR_PT& q) { AddPart(pieces_, i, p, q); });
+  ForEachEnd(g, [&](const ZBR_PT& p, const ZBR_PT& q) { ends_.Add(i, p, q); });
+  ForEachPiece(g, [&](const ZBR_PT& p, const ZBR_PT& q) { pieces_.Add(i, p, q); });
   Bundle& bundle = bundles_[static_cast<std::size_t>(BundleOf(g))];
-  AddPart(bundle.tree, i, bundle.Turned(g.s()), bundle.Turned(g.e()));
+  bundle.tree.Add(i, bundle.Turned(g.s()), bundle.Turned(g.e()));
 }
 
 }  // namespace zbr

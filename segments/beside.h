@@ -40,13 +40,13 @@ class Beside {
   // the hundred, half of all that a search meets would come too late to matter.
   class PartTree {
    public:
-    struct Part {
-      std::uint32_t segment;
-      std::uint32_t rank;
-      Box box;
-    };
-    void Add(const Part& part) { parts_.push_back(part); }
-    void Build();
+    void Add(std::uint32_t segment, const ZBR_PT& p, const ZBR_PT& q) {
+      segments_.push_back(segment);
+      boxes_.push_back(BoxOfSegment(p, q));
+    }
+    // rank(segment) orders segments.
+    template <class Rank>
+    void Build(Rank rank);
     // Of rank `last` at most. False when visit ended it.
     template <class Visit>
     bool Search(const Box& box, std::uint32_t last, Visit& visit) const {
@@ -62,8 +62,8 @@ class Beside {
     // Of the first node of a level among all.
     std::size_t PlaceOf(int level) const { return static_cast<std::size_t>(tree_.Level(level) - tree_.Level(0)); }
 
-    std::vector<Part> parts_;              // until they are the leaves of the tree
-    std::vector<std::uint32_t> segments_;  // of the leaves
+    std::vector<std::uint32_t> segments_;  // of the parts
+    std::vector<Box> boxes_;               // until they are the leaves of the tree
     std::vector<std::uint32_t> least_;     // ranks, of the nodes of all levels, leaves first
     BoxTree tree_;
   };
@@ -78,7 +78,6 @@ class Beside {
   static int BundleOf(const ZBR_SEG& g);
   // 0 in the second list, then by place in the first.
   std::uint32_t RankOf(std::uint32_t i) const { return i < first_.size() ? i + 1 : 0; }
-  void AddPart(PartTree& tree, std::uint32_t i, const ZBR_PT& p, const ZBR_PT& q) { tree.Add({i, RankOf(i), BoxOfSegment(p, q)}); }
   void MeasureLong();
   void AddLong(std::uint32_t i);
   // Call use(p, q) for both ends, or all pieces, of a long segment.

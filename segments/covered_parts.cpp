@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "core/planar_inline.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "segments/beside.h"
 
 namespace zbr {
 namespace {
@@ -60,12 +63,65 @@ void Join(std::vector<std::pair<double, double>>& ranges) {
   ranges.resize(kept);
 }
 
-}  // namespace
+// Segments by their ends, in either direction.
+class EqualSegments {
+ public:
+  explicit EqualSegments(std::size_t count) : places_(std::bit_ceil(2 * count + 1), nullptr) {}
+
+  // The one that was there before, or null: then it is added.
+  const ZBR_SEG* FindOrAdd(const ZBR_SEG& g) {
+    const std::size_t mask = places_.size() - 1;
+    std::size_t place = Hash(g) & mask;
+    while (places_[place] != nullptr && !AreEqual(*places_[place], g)) place = (place + 1) & mask;
+    if (places_[place] != nullptr) return places_[place];
+    places_[place] = &g;
+    return nullptr;
+  }
+
+ private:
+  static std::uint64_t Mixed(double d) {
+    std::uint64_t h = std::bit_cast<std::uint64_t>(d + 0.0) * 0x9e3779b97f4a7c15U;  // -0 is 0
+    h ^= h >> 32U;
+    return h * 0x9e3779b97f4a7c15U;
+  }
+  static std::uint64_t Hash(const ZBR_PT& p) { return Mixed(p.x()) + 3 * Mixed(p.y()); }
+  static std::size_t Hash(const ZBR_SEG& g) {
+    const std::uint64_t sum = Hash(g.s()) + Hash(g.e());
+    return static_cast<std::size_t>(sum ^ sum >> 32U);
+  }
+  static bool AreEqual(const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); }
+  static bool AreEqual(const ZBR_SEG& g, const ZBR_SEG& h) {
+    return (AreEqual(g.s(), h.s()) && AreEqual(g.e(), h.e())) || (AreEqual(g.s(), h.e()) && AreEqual(g.e(), h.s()));
+  }
+
+  std::vector<const ZBR_SEG*> places_;
+};
+
+// The segments that do not repeat one of the others or an earlier one: what those cover, repeats do not add to, and of a wall seen
+// edge-on most lines are repeats.
+std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width) {
+  EqualSegments all(others.size() + segments.size());
+  for (const ZBR_SEG& g : others) all.FindOrAdd(g);
+  std::vector<std::uint32_t> found;
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    const ZBR_SEG& g = segments[i];
+    const ZBR_SEG* const same = all.FindOrAdd(g);
+    std::pair<double, double> range;
+    const double eps = t_tolerance.eps;
+    const bool isCovered =
+        same != nullptr && RangeAlong(g, *same, eps, width, range) && IsWhole(range, eps / g.s().Distance(g.e()));
+    if (!isCovered) found.push_back(static_cast<std::uint32_t>(i));
+  }
+  return found;
+}
 
 // Finds what covers one segment after another.
-class CoveredParts::Cover {
+class Cover {
  public:
-  explicit Cover(const CoveredParts& of) : of_(of) { recent_.fill(kNone); }
+  Cover(std::span<const ZBR_SEG> segments, const Beside& beside, double width)
+      : segments_(segments), beside_(beside), width_(width) {
+    recent_.fill(kNone);
+  }
 
   // The parts of segment i that are not covered.
   void AddGaps(std::uint32_t i, std::vector<Gap>& gaps) {
@@ -85,30 +141,30 @@ class CoveredParts::Cover {
 
   // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
   void Find(std::uint32_t i) {
-    g_ = of_.segments_[i];
+    g_ = segments_[i];
     least_ = t_tolerance.eps / g_.s().Distance(g_.e());
-    box_ = BoxOfSegment(g_.s(), g_.e()).Widened(of_.width_);
+    box_ = BoxOfSegment(g_.s(), g_.e()).Widened(width_);
     limit_ = kMany;
     ranges_.clear();
-    const auto isOfUse = [&](std::uint32_t k) { return k != kNone && !(k >= i && of_.IsOwn(k)); };
+    const auto isOfUse = [&](std::uint32_t k) { return k != kNone && !(k >= i && IsOwn(k)); };
     std::any_of(recent_.begin(), recent_.end(), [&](std::uint32_t k) { return isOfUse(k) && Fills(k); });
     Join(ranges_);
     if (std::any_of(ranges_.begin(), ranges_.end(), [&](const auto& range) { return IsWhole(range, least_); })) return;
     best_.fill(kNone);
-    of_.beside_.ForEach(i, [this](std::uint32_t k) { return !Fills(k); });
+    beside_.ForEach(i, [this](std::uint32_t k) { return !Fills(k); });
     Join(ranges_);
     for (const std::uint32_t k : best_) Remember(k);
   }
 
   // Adds what segment k covers. Whether nothing is left then.
   bool Fills(std::uint32_t k) {
-    const ZBR_SEG& other = of_.beside_.At(k);
+    const ZBR_SEG& other = beside_.At(k);
     std::pair<double, double> range;
     if (!Overlap(box_, BoxOfSegment(other.s(), other.e()))) return false;
-    if (!RangeAlong(g_, other, t_tolerance.eps, of_.width_, range)) return false;
+    if (!RangeAlong(g_, other, t_tolerance.eps, width_, range)) return false;
     const bool fromStart = !(range.first > least_), toEnd = !(1.0 - range.second > least_);
     std::uint32_t& best = best_[fromStart ? 0 : toEnd ? 1 : 2];
-    if (best == kNone || of_.IsBefore(k, best)) best = k;
+    if (best == kNone || IsBefore(k, best)) best = k;
     ranges_.push_back(range);
     if (ranges_.size() >= limit_) {
       Join(ranges_);
@@ -124,7 +180,13 @@ class CoveredParts::Cover {
     next_ = (next_ + 1) % kRecent;
   }
 
-  const CoveredParts& of_;
+  bool IsOwn(std::uint32_t k) const { return k < segments_.size(); }
+  // Others come before segments.
+  bool IsBefore(std::uint32_t k, std::uint32_t l) const { return IsOwn(k) == IsOwn(l) ? k < l : !IsOwn(k); }
+
+  std::span<const ZBR_SEG> segments_;
+  const Beside& beside_;  // the segments first
+  const double width_;
   // Of segment i:
   ZBR_SEG g_;
   double least_ = 0.0;  // parameter of the shortest part that counts
@@ -137,22 +199,29 @@ class CoveredParts::Cover {
   std::size_t next_ = 0;
 };
 
-CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width, const Sharing& sharing)
-    : segments_(segments), width_(width), sharing_(sharing), beside_(segments, others, width, sharing) {}
+}  // namespace
 
-std::vector<CoveredParts::Gap> CoveredParts::Gaps() const {
+std::vector<Gap> UncoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width,
+                                const Sharing& sharing) {
+  const std::vector<std::uint32_t> numbers = FindNew(others, segments, width);
+  std::vector<ZBR_SEG> news;
   std::vector<ZBR_PT> centres;
-  centres.reserve(segments_.size());
-  for (const ZBR_SEG& g : segments_) centres.push_back((g.s() + g.e()) / 2.0);
+  for (const std::uint32_t i : numbers) {
+    news.push_back(segments[i]);
+    centres.push_back((segments[i].s() + segments[i].e()) / 2.0);
+  }
+  if (news.empty()) return {};
+  const Beside beside(news, others, width, sharing);
   const std::vector<std::uint32_t> order = SpatialOrder(centres);
   constexpr std::size_t kPiece = 4096;
   std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
-  sharing_.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
-    Cover cover(*this);
+  sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+    Cover cover(news, beside, width);
     for (std::size_t k = begin; k < end; ++k) cover.AddGaps(order[k], parts[piece]);
   });
   std::vector<Gap> gaps;
   for (const std::vector<Gap>& part : parts) gaps.insert(gaps.end(), part.begin(), part.end());
+  for (Gap& gap : gaps) gap.segment = numbers[gap.segment];
   std::vector<Gap> scratch;
   RadixSort(gaps, scratch, [](const Gap& gap) { return gap.segment; });
   return gaps;
