@@ -1,7 +1,7 @@
 // Hidden stretches of drawable edges, as planar segments.
 //
 // A stretch is a gap in an edge's list of visible intervals. As they come, stretches repeat what other triangles' copies of an edge
-// draw; the higher modes remove what is visible elsewhere, by equality or (CoveredParts) by overlap.
+// draw; the higher modes remove what is visible elsewhere, by equality or (UncoveredParts) by overlap.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -107,7 +107,7 @@ bool IsLeftToNeighbour(const ZBR_HL_SHELL& shell, const ZBR_HL_SOURCE& source) {
 // Replaces each stretch by its parts that no visible line and no earlier stretch covers.
 void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, double width, const Sharing& sharing) {
   Stretches rest;
-  for (const CoveredParts::Gap& gap : CoveredParts(visible, hidden.segments, width).Gaps(sharing)) {
+  for (const Gap& gap : UncoveredParts(visible, hidden.segments, width, sharing)) {
     const ZBR_SEG& g = hidden.segments[gap.segment];
     const ZBR_PT along = g.e() - g.s();
     rest.segments.emplace_back(gap.from == 0.0 ? g.s() : g.s() + along * gap.from, gap.to == 1.0 ? g.e() : g.s() + along * gap.to);

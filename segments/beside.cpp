@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace zbr {
@@ -35,7 +36,9 @@ int Beside::BundleOf(const ZBR_SEG& g) {
   return std::min(static_cast<int>(turn * (kBundles / 2.0)), kBundles - 1);
 }
 
-void Beside::PartTree::Build() {
+template <class Rank>
+void Beside::PartTree::Build(Rank rank) {
+  if (boxes_.empty()) return;
   std::vector<ZBR_PT> centres;
   centres.reserve(boxes_.size());
   for (const Box& box : boxes_) centres.push_back(box.Center());
@@ -50,9 +53,17 @@ void Beside::PartTree::Build() {
   segments_ = std::move(segments);
   std::vector<Box>().swap(boxes_);
   tree_.BuildInner();
+  least_.assign(PlaceOf(tree_.TopLevel()) + 1, std::numeric_limits<std::uint32_t>::max());
+  for (std::size_t i = 0; i < segments_.size(); ++i) least_[i] = rank(segments_[i]);
+  for (int level = 1; level <= tree_.TopLevel(); ++level) {
+    for (std::uint32_t i = 0; i < tree_.Count(level - 1); ++i) {
+      std::uint32_t& least = least_[PlaceOf(level) + i / BoxTree::kFanOut];
+      least = std::min(least, least_[PlaceOf(level - 1) + i]);
+    }
+  }
 }
 
-Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width)
+Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width, const Sharing& sharing)
     : first_(first), second_(second), width_(width), bundles_(kBundles) {
   MeasureLong();
   for (int b = 0; b < kBundles; ++b) {
@@ -68,10 +79,9 @@ Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, 
       shorts_.Add(i, At(i).s(), At(i).e());
     }
   }
-  shorts_.Build();
-  ends_.Build();
-  pieces_.Build();
-  for (Bundle& bundle : bundles_) bundle.tree.Build();
+  std::vector<PartTree*> trees{&shorts_, &ends_, &pieces_};
+  for (Bundle& bundle : bundles_) trees.push_back(&bundle.tree);
+  sharing.Run(trees.size(), [&](std::size_t k) { trees[k]->Build([this](std::uint32_t i) { return RankOf(i); }); });
 }
 
 // Segments that stay within the width over more than the length `least` differ by an angle of at most 2 width / least, which has to

@@ -9,6 +9,7 @@
 #include <zbr/planar.h>
 
 #include "core/box_tree.h"
+#include "core/sharing.h"
 
 namespace zbr {
 
@@ -23,38 +24,47 @@ class Beside {
  public:
   // Of two lists that are counted as one; refers to both. Coordinates are finite and below 1e75: products of four
   // stay finite.
-  Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width);
+  Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, double width, const Sharing& sharing = Sharing());
 
   const ZBR_SEG& At(std::size_t i) const { return i < first_.size() ? first_[i] : second_[i - first_.size()]; }
 
-  // Calls visit(k) for all that may run beside segment i, for some of them more than once, and for others as well, segment i among
-  // them. `visit` returns false to end the search.
+  // Calls visit(k) for all that may run beside segment i of the first list and are of the second or come before it, for some of
+  // them more than once, and for others of those as well. `visit` returns false to end the search.
   template <class Visit>
   void ForEach(std::uint32_t i, Visit visit) const;
 
  private:
   static constexpr int kBundles = 64;
 
-  // Boxes of parts of segments, in an order good for a tree.
+  // Boxes of parts of segments, in an order good for a tree. Its nodes know the least rank below them: where lines are stacked by
+  // the hundred, half of all that a search meets would come too late to matter.
   class PartTree {
    public:
     void Add(std::uint32_t segment, const ZBR_PT& p, const ZBR_PT& q) {
       segments_.push_back(segment);
       boxes_.push_back(BoxOfSegment(p, q));
     }
-    void Build();
-    // False when visit ended it.
+    // rank(segment) orders segments.
+    template <class Rank>
+    void Build(Rank rank);
+    // Of rank `last` at most. False when visit ended it.
     template <class Visit>
-    bool Search(const Box& box, Visit& visit) const {
+    bool Search(const Box& box, std::uint32_t last, Visit& visit) const {
       bool goOn = true;
-      tree_.Walk([&box](const Box& node, int, std::uint32_t) { return Overlap(box, node); },
-                 [&](std::uint32_t leaf) { return goOn = visit(segments_[leaf]); });
+      const auto enter = [&](const Box& node, int level, std::uint32_t index) {
+        return least_[PlaceOf(level) + index] <= last && Overlap(box, node);
+      };
+      tree_.Walk(enter, [&](std::uint32_t leaf) { return goOn = visit(segments_[leaf]); });
       return goOn;
     }
 
    private:
+    // Of the first node of a level among all.
+    std::size_t PlaceOf(int level) const { return static_cast<std::size_t>(tree_.Level(level) - tree_.Level(0)); }
+
     std::vector<std::uint32_t> segments_;  // of the parts
     std::vector<Box> boxes_;               // until they are the leaves of the tree
+    std::vector<std::uint32_t> least_;     // ranks, of the nodes of all levels, leaves first
     BoxTree tree_;
   };
 
@@ -66,6 +76,8 @@ class Beside {
   };
 
   static int BundleOf(const ZBR_SEG& g);
+  // 0 in the second list, then by place in the first.
+  std::uint32_t RankOf(std::uint32_t i) const { return i < first_.size() ? i + 1 : 0; }
   void MeasureLong();
   void AddLong(std::uint32_t i);
   // Call use(p, q) for both ends, or all pieces, of a long segment.
@@ -99,18 +111,18 @@ void Beside::ForEach(std::uint32_t i, Visit visit) const {
   const ZBR_SEG& g = At(i);
   if (!IsLong(g)) {
     const Box box = BoxOfSegment(g.s(), g.e()).Widened(width_);
-    if (shorts_.Search(box, visit)) pieces_.Search(box, visit);
+    if (shorts_.Search(box, i, visit)) pieces_.Search(box, i, visit);
     return;
   }
   const int at = BundleOf(g);
   for (const int step : {0, 1, kBundles - 1}) {
     const Bundle& bundle = bundles_[static_cast<std::size_t>((at + step) % kBundles)];
     const Box box = BoxOfSegment(bundle.Turned(g.s()), bundle.Turned(g.e())).Widened(width_);
-    if (!bundle.tree.Search(box, visit)) return;
+    if (!bundle.tree.Search(box, i, visit)) return;
   }
   bool goOn = true;
   const auto search = [&](const PartTree& tree, const ZBR_PT& p, const ZBR_PT& q) {
-    goOn = goOn && tree.Search(BoxOfSegment(p, q).Widened(width_), visit);
+    goOn = goOn && tree.Search(BoxOfSegment(p, q).Widened(width_), i, visit);
   };
   ForEachEnd(g, [&](const ZBR_PT& p, const ZBR_PT& q) { search(ends_, p, q); });
   ForEachPiece(g, [&](const ZBR_PT& p, const ZBR_PT& q) { search(shorts_, p, q); });

@@ -1,11 +1,19 @@
+// Where lines are stacked, as the edges of a twisted surface seen along its axis are by the hundred, each lies beside all of the
+// stack, and as a rule few of them cover it. So segments are taken in spatial order, and each is held against those first that
+// covered the ones before. What is covered is a union of ranges: it makes no difference who is asked first.
 #include "segments/covered_parts.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 #include "core/planar_inline.h"
 #include "core/radix_sort.h"
 #include "core/tolerance_state.h"
+#include "segments/beside.h"
 
 namespace zbr {
 namespace {
@@ -55,63 +63,168 @@ void Join(std::vector<std::pair<double, double>>& ranges) {
   ranges.resize(kept);
 }
 
+// Segments by their ends, in either direction.
+class EqualSegments {
+ public:
+  explicit EqualSegments(std::size_t count) : places_(std::bit_ceil(2 * count + 1), nullptr) {}
+
+  // The one that was there before, or null: then it is added.
+  const ZBR_SEG* FindOrAdd(const ZBR_SEG& g) {
+    const std::size_t mask = places_.size() - 1;
+    std::size_t place = Hash(g) & mask;
+    while (places_[place] != nullptr && !AreEqual(*places_[place], g)) place = (place + 1) & mask;
+    if (places_[place] != nullptr) return places_[place];
+    places_[place] = &g;
+    return nullptr;
+  }
+
+ private:
+  static std::uint64_t Mixed(double d) {
+    std::uint64_t h = std::bit_cast<std::uint64_t>(d + 0.0) * 0x9e3779b97f4a7c15U;  // -0 is 0
+    h ^= h >> 32U;
+    return h * 0x9e3779b97f4a7c15U;
+  }
+  static std::uint64_t Hash(const ZBR_PT& p) { return Mixed(p.x()) + 3 * Mixed(p.y()); }
+  static std::size_t Hash(const ZBR_SEG& g) {
+    const std::uint64_t sum = Hash(g.s()) + Hash(g.e());
+    return static_cast<std::size_t>(sum ^ sum >> 32U);
+  }
+  static bool AreEqual(const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); }
+  static bool AreEqual(const ZBR_SEG& g, const ZBR_SEG& h) {
+    return (AreEqual(g.s(), h.s()) && AreEqual(g.e(), h.e())) || (AreEqual(g.s(), h.e()) && AreEqual(g.e(), h.s()));
+  }
+
+  std::vector<const ZBR_SEG*> places_;
+};
+
+// The segments that do not repeat one of the others or an earlier one: what those cover, repeats do not add to, and of a wall seen
+// edge-on most lines are repeats.
+std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width) {
+  EqualSegments all(others.size() + segments.size());
+  for (const ZBR_SEG& g : others) all.FindOrAdd(g);
+  std::vector<std::uint32_t> found;
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    const ZBR_SEG& g = segments[i];
+    const ZBR_SEG* const same = all.FindOrAdd(g);
+    std::pair<double, double> range;
+    const double eps = t_tolerance.eps;
+    const bool isCovered =
+        same != nullptr && RangeAlong(g, *same, eps, width, range) && IsWhole(range, eps / g.s().Distance(g.e()));
+    if (!isCovered) found.push_back(static_cast<std::uint32_t>(i));
+  }
+  return found;
+}
+
+// Finds what covers one segment after another.
+class Cover {
+ public:
+  Cover(std::span<const ZBR_SEG> segments, const Beside& beside, double width)
+      : segments_(segments), beside_(beside), width_(width) {
+    recent_.fill(kNone);
+  }
+
+  // The parts of segment i that are not covered.
+  void AddGaps(std::uint32_t i, std::vector<Gap>& gaps) {
+    Find(i);
+    double from = 0.0;
+    for (const auto& [t0, t1] : ranges_) {
+      if (t0 - from > least_) gaps.push_back({i, from, t0});
+      from = std::max(from, t1);
+    }
+    if (1.0 - from > least_) gaps.push_back({i, from, 1.0});
+  }
+
+ private:
+  static constexpr std::size_t kRecent = 16;  // those asked first: more find more, and each costs
+  static constexpr std::size_t kMany = 8;     // ranges that are joined at once
+  static constexpr auto kNone = std::numeric_limits<std::uint32_t>::max();
+
+  // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
+  void Find(std::uint32_t i) {
+    g_ = segments_[i];
+    least_ = t_tolerance.eps / g_.s().Distance(g_.e());
+    box_ = BoxOfSegment(g_.s(), g_.e()).Widened(width_);
+    limit_ = kMany;
+    ranges_.clear();
+    const auto isOfUse = [&](std::uint32_t k) { return k != kNone && !(k >= i && IsOwn(k)); };
+    std::any_of(recent_.begin(), recent_.end(), [&](std::uint32_t k) { return isOfUse(k) && Fills(k); });
+    Join(ranges_);
+    if (std::any_of(ranges_.begin(), ranges_.end(), [&](const auto& range) { return IsWhole(range, least_); })) return;
+    best_.fill(kNone);
+    beside_.ForEach(i, [this](std::uint32_t k) { return !Fills(k); });
+    Join(ranges_);
+    for (const std::uint32_t k : best_) Remember(k);
+  }
+
+  // Adds what segment k covers. Whether nothing is left then.
+  bool Fills(std::uint32_t k) {
+    const ZBR_SEG& other = beside_.At(k);
+    std::pair<double, double> range;
+    if (!Overlap(box_, BoxOfSegment(other.s(), other.e()))) return false;
+    if (!RangeAlong(g_, other, t_tolerance.eps, width_, range)) return false;
+    const bool fromStart = !(range.first > least_), toEnd = !(1.0 - range.second > least_);
+    std::uint32_t& best = best_[fromStart ? 0 : toEnd ? 1 : 2];
+    if (best == kNone || IsBefore(k, best)) best = k;
+    ranges_.push_back(range);
+    if (ranges_.size() >= limit_) {
+      Join(ranges_);
+      limit_ = std::max(kMany, 2 * ranges_.size());
+      range = ranges_.front();
+    }
+    return IsWhole(range, least_);
+  }
+
+  void Remember(std::uint32_t k) {
+    if (k == kNone || std::find(recent_.begin(), recent_.end(), k) != recent_.end()) return;
+    recent_[next_] = k;
+    next_ = (next_ + 1) % kRecent;
+  }
+
+  bool IsOwn(std::uint32_t k) const { return k < segments_.size(); }
+  // Others come before segments.
+  bool IsBefore(std::uint32_t k, std::uint32_t l) const { return IsOwn(k) == IsOwn(l) ? k < l : !IsOwn(k); }
+
+  std::span<const ZBR_SEG> segments_;
+  const Beside& beside_;  // the segments first
+  const double width_;
+  // Of segment i:
+  ZBR_SEG g_;
+  double least_ = 0.0;  // parameter of the shortest part that counts
+  Box box_;
+  std::vector<std::pair<double, double>> ranges_;
+  std::size_t limit_ = kMany;            // of ranges before they are joined again
+  std::array<std::uint32_t, 3> best_{};  // the first that covers its start, its end, a part between
+  // Of those before:
+  std::array<std::uint32_t, kRecent> recent_{};
+  std::size_t next_ = 0;
+};
+
 }  // namespace
 
-CoveredParts::CoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width)
-    : segments_(segments), width_(width), beside_(segments, others, width) {}
-
-std::vector<CoveredParts::Gap> CoveredParts::Gaps(const Sharing& sharing) const {
+std::vector<Gap> UncoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width,
+                                const Sharing& sharing) {
+  const std::vector<std::uint32_t> numbers = FindNew(others, segments, width);
+  std::vector<ZBR_SEG> news;
   std::vector<ZBR_PT> centres;
-  centres.reserve(segments_.size());
-  for (const ZBR_SEG& g : segments_) centres.push_back((g.s() + g.e()) / 2.0);
-  const std::vector<std::uint32_t> order = SpatialOrder(centres);  // neighbours in the plane read the same part of the trees
+  for (const std::uint32_t i : numbers) {
+    news.push_back(segments[i]);
+    centres.push_back((segments[i].s() + segments[i].e()) / 2.0);
+  }
+  if (news.empty()) return {};
+  const Beside beside(news, others, width, sharing);
+  const std::vector<std::uint32_t> order = SpatialOrder(centres);
   constexpr std::size_t kPiece = 4096;
   std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
   sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
-    Ranges ranges;
-    for (std::size_t k = begin; k < end; ++k) AddGaps(order[k], ranges, parts[piece]);
+    Cover cover(news, beside, width);
+    for (std::size_t k = begin; k < end; ++k) cover.AddGaps(order[k], parts[piece]);
   });
   std::vector<Gap> gaps;
   for (const std::vector<Gap>& part : parts) gaps.insert(gaps.end(), part.begin(), part.end());
+  for (Gap& gap : gaps) gap.segment = numbers[gap.segment];
   std::vector<Gap> scratch;
   RadixSort(gaps, scratch, [](const Gap& gap) { return gap.segment; });
   return gaps;
-}
-
-void CoveredParts::AddGaps(std::uint32_t i, Ranges& ranges, std::vector<Gap>& gaps) const {
-  FindCovered(i, ranges);
-  const double least = t_tolerance.eps / segments_[i].s().Distance(segments_[i].e());
-  double from = 0.0;
-  for (const auto& [t0, t1] : ranges) {
-    if (t0 - from > least) gaps.push_back({i, from, t0});
-    from = std::max(from, t1);
-  }
-  if (1.0 - from > least) gaps.push_back({i, from, 1.0});
-}
-
-// Where lines lie on each other by the hundred, the first few cover all there is.
-void CoveredParts::FindCovered(std::uint32_t i, Ranges& ranges) const {
-  const double eps = t_tolerance.eps;
-  const ZBR_SEG& g = segments_[i];
-  const double least = eps / g.s().Distance(g.e());
-  const Box box = BoxOfSegment(g.s(), g.e()).Widened(width_);
-  constexpr std::size_t kMany = 64;
-  std::size_t limit = kMany;
-  ranges.clear();
-  std::pair<double, double> range;
-  beside_.ForEach(i, [&](std::uint32_t k) {
-    if (k >= i && k < segments_.size()) return true;
-    const ZBR_SEG& other = beside_.At(k);
-    if (!RangeAlong(g, other, eps, width_, range) || !Overlap(box, BoxOfSegment(other.s(), other.e()))) return true;
-    ranges.push_back(range);
-    if (ranges.size() >= limit) {
-      Join(ranges);
-      limit = std::max(kMany, 2 * ranges.size());
-      range = ranges.front();
-    }
-    return !IsWhole(range, least);
-  });
-  Join(ranges);
 }
 
 }  // namespace zbr
