@@ -200,9 +200,12 @@ bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, st
 
 std::vector<PartOfStretch> WithoutDoubles(const Scene& scene, const Circles* circles, const std::vector<CurvedStretch>& visible,
                                           const std::vector<CurvedStretch>& hidden) {
-  double length = 0.0;
-  for (const CurvedStretch& stretch : hidden) length += stretch.segment.s().Distance(stretch.segment.e());
-  Kept kept(scene, circles, std::max(2.0 * kLineWidth, hidden.empty() ? 0.0 : length / static_cast<double>(hidden.size())));
+  double length = 0.0;  // cells as long as the mean line are in number as the lines are
+  for (const auto* stretches : {&visible, &hidden}) {
+    for (const CurvedStretch& stretch : *stretches) length += stretch.segment.s().Distance(stretch.segment.e());
+  }
+  const auto count = static_cast<double>(std::max<std::size_t>(visible.size() + hidden.size(), 1));
+  Kept kept(scene, circles, std::max(2.0 * kLineWidth, length / count));
   for (const CurvedStretch& stretch : visible) kept.Add(stretch);
   std::vector<PartOfStretch> left;
   for (std::size_t k = 0; k < hidden.size(); ++k) {
