@@ -92,7 +92,9 @@ bool Meet(const std::vector<ZBR_PT3>& p, const Triangle& t, const Triangle& u) {
     const ZBR_PT3 &a = p[(*through)[0]], &b = p[(*through)[1]], &c = p[(*through)[2]];
     for (std::size_t i = 0; i < 3; ++i) {
       const std::uint32_t from = (*by)[i], to = (*by)[(i + 1) % 3];
-      const auto isCorner = [&](std::uint32_t q) { return std::find(through->begin(), through->end(), q) != through->end(); };
+      const auto isCorner = [&corners = *through](std::uint32_t q) {
+        return std::find(corners.begin(), corners.end(), q) != corners.end();
+      };
       if (isCorner(from) || isCorner(to) || (Volume(a, b, c, p[from]) > 0) == (Volume(a, b, c, p[to]) > 0)) continue;
       const bool hand = Volume(p[from], p[to], a, b) > 0;
       if (hand == (Volume(p[from], p[to], b, c) > 0) && hand == (Volume(p[from], p[to], c, a) > 0)) return true;
