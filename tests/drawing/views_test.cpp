@@ -11,6 +11,7 @@
 #include <iterator>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "models/models.h"
 #include "models/solid.h"
@@ -92,6 +93,43 @@ TEST(Perspective, RaysToTheEyeAgree) {
   EXPECT_GT(seen, 200);
   EXPECT_GT(unseen, 100);
   EXPECT_LE(wrong, unseen / 100);  // what is hidden may lie under a line that is not
+}
+
+// The rims of a drum, from aside, from above, and from so near that one reaches behind the eye; that one stays a chain.
+TEST(Perspective, CirclesBeforeTheEyeAreEllipses) {
+  constexpr double kRadius = 5.0, kHeight = 3.0;
+  const Model model = MakeModel(example::Cylinder(64, kRadius, kHeight), 30.0);
+  for (const auto& [eye, at, rims] : {std::tuple{ZBR_PT3(12, -9, 8), ZBR_PT3(1, 0, 0), 2U},
+                                      {ZBR_PT3(0, 0, 9), ZBR_PT3(0, 0, 0), 1U},
+                                      {ZBR_PT3(0.3, 1, 30), ZBR_PT3(2, 3, 0), 1U},
+                                      {ZBR_PT3(2, 0, 5), ZBR_PT3(9, 0, 2), 0U}}) {
+    const View view = LookFrom(eye, at, {0.1, 1, 0.2});
+    const ViewLines drawn = DrawViews(model, {{"eye", view}}, {}).front();
+    std::size_t found = 0;
+    for (const double z : {0.0, kHeight}) {
+      const auto isSeenAs = [&](const CircleRun& run) {
+        double off = 0.0;
+        for (int k = 0; k < 100; ++k) {
+          const ZBR_PT3 q = view.In(ZBR_PT3(kRadius * std::cos(k * 0.0628), kRadius * std::sin(k * 0.0628), z) - eye);
+          const ZBR_PT p = q.xy() * (view.perspective->distance / -q.z()) - run.centre;
+          off = std::max(
+              off, std::abs(std::hypot(p.InnerProduct(run.u) / run.u.Length2(), p.InnerProduct(run.v) / run.v.Length2()) - 1));
+        }
+        return off < 1e-6;
+      };
+      const auto isOne = [&](const Line& line) {
+        return std::any_of(line.chain.curves.begin(), line.chain.curves.end(), isSeenAs);
+      };
+      found += std::any_of(drawn.lines.begin(), drawn.lines.end(), isOne) ? 1 : 0;
+    }
+    EXPECT_EQ(found, rims);
+    for (const Line& line : drawn.lines) {
+      for (const CircleRun& run : line.chain.curves) {
+        EXPECT_NEAR(run.At(run.t0).Distance(line.chain.points[run.at]), 0, 1e-6);
+        EXPECT_NEAR(run.At(run.t1).Distance(line.chain.points[run.last]), 0, 1e-6);
+      }
+    }
+  }
 }
 
 TEST(Perspective, EyesThatSeeNothing) {
