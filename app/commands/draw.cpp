@@ -94,7 +94,7 @@ void NoteUnseen(const std::vector<ViewLines>& views, bool centreLines, Progress&
                     (view.view.perspective ? ", as where the eye is within the material" : ""));
     if (centreLines && view.centres.marks.empty() && view.centres.axes.empty())
       progress.Note(view.name + (view.view.perspective ? ": note: perspectives have no centre lines"
-                                                       : ": note: no centre lines: no circle is seen face-on or from the side"));
+                                                       : ": note: no centre lines: no circle is seen"));
   }
 }
 

@@ -13,8 +13,11 @@ namespace {
 
 // Sine of the tilt up to which a circle counts as seen face-on, or an axis from the side.
 constexpr double kTilt = 1e-5;
-// As parts of the diagonal: what is closer together is one line on paper.
+// As parts of the diagonal: what is closer together is one line on paper; how far apart dashed lines have to be to be read as two.
 constexpr double kSamePlace = 1e-4;
+constexpr double kApart = 3e-3;
+// Ratio of an ellipse's half axes below which the longer one would lie on the ellipse.
+constexpr double kFlat = 0.02;
 
 // How much of a turn there is of each circle.
 std::vector<double> TurnsOf(const Model& model, const Circles& circles) {
@@ -89,12 +92,15 @@ class Finder {
       along = along * (1.0 / along.Length());
       if (along.x() < -0.5 || (along.x() < 0.5 && along.y() < 0)) along = along * -1.0;  // one of both ways, whatever rounding says
       AddToAxis(centre, along, circle.radius);
+    } else {
+      AddSlanted(circle, centre, std::abs(slant));
     }
   }
 
   Centres Take() {
     for (const Axis& axis : axes_)
       centres_.axes.push_back({axis.at + axis.along * axis.from, axis.at + axis.along * axis.to, axis.radius});
+    centres_.axes.insert(centres_.axes.end(), arms_.begin(), arms_.end());
     return std::move(centres_);
   }
 
@@ -102,6 +108,7 @@ class Finder {
   struct Axis {
     ZBR_PT at, along;
     double from, to, radius;
+    const Circle* slanted = nullptr;  // one that it is the axis of, where that is neither seen from the side nor as a point
   };
 
   void AddMark(const ZBR_PT& centre, double radius) {
@@ -116,6 +123,7 @@ class Finder {
   // Holes in line have one axis.
   void AddToAxis(const ZBR_PT& centre, const ZBR_PT& along, double radius) {
     for (Axis& axis : axes_) {
+      if (axis.slanted != nullptr) continue;
       if (std::abs(axis.along.OuterProduct(along)) > kTilt || std::abs(axis.along.OuterProduct(centre - axis.at)) > same_) continue;
       const double at = axis.along.InnerProduct(centre - axis.at);
       axis.from = std::min(axis.from, at);
@@ -126,11 +134,41 @@ class Finder {
     axes_.push_back({centre, along, 0.0, 0.0, radius});
   }
 
+  // The axis of the body runs along the shorter axis of the ellipse, and beyond it; the longer one makes it a cross.
+  void AddSlanted(const Circle& circle, const ZBR_PT& centre, double ratio) {
+    const ZBR_PT seen = view_.In(circle.axis).xy(), along = seen * (1.0 / seen.Length());
+    AddToSlanted(circle, centre, along, ratio * circle.radius);
+    if (ratio < kFlat) return;
+    const ZBR_PT arm = ZBR_PT(-along.y(), along.x()) * circle.radius;
+    for (CentreAxis& other : arms_) {
+      if (((other.from + other.to) * 0.5).Distance(centre) > kApart * model_.Diagonal()) continue;
+      if (std::abs((other.to - other.from).OuterProduct(arm)) > kTilt * other.radius * circle.radius) continue;
+      if (other.radius < circle.radius) other = {centre - arm, centre + arm, circle.radius};
+      return;
+    }
+    arms_.push_back({centre - arm, centre + arm, circle.radius});
+  }
+
+  // Holes in line in space have one axis; others that look as if they were are at different depths.
+  void AddToSlanted(const Circle& circle, const ZBR_PT& centre, const ZBR_PT& along, double reach) {
+    for (Axis& axis : axes_) {
+      if (axis.slanted == nullptr || axis.slanted->axis.OuterProduct(circle.axis).Length() > kTilt) continue;
+      if (axis.slanted->axis.OuterProduct(circle.centre - axis.slanted->centre).Length() > same_) continue;
+      const double at = axis.along.InnerProduct(centre - axis.at);
+      axis.from = std::min(axis.from, at - reach);
+      axis.to = std::max(axis.to, at + reach);
+      axis.radius = std::max(axis.radius, circle.radius);
+      return;
+    }
+    axes_.push_back({centre, along, -reach, reach, circle.radius, &circle});
+  }
+
   const Model& model_;
   const View& view_;
   double same_;
   Centres centres_;
   std::vector<Axis> axes_;
+  std::vector<CentreAxis> arms_;  // of crosses, across the axes
 };
 
 }  // namespace

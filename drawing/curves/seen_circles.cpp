@@ -16,6 +16,9 @@ constexpr double kEdgeOn = 1e-4;
 // Sine of the tilt below which it is drawn as a circle: the half axes differ by half its square.
 constexpr double kFaceOn = 1e-5;
 
+// How near to the eye, as a part of the distance of its centre, a circle may come that is drawn as the ellipse that it is seen as.
+constexpr double kNearest = 1e-3;
+
 }  // namespace
 
 SeenCircles::SeenCircles(const Model& model, const Scene& scene, const Circles* circles)
@@ -23,9 +26,37 @@ SeenCircles::SeenCircles(const Model& model, const Scene& scene, const Circles* 
   if (circles != nullptr) seen_.resize(circles->all.size());
 }
 
+// A place of the circle at the angle t, from where it is farthest from the eye, is seen at (A + B cos t + D sin t) / (w (1 + e cos
+// t)): w is the distance of its centre along the line of sight, and e below 1 for what is wholly before the eye. With s such that
+// cos s = (cos t + e) / (1 + e cos t), that is an ellipse in s.
+SeenCircles::Seen SeenCircles::LookFromEye(const Circle& circle) const {
+  const Perspective& from = *scene_.view.perspective;
+  Seen seen;
+  seen.isKnown = true;
+  ZBR_PT3 down = -scene_.view.toViewer;
+  down = down - circle.axis * circle.axis.InnerProduct(down);
+  if (down.Length() < kFaceOn) down = scene_.view.right - circle.axis * circle.axis.InnerProduct(scene_.view.right);
+  const ZBR_PT3 x = down * (1.0 / down.Length()), y = circle.axis.OuterProduct(x);
+  const ZBR_PT3 a = scene_.view.In(circle.centre - from.eye), b = scene_.view.In(x) * circle.radius,
+                d = scene_.view.In(y) * circle.radius;
+  const double w = -a.z(), e = -b.z() / w, rest = 1.0 - e * e;
+  if (!(w + b.z() > std::max(from.Nearest(), kNearest * w))) return seen;
+  drawing::Curve ellipse;
+  ellipse.centre = (a.xy() - b.xy() * e) * (from.distance / (w * rest));
+  ellipse.u = (b.xy() - a.xy() * e) * (from.distance / (w * rest));
+  ellipse.v = d.xy() * (from.distance / (w * std::sqrt(rest)));
+  const drawing::Curve onAxes = OnAxes(ellipse);
+  seen.centre = onAxes.centre;
+  seen.u = onAxes.u;
+  seen.v = onAxes.v;
+  seen.isCurve = seen.v.Length() > kEdgeOn * seen.u.Length();
+  return seen;
+}
+
 // The longer half axis is the one at right angles to the line of sight, and so is not foreshortened.
 SeenCircles::Seen SeenCircles::Look(const Circle& circle) const {
   const View& view = scene_.view;
+  if (view.perspective) return LookFromEye(circle);
   const ZBR_PT3 axis = circle.axis.InnerProduct(view.toViewer) < 0 ? -circle.axis : circle.axis;
   const double ratio = axis.InnerProduct(view.toViewer);
   const ZBR_PT3 level = view.toViewer.OuterProduct(axis);
@@ -60,6 +91,16 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
   Seen& seen = seen_[circle];
   if (!seen.isKnown) seen = Look(circles_->all[circle]);
   if (!seen.isCurve) return;
+  segment.circle = circle;
+  if (scene_.view.perspective) {
+    const auto angle = [&](const ZBR_PT& p) {
+      const ZBR_PT q = scene_.ToDrawing(p) - seen.centre;
+      return Atan2(q.InnerProduct(seen.v) / seen.v.Length2(), q.InnerProduct(seen.u) / seen.u.Length2());
+    };
+    segment.t0 = angle(segment.segment.s());
+    segment.t1 = angle(segment.segment.e());
+    return;
+  }
 
   const ZBR_PT3 &start = VertexOf(record, edge).GetPt(), &end = VertexOf(record, (edge + 1) % 3).GetPt();
   const ZBR_PT a = scene_.FromModel(start).xy(), b = scene_.FromModel(end).xy();
@@ -70,7 +111,6 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
     const ZBR_PT3 q = from * (1.0 - t) + to * t;
     return Atan2(q.InnerProduct(seen.y), q.InnerProduct(seen.x));
   };
-  segment.circle = circle;
   segment.t0 = angle(segment.segment.s());
   segment.t1 = angle(segment.segment.e());
 }

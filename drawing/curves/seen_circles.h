@@ -25,13 +25,14 @@ class SeenCircles {
   CircleRun Curve(std::uint32_t circle) const;
 
  private:
-  // The half axes in space and in the drawing, of which none are needed for circles seen edge-on.
+  // The half axes in the drawing and, in parallel views, in space. None are needed for circles seen edge-on.
   struct Seen {
     bool isKnown = false, isCurve = false;
     ZBR_PT3 x, y;
     ZBR_PT centre, u, v;
   };
   Seen Look(const Circle& circle) const;
+  Seen LookFromEye(const Circle& circle) const;
 
   const Model& model_;
   const Scene& scene_;

@@ -72,10 +72,9 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
                   unsigned threads, Prepared& view) {
   const bool hidden = options.hidden == HiddenLines::kInAllViews ||
                       (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
-  const bool curves = options.curves && !direction.view.perspective;
   std::vector<Line> silhouettes;
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
-  ViewLines lines = CollectLines(model, view.scene, hidden, curves ? &*found.circles : nullptr, threads);
+  ViewLines lines = CollectLines(model, view.scene, hidden, options.curves ? &*found.circles : nullptr, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });

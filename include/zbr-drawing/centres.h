@@ -21,7 +21,8 @@ struct CentreMark {
   double radius = 0.0;
 };
 
-// An axis seen from the side, from the first to the last of the circles around it.
+// An axis as the view shows it, from the first to the last of the circles around it; of circles seen at a slant, which are ellipses,
+// to the far sides of these. Their longer axes are centre lines as well, and make crosses with it.
 struct CentreAxis {
   ZBR_PT from, to;
   double radius = 0.0;  // of the largest circle
@@ -33,7 +34,7 @@ struct Centres {
 };
 
 // Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that the lines of the view
-// have edges of. Circles seen at a slant have none, as drawings that show several sides at once have none.
+// have edges of.
 Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view);
 
 }  // namespace zbr::drawing
