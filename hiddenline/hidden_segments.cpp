@@ -65,25 +65,64 @@ void AddVisible(const Intervals& visible, Collector out) {
   for (const ZBR_HL_INTERVAL& v : visible) out.Add(v.s.t, v.e.t);
 }
 
+// The triangles of several shells, counted through.
+class AllTriangles {
+ public:
+  AllTriangles(const ZBR_HL_SHELL* shells, unsigned count) : shells_(shells), begins_(count + std::size_t{1}) {
+    for (unsigned s = 0; s < count; ++s) begins_[s + 1] = begins_[s] + shells[s].count;
+  }
+
+  std::size_t Count() const { return begins_.back(); }
+
+  // Calls visit(triangle, source), whose edge is 0, for those from one place to another.
+  template <class Visit>
+  void ForEach(std::size_t begin, std::size_t end, Visit visit) const {
+    auto s = static_cast<std::size_t>(std::upper_bound(begins_.begin(), begins_.end(), begin) - begins_.begin()) - 1;
+    for (std::size_t k = begin; k < end; ++k) {
+      while (k >= begins_[s + 1]) ++s;
+      const std::size_t place = k - begins_[s];
+      visit(shells_[s].tris[place], ZBR_HL_SOURCE{static_cast<int>(s), static_cast<int>(place), 0});
+    }
+  }
+
+ private:
+  const ZBR_HL_SHELL* shells_;
+  std::vector<std::size_t> begins_;  // of shells, and the end
+};
+
+template <class T>
+void Append(std::vector<T>& all, std::vector<T>& part) {
+  all.insert(all.end(), part.begin(), part.end());
+  std::vector<T>().swap(part);
+}
+
 // Runs add(visible intervals, collector) on each drawable edge that is wanted.
 template <class AddEdge, class Wanted>
-Stretches Collect(const ZBR_HL_SHELL* shells, unsigned count, AddEdge add, Wanted wanted) {
-  Stretches out;
-  for (unsigned s = 0; s < count; ++s) {
-    for (unsigned k = 0; k < shells[s].count; ++k) {
-      const ZBR_HL_TRI& t = shells[s].tris[k];
-      for (int i = 0; i < 3; ++i) {
-        const ZBR_HL_SOURCE source{static_cast<int>(s), static_cast<int>(k), i};
-        if (t.dispj[i] && wanted(source)) add(t.intvl_v[i], Collector(t, source, out));
+Stretches Collect(const AllTriangles& triangles, const Sharing& sharing, AddEdge add, Wanted wanted) {
+  constexpr std::size_t kPiece = 16384;
+  std::vector<Stretches> parts(Sharing::PieceCount(triangles.Count(), kPiece));
+  sharing.InPieces(triangles.Count(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+    triangles.ForEach(begin, end, [&](const ZBR_HL_TRI& t, ZBR_HL_SOURCE source) {
+      for (source.edge = 0; source.edge < 3; ++source.edge) {
+        if (t.dispj[source.edge] && wanted(source)) add(t.intvl_v[source.edge], Collector(t, source, parts[piece]));
       }
-    }
+    });
+  });
+  Stretches out;
+  std::size_t count = 0;
+  for (const Stretches& part : parts) count += part.segments.size();
+  out.segments.reserve(count);
+  out.sources.reserve(count);
+  for (Stretches& part : parts) {
+    Append(out.segments, part.segments);
+    Append(out.sources, part.sources);
   }
   return out;
 }
 
 template <class AddEdge>
-Stretches Collect(const ZBR_HL_SHELL* shells, unsigned count, AddEdge add) {
-  return Collect(shells, count, add, [](const ZBR_HL_SOURCE&) { return true; });
+Stretches Collect(const AllTriangles& triangles, const Sharing& sharing, AddEdge add) {
+  return Collect(triangles, sharing, add, [](const ZBR_HL_SOURCE&) { return true; });
 }
 
 void Keep(Stretches& stretches, const std::vector<char>& marks) {
@@ -117,18 +156,19 @@ void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, doubl
 }
 
 // As a person draws: each line once, and no hidden line along a visible one.
-Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, unsigned count, double width, const Sharing& sharing) {
-  const Stretches visible = Collect(shells, count, AddVisible);
-  Stretches hidden = Collect(shells, count, AddGaps,
+Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, const AllTriangles& triangles, double width, const Sharing& sharing) {
+  const std::vector<ZBR_SEG> visible = Collect(triangles, sharing, AddVisible).segments;
+  Stretches hidden = Collect(triangles, sharing, AddGaps,
                              [shells](const ZBR_HL_SOURCE& source) { return !IsLeftToNeighbour(shells[source.shell], source); });
-  KeepUncovered(hidden, visible.segments, width, sharing);
+  KeepUncovered(hidden, visible, width, sharing);
   return hidden;
 }
 
 Stretches HiddenStretches(const ZBR_HL_SHELL* shells, unsigned count, int mode, double width, const Sharing& sharing) {
-  if (mode >= 3) return HiddenDrawing(shells, count, std::max(width, t_tolerance.eps), sharing);
-  Stretches hidden = Collect(shells, count, AddGaps);
-  if (mode == 2) Keep(hidden, NotIn(Collect(shells, count, AddVisible).segments, hidden.segments));
+  const AllTriangles triangles(shells, count);
+  if (mode >= 3) return HiddenDrawing(shells, triangles, std::max(width, t_tolerance.eps), sharing);
+  Stretches hidden = Collect(triangles, sharing, AddGaps);
+  if (mode == 2) Keep(hidden, NotIn(Collect(triangles, sharing, AddVisible).segments, hidden.segments));
   Keep(hidden, FirstOfEach(hidden.segments));
   return hidden;
 }
