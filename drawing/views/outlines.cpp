@@ -134,19 +134,33 @@ class PlacesInDrawing {
   std::unordered_map<Place, ZBR_PT, PlaceHash> places_;
 };
 
-}  // namespace
-
-void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned threads) {
+// Whole outlines, and what they run along if `traced`: corners are all that the way back needs.
+std::vector<ObjectShells> OutlineAll(const Model& model, Scene& scene, bool traced, unsigned threads) {
   GiveUpLines(scene);
   scene.outlines.assign(model.ObjectCount(), {});
-  const std::vector<ObjectShells> objects = ObjectsOf(model, scene);
+  std::vector<ObjectShells> objects = ObjectsOf(model, scene);
   RunParallel(objects.size(), threads, [&](std::size_t i) {
     const ZBR_TmpEps hold(kOutlineTolerance);
     ZBR_HL_OUTLINE_SOURCES& sources = *objects[i].sources;
     ZBR_HiddenLine::OutLineObj(objects[i].first, objects[i].count, sources);
-    sources.pieces = {};  // corners are all that the way back needs
+    if (traced) return;
+    sources.pieces = {};
     sources.offsets = {};
   });
+  return objects;
+}
+
+// In the model's numbers; a scene's are places in the shells of an object.
+OutlinePiece PieceOf(const Model& model, std::uint32_t firstShell, const ZBR_HL_PIECE& piece) {
+  const std::uint32_t shell = firstShell + static_cast<std::uint32_t>(piece.source.shell);
+  const std::size_t triangle = model.shellBegin[shell] + static_cast<std::size_t>(piece.source.triangle);
+  return {shell, {model.source[triangle], static_cast<std::uint8_t>(piece.source.edge)}, piece.t0, piece.t1};
+}
+
+}  // namespace
+
+void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned threads) {
+  const std::vector<ObjectShells> objects = OutlineAll(model, scene, false, threads);
   if (!narrow || objects.size() < 2) return;
   RemoveHidden(scene, threads);
   const ZBR_TmpEps hold(kSceneTolerance);
@@ -165,6 +179,20 @@ std::vector<LoopList> FindOutlines(const Model& model, const View& view, bool na
   Scene scene = MakeScene(model, view);
   FindOutlines(model, scene, narrow, threads);
   return OutlinesInPlace(model, scene);
+}
+
+std::vector<TracedOutline> TraceOutlines(const Model& model, const View& view, unsigned threads) {
+  Scene scene = MakeScene(model, view);
+  OutlineAll(model, scene, true, threads);
+  std::vector<TracedOutline> traced(model.ObjectCount());
+  std::vector<LoopList> outlines = OutlinesInPlace(model, scene);
+  for (std::size_t k = 0; k < traced.size(); ++k) {
+    traced[k].loops = std::move(outlines[k]);
+    ZBR_HL_OUTLINE_SOURCES& sources = scene.outlines[k];
+    for (const ZBR_HL_PIECE& piece : sources.pieces) traced[k].pieces.push_back(PieceOf(model, model.objectBegin[k], piece));
+    if (!sources.offsets.empty()) traced[k].offsets = std::move(sources.offsets);
+  }
+  return traced;
 }
 
 }  // namespace zbr::drawing

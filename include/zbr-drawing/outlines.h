@@ -10,6 +10,7 @@
 #include <zbr-drawing/scene.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace zbr::drawing {
@@ -32,5 +33,25 @@ std::vector<LoopList> OutlinesInPlace(const Model& model, const Scene& scene);
 
 // The same of a view whose scene nobody else needs.
 std::vector<LoopList> FindOutlines(const Model& model, const View& view, bool narrow, unsigned threads);
+
+// Part of an edge of the mesh, from parameter t0 to t1, where 0 is the corner that the edge starts at. t0 > t1: against it.
+struct OutlinePiece {
+  std::uint32_t shell = 0;
+  EdgeRef edge;
+  double t0 = 0.0, t1 = 1.0;
+};
+
+// An outline and what it runs along. Its edges are counted through all loops, each outer loop before its holes, an edge by the
+// point that it starts at.
+struct TracedOutline {
+  LoopList loops;
+  // Edge i runs along pieces[offsets[i]] up to pieces[offsets[i + 1]]: one after the other or, where edges lie over each other,
+  // side by side. A parameter is exactly 0 or 1 where an edge of the mesh begins or ends.
+  std::vector<OutlinePiece> pieces;
+  std::vector<std::size_t> offsets{0};
+};
+
+// The whole outline of every object, with the model's origin as the origin, as OutlinesInPlace gives it.
+std::vector<TracedOutline> TraceOutlines(const Model& model, const View& view, unsigned threads);
 
 }  // namespace zbr::drawing

@@ -9,6 +9,7 @@
 #include <zbr-formats/meshes.h>
 
 #include <algorithm>
+#include <limits>
 #include <thread>
 #include <utility>
 
@@ -49,13 +50,22 @@ std::shared_ptr<MeshData> Named(drawing::Mesh mesh, const std::string& file, con
   return data;
 }
 
+std::vector<std::uint32_t> ShellNumbers(PyObject* shells, std::size_t triangles) {
+  const std::vector<std::int32_t> numbers = ReadIntegers(shells, "shells", 0, 0, std::numeric_limits<std::int32_t>::max());
+  if (numbers.size() != triangles)
+    throw BadArgument(
+        "shells", "a number for each of " + std::to_string(triangles) + " faces is needed, not " + std::to_string(numbers.size()));
+  return {numbers.begin(), numbers.end()};
+}
+
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("Mesh", {"points", "faces", "y_up", "name"}, 2, args, keywords);
+    const Arguments<5> given("Mesh", {"points", "faces", "y_up", "name", "shells"}, 2, args, keywords);
     const std::string name = given.String(3, "mesh");
     const bool yUp = given.Truth(2, false);
     drawing::Mesh mesh = MeshOf(given.Needed(0), given.Needed(1));
     mesh.yUp = yUp;
+    if (PyObject* const shells = given.OrNull(4)) mesh.shells = ShellNumbers(shells, mesh.triangles.size());
     return Objects::Make(Named(std::move(mesh), name, name), type);
   });
 }
@@ -72,6 +82,14 @@ PyObject* Faces(PyObject* self, void*) noexcept {
   return Guarded([&] {
     const auto& triangles = DataOf(self)->mesh.triangles;
     return MakeArray(DataOf(self), reinterpret_cast<const std::int32_t*>(triangles.data()), {triangles.size(), 3});
+  });
+}
+
+PyObject* Shells(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const auto& shells = DataOf(self)->mesh.shells;
+    if (shells.empty()) return Ref::Share(Py_None);
+    return MakeArray(DataOf(self), reinterpret_cast<const std::int32_t*>(shells.data()), {shells.size()});
   });
 }
 
@@ -157,6 +175,45 @@ PyObject* Outline(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObj
   });
 }
 
+// (region, offsets, shell, triangle, edge, along)
+Ref TracedTuple(drawing::TracedOutline&& traced) {
+  const auto data = std::make_shared<RegionData>();
+  data->region = zbrRegionOfLoops(traced.loops);
+  std::vector<std::int32_t> offsets(traced.offsets.begin(), traced.offsets.end()), shells, triangles, edges;
+  std::vector<double> along;
+  for (const drawing::OutlinePiece& piece : traced.pieces) {
+    shells.push_back(static_cast<std::int32_t>(piece.shell));
+    triangles.push_back(static_cast<std::int32_t>(piece.edge.triangle));
+    edges.push_back(piece.edge.edge);
+    along.insert(along.end(), {piece.t0, piece.t1});
+  }
+  const Ref region = NewRegion(data), o = MakeArray<std::int32_t>(std::move(offsets)),
+            s = MakeArray<std::int32_t>(std::move(shells)), t = MakeArray<std::int32_t>(std::move(triangles)),
+            e = MakeArray<std::int32_t>(std::move(edges)), a = MakeArray<double>(std::move(along), 2);
+  return Ref::Own(PyTuple_Pack(6, region.get(), o.get(), s.get(), t.get(), e.get(), a.get()));
+}
+
+// By object.
+PyObject* TracedOutlines(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments<4> given("traced_outlines", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
+    const MeshPtr mesh = DataOf(self);
+    const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
+    const double weld = given.Number(1, 0.0, 0.0);
+    const unsigned threads = given.Threads(2);
+    auto traced = Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) {
+      const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
+      monitor.TellOrThrow(0.3);
+      return drawing::TraceOutlines(*model, view, threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency()));
+    });
+    Ref list = Ref::Own(PyList_New(0));
+    for (drawing::TracedOutline& outline : traced) {
+      if (PyList_Append(list.get(), TracedTuple(std::move(outline)).get()) != 0) throw PythonError();
+    }
+    return list;
+  });
+}
+
 PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
     const Arguments<4> given("pick", {"points", "view", "weld", "progress"}, 2, args, count, keywords);
@@ -219,6 +276,7 @@ void AddMeshType(PyObject* module) {
   static PyGetSetDef properties[] = {
       {"points", Points, nullptr, "(v, 3) float64. A view; read-only.", nullptr},
       {"faces", Faces, nullptr, "(f, 3) int32: places of points. A view; read-only.", nullptr},
+      {"shells", Shells, nullptr, "(f,) int32: which shell each face is of, as given, or None. A view; read-only.", nullptr},
       {"name", Name, nullptr, "What titles call it.", nullptr},
       {"y_up", YUp, nullptr, "Whether y points up, else z.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
@@ -227,6 +285,7 @@ void AddMeshType(PyObject* module) {
       Fast("outline", Outline,
            "outline($self, /, view=\"iso\", *, weld=0.0, threads=1, progress=None)\n--\n\n"
            "What the mesh covers in a view, a Region in the axes of the view and from the origin of the model."),
+      Fast("_traced_outlines", TracedOutlines, nullptr),
       Fast("pick", Pick, nullptr),
       Fast("_draw", DrawMesh, nullptr),
       {"_survey", Survey, METH_NOARGS, nullptr},

@@ -67,8 +67,9 @@ drawing::SheetOptions OptionsOf(const Arguments<kNames.size()>& given) {
 bool IsSameMesh(const MeshData& a, const MeshData& b) {
   const auto& p = a.mesh.points;
   const auto& q = b.mesh.points;
-  return &a == &b || (p.size() == q.size() && a.mesh.triangles == b.mesh.triangles && a.sources.size() == b.sources.size() &&
-                      (p.empty() || std::memcmp(p.data(), q.data(), p.size() * sizeof p.front()) == 0));
+  return &a == &b ||
+         (p.size() == q.size() && a.mesh.triangles == b.mesh.triangles && a.mesh.shells == b.mesh.shells &&
+          a.sources.size() == b.sources.size() && (p.empty() || std::memcmp(p.data(), q.data(), p.size() * sizeof p.front()) == 0));
 }
 
 PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {

@@ -60,6 +60,40 @@ def test_assemblies_and_outlines():
     assert b"cube-2" in two.draw("top", outlines=True).dxf()
 
 
+def test_shells_that_are_given():
+    six = [k // 2 + 7 for k in range(12)]  # each face of the cube by itself
+    apart = zbr.Mesh(CORNERS, FACES, shells=six)
+    assert apart.shells.tolist() == six and cube().shells is None
+    assert apart.survey() == zbr.Survey(6, 0, 24, 0, 0, 0, 0, 0, 0)
+    assert {zbr.KINDS[kind] for kind in apart.draw("iso").kind} == {"border"}
+    assert zbr.Mesh.join([apart, apart]).survey().shells == 12
+    again = pickle.loads(pickle.dumps(apart))
+    assert again.shells.tolist() == six and again.draw("iso").svg() == apart.draw("iso").svg()
+    for wrong in (six[1:], [-1] * 12, [0.5] * 12, [six]):
+        with pytest.raises((ValueError, TypeError), match="^shells: "):
+            zbr.Mesh(CORNERS, FACES, shells=wrong)
+    with pytest.raises(zbr.Failure, match="shells"):
+        zbr.Mesh.join([apart, cube()])
+
+
+@pytest.mark.parametrize("shells", [None, [7] * 12])
+def test_outlines_know_their_edges(shells):
+    two = zbr.Mesh.join([zbr.Mesh(CORNERS, FACES, shells=shells), zbr.Mesh(CORNERS + (0.5, 3.0, 0.25), FACES, shells=shells)])
+    for view in ("right", "iso", ((1, 2, -3), (0, 0, 1))):
+        axes = two.draw(view).axes[:2]
+        for k, traced in enumerate(two.traced_outlines(view)):
+            ring = traced.region.coords
+            assert traced.region == two.traced_outlines(view)[k].region and len(traced.offsets) == len(ring) + 1
+            assert set(traced.shell) == {k} and set(traced.triangle // 12) == {k}
+            starts = two.points[two.faces[traced.triangle, traced.edge]] @ axes.T
+            ends = two.points[two.faces[traced.triangle, (traced.edge + 1) % 3]] @ axes.T
+            along = [starts + (ends - starts) * t[:, None] for t in traced.along.T]  # where pieces begin and end
+            for i, p in enumerate(ring):
+                span, q = slice(*traced.offsets[i : i + 2]), ring[(i + 1) % len(ring)]
+                assert np.hypot(*(along[0][span] - p).T).min() < 1e-9 and np.hypot(*(along[1][span] - q).T).min() < 1e-9
+    assert sum(outline.region.area for outline in two.traced_outlines("top")) == pytest.approx(2.0)
+
+
 def test_sections():
     section = zbr.Mesh.join([cube(2.0), cube(1.0, (5.0, 0.0, 0.0))]).section("Y=0.5")
     assert sorted(face.area for face in section.section_faces) == pytest.approx([1.0, 4.0])

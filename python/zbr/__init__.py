@@ -3,7 +3,7 @@
 Regions hold NumPy arrays: coordinates and offsets of rings and polygons. Objects are immutable, and calls let other threads run.
 """
 
-from ._drawings import KINDS, Drawing, Mesh, Picked, Sheet, Survey, sheet
+from ._drawings import KINDS, Drawing, Mesh, Picked, Sheet, Survey, TracedOutline, sheet
 from ._files import read, write
 from ._regions import (
     SOURCE,
@@ -35,6 +35,7 @@ __all__ = [
     "SOURCE",
     "Sheet",
     "Survey",
+    "TracedOutline",
     "__version__",
     "check",
     "combine",

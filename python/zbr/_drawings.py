@@ -11,6 +11,7 @@ from numpy.typing import NDArray
 
 from . import _picture, _zbr
 from ._files import place_of, written
+from ._regions import Region
 
 #: What the numbers of `Drawing.kind` mean.
 KINDS: tuple[str, ...] = _zbr.KINDS
@@ -41,15 +42,32 @@ class Picked(NamedTuple):
     height: NDArray[np.float64]
 
 
+class TracedOutline(NamedTuple):
+    """The outline of an object, and the edges of the mesh that it runs along.
+
+    The edge from region.coords[i] to the next point of its ring runs along the pieces offsets[i] up to offsets[i + 1], one after the
+    other or, where edges lie over each other, side by side: a piece is edge `edge` (from that corner to the next) of triangle
+    `triangle`, from parameter along[:, 0] to along[:, 1], where 0 is the corner that the edge starts at.
+    """
+
+    region: Region
+    offsets: NDArray[np.int32]
+    shell: NDArray[np.int32]
+    triangle: NDArray[np.int32]
+    edge: NDArray[np.int32]
+    along: NDArray[np.float64]
+
+
 @_zbr.use_class
 class Mesh(_zbr.Mesh):
     """Triangles in space, to be drawn. Immutable; what serves all views is found once.
 
-    Mesh(points, faces, *, y_up=False, name="mesh")
+    Mesh(points, faces, *, y_up=False, name="mesh", shells=None)
 
     points: (v, 3) coordinates in any unit. faces: (f, 3) integers, places of points, counter-clockwise seen from outside where
-    there is an outside. Points may be repeated, and nothing need be welded or oriented. Raises ValueError, naming the argument,
-    for other shapes, places beyond the points, and coordinates that are not finite or beyond 1e75.
+    there is an outside. Points may be repeated, and nothing need be welded or oriented. shells: (f,) integers of 0 or more, which
+    shell each face is of; points are then joined within shells only. Without them what hangs together by edges is a shell. Raises
+    ValueError, naming the argument, for other shapes, places beyond the points, and coordinates that are not finite or beyond 1e75.
 
     >>> tetrahedron = Mesh([(0, 0, 0), (4, 0, 0), (0, 4, 0), (0, 0, 4)], [(0, 2, 1), (0, 1, 3), (1, 2, 3), (0, 3, 2)])
     >>> drawing = tetrahedron.draw("front")
@@ -96,6 +114,11 @@ class Mesh(_zbr.Mesh):
         if not np.any(drawing.kind == KINDS.index("cut")):
             warnings.warn(f"{drawing.name}: the plane cuts nothing", stacklevel=2)
         return drawing
+
+    def traced_outlines(self, view: View = "iso", **options: Any) -> list[TracedOutline]:
+        """What each object covers in a view, as outline() has it of the whole, and which edges of the mesh bound it. Options:
+        weld=0.0, threads=1, progress=None."""
+        return [TracedOutline(*outline) for outline in self._traced_outlines(view, **options)]
 
     def survey(self) -> Survey:
         """Looks for what keeps the mesh from bounding bodies."""

@@ -36,12 +36,13 @@ EMSCRIPTEN_KEEPALIVE int zbrwWriteRegions(const ZBR_REGION_VIEW* regions);
 // Models: text 0 the options, then contents of files. The first two give the number of the model.
 EMSCRIPTEN_KEEPALIVE int zbrwReadModel(std::size_t beside);
 EMSCRIPTEN_KEEPALIVE int zbrwMakeModel(const double* points, std::size_t pointCount, const std::uint32_t* faces,
-                                       std::size_t faceCount);
+                                       std::size_t faceCount, const std::uint32_t* shells, std::size_t shellCount);
 EMSCRIPTEN_KEEPALIVE int zbrwModelInfo(std::uint32_t model);
 EMSCRIPTEN_KEEPALIVE int zbrwModelMesh(std::uint32_t model);
 EMSCRIPTEN_KEEPALIVE int zbrwDraw(std::uint32_t model);
 EMSCRIPTEN_KEEPALIVE int zbrwWriteSheet(std::uint32_t model);
 EMSCRIPTEN_KEEPALIVE int zbrwOutline(std::uint32_t model);
+EMSCRIPTEN_KEEPALIVE int zbrwTraceOutline(std::uint32_t model);
 EMSCRIPTEN_KEEPALIVE int zbrwPick(std::uint32_t model, const double* points, std::size_t count);
 EMSCRIPTEN_KEEPALIVE void zbrwFreeModel(std::uint32_t model);
 EMSCRIPTEN_KEEPALIVE std::size_t zbrwModelCount();

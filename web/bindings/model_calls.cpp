@@ -138,12 +138,14 @@ int zbrwReadModel(std::size_t beside) {
   });
 }
 
-int zbrwMakeModel(const double* points, std::size_t pointCount, const std::uint32_t* faces, std::size_t faceCount) {
+int zbrwMakeModel(const double* points, std::size_t pointCount, const std::uint32_t* faces, std::size_t faceCount,
+                  const std::uint32_t* shells, std::size_t shellCount) {
   return Answer([&](Exchange& out) {
     Options options(out.TakeText(0));
     Mesh mesh;
     for (std::size_t i = 0; i < pointCount; ++i) mesh.points.emplace_back(points[3 * i], points[3 * i + 1], points[3 * i + 2]);
     for (std::size_t i = 0; i < faceCount; ++i) mesh.triangles.push_back({faces[3 * i], faces[3 * i + 1], faces[3 * i + 2]});
+    mesh.shells.assign(shells, shells + shellCount);
     mesh.yUp = options.Choose("axes", {"z", "y"}, 0) == 1;
     CheckMesh(mesh);
     const std::string name = options.Get("name", std::string("model"));
@@ -207,6 +209,33 @@ int zbrwOutline(std::uint32_t model) {
     LoopList all;
     for (const LoopList& loops : FindOutlines(prepared, view, false, 1)) all.insert(all.end(), loops.begin(), loops.end());
     out.Give(zbrRegionOfLoops(all));
+  });
+}
+
+int zbrwTraceOutline(std::uint32_t model) {
+  return Answer([&](Exchange& out) {
+    Options options(out.TakeText(0));
+    HeldModel& held = ModelAt(model);
+    const View view = OneView(held, options);
+    options.Finish();
+    const Model& prepared = held.Any();
+    Report(0.3, "finding outlines");
+    const TracedOutline traced = std::move(TraceOutlines(prepared, view, 1).front());  // models here have one object
+    std::vector<std::uint32_t> shells, triangles;
+    std::vector<std::uint8_t> sides;
+    std::vector<double> along;
+    for (const OutlinePiece& piece : traced.pieces) {
+      shells.push_back(piece.shell);
+      triangles.push_back(piece.edge.triangle);
+      sides.push_back(piece.edge.edge);
+      along.insert(along.end(), {piece.t0, piece.t1});
+    }
+    out.Give(zbrRegionOfLoops(traced.loops));
+    out.Give(std::vector<std::int32_t>(traced.offsets.begin(), traced.offsets.end()));
+    out.Give(std::move(shells));
+    out.Give(std::move(triangles));
+    out.Give(std::move(sides));
+    out.Give(std::move(along));
   });
 }
 

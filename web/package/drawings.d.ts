@@ -156,6 +156,22 @@ export interface Drawing {
   sides: Uint8Array;
 }
 
+/** An outline and the edges of the mesh that it runs along. */
+export interface TracedOutline {
+  region: Region;
+  /**
+   * The region's edge from point i to the next of its ring runs along the pieces edges[i] up to edges[i + 1], one after the other or,
+   * where edges of the mesh lie over each other, side by side.
+   */
+  edges: Int32Array;
+  /** Of the pieces: the shell, the triangle, and which side of it. */
+  shells: Int32Array;
+  triangles: Uint32Array;
+  sides: Uint8Array;
+  /** Two parameters of each piece, where it begins and ends along the side: 0 is the corner that the side starts at. */
+  along: Float64Array;
+}
+
 export interface SheetOptions extends Omit<ViewOptions, 'view'> {
   /** How several views are arranged: 'first' by default. */
   projection?: 'none' | 'first' | 'third';
@@ -196,6 +212,8 @@ export class Model {
   sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions): Pick<SheetFiles, F>;
   /** What the model covers, in its own coordinates. */
   outline(view?: View, options?: { onProgress?: Progress }): Region;
+  /** The same, and where it comes from. */
+  tracedOutline(view?: View, options?: { onProgress?: Progress }): TracedOutline;
   /** What is seen at points of a view in the model's coordinates: triangles (-1: nothing) and heights towards the viewer. */
   pick(view: View, points: Float64Array | Points): { triangles: Int32Array; heights: Float64Array };
   /** Gives its memory back. */
@@ -215,11 +233,14 @@ export interface ZbrDrawings extends Zbr {
   ): string;
   /** A model from what a file holds. `beside`: other files that a glTF document names. */
   readModel(data: Bytes, options?: ModelOptions & { beside?: Record<string, Bytes> }): Model;
-  /** A model from arrays: x, y, z of points, and three corners of each triangle. */
+  /**
+   * A model from arrays: x, y, z of points, and three corners of each triangle. `shells`: which shell each triangle is of, by any
+   * numbers; without them what hangs together by edges is a shell.
+   */
   makeModel(
     points: Numbers<Float64Array>,
     triangles: Numbers<Uint32Array>,
-    options?: Omit<ModelOptions, 'format'>,
+    options?: Omit<ModelOptions, 'format'> & { shells?: Numbers<Uint32Array> },
   ): Model;
   /** What the module has taken, and the models that are held. */
   readonly memory: { bytes: number; models: number };

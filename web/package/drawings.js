@@ -58,12 +58,13 @@ class ZbrDrawings extends Zbr {
     return new Model(this.#instance, new Uint32Array(number)[0]);
   }
 
-  makeModel(points, triangles, { onProgress, ...options } = {}) {
+  makeModel(points, triangles, { onProgress, shells = [], ...options } = {}) {
     const coordinates = points instanceof Float64Array ? points : Float64Array.from(points.flat?.() ?? points);
     const corners = triangles instanceof Uint32Array ? triangles : Uint32Array.from(triangles.flat?.() ?? triangles);
     if (coordinates.length % 3 !== 0) throw new TypeError('points: x, y and z of each are needed');
     if (corners.length % 3 !== 0) throw new TypeError('triangles: three corners of each are needed');
-    const args = [{ bytes: coordinates }, coordinates.length / 3, { bytes: corners }, corners.length / 3];
+    const numbers = shells instanceof Uint32Array ? shells : Uint32Array.from(shells);
+    const args = [{ bytes: coordinates }, coordinates.length / 3, { bytes: corners }, corners.length / 3, { bytes: numbers }, numbers.length];
     const [number] = this.#instance.call('zbrwMakeModel', args, { texts: [JSON.stringify(options)], onProgress });
     return new Model(this.#instance, new Uint32Array(number)[0]);
   }

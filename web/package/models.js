@@ -81,6 +81,20 @@ export class Model {
     return regionOfBuffers(this.#call('zbrwOutline', [], { texts: [text], onProgress }));
   }
 
+  tracedOutline(view = 'iso', options = {}) {
+    const [text, onProgress] = split({ ...options, view });
+    const arrays = this.#call('zbrwTraceOutline', [], { texts: [text], onProgress });
+    const [edges, shells, triangles, sides, along] = arrays.slice(3);
+    return {
+      region: regionOfBuffers(arrays.slice(0, 3)),
+      edges: new Int32Array(edges),
+      shells: new Int32Array(shells),
+      triangles: new Uint32Array(triangles),
+      sides: new Uint8Array(sides),
+      along: new Float64Array(along),
+    };
+  }
+
   pick(view, points) {
     const list = pointsOf(points, 'points');
     const [triangles, heights] = this.#call('zbrwPick', [{ bytes: list }, list.length / 2], { texts: [JSON.stringify({ view })] });

@@ -9,7 +9,7 @@
  * A signal that is aborted ends the call at once, and the worker with it; the next call gets another. Models are opened again there
  * when they are next used. Of the two modules each is loaded by the first call that needs it.
  */
-import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, SheetFiles, SheetOptions, View, ViewOptions, ZbrDrawings } from './drawings.js';
+import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, SheetFiles, SheetOptions, TracedOutline, View, ViewOptions, ZbrDrawings } from './drawings.js';
 import type { Region, Wasm } from './index.js';
 
 type Signal = { signal?: AbortSignal };
@@ -25,6 +25,7 @@ export interface WorkerModel {
   sheet<F extends keyof SheetFiles>(format: F, options?: SheetOptions & Signal): Promise<SheetFiles[F]>;
   sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions & Signal): Promise<Pick<SheetFiles, F>>;
   outline(view?: View, options?: Pick<ViewOptions, 'onProgress'> & Signal): Promise<Region>;
+  tracedOutline(view?: View, options?: Pick<ViewOptions, 'onProgress'> & Signal): Promise<TracedOutline>;
   pick(view: View, points: Float64Array, options?: Signal): Promise<{ triangles: Int32Array; heights: Float64Array }>;
   free(): Promise<void>;
 }

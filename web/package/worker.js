@@ -240,6 +240,7 @@ class WorkerModel {
   draw({ signal, onProgress, ...options } = {}) { return this.#run('draw', [options], { signal, onProgress }); }
   sheet(formats, { signal, onProgress, ...options } = {}) { return this.#run('sheet', [formats, options], { signal, onProgress }); }
   outline(view, { signal, onProgress } = {}) { return this.#run('outline', [view, {}], { signal, onProgress }); }
+  tracedOutline(view, { signal, onProgress } = {}) { return this.#run('tracedOutline', [view, {}], { signal, onProgress }); }
   pick(view, points, { signal } = {}) { return this.#run('pick', [view, points], { signal }); }
 
   async free() {

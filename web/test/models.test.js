@@ -65,11 +65,28 @@ test('a drawing tells its lines and where they come from', () => {
   const [front, top] = model.draw({ views: ['front', 'top'] });
   assert.deepEqual([front.name, top.name], ['front', 'top']);
   assert.equal(zbr.area(model.outline('top')), 8);
+  const traced = model.tracedOutline('top');
+  assert.deepEqual(traced.region, model.outline('top'));
+  const corners = model.mesh().triangles, at = [[0, 0], [4, 0], [0, 4], [0, 0]];
+  for (let i = 0; i < 3; ++i) { // each edge of the outline is one of the mesh, and one that is walled up two
+    const pieces = Array.from({ length: traced.edges[i + 1] - traced.edges[i] }, (_, k) => traced.edges[i] + k);
+    const cornerOf = (k, t) => at[corners[3 * traced.triangles[k] + (traced.sides[k] + t) % 3]];
+    const ends = pieces.map((k) => [...cornerOf(k, traced.along[2 * k]), ...cornerOf(k, traced.along[2 * k + 1])]);
+    const next = 2 * ((i + 1) % 3), p = traced.region.coords;
+    assert.ok(ends.length > 0 && ends.every((end) => end.every((x, j) => x === [p[2 * i], p[2 * i + 1], p[next], p[next + 1]][j])));
+  }
   const { triangles: seen, heights } = model.pick('top', [[1, 1], [3, 3]]);
   assert.deepEqual([...seen], [2, -1]);
   assert.ok(Math.abs(heights[0] - 2) < 1e-9 && Number.isNaN(heights[1]));
   assert.deepEqual(model.mesh().triangles.length, 12);
   model.free();
+});
+
+test('shells are those that are given', () => {
+  const apart = (shells) => zbr.makeModel([0, 0, 0, 4, 0, 0, 0, 4, 0, 0, 0, 4], [0, 2, 1, 0, 1, 3, 1, 2, 3, 0, 3, 2], { shells });
+  assert.equal(apart([5, 5, 9, 9]).info.shells, 2);
+  assert.equal(apart([0, 1, 2, 3]).info.openEdges, 12);
+  assert.throws(() => apart([0, 1]), { name: 'ZbrError', message: /shells/ });
 });
 
 test('all formats of models are read', () => {
