@@ -99,10 +99,11 @@ TEST(Perspective, RaysToTheEyeAgree) {
 TEST(Perspective, CirclesBeforeTheEyeAreEllipses) {
   constexpr double kRadius = 5.0, kHeight = 3.0;
   const Model model = MakeModel(example::Cylinder(64, kRadius, kHeight), 30.0);
-  for (const auto& [eye, at, rims] : {std::tuple{ZBR_PT3(12, -9, 8), ZBR_PT3(1, 0, 0), 2U},
-                                      {ZBR_PT3(0, 0, 9), ZBR_PT3(0, 0, 0), 1U},
-                                      {ZBR_PT3(0.3, 1, 30), ZBR_PT3(2, 3, 0), 1U},
-                                      {ZBR_PT3(2, 0, 5), ZBR_PT3(9, 0, 2), 0U}}) {
+  for (const auto& [from, at, rims] : {std::tuple{ZBR_PT3(12, -9, 8), ZBR_PT3(1, 0, 0), 2U},
+                                       {ZBR_PT3(0, 0, 9), ZBR_PT3(0, 0, 0), 1U},
+                                       {ZBR_PT3(0.3, 1, 30), ZBR_PT3(2, 3, 0), 1U},
+                                       {ZBR_PT3(2, 0, 5), ZBR_PT3(9, 0, 2), 0U}}) {
+    const ZBR_PT3 eye = from;  // a name that lambdas may use with clang before 16
     const View view = LookFrom(eye, at, {0.1, 1, 0.2});
     const ViewLines drawn = DrawViews(model, {{"eye", view}}, {}).front();
     std::size_t found = 0;
