@@ -5,7 +5,8 @@
 // next facet's line ends, at the same place. So the curves close, and there are as many as the surface has, however fine the mesh.
 // Difficulty: they do not lie on the silhouette of the facets, but up to a facet's width before or behind it. What hides a curve is
 // looked for from a facet's width nearer to the viewer; and where a curve is seen for less than is worth drawing, or hidden, the
-// stretch goes the way of those beside it (visible_runs.h).
+// stretch goes the way of those beside it (visible_runs.h). Where facets are coarse and end in creases, the lines of these are
+// those of the facets, and so are the silhouettes.
 #include "drawing/silhouettes/smooth_silhouettes.h"
 
 #include <algorithm>
@@ -25,6 +26,12 @@ namespace {
 // In widths of a facet.
 constexpr double kNearer = 2.0;
 
+// As a part of the model's diagonal, half a line's width: silhouettes of facets above which the surface rises more miss the ends of
+// creases there, and edges beside them would be taken for another line.
+constexpr double kCoarse = 1e-3;
+// Of a surface with creases: the share of its silhouette's facets that have one, above rounding and stray edges.
+constexpr double kCreased = 0.1;
+
 // How far a surface with this normal, outwards, turns to the viewer. One that is seen edge-on does not, whatever rounding says:
 // where it ends below in a crease there is nothing beyond that turns away, and the curve runs over it all the same.
 double Towards(const ZBR_PT3& normal, const View& view, Facing facing) {
@@ -40,6 +47,37 @@ bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPE& edge, const Vie
     const ZBR_PT3& normal = model.normals[model.shellBegin[s] + static_cast<std::size_t>(t->GetIndex())];
     return std::abs(normal.InnerProduct(view.toViewer)) <= kSceneTolerance;
   });
+}
+
+// How far the surface rises over a facet, from how wide that is and by how much its normals differ.
+double RiseOver(const ZBR_ZBREPT& t, const std::array<std::uint32_t, 3>& corners, const std::vector<ZBR_PT3>& normals) {
+  double longest = 0.0, bend = 0.0;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const std::size_t j = (i + 1) % 3;
+    longest = std::max(longest, VertexOf(t, i).GetPt().Distance(VertexOf(t, j).GetPt()));
+    const ZBR_PT3 &m = normals[corners[i]], &n = normals[corners[j]];
+    const double lengths = m.Length() * n.Length();
+    if (lengths > 0) bend = std::max(bend, m.OuterProduct(n).Length() / lengths);
+  }
+  if (!(longest > 0)) return 0.0;
+  const ZBR_PT3& a = VertexOf(t, 0).GetPt();
+  return (VertexOf(t, 1).GetPt() - a).OuterProduct(VertexOf(t, 2).GetPt() - a).Length() / longest * bend / 8.0;
+}
+
+// Whether most of the silhouette, by length, is on facets too coarse for it, and some of them have creases.
+bool IsCoarse(const Model& model, std::size_t s, const SmoothNormals& normals, const Cuts& cuts,
+              const std::vector<std::array<ZBR_PT3, 2>>& places) {
+  double length = 0.0, coarse = 0.0, creased = 0.0;
+  for (std::size_t k = 0; k < places.size(); ++k) {
+    const ZBR_ZBREPT& triangle = *model.Shell(s).GetTriangle(static_cast<int>(cuts.triangles[k]));
+    const double part = places[k][0].Distance(places[k][1]);
+    length += part;
+    if (RiseOver(triangle, normals.ofCorner[cuts.triangles[k]], normals.all) > kCoarse * model.Diagonal()) coarse += part;
+    bool hasCrease = false;
+    for (std::size_t i = 0; i < 3; ++i) hasCrease = hasCrease || !IsSmoothAcross(model, s, EdgeOf(triangle, i));
+    if (hasCrease) creased += part;
+  }
+  return 2.0 * coarse > length && creased > kCreased * length;
 }
 
 }  // namespace
@@ -79,6 +117,8 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const SmoothNo
     cuts.Add(static_cast<std::uint32_t>(t), names[0], names[1]);
     places.push_back(ends);
   }
+  isCoarse_.push_back(IsCoarse(model, s, normals, cuts, places));
+  if (isCoarse_.back()) return;
   for (const CutChain& chain : ChainCuts(cuts)) {
     Curve curve{static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(lines_.size()), 0, chain.closed};
     for (const std::uint32_t end : chain.ends) {
@@ -107,6 +147,7 @@ void SmoothSilhouettes::PutInto(const Model& model, Scene& scene) {
       for (std::size_t i = 0; i < 3; ++i) {
         if (scene.classes[t][i] != EdgeClass::kSilhouette || !IsSmoothAcross(model, s, EdgeOf(record, i))) continue;
         edges_.push_back({static_cast<std::uint32_t>(t), static_cast<std::uint8_t>(i)});
+        if (isCoarse_[s]) continue;
         scene.classes[t][i] = EdgeClass::kSmooth;
         scene.triangles[t].dispj[i] = false;
       }

@@ -39,6 +39,7 @@ class SmoothSilhouettes {
 
   std::vector<IntersectionLine> lines_;
   std::vector<Curve> curves_;
+  std::vector<bool> isCoarse_;  // shells whose silhouettes stay along edges
   std::size_t first_ = 0;       // of them among the scene's lines
   std::vector<EdgeRef> edges_;  // silhouettes along edges, by their triangles in the scene
 };

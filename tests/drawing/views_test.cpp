@@ -322,6 +322,19 @@ TEST(SmoothSilhouettes, LeaveSharpBodiesAlone) {
   }
 }
 
+// Lines through the middle of wide facets would miss the ends of the rims, and the edges beside them be drawn as well.
+TEST(SmoothSilhouettes, OfCoarseFacetsThatEndInCreasesAreTheirEdges) {
+  Mesh mesh = example::Cylinder(16, 10, 30);
+  example::Turn(mesh, {0, 0, 1}, 0.3 / 16);
+  const ViewLines view = DrawSmooth(mesh, *NamedView("front"));
+  const std::vector<Line> lines = Visible(view, EdgeClass::kSilhouette), rims = Visible(view, EdgeClass::kCrease);
+  ASSERT_EQ(lines.size(), 2U);
+  ASSERT_EQ(rims.size(), 2U);
+  for (const Line& rim : rims) {
+    for (const ZBR_PT& end : {rim.chain.points.front(), rim.chain.points.back()}) EXPECT_LT(DistanceTo(lines, end), 1e-6);
+  }
+}
+
 // Walls seen edge-on that a vault goes on from smoothly, and that end below in a crease, are drawn like any outline.
 TEST(SmoothSilhouettes, OfWallsSeenEdgeOn) {
   std::vector<ZBR_PT> profile = {{-2, 0}, {2, 0}};
