@@ -65,12 +65,16 @@ class Collector {
     return s;
   }
 
+  // In place: there may be millions of them, and these records are large.
   std::vector<BinnedSegment> Visible() const {
-    std::vector<std::vector<BinnedSegment>> parts(PieceCount());
+    std::vector<std::size_t> counts(PieceCount() + 1);
+    ForEachVisible([&](std::size_t piece, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[piece + 1]; });
+    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+    std::vector<BinnedSegment> segments(counts.back());
     ForEachVisible([&](std::size_t piece, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
-      parts[piece].push_back(Binned(s, t, edge, segment));
+      segments[counts[piece]++] = Binned(s, t, edge, segment);
     });
-    return Joined(parts);
+    return segments;
   }
 
   std::vector<BinnedSegment> Hidden() const {
