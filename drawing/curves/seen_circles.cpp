@@ -34,7 +34,6 @@ SeenCircles::SeenCircles(const Model& model, const Scene& scene, const Circles* 
 SeenCircles::Seen SeenCircles::LookFromEye(const Circle& circle) const {
   const Perspective& from = *scene_.view.perspective;
   Seen seen;
-  seen.isKnown = true;
   ZBR_PT3 down = -scene_.view.toViewer;
   down = down - circle.axis * circle.axis.InnerProduct(down);
   if (down.Length() < kFaceOn) down = scene_.view.right - circle.axis * circle.axis.InnerProduct(scene_.view.right);
