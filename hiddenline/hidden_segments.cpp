@@ -157,10 +157,10 @@ void KeepUncovered(Stretches& hidden, const std::vector<ZBR_SEG>& visible, doubl
 
 // As a person draws: each line once, and no hidden line along a visible one.
 Stretches HiddenDrawing(const ZBR_HL_SHELL* shells, const AllTriangles& triangles, double width, const Sharing& sharing) {
-  const std::vector<ZBR_SEG> visible = Collect(triangles, sharing, AddVisible).segments;
   Stretches hidden = Collect(triangles, sharing, AddGaps,
                              [shells](const ZBR_HL_SOURCE& source) { return !IsLeftToNeighbour(shells[source.shell], source); });
-  KeepUncovered(hidden, visible, width, sharing);
+  if (hidden.segments.empty()) return hidden;
+  KeepUncovered(hidden, Collect(triangles, sharing, AddVisible).segments, width, sharing);
   return hidden;
 }
 

@@ -63,18 +63,20 @@ void Join(std::vector<std::pair<double, double>>& ranges) {
   ranges.resize(kept);
 }
 
-// Segments by their ends, in either direction.
+// Segments of two lists by their ends, in either direction.
 class EqualSegments {
  public:
-  explicit EqualSegments(std::size_t count) : places_(std::bit_ceil(2 * count + 1), nullptr) {}
+  EqualSegments(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second)
+      : first_(first), second_(second), slots_(std::bit_ceil(2 * (first.size() + second.size()) + 1), kNone) {}
 
-  // The one that was there before, or null: then it is added.
-  const ZBR_SEG* FindOrAdd(const ZBR_SEG& g) {
-    const std::size_t mask = places_.size() - 1;
-    std::size_t place = Hash(g) & mask;
-    while (places_[place] != nullptr && !AreEqual(*places_[place], g)) place = (place + 1) & mask;
-    if (places_[place] != nullptr) return places_[place];
-    places_[place] = &g;
+  // The one that was added before segment i, or null: then it is added.
+  const ZBR_SEG* FindOrAdd(std::size_t i) {
+    const ZBR_SEG& g = At(i);
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = Hash(g) & mask;
+    while (slots_[slot] != kNone && !AreEqual(At(slots_[slot]), g)) slot = (slot + 1) & mask;
+    if (slots_[slot] != kNone) return &At(slots_[slot]);
+    slots_[slot] = static_cast<std::uint32_t>(i);
     return nullptr;
   }
 
@@ -94,18 +96,24 @@ class EqualSegments {
     return (AreEqual(g.s(), h.s()) && AreEqual(g.e(), h.e())) || (AreEqual(g.s(), h.e()) && AreEqual(g.e(), h.s()));
   }
 
-  std::vector<const ZBR_SEG*> places_;
+  static constexpr auto kNone = std::numeric_limits<std::uint32_t>::max();
+
+  const ZBR_SEG& At(std::size_t i) const { return i < first_.size() ? first_[i] : second_[i - first_.size()]; }
+
+  std::span<const ZBR_SEG> first_, second_;
+  std::vector<std::uint32_t> slots_;
 };
 
 // The segments that do not repeat one of the others or an earlier one: what those cover, repeats do not add to, and of a wall seen
 // edge-on most lines are repeats.
 std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width) {
-  EqualSegments all(others.size() + segments.size());
-  for (const ZBR_SEG& g : others) all.FindOrAdd(g);
   std::vector<std::uint32_t> found;
+  if (segments.empty()) return found;
+  EqualSegments all(others, segments);
+  for (std::size_t i = 0; i < others.size(); ++i) all.FindOrAdd(i);
   for (std::size_t i = 0; i < segments.size(); ++i) {
     const ZBR_SEG& g = segments[i];
-    const ZBR_SEG* const same = all.FindOrAdd(g);
+    const ZBR_SEG* const same = all.FindOrAdd(others.size() + i);
     std::pair<double, double> range;
     const double eps = t_tolerance.eps;
     const bool isCovered =

@@ -23,7 +23,9 @@ constexpr double kNearest = 1e-3;
 
 SeenCircles::SeenCircles(const Model& model, const Scene& scene, const Circles* circles)
     : model_(model), scene_(scene), circles_(circles) {
-  if (circles != nullptr) seen_.resize(circles->all.size());
+  if (circles == nullptr) return;
+  seen_.reserve(circles->all.size());
+  for (const Circle& circle : circles->all) seen_.push_back(Look(circle));
 }
 
 // A place of the circle at the angle t, from where it is farthest from the eye, is seen at (A + B cos t + D sin t) / (w (1 + e cos
@@ -32,7 +34,6 @@ SeenCircles::SeenCircles(const Model& model, const Scene& scene, const Circles* 
 SeenCircles::Seen SeenCircles::LookFromEye(const Circle& circle) const {
   const Perspective& from = *scene_.view.perspective;
   Seen seen;
-  seen.isKnown = true;
   ZBR_PT3 down = -scene_.view.toViewer;
   down = down - circle.axis * circle.axis.InnerProduct(down);
   if (down.Length() < kFaceOn) down = scene_.view.right - circle.axis * circle.axis.InnerProduct(scene_.view.right);
@@ -62,7 +63,6 @@ SeenCircles::Seen SeenCircles::Look(const Circle& circle) const {
   const ZBR_PT3 level = view.toViewer.OuterProduct(axis);
   const double tilt = level.Length();
   Seen seen;
-  seen.isKnown = true;
   seen.isCurve = ratio > kEdgeOn;
   if (!seen.isCurve) return seen;
   seen.centre = view.In(circle.centre - model_.Centre()).xy();
@@ -82,14 +82,13 @@ SeenCircles::Seen SeenCircles::Look(const Circle& circle) const {
 }
 
 // Where a chord is cut, the arc is cut at the point that lies outwards of it.
-void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment) {
+void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment) const {
   if (circles_ == nullptr) return;
   const ZBR_ZBREPT& record = *model_.Shell(shell).GetTriangle(static_cast<int>(triangle));
   const std::size_t place = model_.edgeBegin[shell] + static_cast<std::size_t>(EdgeOf(record, edge).GetIndex());
   const std::uint32_t circle = circles_->ofEdge[place];
   if (circle == kNoCircle) return;
-  Seen& seen = seen_[circle];
-  if (!seen.isKnown) seen = Look(circles_->all[circle]);
+  const Seen& seen = seen_[circle];
   if (!seen.isCurve) return;
   segment.circle = circle;
   if (scene_.view.perspective) {

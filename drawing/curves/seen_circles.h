@@ -19,7 +19,7 @@ class SeenCircles {
   SeenCircles(const Model& model, const Scene& scene, const Circles* circles);
 
   // Tells the segment, a part of edge `edge` of a shell's triangle in the drawing, its circle and its angles there.
-  void Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment);
+  void Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment) const;
 
   // Centre and half axes; the rest of the record is empty.
   CircleRun Curve(std::uint32_t circle) const;
@@ -27,7 +27,7 @@ class SeenCircles {
  private:
   // The half axes in the drawing and, in parallel views, in space. None are needed for circles seen edge-on.
   struct Seen {
-    bool isKnown = false, isCurve = false;
+    bool isCurve = false;
     ZBR_PT3 x, y;
     ZBR_PT centre, u, v;
   };

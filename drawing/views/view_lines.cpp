@@ -7,8 +7,12 @@
 #include <zbr/tolerance.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
+#include <numeric>
+#include <span>
 #include <tuple>
+#include <utility>
 
 #include "drawing/curves/doubled_curves.h"
 #include "drawing/curves/seen_circles.h"
@@ -37,9 +41,12 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 class Collector {
  public:
   Collector(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
-      : model_(model), scene_(scene), known_(circles), circles_(model, scene, circles), threads_(threads) {}
+      : model_(model), scene_(scene), known_(circles), circles_(model, scene, circles), threads_(threads) {
+    for (const ZBR_HL_SHELL& shell : scene.shells) begins_.push_back(begins_.back() + shell.count);
+  }
 
-  void Add(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) {
+  // Of a shell's triangle.
+  BinnedSegment Binned(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) const {
     const std::size_t t = static_cast<std::size_t>(scene_.shells[shell].tris - scene_.triangles.data()) + triangle;
     BinnedSegment s;
     s.edgeClass = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
@@ -55,17 +62,22 @@ class Collector {
       s.other = model_.ShellOf(second);
       s.segment.edge = {model_.source[first], EdgeRef::kAcross};
     }
-    segments_.push_back(s);
+    return s;
   }
 
-  void AddVisible() {
-    std::size_t count = 0;
-    for (const ZBR_HL_SHELL& shell : scene_.shells) count += shell.GetDispSegNum();
-    segments_.reserve(count);
-    ForEachVisible([&](std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) { Add(s, t, edge, segment); });
+  // In place: there may be millions of them, and these records are large.
+  std::vector<BinnedSegment> Visible() const {
+    std::vector<std::size_t> counts(PieceCount() + 1);
+    ForEachVisible([&](std::size_t piece, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[piece + 1]; });
+    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+    std::vector<BinnedSegment> segments(counts.back());
+    ForEachVisible([&](std::size_t piece, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+      segments[counts[piece]++] = Binned(s, t, edge, segment);
+    });
+    return segments;
   }
 
-  void AddHidden() {
+  std::vector<BinnedSegment> Hidden() const {
     std::vector<ZBR_SEG> hidden;
     std::vector<ZBR_HL_SOURCE> sources;
     constexpr int kAsDrawn = 3;
@@ -73,40 +85,67 @@ class Collector {
     options.executor = ExecutorOf(threads_);
     ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine, options);
     if (scene_.shells.size() > 1 && !scene_.view.perspective) LeaveOutDoubles(hidden, sources);
-    segments_.reserve(hidden.size());
-    for (std::size_t i = 0; i < hidden.size(); ++i)
-      Add(static_cast<std::size_t>(sources[i].shell), static_cast<std::size_t>(sources[i].triangle), sources[i].edge, hidden[i]);
-    std::erase_if(segments_, [](const BinnedSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
+    std::vector<BinnedSegment> segments;
+    segments.reserve(hidden.size());
+    for (std::size_t i = 0; i < hidden.size(); ++i) {
+      const ZBR_HL_SOURCE& at = sources[i];
+      segments.push_back(Binned(static_cast<std::size_t>(at.shell), static_cast<std::size_t>(at.triangle), at.edge, hidden[i]));
+    }
+    std::erase_if(segments, [](const BinnedSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
+    return segments;
   }
 
-  void ChainInto(std::vector<Line>& lines, bool hidden) {
+  // Reads nothing of the scene's triangles.
+  void ChainInto(std::vector<Line>& lines, std::vector<BinnedSegment> segments, bool hidden) const {
     const auto isBefore = [](const BinnedSegment& a, const BinnedSegment& b) { return KeyOf(a) < KeyOf(b); };
-    if (!std::is_sorted(segments_.begin(), segments_.end(), isBefore))
-      std::stable_sort(segments_.begin(), segments_.end(), isBefore);
+    if (!std::is_sorted(segments.begin(), segments.end(), isBefore)) std::stable_sort(segments.begin(), segments.end(), isBefore);
     std::vector<std::size_t> begins;  // of pieces of work, which are whole bins
-    for (std::size_t i = 0; i < segments_.size(); ++i) {
-      if (i == 0 || (i - begins.back() >= kPiece && KeyOf(segments_[i]) != KeyOf(segments_[i - 1]))) begins.push_back(i);
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+      if (i == 0 || (i - begins.back() >= kPiece && KeyOf(segments[i]) != KeyOf(segments[i - 1]))) begins.push_back(i);
     }
-    begins.push_back(segments_.size());
+    begins.push_back(segments.size());
     std::vector<std::vector<Line>> parts(begins.size() - 1);
-    RunParallel(parts.size(), threads_, [&](std::size_t k) { ChainBins(begins[k], begins[k + 1], hidden, parts[k]); });
+    RunParallel(parts.size(), threads_, [&](std::size_t k) {
+      ChainBins(std::span(segments).subspan(begins[k], begins[k + 1] - begins[k]), hidden, parts[k]);
+    });
+    lines.reserve(std::transform_reduce(parts.begin(), parts.end(), lines.size(), std::plus<>(),
+                                        [](const std::vector<Line>& part) { return part.size(); }));
     for (std::vector<Line>& part : parts)
       lines.insert(lines.end(), std::make_move_iterator(part.begin()), std::make_move_iterator(part.end()));
-    std::vector<BinnedSegment>().swap(segments_);
   }
 
  private:
+  static constexpr std::size_t kTriangles = 16384;  // in a piece of work
+
+  std::size_t PieceCount() const { return (begins_.back() + kTriangles - 1) / kTriangles; }
+
+  // Calls use(piece, shell, triangle, edge, segment) for all that is visible, in order within each piece of work.
   template <class Use>
   void ForEachVisible(const Use& use) const {
-    for (std::size_t s = 0; s < scene_.shells.size(); ++s) {
-      const ZBR_HL_SHELL& shell = scene_.shells[s];
-      for (std::size_t t = 0; t < shell.count; ++t) {
+    RunParallel(PieceCount(), threads_, [&](std::size_t piece) {
+      const std::size_t begin = piece * kTriangles, end = std::min(begin + kTriangles, begins_.back());
+      auto s = static_cast<std::size_t>(std::upper_bound(begins_.begin(), begins_.end(), begin) - begins_.begin()) - 1;
+      for (std::size_t k = begin; k < end; ++k) {
+        while (k >= begins_[s + 1]) ++s;
+        const std::size_t t = k - begins_[s];
         for (int i = 0; i < 3; ++i) {
-          for (const ZBR_HL_INTERVAL& visible : shell.tris[t].intvl_v[i])
-            use(s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+          for (const ZBR_HL_INTERVAL& visible : scene_.shells[s].tris[t].intvl_v[i])
+            use(piece, s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
         }
       }
+    });
+  }
+
+  template <class T>
+  static std::vector<T> Joined(std::vector<std::vector<T>>& parts) {
+    std::vector<T> all;
+    all.reserve(std::transform_reduce(parts.begin(), parts.end(), std::size_t{0}, std::plus<>(),
+                                      [](const std::vector<T>& part) { return part.size(); }));
+    for (std::vector<T>& part : parts) {
+      all.insert(all.end(), part.begin(), part.end());
+      std::vector<T>().swap(part);
     }
+    return all;
   }
 
   static constexpr std::size_t kPiece = 4096;  // segments
@@ -129,7 +168,7 @@ class Collector {
 
   // Curves that bodies have in common are dashed once.
   void LeaveOutDoubles(std::vector<ZBR_SEG>& hidden, std::vector<ZBR_HL_SOURCE>& sources) const {
-    std::vector<CurvedStretch> curved, visible;
+    std::vector<CurvedStretch> curved;
     std::vector<std::size_t> places;
     CurvedStretch stretch;
     for (std::size_t i = 0; i < hidden.size(); ++i) {
@@ -140,9 +179,12 @@ class Collector {
       places.push_back(i);
     }
     if (curved.empty()) return;
-    ForEachVisible([&](std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
-      if (IsCurved(s, t, edge, segment, stretch)) visible.push_back(stretch);
+    std::vector<std::vector<CurvedStretch>> parts(PieceCount());
+    ForEachVisible([&](std::size_t piece, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+      CurvedStretch seen;
+      if (IsCurved(s, t, edge, segment, seen)) parts[piece].push_back(seen);
     });
+    const std::vector<CurvedStretch> visible = Joined(parts);
     const std::vector<PartOfStretch> left = WithoutDoubles(scene_, known_, visible, curved);
     std::vector<ZBR_SEG> rest;
     std::vector<ZBR_HL_SOURCE> restSources;
@@ -163,17 +205,16 @@ class Collector {
     sources = std::move(restSources);
   }
 
-  // The bins from one place to another.
-  void ChainBins(std::size_t begin, std::size_t end, bool hidden, std::vector<Line>& lines) const {
+  // Whole bins.
+  void ChainBins(std::span<const BinnedSegment> segments, bool hidden, std::vector<Line>& lines) const {
     std::vector<EdgeSegment> bin;
-    for (std::size_t i = begin; i < end; ++i) {
-      bin.push_back(segments_[i].segment);
-      if (i + 1 < end && KeyOf(segments_[i + 1]) == KeyOf(segments_[i])) continue;
-      for (Chain& chain : ChainSegments(bin, kChainTolerance, circles_)) {
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+      bin.push_back(segments[i].segment);
+      if (i + 1 < segments.size() && KeyOf(segments[i + 1]) == KeyOf(segments[i])) continue;
+      for (Chain& chain : ChainSegments(std::exchange(bin, {}), kChainTolerance, circles_)) {
         for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
-        lines.push_back({kDrawnClasses[segments_[i].edgeClass], hidden, segments_[i].shell, segments_[i].other, std::move(chain)});
+        lines.push_back({kDrawnClasses[segments[i].edgeClass], hidden, segments[i].shell, segments[i].other, std::move(chain)});
       }
-      bin.clear();
     }
   }
 
@@ -188,8 +229,30 @@ class Collector {
   const Circles* known_;
   SeenCircles circles_;
   const unsigned threads_;
-  std::vector<BinnedSegment> segments_;
+  std::vector<std::size_t> begins_{0};  // of the shells' triangles, counted through, and the end
 };
+
+// `spent` is the scene, if its triangles may go when they have been read.
+ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles, unsigned threads) {
+  const ZBR_TmpEps hold(kSceneTolerance);
+  ViewLines view;
+  view.view = scene.view;
+  view.middle = scene.offset;
+  view.drawable = scene.drawable;
+  for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
+  view.extent = ExtentOf(scene);
+  const Collector collector(model, scene, circles, threads);
+  std::vector<BinnedSegment> unseen;
+  if (hidden) unseen = collector.Hidden();
+  std::vector<BinnedSegment> seen = collector.Visible();
+  if (spent != nullptr) {
+    spent->shells.clear();
+    std::vector<ZBR_HL_TRI>().swap(spent->triangles);
+  }
+  collector.ChainInto(view.lines, std::move(seen), false);
+  collector.ChainInto(view.lines, std::move(unseen), true);
+  return view;
+}
 
 }  // namespace
 
@@ -244,19 +307,12 @@ Extent ExtentOf(const Scene& scene) {
 }
 
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles, unsigned threads) {
-  const ZBR_TmpEps hold(kSceneTolerance);
-  ViewLines view;
-  view.view = scene.view;
-  view.middle = scene.offset;
-  view.drawable = scene.drawable;
-  for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
-  view.extent = ExtentOf(scene);
-  Collector collector(model, scene, circles, threads);
-  collector.AddVisible();
-  collector.ChainInto(view.lines, false);
-  if (hidden) collector.AddHidden();
-  collector.ChainInto(view.lines, true);
-  return view;
+  return CollectFrom(model, scene, nullptr, hidden, circles, threads);
+}
+
+ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles, unsigned threads) {
+  for (ZBR_HL_SHELL& shell : scene.shells) shell.occluders.reset();
+  return CollectFrom(model, scene, &scene, hidden, circles, threads);
 }
 
 }  // namespace zbr::drawing

@@ -74,7 +74,10 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
                       (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
   std::vector<Line> silhouettes;
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
-  ViewLines lines = CollectLines(model, view.scene, hidden, options.curves ? &*found.circles : nullptr, threads);
+  const Circles* const circles = options.curves ? &*found.circles : nullptr;
+  const bool isSpent = !options.outlines && !model.isRough && !view.silhouettes;
+  ViewLines lines = isSpent ? CollectLines(model, std::move(view.scene), hidden, circles, threads)
+                            : CollectLines(model, view.scene, hidden, circles, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });

@@ -92,5 +92,7 @@ Extent ExtentOf(const Scene& scene);
 // person would draw: none below a visible line, and no tangent edges. With circles of the model, chains tell where they run along
 // them. The lines do not depend on the number of threads.
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles = nullptr, unsigned threads = 1);
+// The same for a scene that is not needed afterwards: its triangles are given back before the lines take room.
+ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles = nullptr, unsigned threads = 1);
 
 }  // namespace zbr::drawing
