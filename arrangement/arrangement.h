@@ -64,6 +64,8 @@ class Arrangement {
   const std::vector<ZBR_PT>& points() const { return points_; }
   // The grid's step: what is narrower may have become one.
   double step() const { return step_; }
+  // The vertex's place on the grid, in the plane; on a fine grid without rounding.
+  ZBR_PT PlaceOf(std::uint32_t vertex) const { return origin_ + nodes_[vertex].Point() * step_; }
   // Sorted by `from`, then by `to`.
   const std::vector<Piece>& pieces() const { return pieces_; }
 
@@ -89,6 +91,7 @@ class Arrangement {
   friend class EdgeCutter;
 
   double step_ = 0.0;
+  ZBR_PT origin_;  // the place of node 0, 0
   std::vector<GridPoint> nodes_;
   std::vector<ZBR_PT> points_;
   std::vector<Piece> pieces_;

@@ -34,6 +34,7 @@ class EdgeCutter {
         reach_(resolution.reach / resolution.step),
         isFine_(resolution.reach > kCoarseReach * resolution.step) {
     out_.step_ = vertices_.step();
+    out_.origin_ = vertices_.FromGrid({});
     MakeLines(edges, secondOperand);
     SortLines();
     origins_ = lines_;

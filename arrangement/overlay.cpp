@@ -4,6 +4,8 @@
 // as it was. Nothing comes to cross by that where the vertex lies on the edge but for rounding. Where it lay aside by what the
 // tolerance allows, something may; such a result is arranged once more, as it stands. So is one of pieces that come nearer to
 // nodes than the points lie that these stand for: then crossings are no new places, but vertices that edges are led through.
+// Where something comes nearly as close, the result is looked at without any rounding, and arranged again as long as it crosses
+// itself. One that does not come to rest so is made of the places of the nodes, which keep apart as the pieces do.
 #include "arrangement/overlay.h"
 
 #include <algorithm>
@@ -13,6 +15,8 @@
 #include <utility>
 
 #include "core/planar_inline.h"
+#include "core/rings.h"
+#include "loops/exact_simplicity.h"
 
 namespace zbr {
 namespace {
@@ -29,6 +33,18 @@ std::vector<DirectedEdge> EdgesOf(std::span<const RingSpan> rings) {
 double ParameterOn(const DirectedEdge& edge, const ZBR_PT& p) {
   const ZBR_PT d = edge.to - edge.from;
   return (p - edge.from).InnerProduct(d) / d.Length2();
+}
+
+// Whether the region's boundary meets itself elsewhere than in common vertices.
+bool IsFaulty(const FlatRegion& region) {
+  std::vector<IndexedRing> rings;
+  for (const RingSpan& ring : region.Rings()) {
+    const auto n = static_cast<std::uint32_t>(ring.size());
+    rings.push_back({BoxOfRing(ring), ring.data(), n, 0, n, static_cast<std::uint32_t>(rings.size()), false});
+  }
+  EdgeIndex index;
+  index.Build(std::move(rings), 0.0, 0.0);
+  return ExactSimplicityOf(index) == ExactSimplicity::kFaulty;
 }
 
 }  // namespace
@@ -67,6 +83,7 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
   if (!swept_.isPlanar) {
     arrangement_ = Arrangement(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kThorough);
     swept_ = SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kThorough);
+    swept_.isNear = true;
   }
   along_ = EdgesAlong(arrangement_, edges_.size());
 }
@@ -74,12 +91,13 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
 // Makes points, rings and polygons of traced boundaries.
 class Overlay::Assembler {
  public:
-  Assembler(const Overlay& overlay, std::vector<std::int8_t> sides, bool withSources)
+  Assembler(const Overlay& overlay, std::vector<std::int8_t> sides, bool withSources, Points points)
       : overlay_(overlay),
         pieces_(overlay.arrangement_.pieces()),
         sides_(std::move(sides)),
         rings_(TraceBoundary(overlay.arrangement_.nodes(), pieces_, sides_, overlay.swept_)),
-        withSources_(withSources) {
+        withSources_(withSources),
+        onGrid_(points == Points::kOfGrid) {
     CountTouches();
   }
 
@@ -126,7 +144,7 @@ class Overlay::Assembler {
   // Narrows what the border has run along since its last corner to what it runs along in the next piece as well. False when it
   // turns before that piece.
   bool GoesOn(std::uint32_t next) {
-    if (passes_[Start(next)] != 1) return false;
+    if (passes_[Start(next)] != 1 || onGrid_) return false;
     const std::span<const std::uint32_t> sources = overlay_.along_[next];
     common_.clear();
     std::set_intersection(along_.begin(), along_.end(), sources.begin(), sources.end(), std::back_inserter(common_));
@@ -181,7 +199,7 @@ class Overlay::Assembler {
     const std::span<const std::uint32_t> pieces = rings_.ring(r);
     FindCorners(pieces);
     const bool isHole = rings_.parent[r] != BoundaryRings::kOuter;
-    if (IsNarrow(pieces)) {
+    if (IsNarrow(pieces) && !(isHole && onGrid_)) {
       if (isHole) longestDropped_ = std::max(longestDropped_, perimeter_);
       return false;
     }
@@ -191,7 +209,7 @@ class Overlay::Assembler {
       if (withSources_) AddSources(pieces, c);
       const std::uint32_t nextPiece = pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]];
       NoteCrowded(Start(pieces[corners_[c]]), Start(nextPiece));
-      const ZBR_PT& next = PointAt(nextPiece);
+      const ZBR_PT next = PointAt(nextPiece);
       NoteLeftOut(pieces, c, {region_.points.back(), next});
       hasShortEdge_ = hasShortEdge_ || region_.points.back().Distance2(next) <= overlay_.tolerance_ * overlay_.tolerance_;
     }
@@ -215,14 +233,17 @@ class Overlay::Assembler {
     crowdedEdges_.push_back(std::uint64_t{std::min(from, to)} << 32U | std::max(from, to));
   }
 
-  const ZBR_PT& PointAt(std::uint32_t piece) const { return overlay_.arrangement_.points()[Start(piece)]; }
+  ZBR_PT PointAt(std::uint32_t piece) const {
+    const Arrangement& arrangement = overlay_.arrangement_;
+    return onGrid_ ? arrangement.PlaceOf(Start(piece)) : arrangement.points()[Start(piece)];
+  }
 
   // The area of a narrow ring is its width times half the way around it. In steps of the grid, where nothing under- or overflows.
   bool IsNarrow(std::span<const std::uint32_t> pieces) {
     perimeter_ = 0.0;
     if (corners_.size() < 3) return true;
     const double perStep = 1.0 / overlay_.arrangement_.step();
-    const ZBR_PT& origin = PointAt(pieces[corners_[0]]);
+    const ZBR_PT origin = PointAt(pieces[corners_[0]]);
     double twiceArea = 0.0;
     ZBR_PT p;
     for (std::size_t c = 0; c < corners_.size(); ++c) {
@@ -236,8 +257,8 @@ class Overlay::Assembler {
 
   // Of the edge from corner c to the next: the input edges that run along the whole of it.
   void AddSources(std::span<const std::uint32_t> pieces, std::size_t c) {
-    const ZBR_PT& from = PointAt(pieces[corners_[c]]);
-    const ZBR_PT& to = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
+    const ZBR_PT from = PointAt(pieces[corners_[c]]);
+    const ZBR_PT to = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
     for (std::uint32_t k = c == 0 ? 0 : runEnds_[c - 1]; k < runEnds_[c]; ++k) {
       const DirectedEdge& e = overlay_.edges_[runSources_[k]];
       region_.sources.push_back({runSources_[k], ParameterOn(e, from), ParameterOn(e, to)});
@@ -250,6 +271,7 @@ class Overlay::Assembler {
   std::vector<std::int8_t> sides_;
   BoundaryRings rings_;
   bool withSources_;
+  bool onGrid_;
   bool straightened_ = false;
   bool hasShortEdge_ = false;
   double perimeter_ = 0.0;       // of the last ring, in steps
@@ -266,14 +288,16 @@ class Overlay::Assembler {
 };
 
 FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
-  constexpr int kMostTimes = 4;  // that a region is arranged again; one that has no rest then stays as it is
-  bool isUnsettled = false;
-  FlatRegion region = Assembled(inside, withSources, isUnsettled);
-  for (int times = 0; isUnsettled && times < kMostTimes; ++times) region = Settled(region, isUnsettled);
-  return region;
+  constexpr int kMostTimes = 4;  // that a region is arranged again
+  Rest rest = Rest::kCertain;
+  FlatRegion region = Assembled(inside, withSources, Points::kTrue, rest);
+  for (int times = 0; rest == Rest::kNone && times < kMostTimes; ++times) region = Settled(region, Points::kTrue, rest);
+  if (rest == Rest::kCertain) return region;
+  for (int times = 0; times < kMostTimes && IsFaulty(region); ++times) region = Settled(region, Points::kTrue, rest);
+  return IsFaulty(region) ? Settled(region, Points::kOfGrid, rest) : region;
 }
 
-FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const {
+FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, Points points, Rest& rest) const {
   const auto& pieces = arrangement_.pieces();
   std::vector<std::int8_t> sides(pieces.size());
   for (std::uint32_t i = 0; i < pieces.size(); ++i) {
@@ -281,18 +305,18 @@ FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, bool& isUn
     const bool above = inside(swept_.below[i] + pieces[i].net);
     sides[i] = static_cast<std::int8_t>(static_cast<int>(above) - static_cast<int>(below));
   }
-  Assembler assembler(*this, std::move(sides), withSources);
+  Assembler assembler(*this, std::move(sides), withSources, points);
   FlatRegion region = assembler.Run();
-  isUnsettled = assembler.IsUnsettled() || swept_.isTight;
+  rest = assembler.IsUnsettled() || swept_.isTight ? Rest::kNone : swept_.isNear ? Rest::kDoubtful : Rest::kCertain;
   return region;
 }
 
 // The region once more, from its own rings.
-FlatRegion Overlay::Settled(const FlatRegion& region, bool& isUnsettled) const {
+FlatRegion Overlay::Settled(const FlatRegion& region, Points points, Rest& rest) const {
   const std::vector<RingSpan> rings = region.Rings();
   const Overlay again(rings, rings.size(), tolerance_, width_);
   const bool withSources = !region.sourceEnds.empty();
-  FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, isUnsettled);
+  FlatRegion settled = again.Assembled([](Winding w) { return w.of[0] > 0; }, withSources, points, rest);
   if (withSources) TraceBack(region, settled);
   return settled;
 }

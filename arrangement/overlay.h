@@ -22,7 +22,8 @@ void TraceBack(const FlatRegion& before, FlatRegion& region);
 // The rings of one or two operands, any closed polygons of finite points, arranged once, combined as often as wanted.
 //
 // Nothing is decided in rounded arithmetic but which points and edges count as meeting, which those do that come within the
-// tolerance. Result points are points of the input, to the bit, or crossings.
+// tolerance. Result points are points of the input, to the bit, or crossings; as a last resort they are up to a step of the grid,
+// one or two of the last digits, beside them.
 class Overlay {
  public:
   // What is in the result, told by the winding numbers around a place.
@@ -38,8 +39,21 @@ class Overlay {
  private:
   class Assembler;
 
-  FlatRegion Assembled(const Inside& inside, bool withSources, bool& isUnsettled) const;
-  FlatRegion Settled(const FlatRegion& region, bool& isUnsettled) const;
+  // What the points of a result are.
+  enum class Points {
+    kTrue,    // those that vertices stand for; vertices that an edge only passes are left out
+    kOfGrid,  // the places of all vertices on the grid
+  };
+
+  // Whether a result can stay as it is.
+  enum class Rest {
+    kCertain,
+    kDoubtful,  // if its boundary keeps apart from itself
+    kNone,      // it is to be arranged once more
+  };
+
+  FlatRegion Assembled(const Inside& inside, bool withSources, Points points, Rest& rest) const;
+  FlatRegion Settled(const FlatRegion& region, Points points, Rest& rest) const;
 
   double tolerance_;
   double width_;

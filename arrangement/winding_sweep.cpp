@@ -64,11 +64,16 @@ class WindingSweep {
     }
   }
 
-  // The sign of SideSign. Notes when p comes very near the line, too.
+  // The sign of SideSign. Notes when p comes near the line, too.
   int LookAt(GridPoint from, GridPoint to, GridPoint p) {
     constexpr double kTight = 2.0;  // steps, by which the points that the ends stand for can move the line
+    constexpr double kNear = 6.0;   // the same past vertices that lie as far beside it as they may to be left out
     const double side = SideProducts(from, to, p).Value();
-    if (side * side <= kTight * kTight * Along(from, to, to)) swept_.isTight = true;
+    const double length2 = Along(from, to, to);
+    if (side * side <= kNear * kNear * length2) {
+      swept_.isNear = true;
+      if (side * side <= kTight * kTight * length2) swept_.isTight = true;
+    }
     return SideSign(from, to, p);
   }
 

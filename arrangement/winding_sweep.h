@@ -21,6 +21,8 @@ struct SweptPieces {
   // Whether a node lies so near a piece that the points that nodes stand for may lie on its other side, as crossings of three edges
   // in almost one place do. Only noticed after quick care.
   bool isTight = false;
+  // The same for the straight lines between points that results are made of, past vertices that are left out.
+  bool isNear = false;
 };
 
 // Of pieces between the given nodes, sorted by `from`, that meet at nodes only, for sure when the arrangement was made with

@@ -80,41 +80,63 @@ bool AreApart(const LoopList& loops) {
   return AreSimple(rings, t_tolerance.eps);
 }
 
-}  // namespace
+// What the operations of one pair have in common.
+class ContactWalk {
+ public:
+  ContactWalk(const RegionInput& input, const Frame& frame)
+      : frame_(frame), a_(LoopsIn(input.operand(0), frame)), b_(LoopsIn(input.operand(1), frame)) {
+    constexpr std::size_t kEdgesPerCrossing = 16;  // where crossings are more frequent, some touch in the result
+    if (!a_ || !b_) return;
+    combination_.emplace(*a_, *b_, crosses_);
+    combination_->FindCrossings();
+    isUsable_ = combination_->IsCertain() && crosses_.size() * kEdgesPerCrossing <= CountPoints(input.rings());
+  }
 
-bool WalkAlongContacts(const RegionInput& input, const ZBR_BOOLEAN_OPE* ops, ZBR_REGION* results, int count) {
-  constexpr std::size_t kLeastEdges = 256;       // of both operands; below, the arrangement takes no time either
-  constexpr std::size_t kEdgesPerRing = 32;      // of many small rings that meet some touch in the result
-  constexpr std::size_t kEdgesPerCrossing = 16;  // the same where crossings are more frequent
-  const Frame frame(input.bounds());
-  const std::size_t edges = CountPoints(input.rings());
-  if (!frame.IsUsable() || edges < kLeastEdges || edges < kEdgesPerRing * input.rings().size()) return false;
-  const ToleranceScope tolerance(kBooleanEps);
-  std::optional<LoopList> a = LoopsIn(input.operand(0), frame);
-  std::optional<LoopList> b = LoopsIn(input.operand(1), frame);
-  if (!a || !b) return false;
-  std::vector<ZBR_CROSS> crosses;
-  std::optional<Combination> combination(std::in_place, *a, *b, crosses);
-  combination->FindCrossings();
-  if (!combination->IsCertain() || crosses.size() * kEdgesPerCrossing > edges) return false;
-  std::vector<ZBR_REGION> formed(static_cast<std::size_t>(count));
-  for (int k = 0; k < count; ++k) {
-    std::optional<LoopList> loops = combination->Walk(ops[k]);
-    if (k + 1 == count) {  // the memory is wanted for the result
-      combination.reset();
-      a.reset();
-      b.reset();
+  bool isUsable() const { return isUsable_; }
+  // Whether one operation ended in doubt; others are in doubt then, too, which need not be by themselves.
+  bool isSpent() const { return !combination_->IsCertain(); }
+
+  // False when the result isn't certain, or not valid. After the last one, the memory is wanted for the result.
+  bool Combine(ZBR_BOOLEAN_OPE op, bool isLast, ZBR_REGION& result) {
+    const std::optional<LoopList> loops = combination_->Walk(op);
+    if (isLast) {
+      combination_.reset();
+      a_.reset();
+      b_.reset();
     }
     if (!loops || !AreApart(*loops)) return false;
-    ZBR_REGION& region = formed[static_cast<std::size_t>(k)];
     const std::vector<Polygon> polygons = PolygonsOf(*loops);
     std::size_t points = 0;
     for (const Polygon& p : polygons) points += (**p.loop).pt().size();
-    ZBR_REGION_ACCESS::Restart(region, points, polygons.size(), loops->size());
-    for (const auto& outer : *loops) ZBR_REGION_ACCESS::AddPolygon(region, *outer, [&](const ZBR_PT& p) { return frame.Out(p); });
+    ZBR_REGION_ACCESS::Restart(result, points, polygons.size(), loops->size());
+    for (const auto& outer : *loops) ZBR_REGION_ACCESS::AddPolygon(result, *outer, [&](const ZBR_PT& p) { return frame_.Out(p); });
+    return true;
   }
-  std::move(formed.begin(), formed.end(), results);
-  return true;
+
+ private:
+  const Frame& frame_;
+  std::optional<LoopList> a_, b_;
+  std::vector<ZBR_CROSS> crosses_;
+  std::optional<Combination> combination_;
+  bool isUsable_ = false;
+};
+
+}  // namespace
+
+void WalkAlongContacts(const RegionInput& input, OpenOperations& open) {
+  constexpr std::size_t kLeastEdges = 256;   // of both operands; below, the arrangement takes no time either
+  constexpr std::size_t kEdgesPerRing = 32;  // of many small rings that meet some touch in the result
+  const Frame frame(input.bounds());
+  const std::size_t edges = CountPoints(input.rings());
+  if (!frame.IsUsable() || edges < kLeastEdges || edges < kEdgesPerRing * input.rings().size()) return;
+  const ToleranceScope tolerance(kBooleanEps);
+  std::optional<ContactWalk> walk(std::in_place, input, frame);
+  if (!walk->isUsable()) return;
+  open.Try([&](ZBR_BOOLEAN_OPE op, bool isLast, ZBR_REGION& result) {
+    const bool isFormed = walk->Combine(op, isLast, result);
+    if (!isFormed && !isLast && walk->isSpent()) walk.emplace(input, frame);
+    return isFormed;
+  });
 }
 
 }  // namespace zbr

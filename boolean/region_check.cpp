@@ -2,6 +2,8 @@
 //
 // The rings are copied without the points that repeat the one before, since an edge without length has no sides, and scaled by a
 // power of two, which changes no digit: coordinates are of ordinary size then, and their squares neither vanish nor overflow.
+// Rings that are simple and keep apart exactly have no fault however near they come to themselves; elsewhere faults are told with a
+// tolerance, so that stretches that would be shared but for rounding are one fault and not many.
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -14,6 +16,7 @@
 #include "core/rings.h"
 #include "core/tolerance_state.h"
 #include "loops/contacts.h"
+#include "loops/exact_simplicity.h"
 #include "loops/simplicity.h"
 
 namespace zbr {
@@ -59,7 +62,7 @@ class RegionCheck {
     }
     EdgeIndex index;
     index.Build(std::move(indexed), eps_, t_tolerance.eps2);
-    if (SimplicityOf(index, eps_) == Simplicity::kSimple) return;
+    if (SimplicityOf(index, eps_) == Simplicity::kSimple || ExactSimplicityOf(index) == ExactSimplicity::kSimple) return;
     std::vector<RingContact> contacts;
     FindRingContacts(index, most, contacts);
     for (const RingContact& c : contacts) {

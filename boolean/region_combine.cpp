@@ -12,6 +12,7 @@
 #include "boolean/clusters.h"
 #include "boolean/contact_walk.h"
 #include "boolean/exact_loops.h"
+#include "boolean/open_operations.h"
 #include "boolean/rectilinear_sweep.h"
 #include "boolean/region_input.h"
 #include "boolean/region_walk.h"
@@ -19,44 +20,29 @@
 namespace zbr {
 namespace {
 
-// All results by walking, unless one of them is not certain; then they hold nothing of use. A result may be the owner of an
-// operand's arrays, so that those of several operations are formed before the first is handed over.
-bool Walk(RegionWalk& walk, const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results) {
-  if (!walk.Prepare(input)) {
-    walk.Clear();
-    return false;
-  }
-  if (ops.size() == 1) return walk.Combine(ops[0], results[0], true);
-  std::vector<ZBR_REGION> formed(ops.size());
-  for (std::size_t k = 0; k < ops.size(); ++k) {
-    if (!walk.Combine(ops[k], formed[k], k + 1 == ops.size())) return false;
-  }
-  std::move(formed.begin(), formed.end(), results);
-  return true;
-}
-
 // Whether the walk may be tried: it knows the even-odd rule only, and no sources. A tolerance that the caller gives is meant.
 bool IsWalkable(const ZBR_REGION_OPTIONS& options) {
   return options.fill_a == ZBR_FILL_EVEN_ODD && options.fill_b == ZBR_FILL_EVEN_ODD && !options.sources &&
          !(options.tolerance > 0.0);
 }
 
-// Appends what the arrangement gives.
-void Arrange(const RegionInput& input, std::span<const ZBR_BOOLEAN_OPE> ops, std::vector<ZBR_REGION>& results,
-             const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status, RegionProgress& progress) {
+// Appends what the arrangement gives of the open operations.
+void Arrange(const RegionInput& input, OpenOperations& open, const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status,
+             RegionProgress& progress) {
   if (input.rings().empty()) return;
   const double tolerance = input.ToleranceFor(options);
   const Overlay overlay(input.rings(), input.end(0), tolerance, tolerance);
   status.exact = true;
-  for (std::size_t k = 0; k < ops.size(); ++k) {
+  double done = 0.0;
+  for (const std::size_t k : open.numbers()) {
     constexpr double kShareOfSearch = 0.6;
-    const double share = static_cast<double>(k) / static_cast<double>(ops.size());
+    const double share = done / static_cast<double>(open.numbers().size());
     if (!progress.GoesOn(kShareOfSearch + (1.0 - kShareOfSearch) * share)) return;
-    const ZBR_BOOLEAN_OPE op = ops[k];
-    const auto isInside = [&](Winding w) {
+    const auto isInside = [&, op = open.op(k)](Winding w) {
       return IsInResult(op, IsFilled(options.fill_a, w.of[0]), IsFilled(options.fill_b, w.of[1]));
     };
-    ZBR_REGION_ACCESS::Append(results[k], overlay.Region(isInside, options.sources), input, options);
+    ZBR_REGION_ACCESS::Append(open.formed(k), overlay.Region(isInside, options.sources), input, options);
+    done += 1.0;
   }
 }
 
@@ -78,11 +64,8 @@ class PairWork {
     // The unit of length changes no digit. The walk wants large operands to be ordinary ones, too.
     if (!isDone && IsWalkable(options)) input_.Scale(input_.OrdinaryExponent());
     if (!isDone && !IsWalkable(options)) input_.ScaleUp();
-    if (!isDone && IsWalkable(options)) {
-      isDone = Walk(walk_, input_, ops, results) || Sweep(ops, results, options, progress) ||
-               WalkAlongContacts(input_, ops.data(), results, static_cast<int>(ops.size()));
-    }
-    if (!isDone) CombineByParts(ops, results, options, status, progress);
+    if (!isDone && !(IsWalkable(options) && ops.size() == 1 && WalkOne(ops[0], results[0])))
+      CombineOpen(ops, results, options, status, progress);
     if (std::any_of(results, results + ops.size(), ZBR_REGION_ACCESS::IsTooLarge)) status.code = ZBR_REGION_TOO_LARGE;
     for (std::size_t k = 0; k < ops.size(); ++k) {
       if (status.code != ZBR_REGION_OK) {
@@ -96,42 +79,79 @@ class PairWork {
   }
 
  private:
-  // Of operands whose edges are parallel to the axes. Their arrays are not looked at after the first step. True also when the
-  // progress function ended it.
-  bool Sweep(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
-             RegionProgress& progress) {
-    if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) {
-      sweep_.Clear();
-      return false;
+  // By walking, without a list of operations: what most calls of a batch come to.
+  bool WalkOne(ZBR_BOOLEAN_OPE op, ZBR_REGION& result) {
+    if (walk_.Prepare(input_) && walk_.Combine(op, result, true)) return true;
+    walk_.Clear();
+    return false;
+  }
+
+  // All operations, but that a single one isn't walked again.
+  void CombineOpen(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
+                   ZBR_REGION_STATUS& status, RegionProgress& progress) {
+    OpenOperations open(ops);
+    if (IsWalkable(options)) {
+      if (ops.size() > 1) Walk(input_, open);
+      if (!open.empty()) Sweep(open, options, progress);
+      if (!open.empty()) WalkAlongContacts(input_, open);
     }
-    const double count = static_cast<double>(ops.size());
-    for (std::size_t k = 0; k < ops.size(); ++k) {
-      const auto goesOn = [&](double share) { return progress.GoesOn((static_cast<double>(k) + share) / count); };
-      if (!sweep_.Combine(ops[k], results[k], goesOn)) break;
+    if (!open.empty()) CombineByParts(open, options, status, progress);
+    if (status.code == ZBR_REGION_OK) open.HandOver(results);
+  }
+
+  void Walk(const RegionInput& input, OpenOperations& open) {
+    if (walk_.Prepare(input)) {
+      open.Try([this](ZBR_BOOLEAN_OPE op, bool isLast, ZBR_REGION& result) { return walk_.Combine(op, result, isLast); });
     }
-    return true;
+    walk_.Clear();
+  }
+
+  // Of operands whose edges are parallel to the axes. Their arrays are not looked at after the first step. Until the progress
+  // function ends it.
+  void Sweep(OpenOperations& open, const ZBR_REGION_OPTIONS& options, RegionProgress& progress) {
+    if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) return sweep_.Clear();
+    const double count = static_cast<double>(open.numbers().size());
+    double done = 0.0;
+    for (const std::size_t k : open.numbers()) {
+      const auto goesOn = [&](double share) { return progress.GoesOn((done + share) / count); };
+      if (!sweep_.Combine(open.op(k), open.formed(k), goesOn)) break;
+      done += 1.0;
+    }
+    open.CloseAll();
   }
 
   // Clusters that can be walked, and the rest through the arrangement. The walk has failed for all of them together.
-  void CombineByParts(std::span<const ZBR_BOOLEAN_OPE> ops, ZBR_REGION* results, const ZBR_REGION_OPTIONS& options,
-                      ZBR_REGION_STATUS& status, RegionProgress& progress) {
-    std::vector<ZBR_REGION> formed(ops.size());  // a result may own an operand's arrays
+  void CombineByParts(OpenOperations& open, const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status,
+                      RegionProgress& progress) {
     const WalkScale scale(input_.bounds());
-    if (!IsWalkable(options) || !scale.isUsable || input_.rings().size() < 2) {
-      Arrange(input_, ops, formed, options, status, progress);
-    } else {
-      const Clusters clusters(input_.Boxes(), ClusterMargin(scale));
-      std::vector<ZBR_REGION> walked(ops.size());
-      const auto tryWalk = [&](const std::vector<std::uint32_t>& items) {
-        part_.Choose(input_, items);
-        if (!Walk(walk_, part_, ops, walked.data())) return false;
-        for (std::size_t k = 0; k < ops.size(); ++k) ZBR_REGION_ACCESS::Append(formed[k], walked[k]);
-        return true;
-      };
-      part_.Choose(input_, ClusterSearch(clusters, tryWalk).Run());
-      Arrange(part_, ops, formed, options, status, progress);
-    }
-    if (status.code == ZBR_REGION_OK) std::move(formed.begin(), formed.end(), results);
+    if (!IsWalkable(options) || !scale.isUsable || input_.rings().size() < 2)
+      return Arrange(input_, open, options, status, progress);
+    const Clusters clusters(input_.Boxes(), ClusterMargin(scale));
+    const auto combine = [&] {
+      const bool areAlike = WalkClusters(clusters, open);
+      if (areAlike) Arrange(part_, open, options, status, progress);
+      return areAlike;
+    };
+    if (combine()) return;
+    open.ClearOpen();
+    open.OneByOne(combine);
+  }
+
+  // Forms what can be walked, and leaves in part_ what can't. False when that isn't the same for all operations.
+  bool WalkClusters(const Clusters& clusters, OpenOperations& open) {
+    bool areAlike = true;
+    const auto tryWalk = [&](const std::vector<std::uint32_t>& items) {
+      if (!areAlike) return true;
+      part_.Choose(input_, items);
+      OpenOperations walked = open.Anew();
+      Walk(part_, walked);
+      areAlike = walked.empty() || walked.numbers().size() == open.numbers().size();
+      if (!walked.empty()) return false;
+      for (const std::size_t k : open.numbers()) ZBR_REGION_ACCESS::Append(open.formed(k), walked.formed(k));
+      return true;
+    };
+    part_.Choose(input_, ClusterSearch(clusters, tryWalk).Run());
+    return areAlike;
   }
 
   RegionInput input_;

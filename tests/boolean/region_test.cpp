@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 
+#include "arrangement/int128.h"
 #include "support/judge.h"
 #include "support/random_shapes.h"
 
@@ -336,6 +339,78 @@ TEST(Region, CrossingsBesideAnEdgeAreOnIt) {
         }
       }
     });
+  }
+}
+
+// The exact sign for points a few hundred units apart, with coordinates of at most 2^21 and no more than 35 binary places.
+int ExactSide(const ZBR_PT& a, const ZBR_PT& b, const ZBR_PT& c) {
+  const auto whole = [](double d) { return static_cast<std::int64_t>(std::ldexp(d, 35)); };
+  const ZBR_PT u = b - a, v = c - a;
+  return (zbr::Int128::Product(whole(u.x()), whole(v.y())) - zbr::Int128::Product(whole(u.y()), whole(v.x()))).Sign();
+}
+
+// A few digits of the coordinates are all that tells the sides of these rings apart. What was led through a vertex nearby came to
+// lie on the other side of another one when it was made straight again.
+TEST(Region, ThinRingsFarAwayGiveSimpleOnes) {
+  const std::vector<Ring> cases[][2] = {{{{{576272.59701520961, 292131.42225594545},
+                                           {576276.78410832596, 292135.62424538686},
+                                           {576249.50926773716, 292309.62854811881}}},
+                                         {{{576303.93028422166, 292162.8669986013},
+                                           {576281.24496498518, 292140.10097233177},
+                                           {576254.98297943582, 292113.74555512634},
+                                           {576317.3824196629, 292176.36699239264},
+                                           {576265.47745508875, 292124.27736673114}}}},
+                                        {{{{-756363.76155239716, -1438813.9347021654},
+                                           {-756363.71691699827, -1438813.9781533906},
+                                           {-756363.64298035461, -1438814.7040869773}}},
+                                         {{{-756363.28831347579, -1438814.3953860803},
+                                           {-756364.22995011869, -1438813.478731018},
+                                           {-756363.4350927585, -1438814.2525008435}}}},
+                                        {{{{-142524.48747845713, 3138186.1628391794},
+                                           {-142524.69713425377, 3138184.3417907748},
+                                           {-142524.6474409973, 3138184.7734212014}},
+                                          {{-142524.60258553457, 3138185.1630310994},
+                                           {-142524.55646823379, 3138185.5636011465},
+                                           {-142525.86572130246, 3138185.1834875224}}},
+                                         {}}};
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = options.fill_b = ZBR_FILL_NON_ZERO;
+  for (const auto& [a, b] : cases) {
+    const ZBR_REGION region = zbrCombineRegions(RegionOf(a), RegionOf(b), ZBR_BOOL_OR, options);
+    const std::vector<Ring> rings = RingsOf(region);
+    EXPECT_FALSE(rings.empty());
+    ForEachEdge(rings, [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+      ForEachEdge(rings, [&](int, std::size_t, const ZBR_PT& r, const ZBR_PT& s) {
+        if (p.Distance(r) == 0.0 || p.Distance(s) == 0.0 || q.Distance(r) == 0.0 || q.Distance(s) == 0.0) return;
+        EXPECT_TRUE(ExactSide(p, q, r) * ExactSide(p, q, s) > 0 || ExactSide(r, s, p) * ExactSide(r, s, q) > 0);
+      });
+    });
+    std::vector<ZBR_REGION_FAULT> faults;
+    zbrCheckRegion(region.view(), faults);
+    EXPECT_TRUE(faults.empty());
+  }
+}
+
+// A drawing of twenty parts and its revision, whose symmetric difference touches itself while the others do not.
+TEST(Region, OperationsAtOnceAreThoseOneByOne) {
+  for (int seed = 0; seed < Scaled(10); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    ZBR_REGION a, b;
+    for (int part = 0; part < 20; ++part) {
+      Ring ring, revised;
+      const int rare = 5 + Below(random, 100);
+      for (int k = 0; k < 60; ++k) {
+        const double angle = k * 0.1047, radius = 9.0 + Unit(random);
+        ring.emplace_back(30.0 * (part % 5) + radius * std::cos(angle), 30.0 * (part / 5) + radius * std::sin(angle));
+        const double shift = Below(random, rare) == 0 ? 0.1 : 0.0;
+        revised.push_back(ring.back() + ZBR_PT(shift, shift * Unit(random)));
+      }
+      a.AddRing(ring);
+      b.AddRing(revised);
+    }
+    std::array<ZBR_REGION, kOps.size()> results;
+    zbrCombineRegions(a.view(), b.view(), kOps.data(), results.data(), static_cast<int>(kOps.size()));
+    for (std::size_t k = 0; k < kOps.size(); ++k) EXPECT_EQ(results[k], zbrCombineRegions(a, b, kOps[k])) << "seed " << seed;
   }
 }
 
