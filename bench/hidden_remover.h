@@ -1,4 +1,4 @@
-// What the hidden-line benchmarks need of a library: the same small interface for ours and for its peer.
+// What the hidden-line benchmarks need of a library: the same small interface for ours and for its peers.
 #pragma once
 
 #include <zbr-drawing/model.h>
@@ -47,5 +47,9 @@ class ZbrRemover final : public HiddenRemover {
 
 // The polygonal algorithm of Open CASCADE; only where it was found when this was built.
 std::unique_ptr<HiddenRemover> MakeOpenCascadeRemover();
+
+// The least that a remover takes which asks a ray tracer, and a plain program with a grid: written here to be measured beside.
+std::unique_ptr<HiddenRemover> MakeRaysBound();
+std::unique_ptr<HiddenRemover> MakePlainGrid();
 
 }  // namespace bench

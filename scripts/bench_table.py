@@ -58,6 +58,9 @@ MEMORY_BAR = (150, "coast", 1_000_000)  # MiB above the inputs
 # of three and more triangles are not counted: either library may draw one several times.
 HIDDEN_PEER = "occt"
 HIDDEN_TOLERANCE = 0.0002
+# Our time at most, in terms of the least that rays take and of a plain program's. What takes less than so many seconds is not judged.
+HIDDEN_BARS = {"rays": 1.2, "plain": 1.0}
+HIDDEN_JUDGED_FROM = 0.01
 HIDDEN_DIFFERENCES = {
     "lattice": (0.01, "where a line runs exactly under a side shared by two nearer triangles, the peer draws hidden parts of it"),
     "beetle": (0.002, "flaps folded flat onto themselves: which of two triangles in one plane hides the other is a tie"),
@@ -292,13 +295,17 @@ def hidden_growth(scenes, key, library, operation="remove"):
     return math.log(times[1] / times[0]) / math.log(key[1] / first[1]) if all(times) else None
 
 
+def length_difference(ours, other):
+    ours_length, other_length = (library["visible"] - library["visible-junctions"] for library in (ours, other))
+    return other_length / ours_length - 1.0 if ours_length else 0.0
+
+
 def compare_lengths(key, libraries):
     """Returns the text of the column, and an error or None."""
     ours, peer = libraries.get(OURS, {}), libraries.get(HIDDEN_PEER, {})
     if "visible" not in ours or "visible" not in peer:
         return "-", None
-    ours_length, peer_length = (library["visible"] - library["visible-junctions"] for library in (ours, peer))
-    difference = peer_length / ours_length - 1.0 if ours_length else 0.0
+    difference = length_difference(ours, peer)
     tolerance, note = HIDDEN_DIFFERENCES.get(kind_of(key[0]), (HIDDEN_TOLERANCE, ""))
     text = f"{100 * difference:+.3f} %{'*' if note else ''}"
     if abs(difference) <= tolerance:
@@ -306,9 +313,23 @@ def compare_lengths(key, libraries):
     return text, f"{key[0]}: visible length differs by {100 * difference:.3f} % from the peer's"
 
 
+def hidden_ratio_cells(ours, libraries):
+    """For each library with a bar: our time in terms of its, with ! where that is more than the bar, and the length it shows."""
+    cells = []
+    for library, bar in HIDDEN_BARS.items():
+        other = libraries.get(library, {})
+        if not other.get("remove") or not ours.get("remove"):
+            cells += [text_number(other.get("remove"), ".4f"), "-", "-"]
+            continue
+        ratio = ours["remove"] / other["remove"]
+        missed = ratio > bar and ours["remove"] >= HIDDEN_JUDGED_FROM
+        cells += [f"{other['remove']:.4f}", f"{ratio:.2f}{'!' if missed else ''}", f"{100 * length_difference(ours, other):+.2f} %"]
+    return cells
+
+
 def print_hidden(path):
     scenes = read_hidden(path)
-    lines, steps, errors = [], [], []
+    lines, steps, beside, errors = [], [], [], []
     for key, libraries in scenes.items():
         ours, peer = libraries.get(OURS, {}), libraries.get(HIDDEN_PEER, {})
         agreement, error = compare_lengths(key, libraries)
@@ -317,11 +338,13 @@ def print_hidden(path):
         peer_time = text_number(peer.get("remove"), ".3f")
         if "stopped-after" in peer:
             peer_time = f"> {peer['stopped-after']:.0f}"
-        ratio = peer["remove"] / ours["remove"] if "remove" in peer and "remove" in ours else None
+        ratio = peer["remove"] / ours["remove"] if "remove" in peer and ours.get("remove") else None
         lines.append([short_name(key[0]), str(key[1]), str(key[2]), text_number(ours.get("remove"), ".4f"), peer_time,
                       text_number(ratio, ".1f"), text_number(grown, ".2f") + ("!" if (grown or 0) > GROWTH_BAR else ""),
                       text_number(hidden_growth(scenes, key, HIDDEN_PEER), ".2f"), agreement]
                      + [text_number(library.get(what), ".0f") for what in ("memory", "memory-added") for library in (ours, peer)])
+        beside.append([short_name(key[0]), text_number(ours.get("remove"), ".4f")] + hidden_ratio_cells(ours, libraries)
+                      + [text_number(hidden_growth(scenes, key, library), ".2f") for library in (OURS, *HIDDEN_BARS)])
         steps.append([short_name(key[0])] + [text_number(ours.get(step), ".4f") for step in HIDDEN_STEPS])
     print_table(["scene", "triangles", "edges", OURS, HIDDEN_PEER, "ratio", "growth", "peer's", "length", "MiB", "peer's", "added",
                  "peer's"], lines, left=(0,))
@@ -330,6 +353,12 @@ def print_hidden(path):
     print("do, edges of three and more triangles apart; memory of the whole process at its peak, and what of it the removal added.")
     shown = {kind_of(key[0]) for key in scenes}
     print("".join(f"* {kind}: {note}\n" for kind, (_, note) in HIDDEN_DIFFERENCES.items() if kind in shown))
+    print_table(["scene", OURS] + [cell for library in HIDDEN_BARS for cell in (library, "of it", "length")]
+                + [f"growth {library}" for library in (OURS, *HIDDEN_BARS)], beside, left=(0,))
+    bars = ", ".join(f"{bar} of {library}" for library, bar in HIDDEN_BARS.items())
+    print("CPU seconds of the removal beside what a ray tracer needs at least (its tree, and 16 rays for each edge) and beside a plain")
+    print(f"program with a grid; ours in terms of these, ! marks more than {bars} from {HIDDEN_JUDGED_FROM} s on;")
+    print("the length that they show beyond ours; growth as above.\n")
     print_table(["scene"] + HIDDEN_STEPS, steps, left=(0,))
     print("CPU seconds of our steps: the mesh becomes a model, that a scene, four scenes; removal; visible lines as polylines;")
     print("hidden stretches as they are, and as a person draws them.\n")
