@@ -65,7 +65,8 @@ void AddWeld(CLI::App& command, double& weld) {
 }
 
 void AddObjects(CLI::App& command, std::vector<std::string>& models, std::vector<std::string>& objects) {
-  command.add_option("models", models, "Files of triangles: STL, OBJ, PLY, OFF, glTF. Several are objects that hide one another")
+  command
+      .add_option("models", models, "Files of triangles: STL, OBJ, PLY, OFF, glTF, 3MF. Several are objects that hide one another")
       ->type_name("MODEL ...");
   command
       .add_option(
@@ -77,7 +78,7 @@ void AddObjects(CLI::App& command, std::vector<std::string>& models, std::vector
 
 void AddModelFormat(CLI::App& command, std::string& format) {
   AddChoice(command, "--model-format", format, MeshFormats(),
-            "Format of models whose extension does not tell it, and of '-': stl, obj, ply, off, gltf or glb", "FORMAT");
+            "Format of models whose extension does not tell it, and of '-': stl, obj, ply, off, gltf, glb or 3mf", "FORMAT");
 }
 
 void AddUnit(CLI::App& command, std::string& unit) {

@@ -46,8 +46,8 @@ are LineString and MultiLineString (GeoJSON, WKT), blocks of points that do not 
 polylines and polylines in space (DXF). Heights are kept: third numbers of points, elevations, z in DXF. With --both
 layers and features are named after their sides; what is inside comes first.
 
-Models (read): STL, OBJ, PLY, OFF and glTF 2, the latter with the nodes of its scene in their places. Other names, and
-'-', need --model-format.
+Models (read): STL, OBJ, PLY, OFF, glTF 2 and 3MF, the latter two with all that they place in its place, 3MF in
+millimetres. Other names, and '-', need --model-format.
 
 In DXF and text a point belongs to the drawing when an odd number of loops is around it, whatever the loops'
 directions, unless --fill names another rule; in GeoJSON and WKT the same holds for each polygon by itself. Numbers

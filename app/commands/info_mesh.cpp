@@ -12,6 +12,7 @@
 #include <string>
 
 #include "app/commands/json.h"
+#include "app/commands/model_files.h"
 #include "app/commands/report.h"
 #include "app/io/output_files.h"
 #include "app/io/progress.h"
@@ -144,7 +145,7 @@ int RunMeshInfo(const FileOptions& options) {
   if (!options.input.layers.empty()) throw Failure(options.file, "a model has no layers to choose");
   Progress progress;
   progress.Stage("reading " + options.file);
-  const Mesh mesh = ReadMesh(options.file, options.modelFormat);
+  const Mesh mesh = ReadModel(options.file, options.modelFormat);
   progress.Stage("examining");
   constexpr double kAnyCrease = 180;  // no lines are drawn
   const Model model = MakeModel(mesh, kAnyCrease);

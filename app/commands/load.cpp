@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "app/commands/format_hint.h"
 #include "app/commands/left_out.h"
 #include "app/libraries.h"
 
@@ -65,7 +66,7 @@ Drawing ReadInput(const std::string& file, Content content, const InputOptions& 
   progress.Stage("reading " + file);
   if (FormatOf(file, FormatOption(options)) == Format::kUnknown && IsMeshFile(file))
     throw Failure(file, "is a model, no drawing; 'zbr info' examines it, 'zbr draw' and 'zbr outline' make drawings of it");
-  Drawing drawing = ReadDrawing(file, FormatOption(options), content);
+  Drawing drawing = OrHint("--format", [&] { return ReadDrawing(file, FormatOption(options), content); });
   KeepLayers(drawing, options.layers, progress);
   LeaveOut(drawing, options, progress);
   if (content == Content::kRegions && drawing.joinsEnds) LeaveOutRepeats(drawing, progress);

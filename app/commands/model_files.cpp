@@ -2,6 +2,7 @@
 #include "app/commands/model_files.h"
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-formats/drawings.h>
 #include <zbr-formats/files.h>
 #include <zbr-formats/meshes.h>
 
@@ -12,6 +13,7 @@
 #include <limits>
 #include <set>
 
+#include "app/commands/format_hint.h"
 #include "app/io/output_files.h"
 #include "app/libraries.h"
 
@@ -58,10 +60,16 @@ bool AreRead(const std::vector<PlacedFile>& files, const std::string& output) {
          std::any_of(files.begin(), files.end(), [&](const PlacedFile& placed) { return IsSameFile(placed.file, output); });
 }
 
+Mesh ReadModel(const std::string& file, const std::string& format) {
+  if (format.empty() && FormatOf(file, Format::kUnknown) != Format::kUnknown)
+    throw Failure(file, "is a drawing, no model; 'zbr info' examines it, 'zbr bool', 'zbr clip' and 'zbr nest' take it");
+  return OrHint("--model-format", [&] { return ReadMesh(file, format); });
+}
+
 Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format) {
   Objects objects;
   for (const PlacedFile& placed : files) {
-    AddObject(objects, ReadMesh(placed.file, format), {BaseName(placed.file), placed.id, placed.shift});
+    AddObject(objects, ReadModel(placed.file, format), {BaseName(placed.file), placed.id, placed.shift});
   }
   return objects;
 }

@@ -23,6 +23,9 @@ std::vector<PlacedFile> ListObjects(const std::vector<std::string>& models, cons
 // Whether writing this file would overwrite one of them.
 bool AreRead(const std::vector<PlacedFile>& files, const std::string& output);
 
+// Fails when the file cannot be read. `format` is that of a file whose name does not tell.
+Mesh ReadModel(const std::string& file, const std::string& format);
+
 // Fails when a file cannot be read or a shift carries points out of range. `format` is that of files whose names do not tell.
 Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format);
 

@@ -2,12 +2,12 @@
 
 #include <zbr-drawing/numbers.h>
 #include <zbr-drawing/picker.h>
-#include <zbr-formats/meshes.h>
 
 #include <cmath>
 #include <utility>
 
 #include "app/commands/commands.h"
+#include "app/commands/model_files.h"
 #include "app/commands/points.h"
 #include "app/io/output_files.h"
 #include "app/io/progress.h"
@@ -36,7 +36,7 @@ int RunPick(const PickOptions& options) {
   Progress progress;
   const std::vector<ZBR_PT> points = ReadPoints(options.coordinates, options.file);
   progress.Stage("reading " + options.file);
-  const Mesh mesh = ReadMesh(options.file, options.modelFormat);
+  const Mesh mesh = ReadModel(options.file, options.modelFormat);
   const View view = ChooseView(options.view, mesh.yUp);
   progress.Stage("preparing");
   constexpr double kAnyCrease = 180;  // no lines are drawn

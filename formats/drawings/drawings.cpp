@@ -7,9 +7,7 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 
 #include "formats/text/foreign.h"
 
@@ -60,10 +58,11 @@ std::string NameOf(Format format) {
 
 Drawing ParseDrawing(Format format, std::string text, const std::string& name, Content content) {
   if (format == Format::kUnknown)
-    throw Failure(name,
-                  "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .svg, .loops or .txt, else give its format");
+    throw UnknownFormat(name, "not known as a drawing; names end in .dxf, .geojson, .json, .wkt, .svg, .loops or .txt");
   RefuseForeign(text, name);
   DropByteOrderMark(text);
+  if (text.empty() && format != Format::kWkt && format != Format::kText) throw Failure(name, "the file is empty");
+  if (format != Format::kDxf) RefuseBinary(text, name);  // which has a binary form
   if (format == Format::kDxf) return ReadDxf(text, name, content);
   if (format == Format::kGeoJson) return ReadGeoJson(text, name, content);
   if (format == Format::kWkt) return ReadWkt(text, name, content);
@@ -73,9 +72,7 @@ Drawing ParseDrawing(Format format, std::string text, const std::string& name, C
 
 Drawing ReadDrawing(const std::string& file, Format fallback, Content content) {
   const Format format = FormatOf(file, fallback);
-  std::error_code ignored;
-  // What the name does not tell the contents may.
-  if (format == Format::kUnknown && std::filesystem::is_regular_file(file, ignored)) RefuseForeign(ReadFile(file), file);
+  if (format == Format::kUnknown) RefuseForeignFile(file);  // what the name does not tell the contents may
   return ParseDrawing(format, format == Format::kUnknown ? "" : ReadFile(file), file, content);
 }
 

@@ -74,6 +74,9 @@ class SvgReader {
   Drawing Read() {
     const XmlElement& root = elements_.front();
     if (root.name != "svg") FailAt(drawing_.file, root.line, "is XML, but no SVG: it begins with " + Quoted(root.name));
+    if (root.Attribute(kContentAttribute) == kSheetContent)
+      throw Failure(drawing_.file,
+                    "is a sheet of views of a model, with frame and title; write the model's outline as a drawing, and read that");
     if (root.Attribute(kContentAttribute) == kPictureContent)
       throw Failure(drawing_.file,
                     "is a picture of a result, with legend and frame; write the result as DXF, GeoJSON or WKT, too, and read that");

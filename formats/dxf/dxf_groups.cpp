@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "formats/text/foreign.h"
+
 namespace zbr::formats {
 namespace {
 
@@ -43,7 +45,10 @@ std::string_view Trimmed(std::string_view text) {
 
 DxfGroups::DxfGroups(std::string_view bytes, const std::string& file) : rest_(bytes), file_(file) {
   isBinary_ = bytes.starts_with(kBinaryStart);
-  if (!isBinary_) return;
+  if (!isBinary_) {
+    RefuseBinary(bytes, file);
+    return;
+  }
   rest_.remove_prefix(kBinaryStart.size());
   // The first group is 0, SECTION: behind a code of two bytes its letters start later.
   if (rest_.size() > 1 && rest_[1] != '\0') codeBytes_ = 1;

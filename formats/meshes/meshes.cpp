@@ -25,13 +25,14 @@ Mesh Alone(const std::string& text, const std::string& file, const FileSource&) 
   return read(text, file);
 }
 
-constexpr Reader kReadStl = Alone<ReadStl>;
-constexpr std::array<std::pair<const char*, Reader>, 6> kReaders = {{{"stl", kReadStl},
+constexpr Reader kReadStl = Alone<ReadStl>, kRead3mf = Alone<Read3mf>;
+constexpr std::array<std::pair<const char*, Reader>, 7> kReaders = {{{"stl", kReadStl},
                                                                      {"obj", Alone<ReadObj>},
                                                                      {"ply", Alone<ReadPly>},
                                                                      {"off", Alone<ReadOff>},
                                                                      {"gltf", ReadGltf},
-                                                                     {"glb", ReadGltf}}};
+                                                                     {"glb", ReadGltf},
+                                                                     {"3mf", kRead3mf}}};
 
 // Null when there is none.
 Reader ReaderOf(const std::string& format) {
@@ -75,10 +76,12 @@ const std::vector<std::string>& MeshFormats() {
 Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& name, const FileSource& beside) {
   const Reader reader = ReaderOf(format);
   if (reader == nullptr)
-    throw Failure(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf or .glb, else give its format");
-  if (reader != kReadStl) DropByteOrderMark(bytes);  // a binary STL may begin with anything
+    throw UnknownFormat(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf, .glb or .3mf");
+  if (reader != kReadStl && reader != kRead3mf) DropByteOrderMark(bytes);  // a binary STL may begin with anything
   if (bytes.empty()) throw Failure(name, "the file is empty");
-  RefuseForeign(bytes, name);
+  if (reader != kRead3mf) RefuseForeign(bytes, name);
+  const bool isText = format == "obj" || format == "off" || (reader == ReadGltf && !bytes.starts_with("glTF"));
+  if (isText) RefuseBinary(bytes, name);
   Mesh mesh = reader(bytes, name, beside);
   Check(mesh, name);
   mesh.yUp = reader == ReadGltf;
@@ -93,9 +96,7 @@ Mesh ReadMesh(const std::string& file, const std::string& format) {
     if (!IsRegularFile(path)) throw Failure("there is no file " + Quoted(name));
     return ReadFile(path);
   };
-  std::error_code ignored;
-  // What the name does not tell the contents may.
-  if (ReaderOf(chosen) == nullptr && std::filesystem::is_regular_file(file, ignored)) RefuseForeign(ReadFile(file), file);
+  if (ReaderOf(chosen) == nullptr) RefuseForeignFile(file);  // what the name does not tell the contents may
   return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside);
 }
 

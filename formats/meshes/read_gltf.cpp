@@ -18,23 +18,11 @@
 
 #include "formats/meshes/gltf_accessor.h"
 #include "formats/meshes/gltf_file.h"
+#include "formats/meshes/place.h"
 #include "formats/meshes/readers.h"
 
 namespace zbr::formats {
 namespace {
-
-// Where a node puts what belongs to it: its axes and its origin.
-struct Place {
-  ZBR_PT3 x{1, 0, 0}, y{0, 1, 0}, z{0, 0, 1}, origin;
-
-  ZBR_PT3 Direction(const ZBR_PT3& d) const { return x * d.x() + y * d.y() + z * d.z(); }
-  ZBR_PT3 Point(const ZBR_PT3& p) const { return Direction(p) + origin; }
-  Place operator*(const Place& inner) const {
-    return {Direction(inner.x), Direction(inner.y), Direction(inner.z), Point(inner.origin)};
-  }
-  double Stretch() const { return std::max({x.Length(), y.Length(), z.Length()}); }
-  bool IsMirror() const { return x.OuterProduct(y).InnerProduct(z) < 0; }
-};
 
 // The quaternion x, y, z, w as axes. Files give it with few digits, so it is brought to unit length; 0 is no rotation.
 Place Rotation(const std::vector<double>& q) {

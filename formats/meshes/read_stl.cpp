@@ -30,25 +30,25 @@ std::size_t BinarySize(const std::string& text) {
   return kHeader + kCount + kRecord * static_cast<std::size_t>(Number32(text.data() + kHeader));
 }
 
-bool StartsAsText(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t\r\n");
-  return first != std::string::npos && text.compare(first, 5, "solid") == 0;
-}
-
 std::string Lower(std::string_view word) {
   std::string lower(word);
   for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return lower;
 }
 
+bool StartsAsText(const std::string& text) {
+  const std::size_t first = text.find_first_not_of(" \t\r\n");
+  return first != std::string::npos && text.compare(first, 5, "solid") == 0;
+}
+
 // No text, but a binary file that was cut off or has a wrong count.
 bool IsBrokenBinary(const std::string& text) {
-  return text.find('\0') != std::string::npos && Lower(text).find("facet") == std::string::npos;
+  return text.find('\0') != std::string::npos && (!StartsAsText(text) || Lower(text).find("facet") == std::string::npos);
 }
 
 bool IsBinary(const std::string& text) {
   if (text.size() < kHeader + kCount) return false;
-  return text.size() == BinarySize(text) || !StartsAsText(text) || IsBrokenBinary(text);
+  return text.size() == BinarySize(text) || IsBrokenBinary(text);
 }
 
 void AddTriangle(Mesh& mesh) {

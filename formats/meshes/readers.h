@@ -9,6 +9,7 @@
 namespace zbr::formats {
 
 // `text` is the whole file, `file` its name for messages.
+Mesh Read3mf(const std::string& bytes, const std::string& file);
 Mesh ReadObj(const std::string& text, const std::string& file);
 Mesh ReadOff(const std::string& text, const std::string& file);
 Mesh ReadPly(const std::string& text, const std::string& file);

@@ -128,8 +128,9 @@ std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& o
   const SheetPage page(sheet.paper.height);
   const std::string width = Px(sheet.paper.width), height = Px(sheet.paper.height);
   std::string svg =
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"" + Attribute("width", width + "mm") +
-      Attribute("height", height + "mm") + Attribute("viewBox", "0 0 " + width + " " + height) +
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"" +
+      Attribute(kContentAttribute, kSheetContent) + Attribute("width", width + "mm") + Attribute("height", height + "mm") +
+      Attribute("viewBox", "0 0 " + width + " " + height) +
       " font-family=\"'DejaVu Sans', Arial, Helvetica, sans-serif\" fill=\"none\" stroke=\"#000\" stroke-linejoin=\"round\">\n";
   svg += "<title>" + Escaped(sheet.options.title) + "</title>\n";
   svg += "<rect" + Attribute("width", width) + Attribute("height", height) + " fill=\"#fff\" stroke=\"none\"/>\n";

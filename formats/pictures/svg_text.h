@@ -10,9 +10,11 @@
 
 namespace zbr::formats {
 
-// What the root element of a picture with panels and a legend says, by which readers know it from a drawing.
+// What the root element of a picture with panels and a legend says, and that of a sheet of views, by which readers know them from
+// drawings.
 inline constexpr const char* kContentAttribute = "data-content";
 inline constexpr const char* kPictureContent = "picture";
+inline constexpr const char* kSheetContent = "sheet";
 
 // Maps a drawing into a box that starts at the origin, y up becoming y down, centred and with equal scale on both axes.
 class PageMap {

@@ -10,4 +10,10 @@ namespace zbr::formats {
 // PDF, PostScript, ZIP).
 void RefuseForeign(std::string_view bytes, const std::string& name);
 
+// Fails for what is no text.
+void RefuseBinary(std::string_view bytes, const std::string& name);
+
+// As RefuseForeign, for a file whose name tells no format; fails where it cannot be read, too. Devices and pipes are left alone.
+void RefuseForeignFile(const std::string& file);
+
 }  // namespace zbr::formats

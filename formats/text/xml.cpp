@@ -23,17 +23,17 @@ constexpr std::size_t kLongestCharacter = 32;  // from its '&': where no ';' com
 
 class XmlReader {
  public:
-  XmlReader(std::string_view text, const std::string& file) : rest_(text), file_(file) {}
+  XmlReader(std::string_view text, const std::string& file, XmlListener& listener)
+      : rest_(text), file_(file), listener_(listener) {}
 
-  std::vector<XmlElement> Read() {
+  void Read() {
     for (;;) {
       Skip(std::min(rest_.find('<'), rest_.size()));
       if (rest_.empty()) break;
       ReadMarkup();
     }
-    if (!open_.empty()) Fail("the file ends within " + Quoted(elements_[open_.back()].name));
-    if (elements_.empty()) Fail("no XML");
-    return std::move(elements_);
+    if (!open_.empty()) Fail("the file ends within " + Quoted(open_.back()));
+    if (!hasRoot_) FailAt(file_, 1, "is no XML");
   }
 
  private:
@@ -88,29 +88,31 @@ class XmlReader {
   void ReadEnd() {
     Skip(2);
     const std::string name = LocalName(ReadName());
-    if (open_.empty() || elements_[open_.back()].name != name) Fail(Quoted("</" + name + ">") + " closes nothing");
+    if (open_.empty() || open_.back() != name) Fail(Quoted("</" + name + ">") + " closes nothing");
     open_.pop_back();
     SkipBlanks();
     if (!rest_.starts_with('>')) Fail("'>' expected");
     Skip(1);
+    listener_.End();
   }
 
   void ReadElement() {
     Skip(1);
-    if (open_.empty() && !elements_.empty()) Fail("a second root element");
+    if (open_.empty() && hasRoot_) Fail("a second root element");
     if (open_.size() == kDeepest) Fail("elements are nested too deeply");
-    const std::size_t place = elements_.size();
-    if (!open_.empty()) elements_[open_.back()].children.push_back(place);
-    elements_.emplace_back();
-    elements_[place].line = line_;
-    elements_[place].name = LocalName(ReadName());
-    for (SkipBlanks(); !rest_.starts_with('>') && !rest_.starts_with("/>"); SkipBlanks()) ReadAttribute(elements_[place]);
+    hasRoot_ = true;
+    element_.attributes.clear();
+    element_.line = line_;
+    element_.name = LocalName(ReadName());
+    for (SkipBlanks(); !rest_.starts_with('>') && !rest_.starts_with("/>"); SkipBlanks()) ReadAttribute();
     const bool isEmpty = rest_.starts_with('/');
     Skip(isEmpty ? 2 : 1);
-    if (!isEmpty) open_.push_back(place);
+    listener_.Begin(element_);
+    if (!isEmpty) return open_.push_back(element_.name);
+    listener_.End();
   }
 
-  void ReadAttribute(XmlElement& element) {
+  void ReadAttribute() {
     const std::string name(ReadName());
     SkipBlanks();
     if (!rest_.starts_with('=')) Fail("'=' expected after " + Quoted(name));
@@ -120,7 +122,7 @@ class XmlReader {
     if (quote != '"' && quote != '\'') Fail("the value of " + Quoted(name) + " is not quoted");
     const std::size_t end = rest_.find(quote, 1);
     if (end == std::string_view::npos) Fail("the file ends within the value of " + Quoted(name));
-    element.attributes.emplace_back(name, Resolved(rest_.substr(1, end - 1)));
+    element_.attributes.emplace_back(name, Resolved(rest_.substr(1, end - 1)));
     Skip(end + 1);
   }
 
@@ -158,8 +160,25 @@ class XmlReader {
 
   std::string_view rest_;
   const std::string& file_;
+  XmlListener& listener_;
   std::size_t line_ = 1;
-  std::vector<XmlElement> elements_;
+  bool hasRoot_ = false;
+  XmlElement element_;  // at hand
+  std::vector<std::string> open_;
+};
+
+class Tree : public XmlListener {
+ public:
+  void Begin(const XmlElement& element) override {
+    if (!open_.empty()) elements[open_.back()].children.push_back(elements.size());
+    open_.push_back(elements.size());
+    elements.push_back(element);
+  }
+  void End() override { open_.pop_back(); }
+
+  std::vector<XmlElement> elements;
+
+ private:
   std::vector<std::size_t> open_;
 };
 
@@ -173,8 +192,14 @@ const std::string& XmlElement::Attribute(std::string_view attribute) const {
   return kNone;
 }
 
+void ReadXml(std::string_view text, const std::string& file, XmlListener& listener) {
+  XmlReader(text, file, listener).Read();
+}
+
 std::vector<XmlElement> ReadXml(std::string_view text, const std::string& file) {
-  return XmlReader(text, file).Read();
+  Tree tree;
+  ReadXml(text, file, tree);
+  return std::move(tree.elements);
 }
 
 }  // namespace zbr::formats

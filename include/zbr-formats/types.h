@@ -10,6 +10,13 @@ namespace zbr::formats {
 
 using namespace drawing;
 
+// Neither the name of a file nor the caller tells the format. The cause lists the endings of names that would; how else the format
+// can be given is the caller's to say.
+class UnknownFormat : public Failure {
+ public:
+  using Failure::Failure;
+};
+
 // Of DXF files that are written: R12 for machines and old programs, which has neither ellipses nor splines; else that of AutoCAD
 // 2000, which all programs of this century read.
 enum class DxfVersion { kR12, kR2000 };

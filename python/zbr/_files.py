@@ -13,7 +13,7 @@ from ._regions import Region
 from ._zbr import Failure
 
 DRAWINGS = {"dxf": "dxf", "geojson": "geojson", "json": "geojson", "wkt": "wkt", "svg": "svg", "txt": "text", "loops": "text"}
-MESHES = ("stl", "obj", "ply", "off", "gltf", "glb")
+MESHES = ("stl", "obj", "ply", "off", "gltf", "glb", "3mf")
 
 
 def place_of(path: Any) -> Path:
@@ -38,7 +38,7 @@ def written(path: Path, data: bytes) -> None:
 
 
 def read(file: str | os.PathLike[str], *, data: bytes | None = None, format: str | None = None, **options: Any) -> Any:
-    """Reads a file: a Mesh from stl, obj, ply, off, gltf and glb, a Region from dxf, geojson, json, wkt, svg, loops and txt.
+    """Reads a file: a Mesh from stl, obj, ply, off, gltf, glb and 3mf, a Region from dxf, geojson, json, wkt, svg, loops and txt.
 
     data: the contents, of which `file` is the name for messages. format: what the name does not tell. Options for regions:
     deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join (ends of
@@ -64,7 +64,7 @@ def _read_unknown(file: str | os.PathLike[str], data: bytes | None) -> Any:
     try:
         return _zbr.read_region(file, data=data)[0]
     except Failure as failure:
-        if "give its format" not in failure.cause:
+        if "not known as a drawing" not in failure.cause:
             raise
         cause = f"the name does not tell the format; give format=, one of {', '.join((*MESHES, *DRAWINGS))}"
         unknown = Failure(f"{failure.file}: {cause}")

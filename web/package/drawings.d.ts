@@ -66,7 +66,7 @@ export interface Combined {
 export interface ModelOptions {
   /** The extension tells the format. */
   name?: string;
-  format?: 'stl' | 'obj' | 'ply' | 'off' | 'gltf' | 'glb';
+  format?: 'stl' | 'obj' | 'ply' | 'off' | 'gltf' | 'glb' | '3mf';
   /** An edge shows where the surface bends by more than this many degrees; 30 by default. */
   crease?: number;
   /** Points closer than this part of the diagonal become one; 0 joins equal ones. */

@@ -1,5 +1,5 @@
 // Files in and out.
-const MODELS = new Set(['stl', 'obj', 'ply', 'off', 'gltf', 'glb']);
+const MODELS = new Set(['stl', 'obj', 'ply', 'off', 'gltf', 'glb', '3mf']);
 const DRAWINGS = new Set(['dxf', 'geojson', 'json', 'wkt', 'svg', 'loops', 'txt']);
 
 export const extensionOf = (name) => (name.includes('.') ? name.split('.').pop().toLowerCase() : '');

@@ -16,8 +16,7 @@ function tell(text) {
   byId('alert').hidden = false;
 }
 
-// Here a file has no format but that of its name.
-const complain = (error) => tell((error.message || String(error)).replace(', else give its format', ''));
+const complain = (error) => tell(error.message || String(error));
 
 // A model's own files may come with it, but one thing is shown at a time.
 function tellLeftOut(model, others) {

@@ -1,0 +1,107 @@
+// Models in 3MF: packages of objects that are placed, copied and spread over documents.
+#include "boxes.h"
+#include "support/zip_file.h"
+#include "tool.h"
+
+namespace {
+
+std::string Object(int id, const std::string& contents) {
+  return "<object id=\"" + std::to_string(id) + "\">" + contents + "</object>\n";
+}
+
+// The unit box.
+std::string BoxMesh() {
+  const Box box = {{0, 0, 0}, {1, 1, 1}};
+  std::ostringstream xml;
+  xml << "<mesh><vertices>";
+  for (int k = 0; k < 8; ++k)
+    xml << "<vertex x='" << box.Corner(k)[0] << "' y='" << box.Corner(k)[1] << "' z='" << box.Corner(k)[2] << "'/>";
+  xml << "</vertices><triangles>";
+  for (const auto& t : Box::kTriangles) xml << "<triangle v1='" << t[0] << "' v2='" << t[1] << "' v3='" << t[2] << "'/>";
+  xml << "</triangles></mesh>";
+  return xml.str();
+}
+
+// Copies of an object: what else each says of itself.
+std::string Copies(int id, const std::vector<std::string>& attributes) {
+  std::string xml = "<components>";
+  for (const std::string& more : attributes) xml += "<component objectid=\"" + std::to_string(id) + "\" " + more + "/>";
+  return xml + "</components>";
+}
+
+std::string Document(const std::string& objects, const std::string& items, const std::string& attributes = "") {
+  return "<?xml version='1.0'?>\n<model " + attributes + ">\n<resources>\n" + objects + "</resources>\n<build>" + items +
+         "</build></model>";
+}
+
+std::string Package(const std::string& document) {
+  return ZipFile({{"3D/3dmodel.model", document}});
+}
+
+const char* const kItem = "<item objectid='1'/>";
+const char* const kInches =
+    "unit='inch' xmlns:p='http://schemas.microsoft.com/3dmanufacturing/production/2015/06' requiredextensions='p'";
+
+// A box, a mirrored copy beside it, and a box of another document turned by a quarter and raised.
+TEST_F(Tool, ThreeMfPlacesWhatItHolds) {
+  const std::string copies = Copies(1, {"", "transform='-1 0 0 0 1 0 0 0 1 4 0 0'"});
+  const std::string items =
+      "<item objectid='2'/><item objectid='7' p:path='/3D/other.model' transform='0 2 0 -1 0 0 0 0 1 9 0 0.5'/>";
+  const std::string relations = "<Relationships><Relationship Target='/3D/Main.model' Type='http://x/3dmodel'/></Relationships>";
+  Write("m.3mf", ZipFile({{"_rels/.rels", relations},
+                          {"3D/other.model", Document(Object(7, BoxMesh()), "")},
+                          {"3D/main.model", Document(Object(1, BoxMesh()) + Object(2, copies), items, kInches)}}));
+  const double inch = 25.4;
+  Write("m.obj", ObjText({{{0, 0, 0}, {inch, inch, inch}},
+                          {{3 * inch, 0, 0}, {inch, inch, inch}},
+                          {{8 * inch, 0, 0.5 * inch}, {inch, 2 * inch, inch}}}));
+  EXPECT_EQ(Output("info m.3mf | tail -n +3"), Output("info m.obj | tail -n +3")) << "closed and facing outwards, mirrored or not";
+  EXPECT_EQ(Output("outline m.3mf --view top -o - --format wkt"), Output("outline m.obj --view top -o - --format wkt"));
+}
+
+TEST_F(Tool, ThreeMfThatIsBroken) {
+  std::string doubling = Object(1, BoxMesh());
+  for (int id = 2; id < 60; ++id) doubling += Object(id, Copies(id - 1, {"", ""}));
+  const std::string good = Package(Document(Object(1, BoxMesh()), kItem));
+  std::string damaged = good, encrypted = good, huge = good;
+  damaged[damaged.find("x='1'") + 3] = '2';
+  const std::size_t entry = good.find("PK\1\2");
+  encrypted[entry + 8] = 1;
+  huge.replace(entry + 24, 4, "\xff\xff\xff\x7f");
+  const std::string point = "<mesh><vertices>\n<vertex x='0' y='nan' z='0'/></vertices></mesh>";
+  const std::string corner =
+      "<mesh><vertices><vertex x='0' y='0' z='0'/></vertices><triangles><triangle v1='0' v2='0' v3='1'/></triangles></mesh>";
+  const std::string place = ": 3D/3dmodel.model:";
+  const struct {
+    std::string file, error;
+  } kCases[] = {
+      {"text", ": is no ZIP archive, which 3MF files are"},
+      {good.substr(0, good.size() - 30), ": the archive ends too early"},
+      {damaged, ": '3D/3dmodel.model' is damaged: its check sum differs"},
+      {encrypted, ": '3D/3dmodel.model' is encrypted"},
+      {huge, ": unpacks to more than a gigabyte"},
+      {ZipFile({{"a", "b"}}), ": there is no part '3D/3dmodel.model'"},
+      {Package("<svg/>"), place + "1: a 3MF model expected"},
+      {Package("<model>"), place + "1: the file ends within 'model'"},
+      {Package(Document("", "")), ": no triangles"},
+      {Package(Document(Object(1, point), kItem)), place + "5: 'nan' is not a finite number"},
+      {Package(Document(Object(1, corner), kItem)), place + "4: point '1' of a triangle is not among the 1"},
+      {Package(Document(Object(1, Copies(1, {""})), kItem)), place + "4: there is no object 1 before this"},
+      {Package(Document(Object(1, Copies(1, {"p:path='3D/3dmodel.model'"})), kItem)),
+       place + "4: there is no object 1 in '3D/3dmodel.model'"},
+      {Package(Document(doubling, "<item objectid='59'/>")), place + "27: too many points and triangles"},
+      {Package(Document(Object(1, BoxMesh()), "<item objectid='1' transform='1 0 0'/>")),
+       place + "6: a transform of 3 numbers, not 12"},
+      {Package(Document("", "", "unit='furlong'")), place + "2: the unit 'furlong' is unknown"},
+      {Package(Document("", "", "xmlns:b='http://x/beamlattice/2017/02' requiredextensions='b'")),
+       place + "2: requires the extension 'http://x/beamlattice/2017/02', which is not supported"},
+  };
+  for (const auto& c : kCases) {
+    Write("m.3mf", c.file);
+    const Outcome outcome = Run("info m.3mf");
+    EXPECT_EQ(outcome.err, "m.3mf" + c.error + "\n");
+    EXPECT_EQ(outcome.code, 2);
+  }
+}
+
+}  // namespace
