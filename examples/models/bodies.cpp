@@ -70,6 +70,17 @@ Mesh Cylinder(int sides, double radius, double height) {
   return solid.Take();
 }
 
+Mesh Assembly() {
+  Mesh mesh = Box({0, 0, -8}, {100, 70, 0});
+  for (int k = 0; k < 12; ++k) {
+    const ZBR_PT3 at(6.0 + 24 * (k % 4), 6.0 + 22 * (k / 4), 0);
+    Mesh body = k % 2 == 0 ? Box({0, 0, 0}, {14, 9.0 + k % 3, 8.0 + 3 * k}) : Cylinder(12 + 5 * k, 6, 6.0 + 2 * k);
+    Move(body, k % 2 == 0 ? at : at + ZBR_PT3(7, 6, 0));
+    Append(mesh, body);
+  }
+  return mesh;
+}
+
 Mesh LSolid(double height) {
   Solid solid;
   solid.Extrude(Axis::kZ, Polygon({{0, 0}, {3, 0}, {3, 1}, {1, 1}, {1, 2}, {0, 2}}), 0, height);

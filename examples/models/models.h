@@ -39,10 +39,11 @@ Mesh BoxesOnPlate(int n, bool lattice = false, std::uint64_t seed = 1);
 Mesh Gears(int k, std::size_t triangles = 2300, std::uint64_t seed = 1);
 
 // The models shipped with the examples: a bearing housing, in millimetres; a house of several bodies, in metres; a cover with
-// fillets, a boss on it and a pipe through that; a cone through a sphere.
+// fillets, a boss on it and a pipe through that; a cone through a sphere; boxes and pegs that stand on a plate, in millimetres.
 Mesh Housing();
 Mesh House();
 Mesh Cover();
 Mesh ConeThroughSphere();
+Mesh Assembly();
 
 }  // namespace example

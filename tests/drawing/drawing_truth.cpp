@@ -195,19 +195,6 @@ bool Measure(const char* name, const Mesh& mesh, const Disturbance& how) {
   return std::max(lost.PerCent(), wrong.PerCent()) <= how.most;
 }
 
-// Boxes and pegs that stand on a plate, in millimetres.
-Mesh Assembly() {
-  Mesh mesh = example::Box({0, 0, -8}, {100, 70, 0});
-  for (int k = 0; k < 12; ++k) {
-    const ZBR_PT3 at(6.0 + 24 * (k % 4), 6.0 + 22 * (k / 4), 0);
-    Mesh body =
-        k % 2 == 0 ? example::Box({0, 0, 0}, {14, 9.0 + k % 3, 8.0 + 3 * k}) : example::Cylinder(12 + 5 * k, 6, 6.0 + 2 * k);
-    example::Move(body, k % 2 == 0 ? at : at + ZBR_PT3(7, 6, 0));
-    example::Append(mesh, body);
-  }
-  return mesh;
-}
-
 Mesh Turned(Mesh mesh) {
   example::Turn(mesh, {0.3, 0.5, 0.8}, 0.137);
   return mesh;
@@ -216,7 +203,7 @@ Mesh Turned(Mesh mesh) {
 int Run(const std::string& wanted) {
   std::printf("| model | coordinates | lost, %% | wrong, %% |\n|---|---|---|---|\n");
   const std::pair<const char*, Mesh> models[] = {
-      {"assembly", Turned(Assembly())}, {"cover", Turned(example::Cover())}, {"housing", Turned(example::Housing())}};
+      {"assembly", Turned(example::Assembly())}, {"cover", Turned(example::Cover())}, {"housing", Turned(example::Housing())}};
   bool good = true;
   for (const auto& [name, mesh] : models) {
     if (!wanted.empty() && wanted != name) continue;
