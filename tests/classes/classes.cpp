@@ -217,6 +217,26 @@ Pair FarAway(Random& random) {
   return MakePair(Moved(pair.a.rings, 1.0, shift), Moved(pair.b.rings, 1.0, shift));
 }
 
+// Points along a line, beside it by about what their coordinates are rounded by.
+Ring Thread(const ZBR_PT& from, const ZBR_PT& along, Random& random) {
+  const double width = Small(random, 8.0, 15.0);
+  Ring ring;
+  for (int n = 3 + Below(random, 8); n > 0; --n) {
+    const double aside = Below(random, 6) == 0 ? Unit(random) : Between(random, -width, width);
+    ring.push_back(from + along * Unit(random) + ZBR_PT(-along.y(), along.x()) * aside);
+  }
+  return ring;
+}
+
+Pair Threads(Random& random) {
+  const double far = Small(random, -6.7, -5.0);
+  const ZBR_PT from(far * Between(random, -1.0, 1.0), far * Between(random, -1.0, 1.0));
+  const ZBR_PT along(Between(random, 10.0, 100.0), Below(random, 2) == 0 ? 0.0 : Between(random, -100.0, 100.0));
+  Rings a = {Thread(from, along, random)};
+  if (Below(random, 2) == 0) a.push_back(Thread(from, along, random));
+  return MakePair(std::move(a), {Thread(from, along, random)});
+}
+
 Ring Tangle(Random& random) {
   Ring ring;
   for (int n = 5 + Below(random, 6); n > 0; --n) ring.push_back(Spot(random));
@@ -389,6 +409,7 @@ std::vector<InputClass> InputClasses(const std::string& cases) {
   add("spikes", Spikes);
   add("tangent", TangentCircles);
   add("far", FarAway);
+  add("threads", Threads);
   add("printed", Printed);
   add("clustered", Clustered);
   add("resized", Resized);
