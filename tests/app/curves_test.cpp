@@ -191,6 +191,8 @@ TEST(Circles, RunsOfViews) {
         onRuns += length;
         if (line.chain.closed && line.chain.curves.size() == 1 && run.last - run.at + 1 == line.chain.points.size()) {
           EXPECT_DOUBLE_EQ(std::fabs(run.t1 - run.t0), 2 * pi);
+          const ZBR_PT& quarter = line.chain.points[run.at + (run.last - run.at) / 4];  // the way that the points go round
+          EXPECT_LT(run.At(run.t0 + (run.t1 - run.t0) / 4).Distance(quarter), 0.7);
           whole += 1;
         }
       }

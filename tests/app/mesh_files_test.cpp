@@ -1,8 +1,10 @@
 // The files that models come in: all formats tell the same.
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "boxes.h"
 #include "tool.h"
@@ -31,10 +33,11 @@ std::string PointsText(const std::string& before, const std::string& after = "")
   return text;
 }
 
-std::string PlyHeader(const std::string& format) {
+std::string PlyHeader(const std::string& format, const std::string& corners = "vertex_indices") {
   return "ply\nformat " + format +
          " 1.0\nelement vertex 8\nproperty float x\nproperty float y\nproperty float z\nproperty uchar red\n"
-         "element face 6\nproperty list uchar int vertex_indices\nend_header\n";
+         "element face 6\nproperty list uchar int " +
+         corners + "\nend_header\n";
 }
 
 // The test's machine stores the low byte first.
@@ -74,7 +77,7 @@ std::string Stl(bool isBinary) {
       text += isBinary ? std::string(12, '\0') : "facet normal 0 0 0\nouter loop\n";
       for (const int corner : {face[0], face[second], face[second + 1]}) {
         if (isBinary) AppendPoint<float>(text, kPoints[corner]);
-        if (!isBinary) text += std::string("vertex ") + kPoints[corner] + "\n";
+        if (!isBinary) text += std::string("VERTEX ") + kPoints[corner] + "\n";
       }
       text += isBinary ? std::string(2, '\0') : "endloop\nendfacet\n";
     }
@@ -154,7 +157,7 @@ TEST_F(Tool, ModelsOfAllFormats) {
   Write("box.obj", "v 9 9 9\n" + PointsText("v ") + FacesText("f", 2));
   Write("corners.obj", PointsText("v ") + "vt 0 0\nvn 0 0 1\ng top\nf 5/1/1 6//1 \\\n7/1 8\nl 1 2\n");
   Write("box.off", "OFF # counts:\n8 6 0\n" + PointsText("") + FacesText("4", 0));
-  Write("text.ply", PlyHeader("ascii") + PointsText("", " 255") + FacesText("4", 0));
+  Write("text.ply", PlyHeader("ascii", "vertex_index") + PointsText("", " 255") + FacesText("4", 0));
   Write("little.ply", BinaryPly(false));
   Write("big.ply", BinaryPly(true));
   Write("text.stl", Stl(false));
@@ -190,6 +193,22 @@ TEST_F(Tool, ModelsOfAllFormats) {
   EXPECT_EQ(Output("outline - --view top --model-format stl -o - --format wkt", stl), "POLYGON ((0 1, 0 0, 2 0, 2 1, 0 1))\n");
   EXPECT_EQ(Output("draw --object -,1,0,0 --view top --model-format stl --title x -o - --format svg", stl),
             Output("draw --object text.stl,1,0,0 --view top --title x -o - --format svg"));
+}
+
+TEST_F(Tool, CoordinatesOfPlyMayBeWholeNumbersWithSign) {
+  std::string text =
+      "ply\nformat binary_little_endian 1.0\nelement vertex 3\nproperty char x\nproperty short y\nproperty int z\n"
+      "element face 1\nproperty list uchar ushort vertex_index\nend_header\n";
+  for (const auto& [x, y] : {std::pair(-128, -32768), std::pair(127, -32768), std::pair(-128, -32000)}) {
+    AppendBytes(text, static_cast<std::int8_t>(x));
+    AppendBytes(text, static_cast<std::int16_t>(y));
+    AppendBytes(text, std::int32_t{-70000});
+  }
+  text += '\3';
+  for (const int corner : {0, 1, 2}) AppendBytes(text, static_cast<std::uint16_t>(corner));
+  Write("m.ply", text);
+  const std::string picked = Output("pick --view top --axes z m.ply -127 -32760");
+  EXPECT_NE(picked.find(" height -70000\n"), std::string::npos) << picked;
 }
 
 TEST_F(Tool, BinaryModelsThatEndTooEarly) {

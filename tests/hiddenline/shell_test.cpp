@@ -304,6 +304,27 @@ TEST(Driver, CloserOfTwoObjects) {
   EXPECT_EQ(closer(low, high, crosses), 0);
 }
 
+// Two plates at one height that overlap, one of which has a tower elsewhere.
+TEST(Driver, OfObjectsThatAreAsCloseTheHigherOneCoversTheOther) {
+  const auto corners = [](double x0, double x1, double z) {
+    const ZBR_PT3 a(x0, 0, z), b(x1, 0, z), c(x1, 10, z), d(x0, 10, z);
+    return std::vector<Corners>{{a, b, c}, {a, c, d}};
+  };
+  for (const bool isHigher : {false, true}) {
+    std::vector<Corners> first = corners(0, 10, 0);
+    if (isHigher) first.push_back({ZBR_PT3(1, 1, 0), ZBR_PT3(2, 1, 5), ZBR_PT3(1, 2, 5)});
+    std::vector<Corners> second = corners(5, 15, 0);
+    second.push_back({ZBR_PT3(12, 1, 0), ZBR_PT3(13, 1, 3), ZBR_PT3(12, 2, 3)});
+    Drawing drawings[] = {DrawTriangles(first), DrawTriangles(second)};
+    Shells a = drawings[0].Shells(), b = drawings[1].Shells();
+    ZBR_HiddenLine::HiddenLineObj(a.data(), nullptr, 1);
+    ZBR_HiddenLine::HiddenLineObj(b.data(), nullptr, 1);
+    ZBR_HiddenLine::HiddenLineObjByObj(a.data(), b.data(), 1, 1, true);
+    EXPECT_NEAR(ZBR_LOOP::get_area(a[0].outline), isHigher ? 100 : 50, 1e-9);
+    EXPECT_NEAR(ZBR_LOOP::get_area(b[0].outline), isHigher ? 50 : 100, 1e-9);
+  }
+}
+
 // Of a roof's border and the floor's border a little beside it, below: one line to the eye.
 TEST(HiddenSegments, LinesWithinAWidthCountAsOne) {
   Drawing drawing = DrawTriangles(

@@ -110,6 +110,7 @@ TEST(MeshBody, CopiedAndMovedShellsPointToWhereTheyWere) {
     ZBR_ZBREPS& shell = *body.GetShell(s);
     shell.ResetParentShell();
     EXPECT_EQ(shell.GetTriangle(3)->GetVertex1(), shell.GetVertex(TrianglesOf(box)[3][1]));
+    EXPECT_EQ(shell.GetEdge(5)->GetTriangle0(), shell.GetTriangle(shell.GetEdge(5)->GetTriangle0()->GetIndex()));
     EXPECT_EQ(shell.GetEdge(5)->GetTriangle0()->GetAdjTriangle(shell.GetEdge(5)), shell.GetEdge(5)->GetTriangle1());
   }
 }
