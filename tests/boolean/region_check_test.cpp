@@ -89,7 +89,7 @@ TEST(RegionCheck, OneOfManyBesideEachOther) {
     for (std::size_t k = 0; k < kRings; ++k) {
       for (std::size_t i = 0; i < kCorners; ++i) {
         const double angle = 2 * kPi * static_cast<double>(i) / kCorners, radius = 10 + kGap * static_cast<double>(k);
-        rings[k].emplace_back(radius * std::cos(angle) + (k == moved ? 1.2 * kGap : 0.0), radius * std::sin(angle));
+        rings[k].emplace_back(radius * std::cos(angle) - (k == moved ? 1.2 * kGap : 0.0), radius * std::sin(angle));
       }
     }
     std::vector<ZBR_REGION_FAULT> faults;
