@@ -13,6 +13,7 @@
 #include "core/constants.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
+#include "loops/leaf_strips.h"
 #include "loops/near_leaves.h"
 
 namespace zbr {
@@ -33,8 +34,9 @@ class SelfSearch {
   }
 
   bool VisitLeaf(std::uint32_t leaf) { return !IsLeafUnclear(leaf); }
-  bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return !AreLeavesUnclear(a, b); }
+  bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return AreStripsApart(a, b) || !AreLeavesUnclear(a, b); }
   bool ComesNear(std::uint32_t leaf, int level, std::uint32_t node) const {
+    if (!strips_.IsEmpty()) return true;  // strips tell sooner
     LeafEdges edges;
     return Read(leaf, index_.tree().Level(level)[node].Widened(room_ / 2.0), edges) > 0;
   }
@@ -51,6 +53,7 @@ class SelfSearch {
   // These answer whether something is unclear, and note touches.
   bool IsLeafUnclear(std::uint32_t leaf);
   bool AreLeavesUnclear(std::uint32_t a, std::uint32_t b);
+  bool AreStripsApart(std::uint32_t a, std::uint32_t b);
   bool IsPairOfEdgesUnclear(const Edge& e, const Edge& f);
   bool IsPairUnclear(const Edge& a, const Edge& b);
   bool IsEndUnclear(const Edge& e, bool atEnd, const Edge& other);
@@ -66,6 +69,9 @@ class SelfSearch {
   // Where more touch than this, many rings share a corner, every two of them. What passes through what there is not looked at.
   static constexpr std::size_t kTouchingsPerLeaf = 256;
 
+  // With fewer pairs of leaves to look at, strips around them would cost more than they save.
+  static constexpr std::size_t kPairsPerLeaf = 8;
+
   const EdgeIndex& index_;
   double eps2_;
   double on_;
@@ -73,6 +79,8 @@ class SelfSearch {
   double room_;  // by which a box is widened so that it meets the boxes of what is near; their margins are taken off
   bool touches_ = false;
   std::size_t touchings_ = 0;  // pairs of edges that touch
+  LeafStrips strips_;
+  std::size_t leafPairs_ = 0;
 };
 
 // The edges of a leaf that come near the box, without those that are no longer than the tolerance.
@@ -107,6 +115,14 @@ bool SelfSearch::IsLeafUnclear(std::uint32_t leaf) {
     }
   }
   return false;
+}
+
+bool SelfSearch::AreStripsApart(std::uint32_t a, std::uint32_t b) {
+  if (strips_.IsEmpty()) {
+    if (++leafPairs_ <= kPairsPerLeaf * index_.tree().Count(0)) return false;
+    strips_.Fill(index_);
+  }
+  return strips_.AreApart(a, b, near_);
 }
 
 // Of two different leaves.

@@ -80,6 +80,24 @@ TEST(RegionCheck, EveryKindAtAnyScale) {
   }
 }
 
+// Rings so close to each other that their edges come near by the hundred, one of them moved a little too far.
+TEST(RegionCheck, OneOfManyBesideEachOther) {
+  constexpr std::size_t kRings = 200, kCorners = 96;
+  constexpr double kGap = 0.01, kPi = 3.141592653589793;
+  for (const std::size_t moved : {kRings, std::size_t{0}, std::size_t{97}, kRings - 1}) {
+    Rings rings(kRings);
+    for (std::size_t k = 0; k < kRings; ++k) {
+      for (std::size_t i = 0; i < kCorners; ++i) {
+        const double angle = 2 * kPi * static_cast<double>(i) / kCorners, radius = 10 + kGap * static_cast<double>(k);
+        rings[k].emplace_back(radius * std::cos(angle) - (k == moved ? 1.2 * kGap : 0.0), radius * std::sin(angle));
+      }
+    }
+    std::vector<ZBR_REGION_FAULT> faults;
+    ASSERT_EQ(zbrCheckRegion(ScaledRegion(rings).view(), faults).code, ZBR_REGION_OK);
+    EXPECT_EQ(faults.size(), moved == kRings ? 0U : (moved == 97 ? 4U : 2U)) << "ring " << moved << " moved";
+  }
+}
+
 TEST(RegionCheck, BadArrays) {
   std::vector<ZBR_REGION_FAULT> faults(1);
   const double xy[] = {0, 0, 4, 0, 4, 4, 0, std::numeric_limits<double>::quiet_NaN(), 1, 1, 2, 2};
