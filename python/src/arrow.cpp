@@ -250,6 +250,7 @@ class Reading {
       const std::int64_t width = format[3] - '0';
       if (width < 2 || width > 9) throw BadArgument(kArgument, "coordinates of the Arrow array are no points");
       const double* const numbers = Numbers(*array_->children[0]);
+      CheckNulls(*array_->children[0], width * (begin_ + array_->offset), width * (end_ + array_->offset));
       for (std::int64_t i = begin_ + array_->offset; i < end_ + array_->offset; ++i)
         xy.insert(xy.end(), {numbers[width * i], numbers[width * i + 1]});
       return xy;
@@ -258,6 +259,7 @@ class Reading {
                           std::string_view(schema_->children[1]->format) == "g";
     if (!isStruct) throw BadArgument(kArgument, "coordinates of the Arrow array are no points");
     const double *const x = Numbers(*array_->children[0]), *const y = Numbers(*array_->children[1]);
+    for (int axis = 0; axis < 2; ++axis) CheckNulls(*array_->children[axis], begin_ + array_->offset, end_ + array_->offset);
     for (std::int64_t i = begin_ + array_->offset; i < end_ + array_->offset; ++i) xy.insert(xy.end(), {x[i], y[i]});
     return xy;
   }

@@ -121,12 +121,27 @@ PyObject* Paper(PyObject* self, void*) noexcept {
   return Py_BuildValue("(dd)", paper.width, paper.height);
 }
 
+// The sections whose plane no other view shows. One alone on its sheet is known to the reader.
+PyObject* Unmarked(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    Ref list = Ref::Own(PyList_New(0));
+    const auto& views = Objects::Of(self)->sheet.views;
+    for (const drawing::PlacedView& view : views) {
+      if (views.size() < 2 || !view.lines.section || view.lines.section->isMarked) continue;
+      const Ref name = Ref::Own(PyUnicode_FromString(view.lines.name.c_str()));
+      if (PyList_Append(list.get(), name.get()) != 0) throw PythonError();
+    }
+    return list;
+  });
+}
+
 }  // namespace
 
 void AddSheetType(PyObject* module) {
   static PyGetSetDef properties[] = {
       {"scale", Scale, nullptr, "Millimetres on paper for each of the model.", nullptr},
       {"paper", Paper, nullptr, "(width, height) in millimetres.", nullptr},
+      {"_unmarked", Unmarked, nullptr, nullptr, nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {

@@ -60,9 +60,11 @@ def test_a_consumer_sees_closed_rings():
 class Producer:
     """A slice of polygons with 64-bit offsets and columns of coordinates."""
 
-    def __init__(self, polygons, rings, x, y, offset, length, valid=None, parts=None):
+    def __init__(self, polygons, rings, x, y, offset, length, valid=None, parts=None, null=None):
         self.kept = [np.array(polygons, np.int64), np.array(rings, np.int64), np.array(x, float), np.array(y, float), np.array(valid or [255], np.uint8), np.array(parts or [255], np.uint8)]
-        numbers = [self.node(b"g", [], [None, column], len(x)) for column in self.kept[2:4]]
+        bits = np.packbits(np.arange(len(x)) != (-1 if null is None else null), bitorder="little")
+        numbers = [self.node(b"g", [], [of, column], len(x), 0, -1) for of, column in zip((None, bits), self.kept[2:4])]
+        self.kept.append(bits)
         points = self.node(b"+s", numbers, [None], len(x))
         lists = self.node(b"+L", [points], [self.kept[5], self.kept[1]], len(rings) - 1, 0, -1)
         self.schema, self.array = self.node(b"+L", [lists], [self.kept[4], self.kept[0]], length, offset, -1)
@@ -86,10 +88,11 @@ def test_what_others_produce_is_read():
     assert zbr.Regions.of(Producer(*given, 0, 3)).area.tolist() == [0.5, 15.5, 0.5]
     assert zbr.Regions.of(Producer(*given, 1, 2)).area.tolist() == [15.5, 0.5] and zbr.Region.of(Producer(*given, 1, 1)).area == 15.5
     assert zbr.Region.of(Producer(*given, 1, 1, [2], [6])).area == 15.5  # what is not asked for may be null
+    assert zbr.Region.of(Producer(*given, 0, 1, null=3)).area == 0.5  # so may numbers
     assert len(zbr.Regions.of(Producer([0], [0], [], [], 0, 0))) == 0
     regions = stars(20)
     assert list(zbr.Regions.of(type("Column", (), {"__arrow_c_array__": regions.__arrow_c_array__}))) == list(regions)
-    for bad in (Producer([0, 2, 1], *given[1:], 0, 2), Producer([0, 9], *given[1:], 0, 1), Producer(*given, 0, 3, [5]), Producer(*given, 1, 2, None, [7]), Producer([0, 1], [0, 99], x, y, 0, 1)):
+    for bad in (Producer([0, 2, 1], *given[1:], 0, 2), Producer([0, 9], *given[1:], 0, 1), Producer(*given, 0, 3, [5]), Producer(*given, 1, 2, None, [7]), Producer([0, 1], [0, 99], x, y, 0, 1), Producer(*given, 0, 2, null=3), Producer(*given, 2, 1, null=15)):
         with pytest.raises(ValueError, match="^regions: "):
             zbr.Regions.of(bad)
     with pytest.raises(TypeError, match="^regions: "):

@@ -101,6 +101,8 @@ def test_sections():
     cube_of_two = cube(2.0)
     views = cube_of_two.draw_views(["front", "X=1", "Z=0.5..1"])
     assert [view.name for view in views] == ["front", "A-A", "B-B"] and "A-A" in zbr.sheet(views).svg()
+    with pytest.warns(UserWarning, match="^A-A: none of the views shows"):
+        zbr.sheet(cube_of_two.draw_views(["iso", "X=1"]))
     with pytest.raises(ValueError, match="^view: "):
         cube().section("X=")
     apart = zbr.sheet([views[0], cube_of_two.section("X=1"), cube_of_two.section("Z=0.5")]).svg()

@@ -5,6 +5,7 @@ import os
 import resource
 import shutil
 import signal
+import subprocess
 import sys
 import threading
 from pathlib import Path
@@ -87,3 +88,9 @@ def test_tiles_make_up_the_whole(client):
         far = [tuple(p) for p in whole.coords if np.abs(p[0] - seams[:4]).min() > 1e-6 and np.abs(p[1] - seams[4:]).min() > 1e-6]
         distance = [np.abs(tiled.coords - p).max(axis=1).min() for p in far]
         assert len(far) > 100 and max(distance) < 1e-12
+
+
+def test_a_fleet_is_measured():
+    command = [sys.executable, "-P", EXAMPLES / "fleet" / "measure_fleet.py", "--large", "1", "--small", "2", "--workers", "1"]
+    lines = subprocess.run(command, check=True, capture_output=True, text=True, env={**os.environ, "PYTHONPATH": str(EXAMPLES / "fleet")}).stdout.splitlines()
+    assert len(lines) == 2 and "1.00 times as fast" in lines[1]

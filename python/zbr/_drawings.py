@@ -252,9 +252,13 @@ def sheet(drawings: Iterable[Drawing], **options: Any) -> Sheet:
 
     Options: paper=None ("A3", "420x297" in millimetres; None: one that suits), scale=None ("1:2", 0.5, "fit"; None: the largest
     standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number, author,
-    date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer").
+    date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer"). Warns of
+    sections whose plane none of the views shows, which takes one that sees it as a line.
     """
-    return _zbr.sheet(drawings, **{"projection": "first", **options})
+    placed = _zbr.sheet(drawings, **{"projection": "first", **options})
+    for name in placed._unmarked:
+        warnings.warn(f"{name}: none of the views shows where its plane is", stacklevel=2)
+    return placed
 
 
 def _triangles_of(thing: Any) -> tuple[Any, Any]:
