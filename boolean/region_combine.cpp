@@ -110,7 +110,7 @@ class PairWork {
   // function ends it.
   void Sweep(OpenOperations& open, const ZBR_REGION_OPTIONS& options, RegionProgress& progress) {
     if (!sweep_.Prepare(input_, input_.ToleranceFor(options))) return sweep_.Clear();
-    const double count = static_cast<double>(open.numbers().size());
+    const auto count = static_cast<double>(open.numbers().size());
     double done = 0.0;
     for (const std::size_t k : open.numbers()) {
       const auto goesOn = [&](double share) { return progress.GoesOn((done + share) / count); };
