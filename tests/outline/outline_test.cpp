@@ -184,11 +184,11 @@ TEST(OutlineOfTriangles, ThatNameNoneOrOneOfTwoNeighbours_IsThatOfAll) {
   }
 }
 
-// Two lie on each other and name a third one, which can be the neighbour of one only.
+// Two lie over each other and name a third one, which can be the neighbour of one only.
 TEST(OutlineOfTriangles, OfWhichTwoNameOneNeighbour_IsThatOfAll) {
   std::vector<ZBR_HL_TRI> tris(3);
   const ZBR_PT3 corners[3][3] = {
-      {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {0, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {0, 10, 0}}};
+      {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {0, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {2, 8, 0}}};
   for (std::size_t t = 0; t < 3; ++t) std::copy(corners[t], corners[t] + 3, tris[t].pt);
   tris[0].adj[2] = 1;
   tris[1].adj[0] = tris[2].adj[0] = 0;
