@@ -170,7 +170,6 @@ TEST(OutlineOfCrowds, BarsAcrossBarsAtAnyAngle) {
 
 INSTANTIATE_TEST_SUITE_P(Families, OutlineOfScenes, testing::ValuesIn(SceneFamilies()), testing::PrintToStringParamName());
 
-// A ring and a rod, narrower than what counts as a wall for the hidden lines, in their facets or altogether.
 // A square of two triangles; either, both or none names the other as its neighbour.
 TEST(OutlineOfTriangles, ThatNameNoneOrOneOfTwoNeighbours_IsThatOfAll) {
   for (const unsigned named : {0U, 1U, 2U, 3U}) {
@@ -185,6 +184,40 @@ TEST(OutlineOfTriangles, ThatNameNoneOrOneOfTwoNeighbours_IsThatOfAll) {
   }
 }
 
+// Two lie over each other and name a third one, which can be the neighbour of one only.
+TEST(OutlineOfTriangles, OfWhichTwoNameOneNeighbour_IsThatOfAll) {
+  std::vector<ZBR_HL_TRI> tris(3);
+  const ZBR_PT3 corners[3][3] = {
+      {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {0, 10, 0}}, {{0, 0, 0}, {10, 10, 0}, {2, 8, 0}}};
+  for (std::size_t t = 0; t < 3; ++t) std::copy(corners[t], corners[t] + 3, tris[t].pt);
+  tris[0].adj[2] = 1;
+  tris[1].adj[0] = tris[2].adj[0] = 0;
+  ZBR_HL_SHELL shell(tris.data(), 3);
+  ZBR_HiddenLine::OutLineObj(&shell, 1);
+  EXPECT_EQ(NetArea(shell.outline_all), 100);
+  EXPECT_EQ(tris[2].profile[0], 0);
+}
+
+// The edge from 0 to 10 has a triangle beside its first three units; run through either way by triangles that turn either way.
+TEST(OutlineWalk, TakesWhatATriangleBesideTheEdgeCovers) {
+  for (const bool reversed : {false, true}) {
+    const ZBR_PT3 a(0, 0, 0), b(10, 0, 0);
+    Drawing drawing = DrawTriangles(
+        {{reversed ? b : a, reversed ? a : b, ZBR_PT3(5, 5, 0)}, {ZBR_PT3(0, 0, 7), ZBR_PT3(0, -3, 7), ZBR_PT3(3, 0, 7)}});
+    std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+    ZBR_HiddenLine::HiddenLine_Shells(shells.data(), static_cast<unsigned>(shells.size()));
+    const ZBR_HL_TRI& t = shells[0].tris[0];
+    std::vector<ZBR_HL_INTERVAL> parts = {{t.pt[0], t.pt[1], 0.0, 1.0}};
+    ZBR_HiddenLine::OutLine_TriByShell(t, 0, shells[0], parts);
+    ASSERT_EQ(parts.size(), 1U);
+    EXPECT_NEAR(parts[0].s.t, reversed ? 0.0 : 0.3, 1e-12);
+    EXPECT_NEAR(parts[0].e.t, reversed ? 0.7 : 1.0, 1e-12);
+    ZBR_HiddenLine::OutLineObj(shells.data(), 1);
+    EXPECT_TRUE(t.profile[0] == 1 && t.profile[1] == 2 && t.profile[2] == 2);
+  }
+}
+
+// A ring and a rod, narrower than what counts as a wall for the hidden lines, in their facets or altogether.
 TEST(OutlineOfSlenderParts, HasAllTheirArea) {
   const auto at = [](int k, double r) { return ZBR_PT3(r * std::cos(k * 0.1), r * std::sin(k * 0.1), 0); };
   for (const double width : {1e-4, 1e-5, 1e-6}) {
