@@ -130,8 +130,8 @@ class Kept {
   void ForEachCell(const ZBR_SEG& segment, const Use& use) const {
     const ZBR_PT along = segment.e() - segment.s();
     const double steps = std::max(std::ceil(2.0 * along.Length() / cell_), 1.0);
-    for (double step = 0; step <= steps; ++step) {
-      const ZBR_PT p = segment.s() + along * (step / steps);
+    for (std::size_t step = 0; static_cast<double>(step) <= steps; ++step) {
+      const ZBR_PT p = segment.s() + along * (static_cast<double>(step) / steps);
       use(Cell(std::floor(p.x() / cell_), std::floor(p.y() / cell_)));
     }
   }

@@ -141,13 +141,13 @@ class PlacedStyles {
     Box box;
     std::size_t style;
   };
-  using Key = std::tuple<std::size_t, double, double>;
+  using Key = std::tuple<std::size_t, std::int64_t, std::int64_t>;
 
   template <class Use>
   void ForEachCell(std::size_t view, const Box& box, double gap, const Use& use) const {
-    const auto cell = [&](double x) { return cell_ > 0 ? std::floor(x / cell_) : 0.0; };
-    for (double x = cell(box.xmin - gap); x <= cell(box.xmax + gap); ++x) {
-      for (double y = cell(box.ymin - gap); y <= cell(box.ymax + gap); ++y) use(Key(view, x, y));
+    const auto cell = [&](double x) { return static_cast<std::int64_t>(cell_ > 0 ? std::floor(x / cell_) : 0.0); };
+    for (std::int64_t x = cell(box.xmin - gap); x <= cell(box.xmax + gap); ++x) {
+      for (std::int64_t y = cell(box.ymin - gap); y <= cell(box.ymax + gap); ++y) use(Key(view, x, y));
     }
   }
 
