@@ -131,9 +131,9 @@ from the left on its right; in third-angle projection it is the other way round.
 corner. All views have the same scale; SVG, PDF and DXF are in millimetres on paper:
 
   SVG   a group for each view, within it for hidden and visible lines, for each class of edges
-  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE and FRAME, and where needed HATCHING and CENTER
-  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE; with sections SECTION
-        and HATCHING, CENTER for cutting planes and centre lines
+  PDF   one page, with layers FILL, HIDDEN, TANGENT, VISIBLE, FRAME, HATCHING and CENTER
+  DXF   layers VISIBLE, OUTLINE (silhouettes), INTERSECTION, TANGENT, HIDDEN, FRAME and TITLE;
+        SECTION and HATCHING with sections; CENTER for cutting planes and centre lines
   JSON  every line with its points, in the unit of the model, and the edges it is part of
 
 Edges that are chords of one circle are drawn as what they stand for: circles, ellipses and arcs. A chord spans at

@@ -19,8 +19,10 @@ double Coordinate(const std::string& text) {
 std::vector<ZBR_PT> PointsFromArguments(const std::vector<std::string>& coordinates) {
   if (coordinates.size() % 2 != 0) throw Failure("a point needs two numbers, but there are " + std::to_string(coordinates.size()));
   std::vector<ZBR_PT> points;
-  for (std::size_t i = 0; i < coordinates.size(); i += 2)
-    points.emplace_back(Coordinate(coordinates[i]), Coordinate(coordinates[i + 1]));
+  for (std::size_t i = 0; i < coordinates.size(); i += 2) {
+    const double x = Coordinate(coordinates[i]);  // the first wrong number is the one that is told
+    points.emplace_back(x, Coordinate(coordinates[i + 1]));
+  }
   return points;
 }
 

@@ -67,7 +67,9 @@ View LookAlong(const ZBR_PT3& direction, const ZBR_PT3& up) {
 View LookFrom(const ZBR_PT3& eye, const ZBR_PT3& at, const ZBR_PT3& up, double fieldOfView) {
   constexpr double kWidest = 170.0;
   if (!(fieldOfView >= 0 && fieldOfView <= kWidest)) throw Failure("a field of view is at most 170 degrees wide");
-  View view = LookAlong(at - eye, up);
+  const ZBR_PT3 ahead = at - eye;
+  if (ahead.x() == 0 && ahead.y() == 0 && ahead.z() == 0) throw Failure("the eye is at the very point that it looks at");
+  View view = LookAlong(ahead, up);
   view.perspective = Perspective{eye, eye.Distance(at), fieldOfView};
   return view;
 }

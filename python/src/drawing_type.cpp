@@ -290,8 +290,8 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     Request request;
     ForEachItem(given.Needed(0), "views", [&](PyObject* view) { AddView(view, mesh->mesh.yUp, request.views); });
     request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
-    request.crease = given.Number(2, 30.0, 0.0);
-    request.weld = given.Number(3, 0.0, 0.0);
+    request.crease = given.Number(2, 30.0, 0.0, 180.0);
+    request.weld = given.Number(3, 0.0, 0.0, kMostWeld);
     request.options.tangents = given.Truth(4, false);
     request.options.intersections = given.Truth(5, true);
     request.options.outlines = given.Truth(6, false);

@@ -27,6 +27,9 @@ namespace zbr::python {
 
 using ModelPtr = std::shared_ptr<const drawing::Model>;
 
+// As a part of the model's diagonal; more would leave little of it.
+constexpr double kMostWeld = 0.1;
+
 struct MeshData {
   drawing::Mesh mesh;
   std::string name;

@@ -159,7 +159,7 @@ PyObject* Outline(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObj
     const Arguments<4> given("outline", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
     const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
-    const double weld = given.Number(1, 0.0, 0.0);
+    const double weld = given.Number(1, 0.0, 0.0, kMostWeld);
     const unsigned threads = given.Threads(2);
     return NewRegion(Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) -> RegionPtr {
       const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
@@ -199,7 +199,7 @@ PyObject* TracedOutlines(PyObject* self, PyObject* const* args, Py_ssize_t count
     const Arguments<4> given("traced_outlines", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
     const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
-    const double weld = given.Number(1, 0.0, 0.0);
+    const double weld = given.Number(1, 0.0, 0.0, kMostWeld);
     const unsigned threads = given.Threads(2);
     auto traced = Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) {
       const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
@@ -219,7 +219,7 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
     const Arguments<4> given("pick", {"points", "view", "weld", "progress"}, 2, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
     const drawing::View view = WholeView(given[1], mesh->mesh.yUp);
-    const double weld = given.Number(2, 0.0, 0.0);
+    const double weld = given.Number(2, 0.0, 0.0, kMostWeld);
     std::vector<ZBR_PT> points = PickedPoints(given.Needed(0), given[3]);
     const auto own = Run(kSmallCall, nullptr, [mesh, view, weld](Monitor&) {
       return std::make_shared<const OwnPicker>(mesh->ModelFor(kAnyCrease, weld), view);

@@ -3,6 +3,8 @@
 
 #include "python/src/refs.h"
 
+#include <zbr-drawing/numbers.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -51,14 +53,12 @@ class Arguments {
     if (truth < 0) Refuse(i, "True or False");
     return truth != 0;
   }
-  // A finite number, not below `least`.
-  double Number(std::size_t i, double otherwise, double least = -std::numeric_limits<double>::max()) const {
+  // A finite number, neither below `least` nor above `most`.
+  double Number(std::size_t i, double otherwise, double least = -kLargest, double most = kLargest) const {
     if (values_[i] == nullptr) return otherwise;
     const double value = PyFloat_AsDouble(values_[i]);
     if (value == -1.0 && PyErr_Occurred() != nullptr) Refuse(i, "a number");
-    if (!(value >= least && value <= std::numeric_limits<double>::max()))
-      throw BadArgument(names_[i],
-                        "a finite number" + (least == 0.0 ? std::string(" of 0 or more") : std::string()) + " is needed");
+    if (!(value >= least && value <= most)) throw BadArgument(names_[i], WantedNumber(least, most) + " is needed");
     return value;
   }
   long Integer(std::size_t i, long otherwise, long least, long most) const {
@@ -92,6 +92,12 @@ class Arguments {
   }
 
  private:
+  static constexpr double kLargest = std::numeric_limits<double>::max();
+
+  static std::string WantedNumber(double least, double most) {
+    if (most < kLargest) return "a number from " + drawing::NumberText(least) + " to " + drawing::NumberText(most);
+    return least == 0.0 ? "a finite number of 0 or more" : "a finite number";
+  }
   static void CheckCount(const char* function, std::size_t count, std::size_t most) {
     if (count > most)
       throw BadType(function, "takes " + std::to_string(most) + " positional arguments, not " + std::to_string(count));

@@ -103,6 +103,9 @@ def test_sections():
     assert [view.name for view in views] == ["front", "A-A", "B-B"] and "A-A" in zbr.sheet(views).svg()
     with pytest.warns(UserWarning, match="^A-A: none of the views shows"):
         zbr.sheet(cube_of_two.draw_views(["iso", "X=1"]))
+    for wrong in ({"weld": 0.2}, {"crease": 181}, {"weld": -1}):
+        with pytest.raises(ValueError, match=f"^{next(iter(wrong))}: a number from 0 to "):
+            cube().draw("top", **wrong)
     with pytest.raises(ValueError, match="^view: "):
         cube().section("X=")
     apart = zbr.sheet([views[0], cube_of_two.section("X=1"), cube_of_two.section("Z=0.5")]).svg()
