@@ -293,8 +293,11 @@ FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
   FlatRegion region = Assembled(inside, withSources, Points::kTrue, rest);
   for (int times = 0; rest == Rest::kNone && times < kMostTimes; ++times) region = Settled(region, Points::kTrue, rest);
   if (rest == Rest::kCertain) return region;
-  for (int times = 0; times < kMostTimes && IsFaulty(region); ++times) region = Settled(region, Points::kTrue, rest);
-  return IsFaulty(region) ? Settled(region, Points::kOfGrid, rest) : region;
+  for (int times = 0; IsFaulty(region); ++times) {
+    if (times == kMostTimes) return Settled(region, Points::kOfGrid, rest);
+    region = Settled(region, Points::kTrue, rest);
+  }
+  return region;
 }
 
 FlatRegion Overlay::Assembled(const Inside& inside, bool withSources, Points points, Rest& rest) const {

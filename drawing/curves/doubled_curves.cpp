@@ -85,6 +85,11 @@ struct Side {
   }
 };
 
+// How far apart stretches of one curve may be.
+double Reach(double height, double other) {
+  return std::min(height + other + kRounding, kLineWidth);
+}
+
 // The lines that stay, by square cells.
 class Kept {
  public:
@@ -138,7 +143,7 @@ class Kept {
 
   // Where a stretch and another stand for one curve. Places within reach of a segment are convex, so it is one part.
   Part PartAlong(const CurvedStretch& stretch, const CurvedStretch& other) const {
-    const double reach = std::min(stretch.height + other.height + kRounding, kLineWidth);
+    const double reach = Reach(stretch.height, other.height);
     const ZBR_SEG &s = stretch.segment, &o = other.segment;
     const double length = s.s().Distance(s.e()), otherLength = o.s().Distance(o.e());
     if ((stretch.circle == kNoCircle) != (other.circle == kNoCircle) || !(length > 0 && otherLength > 0)) return {1.0, 0.0};
@@ -181,6 +186,19 @@ class Kept {
   std::vector<std::uint32_t> found_;
 };
 
+// Cells as long as the mean line are in number as the lines are; what is within reach is in the next cell at the farthest.
+double CellFor(const std::vector<CurvedStretch>& visible, const std::vector<CurvedStretch>& hidden) {
+  double length = 0.0, height = 0.0;
+  for (const auto* stretches : {&visible, &hidden}) {
+    for (const CurvedStretch& stretch : *stretches) {
+      length += stretch.segment.s().Distance(stretch.segment.e());
+      height = std::max(height, stretch.height);
+    }
+  }
+  const auto count = static_cast<double>(std::max<std::size_t>(visible.size() + hidden.size(), 1));
+  return std::max(2.0 * Reach(height, height), length / count);
+}
+
 }  // namespace
 
 bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, std::size_t shell, std::size_t triangle,
@@ -200,12 +218,7 @@ bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, st
 
 std::vector<PartOfStretch> WithoutDoubles(const Scene& scene, const Circles* circles, const std::vector<CurvedStretch>& visible,
                                           const std::vector<CurvedStretch>& hidden) {
-  double length = 0.0;  // cells as long as the mean line are in number as the lines are
-  for (const auto* stretches : {&visible, &hidden}) {
-    for (const CurvedStretch& stretch : *stretches) length += stretch.segment.s().Distance(stretch.segment.e());
-  }
-  const auto count = static_cast<double>(std::max<std::size_t>(visible.size() + hidden.size(), 1));
-  Kept kept(scene, circles, std::max(2.0 * kLineWidth, length / count));
+  Kept kept(scene, circles, CellFor(visible, hidden));
   for (const CurvedStretch& stretch : visible) kept.Add(stretch);
   std::vector<PartOfStretch> left;
   for (std::size_t k = 0; k < hidden.size(); ++k) {
