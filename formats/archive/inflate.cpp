@@ -1,7 +1,8 @@
 // Deflate: blocks of bytes as they are, or of codes of different lengths, each for a byte or for a copy of what came out before.
 //
-// Idea: the codes of a block are given by their lengths alone, as shorter ones come first and those of a length in order; a table
-// with an entry for every string of bits as long as the longest code tells which code the string begins with.
+// Idea: the codes of a block are given by their lengths alone, as shorter ones come first and those of a length in order. A table
+// with an entry for every string of a few bits tells which code the string begins with; the rare longer codes are found by
+// counting. A table for all would take longer to make than small blocks to read, and a file may hold a hundred thousand of them.
 // Invariants: no bit is taken beyond the end, no copy begins before the first byte, and no more comes out than was announced. A set
 // of codes may leave strings of bits without meaning, which are refused where they come, but may not give one two meanings.
 #include "formats/archive/inflate.h"
@@ -77,30 +78,33 @@ class Codes {
  public:
   // The length of each symbol's code, 0 where it has none.
   explicit Codes(std::span<const std::uint8_t> lengths) {
-    std::array<unsigned, kLongestCode + 2> next{};
-    for (const std::uint8_t length : lengths) {
-      longest_ = std::max<unsigned>(longest_, length);
-      if (length > 0) ++next[length + 1U];
+    for (const std::uint8_t length : lengths) ++count_[length];
+    count_[0] = 0;
+    std::array<unsigned, kLongestCode + 1> code{}, place{};
+    for (unsigned length = 1; length <= kLongestCode; ++length) {
+      code[length] = (code[length - 1] + count_[length - 1]) << 1U;
+      place[length] = place[length - 1] + count_[length - 1];
+      if (code[length] + count_[length] > 1U << length) FailBroken();
     }
-    table_.resize(std::size_t{1} << longest_);
-    for (unsigned length = 1; length <= longest_; ++length) {
-      const unsigned count = next[length + 1];
-      next[length + 1] = (next[length] + count) << 1U;
-      if (next[length] + count > 1U << length) FailBroken();
-    }
+    symbols_.resize(lengths.size());
+    quick_.resize(std::size_t{1} << kQuick);
     for (std::size_t symbol = 0; symbol < lengths.size(); ++symbol) {
-      if (lengths[symbol] > 0) Add(static_cast<std::uint16_t>(symbol), lengths[symbol], next[lengths[symbol]]++);
+      const std::uint8_t length = lengths[symbol];
+      if (length == 0) continue;
+      symbols_[place[length]++] = static_cast<std::uint16_t>(symbol);
+      if (length <= kQuick) Add(static_cast<std::uint16_t>(symbol), length, code[length]++);
     }
   }
 
   unsigned Take(Bits& bits) const {
-    const Entry entry = table_[bits.Peek(longest_)];
-    if (entry.length == 0) FailBroken();
+    const Entry entry = quick_[bits.Peek(kQuick)];
+    if (entry.length == 0) return TakeLong(bits);
     bits.Drop(entry.length);
     return entry.symbol;
   }
 
  private:
+  static constexpr unsigned kQuick = 9;
   struct Entry {
     std::uint16_t symbol = 0;
     std::uint8_t length = 0;
@@ -110,11 +114,29 @@ class Codes {
   void Add(std::uint16_t symbol, std::uint8_t length, unsigned code) {
     unsigned reversed = 0;
     for (unsigned bit = 0; bit < length; ++bit) reversed |= (code >> bit & 1U) << (length - 1 - bit);
-    for (std::size_t i = reversed; i < table_.size(); i += std::size_t{1} << length) table_[i] = {symbol, length};
+    for (std::size_t i = reversed; i < quick_.size(); i += std::size_t{1} << length) quick_[i] = {symbol, length};
   }
 
-  unsigned longest_ = 0;
-  std::vector<Entry> table_;
+  // Bit by bit: the codes of a length are those from the first one on.
+  unsigned TakeLong(Bits& bits) const {
+    const unsigned ahead = bits.Peek(kLongestCode);
+    unsigned code = 0, first = 0, place = 0;
+    for (unsigned length = 1; length <= kLongestCode; ++length) {
+      code = code << 1U | (ahead >> (length - 1) & 1U);
+      first <<= 1U;
+      if (code - first < count_[length]) {  // code is never below first
+        bits.Drop(length);
+        return symbols_[place + code - first];
+      }
+      first += count_[length];
+      place += count_[length];
+    }
+    FailBroken();
+  }
+
+  std::array<unsigned, kLongestCode + 1> count_{};  // of symbols by the length of their codes
+  std::vector<std::uint16_t> symbols_;              // by length, then in order
+  std::vector<Entry> quick_;
 };
 
 // What a symbol stands for: a base and the number of bits to be added.
@@ -180,13 +202,14 @@ class Unpacking {
   Unpacking(std::string_view packed, std::size_t size) : bits_(packed), size_(size) {}
 
   std::string Run() {
+    static const BlockCodes kFixed = FixedCodes();
     for (bool isLast = false; !isLast;) {
       isLast = bits_.Take(1) == 1;
       const unsigned kind = bits_.Take(2);
       if (kind == 0) {
         AddStored();
       } else if (kind == 1) {
-        AddCoded(FixedCodes());
+        AddCoded(kFixed);
       } else if (kind == 2) {
         AddCoded(TakeCodes(bits_));
       } else {

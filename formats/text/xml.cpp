@@ -19,6 +19,7 @@ using drawing::Quoted;
 
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::size_t kDeepest = 1000;         // elements within each other
+constexpr std::size_t kMostAttributes = 1000;  // of an element: they are gone through one by one
 constexpr std::size_t kLongestCharacter = 32;  // from its '&': where no ';' comes, the rest is not searched for one each time
 
 class XmlReader {
@@ -113,6 +114,7 @@ class XmlReader {
   }
 
   void ReadAttribute() {
+    if (element_.attributes.size() == kMostAttributes) Fail("too many attributes");
     const std::string name(ReadName());
     SkipBlanks();
     if (!rest_.starts_with('=')) Fail("'=' expected after " + Quoted(name));
