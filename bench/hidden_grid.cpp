@@ -51,6 +51,7 @@ Grid::Grid(const std::vector<Triangle>& triangles) {
   }
   if (!triangles.empty()) {
     size_ = std::sqrt((highX - lowX_) * (highY - lowY_) / static_cast<double>(triangles.size()));
+    if (!(size_ > 0)) size_ = 1.0;  // of no width
     columns_ = static_cast<std::size_t>((highX - lowX_) / size_) + 1;
     rows_ = static_cast<std::size_t>((highY - lowY_) / size_) + 1;
   }

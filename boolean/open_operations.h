@@ -46,12 +46,14 @@ class OpenOperations {
     }
     open_.swap(left);
   }
-  // Calls form() for each that is open while only that is; then none is.
+  // Calls form(k, count) for each that is open, the k-th of so many, while only that is, and as long as it answers true; then none
+  // is.
   template <class Form>
   void OneByOne(Form form) {
-    for (const std::size_t k : std::exchange(open_, {})) {
-      open_.assign(1, k);
-      form();
+    const std::vector<std::size_t> all = std::exchange(open_, {});
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      open_.assign(1, all[i]);
+      if (!form(i, all.size())) break;
     }
     open_.clear();
   }

@@ -134,7 +134,11 @@ class PairWork {
     };
     if (combine()) return;
     open.ClearOpen();
-    open.OneByOne(combine);
+    open.OneByOne([&](std::size_t k, std::size_t count) {
+      progress.SetPart(k, count);
+      combine();
+      return status.code == ZBR_REGION_OK;
+    });
   }
 
   // Forms what can be walked, and leaves in part_ what can't. False when that isn't the same for all operations.

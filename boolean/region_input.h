@@ -91,14 +91,20 @@ class RegionProgress {
  public:
   RegionProgress(const ZBR_REGION_OPTIONS& options, ZBR_REGION_STATUS& status) : options_(options), status_(status) {}
   bool GoesOn(double share) {
-    if (options_.progress == nullptr || options_.progress(share, options_.progress_data)) return true;
+    if (options_.progress == nullptr || options_.progress(begin_ + share * length_, options_.progress_data)) return true;
     status_.code = ZBR_REGION_STOPPED;
     return false;
+  }
+  // What follows is the k-th of `count` equal parts of all there is to do.
+  void SetPart(std::size_t k, std::size_t count) {
+    length_ = 1.0 / static_cast<double>(count);
+    begin_ = static_cast<double>(k) * length_;
   }
 
  private:
   const ZBR_REGION_OPTIONS& options_;
   ZBR_REGION_STATUS& status_;
+  double begin_ = 0.0, length_ = 1.0;  // of the part at hand, in the whole
 };
 
 }  // namespace zbr

@@ -3,6 +3,7 @@
 
 #include <zbr-formats/types.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
@@ -21,7 +22,7 @@ namespace {
 
 }  // namespace
 
-std::string ReadFile(const std::string& name) {
+std::string ReadFile(const std::string& name, std::size_t most) {
   const bool standardInput = name == "-";
   if (!standardInput && IsDirectory(name)) throw Failure(name, "is a directory");
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> owned(nullptr, &std::fclose);
@@ -36,12 +37,12 @@ std::string ReadFile(const std::string& name) {
   }
   std::string contents;
   constexpr std::size_t kBlock = std::size_t{1} << 20;
-  std::size_t got = kBlock;
-  while (got == kBlock) {
-    const std::size_t before = contents.size();
-    contents.resize(before + kBlock);
-    got = std::fread(contents.data() + before, 1, kBlock, stream);
+  for (bool isMore = true; isMore && contents.size() < most;) {
+    const std::size_t before = contents.size(), wanted = std::min(most - before, kBlock);
+    contents.resize(before + wanted);
+    const std::size_t got = std::fread(contents.data() + before, 1, wanted, stream);
     contents.resize(before + got);
+    isMore = got == wanted;
   }
   if (std::ferror(stream) != 0) FailWithErrno(name, "cannot read");
   return contents;

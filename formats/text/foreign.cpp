@@ -53,11 +53,12 @@ void RefuseBinary(std::string_view bytes, const std::string& name) {
 }
 
 void RefuseForeignFile(const std::string& file) {
+  constexpr std::size_t kStart = 4096;  // bytes, blanks before the first sign included
   using std::filesystem::file_type;
   std::error_code ignored;
   const file_type type = file == "-" ? file_type::character : std::filesystem::status(PathOf(file), ignored).type();
   if (type == file_type::regular || type == file_type::directory || type == file_type::not_found)
-    RefuseForeign(ReadFile(file), file);
+    RefuseForeign(ReadFile(file, kStart), file);
 }
 
 }  // namespace zbr::formats

@@ -1,13 +1,14 @@
 // Whole files read at once. "-" names standard input.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
 namespace zbr::formats {
 
-// The contents of a file. Fails when it cannot be read.
-std::string ReadFile(const std::string& name);
+// The contents of a file, or the first `most` bytes of them. Fails when it cannot be read.
+std::string ReadFile(const std::string& name, std::size_t most = std::string::npos);
 
 // The same without the mark that some editors put before UTF-8.
 std::string ReadText(const std::string& name);
