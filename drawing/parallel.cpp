@@ -55,6 +55,12 @@ void RunParallel(std::size_t count, unsigned threads, const std::function<void(s
   if (failure) std::rethrow_exception(failure);
 }
 
+void RunInRanges(std::size_t count, unsigned threads,
+                 const std::function<void(std::size_t range, std::size_t begin, std::size_t end)>& work) {
+  RunParallel(RangeCount(count), threads,
+              [&](std::size_t range) { work(range, range * kRange, std::min(count, (range + 1) * kRange)); });
+}
+
 std::function<void(std::size_t count, const std::function<void(std::size_t)>& work)> ExecutorOf(unsigned threads) {
   return [threads](std::size_t count, const std::function<void(std::size_t)>& work) { RunParallel(count, threads, work); };
 }

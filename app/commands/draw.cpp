@@ -144,7 +144,7 @@ int RunDraw(const DrawOptions& options) {
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
-  const Model model = MakeModel(objects.mesh, options.crease, options.weld);
+  const Model model = MakeModel(objects.mesh, options.crease, options.weld, plan.threads);
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
   plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
   objects.mesh = {};  // all there is to know is in the model

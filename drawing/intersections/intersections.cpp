@@ -131,8 +131,8 @@ void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<boo
 }  // namespace
 
 std::vector<IntersectionLine> FindIntersections(const Model& model, double contact, unsigned threads) {
-  const Connectivity mesh = ConnectivityOf(model);
-  std::vector<IntersectionLine> lines = FindCrossings(model, mesh, FindPatches(model, mesh), threads);
+  const Connectivity mesh = ConnectivityOf(model, threads);
+  std::vector<IntersectionLine> lines = FindCrossings(model, mesh, FindPatches(model, mesh, threads), threads);
   const Judge judge(model, mesh, contact);
   lines.erase(std::remove_if(lines.begin(), lines.end(), [&](const IntersectionLine& line) { return judge.IsContact(line); }),
               lines.end());

@@ -2,39 +2,55 @@
 
 #include <cstddef>
 
-namespace zbr::drawing {
+#include "drawing/model/shell_ranges.h"
 
-Connectivity ConnectivityOf(const Model& model) {
+namespace zbr::drawing {
+namespace {
+
+// Of the points of shells; one more than shells.
+std::vector<std::uint32_t> PointBegins(const Model& model) {
+  std::vector<std::uint32_t> begins{0};
+  begins.reserve(model.ShellCount() + 1);
+  for (std::size_t s = 0; s < model.ShellCount(); ++s)
+    begins.push_back(begins.back() + static_cast<std::uint32_t>(model.Shell(s).GetVertexCnt()));
+  return begins;
+}
+
+}  // namespace
+
+Connectivity ConnectivityOf(const Model& model, unsigned threads) {
   Connectivity all;
-  all.points.reserve(model.pointCount);
-  all.corners.reserve(model.TriangleCount());
-  all.edges.reserve(model.TriangleCount());
-  all.sides.reserve(model.edgeBegin.back());
-  all.shows.reserve(model.edgeBegin.back());
-  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
-    const ZBR_ZBREPS& shell = model.Shell(s);
-    const auto firstPoint = static_cast<std::uint32_t>(all.points.size());
-    const std::uint32_t firstTriangle = model.shellBegin[s], firstEdge = model.edgeBegin[s];
-    for (int v = 0; v < shell.GetVertexCnt(); ++v) all.points.push_back(shell.GetVertex(v)->GetPt());
-    for (int t = 0; t < shell.GetTriangleCnt(); ++t) {
-      const ZBR_ZBREPT& record = *shell.GetTriangle(t);
-      auto& corners = all.corners.emplace_back();
-      auto& edges = all.edges.emplace_back();
+  const std::vector<std::uint32_t> pointBegin = PointBegins(model);
+  all.points.resize(pointBegin.back());
+  all.corners.resize(model.TriangleCount());
+  all.edges.resize(model.TriangleCount());
+  all.sides.resize(model.edgeBegin.back());
+  all.shows.resize(model.edgeBegin.back());
+  ForEachPart(pointBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
+    for (std::size_t v = begin; v < end; ++v)
+      all.points[pointBegin[s] + v] = model.Shell(s).GetVertex(static_cast<int>(v))->GetPt();
+  });
+  ForEachPart(model.shellBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
+    for (std::size_t t = begin; t < end; ++t) {
+      const ZBR_ZBREPT& record = *model.Shell(s).GetTriangle(static_cast<int>(t));
       for (std::size_t i = 0; i < 3; ++i) {
-        corners[i] = firstPoint + static_cast<std::uint32_t>(VertexOf(record, i).GetIndex());
-        edges[i] = firstEdge + static_cast<std::uint32_t>(EdgeOf(record, i).GetIndex());
+        all.corners[model.shellBegin[s] + t][i] = pointBegin[s] + static_cast<std::uint32_t>(VertexOf(record, i).GetIndex());
+        all.edges[model.shellBegin[s] + t][i] = model.edgeBegin[s] + static_cast<std::uint32_t>(EdgeOf(record, i).GetIndex());
       }
     }
+  });
+  ForEachPart(model.edgeBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
     const auto number = [&](const ZBR_ZBREPT* t) {
-      return t == nullptr ? Connectivity::kNone : firstTriangle + static_cast<std::uint32_t>(t->GetIndex());
+      return t == nullptr ? Connectivity::kNone : model.shellBegin[s] + static_cast<std::uint32_t>(t->GetIndex());
     };
-    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
-      const ZBR_ZBREPE& edge = *shell.GetEdge(e);
+    for (std::size_t e = begin; e < end; ++e) {
+      const ZBR_ZBREPE& edge = *model.Shell(s).GetEdge(static_cast<int>(e));
       const bool isJunction = model.Note(s, edge).isJunction;
-      all.sides.push_back({number(edge.GetTriangle0()), isJunction ? Connectivity::kNone : number(edge.GetTriangle1())});
-      all.shows.push_back(edge.GetShow());
+      all.sides[model.edgeBegin[s] + e] = {number(edge.GetTriangle0()),
+                                           isJunction ? Connectivity::kNone : number(edge.GetTriangle1())};
+      all.shows[model.edgeBegin[s] + e] = edge.GetShow() ? 1 : 0;
     }
-  }
+  });
   return all;
 }
 

@@ -11,6 +11,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <vector>
+
+#include "drawing/model/shell_ranges.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -102,31 +106,42 @@ double PerDiagonal(const Model& model) {
   return diagonal > 0 ? 1.0 / diagonal : 1.0;
 }
 
+struct FlatTriangle {
+  std::size_t shell, triangle;
+  ZBR_PT3 normal;  // borrowed
+
+  const ZBR_ZBREPT* In(const Model& model) const { return model.Shell(shell).GetTriangle(static_cast<int>(triangle)); }
+};
+
 }  // namespace
 
-void SetNormals(Model& model) {
+void SetNormals(Model& model, unsigned threads) {
   const double perDiagonal = PerDiagonal(model), least = std::max(kNoHeight, kSteps * model.rounding * perDiagonal);
-  model.normals.clear();
-  model.normals.reserve(model.TriangleCount());
-  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
-    const ZBR_ZBREPS& shell = model.Shell(s);
-    std::vector<int> flat;
-    for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
-      model.normals.push_back(OwnNormal(*shell.GetTriangle(k), perDiagonal, kFlatHeight));
-      if (IsZero(model.normals.back())) flat.push_back(k);
+  model.normals.resize(model.TriangleCount());
+  std::vector<std::vector<FlatTriangle>> inRange(RangeCount(model.TriangleCount()));
+  ForEachPart(model.shellBegin, threads, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
+    for (std::size_t k = begin; k < end; ++k) {
+      ZBR_PT3& normal = model.normals[model.shellBegin[s] + k];
+      normal = OwnNormal(*model.Shell(s).GetTriangle(static_cast<int>(k)), perDiagonal, kFlatHeight);
+      if (IsZero(normal)) inRange[range].push_back({s, k, {}});
     }
+  });
+  // None is given away that was borrowed.
+  for (auto& flat : inRange) {
     model.flat += flat.size();
-    ZBR_PT3* const own = model.normals.data() + model.shellBegin[s];
-    std::vector<ZBR_PT3> borrowed;
-    for (const int k : flat) borrowed.push_back(BorrowedNormal(model, s, own, shell.GetTriangle(k)));
-    for (std::size_t k = 0; k < flat.size(); ++k)
-      own[flat[k]] = IsZero(borrowed[k]) ? OwnNormal(*shell.GetTriangle(flat[k]), perDiagonal, least) : borrowed[k];
+    for (FlatTriangle& t : flat)
+      t.normal = BorrowedNormal(model, t.shell, model.normals.data() + model.shellBegin[t.shell], t.In(model));
+  }
+  for (const auto& flat : inRange) {
+    for (const FlatTriangle& t : flat)
+      model.normals[model.shellBegin[t.shell] + t.triangle] =
+          IsZero(t.normal) ? OwnNormal(*t.In(model), perDiagonal, least) : t.normal;
   }
 }
 
-void ShowEdges(Model& model, double creaseDegrees) {
+void ShowEdges(Model& model, double creaseDegrees, unsigned threads) {
   const double limit = Cos(std::clamp(creaseDegrees + kAngleSlack, 0.0, 180.0) * kPi / 180.0);
-  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+  ForEachPart(model.edgeBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
     ZBR_ZBREPS& shell = *model.body.GetShell(static_cast<int>(s));
     const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];
     const auto isCrease = [&](const ZBR_ZBREPE& edge, const ZBR_ZBREPT& other) {
@@ -136,21 +151,21 @@ void ShowEdges(Model& model, double creaseDegrees) {
       const double cosine = a.InnerProduct(b);
       return (model.Note(s, edge).isSameWay ? -cosine : cosine) < limit;
     };
-    for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
-      ZBR_ZBREPE& edge = *shell.GetEdge(e);
+    for (std::size_t e = begin; e < end; ++e) {
+      ZBR_ZBREPE& edge = *shell.GetEdge(static_cast<int>(e));
       const ZBR_ZBREPT* const other = edge.GetTriangle1();
       edge.SetShow(other == nullptr || model.Note(s, edge).isJunction || isCrease(edge, *other));
     }
-  }
+  });
 }
 
-void FindFacing(Model& model) {
+void FindFacing(Model& model, unsigned threads) {
   const double perDiagonal = PerDiagonal(model);
-  model.facing.clear();
-  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+  model.facing.resize(model.shellBegin.size() - 1);
+  ForEachShell(model.shellBegin, threads, [&](std::size_t s) {
     const double volume = IsClosedAndOriented(model, s) ? Volume(model.Shell(s), perDiagonal) : 0.0;
-    model.facing.push_back(volume > 0 ? Facing::kOutward : volume < 0 ? Facing::kInward : Facing::kUnknown);
-  }
+    model.facing[s] = volume > 0 ? Facing::kOutward : volume < 0 ? Facing::kInward : Facing::kUnknown;
+  });
 }
 
 }  // namespace zbr::drawing

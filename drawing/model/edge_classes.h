@@ -6,12 +6,12 @@
 namespace zbr::drawing {
 
 // Sets the normals and counts flat triangles. Needs body, notes and the box.
-void SetNormals(Model& model);
+void SetNormals(Model& model, unsigned threads);
 
 // Lets borders, junctions and creases show: edges where the surface bends by more than creaseDegrees.
-void ShowEdges(Model& model, double creaseDegrees);
+void ShowEdges(Model& model, double creaseDegrees, unsigned threads);
 
 // Sets the facing of all shells.
-void FindFacing(Model& model);
+void FindFacing(Model& model, unsigned threads);
 
 }  // namespace zbr::drawing

@@ -15,8 +15,10 @@
 #include "drawing/model/named_shells.h"
 #include "drawing/model/records.h"
 #include "drawing/model/rough_creases.h"
+#include "drawing/model/shell_ranges.h"
 #include "drawing/model/tangents.h"
 #include "drawing/model/weld.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -101,7 +103,8 @@ void Remove(const std::vector<std::uint32_t>& places, Gathered& gathered) {
 
 // Makes one shell of everything and returns its junctions. Two layers of the same triangles, as double-sided surfaces are often
 // stored, would make a junction of every edge: of repeated triangles one stays.
-std::vector<EdgeUse> FillWhole(Gathered& gathered, ShellFiller& filler, Model& model) {
+std::vector<EdgeUse> FillWhole(Gathered& gathered, Model& model) {
+  ShellFiller filler(gathered.points);
   const auto fill = [&] {
     model.body = ZBR_ZBREPB();
     model.body.SetShellCnt(1);
@@ -135,13 +138,25 @@ void SortByShell(std::vector<std::uint32_t>& shell, Gathered& gathered, Model& m
   Reorder(gathered.source, shell);
 }
 
-void FillShells(const Gathered& gathered, std::size_t count, ShellFiller& filler, Model& model) {
+// Each thread has a filler, whose table is as long as all points.
+void FillShells(const Gathered& gathered, std::size_t count, unsigned threads, Model& model) {
   model.body = ZBR_ZBREPB();
   model.body.SetShellCnt(static_cast<int>(count));
-  for (std::size_t s = 0; s < count; ++s) {
-    const std::size_t begin = model.shellBegin[s], end = model.shellBegin[s + 1];
-    filler.Fill(std::span(gathered.triangles).subspan(begin, end - begin), *model.body.GetShell(static_cast<int>(s)));
-  }
+  const std::size_t fillers = std::clamp<std::size_t>(RangeCount(gathered.triangles.size()), 1, std::max(threads, 1U));
+  RunParallel(fillers, threads, [&](std::size_t k) {
+    const auto firstOf = [&](std::size_t share) {
+      const std::size_t triangle = gathered.triangles.size() / fillers * share;
+      const auto end = model.shellBegin.end() - 1;
+      return share == fillers
+                 ? count
+                 : static_cast<std::size_t>(std::lower_bound(model.shellBegin.begin(), end, triangle) - model.shellBegin.begin());
+    };
+    ShellFiller filler(gathered.points);
+    for (std::size_t s = firstOf(k); s < firstOf(k + 1); ++s) {
+      const std::size_t begin = model.shellBegin[s], end = model.shellBegin[s + 1];
+      filler.Fill(std::span(gathered.triangles).subspan(begin, end - begin), *model.body.GetShell(static_cast<int>(s)));
+    }
+  });
 }
 
 void NumberEdges(Model& model) {
@@ -164,8 +179,8 @@ void NoteJunctions(const std::vector<EdgeUse>& junctions, const std::vector<std:
 }
 
 // Every triangle that runs along an edge from the smaller vertex to the larger turns the edge's note over; so does the first.
-void NoteDirections(Model& model) {
-  for (std::size_t s = 0; s + 1 < model.shellBegin.size(); ++s) {
+void NoteDirections(Model& model, unsigned threads) {
+  ForEachShell(model.shellBegin, threads, [&](std::size_t s) {
     const ZBR_ZBREPS& shell = model.Shell(s);
     EdgeNote* const notes = model.notes.data() + model.edgeBegin[s];
     for (int e = 0; e < shell.GetEdgeCnt(); ++e) notes[e].isSameWay = true;
@@ -177,12 +192,11 @@ void NoteDirections(Model& model) {
         if (v[i] < v[(i + 1) % 3]) notes[e[i]].isSameWay = !notes[e[i]].isSameWay;
       }
     }
-  }
+  });
 }
 
-void FillBody(Gathered& gathered, Model& model) {
-  ShellFiller filler(gathered.points);
-  const std::vector<EdgeUse> junctions = FillWhole(gathered, filler, model);
+void FillBody(Gathered& gathered, unsigned threads, Model& model) {
+  const std::vector<EdgeUse> junctions = FillWhole(gathered, model);
   model.pointCount = static_cast<std::size_t>(model.Shell(0).GetVertexCnt());
   std::uint32_t count = 0;
   std::vector<std::uint32_t> shell = std::move(gathered.shell);
@@ -193,10 +207,10 @@ void FillBody(Gathered& gathered, Model& model) {
   }
   model.shellBegin.assign(count + 1, 0);
   SortByShell(shell, gathered, model);
-  if (count != 1) FillShells(gathered, count, filler, model);
+  if (count != 1) FillShells(gathered, count, threads, model);
   NumberEdges(model);
   NoteJunctions(junctions, shell, model);
-  NoteDirections(model);
+  NoteDirections(model, threads);
   model.source = std::move(gathered.source);
 }
 
@@ -229,7 +243,7 @@ std::uint32_t Model::ShellOf(std::uint32_t triangle) const {
   return static_cast<std::uint32_t>(std::upper_bound(shellBegin.begin(), shellBegin.end(), triangle) - shellBegin.begin() - 1);
 }
 
-Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
+Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld, unsigned threads) {
   CheckMesh(mesh);
   if (!std::isfinite(creaseDegrees) || !std::isfinite(weld))
     throw Failure("the angle of creases and the weld must be finite numbers");
@@ -237,11 +251,11 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld) {
   model.rounding = mesh.rounding < 0 ? RoundingOf(mesh.points) : mesh.rounding;
   Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), model);
   SetBox(gathered, model);
-  FillBody(gathered, model);
-  SetNormals(model);
-  ShowEdges(model, creaseDegrees);
-  FindFacing(model);
-  NoteTangents(model);
+  FillBody(gathered, threads, model);
+  SetNormals(model, threads);
+  ShowEdges(model, creaseDegrees, threads);
+  FindFacing(model, threads);
+  NoteTangents(model, threads);
   model.isRough = AreCreasesRough(model);
   if (model.isRough) TidyRoughCreases(model, creaseDegrees);
   FindObjects(mesh.objects, model);

@@ -5,19 +5,20 @@
 #include <cmath>
 #include <cstddef>
 
+#include "drawing/model/shell_ranges.h"
+
 namespace zbr::drawing {
 namespace {
 
 class Grower {
  public:
-  Grower(const Model& model, const Connectivity& mesh)
-      : model_(model), mesh_(mesh), tolerance_(PlaneTolerance(model)), patches_(mesh.corners.size(), Connectivity::kNone) {}
+  Grower(const Model& model, const Connectivity& mesh, std::vector<std::uint32_t>& patches)
+      : model_(model), mesh_(mesh), tolerance_(PlaneTolerance(model)), patches_(patches) {}
 
-  std::vector<std::uint32_t> Run() {
-    for (std::uint32_t t = 0; t < patches_.size(); ++t) {
+  void Run(std::size_t shell) {
+    for (std::uint32_t t = model_.shellBegin[shell]; t < model_.shellBegin[shell + 1]; ++t) {
       if (patches_[t] == Connectivity::kNone) Grow(t);
     }
-    return std::move(patches_);
   }
 
  private:
@@ -48,7 +49,7 @@ class Grower {
   const Model& model_;
   const Connectivity& mesh_;
   const double tolerance_;
-  std::vector<std::uint32_t> patches_;
+  std::vector<std::uint32_t>& patches_;
   std::vector<std::uint32_t> open_;
 };
 
@@ -60,8 +61,10 @@ double PlaneTolerance(const Model& model) {
   return std::max(kSteps * model.rounding, kOfDiagonal * model.Diagonal());
 }
 
-std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh) {
-  return Grower(model, mesh).Run();
+std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh, unsigned threads) {
+  std::vector<std::uint32_t> patches(mesh.corners.size(), Connectivity::kNone);
+  ForEachShell(model.shellBegin, threads, [&](std::size_t s) { Grower(model, mesh, patches).Run(s); });
+  return patches;
 }
 
 }  // namespace zbr::drawing

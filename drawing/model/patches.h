@@ -14,7 +14,7 @@ namespace zbr::drawing {
 double PlaneTolerance(const Model& model);
 
 // The patch of each triangle: the number of its first triangle. A patch grows as long as its points are within the tolerance of the
-// first triangle's plane, so it does not follow a surface that bends slowly. Linear.
-std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh);
+// first triangle's plane, so it does not follow a surface that bends slowly. Linear; threads share the shells.
+std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh, unsigned threads);
 
 }  // namespace zbr::drawing

@@ -10,6 +10,10 @@
 #include <cmath>
 #include <cstdint>
 #include <unordered_map>
+#include <vector>
+
+#include "drawing/model/shell_ranges.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -57,18 +61,28 @@ class SceneMaker {
  public:
   SceneMaker(const Model& model, Scene& scene, bool tangents) : model_(model), scene_(scene), tangents_(tangents) {}
 
-  void FillShell(std::size_t s) {
-    shell_ = s;
-    const ZBR_ZBREPS& shell = model_.Shell(s);
-    LookAt(shell);
-    side_.assign(static_cast<std::size_t>(shell.GetEdgeCnt()), kNone);
-    const std::size_t begin = model_.shellBegin[s], count = model_.shellBegin[s + 1] - begin;
-    triangles_ = scene_.triangles.data() + begin;
-    classes_ = scene_.classes.data() + begin;
-    for (std::size_t t = 0; t < count; ++t) Fill(t, *shell.GetTriangle(static_cast<int>(t)));
-    scene_.drawable += borders_;
-    RaiseSilhouettes();
-    AddShell(triangles_, count);
+  // Each triangle tells its own sides, so that ranges of them have nothing to do with each other; silhouettes are raised
+  // afterwards.
+  void FillShells(unsigned threads) {
+    std::vector<Found> inRange(RangeCount(model_.TriangleCount()));
+    ForEachPart(model_.shellBegin, threads, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
+      SceneMaker part(model_, scene_, tangents_);
+      part.Enter(s);
+      for (std::size_t t = begin; t < end; ++t) part.Fill(t, inRange[range]);
+    });
+    std::vector<Side> silhouettes;
+    for (const Found& found : inRange) {
+      scene_.drawable += found.drawable;
+      silhouettes.insert(silhouettes.end(), found.silhouettes.begin(), found.silhouettes.end());
+    }
+    auto next = silhouettes.cbegin();
+    for (std::size_t s = 0; s < model_.ShellCount(); ++s) {
+      Enter(s);
+      for (; next != silhouettes.cend() && next->triangle < model_.shellBegin[s + 1]; ++next)
+        silhouettes_.push_back({next->triangle - model_.shellBegin[s], next->edge});
+      RaiseSilhouettes();
+      AddShell(triangles_, model_.shellBegin[s + 1] - model_.shellBegin[s]);
+    }
   }
 
   // A triangle without width draws one edge and hides nothing.
@@ -93,6 +107,16 @@ class SceneMaker {
   }
 
  private:
+  struct Side {
+    std::size_t triangle, edge;
+  };
+
+  // In a range of triangles; the silhouettes by numbers that go through all shells, each from the later one of its sides.
+  struct Found {
+    std::size_t drawable = 0;
+    std::vector<Side> silhouettes;
+  };
+
   // The removal of a whole scene brings its own lists; those of a hundred thousand shells would be as large as their triangles.
   void AddShell(ZBR_HL_TRI* first, std::size_t count) {
     ZBR_HL_SHELL& shell = scene_.shells.emplace_back(first, static_cast<unsigned>(count));
@@ -100,8 +124,6 @@ class SceneMaker {
          {&shell.tri_result, &shell.xy_result, &shell.edge_result[0], &shell.edge_result[1], &shell.edge_result[2], &shell.work})
       *list = std::vector<ZBR_HL_INTERVAL>();  // "{}" would keep the room
   }
-
-  static constexpr std::uint32_t kNone = 0xffffffffU;
 
   ZBR_PT3 Look(const ZBR_PT3& p) const { return scene_.FromModel(p); }
 
@@ -116,48 +138,48 @@ class SceneMaker {
     return distance > 0 ? normal.InnerProduct(toEye) / distance : 0.0;
   }
 
-  void LookAt(const ZBR_ZBREPS& shell) {
-    points_.clear();
-    for (int v = 0; v < shell.GetVertexCnt(); ++v) points_.push_back(Look(shell.GetVertex(v)->GetPt()));
-    borders_ = 0;
+  void Enter(std::size_t s) {
+    shell_ = s;
+    triangles_ = scene_.triangles.data() + model_.shellBegin[s];
+    classes_ = scene_.classes.data() + model_.shellBegin[s];
     lowered_.clear();
     silhouettes_.clear();
   }
 
-  void Fill(std::size_t t, const ZBR_ZBREPT& record) {
+  void Fill(std::size_t t, Found& found) const {
+    const ZBR_ZBREPT& record = *model_.Shell(shell_).GetTriangle(static_cast<int>(t));
     ZBR_HL_TRI& triangle = triangles_[t];
     triangle.idx = static_cast<int>(t);
     triangle.skip = false;
     for (std::size_t i = 0; i < 3; ++i) {
-      triangle.pt[i] = points_[static_cast<std::size_t>(VertexOf(record, i).GetIndex())];
+      triangle.pt[i] = Look(VertexOf(record, i).GetPt());
       triangle.profile[i] = -1;
+      FillSide(t, i, EdgeOf(record, i), found);
     }
-    for (std::size_t i = 0; i < 3; ++i) SetEdge(t, i, EdgeOf(record, i));
   }
 
-  // The first triangle of an edge makes a border of it, the second connects the two.
-  void SetEdge(std::size_t t, std::size_t i, const ZBR_ZBREPE& edge) {
-    std::uint32_t& first = side_[static_cast<std::size_t>(edge.GetIndex())];
+  // Of an edge between two triangles, the second one counts what there is of it.
+  void FillSide(std::size_t t, std::size_t i, const ZBR_ZBREPE& edge, Found& found) const {
     const EdgeNote note = model_.Note(shell_, edge);
-    if (note.isJunction) {
-      SetSide(t, i, -1, -1, EdgeClass::kJunction);
-      ++scene_.drawable;
-    } else if (first == kNone) {
-      first = static_cast<std::uint32_t>(3 * t + i);
-      SetSide(t, i, -1, -1, EdgeClass::kBorder);
-      ++borders_;
-    } else {
-      const std::size_t u = first / 3, k = first % 3;
-      const EdgeClass drawn = InnerClass(t, u, edge, note);
-      SetSide(t, i, static_cast<int>(u), static_cast<int>(k), drawn);
-      SetSide(u, k, static_cast<int>(t), static_cast<int>(i), drawn);
-      --borders_;
-      if (drawn != EdgeClass::kSmooth) ++scene_.drawable;
-      if (drawn == EdgeClass::kSilhouette) silhouettes_.push_back({t, i});
+    const bool isBorder = edge.GetTriangle1() == nullptr;
+    if (note.isJunction || isBorder) {
+      SetSide(t, i, -1, -1, note.isJunction ? EdgeClass::kJunction : EdgeClass::kBorder);
+      ++found.drawable;
+      return;
     }
+    const auto first = static_cast<std::size_t>(edge.GetTriangle0()->GetIndex());
+    const ZBR_ZBREPT& other = first == t ? *edge.GetTriangle1() : *edge.GetTriangle0();
+    const auto u = static_cast<std::size_t>(other.GetIndex());
+    int k = 0;
+    while (&EdgeOf(other, static_cast<std::size_t>(k)) != &edge) ++k;
+    const EdgeClass drawn = InnerClass(t, u, edge, note);
+    SetSide(t, i, other.GetIndex(), k, drawn);
+    if (first == t) return;
+    if (drawn != EdgeClass::kSmooth) ++found.drawable;
+    if (drawn == EdgeClass::kSilhouette) found.silhouettes.push_back({model_.shellBegin[shell_] + t, i});
   }
 
-  void SetSide(std::size_t t, std::size_t i, int adjacent, int adjacentEdge, EdgeClass edge) {
+  void SetSide(std::size_t t, std::size_t i, int adjacent, int adjacentEdge, EdgeClass edge) const {
     triangles_[t].adj[i] = adjacent;
     triangles_[t].adj_edge[i] = adjacentEdge;
     triangles_[t].dispj[i] = edge != EdgeClass::kSmooth;
@@ -188,10 +210,6 @@ class SceneMaker {
       if (Rises(other)) Lower(other, side.triangle);
     }
   }
-
-  struct Side {
-    std::size_t triangle, edge;
-  };
 
   Side Opposite(const Side& side) const {
     const ZBR_HL_TRI& t = triangles_[side.triangle];
@@ -236,13 +254,10 @@ class SceneMaker {
   const Model& model_;
   Scene& scene_;
   const bool tangents_;
-  // Of the shell being filled.
+  // Of the shell it is at.
   std::size_t shell_ = 0;
   ZBR_HL_TRI* triangles_ = nullptr;
   std::array<EdgeClass, 3>* classes_ = nullptr;
-  std::vector<ZBR_PT3> points_;
-  std::vector<std::uint32_t> side_;  // of edges: the side met first, 3 x triangle + place
-  std::size_t borders_ = 0;          // edges with one side met
   std::vector<Side> silhouettes_;
   std::unordered_map<std::size_t, double> lowered_;  // narrow facets: how much they are taken to face the viewer
 };
@@ -256,7 +271,8 @@ ZBR_PT3 Scene::FromEye(const ZBR_PT3& p) const {
   return ZBR_PT3(q.x() * shrunk, q.y() * shrunk, from.distance * (shrunk - 1.0)) * scale;
 }
 
-void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines, bool tangents) {
+void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines, bool tangents,
+               unsigned threads) {
   const double diagonal = model.Diagonal();
   scene.view = view;
   scene.scale = diagonal > 0 ? kSceneDiagonal / diagonal : 1.0;
@@ -271,14 +287,14 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.shells.clear();
   scene.shells.reserve(model.ShellCount() + 1);
   SceneMaker maker(model, scene, tangents);
-  for (std::size_t s = 0; s < model.ShellCount(); ++s) maker.FillShell(s);
+  maker.FillShells(threads);
   scene.drawable -= model.junctionCopies;
   maker.FillLines(lines);
 }
 
-Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines, bool tangents) {
+Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines, bool tangents, unsigned threads) {
   Scene scene;
-  MakeScene(model, view, scene, lines, tangents);
+  MakeScene(model, view, scene, lines, tangents, threads);
   return scene;
 }
 

@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -31,6 +32,8 @@
 #include "drawing/model/connectivity.h"
 #include "drawing/model/disjoint_sets.h"
 #include "drawing/model/patches.h"
+#include "drawing/model/shell_ranges.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -68,19 +71,47 @@ struct Way {
   double length = 0.0, turn = 0.0;
 };
 
+// About the angle between facets: twice the tangent of its half.
+double BendBetween(const ZBR_PT3& a, const ZBR_PT3& b) {
+  return 2.0 * a.OuterProduct(b).Length() / (1.0 + std::max(a.InnerProduct(b), -0.5));
+}
+
+// Whether the surface bends at any edge that does not show. Boxes and plates have none, however many there are of them.
+bool HasBends(const Model& model, unsigned threads) {
+  std::atomic<bool> has{false};
+  ForEachPart(model.edgeBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
+    const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];
+    for (std::size_t e = begin; e < end && !has; ++e) {
+      const ZBR_ZBREPE& edge = *model.Shell(s).GetEdge(static_cast<int>(e));
+      if (edge.GetShow() || edge.GetTriangle1() == nullptr) continue;
+      const double bend = BendBetween(normals[edge.GetTriangle0()->GetIndex()], normals[edge.GetTriangle1()->GetIndex()]);
+      if (!(bend < kSmallestBend)) has = true;
+    }
+  });
+  return has;
+}
+
 class Finder {
  public:
-  explicit Finder(const Model& model)
-      : model_(model), mesh_(ConnectivityOf(model)), patches_(FindPatches(model, mesh_)), size_(patches_.size()) {
+  Finder(const Model& model, unsigned threads)
+      : model_(model),
+        threads_(threads),
+        mesh_(ConnectivityOf(model, threads)),
+        patches_(FindPatches(model, mesh_, threads)),
+        size_(patches_.size()) {
     for (const std::uint32_t patch : patches_) ++size_[patch];
     MeasurePatches();
   }
 
   std::vector<std::uint32_t> Run() const {
+    std::vector<std::vector<std::uint32_t>> inRange(RangeCount(mesh_.sides.size()));
+    RunInRanges(mesh_.sides.size(), threads_, [&](std::size_t range, std::size_t begin, std::size_t end) {
+      for (std::size_t e = begin; e < end; ++e) {
+        if (IsTangent(static_cast<std::uint32_t>(e))) inRange[range].push_back(static_cast<std::uint32_t>(e));
+      }
+    });
     std::vector<std::uint32_t> found;
-    for (std::uint32_t e = 0; e < mesh_.sides.size(); ++e) {
-      if (IsTangent(e)) found.push_back(e);
-    }
+    for (const auto& edges : inRange) found.insert(found.end(), edges.begin(), edges.end());
     return found;
   }
 
@@ -103,16 +134,24 @@ class Finder {
   void MeasurePatches() {
     const std::vector<std::uint32_t> order = SortedByPatch();
     extents_.resize(order.empty() ? 0 : 3 * patches_.size());
-    std::vector<Side> outline;
-    for (std::size_t k = 0; k < order.size(); ++k) {
-      const std::uint32_t t = order[k];
-      for (std::uint32_t i = 0; i < 3; ++i) {
-        const std::uint32_t u = mesh_.Across(mesh_.edges[t][i], t);
-        if (u == Connectivity::kNone || patches_[u] != patches_[t]) outline.push_back(3 * t + i);
+    const auto goesOn = [&](std::size_t k) { return k > 0 && k < order.size() && patches_[order[k]] == patches_[order[k - 1]]; };
+    RunInRanges(order.size(), threads_, [&](std::size_t, std::size_t k, std::size_t end) {
+      std::vector<Side> outline;
+      while (k < end && goesOn(k)) ++k;  // it is measured where it begins
+      while (k < end) {
+        outline.clear();
+        const std::uint32_t patch = patches_[order[k]];
+        do AddToOutline(order[k], outline);
+        while (goesOn(++k));
+        if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patch]);
       }
-      if (k + 1 < order.size() && patches_[order[k + 1]] == patches_[t]) continue;
-      if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patches_[t]]);
-      outline.clear();
+    });
+  }
+
+  void AddToOutline(std::uint32_t t, std::vector<Side>& outline) const {
+    for (std::uint32_t i = 0; i < 3; ++i) {
+      const std::uint32_t u = mesh_.Across(mesh_.edges[t][i], t);
+      if (u == Connectivity::kNone || patches_[u] != patches_[t]) outline.push_back(3 * t + i);
     }
   }
 
@@ -144,11 +183,11 @@ class Finder {
     }
   }
 
-  // About the angle: twice the tangent of its half. Positive where the surface bends away from its normals.
+  // Positive where the surface bends away from its normals.
   double Bend(std::uint32_t edge) const {
     const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     const ZBR_PT3 &a = model_.normals[t], &b = model_.normals[u];
-    const double angle = 2.0 * a.OuterProduct(b).Length() / (1.0 + std::max(a.InnerProduct(b), -0.5));
+    const double angle = BendBetween(a, b);
     return a.InnerProduct(Apex(SideAt(edge, u)) - From(SideAt(edge, t))) < 0 ? angle : -angle;
   }
 
@@ -261,6 +300,7 @@ class Finder {
   static double Turn(const Facet& facet) { return facet.curvature == 0 ? 0.0 : facet.curvature * facet.width; }
 
   const Model& model_;
+  const unsigned threads_;
   const Connectivity mesh_;
   const std::vector<std::uint32_t> patches_;
   std::vector<std::uint32_t> size_;  // of patches, in triangles
@@ -321,8 +361,9 @@ class Chains {
 
 }  // namespace
 
-void NoteTangents(Model& model) {
-  const Finder finder(model);
+void NoteTangents(Model& model, unsigned threads) {
+  if (!HasBends(model, threads)) return;
+  const Finder finder(model, threads);
   std::vector<std::uint32_t> found = finder.Run();
   if (found.empty()) return;
   const std::vector<std::uint32_t> connected = Chains(finder.Mesh()).Connected(std::move(found), kShortLine * model.Diagonal());

@@ -6,6 +6,6 @@
 namespace zbr::drawing {
 
 // Notes the edges that are tangent. Needs normals, and to know which edges show.
-void NoteTangents(Model& model);
+void NoteTangents(Model& model, unsigned threads);
 
 }  // namespace zbr::drawing

@@ -176,13 +176,13 @@ std::vector<LoopList> OutlinesInPlace(const Model& model, const Scene& scene) {
 }
 
 std::vector<LoopList> FindOutlines(const Model& model, const View& view, bool narrow, unsigned threads) {
-  Scene scene = MakeScene(model, view);
+  Scene scene = MakeScene(model, view, {}, false, threads);
   FindOutlines(model, scene, narrow, threads);
   return OutlinesInPlace(model, scene);
 }
 
 std::vector<TracedOutline> TraceOutlines(const Model& model, const View& view, unsigned threads) {
-  Scene scene = MakeScene(model, view);
+  Scene scene = MakeScene(model, view, {}, false, threads);
   OutlineAll(model, scene, true, threads);
   std::vector<TracedOutline> traced(model.ObjectCount());
   std::vector<LoopList> outlines = OutlinesInPlace(model, scene);

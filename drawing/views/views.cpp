@@ -52,11 +52,12 @@ bool IsWhole(const NamedDirection& direction) {
   return !direction.section && !direction.view.perspective;
 }
 
-Prepared Prepare(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options) {
+Prepared Prepare(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
+                 unsigned threads) {
   Prepared view;
   std::vector<IntersectionLine> lines = found.crossings;
   if (options.smoothSilhouettes && IsWhole(direction)) view.silhouettes.emplace(model, found.normals, direction.view).AddTo(lines);
-  view.scene = MakeScene(model, direction.view, lines, options.tangents);
+  view.scene = MakeScene(model, direction.view, lines, options.tangents, threads);
   if (options.contact >= 0) view.scene.contact = options.contact * view.scene.scale;
   if (direction.section) {
     view.whole = ExtentOf(view.scene);
@@ -100,7 +101,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
 ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
                   unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
   at(DrawStage::kScene);
-  Prepared view = Prepare(model, found, direction, options);
+  Prepared view = Prepare(model, found, direction, options, threads);
   at(DrawStage::kRemoval);
   if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);

@@ -115,7 +115,7 @@ inline ZBR_ZBREPE& EdgeOf(const ZBR_ZBREPT& t, std::size_t i) {
 }
 
 // An edge is a crease when the angle between the normals exceeds creaseDegrees by more than rounding explains. Points closer than
-// weld times the diagonal become one, where 0 joins equal ones only.
-Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld = 0.0);
+// weld times the diagonal become one, where 0 joins equal ones only. The same model with any number of threads.
+Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld = 0.0, unsigned threads = 1);
 
 }  // namespace zbr::drawing

@@ -86,9 +86,10 @@ struct Scene {
   ZBR_PT ToDrawing(const ZBR_PT& p) const { return ZBR_PT(p.x() / scale + offset.x(), p.y() / scale + offset.y()); }
 };
 
-// The second form fills a scene of any earlier contents, whose storage it keeps. Linear.
-Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines = {}, bool tangents = false);
+// The second form fills a scene of any earlier contents, whose storage it keeps. Linear; the same scene with any number of threads.
+Scene MakeScene(const Model& model, const View& view, const std::vector<IntersectionLine>& lines = {}, bool tangents = false,
+                unsigned threads = 1);
 void MakeScene(const Model& model, const View& view, Scene& scene, const std::vector<IntersectionLine>& lines = {},
-               bool tangents = false);
+               bool tangents = false, unsigned threads = 1);
 
 }  // namespace zbr::drawing

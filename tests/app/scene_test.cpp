@@ -111,6 +111,50 @@ TEST(Scene, UpperEdgesOfWallsSeenEdgeOn) {
   }
 }
 
+// A shell of several ranges, very many shells in one, fillets, an edge of four triangles, and one without area beside others.
+Mesh OfEverything() {
+  Mesh mesh = example::Torus(60000);
+  for (const Mesh& other : {example::Cover(), example::BoxesOnPlate(40, true), example::Box({20, 20, 0}, {21, 21, 1}),
+                            example::Box({21, 21, 0}, {22, 22, 1})})
+    example::Append(mesh, other);
+  const auto n = static_cast<std::uint32_t>(mesh.points.size());
+  mesh.points.insert(mesh.points.end(), {{0, 0, 9}, {1, 0, 9}, {2, 0, 9}, {2, 2, 9}});
+  mesh.triangles.insert(mesh.triangles.end(), {{n, n + 1, n + 2}, {n, n + 2, n + 3}});
+  return mesh;
+}
+
+TEST(Scene, IsTheSameOnAnyNumberOfThreads) {
+  const Mesh mesh = OfEverything();
+  const Model one = MakeModel(mesh, 30), three = MakeModel(mesh, 30, 0.0, 3);
+  EXPECT_EQ(one.normals, three.normals);
+  EXPECT_EQ(one.shellBegin, three.shellBegin);
+  EXPECT_EQ(one.facing, three.facing);
+  EXPECT_EQ(one.flat, three.flat);
+  EXPECT_GT(one.junctions * one.flat, 0U);
+  ASSERT_EQ(one.edgeBegin, three.edgeBegin);
+  std::size_t tangents = 0;
+  for (std::size_t s = 0; s < one.ShellCount(); ++s) {
+    for (int e = 0; e < one.Shell(s).GetEdgeCnt(); ++e) {
+      const ZBR_ZBREPE &a = *one.Shell(s).GetEdge(e), &b = *three.Shell(s).GetEdge(e);
+      ASSERT_EQ(one.Class(s, a), three.Class(s, b));
+      ASSERT_EQ(one.Note(s, a).isSameWay, three.Note(s, b).isSameWay);
+      ASSERT_EQ(a.GetV0(), b.GetV0());
+      if (one.Note(s, a).isTangent) ++tangents;
+    }
+  }
+  EXPECT_GT(tangents, 0U);
+  const Scene expected = MakeScene(one, *NamedView("iso"), {}, true), scene = MakeScene(three, *NamedView("iso"), {}, true, 3);
+  EXPECT_EQ(scene.classes, expected.classes);
+  EXPECT_EQ(scene.drawable, expected.drawable);
+  for (std::size_t t = 0; t < expected.triangles.size(); ++t) {
+    for (std::size_t i = 0; i < 3; ++i) {
+      ASSERT_EQ(scene.triangles[t].pt[i], expected.triangles[t].pt[i]);
+      ASSERT_EQ(scene.triangles[t].adj[i], expected.triangles[t].adj[i]);
+      ASSERT_EQ(scene.triangles[t].adj_edge[i], expected.triangles[t].adj_edge[i]);
+    }
+  }
+}
+
 TEST(Scene, IsTurnedScaledAndCanBeFilledAgain) {
   Mesh mesh = example::Box(ZBR_PT3(10, 20, 30), ZBR_PT3(11, 22, 33));
   example::Append(mesh, example::Torus(500));
