@@ -220,7 +220,7 @@ bool RegionWalk::Trace(const Way& way) {
       c = Follow(c, way.firstSide, way.forward[way.firstSide]);
       c = Follow(c, 1 - way.firstSide, way.forward[1 - way.firstSide]);
     } while (c != start);
-    if (!polygons_.EndRing(scale_.least)) return false;
+    if (!polygons_.EndRing(scale_)) return false;
   }
   return true;
 }
@@ -271,7 +271,7 @@ bool RegionWalk::AddUncrossed(ZBR_BOOLEAN_OPE op) {
     const bool isSubtracted = op == (rings_.SideOf(r) == 0 ? ZBR_BOOL_B_MINUS_A : ZBR_BOOL_A_MINUS_B);
     if (ring.isInside != (op == ZBR_BOOL_AND || isSubtracted)) continue;
     AppendStretch(ring.points, ring.isReversed != isSubtracted ? ring.size() - 1 : 0, ring.size(), ring.isReversed == isSubtracted);
-    if (!polygons_.EndRing(scale_.least)) return false;
+    if (!polygons_.EndRing(scale_)) return false;
   }
   return true;
 }

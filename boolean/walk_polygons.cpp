@@ -18,11 +18,15 @@ void WalkPolygons::Start(std::size_t mostPoints) {
   groupBegin_ = 0;
 }
 
-bool WalkPolygons::EndRing(double least) {
+// The area of a narrow ring is its width times half the way around it, which is only measured where it may matter.
+bool WalkPolygons::EndRing(const WalkScale& scale) {
   const std::uint32_t begin = rings_.empty() ? 0 : rings_.back().end;
   rings_.push_back({begin, static_cast<std::uint32_t>(points_.size()), 0.0, kOuter});
-  rings_.back().twiceArea = TwiceArea(PointsOf(rings_.back()));
-  return std::fabs(rings_.back().twiceArea) > 2.0 * least;
+  const RingSpan ring = PointsOf(rings_.back());
+  rings_.back().twiceArea = TwiceArea(ring);
+  const double twiceArea = std::fabs(rings_.back().twiceArea);
+  const double widest = scale.width * scale.longest * static_cast<double>(ring.size());
+  return twiceArea > 2.0 * scale.least && (twiceArea > widest || twiceArea > scale.width * Perimeter(ring));
 }
 
 bool WalkPolygons::Nest(double eps) {

@@ -6,6 +6,7 @@
 
 #include <zbr/region.h>
 
+#include "boolean/walk_rings.h"
 #include "core/rings.h"
 
 namespace zbr {
@@ -17,8 +18,8 @@ class WalkPolygons {
   void Start(std::size_t mostPoints);
   // The points of the ring that is being made, at the end of the list.
   std::vector<ZBR_PT>& points() { return points_; }
-  // Ends the ring. False when it encloses no more than `least`.
-  bool EndRing(double least);
+  // Ends the ring. False when it encloses next to nothing.
+  bool EndRing(const WalkScale& scale);
   // Rings added from here on are not nested in those before.
   void StartGroup() { groupBegin_ = rings_.size(); }
   // Finds the outer ring of each hole of the group. False when rounded arithmetic can't tell.

@@ -28,6 +28,8 @@ WalkScale::WalkScale(const Box& bounds) {
   if (!isUsable) return;
   eps = std::ldexp(kBooleanEps, -exponent);
   least = std::ldexp(kBooleanEps, -2 * exponent);
+  width = OverlayTolerance(bounds, 0.0);
+  longest = 2.0 * side;
 }
 
 bool WalkRings::Load(const RegionInput& input, const WalkScale& scale) {

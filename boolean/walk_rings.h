@@ -23,6 +23,8 @@ struct WalkScale {
   bool isUsable = false;  // the numbers are ordinary enough for squares of squares of lengths
   double eps = 0.0;       // what is no farther apart is one place
   double least = 0.0;     // the least area that a ring has
+  double width = 0.0;     // what rounding explains of the width of a ring
+  double longest = 0.0;   // no edge is longer
 };
 
 struct WalkedRing {

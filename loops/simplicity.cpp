@@ -37,16 +37,23 @@ class SelfSearch {
   bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return AreStripsApart(a, b) || !AreLeavesUnclear(a, b); }
   bool ComesNear(std::uint32_t leaf, int level, std::uint32_t node) const {
     if (!strips_.IsEmpty()) return true;  // strips tell sooner
-    LeafEdges edges;
-    return Read(leaf, index_.tree().Level(level)[node].Widened(room_ / 2.0), edges) > 0;
+    bool comesNear = false;
+    VisitNear(leaf, index_.tree().Level(level)[node].Widened(room_ / 2.0), [&](const Edge&) {
+      comesNear = true;
+      return false;
+    });
+    return comesNear;
   }
 
  private:
-  struct Edge {
-    ZBR_PT from;
-    ZBR_PT to;
+  struct Edge {  // of a leaf that is being looked at; so many are read that copies of points would show
+    const ZBR_PT* start;
+    const ZBR_PT* end;
     const IndexedRing* ring;
     std::uint32_t slot;
+
+    const ZBR_PT& from() const { return *start; }
+    const ZBR_PT& to() const { return *end; }
   };
   using LeafEdges = std::array<Edge, EdgeIndex::kLeafEdges>;
 
@@ -58,6 +65,8 @@ class SelfSearch {
   bool IsPairUnclear(const Edge& a, const Edge& b);
   bool IsEndUnclear(const Edge& e, bool atEnd, const Edge& other);
 
+  template <class Visit>
+  void VisitNear(std::uint32_t leaf, const Box& box, Visit visit) const;
   std::uint32_t Read(std::uint32_t leaf, const Box& box, LeafEdges& edges) const;
   bool IsConvex(const LeafEdges& edges, std::uint32_t count) const;
   bool AreNeighbours(const Edge& a, const Edge& b) const;
@@ -83,14 +92,30 @@ class SelfSearch {
   std::size_t leafPairs_ = 0;
 };
 
-// The edges of a leaf that come near the box, without those that are no longer than the tolerance.
+// Calls visit(edge) for the edges of a leaf that come near the box, but for those that are no longer than the tolerance. The visit
+// answers false to end it.
+template <class Visit>
+void SelfSearch::VisitNear(std::uint32_t leaf, const Box& box, Visit visit) const {
+  const EdgeIndex::Leaf& at = index_.leaf(leaf);
+  const IndexedRing& ring = index_.rings()[at.ring];
+  const std::uint32_t last = index_.LastSlot(at);
+  std::uint32_t v = ring.Vertex(at.first);
+  unsigned beyond = SidesBeyond(ring.points[v], box);
+  for (std::uint32_t slot = at.first; slot < last; ++slot) {
+    const ZBR_PT& from = ring.points[v];
+    const unsigned beyondFrom = beyond;
+    v = ring.Next(v);
+    const ZBR_PT& to = ring.points[v];
+    beyond = SidesBeyond(to, box);
+    if ((beyondFrom & beyond) == 0 && from.Distance2(to) > eps2_ && !visit(Edge{&from, &to, &ring, slot})) return;
+  }
+}
+
 std::uint32_t SelfSearch::Read(std::uint32_t leaf, const Box& box, LeafEdges& edges) const {
-  std::uint32_t slot = index_.leaf(leaf).first;
-  const IndexedRing* ring = &index_.rings()[index_.leaf(leaf).ring];
   std::uint32_t count = 0;
-  index_.VisitEdges(leaf, [&](const ZBR_PT& p, const ZBR_PT& q) {
-    if ((SidesBeyond(p, box) & SidesBeyond(q, box)) == 0 && p.Distance2(q) > eps2_) edges[count++] = {p, q, ring, slot};
-    ++slot;
+  VisitNear(leaf, box, [&](const Edge& edge) {
+    edges[count++] = edge;
+    return true;
   });
   return count;
 }
@@ -108,10 +133,12 @@ bool SelfSearch::IsLeafUnclear(std::uint32_t leaf) {
   const std::uint32_t count = Read(leaf, box, edges);
   if (count == index_.rings()[index_.leaf(leaf).ring].slots && IsConvex(edges, count)) return false;
   for (std::uint32_t i = 0; i < count; ++i) {
-    const Box around = BoxOfSegment(edges[i].from, edges[i].to).Widened(near_);
+    const Box around = BoxOfSegment(edges[i].from(), edges[i].to()).Widened(near_);
+    unsigned beyond = SidesBeyond(edges[i].to(), around);
     for (std::uint32_t j = i + 1; j < count; ++j) {
-      if ((SidesBeyond(edges[j].from, around) & SidesBeyond(edges[j].to, around)) != 0) continue;
-      if (IsPairOfEdgesUnclear(edges[i], edges[j])) return true;
+      const unsigned beyondFrom = edges[j].start == edges[j - 1].end ? beyond : SidesBeyond(edges[j].from(), around);
+      beyond = SidesBeyond(edges[j].to(), around);
+      if ((beyondFrom & beyond) == 0 && IsPairOfEdgesUnclear(edges[i], edges[j])) return true;
     }
   }
   return false;
@@ -131,12 +158,14 @@ bool SelfSearch::AreLeavesUnclear(std::uint32_t a, std::uint32_t b) {
   LeafEdges edgesA;
   const std::uint32_t countA = Read(a, boxes[b].Widened(room_ / 2.0), edgesA);
   if (countA == 0) return false;
+  Box aroundA;
+  for (std::uint32_t i = 0; i < countA; ++i) aroundA.Add(BoxOfSegment(edgesA[i].from(), edgesA[i].to()));
   LeafEdges edgesB;
-  const std::uint32_t countB = Read(b, boxes[a].Widened(room_ / 2.0), edgesB);
+  const std::uint32_t countB = Read(b, aroundA.Widened(near_), edgesB);
   for (std::uint32_t i = 0; i < countA && countB > 0; ++i) {
-    const Box around = BoxOfSegment(edgesA[i].from, edgesA[i].to).Widened(near_);
+    const Box around = BoxOfSegment(edgesA[i].from(), edgesA[i].to()).Widened(near_);
     for (std::uint32_t j = 0; j < countB; ++j) {
-      if ((SidesBeyond(edgesB[j].from, around) & SidesBeyond(edgesB[j].to, around)) != 0) continue;
+      if ((SidesBeyond(edgesB[j].from(), around) & SidesBeyond(edgesB[j].to(), around)) != 0) continue;
       if (IsPairOfEdgesUnclear(edgesA[i], edgesB[j])) return true;
     }
   }
@@ -151,8 +180,8 @@ bool SelfSearch::IsConvex(const LeafEdges& edges, std::uint32_t count) const {
   unsigned changes = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     const Edge& f = edges[i + 1 < count ? i + 1 : 0];
-    const ZBR_PT d = edges[i].to - edges[i].from;
-    const ZBR_PT e = f.to - f.from;
+    const ZBR_PT d = edges[i].to() - edges[i].from();
+    const ZBR_PT e = f.to() - f.from();
     const double turn = Cross(d, e);
     if (!(std::fabs(turn) > near_ * (std::fabs(d.x()) + std::fabs(d.y()) + std::fabs(e.x()) + std::fabs(e.y())))) return false;
     turns |= turn > 0.0 ? 1U : 2U;
@@ -187,27 +216,27 @@ ZBR_PT SelfSearch::Neighbour(const IndexedRing& ring, std::uint32_t vertex, bool
 }
 
 bool SelfSearch::IsNearEdge(const ZBR_PT& p, const Edge& e) const {
-  const ZBR_PT d = e.to - e.from;
+  const ZBR_PT d = e.to() - e.from();
   const double length2 = d.Length2();
-  const double along = std::clamp(d.InnerProduct(p - e.from) / length2, 0.0, 1.0);
-  return p.Distance2(e.from + d * along) <= near_ * near_;
+  const double along = std::clamp(d.InnerProduct(p - e.from()) / length2, 0.0, 1.0);
+  return p.Distance2(e.from() + d * along) <= near_ * near_;
 }
 
 bool SelfSearch::IsPairUnclear(const Edge& a, const Edge& b) {
   ZBR_COUNT(pairs, 1);
   const auto sides = [](const Edge& e, const Edge& f) {
-    const ZBR_PT d = e.to - e.from;
-    return std::pair(Cross(d, f.from - e.from), Cross(d, f.to - e.from));
+    const ZBR_PT d = e.to() - e.from();
+    return std::pair(Cross(d, f.from() - e.from()), Cross(d, f.to() - e.from()));
   };
   const auto areApart = [](const std::pair<double, double>& s, double least) {
     return (s.first > least && s.second > least) || (s.first < -least && s.second < -least);
   };
-  const double least = near_ * std::max((a.to - a.from).Length(), (b.to - b.from).Length());
+  const double least = near_ * std::max((a.to() - a.from()).Length(), (b.to() - b.from()).Length());
   const auto ofA = sides(a, b);
   if (areApart(ofA, least)) return false;
   const auto ofB = sides(b, a);
   if (areApart(ofB, least)) return false;
-  const bool nearEnds[] = {IsNearEdge(a.from, b), IsNearEdge(a.to, b), IsNearEdge(b.from, a), IsNearEdge(b.to, a)};
+  const bool nearEnds[] = {IsNearEdge(a.from(), b), IsNearEdge(a.to(), b), IsNearEdge(b.from(), a), IsNearEdge(b.to(), a)};
   if (std::none_of(std::begin(nearEnds), std::end(nearEnds), [](bool isNear) { return isNear; })) {
     const auto differ = [](const std::pair<double, double>& s) { return (s.first > 0.0) != (s.second > 0.0); };
     return differ(ofA) && differ(ofB);
@@ -222,9 +251,9 @@ bool SelfSearch::IsPairUnclear(const Edge& a, const Edge& b) {
 bool SelfSearch::IsEndUnclear(const Edge& e, bool atEnd, const Edge& other) {
   const std::uint32_t vertex = atEnd ? e.ring->Next(e.ring->Vertex(e.slot)) : e.ring->Vertex(e.slot);
   const ZBR_PT& at = e.ring->points[vertex];
-  ZBR_PT arms[] = {other.from, other.to};
+  ZBR_PT arms[] = {other.from(), other.to()};
   for (const bool end : {false, true}) {
-    const ZBR_PT& q = end ? other.to : other.from;
+    const ZBR_PT& q = end ? other.to() : other.from();
     if (at.Distance2(q) > kSurelyApart * kSurelyApart * eps2_) continue;
     if (at.Distance2(q) > on_ * on_) return true;
     const std::uint32_t from = other.ring->Vertex(other.slot);
@@ -232,8 +261,8 @@ bool SelfSearch::IsEndUnclear(const Edge& e, bool atEnd, const Edge& other) {
     arms[0] = Neighbour(*other.ring, corner, false);
     arms[1] = Neighbour(*other.ring, corner, true);
   }
-  const ZBR_PT d = other.to - other.from;
-  const double side = Cross(d, at - other.from);
+  const ZBR_PT d = other.to() - other.from();
+  const double side = Cross(d, at - other.from());
   if (side * side > on_ * on_ * d.Length2()) return true;
   return PassThrough(Neighbour(*e.ring, vertex, false), at, Neighbour(*e.ring, vertex, true), arms[0], arms[1]);
 }
@@ -260,7 +289,7 @@ bool SelfSearch::PassThrough(const ZBR_PT& prev, const ZBR_PT& at, const ZBR_PT&
 
 // Of two edges that follow each other.
 bool SelfSearch::FoldsBack(const Edge& a, const Edge& b) const {
-  return (a.to - a.from).InnerProduct(b.to - b.from) < 0.0 && (IsNearEdge(b.to, a) || IsNearEdge(a.from, b));
+  return (a.to() - a.from()).InnerProduct(b.to() - b.from()) < 0.0 && (IsNearEdge(b.to(), a) || IsNearEdge(a.from(), b));
 }
 
 }  // namespace

@@ -535,4 +535,25 @@ TEST(Region, ProgressOfManyPairsGoesOn) {
   EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()) && shares.size() > 1 && shares.back() <= 1.0);
 }
 
+// Both operands are narrow, cross in the open, and leave a triangle that is narrower than rounding explains.
+TEST(Region, WalkedResultsHoldNoRingWithoutArea) {
+  const std::vector<Ring> a = {{{103255.41505533917, -42684.058470622454},
+                                {103269.77398536369, -42684.058469994343},
+                                {102853.92029443578, -42684.058470132746},
+                                {103083.95539652152, -42684.058470249191}}};
+  const std::vector<Ring> b = {{{103171.63776061544, -42684.058470474098},
+                                {103342.96605608548, -42684.058470372482},
+                                {103220.99000297504, -42684.05847055334},
+                                {102855.75220682631, -42684.058470521479},
+                                {103169.79656536042, -42684.058470018776},
+                                {102947.37885232353, -42684.05847037895}}};
+  for (const ZBR_BOOLEAN_OPE op : kOps) {
+    const ZBR_REGION result = zbrCombineRegions(RegionOf(a), RegionOf(b), op);
+    std::vector<ZBR_REGION_FAULT> faults;
+    zbrCheckRegion(result.view(), faults);
+    EXPECT_TRUE(faults.empty()) << op;
+    EXPECT_FALSE(result.empty()) << op;
+  }
+}
+
 }  // namespace
