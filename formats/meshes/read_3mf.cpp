@@ -124,8 +124,10 @@ class Package {
     }
   }
 
+  // Every mesh is a body, whether it is built by itself or as a part of an object.
   void AddMesh(const ThreeMfObject& object, const Place& place) {
     const auto first = static_cast<std::uint32_t>(mesh_.points.size());
+    if (!object.points.empty()) mesh_.bodies.push_back({first, static_cast<std::uint32_t>(mesh_.triangles.size())});
     mesh_.rounding = std::max({mesh_.rounding, 0.0, RoundingOf(object.points) * place.Stretch()});
     for (const ZBR_PT3& p : object.points) mesh_.points.push_back(place.Point(p));
     for (std::array<std::uint32_t, 3> t : object.triangles) {
