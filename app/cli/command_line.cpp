@@ -2,6 +2,7 @@
 #include "app/cli/command_line.h"
 
 #include <zbr-drawing/numbers.h>
+#include <zbr-formats/meshes.h>
 
 #include <algorithm>
 #include <cctype>
@@ -27,6 +28,13 @@ void Protect(std::vector<std::string>& arguments) {
   for (std::string& argument : arguments) {
     if (StartsNegative(argument)) argument.insert(0, 1, ' ');
   }
+}
+
+// Models have an option of their own.
+std::string CheckModelFormat(std::string& format) {
+  const auto& models = zbr::formats::MeshFormats();
+  if (std::find(models.begin(), models.end(), format) == models.end()) return "";
+  return format + " is a format of models, which --model-format tells";
 }
 
 }  // namespace
@@ -63,6 +71,7 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
   command
       .add_option("--format", input.format,
                   "Format of '-' and of files whose extension does not tell it: dxf, geojson, wkt, text or svg")
+      ->check(CLI::Validator(CheckModelFormat, ""))
       ->check(CLI::IsMember({"dxf", "geojson", "wkt", "text", "svg"}).description(""))
       ->type_name("FORMAT");
   AddList(command, "--layer", input.layers, "Read only these layers of DXF files, or features of this name of GeoJSON files",

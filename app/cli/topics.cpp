@@ -124,7 +124,8 @@ axes. Scans, whose creases end nowhere, show creases that can be followed for so
 front, Y from above); 1,0,1=7.5 is the plane at the distance 7.5 from the origin in that direction, seen from there; X=5..20
 leaves what lies between two planes. Cut faces are hatched; the first view that sees the plane edge-on shows where it is.
 
-Each file and each --object is an object: its surfaces are joined with each other, not with those of other objects.
+Each file and each --object is an object: its surfaces are joined with each other, not with those of other objects;
+in 3MF and glTF files this holds for each mesh that they place.
 
 Several views make a sheet. In first-angle projection the view from above stands below the front view and the view
 from the left on its right; in third-angle projection it is the other way round. iso, dimetric and --look take a

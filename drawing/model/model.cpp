@@ -39,17 +39,17 @@ struct Gathered {
   std::vector<std::uint32_t> shell;  // numbers of those that the mesh names, if it does
 };
 
-// Joins the points of each object for itself: objects that touch stay objects. Returns where each point of the mesh went.
-std::vector<std::uint32_t> WeldObjects(const Mesh& mesh, double weld, std::vector<ZBR_PT3>& points) {
-  if (mesh.objects.size() <= 1) {
+// Joins the points of each body for itself: bodies that touch stay bodies. Returns where each point of the mesh went.
+std::vector<std::uint32_t> WeldBodies(const Mesh& mesh, double weld, std::vector<ZBR_PT3>& points) {
+  const std::vector<MeshObject> starts = BodyStarts(mesh);
+  if (starts.size() == 1) {
     points = mesh.points;
     return WeldPoints(points, weld);
   }
   std::vector<std::uint32_t> places;
-  for (std::size_t k = 0; k < mesh.objects.size(); ++k) {
-    const std::size_t end = k + 1 < mesh.objects.size() ? mesh.objects[k + 1].firstPoint : mesh.points.size();
-    std::vector<ZBR_PT3> own(mesh.points.begin() + mesh.objects[k].firstPoint,
-                             mesh.points.begin() + static_cast<std::ptrdiff_t>(end));
+  for (std::size_t k = 0; k < starts.size(); ++k) {
+    const std::size_t end = k + 1 < starts.size() ? starts[k + 1].firstPoint : mesh.points.size();
+    std::vector<ZBR_PT3> own(mesh.points.begin() + starts[k].firstPoint, mesh.points.begin() + static_cast<std::ptrdiff_t>(end));
     const auto before = static_cast<std::uint32_t>(points.size());
     for (const std::uint32_t place : WeldPoints(own, weld)) places.push_back(before + place);
     points.insert(points.end(), own.begin(), own.end());
@@ -59,7 +59,7 @@ std::vector<std::uint32_t> WeldObjects(const Mesh& mesh, double weld, std::vecto
 
 Gathered Gather(const Mesh& mesh, double weld, Model& model) {
   Gathered gathered;
-  const std::vector<std::uint32_t> places = WeldObjects(mesh, weld, gathered.points);
+  const std::vector<std::uint32_t> places = WeldBodies(mesh, weld, gathered.points);
   gathered.triangles.reserve(mesh.triangles.size());
   gathered.source.reserve(mesh.triangles.size());
   for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
@@ -214,14 +214,16 @@ void FillBody(Gathered& gathered, unsigned threads, Model& model) {
   model.source = std::move(gathered.source);
 }
 
-// Shells are in the order of their first triangles in the mesh, and so those of an object follow one another.
-void FindObjects(const std::vector<MeshObject>& objects, Model& model) {
+// The first shells of objects or bodies, and the end: shells are in the order of their first triangles in the mesh.
+std::vector<std::uint32_t> FirstShells(const std::vector<MeshObject>& starts, const Model& model) {
+  std::vector<std::uint32_t> first{0};
   std::size_t s = 0;
-  for (std::size_t k = 1; k < objects.size(); ++k) {
-    while (s < model.ShellCount() && model.source[model.shellBegin[s]] < objects[k].firstTriangle) ++s;
-    model.objectBegin.push_back(static_cast<std::uint32_t>(s));
+  for (std::size_t k = 1; k < starts.size(); ++k) {
+    while (s < model.ShellCount() && model.source[model.shellBegin[s]] < starts[k].firstTriangle) ++s;
+    first.push_back(static_cast<std::uint32_t>(s));
   }
-  model.objectBegin.push_back(static_cast<std::uint32_t>(model.ShellCount()));
+  first.push_back(static_cast<std::uint32_t>(model.ShellCount()));
+  return first;
 }
 
 double WeldDistance(const std::vector<ZBR_PT3>& points, double weld) {
@@ -258,7 +260,8 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld, unsigned th
   NoteTangents(model, threads);
   model.isRough = AreCreasesRough(model);
   if (model.isRough) TidyRoughCreases(model, creaseDegrees);
-  FindObjects(mesh.objects, model);
+  model.objectBegin = FirstShells(mesh.objects, model);
+  model.bodyBegin = FirstShells(BodyStarts(mesh), model);
   return model;
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 namespace zbr::drawing {
@@ -25,11 +26,17 @@ void Append(Mesh mesh, Mesh& all) {
   if (mesh.points.size() > kMostMeshPoints - all.points.size() || mesh.triangles.size() > kMostMeshPoints - all.triangles.size())
     throw Failure("the objects have too many triangles together");
   const auto shift = static_cast<std::uint32_t>(all.points.size());
-  all.objects.push_back({shift, static_cast<std::uint32_t>(all.triangles.size())});
+  const MeshObject start = {shift, static_cast<std::uint32_t>(all.triangles.size())};
+  all.objects.push_back(start);
+  for (const MeshObject& body : BodyStarts(mesh)) {
+    if (body.firstPoint == 0 && body.firstTriangle == 0) continue;  // where the object starts
+    all.bodies.push_back({start.firstPoint + body.firstPoint, start.firstTriangle + body.firstTriangle});
+  }
   if (shift == 0) {
-    std::vector<MeshObject> objects = std::move(all.objects);
+    std::vector<MeshObject> objects = std::move(all.objects), bodies = std::move(all.bodies);
     all = std::move(mesh);
     all.objects = std::move(objects);
+    all.bodies = std::move(bodies);
     return;
   }
   all.points.insert(all.points.end(), mesh.points.begin(), mesh.points.end());
@@ -47,17 +54,27 @@ bool SaysOfShells(const Mesh& mesh) {
                 std::to_string(mesh.shells.size()));
 }
 
-// Those without triangles, too: points are welded by object.
-void CheckObjects(const Mesh& mesh) {
+bool IsBefore(const MeshObject& a, const MeshObject& b) {
+  return std::pair(a.firstTriangle, a.firstPoint) < std::pair(b.firstTriangle, b.firstPoint);
+}
+
+// Those without triangles, too: points are welded by body.
+void CheckOrder(const Mesh& mesh, const std::vector<MeshObject>& starts, const char* what) {
   MeshObject before;
-  for (const MeshObject& o : mesh.objects) {
-    const bool isFirst = &o == mesh.objects.data();
-    if (isFirst && (o.firstPoint != 0 || o.firstTriangle != 0)) throw Failure("the first object does not start with the mesh");
+  for (const MeshObject& o : starts) {
     if (o.firstPoint < before.firstPoint || o.firstTriangle < before.firstTriangle || o.firstPoint > mesh.points.size() ||
         o.firstTriangle > mesh.triangles.size())
-      throw Failure("object " + std::to_string(&o - mesh.objects.data()) + " is out of order");
+      throw Failure(what + (" " + std::to_string(&o - starts.data())) + " is out of order");
     before = o;
   }
+}
+
+void CheckObjects(const Mesh& mesh) {
+  if (!mesh.objects.empty() && (mesh.objects.front().firstPoint != 0 || mesh.objects.front().firstTriangle != 0))
+    throw Failure("the first object does not start with the mesh");
+  CheckOrder(mesh, mesh.objects, "object");
+  CheckOrder(mesh, mesh.bodies, "body");
+  CheckOrder(mesh, BodyStarts(mesh), "the start of an object or a body,");
 }
 
 }  // namespace
@@ -65,6 +82,15 @@ void CheckObjects(const Mesh& mesh) {
 bool IsMeshCoordinate(const ZBR_PT3& p) {
   constexpr double kLargest = 1e75;
   return std::abs(p.x()) <= kLargest && std::abs(p.y()) <= kLargest && std::abs(p.z()) <= kLargest;
+}
+
+std::vector<MeshObject> BodyStarts(const Mesh& mesh) {
+  std::vector<MeshObject> starts = {{0, 0}};
+  std::merge(mesh.objects.begin(), mesh.objects.end(), mesh.bodies.begin(), mesh.bodies.end(), std::back_inserter(starts),
+             IsBefore);
+  const auto isSame = [](const MeshObject& a, const MeshObject& b) { return !IsBefore(a, b) && !IsBefore(b, a); };
+  starts.erase(std::unique(starts.begin(), starts.end(), isSame), starts.end());
+  return starts;
 }
 
 void CheckMesh(const Mesh& mesh) {
@@ -75,16 +101,17 @@ void CheckMesh(const Mesh& mesh) {
   }
   SaysOfShells(mesh);
   CheckObjects(mesh);
-  std::size_t object = 0, firstPoint = 0, lastPoint = mesh.points.size();
+  const std::vector<MeshObject> starts = BodyStarts(mesh);
+  std::size_t body = 0, firstPoint = 0, lastPoint = mesh.points.size();
   for (std::size_t t = 0; t < mesh.triangles.size(); ++t) {
-    for (; object < mesh.objects.size() && mesh.objects[object].firstTriangle <= t; ++object) {
-      firstPoint = mesh.objects[object].firstPoint;
-      lastPoint = object + 1 < mesh.objects.size() ? mesh.objects[object + 1].firstPoint : mesh.points.size();
+    for (; body < starts.size() && starts[body].firstTriangle <= t; ++body) {
+      firstPoint = starts[body].firstPoint;
+      lastPoint = body + 1 < starts.size() ? starts[body + 1].firstPoint : mesh.points.size();
     }
     for (const std::uint32_t corner : mesh.triangles[t]) {
       if (corner < firstPoint || corner >= lastPoint || corner >= mesh.points.size())
         throw Failure("triangle " + std::to_string(t) + " has the corner " + std::to_string(corner) +
-                      ", which is no point of its object");
+                      ", which is no point of its " + (mesh.bodies.empty() ? "object" : "body"));
     }
   }
 }

@@ -2,8 +2,8 @@
 //
 // A shell's contours bound what is inside it. Where a face of the body lies in the plane there are two answers, just below the
 // plane and just above it; the first is where the body ends, and what belongs to both is cut. So a plane that touches cuts nothing,
-// and a step whose face lies in the plane shows as a face. Shells that face inwards within another of their object are its hollows
-// and taken from it; others are bodies turned inside out. Cuts of open shells are joined across the shells of an object, as sheets
+// and a step whose face lies in the plane shows as a face. Shells that face inwards within another of their body are its hollows
+// and taken from it; others are bodies turned inside out. Cuts of open shells are joined across the shells of a body, as sheets
 // that meet three at an edge are shells by themselves.
 #include <zbr-drawing/section.h>
 
@@ -56,17 +56,17 @@ struct Sized {
   double area, xmin = 0, ymin = 0, xmax = 0, ymax = 0;
 };
 
-// The cuts of an object, one InPlane after the other.
-class ObjectCutter {
+// The cuts of a body, one InPlane after the other.
+class BodyCutter {
  public:
-  ObjectCutter(const Model& model, const View& view, const SectionPlane& plane, FaceLines& lines)
+  BodyCutter(const Model& model, const View& view, const SectionPlane& plane, FaceLines& lines)
       : model_(model), view_(view), plane_(plane), lines_(lines) {}
 
-  std::vector<ShellCut> Run(std::size_t object) {
+  std::vector<ShellCut> Run(std::size_t body) {
     cuts_.clear();
     heights_.clear();
     lines_.StartObject();
-    for (std::uint32_t s = model_.objectBegin[object]; s < model_.objectBegin[object + 1]; ++s) Look(s);
+    for (std::uint32_t s = model_.bodyBegin[body]; s < model_.bodyBegin[body + 1]; ++s) Look(s);
     const bool anyTouched = std::any_of(cuts_.begin(), cuts_.end(), [](const ShellCut& cut) { return cut.isTouched; });
     Cut(InPlane::kAbove);
     if (anyTouched) Cut(InPlane::kBelow);
@@ -170,6 +170,11 @@ class ObjectCutter {
   std::vector<std::vector<double>> heights_;  // parallel to the cuts
 };
 
+std::uint32_t ObjectOf(const Model& model, std::uint32_t shell) {
+  return static_cast<std::uint32_t>(std::upper_bound(model.objectBegin.begin(), model.objectBegin.end(), shell) -
+                                    model.objectBegin.begin() - 1);
+}
+
 // What is cut, with the edges of what ends in the plane that it has.
 ZBR_REGION CutOf(const ShellCut& cut) {
   if (!cut.isTouched) return cut.inside[0];
@@ -186,11 +191,11 @@ ZBR_REGION CutOf(const ShellCut& cut) {
 SectionCut FindSection(const Model& model, const View& view, const SectionPlane& plane) {
   SectionCut section;
   FaceLines lines(model.Diagonal());
-  ObjectCutter cutter(model, view, plane, lines);
-  for (std::size_t object = 0; object < model.ObjectCount(); ++object) {
-    for (ShellCut& cut : cutter.Run(object)) {
+  BodyCutter cutter(model, view, plane, lines);
+  for (std::size_t body = 0; body < model.BodyCount(); ++body) {
+    for (ShellCut& cut : cutter.Run(body)) {
       if (cut.inside[0].empty()) continue;
-      SectionFace face{static_cast<std::uint32_t>(object), cut.shell, CutOf(cut)};
+      SectionFace face{ObjectOf(model, cut.shell), cut.shell, CutOf(cut)};
       lines.AddFace(face, cut.inside[0]);
       section.faces.push_back(std::move(face));
       section.covers.push_back(std::move(cut.inside[0]));

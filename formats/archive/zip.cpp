@@ -64,8 +64,7 @@ void ZipArchive::Fail(const std::string& cause) const {
 }
 
 std::string ZipArchive::KeyOf(std::string_view name) {
-  if (name.starts_with('/')) name.remove_prefix(1);
-  std::string key(name);
+  std::string key(PlainName(name));
   for (char& c : key) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return key;
 }
@@ -113,7 +112,8 @@ void ZipArchive::WidenSizes(std::string_view extra, Part& part) const {
   }
 }
 
-std::string ZipArchive::Read(std::string_view name) {
+std::string ZipArchive::Read(std::string_view path) {
+  const std::string_view name = PlainName(path);
   const auto found = parts_.find(KeyOf(name));
   if (found == parts_.end()) Fail("there is no part " + Quoted(name));
   const Part& part = found->second;

@@ -14,6 +14,9 @@ class ZipArchive {
  public:
   ZipArchive(std::string_view bytes, const std::string& file);
 
+  // A part's name for messages, without a slash in front.
+  static std::string_view PlainName(std::string_view part) { return part.substr(part.starts_with('/') ? 1 : 0); }
+
   // Names are told apart without regard to capitals, as packages demand it; a slash in front does not count.
   bool Has(std::string_view part) const { return parts_.contains(KeyOf(part)); }
 

@@ -16,6 +16,8 @@ struct Place {
   Place operator*(const Place& inner) const {
     return {Direction(inner.x), Direction(inner.y), Direction(inner.z), Point(inner.origin)};
   }
+  // The same of what is this many times as large.
+  Place Of(double size) const { return {x * size, y * size, z * size, origin}; }
   double Stretch() const { return std::max({x.Length(), y.Length(), z.Length()}); }
   bool IsMirror() const { return x.OuterProduct(y).InnerProduct(z) < 0; }
 };

@@ -112,7 +112,9 @@ class MeshBuilder {
     for (std::size_t i = nodes.size(); i-- > 0;) open.push_back({nodes[i], outer});
   }
 
+  // The mesh of a node is a body: primitives cut it up by what it looks like.
   void AddMesh(const GltfItem& mesh, const Place& place) {
+    mesh_.bodies.push_back({static_cast<std::uint32_t>(mesh_.points.size()), static_cast<std::uint32_t>(mesh_.triangles.size())});
     std::map<std::size_t, std::uint32_t> firstPoints;  // primitives may share their points
     for (std::size_t i = 0; i < mesh.CountOf("primitives"); ++i) {
       const GltfItem primitive = mesh.Element("primitives", i);

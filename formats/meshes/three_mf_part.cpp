@@ -72,7 +72,7 @@ class PartReader : public XmlListener {
   }
 
   double Number(std::string_view text) const {
-    const std::optional<double> value = drawing::ParseNumber(text);
+    const std::optional<double> value = drawing::ParseNumber(Trimmed(text));
     if (!value) Fail(Quoted(text) + " is not a finite number");
     return *value;
   }
@@ -109,7 +109,8 @@ class PartReader : public XmlListener {
   void BeginObject() {
     id_ = Id("id");
     if (part.objectById.contains(id_)) Fail("a second object " + std::to_string(id_));
-    part.objects.emplace_back();
+    const std::string& type = element_->Attribute("type");
+    part.objects.emplace_back().isShape = type != "support" && type != "solidsupport" && type != "other";
   }
 
   void AddPoint() {
@@ -122,7 +123,7 @@ class PartReader : public XmlListener {
     ThreeMfObject& object = part.objects.back();
     const auto corner = [&](std::string_view name) {
       const std::string& text = Needed(name);
-      const std::optional<long long> place = drawing::ParseInteger(text);
+      const std::optional<long long> place = drawing::ParseInteger(Trimmed(text));
       if (!place || *place < 0 || *place >= static_cast<long long>(object.points.size()))
         Fail("point " + Quoted(text) + " of a triangle is not among the " + std::to_string(object.points.size()));
       return static_cast<std::uint32_t>(*place);

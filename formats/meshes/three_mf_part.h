@@ -24,6 +24,7 @@ struct ThreeMfItem {
 };
 
 struct ThreeMfObject {
+  bool isShape = true;  // else a support of one, or what is not to be built with it
   std::vector<ZBR_PT3> points;
   std::vector<std::array<std::uint32_t, 3>> triangles;
   std::vector<ThreeMfItem> components;  // of the same document those before it only, so that none holds itself

@@ -20,7 +20,7 @@ namespace zbr::drawing {
 // Three edges of each triangle can be numbered with 32 bits.
 inline constexpr std::size_t kMostMeshPoints = 700'000'000;
 
-// Where the points and the triangles of one object of a mesh start.
+// Where the points and the triangles of one object or body of a mesh start.
 struct MeshObject {
   std::uint32_t firstPoint = 0, firstTriangle = 0;
 };
@@ -33,6 +33,10 @@ struct Mesh {
   bool yUp = false;                 // the format says that y points up; most say nothing, and z is taken
   std::vector<MeshObject> objects;  // ascending from 0, 0; triangles use points of their own object only; none: all is one
 
+  // Where within objects further bodies start, ascending: those that a file keeps apart. Points are joined within bodies only,
+  // triangles use points of their own only, and sections tell them apart; lines, outlines and names are by object.
+  std::vector<MeshObject> bodies;
+
   // Which shell each triangle is of, by any numbers; the same number in two objects is two shells. None: what hangs together by
   // edges is a shell. With numbers, points are joined within shells only.
   std::vector<std::uint32_t> shells;
@@ -43,6 +47,9 @@ struct Mesh {
 
 // Whether a point is finite and small enough: products of four coordinates have to stay finite.
 bool IsMeshCoordinate(const ZBR_PT3& p);
+
+// Where objects and bodies start, ascending, each start once; at least the first of all.
+std::vector<MeshObject> BodyStarts(const Mesh& mesh);
 
 // The distance between single-precision numbers at the largest coordinate when the points were rounded to such numbers, else 0.
 // They were when all coordinates are single-precision numbers and some of them need the last of the 24 digits: lengths that are

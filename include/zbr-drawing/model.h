@@ -61,7 +61,8 @@ struct Model {
   ZBR_ZBREPB body;
   std::vector<std::uint32_t> shellBegin{0};  // of triangles; one more than shells
   std::vector<std::uint32_t> edgeBegin{0};
-  std::vector<std::uint32_t> objectBegin{0};  // of shells; one more than objects. Points of different objects are never joined
+  std::vector<std::uint32_t> objectBegin{0};  // of shells; one more than objects
+  std::vector<std::uint32_t> bodyBegin{0};    // of shells; one more than bodies. Points of different bodies are never joined
   std::vector<Facing> facing;                 // of shells
 
   std::vector<ZBR_PT3> normals;       // of length 1, or 0; of a triangle without area, that of the neighbour at its longest edge
@@ -89,6 +90,7 @@ struct Model {
 
   std::size_t ShellCount() const { return facing.size(); }
   std::size_t ObjectCount() const { return objectBegin.size() - 1; }
+  std::size_t BodyCount() const { return bodyBegin.size() - 1; }
   std::size_t TriangleCount() const { return source.size(); }
   const ZBR_ZBREPS& Shell(std::size_t s) const { return *body.GetShell(static_cast<int>(s)); }
   ZBR_PT3 Centre() const { return (low + high) * 0.5; }

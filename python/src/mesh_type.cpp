@@ -133,9 +133,7 @@ PyObject* Join(PyObject*, PyObject* meshes) noexcept {
         const bool isTaken = std::any_of(parts.begin(), parts.begin() + static_cast<std::ptrdiff_t>(i), same);
         std::string id = parts[i]->name;
         if (isTaken) id.append(1, '-').append(std::to_string(i + 1));
-        drawing::Mesh mesh = parts[i]->mesh;
-        mesh.objects.clear();
-        drawing::AddObject(objects, std::move(mesh), {parts[i]->name, id, {}, 0});
+        drawing::AddObject(objects, parts[i]->mesh, {parts[i]->name, id, {}, 0});
       }
       const auto joined = std::make_shared<MeshData>();
       joined->mesh = std::move(objects.mesh);

@@ -118,7 +118,7 @@ void Describe(Archive& a, DrawingData& data) {
 
 template <class Archive>
 void Describe(Archive& a, MeshData& data) {
-  All(a, data.name, data.sources, data.mesh.objects, data.mesh.shells, data.mesh.rounding, data.mesh.yUp);
+  All(a, data.name, data.sources, data.mesh.objects, data.mesh.bodies, data.mesh.shells, data.mesh.rounding, data.mesh.yUp);
 }
 
 namespace {

@@ -186,6 +186,9 @@ TEST_F(Tool, ModelsOfAllFormats) {
     EXPECT_EQ(Info(file, "triangles"), "12") << file;
     EXPECT_NE(Info(file, "clean"), "") << file;
   }
+  const char* const touching = R"([{"children":[1,2]},{"mesh":0},{"mesh":0,"translation":[2,0,0]}])";
+  Write("two.glb", Glb({5126, 5125, 4, 0, false, touching}));
+  EXPECT_EQ(Info("two.glb", "shells") + Info("two.glb", "clean").substr(0, 6), "2closed") << "nodes that touch are bodies";
   EXPECT_EQ(Output("pick beside.gltf --view front 1.5 0.5"), Output("pick box.obj --view top 1.5 0.5")) << "y is up";
   const std::string stl = Read("binary.stl");
   EXPECT_EQ(Output("pick - --model-format stl 1.5 0.5", stl), Output("pick text.stl 1.5 0.5"));

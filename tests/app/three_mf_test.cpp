@@ -15,7 +15,7 @@ std::string BoxMesh() {
   std::ostringstream xml;
   xml << "<mesh><vertices>";
   for (int k = 0; k < 8; ++k)
-    xml << "<vertex x='" << box.Corner(k)[0] << "' y='" << box.Corner(k)[1] << "' z='" << box.Corner(k)[2] << "'/>";
+    xml << "<vertex x=' " << box.Corner(k)[0] << "\t' y='" << box.Corner(k)[1] << "' z='" << box.Corner(k)[2] << "'/>";
   xml << "</vertices><triangles>";
   for (const auto& t : Box::kTriangles) xml << "<triangle v1='" << t[0] << "' v2='" << t[1] << "' v3='" << t[2] << "'/>";
   xml << "</triangles></mesh>";
@@ -42,21 +42,35 @@ const char* const kItem = "<item objectid='1'/>";
 const char* const kInches =
     "unit='inch' xmlns:p='http://schemas.microsoft.com/3dmanufacturing/production/2015/06' requiredextensions='p'";
 
-// A box, a mirrored copy beside it, and a box of another document turned by a quarter and raised.
+// A box, a mirrored copy beside it, and a box of another document, in feet, turned by a quarter and raised; and its support.
 TEST_F(Tool, ThreeMfPlacesWhatItHolds) {
   const std::string copies = Copies(1, {"", "transform='-1 0 0 0 1 0 0 0 1 4 0 0'"});
   const std::string items =
-      "<item objectid='2'/><item objectid='7' p:path='/3D/other.model' transform='0 2 0 -1 0 0 0 0 1 9 0 0.5'/>";
+      "<item objectid='2'/><item objectid='7' p:path='/3D/other.model' transform='0 2 0 -1 0 0 0 0 1 33 0 0.5'/>"
+      "<item objectid='3' transform='1 0 0 0 1 0 0 0 1 0 0 -1'/>";
+  const std::string support = "<object id='3' type='support'>" + BoxMesh() + "</object>";
   const std::string relations = "<Relationships><Relationship Target='/3D/Main.model' Type='http://x/3dmodel'/></Relationships>";
   Write("m.3mf", ZipFile({{"_rels/.rels", relations},
-                          {"3D/other.model", Document(Object(7, BoxMesh()), "")},
-                          {"3D/main.model", Document(Object(1, BoxMesh()) + Object(2, copies), items, kInches)}}));
-  const double inch = 25.4;
+                          {"3D/other.model", Document(Object(7, BoxMesh()), "", "unit='foot'")},
+                          {"3D/main.model", Document(Object(1, BoxMesh()) + Object(2, copies) + support, items, kInches)}}));
+  const double inch = 25.4, foot = 304.8 / 25.4 * inch;
   Write("m.obj", ObjText({{{0, 0, 0}, {inch, inch, inch}},
                           {{3 * inch, 0, 0}, {inch, inch, inch}},
-                          {{8 * inch, 0, 0.5 * inch}, {inch, 2 * inch, inch}}}));
+                          {{21 * inch, 0, 0.5 * inch}, {12 * inch, 2 * foot, foot}}}));
   EXPECT_EQ(Output("info m.3mf | tail -n +3"), Output("info m.obj | tail -n +3")) << "closed and facing outwards, mirrored or not";
   EXPECT_EQ(Output("outline m.3mf --view top -o - --format wkt"), Output("outline m.obj --view top -o - --format wkt"));
+}
+
+// As files of their own would be: neither joined where they touch nor taken for one in sections.
+TEST_F(Tool, ThreeMfBodiesStayApart) {
+  const std::string up = "transform='1 0 0 0 1 0 0 0 1 0 0 1'", aside = "transform='1 0 0 0 1 0 0 0 1 1 0 0'";
+  Write("m.3mf", Package(Document(Object(1, BoxMesh()) + Object(2, Copies(1, {"", up})),
+                                  "<item objectid='2'/><item objectid='1' " + aside + "/>")));
+  Write("m.obj", ObjText({{{0, 0, 0}, {1, 1, 1}}}));
+  EXPECT_EQ(Info("m.3mf", "shells"), "3");
+  EXPECT_NE(Info("m.3mf", "clean"), "");
+  const std::string draw = "draw --view top --section Y=0.5 --title m -o - --format dxf ";
+  EXPECT_EQ(Output(draw + "m.3mf"), Output(draw + "m.obj --object m.obj,0,0,1 --object m.obj,1,0,0"));
 }
 
 TEST_F(Tool, ThreeMfThatIsBroken) {
@@ -64,7 +78,7 @@ TEST_F(Tool, ThreeMfThatIsBroken) {
   for (int id = 2; id < 60; ++id) doubling += Object(id, Copies(id - 1, {"", ""}));
   const std::string good = Package(Document(Object(1, BoxMesh()), kItem));
   std::string damaged = good, encrypted = good, huge = good;
-  damaged[damaged.find("x='1'") + 3] = '2';
+  damaged[damaged.find("x=' 1") + 4] = '2';
   const std::size_t entry = good.find("PK\1\2");
   encrypted[entry + 8] = 1;
   huge.replace(entry + 24, 4, "\xff\xff\xff\x7f");
@@ -80,14 +94,17 @@ TEST_F(Tool, ThreeMfThatIsBroken) {
       {damaged, ": '3D/3dmodel.model' is damaged: its check sum differs"},
       {encrypted, ": '3D/3dmodel.model' is encrypted"},
       {huge, ": unpacks to more than a gigabyte"},
-      {ZipFile({{"a", "b"}}), ": there is no part '3D/3dmodel.model'"},
+      {ZipFile({{"a", "b"}}), ": is no 3MF: there is no part '3D/3dmodel.model'"},
       {Package("<svg/>"), place + "1: a 3MF model expected"},
       {Package("<model>"), place + "1: the file ends within 'model'"},
-      {Package(Document("", "")), ": no triangles"},
+      {Package("\xff\xfe<"), ": 3D/3dmodel.model: is text in UTF-16; save it in UTF-8"},
+      {Package(Document("", "")), ": 3D/3dmodel.model: nothing is to be built: its build has no item"},
+      {Package(Document("<object id='1' type='other'/>", kItem)),
+       ": 3D/3dmodel.model: nothing is to be built but supports and other things that are no part"},
       {Package(Document(Object(1, point), kItem)), place + "5: 'nan' is not a finite number"},
       {Package(Document(Object(1, corner), kItem)), place + "4: point '1' of a triangle is not among the 1"},
       {Package(Document(Object(1, Copies(1, {""})), kItem)), place + "4: there is no object 1 before this"},
-      {Package(Document(Object(1, Copies(1, {"p:path='3D/3dmodel.model'"})), kItem)),
+      {Package(Document(Object(1, Copies(1, {"p:path='/3D/3dmodel.model'"})), kItem)),
        place + "4: there is no object 1 in '3D/3dmodel.model'"},
       {Package(Document(doubling, "<item objectid='59'/>")), place + "27: too many points and triangles"},
       {Package(Document(Object(1, BoxMesh()), "<item objectid='1' transform='1 0 0'/>")),
