@@ -24,15 +24,14 @@
 #include <atomic>
 #include <cmath>
 #include <cstddef>
-#include <iterator>
 #include <limits>
 #include <utility>
 #include <vector>
 
 #include "drawing/model/connectivity.h"
-#include "drawing/model/disjoint_sets.h"
 #include "drawing/model/patches.h"
 #include "drawing/model/shell_ranges.h"
+#include "drawing/model/tangent_lines.h"
 #include "drawing/parallel.h"
 
 namespace zbr::drawing {
@@ -107,12 +106,22 @@ class Finder {
     std::vector<std::vector<std::uint32_t>> inRange(RangeCount(mesh_.sides.size()));
     RunInRanges(mesh_.sides.size(), threads_, [&](std::size_t range, std::size_t begin, std::size_t end) {
       for (std::size_t e = begin; e < end; ++e) {
-        if (IsTangent(static_cast<std::uint32_t>(e))) inRange[range].push_back(static_cast<std::uint32_t>(e));
+        const auto edge = static_cast<std::uint32_t>(e);
+        if (JumpsAt(edge) && HoldsForRuns(edge)) inRange[range].push_back(edge);
       }
     });
     std::vector<std::uint32_t> found;
     for (const auto& edges : inRange) found.insert(found.end(), edges.begin(), edges.end());
     return found;
+  }
+
+  // Whether a line may go on from an edge along another to its next one: where the jump shows from facet to facet alone, or where
+  // rounding left no facets to tell, and the surface bends as it did.
+  bool MayGoOn(std::uint32_t edge, std::uint32_t next) const {
+    if (!IsSmooth(next)) return false;
+    const double bend = Bend(edge);
+    if (!(std::abs(Bend(next) - bend) <= kMisfit * std::abs(bend))) return false;
+    return JumpsAt(next) || (!IsFacet(mesh_.sides[next][0]) && !IsFacet(mesh_.sides[next][1]));
   }
 
   const Connectivity& Mesh() const { return mesh_; }
@@ -211,7 +220,8 @@ class Finder {
     return {width, 2.0 * Bend(far) / (behind > kFarLonger * width ? width : width + behind)};
   }
 
-  bool IsTangent(std::uint32_t edge) const {
+  // From facet to facet.
+  bool JumpsAt(std::uint32_t edge) const {
     if (!IsSmooth(edge)) return false;
     const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     if (patches_[t] == patches_[u] || (!IsFacet(t) && !IsFacet(u))) return false;
@@ -226,8 +236,7 @@ class Finder {
     Complete(a, b, bend);
     Complete(b, a, bend);
     if (!(std::abs(2.0 * bend - Turn(a) - Turn(b)) <= kMisfit * std::abs(2.0 * bend))) return false;
-    if (!Differ(a.curvature, b.curvature)) return false;
-    return HoldsForRuns(SideAt(edge, t), SideAt(edge, u));
+    return Differ(a.curvature, b.curvature);
   }
 
   static bool Differ(double a, double b) { return std::abs(a - b) > kJump * std::max(std::abs(a), std::abs(b)); }
@@ -281,7 +290,8 @@ class Finder {
     return out;
   }
 
-  bool HoldsForRuns(Side s, Side o) const {
+  bool HoldsForRuns(std::uint32_t edge) const {
+    const Side s = SideAt(edge, mesh_.sides[edge][0]), o = SideAt(edge, mesh_.sides[edge][1]);
     const Way there = Follow(s, kWide), here = Follow(o, kWide);
     const bool isFirst = here.turn == 0 || std::abs(there.turn) * here.length > std::abs(here.turn) * there.length;
     const Way& round = isFirst ? there : here;
@@ -307,58 +317,6 @@ class Finder {
   std::vector<Extent> extents_;      // of the sides of facets
 };
 
-// Lines go on or end at others: an edge with a loose end is chance, and so are short lines with one.
-class Chains {
- public:
-  explicit Chains(const Connectivity& mesh) : mesh_(mesh), uses_(mesh.points.size()) {
-    for (std::uint32_t e = 0; e < mesh.sides.size(); ++e) {
-      if (mesh.shows[e]) Use(e);
-    }
-  }
-
-  std::vector<std::uint32_t> Connected(std::vector<std::uint32_t> found, double least) {
-    for (const std::uint32_t e : found) Use(e);
-    std::vector<std::uint32_t> dropped;
-    std::copy_if(found.begin(), found.end(), std::back_inserter(dropped), [&](std::uint32_t e) { return LooseEnds(e) > 0; });
-    std::erase_if(found, [&](std::uint32_t e) { return LooseEnds(e) > 0; });
-    for (const std::uint32_t e : dropped) {
-      for (const std::uint32_t p : Ends(e)) --uses_[p];
-    }
-    DisjointSets sets(mesh_.points.size());
-    for (const std::uint32_t e : found) sets.Unite(Ends(e)[0], Ends(e)[1]);
-    std::vector<double> length(mesh_.points.size());
-    std::vector<bool> isLoose(mesh_.points.size());
-    for (const std::uint32_t e : found) {
-      const std::uint32_t chain = sets.Find(Ends(e)[0]);
-      length[chain] += mesh_.points[Ends(e)[0]].Distance(mesh_.points[Ends(e)[1]]);
-      if (LooseEnds(e) > 0) isLoose[chain] = true;
-    }
-    std::erase_if(found, [&](std::uint32_t e) {
-      const std::uint32_t chain = sets.Find(Ends(e)[0]);
-      return isLoose[chain] && length[chain] < least;
-    });
-    return found;
-  }
-
- private:
-  std::array<std::uint32_t, 2> Ends(std::uint32_t edge) const {
-    const std::uint32_t t = mesh_.sides[edge][0];
-    std::size_t i = 0;
-    while (mesh_.edges[t][i] != edge) ++i;
-    return {mesh_.corners[t][i], mesh_.corners[t][(i + 1) % 3]};
-  }
-  void Use(std::uint32_t edge) {
-    for (const std::uint32_t p : Ends(edge)) ++uses_[p];
-  }
-  int LooseEnds(std::uint32_t edge) const {
-    const auto ends = Ends(edge);
-    return static_cast<int>(std::count_if(ends.begin(), ends.end(), [&](std::uint32_t p) { return uses_[p] < 2; }));
-  }
-
-  const Connectivity& mesh_;
-  std::vector<std::uint32_t> uses_;  // of points, by what is drawn
-};
-
 }  // namespace
 
 void NoteTangents(Model& model, unsigned threads) {
@@ -366,7 +324,9 @@ void NoteTangents(Model& model, unsigned threads) {
   const Finder finder(model, threads);
   std::vector<std::uint32_t> found = finder.Run();
   if (found.empty()) return;
-  const std::vector<std::uint32_t> connected = Chains(finder.Mesh()).Connected(std::move(found), kShortLine * model.Diagonal());
+  const auto mayGoOn = [&](std::uint32_t edge, std::uint32_t next) { return finder.MayGoOn(edge, next); };
+  const std::vector<std::uint32_t> connected =
+      ConnectedLines(finder.Mesh(), std::move(found), kShortLine * model.Diagonal(), mayGoOn);
   for (const std::uint32_t edge : connected) model.notes[edge].isTangent = true;
 }
 

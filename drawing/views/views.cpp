@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "drawing/intersections/coaxial.h"
 #include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
 #include "drawing/silhouettes/smooth_silhouettes.h"
@@ -126,6 +127,10 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
       found.crossings = FindIntersections(model, options.contact, options.threads);
     if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
   });
+  if (!found.crossings.empty()) {
+    const Circles own = found.circles ? Circles() : FindCircles(model);
+    DropCoaxial(model, found.circles ? *found.circles : own, found.crossings);
+  }
   for (std::size_t s = 0; options.smoothSilhouettes && s < model.ShellCount(); ++s)
     found.normals.push_back(SmoothNormalsOf(model, s));
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));

@@ -275,6 +275,35 @@ TEST(DoubledCurves, ArePartOfOneDashedLine) {
   EXPECT_NEAR(HiddenLength(draw(16, 10, "front")) - HiddenLength(draw(36, 10, "front")), 0, 0.2);
 }
 
+// In the bore only facets cross; at its mouths the pin's facets cross the plate, where the rim is within the pin.
+TEST(Intersections, FacetsOfCoaxialCylindersHaveNone) {
+  const auto draw = [](double from, double beside, double radius) {
+    Mesh mesh = example::Cylinder(16, radius, 30 - 2 * from);
+    example::Turn(mesh, {0, 0, 1}, 0.0005);
+    example::Move(mesh, {beside, 0, from});
+    example::Solid ring;
+    ring.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 25)), 0, 30);
+    Append(mesh, ring.Take());
+    DrawingOptions options;
+    options.hidden = HiddenLines::kInAllViews;
+    double alongAxis = 0.0, across = 0.0;
+    const ViewLines view = DrawView(MakeModel(mesh, 30.0), "iso", options);
+    for (const Line& line : view.lines) {
+      for (std::size_t i = 1; line.edgeClass == EdgeClass::kIntersection && i < line.chain.points.size(); ++i) {
+        const ZBR_PT way = line.chain.points[i] - line.chain.points[i - 1];
+        (std::abs(way.y()) > 10 ? alongAxis : across) += way.Length();
+      }
+    }
+    return std::pair(alongAxis, across);
+  };
+  for (const double radius : {9.95, 10.0, 10.05}) {
+    EXPECT_EQ(draw(0, 0, radius).first, 0.0) << radius;
+    EXPECT_EQ(draw(-10, 0, radius).first, 0.0) << radius;
+  }
+  EXPECT_GT(draw(-10, 0, 10.0).second, 5.0);
+  EXPECT_GT(draw(0, 5, 10.0).first, 40.0);  // beside the axis they cross really
+}
+
 // Seen at a slant the torus shows its outline, and of its hole the near and the far side up to where they meet.
 TEST(SmoothSilhouettes, AsManyAsTheSurfaceHasHoweverFineTheMesh) {
   for (const std::size_t triangles : {2000U, 9000U, 40000U}) {
