@@ -21,8 +21,8 @@ struct CentreMark {
   double radius = 0.0;
 };
 
-// An axis as the view shows it, from the first to the last of the circles around it; of circles seen at a slant, which are ellipses,
-// to the far sides of these. Their longer axes are centre lines as well, and make crosses with it.
+// An axis as the view shows it, from the first to the last of the circles around it; of circles seen at a slant, which are
+// ellipses, to the far sides of these. The longer axis of the nearest one is a centre line as well, a cross with it.
 struct CentreAxis {
   ZBR_PT from, to;
   double radius = 0.0;  // of the largest circle

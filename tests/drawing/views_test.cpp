@@ -192,6 +192,37 @@ TEST(CentreLines, OfHolesAndBores) {
   EXPECT_EQ(lines, 4U * 2 + 3 + slanted);
 }
 
+// A bored hub on a flange, and a pin that ends in a block: one axis each, crossed at the nearest rim, and none of rims not drawn.
+TEST(CentreLines, OnceForAnAxisSeenAtASlant) {
+  using example::Circle;
+  using example::Minus;
+  example::Solid flange;
+  flange.Stack(example::Axis::kZ, {0, 8, 30},
+               {Minus(Circle(0, 0, 30, 72), Circle(0, 0, 6, 32)), Minus(Circle(0, 0, 12, 48), Circle(0, 0, 6, 32))});
+  Mesh pin = example::Cylinder(32, 5, 30);
+  for (ZBR_PT3& p : pin.points) p += ZBR_PT3(0, 0, 10);
+  Append(pin, example::Box({-20, -20, 0}, {20, 20, 20}));
+  DrawingOptions options;
+  options.centreLines = true;
+  const View iso = *NamedView("iso");
+  const double ratio = std::abs(iso.toViewer.z());
+  struct Case {
+    Mesh mesh;
+    double top, radius, lowest;  // of the rim that is crossed; where the axis begins on paper, along the axis
+  };
+  for (const auto& [mesh, top, radius, lowest] :
+       {Case{flange.Take(), 30, 12, -30}, Case{pin, 40, 5, 40 * std::sqrt(1 - ratio * ratio) / ratio - 5}}) {
+    const Model model = MakeModel(mesh, 30.0);
+    const ViewLines view = DrawViews(model, {{"iso", iso}}, options).front();
+    ASSERT_EQ(view.centres.axes.size(), 2U);
+    const CentreAxis &axis = view.centres.axes[0], &arm = view.centres.axes[1];
+    const ZBR_PT at = view.view.In(ZBR_PT3(0, 0, top) - model.Centre()).xy(), foot = view.view.In(-model.Centre()).xy();
+    EXPECT_NEAR(((arm.from + arm.to) * 0.5).Distance(at), 0, 1e-4);
+    EXPECT_NEAR(arm.from.Distance(arm.to), 2 * radius, 1e-3);
+    EXPECT_NEAR(std::min(axis.from.y(), axis.to.y()), foot.y() + lowest * ratio, 1e-3);
+  }
+}
+
 // However the facets of the bore are divided, and from whichever side it is seen.
 TEST(CentreLines, OfABoreWithAnyDiagonals) {
   DrawingOptions options;
