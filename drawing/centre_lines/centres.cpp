@@ -44,6 +44,13 @@ bool IsFaceOn(const Circle& circle, const View& view) {
   return circle.axis.OuterProduct(view.toViewer).Length() < kTilt;
 }
 
+// Whether a section leaves the axis of what is seen from the side, and with it half of that at least.
+bool IsAxisLeft(const Circle& circle, const ViewLines& view, double same) {
+  if (!view.section || !IsFromTheSide(circle, view.view)) return true;
+  const double height = view.section->plane.HeightOf(circle.centre);
+  return height <= same && height >= -view.section->plane.depth - same;
+}
+
 // Vertices by shell, where there are any, of the triangles that lines of some kind run over.
 class Touched {
  public:
@@ -77,6 +84,7 @@ class Touched {
 
 // The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place;
 // then the silhouettes of the cylinder tell of them, which run from rim to rim: along edges, or across the triangles between.
+// Of cylinders that a section cuts, along or across, the outlines of the cut do.
 std::vector<Drawn> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
   std::uint32_t most = 0;
   for (const std::uint32_t t : model.source) most = std::max(most, t);
@@ -84,15 +92,15 @@ std::vector<Drawn> DrawnCircles(const Model& model, const Circles& circles, cons
   for (std::uint32_t t = 0; t < model.TriangleCount(); ++t) place[model.source[t]] = t;
   std::vector<Drawn> drawn(circles.all.size());
   const auto mark = [&](std::uint32_t k, bool hidden) { drawn[k] = std::max(drawn[k], hidden ? Drawn::kHidden : Drawn::kVisible); };
-  Touched seen(model), unseen(model);  // by silhouettes
+  Touched seen(model), unseen(model), cut(model);  // by silhouettes, and by the plane of a section
   for (const Line& line : view.lines) {
     for (const EdgeRef& ref : line.chain.edges) {
       const bool isAcross = ref.edge == EdgeRef::kAcross;
-      if (isAcross && line.edgeClass != EdgeClass::kSilhouette) continue;
+      if (isAcross && line.edgeClass != EdgeClass::kSilhouette && line.edgeClass != EdgeClass::kCut) continue;
       const std::uint32_t t = place[ref.triangle], s = model.ShellOf(t);
       const ZBR_ZBREPT& triangle = *model.Shell(s).GetTriangle(static_cast<int>(t - model.shellBegin[s]));
       if (isAcross || (line.edgeClass == EdgeClass::kSilhouette && !EdgeOf(triangle, ref.edge).GetShow())) {
-        (line.hidden ? unseen : seen).Add(s, triangle);
+        (line.edgeClass == EdgeClass::kCut ? cut : line.hidden ? unseen : seen).Add(s, triangle);
       } else {
         const auto edge = static_cast<std::uint32_t>(EdgeOf(triangle, ref.edge).GetIndex());
         const std::uint32_t k = circles.ofEdge[model.edgeBegin[s] + edge];
@@ -105,6 +113,12 @@ std::vector<Drawn> DrawnCircles(const Model& model, const Circles& circles, cons
       if (IsFromTheSide(circles.all[k], view.view)) mark(k, hidden);
     });
   }
+  cut.ForEachEdge(circles, [&](std::uint32_t k, bool both) {
+    const Circle& circle = circles.all[k];
+    const double height = view.section->plane.HeightOf(circle.centre);
+    const bool isAlong = IsFromTheSide(circle, view.view) && std::abs(height) < circle.radius;
+    if (isAlong || (both && IsFaceOn(circle, view.view))) mark(k, false);
+  });
   return drawn;
 }
 
@@ -228,7 +242,8 @@ Centres FindCentres(const Model& model, const Circles& circles, const ViewLines&
   Finder finder(model, view);
   constexpr double kHalf = kPi * 0.999;
   for (std::size_t k = 0; k < circles.all.size(); ++k) {
-    if (drawn[k] != Drawn::kNot && turns[k] > kHalf) finder.Add(circles.all[k], drawn[k]);
+    if (drawn[k] == Drawn::kNot || !(turns[k] > kHalf)) continue;
+    if (IsAxisLeft(circles.all[k], view, kSamePlace * model.Diagonal())) finder.Add(circles.all[k], drawn[k]);
   }
   return finder.Take();
 }

@@ -33,8 +33,8 @@ struct Centres {
   std::vector<CentreAxis> axes;
 };
 
-// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that the lines of the view
-// have edges of.
+// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that lines of the view have
+// edges of, or that belong to what its section cuts along the axis or across.
 Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view);
 
 }  // namespace zbr::drawing

@@ -223,6 +223,32 @@ TEST(CentreLines, OnceForAnAxisSeenAtASlant) {
   }
 }
 
+// A pin in the blind hole of a block, cut through the axis, in front of it, behind it, and across.
+TEST(CentreLines, OfWhatASectionCuts) {
+  example::Solid block;
+  block.Extrude(example::Axis::kZ, example::Rectangle(-20, -20, 20, 20), 0, 20);
+  block.Drill(example::Axis::kZ, example::Circle(0, 0, 6, 36), 8, 20);
+  Mesh mesh = block.Take();
+  Mesh pin = example::Cylinder(32, 5, 40);
+  for (ZBR_PT3& p : pin.points) p += ZBR_PT3(0, 0, 9);
+  Append(mesh, pin);
+  const Model model = MakeModel(mesh, 30.0);
+  DrawingOptions options;
+  options.centreLines = true;
+  const auto centres = [&](const char* text) {
+    const SectionPlane plane = ParseSection(text);
+    return DrawViews(model, {{"A-A", SectionView(plane), plane}}, options).front().centres;
+  };
+  for (const char* const text : {"Y=0", "X=0", "X=2", "X=-10..0"}) {
+    const Centres found = centres(text);
+    ASSERT_EQ(found.axes.size(), 1U) << text;
+    EXPECT_NEAR(found.axes[0].from.Distance(found.axes[0].to), 49 - 8, 1e-4) << text;
+  }
+  EXPECT_TRUE(centres("X=-2").axes.empty());
+  EXPECT_EQ(centres("Z=30").marks.size(), 1U);
+  EXPECT_TRUE(centres("Z=4").marks.empty());
+}
+
 // However the facets of the bore are divided, and from whichever side it is seen.
 TEST(CentreLines, OfABoreWithAnyDiagonals) {
   DrawingOptions options;
