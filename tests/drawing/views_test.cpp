@@ -392,6 +392,23 @@ TEST(SmoothSilhouettes, OfCoarseFacetsThatEndInCreasesAreTheirEdges) {
   }
 }
 
+// Whether a corner is exactly at the side or not.
+TEST(SmoothSilhouettes, OfCylindersAreStraight) {
+  for (const int sides : {32, 96}) {
+    for (const double turn : {0.0, 0.2, 0.5}) {
+      Mesh mesh = example::Cylinder(sides, 10, 40);
+      example::Turn(mesh, {0, 0, 1}, turn * 2 * 3.14159265358979 / sides);
+      const std::vector<Line> lines = Visible(DrawSmooth(mesh, *NamedView("front")), EdgeClass::kSilhouette);
+      ASSERT_EQ(lines.size(), 2U);
+      for (const Line& line : lines) {
+        EXPECT_NEAR(LengthOf(line), 40, 1e-6) << sides << ' ' << turn;
+        EXPECT_NEAR(std::abs(line.chain.points.front().x()), 10, turn == 0 ? 1e-9 : 0.05);
+        for (const ZBR_PT& p : line.chain.points) EXPECT_NEAR(p.x(), line.chain.points.front().x(), 1e-6) << sides << ' ' << turn;
+      }
+    }
+  }
+}
+
 // Walls seen edge-on that a vault goes on from smoothly, and that end below in a crease, are drawn like any outline.
 TEST(SmoothSilhouettes, OfWallsSeenEdgeOn) {
   std::vector<ZBR_PT> profile = {{-2, 0}, {2, 0}};
