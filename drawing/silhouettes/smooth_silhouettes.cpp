@@ -39,11 +39,13 @@ double Towards(const ZBR_PT3& normal, const View& view, Facing facing) {
   return towards > kSceneTolerance * normal.Length() ? towards : std::min(towards, 0.0);
 }
 
-// Whether a triangle at the edge is seen edge-on.
-bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPE& edge, const View& view) {
+// Whether the triangle, or the one that the surface goes on to smoothly across the edge, is seen edge-on. Ends of cylinders that
+// are, beyond creases, tell nothing of the silhouette.
+bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPT& triangle, const ZBR_ZBREPE& edge, const View& view) {
   const std::array triangles = {edge.GetTriangle0(), edge.GetTriangle1()};
+  const bool isSmooth = IsSmoothAcross(model, s, edge);
   return std::any_of(triangles.begin(), triangles.end(), [&](const ZBR_ZBREPT* t) {
-    if (t == nullptr) return false;
+    if (t == nullptr || (t != &triangle && !isSmooth)) return false;
     const ZBR_PT3& normal = model.normals[model.shellBegin[s] + static_cast<std::size_t>(t->GetIndex())];
     return std::abs(normal.InnerProduct(view.toViewer)) <= kSceneTolerance;
   });
@@ -110,7 +112,7 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const SmoothNo
       names[side] = static_cast<std::uint32_t>(IsSmoothAcross(model, s, edge) ? edge.GetIndex()
                                                                               : shell.GetEdgeCnt() + 3 * t + static_cast<int>(i));
       // A wall seen edge-on ends at its upper edge, wherever normals that are interpolated down to its foot say that it does.
-      ends[side] = IsWall(model, s, edge, view)
+      ends[side] = IsWall(model, s, triangle, edge, view)
                        ? VertexOf(triangle, at[i] > 0 ? i : j).GetPt()
                        : CrossingOf(VertexOf(triangle, i).GetPt(), at[i], VertexOf(triangle, j).GetPt(), at[j]);
     }

@@ -8,6 +8,7 @@ namespace zbr::drawing {
 namespace {
 
 constexpr double kShort = 0.01;
+constexpr double kTogether = 1e-9;  // of the curve, and nothing but rounding
 
 // Stretches in a row are seen and hidden in turn. On a closed curve the last one may end beyond the start.
 struct Stretch {
@@ -76,7 +77,7 @@ Chain Part(const SeenCurve& curve, double from, double to) {
   Chain chain;
   for (std::size_t i = 0; i + 1 < curve.points.size(); ++i) {
     const double a = curve.along[i], b = curve.along[i + 1];
-    if (b <= from || a >= to || !(b > a)) continue;
+    if (b <= from || a >= to || !(b - a > kTogether * curve.along.back())) continue;
     const ZBR_PT step = curve.points[i + 1] - curve.points[i];
     if (chain.points.empty()) chain.points.push_back(curve.points[i] + step * (std::max(from - a, 0.0) / (b - a)));
     chain.points.push_back(to < b ? curve.points[i] + step * ((to - a) / (b - a)) : curve.points[i + 1]);
@@ -99,7 +100,6 @@ void SeenCurve::Add(const ZBR_PT& from, const ZBR_PT& to, std::uint32_t triangle
   triangles.push_back(triangle);
   for (const ZBR_HL_INTERVAL& interval : intervals) {
     const Run run{begin + interval.s.t * length, begin + interval.e.t * length};
-    constexpr double kTogether = 1e-9;
     if (!visible.empty() && run.from <= visible.back().to + kTogether * along.back()) {
       visible.back().to = std::max(visible.back().to, run.to);
     } else if (run.to > run.from) {

@@ -86,16 +86,17 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   lines.lines.insert(lines.lines.end(), unseen, silhouettes.end());
   silhouettes.erase(unseen, silhouettes.end());
   AddVisible(lines, std::move(silhouettes));
-  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   if (model.isRough) DropCrumbs(lines);
   if (view.silhouettes) {
     view.silhouettes->CloseContours(model, view.scene, lines);
   } else if (model.isRough && IsWhole(direction)) {
     CloseContours(model, view.scene, SilhouetteEdges(view.scene), lines);
   }
-  if (!direction.section) return lines;
-  lines.extent = view.whole;  // views of one model line up, whatever was cut away
-  AddSection(std::move(view.section), direction, lines);
+  if (direction.section) {
+    lines.extent = view.whole;  // views of one model line up, whatever was cut away
+    AddSection(std::move(view.section), direction, lines);
+  }
+  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   return lines;
 }
 

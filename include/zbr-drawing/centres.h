@@ -21,8 +21,8 @@ struct CentreMark {
   double radius = 0.0;
 };
 
-// An axis as the view shows it, from the first to the last of the circles around it; of circles seen at a slant, which are ellipses,
-// to the far sides of these. Their longer axes are centre lines as well, and make crosses with it.
+// An axis as the view shows it, from the first to the last of the circles around it; of circles seen at a slant, which are
+// ellipses, to the far sides of these. The longer axis of the nearest one is a centre line as well, a cross with it.
 struct CentreAxis {
   ZBR_PT from, to;
   double radius = 0.0;  // of the largest circle
@@ -33,8 +33,8 @@ struct Centres {
   std::vector<CentreAxis> axes;
 };
 
-// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that the lines of the view
-// have edges of.
+// Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that lines of the view have
+// edges of, or that belong to what its section cuts along the axis or across.
 Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view);
 
 }  // namespace zbr::drawing

@@ -192,6 +192,63 @@ TEST(CentreLines, OfHolesAndBores) {
   EXPECT_EQ(lines, 4U * 2 + 3 + slanted);
 }
 
+// A bored hub on a flange, and a pin that ends in a block: one axis each, crossed at the nearest rim, and none of rims not drawn.
+TEST(CentreLines, OnceForAnAxisSeenAtASlant) {
+  using example::Circle;
+  using example::Minus;
+  example::Solid flange;
+  flange.Stack(example::Axis::kZ, {0, 8, 30},
+               {Minus(Circle(0, 0, 30, 72), Circle(0, 0, 6, 32)), Minus(Circle(0, 0, 12, 48), Circle(0, 0, 6, 32))});
+  Mesh pin = example::Cylinder(32, 5, 30);
+  for (ZBR_PT3& p : pin.points) p += ZBR_PT3(0, 0, 10);
+  Append(pin, example::Box({-20, -20, 0}, {20, 20, 20}));
+  DrawingOptions options;
+  options.centreLines = true;
+  const View iso = *NamedView("iso");
+  const double ratio = std::abs(iso.toViewer.z());
+  struct Case {
+    Mesh mesh;
+    double top, radius, lowest;  // of the rim that is crossed; where the axis begins on paper, along the axis
+  };
+  for (const auto& [mesh, top, radius, lowest] :
+       {Case{flange.Take(), 30, 12, -30}, Case{pin, 40, 5, 40 * std::sqrt(1 - ratio * ratio) / ratio - 5}}) {
+    const Model model = MakeModel(mesh, 30.0);
+    const ViewLines view = DrawViews(model, {{"iso", iso}}, options).front();
+    ASSERT_EQ(view.centres.axes.size(), 2U);
+    const CentreAxis &axis = view.centres.axes[0], &arm = view.centres.axes[1];
+    const ZBR_PT at = view.view.In(ZBR_PT3(0, 0, top) - model.Centre()).xy(), foot = view.view.In(-model.Centre()).xy();
+    EXPECT_NEAR(((arm.from + arm.to) * 0.5).Distance(at), 0, 1e-4);
+    EXPECT_NEAR(arm.from.Distance(arm.to), 2 * radius, 1e-3);
+    EXPECT_NEAR(std::min(axis.from.y(), axis.to.y()), foot.y() + lowest * ratio, 1e-3);
+  }
+}
+
+// A pin in the blind hole of a block, cut through the axis, in front of it, behind it, and across.
+TEST(CentreLines, OfWhatASectionCuts) {
+  example::Solid block;
+  block.Extrude(example::Axis::kZ, example::Rectangle(-20, -20, 20, 20), 0, 20);
+  block.Drill(example::Axis::kZ, example::Circle(0, 0, 6, 36), 8, 20);
+  Mesh mesh = block.Take();
+  Mesh pin = example::Cylinder(32, 5, 40);
+  for (ZBR_PT3& p : pin.points) p += ZBR_PT3(0, 0, 9);
+  Append(mesh, pin);
+  const Model model = MakeModel(mesh, 30.0);
+  DrawingOptions options;
+  options.centreLines = true;
+  const auto centres = [&](const char* text) {
+    const SectionPlane plane = ParseSection(text);
+    return DrawViews(model, {{"A-A", SectionView(plane), plane}}, options).front().centres;
+  };
+  for (const char* const text : {"Y=0", "X=0", "X=2", "X=-10..0"}) {
+    const Centres found = centres(text);
+    ASSERT_EQ(found.axes.size(), 1U) << text;
+    EXPECT_NEAR(found.axes[0].from.Distance(found.axes[0].to), 49 - 8, 1e-4) << text;
+  }
+  EXPECT_TRUE(centres("X=-2").axes.empty());
+  EXPECT_EQ(centres("Z=30").marks.size(), 1U);
+  EXPECT_TRUE(centres("Z=4").marks.empty());
+}
+
 // However the facets of the bore are divided, and from whichever side it is seen.
 TEST(CentreLines, OfABoreWithAnyDiagonals) {
   DrawingOptions options;
@@ -361,6 +418,23 @@ TEST(SmoothSilhouettes, OfCoarseFacetsThatEndInCreasesAreTheirEdges) {
   ASSERT_EQ(rims.size(), 2U);
   for (const Line& rim : rims) {
     for (const ZBR_PT& end : {rim.chain.points.front(), rim.chain.points.back()}) EXPECT_LT(DistanceTo(lines, end), 1e-6);
+  }
+}
+
+// Whether a corner is exactly at the side or not.
+TEST(SmoothSilhouettes, OfCylindersAreStraight) {
+  for (const int sides : {32, 96}) {
+    for (const double turn : {0.0, 0.2, 0.5}) {
+      Mesh mesh = example::Cylinder(sides, 10, 40);
+      example::Turn(mesh, {0, 0, 1}, turn * 2 * 3.14159265358979 / sides);
+      const std::vector<Line> lines = Visible(DrawSmooth(mesh, *NamedView("front")), EdgeClass::kSilhouette);
+      ASSERT_EQ(lines.size(), 2U);
+      for (const Line& line : lines) {
+        EXPECT_NEAR(LengthOf(line), 40, 1e-6) << sides << ' ' << turn;
+        EXPECT_NEAR(std::abs(line.chain.points.front().x()), 10, turn == 0 ? 1e-9 : 0.05);
+        for (const ZBR_PT& p : line.chain.points) EXPECT_NEAR(p.x(), line.chain.points.front().x(), 1e-6) << sides << ' ' << turn;
+      }
+    }
   }
 }
 
