@@ -42,6 +42,7 @@ void EdgeCutter::Run(Arrangement::Care care) {
   }
   if (isFine_) AlignCrossings(firstCrossing);
   NumberVertices();
+  vertices_.Clear();
   MergeLines();
   if (isFine_) return;
   for (std::uint32_t i = 0; i < toPoint_.size(); ++i) {

@@ -66,8 +66,8 @@ void EdgeCutter::AlignCrossings(std::uint32_t firstCrossing) {
   std::vector<ZBR_PT> aligned(vertices_.size() - firstCrossing, ZBR_PT(kNone, kNone));
   if (aligned.empty()) return;
   for (const CutLine& line : lines_) {
-    const ZBR_PT& p = vertices_.point(origins_[line.origin].from);
-    const ZBR_PT& q = vertices_.point(origins_[line.origin].to);
+    const ZBR_PT& p = vertices_.point(Origin(line.origin).from);
+    const ZBR_PT& q = vertices_.point(Origin(line.origin).to);
     if (p.x() != q.x() && p.y() != q.y()) continue;
     for (const std::uint32_t v : {line.from, line.to}) {
       if (v < firstCrossing) continue;
@@ -86,8 +86,8 @@ void EdgeCutter::AlignCrossings(std::uint32_t firstCrossing) {
 // The crossing of the edges that the lines come from, as exact as doubles give it, if it is where the lines cross on the grid.
 ZBR_PT EdgeCutter::TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT& place) const {
   constexpr double kNear = 2.0;  // steps
-  const CutLine& first = origins_[std::min(a.origin, b.origin)];
-  const CutLine& second = origins_[std::max(a.origin, b.origin)];
+  const CutLine& first = Origin(std::min(a.origin, b.origin));
+  const CutLine& second = Origin(std::max(a.origin, b.origin));
   const ZBR_PT& p = vertices_.point(first.from);
   const ZBR_PT& r = vertices_.point(second.from);
   const ZBR_PT d = vertices_.point(first.to) - p;

@@ -12,7 +12,7 @@ namespace zbr {
 
 bool EdgeCutter::AreCrowded() const {
   constexpr std::size_t kCrowded = 8;  // parts to a line, on the average
-  return lines_.size() > kCrowded * origins_.size();
+  return lines_.size() > kCrowded * OriginCount();
 }
 
 // Replaces the lines by those that differ, in their order. Returns, for each line there was, its like among these.

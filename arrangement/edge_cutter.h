@@ -30,14 +30,18 @@ class EdgeCutter {
   EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges, const Box& box, const Resolution& resolution,
              std::size_t secondOperand)
       : out_(out),
-        vertices_(box, resolution, edges.size() / 2 + 16),
-        reach_(resolution.reach / resolution.step),
-        isFine_(resolution.reach > kCoarseReach * resolution.step) {
+        isFine_(resolution.reach > kCoarseReach * resolution.step),
+        vertices_(box, resolution, edges.size() / (isFine_ ? kPointsPerCrowded : kEdgesPerVertex) + 16),
+        reach_(resolution.reach / resolution.step) {
     out_.step_ = vertices_.step();
     out_.origin_ = vertices_.FromGrid({});
     MakeLines(edges, secondOperand);
     SortLines();
-    origins_ = lines_;
+    FreeLarge(edgeOfLine_);
+    if (isFine_) {
+      FreeLarge(toPoint_);
+      FreeLarge(vertexOf_);
+    }
     out_.lineBegin_.resize(lines_.size() + 1);
     for (std::uint32_t i = 0; i <= lines_.size(); ++i) out_.lineBegin_[i] = i;
   }
@@ -46,6 +50,9 @@ class EdgeCutter {
 
  private:
   GridPoint Node(std::uint32_t vertex) const { return vertices_.node(vertex); }
+  // The line before anything was cut.
+  const CutLine& Origin(std::uint32_t origin) const { return origins_.empty() ? lines_[origin] : origins_[origin]; }
+  std::size_t OriginCount() const { return out_.lineBegin_.size() - 1; }
 
   // A line between the two vertices, in the order of a sweep.
   CutLine LineBetween(std::uint32_t from, std::uint32_t to, const Winding& net, std::uint32_t origin) const {
@@ -102,16 +109,20 @@ class EdgeCutter {
   std::vector<std::uint32_t> DropRepeatedParts();
   void CrossCrowdedParts();
 
+  // What to make room for: on a fine grid most vertices lie apart from all others.
+  static constexpr std::size_t kEdgesPerVertex = 2;
+  static constexpr std::size_t kPointsPerCrowded = 16;
+
   Arrangement& out_;
+  bool isFine_;  // so that every node is itself a point to stand for
   VertexSet vertices_;
   double reach_;  // in steps
-  bool isFine_;   // so that every node is itself a point to stand for
   LeaningFrame frame_;
   std::vector<std::uint32_t> toPoint_;     // by edge: the point where it ends; it begins at the one of its own number
   std::vector<std::uint32_t> vertexOf_;    // by point
   std::vector<std::uint32_t> edgeOfLine_;  // the first, before the lines are cut
   std::vector<CutLine> lines_;
-  std::vector<CutLine> origins_;
+  std::vector<CutLine> origins_;       // the lines before they were cut, once they are
   std::vector<std::uint32_t> number_;  // of a vertex in the order of a sweep
   std::vector<double> lengths_;        // of the lines, for LookAtPair
   std::vector<LinePair> pairs_;        // lines that are not clearly apart

@@ -111,10 +111,12 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t seco
 // of edges that follow each other are neighbours already and are put in their place some at a time.
 void EdgeCutter::SortLines() {
   constexpr std::uint32_t kTogether = 8;
-  std::vector<ZBR_PT> directions;
-  directions.reserve(lines_.size());
-  for (const CutLine& line : lines_) directions.push_back(Node(line.to).Point() - Node(line.from).Point());
-  frame_ = LeaningFrame(directions);
+  {
+    std::vector<ZBR_PT> directions;
+    directions.reserve(lines_.size());
+    for (const CutLine& line : lines_) directions.push_back(Node(line.to).Point() - Node(line.from).Point());
+    frame_ = LeaningFrame(directions);
+  }
   std::vector<std::uint32_t> begin;  // of each run of lines
   std::vector<ZBR_PT> centres;
   Box box;

@@ -150,6 +150,7 @@ void EdgeCutter::CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin
     }
   }
   begin.push_back(static_cast<std::uint32_t>(next.size()));
+  if (origins_.empty()) origins_.swap(lines_);
   lines_.swap(next);
   for (std::uint32_t& line : out_.lineBegin_) line = begin[line];
 }
@@ -211,7 +212,7 @@ void EdgeCutter::CrossParts(const LinePair& pair, const std::vector<std::uint32_
   const bool areWhole = begin[pair.a] + 1 == begin[pair.a + 1] && begin[pair.b] + 1 == begin[pair.b + 1];
   PartsOfLine ofA(*this, begin[pair.a], begin[pair.a + 1]);
   PartsOfLine ofB(*this, begin[pair.b], begin[pair.b + 1]);
-  const LinePair as = areWhole ? LinePair{begin[pair.a], begin[pair.a + 1]} : ofA.Beside(origins_[pair.b]);
+  const LinePair as = areWhole ? LinePair{begin[pair.a], begin[pair.a + 1]} : ofA.Beside(Origin(pair.b));
   for (std::uint32_t i = as.a; i < as.b; ++i) {
     const LinePair bs = ofB.Beside(lines_[i]);
     for (std::uint32_t j = bs.a; j < bs.b; ++j) CrossPair(i, j);
@@ -234,6 +235,7 @@ void EdgeCutter::QuickCut() {
   lengths_.reserve(lines_.size());
   for (const CutLine& line : lines_) lengths_.push_back(std::sqrt(Along(Node(line.from), Node(line.to), Node(line.to))));
   if (!lines_.empty()) PairSearch(*this).Run();
+  FreeLarge(lengths_);
   std::vector<std::uint32_t> begin;
   CutAt(hits_, begin);
   hits_.clear();

@@ -177,6 +177,7 @@ void EdgeCutter::AddCrossings() {
 }
 
 void EdgeCutter::ThoroughCut() {
+  origins_ = lines_;
   const bool anyBent = CutLines(0, reach_, [this](const CutLine& line, std::uint32_t v) { return IsWithinReach(line, v); });
   const std::uint32_t firstCrossing = vertices_.size();
   AddCrossings();

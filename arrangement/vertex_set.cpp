@@ -170,9 +170,12 @@ std::uint32_t VertexSet::At(const ZBR_PT& p) {
 // Columns of points with one x that no other column comes near, and in them the points that are not near the next or the one
 // before.
 std::vector<std::uint32_t> VertexSet::AddApart(std::span<const ZBR_PT> points) {
+  constexpr std::size_t kPerCrossing = 8;  // points; where crossings are more frequent, there is more to do than to make room
   std::vector<GridPoint> places;
   places.reserve(points.size());
   for (const ZBR_PT& p : points) places.push_back(NodeAt(ToGrid(p)));
+  nodes_.reserve(points.size() + points.size() / kPerCrossing);
+  points_.reserve(nodes_.capacity());
   const std::vector<std::uint32_t> order = SweepOrder(places);
   std::vector<std::uint32_t> vertexOf(points.size(), kNone);
   const auto x = [&](std::size_t i) { return places[order[i]].x; };
@@ -200,6 +203,14 @@ std::vector<std::uint32_t> VertexSet::AddApart(std::span<const ZBR_PT> points) {
   }
   sorted_ = size();
   return vertexOf;
+}
+
+void VertexSet::Clear() {
+  FreeLarge(nodes_);
+  FreeLarge(points_);
+  FreeLarge(entries_);
+  byNode_.Clear();
+  byCell_.Clear();
 }
 
 std::uint32_t VertexSet::OnNode(GridPoint node, const ZBR_PT& p) {

@@ -9,6 +9,7 @@
 
 #include "arrangement/grid_point.h"
 #include "core/box.h"
+#include "core/scratch.h"
 
 namespace zbr {
 
@@ -44,6 +45,9 @@ class VertexSet {
   // The vertex exactly on the given node; made to stand for p when there is none. Not to be followed by At.
   std::uint32_t OnNode(GridPoint node, const ZBR_PT& p);
 
+  // Gives the memory back. Nothing is to be asked for afterwards.
+  void Clear();
+
   std::uint32_t size() const { return static_cast<std::uint32_t>(nodes_.size()); }
   GridPoint node(std::uint32_t vertex) const { return nodes_[vertex]; }
   const ZBR_PT& point(std::uint32_t vertex) const { return points_[vertex]; }
@@ -69,6 +73,10 @@ class VertexSet {
     // Items are numbered in the order in which they are filed.
     void File(std::uint64_t hash);
     std::size_t size() const { return items_.size(); }
+    void Clear() {
+      FreeLarge(first_);
+      FreeLarge(items_);
+    }
 
    private:
     struct Item {
