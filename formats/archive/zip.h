@@ -22,7 +22,7 @@ class ZipArchive {
 
   // Unpacks a part and compares it with its check sum. All parts together may have a gigabyte: a small file can say that it holds
   // any number of them.
-  std::string Read(std::string_view part);
+  std::string Read(std::string_view path);
 
  private:
   struct Part {
