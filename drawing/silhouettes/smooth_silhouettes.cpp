@@ -18,13 +18,14 @@
 #include "drawing/sections/contours.h"
 #include "drawing/sections/cut_chains.h"
 #include "drawing/silhouettes/smooth_normals.h"
-#include "drawing/silhouettes/visible_runs.h"
 
 namespace zbr::drawing {
 namespace {
 
 // In widths of a facet.
 constexpr double kNearer = 2.0;
+// As a part of that: how far behind other bodies a curve is seen, which facets of both may cover where bodies touch.
+constexpr double kOther = 0.01;
 
 // As a part of the model's diagonal, half a line's width: silhouettes of facets above which the surface rises more miss the ends of
 // creases there, and edges beside them would be taken for another line.
@@ -49,6 +50,15 @@ bool IsWall(const Model& model, std::size_t s, const ZBR_ZBREPT& triangle, const
     const ZBR_PT3& normal = model.normals[model.shellBegin[s] + static_cast<std::size_t>(t->GetIndex())];
     return std::abs(normal.InnerProduct(view.toViewer)) <= kSceneTolerance;
   });
+}
+
+// Whether the surface turns away on the way to the viewer: then it is in front of its own silhouette.
+bool IsHollow(const ZBR_ZBREPT& t, const std::array<double, 3>& facing, const ZBR_PT3& toViewer) {
+  const ZBR_PT3 &p = VertexOf(t, 0).GetPt(), a = VertexOf(t, 1).GetPt() - p, b = VertexOf(t, 2).GetPt() - p;
+  const ZBR_PT3 normal = a.OuterProduct(b);
+  return toViewer.OuterProduct(b).InnerProduct(normal) * (facing[1] - facing[0]) +
+             a.OuterProduct(toViewer).InnerProduct(normal) * (facing[2] - facing[0]) <
+         0;
 }
 
 // How far the surface rises over a facet, from how wide that is and by how much its normals differ.
@@ -96,6 +106,7 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const SmoothNo
 
   Cuts cuts;
   std::vector<std::array<ZBR_PT3, 2>> places;  // of the ends of cuts
+  std::vector<bool> hollow;
   for (int t = 0; t < shell.GetTriangleCnt(); ++t) {
     const ZBR_ZBREPT& triangle = *shell.GetTriangle(t);
     std::array<double, 3> at{};
@@ -118,12 +129,14 @@ void SmoothSilhouettes::FindIn(const Model& model, std::size_t s, const SmoothNo
     }
     cuts.Add(static_cast<std::uint32_t>(t), names[0], names[1]);
     places.push_back(ends);
+    hollow.push_back(!model.isRough && IsHollow(triangle, at, view.toViewer));
   }
   isCoarse_.push_back(IsCoarse(model, s, normals, cuts, places));
   if (isCoarse_.back()) return;
   for (const CutChain& chain : ChainCuts(cuts)) {
     Curve curve{static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(lines_.size()), 0, chain.closed};
     for (const std::uint32_t end : chain.ends) {
+      isHollow_.push_back(hollow[end / 2]);
       IntersectionLine& line = lines_.emplace_back();
       const std::array<ZBR_PT3, 2>& ends = places.at(end / 2);
       line.ends[0].place = ends[end % 2];
@@ -155,10 +168,34 @@ void SmoothSilhouettes::PutInto(const Model& model, Scene& scene) {
       }
     }
   }
+  nearer_.resize(lines_.size());
   for (std::size_t k = 0; k < lines_.size(); ++k) {
-    const ZBR_PT3 nearer(0, 0, kNearer * WidthAround(scene, model, lines_[k].triangles[0]));
-    for (ZBR_PT3& p : scene.triangles[facets + first_ + k].pt) p += nearer;
+    if (!isHollow_[k]) nearer_[k] = kNearer * WidthAround(scene, model, lines_[k].triangles[0]);
+    for (ZBR_PT3& p : scene.triangles[facets + first_ + k].pt) p += ZBR_PT3(0, 0, nearer_[k]);
   }
+}
+
+void SmoothSilhouettes::LimitRuns(const Model& model, const Scene& scene, const Curve& curve, SeenCurve& seen) const {
+  if (seen.visible.empty() || model.ShellCount() < 2) return;
+  Extent box;
+  for (const ZBR_PT& p : seen.points) box.Add(p);
+  std::vector<const ZBR_HL_SHELL*> others;
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    const ZBR_HL_SHELL& shell = scene.shells[s];
+    if (s != curve.shell && shell.max_x > box.xmin && shell.min_x < box.xmax && shell.max_y > box.ymin && shell.min_y < box.ymax)
+      others.push_back(&shell);
+  }
+  if (others.empty()) return;
+  const std::size_t first = scene.TriangleCount() + first_ + curve.begin;
+  seen.Keep([&](std::size_t k, double part) {
+    const ZBR_HL_TRI& line = scene.triangles[first + k];
+    const ZBR_PT3 p = line.pt[0] + (line.pt[1] - line.pt[0]) * part;
+    const double nearer = nearer_[curve.begin + k], height = p.z() - nearer + kOther * nearer;
+    return std::none_of(others.begin(), others.end(), [&](const ZBR_HL_SHELL* shell) {
+      double z = height;
+      return ZBR_HiddenLine::PickShell(p.x(), p.y(), *shell, z);
+    });
+  });
 }
 
 std::vector<Line> SmoothSilhouettes::TakeFrom(const Model& model, Scene& scene, bool hidden) const {
@@ -174,6 +211,7 @@ std::vector<Line> SmoothSilhouettes::TakeFrom(const Model& model, Scene& scene, 
       line.ClearEdgeAll();
       line.dispj[0] = false;
     }
+    LimitRuns(model, scene, curve, seen);
     for (Line& line : LinesOf(seen, size)) {
       if (line.hidden && !hidden) continue;
       line.shell = line.other = curve.shell;

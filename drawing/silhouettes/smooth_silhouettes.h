@@ -10,6 +10,7 @@
 
 #include "drawing/silhouettes/contour.h"
 #include "drawing/silhouettes/smooth_normals.h"
+#include "drawing/silhouettes/visible_runs.h"
 
 namespace zbr::drawing {
 
@@ -37,7 +38,12 @@ class SmoothSilhouettes {
   };
   void FindIn(const Model& model, std::size_t shell, const SmoothNormals& normals, const View& view);
 
+  // Leaves out what other bodies hide where the curve is and not where it was looked for.
+  void LimitRuns(const Model& model, const Scene& scene, const Curve& curve, SeenCurve& seen) const;
+
   std::vector<IntersectionLine> lines_;
+  std::vector<bool> isHollow_;  // of lines: where the surface bends towards the viewer
+  std::vector<double> nearer_;  // of lines: by how much they are looked for nearer to the viewer, in the scene
   std::vector<Curve> curves_;
   std::vector<bool> isCoarse_;  // shells whose silhouettes stay along edges
   std::size_t first_ = 0;       // of them among the scene's lines

@@ -10,6 +10,32 @@ namespace {
 constexpr double kShort = 0.01;
 constexpr double kTogether = 1e-9;  // of the curve, and nothing but rounding
 
+constexpr double kInset = 1e-6;
+constexpr int kHalvings = 24;
+
+// Joins it to the last one where that ends as far as `together` before it.
+void AddTo(std::vector<SeenCurve::Run>& runs, const SeenCurve::Run& run, double together) {
+  if (!runs.empty() && run.from <= runs.back().to + together) {
+    runs.back().to = std::max(runs.back().to, run.to);
+  } else if (run.to > run.from) {
+    runs.push_back(run);
+  }
+}
+
+// The part of `whole` that is seen, as places at its ends, `looked` at, tell.
+template <class IsAt>
+SeenCurve::Run SeenPart(const SeenCurve::Run& looked, const SeenCurve::Run& whole, const IsAt& isAt) {
+  const bool first = isAt(looked.from), last = isAt(looked.to);
+  if (first && last) return whole;
+  if (!first && !last) return {whole.from, whole.from};
+  double seen = first ? looked.from : looked.to, hidden = first ? looked.to : looked.from;
+  for (int halvings = 0; halvings < kHalvings; ++halvings) {
+    const double middle = (seen + hidden) * 0.5;
+    (isAt(middle) ? seen : hidden) = middle;
+  }
+  return first ? SeenCurve::Run{whole.from, seen} : SeenCurve::Run{seen, whole.to};
+}
+
 // Stretches in a row are seen and hidden in turn. On a closed curve the last one may end beyond the start.
 struct Stretch {
   double from = 0.0, to = 0.0;
@@ -61,6 +87,14 @@ void AbsorbShort(std::vector<Stretch>& stretches, double least, bool closed, dou
   }
 }
 
+// Where a curve dips into another body just before it ends, it is drawn as far as that.
+void DropCovered(std::vector<Stretch>& stretches, double least, const SeenCurve& curve) {
+  const auto isShort = [&](const Stretch& stretch) { return !stretch.visible && stretch.Length() < least; };
+  if (curve.closed) return;
+  if (curve.isCovered[1] && stretches.size() > 1 && isShort(stretches.back())) stretches.pop_back();
+  if (curve.isCovered[0] && stretches.size() > 1 && isShort(stretches.front())) stretches.erase(stretches.begin());
+}
+
 // Twice around.
 SeenCurve Doubled(const SeenCurve& curve) {
   SeenCurve doubled = curve;
@@ -99,13 +133,28 @@ void SeenCurve::Add(const ZBR_PT& from, const ZBR_PT& to, std::uint32_t triangle
   along.push_back(begin + length);
   triangles.push_back(triangle);
   for (const ZBR_HL_INTERVAL& interval : intervals) {
-    const Run run{begin + interval.s.t * length, begin + interval.e.t * length};
-    if (!visible.empty() && run.from <= visible.back().to + kTogether * along.back()) {
-      visible.back().to = std::max(visible.back().to, run.to);
-    } else if (run.to > run.from) {
-      visible.push_back(run);
+    AddTo(visible, {begin + interval.s.t * length, begin + interval.e.t * length}, kTogether * along.back());
+  }
+}
+
+void SeenCurve::Keep(const std::function<bool(std::size_t k, double t)>& isSeen) {
+  std::vector<Run> kept;
+  std::size_t k = 0;
+  for (const Run& run : visible) {
+    while (k + 2 < along.size() && along[k + 1] <= run.from) ++k;
+    for (std::size_t i = k; i + 1 < along.size() && along[i] < run.to; ++i) {
+      const double length = along[i + 1] - along[i], from = std::max(run.from, along[i]), to = std::min(run.to, along[i + 1]);
+      const auto isAt = [&](double at) { return isSeen(i, (at - along[i]) / length); };
+      if (!(to - from > kTogether * along.back())) continue;
+      const double middle = (from + to) * 0.5;
+      for (const Run& half : {Run{from, middle}, Run{middle, to}}) {
+        const double inset = kInset * (half.to - half.from);  // other bodies may end at a corner of the curve
+        AddTo(kept, SeenPart({half.from + inset, half.to - inset}, half, isAt), kTogether * along.back());
+      }
     }
   }
+  visible = std::move(kept);
+  isCovered = {!isSeen(0, kInset), !isSeen(along.size() - 2, 1.0 - kInset)};
 }
 
 std::vector<Line> LinesOf(const SeenCurve& curve, double size) {
@@ -113,6 +162,7 @@ std::vector<Line> LinesOf(const SeenCurve& curve, double size) {
   if (curve.points.empty() || curve.along.back() < kShort * size) return lines;
   const double whole = curve.along.back();
   std::vector<Stretch> stretches = StretchesOf(curve);
+  DropCovered(stretches, kShort * size, curve);
   AbsorbShort(stretches, kShort * size, curve.closed, whole);
   const SeenCurve around = curve.closed ? Doubled(curve) : curve;
   for (const Stretch& stretch : stretches) {

@@ -4,7 +4,9 @@
 #include <zbr-drawing/view_lines.h>
 #include <zbr/hidden_line.h>
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace zbr::drawing {
@@ -19,13 +21,18 @@ struct SeenCurve {
   };
   std::vector<Run> visible;  // sorted, apart from each other
   bool closed = false;
+  std::array<bool, 2> isCovered{};  // of one that is not: whether other bodies hide its start, and its end
 
   // The next stretch, which starts where the one before ends.
   void Add(const ZBR_PT& from, const ZBR_PT& to, std::uint32_t triangle, const std::vector<ZBR_HL_INTERVAL>& intervals);
+
+  // Leaves of what is visible that which a place says is: part t of stretch k. Between the middle and the ends of what is visible
+  // of a stretch it may change once.
+  void Keep(const std::function<bool(std::size_t k, double t)>& isSeen);
 };
 
 // Stretches, seen or hidden, that are shorter than a hundredth of `size` become what they lie between, the shortest first; a curve
-// that is as short is left out. Silhouettes; what is whole and closed stays so.
+// that is as short is left out, and so are such ends that other bodies hide. Silhouettes; what is whole and closed stays so.
 std::vector<Line> LinesOf(const SeenCurve& curve, double size);
 
 }  // namespace zbr::drawing

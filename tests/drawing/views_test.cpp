@@ -438,6 +438,19 @@ TEST(SmoothSilhouettes, OfCylindersAreStraight) {
   }
 }
 
+// A pin in a block, near its end as well: facets of its own may not hide a curve, the block may.
+TEST(SmoothSilhouettes, EndWhereOtherBodiesBegin) {
+  const View iso = *NamedView("iso");
+  for (const double top : {3.0, 0.05}) {
+    Mesh mesh = example::Cylinder(32, 1, 6);
+    example::Turn(mesh, {0, 0, 1}, 0.03);
+    Append(mesh, example::Box({-3, -3, -5}, {3, 3, top}));
+    double length = 0.0;
+    for (const Line& line : Visible(DrawSmooth(mesh, iso), EdgeClass::kSilhouette)) length += LengthOf(line);
+    EXPECT_NEAR(length, 2 * (6 - top) * std::hypot(iso.toViewer.x(), iso.toViewer.y()), 0.02) << top;
+  }
+}
+
 // Walls seen edge-on that a vault goes on from smoothly, and that end below in a crease, are drawn like any outline.
 TEST(SmoothSilhouettes, OfWallsSeenEdgeOn) {
   std::vector<ZBR_PT> profile = {{-2, 0}, {2, 0}};
