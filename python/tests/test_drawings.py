@@ -203,7 +203,7 @@ def test_3mf_is_read(tmp_path):
             <build><item objectid="7" transform="2 0 0 0 2 0 0 0 2 1 2 3"/></build></model>""")
     expected, data = cube(2.0, (1.0, 2.0, 3.0)), (tmp_path / "Cube.3MF").read_bytes()
     for mesh in zbr.read(tmp_path / "Cube.3MF"), zbr.read("memory", data=data, format="3mf"):
-        assert np.array_equal(mesh.points, expected.points) and np.array_equal(mesh.faces, expected.faces)
+        assert np.allclose(mesh.points, 25.4 * expected.points) and np.array_equal(mesh.faces, expected.faces)  # in millimetres
     with pytest.raises(zbr.Failure, match=r"^x\.3mf: "):
         zbr.read("x.3mf", data=data[:-30])
 
@@ -224,7 +224,7 @@ def test_failures_tell_the_place(file, data, place):
         zbr.read(os.fsdecode(b"/nowhere/\xff" + file.encode()))
     assert os.fsencode(failure.value.file) == b"/nowhere/\xff" + file.encode()
     with pytest.raises(zbr.Failure, match="format=, one of stl,.* 3mf, dxf,") as failure:
-        zbr.read("x.unknown")
+        zbr.read("x.unknown", data=b"?")
     assert failure.value.file == "x.unknown"
 
 
