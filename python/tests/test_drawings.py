@@ -9,6 +9,7 @@ import signal
 import struct
 import subprocess
 import threading
+import zipfile
 from pathlib import Path
 
 import ezdxf
@@ -193,6 +194,20 @@ def test_drawings_of_others():
     assert zbr.read("x.dxf", data=data, deviation=1e-6, layers=["0"]).area == pytest.approx(4 * np.pi, rel=1e-5)
 
 
+def test_3mf_is_read(tmp_path):
+    vertices = "".join('<vertex x="%g" y="%g" z="%g"/>' % tuple(p) for p in CORNERS)
+    triangles = "".join('<triangle v1="%d" v2="%d" v3="%d"/>' % face for face in FACES)
+    with zipfile.ZipFile(tmp_path / "Cube.3MF", "w", zipfile.ZIP_DEFLATED) as archive:
+        archive.writestr("3D/3dmodel.model", f"""<model unit="inch" xmlns="http://schemas.microsoft.com/3dmanufacturing/core/2015/02"><resources>
+            <object id="7"><mesh><vertices>{vertices}</vertices><triangles>{triangles}</triangles></mesh></object></resources>
+            <build><item objectid="7" transform="2 0 0 0 2 0 0 0 2 1 2 3"/></build></model>""")
+    expected, data = cube(2.0, (1.0, 2.0, 3.0)), (tmp_path / "Cube.3MF").read_bytes()
+    for mesh in zbr.read(tmp_path / "Cube.3MF"), zbr.read("memory", data=data, format="3mf"):
+        assert np.allclose(mesh.points, 25.4 * expected.points) and np.array_equal(mesh.faces, expected.faces)  # in millimetres
+    with pytest.raises(zbr.Failure, match=r"^x\.3mf: "):
+        zbr.read("x.3mf", data=data[:-30])
+
+
 @pytest.mark.parametrize(("file", "data", "place"), [
     ("bad.obj", b"v 0 0 0\nv x 0 0\n", ("bad.obj", 2)),
     ("bad.stl", b"solid\nfacet", ("bad.stl", None)),
@@ -208,8 +223,8 @@ def test_failures_tell_the_place(file, data, place):
     with pytest.raises(zbr.Failure, match="No such file") as failure:  # a name that is no UTF-8
         zbr.read(os.fsdecode(b"/nowhere/\xff" + file.encode()))
     assert os.fsencode(failure.value.file) == b"/nowhere/\xff" + file.encode()
-    with pytest.raises(zbr.Failure, match="format=") as failure:
-        zbr.read("x.unknown")
+    with pytest.raises(zbr.Failure, match="format=, one of stl,.* 3mf, dxf,") as failure:
+        zbr.read("x.unknown", data=b"?")
     assert failure.value.file == "x.unknown"
 
 

@@ -1,7 +1,7 @@
 // Models and drawings from files: what comes out is what the native tool writes, byte by byte.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { example, hasTool, load, written, zbr as pkg } from './package.js';
+import { example, hasTool, load, packed3mf, written, zbr as pkg } from './package.js';
 
 const zbr = await load();
 const housing = example('housing.obj'), bracket = example('bracket.dxf'), gasket = example('gasket.dxf');
@@ -121,6 +121,10 @@ test('all formats of models are read', () => {
     model.free();
   }
   assert.throws(() => zbr.readModel(files['a.gltf'], { name: 'a.gltf' }), /part\.bin/);
+  const blocks = zbr.readModel(packed3mf(), { name: 'a', format: '3mf' });
+  assert.deepEqual([blocks.info.triangles, blocks.info.closedShells, ...blocks.info.high], [24, 2, 30, 10, 10]);
+  blocks.free();
+  assert.throws(() => zbr.readModel(packed3mf().subarray(0, 500), { name: 'a.3mf' }), { code: 'input', message: /^a\.3mf: the archive / });
 });
 
 test('bad input is refused with its place', () => {

@@ -12,6 +12,11 @@ export const { default: loadRegions } = await import(join(folder, 'index.js'));
 export const { default: openWorker } = await import(join(folder, 'worker.js'));
 
 export const example = (name) => readFileSync(join(root, 'examples', name));
+/** A model of 3MF, packed as other programs do it: two blocks. */
+export const packed3mf = () => {
+  const cases = readFileSync(join(root, 'tests/app/cases/models.txt'), 'utf8');
+  return Buffer.from(/^-- packed\n([\w+/=\n]+)/m.exec(cases)[1], 'base64');
+};
 export const tool = process.env.ZBR_TOOL ?? join(root, 'build/release/app/zbr');
 export const hasTool = existsSync(tool);
 

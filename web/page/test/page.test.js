@@ -5,6 +5,7 @@ import { existsSync, mkdtempSync, readFileSync, readdirSync, writeFileSync } fro
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
+import { packed3mf } from '../../test/package.js';
 import { root, serve, shoot, startBrowser } from './browser.js';
 
 const scratch = mkdtempSync(join(tmpdir(), 'zbr-page-'));
@@ -179,13 +180,14 @@ test('broken files say why in a line', async () => {
   assert.match(await complaint(file('a.wkt', 'POLYGON ((0 0, 1 1')), /^a\.wkt:1: /);
   assert.match(await complaint(file('photo.jpg', 'x')), /not known as a drawing(?!.*--)/);
   assert.match(await complaint('bracket.dxf', 'gasket.dxf', 'bracket.dxf'), /two are combined/);
+  assert.match(await complaint(file('part.3mf', 'PK')), /^part\.3mf: is no ZIP archive/);
   const leftOut = await complaint('housing.obj', 'bracket.dxf', file('second.stl', ''));
   assert.match(leftOut, /^housing\.obj is shown; left out: bracket\.dxf, second\.stl\./);
   await drop(page, file('scene.gltf', '{"asset":'));
   await page.waitForSelector('#alert:not([hidden])');
   await shoot(page, 'broken');
-  await drop(page, 'housing.obj');
-  await statusIs(page, 'visible');
+  await drop(page, file('blocks.3mf', packed3mf()));
+  await statusIs(page, '24 triangles.*visible');
   assert.ok(await page.isHidden('#alert'));
   await page.close();
 });
