@@ -56,9 +56,17 @@ class Signs {
   std::array<int, n> Sides(const Corners& t, const std::array<std::uint32_t, n>& points, Moves moves) const {
     const PlaneThrough plane(At(t[0]), At(t[1]), At(t[2]));
     std::array<int, n> sides;
+    int moved = 0;
     for (std::size_t i = 0; i < n; ++i) {
       sides[i] = plane.SideIfClear(At(points[i]));
-      if (sides[i] == 0) sides[i] = Side(t, points[i], moves);
+      if (sides[i] != 0) continue;
+      // Faces that lie on each other ask this most often.
+      if (moves != Moves::kEachPoint && plane.IsSurelyOn(At(points[i]))) {
+        if (moved == 0) moved = SideOfMoved(t, plane, moves);
+        sides[i] = moved;
+      } else {
+        sides[i] = Side(t, points[i], moves);
+      }
     }
     return sides;
   }
@@ -75,6 +83,13 @@ class Signs {
 
  private:
   const GridPoint& At(std::uint32_t p) const { return points_[p]; }
+
+  // Of a point in the plane of a triangle of another shell.
+  int SideOfMoved(const Corners& t, const PlaneThrough& plane, Moves moves) const {
+    int sign = plane.CrossSignIfClear();
+    if (sign == 0) sign = CrossSign(At(t[0]), At(t[1]), At(t[0]), At(t[2]));
+    return moves == Moves::kSecond ? sign : -sign;
+  }
 
   // The first point whose movement changes the volume decides. A volume changes its sign when two points change places.
   int PointByPoint(std::array<std::uint32_t, 4> p) const {
