@@ -118,11 +118,13 @@ enum class SharedCorners { kFew, kMany };
 
 class Finder {
  public:
-  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads)
+  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads,
+         const SettleLines& settle)
       : model_(model),
         mesh_(mesh),
         patches_(patches),
         threads_(threads),
+        settle_(settle),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
         trees_(grid_, mesh.corners, model.shellBegin) {}
@@ -163,6 +165,7 @@ class Finder {
 
   void WithinSmall(std::size_t s, Lines& found) const {
     if (IsConvex(model_, mesh_, s)) return;
+    const std::size_t from = found.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
       const std::vector<Leaf> leaves = LeavesOf(order);
       auto visit = [&](std::uint32_t i, std::uint32_t j) {
@@ -170,10 +173,12 @@ class Finder {
       };
       tree.JoinSelf(visit);
     });
+    settle_(found, from);
   }
 
   void WithinLarge(std::size_t s) {
     if (IsConvex(model_, mesh_, s)) return;
+    const std::size_t from = found_.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
       const std::vector<Leaf> leaves = LeavesOf(order);
       const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
@@ -187,6 +192,7 @@ class Finder {
         tree.Join(pairs[k], visit, isSheet);
       });
     });
+    settle_(found_, from);
   }
 
   template <class Use>
@@ -204,9 +210,11 @@ class Finder {
     trees_.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) { pairs.push_back({a, b}); });
     InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
       const auto [a, b] = pairs[k];
+      const std::size_t from = found.size();
       const auto orderA = trees_.Order(a), orderB = trees_.Order(b);
       auto visit = [&](std::uint32_t i, std::uint32_t j) { Meet(orderA[i], orderB[j], Moves::kSecond, found); };
       trees_.Shell(a).Join(trees_.Shell(b), visit);
+      settle_(found, from);
     });
   }
 
@@ -323,6 +331,7 @@ class Finder {
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
   const unsigned threads_;
+  const SettleLines& settle_;
   const std::vector<GridPoint> grid_;
   const Signs signs_;
   const TriangleTrees trees_;
@@ -334,8 +343,8 @@ class Finder {
 }  // namespace
 
 std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches,
-                                            unsigned threads) {
-  return Finder(model, mesh, patches, threads).Run();
+                                            unsigned threads, const SettleLines& settle) {
+  return Finder(model, mesh, patches, threads, settle).Run();
 }
 
 }  // namespace zbr::drawing
