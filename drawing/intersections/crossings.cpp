@@ -56,9 +56,17 @@ class Signs {
   std::array<int, n> Sides(const Corners& t, const std::array<std::uint32_t, n>& points, Moves moves) const {
     const PlaneThrough plane(At(t[0]), At(t[1]), At(t[2]));
     std::array<int, n> sides;
+    int moved = 0;
     for (std::size_t i = 0; i < n; ++i) {
       sides[i] = plane.SideIfClear(At(points[i]));
-      if (sides[i] == 0) sides[i] = Side(t, points[i], moves);
+      if (sides[i] != 0) continue;
+      // Faces that lie on each other ask this most often.
+      if (moves != Moves::kEachPoint && plane.IsSurelyOn(At(points[i]))) {
+        if (moved == 0) moved = SideOfMoved(t, plane, moves);
+        sides[i] = moved;
+      } else {
+        sides[i] = Side(t, points[i], moves);
+      }
     }
     return sides;
   }
@@ -75,6 +83,13 @@ class Signs {
 
  private:
   const GridPoint& At(std::uint32_t p) const { return points_[p]; }
+
+  // Of a point in the plane of a triangle of another shell.
+  int SideOfMoved(const Corners& t, const PlaneThrough& plane, Moves moves) const {
+    int sign = plane.CrossSignIfClear();
+    if (sign == 0) sign = CrossSign(At(t[0]), At(t[1]), At(t[0]), At(t[2]));
+    return moves == Moves::kSecond ? sign : -sign;
+  }
 
   // The first point whose movement changes the volume decides. A volume changes its sign when two points change places.
   int PointByPoint(std::array<std::uint32_t, 4> p) const {
@@ -103,11 +118,13 @@ enum class SharedCorners { kFew, kMany };
 
 class Finder {
  public:
-  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads)
+  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads,
+         const SettleLines& settle)
       : model_(model),
         mesh_(mesh),
         patches_(patches),
         threads_(threads),
+        settle_(settle),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
         trees_(grid_, mesh.corners, model.shellBegin) {}
@@ -148,6 +165,7 @@ class Finder {
 
   void WithinSmall(std::size_t s, Lines& found) const {
     if (IsConvex(model_, mesh_, s)) return;
+    const std::size_t from = found.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
       const std::vector<Leaf> leaves = LeavesOf(order);
       auto visit = [&](std::uint32_t i, std::uint32_t j) {
@@ -155,10 +173,12 @@ class Finder {
       };
       tree.JoinSelf(visit);
     });
+    settle_(found, from);
   }
 
   void WithinLarge(std::size_t s) {
     if (IsConvex(model_, mesh_, s)) return;
+    const std::size_t from = found_.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
       const std::vector<Leaf> leaves = LeavesOf(order);
       const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
@@ -172,6 +192,7 @@ class Finder {
         tree.Join(pairs[k], visit, isSheet);
       });
     });
+    settle_(found_, from);
   }
 
   template <class Use>
@@ -189,9 +210,11 @@ class Finder {
     trees_.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) { pairs.push_back({a, b}); });
     InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
       const auto [a, b] = pairs[k];
+      const std::size_t from = found.size();
       const auto orderA = trees_.Order(a), orderB = trees_.Order(b);
       auto visit = [&](std::uint32_t i, std::uint32_t j) { Meet(orderA[i], orderB[j], Moves::kSecond, found); };
       trees_.Shell(a).Join(trees_.Shell(b), visit);
+      settle_(found, from);
     });
   }
 
@@ -308,6 +331,7 @@ class Finder {
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
   const unsigned threads_;
+  const SettleLines& settle_;
   const std::vector<GridPoint> grid_;
   const Signs signs_;
   const TriangleTrees trees_;
@@ -319,8 +343,8 @@ class Finder {
 }  // namespace
 
 std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches,
-                                            unsigned threads) {
-  return Finder(model, mesh, patches, threads).Run();
+                                            unsigned threads, const SettleLines& settle) {
+  return Finder(model, mesh, patches, threads, settle).Run();
 }
 
 }  // namespace zbr::drawing

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace zbr::drawing {
@@ -38,6 +39,21 @@ class PlaneThrough {
     const double value = x * normal_.x + y * normal_.y + z * normal_.z;
     const double error = std::abs(x) * error_.x + std::abs(y) * error_.y + std::abs(z) * error_.z;
     return (value > error) - (value < -error);
+  }
+
+  // Whether nothing was rounded and the point lies in the plane, as points of faces across an axis do.
+  bool IsSurelyOn(const GridPoint& d) const {
+    const auto isNothing = [](double distance, double error) { return (distance == 0) | (error == 0); };
+    const double x = d.x - a_.x, y = d.y - a_.y, z = d.z - a_.z;
+    return isNothing(x, error_.x) && isNothing(y, error_.y) && isNothing(z, error_.z);
+  }
+
+  // The CrossSign of the plane's sides, or 0 in doubt.
+  int CrossSignIfClear() const {
+    for (const auto& [normal, error] : {std::pair(normal_.x, error_.x), {normal_.y, error_.y}, {normal_.z, error_.z}}) {
+      if (error != 0) return (normal > error) - (normal < -error);
+    }
+    return 0;
   }
 
   // The sign of the normal's product with a direction of small whole numbers, or 0 in doubt.

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <utility>
 
 #include "drawing/intersections/crossings.h"
@@ -96,8 +97,10 @@ class Judge {
   const double tolerance_;
 };
 
+using Lines = std::span<const IntersectionLine>;
+
 // The curve of each line, by the names of ends.
-std::vector<std::uint32_t> FindCurves(const std::vector<IntersectionLine>& lines) {
+std::vector<std::uint32_t> FindCurves(Lines lines) {
   std::vector<std::pair<std::uint64_t, std::uint32_t>> ends;
   ends.reserve(2 * lines.size());
   for (std::uint32_t i = 0; i < lines.size(); ++i) {
@@ -114,16 +117,36 @@ std::vector<std::uint32_t> FindCurves(const std::vector<IntersectionLine>& lines
   return curves;
 }
 
-// Leaves out the curves of which more than half is slack, and crumbs that are part of no curve.
-void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<bool>& isSlack, double crumb) {
+// Of each line, whether it is part of a curve of which more than half is slack, or a crumb that is part of no curve.
+std::vector<bool> FindSlackCurves(Lines lines, const std::vector<bool>& isSlack, double crumb) {
   const std::vector<std::uint32_t> curves = FindCurves(lines);
   std::vector<double> surplus(lines.size(), -crumb);  // of curves: firm length less slack length
   for (std::size_t i = 0; i < lines.size(); ++i) {
     surplus[curves[i]] += isSlack[i] ? -LengthOf(lines[i]) : LengthOf(lines[i]);
   }
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    if (surplus[curves[i]] >= 0) lines[kept++] = lines[i];
+  std::vector<bool> isOut;
+  isOut.reserve(lines.size());
+  for (const std::uint32_t curve : curves) isOut.push_back(!(surplus[curve] >= 0));
+  return isOut;
+}
+
+// Leaves out what is no line of a drawing, from the place on.
+void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge& judge) {
+  const auto first = lines.begin() + static_cast<std::ptrdiff_t>(from);
+  lines.erase(std::remove_if(first, lines.end(), [&](const IntersectionLine& line) { return judge.IsContact(line); }), lines.end());
+  const Lines rest = Lines(lines).subspan(from);
+  std::vector<bool> isSlack;
+  isSlack.reserve(rest.size());
+  bool areAllFirm = true;
+  for (const IntersectionLine& line : rest) {
+    isSlack.push_back(judge.IsSlack(line));
+    areAllFirm &= !isSlack.back() && !judge.IsCrumb(line);
+  }
+  if (areAllFirm) return;
+  const std::vector<bool> isOut = FindSlackCurves(rest, isSlack, judge.Crumb());
+  std::size_t kept = from;
+  for (std::size_t i = from; i < lines.size(); ++i) {
+    if (!isOut[i - from]) lines[kept++] = lines[i];
   }
   lines.resize(kept);
 }
@@ -132,19 +155,9 @@ void DropSlackCurves(std::vector<IntersectionLine>& lines, const std::vector<boo
 
 std::vector<IntersectionLine> FindIntersections(const Model& model, double contact, unsigned threads) {
   const Connectivity mesh = ConnectivityOf(model, threads);
-  std::vector<IntersectionLine> lines = FindCrossings(model, mesh, FindPatches(model, mesh, threads), threads);
   const Judge judge(model, mesh, contact);
-  lines.erase(std::remove_if(lines.begin(), lines.end(), [&](const IntersectionLine& line) { return judge.IsContact(line); }),
-              lines.end());
-  std::vector<bool> isSlack;
-  isSlack.reserve(lines.size());
-  bool areAllFirm = true;
-  for (const IntersectionLine& line : lines) {
-    isSlack.push_back(judge.IsSlack(line));
-    areAllFirm &= !isSlack.back() && !judge.IsCrumb(line);
-  }
-  if (!areAllFirm) DropSlackCurves(lines, isSlack, judge.Crumb());
-  return lines;
+  const auto settle = [&judge](std::vector<IntersectionLine>& lines, std::size_t from) { Settle(lines, from, judge); };
+  return FindCrossings(model, mesh, FindPatches(model, mesh, threads), threads, settle);
 }
 
 }  // namespace zbr::drawing

@@ -131,7 +131,7 @@ TEST(Crossings, OfALargeSurfaceAreThoseOfAllPairs) {
     const Model model = MakeModel(Ramp(7, rise), 30.0);
     ASSERT_EQ(model.ShellCount(), 1U);
     const Connectivity mesh = ConnectivityOf(model);
-    const auto found = FindCrossings(model, mesh, FindPatches(model, mesh), 2);
+    const auto found = FindCrossings(model, mesh, FindPatches(model, mesh, 1), 2);
     EXPECT_EQ(found.size(), CountMeeting(mesh)) << rise;
     all += found.size();
   }
