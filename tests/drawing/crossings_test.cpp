@@ -130,8 +130,8 @@ TEST(Crossings, OfALargeSurfaceAreThoseOfAllPairs) {
   for (const double rise : {0.0005, 0.002, 0.01}) {
     const Model model = MakeModel(Ramp(7, rise), 30.0);
     ASSERT_EQ(model.ShellCount(), 1U);
-    const Connectivity mesh = ConnectivityOf(model);
-    const auto found = FindCrossings(model, mesh, FindPatches(model, mesh, 1), 2);
+    const Connectivity mesh = ConnectivityOf(model, 1);
+    const auto found = FindCrossings(model, mesh, FindPatches(model, mesh, 1), 2, [](auto&, std::size_t) {});
     EXPECT_EQ(found.size(), CountMeeting(mesh)) << rise;
     all += found.size();
   }
