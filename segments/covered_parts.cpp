@@ -155,9 +155,9 @@ class Cover {
     limit_ = kMany;
     ranges_.clear();
     const auto isOfUse = [&](std::uint32_t k) { return k != kNone && !(k >= i && IsOwn(k)); };
-    std::any_of(recent_.begin(), recent_.end(), [&](std::uint32_t k) { return isOfUse(k) && Fills(k); });
+    const bool isFilled = std::any_of(recent_.begin(), recent_.end(), [&](std::uint32_t k) { return isOfUse(k) && Fills(k); });
     Join(ranges_);
-    if (std::any_of(ranges_.begin(), ranges_.end(), [&](const auto& range) { return IsWhole(range, least_); })) return;
+    if (isFilled || std::any_of(ranges_.begin(), ranges_.end(), [&](const auto& range) { return IsWhole(range, least_); })) return;
     best_.fill(kNone);
     beside_.ForEach(i, [this](std::uint32_t k) { return !Fills(k); });
     Join(ranges_);

@@ -81,7 +81,7 @@ class Codes {
     for (const std::uint8_t length : lengths) ++count_[length];
     count_[0] = 0;
     std::array<unsigned, kLongestCode + 1> code{}, place{};
-    for (unsigned length = 1; length <= kLongestCode; ++length) {
+    for (unsigned length = 1; length < code.size(); ++length) {
       code[length] = (code[length - 1] + count_[length - 1]) << 1U;
       place[length] = place[length - 1] + count_[length - 1];
       if (code[length] + count_[length] > 1U << length) FailBroken();

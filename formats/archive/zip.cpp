@@ -44,10 +44,7 @@ std::uint32_t CheckSum(std::string_view bytes) {
 
 ZipArchive::ZipArchive(std::string_view bytes, const std::string& file) : bytes_(bytes), file_(file), room_(kMostUnpacked) {
   if (!bytes.starts_with(kHead) && !bytes.starts_with(kEnd)) Fail("is no ZIP archive, which 3MF files are");
-  // A comment of any contents may follow.
-  const std::size_t first = bytes.size() > kEndSize + kLongestComment ? bytes.size() - kEndSize - kLongestComment : 0;
-  const std::size_t end = bytes.rfind(kEnd);
-  if (end == std::string_view::npos || end < first) Fail("the archive ends too early");
+  const std::size_t end = FindEnd();
   std::uint64_t count = NumberAt(end + 10, 2), place = NumberAt(end + 16, 4);
   if ((place == kWide || count == kWideCount) && end >= kWideLocatorSize &&
       BytesAt(end - kWideLocatorSize, kWideLocator.size()) == kWideLocator) {
@@ -57,6 +54,19 @@ ZipArchive::ZipArchive(std::string_view bytes, const std::string& file) : bytes_
     place = NumberAt(wide + 48, 8);
   }
   ReadDirectory(place, count);
+}
+
+// A comment of any contents may follow, such as holds the mark of an end: the end that counts is where a comment ends with the
+// file. Where none does, the last one.
+std::size_t ZipArchive::FindEnd() const {
+  const std::size_t first = bytes_.size() > kEndSize + kLongestComment ? bytes_.size() - kEndSize - kLongestComment : 0;
+  const std::size_t last = bytes_.rfind(kEnd);
+  if (last == std::string_view::npos || last < first) Fail("the archive ends too early");
+  for (std::size_t end = last; end != std::string_view::npos && end >= first;
+       end = end > 0 ? bytes_.rfind(kEnd, end - 1) : end - 1) {
+    if (bytes_.size() - end >= kEndSize && end + kEndSize + NumberAt(end + 20, 2) == bytes_.size()) return end;
+  }
+  return last;
 }
 
 void ZipArchive::Fail(const std::string& cause) const {

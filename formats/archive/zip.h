@@ -33,6 +33,7 @@ class ZipArchive {
   };
 
   static std::string KeyOf(std::string_view name);
+  std::size_t FindEnd() const;
   [[noreturn]] void Fail(const std::string& cause) const;
   std::string_view BytesAt(std::uint64_t place, std::uint64_t count) const;
   std::uint64_t NumberAt(std::uint64_t place, unsigned bytes) const;

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,17 +42,26 @@ std::string TextOf(ZipArchive& archive, const std::string& path, const std::stri
   return text;
 }
 
+// The first relation that names a model. Not a tree: a few packed bytes may hold millions of relations.
+class ModelRelation : public XmlListener {
+ public:
+  void Begin(const XmlElement& element) override {
+    if (!target && element.Attribute("Type").ends_with("/3dmodel")) target = element.Attribute("Target");
+  }
+  void End() override {}
+
+  std::optional<std::string> target;
+};
+
 // The document that a package opens with; where nothing says so, the one that has the usual name.
 std::string FirstPart(ZipArchive& archive, const std::string& file) {
   const std::string kRelations = "_rels/.rels";
   std::string first = "3D/3dmodel.model";
   if (archive.Has(kRelations)) {
     const std::string name = file + ": " + kRelations;
-    for (const XmlElement& element : ReadXml(TextOf(archive, kRelations, name), name)) {
-      if (!element.Attribute("Type").ends_with("/3dmodel")) continue;
-      first = element.Attribute("Target");
-      break;
-    }
+    ModelRelation relation;
+    ReadXml(TextOf(archive, kRelations, name), name, relation);
+    first = relation.target.value_or(first);
   }
   if (!archive.Has(first)) throw Failure(file, "is no 3MF: there is no part " + Quoted(ZipArchive::PlainName(first)));
   return first;
@@ -106,10 +116,10 @@ class Package {
     if (isElsewhere && &from != &parts_.front()) FailAt(from.name, item.line, "only the first document may refer to others");
     const Loaded& part = isElsewhere ? parts_[partByPath_.at(std::string(ZipArchive::PlainName(item.part)))] : from;
     const auto object = part.part.objectById.find(item.id);
-    if (object == part.part.objectById.end() || (isElsewhere && &part == &from))
-      FailAt(from.name, item.line,
-             "there is no object " + std::to_string(item.id) + " in " + Quoted(ZipArchive::PlainName(item.part)));
-    return {&part, object->second};
+    const bool isItself = isElsewhere && &part == &from;
+    if (object != part.part.objectById.end() && !isItself) return {&part, object->second};
+    FailAt(from.name, item.line,
+           "there is no object " + std::to_string(item.id) + " in " + Quoted(ZipArchive::PlainName(item.part)));
   }
 
   void AddWeight(const ThreeMfItem& item, const Loaded& from, std::uint64_t& weight) const {

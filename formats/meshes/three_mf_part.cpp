@@ -106,7 +106,14 @@ class PartReader : public XmlListener {
     }
   }
 
+  // Millions of them pack into a few bytes, and each takes a hundred.
+  void Count() {
+    constexpr std::size_t kMost = 1'000'000;
+    if (++count_ > kMost) Fail("too many objects");
+  }
+
   void BeginObject() {
+    Count();
     id_ = Id("id");
     if (part.objectById.contains(id_)) Fail("a second object " + std::to_string(id_));
     const std::string& type = element_->Attribute("type");
@@ -132,7 +139,8 @@ class PartReader : public XmlListener {
     object.triangles.push_back({corner("v1"), corner("v2"), corner("v3")});
   }
 
-  ThreeMfItem ItemOf() const {
+  ThreeMfItem ItemOf() {
+    Count();
     ThreeMfItem item;
     item.id = Id("objectid");
     item.line = element_->line;
@@ -158,6 +166,7 @@ class PartReader : public XmlListener {
   std::string path_;  // the names of all open elements
   long long id_ = 0;  // of the object at hand
   bool hasModel_ = false;
+  std::size_t count_ = 0;  // of objects, components and items
 };
 
 }  // namespace

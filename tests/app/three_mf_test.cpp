@@ -34,6 +34,12 @@ std::string Document(const std::string& objects, const std::string& items, const
          "</build></model>";
 }
 
+std::string Repeated(const std::string& text, int times) {
+  std::string all;
+  for (; times > 0; --times) all += text;
+  return all;
+}
+
 std::string Package(const std::string& document) {
   return ZipFile({{"3D/3dmodel.model", document}});
 }
@@ -73,6 +79,15 @@ TEST_F(Tool, ThreeMfBodiesStayApart) {
   EXPECT_EQ(Output(draw + "m.3mf"), Output(draw + "m.obj --object m.obj,0,0,1 --object m.obj,1,0,0"));
 }
 
+// A comment behind the directory may hold what looks like the end of an archive.
+TEST_F(Tool, ThreeMfWithAComment) {
+  const std::string comment = "PK\5\6 is no end, nor is this PK\5\6";
+  std::string package = Package(Document(Object(1, BoxMesh()), kItem));
+  package.replace(package.size() - 2, 2, Little(comment.size(), 2));
+  Write("m.3mf", package + comment);
+  EXPECT_NE(Output("info m.3mf").find("closed surfaces"), std::string::npos);
+}
+
 TEST_F(Tool, ThreeMfThatIsBroken) {
   std::string doubling = Object(1, BoxMesh());
   for (int id = 2; id < 60; ++id) doubling += Object(id, Copies(id - 1, {"", ""}));
@@ -94,6 +109,7 @@ TEST_F(Tool, ThreeMfThatIsBroken) {
       {damaged, ": '3D/3dmodel.model' is damaged: its check sum differs"},
       {encrypted, ": '3D/3dmodel.model' is encrypted"},
       {huge, ": unpacks to more than a gigabyte"},
+      {Package(Document("<a" + Repeated(" b=''", 2000) + "/>", "")), ": 3D/3dmodel.model:4: too many attributes"},
       {ZipFile({{"a", "b"}}), ": is no 3MF: there is no part '3D/3dmodel.model'"},
       {Package("<svg/>"), place + "1: a 3MF model expected"},
       {Package("<model>"), place + "1: the file ends within 'model'"},
