@@ -82,14 +82,20 @@ class Touched {
   std::vector<std::vector<bool>> vertices_;
 };
 
+// The places of triangles in the model, by those in the mesh.
+std::vector<std::uint32_t> PlacesInModel(const Model& model) {
+  std::uint32_t most = 0;
+  for (const std::uint32_t t : model.source) most = std::max(most, t);
+  std::vector<std::uint32_t> places(std::size_t{most} + 1);
+  for (std::uint32_t t = 0; t < model.TriangleCount(); ++t) places[model.source[t]] = t;
+  return places;
+}
+
 // The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place;
 // then the silhouettes of the cylinder tell of them, which run from rim to rim: along edges, or across the triangles between.
 // Of cylinders that a section cuts, along or across, the outlines of the cut do.
 std::vector<Drawn> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
-  std::uint32_t most = 0;
-  for (const std::uint32_t t : model.source) most = std::max(most, t);
-  std::vector<std::uint32_t> place(std::size_t{most} + 1);  // in the model, by the place in the mesh
-  for (std::uint32_t t = 0; t < model.TriangleCount(); ++t) place[model.source[t]] = t;
+  const std::vector<std::uint32_t> place = PlacesInModel(model);
   std::vector<Drawn> drawn(circles.all.size());
   const auto mark = [&](std::uint32_t k, bool hidden) { drawn[k] = std::max(drawn[k], hidden ? Drawn::kHidden : Drawn::kVisible); };
   Touched seen(model), unseen(model), cut(model);  // by silhouettes, and by the plane of a section
