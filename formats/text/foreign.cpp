@@ -31,7 +31,8 @@ constexpr Foreign kForeign[] = {
     {"\x1f\x8b", "is packed by gzip; unpack it first"},
     {"\xff\xfe", "is text in UTF-16; save it in UTF-8"},
     {"\xfe\xff", "is text in UTF-16; save it in UTF-8"},
-    {std::string_view("PK\x03\x04", 4), "is a ZIP archive; a model in 3MF has to be named .3mf or told to be one, others are to be unpacked"},
+    {std::string_view("PK\x03\x04", 4),
+     "is a ZIP archive; a model in 3MF has to be named .3mf or told to be one, others are to be unpacked"},
 };
 
 }  // namespace
