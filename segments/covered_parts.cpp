@@ -91,9 +91,8 @@ class EqualSegments {
     const std::uint64_t sum = Hash(g.s()) + Hash(g.e());
     return static_cast<std::size_t>(sum ^ sum >> 32U);
   }
-  static bool AreEqual(const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); }
   static bool AreEqual(const ZBR_SEG& g, const ZBR_SEG& h) {
-    return (AreEqual(g.s(), h.s()) && AreEqual(g.e(), h.e())) || (AreEqual(g.s(), h.e()) && AreEqual(g.e(), h.s()));
+    return (AreIdentical(g.s(), h.s()) && AreIdentical(g.e(), h.e())) || (AreIdentical(g.s(), h.e()) && AreIdentical(g.e(), h.s()));
   }
 
   static constexpr auto kNone = std::numeric_limits<std::uint32_t>::max();

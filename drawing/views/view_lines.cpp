@@ -16,6 +16,7 @@
 
 #include "drawing/curves/doubled_curves.h"
 #include "drawing/curves/seen_circles.h"
+#include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
 #include "drawing/views/chains.h"
 
@@ -42,7 +43,7 @@ class Collector {
  public:
   Collector(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
       : model_(model), scene_(scene), known_(circles), circles_(model, scene, circles), threads_(threads) {
-    for (const ZBR_HL_SHELL& shell : scene.shells) begins_.push_back(begins_.back() + shell.count);
+    for (const ZBR_HL_SHELL& shell : scene.shells) begins_.push_back(begins_.back() + static_cast<std::uint32_t>(shell.count));
   }
 
   // Of a shell's triangle.
@@ -67,12 +68,12 @@ class Collector {
 
   // In place: there may be millions of them, and these records are large.
   std::vector<BinnedSegment> Visible() const {
-    std::vector<std::size_t> counts(PieceCount() + 1);
-    ForEachVisible([&](std::size_t piece, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[piece + 1]; });
+    std::vector<std::size_t> counts(RangeCount(begins_.back()) + 1);
+    ForEachVisible([&](std::size_t range, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[range + 1]; });
     std::partial_sum(counts.begin(), counts.end(), counts.begin());
     std::vector<BinnedSegment> segments(counts.back());
-    ForEachVisible([&](std::size_t piece, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
-      segments[counts[piece]++] = Binned(s, t, edge, segment);
+    ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+      segments[counts[range]++] = Binned(s, t, edge, segment);
     });
     return segments;
   }
@@ -115,37 +116,17 @@ class Collector {
   }
 
  private:
-  static constexpr std::size_t kTriangles = 16384;  // in a piece of work
-
-  std::size_t PieceCount() const { return (begins_.back() + kTriangles - 1) / kTriangles; }
-
-  // Calls use(piece, shell, triangle, edge, segment) for all that is visible, in order within each piece of work.
+  // Calls use(range, shell, triangle, edge, segment) for all that is visible, in order within each range of triangles.
   template <class Use>
   void ForEachVisible(const Use& use) const {
-    RunParallel(PieceCount(), threads_, [&](std::size_t piece) {
-      const std::size_t begin = piece * kTriangles, end = std::min(begin + kTriangles, begins_.back());
-      auto s = static_cast<std::size_t>(std::upper_bound(begins_.begin(), begins_.end(), begin) - begins_.begin()) - 1;
-      for (std::size_t k = begin; k < end; ++k) {
-        while (k >= begins_[s + 1]) ++s;
-        const std::size_t t = k - begins_[s];
+    ForEachPart(begins_, threads_, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
+      for (std::size_t t = begin; t < end; ++t) {
         for (int i = 0; i < 3; ++i) {
           for (const ZBR_HL_INTERVAL& visible : scene_.shells[s].tris[t].intvl_v[i])
-            use(piece, s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+            use(range, s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
         }
       }
     });
-  }
-
-  template <class T>
-  static std::vector<T> Joined(std::vector<std::vector<T>>& parts) {
-    std::vector<T> all;
-    all.reserve(std::transform_reduce(parts.begin(), parts.end(), std::size_t{0}, std::plus<>(),
-                                      [](const std::vector<T>& part) { return part.size(); }));
-    for (std::vector<T>& part : parts) {
-      all.insert(all.end(), part.begin(), part.end());
-      std::vector<T>().swap(part);
-    }
-    return all;
   }
 
   static constexpr std::size_t kPiece = 4096;  // segments
@@ -179,12 +160,13 @@ class Collector {
       places.push_back(i);
     }
     if (curved.empty()) return;
-    std::vector<std::vector<CurvedStretch>> parts(PieceCount());
-    ForEachVisible([&](std::size_t piece, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+    std::vector<std::vector<CurvedStretch>> inRange(RangeCount(begins_.back()));
+    ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
       CurvedStretch seen;
-      if (IsCurved(s, t, edge, segment, seen)) parts[piece].push_back(seen);
+      if (IsCurved(s, t, edge, segment, seen)) inRange[range].push_back(seen);
     });
-    const std::vector<CurvedStretch> visible = Joined(parts);
+    std::vector<CurvedStretch> visible;
+    for (const auto& stretches : inRange) visible.insert(visible.end(), stretches.begin(), stretches.end());
     const std::vector<PartOfStretch> left = WithoutDoubles(scene_, known_, visible, curved);
     std::vector<ZBR_SEG> rest;
     std::vector<ZBR_HL_SOURCE> restSources;
@@ -229,7 +211,7 @@ class Collector {
   const Circles* known_;
   SeenCircles circles_;
   const unsigned threads_;
-  std::vector<std::size_t> begins_{0};  // of the shells' triangles, counted through, and the end
+  std::vector<std::uint32_t> begins_{0};  // of the shells' triangles, counted through, and the end
 };
 
 // `spent` is the scene, if its triangles may go when they have been read.

@@ -20,6 +20,7 @@
 #include "formats/drawings/svg_shapes.h"
 #include "formats/drawings/svg_values.h"
 #include "formats/pictures/svg_text.h"
+#include "formats/text/blanks.h"
 #include "formats/text/xml.h"
 
 namespace zbr::formats {
@@ -28,7 +29,6 @@ namespace {
 constexpr int kMillimetres = 4;                    // the code of the unit
 constexpr int kDeepest = 1000, kDeepestCopy = 64;  // elements within each other, and copies within copies
 constexpr std::size_t kMostCopied = 1000000;       // elements, where copies of copies multiply
-constexpr std::string_view kBlanks = " \t\r\n";
 
 // What holds for an element and what is in it.
 struct Frame {
@@ -46,18 +46,14 @@ bool IsAnyOf(std::string_view name, std::initializer_list<std::string_view> name
 
 // A property from the style, or else from the attribute of its name; empty where neither has it.
 std::string_view PropertyOf(const XmlElement& element, std::string_view name) {
-  const auto trimmed = [](std::string_view text) {
-    const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
-    return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-  };
   std::string_view style = element.Attribute("style"), found;
   while (!style.empty()) {
     const std::string_view entry = style.substr(0, style.find(';'));
     style.remove_prefix(std::min(entry.size() + 1, style.size()));
     const std::size_t colon = entry.find(':');
-    if (colon != std::string_view::npos && trimmed(entry.substr(0, colon)) == name) found = trimmed(entry.substr(colon + 1));
+    if (colon != std::string_view::npos && Trimmed(entry.substr(0, colon)) == name) found = Trimmed(entry.substr(colon + 1));
   }
-  return found.empty() ? trimmed(element.Attribute(name)) : found;
+  return found.empty() ? Trimmed(element.Attribute(name)) : found;
 }
 
 class SvgReader {

@@ -7,6 +7,8 @@
 #include <array>
 #include <string>
 
+#include "formats/text/blanks.h"
+
 namespace zbr::formats {
 namespace {
 
@@ -38,12 +40,6 @@ std::size_t NumberLength(std::string_view text) {
   if (at(end) != 'e' && at(end) != 'E') return end;
   const std::size_t power = end + (at(end + 1) == '+' || at(end + 1) == '-' ? 2 : 1);
   return IsDigit(at(power)) ? DigitsFrom(text, power) : end;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 // One function of a transform with its numbers.
@@ -139,7 +135,7 @@ std::optional<SvgLength> ParseSvgLength(std::string_view text) {
                                                   {"pt", Kind::kPhysical, 25.4 / 72.0},
                                                   {"pc", Kind::kPhysical, 25.4 / 6.0},
                                                   {"Q", Kind::kPhysical, 0.25}}};
-  text = Trimmed(text);
+  text = Trimmed(text, kBlanks);
   const std::size_t length = NumberLength(text);
   const std::optional<double> number = drawing::ParseNumber(text.substr(0, length));
   if (!number) return std::nullopt;
@@ -151,12 +147,12 @@ std::optional<SvgLength> ParseSvgLength(std::string_view text) {
 
 std::optional<Affine> ParseSvgTransform(std::string_view text) {
   Affine map;
-  for (text = Trimmed(text); !text.empty() && text != "none"; text = Trimmed(text)) {
+  for (text = Trimmed(text, kBlanks); !text.empty() && text != "none"; text = Trimmed(text, kBlanks)) {
     if (text.front() == ',') text.remove_prefix(1);
     const std::size_t open = text.find('('), close = text.find(')');
     if (open == std::string_view::npos || close == std::string_view::npos || close < open) return std::nullopt;
     const std::optional<std::vector<double>> numbers = SvgNumberList(text.substr(open + 1, close - open - 1));
-    const std::optional<Affine> next = numbers ? TransformOf(Trimmed(text.substr(0, open)), *numbers) : std::nullopt;
+    const std::optional<Affine> next = numbers ? TransformOf(Trimmed(text.substr(0, open), kBlanks), *numbers) : std::nullopt;
     if (!next) return std::nullopt;
     map = map.After(*next);
     text.remove_prefix(close + 1);

@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "formats/text/blanks.h"
 #include "formats/text/xml.h"
 
 namespace zbr::formats {
@@ -18,17 +19,10 @@ namespace {
 using drawing::FailAt;
 using drawing::Quoted;
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
 std::vector<std::string_view> WordsOf(std::string_view text) {
   std::vector<std::string_view> words;
   for (text = Trimmed(text); !text.empty(); text = Trimmed(text)) {
-    words.push_back(text.substr(0, text.find_first_of(kBlanks)));
+    words.push_back(text.substr(0, text.find_first_of(kXmlBlanks)));
     text.remove_prefix(words.back().size());
   }
   return words;

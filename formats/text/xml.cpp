@@ -9,6 +9,7 @@
 #include <array>
 #include <charconv>
 
+#include "formats/text/blanks.h"
 #include "formats/text/utf8.h"
 
 namespace zbr::formats {
@@ -17,7 +18,6 @@ namespace {
 using drawing::FailAt;
 using drawing::Quoted;
 
-constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::size_t kDeepest = 1000;         // elements within each other
 constexpr std::size_t kMostAttributes = 1000;  // of an element: they are gone through one by one
 constexpr std::size_t kLongestCharacter = 32;  // from its '&': where no ';' comes, the rest is not searched for one each time
@@ -45,7 +45,7 @@ class XmlReader {
     rest_.remove_prefix(count);
   }
 
-  void SkipBlanks() { Skip(std::min(rest_.find_first_not_of(kBlanks), rest_.size())); }
+  void SkipBlanks() { Skip(std::min(rest_.find_first_not_of(kXmlBlanks), rest_.size())); }
 
   // Beyond the next of these, which has to come.
   void SkipBeyond(std::string_view end, const char* what) {

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <limits>
-#include <thread>
 #include <utility>
 
 namespace zbr::python {
@@ -247,15 +246,16 @@ const drawing::Picker& DrawingData::ThePicker() const {
   return picker_->picker;
 }
 
-std::vector<ZBR_PT> PickedPoints(PyObject* object, PyObject* progress) {
+std::vector<ZBR_PT> PickedPoints(PyObject* points, PyObject* progress) {
   CheckProgress(progress);
-  const Doubles points(object, "points", 2);
+  const Doubles given(points, "points", 2);
   std::vector<ZBR_PT> copy;
-  for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
+  for (std::size_t i = 0; i < given.rows(); ++i) copy.emplace_back(given.data()[2 * i], given.data()[2 * i + 1]);
   return copy;
 }
 
-Ref PickAll(std::shared_ptr<const drawing::Picker> picker, std::vector<ZBR_PT> points, const ZBR_PT& shift, PyObject* progress) {
+Ref PickAll(const std::shared_ptr<const drawing::Picker>& picker, std::vector<ZBR_PT> points, const ZBR_PT& shift,
+            PyObject* progress) {
   constexpr std::size_t kEvery = 1024;
   struct Hits {
     std::vector<std::int32_t> shells, triangles;
@@ -297,8 +297,7 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     request.options.outlines = given.Truth(6, false);
     if (given.OrNull(9) != nullptr) request.smoothSilhouettes = given.Truth(9, false);
     request.options.centreLines = given.Truth(10, false);
-    const unsigned threads = given.Threads(7);
-    request.options.threads = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
+    request.options.threads = given.Threads(7);
     const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
       return Draw(mesh, request, monitor);
     });

@@ -115,7 +115,8 @@ WantedView ViewOf(PyObject* object, bool yUp);
 std::vector<ZBR_PT> PickedPoints(PyObject* points, PyObject* progress);
 
 // Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).
-Ref PickAll(std::shared_ptr<const drawing::Picker> picker, std::vector<ZBR_PT> points, const ZBR_PT& shift, PyObject* progress);
+Ref PickAll(const std::shared_ptr<const drawing::Picker>& picker, std::vector<ZBR_PT> points, const ZBR_PT& shift,
+            PyObject* progress);
 
 // The object of a mesh, the one there is or a new one.
 Ref ShowMesh(const MeshPtr& mesh);

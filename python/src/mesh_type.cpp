@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <thread>
 #include <utility>
 
 namespace zbr::python {
@@ -151,25 +150,34 @@ drawing::View WholeView(PyObject* object, bool yUp) {
   return view.direction.view;
 }
 
-// The outlines of all objects, in the model's coordinates.
+// Makes the model that a function for outlines asks for, and gives what find(model, view, threads) does. Coordinates are the
+// model's.
+template <class Find>
+auto OutlinesBy(const char* function, PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords, Find find) {
+  const Arguments<4> given(function, {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
+  const MeshPtr mesh = DataOf(self);
+  const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
+  const double weld = given.Number(1, 0.0, 0.0, kMostWeld);
+  const unsigned threads = given.Threads(2);
+  return Run(kSmallCall, given[3], [mesh, view, weld, threads, find](Monitor& monitor) {
+    const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
+    monitor.TellOrThrow(0.3);
+    return find(*model, view, threads);
+  });
+}
+
+// Of all objects.
 PyObject* Outline(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("outline", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
-    const MeshPtr mesh = DataOf(self);
-    const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
-    const double weld = given.Number(1, 0.0, 0.0, kMostWeld);
-    const unsigned threads = given.Threads(2);
-    return NewRegion(Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) -> RegionPtr {
-      const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
-      monitor.TellOrThrow(0.3);
-      const unsigned used = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
+    const auto find = [](const drawing::Model& model, const drawing::View& view, unsigned threads) -> RegionPtr {
       std::vector<ZBR_REGION> parts;
-      for (const drawing::LoopList& loops : drawing::FindOutlines(*model, view, false, used))
+      for (const drawing::LoopList& loops : drawing::FindOutlines(model, view, false, threads))
         parts.push_back(zbrRegionOfLoops(loops));
       const auto result = std::make_shared<RegionData>();
       result->region = parts.size() == 1 ? std::move(parts.front()) : zbrUniteRegions(parts);
       return result;
-    }));
+    };
+    return NewRegion(OutlinesBy("outline", self, args, count, keywords, find));
   });
 }
 
@@ -194,16 +202,7 @@ Ref TracedTuple(drawing::TracedOutline&& traced) {
 // By object.
 PyObject* TracedOutlines(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("traced_outlines", {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
-    const MeshPtr mesh = DataOf(self);
-    const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
-    const double weld = given.Number(1, 0.0, 0.0, kMostWeld);
-    const unsigned threads = given.Threads(2);
-    auto traced = Run(kSmallCall, given[3], [mesh, view, weld, threads](Monitor& monitor) {
-      const ModelPtr model = mesh->ModelFor(kAnyCrease, weld);
-      monitor.TellOrThrow(0.3);
-      return drawing::TraceOutlines(*model, view, threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency()));
-    });
+    auto traced = OutlinesBy("traced_outlines", self, args, count, keywords, drawing::TraceOutlines);
     Ref list = Ref::Own(PyList_New(0));
     for (drawing::TracedOutline& outline : traced) {
       if (PyList_Append(list.get(), TracedTuple(std::move(outline)).get()) != 0) throw PythonError();

@@ -5,11 +5,13 @@
 
 #include <zbr-drawing/numbers.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <thread>
 
 namespace zbr::python {
 
@@ -73,8 +75,11 @@ class Arguments {
       throw BadArgument(names_[i], "a number from " + std::to_string(least) + " to " + std::to_string(most) + " is needed");
     return value;
   }
-  // How many threads to use: 0 means one for each processor.
-  unsigned Threads(std::size_t i) const { return static_cast<unsigned>(Integer(i, 1, 0, 1024)); }
+  // How many threads to use: 0 given means one for each processor.
+  unsigned Threads(std::size_t i) const {
+    const auto threads = static_cast<unsigned>(Integer(i, 1, 0, 1024));
+    return threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
+  }
   std::string String(std::size_t i, const char* otherwise) const {
     if (values_[i] == nullptr) return otherwise;
     if (PyUnicode_Check(values_[i]) == 0) throw BadType(names_[i], "a string is needed");

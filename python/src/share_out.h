@@ -40,9 +40,9 @@ RegionList ShareOut(std::size_t count, unsigned threads, Monitor& monitor, const
     }
   };
   std::vector<std::thread> others;
-  const std::size_t wanted = threads == 0 ? std::max(1U, std::thread::hardware_concurrency()) : threads;
-  others.reserve(std::min(wanted, shares));  // so that nothing but the system can refuse a thread
-  for (std::size_t k = 1; k < std::min(wanted, shares); ++k) {
+  const std::size_t used = std::min<std::size_t>(threads, shares);
+  others.reserve(used);  // so that nothing but the system can refuse a thread
+  for (std::size_t k = 1; k < used; ++k) {
     try {
       others.emplace_back(run);
     } catch (const std::system_error&) {  // the system has no more: fewer do as well

@@ -113,6 +113,19 @@ View OneView(HeldModel& held, Options& options) {
   return direction.view;
 }
 
+// The model of a call that looks at all of it, and the view, which is all that its options say.
+struct Looked {
+  const Model& model;
+  View view;
+};
+Looked LookAt(Exchange& out, std::uint32_t model) {
+  Options options(out.TakeText(0));
+  HeldModel& held = ModelAt(model);
+  const View view = OneView(held, options);
+  options.Finish();
+  return {held.Any(), view};
+}
+
 }  // namespace
 }  // namespace zbr::web
 
@@ -200,11 +213,7 @@ int zbrwWriteSheet(std::uint32_t model) {
 
 int zbrwOutline(std::uint32_t model) {
   return Answer([&](Exchange& out) {
-    Options options(out.TakeText(0));
-    HeldModel& held = ModelAt(model);
-    const View view = OneView(held, options);
-    options.Finish();
-    const Model& prepared = held.Any();
+    const auto [prepared, view] = LookAt(out, model);
     Report(0.3, "finding outlines");
     LoopList all;
     for (const LoopList& loops : FindOutlines(prepared, view, false, 1)) all.insert(all.end(), loops.begin(), loops.end());
@@ -214,11 +223,7 @@ int zbrwOutline(std::uint32_t model) {
 
 int zbrwTraceOutline(std::uint32_t model) {
   return Answer([&](Exchange& out) {
-    Options options(out.TakeText(0));
-    HeldModel& held = ModelAt(model);
-    const View view = OneView(held, options);
-    options.Finish();
-    const Model& prepared = held.Any();
+    const auto [prepared, view] = LookAt(out, model);
     Report(0.3, "finding outlines");
     const TracedOutline traced = std::move(TraceOutlines(prepared, view, 1).front());  // models here have one object
     std::vector<std::uint32_t> shells, triangles;
@@ -241,11 +246,7 @@ int zbrwTraceOutline(std::uint32_t model) {
 
 int zbrwPick(std::uint32_t model, const double* points, std::size_t count) {
   return Answer([&](Exchange& out) {
-    Options options(out.TakeText(0));
-    HeldModel& held = ModelAt(model);
-    const View view = OneView(held, options);
-    options.Finish();
-    const Model& prepared = held.Any();
+    const auto [prepared, view] = LookAt(out, model);
     const Picker picker(prepared, view);
     std::vector<std::int32_t> triangles(count, -1);
     std::vector<double> heights(count, std::numeric_limits<double>::quiet_NaN());
