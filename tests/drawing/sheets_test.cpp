@@ -104,6 +104,16 @@ TEST(Sheets, CentreLinesReachBeyondCircles) {
   }
 }
 
+// Slabs that leave less than half of a cylinder, or more.
+TEST(Sheets, AxesThatSectionsTakeAway) {
+  for (const auto& [plane, count] : {std::pair("Y=-3..-1", 0), {"Y=-3..1", 1}, {"Y=1..3", 0}}) {
+    const Sheet sheet = SheetOf(example::Cylinder(48, 5, 9), {plane});
+    const std::vector<Line>& lines = sheet.views[0].lines.lines;
+    const auto isAxis = [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; };
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(), isAxis), count) << plane;
+  }
+}
+
 // Lines stand closer in narrow bodies, and do not run along most of an outline.
 TEST(Sheets, HatchingSuitsItsBody) {
   const struct {
