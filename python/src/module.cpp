@@ -41,6 +41,8 @@ void Fill(PyObject* module) {
   TheErrors().failure =
       NewError(module, "Failure", "zbr.Failure",
                "A file or a model that cannot be taken; `file`, `line` and `cause` say where and why.", PyExc_ValueError);
+  TheErrors().unknownFormat = NewError(module, "UnknownFormat", "zbr.UnknownFormat",
+                                       "Neither the name of a file nor format= tells what it is.", TheErrors().failure);
   TheErrors().cancelled =
       NewError(module, "Cancelled", "zbr.Cancelled", "The progress function answered False.", PyExc_RuntimeError);
   if (PyModule_AddStringConstant(module, "__version__", ZBR_VERSION) < 0) throw PythonError();

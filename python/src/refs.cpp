@@ -1,7 +1,7 @@
 // From C++ exceptions to Python's.
 #include "python/src/refs.h"
 
-#include <zbr-drawing/failure.h>
+#include <zbr-formats/types.h>
 
 #include <new>
 #include <stdexcept>
@@ -16,8 +16,8 @@ Ref TextOf(std::string_view message) {
 }
 
 // Sets file, line and cause as attributes, as far as they are known.
-void SetFailure(const drawing::Failure& failure) {
-  const Ref error = Ref::Own(PyObject_CallFunctionObjArgs(TheErrors().failure, TextOf(failure.what()).get(), nullptr));
+void SetFailure(PyObject* type, const drawing::Failure& failure) {
+  const Ref error = Ref::Own(PyObject_CallFunctionObjArgs(type, TextOf(failure.what()).get(), nullptr));
   const Ref file = failure.File().empty() ? None() : Ref::Own(PyUnicode_DecodeFSDefault(failure.File().c_str()));
   const Ref line = failure.Line() == 0 ? None() : Ref::Own(PyLong_FromSize_t(failure.Line()));
   const Ref cause = TextOf(failure.Cause());
@@ -25,7 +25,7 @@ void SetFailure(const drawing::Failure& failure) {
       PyObject_SetAttrString(error.get(), "cause", cause.get()) < 0) {
     throw PythonError();
   }
-  PyErr_SetObject(TheErrors().failure, error.get());
+  PyErr_SetObject(type, error.get());
 }
 
 }  // namespace
@@ -45,7 +45,8 @@ void TranslateException() noexcept {
     PyErr_SetString(PyExc_ValueError, e.what());
   } catch (const drawing::Failure& e) {
     try {
-      SetFailure(e);
+      const bool isOfFormat = dynamic_cast<const formats::UnknownFormat*>(&e) != nullptr;
+      SetFailure(isOfFormat ? TheErrors().unknownFormat : TheErrors().failure, e);
     } catch (...) {  // no memory for the message, most likely
       if (PyErr_Occurred() == nullptr) PyErr_NoMemory();
     }

@@ -123,8 +123,9 @@ inline Ref None() {
 
 // Exceptions of the module, set when it is made.
 struct Errors {
-  PyObject* failure = nullptr;    // zbr.Failure: a file or a model that cannot be read
-  PyObject* cancelled = nullptr;  // zbr.Cancelled: progress() answered False
+  PyObject* failure = nullptr;        // zbr.Failure: a file or a model that cannot be read
+  PyObject* unknownFormat = nullptr;  // zbr.UnknownFormat: neither the name nor the caller tells the format
+  PyObject* cancelled = nullptr;      // zbr.Cancelled: progress() answered False
 };
 Errors& TheErrors();
 

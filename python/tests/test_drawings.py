@@ -222,7 +222,7 @@ def test_failures_tell_the_place(file, data, place):
     with pytest.raises(zbr.Failure, match="No such file") as failure:  # a name that is no UTF-8
         zbr.read(os.fsdecode(b"/nowhere/\xff" + file.encode()))
     assert os.fsencode(failure.value.file) == b"/nowhere/\xff" + file.encode()
-    with pytest.raises(zbr.Failure, match="format=, one of stl,.* 3mf, dxf,") as failure:
+    with pytest.raises(zbr.UnknownFormat, match="format=, one of stl,.* 3mf, dxf,") as failure:
         zbr.read("x.unknown", data=b"?")
     assert failure.value.file == "x.unknown"
 

@@ -20,7 +20,7 @@ from ._regions import (
     unite,
     xor,
 )
-from ._zbr import Cancelled, Failure, __version__
+from ._zbr import Cancelled, Failure, UnknownFormat, __version__
 
 __all__ = [
     "Cancelled",
@@ -36,6 +36,7 @@ __all__ = [
     "Sheet",
     "Survey",
     "TracedOutline",
+    "UnknownFormat",
     "__version__",
     "check",
     "combine",

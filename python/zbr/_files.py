@@ -10,7 +10,7 @@ from typing import Any, Mapping
 
 from . import _zbr
 from ._regions import Region
-from ._zbr import Failure
+from ._zbr import UnknownFormat
 
 DRAWINGS = {"dxf": "dxf", "geojson": "geojson", "json": "geojson", "wkt": "wkt", "svg": "svg", "txt": "text", "loops": "text"}
 MESHES = ("stl", "obj", "ply", "off", "gltf", "glb", "3mf")
@@ -63,11 +63,9 @@ def _read_unknown(file: str | os.PathLike[str], data: bytes | None) -> Any:
     """Fails with what the contents tell, or else with the formats that there are."""
     try:
         return _zbr.read_region(file, data=data)[0]
-    except Failure as failure:
-        if "not known as a drawing" not in failure.cause:
-            raise
+    except UnknownFormat as failure:
         cause = f"the name does not tell the format; give format=, one of {', '.join((*MESHES, *DRAWINGS))}"
-        unknown = Failure(f"{failure.file}: {cause}")
+        unknown = UnknownFormat(f"{failure.file}: {cause}")
         unknown.file, unknown.line, unknown.cause = failure.file, failure.line, cause
         raise unknown from None
 

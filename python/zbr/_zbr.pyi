@@ -21,6 +21,7 @@ class Failure(ValueError):
     line: int | None
     cause: str
 
+class UnknownFormat(Failure): ...
 class Cancelled(RuntimeError): ...
 
 class Region:

@@ -158,6 +158,11 @@ TEST(Circles, FlatsAndCornersStayStraight) {
   const Found found = Find(Prism(shaft, 3));
   EXPECT_EQ(found.circles, 2U);
   EXPECT_NEAR(found.lengths.at(5000), Chords(5, 72, 64), 1e-9);
+  // Three long chords in a row are a coarser part of an arc.
+  Points coarse = RegularPolygon(72);
+  coarse.resize(55);
+  for (const int k : {26, 23, 20}) coarse.erase(coarse.begin() + k, coarse.begin() + k + 2);
+  EXPECT_NEAR(Find(Prism(coarse, 3)).lengths.at(5000), Chords(5, 72, 45) + Chords(5, 24, 3), 1e-9);
   EXPECT_EQ(FindCircles(MakeModel(Prism(RegularPolygon(24), 3), 10.0)).all.size(), 0U);
 }
 

@@ -172,7 +172,10 @@ TEST_F(Tool, ModelsOfAllFormats) {
                             {5126, 5121, 4, 0, false,
                              R"([{"children":[1],"translation":[3,0,1]},{"mesh":0,"rotation":[0,0,0.707,0.707],"scale":[1,2,1]}])"},
                             {5126, 5125, 4, 0, false, R"([{"mesh":0,"matrix":[1,0,0,0,0,1,0,0,0,0,-1,0,0,0,3,1]}])"},  // mirrored
-                            {5120, 5123, 5, 1, false, R"([{"mesh":0,"scale":[127,127,127]}])"}};
+                            {5120, 5123, 5, 1, false, R"([{"mesh":0,"scale":[127,127,127]}])"},
+                            {5126, 5121, 4, 0, false,  // three thirds of a turn
+                             R"([{"children":[1],"rotation":[0.5,0.5,0.5,0.5]},{"children":[2],"rotation":[0.5,0.5,0.5,0.5]},
+                                 {"mesh":0,"rotation":[0.5,0.5,0.5,0.5]}])"}};
   std::vector<std::string> files = Files();
   files.erase(std::find(files.begin(), files.end(), "the bytes"));
   for (const GltfKind& kind : kinds) {

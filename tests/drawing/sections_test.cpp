@@ -13,6 +13,7 @@
 #include <numbers>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "drawing/sections/simple_ring.h"
 #include "models/models.h"
@@ -120,6 +121,12 @@ TEST(Sections, HollowsInvertedBodiesAndOpenOnes) {
   // A body within the hollow that nearly fills it.
   const Mesh core = Box({1.1, 1.1, 1.1}, {4.9, 3.9, 4.9});
   EXPECT_NEAR(AreaOf(Both(Both(outer, TurnedInsideOut(inner)), core), "Z=2"), 36.0 - 12.0 + 3.8 * 2.8, 1e-12);
+  // A bar through the wall reaches into the hollow, which is still the outer body's.
+  const Mesh bar = Box({-9, 2, 1.5}, {1.5, 3.5, 3});
+  EXPECT_NEAR(AreaOf(Both(Both(outer, bar), TurnedInsideOut(inner)), "Z=2"), 36.0 - 12.0 + 15.75, 1e-12);
+  for (const Mesh& hollow : {Both(outer, TurnedInsideOut(inner)), Both(TurnedInsideOut(inner), outer)}) {
+    for (const SectionLine& line : CutOf(hollow, ParseSection("Z=2")).lines) EXPECT_EQ(line.triangles.size(), 8U);
+  }
   // Bodies in one place have their own triangles; a mesh that ends in a vertex in the plane is not cut.
   Mesh twice = Both(outer, TurnedInsideOut(inner));
   twice.objects = {{0, 0}, {static_cast<std::uint32_t>(twice.points.size()), static_cast<std::uint32_t>(twice.triangles.size())}};
@@ -151,6 +158,29 @@ TEST(Sections, HollowsInvertedBodiesAndOpenOnes) {
     p = static_cast<std::uint32_t>(cracked.points.size() - 1);
   }
   for (const char* const plane : {"X=2.5", "Y=2.5", "Z=2.5"}) EXPECT_NEAR(AreaOf(cracked, plane), 36.0, 1e-3) << plane;
+}
+
+// Upright sheets along a square's sides, with slits between them: as wide as those that are closed, or an opening of a scan.
+TEST(Sections, SlitsAndOpenings) {
+  const double gap = 1e-4 * std::sqrt(3.0);
+  const auto cut = [](const std::vector<std::array<ZBR_PT, 2>>& sheets) {
+    Mesh mesh;
+    for (const auto& [a, b] : sheets) {
+      const auto n = static_cast<std::uint32_t>(mesh.points.size());
+      mesh.points.insert(mesh.points.end(), {{a.x(), a.y(), 0}, {b.x(), b.y(), 0}, {b.x(), b.y(), 1}, {a.x(), a.y(), 1}});
+      mesh.triangles.insert(mesh.triangles.end(), {{n, n + 1, n + 2}, {n, n + 2, n + 3}});
+    }
+    return CutOf(mesh, ParseSection("Z=0.3"));
+  };
+  const std::array<ZBR_PT, 2> low{ZBR_PT(0, 0), ZBR_PT(1, 0)}, high{ZBR_PT(1, 1), ZBR_PT(0, 1)}, left{ZBR_PT(0, 1), ZBR_PT(0, 0)};
+  const auto right = [](double from, double to) { return std::array{ZBR_PT(1, from), ZBR_PT(1, to)}; };
+  // A sliver between two slits is shorter than these.
+  const SectionCut closed = cut({low, right(0, 0.5), right(0.5 + 0.8 * gap, 0.5 + gap), right(0.5 + 1.8 * gap, 1), high, left});
+  const SectionCut bridged = cut({low, right(0, 0.5), right(0.8, 1), high, left}), open = cut({low, right(0, 0.5), high, left});
+  EXPECT_EQ(std::tuple(closed.openLines, closed.bridged, bridged.openLines, bridged.bridged), std::tuple(0U, 0U, 0U, 1U));
+  EXPECT_EQ(std::tuple(open.openLines, open.bridged, AreaOf(open)), std::tuple(1U, 0U, 0.0));
+  EXPECT_NEAR(AreaOf(closed), 1.0, 1e-12);
+  EXPECT_NEAR(AreaOf(bridged), 1.0, 1e-12);
 }
 
 // Whether a place lies in the body, by the crossings of a ray in a direction that meets no edge.

@@ -217,6 +217,17 @@ TEST(OutlineWalk, TakesWhatATriangleBesideTheEdgeCovers) {
   }
 }
 
+// An outline taken before shells are processed fixes nothing: their triangles may still be moved.
+TEST(OutlineWalk, LeavesExtentsToBeFound) {
+  Drawing drawing = DrawTriangles({{ZBR_PT3(0, 0, 0), ZBR_PT3(9, 0, 0), ZBR_PT3(0, 9, 0)}});
+  std::vector<ZBR_HL_SHELL> shells = drawing.Shells();
+  ZBR_HiddenLine::OutLineObj(shells.data(), 1);
+  for (ZBR_PT3& p : shells[0].tris[0].pt) p = p + ZBR_PT3(100, 0, 0);
+  ZBR_HiddenLine::HiddenLine_Shells(shells.data(), 1);
+  double z = -1.0;
+  EXPECT_TRUE(ZBR_HiddenLine::PickShells(103, 3, shells.data(), 1, z));
+}
+
 // A ring and a rod, narrower than what counts as a wall for the hidden lines, in their facets or altogether.
 TEST(OutlineOfSlenderParts, HasAllTheirArea) {
   const auto at = [](int k, double r) { return ZBR_PT3(r * std::cos(k * 0.1), r * std::sin(k * 0.1), 0); };

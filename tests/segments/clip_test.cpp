@@ -27,11 +27,12 @@ TEST(Clip, Polylines) {
   const LoopList region = ParseRegion("0 0, 4 0, 4 4, 0 4; 1 1, 1 3, 3 3, 3 1");
   const std::vector<ZBR_PT3> lines[] = {{{-1, 0.5, 0}, {2, 0.5, 0}, {2, 0.5, 0}, {2, 2, 0}, {2, 0.5, 0}, {6, 0.5, 0}},
                                         {{0.5, 0.5, 1}},
-                                        {{0.5, 0.5, 1}, {0.5, 0.5, 1}, {0.75, 0.5, 1}}};
+                                        {{0.5, 0.5, 1}, {0.5, 0.5, 1}, {0.75, 0.5, 1}},
+                                        {{4, 2, 0}, {4, 2, 0}, {5, 2, 0}}};
   Polylines sides[2];
   std::vector<int> of[2];
-  EXPECT_EQ(zbrClipPolylines({lines[0], lines[1], lines[2]}, region, sides[1], &sides[0], &of[1], &of[0]), 3);
-  EXPECT_EQ(of[0], std::vector<int>({0, 0, 0}));
+  EXPECT_EQ(zbrClipPolylines({lines[0], lines[1], lines[2], lines[3]}, region, sides[1], &sides[0], &of[1], &of[0]), 3);
+  EXPECT_EQ(of[0], std::vector<int>({0, 0, 0, 3}));
   EXPECT_EQ(of[1], std::vector<int>({0, 0, 2}));
   std::string text;
   for (const Polylines& side : sides) {
@@ -41,8 +42,8 @@ TEST(Clip, Polylines) {
       text += "; ";
     }
   }
-  EXPECT_EQ(text,                                   // doubled
-            "-2,1 0,1 ; 4,2 4,4 4,2 ; 8,1 12,1 ; "  // outside
+  EXPECT_EQ(text,                                                  // doubled
+            "-2,1 0,1 ; 4,2 4,4 4,2 ; 8,1 12,1 ; 8,4 8,4 10,4 ; "  // outside
             "0,1 4,1 4,1 4,2 ; 4,2 4,1 8,1 ; 1,1 1,1 2,1 ; ");
 }
 

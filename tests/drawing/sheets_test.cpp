@@ -1,0 +1,141 @@
+// Sheets: where views stand, marks of sections, centre lines and hatching on paper.
+
+#include <zbr-drawing/sheet.h>
+#include <zbr-drawing/views.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "models/models.h"
+
+namespace zbr::drawing {
+namespace {
+
+using example::Box;
+
+Sheet SheetOf(const Mesh& mesh, const std::vector<std::string>& views, Projection projection = Projection::kNone) {
+  std::vector<NamedDirection> directions;
+  for (const std::string& name : views) {
+    if (const auto view = NamedView(name)) {
+      directions.push_back({name, *view});
+    } else {
+      const SectionPlane plane = ParseSection(name);
+      directions.push_back({SectionName(directions.size()), SectionView(plane), plane});
+    }
+  }
+  DrawingOptions drawing;
+  drawing.centreLines = true;
+  SheetOptions options;
+  options.projection = projection;
+  options.scale = 1.0;
+  return LayOut(DrawViews(MakeModel(mesh, 30.0), directions, drawing), options);
+}
+
+TEST(Sheets, SidesStandWhereTheProjectionPutsThem) {
+  for (const Projection projection : {Projection::kFirst, Projection::kThird}) {
+    std::map<std::string, ZBR_PT> from;  // the front view
+    const Sheet sheet = SheetOf(Box({0, 0, 0}, {40, 30, 20}), {"front", "top", "bottom", "left", "right", "back"}, projection);
+    for (const PlacedView& view : sheet.views) from[view.lines.name] = view.origin - sheet.views[0].origin;
+    const double side = projection == Projection::kThird ? 1.0 : -1.0;
+    EXPECT_TRUE(from["top"].x() == 0 && from["top"].y() * side >= 25 && from["bottom"].y() == -from["top"].y());
+    EXPECT_TRUE(from["right"].y() == 0 && from["right"].x() * side >= 35 && from["left"].x() == -from["right"].x());
+    EXPECT_TRUE(from["back"].y() == 0 && from["back"].x() >= 35 + std::abs(from["right"].x()));
+  }
+}
+
+// Of an arrow: its tip, which is on the plane's line, and the way it points.
+struct Arrow {
+  ZBR_PT tip, along;
+};
+
+std::vector<Arrow> ArrowsOf(const Sheet& sheet) {
+  std::vector<Arrow> arrows;
+  for (const SheetPath& path : sheet.paths) {
+    if (path.wide && path.points.size() == 5 && path.points[0] == path.points[3])
+      arrows.push_back({path.points[0], path.points[0] - path.points[4]});
+  }
+  return arrows;
+}
+
+// Arrows point away from the viewer and come from the letters. Of planes close to each other the foremost stays innermost.
+TEST(Sheets, MarksOfSections) {
+  const Mesh box = Box({0, 0, 0}, {40, 50, 60});
+  for (const auto& [plane, way] : {std::pair("X=20", ZBR_PT(-1, 0)), {"-1,0,0=-20", ZBR_PT(1, 0)}, {"Z=20", ZBR_PT(0, -1)}}) {
+    const ZBR_PT along = way;
+    const Sheet sheet = SheetOf(box, {"front", plane}, Projection::kFirst);
+    const std::vector<Arrow> arrows = ArrowsOf(sheet);
+    ASSERT_EQ(arrows.size(), 2U);
+    for (const Arrow& arrow : arrows) {
+      EXPECT_GT(arrow.along.InnerProduct(along), 2.0) << plane;
+      const auto isBehind = [&](const SheetText& text) {
+        const ZBR_PT from = arrow.tip - (text.at + ZBR_PT(1.75, 2.5));  // the middle of a letter
+        return text.text == "B" && std::abs(from.InnerProduct(along) - 12) < 3 && std::abs(from.OuterProduct(along)) < 1;
+      };
+      EXPECT_EQ(std::count_if(sheet.texts.begin(), sheet.texts.end(), isBehind), 1) << plane;
+    }
+  }
+  for (const auto& planes : {std::vector<std::string>{"front", "X=20", "X=21"}, {"front", "X=21", "X=20"}}) {
+    std::map<double, double> reach;  // upwards, by the place of the plane
+    for (const Arrow& arrow : ArrowsOf(SheetOf(box, planes, Projection::kFirst)))
+      reach[std::round(arrow.tip.x())] = std::max(reach[std::round(arrow.tip.x())], arrow.tip.y());
+    ASSERT_EQ(reach.size(), 2U);
+    EXPECT_GT(reach.begin()->second, reach.rbegin()->second + 5);
+  }
+}
+
+TEST(Sheets, CentreLinesReachBeyondCircles) {
+  for (const auto& [radius, arm] : {std::pair(1.0, 2.0), {5.0, 8.0}}) {
+    const Sheet sheet = SheetOf(example::Cylinder(48, radius, 9), {"top", "front"});
+    for (const PlacedView& view : sheet.views) {
+      std::vector<double> lengths;
+      for (const Line& line : view.lines.lines) {
+        if (line.edgeClass == EdgeClass::kCentre) lengths.push_back(line.chain.points[0].Distance(line.chain.points[1]));
+      }
+      const bool isTop = view.lines.name == "top";
+      ASSERT_EQ(lengths.size(), isTop ? 2U : 1U);
+      for (const double length : lengths) EXPECT_NEAR(length, isTop ? 2 * arm : 9 + 2 * (arm - radius), 1e-5);
+    }
+  }
+}
+
+// Slabs that leave less than half of a cylinder, or more.
+TEST(Sheets, AxesThatSectionsTakeAway) {
+  for (const auto& [plane, count] : {std::pair("Y=-3..-1", 0), {"Y=-3..1", 1}, {"Y=1..3", 0}}) {
+    const Sheet sheet = SheetOf(example::Cylinder(48, 5, 9), {plane});
+    const std::vector<Line>& lines = sheet.views[0].lines.lines;
+    const auto isAxis = [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; };
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(), isAxis), count) << plane;
+  }
+}
+
+// Lines stand closer in narrow bodies, and do not run along most of an outline.
+TEST(Sheets, HatchingSuitsItsBody) {
+  const struct {
+    double width, turns, degrees, spacing;
+  } cases[] = {{40, 0, 45, 4}, {8, 0, 45, 0.35 * 2 * 480 / 136}, {2, 0, 45, 1}, {8, 0.125, 135, 0.35 * 2 * 480 / 136}};
+  for (const auto& c : cases) {
+    Mesh bar = Box({-30, -c.width / 2, 0}, {30, c.width / 2, 10});
+    example::Turn(bar, {0, 0, 1}, c.turns);
+    std::vector<double> places;  // across the lines
+    const Sheet sheet = SheetOf(bar, {"Z=5"});
+    for (const Line& line : sheet.views[0].lines.lines) {
+      if (line.edgeClass != EdgeClass::kHatching) continue;
+      const double angle = c.degrees * std::numbers::pi / 180;
+      const ZBR_PT along(std::cos(angle), std::sin(angle)), d = line.chain.points[1] - line.chain.points[0];
+      EXPECT_NEAR(along.OuterProduct(d), 0.0, 1e-9);
+      places.push_back(along.OuterProduct(line.chain.points[0]));
+    }
+    std::sort(places.begin(), places.end());
+    ASSERT_GT(places.size(), 5U);
+    for (std::size_t i = 1; i < places.size(); ++i) EXPECT_NEAR(places[i] - places[i - 1], c.spacing, 1e-9);
+  }
+}
+
+}  // namespace
+}  // namespace zbr::drawing
