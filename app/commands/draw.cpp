@@ -140,7 +140,7 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  Objects objects = ReadObjects(plan.objects, options.modelFormat);
+  Objects objects = ReadObjects(plan.objects, options.modelFormat, plan.threads);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
