@@ -13,6 +13,7 @@
 #include "drawing/model/rough_creases.h"
 #include "drawing/model/tangents.h"
 #include "drawing/model/weld.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -62,11 +63,24 @@ Gathered Gather(const Mesh& mesh, double weld, Model& model) {
   return gathered;
 }
 
-void SetBox(const Gathered& gathered, Model& model) {
+void SetBox(const Gathered& gathered, unsigned threads, Model& model) {
   if (gathered.triangles.empty()) return;
-  model.low = model.high = gathered.points[gathered.triangles.front()[0]];
-  for (const Corners& t : gathered.triangles) {
-    for (const std::uint32_t p : t) Enclose(gathered.points[p], model.low, model.high);
+  struct Box {
+    ZBR_PT3 low, high;
+  };
+  const auto first = [&](std::size_t t) { return gathered.points[gathered.triangles[t][0]]; };
+  std::vector<Box> boxes(RangeCount(gathered.triangles.size()));
+  RunInRanges(gathered.triangles.size(), threads, [&](std::size_t range, std::size_t begin, std::size_t end) {
+    Box box{first(begin), first(begin)};
+    for (std::size_t t = begin; t < end; ++t) {
+      for (const std::uint32_t p : gathered.triangles[t]) Enclose(gathered.points[p], box.low, box.high);
+    }
+    boxes[range] = box;
+  });
+  model.low = model.high = first(0);
+  for (const Box& box : boxes) {
+    Enclose(box.low, model.low, model.high);
+    Enclose(box.high, model.low, model.high);
   }
 }
 
@@ -108,13 +122,13 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld, unsigned th
   Model model;
   model.rounding = mesh.rounding < 0 ? RoundingOf(mesh.points) : mesh.rounding;
   Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), model);
-  SetBox(gathered, model);
+  SetBox(gathered, threads, model);
   FillBody(std::move(gathered), threads, model);
   SetNormals(model, threads);
   ShowEdges(model, creaseDegrees, threads);
   FindFacing(model, threads);
   NoteTangents(model, threads);
-  model.isRough = AreCreasesRough(model);
+  model.isRough = AreCreasesRough(model, threads);
   if (model.isRough) TidyRoughCreases(model, creaseDegrees);
   model.objectBegin = FirstShells(mesh.objects, model);
   model.bodyBegin = FirstShells(BodyStarts(mesh), model);
