@@ -124,7 +124,7 @@ bool IsOneShell(const ZBR_ZBREPS& shell, std::span<const Corners> triangles) {
   const std::vector<EdgeUse> junctions = FindJunctions(shell);
   std::uint32_t parts = 0;
   if (!junctions.empty() || !FindRepeated(shell, triangles, junctions).empty()) return false;
-  NumberParts(shell, junctions, parts);
+  NumberParts(shell, junctions, 1, parts);
   return parts == 1;
 }
 
@@ -186,7 +186,7 @@ void FillByEdges(Gathered& gathered, unsigned threads, Model& model) {
   std::uint32_t count = 0;
   std::vector<std::uint32_t> shell = std::move(gathered.shell);
   if (shell.empty()) {
-    shell = NumberParts(model.Shell(0), junctions, count);
+    shell = NumberParts(model.Shell(0), junctions, threads, count);
   } else {
     count = *std::max_element(shell.begin(), shell.end()) + 1;
   }

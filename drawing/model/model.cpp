@@ -4,6 +4,7 @@
 #include <zbr-drawing/failure.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <utility>
 
@@ -27,38 +28,56 @@ void Enclose(const ZBR_PT3& p, ZBR_PT3& low, ZBR_PT3& high) {
 }
 
 // Joins the points of each body for itself: bodies that touch stay bodies. Returns where each point of the mesh went.
-std::vector<std::uint32_t> WeldBodies(const Mesh& mesh, double weld, std::vector<ZBR_PT3>& points) {
+std::vector<std::uint32_t> WeldBodies(const Mesh& mesh, double weld, unsigned threads, std::vector<ZBR_PT3>& points) {
   const std::vector<MeshObject> starts = BodyStarts(mesh);
   if (starts.size() == 1) {
     points = mesh.points;
-    return WeldPoints(points, weld);
+    return WeldPoints(points, weld, threads);
   }
   std::vector<std::uint32_t> places;
   for (std::size_t k = 0; k < starts.size(); ++k) {
     const std::size_t end = k + 1 < starts.size() ? starts[k + 1].firstPoint : mesh.points.size();
     std::vector<ZBR_PT3> own(mesh.points.begin() + starts[k].firstPoint, mesh.points.begin() + static_cast<std::ptrdiff_t>(end));
     const auto before = static_cast<std::uint32_t>(points.size());
-    for (const std::uint32_t place : WeldPoints(own, weld)) places.push_back(before + place);
+    for (const std::uint32_t place : WeldPoints(own, weld, threads)) places.push_back(before + place);
     points.insert(points.end(), own.begin(), own.end());
   }
   return places;
 }
 
-Gathered Gather(const Mesh& mesh, double weld, Model& model) {
-  Gathered gathered;
-  const std::vector<std::uint32_t> places = WeldBodies(mesh, weld, gathered.points);
-  gathered.triangles.reserve(mesh.triangles.size());
-  gathered.source.reserve(mesh.triangles.size());
-  for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
-    const auto& t = mesh.triangles[k];
-    const Corners welded = {places[t[0]], places[t[1]], places[t[2]]};
-    if (welded[0] == welded[1] || welded[1] == welded[2] || welded[2] == welded[0]) {
-      ++model.collapsed;
-      continue;
-    }
-    gathered.triangles.push_back(welded);
-    gathered.source.push_back(static_cast<std::uint32_t>(k));
+bool IsCollapsed(const Corners& t) {
+  return t[0] == t[1] || t[1] == t[2] || t[2] == t[0];
+}
+
+// Drops the triangles that are none any more. Returns how many.
+std::size_t DropCollapsed(Gathered& gathered) {
+  std::size_t kept = 0;
+  for (std::size_t t = 0; t < gathered.triangles.size(); ++t) {
+    if (IsCollapsed(gathered.triangles[t])) continue;
+    gathered.triangles[kept] = gathered.triangles[t];
+    gathered.source[kept++] = gathered.source[t];
   }
+  const std::size_t dropped = gathered.triangles.size() - kept;
+  gathered.triangles.resize(kept);
+  gathered.source.resize(kept);
+  return dropped;
+}
+
+Gathered Gather(const Mesh& mesh, double weld, unsigned threads, Model& model) {
+  Gathered gathered;
+  const std::vector<std::uint32_t> places = WeldBodies(mesh, weld, threads, gathered.points);
+  gathered.triangles.resize(mesh.triangles.size());
+  gathered.source.resize(mesh.triangles.size());
+  std::atomic<bool> hasCollapsed{false};
+  RunInRanges(mesh.triangles.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t k = begin; k < end; ++k) {
+      const auto& t = mesh.triangles[k];
+      gathered.triangles[k] = {places[t[0]], places[t[1]], places[t[2]]};
+      gathered.source[k] = static_cast<std::uint32_t>(k);
+      if (IsCollapsed(gathered.triangles[k])) hasCollapsed = true;
+    }
+  });
+  if (hasCollapsed) model.collapsed = DropCollapsed(gathered);
   if (!mesh.shells.empty()) gathered.shell = SeparateShells(mesh, gathered.source, gathered.triangles, gathered.points);
   return gathered;
 }
@@ -121,7 +140,7 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld, unsigned th
     throw Failure("the angle of creases and the weld must be finite numbers");
   Model model;
   model.rounding = mesh.rounding < 0 ? RoundingOf(mesh.points) : mesh.rounding;
-  Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), model);
+  Gathered gathered = Gather(mesh, WeldDistance(mesh.points, weld), threads, model);
   SetBox(gathered, threads, model);
   FillBody(std::move(gathered), threads, model);
   SetNormals(model, threads);
