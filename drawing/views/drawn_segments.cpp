@@ -93,6 +93,18 @@ bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) 
                            stretch);
 }
 
+DrawnStretch DrawnSegments::StretchOf(const DrawnSegment& drawn) const {
+  DrawnStretch stretch;
+  if (drawn.segment.circle != kNoCircle && !scene_.view.perspective) {
+    const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
+    stretch = StretchOfChord(model_, scene_, circles_->all[drawn.segment.circle], drawn.shell,
+                             source - model_.shellBegin[drawn.shell], side, drawn.segment.segment);
+    stretch.circle = drawn.segment.circle;
+  }
+  stretch.segment = drawn.segment.segment;
+  return stretch;
+}
+
 // Curves that bodies have in common are dashed once.
 void DrawnSegments::LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const {
   std::vector<CurvedStretch> curved;

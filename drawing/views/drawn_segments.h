@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "drawing/curves/common_parts.h"
 #include "drawing/curves/doubled_curves.h"
 #include "drawing/curves/seen_circles.h"
 #include "drawing/model/shell_ranges.h"
@@ -41,6 +42,15 @@ class DrawnSegments {
   // Whether a stretch stands for a curve.
   bool IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const;
 
+  // Of the segments at these places the parts, which name them by their order; all of the others. They stay in order.
+  void KeepParts(const std::vector<std::size_t>& places, const std::vector<PartOfStretch>& parts,
+                 std::vector<DrawnSegment>& segments) const;
+
+  // In perspective nothing is told to be a chord.
+  DrawnStretch StretchOf(const DrawnSegment& drawn) const;
+
+  const Scene& GetScene() const { return scene_; }
+  const Circles* KnownCircles() const { return circles_; }
   const SeenCircles& Seen() const { return seen_; }
 
  private:
@@ -67,9 +77,6 @@ class DrawnSegments {
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;
   void LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const;
-  // Of the segments at these places the parts, which name them by their order; all of the others. They stay in order.
-  void KeepParts(const std::vector<std::size_t>& places, const std::vector<PartOfStretch>& parts,
-                 std::vector<DrawnSegment>& segments) const;
 
   const Model& model_;
   const Scene& scene_;

@@ -17,6 +17,7 @@
 #include "drawing/curves/seen_circles.h"
 #include "drawing/parallel.h"
 #include "drawing/views/chains.h"
+#include "drawing/views/double_lines.h"
 #include "drawing/views/drawn_segments.h"
 
 namespace zbr::drawing {
@@ -86,6 +87,7 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
   std::vector<DrawnSegment> unseen;
   if (hidden) unseen = drawn.Hidden();
   std::vector<DrawnSegment> seen = drawn.Visible();
+  LeaveOutVisibleDoubles(drawn, threads, seen);
   if (spent != nullptr) {
     spent->shells.clear();
     std::vector<ZBR_HL_TRI>().swap(spent->triangles);
