@@ -99,7 +99,11 @@ TEST(SharedWork, LongTextsAreReadAsByOneThread) {
     EXPECT_GT(ExpectSame("obj", LongObj(seed, 60000)).mesh.triangles.size(), 20000U) << seed;
     EXPECT_EQ(ExpectSame("stl", LongStl(seed, 6000)).mesh.triangles.size(), 6000U) << seed;
   }
-  EXPECT_FALSE(ExpectSame("obj", std::string(1000000, '\\') + "\nv 1 2").failure.empty());
+  // What goes on with the line behind, wherever ranges end.
+  std::string goesOn = "# ";
+  for (int k = 0; k < 1 << 14; ++k) goesOn += std::string(30, ' ') + "\\\n";
+  EXPECT_EQ(ExpectSame("obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\nusemtl" + goesOn.substr(1) + "v 1 2 3\n").mesh.points.size(),
+            3U);
 }
 
 // In the place of any line: what is no number, points that come later or never, faces too small, triangles of other than three
@@ -157,14 +161,17 @@ Mesh Loose(const Mesh& mesh) {
   return loose;
 }
 
-// One surface, many bodies, and many bodies one of which is more than a shell: two boxes at one edge, a box that is there twice.
+// One surface, many bodies, and many bodies one of which is more than a shell: boxes that
+// meet at an edge or at a corner, a box that is there twice.
 TEST(SharedWork, ModelsAreThoseOfOneThread) {
   const Mesh boxes = example::BoxesOnPlate(40);
-  Mesh joined = boxes, twice = boxes;
+  Mesh joined = boxes, twice = boxes, touching = boxes;
   example::Append(joined, example::Box(ZBR_PT3(-9, -9, 5), ZBR_PT3(-8, -8, 6)));
   example::Append(joined, example::Box(ZBR_PT3(-8, -8, 5), ZBR_PT3(-7, -7, 6)));
+  for (const double at : {-9.0, -8.0})
+    example::Append(touching, example::Box(ZBR_PT3(at, at, at), ZBR_PT3(at + 1, at + 1, at + 1)));
   for (int k = 0; k < 2; ++k) example::Append(twice, example::Box(ZBR_PT3(-9, -9, 5), ZBR_PT3(-8, -8, 6)));
-  for (const Mesh& mesh : {example::Torus(50000), boxes, joined, twice}) {
+  for (const Mesh& mesh : {example::Torus(50000), boxes, joined, twice, touching}) {
     const Model one = MakeModel(mesh, 30.0), several = MakeModel(mesh, 30.0, 0.0, kThreads);
     ExpectSame(one, several);
     ExpectSame(one, MakeModel(Loose(mesh), 30.0, 0.0, kThreads));
@@ -173,6 +180,7 @@ TEST(SharedWork, ModelsAreThoseOfOneThread) {
   EXPECT_EQ(dirty.ShellCount(), clean.ShellCount() + 2);
   EXPECT_EQ(dirty.junctions, 1U);
   for (std::size_t s = 0; s < clean.ShellCount(); ++s) ASSERT_EQ(clean.shellBegin[s], dirty.shellBegin[s]);
+  EXPECT_EQ(MakeModel(touching, 30.0, 0.0, kThreads).ShellCount(), clean.ShellCount() + 2);
   EXPECT_EQ(MakeModel(twice, 30.0, 0.0, kThreads).repeated, 12U);
 }
 
