@@ -35,18 +35,6 @@ double ParameterOn(const DirectedEdge& edge, const ZBR_PT& p) {
   return (p - edge.from).InnerProduct(d) / d.Length2();
 }
 
-// Whether the region's boundary meets itself elsewhere than in common vertices.
-bool IsFaulty(const FlatRegion& region) {
-  std::vector<IndexedRing> rings;
-  for (const RingSpan& ring : region.Rings()) {
-    const auto n = static_cast<std::uint32_t>(ring.size());
-    rings.push_back({BoxOfRing(ring), ring.data(), n, 0, n, static_cast<std::uint32_t>(rings.size()), false});
-  }
-  EdgeIndex index;
-  index.Build(std::move(rings), 0.0, 0.0);
-  return ExactSimplicityOf(index) == ExactSimplicity::kFaulty;
-}
-
 }  // namespace
 
 double OverlayTolerance(const Box& box, double wanted) {
@@ -293,7 +281,7 @@ FlatRegion Overlay::Region(const Inside& inside, bool withSources) const {
   FlatRegion region = Assembled(inside, withSources, Points::kTrue, rest);
   for (int times = 0; rest == Rest::kNone && times < kMostTimes; ++times) region = Settled(region, Points::kTrue, rest);
   if (rest == Rest::kCertain) return region;
-  for (int times = 0; IsFaulty(region); ++times) {
+  for (int times = 0; ExactSimplicityOf(region.Rings()) != ExactSimplicity::kSimple; ++times) {
     if (times == kMostTimes) return Settled(region, Points::kOfGrid, rest);
     region = Settled(region, Points::kTrue, rest);
   }

@@ -9,7 +9,7 @@
 #include <numeric>
 #include <span>
 
-#include "arrangement/sweep_status.h"
+#include "loops/sweep_status.h"
 
 namespace zbr {
 namespace {
@@ -17,7 +17,7 @@ namespace {
 class WindingSweep {
  public:
   WindingSweep(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care)
-      : pieces_(pieces), nodes_(nodes), looks_(care == Arrangement::Care::kQuick), status_(nodes, pieces) {
+      : pieces_(pieces), nodes_(nodes), looks_(care == Arrangement::Care::kQuick), status_(pieces.size()) {
     swept_.below.resize(pieces.size());
     swept_.under.resize(pieces.size());
     ending_.resize(pieces.size());
@@ -113,7 +113,7 @@ class WindingSweep {
     std::uint32_t under = kNoPieceBelow;
     std::uint32_t lower = SweepStatus::kNone;
     if (endingHere_.empty()) {
-      lower = status_.HighestBelow(p);
+      lower = status_.HighestBelow([&](std::uint32_t piece) { return SideSign(From(piece), To(piece), p) > 0; });
       under = lower;
       if (lower != SweepStatus::kNone) winding = swept_.below[lower] + pieces_[lower].net;
     } else {

@@ -2,8 +2,8 @@
 //
 // The rings are copied without the points that repeat the one before, since an edge without length has no sides, and scaled by a
 // power of two, which changes no digit: coordinates are of ordinary size then, and their squares neither vanish nor overflow.
-// Rings that are simple and keep apart exactly have no fault however near they come to themselves; elsewhere faults are told with a
-// tolerance, so that stretches that would be shared but for rounding are one fault and not many.
+// Rings that are simple and keep apart, or touch, exactly have no fault however near they come to themselves; elsewhere faults are
+// told with a tolerance, so that stretches that would be shared but for rounding are one fault and not many.
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -55,14 +55,16 @@ class RegionCheck {
   void FindMeetings(std::size_t most) {
     const ToleranceScope scope(eps_);
     std::vector<IndexedRing> indexed;
+    std::vector<RingSpan> spans;
     for (const CleanRing& ring : rings_) {
+      spans.emplace_back(ring.points);
       const auto n = static_cast<std::uint32_t>(ring.points.size());
       indexed.push_back(
           {BoxOfRing(ring.points), ring.points.data(), n, 0, n, static_cast<std::uint32_t>(&ring - rings_.data()), false});
     }
     EdgeIndex index;
     index.Build(std::move(indexed), eps_, t_tolerance.eps2);
-    if (SimplicityOf(index, eps_) == Simplicity::kSimple || ExactSimplicityOf(index) == ExactSimplicity::kSimple) return;
+    if (SimplicityOf(index, eps_) == Simplicity::kSimple || ExactSimplicityOf(spans) != ExactSimplicity::kFaulty) return;
     std::vector<RingContact> contacts;
     FindRingContacts(index, most, contacts);
     for (const RingContact& c : contacts) {

@@ -33,6 +33,7 @@ bool WalkSearch::Run(WalkRings& rings, double eps, std::vector<OpenCrossing>& fo
   found_ = &found;
   near_ = kSurelyOff * eps;
   near2_ = near_ * near_;
+  leafPairs_ = 0;
   found.clear();
   if (rings.AreSmall()) return SearchAll();
   constexpr std::size_t kEdgesPerCrossing = 4;  // more crossings are seldom; room that is not used takes no memory
@@ -110,7 +111,9 @@ bool WalkSearch::VisitLeaf(std::uint32_t leaf) {
 }
 
 bool WalkSearch::VisitLeaves(std::uint32_t a, std::uint32_t b) {
-  const Box* boxes = rings_->index().tree().Level(0);
+  const BoxTree& tree = rings_->index().tree();
+  if (++leafPairs_ > NearLeaves::kMostPairsPerLeaf * tree.Count(0) + found_->size()) return false;
+  const Box* boxes = tree.Level(0);
   LeafEdges readA;
   LeafEdges readB;
   Read(a, boxes[b], readA);

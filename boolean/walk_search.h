@@ -71,6 +71,7 @@ class WalkSearch {
   double near_ = 0.0;
   double near2_ = 0.0;
   NearLeaves nearLeaves_;
+  std::size_t leafPairs_ = 0;
   std::vector<std::uint8_t> around_;  // by node of the hierarchy, level by level as there; of leaves, when all is done
 };
 

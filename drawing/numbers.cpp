@@ -4,16 +4,14 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 
 #if !defined(__cpp_lib_to_chars)
 #include <locale.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdint>
-#include <cstdlib>
 #endif
 
 namespace zbr::drawing {
@@ -23,6 +21,33 @@ namespace {
 std::string_view WithoutPlus(std::string_view token) {
   if (token.size() > 1 && token.front() == '+' && token[1] != '-') token.remove_prefix(1);
   return token;
+}
+
+// The first powers of ten, all of which a double holds.
+constexpr std::array<double, 16> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// What has few digits and no exponent, as most numbers in files do, whose reading takes half of the time for it: a quotient of two
+// doubles that are exact is the nearest one. Nothing for what is longer or no number.
+std::optional<double> ParseShort(std::string_view token) {
+  constexpr std::size_t kMostDigits = kPowers.size() - 1;  // whatever they are, they are a double
+  const bool isNegative = !token.empty() && token.front() == '-';
+  if (isNegative) token.remove_prefix(1);
+  if (token.size() > kMostDigits + 1) return std::nullopt;
+  std::int64_t number = 0;
+  std::size_t digits = 0, point = std::string_view::npos;
+  for (const char c : token) {
+    if (c >= '0' && c <= '9') {
+      number = 10 * number + (c - '0');
+      ++digits;
+    } else if (c == '.' && point == std::string_view::npos) {
+      point = digits;
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (digits == 0 || digits > kMostDigits) return std::nullopt;
+  const double value = static_cast<double>(number) / kPowers[point == std::string_view::npos ? 0 : digits - point];
+  return isNegative ? -value : value;
 }
 
 template <class T>
@@ -39,32 +64,9 @@ std::optional<T> ParseWhole(std::string_view token) {
 // Standard libraries that can't yet parse doubles: by the C library, in the "C" locale whatever the program's is, and without what
 // std::from_chars does not take (blanks, a second sign, hexadecimal digits, numbers that round to zero).
 
-// What has few digits, as most numbers in files do: the quotient or product of two doubles that are exact is the nearest one. The C
-// library takes many times as long, computing with more than doubles where machines have nothing for it.
-std::optional<double> ParseShort(std::string_view token) {
-  constexpr int kExactPower = 22;          // ten to it is a double
-  constexpr std::size_t kMostDigits = 15;  // whatever they are, they are a double
-  const bool isNegative = !token.empty() && token.front() == '-';
-  if (isNegative) token.remove_prefix(1);
-  const std::size_t point = std::min(token.find('.'), token.size());
-  const bool hasPoint = point < token.size();
-  const std::size_t digits = token.size() - (hasPoint ? 1 : 0);
-  if (digits == 0 || digits > kMostDigits) return std::nullopt;
-  std::int64_t number = 0;
-  for (std::size_t i = 0; i < token.size(); ++i) {
-    if (i == point) continue;
-    if (token[i] < '0' || token[i] > '9') return std::nullopt;
-    number = 10 * number + (token[i] - '0');
-  }
-  static_assert(kMostDigits < kExactPower);
-  const double value = static_cast<double>(number) / PowerOfTen(static_cast<int>(hasPoint ? digits - point : 0));
-  return isNegative ? -value : value;
-}
-
 template <>
 std::optional<double> ParseWhole<double>(std::string_view token) {
   static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
-  if (const std::optional<double> value = ParseShort(WithoutPlus(token))) return value;
   const std::string text(WithoutPlus(token));
   if (text.empty() || text.find_first_of("+xX \t\n\v\f\r") < text.find_first_of("eE")) return std::nullopt;
   char* stop = nullptr;
@@ -84,12 +86,19 @@ std::string Formatted(double value, std::chars_format format, int precision) {
 }  // namespace
 
 std::optional<double> ParseNumber(std::string_view token) {
+  if (const std::optional<double> value = ParseShort(WithoutPlus(token))) return value;
   const std::optional<double> value = ParseWhole<double>(token);
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
 std::optional<long long> ParseInteger(std::string_view token) {
-  return ParseWhole<long long>(token);
+  constexpr std::size_t kMostDigits = 18;  // whatever they are, they are a long long
+  long long number = 0;
+  for (const char c : token) {
+    if (c < '0' || c > '9' || token.size() > kMostDigits) return ParseWhole<long long>(token);
+    number = 10 * number + (c - '0');
+  }
+  return token.empty() ? std::nullopt : std::optional(number);
 }
 
 void AppendNumber(std::string& text, double value) {

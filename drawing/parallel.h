@@ -1,14 +1,12 @@
-// Work shared out among threads.
+// Ranges of work shared out among threads.
 #pragma once
+
+#include <zbr-drawing/threads.h>
 
 #include <cstddef>
 #include <functional>
 
 namespace zbr::drawing {
-
-// Runs work(0) to work(count - 1), each once, on up to `threads` threads, this one included. Each has the tolerance of scenes. What
-// a piece of work throws is thrown here after the others are done; pieces not yet begun are left out then.
-void RunParallel(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work);
 
 // Ranges of this size are worth a turn of a thread each. What is found by range and put together in their order does not depend on
 // the number of threads.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -18,6 +19,14 @@ namespace {
 
 [[noreturn]] void FailWithErrno(const std::string& name, const char* what) {
   throw Failure(name, what + std::string(": ") + std::strerror(errno));
+}
+
+// Of a regular file, so that its contents need not be moved while they are read; 0 where it is not known.
+std::size_t SizeOf(const std::string& name) {
+  std::error_code error;
+  const auto size = name == "-" ? 0 : std::filesystem::file_size(PathOf(name), error);
+  constexpr std::size_t kMost = std::size_t{1} << 32U;  // sizes of holes are no reason to ask for so much
+  return error ? 0 : static_cast<std::size_t>(std::min<std::uintmax_t>(size, kMost));
 }
 
 }  // namespace
@@ -37,8 +46,9 @@ std::string ReadFile(const std::string& name, std::size_t most) {
   }
   std::string contents;
   constexpr std::size_t kBlock = std::size_t{1} << 20;
-  for (bool isMore = true; isMore && contents.size() < most;) {
-    const std::size_t before = contents.size(), wanted = std::min(most - before, kBlock);
+  std::size_t block = std::max(SizeOf(name) + 1, kBlock);  // one more byte than there are: the end shows at once
+  for (bool isMore = true; isMore && contents.size() < most; block = kBlock) {
+    const std::size_t before = contents.size(), wanted = std::min(most - before, block);
     contents.resize(before + wanted);
     const std::size_t got = std::fread(contents.data() + before, 1, wanted, stream);
     contents.resize(before + got);

@@ -6,13 +6,16 @@
 //
 // The cases, first match wins; self loses lines, o is the neighbour. Tests carry the same labels.
 //
-//   EndOn         seen end-on, by the records of one of the two: nothing to decide
-//   LongOverLong  two walls with the shared edge as long edge, self standing on it, o hanging from it: one draws it, and that is
-//   all Flanks        two walls below their apexes, sharing flanks: one draws the flank WallByWall    other walls: like any two
-//   edges on one line WallByFace    the face draws the shared edge, and all of a wall that hangs from it FaceByWall    a wall that
-//   rises above the shared edge hides what lies below it on its line GoesOn        on opposite sides of the shared edge in
-//   projection: o hides nothing else FoldsInFront  folded back over o, on the viewer's side: the same FoldsFlat     folded back
-//   within the tolerance: as any two triangles in one plane FoldsBehind   folded back under o, which hides what lies inside it
+// - EndOn: seen end-on, by the records of one of the two: nothing to decide.
+// - LongOverLong: two walls with the shared edge as long edge, self standing on it, o hanging from it: one draws it, that is all.
+// - Flanks: two walls below their apexes, sharing flanks: one draws the flank.
+// - WallByWall: other walls: like any two edges on one line.
+// - WallByFace: the face draws the shared edge, and all of a wall that hangs from it.
+// - FaceByWall: a wall that rises above the shared edge hides what lies below it on its line.
+// - GoesOn: on opposite sides of the shared edge in projection: o hides nothing else.
+// - FoldsFlat: folded back within the tolerance, on either side: as any two triangles in one plane.
+// - FoldsInFront: folded back over o, on the viewer's side: o hides nothing else.
+// - FoldsBehind: folded back under o, which hides what lies inside it.
 #include "core/constants.h"
 #include "core/spatial_inline.h"
 #include "core/tolerance_state.h"
@@ -58,10 +61,10 @@ bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet
   if (sameWay == (self.clockwise != o.clockwise)) return true;  // GoesOn
   const int third = (i + 2) % 3;
   const double d = o.normal.distance(self.pt[third]);
-  if (o.clockwise ? d < 0.0 : d > 0.0) return true;  // FoldsInFront
-  // FoldsFlat, where the sign of d means nothing: the planes are compared as of any two triangles, and lines
-  // in a common plane stay.
+  // FoldsFlat, where the sign of d means nothing: the planes are compared as of any two triangles, and lines in a common plane
+  // stay.
   if (WithinTol(d, t_tolerance.eps)) return false;
+  if (o.clockwise ? d < 0.0 : d > 0.0) return true;  // FoldsInFront
   // FoldsBehind
   const auto thirdBit = static_cast<unsigned char>(1U << static_cast<unsigned>(third));
   self.pos = {};

@@ -3,12 +3,16 @@
 // Idea: the hierarchy of boxes over all edges, joined with itself, yields the pairs of leaves, and so of edges, with common boxes.
 // Difficulty: what happens at a vertex is seen by up to four pairs of edges. Each contact has one owner: a vertex belongs to the
 // edge that starts there, and whether the boundaries cross at it is decided by the two edges that meet there.
+// Edges that are exactly apart may come within the tolerance all the same, or a corner be so narrow. So what is found counts only
+// where one of the edges has an exact fault: it, or the one before it, crosses some edge or runs along it.
 #include "loops/contacts.h"
 
 #include <algorithm>
 #include <tuple>
 #include <utility>
 
+#include "core/exact_side.h"
+#include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -25,26 +29,89 @@ struct Edge {
   bool IsFollowedBy(const Edge& o) const { return ring == o.ring && ring->Next(vertex) == o.vertex; }
 };
 
+// Whether p and q, neither of them at the origin, are seen from there in the same direction.
+bool AreInLine(const ZBR_PT& origin, const ZBR_PT& p, const ZBR_PT& q) {
+  if (ExactSideOf(origin, p, q) != 0) return false;
+  const bool alongX = p.x() != origin.x();
+  return alongX ? (p.x() > origin.x()) == (q.x() > origin.x()) : (p.y() > origin.y()) == (q.y() > origin.y());
+}
+
+// Whether p lies on the line of a-b between these.
+bool IsWithin(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b) {
+  return AreInLine(a, b, p) && AreInLine(b, a, p);
+}
+
+// Whether q is seen from the start of an edge on its left. Not for what lies on one of the arms there.
+bool HasOnLeft(const Edge& e, const ZBR_PT& q) {
+  const bool leftOfBefore = ExactSideOf(e.Before(), e.From(), q) > 0;
+  const bool leftOfAfter = ExactSideOf(e.From(), e.To(), q) > 0;
+  return ExactSideOf(e.Before(), e.From(), e.To()) > 0 ? leftOfBefore && leftOfAfter : leftOfBefore || leftOfAfter;
+}
+
+// Whether the boundaries pass through each other at the start of both edges, or have an arm in common.
+bool PassThrough(const Edge& e, const Edge& f) {
+  for (const ZBR_PT& arm : {f.Before(), f.To()}) {
+    if (AreInLine(e.From(), e.Before(), arm) || AreInLine(e.From(), e.To(), arm)) return true;
+  }
+  return HasOnLeft(e, f.Before()) != HasOnLeft(e, f.To());
+}
+
+// Whether the edges cross or run along each other, without any tolerance, or boundaries cross where one of them starts.
+bool AreFaulty(const Edge& e, const Edge& f) {
+  const ZBR_PT &p0 = e.From(), &p1 = e.To(), &q0 = f.From(), &q1 = f.To();
+  if (AreIdentical(p0, q0)) return PassThrough(e, f);
+  if (AreIdentical(p0, q1)) return AreInLine(p0, p1, q0);
+  if (AreIdentical(p1, q0)) return AreInLine(p1, p0, q1);
+  if (AreIdentical(p1, q1)) return AreInLine(p1, p0, q0);
+  const int sideQ0 = ExactSideOf(p0, p1, q0), sideQ1 = ExactSideOf(p0, p1, q1);
+  if (sideQ0 == 0 && sideQ1 == 0) return IsWithin(q0, p0, p1) || IsWithin(q1, p0, p1) || IsWithin(p0, q0, q1);
+  const int sideP0 = ExactSideOf(q0, q1, p0), sideP1 = ExactSideOf(q0, q1, p1);
+  if (sideQ0 * sideQ1 < 0 && sideP0 * sideP1 < 0) return true;
+  if (sideQ0 == 0 && IsWithin(q0, p0, p1)) return ExactSideOf(p0, p1, f.Before()) * sideQ1 < 0;
+  return sideP0 == 0 && IsWithin(p0, q0, q1) && ExactSideOf(q0, q1, e.Before()) * sideP1 < 0;
+}
+
 class RingContactSearch {
  public:
   RingContactSearch(const EdgeIndex& index, std::size_t most, std::vector<RingContact>& found)
-      : index_(index), most_(most), found_(found), eps_(t_tolerance.eps) {}
+      : index_(index), most_(most), found_(found), eps_(t_tolerance.eps) {
+    std::size_t edges = 0;
+    for (const IndexedRing& ring : index.rings()) {
+      firstEdge_.push_back(edges);
+      edges += ring.n;
+    }
+    isFaulty_.resize(edges);
+  }
 
   bool Run() {
     const BoxTree& tree = index_.tree();
-    return BoxJoin::Run(tree, tree, [this](std::uint32_t leaf, std::span<const std::uint32_t> others) {
+    const bool wasDone = BoxJoin::Run(tree, tree, [this](std::uint32_t leaf, std::span<const std::uint32_t> others) {
       for (const std::uint32_t other : others) {
         if (other >= leaf) ExamineLeaves(leaf, other);
-        if (found_.size() >= most_) return false;
+        if (certain_ >= most_) return false;
       }
       return true;
     });
+    for (const Candidate& c : candidates_) {
+      if (isFaulty_[c.edges[0]] || isFaulty_[c.edges[1]]) found_.push_back(c.contact);
+    }
+    return wasDone;
   }
 
  private:
   Edge EdgeAt(std::uint32_t leaf, std::uint32_t slot) const {
     const IndexedRing& ring = index_.rings()[index_.leaf(leaf).ring];
     return {&ring, ring.Vertex(slot)};
+  }
+
+  std::size_t NumberOf(const Edge& e) const {
+    return firstEdge_[static_cast<std::size_t>(e.ring - index_.rings().data())] + e.vertex;
+  }
+
+  void MarkFaults(const Edge& e, const Edge& f) {
+    if (!AreFaulty(e, f)) return;
+    for (const Edge& edge : {e, f})
+      isFaulty_[NumberOf(edge)] = isFaulty_[NumberOf({edge.ring, edge.ring->Next(edge.vertex)})] = true;
   }
 
   void ExamineLeaves(std::uint32_t a, std::uint32_t b) {
@@ -70,6 +137,7 @@ class RingContactSearch {
     const int sideP0 = p0.CheckPos(q0, q1);
     const int sideP1 = p1.CheckPos(q0, q1);
     if (sideP0 * sideP1 > 0) return;
+    MarkFaults(e, f);
     if (sideQ0 * sideQ1 < 0 && sideP0 * sideP1 < 0) return Note(RingContactKind::kCrossing, e, f, Meeting(p0, p1, q0, q1));
     if (sideQ0 == 0 && sideQ1 == 0) return CheckOverlap(e, f);
     if (sideQ0 == 0) CheckVertexOnEdge(f, e);
@@ -78,7 +146,9 @@ class RingContactSearch {
 
   void CheckFold(const Edge& e, const Edge& next) {
     const ZBR_PT &a = e.From(), &b = next.From(), &c = next.To();
-    if (c.CheckPos(a, b) == 0 && (a - b).InnerProduct(c - b) > 0.0) Note(RingContactKind::kFold, e, next, b);
+    if (c.CheckPos(a, b) != 0 || (a - b).InnerProduct(c - b) <= 0.0) return;
+    MarkFaults(e, next);
+    Note(RingContactKind::kFold, e, next, b);
   }
 
   // Edges on one line: shared is more than a point if the one's ends reach into the other's stretch.
@@ -122,13 +192,23 @@ class RingContactSearch {
     std::pair a(e.ring->id, e.vertex);
     std::pair b(f.ring->id, f.vertex);
     if (b < a) std::swap(a, b);
-    found_.push_back({kind, a.first, a.second, b.first, b.second, at});
+    candidates_.push_back({{kind, a.first, a.second, b.first, b.second, at}, {NumberOf(e), NumberOf(f)}});
+    if (isFaulty_[NumberOf(e)] || isFaulty_[NumberOf(f)]) ++certain_;
   }
+
+  struct Candidate {
+    RingContact contact;
+    std::size_t edges[2];
+  };
 
   const EdgeIndex& index_;
   std::size_t most_;
   std::vector<RingContact>& found_;
   double eps_;
+  std::vector<std::size_t> firstEdge_;  // by ring
+  std::vector<bool> isFaulty_;          // by edge
+  std::vector<Candidate> candidates_;
+  std::size_t certain_ = 0;  // candidates
 };
 
 }  // namespace

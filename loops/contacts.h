@@ -25,10 +25,10 @@ struct RingContact {
   ZBR_PT at;
 };
 
-// Appends the contacts of the rings in the index, in no particular order; a touch from one side is none. Rings have at least three
-// points, none equal to the one before it within the thread's tolerance, with which everything is compared; the leaves of the index
-// are widened by that much at least. False when the search ended because `most` were found. n log n, and pairs of edges with
-// common boxes.
+// Appends the contacts of the rings in the index, in no particular order; a touch from one side is none, nor is what comes near but
+// is exactly apart. Rings have at least three points, none equal to the one before it within the thread's tolerance, with which
+// everything is compared; the leaves of the index are widened by that much at least. False when the search ended because `most`
+// were found. n log n, and pairs of edges with common boxes.
 bool FindRingContacts(const EdgeIndex& index, std::size_t most, std::vector<RingContact>& found);
 
 }  // namespace zbr

@@ -1,17 +1,20 @@
 // Whether rings are simple as they stand, without any tolerance.
 #pragma once
 
-#include "loops/edge_index.h"
+#include <cstdint>
+#include <span>
+
+#include "core/rings.h"
 
 namespace zbr {
 
 enum class ExactSimplicity : std::uint8_t {
-  kSimple,  // edges meet in common ends only, and no two boundaries pass through each other there
-  kFaulty,  // they cross, overlap or fold back somewhere, or a vertex lies within another edge
-  kUnknown  // so many edges meet in one place that they were not all compared
+  kSimple,    // edges meet in common ends only, and no two boundaries pass through each other there
+  kTouching,  // the same but for vertices that lie within edges, which they touch from one side
+  kFaulty     // boundaries cross, overlap or fold back somewhere, or an edge has no length
 };
 
-// Of the rings in the index, none of whose edges is without length. n log n, and pairs of edges with common boxes.
-ExactSimplicity ExactSimplicityOf(const EdgeIndex& index);
+// Of all rings together. n log n, however the edges lie.
+ExactSimplicity ExactSimplicityOf(std::span<const RingSpan> rings);
 
 }  // namespace zbr

@@ -20,6 +20,10 @@ namespace zbr {
 
 class NearLeaves {
  public:
+  // With more pairs than this in which nothing meets, many long slanted edges lie beside each other, and every two have a common
+  // box. The sweep over an arrangement tells them apart sooner.
+  static constexpr std::size_t kMostPairsPerLeaf = 512;
+
   // Calls visitor.VisitLeaf(leaf) for leaves whose edges may come near each other, and visitor.VisitLeaves(a, b), a before b, for
   // pairs of leaves whose boxes come within `room`. Both return false to end the search; so does Run then. Before a leaf is
   // searched with what is in a node of some level, visitor.ComesNear(leaf, level, node) may tell that none of its edges comes into

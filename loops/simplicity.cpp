@@ -34,7 +34,10 @@ class SelfSearch {
   }
 
   bool VisitLeaf(std::uint32_t leaf) { return !IsLeafUnclear(leaf); }
-  bool VisitLeaves(std::uint32_t a, std::uint32_t b) { return AreStripsApart(a, b) || !AreLeavesUnclear(a, b); }
+  bool VisitLeaves(std::uint32_t a, std::uint32_t b) {
+    if (++leafPairs_ > NearLeaves::kMostPairsPerLeaf * index_.tree().Count(0)) return false;
+    return AreStripsApart(a, b) || !AreLeavesUnclear(a, b);
+  }
   bool ComesNear(std::uint32_t leaf, int level, std::uint32_t node) const {
     if (!strips_.IsEmpty()) return true;  // strips tell sooner
     bool comesNear = false;
@@ -146,7 +149,7 @@ bool SelfSearch::IsLeafUnclear(std::uint32_t leaf) {
 
 bool SelfSearch::AreStripsApart(std::uint32_t a, std::uint32_t b) {
   if (strips_.IsEmpty()) {
-    if (++leafPairs_ <= kPairsPerLeaf * index_.tree().Count(0)) return false;
+    if (leafPairs_ <= kPairsPerLeaf * index_.tree().Count(0)) return false;
     strips_.Fill(index_);
   }
   return strips_.AreApart(a, b, near_);

@@ -140,7 +140,7 @@ int RunDraw(const DrawOptions& options) {
   Report report;
   Stopwatch watch;
   progress.Stage("reading");
-  Objects objects = ReadObjects(plan.objects, options.modelFormat);
+  Objects objects = ReadObjects(plan.objects, options.modelFormat, plan.threads);
   const double read = watch.Lap();
 
   progress.Stage("joining triangles");
@@ -165,7 +165,7 @@ int RunDraw(const DrawOptions& options) {
   NoteUnmarked(sheet, progress);
   OutputFiles files;
   for (const SheetOutput& output : plan.outputs)
-    files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount(), options.dxf));
+    files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount(), options.dxf, plan.threads));
   files.Commit();
   progress.Stage("");
 

@@ -60,16 +60,16 @@ bool AreRead(const std::vector<PlacedFile>& files, const std::string& output) {
          std::any_of(files.begin(), files.end(), [&](const PlacedFile& placed) { return IsSameFile(placed.file, output); });
 }
 
-Mesh ReadModel(const std::string& file, const std::string& format) {
+Mesh ReadModel(const std::string& file, const std::string& format, unsigned threads) {
   if (format.empty() && FormatOf(file, Format::kUnknown) != Format::kUnknown)
     throw Failure(file, "is a drawing, no model; 'zbr info' examines it, 'zbr bool', 'zbr clip' and 'zbr nest' take it");
-  return OrHint("--model-format", [&] { return ReadMesh(file, format); });
+  return OrHint("--model-format", [&] { return ReadMesh(file, format, threads); });
 }
 
-Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format) {
+Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format, unsigned threads) {
   Objects objects;
   for (const PlacedFile& placed : files) {
-    AddObject(objects, ReadModel(placed.file, format), {BaseName(placed.file), placed.id, placed.shift});
+    AddObject(objects, ReadModel(placed.file, format, threads), {BaseName(placed.file), placed.id, placed.shift});
   }
   return objects;
 }

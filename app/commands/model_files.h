@@ -24,10 +24,10 @@ std::vector<PlacedFile> ListObjects(const std::vector<std::string>& models, cons
 bool AreRead(const std::vector<PlacedFile>& files, const std::string& output);
 
 // Fails when the file cannot be read. `format` is that of a file whose name does not tell.
-Mesh ReadModel(const std::string& file, const std::string& format);
+Mesh ReadModel(const std::string& file, const std::string& format, unsigned threads = 1);
 
 // Fails when a file cannot be read or a shift carries points out of range. `format` is that of files whose names do not tell.
-Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format);
+Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format, unsigned threads);
 
 // The names of all files, separated by commas, without folders and extensions.
 std::string TitleOf(const std::vector<PlacedFile>& files);

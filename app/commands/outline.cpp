@@ -116,13 +116,13 @@ int RunOutline(const OutlineOptions& options) {
   std::vector<std::pair<std::string, double>> stages;
   Stopwatch watch;
   progress.Stage("reading");
-  const Objects objects = ReadObjects(files, options.modelFormat);
+  const Objects objects = ReadObjects(files, options.modelFormat, ThreadCount(options.jobs));
   const View view = ChooseView(options.view, objects.mesh.yUp);
   stages.emplace_back("read", watch.Lap());
 
   progress.Stage("joining triangles");
   constexpr double kAnyCrease = 180;  // no lines are drawn
-  const Model model = MakeModel(objects.mesh, kAnyCrease, options.weld);
+  const Model model = MakeModel(objects.mesh, kAnyCrease, options.weld, ThreadCount(options.jobs));
   if (model.TriangleCount() == 0) throw Failure(files.front().file, "no triangle has an area");
   stages.emplace_back("model", watch.Lap());
 

@@ -12,6 +12,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "drawing/curves/parts_beside.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -19,7 +21,6 @@ namespace {
 constexpr double kLineWidth = 0.2;
 constexpr double kRounding = 1e-6;    // in the same: of lines that are at one place
 constexpr double kLargestTurn = 0.5;  // sine of the angle between chords of one circle that are at one place
-constexpr double kLong = 20.0;        // how long silhouettes run side by side, in the distances that they may be apart
 
 // Twice the area of the triangle over the edge, over the edge's length.
 double WidthOver(const ZBR_ZBREPT& triangle, std::size_t edge) {
@@ -51,39 +52,6 @@ double HeightOverChord(const Circle& circle, const ZBR_ZBREPT& triangle, std::si
   const ZBR_PT3 middle = (VertexOf(triangle, edge).GetPt() + VertexOf(triangle, (edge + 1) % 3).GetPt()) * 0.5;
   return std::max(circle.radius - middle.Distance(circle.centre), 0.0);
 }
-
-struct Part {
-  double from, to;
-};
-
-// Widens the part by where the segment is within `reach` of a point.
-void AddDisc(const ZBR_SEG& s, const ZBR_PT& centre, double reach, Part& part) {
-  const ZBR_PT d = s.e() - s.s(), o = s.s() - centre;
-  const double along = d.Length2(), half = o.InnerProduct(d), root = half * half - along * (o.Length2() - reach * reach);
-  if (!(root >= 0) || !(along > 0)) return;
-  part.from = std::min(part.from, std::max((-half - std::sqrt(root)) / along, 0.0));
-  part.to = std::max(part.to, std::min((-half + std::sqrt(root)) / along, 1.0));
-}
-
-// The part of a segment whose coordinate, at0 at its start and at1 at its end, is between two values.
-Part PartBetween(double at0, double at1, double low, double high) {
-  if (at0 == at1) return at0 >= low && at0 <= high ? Part{0.0, 1.0} : Part{1.0, 0.0};
-  const double t0 = (low - at0) / (at1 - at0), t1 = (high - at0) / (at1 - at0);
-  return {std::max(std::min(t0, t1), 0.0), std::min(std::max(t0, t1), 1.0)};
-}
-
-// A segment beside another: the part of it that runs there, and of that the part that is near.
-struct Side {
-  Part along, near;
-
-  Side(const ZBR_SEG& s, const ZBR_SEG& other, double reach) {
-    const ZBR_PT unit = (other.e() - other.s()) * (1.0 / other.s().Distance(other.e()));
-    const ZBR_PT a = s.s() - other.s(), b = s.e() - other.s();
-    along = PartBetween(unit.InnerProduct(a), unit.InnerProduct(b), 0.0, other.s().Distance(other.e()));
-    const Part close = PartBetween(unit.OuterProduct(a), unit.OuterProduct(b), -reach, reach);
-    near = {std::max(along.from, close.from), std::min(along.to, close.to)};
-  }
-};
 
 // How far apart stretches of one curve may be.
 double Reach(double height, double other) {
@@ -146,28 +114,16 @@ class Kept {
     const double reach = Reach(stretch.height, other.height);
     const ZBR_SEG &s = stretch.segment, &o = other.segment;
     const double length = s.s().Distance(s.e()), otherLength = o.s().Distance(o.e());
-    if ((stretch.circle == kNoCircle) != (other.circle == kNoCircle) || !(length > 0 && otherLength > 0)) return {1.0, 0.0};
+    if ((stretch.circle == kNoCircle) != (other.circle == kNoCircle) || !(length > 0 && otherLength > 0)) return kNoPart;
     const Side side(s, o, reach);
-    if (stretch.circle == kNoCircle) {
-      const bool isOne = side.near.from <= side.along.from && side.near.to >= side.along.to &&
-                         (side.along.to - side.along.from) * length >= kLong * reach;
-      return isOne ? side.near : Part{1.0, 0.0};
-    }
+    if (stretch.circle == kNoCircle) return side.IsOneLine(length, reach) ? side.near : kNoPart;
     const double turn = std::abs((s.e() - s.s()).OuterProduct(o.e() - o.s()));
-    if (turn > kLargestTurn * length * otherLength || !AreOne(stretch.circle, other.circle, reach)) return {1.0, 0.0};
-    Part part = side.near.from <= side.near.to ? side.near : Part{1.0, 0.0};
+    if (turn > kLargestTurn * length * otherLength || !AreSeenAsOne(scene_, *circles_, stretch.circle, other.circle, reach))
+      return kNoPart;
+    Part part = side.near.from <= side.near.to ? side.near : kNoPart;
     AddDisc(s, o.s(), reach, part);
     AddDisc(s, o.e(), reach, part);
     return part;
-  }
-
-  // Whether circles are seen as one.
-  bool AreOne(std::uint32_t a, std::uint32_t b, double reach) const {
-    if (a == b) return true;
-    const Circle &c = circles_->all[a], &d = circles_->all[b];
-    const double tolerance = reach / scene_.scale;
-    return std::abs(c.radius - d.radius) <= tolerance && c.axis.OuterProduct(d.axis).Length() * c.radius <= tolerance &&
-           scene_.view.In(c.centre - d.centre).xy().Length() <= tolerance;
   }
 
   // Of the other shells.
@@ -200,6 +156,14 @@ double CellFor(const std::vector<CurvedStretch>& visible, const std::vector<Curv
 }
 
 }  // namespace
+
+bool AreSeenAsOne(const Scene& scene, const Circles& circles, std::uint32_t a, std::uint32_t b, double reach) {
+  if (a == b) return true;
+  const Circle &c = circles.all[a], &d = circles.all[b];
+  const double tolerance = reach / scene.scale;
+  return std::abs(c.radius - d.radius) <= tolerance && c.axis.OuterProduct(d.axis).Length() * c.radius <= tolerance &&
+         scene.view.In(c.centre - d.centre).xy().Length() <= tolerance;
+}
 
 bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, std::size_t shell, std::size_t triangle,
               std::size_t edge, EdgeClass edgeClass, CurvedStretch& stretch) {

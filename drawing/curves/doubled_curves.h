@@ -23,6 +23,9 @@ struct CurvedStretch {
 bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, std::size_t shell, std::size_t triangle,
               std::size_t edge, EdgeClass edgeClass, CurvedStretch& stretch);
 
+// Whether circles, places in `circles`, differ by no more than `reach` in the scene.
+bool AreSeenAsOne(const Scene& scene, const Circles& circles, std::uint32_t a, std::uint32_t b, double reach);
+
 // Part of a segment, from 0 to 1.
 struct PartOfStretch {
   std::size_t stretch = 0;

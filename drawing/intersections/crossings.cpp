@@ -24,6 +24,7 @@
 #include "drawing/intersections/sheets.h"
 #include "drawing/intersections/slender_tree.h"
 #include "drawing/intersections/triangle_trees.h"
+#include "drawing/model/patches.h"
 #include "drawing/parallel.h"
 
 namespace zbr::drawing {
@@ -112,22 +113,21 @@ class Signs {
   const std::vector<GridPoint>& points_;
 };
 
-// How many pairs of triangles that share a corner are to be looked at: whether it is worth knowing the corners at which nothing can
-// be found.
+// How many pairs of triangles, most of which share a corner, are to be looked at: whether it is worth knowing beforehand the
+// corners at which nothing can be found, and the patches in which nothing is wanted.
 enum class SharedCorners { kFew, kMany };
 
 class Finder {
  public:
-  Finder(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches, unsigned threads,
-         const SettleLines& settle)
+  Finder(const Model& model, const Connectivity& mesh, unsigned threads, const SettleLines& settle)
       : model_(model),
         mesh_(mesh),
-        patches_(patches),
         threads_(threads),
         settle_(settle),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
-        trees_(grid_, mesh.corners, model.shellBegin) {}
+        trees_(grid_, mesh.corners, model.shellBegin),
+        patches_(mesh.corners.size(), Connectivity::kNone) {}
 
   Lines Run() {
     for (std::size_t s = 0; s < model_.ShellCount();) {
@@ -163,11 +163,12 @@ class Finder {
     for (const Lines& part : parts) found_.insert(found_.end(), part.begin(), part.end());
   }
 
-  void WithinSmall(std::size_t s, Lines& found) const {
+  void WithinSmall(std::size_t s, Lines& found) {
     if (IsConvex(model_, mesh_, s)) return;
+    FindPatchesOf(s, model_, mesh_, patches_);
     const std::size_t from = found.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const std::vector<Leaf> leaves = LeavesOf(order);
+      const std::vector<Leaf> leaves = LeavesOf(order, SharedCorners::kMany);
       auto visit = [&](std::uint32_t i, std::uint32_t j) {
         MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
       };
@@ -178,21 +179,33 @@ class Finder {
 
   void WithinLarge(std::size_t s) {
     if (IsConvex(model_, mesh_, s)) return;
+    std::once_flag arePatchesKnown;
+    const auto findPatches = [&] { std::call_once(arePatchesKnown, [&] { FindPatchesOf(s, model_, mesh_, patches_); }); };
     const std::size_t from = found_.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const std::vector<Leaf> leaves = LeavesOf(order);
       const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
       const auto isSheet = [&](std::size_t level, std::uint32_t node) { return sheets.IsSheet(level, node); };
       const SharedCorners corners = sheets.AreMost() ? SharedCorners::kFew : SharedCorners::kMany;
+      if (corners == SharedCorners::kMany) findPatches();
+      const std::vector<Leaf> leaves = LeavesOf(order, corners);
       const std::vector<NodePair> pairs = tree.PairsOfNodes(isSheet);
       InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
         auto visit = [&](std::uint32_t i, std::uint32_t j) {
           MeetWithin(leaves[i], leaves[j], order[i], order[j], corners, found);
         };
+        const std::size_t begin = found.size();
         tree.Join(pairs[k], visit, isSheet);
+        if (begin == found.size() || corners == SharedCorners::kMany) return;
+        findPatches();
+        DropWithinPatches(found, begin);
       });
     });
     settle_(found_, from);
+  }
+
+  void DropWithinPatches(Lines& found, std::size_t from) const {
+    const auto isWithin = [&](const IntersectionLine& line) { return patches_[line.triangles[0]] == patches_[line.triangles[1]]; };
+    found.erase(std::remove_if(found.begin() + static_cast<std::ptrdiff_t>(from), found.end(), isWithin), found.end());
   }
 
   template <class Use>
@@ -218,16 +231,16 @@ class Finder {
     });
   }
 
-  // What is asked of most pairs, in the order of a tree's leaves.
+  // What is asked of most pairs, in the order of a tree's leaves. Where patches are not known, each triangle is one.
   struct Leaf {
     Corners corners;
     std::uint32_t patch;
   };
 
-  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order) const {
+  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order, SharedCorners corners) const {
     std::vector<Leaf> leaves;
     leaves.reserve(order.size());
-    for (const std::uint32_t t : order) leaves.push_back({mesh_.corners[t], patches_[t]});
+    for (const std::uint32_t t : order) leaves.push_back({mesh_.corners[t], corners == SharedCorners::kMany ? patches_[t] : t});
     return leaves;
   }
 
@@ -329,12 +342,12 @@ class Finder {
 
   const Model& model_;
   const Connectivity& mesh_;
-  const std::vector<std::uint32_t>& patches_;
   const unsigned threads_;
   const SettleLines& settle_;
   const std::vector<GridPoint> grid_;
   const Signs signs_;
   const TriangleTrees trees_;
+  std::vector<std::uint32_t> patches_;  // of the triangles of shells that are looked through; of those alone
   mutable std::once_flag isPlainKnown_;
   mutable std::vector<bool> isPlain_;  // points
   Lines found_;
@@ -342,9 +355,9 @@ class Finder {
 
 }  // namespace
 
-std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, const std::vector<std::uint32_t>& patches,
-                                            unsigned threads, const SettleLines& settle) {
-  return Finder(model, mesh, patches, threads, settle).Run();
+std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, unsigned threads,
+                                            const SettleLines& settle) {
+  return Finder(model, mesh, threads, settle).Run();
 }
 
 }  // namespace zbr::drawing

@@ -11,9 +11,6 @@ namespace {
 // Of grid coordinates. Of a double's 53 digits one is kept for differences, one for a middle that is off, and one to spare.
 constexpr int kDigits = 50;
 
-// Rounding of the determinant's nine products and five sums, in parts of the sum of the absolute values; rounded up.
-constexpr double kError = 8.0 / 9007199254740992.0;  // 8 * 2^-53
-
 struct Two {
   double high, low;  // the exact sum of both
 };
@@ -107,7 +104,10 @@ std::vector<GridPoint> OnGrid(const std::vector<ZBR_PT3>& points, const ZBR_PT3&
     return std::ldexp(std::nearbyint(std::ldexp(a / 2 + b / 2, -exponent)), exponent);
   };
   const ZBR_PT3 m(middle(low.x(), high.x()), middle(low.y(), high.y()), middle(low.z(), high.z()));
-  const auto place = [&](double x) { return std::nearbyint(std::ldexp(x, kDigits - exponent)); };
+  // In two steps, as the power of two as a whole may be no number.
+  const int shift = kDigits - exponent;
+  const double first = std::ldexp(1.0, shift / 2), second = std::ldexp(1.0, shift - shift / 2);
+  const auto place = [&](double x) { return std::nearbyint(x * first * second); };
   std::vector<GridPoint> grid;
   grid.reserve(points.size());
   for (const ZBR_PT3& p : points) grid.push_back({place(p.x() - m.x()), place(p.y() - m.y()), place(p.z() - m.z())});
@@ -121,18 +121,7 @@ double Volume6(const GridPoint& a, const GridPoint& b, const GridPoint& c, const
   const double value = u.x * (yz - zy) + u.y * (zx - xz) + u.z * (xy - yx);
   const double size = std::abs(u.x) * (std::abs(yz) + std::abs(zy)) + std::abs(u.y) * (std::abs(zx) + std::abs(xz)) +
                       std::abs(u.z) * (std::abs(xy) + std::abs(yx));
-  return std::abs(value) > kError * size || size == 0 ? value : ExactVolume6(u, v, w);
-}
-
-PlaneThrough::PlaneThrough(const GridPoint& a, const GridPoint& b, const GridPoint& c) : a_(a) {
-  const GridPoint u = Minus(b, a), v = Minus(c, a);
-  const auto set = [](double p, double q, double& normal, double& error) {
-    normal = p - q;
-    error = kError * (std::abs(p) + std::abs(q));
-  };
-  set(u.y * v.z, u.z * v.y, normal_.x, error_.x);
-  set(u.z * v.x, u.x * v.z, normal_.y, error_.y);
-  set(u.x * v.y, u.y * v.x, normal_.z, error_.z);
+  return std::abs(value) > kDeterminantError * size || size == 0 ? value : ExactVolume6(u, v, w);
 }
 
 int CrossSign(const GridPoint& a, const GridPoint& b, const GridPoint& c, const GridPoint& d) {

@@ -20,6 +20,10 @@ struct GridPoint {
   double x = 0.0, y = 0.0, z = 0.0;
 };
 
+// Rounding of the nine products and five sums of a determinant of differences, in parts of the sum of the absolute values; rounded
+// up.
+inline constexpr double kDeterminantError = 8.0 / 9007199254740992.0;  // 8 * 2^-53
+
 // The points on the grid, relative to a point near their middle.
 std::vector<GridPoint> OnGrid(const std::vector<ZBR_PT3>& points, const ZBR_PT3& low, const ZBR_PT3& high);
 
@@ -31,7 +35,12 @@ double Volume6(const GridPoint& a, const GridPoint& b, const GridPoint& c, const
 // of the work.
 class PlaneThrough {
  public:
-  PlaneThrough(const GridPoint& a, const GridPoint& b, const GridPoint& c);
+  PlaneThrough(const GridPoint& a, const GridPoint& b, const GridPoint& c) : a_(a) {
+    const double ux = b.x - a.x, uy = b.y - a.y, uz = b.z - a.z, vx = c.x - a.x, vy = c.y - a.y, vz = c.z - a.z;
+    Set(uy * vz, uz * vy, normal_.x, error_.x);
+    Set(uz * vx, ux * vz, normal_.y, error_.y);
+    Set(ux * vy, uy * vx, normal_.z, error_.z);
+  }
 
   // The sign of Volume6, or 0 where rounding does not let it be told.
   int SideIfClear(const GridPoint& d) const {
@@ -56,15 +65,16 @@ class PlaneThrough {
     return 0;
   }
 
-  // The sign of the normal's product with a direction of small whole numbers, or 0 in doubt.
-  int FacesIfClear(const GridPoint& direction) const {
-    const double x = direction.x * normal_.x, y = direction.y * normal_.y, z = direction.z * normal_.z;
-    const double value = x + y + z,
-                 error = std::abs(direction.x) * error_.x + std::abs(direction.y) * error_.y + std::abs(direction.z) * error_.z;
-    return (value > error) - (value < -error);
-  }
+  // The cross product of two sides, and how far it is off at most.
+  const GridPoint& Normal() const { return normal_; }
+  const GridPoint& NormalError() const { return error_; }
 
  private:
+  static void Set(double p, double q, double& normal, double& error) {
+    normal = p - q;
+    error = kDeterminantError * (std::abs(p) + std::abs(q));
+  }
+
   GridPoint a_;
   GridPoint normal_, error_;  // and what rounding does to a volume, for each component of the point's distance
 };

@@ -157,7 +157,7 @@ std::vector<IntersectionLine> FindIntersections(const Model& model, double conta
   const Connectivity mesh = ConnectivityOf(model, threads);
   const Judge judge(model, mesh, contact);
   const auto settle = [&judge](std::vector<IntersectionLine>& lines, std::size_t from) { Settle(lines, from, judge); };
-  return FindCrossings(model, mesh, FindPatches(model, mesh, threads), threads, settle);
+  return FindCrossings(model, mesh, threads, settle);
 }
 
 }  // namespace zbr::drawing

@@ -18,29 +18,48 @@ constexpr double kMostBorder = 16.0;
 // What is seen of points from far along a direction: the products with two vectors, of which the direction is the cross product.
 // Those of whole numbers are such numbers.
 struct Picture {
-  GridPoint direction, right, up;
+  GridPoint right, up;
 
   PicturePoint Of(const GridPoint& p) const { return {Dot(right, p), Dot(up, p)}; }
   static double Dot(const GridPoint& a, const GridPoint& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 };
 
-// Along the axes and half-way between two of them. Each stands for its opposite, too.
-constexpr std::array<Picture, 9> kPictures = {{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
-                                               {{0, 1, 0}, {0, 0, 1}, {1, 0, 0}},
-                                               {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-                                               {{0, 1, 1}, {0, 1, -1}, {-1, 0, 0}},
-                                               {{0, 1, -1}, {0, 1, 1}, {1, 0, 0}},
-                                               {{1, 0, 1}, {-1, 0, 1}, {0, -1, 0}},
-                                               {{-1, 0, 1}, {1, 0, 1}, {0, 1, 0}},
-                                               {{1, 1, 0}, {1, -1, 0}, {0, 0, -1}},
-                                               {{1, -1, 0}, {1, 1, 0}, {0, 0, 1}}}};
+// Along (1, 0, 0), (0, 1, 0), (0, 0, 1), (0, 1, 1), (0, 1, -1), (1, 0, 1), (-1, 0, 1), (1, 1, 0) and (1, -1, 0). Each stands for
+// its opposite, too.
+constexpr std::array<Picture, 9> kPictures = {{{{0, 1, 0}, {0, 0, 1}},
+                                               {{0, 0, 1}, {1, 0, 0}},
+                                               {{1, 0, 0}, {0, 1, 0}},
+                                               {{0, 1, -1}, {-1, 0, 0}},
+                                               {{0, 1, 1}, {1, 0, 0}},
+                                               {{-1, 0, 1}, {0, -1, 0}},
+                                               {{1, 0, 1}, {0, 1, 0}},
+                                               {{1, -1, 0}, {0, 0, -1}},
+                                               {{1, 1, 0}, {0, 0, 1}}}};
 constexpr std::uint32_t kAllPictures = (1U << 2 * kPictures.size()) - 1;
+
+// The pictures in which the plane is clearly seen from its front, two bits for each direction and its opposite.
+std::uint32_t TurnsOf(const PlaneThrough& plane) {
+  const auto [n, e] = std::pair(plane.Normal(), plane.NormalError());
+  const std::array<double, kPictures.size()> along = {n.x,       n.y,       n.z,       n.y + n.z, n.y - n.z,
+                                                      n.x + n.z, n.z - n.x, n.x + n.y, n.x - n.y};
+  const std::array<double, kPictures.size()> error = {e.x,       e.y,       e.z,       e.y + e.z, e.y + e.z,
+                                                      e.x + e.z, e.x + e.z, e.x + e.y, e.x + e.y};
+  std::uint32_t turns = 0;
+  for (std::size_t k = 0; k < kPictures.size(); ++k) {
+    turns |= static_cast<std::uint32_t>(along[k] > error[k]) << (2 * k);
+    turns |= static_cast<std::uint32_t>(along[k] < -error[k]) << (2 * k + 1);
+  }
+  return turns;
+}
+
+// Added to a neighbour that runs along the common edge the same way: there are fewer triangles than this.
+constexpr std::uint32_t kTurned = 0x80000000U;
 
 }  // namespace
 
 Sheets::Sheets(const std::vector<GridPoint>& points, const Connectivity& mesh, std::span<const std::uint32_t> order,
                std::uint32_t first, unsigned threads)
-    : points_(points), mesh_(mesh), order_(order), place_(order.size()), first_(first) {
+    : points_(points), mesh_(mesh), order_(order), first_(first), place_(order.size()) {
   const auto count = static_cast<std::uint32_t>(order.size());
   for (std::uint32_t k = 0; k < count; ++k) place_[order[k] - first] = k;
   std::size_t level = 0;
@@ -50,14 +69,32 @@ Sheets::Sheets(const std::vector<GridPoint>& points, const Connectivity& mesh, s
     if (++level >= kLowest) isSheet_[level - kLowest].resize(nodes);
   }
   if (level < kLowest) return;
-  RunParallel(nodes, threads, [&](std::size_t node) {
-    const auto number = static_cast<std::uint32_t>(node);
-    const auto [begin, end] = Leaves(level, number);
-    std::vector<std::uint32_t> turns;
-    turns.reserve(end - begin);
-    for (std::uint32_t k = begin; k < end; ++k) turns.push_back(Turns(order_[k]));
-    Find(level, number, turns);
+  LookAtTriangles(threads);
+  RunParallel(nodes, threads, [&](std::size_t node) { Find(level, static_cast<std::uint32_t>(node)); });
+}
+
+// In their own order, in which their points and neighbours are near each other.
+void Sheets::LookAtTriangles(unsigned threads) {
+  turns_.resize(order_.size());
+  neighbours_.resize(order_.size());
+  RunInRanges(order_.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t t = begin; t < end; ++t) {
+      const auto& c = mesh_.corners[first_ + t];
+      turns_[t] = TurnsOf(PlaneThrough(points_[c[0]], points_[c[1]], points_[c[2]]));
+      for (std::size_t i = 0; i < 3; ++i) neighbours_[t][i] = Neighbour(static_cast<std::uint32_t>(first_ + t), i);
+    }
   });
+}
+
+// Of two neighbours the later one tells which way they run.
+std::uint32_t Sheets::Neighbour(std::uint32_t t, std::size_t i) const {
+  const std::uint32_t edge = mesh_.edges[t][i], u = mesh_.Across(edge, t);
+  if (u == Connectivity::kNone) return Connectivity::kNone;
+  const std::uint32_t place = place_[u - first_];
+  if (u > t) return place;
+  const auto& edges = mesh_.edges[u];
+  const std::size_t j = edges[0] == edge ? 0 : edges[1] == edge ? 1 : 2;
+  return mesh_.corners[u][j] == mesh_.corners[t][(i + 1) % 3] ? place : place | kTurned;
 }
 
 Sheets::Triangles Sheets::Leaves(std::size_t level, std::uint32_t node) const {
@@ -67,33 +104,20 @@ Sheets::Triangles Sheets::Leaves(std::size_t level, std::uint32_t node) const {
   return {static_cast<std::uint32_t>(node * size), static_cast<std::uint32_t>(end)};
 }
 
-// `turns` are those of the node's triangles.
-void Sheets::Find(std::size_t level, std::uint32_t node, std::span<const std::uint32_t> turns) {
+void Sheets::Find(std::size_t level, std::uint32_t node) {
   const auto leaves = Leaves(level, node);
   std::uint32_t common = kAllPictures;
-  for (const std::uint32_t t : turns) common &= t;
+  for (std::uint32_t k = leaves[0]; k < leaves[1]; ++k) common &= turns_[order_[k] - first_];
   // Another picture of it would hardly do better.
   if (common != 0 && IsInjective(leaves, static_cast<unsigned>(std::countr_zero(common)))) {
     isSheet_[level - kLowest][node] = 1;
-    covered_ += turns.size();
+    covered_ += leaves[1] - leaves[0];
     return;
   }
   if (level == kLowest) return;
-  const std::size_t size = std::size_t{1} << (2 * (level - 1));
-  for (std::uint32_t i = 0; i < TreeView::kFanOut && i * size < turns.size(); ++i)
-    Find(level - 1, node * TreeView::kFanOut + i, turns.subspan(i * size, std::min(size, turns.size() - i * size)));
-}
-
-// The pictures in which the triangle is clearly counter-clockwise, two bits for each direction and its opposite.
-std::uint32_t Sheets::Turns(std::uint32_t triangle) const {
-  const auto& c = mesh_.corners[triangle];
-  const PlaneThrough plane(points_[c[0]], points_[c[1]], points_[c[2]]);
-  std::uint32_t turns = 0;
-  for (std::size_t k = 0; k < kPictures.size(); ++k) {
-    const int side = plane.FacesIfClear(kPictures[k].direction);
-    if (side != 0) turns |= 1U << (2 * k + (side > 0 ? 0 : 1));
-  }
-  return turns;
+  const auto end =
+      std::min<std::uint32_t>((node + 1) * TreeView::kFanOut, static_cast<std::uint32_t>(isSheet_[level - 1 - kLowest].size()));
+  for (std::uint32_t child = node * TreeView::kFanOut; child < end; ++child) Find(level - 1, child);
 }
 
 // Two triangles that run along an edge the same way lie on the same side of it.
@@ -103,21 +127,19 @@ bool Sheets::IsInjective(const Triangles& leaves, unsigned turn) const {
     const PicturePoint seen = picture.Of(points_[p]);
     return turn % 2 == 0 ? seen : PicturePoint{seen.y, seen.x};  // from behind
   };
+  const auto isInside = [&](std::uint32_t place) { return place >= leaves[0] && place < leaves[1]; };
   std::vector<BorderEdge> border;
   const double most = kMostBorder * std::sqrt(static_cast<double>(leaves[1] - leaves[0]));
   for (std::uint32_t k = leaves[0]; k < leaves[1]; ++k) {
     const std::uint32_t t = order_[k];
-    const auto& c = mesh_.corners[t];
     for (std::size_t i = 0; i < 3; ++i) {
-      const std::uint32_t edge = mesh_.edges[t][i], u = mesh_.Across(edge, t), from = c[i], to = c[(i + 1) % 3];
-      if (u == Connectivity::kNone || place_[u - first_] < leaves[0] || place_[u - first_] >= leaves[1]) {
-        border.push_back({from, to, see(from), see(to)});
-        if (static_cast<double>(border.size()) > most) return false;
-        continue;
-      }
-      const auto j =
-          static_cast<std::size_t>(std::find(mesh_.edges[u].begin(), mesh_.edges[u].end(), edge) - mesh_.edges[u].begin());
-      if (mesh_.corners[u][j] != to) return false;
+      const std::uint32_t place = neighbours_[t - first_][i];
+      if (isInside(place)) continue;
+      if (place != Connectivity::kNone && isInside(place & ~kTurned)) return false;
+      const auto& c = mesh_.corners[t];
+      const std::uint32_t from = c[i], to = c[(i + 1) % 3];
+      border.push_back({from, to, see(from), see(to)});
+      if (static_cast<double>(border.size()) > most) return false;
     }
   }
   return WindsOnce(border);

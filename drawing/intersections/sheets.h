@@ -37,22 +37,26 @@ class Sheets {
   bool AreMost() const { return kMost * static_cast<double>(covered_) >= static_cast<double>(order_.size()); }
 
  private:
-  // Nodes of 64 triangles win little more than their making costs; the borders of those above 4096 become long.
-  static constexpr std::size_t kLowest = 3, kHighest = 6;
-  static constexpr double kMost = 1.03;
+  // Nodes of 64 triangles win little more than their making costs; the borders of those above 16384 become long.
+  static constexpr std::size_t kLowest = 3, kHighest = 7;
+  static constexpr double kMost = 1.01;
 
   using Triangles = std::array<std::uint32_t, 2>;  // leaves, from the first to before the second
 
   Triangles Leaves(std::size_t level, std::uint32_t node) const;
-  void Find(std::size_t level, std::uint32_t node, std::span<const std::uint32_t> turns);
-  std::uint32_t Turns(std::uint32_t triangle) const;
+  void LookAtTriangles(unsigned threads);
+  std::uint32_t Neighbour(std::uint32_t triangle, std::size_t i) const;
+  void Find(std::size_t level, std::uint32_t node);
   bool IsInjective(const Triangles& leaves, unsigned turn) const;
 
   const std::vector<GridPoint>& points_;
   const Connectivity& mesh_;
   std::span<const std::uint32_t> order_;
-  std::vector<std::uint32_t> place_;  // of triangles, in the order
   const std::uint32_t first_;
+  // Of triangles, in their own order:
+  std::vector<std::uint32_t> place_;                      // in the other one
+  std::vector<std::uint32_t> turns_;                      // the pictures in which they turn counter-clockwise
+  std::vector<std::array<std::uint32_t, 3>> neighbours_;  // places of what is across their edges
   std::array<std::vector<std::uint8_t>, kHighest - kLowest + 1> isSheet_;
   std::atomic<std::size_t> covered_{0};  // triangles
 };

@@ -74,20 +74,20 @@ SlenderTree::SlenderTree(std::span<const GridPoint> points, std::span<const Corn
   if (!(upright > kAiry * inside) || inside == 0) return;
   const Frame frame = FrameAlong(points, corners);
   const auto count = static_cast<std::uint32_t>(corners.size());
-  std::vector<FloatBox> boxes(TreeView::BoxCount(count), FloatBox::Empty());
+  std::vector<FloatBox> leaves;
+  leaves.reserve(count);
   constexpr double kRounding = 4.0;  // of coordinates in the frame; on the grid they are whole numbers
-  for (std::uint32_t t = 0; t < count; ++t) {
-    for (const std::uint32_t c : corners[t]) {
-      const GridPoint p = frame.In(points[c]);
-      boxes[t].Add(GridPoint{p.x - kRounding, p.y - kRounding, p.z - kRounding});
-      boxes[t].Add(GridPoint{p.x + kRounding, p.y + kRounding, p.z + kRounding});
-    }
-    slanting += AreaOf(boxes[t]);
+  for (const Corners& c : corners) {
+    const GridPoint p = frame.In(points[c[0]]), q = frame.In(points[c[1]]), r = frame.In(points[c[2]]);
+    const GridPoint low = Lowest(p, Lowest(q, r)), high = Highest(p, Highest(q, r));
+    leaves.push_back(FloatBox::Around({low.x - kRounding, low.y - kRounding, low.z - kRounding},
+                                      {high.x + kRounding, high.y + kRounding, high.z + kRounding}));
+    slanting += AreaOf(leaves.back());
+    if (slanting > kWorth * upright) return;
   }
-  if (slanting > kWorth * upright) return;
-  boxes_ = std::move(boxes);
+  boxes_.resize(TreeView::BoxCount(count));
   order_.resize(count);
-  BuildTree(std::span(boxes_).first(count), order_);
+  BuildTree(leaves, boxes_, order_);
   for (std::uint32_t& place : order_) place += first;
 }
 

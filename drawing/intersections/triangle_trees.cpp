@@ -2,6 +2,7 @@
 #include "drawing/intersections/triangle_trees.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -40,16 +41,87 @@ GridPoint MiddleOf(const FloatBox& box) {
           static_cast<double>(box.low[2]) + box.high[2]};
 }
 
-// Sorts boxes along the curve; `places` says where each was.
-void SortBoxes(std::span<FloatBox> boxes, std::span<std::uint32_t> places) {
-  std::vector<GridPoint> middles;
-  middles.reserve(boxes.size());
-  for (const FloatBox& box : boxes) middles.push_back(MiddleOf(box));
-  std::iota(places.begin(), places.end(), 0U);
-  SortAlongCurve(places, middles);
-  const std::vector<FloatBox> unsorted(boxes.begin(), boxes.end());
-  for (std::size_t i = 0; i < boxes.size(); ++i) boxes[i] = unsorted[places[i]];
-}
+// The order in which a space-filling curve through the box around the middles of boxes meets these middles. What is sorted are the
+// highest digits of their places on the curve, hardly ever the same, with the boxes' numbers behind them in one word: of many boxes
+// digit by digit, the last one first. For a million that takes a fourth of the time of comparing whole places.
+class CurveOrder {
+ public:
+  explicit CurveOrder(std::span<const FloatBox> boxes) : boxes_(boxes), low_(MiddleOf(boxes.front())) {
+    GridPoint high = low_;
+    for (const FloatBox& box : boxes) {
+      const GridPoint m = MiddleOf(box);
+      low_ = Lowest(low_, m);
+      high = Highest(high, m);
+    }
+    size_ = std::max({high.x - low_.x, high.y - low_.y, high.z - low_.z, 1.0});
+  }
+
+  void Fill(std::span<std::uint32_t> order) const {
+    const auto numberBits = static_cast<unsigned>(std::bit_width(boxes_.size()));
+    std::vector<std::uint64_t> keys;
+    keys.reserve(boxes_.size());
+    for (std::uint32_t i = 0; i < boxes_.size(); ++i) keys.push_back(PlaceOf(i) << 1U >> numberBits << numberBits | i);
+    Sort(keys);
+    const unsigned crowdBits = std::max(numberBits, kNotCounted);
+    const std::uint64_t number = (std::uint64_t{1} << numberBits) - 1;
+    Places crowd;
+    for (std::size_t begin = 0, end = 0; begin < keys.size(); begin = end) {
+      do {
+        order[end] = static_cast<std::uint32_t>(keys[end] & number);
+        ++end;
+      } while (end < keys.size() && keys[end] >> crowdBits == keys[begin] >> crowdBits);
+      if (end - begin > 1) SortCrowd(order.subspan(begin, end - begin), crowd);
+    }
+  }
+
+ private:
+  static constexpr unsigned kNotCounted = 20;  // lowest digits of a word, a number's of a million boxes
+
+  using Places = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
+
+  // Of the middle of a box; 63 digits.
+  std::uint64_t PlaceOf(std::uint32_t i) const {
+    constexpr double kCells = 2097151.0;  // 2^21 - 1
+    const GridPoint m = MiddleOf(boxes_[i]);
+    const auto cell = [&](double x) { return Spread(static_cast<std::uint64_t>(x / size_ * kCells)); };
+    return cell(m.x - low_.x) << 2U | cell(m.y - low_.y) << 1U | cell(m.z - low_.z);
+  }
+
+  static void Sort(std::vector<std::uint64_t>& keys) {
+    constexpr std::size_t kWorthCounting = 2048;
+    if (keys.size() < kWorthCounting) {
+      std::sort(keys.begin(), keys.end());
+      return;
+    }
+    constexpr unsigned kDigitBits = 11;
+    constexpr std::size_t kPasses = (64 - kNotCounted) / kDigitBits, kValues = std::size_t{1} << kDigitBits;
+    const auto digit = [](std::uint64_t key, std::size_t pass) {
+      return (key >> (kNotCounted + kDigitBits * pass)) & (kValues - 1);
+    };
+    std::array<std::array<std::uint32_t, kValues>, kPasses> starts{};
+    for (const std::uint64_t key : keys) {
+      for (std::size_t pass = 0; pass < kPasses; ++pass) ++starts[pass][digit(key, pass)];
+    }
+    std::vector<std::uint64_t> sorted(keys.size());
+    for (std::size_t pass = 0; pass < kPasses; ++pass) {
+      std::exclusive_scan(starts[pass].begin(), starts[pass].end(), starts[pass].begin(), 0U);
+      for (const std::uint64_t key : keys) sorted[starts[pass][digit(key, pass)]++] = key;
+      keys.swap(sorted);
+    }
+  }
+
+  // By the whole places, then by number.
+  void SortCrowd(std::span<std::uint32_t> crowd, Places& places) const {
+    places.clear();
+    for (const std::uint32_t i : crowd) places.emplace_back(PlaceOf(i), i);
+    std::sort(places.begin(), places.end());
+    std::transform(places.begin(), places.end(), crowd.begin(), [](const auto& place) { return place.second; });
+  }
+
+  const std::span<const FloatBox> boxes_;
+  GridPoint low_;
+  double size_;
+};
 
 }  // namespace
 
@@ -58,19 +130,9 @@ FloatBox FloatBox::Empty() {
   return {{kInfinity, kInfinity, kInfinity, 0}, {-kInfinity, -kInfinity, -kInfinity, 0}};
 }
 
-void FloatBox::Add(const GridPoint& p) {
-  const std::array<double, 3> x = {p.x, p.y, p.z};
-  for (std::size_t i = 0; i < 3; ++i) {
-    low[i] = std::min(low[i], Below(x[i]));
-    high[i] = std::max(high[i], drawing::Above(x[i]));
-  }
-}
-
-void FloatBox::Add(const FloatBox& o) {
-  for (std::size_t i = 0; i < 3; ++i) {
-    low[i] = std::min(low[i], o.low[i]);
-    high[i] = std::max(high[i], o.high[i]);
-  }
+FloatBox FloatBox::Around(const GridPoint& low, const GridPoint& high) {
+  return {{Below(low.x), Below(low.y), Below(low.z), 0},
+          {drawing::Above(high.x), drawing::Above(high.y), drawing::Above(high.z), 0}};
 }
 
 TreeView::TreeView(const FloatBox* boxes, std::uint32_t leaves) {
@@ -101,28 +163,10 @@ void TreeView::Build(FloatBox* boxes, std::uint32_t leaves) {
   }
 }
 
-void SortAlongCurve(std::span<std::uint32_t> places, std::span<const GridPoint> middles) {
-  GridPoint low = middles.front(), high = low;
-  for (const GridPoint& m : middles) {
-    low = {std::min(low.x, m.x), std::min(low.y, m.y), std::min(low.z, m.z)};
-    high = {std::max(high.x, m.x), std::max(high.y, m.y), std::max(high.z, m.z)};
-  }
-  constexpr double kCells = 2097151.0;  // 2^21 - 1
-  const double size = std::max({high.x - low.x, high.y - low.y, high.z - low.z, 1.0});
-  const auto cell = [size](double x) { return Spread(static_cast<std::uint64_t>(x / size * kCells)); };
-  std::vector<std::pair<std::uint64_t, std::uint32_t>> coded;
-  coded.reserve(places.size());
-  for (const std::uint32_t i : places) {
-    const GridPoint& m = middles[i];
-    coded.emplace_back(cell(m.x - low.x) << 2U | cell(m.y - low.y) << 1U | cell(m.z - low.z), i);
-  }
-  std::sort(coded.begin(), coded.end());
-  for (std::size_t k = 0; k < places.size(); ++k) places[k] = coded[k].second;
-}
-
-void BuildTree(std::span<FloatBox> boxes, std::span<std::uint32_t> places) {
-  SortBoxes(boxes, places);
-  TreeView::Build(boxes.data(), static_cast<std::uint32_t>(boxes.size()));
+void BuildTree(std::span<const FloatBox> leaves, std::span<FloatBox> boxes, std::span<std::uint32_t> places) {
+  CurveOrder(leaves).Fill(places);
+  for (std::size_t i = 0; i < leaves.size(); ++i) boxes[i] = leaves[places[i]];
+  TreeView::Build(boxes.data(), static_cast<std::uint32_t>(leaves.size()));
 }
 
 TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::vector<std::array<std::uint32_t, 3>>& corners,
@@ -133,22 +177,24 @@ TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::ve
   for (std::size_t s = 0; s < shells; ++s)
     boxBegin_.push_back(boxBegin_.back() + TreeView::BoxCount(shellBegin[s + 1] - shellBegin[s]));
   boxes_.resize(boxBegin_.back());
-  shellBoxes_.resize(TreeView::BoxCount(shells));
+  std::vector<FloatBox> shellLeaves, leaves;
   for (std::size_t s = 0; s < shells; ++s) {
     const std::uint32_t first = shellBegin[s], count = shellBegin[s + 1] - first;
-    const std::span<FloatBox> leaves(boxes_.data() + boxBegin_[s], count);
-    for (std::uint32_t t = 0; t < count; ++t) {
-      leaves[t] = FloatBox::Empty();
-      for (const std::uint32_t p : corners[first + t]) leaves[t].Add(points[p]);
+    leaves.clear();
+    leaves.reserve(count);
+    for (std::uint32_t t = first; t < first + count; ++t) {
+      const GridPoint &a = points[corners[t][0]], &b = points[corners[t][1]], &c = points[corners[t][2]];
+      leaves.push_back(FloatBox::Around(Lowest(a, Lowest(b, c)), Highest(a, Highest(b, c))));
     }
     const std::span<std::uint32_t> places(order_.data() + first, count);
-    BuildTree(leaves, places);
+    BuildTree(leaves, std::span(boxes_).subspan(boxBegin_[s]), places);
     for (std::uint32_t& place : places) place += first;
-    shellBoxes_[s] = Shell(s).Root();
+    shellLeaves.push_back(Shell(s).Root());
   }
   if (shells == 0) return;
   shellOrder_.resize(shells);
-  BuildTree(std::span(shellBoxes_).first(shells), shellOrder_);
+  shellBoxes_.resize(TreeView::BoxCount(shells));
+  BuildTree(shellLeaves, shellBoxes_, shellOrder_);
 }
 
 TreeView TriangleTrees::Shell(std::size_t s) const {

@@ -6,6 +6,7 @@
 // more often.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,9 +26,28 @@ struct alignas(16) FloatBox {
   std::array<float, 4> low, high;
 
   static FloatBox Empty();
-  void Add(const GridPoint& p);
+  static FloatBox Around(const GridPoint& low, const GridPoint& high);
   void Add(const FloatBox& o);
 };
+
+inline GridPoint Lowest(const GridPoint& a, const GridPoint& b) {
+  return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
+}
+inline GridPoint Highest(const GridPoint& a, const GridPoint& b) {
+  return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
+}
+
+inline void FloatBox::Add(const FloatBox& o) {
+#if defined(__SSE2__)
+  _mm_store_ps(low.data(), _mm_min_ps(_mm_load_ps(low.data()), _mm_load_ps(o.low.data())));
+  _mm_store_ps(high.data(), _mm_max_ps(_mm_load_ps(high.data()), _mm_load_ps(o.high.data())));
+#else
+  for (std::size_t i = 0; i < 3; ++i) {
+    low[i] = std::min(low[i], o.low[i]);
+    high[i] = std::max(high[i], o.high[i]);
+  }
+#endif
+}
 
 inline bool Meet(const FloatBox& a, const FloatBox& b) {
 #if defined(__SSE2__)
@@ -148,12 +168,9 @@ class TreeView {
   std::size_t top_ = 0;
 };
 
-// The places 0..n-1 in the order in which a space-filling curve through the box of all points meets the middles.
-void SortAlongCurve(std::span<std::uint32_t> places, std::span<const GridPoint> middles);
-
-// Puts boxes, of which there is at least one, in the order of the curve and fills the levels above them; `places` says where each
-// was. Behind the boxes is room for these levels.
-void BuildTree(std::span<FloatBox> boxes, std::span<std::uint32_t> places);
+// Fills `boxes` with the leaves, of which there is at least one, in the order in which a space-filling curve meets their middles,
+// and the levels above them; `places` says where each was.
+void BuildTree(std::span<const FloatBox> leaves, std::span<FloatBox> boxes, std::span<std::uint32_t> places);
 
 // Trees of shells whose triangles have consecutive numbers.
 class TriangleTrees {

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "drawing/model/shell_ranges.h"
+#include "drawing/touched.h"
 
 namespace zbr::drawing {
 namespace {
@@ -21,11 +22,11 @@ std::vector<std::uint32_t> PointBegins(const Model& model) {
 Connectivity ConnectivityOf(const Model& model, unsigned threads) {
   Connectivity all;
   const std::vector<std::uint32_t> pointBegin = PointBegins(model);
-  all.points.resize(pointBegin.back());
-  all.corners.resize(model.TriangleCount());
-  all.edges.resize(model.TriangleCount());
-  all.sides.resize(model.edgeBegin.back());
-  all.shows.resize(model.edgeBegin.back());
+  ResizeTouched(all.points, pointBegin.back(), threads);
+  ResizeTouched(all.corners, model.TriangleCount(), threads);
+  ResizeTouched(all.edges, model.TriangleCount(), threads);
+  ResizeTouched(all.sides, model.edgeBegin.back(), threads);
+  ResizeTouched(all.shows, model.edgeBegin.back(), threads);
   ForEachPart(pointBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
     for (std::size_t v = begin; v < end; ++v)
       all.points[pointBegin[s] + v] = model.Shell(s).GetVertex(static_cast<int>(v))->GetPt();

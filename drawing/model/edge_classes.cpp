@@ -15,6 +15,7 @@
 
 #include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
+#include "drawing/touched.h"
 
 namespace zbr::drawing {
 namespace {
@@ -117,7 +118,7 @@ struct FlatTriangle {
 
 void SetNormals(Model& model, unsigned threads) {
   const double perDiagonal = PerDiagonal(model), least = std::max(kNoHeight, kSteps * model.rounding * perDiagonal);
-  model.normals.resize(model.TriangleCount());
+  ResizeTouched(model.normals, model.TriangleCount(), threads);
   std::vector<std::vector<FlatTriangle>> inRange(RangeCount(model.TriangleCount()));
   ForEachPart(model.shellBegin, threads, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
     for (std::size_t k = begin; k < end; ++k) {

@@ -61,9 +61,13 @@ double PlaneTolerance(const Model& model) {
   return std::max(kSteps * model.rounding, kOfDiagonal * model.Diagonal());
 }
 
+void FindPatchesOf(std::size_t shell, const Model& model, const Connectivity& mesh, std::vector<std::uint32_t>& patches) {
+  Grower(model, mesh, patches).Run(shell);
+}
+
 std::vector<std::uint32_t> FindPatches(const Model& model, const Connectivity& mesh, unsigned threads) {
   std::vector<std::uint32_t> patches(mesh.corners.size(), Connectivity::kNone);
-  ForEachShell(model.shellBegin, threads, [&](std::size_t s) { Grower(model, mesh, patches).Run(s); });
+  ForEachShell(model.shellBegin, threads, [&](std::size_t s) { FindPatchesOf(s, model, mesh, patches); });
   return patches;
 }
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -23,11 +24,12 @@ std::size_t CountNotes(const ZBR_ZBREPS& shell) {
   return count;
 }
 
-// Calls f(edge number, first triangle, second triangle) for edges of exactly two triangles.
+// Calls f(first triangle, second triangle) for edges of exactly two triangles.
 template <class F>
-void ForEachPair(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, F f) {
-  auto junction = junctions.begin();
-  for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
+void ForEachPair(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, std::size_t begin, std::size_t end, F f) {
+  const auto first = static_cast<int>(begin), last = static_cast<int>(end);
+  auto junction = std::lower_bound(junctions.begin(), junctions.end(), EdgeUse{first, 0});
+  for (int e = first; e < last; ++e) {
     while (junction != junctions.end() && junction->edge < e) ++junction;
     if (junction != junctions.end() && junction->edge == e) continue;
     const ZBR_ZBREPT* const second = shell.GetEdge(e)->GetTriangle1();
@@ -97,7 +99,7 @@ std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell) {
 std::vector<std::uint32_t> FindRepeated(const ZBR_ZBREPS& shell, std::span<const Corners> triangles,
                                         const std::vector<EdgeUse>& junctions) {
   std::vector<std::uint32_t> repeated;
-  ForEachPair(shell, junctions, [&](std::uint32_t a, std::uint32_t b) {
+  ForEachPair(shell, junctions, 0, static_cast<std::size_t>(shell.GetEdgeCnt()), [&](std::uint32_t a, std::uint32_t b) {
     if (Third(triangles[a]) == Third(triangles[b])) repeated.push_back(b);
   });
   FindRepeatedAtJunctions(triangles, junctions, repeated);
@@ -106,9 +108,12 @@ std::vector<std::uint32_t> FindRepeated(const ZBR_ZBREPS& shell, std::span<const
   return repeated;
 }
 
-std::vector<std::uint32_t> NumberParts(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, std::uint32_t& count) {
-  DisjointSets sets(static_cast<std::size_t>(shell.GetTriangleCnt()));
-  ForEachPair(shell, junctions, [&](std::uint32_t a, std::uint32_t b) { sets.Unite(a, b); });
+std::vector<std::uint32_t> NumberParts(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, unsigned threads,
+                                       std::uint32_t& count) {
+  SharedSets sets(static_cast<std::size_t>(shell.GetTriangleCnt()));
+  RunInRanges(static_cast<std::size_t>(shell.GetEdgeCnt()), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    ForEachPair(shell, junctions, begin, end, [&](std::uint32_t a, std::uint32_t b) { sets.Unite(a, b); });
+  });
   std::vector<std::uint32_t> numbers;
   numbers.reserve(static_cast<std::size_t>(shell.GetTriangleCnt()));
   count = 0;

@@ -43,6 +43,7 @@ std::vector<std::uint32_t> FindRepeated(const ZBR_ZBREPS& shell, std::span<const
 
 // Numbers what hangs together by edges that are no junctions, in order of the first triangles. Returns the number of each triangle;
 // `count` receives how many there are.
-std::vector<std::uint32_t> NumberParts(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, std::uint32_t& count);
+std::vector<std::uint32_t> NumberParts(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, unsigned threads,
+                                       std::uint32_t& count);
 
 }  // namespace zbr::drawing

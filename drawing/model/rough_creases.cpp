@@ -8,6 +8,7 @@
 #include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/model/shell_ranges.h"
 
 namespace zbr::drawing {
 namespace {
@@ -169,25 +171,26 @@ class ShellTidier {
 
 }  // namespace
 
-bool AreCreasesRough(const Model& model) {
+bool AreCreasesRough(const Model& model, unsigned threads) {
   constexpr std::size_t kFewest = 200, kCreasesPerEnd = 12;
-  std::size_t creases = 0, loose = 0;
-  std::vector<std::uint8_t> lines;  // that end at each vertex, two standing for more
-  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+  std::atomic<std::size_t> creases{0}, loose{0};
+  ForEachShell(model.shellBegin, threads, [&](std::size_t s) {
     const ZBR_ZBREPS& shell = model.Shell(s);
-    lines.assign(static_cast<std::size_t>(shell.GetVertexCnt()), 0);
+    std::vector<std::uint8_t> lines(static_cast<std::size_t>(shell.GetVertexCnt()));  // that end there, two standing for more
+    std::size_t own = 0;
     for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
       const ZBR_ZBREPE& edge = *shell.GetEdge(e);
       const EdgeClass edgeClass = model.Class(s, edge);
       if (edgeClass == EdgeClass::kSmooth) continue;
-      if (edgeClass == EdgeClass::kCrease) ++creases;
+      if (edgeClass == EdgeClass::kCrease) ++own;
       for (const int v : {edge.GetV0(), edge.GetV1()}) {
         std::uint8_t& count = lines[static_cast<std::size_t>(v)];
         count = count == 0 ? 1 : 2;
       }
     }
+    creases += own;
     loose += static_cast<std::size_t>(std::count(lines.begin(), lines.end(), 1));
-  }
+  });
   return creases >= kFewest && loose * kCreasesPerEnd >= creases;
 }
 

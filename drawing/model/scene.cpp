@@ -14,6 +14,7 @@
 
 #include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
+#include "drawing/touched.h"
 
 namespace zbr::drawing {
 namespace {
@@ -282,7 +283,7 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.drawable = 0;
   scene.parts.clear();
   scene.outlines.clear();
-  scene.triangles.resize(model.TriangleCount() + lines.size());
+  ResizeTouched(scene.triangles, model.TriangleCount() + lines.size(), threads);
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();
   scene.shells.reserve(model.ShellCount() + 1);

@@ -70,7 +70,7 @@ ShellSurvey SurveyShell(const Model& model, std::size_t s) {
 }  // namespace
 
 bool HasRoughCreases(const Model& model) {
-  return model.isRough || AreCreasesRough(model);
+  return model.isRough || AreCreasesRough(model, 1);
 }
 
 Survey MakeSurvey(const Model& model) {

@@ -33,6 +33,7 @@
 #include "drawing/model/shell_ranges.h"
 #include "drawing/model/tangent_lines.h"
 #include "drawing/parallel.h"
+#include "drawing/touched.h"
 
 namespace zbr::drawing {
 namespace {
@@ -142,7 +143,7 @@ class Finder {
   // The outlines of all facets, and from each of their sides the far one.
   void MeasurePatches() {
     const std::vector<std::uint32_t> order = SortedByPatch();
-    extents_.resize(order.empty() ? 0 : 3 * patches_.size());
+    ResizeTouched(extents_, order.empty() ? 0 : 3 * patches_.size(), threads_);
     const auto goesOn = [&](std::size_t k) { return k > 0 && k < order.size() && patches_[order[k]] == patches_[order[k - 1]]; };
     RunInRanges(order.size(), threads_, [&](std::size_t, std::size_t k, std::size_t end) {
       std::vector<Side> outline;

@@ -1,7 +1,8 @@
 // Finds equal or close points by hashing the cells of a grid.
 //
 // Without a tolerance a cell is a position. With one it is as wide as the tolerance, so that a point's partner lies in its own cell
-// or in one around it; the points that stay are apart from each other, and so few share a cell.
+// or in one around it; the points that stay are apart from each other, and so few share a cell. Which points stay depends on those
+// before them then, so that threads can share out equal points alone.
 #include "drawing/model/weld.h"
 
 #include <algorithm>
@@ -11,6 +12,9 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <utility>
+
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
@@ -79,13 +83,83 @@ std::vector<std::uint32_t> Weld(std::vector<ZBR_PT3>& points, CellOf cellOf, Fin
   return places;
 }
 
-std::vector<std::uint32_t> WeldEqual(std::vector<ZBR_PT3>& points) {
-  return Weld(points, CellOfPosition, [&points](const CellTable& table, const ZBR_PT3& p, const Cell& cell) {
-    const auto same = [&](const ZBR_PT3& q) { return q.x() == p.x() && q.y() == p.y() && q.z() == p.z(); };
-    std::uint32_t found = table.First(cell);
-    while (found != kNone && !same(points[found])) found = table.Next(found);
-    return found;
-  });
+// Equal points have equal hashes: sorted by some bits of them, points fall into groups that have nothing to do with each other.
+class EqualPoints {
+ public:
+  EqualPoints(const std::vector<ZBR_PT3>& points, unsigned threads) : points_(points), threads_(threads) {
+    Sort();
+    FindFirst();
+  }
+
+  // Of each point the first one that is equal to it.
+  const std::vector<std::uint32_t>& First() const { return first_; }
+
+ private:
+  static constexpr unsigned kGroupBits = 6;
+  static constexpr std::size_t kGroups = std::size_t{1} << kGroupBits;
+
+  // Within a group points stay in their order.
+  void Sort() {
+    const std::size_t count = points_.size();
+    hashes_.resize(count);
+    places_.resize(count);
+    std::vector<std::array<std::uint32_t, kGroups>> next(RangeCount(count));
+    RunInRanges(count, threads_, [&](std::size_t range, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) {
+        hashes_[i] = static_cast<std::uint32_t>(Hash(CellOfPosition(points_[i])));
+        ++next[range][GroupOf(i)];
+      }
+    });
+    std::uint32_t before = 0;
+    for (std::size_t group = 0; group < kGroups; ++group) {
+      groupBegin_[group] = before;
+      for (auto& own : next) before += std::exchange(own[group], before);
+    }
+    groupBegin_[kGroups] = before;
+    RunInRanges(count, threads_, [&](std::size_t range, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) places_[next[range][GroupOf(i)]++] = static_cast<std::uint32_t>(i);
+    });
+  }
+
+  std::size_t GroupOf(std::size_t i) const { return hashes_[i] & (kGroups - 1); }
+
+  void FindFirst() {
+    first_.resize(points_.size());
+    if (points_.size() < kRange) return FindFirst(0, points_.size());
+    RunParallel(kGroups, threads_, [&](std::size_t group) { FindFirst(groupBegin_[group], groupBegin_[group + 1]); });
+  }
+
+  // A table that is at most half full, with linear probing.
+  void FindFirst(std::size_t begin, std::size_t end) {
+    std::vector<std::uint32_t> table(std::bit_ceil(2 * (end - begin) + 1), kNone);
+    for (std::size_t k = begin; k < end; ++k) {
+      const std::uint32_t i = places_[k];
+      std::size_t slot = hashes_[i] >> kGroupBits & (table.size() - 1);
+      while (table[slot] != kNone && !AreEqual(points_[table[slot]], points_[i])) slot = (slot + 1) & (table.size() - 1);
+      if (table[slot] == kNone) table[slot] = i;
+      first_[i] = table[slot];
+    }
+  }
+
+  static bool AreEqual(const ZBR_PT3& p, const ZBR_PT3& q) { return p.x() == q.x() && p.y() == q.y() && p.z() == q.z(); }
+
+  const std::vector<ZBR_PT3>& points_;
+  const unsigned threads_;
+  std::vector<std::uint32_t> hashes_, places_, first_;
+  std::array<std::uint32_t, kGroups + 1> groupBegin_{};
+};
+
+std::vector<std::uint32_t> WeldEqual(std::vector<ZBR_PT3>& points, unsigned threads) {
+  const EqualPoints equal(points, threads);
+  std::vector<std::uint32_t> places(points.size());
+  std::uint32_t kept = 0;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const std::uint32_t first = equal.First()[i];
+    if (first == i) points[kept] = points[i];
+    places[i] = first == i ? kept++ : places[first];
+  }
+  points.resize(kept);
+  return places;
 }
 
 // Cells of a grid of the tolerance, counted from a corner of the box of all points.
@@ -127,8 +201,8 @@ std::vector<std::uint32_t> WeldClose(std::vector<ZBR_PT3>& points, double tolera
 
 }  // namespace
 
-std::vector<std::uint32_t> WeldPoints(std::vector<ZBR_PT3>& points, double tolerance) {
-  return points.empty() || !(tolerance > 0) ? WeldEqual(points) : WeldClose(points, tolerance);
+std::vector<std::uint32_t> WeldPoints(std::vector<ZBR_PT3>& points, double tolerance, unsigned threads) {
+  return points.empty() || !(tolerance > 0) ? WeldEqual(points, threads) : WeldClose(points, tolerance);
 }
 
 }  // namespace zbr::drawing

@@ -17,21 +17,30 @@
 namespace zbr::formats {
 namespace {
 
-using Reader = Mesh (*)(const std::string& text, const std::string& file, const FileSource& beside);
+using Reader = Mesh (*)(const std::string& text, const std::string& file, const FileSource& beside, unsigned threads);
 
 // Most formats are whole in one file.
 template <Mesh (*read)(const std::string&, const std::string&)>
-Mesh Alone(const std::string& text, const std::string& file, const FileSource&) {
+Mesh Alone(const std::string& text, const std::string& file, const FileSource&, unsigned) {
   return read(text, file);
 }
 
-constexpr Reader kReadStl = Alone<ReadStl>, kRead3mf = Alone<Read3mf>;
+template <Mesh (*read)(const std::string&, const std::string&, unsigned)>
+Mesh InRanges(const std::string& text, const std::string& file, const FileSource&, unsigned threads) {
+  return read(text, file, threads);
+}
+
+Mesh WithOthers(const std::string& text, const std::string& file, const FileSource& beside, unsigned) {
+  return ReadGltf(text, file, beside);
+}
+
+constexpr Reader kReadStl = InRanges<ReadStl>, kRead3mf = Alone<Read3mf>;
 constexpr std::array<std::pair<const char*, Reader>, 7> kReaders = {{{"stl", kReadStl},
-                                                                     {"obj", Alone<ReadObj>},
+                                                                     {"obj", InRanges<ReadObj>},
                                                                      {"ply", Alone<ReadPly>},
                                                                      {"off", Alone<ReadOff>},
-                                                                     {"gltf", ReadGltf},
-                                                                     {"glb", ReadGltf},
+                                                                     {"gltf", WithOthers},
+                                                                     {"glb", WithOthers},
                                                                      {"3mf", kRead3mf}}};
 
 // Null when there is none.
@@ -73,22 +82,22 @@ const std::vector<std::string>& MeshFormats() {
   return kFormats;
 }
 
-Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& name, const FileSource& beside) {
+Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& name, const FileSource& beside, unsigned threads) {
   const Reader reader = ReaderOf(format);
   if (reader == nullptr)
     throw UnknownFormat(name, "not known as a model; names end in .stl, .obj, .ply, .off, .gltf, .glb or .3mf");
   if (reader != kReadStl && reader != kRead3mf) DropByteOrderMark(bytes);  // a binary STL may begin with anything
   if (bytes.empty()) throw Failure(name, "the file is empty");
   if (reader != kRead3mf) RefuseForeign(bytes, name);
-  const bool isText = format == "obj" || format == "off" || (reader == ReadGltf && !bytes.starts_with("glTF"));
+  const bool isText = format == "obj" || format == "off" || (reader == WithOthers && !bytes.starts_with("glTF"));
   if (isText) RefuseBinary(bytes, name);
-  Mesh mesh = reader(bytes, name, beside);
+  Mesh mesh = reader(bytes, name, beside, threads);
   Check(mesh, name);
-  mesh.yUp = reader == ReadGltf;
+  mesh.yUp = reader == WithOthers;
   return mesh;
 }
 
-Mesh ReadMesh(const std::string& file, const std::string& format) {
+Mesh ReadMesh(const std::string& file, const std::string& format, unsigned threads) {
   const std::string chosen = IsMeshFile(file) ? ExtensionOf(file) : format;
   const FileSource beside = [&](const std::string& name) {
     const std::string path = NameOf((PathOf(file == "-" ? "" : file).parent_path() / PathOf(name)).make_preferred());
@@ -97,7 +106,7 @@ Mesh ReadMesh(const std::string& file, const std::string& format) {
     return ReadFile(path);
   };
   if (ReaderOf(chosen) == nullptr) RefuseForeignFile(file);  // what the name does not tell the contents may
-  return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside);
+  return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside, threads);
 }
 
 }  // namespace zbr::formats

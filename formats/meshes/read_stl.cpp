@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "formats/meshes/line_ranges.h"
 #include "formats/meshes/readers.h"
 #include "formats/meshes/text_lines.h"
 
@@ -41,6 +42,12 @@ bool StartsAsText(const std::string& text) {
   return first != std::string::npos && text.compare(first, 5, "solid") == 0;
 }
 
+bool StartsFacet(std::string_view text) {
+  constexpr std::string_view kFacet = "facet";
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  return Lower(text.substr(0, kFacet.size())) == kFacet;
+}
+
 // No text, but a binary file that was cut off or has a wrong count.
 bool IsBrokenBinary(const std::string& text) {
   return text.find('\0') != std::string::npos && (!StartsAsText(text) || Lower(text).find("facet") == std::string::npos);
@@ -51,9 +58,14 @@ bool IsBinary(const std::string& text) {
   return text.size() == BinarySize(text) || IsBrokenBinary(text);
 }
 
-void AddTriangle(Mesh& mesh) {
-  const auto n = static_cast<std::uint32_t>(mesh.points.size());
-  mesh.triangles.push_back({n - 3, n - 2, n - 1});
+// Every three points are one.
+void AddTriangles(Mesh& mesh) {
+  const std::size_t count = mesh.points.size() / 3;
+  mesh.triangles.reserve(count);
+  for (std::size_t t = 0; t < count; ++t) {
+    const auto p = static_cast<std::uint32_t>(3 * t);
+    mesh.triangles.push_back({p, p + 1, p + 2});
+  }
 }
 
 // A record: normal, three points, two bytes of anything.
@@ -63,7 +75,6 @@ Mesh ReadBinary(const std::string& text, const std::string& file) {
     throw Failure(file, "the file ends before the last of its " + std::to_string(count) + " triangles");
   Mesh mesh;
   mesh.points.reserve(3 * static_cast<std::size_t>(count));
-  mesh.triangles.reserve(count);
   for (std::size_t t = 0; t < count; ++t) {
     const char* const record = text.data() + kHeader + kCount + t * kRecord;
     for (std::size_t i = 0; i < 3; ++i) {
@@ -75,38 +86,52 @@ Mesh ReadBinary(const std::string& text, const std::string& file) {
       }
       mesh.points.emplace_back(p[0], p[1], p[2]);
     }
-    AddTriangle(mesh);
   }
+  AddTriangles(mesh);
   return mesh;
 }
 
-Mesh ReadText(const std::string& text, const std::string& file) {
+// Of a part that starts between triangles and ends there.
+void ReadLines(TextLines lines, std::vector<ZBR_PT3>& points) {
   static const std::array<const char*, 5> kOthers = {"solid", "facet", "outer", "endfacet", "endsolid"};
-  TextLines lines(text, file);
-  Mesh mesh;
   std::size_t corners = 0;  // of the open triangle
   while (lines.NextLine()) {
     const std::string keyword = Lower(lines.Word());
     if (keyword == "vertex") {
       const double x = lines.Number(), y = lines.Number(), z = lines.Number();
-      mesh.points.emplace_back(x, y, z);
+      points.emplace_back(x, y, z);
       ++corners;
     } else if (keyword == "endloop") {
       if (corners != 3) lines.Fail("a triangle of " + std::to_string(corners) + " points");
-      AddTriangle(mesh);
       corners = 0;
     } else if (std::find(kOthers.begin(), kOthers.end(), keyword) == kOthers.end()) {
       lines.Fail("unexpected " + Quoted(keyword));
     }
   }
   if (corners != 0) lines.Fail("the file ends within a triangle");
+}
+
+Mesh ReadText(const std::string& text, const std::string& file, unsigned threads) {
+  std::vector<std::string_view> ranges = {text};
+  if (threads > 1) ranges = LineRanges(text, StartsFacet);
+  std::vector<std::vector<ZBR_PT3>> parts(ranges.size());
+  const auto read = [&](std::size_t k) { ReadLines(TextLines(ranges[k], file), parts[k]); };
+  Mesh mesh;
+  if (ranges.size() < 2 || !AllRead(ranges.size(), threads, read)) {
+    ReadLines(TextLines(text, file), mesh.points);
+  } else {
+    std::size_t count = 0;
+    for (const auto& part : parts) count += part.size();
+    for (auto& part : parts) MoveTo(mesh.points, count, part);
+  }
+  AddTriangles(mesh);
   return mesh;
 }
 
 }  // namespace
 
-Mesh ReadStl(const std::string& text, const std::string& file) {
-  return IsBinary(text) ? ReadBinary(text, file) : ReadText(text, file);
+Mesh ReadStl(const std::string& text, const std::string& file, unsigned threads) {
+  return IsBinary(text) ? ReadBinary(text, file) : ReadText(text, file, threads);
 }
 
 }  // namespace zbr::formats

@@ -10,10 +10,12 @@ namespace zbr::formats {
 
 // `text` is the whole file, `file` its name for messages.
 Mesh Read3mf(const std::string& bytes, const std::string& file);
-Mesh ReadObj(const std::string& text, const std::string& file);
 Mesh ReadOff(const std::string& text, const std::string& file);
 Mesh ReadPly(const std::string& text, const std::string& file);
-Mesh ReadStl(const std::string& text, const std::string& file);
+
+// The same with any number of threads.
+Mesh ReadObj(const std::string& text, const std::string& file, unsigned threads);
+Mesh ReadStl(const std::string& text, const std::string& file, unsigned threads);
 
 // `beside` gives the files that it refers to.
 Mesh ReadGltf(const std::string& text, const std::string& file, const FileSource& beside);

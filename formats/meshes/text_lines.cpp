@@ -4,12 +4,22 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/types.h>
 
+#include <array>
+
 namespace zbr::formats {
 namespace {
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
 }
+
+// Whether a word goes on with each of the 256 characters: they are gone through one by one.
+constexpr std::array<bool, 256> kIsOfWord = [] {
+  std::array<bool, 256> isOfWord{};
+  for (bool& is : isOfWord) is = true;
+  for (const unsigned char c : {' ', '\t', '\r', '\v', '\f', '\n', '#'}) isOfWord[c] = false;
+  return isOfWord;
+}();
 
 }  // namespace
 
@@ -47,8 +57,10 @@ bool TextLines::NextLine() {
 std::string_view TextLines::Word() {
   SkipBlanks();
   const std::size_t begin = at_;
-  while (at_ < text_.size() && !IsBlank(text_[at_]) && text_[at_] != '\n' && text_[at_] != '#') ++at_;
-  return std::string_view(text_).substr(begin, at_ - begin);
+  std::size_t end = begin;
+  while (end < text_.size() && kIsOfWord[static_cast<unsigned char>(text_[end])]) ++end;
+  at_ = end;
+  return text_.substr(begin, end - begin);
 }
 
 std::string_view TextLines::WordOfAnyLine() {

@@ -11,7 +11,7 @@ namespace zbr::formats {
 // the file and the line.
 class TextLines {
  public:
-  TextLines(const std::string& text, const std::string& file) : text_(text), file_(file) {}
+  TextLines(std::string_view text, const std::string& file) : text_(text), file_(file) {}
 
   // Goes to the next line that has words; false at the end of the text.
   bool NextLine();
@@ -35,7 +35,7 @@ class TextLines {
   void SkipBlanks();
   double ToNumber(std::string_view word) const;
 
-  const std::string& text_;
+  std::string_view text_;
   const std::string& file_;
   std::size_t at_ = 0;
   std::size_t line_ = 1;

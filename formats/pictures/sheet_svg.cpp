@@ -1,6 +1,7 @@
 // Sheets as SVG pages.
 #include <zbr-drawing/numbers.h>
 #include <zbr-drawing/region.h>
+#include <zbr-drawing/threads.h>
 #include <zbr-formats/sheets.h>
 
 #include "formats/pictures/sheet_ink.h"
@@ -66,15 +67,28 @@ std::string ClassStyle(const Sheet& sheet, EdgeClass edgeClass) {
   return style + (IsChainLine(edgeClass) ? Attribute("stroke-linecap", "butt") : "");
 }
 
+// Of the hidden or the visible lines of a class. Lines by the thousand are shared out among threads in ranges.
+std::string Paths(const Sheet& sheet, const PlacedView& view, bool hidden, EdgeClass edgeClass, const SheetPage& page,
+                  unsigned threads) {
+  constexpr std::size_t kRange = 4096;
+  const std::vector<Line>& lines = view.lines.lines;
+  std::vector<std::string> parts((lines.size() + kRange - 1) / kRange);
+  RunParallel(parts.size(), threads, [&](std::size_t k) {
+    for (std::size_t i = k * kRange; i < std::min(lines.size(), (k + 1) * kRange); ++i) {
+      if (lines[i].hidden == hidden && lines[i].edgeClass == edgeClass) parts[k] += PathElement(sheet, view, lines[i], page);
+    }
+  });
+  std::string paths;
+  for (const std::string& part : parts) paths += part;
+  return paths;
+}
+
 // The hidden or the visible lines of a view.
-std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const SheetPage& page) {
+std::string LinesGroup(const Sheet& sheet, const PlacedView& view, bool hidden, const SheetPage& page, unsigned threads) {
   const char* const visibility = hidden ? "hidden" : "visible";
   std::string content;
   for (const EdgeClass edgeClass : kDrawnClasses) {
-    std::string paths;
-    for (const Line& line : view.lines.lines) {
-      if (line.hidden == hidden && line.edgeClass == edgeClass) paths += PathElement(sheet, view, line, page);
-    }
+    const std::string paths = Paths(sheet, view, hidden, edgeClass, page, threads);
     if (paths.empty()) continue;
     content += "<g" + Attribute("id", ViewId(view) + "-" + visibility + "-" + NameOf(edgeClass)) +
                Attribute("class", NameOf(edgeClass)) + (hidden ? "" : ClassStyle(sheet, edgeClass)) + ">\n" + paths + "</g>\n";
@@ -124,7 +138,7 @@ std::string FrameGroup(const Sheet& sheet, const SheetPage& page) {
 
 }  // namespace
 
-std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& objects) {
+std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& objects, unsigned threads) {
   const SheetPage page(sheet.paper.height);
   const std::string width = Px(sheet.paper.width), height = Px(sheet.paper.height);
   std::string svg =
@@ -136,8 +150,8 @@ std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& o
   svg += "<rect" + Attribute("width", width) + Attribute("height", height) + " fill=\"#fff\" stroke=\"none\"/>\n";
   for (const PlacedView& view : sheet.views) {
     svg += "<g" + Attribute("id", ViewId(view)) + Attribute("class", "view") + ">\n<title>" + view.lines.name + "</title>\n" +
-           FillGroup(sheet, view, objects, page) + LinesGroup(sheet, view, true, page) + LinesGroup(sheet, view, false, page) +
-           "</g>\n";
+           FillGroup(sheet, view, objects, page) + LinesGroup(sheet, view, true, page, threads) +
+           LinesGroup(sheet, view, false, page, threads) + "</g>\n";
   }
   if (!sheet.paths.empty() || !sheet.texts.empty()) svg += FrameGroup(sheet, page);
   return svg + "</svg>\n";

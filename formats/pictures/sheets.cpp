@@ -14,11 +14,11 @@ std::optional<SheetFormat> SheetFormatByName(const std::string& name) {
 }
 
 std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells,
-                       DxfVersion version) {
+                       DxfVersion version, unsigned threads) {
   if (format == SheetFormat::kDxf) return WriteSheetDxf(sheet, objects, version);
   if (format == SheetFormat::kPdf) return WriteSheetPdf(sheet);
   if (format == SheetFormat::kJson) return WriteSheetJson(sheet, objects, shells);
-  return WriteSheetSvg(sheet, objects);
+  return WriteSheetSvg(sheet, objects, threads);
 }
 
 }  // namespace zbr::formats

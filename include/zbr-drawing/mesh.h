@@ -60,6 +60,9 @@ double RoundingOf(const std::vector<ZBR_PT3>& points);
 // crooked to be taken apart, or without area, becomes a fan; fewer than three corners add nothing. Which shell they are of is left
 // to the caller. Fails for a corner that is no point of the mesh.
 void AddPolygon(Mesh& mesh, const std::vector<std::uint32_t>& corners);
+// The same for triangles that are put into a mesh of these points later.
+void AddPolygon(const std::vector<ZBR_PT3>& points, const std::vector<std::uint32_t>& corners,
+                std::vector<std::array<std::uint32_t, 3>>& triangles);
 
 // Fails, saying which triangle or point it is, unless the mesh is as promised above. MakeModel asks for this.
 void CheckMesh(const Mesh& mesh);

@@ -12,8 +12,8 @@
 namespace zbr::formats {
 
 // In millimetres, a group for each view, within it one for the hidden and one for the visible lines, each with a group for each
-// class. Outlines are filled, below the lines, each object in a shade of its own.
-std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& objects);
+// class. Outlines are filled, below the lines, each object in a shade of its own. The same with any number of threads.
+std::string WriteSheetSvg(const Sheet& sheet, const std::vector<ObjectSource>& objects, unsigned threads = 1);
 
 // Every polyline with its points in the unit of the model and the edges it is part of; outlines as polygons.
 std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells);
@@ -29,6 +29,6 @@ std::optional<SheetFormat> SheetFormatByName(const std::string& name);
 
 // A sheet in any of the formats; `shells` is how many the model has.
 std::string WriteSheet(SheetFormat format, const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells,
-                       DxfVersion version = DxfVersion::kR2000);
+                       DxfVersion version = DxfVersion::kR2000, unsigned threads = 1);
 
 }  // namespace zbr::formats

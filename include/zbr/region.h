@@ -189,10 +189,10 @@ struct ZBR_REGION_FAULT {
 };
 
 // Finds the faults of the rings, whose polygons are not looked at: rings of different ones may not cross either. Touching is no
-// fault, nor is what the rounding of coordinates explains, and rings that are exactly simple and keep apart have none however near
-// they come; what is narrower than combinations care for is looked at all the same, as their results may be. faults is replaced, by
-// ascending rings, then kinds, then edges. Where rings cross very often the search for what they do to each other ends when `most`
-// such faults are found. The status tells of faulty offsets only. n log n for rings that keep apart.
+// fault, nor is what the rounding of coordinates explains, nor what comes however near but exactly neither crosses nor overlaps;
+// what is narrower than combinations care for is looked at all the same, as their results may be. faults is replaced, by ascending
+// rings, then kinds, then edges. Where rings cross very often the search for what they do to each other ends when `most` such
+// faults are found. The status tells of faulty offsets only. n log n for rings that keep apart.
 ZBR_API ZBR_REGION_STATUS zbrCheckRegion(const ZBR_REGION_VIEW& rings, std::vector<ZBR_REGION_FAULT>& faults,
                                          std::size_t most = 1000000);
 

@@ -5,10 +5,8 @@ import io
 import json
 import os
 import pickle
-import signal
 import struct
 import subprocess
-import threading
 import zipfile
 from pathlib import Path
 
@@ -19,6 +17,7 @@ import zbr
 from hypothesis import given, settings
 from hypothesis import strategies as st
 from hypothesis.extra import numpy as hnp
+from interrupts import interrupted
 
 EXAMPLES = Path(__file__).resolve().parents[2] / "examples"
 TOOL = os.environ.get("ZBR_TOOL", "")
@@ -306,10 +305,8 @@ def test_drawings_can_be_interrupted():
     corner = (x[:-1, :-1] + 400 * y[:-1, :-1]).ravel()
     faces = np.concatenate([np.stack((corner, corner + 1, corner + 401), 1), np.stack((corner, corner + 401, corner + 400), 1)])
     mesh = zbr.Mesh(points, faces)
-    timer = threading.Timer(0.1, os.kill, (os.getpid(), signal.SIGINT))
-    timer.start()
-    with pytest.raises(KeyboardInterrupt):
-        for _ in range(100):
+    with interrupted(after=0.1):
+        for _ in range(20):
             mesh.draw_views(["iso", "front"])
     with pytest.raises(zbr.Cancelled):
         mesh.draw("iso", progress=lambda share: share < 0.3)

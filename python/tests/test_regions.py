@@ -4,10 +4,8 @@ import gc
 import os
 import pickle
 import resource
-import signal
 import subprocess
 import sys
-import threading
 from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
@@ -18,6 +16,7 @@ import zbr
 from hypothesis import given, settings
 from hypothesis import strategies as st
 from hypothesis.extra import numpy as hnp
+from interrupts import interrupted
 
 OPS = {"union": zbr.union, "intersection": zbr.intersection, "difference": zbr.difference, "xor": zbr.xor}
 
@@ -223,9 +222,7 @@ def long_call(**options):
 
 
 def test_interrupts_and_progress_end_calls():
-    timer = threading.Timer(0.15, os.kill, (os.getpid(), signal.SIGINT))
-    timer.start()
-    with pytest.raises(KeyboardInterrupt):
+    with interrupted(after=0.15):
         for _ in range(100):
             long_call()
     shares = []

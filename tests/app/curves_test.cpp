@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <map>
 #include <numbers>
 #include <string>
@@ -213,6 +215,59 @@ TEST(Circles, RunsOfViews) {
     if (edgeOn) continue;
     EXPECT_GE(onRuns, 0.98 * curved);
     EXPECT_GE(whole, 1);
+  }
+}
+
+Mesh Raised(Mesh mesh, double by) {
+  for (ZBR_PT3& p : mesh.points) p += ZBR_PT3(0, 0, by);
+  return mesh;
+}
+
+// Both as shells of their own, though they may have points in common.
+Mesh Together(const Mesh& a, const Mesh& b) {
+  Mesh both = a;
+  example::Append(both, b);
+  both.shells.assign(both.triangles.size(), 0);
+  std::fill(both.shells.begin() + static_cast<std::ptrdiff_t>(a.triangles.size()), both.shells.end(), 1U);
+  return both;
+}
+
+ViewLines Seen(const Mesh& mesh, const ZBR_PT3& direction) {
+  DrawingOptions options;
+  options.hidden = HiddenLines::kNone;
+  options.intersections = false;
+  return DrawViews(MakeModel(mesh, 30.0), {{"look", LookAlong(direction, {0.1, 1, 0.2})}}, options).front();
+}
+
+// A block on another, both rounded. While they are in contact, the seam adds to what both in one piece show as much as two rims add
+// to it that are apart.
+TEST(LinesInCommon, OneBodyDrawsTheSeam) {
+  for (const int sides : {4, 48}) {
+    const Mesh block = Prism(RegularPolygon(sides), 3);
+    const auto length = [&](double gap, const ZBR_PT3& d) {
+      return Seen(Turned(Together(block, Raised(block, 3 + gap))), d).VisibleLength();
+    };
+    for (const ZBR_PT3& d : {ZBR_PT3(1, 2, -3), ZBR_PT3(-3, 1, -1), ZBR_PT3(1, -1, 1)}) {
+      const double whole = Seen(Turned(Prism(RegularPolygon(sides), 6)), d).VisibleLength();
+      const double close = length(5e-6, d), apart = length(0.004, d);
+      EXPECT_GT(close - whole, 5) << sides;
+      EXPECT_NEAR(apart - close, close - whole, 0.05) << sides;
+    }
+  }
+}
+
+// A pin of 48 sides in a bore of 36, flush: its rim is the bore's, though all chords are beside each other. A loose one is not.
+TEST(LinesInCommon, OneBodyDrawsTheRim) {
+  example::Solid plate;
+  plate.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 36)), 0.0, 4.0);
+  const Mesh tube = plate.Take();
+  for (const double radius : {10.0, 9.999}) {
+    const ViewLines view = Seen(Together(tube, Prism(Polar(48, [=](double) { return radius; }), 4)), {0, 0, -1});
+    double turn = 0.0;
+    for (const Line& line : view.lines) {
+      for (const CircleRun& run : line.chain.curves) turn += run.u.Length() < 15 ? std::fabs(run.t1 - run.t0) : 0.0;
+    }
+    EXPECT_NEAR(turn, radius < 10 ? 4 * pi : 2 * pi, 1e-3);
   }
 }
 

@@ -98,6 +98,28 @@ TEST(RegionCheck, OneOfManyBesideEachOther) {
   }
 }
 
+// Slanted strips a few units in the last place wide, that every box of an edge has in common with all others: exactly apart, so
+// that what comes near has no fault, whatever another ring does.
+TEST(RegionCheck, StripsThatRoundingHides) {
+  constexpr int kStrips = 300;
+  constexpr double kFar = 1e7, kWidth = 0x1p-29 * 6;
+  Rings rings;
+  for (int i = 0; i < kStrips; ++i) {
+    const double x = kFar + 2 * i * kWidth;
+    rings.push_back({{x, kFar}, {x + kWidth, kFar}, {x + kWidth + 1, kFar + 1}, {x + 1, kFar + 1}});
+  }
+  for (const std::size_t crossings : {std::size_t{0}, std::size_t{1}}) {
+    if (crossings > 0) rings.push_back({{kFar, kFar + 4}, {kFar + 4, kFar + 8}, {kFar + 6, kFar + 4}, {kFar, kFar + 7}});
+    std::vector<ZBR_REGION_FAULT> faults;
+    ASSERT_EQ(zbrCheckRegion(ScaledRegion(rings).view(), faults).code, ZBR_REGION_OK);
+    EXPECT_EQ(std::erase_if(faults, [](const ZBR_REGION_FAULT& f) { return f.kind == ZBR_FAULT_NO_AREA; }), kStrips);
+    ASSERT_EQ(faults.size(), crossings);
+    if (crossings > 0) {
+      EXPECT_EQ(EdgesOf(faults[0]), (Edges{kStrips, 0, kStrips, 2}));
+    }
+  }
+}
+
 TEST(RegionCheck, BadArrays) {
   std::vector<ZBR_REGION_FAULT> faults(1);
   const double xy[] = {0, 0, 4, 0, 4, 4, 0, std::numeric_limits<double>::quiet_NaN(), 1, 1, 2, 2};

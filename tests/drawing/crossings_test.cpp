@@ -9,7 +9,6 @@
 
 #include "drawing/intersections/border_winding.h"
 #include "drawing/intersections/crossings.h"
-#include "drawing/model/patches.h"
 
 namespace {
 
@@ -131,7 +130,7 @@ TEST(Crossings, OfALargeSurfaceAreThoseOfAllPairs) {
     const Model model = MakeModel(Ramp(7, rise), 30.0);
     ASSERT_EQ(model.ShellCount(), 1U);
     const Connectivity mesh = ConnectivityOf(model, 1);
-    const auto found = FindCrossings(model, mesh, FindPatches(model, mesh, 1), 2, [](auto&, std::size_t) {});
+    const auto found = FindCrossings(model, mesh, 2, [](auto&, std::size_t) {});
     EXPECT_EQ(found.size(), CountMeeting(mesh)) << rise;
     all += found.size();
   }

@@ -206,6 +206,8 @@ TEST(Pair, NeighbourCases) {
       {"FoldsInFront", {2, 2, 1}, {2, 4, 0}, true, {1, 1, 1}},
       {"FoldsFlat", {2, 2, 0}, {2, 4, 0}, true, {1, 1, 1}},
       {"FoldsFlat, within the tolerance", {2, 2, -1e-8}, {2, 4, 0}, true, {1, 1, 1}},
+      {"FoldsFlat, its double above", {2, 4, 1e-8}, {2, 4, 0}, false, {0, 0, 0}},
+      {"FoldsFlat, its double below", {2, 4, -1e-8}, {2, 4, 0}, false, {0, 0, 0}},
       {"FoldsBehind", {2, 2, -1}, {2, 4, 0}, true, {1, 0, 0}},
       {"WallByFace, hanging", {2, 0, -4}, {2, 4, 0}, true, {0, 0, 0}},
       {"WallByFace, standing", {2, 0, 4}, {2, 4, 0}, true, {0, 1, 1}},

@@ -1,18 +1,8 @@
-#include "arrangement/sweep_status.h"
+#include "loops/sweep_status.h"
 
 #include <algorithm>
 
 namespace zbr {
-
-std::uint32_t SweepStatus::HighestBelow(GridPoint p) const {
-  const auto above =
-      std::partition_point(order_.begin(), order_.end(), [&](std::uint32_t chunk) { return IsBelow(chunks_[chunk].items[0], p); });
-  if (above == order_.begin()) return kNone;
-  const Chunk& chunk = chunks_[*(above - 1)];
-  const std::uint32_t* const end =
-      std::partition_point(chunk.items, chunk.items + chunk.count, [&](std::uint32_t piece) { return IsBelow(piece, p); });
-  return end[-1];
-}
 
 std::uint32_t* SweepStatus::Find(std::uint32_t piece) {
   Chunk& chunk = chunks_[chunkOf_[piece]];

@@ -1,11 +1,10 @@
-// The pieces that a sweep line meets, from the lowest to the highest.
+// The pieces that a sweep line meets, from the lowest to the highest; edges, or what edges were cut into.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
-
-#include "arrangement/arrangement.h"
 
 namespace zbr {
 
@@ -16,11 +15,11 @@ class SweepStatus {
  public:
   static constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
-  SweepStatus(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces)
-      : nodes_(nodes), pieces_(pieces), chunkOf_(pieces.size()) {}
+  explicit SweepStatus(std::size_t pieces) : chunkOf_(pieces) {}
 
-  // The highest piece below a point that lies on none, or kNone.
-  std::uint32_t HighestBelow(GridPoint p) const;
+  // The highest piece for which isBelow(piece) holds, or kNone. It holds for none above one for which it does not.
+  template <class IsBelow>
+  std::uint32_t HighestBelow(IsBelow isBelow) const;
   // The neighbours of a piece, or kNone.
   std::uint32_t Below(std::uint32_t piece) const;
   std::uint32_t Above(std::uint32_t piece) const;              // kNone: the lowest of all
@@ -38,9 +37,6 @@ class SweepStatus {
     std::uint32_t items[kCapacity];
   };
 
-  bool IsBelow(std::uint32_t piece, GridPoint p) const {
-    return SideSign(nodes_[pieces_[piece].from], nodes_[pieces_[piece].to], p) > 0;
-  }
   std::uint32_t* Find(std::uint32_t piece);
   const std::uint32_t* Find(std::uint32_t piece) const;
   std::uint32_t NewChunk(std::size_t place);
@@ -48,13 +44,20 @@ class SweepStatus {
   void Split(std::uint32_t chunk);
   std::size_t PlaceOf(std::uint32_t chunk) const;
 
-  std::span<const GridPoint> nodes_;
-  std::span<const ArrangedPiece> pieces_;
   std::vector<std::uint32_t> chunkOf_;  // by piece
   std::vector<Chunk> chunks_;
   std::vector<std::uint32_t> order_;  // chunks from the lowest to the highest
   std::vector<std::uint32_t> free_;
   std::uint32_t lowest_ = kNone;  // chunk
 };
+
+template <class IsBelow>
+std::uint32_t SweepStatus::HighestBelow(IsBelow isBelow) const {
+  const auto above =
+      std::partition_point(order_.begin(), order_.end(), [&](std::uint32_t chunk) { return isBelow(chunks_[chunk].items[0]); });
+  if (above == order_.begin()) return kNone;
+  const Chunk& chunk = chunks_[*(above - 1)];
+  return std::partition_point(chunk.items, chunk.items + chunk.count, isBelow)[-1];
+}
 
 }  // namespace zbr

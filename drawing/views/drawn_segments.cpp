@@ -1,0 +1,159 @@
+#include "drawing/views/drawn_segments.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
+#include "drawing/parallel.h"
+
+namespace zbr::drawing {
+namespace {
+
+std::uint8_t ClassPlace(EdgeClass edgeClass) {
+  const auto* const found = std::find(std::begin(kDrawnClasses), std::end(kDrawnClasses), edgeClass);
+  return static_cast<std::uint8_t>(found - std::begin(kDrawnClasses));
+}
+
+}  // namespace
+
+DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
+    : model_(model), scene_(scene), circles_(circles), seen_(model, scene, circles), threads_(threads) {
+  for (const ZBR_HL_SHELL& shell : scene.shells) begins_.push_back(begins_.back() + static_cast<std::uint32_t>(shell.count));
+}
+
+EdgeRef DrawnSegments::SourceOf(std::size_t triangle, std::size_t edge) const {
+  if (scene_.parts.empty()) return {static_cast<std::uint32_t>(triangle), static_cast<std::uint8_t>(edge)};
+  return {scene_.parts[triangle].triangle, scene_.parts[triangle].edges[edge]};
+}
+
+DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) const {
+  const std::size_t t = static_cast<std::size_t>(scene_.shells[shell].tris - scene_.triangles.data()) + triangle;
+  DrawnSegment s;
+  s.edgeClass = ClassPlace(scene_.classes[t][static_cast<std::size_t>(edge)]);
+  s.side = static_cast<std::uint8_t>(edge);
+  s.triangle = static_cast<std::uint32_t>(t);
+  s.shell = s.other = static_cast<std::uint32_t>(shell);
+  s.segment.segment = segment;
+  if (t < scene_.TriangleCount()) {
+    const auto [source, side] = SourceOf(t, s.side);
+    s.segment.edge = {model_.source[source], side};
+  } else {
+    const auto [first, second] = scene_.crossing[t - scene_.TriangleCount()];
+    s.shell = model_.ShellOf(first);
+    s.other = model_.ShellOf(second);
+    s.segment.edge = {model_.source[first], EdgeRef::kAcross};
+  }
+  return s;
+}
+
+void DrawnSegments::Locate(DrawnSegment& drawn) const {
+  if (drawn.triangle >= scene_.TriangleCount()) return;
+  const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
+  if (side != EdgeRef::kAcross) seen_.Locate(drawn.shell, source - model_.shellBegin[drawn.shell], side, drawn.segment);
+}
+
+// In place: there may be millions of them, and these records are large.
+std::vector<DrawnSegment> DrawnSegments::Visible() const {
+  std::vector<std::size_t> counts(RangeCount(begins_.back()) + 1);
+  ForEachVisible([&](std::size_t range, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[range + 1]; });
+  std::partial_sum(counts.begin(), counts.end(), counts.begin());
+  std::vector<DrawnSegment> segments(counts.back());
+  ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+    segments[counts[range]++] = Located(Of(s, t, edge, segment));
+  });
+  return segments;
+}
+
+std::vector<DrawnSegment> DrawnSegments::Hidden() const {
+  std::vector<ZBR_SEG> hidden;
+  std::vector<ZBR_HL_SOURCE> sources;
+  constexpr int kAsDrawn = 3;
+  ZBR_HL_REMOVAL options;
+  options.executor = ExecutorOf(threads_);
+  ZBR_HiddenLine::GetHiddenLineObj(scene_.shells.data(), hidden, kAsDrawn, scene_.ShellCount(), sources, kOneLine, options);
+  std::vector<DrawnSegment> segments;
+  segments.reserve(hidden.size());
+  for (std::size_t i = 0; i < hidden.size(); ++i) {
+    const ZBR_HL_SOURCE& at = sources[i];
+    segments.push_back(Located(Of(static_cast<std::size_t>(at.shell), static_cast<std::size_t>(at.triangle), at.edge, hidden[i])));
+  }
+  std::erase_if(segments, [](const DrawnSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
+  if (scene_.shells.size() > 1 && !scene_.view.perspective) LeaveOutDoubles(segments);
+  return segments;
+}
+
+bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const {
+  if (drawn.triangle >= scene_.TriangleCount()) return false;
+  const EdgeClass edgeClass = kDrawnClasses[drawn.edgeClass];
+  const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
+  if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;
+  stretch.segment = drawn.segment.segment;
+  stretch.shell = drawn.shell;
+  return drawing::IsCurved(model_, scene_, circles_, drawn.shell, source - model_.shellBegin[drawn.shell], side, edgeClass,
+                           stretch);
+}
+
+DrawnStretch DrawnSegments::StretchOf(const DrawnSegment& drawn) const {
+  DrawnStretch stretch;
+  if (drawn.segment.circle != kNoCircle && !scene_.view.perspective) {
+    const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
+    stretch = StretchOfChord(model_, scene_, circles_->all[drawn.segment.circle], drawn.shell,
+                             source - model_.shellBegin[drawn.shell], side, drawn.segment.segment);
+    stretch.circle = drawn.segment.circle;
+  }
+  stretch.segment = drawn.segment.segment;
+  return stretch;
+}
+
+// Curves that bodies have in common are dashed once.
+void DrawnSegments::LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const {
+  std::vector<CurvedStretch> curved;
+  std::vector<std::size_t> places;
+  CurvedStretch stretch;
+  for (std::size_t i = 0; i < hidden.size(); ++i) {
+    if (!IsCurved(hidden[i], stretch)) continue;
+    curved.push_back(stretch);
+    places.push_back(i);
+  }
+  if (curved.empty()) return;
+  std::vector<std::vector<CurvedStretch>> inRange(RangeCount(begins_.back()));
+  ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
+    CurvedStretch seen;
+    if (IsCurved(Of(s, t, edge, segment), seen)) inRange[range].push_back(seen);
+  });
+  std::vector<CurvedStretch> visible;
+  for (const auto& stretches : inRange) visible.insert(visible.end(), stretches.begin(), stretches.end());
+  KeepParts(places, WithoutDoubles(scene_, circles_, visible, curved), hidden);
+}
+
+// In place: first what goes is closed up, then room is made for second parts, from the end on.
+void DrawnSegments::KeepParts(const std::vector<std::size_t>& places, const std::vector<PartOfStretch>& parts,
+                              std::vector<DrawnSegment>& segments) const {
+  std::vector<std::pair<std::size_t, DrawnSegment>> more;  // with the place that each comes behind
+  std::size_t kept = 0, part = 0;
+  for (std::size_t i = 0, k = 0; i < segments.size(); ++i) {
+    const DrawnSegment whole = segments[i];
+    if (k == places.size() || places[k] != i) {
+      segments[kept++] = whole;
+      continue;
+    }
+    for (bool isFirst = true; part < parts.size() && parts[part].stretch == k; ++part, isFirst = false) {
+      DrawnSegment left = whole;
+      left.segment.segment = parts[part].Of(whole.segment.segment);
+      Locate(left);
+      if (isFirst) {
+        segments[kept++] = left;
+      } else {
+        more.emplace_back(kept - 1, left);
+      }
+    }
+    ++k;
+  }
+  segments.resize(kept + more.size());
+  for (std::size_t to = segments.size(); !more.empty(); more.pop_back()) {
+    while (kept > more.back().first + 1) segments[--to] = segments[--kept];
+    segments[--to] = more.back().second;
+  }
+}
+
+}  // namespace zbr::drawing

@@ -1,0 +1,89 @@
+// What the removal leaves of a scene's edges, with what each stretch is part of.
+#pragma once
+
+#include <zbr-drawing/scene.h>
+#include <zbr/planar.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "drawing/curves/common_parts.h"
+#include "drawing/curves/doubled_curves.h"
+#include "drawing/curves/seen_circles.h"
+#include "drawing/model/shell_ranges.h"
+#include "drawing/views/chains.h"
+
+namespace zbr::drawing {
+
+// Lines that run closer together are one on paper, in scene units: about a tenth of a line's width on a sheet filled by the view.
+// Vertices of meshes, scanned ones above all, are that far off the planes and edges they stand for.
+inline constexpr double kOneLine = 0.02;
+
+struct DrawnSegment {
+  std::uint8_t edgeClass = 0;  // place in kDrawnClasses
+  std::uint8_t side = 0;       // edge of the triangle
+  std::uint32_t triangle = 0;  // of the scene
+  std::uint32_t shell = 0, other = 0;
+  EdgeSegment segment;
+};
+
+class DrawnSegments {
+ public:
+  // Refers to model, scene and circles; these may be null.
+  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads);
+
+  // In the order of shells and triangles.
+  std::vector<DrawnSegment> Visible() const;
+  // None along a visible line, and none twice.
+  std::vector<DrawnSegment> Hidden() const;
+
+  // Whether a stretch stands for a curve.
+  bool IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const;
+
+  // Of the segments at these places the parts, which name them by their order; all of the others. They stay in order.
+  void KeepParts(const std::vector<std::size_t>& places, const std::vector<PartOfStretch>& parts,
+                 std::vector<DrawnSegment>& segments) const;
+
+  // In perspective nothing is told to be a chord.
+  DrawnStretch StretchOf(const DrawnSegment& drawn) const;
+
+  const Scene& GetScene() const { return scene_; }
+  const Circles* KnownCircles() const { return circles_; }
+  const SeenCircles& Seen() const { return seen_; }
+
+ private:
+  // Calls use(range, shell, triangle, edge, segment) for all that is visible, in order within each range of triangles.
+  template <class Use>
+  void ForEachVisible(const Use& use) const {
+    ForEachPart(begins_, threads_, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
+      for (std::size_t t = begin; t < end; ++t) {
+        for (int i = 0; i < 3; ++i) {
+          for (const ZBR_HL_INTERVAL& visible : scene_.shells[s].tris[t].intvl_v[i])
+            use(range, s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+        }
+      }
+    });
+  }
+
+  // Without angles.
+  DrawnSegment Of(std::size_t shell, std::size_t triangle, int edge, const ZBR_SEG& segment) const;
+  void Locate(DrawnSegment& drawn) const;
+  DrawnSegment Located(DrawnSegment drawn) const {
+    Locate(drawn);
+    return drawn;
+  }
+  // The triangle of the model and its edge.
+  EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;
+  void LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const;
+
+  const Model& model_;
+  const Scene& scene_;
+  const Circles* circles_;
+  SeenCircles seen_;
+  const unsigned threads_;
+  std::vector<std::uint32_t> begins_{0};  // of the shells' triangles, counted through, and the end
+};
+
+}  // namespace zbr::drawing
