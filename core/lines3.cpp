@@ -64,8 +64,9 @@ bool zbrIsOnSeg(const ZBR_PT3& p, const ZBR_PT3& a, const ZBR_PT3& b, ZBR_PT3* f
   if (zbr::SamePoint(a, b, eps2)) return zbr::SamePoint(p, a, eps2) && zbr::SamePoint(p, b, eps2);
   const double at = zbrGetOnLineParameter(p, a, b);
   const ZBR_PT3 nearest = a + (b - a) * at;
+  const bool isWithin = zbr::SamePoint(nearest, a, eps2) || zbr::SamePoint(nearest, b, eps2) || (0.0 < at && at < 1.0);
+  const bool isOn = isWithin && zbr::SamePoint(p, nearest, eps2);
   if (t != nullptr) *t = at;
-  if (foot != nullptr) *foot = nearest;
-  if (!zbr::SamePoint(p, nearest, eps2)) return false;
-  return zbr::SamePoint(nearest, a, eps2) || zbr::SamePoint(nearest, b, eps2) || (0.0 < at && at < 1.0);
+  if (foot != nullptr) *foot = nearest;  // which may be one of the points that were asked about
+  return isOn;
 }
