@@ -63,6 +63,10 @@ struct SortedRecord {
   std::uint32_t found;
 };
 
+constexpr std::size_t PointsNeeded(bool isOpen) {
+  return isOpen ? 2 : 3;
+}
+
 class CrossingSearch {
  public:
   CrossingSearch(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& out)
@@ -136,7 +140,7 @@ class CrossingSearch {
     ZBR_LOOP& loop = **polygon.loop;
     const auto n = static_cast<std::uint32_t>(loop.pt().size());
     const bool isOpen = !isA && !closedB_;
-    if (n < (isOpen ? 2U : 3U)) return;
+    if (n < PointsNeeded(isOpen)) return;
     loop.Setup();
     if (!IsFiniteRing(loop)) return;
     const std::uint32_t start = isOpen ? 0 : isA ? FirstCorner(loop.pt(), eps2_) : n - 1;
@@ -312,6 +316,11 @@ void Note(const EdgeIndex& index, std::size_t polygons, std::vector<SearchedPoly
   for (const IndexedRing& ring : index.rings()) (*seen)[ring.id] = {ring.points, ring.n, ring.hasRepeats};
 }
 
+bool HasRing(const std::vector<Polygon>& polygons, bool isOpen) {
+  return std::any_of(polygons.begin(), polygons.end(),
+                     [isOpen](const Polygon& polygon) { return (**polygon.loop).pt().size() >= PointsNeeded(isOpen); });
+}
+
 }  // namespace
 
 void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses,
@@ -323,13 +332,21 @@ void SearchCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& 
   if (report != nullptr) search.Report(*report);
 }
 
+namespace {
+
+// Where one side has no ring that can cross, no loop is set up.
+void AppendCrossings(const std::vector<Polygon>& a, const std::vector<Polygon>& b, bool closedB, std::vector<ZBR_CROSS>& crosses) {
+  if (HasRing(a, false) && HasRing(b, !closedB)) SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, nullptr);
+}
+
+}  // namespace
 }  // namespace zbr
 
 void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB, int polyA,
                         int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB) {
   const std::vector<zbr::Polygon> a{{&A, ZBR_CROSS_LOOP(loopA, polyA)}};
   const std::vector<zbr::Polygon> b{{&B, ZBR_CROSS_LOOP(loopB, polyB)}};
-  zbr::SearchCrossings(a, b, closedB, crosses, nullptr, nullptr, nullptr);
+  zbr::AppendCrossings(a, b, closedB, crosses);
 }
 
 void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
@@ -338,10 +355,10 @@ void zbrGetLoopCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<Z
   std::vector<zbr::Polygon> b;
   zbr::AppendPolygons(A, loopA, a);
   zbr::AppendPolygons(B, loopB, b);
-  zbr::SearchCrossings(a, b, true, crosses, nullptr, nullptr, nullptr);
+  zbr::AppendCrossings(a, b, true, crosses);
 }
 
 void zbrGetLoopsCross(const std::vector<std::shared_ptr<ZBR_LOOP>>& A, const std::vector<std::shared_ptr<ZBR_LOOP>>& B,
                       std::vector<ZBR_CROSS>& crosses) {
-  zbr::SearchCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses, nullptr, nullptr, nullptr);
+  zbr::AppendCrossings(zbr::PolygonsOf(A), zbr::PolygonsOf(B), true, crosses);
 }

@@ -4,22 +4,12 @@
 // to the polygon's own size when it lies far from the origin.
 #include <zbr/planar.h>
 
+#include <limits>
+
+#include "core/boundary.h"
 #include "core/planar_inline.h"
 
 namespace {
-
-// The point at boundary parameter t in [0, n).
-ZBR_PT PointAt(const std::vector<ZBR_PT>& p, double t) {
-  const double whole = std::floor(t);
-  const auto i = static_cast<std::size_t>(whole);
-  const std::size_t j = i + 1 == p.size() ? 0 : i + 1;
-  return p[i] + (p[j] - p[i]) * (t - whole);
-}
-
-// The end of the last edge may arrive as n (an index plus a parameter rounds up); it is vertex 0.
-double Folded(double t, std::size_t n) {
-  return t == static_cast<double>(n) ? 0.0 : t;
-}
 
 // First vertex strictly after parameter t, and last vertex strictly before it, on a ring of n points.
 std::size_t VertexAfter(double t, std::size_t n) {
@@ -51,21 +41,18 @@ double ZBR_POLYGON::get_area() const {
 }
 
 double ZBR_POLYGON::get_area(double ta, double tb) const {
-  ta = Folded(ta, points_.size());
-  tb = Folded(tb, points_.size());
-  if (ta == tb) return get_area();
-  if (points_.size() < 3) return 0.0;
-  return get_area(PointAt(points_, ta), PointAt(points_, tb), ta, tb);
+  return get_area(zbr::BoundaryPoint(points_, ta), zbr::BoundaryPoint(points_, tb), ta, tb);
 }
 
 double ZBR_POLYGON::get_area(const ZBR_PT& pa, const ZBR_PT& pb, double ta, double tb) const {
   const std::vector<ZBR_PT>& p = points_;
   const std::size_t n = p.size();
-  ta = Folded(ta, n);
-  tb = Folded(tb, n);
+  ta = zbr::FoldedParameter(ta, n);
+  tb = zbr::FoldedParameter(tb, n);
   if (ta == tb) return get_area();
   if (n < 3) return 0.0;
   if (zbr::WithinTol(ta, tb, zbr::t_tolerance.eps)) return 0.0;
+  if (!zbr::IsOnBoundary(ta, n) || !zbr::IsOnBoundary(tb, n)) return std::numeric_limits<double>::quiet_NaN();
 
   const std::size_t first = VertexAfter(ta, n);
   const std::size_t last = VertexBefore(tb, n);

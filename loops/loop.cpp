@@ -9,6 +9,7 @@
 #include <iterator>
 #include <new>
 
+#include "core/boundary.h"
 #include "loops/point_in_loop.h"
 
 namespace {
@@ -147,10 +148,7 @@ void ZBR_LOOP::Offset(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_P
 }
 
 ZBR_PT ZBR_LOOP::LinTo(double t) const {
-  const double whole = std::floor(t);
-  const auto i = static_cast<std::size_t>(whole);
-  const std::size_t j = i + 1 == pt().size() ? 0 : i + 1;
-  return pt()[i] + (pt()[j] - pt()[i]) * (t - whole);
+  return zbr::BoundaryPoint(pt(), t);
 }
 
 double ZBR_LOOP::get_area(const std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {

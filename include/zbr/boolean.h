@@ -1,8 +1,9 @@
 // Crossings between the boundaries of two planar regions, and Boolean combinations of the regions.
 //
 // A region is a loop list as zbrMakeLoopTree leaves it: outer loops counter-clockwise, their holes clockwise as children; anything
-// deeper is not read. A polygon is one ring of such a list, named by (loop index, polygon index): polygon 0 is the loop itself,
-// polygon k its child k - 1. Lengths are in the caller's unit.
+// deeper is not read. Directions are not checked: rings that run the other way give other regions, so pass what has not been
+// through zbrMakeLoopTree to it first. A polygon is one ring of such a list, named by (loop index, polygon index): polygon 0 is the
+// loop itself, polygon k its child k - 1. Lengths are in the caller's unit.
 //
 // Clean input, rings that are simple and do not cross others of the same list (they may touch), is walked along its crossings. What
 // that can't settle, rings that cross or overlap included, goes through an exact arrangement; a region is then what an odd number
@@ -86,8 +87,8 @@ class ZBR_CROSS_SORT_FUNCTOR {
 // A vertex of B on a vertex of A gives two records, one per edge of B meeting there: equal directions for a passage, opposite ones
 // for a touch; zbrOptimizeCross merges or drops them. Other touches along one side give none or two of opposite directions. Rings
 // of fewer than three points (B open: two) give nothing, nor do rings with a NaN or infinite coordinate. The four ints (loop of A,
-// loop of B, polygon of A, polygon of B) are only stored. Sets both loops up; uses the thread's tolerance. Cost: n log n +
-// candidates, edge pairs whose boxes come within 0.001.
+// loop of B, polygon of A, polygon of B) are only stored. Sets both loops up if both have points enough; uses the thread's
+// tolerance. Cost: n log n + candidates, edge pairs whose boxes come within 0.001.
 ZBR_API void zbrGetPolygonCross(const std::shared_ptr<ZBR_LOOP>& A, const std::shared_ptr<ZBR_LOOP>& B, int loopA, int loopB,
                                 int polyA, int polyB, std::vector<ZBR_CROSS>& crosses, bool closedB);
 

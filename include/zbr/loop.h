@@ -57,7 +57,7 @@ class ZBR_LOOP : public ZBR_POLYGON {
   // Translates points and bounds by v, children (at every depth) included.
   ZBR_API void Offset(const ZBR_PT& v);
   ZBR_API static void Offset(std::vector<std::shared_ptr<ZBR_LOOP>>& loops, const ZBR_PT& v);
-  // The point at boundary parameter t, which must lie in [0, n).
+  // The point at boundary parameter t; the end of the last edge, n, is vertex 0. NaN when t lies outside [0, n] or is NaN.
   ZBR_API ZBR_PT LinTo(double t) const;
 
   using ZBR_POLYGON::get_area;
@@ -115,7 +115,8 @@ enum ZBR_LOOP_REL {
   ZBR_LR_OUTSIDE = 5        // outside b
 };
 
-// Where pt lies relative to the ring of `loop` (children are ignored). Sets the loop up.
+// Where pt lies relative to the ring of `loop` (children are ignored). Sets the loop up unless it has fewer than three
+// points.
 //
 // pos receives each vertex's position relative to pt, in loop order. It is left untouched when the answer is ZBR_PI_OUT by the
 // bounding box, and is cut short at the vertex that gave ZBR_PI_ON_VERTEX. Linear in the number of points; for many points

@@ -42,6 +42,10 @@ TEST(PolygonCross, RecordsAreAppendedWithTheirNames) {
   EXPECT_TRUE(c.a.loop.value == (std::int64_t{7} << 32) + 2 && c.b.loop.loop() == 8 && c.b.loop.poly() == 3);
   EXPECT_TRUE(c.pt.x() == 1.0 && c.pt.y() == 2.0 && c.index == 4 && c.a.seq == -1 && c.b.order == 0 && c.valid && !c.done);
   EXPECT_TRUE(a->IsSetuped());
+  const auto alone = MakeLoop(Square(0, 0, 2));
+  zbrGetPolygonCross(ParseLoop("0 0, 1 1"), alone, 0, 0, 0, 0, crosses, true);
+  zbrGetLoopsCross({}, {alone}, crosses);
+  EXPECT_FALSE(alone->IsSetuped()) << "where there is nothing to cross no loop is touched";
 }
 
 TEST(LoopsCross, OrderOfLoopsThenPolygons) {

@@ -1,6 +1,9 @@
 // The loop record: cache, copies, ownership.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "support/shapes.h"
 
 namespace {
@@ -47,8 +50,21 @@ TEST(Loop, OutofIsStrict) {
 
 TEST(Loop, LinToWrapsOverTheClosingEdge) {
   const auto loop = MakeLoop(Square(1, 1, 1));
-  const struct { double t, x, y; } rows[] = {{0, 1, 1}, {2, 2, 2}, {2.5, 1.5, 2}, {3.5, 1, 1.5}};
+  const struct { double t, x, y; } rows[] = {{0, 1, 1}, {2, 2, 2}, {2.5, 1.5, 2}, {3.5, 1, 1.5}, {4, 1, 1}};
   for (const auto& row : rows) EXPECT_TRUE(loop->LinTo(row.t).x() == row.x && loop->LinTo(row.t).y() == row.y) << row.t;
+}
+
+// Each of these read beside the points, or went round for ever.
+TEST(Loop, ParametersBesideTheBoundaryGiveNaN) {
+  const auto loop = MakeLoop(Square(0, 0, 1));
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const double t : {-0.5, 4.5, 1e9, -1e300, nan}) {
+    EXPECT_TRUE(std::isnan(loop->LinTo(t).x()) && std::isnan(loop->LinTo(t).y())) << t;
+    EXPECT_TRUE(std::isnan(loop->get_area(t, 1.5)) && std::isnan(loop->get_area(1.5, t))) << t;
+    EXPECT_TRUE(std::isnan(loop->get_area({0, 0}, {1, 1}, t, 2)) && std::isnan(loop->get_area({0, 0}, {1, 1}, 2, t))) << t;
+  }
+  EXPECT_TRUE(std::isnan(ZBR_LOOP().LinTo(0).x()));
+  EXPECT_TRUE(loop->get_area(2, 4) == 0.5 && loop->get_area(4, 0) == 1.0);
 }
 
 TEST(Loop, OffsetMovesChildrenToo) {
