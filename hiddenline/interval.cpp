@@ -16,6 +16,14 @@ namespace {
 using zbr::t_tolerance;
 using zbr::WithinTol;
 
+// Whether all intervals are wide enough and apart, as those of most lists are already.
+bool IsClean(const Intervals& a, double eps) {
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (WithinTol(a[i].e.t - a[i].s.t, eps) || (i > 0 && a[i - 1].e.t + eps >= a[i].s.t)) return false;
+  }
+  return true;
+}
+
 // Merges two lists neither of which is the whole edge.
 void Overlaps(const Intervals& a, const Intervals& b, double eps, Intervals& out) {
   std::size_t i = 0;
@@ -103,6 +111,7 @@ int zbrIntervalIntersection(Intervals& a, const Intervals& b, Intervals& work) {
 
 int zbrIntervalOptimize(Intervals& a) {
   const double eps = t_tolerance.eps;
+  if (IsClean(a, eps)) return static_cast<int>(a.size());
   std::erase_if(a, [eps](const ZBR_HL_INTERVAL& v) { return WithinTol(v.e.t - v.s.t, eps); });
   // From the back, so that an interval joins what its successor has become; the survivors gather at the back.
   std::size_t kept = a.size();

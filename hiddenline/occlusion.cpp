@@ -25,7 +25,6 @@
 #include "hiddenline/occlusion.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -78,6 +77,11 @@ bool RightOfLine(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR
   return true;
 }
 
+// The number of bits of a mask over three vertices; without an instruction for it, which not all processors have, a call otherwise.
+unsigned CountOf(unsigned mask) {
+  return (mask & 1U) + (mask >> 1U & 1U) + (mask >> 2U & 1U);
+}
+
 // The number of the only bit of a mask over three vertices.
 int OnlyVertex(unsigned mask) {
   return mask == 1 ? 0 : mask == 2 ? 1 : 2;
@@ -85,7 +89,7 @@ int OnlyVertex(unsigned mask) {
 
 // The apex of a triangle of which no edge lies on the line of a stretch; -1 when no part of the triangle is on both sides.
 int ApexOf(unsigned right, unsigned on, unsigned left) {
-  if (on == 0) return OnlyVertex(std::popcount(left) == 1 ? left : right);
+  if (on == 0) return OnlyVertex(CountOf(left) == 1 ? left : right);
   if (right == 0 || left == 0) return -1;
   return on == 1 ? 1 : 0;
 }
@@ -121,7 +125,7 @@ void Outside(const ZBR_HL_TRI& self, const Stretch& stretch, const ZBR_HL_TRI& o
   const unsigned on = sides.bits[1];
   const unsigned left = sides.bits[2];
   if (right == 7 || left == 7) return stretch.AppendWhole(out);  // Beside
-  if (std::popcount(on) >= 2) {                                  // AlongEdge
+  if (CountOf(on) >= 2) {                                        // AlongEdge
     const int k = on == 7 ? -1 : on == 6 ? 1 : on == 5 ? 2 : 0;
     return OutsideOnLine(self, stretch, k, o, out, lists);
   }
@@ -173,9 +177,9 @@ void AgreeOnPoints(Intervals& list, Intervals& result) {
 // Sides of o's plane on which the vertices of self lie: in front, on it, behind, with front on the viewer's side.
 bool CanBeHidden(ZBR_HL_TRI& self, const ZBR_HL_TRI& o) {
   const unsigned on = self.pos.bits[1];
-  if (o.IsTriVertical() && std::popcount(on) < 2) return false;
+  if (o.IsTriVertical() && CountOf(on) < 2) return false;
   if (o.clockwise) std::swap(self.pos.bits[0], self.pos.bits[2]);
-  const bool touchesFromFront = self.pos.bits[2] == 0 && std::popcount(on) == 1;
+  const bool touchesFromFront = self.pos.bits[2] == 0 && CountOf(on) == 1;
   return self.pos.bits[0] != 7 && !touchesFromFront;
 }
 
