@@ -124,9 +124,16 @@ Layer ResultLayer(const std::string& name, const CurvedRegion& shape, const Writ
   return MakeLayer(name, writing.simplify < 0 ? shape : Simplified(shape, writing.simplify));
 }
 
+// Lines that divide others into cells are wanted, or stray ones.
+std::string OnLinesText(const Contours& contours) {
+  if (contours.endsOnLines == 0) return "";
+  return "; " + std::to_string(contours.endsOnLines) +
+         (contours.endsOnLines == 1 ? " end lies on another line" : " ends lie on other lines") + ", see --faces all";
+}
+
 void NoteOpen(const Contours& contours, const InputOptions& options, Progress& progress) {
   if (contours.open.empty()) return;
-  const std::string what = OpenText(contours.open.size()) + NarrowestGapText(contours);
+  const std::string what = OpenText(contours.open.size()) + NarrowestGapText(contours) + OnLinesText(contours);
   const std::size_t line = contours.open.front().line;
   if (options.strict) throw Incomplete(contours.file, line, "left out " + what + ", which --strict does not allow");
   progress.Note(contours.file + ":" + std::to_string(line) + ": warning: left out " + what);

@@ -72,6 +72,13 @@ void CheckPath(const Path& path, const std::string& file) {
   CheckFinite(path.points, file, path.line);
 }
 
+std::size_t EndsOnLines(const LineWork& joined, const FlattenOptions& options) {
+  std::vector<Path> all = joined.contours;
+  if (std::all_of(all.begin(), all.end(), [](const Path& path) { return path.closed; })) return 0;
+  for (const std::vector<Path>& piece : joined.pieces) all.insert(all.end(), piece.begin(), piece.end());
+  return CountEndsOnLines(std::move(all), options.join, options.deviation);
+}
+
 Work Joined(Drawing& drawing, const FlattenOptions& options, Contours& contours) {
   Work work;
   for (Path& path : drawing.paths) {
@@ -89,6 +96,7 @@ Work Joined(Drawing& drawing, const FlattenOptions& options, Contours& contours)
   if (!drawing.joinsEnds) return {std::move(drawing.paths), {}};
   LineWork joined = JoinPaths(std::move(drawing.paths), options.join, options.faces);
   contours.forks = std::move(joined.forks);
+  contours.endsOnLines = EndsOnLines(joined, options);
   return {std::move(joined.contours), std::move(joined.pieces)};
 }
 

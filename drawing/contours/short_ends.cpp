@@ -26,6 +26,8 @@ constexpr double kMeets = 2e-12;        // of the extent: closer, an end meets t
 constexpr double kMeetsDigits = 4e-15;  // of the largest coordinate: the same
 constexpr double kBefore = 16.0;        // tolerances before the end its side is told: above the tolerance, below any feature
 
+constexpr std::size_t kMostLooks = 10'000'000;  // at ends from edges, for a note: a tenth of a second
+
 struct EdgeId {
   std::size_t path = 0, edge = 0;
 };
@@ -69,12 +71,20 @@ class ShortEnds {
     if (!extent.empty()) meets_ = std::max(kMeets * extent.Size(), kMeetsDigits * extent.Magnitude());
   }
 
+  // The ends that are near edges; of thousands of ends, as hatching has, it would say nothing and take long.
+  std::size_t Count() {
+    CollectEnds();
+    std::size_t edges = 0;
+    for (const Path& path : paths_) edges += path.EdgeCount();
+    if (ends_.size() * edges > kMostLooks) return 0;
+    Measure();
+    return static_cast<std::size_t>(
+        std::count_if(ends_.begin(), ends_.end(), [&](const End& end) { return end.distance <= std::max(tolerance_, meets_); }));
+  }
+
   void Run() {
     CollectEnds();
-    if (ends_.empty()) return;
-    for (std::size_t i = 0; i < paths_.size(); ++i) {
-      for (std::size_t e = 0; e < paths_[i].EdgeCount(); ++e) MeasureFrom({i, e});
-    }
+    Measure();
     std::map<std::pair<std::size_t, std::size_t>, std::vector<Foot>> cuts;
     for (End& end : ends_) {
       if (!FallsShort(end)) continue;
@@ -90,6 +100,12 @@ class ShortEnds {
  private:
   ZBR_PT From(EdgeId id) const { return paths_[id.path].points[id.edge]; }
   ZBR_PT To(EdgeId id) const { return paths_[id.path].points[(id.edge + 1) % paths_[id.path].points.size()]; }
+
+  void Measure() {
+    for (std::size_t i = 0; i < paths_.size() && !ends_.empty(); ++i) {
+      for (std::size_t e = 0; e < paths_[i].EdgeCount(); ++e) MeasureFrom({i, e});
+    }
+  }
 
   // Ends at which no other path ends, by their coordinates.
   void CollectEnds() {
@@ -268,6 +284,10 @@ class ShortEnds {
 
 void LeadShortEnds(std::vector<Path>& paths, double tolerance, double deviation) {
   if (tolerance > 0) ShortEnds(paths, tolerance, deviation).Run();
+}
+
+std::size_t CountEndsOnLines(std::vector<Path> paths, double tolerance, double deviation) {
+  return ShortEnds(paths, tolerance, deviation).Count();
 }
 
 }  // namespace zbr::drawing

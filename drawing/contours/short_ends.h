@@ -12,4 +12,8 @@ namespace zbr::drawing {
 // direction of the paths make no difference.
 void LeadShortEnds(std::vector<Path>& paths, double tolerance, double deviation);
 
+// How many ends of open paths meet no other end and are within `tolerance` of an edge or a curve that is not their own; 0
+// where that would take long.
+std::size_t CountEndsOnLines(std::vector<Path> paths, double tolerance, double deviation);
+
 }  // namespace zbr::drawing

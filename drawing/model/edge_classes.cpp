@@ -9,6 +9,7 @@
 #include <zbr-drawing/trigonometry.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -80,10 +81,10 @@ ZBR_PT3 BorrowedNormal(const Model& model, std::size_t shell, const ZBR_PT3* own
   return ZBR_PT3();
 }
 
-bool IsClosedAndOriented(const Model& model, std::size_t s) {
-  const ZBR_ZBREPS& shell = model.Shell(s);
-  for (int e = 0; e < shell.GetEdgeCnt(); ++e) {
-    const ZBR_ZBREPE& edge = *shell.GetEdge(e);
+// Of a part of the edges.
+bool AreClosedAndOriented(const Model& model, std::size_t s, std::size_t begin, std::size_t end) {
+  for (std::size_t e = begin; e < end; ++e) {
+    const ZBR_ZBREPE& edge = *model.Shell(s).GetEdge(static_cast<int>(e));
     const EdgeNote note = model.Note(s, edge);
     if (note.isJunction || note.isSameWay || edge.GetTriangle1() == nullptr) return false;
   }
@@ -162,9 +163,13 @@ void ShowEdges(Model& model, double creaseDegrees, unsigned threads) {
 
 void FindFacing(Model& model, unsigned threads) {
   const double perDiagonal = PerDiagonal(model);
-  model.facing.resize(model.shellBegin.size() - 1);
+  std::vector<std::atomic<bool>> isOpen(model.shellBegin.size() - 1);
+  ForEachPart(model.edgeBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
+    if (!AreClosedAndOriented(model, s, begin, end)) isOpen[s] = true;
+  });
+  model.facing.resize(isOpen.size());
   ForEachShell(model.shellBegin, threads, [&](std::size_t s) {
-    const double volume = IsClosedAndOriented(model, s) ? Volume(model.Shell(s), perDiagonal) : 0.0;
+    const double volume = isOpen[s] ? 0.0 : Volume(model.Shell(s), perDiagonal);
     model.facing[s] = volume > 0 ? Facing::kOutward : volume < 0 ? Facing::kInward : Facing::kUnknown;
   });
 }

@@ -37,12 +37,12 @@ void Remove(const std::vector<std::uint32_t>& places, Gathered& gathered) {
 
 // Makes one shell of everything and returns its junctions. Two layers of the same triangles, as double-sided surfaces are often
 // stored, would make a junction of every edge: of repeated triangles one stays.
-std::vector<EdgeUse> FillWhole(Gathered& gathered, Model& model) {
+std::vector<EdgeUse> FillWhole(Gathered& gathered, unsigned threads, Model& model) {
   ShellFiller filler(gathered.points);
   const auto fill = [&] {
     model.body = ZBR_ZBREPB();
     model.body.SetShellCnt(1);
-    filler.Fill(gathered.triangles, *model.body.GetShell(0));
+    filler.Fill(gathered.triangles, *model.body.GetShell(0), threads);
     return FindJunctions(model.Shell(0));
   };
   std::vector<EdgeUse> junctions = fill();
@@ -181,7 +181,7 @@ void NoteDirections(Model& model, unsigned threads) {
 }
 
 void FillByEdges(Gathered& gathered, unsigned threads, Model& model) {
-  const std::vector<EdgeUse> junctions = FillWhole(gathered, model);
+  const std::vector<EdgeUse> junctions = FillWhole(gathered, threads, model);
   model.pointCount = static_cast<std::size_t>(model.Shell(0).GetVertexCnt());
   std::uint32_t count = 0;
   std::vector<std::uint32_t> shell = std::move(gathered.shell);

@@ -56,7 +56,19 @@ void FindRepeatedAtJunctions(std::span<const Corners> triangles, const std::vect
 
 }  // namespace
 
-void ShellFiller::Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell) {
+// Room for the triangles of a large shell takes as long to clear as its points do to be numbered.
+void ShellFiller::Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell, unsigned threads) {
+  RunParallel(2, triangles.size() < kRange ? 1 : threads, [&](std::size_t which) {
+    if (which == 0) return FillPoints(triangles, shell);
+    shell.SetTriangleCnt(static_cast<int>(triangles.size()));
+  });
+  shell.ReserveEdge();
+  int triangle = 0;
+  for (const Corners& t : triangles) shell.SetTriangleWithEdge(triangle++, place_[t[0]], place_[t[1]], place_[t[2]]);
+  for (const std::uint32_t p : used_) place_[p] = -1;
+}
+
+void ShellFiller::FillPoints(std::span<const Corners> triangles, ZBR_ZBREPS& shell) {
   used_.clear();
   for (const Corners& t : triangles) {
     for (const std::uint32_t p : t) {
@@ -68,11 +80,6 @@ void ShellFiller::Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell) {
   shell.SetVertexCnt(static_cast<int>(used_.size()));
   int vertex = 0;
   for (const std::uint32_t p : used_) shell.SetVertex(vertex++, points_[p].x(), points_[p].y(), points_[p].z());
-  shell.SetTriangleCnt(static_cast<int>(triangles.size()));
-  shell.ReserveEdge();
-  int triangle = 0;
-  for (const Corners& t : triangles) shell.SetTriangleWithEdge(triangle++, place_[t[0]], place_[t[1]], place_[t[2]]);
-  for (const std::uint32_t p : used_) place_[p] = -1;
 }
 
 std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell) {

@@ -19,9 +19,11 @@ class ShellFiller {
   explicit ShellFiller(const std::vector<ZBR_PT3>& points) : points_(points), place_(points.size(), -1) {}
 
   // Gives the empty shell the points that the triangles use, numbered as they are met, and the triangles.
-  void Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell);
+  void Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell, unsigned threads = 1);
 
  private:
+  void FillPoints(std::span<const Corners> triangles, ZBR_ZBREPS& shell);
+
   const std::vector<ZBR_PT3>& points_;
   std::vector<int> place_;           // of each point among the shell's; -1 outside Fill
   std::vector<std::uint32_t> used_;  // points of the shell

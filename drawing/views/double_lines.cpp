@@ -42,7 +42,8 @@ class CommonLines {
  private:
   struct Pair {
     std::uint32_t later, earlier;
-    friend auto operator<=>(const Pair&, const Pair&) = default;
+    bool operator<(const Pair& o) const { return later != o.later ? later < o.later : earlier < o.earlier; }
+    bool operator==(const Pair& o) const { return later == o.later && earlier == o.earlier; }
   };
 
   bool IsChord(const DrawnSegment& line) const { return line.segment.circle != kNoCircle && !drawn_.GetScene().view.perspective; }

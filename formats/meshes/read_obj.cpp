@@ -65,7 +65,7 @@ class ObjPart {
 
   // Corners are "point/texture/normal", counted from 1, or from the last point backwards when negative.
   void ReadFace(TextLines& lines) {
-    const auto count = static_cast<long long>(before_ + points.size());
+    const auto count = static_cast<long long>(before_) + static_cast<long long>(points.size());
     face_.clear();
     for (std::string_view word = lines.Word(); !word.empty(); word = lines.Word()) {
       const long long number = lines.ToInteger(word.substr(0, word.find('/')));

@@ -8,6 +8,8 @@
 // of at most 30 degrees and none far longer than most, so that hexagons and flats stay what they are; whose points lie in one plane
 // and at one distance from a centre within the rounding of coordinates or a fiftieth of the distance between a chord and its arc;
 // with few other lines starting in between; and which the chain leaves at once where it leaves it, as splines and spirals do not.
+// Two or three edges, alike in length, are chords of a circle that is known from elsewhere, or an arc of their own where the edges
+// before and behind them are its tangents.
 #pragma once
 
 #include <zbr-drawing/model.h>

@@ -165,6 +165,7 @@ struct Contours {
   std::vector<Ring> rings;
   std::vector<OpenEnds> open;
   std::vector<Fork> forks;
+  std::size_t endsOnLines = 0;  // of open ones: at most the join from another one's middle, so that cells may be bounded there
   std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to; shared by drawings that belong together
   std::shared_ptr<const std::vector<Pen>> pens;      // the same
 };

@@ -168,6 +168,52 @@ TEST(Circles, FlatsAndCornersStayStraight) {
   EXPECT_EQ(FindCircles(MakeModel(Prism(RegularPolygon(24), 3), 10.0)).all.size(), 0U);
 }
 
+// A regular polygon whose corners are arcs of radius 2 in so many chords; the points between the ends of the arcs may be off them.
+Points Rounded(int sides, int chords, double off = 0.0) {
+  Points points;
+  for (int corner = 0; corner < sides; ++corner) {
+    const double a = 2 * pi * corner / sides;
+    for (int k = 0; k <= chords; ++k) {
+      const double b = a + 2 * pi / sides * (1.0 * k / chords - 0.5), r = k == 0 || k == chords ? 2.0 : 2.0 + off;
+      points.emplace_back(10 * std::cos(a) + r * std::cos(b), 10 * std::sin(a) + r * std::sin(b));
+    }
+  }
+  return points;
+}
+
+// Two or three chords are an arc where the lines beside them are its tangents, and no chamfer in as many steps.
+TEST(Circles, CoarseRoundings) {
+  for (const auto& [sides, chords] : {std::pair{4, 3}, {6, 2}, {6, 3}, {8, 2}}) {
+    SCOPED_TRACE(std::to_string(sides) + " corners of " + std::to_string(chords) + " chords");
+    for (const bool turned : {false, true}) {
+      const auto find = [&](const Points& points) { return Find(turned ? Turned(Prism(points, 3)) : Prism(points, 3)); };
+      Found found = find(Rounded(sides, chords));
+      EXPECT_EQ(found.circles, 2U * static_cast<unsigned>(sides));
+      EXPECT_NEAR(found.lengths[2000], Chords(2, sides * chords, sides * chords), 1e-4);
+      EXPECT_EQ(find(Rounded(sides, chords, 0.05)).circles + find(Rounded(sides, chords, -0.05)).circles, 0U);
+      EXPECT_EQ(find(Rounded(sides, 1)).circles, 0U);
+    }
+  }
+  EXPECT_EQ(FindCircles(MakeModel(Prism(Rounded(6, 2), 3), 20.0)).all.size(), 0U) << "corners that are drawn are meant";
+}
+
+// A rim with notches: three chords between two of them are of the circle that the others prove. Alone they prove none.
+TEST(Circles, FewChordsOfOneThatIsKnown) {
+  const auto notched = [](bool isKnown) {
+    return Polar(72, [=](double a) {
+      const auto i = static_cast<int>(std::lround(a * 72 / (2 * pi)));
+      return i == 41 || i == 42 || i == 47 || i == 48 ? 4.0 : isKnown || (i > 42 && i < 47) ? 5.0 : i % 2 == 0 ? 4.6 : 4.7;
+    });
+  };
+  for (const bool turned : {false, true}) {
+    const Mesh known = Prism(notched(true), 3), unknown = Prism(notched(false), 3);
+    const Found found = Find(turned ? Turned(known) : known);
+    EXPECT_EQ(found.circles, 2U);
+    EXPECT_NEAR(found.lengths.at(5000), Chords(5, 72, 40 + 3 + 23), 1e-4);
+    EXPECT_EQ(Find(turned ? Turned(unknown) : unknown).circles, 0U);
+  }
+}
+
 // In each view, runs lie along their chains, go on where they end, and share the record of their circle to the bit; together they
 // have the length of the circles' drawn edges. Whole circles are closed.
 TEST(Circles, RunsOfViews) {

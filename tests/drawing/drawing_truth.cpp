@@ -133,23 +133,31 @@ std::vector<Segment> SegmentsOf(const ViewLines& view, const ZBR_PT& shift, bool
   return segments;
 }
 
-// What is done to a model, and the contact tolerance it is drawn with, negative for the usual one.
+// What is done to a model, and the contact tolerance it is drawn with: the usual one, none, or what the noise calls for.
+enum class Contact { kUsual, kNone, kTold };
+
 struct Disturbance {
   const char* name;
   double noise = 0.0;   // in diagonals
   double offset = 0.0;  // in units
   bool single = false;
-  bool contact = false;  // the noise is told
-  double most = 0.01;    // per cent
+  Contact contact = Contact::kUsual;
+  double most = 0.01;  // per cent
 };
+constexpr double kAll = 100.0;  // what is lost without a contact tolerance is shown, and held against nothing
 constexpr Disturbance kDisturbances[] = {{"exact"},
+                                         {"float32, contact 0", 0, 0, true, Contact::kNone, kAll},
                                          {"float32", 0, 0, true},
+                                         {"float32, 1000 from the origin, contact 0", 0, 1000, true, Contact::kNone, kAll},
                                          {"float32, 1000 from the origin", 0, 1000, true},
-                                         {"noise 1e-7", 1e-7, 0, false, false, 2.0},  // seams are lost
-                                         {"noise 1e-7, contact told", 1e-7, 0, false, true},
-                                         {"noise 1e-6, contact told", 1e-6, 0, false, true},
-                                         {"noise 1e-5, contact told", 1e-5, 0, false, true},
-                                         {"noise 1e-4, contact told", 1e-4, 0, false, true, 3.0}};  // facets turn
+                                         {"noise 1e-7", 1e-7, 0, false, Contact::kUsual, 2.0},  // seams are lost
+                                         {"noise 1e-7, contact told", 1e-7, 0, false, Contact::kTold},
+                                         {"noise 1e-6, contact 0", 1e-6, 0, false, Contact::kNone, kAll},
+                                         {"noise 1e-6, contact told", 1e-6, 0, false, Contact::kTold},
+                                         {"noise 1e-5, contact 0", 1e-5, 0, false, Contact::kNone, kAll},
+                                         {"noise 1e-5, contact told", 1e-5, 0, false, Contact::kTold},
+                                         {"noise 1e-4, contact 0", 1e-4, 0, false, Contact::kNone, kAll},
+                                         {"noise 1e-4, contact told", 1e-4, 0, false, Contact::kTold, 3.0}};  // facets turn
 
 Mesh Disturbed(Mesh mesh, const Disturbance& how, double size) {
   std::mt19937 random(3);
@@ -171,7 +179,8 @@ bool Measure(const char* name, const Mesh& mesh, const Disturbance& how) {
   DrawingOptions options;
   options.hidden = HiddenLines::kNone;
   options.curves = false;
-  if (how.contact) options.contact = 8 * how.noise * size;
+  if (how.contact == Contact::kNone) options.contact = 0.0;
+  if (how.contact == Contact::kTold) options.contact = 8 * how.noise * size;
   const ZBR_PT3 up(0, 0, 1), away(how.offset, how.offset, how.offset);
   Share lost, wrong;
   for (const View& view : {*NamedView("front"), *NamedView("top"), *NamedView("iso"), LookAlong({1, 2, -0.7}, up)}) {

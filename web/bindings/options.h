@@ -17,7 +17,8 @@ class Options {
  public:
   using Json = nlohmann::json;
 
-  explicit Options(const std::string& text) : json_(Json::parse(text)) {}
+  // By pointers, as glTF is parsed: for other iterators all of the parser would be compiled again.
+  explicit Options(const std::string& text) : json_(Json::parse(text.data(), text.data() + text.size())) {}
   explicit Options(Json json) : json_(std::move(json)) {}
 
   // Null where it was not given.
