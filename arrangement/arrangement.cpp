@@ -20,19 +20,6 @@
 #include "arrangement/edge_cutter.h"
 
 namespace zbr {
-namespace {
-
-Box BoxOf(std::span<const DirectedEdge> edges) {
-  Box box;
-  for (const DirectedEdge& e : edges) {
-    box.Add(e.from);
-    box.Add(e.to);
-  }
-  return box;
-}
-
-}  // namespace
-
 void EdgeCutter::Run(Arrangement::Care care) {
   const std::uint32_t firstCrossing = vertices_.size();
   if (care == Arrangement::Care::kQuick) {
@@ -45,8 +32,8 @@ void EdgeCutter::Run(Arrangement::Care care) {
   vertices_.Clear();
   MergeLines();
   if (isFine_) return;
-  for (std::uint32_t i = 0; i < toPoint_.size(); ++i) {
-    out_.ends_.push_back({number_[vertexOf_[i]], number_[vertexOf_[toPoint_[i]]]});
+  for (std::uint32_t i = 0; i < edges_.size(); ++i) {
+    out_.ends_.push_back({number_[vertexOf_[i]], number_[vertexOf_[edges_.To(i)]]});
   }
 }
 
@@ -98,12 +85,12 @@ void EdgeCutter::MergeLines() {
   }
 }
 
-Arrangement::Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand, Care care) {
-  if (!edges.empty()) EdgeCutter(*this, edges, BoxOf(edges), resolution, secondOperand).Run(care);
+Arrangement::Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care) {
+  if (edges.size() > 0) EdgeCutter(*this, edges, BoxOfRing(edges.points()), resolution, secondOperand).Run(care);
 }
 
-Arrangement::Arrangement(std::span<const DirectedEdge> edges)
-    : Arrangement(edges, Resolution::Coarse(BoxOf(edges)), edges.size(), Care::kThorough) {}
+Arrangement::Arrangement(const EdgePoints& edges)
+    : Arrangement(edges, Resolution::Coarse(BoxOfRing(edges.points())), edges.size(), Care::kThorough) {}
 
 std::uint32_t Arrangement::PieceBetween(std::uint32_t u, std::uint32_t v) const {
   const auto [from, to] = std::minmax(u, v);

@@ -7,15 +7,11 @@
 
 #include <zbr/planar.h>
 
+#include "arrangement/edge_points.h"
 #include "arrangement/grid_point.h"
 #include "arrangement/vertex_set.h"
 
 namespace zbr {
-
-struct DirectedEdge {
-  ZBR_PT from;
-  ZBR_PT to;
-};
 
 // How often the edges of each of two operands run along a piece, or wind around a place.
 struct Winding {
@@ -55,9 +51,9 @@ class Arrangement {
   };
 
   // Edges must have finite ends; those from `secondOperand` on count for the second operand.
-  Arrangement(std::span<const DirectedEdge> edges, const Resolution& resolution, std::size_t secondOperand, Care care);
+  Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care);
   // Of one operand, on the coarse grid.
-  explicit Arrangement(std::span<const DirectedEdge> edges);
+  explicit Arrangement(const EdgePoints& edges);
 
   // By vertex: its place on the grid, and its true point.
   const std::vector<GridPoint>& nodes() const { return nodes_; }

@@ -27,21 +27,18 @@ struct CutLine {
 
 class EdgeCutter {
  public:
-  EdgeCutter(Arrangement& out, std::span<const DirectedEdge> edges, const Box& box, const Resolution& resolution,
-             std::size_t secondOperand)
+  EdgeCutter(Arrangement& out, const EdgePoints& edges, const Box& box, const Resolution& resolution, std::size_t secondOperand)
       : out_(out),
+        edges_(edges),
         isFine_(resolution.reach > kCoarseReach * resolution.step),
         vertices_(box, resolution, edges.size() / (isFine_ ? kPointsPerCrowded : kEdgesPerVertex) + 16),
         reach_(resolution.reach / resolution.step) {
     out_.step_ = vertices_.step();
     out_.origin_ = vertices_.FromGrid({});
-    MakeLines(edges, secondOperand);
+    MakeLines(secondOperand);
     SortLines();
     FreeLarge(edgeOfLine_);
-    if (isFine_) {
-      FreeLarge(toPoint_);
-      FreeLarge(vertexOf_);
-    }
+    if (isFine_) FreeLarge(vertexOf_);
     out_.lineBegin_.resize(lines_.size() + 1);
     for (std::uint32_t i = 0; i <= lines_.size(); ++i) out_.lineBegin_[i] = i;
   }
@@ -63,9 +60,9 @@ class EdgeCutter {
   void MergeLines();
 
   // make_lines.cpp
-  void MakeVertices(std::span<const DirectedEdge> edges);  // fills toPoint_ and vertexOf_
+  void MakeVertices();  // fills vertexOf_
   std::vector<bool> FindRepeated() const;
-  void MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand);
+  void MakeLines(std::size_t secondOperand);
   void SortLines();
 
   // cross_lines.cpp
@@ -114,11 +111,11 @@ class EdgeCutter {
   static constexpr std::size_t kPointsPerCrowded = 16;
 
   Arrangement& out_;
+  const EdgePoints& edges_;
   bool isFine_;  // so that every node is itself a point to stand for
   VertexSet vertices_;
   double reach_;  // in steps
   LeaningFrame frame_;
-  std::vector<std::uint32_t> toPoint_;     // by edge: the point where it ends; it begins at the one of its own number
   std::vector<std::uint32_t> vertexOf_;    // by point
   std::vector<std::uint32_t> edgeOfLine_;  // the first, before the lines are cut
   std::vector<CutLine> lines_;

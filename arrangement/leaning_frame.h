@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
+#include <vector>
 
 #include <zbr/planar.h>
 
@@ -16,12 +16,14 @@ namespace zbr {
 class LeaningFrame {
  public:
   LeaningFrame() = default;
-  explicit LeaningFrame(std::span<const ZBR_PT> directions) {
+  template <class Line, class DirectionOf>
+  LeaningFrame(const std::vector<Line>& lines, DirectionOf directionOf) {
     // Lengths by direction, a quarter turn being the same; each bin knows its longest line.
     constexpr int kBins = 32;
     double length[kBins] = {};
     ZBR_PT longest[kBins];
-    for (const ZBR_PT& d : directions) {
+    for (const Line& line : lines) {
+      const ZBR_PT d = directionOf(line);
       if (d.x() == 0.0 && d.y() == 0.0) continue;
       const ZBR_PT along = (d.x() > 0.0) == (d.y() > 0.0) ? d : ZBR_PT(-d.y(), d.x());
       const double x = std::fabs(along.x());

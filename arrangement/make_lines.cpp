@@ -30,30 +30,13 @@ Winding NetOf(std::span<const Keyed> group) {
   return net;
 }
 
-bool AreEqual(const ZBR_PT& p, const ZBR_PT& q) {
-  return p.x() == q.x() && p.y() == q.y();
-}
-
 }  // namespace
 
-void EdgeCutter::MakeVertices(std::span<const DirectedEdge> edges) {
-  // An edge mostly ends where the next one begins, or where the first of its chain did: such points are looked up once.
-  const auto count = static_cast<std::uint32_t>(edges.size());
-  std::vector<ZBR_PT> points;
-  points.reserve(count + count / 8);
-  for (const DirectedEdge& e : edges) points.push_back(e.from);
-  toPoint_.resize(count);
-  std::uint32_t chain = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const bool goesOn = i + 1 < count && AreEqual(edges[i].to, points[i + 1]);
-    const bool closes = !goesOn && AreEqual(edges[i].to, points[chain]);
-    toPoint_[i] = goesOn ? i + 1 : closes ? chain : static_cast<std::uint32_t>(points.size());
-    if (!goesOn && !closes) points.push_back(edges[i].to);
-    if (!goesOn) chain = i + 1;
-  }
+void EdgeCutter::MakeVertices() {
+  const std::vector<ZBR_PT>& points = edges_.points();
   vertexOf_ = isFine_ ? vertices_.AddApart(points) : std::vector<std::uint32_t>(points.size(), kNoVertex);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    for (const std::uint32_t point : {i, toPoint_[i]}) {
+  for (std::uint32_t i = 0; i < edges_.size(); ++i) {
+    for (const std::uint32_t point : {i, edges_.To(i)}) {
       if (vertexOf_[point] == kNoVertex) vertexOf_[point] = vertices_.At(points[point]);
     }
   }
@@ -62,31 +45,31 @@ void EdgeCutter::MakeVertices(std::span<const DirectedEdge> edges) {
 // Which edges may have another one between the same vertices. Not those with an end that no other point shares, unless the edges
 // there run both ways.
 std::vector<bool> EdgeCutter::FindRepeated() const {
-  const auto count = static_cast<std::uint32_t>(toPoint_.size());
+  const std::uint32_t count = edges_.size();
   std::vector<bool> isRepeated(count, !isFine_);
   if (!isFine_) return isRepeated;
   std::vector<std::uint8_t> shares(vertices_.size(), 0);  // 1: one point, 2: more
   for (const std::uint32_t v : vertexOf_) shares[v] = shares[v] == 0 ? 1 : 2;
   for (std::uint32_t i = 0; i < count; ++i) {
-    const std::uint32_t next = toPoint_[i];
+    const std::uint32_t next = edges_.To(i);
     if (shares[vertexOf_[i]] > 1 && shares[vertexOf_[next]] > 1) isRepeated[i] = true;
-    if (next < count && vertexOf_[toPoint_[next]] == vertexOf_[i]) isRepeated[i] = isRepeated[next] = true;
+    if (next < count && vertexOf_[edges_.To(next)] == vertexOf_[i]) isRepeated[i] = isRepeated[next] = true;
   }
   return isRepeated;
 }
 
-void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t secondOperand) {
-  MakeVertices(edges);
+void EdgeCutter::MakeLines(std::size_t secondOperand) {
+  MakeVertices();
   const std::vector<bool> isRepeated = FindRepeated();
   const auto lineOf = [&](std::uint32_t i) {
-    return LineBetween(vertexOf_[i], vertexOf_[toPoint_[i]], i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
+    return LineBetween(vertexOf_[i], vertexOf_[edges_.To(i)], i < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}, 0);
   };
-  const auto isPoint = [&](std::uint32_t i) { return vertexOf_[i] == vertexOf_[toPoint_[i]]; };
-  out_.lineOfEdge_.assign(edges.size(), Arrangement::kNoPiece);
-  lines_.reserve(edges.size());
-  edgeOfLine_.reserve(edges.size());
+  const auto isPoint = [&](std::uint32_t i) { return vertexOf_[i] == vertexOf_[edges_.To(i)]; };
+  out_.lineOfEdge_.assign(edges_.size(), Arrangement::kNoPiece);
+  lines_.reserve(edges_.size());
+  edgeOfLine_.reserve(edges_.size());
   std::vector<Keyed> keyed;
-  for (std::uint32_t i = 0; i < edges.size(); ++i) {
+  for (std::uint32_t i = 0; i < edges_.size(); ++i) {
     if (!isRepeated[i] || isPoint(i)) continue;
     const CutLine line = lineOf(i);
     keyed.push_back({std::uint64_t{line.from} << 32U | line.to, i, line.net});
@@ -99,7 +82,7 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t seco
     lines_.push_back({static_cast<std::uint32_t>(ends >> 32U), static_cast<std::uint32_t>(ends), net, 0});
     edgeOfLine_.push_back(group[0].index);
   });
-  for (std::uint32_t i = 0; i < edges.size(); ++i) {
+  for (std::uint32_t i = 0; i < edges_.size(); ++i) {
     if (isRepeated[i] || isPoint(i)) continue;
     out_.lineOfEdge_[i] = static_cast<std::uint32_t>(lines_.size());
     lines_.push_back(lineOf(i));
@@ -111,18 +94,13 @@ void EdgeCutter::MakeLines(std::span<const DirectedEdge> edges, std::size_t seco
 // of edges that follow each other are neighbours already and are put in their place some at a time.
 void EdgeCutter::SortLines() {
   constexpr std::uint32_t kTogether = 8;
-  {
-    std::vector<ZBR_PT> directions;
-    directions.reserve(lines_.size());
-    for (const CutLine& line : lines_) directions.push_back(Node(line.to).Point() - Node(line.from).Point());
-    frame_ = LeaningFrame(directions);
-  }
+  frame_ = LeaningFrame(lines_, [this](const CutLine& line) { return Node(line.to).Point() - Node(line.from).Point(); });
   std::vector<std::uint32_t> begin;  // of each run of lines
   std::vector<ZBR_PT> centres;
   Box box;
   for (std::uint32_t i = 0; i < lines_.size(); ++i) {
     const bool follows =
-        i > 0 && isFine_ && edgeOfLine_[i] == edgeOfLine_[i - 1] + 1 && toPoint_[edgeOfLine_[i - 1]] == edgeOfLine_[i];
+        i > 0 && isFine_ && edgeOfLine_[i] == edgeOfLine_[i - 1] + 1 && edges_.To(edgeOfLine_[i - 1]) == edgeOfLine_[i];
     if (!follows || i - begin.back() == kTogether) {
       if (i > 0) centres.push_back(box.Center());
       begin.push_back(i);

@@ -21,15 +21,6 @@
 namespace zbr {
 namespace {
 
-std::vector<DirectedEdge> EdgesOf(std::span<const RingSpan> rings) {
-  std::vector<DirectedEdge> edges;
-  edges.reserve(CountPoints(rings));
-  for (const RingSpan& ring : rings) {
-    for (std::size_t i = 0; i < ring.size(); ++i) edges.push_back({ring[i], ring[i + 1 < ring.size() ? i + 1 : 0]});
-  }
-  return edges;
-}
-
 double ParameterOn(const DirectedEdge& edge, const ZBR_PT& p) {
   const ZBR_PT d = edge.to - edge.from;
   return (p - edge.from).InnerProduct(d) / d.Length2();
@@ -64,7 +55,7 @@ void TraceBack(const FlatRegion& before, FlatRegion& region) {
 Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width)
     : tolerance_(tolerance),
       width_(width),
-      edges_(EdgesOf(rings)),
+      edges_(rings),
       resolution_(Resolution::Fine(BoxOfRings(rings), tolerance)),
       arrangement_(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kQuick),
       swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kQuick)) {
@@ -248,7 +239,7 @@ class Overlay::Assembler {
     const ZBR_PT from = PointAt(pieces[corners_[c]]);
     const ZBR_PT to = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
     for (std::uint32_t k = c == 0 ? 0 : runEnds_[c - 1]; k < runEnds_[c]; ++k) {
-      const DirectedEdge& e = overlay_.edges_[runSources_[k]];
+      const DirectedEdge e = overlay_.edges_[runSources_[k]];
       region_.sources.push_back({runSources_[k], ParameterOn(e, from), ParameterOn(e, to)});
     }
     region_.sourceEnds.push_back(static_cast<std::uint32_t>(region_.sources.size()));

@@ -57,7 +57,7 @@ class Overlay {
 
   double tolerance_;
   double width_;
-  std::vector<DirectedEdge> edges_;
+  EdgePoints edges_;
   Resolution resolution_;
   Arrangement arrangement_;
   SweptPieces swept_;

@@ -8,6 +8,7 @@
 // because of it.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "arrangement/edge_cutter.h"
@@ -20,16 +21,31 @@ constexpr std::uint32_t kLeafLines = 8;
 
 }  // namespace
 
-// Visits the pairs of lines whose boxes meet, each once. Consecutive lines share a leaf of the hierarchy.
+// Visits the pairs of lines whose boxes meet, each once, and some that just don't. Consecutive lines share a leaf of the hierarchy.
 class EdgeCutter::PairSearch {
+  // Of half the size; rounded outwards.
+  struct NarrowBox {
+    float xmin, ymin, xmax, ymax;
+
+    NarrowBox() = default;
+    explicit NarrowBox(const Box& box)
+        : xmin(Below(box.xmin)), ymin(Below(box.ymin)), xmax(-Below(-box.xmax)), ymax(-Below(-box.ymax)) {}
+    bool Meets(const NarrowBox& o) const { return xmin <= o.xmax && o.xmin <= xmax && ymin <= o.ymax && o.ymin <= ymax; }
+
+    // A float no larger than the number.
+    static float Below(double c) { return static_cast<float>(c - std::fabs(c) * std::numeric_limits<float>::epsilon()); }
+  };
+
  public:
   explicit PairSearch(EdgeCutter& cutter) : cutter_(cutter), boxes_(cutter.lines_.size()) {
     const auto lines = static_cast<std::uint32_t>(boxes_.size());
     const std::span<Box> leaves = tree_.StartLeaves((lines + kLeafLines - 1) / kLeafLines);
     for (std::uint32_t i = 0; i < lines; ++i) {
       const CutLine& line = cutter.lines_[i];
-      boxes_[i] = cutter.frame_.Around(cutter.Node(line.from).Point(), cutter.Node(line.to).Point()).Widened(cutter.reach_ / 2.0);
-      leaves[i / kLeafLines].Add(boxes_[i]);
+      const Box box =
+          cutter.frame_.Around(cutter.Node(line.from).Point(), cutter.Node(line.to).Point()).Widened(cutter.reach_ / 2.0);
+      boxes_[i] = NarrowBox(box);
+      leaves[i / kLeafLines].Add(box);
     }
     tree_.BuildInner();
   }
@@ -66,23 +82,23 @@ class EdgeCutter::PairSearch {
   void Within(std::uint32_t leaf) {
     for (std::uint32_t i = leaf * kLeafLines; i < LastOf(leaf); ++i) {
       for (std::uint32_t j = i + 1; j < LastOf(leaf); ++j) {
-        if (Overlap(boxes_[i], boxes_[j])) cutter_.LookAtPair(i, j);
+        if (boxes_[i].Meets(boxes_[j])) cutter_.LookAtPair(i, j);
       }
     }
   }
 
   void Across(std::uint32_t a, std::uint32_t b) {
-    const Box& other = tree_.Level(0)[b];
+    const NarrowBox other(tree_.Level(0)[b]);
     for (std::uint32_t i = a * kLeafLines; i < LastOf(a); ++i) {
-      if (!Overlap(boxes_[i], other)) continue;
+      if (!boxes_[i].Meets(other)) continue;
       for (std::uint32_t j = b * kLeafLines; j < LastOf(b); ++j) {
-        if (Overlap(boxes_[i], boxes_[j])) cutter_.LookAtPair(i, j);
+        if (boxes_[i].Meets(boxes_[j])) cutter_.LookAtPair(i, j);
       }
     }
   }
 
   EdgeCutter& cutter_;
-  std::vector<Box> boxes_;
+  std::vector<NarrowBox> boxes_;
   BoxTree tree_;
 };
 

@@ -230,10 +230,10 @@ class CellRegion {
   }
 
  private:
-  static std::vector<DirectedEdge> Directed(const std::vector<LineEdge>& edges) {
+  static EdgePoints Directed(const std::vector<LineEdge>& edges) {
     std::vector<DirectedEdge> directed;
     for (const LineEdge& edge : edges) directed.push_back(edge.along);
-    return directed;
+    return EdgePoints(directed);
   }
 
   static std::size_t CountFlat(const std::vector<LineEdge>& edges) {

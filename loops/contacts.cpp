@@ -86,11 +86,10 @@ class RingContactSearch {
   bool Run() {
     const BoxTree& tree = index_.tree();
     const bool wasDone = BoxJoin::Run(tree, tree, [this](std::uint32_t leaf, std::span<const std::uint32_t> others) {
-      for (const std::uint32_t other : others) {
+      return std::all_of(others.begin(), others.end(), [&](std::uint32_t other) {
         if (other >= leaf) ExamineLeaves(leaf, other);
-        if (certain_ >= most_) return false;
-      }
-      return true;
+        return certain_ < most_;
+      });
     });
     for (const Candidate& c : candidates_) {
       if (isFaulty_[c.edges[0]] || isFaulty_[c.edges[1]]) found_.push_back(c.contact);

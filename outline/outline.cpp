@@ -75,7 +75,7 @@ Loops LoopsAround(const zbr::Arrangement& arrangement, const std::vector<std::in
 void FindOutline(ZBR_HL_SHELL* shells, unsigned count, ZBR_HL_OUTLINE_SOURCES* sources) {
   Classify(shells, count);
   const zbr::BareEdges bare = zbr::CollectBareEdges(shells, count);
-  const zbr::Arrangement arrangement(bare.edges);
+  const zbr::Arrangement arrangement{zbr::EdgePoints(bare.edges)};
   const std::vector<std::int8_t> boundary = zbr::BoundarySides(arrangement);
   SetProfiles(shells, bare, arrangement, boundary);
   zbr::TracedLoops traced;

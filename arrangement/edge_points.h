@@ -1,0 +1,39 @@
+// Directed edges by their points, those that they share once.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include <zbr/planar.h>
+
+#include "core/rings.h"
+
+namespace zbr {
+
+struct DirectedEdge {
+  ZBR_PT from;
+  ZBR_PT to;
+};
+
+// Edge i begins at point i. It mostly ends where the next one begins, or where the first of its chain did; ends that are no such
+// place stand behind the points at which edges begin.
+class EdgePoints {
+ public:
+  explicit EdgePoints(std::span<const DirectedEdge> edges);
+  explicit EdgePoints(std::span<const RingSpan> rings);
+
+  std::uint32_t size() const { return static_cast<std::uint32_t>(to_.size()); }
+  std::uint32_t To(std::uint32_t edge) const { return to_[edge]; }
+  DirectedEdge operator[](std::uint32_t edge) const { return {points_[edge], points_[to_[edge]]}; }
+  const std::vector<ZBR_PT>& points() const { return points_; }
+
+ private:
+  template <class EndOf>
+  void Join(EndOf endOf);
+
+  std::vector<ZBR_PT> points_;
+  std::vector<std::uint32_t> to_;
+};
+
+}  // namespace zbr
