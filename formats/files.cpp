@@ -25,7 +25,7 @@ namespace {
 std::size_t SizeOf(const std::string& name) {
   std::error_code error;
   const auto size = name == "-" ? 0 : std::filesystem::file_size(PathOf(name), error);
-  constexpr std::size_t kMost = std::size_t{1} << 32U;  // sizes of holes are no reason to ask for so much
+  constexpr auto kMost = std::uintmax_t{1} << 32U;  // sizes of holes are no reason to ask for so much
   return error ? 0 : static_cast<std::size_t>(std::min<std::uintmax_t>(size, kMost));
 }
 
