@@ -91,13 +91,22 @@ class RingContactSearch {
         return certain_ < most_;
       });
     });
-    for (const Candidate& c : candidates_) {
-      if (isFaulty_[c.edges[0]] || isFaulty_[c.edges[1]]) found_.push_back(c.contact);
-    }
+    DropDoubtful();
+    candidates_.resize(std::min(candidates_.size(), most_));
+    for (const Candidate& c : candidates_) found_.push_back(c.contact);
     return wasDone;
   }
 
  private:
+  // What only comes near some edge is kept for the case that the edge proves to be faulty elsewhere, as long as there is little of
+  // it.
+  static constexpr std::size_t kMostDoubtful = std::size_t{1} << 20U;
+
+  void DropDoubtful() {
+    std::erase_if(candidates_, [this](const Candidate& c) { return !isFaulty_[c.edges[0]] && !isFaulty_[c.edges[1]]; });
+    certain_ = candidates_.size();
+  }
+
   Edge EdgeAt(std::uint32_t leaf, std::uint32_t slot) const {
     const IndexedRing& ring = index_.rings()[index_.leaf(leaf).ring];
     return {&ring, ring.Vertex(slot)};
@@ -193,6 +202,7 @@ class RingContactSearch {
     if (b < a) std::swap(a, b);
     candidates_.push_back({{kind, a.first, a.second, b.first, b.second, at}, {NumberOf(e), NumberOf(f)}});
     if (isFaulty_[NumberOf(e)] || isFaulty_[NumberOf(f)]) ++certain_;
+    if (candidates_.size() - certain_ > kMostDoubtful) DropDoubtful();
   }
 
   struct Candidate {

@@ -73,8 +73,9 @@ void CheckPath(const Path& path, const std::string& file) {
 }
 
 std::size_t EndsOnLines(const LineWork& joined, const FlattenOptions& options) {
-  std::vector<Path> all = joined.contours;
-  if (std::all_of(all.begin(), all.end(), [](const Path& path) { return path.closed; })) return 0;
+  const std::vector<Path>& contours = joined.contours;
+  if (std::all_of(contours.begin(), contours.end(), [](const Path& path) { return path.closed; })) return 0;
+  std::vector<Path> all = contours;
   for (const std::vector<Path>& piece : joined.pieces) all.insert(all.end(), piece.begin(), piece.end());
   return CountEndsOnLines(std::move(all), options.join, options.deviation);
 }

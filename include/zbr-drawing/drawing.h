@@ -165,7 +165,9 @@ struct Contours {
   std::vector<Ring> rings;
   std::vector<OpenEnds> open;
   std::vector<Fork> forks;
-  std::size_t endsOnLines = 0;  // of open ones: at most the join from another one's middle, so that cells may be bounded there
+  // Ends of open contours at most the join from another one's middle, so that cells may be bounded there. 0 where all faces are
+  // asked for, and where the search would take long.
+  std::size_t endsOnLines = 0;
   std::shared_ptr<const std::vector<Curve>> curves;  // that origins refer to; shared by drawings that belong together
   std::shared_ptr<const std::vector<Pen>> pens;      // the same
 };

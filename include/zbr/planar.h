@@ -149,8 +149,8 @@ class ZBR_POLYGON {
   ZBR_API double get_area() const;
 
   // Signed area enclosed by the boundary from parameter ta forward to tb and the chord back. ta == tb exactly is the whole
-  // polygon; parameters within eps of each other give 0. The end of the last edge, n, is read as 0. NaN when a parameter lies
-  // outside [0, n] or is NaN.
+  // polygon; parameters within eps of each other give 0. The end of the last edge, n, is read as 0; 0 for fewer than three
+  // points. What else lies outside [0, n], or is NaN, gives NaN.
   ZBR_API double get_area(double ta, double tb) const;
 
   // The same with the boundary points at ta and tb supplied by the caller.
