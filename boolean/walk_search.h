@@ -17,7 +17,7 @@ namespace zbr {
 class WalkSearch {
  public:
   // Replaces `found`, in no order, and notes which rings are crossed. False when the operands are not in general position, as far
-  // as rounded arithmetic can tell.
+  // as rounded arithmetic can tell, or when boxes overlap so often that looking at all pairs would take long.
   bool Run(WalkRings& rings, double eps, std::vector<OpenCrossing>& found);
   // Of a leaf of the index, for each operand as a bit: whether an odd number of those rings lies around its edges that are a leaf
   // by themselves. It tells nothing of rings of the other operand that cross its ring.

@@ -8,7 +8,7 @@ namespace zbr {
 enum class Simplicity {
   kSimple,    // no two edges come near each other but neighbours on a ring, and these do not fold back
   kTouching,  // some vertices lie on other vertices or edges; there the rings touch, they do not pass through each other
-  kUnclear    // some edges cross or overlap, or may do so within the tolerance, or more touch than can be looked at
+  kUnclear    // some edges cross or overlap, or may within the tolerance, or more touch or come near than can be looked at
 };
 
 // Of all rings in the index, which was built with the given margin around its leaves. Near is what lies within a few of the

@@ -74,17 +74,15 @@ class ShortEnds {
   // The ends that are near edges; of thousands of ends, as hatching has, it would say nothing and take long.
   std::size_t Count() {
     CollectEnds();
-    std::size_t edges = 0;
-    for (const Path& path : paths_) edges += path.EdgeCount();
-    if (ends_.size() * edges > kMostLooks) return 0;
-    Measure();
+    Measure(kMostLooks);
+    if (looks_ >= kMostLooks) return 0;
     return static_cast<std::size_t>(
         std::count_if(ends_.begin(), ends_.end(), [&](const End& end) { return end.distance <= std::max(tolerance_, meets_); }));
   }
 
   void Run() {
     CollectEnds();
-    Measure();
+    Measure(std::numeric_limits<std::size_t>::max());
     std::map<std::pair<std::size_t, std::size_t>, std::vector<Foot>> cuts;
     for (End& end : ends_) {
       if (!FallsShort(end)) continue;
@@ -101,9 +99,10 @@ class ShortEnds {
   ZBR_PT From(EdgeId id) const { return paths_[id.path].points[id.edge]; }
   ZBR_PT To(EdgeId id) const { return paths_[id.path].points[(id.edge + 1) % paths_[id.path].points.size()]; }
 
-  void Measure() {
-    for (std::size_t i = 0; i < paths_.size() && !ends_.empty(); ++i) {
-      for (std::size_t e = 0; e < paths_[i].EdgeCount(); ++e) MeasureFrom({i, e});
+  void Measure(std::size_t mostLooks) {
+    if (ends_.empty()) return;
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+      for (std::size_t e = 0; e < paths_[i].EdgeCount() && looks_ < mostLooks; ++e) MeasureFrom({i, e});
     }
   }
 
@@ -162,7 +161,7 @@ class ShortEnds {
     const double reach = tolerance_ + (curve != nullptr ? deviation_ : 0.0);
     const double first = (isSweptUp_ ? box.ymin : box.xmin) - reach, last = (isSweptUp_ ? box.ymax : box.xmax) + reach;
     auto end = std::lower_bound(ends_.begin(), ends_.end(), first, [&](const End& e, double at) { return Along(e) < at; });
-    for (; end != ends_.end() && Along(*end) <= last; ++end) {
+    for (; end != ends_.end() && Along(*end) <= last; ++end, ++looks_) {
       const bool isBeside = isSweptUp_ ? end->at.x() < box.xmin - reach || end->at.x() > box.xmax + reach
                                        : end->at.y() < box.ymin - reach || end->at.y() > box.ymax + reach;
       if (isBeside || BelongsTo(*end, id, curve)) continue;
@@ -278,6 +277,7 @@ class ShortEnds {
   double meets_ = 0.0;
   bool isSweptUp_ = false;  // the direction in which an edge passes fewer ends
   std::vector<End> ends_;   // ascending in that direction
+  std::size_t looks_ = 0;   // at ends from edges
 };
 
 }  // namespace
