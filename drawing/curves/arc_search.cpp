@@ -105,7 +105,7 @@ class ArcSearch {
     if (HeightOf(points) < kLeastHeight * arc.tolerance || HasManyCorners(begin, end)) return {};
     const bool isWhole = chain_.isClosed && end - begin == chain_.edges.size();
     if (!isWhole && !(Leaves(arc, true) && Leaves(arc, false))) return {};
-    arc.isFlat = Flats(points);
+    arc.isFlat = Flats(points, isWhole);
     const auto chords = static_cast<std::size_t>(std::count(arc.isFlat.begin(), arc.isFlat.end(), false));
     return chords >= kFewestChords ? arc : ChainArc{};
   }
@@ -130,16 +130,22 @@ class ArcSearch {
   }
 
   // The ends of a flat lie on the circle, too. But it stands alone, and nothing between its length and that of most chords occurs.
-  static std::vector<bool> Flats(std::span<const ZBR_PT3> points) {
+  // Wherever a whole circle starts, its last chord is beside the first.
+  static std::vector<bool> Flats(std::span<const ZBR_PT3> points, bool isWhole) {
     std::vector<double> chords;
     for (std::size_t i = 1; i < points.size(); ++i) chords.push_back(points[i].Distance(points[i - 1]));
     std::vector<double> sorted = chords;
     std::sort(sorted.begin(), sorted.end());
     std::size_t few = 3 * sorted.size() / 4;
     while (few < sorted.size() && sorted[few] <= kFlat * sorted[few - 1]) ++few;
-    const auto isLong = [&](std::size_t i) { return few < sorted.size() && i < chords.size() && chords[i] >= sorted[few]; };
+    const std::size_t count = chords.size();
+    const auto isLong = [&](std::size_t i) { return few < count && chords[i] >= sorted[few]; };
     std::vector<bool> isFlat;
-    for (std::size_t i = 0; i < chords.size(); ++i) isFlat.push_back(isLong(i) && !isLong(i - 1) && !isLong(i + 1));
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool hasLongBefore = (i > 0 || isWhole) && isLong((i + count - 1) % count);
+      const bool hasLongAfter = (i + 1 < count || isWhole) && isLong((i + 1) % count);
+      isFlat.push_back(isLong(i) && !hasLongBefore && !hasLongAfter);
+    }
     return isFlat;
   }
 

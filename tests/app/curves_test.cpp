@@ -166,6 +166,13 @@ TEST(Circles, FlatsAndCornersStayStraight) {
   for (const int k : {26, 23, 20}) coarse.erase(coarse.begin() + k, coarse.begin() + k + 2);
   EXPECT_NEAR(Find(Prism(coarse, 3)).lengths.at(5000), Chords(5, 72, 45) + Chords(5, 24, 3), 1e-9);
   EXPECT_EQ(FindCircles(MakeModel(Prism(RegularPolygon(24), 3), 10.0)).all.size(), 0U);
+  // In whole rims, too, which start at their longest chord.
+  for (const int longest : {20, 26}) {
+    Points whole = RegularPolygon(72);
+    whole.erase(whole.begin() + longest, whole.begin() + longest + 1);
+    for (const int k : {25, 22, 19}) whole.erase(whole.begin() + k, whole.begin() + k + 2);
+    EXPECT_NEAR(Find(Prism(whole, 3)).lengths.at(5000), Chords(5, 72, 62) + Chords(5, 24, 2) + Chords(5, 18, 1), 1e-9) << longest;
+  }
 }
 
 // A regular polygon whose corners are arcs of radius 2 in so many chords; the points between the ends of the arcs may be off them.
