@@ -9,8 +9,7 @@
 // - where it runs along edges of both at which the surfaces hardly bend,
 // and a curve as a whole when most of it is slack: runs where the surfaces meet at no more than the angle by which either turns
 // from facet to facet. What is slack in a curve otherwise is kept, so that bodies that really pass through each other have closed
-// curves. And what is steep is kept in any curve: a bolt that sticks out of its hole hides parts of the rim, and its facets pass
-// through the plate there, between those that they share with the hole.
+// curves.
 #include <zbr-drawing/intersections.h>
 
 #include <algorithm>
@@ -29,9 +28,6 @@ namespace {
 
 // Sine of the largest angle at which surfaces may count as in contact, however coarse their facets are.
 constexpr double kMostSlack = 0.25;
-
-// Sine of the angle at which a line is steep: 45 degrees, more than facets turn by in bodies that are meant to be round.
-constexpr double kSteep = 0.7071;
 
 // Length in tolerances up to which a line has no direction.
 constexpr double kCrumb = 8.0;
@@ -53,11 +49,9 @@ class Judge {
     return IsSlack(line) && RunsAlong(line, t, false) && RunsAlong(line, u, false);
   }
 
-  bool IsSteep(const IntersectionLine& line) const { return Sine(line) > kSteep; }
-
   bool IsSlack(const IntersectionLine& line) const {
     const auto [t, u] = line.triangles;
-    const double sine = Sine(line);
+    const double sine = model_.normals[t].OuterProduct(model_.normals[u]).Length();
     constexpr double kMore = 1.01;  // regular facets are turned by equal angles
     return sine <= kMostSlack && sine <= kMore * std::max(Bend(t), Bend(u));
   }
@@ -66,10 +60,6 @@ class Judge {
   bool IsCrumb(const IntersectionLine& line) const { return LengthOf(line) <= Crumb(); }
 
  private:
-  double Sine(const IntersectionLine& line) const {
-    return model_.normals[line.triangles[0]].OuterProduct(model_.normals[line.triangles[1]]).Length();
-  }
-
   bool LiesIn(std::uint32_t t, std::uint32_t plane) const {
     const ZBR_PT3& normal = model_.normals[plane];
     const ZBR_PT3& origin = mesh_.points[mesh_.corners[plane][0]];
@@ -154,17 +144,11 @@ void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge&
   }
   if (areAllFirm) return;
   const std::vector<bool> isOut = FindSlackCurves(rest, isSlack, judge.Crumb());
-  std::vector<IntersectionLine> steep, kept;
-  for (std::size_t i = 0; i < rest.size(); ++i) {
-    if (isOut[i] && judge.IsSteep(rest[i])) steep.push_back(rest[i]);
+  std::size_t kept = from;
+  for (std::size_t i = from; i < lines.size(); ++i) {
+    if (!isOut[i - from]) lines[kept++] = lines[i];
   }
-  const std::vector<bool> isCrumb = FindSlackCurves(steep, std::vector<bool>(steep.size(), false), judge.Crumb());
-  std::size_t k = 0;
-  for (std::size_t i = 0; i < rest.size(); ++i) {
-    if (!isOut[i] || (judge.IsSteep(rest[i]) && !isCrumb[k++])) kept.push_back(rest[i]);
-  }
-  lines.resize(from);
-  lines.insert(lines.end(), kept.begin(), kept.end());
+  lines.resize(kept);
 }
 
 }  // namespace

@@ -8,9 +8,8 @@
 //
 // Bodies that stand face to face have no lines within the contact, and where an edge of the mesh that is drawn anyway runs along a
 // line there is none. A curve that mostly runs where the surfaces meet at less than the angle by which the meshes turn from facet
-// to facet is left out, but for its parts at angles of more than 45 degrees: a peg and its hole that were divided into facets
-// differently are in contact, too, but the peg passes through the plate around the hole. However coarse their facets are, DrawViews
-// draws no lines between those of coaxial cylinders.
+// to facet is left out: a peg and its hole that were divided into facets differently are in contact, too. However coarse their
+// facets are, DrawViews draws no lines between those of coaxial cylinders.
 #pragma once
 
 #include <zbr-drawing/model.h>

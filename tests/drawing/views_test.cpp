@@ -361,38 +361,6 @@ TEST(Intersections, FacetsOfCoaxialCylindersHaveNone) {
   EXPECT_GT(draw(0, 5, 10.0).first, 40.0);  // beside the axis they cross really
 }
 
-// Where the pin's facets stand out of the bore's they pass through the plate at both mouths, wherever the rim is within the pin.
-TEST(Intersections, SeamsOfPinsInBoresAreWhole) {
-  const double pi = 3.14159265358979, turn = 0.0005;
-  const auto inner = [&](int sides, double turns) {  // distance of a polygon of radius 10 from its centre
-    const double steps = turns * sides, half = pi / sides;
-    return 10 * std::cos(half) / std::cos(2 * half * (steps - std::floor(steps)) - half);
-  };
-  for (const int sides : {16, 24, 40}) {
-    Mesh mesh = example::Cylinder(sides, 10, 50);
-    example::Turn(mesh, {0, 0, 1}, turn);
-    example::Move(mesh, {0, 0, -10});
-    example::Solid ring;
-    ring.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 25)), 0, 30);
-    Append(mesh, ring.Take());
-    std::vector<Line> found;
-    for (const IntersectionLine& line : FindIntersections(MakeModel(mesh, 30.0))) {
-      const ZBR_PT3 &a = line.ends[0].place, &b = line.ends[1].place;
-      if (std::abs(a.z() - b.z()) < 1e-6 && a.z() > 29) found.emplace_back().chain.points = {a.xy(), b.xy()};
-    }
-    std::size_t outside = 0, missing = 0;
-    for (int k = 0; k < 1000; ++k) {
-      const double turns = (k + 0.5) / 1000, radius = inner(sides, turns - turn);
-      if (radius < inner(25, turns) + 1e-3) continue;
-      ++outside;
-      const ZBR_PT at(radius * std::cos(2 * pi * turns), radius * std::sin(2 * pi * turns));
-      missing += DistanceTo(found, at) < 1e-5 ? 0 : 1;
-    }
-    EXPECT_GT(outside, 50U) << sides;
-    EXPECT_EQ(missing, 0U) << sides;
-  }
-}
-
 // Seen at a slant the torus shows its outline, and of its hole the near and the far side up to where they meet.
 TEST(SmoothSilhouettes, AsManyAsTheSurfaceHasHoweverFineTheMesh) {
   for (const std::size_t triangles : {2000U, 9000U, 40000U}) {
