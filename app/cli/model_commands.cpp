@@ -68,8 +68,11 @@ void CommandLine::DeclareSheet(CLI::App& command) {
       "Where curved surfaces turn away: along edges of their facets, or on the smooth surface that they stand for; by default "
       "smooth for scans, whose creases are rough, else facets",
       "KIND");
-  AddChoice(command, "--curves", draw_.curves, {"on", "off"},
-            "Draw chains of edges that lie on a circle as circles, ellipses and arcs (on, by default), or as they are", "WHETHER");
+  AddChoice(
+      command, "--curves", draw_.curves, {"on", "off"},
+      "Draw chains of edges that lie on a circle, and coarse roundings, as circles, ellipses and arcs (on, by default), or as "
+      "they are",
+      "WHETHER");
   command
       .add_option("--scale", draw_.scale,
                   "Such as 1:2, 5:1 or 0.1; by default the largest of 1, 2, 2.5, 5, 10, ... that fits, with fit the largest of any")

@@ -138,9 +138,9 @@ corner. All views have the same scale; SVG, PDF and DXF are in millimetres on pa
   JSON  every line with its points, in the unit of the model, and the edges it is part of
 
 Edges that are chords of one circle are drawn as what they stand for: circles, ellipses and arcs. A chord spans at
-most 30 degrees, a circle or an arc has at least four, and its points lie on it within the rounding of coordinates or
-a fiftieth of the distance between chord and arc; polygons of up to eleven sides stay polygons. --curves off draws
-edges as they are.
+most 30 degrees, a circle or an arc has at least four, a rounding between its tangents two or three, and its points
+lie on it within the rounding of coordinates or a fiftieth of the distance between chord and arc; polygons of up to
+eleven sides stay polygons. --curves off draws edges as they are.
 
 --fill adds what each object covers, as far as nearer ones leave it visible (see 'zbr help outlines'): a shade
 below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.

@@ -292,17 +292,18 @@ ViewLines Seen(const Mesh& mesh, const ZBR_PT3& direction) {
   return DrawViews(MakeModel(mesh, 30.0), {{"look", LookAlong(direction, {0.1, 1, 0.2})}}, options).front();
 }
 
-// A block on another, both rounded. While they are in contact, the seam adds to what both in one piece show as much as two rims add
-// to it that are apart.
+// A block on another, as they are and both rounded. While they are in contact, the seam adds to what both in one piece show as much
+// as two rims add to it that are apart.
 TEST(LinesInCommon, OneBodyDrawsTheSeam) {
-  for (const int sides : {4, 48}) {
+  for (const auto& [sides, isRounded] : {std::pair{4, false}, {4, true}, {48, false}, {48, true}}) {
     const Mesh block = Prism(RegularPolygon(sides), 3);
-    const auto length = [&](double gap, const ZBR_PT3& d) {
-      return Seen(Turned(Together(block, Raised(block, 3 + gap))), d).VisibleLength();
+    const auto length = [rounded = isRounded](const Mesh& mesh, const ZBR_PT3& d) {
+      return Seen(rounded ? Turned(mesh) : mesh, d).VisibleLength();
     };
     for (const ZBR_PT3& d : {ZBR_PT3(1, 2, -3), ZBR_PT3(-3, 1, -1), ZBR_PT3(1, -1, 1)}) {
-      const double whole = Seen(Turned(Prism(RegularPolygon(sides), 6)), d).VisibleLength();
-      const double close = length(5e-6, d), apart = length(0.004, d);
+      const double whole = length(Prism(RegularPolygon(sides), 6), d);
+      const double close = length(Together(block, Raised(block, isRounded ? 3 + 5e-6 : 3)), d);
+      const double apart = length(Together(block, Raised(block, 3.004)), d);
       EXPECT_GT(close - whole, 5) << sides;
       EXPECT_NEAR(apart - close, close - whole, 0.05) << sides;
     }
