@@ -17,7 +17,7 @@ bool IsBlank(char c) {
 constexpr std::array<bool, 256> kIsOfWord = [] {
   std::array<bool, 256> isOfWord{};
   for (bool& is : isOfWord) is = true;
-  for (const unsigned char c : {' ', '\t', '\r', '\v', '\f', '\n', '#'}) isOfWord[c] = false;
+  for (const char c : {' ', '\t', '\r', '\v', '\f', '\n', '#'}) isOfWord[static_cast<unsigned char>(c)] = false;
   return isOfWord;
 }();
 
