@@ -27,7 +27,6 @@ class EdgeCutter::PairSearch {
   struct NarrowBox {
     float xmin, ymin, xmax, ymax;
 
-    NarrowBox() = default;
     explicit NarrowBox(const Box& box)
         : xmin(Below(box.xmin)), ymin(Below(box.ymin)), xmax(-Below(-box.xmax)), ymax(-Below(-box.ymax)) {}
     bool Meets(const NarrowBox& o) const { return xmin <= o.xmax && o.xmin <= xmax && ymin <= o.ymax && o.ymin <= ymax; }
@@ -37,14 +36,15 @@ class EdgeCutter::PairSearch {
   };
 
  public:
-  explicit PairSearch(EdgeCutter& cutter) : cutter_(cutter), boxes_(cutter.lines_.size()) {
-    const auto lines = static_cast<std::uint32_t>(boxes_.size());
+  explicit PairSearch(EdgeCutter& cutter) : cutter_(cutter) {
+    const auto lines = static_cast<std::uint32_t>(cutter.lines_.size());
+    boxes_.reserve(lines);
     const std::span<Box> leaves = tree_.StartLeaves((lines + kLeafLines - 1) / kLeafLines);
     for (std::uint32_t i = 0; i < lines; ++i) {
       const CutLine& line = cutter.lines_[i];
       const Box box =
           cutter.frame_.Around(cutter.Node(line.from).Point(), cutter.Node(line.to).Point()).Widened(cutter.reach_ / 2.0);
-      boxes_[i] = NarrowBox(box);
+      boxes_.emplace_back(box);
       leaves[i / kLeafLines].Add(box);
     }
     tree_.BuildInner();
