@@ -1,13 +1,8 @@
 #include "arrangement/edge_points.h"
 
+#include "core/planar_inline.h"
+
 namespace zbr {
-namespace {
-
-bool AreEqual(const ZBR_PT& p, const ZBR_PT& q) {
-  return p.x() == q.x() && p.y() == q.y();
-}
-
-}  // namespace
 
 // The ends of the edges are asked for one after the other.
 template <class EndOf>
@@ -17,8 +12,8 @@ void EdgePoints::Join(EndOf endOf) {
   std::uint32_t chain = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     const ZBR_PT end = endOf(i);
-    const bool goesOn = i + 1 < count && AreEqual(end, points_[i + 1]);
-    const bool closes = !goesOn && AreEqual(end, points_[chain]);
+    const bool goesOn = i + 1 < count && AreIdentical(end, points_[i + 1]);
+    const bool closes = !goesOn && AreIdentical(end, points_[chain]);
     to_[i] = goesOn ? i + 1 : closes ? chain : static_cast<std::uint32_t>(points_.size());
     if (!goesOn && !closes) points_.push_back(end);
     if (!goesOn) chain = i + 1;

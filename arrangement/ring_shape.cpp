@@ -58,8 +58,7 @@ std::vector<std::uint32_t> StraightenedRing(RingSpan ring, double width) {
   while (start < n && IsStraight(at(start + n - 1), at(start), at(start + 1), width)) ++start;
   if (n == 0) return {};
   if (start == n) {  // a round so fine that no point is a corner by itself: the leftmost has to do
-    const auto isLess = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y(); };
-    start = static_cast<std::size_t>(std::min_element(ring.begin(), ring.end(), isLess) - ring.begin());
+    start = static_cast<std::size_t>(std::min_element(ring.begin(), ring.end(), IsLess) - ring.begin());
   }
   std::vector<std::uint32_t> kept{static_cast<std::uint32_t>(start)};
   Corridor corridor(ring[start], width);

@@ -22,6 +22,11 @@ inline bool AreIdentical(const ZBR_PT& p, const ZBR_PT& q) {
   return p.x() == q.x() && p.y() == q.y();
 }
 
+// From left to right, and from the lowest to the highest at one x.
+inline bool IsLess(const ZBR_PT& p, const ZBR_PT& q) {
+  return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y();
+}
+
 inline double Cross(const ZBR_PT& u, const ZBR_PT& v) {
   return u.x() * v.y() - u.y() * v.x();
 }

@@ -12,19 +12,11 @@
 #include <vector>
 
 #include "core/exact_side.h"
+#include "core/planar_inline.h"
 #include "loops/sweep_status.h"
 
 namespace zbr {
 namespace {
-
-bool IsSamePlace(const ZBR_PT& p, const ZBR_PT& q) {
-  return p.x() == q.x() && p.y() == q.y();
-}
-
-// Whether the sweep comes to p before q.
-bool ComesFirst(const ZBR_PT& p, const ZBR_PT& q) {
-  return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y();
-}
 
 class SimplicitySweep {
  public:
@@ -34,14 +26,14 @@ class SimplicitySweep {
   }
 
   ExactSimplicity Run() {
-    if (std::any_of(vertices_.begin(), vertices_.end(), [this](const Vertex& v) { return IsSamePlace(v.at, At(v.next)); }))
+    if (std::any_of(vertices_.begin(), vertices_.end(), [this](const Vertex& v) { return AreIdentical(v.at, At(v.next)); }))
       return ExactSimplicity::kFaulty;
     std::vector<std::uint32_t> order(vertices_.size());
     std::iota(order.begin(), order.end(), 0U);
-    std::sort(order.begin(), order.end(), [this](std::uint32_t a, std::uint32_t b) { return ComesFirst(At(a), At(b)); });
+    std::sort(order.begin(), order.end(), [this](std::uint32_t a, std::uint32_t b) { return IsLess(At(a), At(b)); });
     for (std::size_t end = 0; end < order.size();) {
       const std::size_t begin = end++;
-      while (end < order.size() && IsSamePlace(At(order[begin]), At(order[end]))) ++end;
+      while (end < order.size() && AreIdentical(At(order[begin]), At(order[end]))) ++end;
       if (!Pass(std::span(order).subspan(begin, end - begin))) return ExactSimplicity::kFaulty;
     }
     return touches_ ? ExactSimplicity::kTouching : ExactSimplicity::kSimple;
@@ -69,8 +61,8 @@ class SimplicitySweep {
   }
 
   const ZBR_PT& At(std::uint32_t vertex) const { return vertices_[vertex].at; }
-  const ZBR_PT& Left(std::uint32_t edge) const { return std::min(At(edge), At(vertices_[edge].next), ComesFirst); }
-  const ZBR_PT& Right(std::uint32_t edge) const { return std::max(At(edge), At(vertices_[edge].next), ComesFirst); }
+  const ZBR_PT& Left(std::uint32_t edge) const { return std::min(At(edge), At(vertices_[edge].next), IsLess); }
+  const ZBR_PT& Right(std::uint32_t edge) const { return std::max(At(edge), At(vertices_[edge].next), IsLess); }
   int SideOf(std::uint32_t edge, const ZBR_PT& p) const { return ExactSideOf(Left(edge), Right(edge), p); }
 
   // These answer false where something is faulty.
@@ -97,7 +89,7 @@ bool SimplicitySweep::Pass(std::span<const std::uint32_t> here) {
   std::size_t count = 0;
   for (const std::uint32_t v : here) {
     for (const std::uint32_t edge : {vertices_[v].prev, v}) {
-      if (ComesFirst(p, Right(edge))) {
+      if (IsLess(p, Right(edge))) {
         leaving_.push_back({edge, v});
       } else {
         ending = edge;
@@ -127,7 +119,7 @@ std::uint32_t SimplicitySweep::FindArriving(const ZBR_PT& p, std::uint32_t endin
   arriving_.clear();
   for (std::uint32_t edge = status_.Above(below); edge != kNone && SideOf(edge, p) == 0; edge = status_.Above(edge)) {
     const std::uint32_t next = vertices_[edge].next;
-    arriving_.push_back({edge, IsSamePlace(At(edge), p) ? edge : IsSamePlace(At(next), p) ? next : kNone});
+    arriving_.push_back({edge, AreIdentical(At(edge), p) ? edge : AreIdentical(At(next), p) ? next : kNone});
   }
   return below;
 }
@@ -172,7 +164,7 @@ void SimplicitySweep::Replace(std::uint32_t below) {
 bool SimplicitySweep::KeepApart(std::uint32_t lower, std::uint32_t upper) const {
   if (lower == kNone || upper == kNone) return true;
   const ZBR_PT &p = Right(lower), &q = Right(upper);
-  return ComesFirst(p, q) ? SideOf(upper, p) <= 0 : SideOf(lower, q) >= 0;
+  return IsLess(p, q) ? SideOf(upper, p) <= 0 : SideOf(lower, q) >= 0;
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ class ShortEnds {
     if (!extent.empty()) meets_ = std::max(kMeets * extent.Size(), kMeetsDigits * extent.Magnitude());
   }
 
-  // The ends that are near edges; of thousands of ends, as hatching has, it would say nothing and take long.
+  // The ends that are near edges; 0 where there is much to look at, as in hatching, of which the count would say nothing.
   std::size_t Count() {
     CollectEnds();
     Measure(kMostLooks);

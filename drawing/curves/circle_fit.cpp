@@ -127,6 +127,16 @@ double DistanceTo(const Circle& circle, const ZBR_PT3& p) {
   return std::max(std::fabs(along), std::fabs(across - circle.radius));
 }
 
+ChordLengths ChordLengthsOf(std::span<const ZBR_PT3> arc) {
+  ChordLengths lengths{HUGE_VAL, 0.0};
+  for (std::size_t i = 1; i < arc.size(); ++i) {
+    const double chord = arc[i].Distance(arc[i - 1]);
+    lengths.shortest = std::min(lengths.shortest, chord);
+    lengths.longest = std::max(lengths.longest, chord);
+  }
+  return lengths;
+}
+
 double HeightOf(std::span<const ZBR_PT3> arc) {
   const ZBR_PT3 along = Unit(arc.back() - arc.front());
   double height2 = 0.0;

@@ -21,6 +21,12 @@ Circle FitCircle(std::span<const ZBR_PT3> arc);
 // The distance of a point from the circle, the larger of that from its plane and that from its cylinder.
 double DistanceTo(const Circle& circle, const ZBR_PT3& p);
 
+// Of the chords from point to point.
+struct ChordLengths {
+  double shortest, longest;
+};
+ChordLengths ChordLengthsOf(std::span<const ZBR_PT3> arc);
+
 // The largest distance of the points from the line through the first and the last, or from the first one where both are one.
 double HeightOf(std::span<const ZBR_PT3> arc);
 

@@ -166,18 +166,13 @@ class ShortArcs {
   }
 
   std::uint32_t CircleOf(std::span<const ZBR_PT3> points) const {
-    double least = HUGE_VAL, most = 0.0;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-      const double chord = points[i].Distance(points[i - 1]);
-      least = std::min(least, chord);
-      most = std::max(most, chord);
-    }
-    if (most > kAlike * least) return kNoCircle;
+    const ChordLengths chords = ChordLengthsOf(points);
+    if (chords.longest > kAlike * chords.shortest) return kNoCircle;
     const Circle through = CircleThrough(points.front(), points[1], points.back());
     if (!(through.radius > 0)) return kNoCircle;
     return grid_.Find(through, [&](const Circle& circle) {
       const double tolerance = 2.0 * noise_.known;
-      return most <= kAlike * longest_[static_cast<std::size_t>(&circle - circles_.all.data())] &&
+      return chords.longest <= kAlike * longest_[static_cast<std::size_t>(&circle - circles_.all.data())] &&
              std::all_of(points.begin(), points.end(), [&](const ZBR_PT3& p) { return DistanceTo(circle, p) <= tolerance; });
     });
   }

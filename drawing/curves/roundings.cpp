@@ -6,7 +6,6 @@
 #include "drawing/curves/roundings.h"
 
 #include <algorithm>
-#include <cmath>
 #include <span>
 
 #include "drawing/curves/circle_fit.h"
@@ -34,12 +33,7 @@ class RoundingSearch {
       if (circles_[k] != nullptr || (k > begin && !chain_.isFree[k])) return {};
     }
     const std::span points = std::span(chain_.points).subspan(begin, count + 1);
-    double shortest = HUGE_VAL, longest = 0.0;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-      const double chord = points[i].Distance(points[i - 1]);
-      shortest = std::min(shortest, chord);
-      longest = std::max(longest, chord);
-    }
+    const auto [shortest, longest] = ChordLengthsOf(points);
     if (longest > kAlike * shortest) return {};
     ChainArc arc{begin, end, CircleThrough(points.front(), points[1], points.back()), 0.0, std::vector<bool>(count, false)};
     const Circle& circle = arc.circle;

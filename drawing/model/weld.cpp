@@ -61,28 +61,6 @@ Cell CellOfPosition(const ZBR_PT3& p) {
   return cell;
 }
 
-// Keeps the points near which none is kept: find(table, p, cell) gives a kept point, or kNone. Returns where each point went.
-template <class CellOf, class Find>
-std::vector<std::uint32_t> Weld(std::vector<ZBR_PT3>& points, CellOf cellOf, Find find) {
-  CellTable table(points.size());
-  std::vector<std::uint32_t> places;
-  places.reserve(points.size());
-  std::uint32_t kept = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const ZBR_PT3 p = points[i];
-    const Cell cell = cellOf(p);
-    std::uint32_t found = find(table, p, cell);
-    if (found == kNone) {
-      table.Add(cell);
-      found = kept;
-      points[kept++] = p;
-    }
-    places.push_back(found);
-  }
-  points.resize(kept);
-  return places;
-}
-
 // Equal points have equal hashes: sorted by some bits of them, points fall into groups that have nothing to do with each other.
 class EqualPoints {
  public:
@@ -192,11 +170,26 @@ std::uint32_t FindClose(const CellTable& table, const std::vector<ZBR_PT3>& poin
   return kNone;
 }
 
+// Keeps the points near which none is kept.
 std::vector<std::uint32_t> WeldClose(std::vector<ZBR_PT3>& points, double tolerance) {
   const Grid grid(points, tolerance);
-  return Weld(
-      points, [&grid](const ZBR_PT3& p) { return grid.At(p); },
-      [&](const CellTable& table, const ZBR_PT3& p, const Cell& cell) { return FindClose(table, points, p, cell, tolerance); });
+  CellTable table(points.size());
+  std::vector<std::uint32_t> places;
+  places.reserve(points.size());
+  std::uint32_t kept = 0;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const ZBR_PT3 p = points[i];
+    const Cell cell = grid.At(p);
+    std::uint32_t found = FindClose(table, points, p, cell, tolerance);
+    if (found == kNone) {
+      table.Add(cell);
+      found = kept;
+      points[kept++] = p;
+    }
+    places.push_back(found);
+  }
+  points.resize(kept);
+  return places;
 }
 
 }  // namespace
