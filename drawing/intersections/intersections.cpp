@@ -9,8 +9,9 @@
 // - where it runs along edges of both at which the surfaces hardly bend,
 // and a curve as a whole when most of it is slack: runs where the surfaces meet at no more than the angle by which either turns
 // from facet to facet. What is slack in a curve otherwise is kept, so that bodies that really pass through each other have closed
-// curves.
-#include <zbr-drawing/intersections.h>
+// curves. A drawing wants what is steep in a slack curve, too: where a bolt sticks out of its hole its facets pass through the
+// plate, between those that they share with the hole, and hide the rim there.
+#include "drawing/intersections/seams.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,6 +29,9 @@ namespace {
 
 // Sine of the largest angle at which surfaces may count as in contact, however coarse their facets are.
 constexpr double kMostSlack = 0.25;
+
+// Sine of the angle at which a line is steep: 45 degrees, more than facets turn by in bodies that are meant to be round.
+constexpr double kSteep = 0.7071;
 
 // Length in tolerances up to which a line has no direction.
 constexpr double kCrumb = 8.0;
@@ -49,9 +53,11 @@ class Judge {
     return IsSlack(line) && RunsAlong(line, t, false) && RunsAlong(line, u, false);
   }
 
+  bool IsSteep(const IntersectionLine& line) const { return Sine(line) > kSteep; }
+
   bool IsSlack(const IntersectionLine& line) const {
     const auto [t, u] = line.triangles;
-    const double sine = model_.normals[t].OuterProduct(model_.normals[u]).Length();
+    const double sine = Sine(line);
     constexpr double kMore = 1.01;  // regular facets are turned by equal angles
     return sine <= kMostSlack && sine <= kMore * std::max(Bend(t), Bend(u));
   }
@@ -60,6 +66,10 @@ class Judge {
   bool IsCrumb(const IntersectionLine& line) const { return LengthOf(line) <= Crumb(); }
 
  private:
+  double Sine(const IntersectionLine& line) const {
+    return model_.normals[line.triangles[0]].OuterProduct(model_.normals[line.triangles[1]]).Length();
+  }
+
   bool LiesIn(std::uint32_t t, std::uint32_t plane) const {
     const ZBR_PT3& normal = model_.normals[plane];
     const ZBR_PT3& origin = mesh_.points[mesh_.corners[plane][0]];
@@ -130,8 +140,24 @@ std::vector<bool> FindSlackCurves(Lines lines, const std::vector<bool>& isSlack,
   return isOut;
 }
 
+// What becomes of slack curves.
+enum class SlackCurves { kOut, kSteepPartsStay };
+
+// Puts back what is steep in curves that are out, but for crumbs.
+void KeepSteep(Lines lines, const Judge& judge, std::vector<bool>& isOut) {
+  std::vector<IntersectionLine> steep;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (isOut[i] && judge.IsSteep(lines[i])) steep.push_back(lines[i]);
+  }
+  const std::vector<bool> isCrumb = FindSlackCurves(steep, std::vector<bool>(steep.size(), false), judge.Crumb());
+  std::size_t k = 0;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (isOut[i] && judge.IsSteep(lines[i])) isOut[i] = isCrumb[k++];
+  }
+}
+
 // Leaves out what is no line of a drawing, from the place on.
-void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge& judge) {
+void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge& judge, SlackCurves slackCurves) {
   const auto first = lines.begin() + static_cast<std::ptrdiff_t>(from);
   lines.erase(std::remove_if(first, lines.end(), [&](const IntersectionLine& line) { return judge.IsContact(line); }), lines.end());
   const Lines rest = Lines(lines).subspan(from);
@@ -143,7 +169,8 @@ void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge&
     areAllFirm &= !isSlack.back() && !judge.IsCrumb(line);
   }
   if (areAllFirm) return;
-  const std::vector<bool> isOut = FindSlackCurves(rest, isSlack, judge.Crumb());
+  std::vector<bool> isOut = FindSlackCurves(rest, isSlack, judge.Crumb());
+  if (slackCurves == SlackCurves::kSteepPartsStay) KeepSteep(rest, judge, isOut);
   std::size_t kept = from;
   for (std::size_t i = from; i < lines.size(); ++i) {
     if (!isOut[i - from]) lines[kept++] = lines[i];
@@ -151,13 +178,21 @@ void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge&
   lines.resize(kept);
 }
 
+std::vector<IntersectionLine> Find(const Model& model, double contact, unsigned threads, SlackCurves slackCurves) {
+  const Connectivity mesh = ConnectivityOf(model, threads);
+  const Judge judge(model, mesh, contact);
+  const auto settle = [&](std::vector<IntersectionLine>& lines, std::size_t from) { Settle(lines, from, judge, slackCurves); };
+  return FindCrossings(model, mesh, threads, settle);
+}
+
 }  // namespace
 
 std::vector<IntersectionLine> FindIntersections(const Model& model, double contact, unsigned threads) {
-  const Connectivity mesh = ConnectivityOf(model, threads);
-  const Judge judge(model, mesh, contact);
-  const auto settle = [&judge](std::vector<IntersectionLine>& lines, std::size_t from) { Settle(lines, from, judge); };
-  return FindCrossings(model, mesh, threads, settle);
+  return Find(model, contact, threads, SlackCurves::kOut);
+}
+
+std::vector<IntersectionLine> FindSeams(const Model& model, double contact, unsigned threads) {
+  return Find(model, contact, threads, SlackCurves::kSteepPartsStay);
 }
 
 }  // namespace zbr::drawing

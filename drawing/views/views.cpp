@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "drawing/intersections/coaxial.h"
+#include "drawing/intersections/seams.h"
 #include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
 #include "drawing/silhouettes/smooth_silhouettes.h"
@@ -124,8 +125,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
   std::vector<ViewLines> drawn(views.size());
   Found found;
   RunParallel(2, options.threads, [&](std::size_t which) {
-    if (which == 0 && options.intersections && !views.empty())
-      found.crossings = FindIntersections(model, options.contact, options.threads);
+    if (which == 0 && options.intersections && !views.empty()) found.crossings = FindSeams(model, options.contact, options.threads);
     if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
   });
   if (!found.crossings.empty()) {

@@ -8,8 +8,9 @@
 //
 // Bodies that stand face to face have no lines within the contact, and where an edge of the mesh that is drawn anyway runs along a
 // line there is none. A curve that mostly runs where the surfaces meet at less than the angle by which the meshes turn from facet
-// to facet is left out: a peg and its hole that were divided into facets differently are in contact, too. However coarse their
-// facets are, DrawViews draws no lines between those of coaxial cylinders.
+// to facet is left out: a peg and its hole that were divided into facets differently are in contact, too. DrawViews
+// draws the parts of such a curve that are steeper than 45 degrees, where the peg passes through the plate around the hole; and
+// however coarse their facets are, no lines between those of coaxial cylinders.
 #pragma once
 
 #include <zbr-drawing/model.h>

@@ -361,6 +361,31 @@ TEST(Intersections, FacetsOfCoaxialCylindersHaveNone) {
   EXPECT_GT(draw(0, 5, 10.0).first, 40.0);  // beside the axis they cross really
 }
 
+// Where the pin's facets stand out of the bore's they pass through the plate at the mouth: there the seam is drawn, else the rim.
+TEST(Intersections, SeamsOfPinsInBoresAreWhole) {
+  const double pi = 3.14159265358979, turn = 0.0005;
+  const auto inner = [&](int sides, double turns) {  // distance of a polygon of radius 10 from its centre
+    const double steps = turns * sides, half = pi / sides;
+    return 10 * std::cos(half) / std::cos(2 * half * (steps - std::floor(steps)) - half);
+  };
+  for (const int sides : {16, 24, 40}) {
+    Mesh mesh = example::Cylinder(sides, 10, 50);
+    example::Turn(mesh, {0, 0, 1}, turn);
+    example::Move(mesh, {0, 0, -10});
+    example::Solid ring;
+    ring.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 25)), 0, 30);
+    Append(mesh, ring.Take());
+    const ViewLines view = DrawView(MakeModel(mesh, 30.0), "iso", {});
+    std::size_t missing = 0;
+    for (int k = 0; k < 1000; ++k) {  // the half in front of the pin
+      const double turns = (k + 0.5) / 2000 - 0.375, radius = std::max(inner(sides, turns - turn), inner(25, turns));
+      const ZBR_PT3 at(radius * std::cos(2 * pi * turns), radius * std::sin(2 * pi * turns), 30);
+      missing += DistanceTo(view.lines, (view.view.In(at) - view.middle).xy()) < 1e-3 ? 0 : 1;
+    }
+    EXPECT_LE(missing, 5U) << sides;
+  }
+}
+
 // Seen at a slant the torus shows its outline, and of its hole the near and the far side up to where they meet.
 TEST(SmoothSilhouettes, AsManyAsTheSurfaceHasHoweverFineTheMesh) {
   for (const std::size_t triangles : {2000U, 9000U, 40000U}) {
