@@ -49,6 +49,7 @@ class CommonLines {
         order_(Order()),
         ends_(Ends()),
         heights_(Heights()),
+        isCrowded_(Crowded()),
         isGone_(lines.size()) {}
 
   // What is left of the lines of which something goes: their places, and their parts by the order of these.
@@ -96,24 +97,37 @@ class CommonLines {
   }
 
   // Intersection lines have two shells and are found once for both.
+  bool IsOfOneShell(const DrawnSegment& line) const { return line.triangle < drawn_.GetScene().TriangleCount(); }
+
   std::vector<std::uint32_t> Order() const {
-    std::vector<std::uint32_t> order;
+    std::vector<std::uint32_t> inClass[kByThemselves + 1];
     for (std::uint32_t i = 0; i < lines_.size(); ++i) {
-      if (lines_[i].triangle < drawn_.GetScene().TriangleCount()) order.push_back(i);
+      if (IsOfOneShell(lines_[i])) inClass[WeightOf(lines_[i].edgeClass)].push_back(i);
     }
-    std::sort(order.begin(), order.end(), [&](std::uint32_t i, std::uint32_t k) { return IsBefore(i, k); });
+    std::vector<std::uint32_t> order;
+    for (const std::vector<std::uint32_t>& lines : inClass) order.insert(order.end(), lines.begin(), lines.end());
     return order;
   }
 
+  // By shell, as the lines are.
   EndTree Ends() const {
     std::vector<EndTree::End> ends;
     ends.reserve(2 * order_.size());
-    for (const std::uint32_t i : order_) {
+    for (std::uint32_t i = 0; i < lines_.size(); ++i) {
+      if (!IsOfOneShell(lines_[i])) continue;
       const ZBR_SEG& g = lines_[i].segment.segment;
       for (const ZBR_PT& p : {g.s(), g.e()})
         ends.push_back({static_cast<float>(p.x()), static_cast<float>(p.y()), lines_[i].shell, i});
     }
     return EndTree(std::move(ends));
+  }
+
+  // Shells that stand apart have nothing in common with others but where it is the others that stand around them.
+  std::vector<bool> Crowded() const {
+    const double height = heights_.empty() ? 0.0 : *std::max_element(heights_.begin(), heights_.end());
+    std::vector<bool> isCrowded(drawn_.GetScene().shells.size());
+    for (const std::uint32_t shell : ends_.CrowdedShells(height + contact_, threads_)) isCrowded[shell] = true;
+    return isCrowded;
   }
 
   // By circle, of the chords that are drawn.
@@ -133,7 +147,9 @@ class CommonLines {
     RunParallel(found.size(), threads_, [&](std::size_t slice) {
       std::vector<std::uint32_t> near;
       const std::size_t end = std::min((slice + 1) * kSlice, block.size());
-      for (std::size_t k = slice * kSlice; k < end; ++k) AddHits(block[k], near, found[slice]);
+      for (std::size_t k = slice * kSlice; k < end; ++k) {
+        if (isCrowded_[lines_[block[k]].shell]) AddHits(block[k], near, found[slice]);
+      }
     });
     std::size_t count = 0;
     for (std::size_t slice = 0; slice < found.size(); ++slice) {
@@ -234,6 +250,7 @@ class CommonLines {
   const std::vector<std::uint32_t> order_;
   const EndTree ends_;
   const std::vector<double> heights_;                          // of the arcs over chords, the most by circle
+  const std::vector<bool> isCrowded_;                          // by shell
   std::vector<bool> isGone_;                                   // as a whole
   std::unordered_map<std::uint32_t, std::vector<Part>> gone_;  // of lines whose turn comes
   std::unordered_map<std::uint32_t, std::vector<Part>> left_;  // of lines that go in part

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace zbr::drawing {
@@ -20,7 +21,11 @@ class EndTree {
     std::uint32_t shell, segment;
   };
 
+  // Ends of one shell that follow one another stay together: a shell with few of them is a leaf.
   explicit EndTree(std::vector<End> ends);
+
+  // The shells that have ends of others in their box, `reach` wider. No line of another shell is near an end that is not its own.
+  std::vector<std::uint32_t> CrowdedShells(double reach, unsigned threads) const;
 
   // Calls visit(segment) for the ends of other shells that are at most `reach` beside or beyond the segment.
   template <class Visit>
@@ -35,11 +40,21 @@ class EndTree {
     std::uint32_t leastShell, mostShell;
     std::uint32_t begin, end;  // of ends
     std::uint32_t right;       // child; the left one follows its parent; 0 in leaves
+
+    bool IsOf(std::uint32_t shell) const { return leastShell == shell && mostShell == shell; }
   };
 
-  void Build(std::uint32_t begin, std::uint32_t end);
+  Node BoxOf(std::uint32_t begin, std::uint32_t end) const;
+  void BuildShells(std::span<std::uint32_t> order);
+  void BuildEnds(const Node& node);
+  bool HasOthers(const Node& box, double wide) const;
+
+  // Calls use(end) for all in the leaves that can be entered.
+  template <class Enters, class Use>
+  void Walk(const Enters& enters, const Use& use) const;
 
   std::vector<End> ends_;
+  std::vector<Node> shells_;  // boxes
   std::vector<Node> nodes_;
   double rounding_ = 0.0;
 };
@@ -47,7 +62,7 @@ class EndTree {
 template <class Visit>
 void EndTree::ForEachNear(const ZBR_SEG& g, double reach, std::uint32_t shell, const Visit& visit) const {
   const double length = g.s().Distance(g.e()), wide = reach + rounding_;
-  if (nodes_.empty() || !(length > 0)) return;
+  if (!(length > 0)) return;
   const ZBR_PT u = (g.e() - g.s()) * (1.0 / length), middle = (g.s() + g.e()) * 0.5;
   const double ux = std::abs(u.x()), uy = std::abs(u.y());
   const ZBR_PT far(0.5 * length * ux + wide, 0.5 * length * uy + wide);
@@ -59,13 +74,20 @@ void EndTree::ForEachNear(const ZBR_SEG& g, double reach, std::uint32_t shell, c
   };
   const auto enters = [&](const Node& node) {
     if (node.low[0] > high.x() || node.high[0] < low.x() || node.low[1] > high.y() || node.high[1] < low.y()) return false;
-    if (node.leastShell == shell && node.mostShell == shell) return false;
+    if (node.IsOf(shell)) return false;
     const ZBR_PT half(0.5 * (double{node.high[0]} - node.low[0]), 0.5 * (double{node.high[1]} - node.low[1]));
     return isNear(ZBR_PT(node.low[0], node.low[1]) + half, half.x(), half.y());
   };
+  Walk(enters, [&](const End& end) {
+    if (end.shell != shell && isNear(ZBR_PT(end.x, end.y), 0.0, 0.0)) visit(end.segment);
+  });
+}
+
+template <class Enters, class Use>
+void EndTree::Walk(const Enters& enters, const Use& use) const {
   std::uint32_t stack[kDeepest];
   std::size_t depth = 0;
-  stack[depth++] = 0;
+  if (!nodes_.empty()) stack[depth++] = 0;
   while (depth > 0) {
     const std::uint32_t at = stack[--depth];
     const Node& node = nodes_[at];
@@ -75,9 +97,7 @@ void EndTree::ForEachNear(const ZBR_SEG& g, double reach, std::uint32_t shell, c
       stack[depth++] = at + 1;
       continue;
     }
-    for (std::uint32_t k = node.begin; k < node.end; ++k) {
-      if (ends_[k].shell != shell && isNear(ZBR_PT(ends_[k].x, ends_[k].y), 0.0, 0.0)) visit(ends_[k].segment);
-    }
+    for (std::uint32_t k = node.begin; k < node.end; ++k) use(ends_[k]);
   }
 }
 

@@ -142,11 +142,22 @@ void AddVisible(ViewLines& view, std::vector<Line> lines) {
   view.lines.insert(hidden, std::make_move_iterator(lines.begin()), std::make_move_iterator(lines.end()));
 }
 
+// The removal leaves the boxes of shells. Rounding keeps the order of quotients: the least comes from the least.
 Extent ExtentOf(const Scene& scene) {
   Extent extent;
-  for (const ZBR_HL_TRI& triangle : scene.triangles) {
-    for (const ZBR_PT3& p : triangle.pt) extent.Add(ZBR_PT(p.x() / scene.scale, p.y() / scene.scale));
+  const auto isBoxed = [](const ZBR_HL_SHELL& shell) { return shell.maxmin_valid && shell.max_z > shell.min_z; };
+  if (!scene.view.perspective && !scene.shells.empty() && std::all_of(scene.shells.begin(), scene.shells.end(), isBoxed)) {
+    for (const ZBR_HL_SHELL& shell : scene.shells) {
+      extent.Add(ZBR_PT(shell.min_x, shell.min_y));
+      extent.Add(ZBR_PT(shell.max_x, shell.max_y));
+    }
+  } else {
+    for (const ZBR_HL_TRI& triangle : scene.triangles) {
+      for (const ZBR_PT3& p : triangle.pt) extent.Add(p.xy());
+    }
   }
+  if (extent.empty()) return extent;
+  for (double* const side : {&extent.xmin, &extent.xmax, &extent.ymin, &extent.ymax}) *side /= scene.scale;
   return extent;
 }
 
