@@ -155,11 +155,11 @@ class CommonLines {
     for (std::size_t slice = 0; slice < found.size(); ++slice) {
       const std::vector<Hit>& hits = found[slice];
       count += hits.size();
-      auto hit = hits.begin();
+      const Hit *hit = hits.data(), *const end = hit + hits.size();
       for (std::size_t k = slice * kSlice; k < block.size() && k < (slice + 1) * kSlice; ++k) {
-        const auto begin = hit;
-        while (hit != hits.end() && hit->line == block[k]) ++hit;
-        Settle(block[k], std::span(begin, hit));
+        const Hit* const begin = hit;
+        while (hit != end && hit->line == block[k]) ++hit;
+        Settle(block[k], {begin, hit});
       }
     }
     return count;
