@@ -310,18 +310,23 @@ TEST(LinesInCommon, OneBodyDrawsTheSeam) {
   }
 }
 
-// A pin of 48 sides in a bore of 36, flush: its rim is the bore's, though all chords are beside each other. A loose one is not.
+// Pins of 48 sides, and of 15 on one half and 45 on the other, in a bore of 60, flush: their rims are the bore's, though all chords
+// are beside each other. A loose one's is not.
 TEST(LinesInCommon, OneBodyDrawsTheRim) {
   example::Solid plate;
-  plate.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 36)), 0.0, 4.0);
+  plate.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 60)), 0.0, 4.0);
   const Mesh tube = plate.Take();
-  for (const double radius : {10.0, 9.999}) {
-    const ViewLines view = Seen(Together(tube, Prism(Polar(48, [=](double) { return radius; }), 4)), {0, 0, -1});
+  Points uneven;
+  for (int degrees = 0; degrees < 360; degrees += degrees < 180 ? 12 : 4)
+    uneven.emplace_back(10 * std::cos(degrees * pi / 180), 10 * std::sin(degrees * pi / 180));
+  for (const auto& [pin, turns] :
+       {std::pair{Polar(48, [](double) { return 10.0; }), 1}, {Polar(48, [](double) { return 9.999; }), 2}, {uneven, 1}}) {
+    const ViewLines view = Seen(Together(tube, Prism(pin, 4)), {0, 0, -1});
     double turn = 0.0;
     for (const Line& line : view.lines) {
       for (const CircleRun& run : line.chain.curves) turn += run.u.Length() < 15 ? std::fabs(run.t1 - run.t0) : 0.0;
     }
-    EXPECT_NEAR(turn, radius < 10 ? 4 * pi : 2 * pi, 1e-3);
+    EXPECT_NEAR(turn, turns * 2 * pi, 1e-3);
   }
 }
 
