@@ -202,6 +202,17 @@ TEST(Circles, CoarseRoundings) {
     }
   }
   EXPECT_EQ(FindCircles(MakeModel(Prism(Rounded(6, 2), 3), 20.0)).all.size(), 0U) << "corners that are drawn are meant";
+  // Between a fine arc of radius 10, to which they are tangent, and lines that meet.
+  Points drop;
+  const auto add = [&](double x, double y, double r, int degrees) {
+    drop.emplace_back(x + r * std::cos(degrees * pi / 180), y + r * std::sin(degrees * pi / 180));
+  };
+  const double x = 8 * std::cos(5 * pi / 18), y = 8 * std::sin(5 * pi / 18);
+  for (int degrees = -50; degrees < 50; degrees += 5) add(0, 0, 10, degrees);
+  for (const int degrees : {50, 80, 110, 140}) add(x, y, 2, degrees);
+  drop.emplace_back(drop.back().x() - drop.back().y() / std::tan(5 * pi / 18), 0);
+  for (const int degrees : {220, 250, 280}) add(x, -y, 2, degrees);
+  EXPECT_NEAR(Find(Prism(drop, 3)).lengths[2000], Chords(2, 12, 6), 1e-9);
 }
 
 // A rim with notches: three chords between two of them are of the circle that the others prove. Alone they prove none.
