@@ -75,12 +75,17 @@ void AddViewTimes(Report& report, Clock::time_point begin, const std::vector<Sta
   }
 }
 
-// An object may be shaded in one view and covered, or seen edge-on, in another.
-void NoteEmptyOutlines(const std::vector<ViewLines>& views, const std::vector<ObjectSource>& objects, Progress& progress) {
+// A file's objects, which are those from one of `begins` to the next, may be shaded in one view and covered, or seen edge-on, in
+// another.
+void NoteEmptyOutlines(const std::vector<ViewLines>& views, const Objects& objects, const std::vector<std::size_t>& begins,
+                       Progress& progress) {
   for (const ViewLines& view : views) {
-    for (std::size_t k = 0; k < view.outlines.size(); ++k) {
-      if (view.outlines[k].empty())
-        progress.Note(objects[k].name + ": note: nothing of it is seen in the view " + view.name + ", and nothing is filled there");
+    for (std::size_t k = 0; k + 1 < begins.size(); ++k) {
+      const auto outline = view.outlines.begin();
+      const auto from = static_cast<std::ptrdiff_t>(begins[k]), to = static_cast<std::ptrdiff_t>(begins[k + 1]);
+      if (std::all_of(outline + from, outline + to, [](const LoopList& loops) { return loops.empty(); }))
+        progress.Note(objects.sources[begins[k]].name + ": note: nothing of it is seen in the view " + view.name +
+                      ", and nothing is filled there");
     }
   }
 }
@@ -132,16 +137,37 @@ void NoteRoughness(const Model& model, const std::string& file, const DrawOption
                   "60 draws fewer");
 }
 
+struct DrawTimes {
+  double read = 0.0, model = 0.0, write = 0.0;
+  Clock::time_point views;  // when the work on them began
+  std::vector<StageTimes> stages;
+};
+
+Report ReportOf(const Model& model, const Sheet& sheet, const DrawTimes& times, bool fill) {
+  Report report;
+  report.Count("triangles", model.TriangleCount());
+  report.Count("left out", model.collapsed + model.repeated);
+  report.Count("shells", model.ShellCount());
+  CountLines(report, sheet);
+  report.Time("read", times.read);
+  report.Time("model", times.model);
+  AddViewTimes(report, times.views, times.stages, fill);
+  report.Time("write", times.write);
+  return report;
+}
+
 }  // namespace
 
 int RunDraw(const DrawOptions& options) {
   Progress progress;
   DrawPlan plan = PlanDraw(options);
-  Report report;
+  DrawTimes times;
   Stopwatch watch;
   progress.Stage("reading");
   Objects objects = ReadObjects(plan.objects, options.modelFormat, plan.threads);
-  const double read = watch.Lap();
+  std::vector<std::size_t> filled;
+  if (plan.fill) filled = MakeBodiesObjects(objects);
+  times.read = watch.Lap();
 
   progress.Stage("joining triangles");
   const Model model = MakeModel(objects.mesh, options.crease, options.weld, plan.threads);
@@ -149,13 +175,12 @@ int RunDraw(const DrawOptions& options) {
   plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
   objects.mesh = {};  // all there is to know is in the model
   NoteRoughness(model, plan.objects.front().file, options, progress);
-  const double prepared = watch.Lap();
+  times.model = watch.Lap();
 
-  std::vector<StageTimes> times;
   progress.Stage("looking for intersections and circles");
-  const Clock::time_point begin = Clock::now();
-  std::vector<ViewLines> views = DrawViews(model, plan, progress, times);
-  NoteEmptyOutlines(views, objects.sources, progress);
+  times.views = Clock::now();
+  std::vector<ViewLines> views = DrawViews(model, plan, progress, times.stages);
+  NoteEmptyOutlines(views, objects, filled, progress);
   NoteUnseen(views, options.centreLines, progress);
   NoteSections(views, progress);
   watch.Lap();
@@ -168,18 +193,11 @@ int RunDraw(const DrawOptions& options) {
     files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount(), options.dxf, plan.threads));
   files.Commit();
   progress.Stage("");
+  times.write = watch.Lap();
 
   if (options.stats || plan.outputs.empty()) {
-    report.Count("triangles", model.TriangleCount());
-    report.Count("left out", model.collapsed + model.repeated);
-    report.Count("shells", model.ShellCount());
-    CountLines(report, sheet);
-    report.Time("read", read);
-    report.Time("model", prepared);
-    AddViewTimes(report, begin, times, plan.fill);
-    report.Time("write", watch.Lap());
     const bool pipe = std::any_of(plan.outputs.begin(), plan.outputs.end(), [](const SheetOutput& o) { return o.file == "-"; });
-    std::fputs(report.Table().c_str(), pipe ? stderr : stdout);
+    std::fputs(ReportOf(model, sheet, times, plan.fill).Table().c_str(), pipe ? stderr : stdout);
   }
   return kExitFine;
 }

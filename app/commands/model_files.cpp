@@ -74,6 +74,32 @@ Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& for
   return objects;
 }
 
+std::vector<std::size_t> MakeBodiesObjects(Objects& objects) {
+  std::set<std::string> ids;
+  for (const ObjectSource& source : objects.sources) ids.insert(source.id);
+  const std::vector<MeshObject> starts = BodyStarts(objects.mesh);
+  std::vector<ObjectSource> sources;
+  std::vector<std::size_t> begins;
+  for (std::size_t k = 0; k < objects.sources.size(); ++k) {
+    const bool isLast = k + 1 == objects.sources.size();
+    const std::size_t begin = sources.size();
+    begins.push_back(begin);
+    while (sources.size() < starts.size() &&
+           (isLast || starts[sources.size()].firstPoint < objects.mesh.objects[k + 1].firstPoint)) {
+      sources.push_back(objects.sources[k]);
+      sources.back().firstTriangle = starts[sources.size() - 1].firstTriangle;
+    }
+    if (sources.size() - begin < 2) continue;
+    for (std::size_t i = begin; i < sources.size(); ++i)
+      sources[i].id = FreeName(objects.sources[k].id + "-" + std::to_string(i - begin + 1), ids);
+  }
+  begins.push_back(sources.size());
+  objects.sources = std::move(sources);
+  objects.mesh.objects = starts;
+  objects.mesh.bodies.clear();
+  return begins;
+}
+
 std::string TitleOf(const std::vector<PlacedFile>& files) {
   std::string title;
   for (const PlacedFile& placed : files) title += (title.empty() ? "" : ", ") + StemOf(placed.file);

@@ -3,6 +3,7 @@
 
 #include <zbr-drawing/objects.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,10 @@ Mesh ReadModel(const std::string& file, const std::string& format, unsigned thre
 
 // Fails when a file cannot be read or a shift carries points out of range. `format` is that of files whose names do not tell.
 Objects ReadObjects(const std::vector<PlacedFile>& files, const std::string& format, unsigned threads);
+
+// Where files hold several bodies, makes each an object of its own, named after its file with a number behind it. Returns where the
+// bodies of each file begin, and the end.
+std::vector<std::size_t> MakeBodiesObjects(Objects& objects);
 
 // The names of all files, separated by commas, without folders and extensions.
 std::string TitleOf(const std::vector<PlacedFile>& files);

@@ -34,10 +34,10 @@ Mesh WithOthers(const std::string& text, const std::string& file, const FileSour
   return ReadGltf(text, file, beside);
 }
 
-constexpr Reader kReadStl = InRanges<ReadStl>, kRead3mf = Alone<Read3mf>;
+constexpr Reader kReadStl = InRanges<ReadStl>, kReadPly = Alone<ReadPly>, kRead3mf = Alone<Read3mf>;
 constexpr std::array<std::pair<const char*, Reader>, 7> kReaders = {{{"stl", kReadStl},
                                                                      {"obj", InRanges<ReadObj>},
-                                                                     {"ply", Alone<ReadPly>},
+                                                                     {"ply", kReadPly},
                                                                      {"off", Alone<ReadOff>},
                                                                      {"gltf", WithOthers},
                                                                      {"glb", WithOthers},
@@ -48,6 +48,14 @@ Reader ReaderOf(const std::string& format) {
   const auto* const found =
       std::find_if(kReaders.begin(), kReaders.end(), [&](const auto& entry) { return entry.first == format; });
   return found == kReaders.end() ? nullptr : found->second;
+}
+
+// Lines of old programs for the Mac end with carriage returns alone.
+void EndLines(Reader reader, bool isText, std::string& bytes) {
+  if (bytes.find('\n') != std::string::npos || bytes.find('\r') == std::string::npos) return;
+  const bool isTextOfTwoForms =
+      (reader == kReadStl && !IsBinaryStl(bytes)) || (reader == kReadPly && bytes.find("format ascii") != std::string::npos);
+  if (isText || isTextOfTwoForms) std::replace(bytes.begin(), bytes.end(), '\r', '\n');
 }
 
 bool HasArea(const ZBR_PT3& a, const ZBR_PT3& b, const ZBR_PT3& c) {
@@ -91,6 +99,7 @@ Mesh ParseMesh(const std::string& format, std::string bytes, const std::string& 
   if (reader != kRead3mf) RefuseForeign(bytes, name);
   const bool isText = format == "obj" || format == "off" || (reader == WithOthers && !bytes.starts_with("glTF"));
   if (isText) RefuseBinary(bytes, name);
+  EndLines(reader, isText, bytes);
   Mesh mesh = reader(bytes, name, beside, threads);
   Check(mesh, name);
   mesh.yUp = reader == WithOthers;

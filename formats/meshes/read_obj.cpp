@@ -50,8 +50,14 @@ class ObjPart {
   }
 
   void MakeTriangles(const std::vector<ZBR_PT3>& all) {
-    for (const auto& face : polygons_) AddPolygon(all, face, triangles);
+    auto corner = polygons_.begin();
+    for (const std::uint32_t size : polygonSizes_) {
+      face_.assign(corner, corner + size);
+      AddPolygon(all, face_, triangles);
+      corner += size;
+    }
     polygons_ = {};
+    polygonSizes_ = {};
   }
 
   std::vector<ZBR_PT3> points;
@@ -75,16 +81,18 @@ class ObjPart {
       face_.push_back(static_cast<std::uint32_t>(place));
     }
     if (face_.size() < 3) lines.Fail("a face needs three points");
-    if (face_.size() == 3 && polygons_.empty()) {
+    if (face_.size() == 3 && polygonSizes_.empty()) {
       triangles.push_back({face_[0], face_[1], face_[2]});
     } else {
-      polygons_.push_back(face_);
+      polygons_.insert(polygons_.end(), face_.begin(), face_.end());
+      polygonSizes_.push_back(static_cast<std::uint32_t>(face_.size()));
     }
   }
 
   std::size_t before_;
-  std::vector<std::uint32_t> face_;                   // at hand
-  std::vector<std::vector<std::uint32_t>> polygons_;  // waiting
+  std::vector<std::uint32_t> face_;      // at hand
+  std::vector<std::uint32_t> polygons_;  // waiting: the corners of all
+  std::vector<std::uint32_t> polygonSizes_;
 };
 
 using Ranges = std::vector<std::string_view>;

@@ -53,11 +53,6 @@ bool IsBrokenBinary(const std::string& text) {
   return text.find('\0') != std::string::npos && (!StartsAsText(text) || Lower(text).find("facet") == std::string::npos);
 }
 
-bool IsBinary(const std::string& text) {
-  if (text.size() < kHeader + kCount) return false;
-  return text.size() == BinarySize(text) || IsBrokenBinary(text);
-}
-
 // Every three points are one.
 void AddTriangles(Mesh& mesh) {
   const std::size_t count = mesh.points.size() / 3;
@@ -130,8 +125,13 @@ Mesh ReadText(const std::string& text, const std::string& file, unsigned threads
 
 }  // namespace
 
+bool IsBinaryStl(const std::string& text) {
+  if (text.size() < kHeader + kCount) return false;
+  return text.size() == BinarySize(text) || IsBrokenBinary(text);
+}
+
 Mesh ReadStl(const std::string& text, const std::string& file, unsigned threads) {
-  return IsBinary(text) ? ReadBinary(text, file) : ReadText(text, file, threads);
+  return IsBinaryStl(text) ? ReadBinary(text, file) : ReadText(text, file, threads);
 }
 
 }  // namespace zbr::formats

@@ -17,6 +17,9 @@ Mesh ReadPly(const std::string& text, const std::string& file);
 Mesh ReadObj(const std::string& text, const std::string& file, unsigned threads);
 Mesh ReadStl(const std::string& text, const std::string& file, unsigned threads);
 
+// Whether it is the binary form, perhaps cut off.
+bool IsBinaryStl(const std::string& text);
+
 // `beside` gives the files that it refers to.
 Mesh ReadGltf(const std::string& text, const std::string& file, const FileSource& beside);
 

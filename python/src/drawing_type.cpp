@@ -297,6 +297,10 @@ PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     request.options.outlines = given.Truth(6, false);
     if (given.OrNull(9) != nullptr) request.smoothSilhouettes = given.Truth(9, false);
     request.options.centreLines = given.Truth(10, false);
+    const auto isPerspective = [](const WantedView& view) { return view.eye.has_value(); };
+    if (request.options.centreLines && std::all_of(request.views.begin(), request.views.end(), isPerspective) &&
+        !request.views.empty())
+      throw BadArgument("centre_lines", "perspectives have none");
     request.options.threads = given.Threads(7);
     const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
       return Draw(mesh, request, monitor);

@@ -83,6 +83,7 @@ def test_outlines_know_their_edges(shells):
         axes = two.draw(view).axes[:2]
         for k, traced in enumerate(two.traced_outlines(view)):
             ring = traced.region.coords
+            assert repr(traced).startswith(f"<zbr.TracedOutline: points {len(ring)}, pieces ")
             assert traced.region == two.traced_outlines(view)[k].region and len(traced.offsets) == len(ring) + 1
             assert set(traced.shell) == {k} and set(traced.triangle // 12) == {k}
             starts = two.points[two.faces[traced.triangle, traced.edge]] @ axes.T
@@ -108,6 +109,8 @@ def test_sections():
             cube().draw("top", **wrong)
     with pytest.raises(ValueError, match="^view: "):
         cube().section("X=")
+    with pytest.raises(ValueError, match="^centre_lines: perspectives have none$"):
+        cube().draw({"eye": (9, -8, 7)}, centre_lines=True)
     apart = zbr.sheet([views[0], cube_of_two.section("X=1"), cube_of_two.section("Z=0.5")]).svg()
     assert "A\u2013A" in apart and "B\u2013B" in apart
     assert all(f"{letter}\u2013{letter}" in zbr.sheet([*views, cube_of_two.section("X=1.5")]).svg() for letter in "ABC")

@@ -57,6 +57,9 @@ class TracedOutline(NamedTuple):
     edge: NDArray[np.int32]
     along: NDArray[np.float64]
 
+    def __repr__(self) -> str:
+        return f"<zbr.TracedOutline: points {len(self.region.coords)}, pieces {len(self.edge)}, area {self.region.area:g}>"
+
 
 @_zbr.use_class
 class Mesh(_zbr.Mesh):
@@ -95,8 +98,8 @@ class Mesh(_zbr.Mesh):
         Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn), weld=0.0
         (points closer than this part of the diagonal are one), tangents=False (smooth edges at which fillets end),
         intersections=True (lines where bodies pass through each other), smooth_silhouettes=None (of the surface that the facets
-        stand for; None: for scans only), centre_lines=False, outlines=False (what is seen of each object), threads=1 (0: one for
-        each processor), progress=None.
+        stand for; None: for scans only), centre_lines=False (of holes and shafts; perspectives have none), outlines=False (what
+        is seen of each object), threads=1 (0: one for each processor), progress=None.
         """
         return self._draw([view], **options)[0]
 

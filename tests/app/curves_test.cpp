@@ -202,6 +202,17 @@ TEST(Circles, CoarseRoundings) {
     }
   }
   EXPECT_EQ(FindCircles(MakeModel(Prism(Rounded(6, 2), 3), 20.0)).all.size(), 0U) << "corners that are drawn are meant";
+  // Between a fine arc of radius 10, to which they are tangent, and lines that meet.
+  Points drop;
+  const auto add = [&](double x, double y, double r, int degrees) {
+    drop.emplace_back(x + r * std::cos(degrees * pi / 180), y + r * std::sin(degrees * pi / 180));
+  };
+  const double x = 8 * std::cos(5 * pi / 18), y = 8 * std::sin(5 * pi / 18);
+  for (int degrees = -50; degrees < 50; degrees += 5) add(0, 0, 10, degrees);
+  for (const int degrees : {50, 80, 110, 140}) add(x, y, 2, degrees);
+  drop.emplace_back(drop.back().x() - drop.back().y() / std::tan(5 * pi / 18), 0);
+  for (const int degrees : {220, 250, 280}) add(x, -y, 2, degrees);
+  EXPECT_NEAR(Find(Prism(drop, 3)).lengths[2000], Chords(2, 12, 6), 1e-9);
 }
 
 // A rim with notches: three chords between two of them are of the circle that the others prove. Alone they prove none.
@@ -310,18 +321,23 @@ TEST(LinesInCommon, OneBodyDrawsTheSeam) {
   }
 }
 
-// A pin of 48 sides in a bore of 36, flush: its rim is the bore's, though all chords are beside each other. A loose one is not.
+// Pins of 48 sides, and of 15 on one half and 45 on the other, in a bore of 60, flush: their rims are the bore's, though all chords
+// are beside each other. A loose one's is not.
 TEST(LinesInCommon, OneBodyDrawsTheRim) {
   example::Solid plate;
-  plate.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 36)), 0.0, 4.0);
+  plate.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 60)), 0.0, 4.0);
   const Mesh tube = plate.Take();
-  for (const double radius : {10.0, 9.999}) {
-    const ViewLines view = Seen(Together(tube, Prism(Polar(48, [=](double) { return radius; }), 4)), {0, 0, -1});
+  Points uneven;
+  for (int degrees = 0; degrees < 360; degrees += degrees < 180 ? 12 : 4)
+    uneven.emplace_back(10 * std::cos(degrees * pi / 180), 10 * std::sin(degrees * pi / 180));
+  for (const auto& [pin, turns] :
+       {std::pair{Polar(48, [](double) { return 10.0; }), 1}, {Polar(48, [](double) { return 9.999; }), 2}, {uneven, 1}}) {
+    const ViewLines view = Seen(Together(tube, Prism(pin, 4)), {0, 0, -1});
     double turn = 0.0;
     for (const Line& line : view.lines) {
       for (const CircleRun& run : line.chain.curves) turn += run.u.Length() < 15 ? std::fabs(run.t1 - run.t0) : 0.0;
     }
-    EXPECT_NEAR(turn, radius < 10 ? 4 * pi : 2 * pi, 1e-3);
+    EXPECT_NEAR(turn, turns * 2 * pi, 1e-3);
   }
 }
 

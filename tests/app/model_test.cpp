@@ -227,6 +227,23 @@ TEST(Model, OneSidedBandIsSmoothThroughout) {
   EXPECT_EQ(CountOf(model, EdgeClass::kBorder), 120U);
 }
 
+// A plate of four facets, one of which lies in the longest edge of its neighbour: whichever way each of them runs, all is flat.
+TEST(Model, PlatesAreSmoothWhicheverWayTheirFacetsRun) {
+  const std::array<std::array<std::uint32_t, 3>, 4> facets = {{{0, 1, 3}, {1, 0, 2}, {2, 0, 4}, {1, 2, 4}}};
+  for (unsigned flips = 0; flips < 16; ++flips) {
+    Mesh plate;
+    plate.points = {{0, 0, 0}, {2, 0, 0}, {1, 0, 0}, {1, 1, 0}, {1, -1, 0}};
+    for (std::size_t t = 0; t < facets.size(); ++t) {
+      plate.triangles.push_back(facets[t]);
+      if ((flips >> t & 1U) != 0) std::swap(plate.triangles.back()[0], plate.triangles.back()[1]);
+    }
+    const Model model = MakeModel(plate, 30);
+    CheckModel(model);
+    EXPECT_EQ(CountOf(model, EdgeClass::kCrease), 0U) << flips;
+    EXPECT_EQ(CountOf(model, EdgeClass::kBorder), 4U) << flips;
+  }
+}
+
 TEST(Triangulate, AreasAddUp) {
   // A comb with a hole, points in line, and a corner that an ear's diagonal would pass.
   const std::vector<ZBR_PT> points = {{0, 0}, {3, 0}, {6, 0}, {6, 4}, {5, 4}, {5, 1}, {4, 1}, {4, 4}, {2, 4},

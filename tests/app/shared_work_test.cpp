@@ -99,6 +99,13 @@ TEST(SharedWork, LongTextsAreReadAsByOneThread) {
     EXPECT_GT(ExpectSame("obj", LongObj(seed, 60000)).mesh.triangles.size(), 20000U) << seed;
     EXPECT_EQ(ExpectSame("stl", LongStl(seed, 6000)).mesh.triangles.size(), 6000U) << seed;
   }
+  // Nothing here would make a range fail: lines that go on are faces without that, too, and points are counted backwards where a
+  // range has many before.
+  std::string lines, faces;
+  for (int k = 0; k < 25000; ++k) lines += "v " + std::to_string(k) + " " + std::to_string(k % 7) + " 0\n";
+  for (int k = 0; k < 25000; ++k) faces += "f 1 2 " + std::to_string(3 + k % 9) + " \\\r\n 20\n";
+  EXPECT_EQ(ExpectSame("obj", lines + faces).mesh.triangles.size(), 50000U);
+  EXPECT_EQ(ExpectSame("obj", lines + "f -1 -2 -8\n").mesh.triangles.size(), 1U);
   // What goes on with the line behind, wherever ranges end.
   std::string goesOn = "# ";
   for (int k = 0; k < 1 << 14; ++k) goesOn += std::string(30, ' ') + "\\\n";

@@ -76,7 +76,14 @@ TEST_F(Tool, ThreeMfBodiesStayApart) {
   EXPECT_EQ(Info("m.3mf", "shells"), "3");
   EXPECT_NE(Info("m.3mf", "clean"), "");
   const std::string draw = "draw --view top --section Y=0.5 --title m -o - --format dxf ";
-  EXPECT_EQ(Output(draw + "m.3mf"), Output(draw + "m.obj --object m.obj,0,0,1 --object m.obj,1,0,0"));
+  const std::string objects = "m.obj --object m.obj,0,0,1 --object m.obj,1,0,0";
+  EXPECT_EQ(Output(draw + "m.3mf"), Output(draw + objects));
+  const std::string fills = " --fill -o - --format svg | sed -n 's/<title>.*//; /fill=/p'";
+  const Outcome filled = Shell("zbr draw m.3mf" + fills);
+  EXPECT_EQ(filled.out, Shell("zbr draw " + objects + fills).out);
+  EXPECT_NE(filled.out.find("-fill-2"), std::string::npos);
+  // The first box from below, which hides the second one: no note, as something of the file is seen.
+  EXPECT_EQ(filled.err + Shell("zbr draw m.3mf --view bottom --fill -o b.svg").err, "");
 }
 
 // A comment behind the directory may hold what looks like the end of an archive.

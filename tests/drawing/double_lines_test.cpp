@@ -50,7 +50,7 @@ TEST(DoubleLines, EachPlaceKeepsOne) {
     for (int k = 0; k < 16; ++k) {
       const ZBR_PT3 low(number(4), number(4), number(3));
       mesh.shells.insert(mesh.shells.end(), 12, static_cast<std::uint32_t>(k));
-      example::Append(mesh, example::Box(low, low + ZBR_PT3(1 + number(2), 1 + number(2), 1 + number(2))));
+      example::Append(mesh, example::Box(low, low + ZBR_PT3(1 + number(4), 1 + number(4), 1 + number(2))));
     }
     if (round % 2 != 0) example::Turn(mesh, {1, 2, 3}, 0.3);
     const Model model = MakeModel(mesh, 30.0);
