@@ -38,6 +38,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
   options.outlines = plan.fill;
   options.threads = plan.threads;
   options.contact = plan.contact;
+  if (plan.sheet.scale) options.lineWidth = Sheet().wide / (*plan.sheet.scale * plan.sheet.millimetres);
   options.progress = [&](std::size_t view, DrawStage stage) {
     // Stages left out take no time.
     std::replace(times[view].begin(), times[view].begin() + static_cast<std::ptrdiff_t>(stage) + 1, Clock::time_point(),

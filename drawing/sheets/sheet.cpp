@@ -19,6 +19,7 @@
 #include "drawing/sheets/hatching.h"
 #include "drawing/sheets/marked_planes.h"
 #include "drawing/sheets/section_marks.h"
+#include "drawing/views/specks.h"
 
 namespace zbr::drawing {
 namespace {
@@ -329,6 +330,7 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   MakeRoomForMarks(sheet, grid);
   if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet, grid.marks);
   ChooseWidths(sheet);
+  for (PlacedView& view : sheet.views) DropSpecks(view.lines, sheet.wide / sheet.perUnit);
   AddHatching(sheet);
   AddCentreLines(sheet);
   AddSectionMarks(sheet);

@@ -7,12 +7,13 @@
 #include <cstdint>
 #include <unordered_set>
 
+#include "drawing/views/specks.h"
+
 namespace zbr::drawing {
 namespace {
 
 constexpr double kCrumb = 0.01;   // of the view's size
 constexpr double kJoined = 2e-3;  // the same: lines this close together meet
-constexpr double kDot = 3e-3;     // the same: no longer than a line is wide
 
 double LengthOf(const Line& line) {
   double length = 0.0;
@@ -63,7 +64,7 @@ void DropCrumbs(ViewLines& view) {
     if (LengthOf(line) >= kCrumb * size) return false;
     const std::vector<ZBR_PT>& points = line.chain.points;
     const ZBR_PT middle = points.size() > 2 ? points[points.size() / 2] : (points.front() + points.back()) * 0.5;
-    return line.chain.closed || LengthOf(line) < kDot * size || joined.Has(middle) || !joined.Has(points.front()) ||
+    return line.chain.closed || LengthOf(line) < kLineWidth * size || joined.Has(middle) || !joined.Has(points.front()) ||
            !joined.Has(points.back());
   });
 }

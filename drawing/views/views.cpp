@@ -16,6 +16,7 @@
 #include "drawing/silhouettes/smooth_silhouettes.h"
 #include "drawing/views/crumbs.h"
 #include "drawing/views/perspective.h"
+#include "drawing/views/specks.h"
 
 namespace zbr::drawing {
 namespace {
@@ -97,6 +98,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
     lines.extent = view.whole;  // views of one model line up, whatever was cut away
     AddSection(std::move(view.section), direction, lines);
   }
+  DropSpecks(lines, options.lineWidth > 0 ? options.lineWidth : kLineWidth * lines.extent.Size());
   if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
   return lines;
 }

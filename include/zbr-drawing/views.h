@@ -44,6 +44,10 @@ struct DrawingOptions {
   // are rounded to, found from the model.
   double contact = -1.0;
 
+  // How wide a line will be, in the unit of the model: silhouettes that are shorter and end in nothing are left out. 0: as on a
+  // sheet that the view fills, 0.003 of its size.
+  double lineWidth = 0.0;
+
   // Told when a stage of a view begins, by its place in the list; from any of the threads, views in any order. What it throws ends
   // the work and comes out of DrawViews.
   std::function<void(std::size_t view, DrawStage stage)> progress;
