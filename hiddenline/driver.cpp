@@ -17,6 +17,7 @@
 #include "core/constants.h"
 #include "core/prefetch.h"
 #include "core/tolerance_state.h"
+#include "hiddenline/apex_cut.h"
 #include "hiddenline/check.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/extents.h"
@@ -38,15 +39,60 @@ struct Neighbours {
   bool Has(int position) const { return std::find(positions, positions + count, position) != positions + count; }
 };
 
-Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratch& lists) {
+// The neighbours of a triangle that may hide something of it, and what is known of them at a glance.
+class NextDoor {
+ public:
+  NextDoor(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell) {
+    const int* adj = t.adj;
+    const bool mayBePlain = t.tri_state == kGeneral && adj[0] != adj[1] && adj[1] != adj[2] && adj[2] != adj[0];
+    for (int i = 0; i < 3; ++i) {
+      if (adj[i] == -1) continue;
+      const int position = PositionOf(shell, adj[i]);
+      if (position < 0 || shell.tris[position].IsTriSkip()) continue;
+      positions_[i] = position;
+      if (mayBePlain) Compare(t, i, shell.tris[position]);
+    }
+  }
+
+  int position(int i) const { return positions_[i]; }  // -1: nobody there
+  // The edges that t leaves to the neighbour, which draws them.
+  unsigned LeavesTo() const { return leavesTo_; }
+  // Whether the surface goes on there, so that nothing but the shared edge is to be decided (neighbour.cpp).
+  bool GoesOn(int i) const { return (goesOn_ >> static_cast<unsigned>(i) & 1U) != 0; }
+
+ private:
+  // Of two faces that share but one edge.
+  void Compare(const ZBR_HL_TRI& t, int i, const ZBR_HL_TRI& o) {
+    if (o.tri_state != kGeneral || &o == &t || o.idx != t.adj[i] || o.shell_idx != t.shell_idx) return;
+    if (t.edge_state[i] != kGeneral) return;
+    const int k = t.adj_edge[i] != -1 ? t.adj_edge[i] : t.GetAdjEdge(i, o);
+    if (!IsEdgeNumber(k) || o.edge_state[k] == kVertical) return;
+    const unsigned bit = 1U << static_cast<unsigned>(i);
+    if (KeepsLine(o, k, t)) leavesTo_ |= bit;
+    if (ContinuesAt(t, i, o, k)) goesOn_ |= bit;
+  }
+
+  int positions_[3] = {-1, -1, -1};
+  unsigned leavesTo_ = 0;
+  unsigned goesOn_ = 0;
+};
+
+// A bare triangle gets its intervals here, but those that it would lose at once.
+Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, bool isBare, const Scratch& lists) {
+  const NextDoor next(t, shell);
+  if (isBare) {
+    GiveIntervals(t, next.LeavesTo());
+  } else {
+    for (int i = 0; i < 3; ++i) {
+      if ((next.LeavesTo() >> static_cast<unsigned>(i) & 1U) != 0) t.SetEdgeUnavailable(i);
+    }
+  }
   Neighbours met;
-  for (const int idx : t.adj) {
-    if (idx == -1) continue;
-    const int position = PositionOf(shell, idx);
-    if (position < 0 || shell.tris[position].IsTriSkip() || met.Has(position)) continue;
+  for (int i = 0; i < 3 && t.any_edge_visible; ++i) {
+    const int position = next.position(i);
+    if (position < 0 || met.Has(position)) continue;
     met.positions[met.count++] = position;
-    HideByTriangle(t, shell.tris[position], lists);
-    if (!t.any_edge_visible) break;
+    if (!next.GoesOn(i)) HideByTriangle(t, shell.tris[position], lists);
   }
   return met;
 }
@@ -90,6 +136,10 @@ class EdgeSearch {
     if (look_.IsHiddenAlready(o, t_.intvl_v[edge_])) return true;
     ++pass_.pairs;
     const Scratch& lists = pass_.lists;
+    if (look_.apex() >= 0) {
+      ApexCut cut(t_.pt[edge_], t_.pt[(edge_ + 1) % 3], front, o, look_.apex());
+      if (cut.IsKnown()) return NarrowEdge(t_, edge_, cut.Left(), lists.work);
+    }
     VisibleParts(t_, edge_, front, on, o, lists.result, lists);
     return NarrowEdge(t_, edge_, lists.result, lists.work);
   }
@@ -125,18 +175,27 @@ bool CanReachEdge(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& b) {
   return std::min(p.z(), q.z()) - kBoxMargin <= b.max_z && Overlap(box, {b.min_x, b.min_y, b.max_x, b.max_y});
 }
 
-void HideTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, bool isOwn, Pass& pass) {
-  Neighbours met;
-  if (isOwn) met = MeetNeighbours(t, b, pass.lists);
-  if (isOwn && !b.occluders->uniqueIds) {
-    // Where several triangles may share an idx, any of them can be a neighbour.
-    if (t.any_edge_visible) HideByAny(t, b, pass.lists, [&met](int position) { return !met.Has(position); });
-  } else {
-    for (int i = 0; i < 3; ++i) {
-      if (t.IsEdgeAvailable(i) && (isOwn || CanReachEdge(t, i, b))) EdgeSearch(t, i, b, met, pass).Run();
-    }
+// In its own shell, after its neighbours.
+void HideInOwn(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, bool isBare, Pass& pass) {
+  if (shell.occluders == nullptr) {
+    if (isBare) GiveIntervals(t);
+    return;
   }
-  ZBR_CHECK(VisibleFault(t));
+  const Neighbours met = MeetNeighbours(t, shell, isBare, pass.lists);
+  if (shell.occluders->uniqueIds) {
+    for (int i = 0; i < 3; ++i) {
+      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, shell, met, pass).Run();
+    }
+  } else if (t.any_edge_visible) {  // where several triangles may share an idx, any of them can be a neighbour
+    HideByAny(t, shell, pass.lists, [&met](int position) { return !met.Has(position); });
+  }
+}
+
+void HideInOther(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, Pass& pass) {
+  if (b.occluders == nullptr || !CanReach(t, b)) return;
+  for (int i = 0; i < 3; ++i) {
+    if (t.IsEdgeAvailable(i) && CanReachEdge(t, i, b)) EdgeSearch(t, i, b, {}, pass).Run();
+  }
 }
 
 }  // namespace
@@ -155,16 +214,20 @@ std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by,
   Pass pass{lists};
   for (unsigned i = range.begin; i < range.end; ++i) {
     ZBR_HL_TRI& t = a.tris[range.At(i)];
-    if (!t.any_edge_visible) continue;
+    if (by.isBare ? !Draws(t) : !t.any_edge_visible) continue;
     if (by.search != nullptr) {
       by.search->Find(BoxOf(t), t.min_z, by.ranks, by.shells);
       std::erase(by.shells, &a);
     }
     for (const ZBR_HL_SHELL* b : by.shells) {
-      const bool isOwn = b == &a;
-      if (b->occluders != nullptr && (isOwn || CanReach(t, *b))) HideTriangle(t, *b, isOwn, pass);
+      if (b == &a) {
+        HideInOwn(t, a, by.isBare, pass);
+      } else {
+        HideInOther(t, *b, pass);
+      }
       if (!t.any_edge_visible) break;
     }
+    ZBR_CHECK(VisibleFault(t));
   }
   return pass.pairs;
 }

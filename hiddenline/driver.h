@@ -35,6 +35,7 @@ struct TriangleRange {
 struct Occluding {
   ShellList shells;
   const ShellSearch* search = nullptr;
+  bool isBare = false;                    // the edges have no intervals yet; the only shell is then the triangles' own
   std::vector<std::uint32_t> ranks = {};  // scratch of the search
 };
 

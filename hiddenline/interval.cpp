@@ -25,7 +25,7 @@ bool IsClean(const Intervals& a, double eps) {
 }
 
 // Merges two lists neither of which is the whole edge.
-void Overlaps(const Intervals& a, const Intervals& b, double eps, Intervals& out) {
+void Overlaps(std::span<const ZBR_HL_INTERVAL> a, std::span<const ZBR_HL_INTERVAL> b, double eps, Intervals& out) {
   std::size_t i = 0;
   std::size_t j = 0;
   while (i < a.size() && j < b.size()) {
@@ -47,6 +47,23 @@ void Overlaps(const Intervals& a, const Intervals& b, double eps, Intervals& out
         out.emplace_back(q.s, p.e);
       }
       ++i;
+    }
+  }
+}
+
+bool IsLess(const ZBR_PT3& a, const ZBR_PT3& b) {
+  if (a.x() != b.x()) return a.x() < b.x();
+  return a.y() != b.y() ? a.y() < b.y() : a.z() < b.z();
+}
+
+void AgreeOnPoints(Intervals& list, std::span<ZBR_HL_INTERVAL> left) {
+  const auto agree = [](ZBR_HL_INTERVAL::PT_LIN& a, ZBR_HL_INTERVAL::PT_LIN& b) {
+    if (a.t == b.t) a.pt = b.pt = IsLess(a.pt, b.pt) ? ZBR_PT3(a.pt) : ZBR_PT3(b.pt);
+  };
+  for (ZBR_HL_INTERVAL& r : left) {
+    for (ZBR_HL_INTERVAL& v : list) {
+      agree(r.s, v.s);
+      agree(r.e, v.e);
     }
   }
 }
@@ -87,6 +104,18 @@ int BeforeRange(double a0, double a1, double b0, double b1, double eps, double& 
 }
 
 }  // namespace
+
+void zbr::Intersect(Intervals& list, std::span<ZBR_HL_INTERVAL> left, Intervals& work) {
+  AgreeOnPoints(list, left);
+  if (IsWholeEdge(list)) {
+    list.assign(left.begin(), left.end());
+  } else {
+    work.clear();
+    Overlaps(list, left, t_tolerance.eps, work);
+    list.assign(work.begin(), work.end());  // not swapped: the lists of edges are many, and keep no spare room
+  }
+  zbrIntervalOptimize(list);
+}
 
 int zbrIntervalIntersection(Intervals& a, const Intervals& b, Intervals& work) {
   if (&work == &a || &work == &b) {

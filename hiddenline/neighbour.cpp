@@ -56,9 +56,7 @@ void WallByFace(ZBR_HL_TRI& self, int i) {
 
 bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet) {
   if (KeepsLine(o, k, self)) self.SetEdgeUnavailable(i);
-  // Where both run the same way round in projection they lie on opposite sides of the shared edge.
-  const bool sameWay = SamePoint(self.pt[i], o.pt[k], t_tolerance.eps2);
-  if (sameWay == (self.clockwise != o.clockwise)) return true;  // GoesOn
+  if (ContinuesAt(self, i, o, k)) return true;  // GoesOn
   const int third = (i + 2) % 3;
   const double d = o.normal.distance(self.pt[third]);
   // FoldsFlat, where the sign of d means nothing: the planes are compared as of any two triangles, and lines in a common plane

@@ -134,12 +134,6 @@ void Outside(const ZBR_HL_TRI& self, const Stretch& stretch, const ZBR_HL_TRI& o
   OutsideSidesAtApex(stretch, apex, o, out);
 }
 
-// Whether the boxes of the edge p-q and of o are farther apart than eps in x or in y.
-bool AreApart(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o, double eps) {
-  return std::min(p.x(), q.x()) > o.max_x + eps || o.min_x > std::max(p.x(), q.x()) + eps ||
-         std::min(p.y(), q.y()) > o.max_y + eps || o.min_y > std::max(p.y(), q.y()) + eps;
-}
-
 // An edge with one end in front of o and the other behind.
 void VisiblePartsAcross(const ZBR_HL_TRI& self, const ZBR_HL_INTERVAL& whole, bool startInFront, const ZBR_HL_TRI& o,
                         Intervals& out, const Scratch& lists) {
@@ -152,25 +146,6 @@ void VisiblePartsAcross(const ZBR_HL_TRI& self, const ZBR_HL_INTERVAL& whole, bo
   } else {
     out.emplace_back(cut, whole.e);
     Outside(self, {whole.s, cut, true, false}, o, out, lists);
-  }
-}
-
-bool IsLess(const ZBR_PT3& a, const ZBR_PT3& b) {
-  if (a.x() != b.x()) return a.x() < b.x();
-  return a.y() != b.y() ? a.y() < b.y() : a.z() < b.z();
-}
-
-// Two triangles that share a side cut an edge at one parameter, yet the points computed from each may differ in the last bit. Both
-// lists then get the smaller one, lest the order in which triangles are taken decide.
-void AgreeOnPoints(Intervals& list, Intervals& result) {
-  const auto agree = [](PtLin& a, PtLin& b) {
-    if (a.t == b.t) a.pt = b.pt = IsLess(a.pt, b.pt) ? ZBR_PT3(a.pt) : ZBR_PT3(b.pt);
-  };
-  for (ZBR_HL_INTERVAL& r : result) {
-    for (ZBR_HL_INTERVAL& v : list) {
-      agree(r.s, v.s);
-      agree(r.e, v.e);
-    }
   }
 }
 
@@ -205,7 +180,7 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
   const ZBR_PT3& q = self.pt[(i + 1) % 3];
   const ZBR_HL_INTERVAL whole(p, q, 0.0, 1.0);
   out.clear();
-  const bool outOfReach = o.IsTriInvalid() || std::min(p.z(), q.z()) > o.max_z || AreApart(p, q, o, t_tolerance.eps);
+  const bool outOfReach = o.IsTriInvalid() || IsOutOfReach(p, q, o, t_tolerance.eps);
   const bool inFront = o.IsTriVertical() ? on != 3 : front == 3 || (front != 0 && on != 0);
   if (outOfReach || inFront) {
     out.push_back(whole);
@@ -222,12 +197,11 @@ void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, co
   zbrIntervalOptimize(out);
 }
 
-bool NarrowEdge(ZBR_HL_TRI& self, int i, Intervals& result, Intervals& work) {
+bool NarrowEdge(ZBR_HL_TRI& self, int i, std::span<ZBR_HL_INTERVAL> left, Intervals& work) {
   Intervals& list = self.intvl_v[i];
-  if (IsWholeEdge(result)) return !list.empty();
-  AgreeOnPoints(list, result);
-  zbrIntervalIntersection(list, result, work);
-  zbrIntervalOptimize(list);
+  if (list.empty()) return false;
+  if (IsWholeEdge(left)) return true;
+  Intersect(list, left, work);
   if (!list.empty()) return true;
   self.SetEdgeUnavailable(i);
   return false;

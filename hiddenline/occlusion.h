@@ -2,10 +2,13 @@
 #pragma once
 
 #include <algorithm>
+#include <span>
 
 #include <zbr/hidden_line.h>
 
 #include "core/constants.h"
+#include "core/spatial_inline.h"
+#include "core/tolerance_state.h"
 #include "hiddenline/interval.h"
 
 namespace zbr {
@@ -60,7 +63,15 @@ class ShellLists {
 
 // The two halves of CheckTriangle: states, with empty lists of intervals; then the intervals of the edges that are to be drawn.
 void Classify(ZBR_HL_TRI& t);
-void GiveIntervals(ZBR_HL_TRI& t);
+// But those of the edges in the mask.
+void GiveIntervals(ZBR_HL_TRI& t, unsigned except = 0);
+
+// Whether a classified triangle has an edge that gets intervals.
+inline bool Draws(const ZBR_HL_TRI& t) {
+  bool draws = false;
+  for (int i = 0; i < 3; ++i) draws = draws || (t.edge_state[i] == kGeneral && t.dispj[i]);
+  return draws;
+}
 
 // The two ends of edge i as a mask, from a mask over the vertices.
 inline unsigned EdgeMask(unsigned vertices, int i) {
@@ -69,7 +80,13 @@ inline unsigned EdgeMask(unsigned vertices, int i) {
 
 // Whether o, which has the coincident edge k, draws it and comes first, so that self leaves the line to it.
 inline bool KeepsLine(const ZBR_HL_TRI& o, int k, const ZBR_HL_TRI& self) {
-  return o.dispj[k] && self.ToHide(o, k);
+  return o.dispj[k] && o.edge_state[k] == kGeneral && self.idx >= o.idx && self.shell_idx >= o.shell_idx;  // as ToHide has it
+}
+
+// Whether two faces that share an edge, i of self and k of o, lie on opposite sides of it in projection: both then run the same way
+// round.
+inline bool ContinuesAt(const ZBR_HL_TRI& self, int i, const ZBR_HL_TRI& o, int k) {
+  return SamePoint(self.pt[i], o.pt[k], t_tolerance.eps2) == (self.clockwise != o.clockwise);
 }
 
 // The vertices of t in front of, on and behind o's plane (as its normal points), where on it means within `contact`.
@@ -80,8 +97,14 @@ ZBR_HL_POS_BIT PositionsAgainst(const ZBR_HL_TRI& t, const ZBR_HL_TRI& o, double
 void VisibleParts(const ZBR_HL_TRI& self, int i, unsigned front, unsigned on, const ZBR_HL_TRI& o, Intervals& out,
                   const Scratch& lists);
 
-// Intersects the list of edge i with `result`, which is consumed. False when nothing is left of the edge.
-bool NarrowEdge(ZBR_HL_TRI& self, int i, Intervals& result, Intervals& work);
+// Intersects the list of edge i with what is left of the edge, which is consumed. False when nothing of it stays.
+bool NarrowEdge(ZBR_HL_TRI& self, int i, std::span<ZBR_HL_INTERVAL> left, Intervals& work);
+
+// Whether the edge p-q lies above o, or its box and that of o are farther apart than eps in x or in y.
+inline bool IsOutOfReach(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o, double eps) {
+  return std::min(p.z(), q.z()) > o.max_z || std::min(p.x(), q.x()) > o.max_x + eps || o.min_x > std::max(p.x(), q.x()) + eps ||
+         std::min(p.y(), q.y()) > o.max_y + eps || o.min_y > std::max(p.y(), q.y()) + eps;
+}
 
 // The rules for stretches on the projected line of an edge of o (coplanar.cpp). Each returns the size of out.
 int BesideVertical(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o, Intervals& out,

@@ -61,12 +61,6 @@ class Checker {
   bool number_;
 };
 
-bool Draws(const ZBR_HL_TRI& t) {
-  bool draws = false;
-  for (int i = 0; i < 3; ++i) draws = draws || (t.edge_state[i] == kGeneral && t.dispj[i]);
-  return draws;
-}
-
 // Returns what the triangles lie within.
 Bounds CheckAll(ZBR_HL_SHELL& shell, const Sharing& sharing, std::vector<char>* draws) {
   if (draws != nullptr) draws->resize(shell.count);

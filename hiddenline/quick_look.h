@@ -51,12 +51,16 @@ class QuickLook {
     return !IsBeside(o);
   }
 
+  // Of the triangle last asked about, which can hide something: the vertex that the line of the edge clearly parts from the two
+  // others, on whichever side of it those are; -1 where that is not clear.
+  int apex() const { return apex_; }
+
   // Of the triangle last asked about, which can hide something: whether all of that is clearly hidden already, so that the full
   // rule would leave the visible parts as they are. The line of the edge has to cross two of its sides clearly, and in between is
   // all that it can hide. As the rule decides within the tolerance on which side of a side's line an end lies, it is up to the
   // tolerance wrong across that line, and along the edge more, the less the two are inclined.
   bool IsHiddenAlready(const ZBR_HL_TRI& o, const Intervals& visible) const {
-    if (apex_ < 0 || !IsOfUsualSize(o)) return false;
+    if (apex_ < 0 || IsWholeEdge(visible)) return false;
     const ZBR_PT& a = o.pt[apex_].xy();
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
@@ -115,7 +119,7 @@ class QuickLook {
     if (off != 3) return false;
     const int apex = sides[0] == sides[1] ? 2 : sides[0] == sides[2] ? 1 : 0;
     if (IsBeyondApex(o, apex)) return true;
-    apex_ = apex;
+    if (IsOfUsualSize(o)) apex_ = apex;
     return false;
   }
 

@@ -187,12 +187,11 @@ class Remover {
   }
 
   void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {
-    if (states_[i].isBare) {
-      for (unsigned k = range.begin; k < range.end; ++k) zbr::GiveIntervals(shells_[i].tris[range.At(k)]);
-    }
     by.shells.assign(1, &shells_[i]);
     by.search = nullptr;
+    by.isBare = states_[i].isBare;
     states_[i].pairs += zbr::HideTriangles(shells_[i], range, by, lists);
+    by.isBare = false;
   }
 
   ZBR_HL_SHELL* shells_;

@@ -141,13 +141,9 @@ void PrepareWhole(ZBR_HL_SHELL& shell) {
 void HideInItself(ZBR_HL_SHELL& shell) {
   if (shell.done) return;
   if (shell.count != 0) {
-    if (shell.prepared) {
-      shell.BuildQuad();
-    } else {
-      PrepareWhole(shell);
-      if (!shell.quad_built) BuildQuadOf(shell);
-    }
-    Occluding itself{{&shell}};
+    Occluding itself{{&shell}, nullptr, !shell.prepared};
+    if (!shell.prepared) PrepareShell(shell, Sharing());
+    if (!shell.quad_built && shell.occluders != nullptr) BuildQuadOf(shell);
     HideShell(shell, itself);
   }
   shell.prepared = false;
