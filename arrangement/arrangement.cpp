@@ -59,38 +59,98 @@ void EdgeCutter::NumberVertices() {
 
 // Lines that came to lie on each other become one piece.
 void EdgeCutter::MergeLines() {
-  const auto from = [this](std::uint32_t line) { return number_[lines_[line].from]; };
-  const auto to = [this](std::uint32_t line) { return number_[lines_[line].to]; };
-  std::vector<std::uint32_t> begin(out_.nodes_.size() + 1, 0);  // of the lines from each vertex
-  for (std::uint32_t i = 0; i < lines_.size(); ++i) ++begin[from(i) + 1];
+  // The chains are counted after the lines.
+  const auto lines = static_cast<std::uint32_t>(lines_.size());
+  const auto count = static_cast<std::uint32_t>(lines + chains_.size());
+  const auto from = [&](std::uint32_t i) { return number_[i < lines ? lines_[i].from : chains_[i - lines].from]; };
+  const auto after = [&](std::uint32_t i) { return i < lines ? out_.nodes_[number_[lines_[i].to]] : chains_[i - lines].after; };
+  std::vector<std::uint32_t> begin(out_.nodes_.size() + 1, 0);  // of what leaves each vertex
+  for (std::uint32_t i = 0; i < count; ++i) ++begin[from(i) + 1];
   std::partial_sum(begin.begin(), begin.end(), begin.begin());
-  std::vector<std::uint32_t> order(lines_.size());
+  std::vector<std::uint32_t> order(count);
   std::vector<std::uint32_t> place(begin.begin(), begin.end() - 1);
-  for (std::uint32_t i = 0; i < lines_.size(); ++i) order[place[from(i)]++] = i;
-  out_.pieceOfLine_.assign(lines_.size(), Arrangement::kNoPiece);
-  out_.pieces_.reserve(lines_.size());
+  for (std::uint32_t i = 0; i < count; ++i) order[place[from(i)]++] = i;
+  out_.pieceOfLine_.assign(lines, Arrangement::kNoPiece);
+  out_.pieces_.reserve(count);
   for (std::uint32_t v = 0; v < out_.nodes_.size(); ++v) {
     const std::span<std::uint32_t> here = std::span(order).subspan(begin[v], begin[v + 1] - begin[v]);
-    if (here.size() > 1) std::sort(here.begin(), here.end(), [&](std::uint32_t i, std::uint32_t j) { return to(i) < to(j); });
+    if (here.size() > 1)
+      std::sort(here.begin(), here.end(), [&](std::uint32_t i, std::uint32_t j) { return IsBefore(after(i), after(j)); });
     for (std::size_t first = 0; first < here.size();) {
-      const std::uint32_t end = to(here[first]);
+      if (here[first] >= lines) {
+        AddChain(chains_[here[first++] - lines]);
+        continue;
+      }
+      const std::uint32_t end = number_[lines_[here[first]].to];
       std::size_t last = first;
       Winding net;
-      for (; last < here.size() && to(here[last]) == end; ++last) net += lines_[here[last]].net;
+      for (; last < here.size() && here[last] < lines && number_[lines_[here[last]].to] == end; ++last)
+        net += lines_[here[last]].net;
       for (; first < last; ++first) {
         if (!net.IsZero()) out_.pieceOfLine_[here[first]] = static_cast<std::uint32_t>(out_.pieces_.size());
       }
       if (!net.IsZero()) out_.pieces_.push_back({v, end, net});
     }
   }
+  if (!chains_.empty()) out_.chainOf_.resize(out_.pieces_.size(), Arrangement::kNoPiece);
 }
 
-Arrangement::Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care) {
-  if (edges.size() > 0) EdgeCutter(*this, edges, BoxOfRing(edges.points()), resolution, secondOperand).Run(care);
+void EdgeCutter::AddChain(const ChainLine& chain) {
+  out_.chainOf_.resize(out_.pieces_.size(), Arrangement::kNoPiece);
+  out_.chainOf_.push_back(2 * chain.chain + (chain.runsBack ? 1 : 0));
+  out_.pieces_.push_back({number_[chain.from], number_[chain.to], chain.net});
+}
+
+Arrangement::Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care)
+    : grid_(BoxOfRing(edges.points()), resolution.step) {
+  if (edges.size() > 0) EdgeCutter(*this, edges, resolution, secondOperand, {}).Run(care);
+}
+
+Arrangement::Arrangement(const EdgePoints& edges, const ClearChains& chains, const NodeGrid& grid, const Resolution& resolution,
+                         std::size_t secondOperand, Care care)
+    : grid_(grid), chainPoints_(edges.points()), chains_(chains.list) {
+  EdgePoints others(edges, chains.others);
+  std::vector<ChainLine> lines;
+  lines.reserve(chains.list.size());
+  const auto operandOf = [&](std::uint32_t edge) { return edge < secondOperand ? Winding{{1, 0}} : Winding{{0, 1}}; };
+  std::uint32_t end = ClearChain::kNoTwin;  // of the last chain, and its place among the points
+  std::uint32_t last = 0;
+  for (std::uint32_t c = 0; c < chains_.size(); ++c) {
+    const ClearChain& chain = chains_[c];
+    Winding net = operandOf(chain.first);
+    if (chain.twin != ClearChain::kNoTwin) net += chain.twinRunsBack ? -operandOf(chain.twin) : operandOf(chain.twin);
+    if (net.IsZero()) continue;
+    const auto& points = edges.points();
+    const std::uint32_t first = end == chain.first ? last : others.AddPoint(points[chain.first]);
+    end = edges.To(chain.first + chain.count - 1);
+    last = others.AddPoint(points[end]);
+    const bool runsBack = IsBefore(grid.NodeOf(points[end]), grid.NodeOf(points[chain.first]));
+    const std::uint32_t after = runsBack ? chain.first + chain.count - 1 : edges.To(chain.first);
+    lines.push_back(
+        {c, runsBack ? last : first, runsBack ? first : last, grid.NodeOf(points[after]), runsBack, runsBack ? -net : net});
+  }
+  EdgeCutter(*this, others, resolution, chains.OthersBefore(secondOperand), std::move(lines)).Run(care);
 }
 
 Arrangement::Arrangement(const EdgePoints& edges)
     : Arrangement(edges, Resolution::Coarse(BoxOfRing(edges.points())), edges.size(), Care::kThorough) {}
+
+// Chains go from left to right, so the edge of one that lies above or below the node is found by halving.
+int Arrangement::SideOf(std::uint32_t piece, GridPoint p) const {
+  std::uint32_t first = 0;
+  std::uint32_t last = BendCount(piece);  // p comes after the bends before first, and before the one at last
+  while (first < last) {
+    const std::uint32_t middle = first + (last - first) / 2;
+    if (IsBefore(p, grid_.NodeOf(Bend(piece, middle)))) {
+      last = middle;
+    } else {
+      first = middle + 1;
+    }
+  }
+  const GridPoint from = first == 0 ? nodes_[pieces_[piece].from] : grid_.NodeOf(Bend(piece, first - 1));
+  const GridPoint to = first == BendCount(piece) ? nodes_[pieces_[piece].to] : grid_.NodeOf(Bend(piece, first));
+  return SideSign(from, to, p);
+}
 
 std::uint32_t Arrangement::PieceBetween(std::uint32_t u, std::uint32_t v) const {
   const auto [from, to] = std::minmax(u, v);

@@ -7,6 +7,7 @@
 
 #include <zbr/planar.h>
 
+#include "arrangement/clear_chains.h"
 #include "arrangement/edge_points.h"
 #include "arrangement/grid_point.h"
 #include "arrangement/vertex_set.h"
@@ -27,8 +28,8 @@ struct Winding {
   bool IsZero() const { return (of[0] | of[1]) == 0; }
 };
 
-// A straight piece of an arrangement between two vertices, from < to. `net` counts the edges along it, those that run from `from`
-// to `to` positive, the others negative; it is never zero for both operands.
+// A piece of an arrangement between two vertices, from < to: straight, or the edges of a chain. `net` counts the edges along it,
+// those that run from `from` to `to` positive, the others negative; it is never zero for both operands.
 struct ArrangedPiece {
   std::uint32_t from;
   std::uint32_t to;
@@ -54,16 +55,42 @@ class Arrangement {
   Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care);
   // Of one operand, on the coarse grid.
   explicit Arrangement(const EdgePoints& edges);
+  // On the given grid, the edges of chains uncut. Only the other edges have numbers, by their place among these. `edges` and
+  // `chains` must outlive the arrangement.
+  Arrangement(const EdgePoints& edges, const ClearChains& chains, const NodeGrid& grid, const Resolution& resolution,
+              std::size_t secondOperand, Care care);
 
   // By vertex: its place on the grid, and its true point.
   const std::vector<GridPoint>& nodes() const { return nodes_; }
   const std::vector<ZBR_PT>& points() const { return points_; }
   // The grid's step: what is narrower may have become one.
-  double step() const { return step_; }
+  double step() const { return grid_.step(); }
   // The vertex's place on the grid, in the plane; on a fine grid without rounding.
-  ZBR_PT PlaceOf(std::uint32_t vertex) const { return origin_ + nodes_[vertex].Point() * step_; }
-  // Sorted by `from`, then by `to`.
+  ZBR_PT PlaceOf(std::uint32_t vertex) const { return grid_.FromGrid(nodes_[vertex].Point()); }
+  // The same for a point that no other is near.
+  ZBR_PT PlaceOf(const ZBR_PT& p) const { return grid_.FromGrid(grid_.NodeOf(p).Point()); }
+  // Sorted by `from`, then by the node next to it, which is that of `to` but for chains.
   const std::vector<Piece>& pieces() const { return pieces_; }
+
+  // A chain as a piece, null for straight pieces, and whether its edges run from `to` to `from`.
+  const ClearChain* ChainOf(std::uint32_t piece) const { return IsStraight(piece) ? nullptr : &chains_[chainOf_[piece] / 2]; }
+  bool RunsBack(std::uint32_t piece) const { return !IsStraight(piece) && chainOf_[piece] % 2 != 0; }
+  // The points that a piece passes between its ends, from the side of `from`.
+  std::uint32_t BendCount(std::uint32_t piece) const { return IsStraight(piece) ? 0 : ChainOf(piece)->count - 1; }
+  const ZBR_PT& Bend(std::uint32_t piece, std::uint32_t k) const {
+    const ClearChain& chain = *ChainOf(piece);
+    return chainPoints_[chain.first + (RunsBack(piece) ? chain.count - 1 - k : k + 1)];
+  }
+  // The nodes that come after `from` and before `to`.
+  GridPoint After(std::uint32_t piece) const {
+    return BendCount(piece) == 0 ? nodes_[pieces_[piece].to] : grid_.NodeOf(Bend(piece, 0));
+  }
+  GridPoint Before(std::uint32_t piece) const {
+    const std::uint32_t bends = BendCount(piece);
+    return bends == 0 ? nodes_[pieces_[piece].from] : grid_.NodeOf(Bend(piece, bends - 1));
+  }
+  // Of a node between the piece's ends in the order of a sweep: 1 when it lies above the piece, -1 below, 0 on it. Exact.
+  int SideOf(std::uint32_t piece, GridPoint p) const;
 
   // Where an edge of a coarse grid begins and ends.
   struct Ends {
@@ -86,8 +113,9 @@ class Arrangement {
  private:
   friend class EdgeCutter;
 
-  double step_ = 0.0;
-  ZBR_PT origin_;  // the place of node 0, 0
+  bool IsStraight(std::uint32_t piece) const { return chainOf_.empty() || chainOf_[piece] == kNoPiece; }
+
+  NodeGrid grid_;
   std::vector<GridPoint> nodes_;
   std::vector<ZBR_PT> points_;
   std::vector<Piece> pieces_;
@@ -95,6 +123,9 @@ class Arrangement {
   std::vector<std::uint32_t> lineBegin_;    // where the parts of that begin
   std::vector<std::uint32_t> pieceOfLine_;  // which piece such a part is
   std::vector<Ends> ends_;                  // by edge, on a coarse grid
+  std::span<const ZBR_PT> chainPoints_;     // that the chains run along
+  std::span<const ClearChain> chains_;
+  std::vector<std::uint32_t> chainOf_;  // by piece: twice the chain's number, one more when it runs back
 };
 
 // Which edges run along each piece of an arrangement, ascending.

@@ -18,9 +18,8 @@ constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
 class BoundaryTracer {
  public:
-  BoundaryTracer(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, std::span<const std::int8_t> sides,
-                 const SweptPieces& swept)
-      : nodes_(nodes), pieces_(pieces), sides_(sides), swept_(swept) {}
+  BoundaryTracer(const Arrangement& arrangement, std::span<const std::int8_t> sides, const SweptPieces& swept)
+      : arrangement_(arrangement), nodes_(arrangement.nodes()), pieces_(arrangement.pieces()), sides_(sides), swept_(swept) {}
 
   BoundaryRings Run() {
     Link();
@@ -28,13 +27,18 @@ class BoundaryTracer {
     std::vector<bool> walked(pieces_.size(), false);
     for (std::uint32_t start = 0; start < pieces_.size(); ++start) {
       if (sides_[start] == 0 || walked[start]) continue;
-      std::uint32_t piece = start;
-      do {
+      // Only the last edge of a chain that is walked back begins here; the others come last.
+      const bool beginsInChain = sides_[start] < 0 && arrangement_.BendCount(start) > 0;
+      walked[start] = true;
+      if (!beginsInChain) Step(start);
+      std::uint32_t piece = next_[start];
+      for (; piece != start && piece != kNone && !walked[piece]; piece = next_[piece]) {
         walked[piece] = true;
         Step(piece);
-        piece = next_[piece];
-        ZBR_ASSERT(piece != kNone && (piece == start || !walked[piece]));
-      } while (piece != start && piece != kNone && !walked[piece]);
+      }
+      ZBR_ASSERT(piece == start);
+      if (beginsInChain) Step(start);
+      if (beginsInChain) rings_.beginningInChain.push_back(static_cast<std::uint32_t>(rings_.size()));
       TakeRing(0);
     }
     FindParents();
@@ -45,9 +49,17 @@ class BoundaryTracer {
   std::uint32_t Start(std::uint32_t piece) const { return StartOf(pieces_[piece], sides_[piece]); }
   std::uint32_t End(std::uint32_t piece) const { return EndOf(pieces_[piece], sides_[piece]); }
 
+  // The nodes next to these.
+  GridPoint AfterStart(std::uint32_t piece) const {
+    return sides_[piece] > 0 ? arrangement_.After(piece) : arrangement_.Before(piece);
+  }
+  GridPoint BeforeEnd(std::uint32_t piece) const {
+    return sides_[piece] > 0 ? arrangement_.Before(piece) : arrangement_.After(piece);
+  }
+
   // An end of a boundary piece at a vertex.
   struct Arm {
-    GridPoint other;  // the piece's other end
+    GridPoint other;  // the next node along the piece
     std::uint32_t piece;
     bool leaves;
   };
@@ -61,6 +73,7 @@ class BoundaryTracer {
   std::uint32_t ParentOf(std::uint32_t ring);
   std::uint32_t BoundaryBelow(std::uint32_t piece);
 
+  const Arrangement& arrangement_;
   std::span<const GridPoint> nodes_;
   std::span<const ArrangedPiece> pieces_;
   std::span<const std::int8_t> sides_;
@@ -103,9 +116,9 @@ void BoundaryTracer::LinkCrowded(std::vector<std::uint32_t>& arriving) {
     Arm arm;
   };
   std::vector<Touch> touches;
-  for (const std::uint32_t i : arriving) touches.push_back({End(i), {nodes_[Start(i)], i, false}});
+  for (const std::uint32_t i : arriving) touches.push_back({End(i), {BeforeEnd(i), i, false}});
   for (std::uint32_t i = 0; i < pieces_.size(); ++i) {
-    if (sides_[i] != 0 && leaving_[Start(i)] == kCrowded) touches.push_back({Start(i), {nodes_[End(i)], i, true}});
+    if (sides_[i] != 0 && leaving_[Start(i)] == kCrowded) touches.push_back({Start(i), {AfterStart(i), i, true}});
   }
   std::stable_sort(touches.begin(), touches.end(), [](const Touch& a, const Touch& b) { return a.vertex < b.vertex; });
   std::vector<Arm> arms;
@@ -188,7 +201,7 @@ std::uint32_t BoundaryTracer::ParentOf(std::uint32_t ring) {
   }
   const std::uint32_t leaving = pieces[first];
   const std::uint32_t arriving = pieces[first == 0 ? pieces.size() - 1 : first - 1];
-  const bool isOuter = SideSign(nodes_[Start(leaving)], nodes_[End(leaving)], nodes_[Start(arriving)]) > 0;
+  const bool isOuter = SideSign(nodes_[Start(leaving)], AfterStart(leaving), BeforeEnd(arriving)) > 0;
   if (isOuter) return BoundaryRings::kOuter;
   const std::uint32_t below = BoundaryBelow(arriving);
   ZBR_ASSERT(below != kNone);
@@ -217,9 +230,8 @@ std::uint32_t BoundaryTracer::BoundaryBelow(std::uint32_t piece) {
 
 }  // namespace
 
-BoundaryRings TraceBoundary(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces,
-                            std::span<const std::int8_t> sides, const SweptPieces& swept) {
-  return BoundaryTracer(nodes, pieces, sides, swept).Run();
+BoundaryRings TraceBoundary(const Arrangement& arrangement, std::span<const std::int8_t> sides, const SweptPieces& swept) {
+  return BoundaryTracer(arrangement, sides, swept).Run();
 }
 
 }  // namespace zbr

@@ -17,6 +17,9 @@ struct BoundaryRings {
   std::vector<std::uint32_t> pieces;  // of all rings, one ring after the other
   std::vector<std::uint32_t> ends;    // of the rings in `pieces`
   std::vector<std::uint32_t> parent;  // of a hole the ring that it lies directly in, kOuter for outer rings
+  // Rings that begin within their last piece, a chain, with its last edge: where a walk over the edges begins, at the first of
+  // them, this is in its middle. Ascending.
+  std::vector<std::uint32_t> beginningInChain;
 
   std::size_t size() const { return ends.size(); }
   std::span<const std::uint32_t> ring(std::size_t i) const {
@@ -29,8 +32,7 @@ struct BoundaryRings {
 // when p does not bound it. The rings pass no vertex twice and do not cross; two may touch at vertices, but never so that the
 // inside of an outer ring with its holes falls apart: they are polygons as geometry exchange wants them. Linear but for the
 // sorting of what meets at one vertex.
-BoundaryRings TraceBoundary(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces,
-                            std::span<const std::int8_t> sides, const SweptPieces& swept);
+BoundaryRings TraceBoundary(const Arrangement& arrangement, std::span<const std::int8_t> sides, const SweptPieces& swept);
 
 // Where a piece of a boundary starts and ends when the region is to lie on its left.
 inline std::uint32_t StartOf(const ArrangedPiece& piece, std::int8_t side) {

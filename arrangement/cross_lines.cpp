@@ -57,7 +57,7 @@ std::uint32_t EdgeCutter::Cross(const CutLine& a, const CutLine& b) {
   const double t = share.ToDouble() / whole.ToDouble();
   const GridPoint node = {RoundedPlace(p.x, q.x - p.x, share, whole, t), RoundedPlace(p.y, q.y - p.y, share, whole, t)};
   const ZBR_PT place = p.Point() + (q.Point() - p.Point()) * t;
-  return vertices_.OnNode(node, isFine_ ? vertices_.FromGrid(node.Point()) : TrueCrossing(a, b, place));
+  return vertices_.OnNode(node, isFine_ ? grid_.FromGrid(node.Point()) : TrueCrossing(a, b, place));
 }
 
 // A crossing on an edge that is parallel to an axis has that edge's coordinate, to the bit, and not that of its node.
@@ -75,7 +75,7 @@ void EdgeCutter::AlignCrossings(std::uint32_t firstCrossing) {
       at = ZBR_PT(p.x() == q.x() ? std::min(at.x(), p.x()) : at.x(), p.y() == q.y() ? std::min(at.y(), p.y()) : at.y());
     }
   }
-  const auto nearer = [&](double to, double from) { return std::fabs(to - from) <= vertices_.step() ? to : from; };
+  const auto nearer = [&](double to, double from) { return std::fabs(to - from) <= grid_.step() ? to : from; };
   for (std::uint32_t v = firstCrossing; v < vertices_.size(); ++v) {
     const ZBR_PT& p = vertices_.point(v);
     const ZBR_PT& to = aligned[v - firstCrossing];
@@ -93,9 +93,9 @@ ZBR_PT EdgeCutter::TrueCrossing(const CutLine& a, const CutLine& b, const ZBR_PT
   const ZBR_PT d = vertices_.point(first.to) - p;
   const ZBR_PT e = vertices_.point(second.to) - r;
   const ZBR_PT point = p + d * ((r - p).OuterProduct(e) / d.OuterProduct(e));
-  const ZBR_PT off = vertices_.ToGrid(point) - place;
+  const ZBR_PT off = grid_.ToGrid(point) - place;
   const bool isNear = std::fabs(off.x()) <= kNear && std::fabs(off.y()) <= kNear;  // false for NaN
-  return isNear ? point : vertices_.FromGrid(place);
+  return isNear ? point : grid_.FromGrid(place);
 }
 
 }  // namespace zbr

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "arrangement/arrangement.h"
@@ -25,16 +26,28 @@ struct CutLine {
   std::uint32_t origin;  // the line that it was cut from in the first place
 };
 
+// A chain on the way to being a piece.
+struct ChainLine {
+  std::uint32_t chain;
+  std::uint32_t from;  // as a place among points, then as a vertex
+  std::uint32_t to;
+  GridPoint after;  // the node next to that of `from`
+  bool runsBack;
+  Winding net;  // from `from` to `to`
+};
+
 class EdgeCutter {
  public:
-  EdgeCutter(Arrangement& out, const EdgePoints& edges, const Box& box, const Resolution& resolution, std::size_t secondOperand)
+  // Chains come with their ends among the points.
+  EdgeCutter(Arrangement& out, const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand,
+             std::vector<ChainLine> chains)
       : out_(out),
         edges_(edges),
         isFine_(resolution.reach > kCoarseReach * resolution.step),
-        vertices_(box, resolution, edges.size() / (isFine_ ? kPointsPerCrowded : kEdgesPerVertex) + 16),
-        reach_(resolution.reach / resolution.step) {
-    out_.step_ = vertices_.step();
-    out_.origin_ = vertices_.FromGrid({});
+        grid_(out.grid_),
+        vertices_(grid_, resolution, edges.size() / (isFine_ ? kPointsPerCrowded : kEdgesPerVertex) + 16),
+        reach_(resolution.reach / resolution.step),
+        chains_(std::move(chains)) {
     MakeLines(secondOperand);
     SortLines();
     FreeLarge(edgeOfLine_);
@@ -58,6 +71,7 @@ class EdgeCutter {
 
   void NumberVertices();
   void MergeLines();
+  void AddChain(const ChainLine& chain);
 
   // make_lines.cpp
   void MakeVertices();  // fills vertexOf_
@@ -113,8 +127,10 @@ class EdgeCutter {
   Arrangement& out_;
   const EdgePoints& edges_;
   bool isFine_;  // so that every node is itself a point to stand for
+  NodeGrid grid_;
   VertexSet vertices_;
   double reach_;  // in steps
+  std::vector<ChainLine> chains_;
   LeaningFrame frame_;
   std::vector<std::uint32_t> vertexOf_;    // by point
   std::vector<std::uint32_t> edgeOfLine_;  // the first, before the lines are cut

@@ -26,6 +26,12 @@ EdgePoints::EdgePoints(std::span<const DirectedEdge> edges) {
   Join([&](std::uint32_t i) { return edges[i].to; });
 }
 
+EdgePoints::EdgePoints(const EdgePoints& all, std::span<const std::uint32_t> chosen) {
+  points_.reserve(chosen.size() + chosen.size() / 8);
+  for (const std::uint32_t edge : chosen) points_.push_back(all.points()[edge]);
+  Join([&](std::uint32_t i) { return all[chosen[i]].to; });
+}
+
 EdgePoints::EdgePoints(std::span<const RingSpan> rings) {
   points_.reserve(CountPoints(rings));
   for (const RingSpan& ring : rings) points_.insert(points_.end(), ring.begin(), ring.end());

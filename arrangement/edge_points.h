@@ -22,6 +22,14 @@ class EdgePoints {
  public:
   explicit EdgePoints(std::span<const DirectedEdge> edges);
   explicit EdgePoints(std::span<const RingSpan> rings);
+  // Some edges of others.
+  EdgePoints(const EdgePoints& all, std::span<const std::uint32_t> chosen);
+
+  // A point of no edge. Returns its place.
+  std::uint32_t AddPoint(const ZBR_PT& p) {
+    points_.push_back(p);
+    return static_cast<std::uint32_t>(points_.size() - 1);
+  }
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(to_.size()); }
   std::uint32_t To(std::uint32_t edge) const { return to_[edge]; }

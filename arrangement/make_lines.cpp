@@ -40,6 +40,12 @@ void EdgeCutter::MakeVertices() {
       if (vertexOf_[point] == kNoVertex) vertexOf_[point] = vertices_.At(points[point]);
     }
   }
+  for (ChainLine& chain : chains_) {
+    for (std::uint32_t* end : {&chain.from, &chain.to}) {
+      if (vertexOf_[*end] == kNoVertex) vertexOf_[*end] = vertices_.At(points[*end]);
+      *end = vertexOf_[*end];
+    }
+  }
 }
 
 // Which edges may have another one between the same vertices. Not those with an end that no other point shares, unless the edges

@@ -57,14 +57,21 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
       width_(width),
       edges_(rings),
       resolution_(Resolution::Fine(BoxOfRings(rings), tolerance)),
-      arrangement_(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kQuick),
-      swept_(SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kQuick)) {
+      grid_(BoxOfRings(rings), resolution_.step),
+      chains_(FindClearChains(edges_, grid_, resolution_)),
+      arrangement_(Arranged(CountPoints(rings.first(secondOperand)), Arrangement::Care::kQuick)),
+      swept_(SweepWindings(arrangement_, Arrangement::Care::kQuick)) {
   if (!swept_.isPlanar) {
-    arrangement_ = Arrangement(edges_, resolution_, CountPoints(rings.first(secondOperand)), Arrangement::Care::kThorough);
-    swept_ = SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kThorough);
+    arrangement_ = Arranged(CountPoints(rings.first(secondOperand)), Arrangement::Care::kThorough);
+    swept_ = SweepWindings(arrangement_, Arrangement::Care::kThorough);
     swept_.isNear = true;
   }
-  along_ = EdgesAlong(arrangement_, edges_.size());
+  along_ = EdgesAlong(arrangement_, chains_.empty() ? edges_.size() : chains_.others.size());
+}
+
+Arrangement Overlay::Arranged(std::size_t secondOperand, Arrangement::Care care) const {
+  if (chains_.empty()) return {edges_, resolution_, secondOperand, care};
+  return {edges_, chains_, grid_, resolution_, secondOperand, care};
 }
 
 // Makes points, rings and polygons of traced boundaries.
@@ -74,7 +81,7 @@ class Overlay::Assembler {
       : overlay_(overlay),
         pieces_(overlay.arrangement_.pieces()),
         sides_(std::move(sides)),
-        rings_(TraceBoundary(overlay.arrangement_.nodes(), pieces_, sides_, overlay.swept_)),
+        rings_(TraceBoundary(overlay.arrangement_, sides_, overlay.swept_)),
         withSources_(withSources),
         onGrid_(points == Points::kOfGrid) {
     CountTouches();
@@ -121,7 +128,7 @@ class Overlay::Assembler {
   }
 
   // Narrows what the border has run along since its last corner to what it runs along in the next piece as well. False when it
-  // turns before that piece.
+  // turns before that piece, as it does at the ends of chains, whose edges are not among those.
   bool GoesOn(std::uint32_t next) {
     if (passes_[Start(next)] != 1 || onGrid_) return false;
     const std::span<const std::uint32_t> sources = overlay_.along_[next];
@@ -177,23 +184,62 @@ class Overlay::Assembler {
   bool AddRing(std::uint32_t r) {
     const std::span<const std::uint32_t> pieces = rings_.ring(r);
     FindCorners(pieces);
+    beginsInChain_ = std::binary_search(rings_.beginningInChain.begin(), rings_.beginningInChain.end(), r);
+    begin_ = region_.points.size();
+    AddPoints(pieces);
     const bool isHole = rings_.parent[r] != BoundaryRings::kOuter;
-    if (IsNarrow(pieces) && !(isHole && onGrid_)) {
+    if (IsNarrow() && !(isHole && onGrid_)) {
       if (isHole) longestDropped_ = std::max(longestDropped_, perimeter_);
+      region_.points.resize(begin_);
       return false;
     }
     if (!isHole) shortestOuter_ = std::min(shortestOuter_, perimeter_);
-    for (std::size_t c = 0; c < corners_.size(); ++c) {
-      region_.points.push_back(PointAt(pieces[corners_[c]]));
-      if (withSources_) AddSources(pieces, c);
-      const std::uint32_t nextPiece = pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]];
-      NoteCrowded(Start(pieces[corners_[c]]), Start(nextPiece));
-      const ZBR_PT next = PointAt(nextPiece);
-      NoteLeftOut(pieces, c, {region_.points.back(), next});
-      hasShortEdge_ = hasShortEdge_ || region_.points.back().Distance2(next) <= overlay_.tolerance_ * overlay_.tolerance_;
-    }
+    LookAtEdges(pieces);
+    if (withSources_) AddSources(pieces);
     region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size()));
     return true;
+  }
+
+  void AddPoints(std::span<const std::uint32_t> pieces) {
+    const Arrangement& arrangement = overlay_.arrangement_;
+    const auto add = [&](const ZBR_PT& p) { region_.points.push_back(onGrid_ ? arrangement.PlaceOf(p) : p); };
+    // The k-th in walking order.
+    const auto bend = [&](std::uint32_t piece, std::uint32_t k) {
+      return arrangement.Bend(piece, sides_[piece] > 0 ? k : arrangement.BendCount(piece) - 1 - k);
+    };
+    if (beginsInChain_) add(bend(pieces.back(), arrangement.BendCount(pieces.back()) - 1));
+    for (const std::uint32_t corner : corners_) {
+      const std::uint32_t piece = pieces[corner];
+      region_.points.push_back(PointAt(piece));
+      const std::uint32_t bends = arrangement.BendCount(piece) - (beginsInChain_ && corner + 1 == pieces.size() ? 1 : 0);
+      for (std::uint32_t k = 0; k < bends; ++k) add(bend(piece, k));
+    }
+  }
+
+  // Calls visit(c, from) for each corner, `from` being the place of the edge that begins there among all points.
+  template <class Visit>
+  void ForEachCorner(std::span<const std::uint32_t> pieces, Visit visit) const {
+    std::size_t from = begin_ + (beginsInChain_ ? 1 : 0);
+    for (std::size_t c = 0; c < corners_.size(); ++c) {
+      visit(c, from);
+      from += overlay_.arrangement_.BendCount(pieces[corners_[c]]) + 1;
+    }
+  }
+
+  // The edge of the ring in work that begins at a point.
+  DirectedEdge EdgeFrom(std::size_t from) const {
+    return {region_.points[from], region_.points[from + 1 < region_.points.size() ? from + 1 : begin_]};
+  }
+
+  // The edges of chains are long, alone, and as they were.
+  void LookAtEdges(std::span<const std::uint32_t> pieces) {
+    ForEachCorner(pieces, [&](std::size_t c, std::size_t from) {
+      if (overlay_.arrangement_.BendCount(pieces[corners_[c]]) > 0) return;
+      NoteCrowded(Start(pieces[corners_[c]]), Start(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]));
+      const DirectedEdge edge = EdgeFrom(from);
+      NoteLeftOut(pieces, c, edge);
+      hasShortEdge_ = hasShortEdge_ || edge.from.Distance2(edge.to) <= overlay_.tolerance_ * overlay_.tolerance_;
+    });
   }
 
   // What was left out between corner c and the next. The edge is held against it as it is in the result: its ends may lie off the
@@ -218,15 +264,15 @@ class Overlay::Assembler {
   }
 
   // The area of a narrow ring is its width times half the way around it. In steps of the grid, where nothing under- or overflows.
-  bool IsNarrow(std::span<const std::uint32_t> pieces) {
+  bool IsNarrow() {
     perimeter_ = 0.0;
-    if (corners_.size() < 3) return true;
+    const RingSpan ring = std::span(region_.points).subspan(begin_);
+    if (ring.size() < 3) return true;
     const double perStep = 1.0 / overlay_.arrangement_.step();
-    const ZBR_PT origin = PointAt(pieces[corners_[0]]);
     double twiceArea = 0.0;
     ZBR_PT p;
-    for (std::size_t c = 0; c < corners_.size(); ++c) {
-      const ZBR_PT q = (PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]) - origin) * perStep;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      const ZBR_PT q = (ring[i + 1 < ring.size() ? i + 1 : 0] - ring[0]) * perStep;
       twiceArea += Cross(p, q);
       perimeter_ += p.Distance(q);
       p = q;
@@ -234,15 +280,37 @@ class Overlay::Assembler {
     return !(std::fabs(twiceArea) > overlay_.width_ * perStep * perimeter_);
   }
 
-  // Of the edge from corner c to the next: the input edges that run along the whole of it.
-  void AddSources(std::span<const std::uint32_t> pieces, std::size_t c) {
-    const ZBR_PT from = PointAt(pieces[corners_[c]]);
-    const ZBR_PT to = PointAt(pieces[corners_[c + 1 < corners_.size() ? c + 1 : 0]]);
-    for (std::uint32_t k = c == 0 ? 0 : runEnds_[c - 1]; k < runEnds_[c]; ++k) {
-      const DirectedEdge e = overlay_.edges_[runSources_[k]];
-      region_.sources.push_back({runSources_[k], ParameterOn(e, from), ParameterOn(e, to)});
-    }
+  // Of the edges of the ring: the input edges that run along the whole of each.
+  void AddSources(std::span<const std::uint32_t> pieces) {
+    if (beginsInChain_) AddSourcesOfChain(pieces.back(), overlay_.arrangement_.BendCount(pieces.back()), begin_);
+    ForEachCorner(pieces, [&](std::size_t c, std::size_t from) {
+      const std::uint32_t piece = pieces[corners_[c]];
+      if (const ClearChain* const chain = overlay_.arrangement_.ChainOf(piece); chain != nullptr) {
+        const std::uint32_t edges = chain->count - (beginsInChain_ && corners_[c] + 1 == pieces.size() ? 1 : 0);
+        for (std::uint32_t k = 0; k < edges; ++k) AddSourcesOfChain(piece, k, from + k);
+        return;
+      }
+      for (std::uint32_t k = c == 0 ? 0 : runEnds_[c - 1]; k < runEnds_[c]; ++k) {
+        const auto& others = overlay_.chains_.others;
+        AddSource(others.empty() ? runSources_[k] : others[runSources_[k]], from);
+      }
+      region_.sourceEnds.push_back(static_cast<std::uint32_t>(region_.sources.size()));
+    });
+  }
+
+  // Of the chain's k-th edge in walking order.
+  void AddSourcesOfChain(std::uint32_t piece, std::uint32_t k, std::size_t from) {
+    const ClearChain& chain = *overlay_.arrangement_.ChainOf(piece);
+    const std::uint32_t place = (sides_[piece] > 0) != overlay_.arrangement_.RunsBack(piece) ? k : chain.count - 1 - k;
+    AddSource(chain.first + place, from);
+    if (chain.twin != ClearChain::kNoTwin) AddSource(chain.TwinOf(place), from);
     region_.sourceEnds.push_back(static_cast<std::uint32_t>(region_.sources.size()));
+  }
+
+  void AddSource(std::uint32_t edge, std::size_t from) {
+    const DirectedEdge source = overlay_.edges_[edge];
+    const DirectedEdge result = EdgeFrom(from);
+    region_.sources.push_back({edge, ParameterOn(source, result.from), ParameterOn(source, result.to)});
   }
 
   const Overlay& overlay_;
@@ -253,6 +321,8 @@ class Overlay::Assembler {
   bool onGrid_;
   bool straightened_ = false;
   bool hasShortEdge_ = false;
+  bool beginsInChain_ = false;   // the ring in work
+  std::size_t begin_ = 0;        // of its points
   double perimeter_ = 0.0;       // of the last ring, in steps
   double longestDropped_ = 0.0;  // of narrow holes
   double shortestOuter_ = std::numeric_limits<double>::infinity();

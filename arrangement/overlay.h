@@ -32,6 +32,7 @@ class Overlay {
   // Rings from `secondOperand` on belong to the second operand. Points within the tolerance become one; rings that are narrower
   // than `width` on the average are left out of results.
   Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width);
+  Overlay(Overlay&&) = default;  // the arrangement looks at the edges and chains, which keep their places
 
   // The region where `inside` holds.
   FlatRegion Region(const Inside& inside, bool withSources) const;
@@ -52,6 +53,7 @@ class Overlay {
     kNone,      // it is to be arranged once more
   };
 
+  Arrangement Arranged(std::size_t secondOperand, Arrangement::Care care) const;
   FlatRegion Assembled(const Inside& inside, bool withSources, Points points, Rest& rest) const;
   FlatRegion Settled(const FlatRegion& region, Points points, Rest& rest) const;
 
@@ -59,6 +61,8 @@ class Overlay {
   double width_;
   EdgePoints edges_;
   Resolution resolution_;
+  NodeGrid grid_;
+  ClearChains chains_;
   Arrangement arrangement_;
   SweptPieces swept_;
   EdgesAlong along_;

@@ -75,14 +75,11 @@ std::vector<std::uint32_t> SweepOrder(std::span<const GridPoint> nodes) {
   return order;
 }
 
-// The centre is a node of the grid that passes through the origin: then coordinates of few bits keep their places exactly.
-VertexSet::VertexSet(const Box& box, const Resolution& resolution, std::size_t expected)
-    : centre_(std::floor(box.Center().x() / resolution.step) * resolution.step,
-              std::floor(box.Center().y() / resolution.step) * resolution.step),
-      step_(resolution.step),
-      merge_(resolution.merge / resolution.step),
-      byNode_(expected),
-      byCell_(expected) {
+NodeGrid::NodeGrid(const Box& box, double step)
+    : centre_(std::floor(box.Center().x() / step) * step, std::floor(box.Center().y() / step) * step), step_(step) {}
+
+VertexSet::VertexSet(const NodeGrid& grid, const Resolution& resolution, std::size_t expected)
+    : grid_(grid), merge_(resolution.merge / resolution.step), byNode_(expected), byCell_(expected) {
   merge2_ = merge_ * merge_;
   inverseCell_ = 1.0 / (kCellWidth * merge_);
   nodes_.reserve(expected);
@@ -144,7 +141,7 @@ std::uint32_t VertexSet::NearestTo(const ZBR_PT& g) const {
       for (std::uint32_t k = byCell_.First(Hash(x[i], y[j])); k != kNone; k = byCell_.Next(k)) {
         ZBR_COUNT(nodes, 1);
         const std::uint32_t v = sorted_ + k;
-        const double distance2 = ToGrid(points_[v]).Distance2(g);
+        const double distance2 = grid_.ToGrid(points_[v]).Distance2(g);
         if (distance2 < bestDistance2 || (distance2 == bestDistance2 && v < best)) {
           best = v;
           bestDistance2 = distance2;
@@ -156,8 +153,8 @@ std::uint32_t VertexSet::NearestTo(const ZBR_PT& g) const {
 }
 
 std::uint32_t VertexSet::At(const ZBR_PT& p) {
-  const ZBR_PT g = ToGrid(p);
-  const GridPoint node = NodeAt(g);
+  const ZBR_PT g = grid_.ToGrid(p);
+  const GridPoint node = NodeGrid::NodeAt(g);
   if (const std::uint32_t known = Find(node); known != kNone) return known;
   if (const std::uint32_t near = NearestTo(g); near != kNone) {
     FileNode(node, near);
@@ -173,7 +170,7 @@ std::vector<std::uint32_t> VertexSet::AddApart(std::span<const ZBR_PT> points) {
   constexpr std::size_t kPerCrossing = 8;  // points; where crossings are more frequent, there is more to do than to make room
   std::vector<GridPoint> places;
   places.reserve(points.size());
-  for (const ZBR_PT& p : points) places.push_back(NodeAt(ToGrid(p)));
+  for (const ZBR_PT& p : points) places.push_back(grid_.NodeOf(p));
   nodes_.reserve(points.size() + points.size() / kPerCrossing);
   points_.reserve(nodes_.capacity());
   const std::vector<std::uint32_t> order = SweepOrder(places);

@@ -25,6 +25,28 @@ struct Resolution {
   static Resolution Fine(const Box& box, double tolerance);
 };
 
+// Where the grid lies in the plane.
+class NodeGrid {
+ public:
+  NodeGrid() = default;
+  // Over a box. Its centre is a node of the grid that passes through the origin: then coordinates of few bits keep their places
+  // exactly.
+  NodeGrid(const Box& box, double step);
+
+  double step() const { return step_; }
+  // Between points and (fractional) grid coordinates.
+  ZBR_PT ToGrid(const ZBR_PT& p) const { return ZBR_PT((p.x() - centre_.x()) / step_, (p.y() - centre_.y()) / step_); }
+  ZBR_PT FromGrid(const ZBR_PT& g) const { return ZBR_PT(centre_.x() + g.x() * step_, centre_.y() + g.y() * step_); }
+  GridPoint NodeOf(const ZBR_PT& p) const { return NodeAt(ToGrid(p)); }
+  static GridPoint NodeAt(const ZBR_PT& g) { return {Nearest(g.x()), Nearest(g.y())}; }
+
+ private:
+  static double Nearest(double c) { return std::floor(c + 0.5) + 0.0; }
+
+  ZBR_PT centre_;
+  double step_ = 1.0;
+};
+
 // The places of the nodes in the order of a sweep, those of equal nodes ascending. By the upper digits of x first; what they leave
 // undecided is compared.
 std::vector<std::uint32_t> SweepOrder(std::span<const GridPoint> nodes);
@@ -32,7 +54,7 @@ std::vector<std::uint32_t> SweepOrder(std::span<const GridPoint> nodes);
 // Numbered vertices, at most one per grid node, each with the exact point that it stands for.
 class VertexSet {
  public:
-  VertexSet(const Box& box, const Resolution& resolution, std::size_t expected);
+  VertexSet(const NodeGrid& grid, const Resolution& resolution, std::size_t expected);
 
   // Makes vertices of those points that lie apart from all others but those on their own node, in the order of a sweep. Returns the
   // vertex of every point; kNone stands for those that are left to At. To be called first, if at all.
@@ -54,12 +76,7 @@ class VertexSet {
   // Has a vertex stand for another point near its node.
   void SetPoint(std::uint32_t vertex, const ZBR_PT& p) { points_[vertex] = p; }
   const std::vector<GridPoint>& nodes() const { return nodes_; }
-  double step() const { return step_; }
-
-  // Between points and (fractional) grid coordinates.
-  ZBR_PT ToGrid(const ZBR_PT& p) const { return ZBR_PT((p.x() - centre_.x()) / step_, (p.y() - centre_.y()) / step_); }
-  ZBR_PT FromGrid(const ZBR_PT& g) const { return ZBR_PT(centre_.x() + g.x() * step_, centre_.y() + g.y() * step_); }
-  static GridPoint NodeAt(const ZBR_PT& g) { return {Nearest(g.x()), Nearest(g.y())}; }
+  const NodeGrid& grid() const { return grid_; }
 
   static constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
@@ -87,7 +104,6 @@ class VertexSet {
     std::vector<Item> items_;
   };
 
-  static double Nearest(double c) { return std::floor(c + 0.5) + 0.0; }
   static std::uint64_t Hash(double x, double y);
   double CellOf(double c) const { return std::floor(c * inverseCell_); }
   // Beyond that in x or y, points are no one vertex. Vertices are filed by their nodes, half a step beside their points.
@@ -97,8 +113,7 @@ class VertexSet {
   std::uint32_t Add(GridPoint node, const ZBR_PT& p);
   void FileNode(GridPoint node, std::uint32_t vertex);
 
-  ZBR_PT centre_;
-  double step_;
+  NodeGrid grid_;
   double merge2_;       // squared, in steps
   double merge_;        // in steps
   double inverseCell_;  // cells are a few merging distances wide, so that a look-up reads one to four

@@ -16,15 +16,19 @@ namespace {
 
 class WindingSweep {
  public:
-  WindingSweep(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care)
-      : pieces_(pieces), nodes_(nodes), looks_(care == Arrangement::Care::kQuick), status_(pieces.size()) {
-    swept_.below.resize(pieces.size());
-    swept_.under.resize(pieces.size());
-    ending_.resize(pieces.size());
-    std::vector<std::uint32_t> place(nodes.size() + 1, 0);
-    for (const ArrangedPiece& piece : pieces) ++place[piece.to + 1];
+  WindingSweep(const Arrangement& arrangement, Arrangement::Care care)
+      : arrangement_(arrangement),
+        pieces_(arrangement.pieces()),
+        nodes_(arrangement.nodes()),
+        looks_(care == Arrangement::Care::kQuick),
+        status_(pieces_.size()) {
+    swept_.below.resize(pieces_.size());
+    swept_.under.resize(pieces_.size());
+    ending_.resize(pieces_.size());
+    std::vector<std::uint32_t> place(nodes_.size() + 1, 0);
+    for (const ArrangedPiece& piece : pieces_) ++place[piece.to + 1];
     std::partial_sum(place.begin(), place.end(), place.begin());
-    for (std::uint32_t i = 0; i < pieces.size(); ++i) ending_[place[pieces[i].to]++] = {pieces[i].to, i};
+    for (std::uint32_t i = 0; i < pieces_.size(); ++i) ending_[place[pieces_[i].to]++] = {pieces_[i].to, i};
   }
 
   SweptPieces Run() {
@@ -55,12 +59,12 @@ class WindingSweep {
   void SortAround(GridPoint p) {
     if (beginningHere_.size() > 1) {
       std::sort(beginningHere_.begin(), beginningHere_.end(),
-                [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, To(a), To(b)) > 0; });
+                [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, arrangement_.After(a), arrangement_.After(b)) > 0; });
       for (std::size_t i = 1; i < beginningHere_.size(); ++i) Compare(beginningHere_[i - 1], beginningHere_[i]);
     }
     if (endingHere_.size() > 1) {
       std::sort(endingHere_.begin(), endingHere_.end(),
-                [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, From(a), From(b)) < 0; });
+                [&](std::uint32_t a, std::uint32_t b) { return SideSign(p, arrangement_.Before(a), arrangement_.Before(b)) < 0; });
     }
   }
 
@@ -80,6 +84,7 @@ class WindingSweep {
   // Notes when two pieces of the status, the first below the second, cross or touch where they share no vertex.
   void Compare(std::uint32_t lower, std::uint32_t upper) {
     if (!looks_ || lower == SweepStatus::kNone || upper == SweepStatus::kNone) return;
+    if (arrangement_.BendCount(lower) > 0 || arrangement_.BendCount(upper) > 0) return;  // nothing comes near these
     const ArrangedPiece& l = pieces_[lower];
     const ArrangedPiece& u = pieces_[upper];
     bool isFine = true;
@@ -113,7 +118,7 @@ class WindingSweep {
     std::uint32_t under = kNoPieceBelow;
     std::uint32_t lower = SweepStatus::kNone;
     if (endingHere_.empty()) {
-      lower = status_.HighestBelow([&](std::uint32_t piece) { return SideSign(From(piece), To(piece), p) > 0; });
+      lower = status_.HighestBelow([&](std::uint32_t piece) { return arrangement_.SideOf(piece, p) > 0; });
       under = lower;
       if (lower != SweepStatus::kNone) winding = swept_.below[lower] + pieces_[lower].net;
     } else {
@@ -142,6 +147,7 @@ class WindingSweep {
     Compare(lower, status_.Above(lower));
   }
 
+  const Arrangement& arrangement_;
   std::span<const ArrangedPiece> pieces_;
   std::span<const GridPoint> nodes_;
   bool looks_;  // for pieces that cross
@@ -154,13 +160,13 @@ class WindingSweep {
 
 }  // namespace
 
-SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care) {
-  return WindingSweep(nodes, pieces, care).Run();
+SweptPieces SweepWindings(const Arrangement& arrangement, Arrangement::Care care) {
+  return WindingSweep(arrangement, care).Run();
 }
 
 std::vector<std::int8_t> BoundarySides(const Arrangement& arrangement) {
   const auto& pieces = arrangement.pieces();
-  const SweptPieces swept = SweepWindings(arrangement.nodes(), pieces, Arrangement::Care::kThorough);
+  const SweptPieces swept = SweepWindings(arrangement, Arrangement::Care::kThorough);
   std::vector<std::int8_t> sides(pieces.size());
   for (std::uint32_t i = 0; i < pieces.size(); ++i) {
     const bool below = swept.below[i].of[0] > 0;

@@ -25,9 +25,8 @@ struct SweptPieces {
   bool isNear = false;
 };
 
-// Of pieces between the given nodes, sorted by `from`, that meet at nodes only, for sure when the arrangement was made with
-// thorough care. n log n.
-SweptPieces SweepWindings(std::span<const GridPoint> nodes, std::span<const ArrangedPiece> pieces, Arrangement::Care care);
+// Of an arrangement whose pieces meet at nodes only for sure when it was made with thorough care. n log n.
+SweptPieces SweepWindings(const Arrangement& arrangement, Arrangement::Care care);
 
 // For each piece: 1 when the winding number of the first operand is positive on its left only, as seen from its `from` to its
 // `to`; -1 when it is so on its right only; 0 when both sides are alike. n log n.

@@ -214,7 +214,7 @@ class CellRegion {
   }
 
   FlatRegion Run() {
-    const SweptPieces swept = SweepWindings(arrangement_.nodes(), arrangement_.pieces(), Arrangement::Care::kThorough);
+    const SweptPieces swept = SweepWindings(arrangement_, Arrangement::Care::kThorough);
     const FaceTracer tracer(arrangement_, swept);
     const auto count = static_cast<std::uint32_t>(tracer.rings().size());
     std::vector<std::vector<std::uint32_t>> holes(count);
