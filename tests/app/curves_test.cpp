@@ -328,7 +328,7 @@ TEST(LinesInCommon, OneBodyDrawsTheRim) {
   plate.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 60)), 0.0, 4.0);
   const Mesh tube = plate.Take();
   Points uneven;
-  for (int degrees = 0; degrees < 360; degrees += degrees < 180 ? 12 : 4)
+  for (int degrees = 3; degrees < 363; degrees += degrees < 183 ? 12 : 4)
     uneven.emplace_back(10 * std::cos(degrees * pi / 180), 10 * std::sin(degrees * pi / 180));
   for (const auto& [pin, turns] :
        {std::pair{Polar(48, [](double) { return 10.0; }), 1}, {Polar(48, [](double) { return 9.999; }), 2}, {uneven, 1}}) {

@@ -8,8 +8,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <random>
+#include <set>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "drawing/views/drawn_segments.h"
@@ -50,7 +55,7 @@ TEST(DoubleLines, EachPlaceKeepsOne) {
     for (int k = 0; k < 16; ++k) {
       const ZBR_PT3 low(number(4), number(4), number(3));
       mesh.shells.insert(mesh.shells.end(), 12, static_cast<std::uint32_t>(k));
-      example::Append(mesh, example::Box(low, low + ZBR_PT3(1 + number(4), 1 + number(4), 1 + number(2))));
+      example::Append(mesh, example::Box(low, low + ZBR_PT3(1 + number(2), 1 + number(2), 1 + number(2))));
     }
     if (round % 2 != 0) example::Turn(mesh, {1, 2, 3}, 0.3);
     const Model model = MakeModel(mesh, 30.0);
@@ -75,6 +80,60 @@ TEST(DoubleLines, EachPlaceKeepsOne) {
     }
   }
   EXPECT_GT(doubled, 300U);
+}
+
+// Lines in rows, each another body's: at every place the first one of the heaviest class is left, and of classes that stand by
+// themselves the first of each. Where and which way the rows run does not matter.
+TEST(DoubleLines, RowsKeepTheHeaviestLineAtEachPlace) {
+  constexpr int kLength = 20, kRows = 3;
+  constexpr std::uint32_t kLines = 150;
+  const std::vector<EdgeClass> classes = {EdgeClass::kCrease,     EdgeClass::kBorder,  EdgeClass::kJunction,
+                                          EdgeClass::kSilhouette, EdgeClass::kTangent, EdgeClass::kCut};
+  const Model model = MakeModel(example::BoxesOnPlate(13), 30.0);
+  ASSERT_GT(model.ShellCount(), kLines);
+  const Scene scene = MakeScene(model, *NamedView("top"));
+  const DrawnSegments drawn(model, scene, nullptr, 1);
+  std::mt19937 random(3);
+  const auto number = [&](std::size_t count) { return static_cast<int>(random() % count); };
+  for (int round = 0; round < 20; ++round) {
+    const double angle = round;
+    const ZBR_PT origin(number(2000) - 1000, number(2000) - 1000), along(std::cos(angle), std::sin(angle));
+    const auto at = [&](double x, int row) { return origin + along * x + ZBR_PT(-along.y(), along.x()) * row; };
+    std::vector<DrawnSegment> lines;
+    // By row, place and weight: the body that is left; by body, what it stands for.
+    std::map<std::tuple<int, int, std::size_t>, std::uint32_t> first;
+    std::vector<std::pair<std::size_t, int>> of;
+    for (std::uint32_t k = 0; k < kLines; ++k) {
+      const int row = number(kRows), from = number(kLength), to = from + 1 + number(static_cast<std::size_t>(kLength - from));
+      const std::size_t weight = random() % 3 == 0 ? random() % classes.size() : 3;
+      const auto place = std::find(std::begin(kDrawnClasses), std::end(kDrawnClasses), classes[weight]);
+      DrawnSegment line;
+      line.edgeClass = static_cast<std::uint8_t>(place - std::begin(kDrawnClasses));
+      line.shell = line.other = k;
+      line.segment.segment = ZBR_SEG(at(from, row), at(to, row));
+      if (random() % 2 == 0) line.segment.segment = ZBR_SEG(line.segment.segment.e(), line.segment.segment.s());
+      lines.push_back(line);
+      of.emplace_back(weight, row);
+      for (int x = from; x < to; ++x) first.emplace(std::tuple(row, x, weight), k);
+    }
+    std::set<std::tuple<int, int, std::uint32_t>> expected, left;
+    for (const auto& [place, body] : first) {
+      const auto& [row, x, weight] = place;
+      const auto heaviest = first.lower_bound(std::tuple(row, x, std::size_t{0}));
+      if (weight + 1 == classes.size() || heaviest->second == body) expected.emplace(row, x, body);
+    }
+    LeaveOutVisibleDoubles(drawn, 1, lines);
+    for (const DrawnSegment& line : lines) {
+      const int row = of[line.shell].second;
+      const ZBR_SEG& g = line.segment.segment;
+      const double s = (g.s() - origin).InnerProduct(along), e = (g.e() - origin).InnerProduct(along);
+      for (int x = 0; x < kLength; ++x) {
+        const bool isThere = std::min(s, e) < x + 0.5 && x + 0.5 < std::max(s, e);
+        EXPECT_TRUE(!isThere || left.emplace(row, x, line.shell).second);
+      }
+    }
+    EXPECT_EQ(left, expected) << round;
+  }
 }
 
 }  // namespace
