@@ -303,7 +303,7 @@ PyObject* ExportSchema(PyObject*, PyObject*) noexcept {
 // (coordinates, offsets of rings, of polygons, of regions) of capsules (schema, array).
 PyObject* Import(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<2> given("arrays_of_arrow", {"schema", "array"}, 2, args, count, keywords);
+    const Arguments given("arrays_of_arrow", {"schema", "array"}, 2, args, count, keywords);
     Reading reading(Held<ArrowSchema>(given.Needed(0), kSchemaCapsule), Held<ArrowArray>(given.Needed(1), kArrayCapsule));
     const bool isMulti = reading.depth() == 3;
     std::vector<std::int32_t> regions = isMulti ? reading.Offsets() : std::vector<std::int32_t>();

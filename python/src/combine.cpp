@@ -105,8 +105,8 @@ PyObject* Combine(const char* function, ZBR_BOOLEAN_OPE op, PyObject* const* arg
   return Guarded([&] {
     if (count == 2 && keywords == nullptr && IsRegion(args[0]) && IsRegion(args[1]))
       return CombineTwo(RegionOf(args[0], "a"), RegionOf(args[1], "b"), op, {}, nullptr);
-    const Arguments<7> given(function, {"a", "b", "tolerance", "sources", "canonical", "threads", "progress"}, 2, args, count,
-                             keywords);
+    const Arguments given(function, {"a", "b", "tolerance", "sources", "canonical", "threads", "progress"}, 2, args, count,
+                          keywords);
     ZBR_REGION_OPTIONS options;
     options.tolerance = given.Number(2, 0.0, 0.0);
     options.sources = given.Truth(3, false);
@@ -135,8 +135,7 @@ PyObject* SymmetricDifference(PyObject*, PyObject* const* args, Py_ssize_t count
 // Several operations by one search.
 PyObject* CombineAll(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<7> given("combine", {"a", "b", "ops", "tolerance", "sources", "canonical", "progress"}, 3, args, count,
-                             keywords);
+    const Arguments given("combine", {"a", "b", "ops", "tolerance", "sources", "canonical", "progress"}, 3, args, count, keywords);
     const RegionPtr a = RegionOf(given.Needed(0), "a"), b = RegionOf(given.Needed(1), "b");
     std::vector<ZBR_BOOLEAN_OPE> ops;
     ForEachItem(given.Needed(2), "ops", [&ops](PyObject* op) { ops.push_back(OpOf(op)); });
@@ -169,7 +168,7 @@ PyObject* CombineAll(PyObject*, PyObject* const* args, Py_ssize_t count, PyObjec
 // What at least `times` of many regions cover.
 PyObject* Cover(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<5> given("coverage", {"regions", "times", "tolerance", "canonical", "progress"}, 2, args, count, keywords);
+    const Arguments given("coverage", {"regions", "times", "tolerance", "canonical", "progress"}, 2, args, count, keywords);
     const Side many(given.Needed(0), "regions");
     if (!many.IsList()) throw BadType("regions", "Regions are needed");
     const auto times = static_cast<int>(given.Integer(1, 1, 1, 2147483647));
@@ -189,7 +188,7 @@ PyObject* Cover(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* ke
 // The cells that lines cut the plane into.
 PyObject* Faces(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("faces", {"coords", "lines", "tolerance", "progress"}, 2, args, count, keywords);
+    const Arguments given("faces", {"coords", "lines", "tolerance", "progress"}, 2, args, count, keywords);
     RingArrays arrays(given.Needed(0), given[1], nullptr, "lines");
     ZBR_REGION_OPTIONS options;
     options.tolerance = given.Number(2, 0.0, 0.0);
@@ -210,7 +209,7 @@ PyObject* Faces(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* ke
 // Faults as tuples (kind, x, y, ring_a, edge_a, ring_b, edge_b).
 PyObject* Check(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<3> given("check", {"coords", "rings", "most"}, 2, args, count, keywords);
+    const Arguments given("check", {"coords", "rings", "most"}, 2, args, count, keywords);
     RingArrays arrays(given.Needed(0), given[1], nullptr);
     const auto most = static_cast<std::size_t>(given.Integer(2, 1000000, 1, 2147483647));
     const std::size_t size = arrays.points.size();

@@ -51,8 +51,30 @@ struct Request {
   drawing::DrawingOptions options;
   double crease = 30.0;
   double weld = 0.0;
+  bool yUp = false;
   std::optional<bool> smoothSilhouettes;  // none: for rough models only
 };
+
+// All but the views.
+Request RequestOf(const Arguments& given) {
+  Request request;
+  if (given[1] != nullptr && PyUnicode_Check(given[1]) != 0) {
+    request.options.hidden = static_cast<drawing::HiddenLines>(given.Choice(1, 0, {"none", "principal", "all"}));
+  } else {
+    request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
+  }
+  request.crease = given.Number(2, 30.0, 0.0, 180.0);
+  request.weld = given.Number(3, 0.0, 0.0, kMostWeld);
+  request.options.tangents = given.Truth(4, false);
+  request.options.intersections = given.Truth(5, true);
+  request.options.outlines = given.Truth(6, false);
+  request.options.threads = given.Threads(7);
+  if (given.OrNull(9) != nullptr) request.smoothSilhouettes = given.Choice(9, 0, {"facets", "smooth"}) == 1;
+  request.options.centreLines = given.Truth(10, false);
+  request.options.curves = given.Truth(11, true);
+  if (given.OrNull(12) != nullptr) request.options.contact = given.Number(12, 0.0, 0.0);
+  return request;
+}
 
 // Sections are known by letters, in their order.
 void AddView(PyObject* object, bool yUp, std::vector<WantedView>& views) {
@@ -107,7 +129,7 @@ std::vector<DrawingPtr> Draw(const MeshPtr& mesh, Request& request, Monitor& mon
   };
   std::vector<DrawingPtr> drawings;
   std::vector<drawing::NamedDirection> directions;
-  for (const WantedView& view : request.views) directions.push_back(view.Of(*model, mesh->mesh.yUp));
+  for (const WantedView& view : request.views) directions.push_back(view.Of(*model, request.yUp));
   for (drawing::ViewLines& view : drawing::DrawViews(*model, directions, request.options)) {
     const auto data = std::make_shared<DrawingData>();
     data->mesh = mesh;
@@ -219,7 +241,7 @@ PyObject* Pack(PyObject* self, PyObject*) noexcept {
 // (mesh, what _pack() gave)
 PyObject* Restore(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<2> given("restore_drawing", {"mesh", "rest"}, 2, args, count, keywords);
+    const Arguments given("restore_drawing", {"mesh", "rest"}, 2, args, count, keywords);
     const MeshPtr& mesh = Holder<MeshData>::Of(given.Needed(0), "mesh", "a Mesh is needed");
     const auto data = UnpackDrawing(mesh, given.Needed(1));
     Finish(*data);
@@ -229,10 +251,10 @@ PyObject* Restore(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* 
 
 PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<2> given("pick", {"points", "progress"}, 1, args, count, keywords);
+    const Arguments given("pick", {"points", "progress"}, 1, args, count, keywords);
     const DrawingPtr data = DataOf(self);
     if (data->view.section || data->view.view.perspective) throw BadArgument("pick", "not in sections and perspectives");
-    std::vector<ZBR_PT> points = PickedPoints(given.Needed(0), given[1]);
+    std::vector<ZBR_PT> points = PointsOf(given.Needed(0), given[1]);
     Run(kSmallCall, nullptr, [data](Monitor&) { return &data->ThePicker(); });
     const std::shared_ptr<const drawing::Picker> picker(data, &data->ThePicker());
     return PickAll(picker, std::move(points), data->view.middle.xy(), given[1]);
@@ -244,14 +266,6 @@ PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject
 const drawing::Picker& DrawingData::ThePicker() const {
   std::call_once(once_, [this] { picker_.emplace(model ? model : mesh->ModelFor(crease, weld), view.view); });
   return picker_->picker;
-}
-
-std::vector<ZBR_PT> PickedPoints(PyObject* points, PyObject* progress) {
-  CheckProgress(progress);
-  const Doubles given(points, "points", 2);
-  std::vector<ZBR_PT> copy;
-  for (std::size_t i = 0; i < given.rows(); ++i) copy.emplace_back(given.data()[2 * i], given.data()[2 * i + 1]);
-  return copy;
 }
 
 Ref PickAll(const std::shared_ptr<const drawing::Picker>& picker, std::vector<ZBR_PT> points, const ZBR_PT& shift,
@@ -282,26 +296,18 @@ Ref PickAll(const std::shared_ptr<const drawing::Picker>& picker, std::vector<ZB
 
 PyObject* DrawMesh(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<11> given("draw",
-                              {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress",
-                               "smooth_silhouettes", "centre_lines"},
-                              1, args, count, keywords);
+    const Arguments given("draw",
+                          {"views", "hidden", "crease", "weld", "tangents", "intersections", "outlines", "threads", "progress",
+                           "silhouettes", "centre_lines", "curves", "contact", "axes"},
+                          1, args, count, keywords);
     const MeshPtr mesh = Holder<MeshData>::Of(self);
-    Request request;
-    ForEachItem(given.Needed(0), "views", [&](PyObject* view) { AddView(view, mesh->mesh.yUp, request.views); });
-    request.options.hidden = given.Truth(1, true) ? drawing::HiddenLines::kInAllViews : drawing::HiddenLines::kNone;
-    request.crease = given.Number(2, 30.0, 0.0, 180.0);
-    request.weld = given.Number(3, 0.0, 0.0, kMostWeld);
-    request.options.tangents = given.Truth(4, false);
-    request.options.intersections = given.Truth(5, true);
-    request.options.outlines = given.Truth(6, false);
-    if (given.OrNull(9) != nullptr) request.smoothSilhouettes = given.Truth(9, false);
-    request.options.centreLines = given.Truth(10, false);
+    Request request = RequestOf(given);
+    request.yUp = given.Choice(13, mesh->mesh.yUp ? 1 : 0, {"z", "y"}) == 1;
+    ForEachItem(given.Needed(0), "views", [&](PyObject* view) { AddView(view, request.yUp, request.views); });
     const auto isPerspective = [](const WantedView& view) { return view.eye.has_value(); };
     if (request.options.centreLines && std::all_of(request.views.begin(), request.views.end(), isPerspective) &&
         !request.views.empty())
       throw BadArgument("centre_lines", "perspectives have none");
-    request.options.threads = given.Threads(7);
     const auto drawings = Run(kSmallCall, given[8], [mesh, request = std::move(request)](Monitor& monitor) mutable {
       return Draw(mesh, request, monitor);
     });

@@ -111,9 +111,6 @@ struct WantedView {
 // A name, a section ("X=10"), a direction of looking, that and what is up, or a mapping that says where the eye is.
 WantedView ViewOf(PyObject* object, bool yUp);
 
-// Points to be picked at, of arguments that are looked at before a model is prepared, which takes long.
-std::vector<ZBR_PT> PickedPoints(PyObject* points, PyObject* progress);
-
 // Hits at points of a view, which `shift` takes to the model's origin, as arrays (shell, triangle, height).
 Ref PickAll(const std::shared_ptr<const drawing::Picker>& picker, std::vector<ZBR_PT> points, const ZBR_PT& shift,
             PyObject* progress);

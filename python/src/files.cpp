@@ -68,7 +68,7 @@ std::vector<std::string> StringsOf(PyObject* object, const char* name) {
   if (object == nullptr) return strings;
   ForEachItem(object, name, [&](PyObject* item) {
     if (PyUnicode_Check(item) == 0) throw BadType(name, "a list of strings is needed");
-    strings.push_back(Arguments<1>::Text(item, name));
+    strings.push_back(Arguments::Text(item, name));
   });
   return strings;
 }
@@ -81,8 +81,8 @@ void CheckFormat(const std::string& format) {
 // (region, unit, number of contours that do not close)
 PyObject* ReadRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<8> given("read_region", {"file", "data", "format", "deviation", "join", "fill", "layers", "progress"}, 1, args,
-                             count, keywords);
+    const Arguments given("read_region", {"file", "data", "format", "deviation", "join", "fill", "layers", "progress"}, 1, args,
+                          count, keywords);
     Reading reading;
     reading.file = FileName(given.Needed(0));
     reading.format = given.OrNull(2) == nullptr ? "" : given.String(2, "");
@@ -105,7 +105,7 @@ PyObject* ReadRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObje
 // The text of a file with a layer for each region.
 PyObject* WriteRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("write_regions", {"format", "regions", "names", "unit"}, 4, args, count, keywords);
+    const Arguments given("write_regions", {"format", "regions", "names", "unit"}, 4, args, count, keywords);
     const formats::Format format = formats::FormatByName(given.String(0, ""));
     if (format == formats::Format::kUnknown || format == formats::Format::kSvg)
       throw BadArgument("format", "one of dxf, geojson, wkt and text is needed");
@@ -128,7 +128,7 @@ PyObject* WriteRegions(PyObject*, PyObject* const* args, Py_ssize_t count, PyObj
 PyObject* UnitCode(PyObject*, PyObject* name) noexcept {
   return Guarded([&] {
     if (PyUnicode_Check(name) == 0) throw BadType("unit", "a string is needed");
-    return Ref::Own(PyLong_FromLong(UnitCodeOf(Arguments<1>::Text(name, "unit"))));
+    return Ref::Own(PyLong_FromLong(UnitCodeOf(Arguments::Text(name, "unit"))));
   });
 }
 

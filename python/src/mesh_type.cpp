@@ -59,7 +59,7 @@ std::vector<std::uint32_t> ShellNumbers(PyObject* shells, std::size_t triangles)
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<5> given("Mesh", {"points", "faces", "y_up", "name", "shells"}, 2, args, keywords);
+    const Arguments given("Mesh", {"points", "faces", "y_up", "name", "shells"}, 2, args, keywords);
     const std::string name = given.String(3, "mesh");
     const bool yUp = given.Truth(2, false);
     drawing::Mesh mesh = MeshOf(given.Needed(0), given.Needed(1));
@@ -107,7 +107,7 @@ Py_ssize_t Length(PyObject* self) noexcept {
 
 PyObject* Read(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("read_mesh", {"file", "data", "format", "progress"}, 2, args, count, keywords);
+    const Arguments given("read_mesh", {"file", "data", "format", "progress"}, 2, args, count, keywords);
     const std::string file = FileName(given.Needed(0));
     const std::string format = given.OrNull(2) == nullptr ? "" : given.String(2, "");
     const bool isFromMemory = given.OrNull(1) != nullptr;
@@ -154,7 +154,7 @@ drawing::View WholeView(PyObject* object, bool yUp) {
 // model's.
 template <class Find>
 auto OutlinesBy(const char* function, PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords, Find find) {
-  const Arguments<4> given(function, {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
+  const Arguments given(function, {"view", "weld", "threads", "progress"}, 1, args, count, keywords);
   const MeshPtr mesh = DataOf(self);
   const drawing::View view = WholeView(given[0], mesh->mesh.yUp);
   const double weld = given.Number(1, 0.0, 0.0, kMostWeld);
@@ -213,11 +213,11 @@ PyObject* TracedOutlines(PyObject* self, PyObject* const* args, Py_ssize_t count
 
 PyObject* Pick(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<4> given("pick", {"points", "view", "weld", "progress"}, 2, args, count, keywords);
+    const Arguments given("pick", {"points", "view", "weld", "progress"}, 2, args, count, keywords);
     const MeshPtr mesh = DataOf(self);
     const drawing::View view = WholeView(given[1], mesh->mesh.yUp);
     const double weld = given.Number(2, 0.0, 0.0, kMostWeld);
-    std::vector<ZBR_PT> points = PickedPoints(given.Needed(0), given[3]);
+    std::vector<ZBR_PT> points = PointsOf(given.Needed(0), given[3]);
     const auto own = Run(kSmallCall, nullptr, [mesh, view, weld](Monitor&) {
       return std::make_shared<const OwnPicker>(mesh->ModelFor(kAnyCrease, weld), view);
     });
@@ -233,7 +233,7 @@ PyObject* Pack(PyObject* self, PyObject*) noexcept {
 // (points, faces, what _pack() gave)
 PyObject* Restore(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<3> given("restore_mesh", {"points", "faces", "rest"}, 3, args, count, keywords);
+    const Arguments given("restore_mesh", {"points", "faces", "rest"}, 3, args, count, keywords);
     return Objects::Make(UnpackMesh(MeshOf(given.Needed(0), given.Needed(1)), given.Needed(2)));
   });
 }

@@ -3,125 +3,54 @@
 
 #include "python/src/refs.h"
 
-#include <zbr-drawing/numbers.h>
-
-#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <string>
-#include <thread>
 
 namespace zbr::python {
 
-// Values by their places in `names`: the first ones may be given by position, all by name. Null where not given; borrowed.
-template <std::size_t N>
+// Values by their places in the names: the first ones may be given by position, all by name. Null where not given; borrowed. Names
+// are literals: they are kept as pointers.
 class Arguments {
  public:
-  Arguments(const char* function, const std::array<const char*, N>& names, std::size_t positional, PyObject* const* args,
-            Py_ssize_t count, PyObject* keywords)
-      : names_(names) {
-    CheckCount(function, static_cast<std::size_t>(count), positional);
-    for (Py_ssize_t i = 0; i < count; ++i) values_[static_cast<std::size_t>(i)] = args[i];
-    if (keywords == nullptr) return;
-    const Py_ssize_t named = PyTuple_Size(keywords);
-    for (Py_ssize_t k = 0; k < named; ++k) Set(function, PyTuple_GetItem(keywords, k), args[count + k]);
-  }
+  using Words = std::initializer_list<const char*>;
+
+  Arguments(const char* function, Words names, std::size_t positional, PyObject* const* args, Py_ssize_t count, PyObject* keywords);
   // Of a constructor: a tuple and a dictionary, or null.
-  Arguments(const char* function, const std::array<const char*, N>& names, std::size_t positional, PyObject* args,
-            PyObject* keywords)
-      : names_(names) {
-    const auto count = static_cast<std::size_t>(PyTuple_Size(args));
-    CheckCount(function, count, positional);
-    for (std::size_t i = 0; i < count; ++i) values_[i] = PyTuple_GetItem(args, static_cast<Py_ssize_t>(i));
-    if (keywords == nullptr) return;
-    PyObject *name = nullptr, *value = nullptr;
-    Py_ssize_t place = 0;
-    while (PyDict_Next(keywords, &place, &name, &value) != 0) Set(function, name, value);
-  }
+  Arguments(const char* function, Words names, std::size_t positional, PyObject* args, PyObject* keywords);
 
   PyObject* operator[](std::size_t i) const { return values_[i]; }
   // Null when None was given.
   PyObject* OrNull(std::size_t i) const { return values_[i] == Py_None ? nullptr : values_[i]; }
-  PyObject* Needed(std::size_t i) const {
-    if (values_[i] == nullptr) throw BadType(names_[i], "is missing");
-    return values_[i];
-  }
+  PyObject* Needed(std::size_t i) const;
 
-  bool Truth(std::size_t i, bool otherwise) const {
-    if (values_[i] == nullptr) return otherwise;
-    const int truth = PyObject_IsTrue(values_[i]);
-    if (truth < 0) Refuse(i, "True or False");
-    return truth != 0;
-  }
+  bool Truth(std::size_t i, bool otherwise) const;
   // A finite number, neither below `least` nor above `most`.
-  double Number(std::size_t i, double otherwise, double least = -kLargest, double most = kLargest) const {
-    if (values_[i] == nullptr) return otherwise;
-    const double value = PyFloat_AsDouble(values_[i]);
-    if (value == -1.0 && PyErr_Occurred() != nullptr) Refuse(i, "a number");
-    if (!(value >= least && value <= most)) throw BadArgument(names_[i], WantedNumber(least, most) + " is needed");
-    return value;
-  }
-  long Integer(std::size_t i, long otherwise, long least, long most) const {
-    if (values_[i] == nullptr) return otherwise;
-    const long value = PyLong_AsLong(values_[i]);
-    if (value == -1 && PyErr_Occurred() != nullptr) {
-      if (PyErr_ExceptionMatches(PyExc_OverflowError) == 0) Refuse(i, "an integer");
-      DropError();
-      throw BadArgument(names_[i], "is out of range");
-    }
-    if (value < least || value > most)
-      throw BadArgument(names_[i], "a number from " + std::to_string(least) + " to " + std::to_string(most) + " is needed");
-    return value;
-  }
+  double Number(std::size_t i, double otherwise, double least = -kLargest, double most = kLargest) const;
+  long Integer(std::size_t i, long otherwise, long least, long most) const;
   // How many threads to use: 0 given means one for each processor.
-  unsigned Threads(std::size_t i) const {
-    const auto threads = static_cast<unsigned>(Integer(i, 1, 0, 1024));
-    return threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
-  }
-  std::string String(std::size_t i, const char* otherwise) const {
-    if (values_[i] == nullptr) return otherwise;
-    if (PyUnicode_Check(values_[i]) == 0) throw BadType(names_[i], "a string is needed");
-    return Text(values_[i], names_[i]);
-  }
+  unsigned Threads(std::size_t i) const;
+  std::string String(std::size_t i, const char* otherwise) const;
+  // One of several words, by its place; `otherwise` where none is given, or None.
+  std::size_t Choice(std::size_t i, std::size_t otherwise, Words words) const;
 
-  static std::string Text(PyObject* unicode, const char* argument) {
-    PyObject* const encoded = PyUnicode_AsUTF8String(unicode);
-    if (encoded == nullptr) {
-      DropError();
-      throw BadArgument(argument, "a text without halves of surrogate pairs is needed");
-    }
-    const Ref bytes = Ref::Own(encoded);
-    return {PyBytes_AsString(bytes.get()), static_cast<std::size_t>(PyBytes_Size(bytes.get()))};
-  }
+  static std::string Text(PyObject* unicode, const char* argument);
 
  private:
   static constexpr double kLargest = std::numeric_limits<double>::max();
+  static constexpr std::size_t kMost = 16;
 
-  static std::string WantedNumber(double least, double most) {
-    if (most < kLargest) return "a number from " + drawing::NumberText(least) + " to " + drawing::NumberText(most);
-    return least == 0.0 ? "a finite number of 0 or more" : "a finite number";
-  }
-  static void CheckCount(const char* function, std::size_t count, std::size_t most) {
-    if (count > most)
-      throw BadType(function, "takes " + std::to_string(most) + " positional arguments, not " + std::to_string(count));
-  }
-  void Set(const char* function, PyObject* name, PyObject* value) {
-    std::size_t i = 0;
-    while (i < N && PyUnicode_CompareWithASCIIString(name, names_[i]) != 0) ++i;
-    if (i == N || values_[i] != nullptr)
-      throw BadType(function, (i == N ? "unknown argument " : "given twice: ") + Text(name, function));
-    values_[i] = value;
-  }
+  void Name(Words names);
+  void CheckCount(const char* function, std::size_t count, std::size_t most) const;
+  void Set(const char* function, PyObject* name, PyObject* value);
   // Instead of what Python says, which tells the type but not the argument.
-  [[noreturn]] void Refuse(std::size_t i, const char* wanted) const {
-    DropError();
-    throw BadType(names_[i], std::string(wanted) + " is needed");
-  }
+  [[noreturn]] void Refuse(std::size_t i, const char* wanted) const;
 
-  std::array<const char*, N> names_;
-  PyObject* values_[N] = {};
+  std::array<const char*, kMost> names_;
+  std::size_t size_ = 0;
+  std::array<PyObject*, kMost> values_{};
 };
 
 // Calls visit for each item of a list, or whatever can be gone through; `name` is the argument's.

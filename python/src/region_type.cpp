@@ -62,8 +62,7 @@ RegionPtr AsGiven(const RingArrays& arrays) {
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<7> given("Region", {"coords", "rings", "polygons", "fill", "valid", "tolerance", "progress"}, 3, args,
-                             keywords);
+    const Arguments given("Region", {"coords", "rings", "polygons", "fill", "valid", "tolerance", "progress"}, 3, args, keywords);
     if (given[0] == nullptr) return Objects::Make(std::make_shared<RegionData>(), type);
     ZBR_REGION_OPTIONS options;
     options.fill_a = FillRule(given.String(3, "evenodd"));
@@ -133,23 +132,10 @@ PyObject* Bounds(PyObject* self, void*) noexcept {
   return Py_BuildValue("(dddd)", xmin, ymin, xmax, ymax);
 }
 
-// Moments about the first point, where they lose no digits.
 PyObject* Centroid(PyObject* self, void*) noexcept {
   const ZBR_REGION& region = DataOf(self)->region;
-  double twice = 0.0, mx = 0.0, my = 0.0;
-  const ZBR_PT origin = region.empty() ? ZBR_PT() : region.points().front();
-  for (std::size_t r = 0; r < region.ring_count(); ++r) {
-    const auto begin = static_cast<std::size_t>(region.ring_offsets()[r]),
-               end = static_cast<std::size_t>(region.ring_offsets()[r + 1]);
-    for (std::size_t i = begin; i < end; ++i) {
-      const ZBR_PT p = region.points()[i] - origin, q = region.points()[i + 1 < end ? i + 1 : begin] - origin;
-      const double cross = p.x() * q.y() - p.y() * q.x();
-      twice += cross;
-      mx += (p.x() + q.x()) * cross;
-      my += (p.y() + q.y()) * cross;
-    }
-  }
-  return Py_BuildValue("(dd)", origin.x() + mx / (3.0 * twice), origin.y() + my / (3.0 * twice));
+  const ZBR_PT centroid = CentroidOf(region.points().data(), region.ring_offsets().data(), region.ring_count());
+  return Py_BuildValue("(dd)", centroid.x(), centroid.y());
 }
 
 Py_ssize_t Length(PyObject* self) noexcept {
@@ -183,44 +169,18 @@ Py_hash_t Hash(PyObject* self) noexcept {
   return result == -1 ? -2 : result;
 }
 
-// Places of points as numbers of type T, by what `answer` makes of them.
-template <class Shown, class T, class Answer>
-Ref LocateAll(const RegionPtr& data, PyObject* object, PyObject* progress, Answer answer) {
-  const Doubles points(object, "points", 2);
-  std::vector<ZBR_PT> copy;  // the work may outlast the call, and the array
-  for (std::size_t i = 0; i < points.rows(); ++i) copy.emplace_back(points.data()[2 * i], points.data()[2 * i + 1]);
-  constexpr std::size_t kEvery = 4096;
-  const std::size_t size = copy.size() + data->region.point_count();
-  return MakeArray<Shown>(Run(size, progress, [data, answer, copy = std::move(copy)](Monitor& monitor) {
-    std::vector<T> places(copy.size());
-    const Locator& locator = data->TheLocator();
-    const ZBR_TmpEps hold(drawing::kTolerance);
-    for (std::size_t i = 0; i < copy.size(); ++i) {
-      if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(copy.size()));
-      places[i] = answer(locator.Locate(copy[i]));
-    }
-    return places;
-  }));
-}
-
 PyObject* Locate(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<2> given("locate", {"points", "progress"}, 1, args, count, keywords);
-    return LocateAll<std::int8_t, std::int8_t>(DataOf(self), given.Needed(0), given[1], [](std::int8_t place) { return place; });
-  });
-}
-
-PyObject* Contains(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
-  return Guarded([&] {
-    const Arguments<2> given("contains", {"points", "progress"}, 1, args, count, keywords);
-    return LocateAll<bool, std::uint8_t>(DataOf(self), given.Needed(0), given[1],
-                                         [](std::int8_t place) { return static_cast<std::uint8_t>(place > 0 ? 1 : 0); });
+    const Arguments given("locate", {"points", "progress"}, 1, args, count, keywords);
+    const RegionPtr data = DataOf(self);
+    return LocateAll(data->region.point_count(), PointsOf(given.Needed(0), given[1]), given[1],
+                     [data](std::size_t, const ZBR_PT& p) { return data->TheLocator().Locate(p); });
   });
 }
 
 PyObject* Simplify(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<2> given("simplify", {"tolerance", "progress"}, 1, args, count, keywords);
+    const Arguments given("simplify", {"tolerance", "progress"}, 1, args, count, keywords);
     given.Needed(0);
     const double tolerance = given.Number(0, 0.0, 0.0);
     const RegionPtr data = DataOf(self);
@@ -278,6 +238,45 @@ const Locator& RegionData::TheLocator() const {
   return *locator_;
 }
 
+std::vector<ZBR_PT> PointsOf(PyObject* points, PyObject* progress) {
+  CheckProgress(progress);
+  const Doubles given(points, "points", 2);
+  std::vector<ZBR_PT> copy;
+  for (std::size_t i = 0; i < given.rows(); ++i) copy.emplace_back(given.data()[2 * i], given.data()[2 * i + 1]);
+  return copy;
+}
+
+Ref LocateAll(std::size_t size, std::vector<ZBR_PT> points, PyObject* progress, Place place) {
+  constexpr std::size_t kEvery = 4096;
+  size += points.size();
+  return MakeArray<std::int8_t>(Run(size, progress, [place = std::move(place), points = std::move(points)](Monitor& monitor) {
+    std::vector<std::int8_t> places(points.size());
+    const ZBR_TmpEps hold(drawing::kTolerance);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      if (i % kEvery == 0) monitor.TellOrThrow(static_cast<double>(i) / static_cast<double>(points.size()));
+      places[i] = place(i, points[i]);
+    }
+    return places;
+  }));
+}
+
+// Moments about the first point, where they lose no digits.
+ZBR_PT CentroidOf(const ZBR_PT* points, const std::int32_t* rings, std::size_t ringCount) {
+  double twice = 0.0, mx = 0.0, my = 0.0;
+  const ZBR_PT origin = ringCount == 0 ? ZBR_PT() : points[rings[0]];
+  for (std::size_t r = 0; r < ringCount; ++r) {
+    const std::int32_t begin = rings[r], end = rings[r + 1];
+    for (std::int32_t i = begin; i < end; ++i) {
+      const ZBR_PT p = points[i] - origin, q = points[i + 1 < end ? i + 1 : begin] - origin;
+      const double cross = p.x() * q.y() - p.y() * q.x();
+      twice += cross;
+      mx += (p.x() + q.x()) * cross;
+      my += (p.y() + q.y()) * cross;
+    }
+  }
+  return {origin.x() + mx / (3.0 * twice), origin.y() + my / (3.0 * twice)};
+}
+
 Ref NewRegion(RegionPtr data) {
   return Objects::Make(std::move(data));
 }
@@ -308,9 +307,6 @@ void AddRegionType(PyObject* module) {
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {
-      Fast("contains", Contains,
-           "contains($self, /, points, *, progress=None)\n--\n\n"
-           "(n,) bool: whether the points (n, 2) lie in the interior. The first call builds an index."),
       Fast("locate", Locate,
            "locate($self, /, points, *, progress=None)\n--\n\n"
            "(n,) int8: 1 for points in the interior, 0 on the boundary, -1 outside. Points that are not finite are outside."),

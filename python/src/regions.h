@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -88,6 +89,16 @@ struct RingArrays {
 ZBR_REGION_STATUS MakeValid(const ZBR_REGION_VIEW& rings, ZBR_REGION& result, const ZBR_REGION_OPTIONS& options);
 
 ZBR_FILL_RULE FillRule(const std::string& name);
+
+// The centre of mass of some rings, given by their offsets, one more than there are; NaN where there are none.
+ZBR_PT CentroidOf(const ZBR_PT* points, const std::int32_t* rings, std::size_t ringCount);
+
+// Points that the caller gives, copied as the work may outlast the call; looked at, with `progress`, before work that takes long.
+std::vector<ZBR_PT> PointsOf(PyObject* points, PyObject* progress);
+
+// What place(i, p) tells of each point, an int8 array. `size` is that of the call, in points.
+using Place = std::function<std::int8_t(std::size_t i, const ZBR_PT& p)>;
+Ref LocateAll(std::size_t size, std::vector<ZBR_PT> points, PyObject* progress, Place place);
 
 void AddRegionType(PyObject* module);
 void AddRegionsType(PyObject* module);

@@ -52,8 +52,8 @@ RegionList MadeValid(const RegionList& given, ZBR_FILL_RULE fill, unsigned threa
 
 PyObject* New(PyTypeObject* type, PyObject* args, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<8> given("Regions", {"coords", "rings", "polygons", "regions", "fill", "valid", "threads", "progress"}, 4, args,
-                             keywords);
+    const Arguments given("Regions", {"coords", "rings", "polygons", "regions", "fill", "valid", "threads", "progress"}, 4, args,
+                          keywords);
     const ZBR_FILL_RULE rule = FillRule(given.String(4, "evenodd"));
     const bool isValid = given.Truth(5, false);
     const unsigned threads = given.Threads(6);
@@ -87,27 +87,33 @@ PyObject* Offsets(PyObject* self, void*) noexcept {
   return Guarded([&] { return MakeArray(ListOf(self), ((*ListOf(self)).*Member).data(), {((*ListOf(self)).*Member).size()}); });
 }
 
-// A number for each region: what the function says of its rings.
+// Numbers for each region, by function(list, region, row); a single one makes an array of one dimension.
 template <class Function>
-Ref ForEach(PyObject* self, Function function) {
+Ref ForEach(PyObject* self, std::size_t columns, Function function) {
   const RegionListPtr& list = ListOf(self);
-  std::vector<double> numbers(list->size());
+  std::vector<double> numbers(list->size() * columns);
   {
     const WithoutGil others;
-    for (std::size_t i = 0; i < list->size(); ++i) {
-      const std::size_t end = list->FirstRing(i + 1);
-      for (std::size_t r = list->FirstRing(i); r < end; ++r) {
-        const auto first = static_cast<std::size_t>(list->rings[r]);
-        numbers[i] += function(list->points.data() + first, static_cast<std::size_t>(list->rings[r + 1]) - first);
-      }
-    }
+    for (std::size_t i = 0; i < list->size(); ++i) function(*list, i, numbers.data() + i * columns);
   }
-  return MakeArray<double>(std::move(numbers));
+  return MakeArray<double>(std::move(numbers), columns == 1 ? 0 : columns);
+}
+
+// The sum of what the function says of each ring.
+template <class Function>
+Ref SumOfRings(PyObject* self, Function function) {
+  return ForEach(self, 1, [function](const RegionList& list, std::size_t i, double* sum) {
+    const std::size_t end = list.FirstRing(i + 1);
+    for (std::size_t r = list.FirstRing(i); r < end; ++r) {
+      const auto first = static_cast<std::size_t>(list.rings[r]);
+      *sum += function(list.points.data() + first, static_cast<std::size_t>(list.rings[r + 1]) - first);
+    }
+  });
 }
 
 PyObject* Areas(PyObject* self, void*) noexcept {
   return Guarded([&] {
-    return ForEach(self, [](const ZBR_PT* p, std::size_t n) {
+    return SumOfRings(self, [](const ZBR_PT* p, std::size_t n) {
       double twice = 0.0;
       for (std::size_t i = 1; i + 1 < n; ++i) {
         const ZBR_PT u = p[i] - p[0], v = p[i + 1] - p[0];
@@ -120,11 +126,49 @@ PyObject* Areas(PyObject* self, void*) noexcept {
 
 PyObject* Perimeters(PyObject* self, void*) noexcept {
   return Guarded([&] {
-    return ForEach(self, [](const ZBR_PT* p, std::size_t n) {
+    return SumOfRings(self, [](const ZBR_PT* p, std::size_t n) {
       double sum = 0.0;
       for (std::size_t i = 0; i < n; ++i) sum += p[i].Distance(p[i + 1 < n ? i + 1 : 0]);
       return sum;
     });
+  });
+}
+
+PyObject* Bounds(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    return ForEach(self, 4, [](const RegionList& list, std::size_t i, double* box) {
+      drawing::Extent extent;
+      for (std::size_t k = list.FirstPoint(i); k < list.FirstPoint(i + 1); ++k) extent.Add(list.points[k]);
+      const bool isEmpty = list.FirstPoint(i) == list.FirstPoint(i + 1);
+      const double bounds[] = {extent.xmin, extent.ymin, extent.xmax, extent.ymax};
+      for (int k = 0; k < 4; ++k) box[k] = isEmpty ? std::numeric_limits<double>::quiet_NaN() : bounds[k];
+    });
+  });
+}
+
+PyObject* Centroids(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    return ForEach(self, 2, [](const RegionList& list, std::size_t i, double* xy) {
+      const std::size_t ring = list.FirstRing(i);
+      const ZBR_PT centroid = CentroidOf(list.points.data(), list.rings.data() + ring, list.FirstRing(i + 1) - ring);
+      xy[0] = centroid.x();
+      xy[1] = centroid.y();
+    });
+  });
+}
+
+// Of one point for each region, or of one for all.
+PyObject* Locate(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return Guarded([&] {
+    const Arguments given("locate", {"points", "progress"}, 1, args, count, keywords);
+    const RegionListPtr list = ListOf(self);
+    std::vector<ZBR_PT> points = PointsOf(given.Needed(0), given[1]);
+    if (points.size() == 1) points.resize(list->size(), points.front());
+    if (points.size() != list->size())
+      throw BadArgument("points", "one for each of " + std::to_string(list->size()) + " regions is needed, or one for all, not " +
+                                      std::to_string(points.size()));
+    return LocateAll(list->points.size(), std::move(points), given[1],
+                     [list](std::size_t i, const ZBR_PT& p) { return Locator(list->At(i)).Locate(p); });
   });
 }
 
@@ -227,9 +271,15 @@ void AddRegionsType(PyObject* module) {
       {"regions", Offsets<&RegionList::regions>, nullptr, "int32: offsets of regions into polygons, from 0.", nullptr},
       {"area", Areas, nullptr, "(m,) float64: the area of each region.", nullptr},
       {"perimeter", Perimeters, nullptr, "(m,) float64: the length of the rings of each region.", nullptr},
+      {"bounds", Bounds, nullptr, "(m, 4) float64: xmin, ymin, xmax, ymax of each region; NaN of empty ones.", nullptr},
+      {"centroid", Centroids, nullptr, "(m, 2) float64: the centre of mass of each region; NaN of empty ones.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };
   static PyMethodDef methods[] = {
+      Fast("locate", Locate,
+           "locate($self, /, points, *, progress=None)\n--\n\n"
+           "(m,) int8: 1 where point i of points (m, 2) lies in the interior of region i, 0 on its boundary, -1 outside; a single "
+           "point (1, 2) is looked for in each."),
       {"_concatenate", Concatenate, METH_O | METH_STATIC, nullptr},
       {nullptr, nullptr, 0, nullptr},
   };

@@ -17,17 +17,6 @@ namespace {
 
 using Objects = Holder<SheetData>;
 
-// One of several words, by its place.
-template <std::size_t N>
-std::size_t Choice(const std::string& word, const char* argument, const std::array<const char*, N>& words) {
-  std::string known;
-  for (std::size_t i = 0; i < N; ++i) {
-    if (word == words[i]) return i;
-    known += (i == 0 ? "" : i + 1 == N ? " and " : ", ") + std::string(words[i]);
-  }
-  throw BadArgument(argument, "one of " + known + " is needed");
-}
-
 template <class Parse>
 auto ForArgument(const char* argument, Parse parse) -> decltype(parse()) {
   try {
@@ -37,10 +26,7 @@ auto ForArgument(const char* argument, Parse parse) -> decltype(parse()) {
   }
 }
 
-constexpr std::array<const char*, 12> kNames = {"drawings", "paper", "scale", "projection", "title",   "number",
-                                                "author",   "date",  "unit",  "hidden",     "tangent", "progress"};
-
-drawing::SheetOptions OptionsOf(const Arguments<kNames.size()>& given) {
+drawing::SheetOptions OptionsOf(const Arguments& given) {
   drawing::SheetOptions options;
   if (given.OrNull(1) != nullptr) options.paper = ForArgument("paper", [&] { return drawing::ParsePaper(given.String(1, "")); });
   if (given.OrNull(2) != nullptr && PyUnicode_Check(given[2]) == 0) {
@@ -50,16 +36,15 @@ drawing::SheetOptions OptionsOf(const Arguments<kNames.size()>& given) {
     options.anyScale = scale == "fit";
     if (!options.anyScale) options.scale = ForArgument("scale", [&] { return drawing::ParseScale(scale); });
   }
-  const std::string projection = given.OrNull(3) == nullptr ? "none" : given.String(3, "first");
-  options.projection = static_cast<drawing::Projection>(Choice<3>(projection, "projection", {"none", "first", "third"}));
+  options.projection = static_cast<drawing::Projection>(given.Choice(3, 0, {"none", "first", "third"}));
   options.number = given.String(5, "");
   options.author = given.String(6, "");
   options.date = given.String(7, "");
   options.unit = given.String(8, "mm");
   constexpr int kMillimetre = 4;
   options.millimetres = drawing::UnitFactor(static_cast<int>(UnitCodeOf(options.unit)), kMillimetre);
-  options.hidden = static_cast<drawing::HiddenStyle>(Choice<3>(given.String(9, "dashed"), "hidden", {"none", "dashed", "layer"}));
-  options.tangent = static_cast<drawing::TangentStyle>(Choice<2>(given.String(10, "thin"), "tangent", {"thin", "layer"}));
+  options.hidden = static_cast<drawing::HiddenStyle>(given.Choice(9, 1, {"none", "dashed", "layer"}));
+  options.tangent = static_cast<drawing::TangentStyle>(given.Choice(10, 0, {"thin", "layer"}));
   return options;
 }
 
@@ -74,7 +59,10 @@ bool IsSameMesh(const MeshData& a, const MeshData& b) {
 
 PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<kNames.size()> given("sheet", kNames, 1, args, count, keywords);
+    const Arguments given(
+        "sheet",
+        {"drawings", "paper", "scale", "projection", "title", "number", "author", "date", "unit", "hidden", "tangent", "progress"},
+        1, args, count, keywords);
     drawing::SheetOptions options = OptionsOf(given);
     std::vector<DrawingPtr> drawings;
     ForEachItem(given.Needed(0), "drawings", [&](PyObject* item) { drawings.push_back(DrawingOf(item, "drawings")); });
@@ -99,11 +87,11 @@ PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject
 
 PyObject* Write(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
   return Guarded([&] {
-    const Arguments<2> given("_write", {"format", "version"}, 2, args, count, keywords);
+    const Arguments given("_write", {"format", "version"}, 2, args, count, keywords);
     const std::string name = given.String(0, "");
     const auto format = formats::SheetFormatByName(name);
     if (!format) throw BadArgument("format", "one of svg, dxf, pdf and json is needed");
-    const auto version = static_cast<formats::DxfVersion>(Choice<2>(given.String(1, "R2000"), "version", {"R12", "R2000"}));
+    const auto version = static_cast<formats::DxfVersion>(given.Choice(1, 1, {"R12", "R2000"}));
     const auto data = Objects::Of(self);
     const std::string text = Run(kSmallCall, nullptr, [=](Monitor&) {
       return formats::WriteSheet(*format, data->sheet, data->sources, data->shells, version);

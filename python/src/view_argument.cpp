@@ -58,7 +58,7 @@ WantedView FromEye(PyObject* mapping) {
   PyObject *key = nullptr, *value = nullptr;
   Py_ssize_t place = 0;
   while (PyDict_Next(mapping, &place, &key, &value) != 0) {
-    const std::string name = PyUnicode_Check(key) != 0 ? Arguments<1>::Text(key, kArgument) : "";
+    const std::string name = PyUnicode_Check(key) != 0 ? Arguments::Text(key, kArgument) : "";
     const std::string argument = std::string(kArgument) + "[\"" + name + "\"]";
     if (name == "eye") {
       eye.place = Vector(value, argument);
@@ -91,7 +91,7 @@ drawing::NamedDirection WantedView::Of(const drawing::Model& model, bool yUp) co
 
 WantedView ViewOf(PyObject* object, bool yUp) {
   if (object == nullptr) return Named("iso", yUp);
-  if (PyUnicode_Check(object) != 0) return Named(Arguments<1>::Text(object, kArgument), yUp);
+  if (PyUnicode_Check(object) != 0) return Named(Arguments::Text(object, kArgument), yUp);
   if (PyDict_Check(object) != 0) return FromEye(object);
   const bool isPair = PySequence_Check(object) != 0 && PySequence_Size(object) == 2;
   DropError();

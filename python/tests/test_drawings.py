@@ -57,6 +57,8 @@ def test_assemblies_and_outlines():
     front = two.draw("right", outlines=True)
     assert sorted(outline.area for outline in front.outlines) == pytest.approx([0.0, 1.0])  # one hides the other
     assert set(two.draw("iso").shell.tolist()) == {0, 1}
+    for points in [line["points"] for line in json.loads(front.json())["views"][0]["polylines"]], [two.outline("right").coords]:
+        assert np.concatenate(points).min(axis=0) == pytest.approx((front.coords + front.origin).min(axis=0))
     assert b"cube-2" in two.draw("top", outlines=True).dxf()
 
 
@@ -145,6 +147,14 @@ def test_results_are_those_of_the_tool(tmp_path):
     subprocess.run([TOOL, "draw", mesh, "--eye", "300,-250,200", "--fov", "25", "--hidden", "dashed", "-o", tmp_path / "e.svg"], check=True)
     eye = zbr.read(mesh).draw({"eye": (300, -250, 200), "fov": 25})
     assert eye.svg() == (tmp_path / "e.svg").read_text()
+    for model, options, made in (
+        ("assembly.stl", "--look 1,1,-0.9 --contact 0", lambda mesh: mesh.draw((1, 1, -0.9), hidden="principal", contact=0)),
+        ("cover.obj", "--view dimetric --curves off --silhouettes smooth", lambda mesh: mesh.draw("dimetric", hidden="none", curves=False, silhouettes="smooth")),
+        ("cover.obj", "--tangent layer --hidden layer", lambda mesh: mesh.draw(tangents=True).sheet(tangent="layer", hidden="layer")),
+        ("housing.obj", "--view front,iso --axes y", lambda mesh: zbr.sheet(mesh.draw_views(["front", "iso"], hidden="principal", axes="y"))),
+    ):
+        subprocess.run([TOOL, "draw", EXAMPLES / model, *options.split(), "-o", tmp_path / "o.svg"], check=True)
+        assert made(zbr.read(EXAMPLES / model)).svg() == (tmp_path / "o.svg").read_text(), options
     random = np.random.default_rng(3)
     a, b = (zbr.Region(random.random((60, 2))) for _ in range(2))
     zbr.write(tmp_path / "a.wkt", a)
@@ -179,7 +189,7 @@ def test_regions_through_files(tmp_path, suffix):
     again = zbr.read(tmp_path / f"r.{suffix}")
     assert sorted(map(tuple, again.coords)) == sorted(map(tuple, region.coords))
     data = (tmp_path / f"r.{suffix}").read_bytes()
-    assert zbr.read("memory", data=data, format={"txt": "text"}.get(suffix, suffix)) == again
+    assert zbr.read(data=data, format={"txt": "text"}.get(suffix, suffix)) == again
 
 
 def test_drawings_of_others():

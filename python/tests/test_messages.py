@@ -23,13 +23,15 @@ OPTIONS = {
     zbr.Mesh: (([(0, 0, 0)], []), "y_up name"),
     zbr.union: ((REGION, REGION), "tolerance sources threads progress"),
     zbr.check: ((RING,), "rings most"),
+    zbr.make_valid: ((RING,), "rings fill tolerance progress"),
     zbr.faces: ((RING,), "lines tolerance"),
     REGION.simplify: ((), "tolerance"),
     REGION.svg: ((), "width"),
-    MESH.draw: ((), "view hidden crease weld tangents intersections outlines threads progress smooth_silhouettes centre_lines"),
+    MESH.draw: ((), "view hidden crease weld contact tangents intersections outlines threads progress silhouettes centre_lines curves axes"),
     MESH.outline: ((), "view weld threads"),
     DRAWING.polylines: ((), "kind"),
     zbr.sheet: (([DRAWING],), "paper projection title number author date unit hidden tangent progress"),
+    zbr.Regions.of([REGION]).contains: ((), "points"),
     read_triangle: ((), "deviation join fill layers"),
 }
 FIRST = [zbr.Region, zbr.Region.of, zbr.Regions.of, zbr.unite, zbr.check, zbr.faces, REGION.contains, MESH.pick, zbr.Mesh.of, zbr.Mesh.join,
@@ -61,6 +63,16 @@ def test_wrong_first_arguments_are_named(tmp_path, monkeypatch):
         refused = [is_refused(lambda: function(wrong), r"[\w\[\]\"]+( \d+)?:|\[Errno") for wrong in WRONG]
         assert sum(refused) > len(WRONG) / 3
     assert any(is_refused(lambda: zbr.read("x.wkt", data=b"", format=wrong), r"format: |x.wkt:") for wrong in WRONG)
+
+
+def test_unknown_words_are_told_with_those_there_are():
+    for option, known in {"hidden": "none, principal and all", "silhouettes": "facets and smooth", "axes": "z and y"}.items():
+        with pytest.raises(ValueError, match=f"^{option}: one of {known} is needed$"):
+            MESH.draw(**{option: "unknown"})
+    with pytest.raises(ValueError, match="^contact: a finite number of 0 or more is needed$"):
+        MESH.draw(contact=-1)
+    with pytest.raises(TypeError, match="^file: "):
+        zbr.read()
 
 
 def test_arguments_are_looked_at_before_work():

@@ -91,6 +91,14 @@ def test_batches_are_calls_one_by_one(op):
         OPS[op](a, b[:5])
     assert list(pickle.loads(pickle.dumps(batch))) == one_by_one
     assert list(batch[200:300][7:]) == one_by_one[207:300]
+    for name in ("bounds", "centroid"):
+        assert np.array_equal(getattr(batch, name), [getattr(r, name) for r in one_by_one], equal_nan=True)
+    points = np.array([r.coords[0] + (0.1, 0.2) if r else (0, 0) for r in one_by_one])
+    expected = [bool(r.contains([p])[0]) for r, p in zip(one_by_one, points)]
+    assert batch.contains(points).tolist() == expected and 0 < sum(expected) < 700
+    assert batch.locate(points[:1]).tolist() == [int(r.locate(points[:1])[0]) for r in one_by_one]
+    assert list(batch.simplify(0.05)) == [r.simplify(0.05) for r in one_by_one]
+    assert zbr.Regions.of(batch.to_shapely()).area == pytest.approx(batch.area)
 
 
 @pytest.mark.parametrize("valid", [False, True])

@@ -95,11 +95,14 @@ class Mesh(_zbr.Mesh):
         (2, 3); or the perspective of an eye, {"eye": (x, y, z)}, with the keys at (what it looks at; by default the middle of the
         model), up, and fov (degrees at which the picture is cut off; by default all is drawn).
 
-        Options: hidden=True (hidden lines too), crease=30.0 (degrees between faces from which on an edge is drawn), weld=0.0
-        (points closer than this part of the diagonal are one), tangents=False (smooth edges at which fillets end),
-        intersections=True (lines where bodies pass through each other), smooth_silhouettes=None (of the surface that the facets
-        stand for; None: for scans only), centre_lines=False (of holes and shafts; perspectives have none), outlines=False (what
-        is seen of each object), threads=1 (0: one for each processor), progress=None.
+        Options: hidden=True (hidden lines too; "principal": in views along an axis), crease=30.0 (degrees between faces from which
+        on an edge is drawn), weld=0.0 (points closer than this part of the diagonal are one), contact=None (bodies at most this
+        far apart stand face to face, and the edges that they share are drawn; None: what coordinates in single precision are
+        rounded to), tangents=False (smooth edges at which fillets end; sheets draw them thin or on a layer), intersections=True
+        (lines where bodies pass through each other), silhouettes=None ("facets": along their edges; "smooth": of the surface that
+        they stand for; None: smooth for scans), curves=True (circles, arcs and ellipses in files where chains of edges lie on
+        circles), centre_lines=False (of holes and shafts; perspectives have none), outlines=False (what is seen of each object,
+        which sheets fill), axes=None ("y" or "z" points up; None: as the mesh says), threads=1 (0: one for each processor), progress=None. ValueError names what is wrong.
         """
         return self._draw([view], **options)[0]
 
@@ -107,7 +110,7 @@ class Mesh(_zbr.Mesh):
         """Draws several views, which costs less than one by one; options as for draw()."""
         return self._draw(views, **options)
 
-    def section(self, plane: str, *, hidden: bool = False, **options: Any) -> Drawing:
+    def section(self, plane: str, *, hidden: bool | str = False, **options: Any) -> Drawing:
         """Draws a section: what a plane lays open and what lies behind. The faces are the drawing's section_faces.
 
         plane: "X=10", "Y=10" or "Z=10", seen as right, front and top are; "X=10..25": what lies between the two; "1,0,1=20": at
@@ -158,10 +161,21 @@ class Mesh(_zbr.Mesh):
 class Drawing(_zbr.Drawing):
     """The lines of one view, visible ones first. Made by Mesh.draw().
 
-    Coordinates are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin.
+    Coordinates are in the unit of the model, x to the right and y up, with the middle of the model's box as the origin: those of
+    the lines, of outlines and section_faces. Adding `origin` gives those from the model's origin, which Mesh.outline() has.
+
+    >>> box = Mesh([(0, 0, 0), (4, 0, 0), (0, 2, 0), (0, 0, 6)], [(0, 2, 1), (0, 1, 3), (1, 2, 3), (0, 3, 2)])
+    >>> drawing = box.draw("front")
+    >>> drawing.coords.max(axis=0).tolist(), (drawing.coords + drawing.origin).max(axis=0).tolist()
+    ([2.0, 3.0], [4.0, 6.0])
     """
 
     __slots__ = ()
+
+    @property
+    def origin(self) -> NDArray[np.float64]:
+        """(2,): where the origin of the drawing lies, seen from the model's."""
+        return np.array(self.middle[:2])
 
     def polylines(self, hidden: bool | None = None, kind: str | None = None) -> list[NDArray[np.float64]]:
         """The lines as arrays (n, 2), views of coords: all, or those that are hidden or not, or of one of KINDS."""
@@ -191,6 +205,10 @@ class Drawing(_zbr.Drawing):
 
     def pdf(self, **options: Any) -> bytes:
         return self.sheet(**options).pdf()
+
+    def json(self, **options: Any) -> str:
+        """Lines, where they come from, outlines: the file that the tool writes. Coordinates are from the model's origin."""
+        return self.sheet(**options).json()
 
     def save(self, path: str | os.PathLike[str], **options: Any) -> None:
         """Writes a file: svg, dxf, pdf or json by its name."""

@@ -47,12 +47,12 @@ class Region(_zbr.Region):
     __slots__ = ()
 
     @classmethod
-    def of(cls, thing: Any, *, fill: str = "evenodd") -> Region:
+    def of(cls, thing: Any, *, fill: str = "evenodd", **options: Any) -> Region:
         """A region of anything that has polygons.
 
         That is: a Region, whatever has __geo_interface__ (shapely, geopandas, fiona), a GeoJSON geometry, feature or collection
         as a dict, WKT (str), WKB (bytes), a GeoArrow array of polygons (all of them united), an (n, 2) array, or a list of such
-        arrays, the rings.
+        arrays, the rings. Options: tolerance, progress.
 
         >>> Region.of("POLYGON ((0 0, 4 0, 0 4, 0 0))").area
         8.0
@@ -60,7 +60,7 @@ class Region(_zbr.Region):
         if isinstance(thing, Region):
             return thing
         if hasattr(thing, "__arrow_c_array__"):
-            return cls(*_zbr.arrays_of_arrow(*thing.__arrow_c_array__())[:3], fill=fill)
+            return cls(*_zbr.arrays_of_arrow(*thing.__arrow_c_array__())[:3], fill=fill, **options)
         arrays = _geo.arrays_of_wkt(thing) if isinstance(thing, str) else _geo.arrays_of(thing)
         if arrays is None:
             region, _, unclosed = _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)
@@ -68,7 +68,11 @@ class Region(_zbr.Region):
                 raise ValueError(f"WKT: rings have to be closed, and {unclosed} are not")
             return region
         coords, rings, polygons = arrays
-        return cls(coords, rings, polygons, fill=fill)
+        return cls(coords, rings, polygons, fill=fill, **options)
+
+    def contains(self, points: ArrayLike, *, progress: Progress | None = None) -> NDArray[np.bool_]:
+        """(n,) bool: whether the points (n, 2) lie in the interior. The first call builds an index."""
+        return self.locate(points, progress=progress) > 0
 
     @property
     def sources(self) -> NDArray[Any]:
@@ -196,6 +200,18 @@ class Regions(_zbr.Regions):
         coords = self.coords[rings[0] : rings[-1]]
         return Regions(coords, rings - rings[0], polygons - polygons[0], regions - regions[0], valid=True)
 
+    def contains(self, points: ArrayLike, *, progress: Progress | None = None) -> NDArray[np.bool_]:
+        """(m,) bool: whether point i of points (m, 2) lies in the interior of region i, or a single point (1, 2) in that of each."""
+        return self.locate(points, progress=progress) > 0
+
+    def simplify(self, tolerance: float) -> Regions:
+        """Each region as Region.simplify() gives it."""
+        return Regions._concatenate(region.simplify(tolerance) for region in self)
+
+    def to_shapely(self) -> list[Any]:
+        """shapely polygons and multipolygons; needs shapely."""
+        return [region.to_shapely() for region in self]
+
     def __iter__(self) -> Iterator[Region]:
         return (self[i] for i in range(len(self)))
 
@@ -238,6 +254,16 @@ difference = _zbr.difference
 xor = _zbr.xor
 combine = _zbr.combine
 faces = _zbr.faces
+
+
+def make_valid(coords: Any, rings: ArrayLike | None = None, **options: Any) -> Region:
+    """The region that rings bound, whatever they do to themselves and each other: arrays as Region takes them, or what Region.of()
+    takes. Options: fill="evenodd", tolerance=0.0, progress=None. Regions does the same to many at once.
+
+    >>> make_valid([(0, 0), (4, 4), (4, 0), (0, 4)]).area
+    8.0
+    """
+    return Region.of(coords, **options) if rings is None else Region(coords, rings, **options)
 
 
 def unite(regions: Iterable[Any], **options: Any) -> Region:
