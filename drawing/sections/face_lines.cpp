@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "drawing/sections/common_cuts.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -75,7 +77,7 @@ void FaceLines::AddOpen(const SeenContour& contour) {
   line.triangles = contour.triangles;
   line.shell = contour.shell;
   ++open_;
-  Finish(line);
+  lines_.push_back(std::move(line));
 }
 
 void FaceLines::AddFace(const SectionFace& face, const ZBR_REGION& cover) {
@@ -94,7 +96,7 @@ void FaceLines::AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_
   line.points.push_back(line.points.front());
   for (std::size_t i = 0; i + 1 < line.points.size(); ++i)
     line.triangles.push_back(TriangleAt(line.points[i], line.points[i + 1], shell));
-  Finish(line);
+  lines_.push_back(std::move(line));
 }
 
 void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
@@ -103,7 +105,7 @@ void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
   line.shell = face.shell;
   line.isCut = false;
   const auto flush = [&] {
-    if (line.points.size() > 1) Finish(line);
+    if (line.points.size() > 1) lines_.push_back(line);
     line.points.clear();
     line.triangles.clear();
   };
@@ -127,25 +129,26 @@ void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
 }
 
 // Leaves out what lies straight between its neighbours; of closed lines the first point stays.
-void FaceLines::Finish(SectionLine& line) {
-  SectionLine kept = line;
-  kept.points.assign(1, line.points.front());
-  for (std::size_t i = 1; i + 1 < line.points.size(); ++i) {
-    const ZBR_PT along = line.points[i + 1] - kept.points.back();
+void FaceLines::Straighten(SectionLine& line) const {
+  std::vector<ZBR_PT> points = std::move(line.points);
+  line.points.assign(1, points.front());
+  for (std::size_t i = 1; i + 1 < points.size(); ++i) {
+    const ZBR_PT along = points[i + 1] - line.points.back();
     const double length = along.Length();
-    const ZBR_PT off = line.points[i] - kept.points.back();
+    const ZBR_PT off = points[i] - line.points.back();
     const bool ahead = off.InnerProduct(along) >= 0 && off.InnerProduct(along) <= length * length;
     if (length > 0 && ahead && std::abs(along.OuterProduct(off)) <= straight_ * length) continue;
-    kept.points.push_back(line.points[i]);
+    line.points.push_back(points[i]);
   }
-  kept.points.push_back(line.points.back());
-  std::erase(kept.triangles, kNoTriangle);
-  kept.triangles.erase(std::unique(kept.triangles.begin(), kept.triangles.end()), kept.triangles.end());
-  lines_.push_back(std::move(kept));
+  line.points.push_back(points.back());
+  std::erase(line.triangles, kNoTriangle);
+  line.triangles.erase(std::unique(line.triangles.begin(), line.triangles.end()), line.triangles.end());
 }
 
-std::vector<SectionLine> FaceLines::Take() {
+std::vector<SectionLine> FaceLines::Take(std::optional<double> contact) {
   std::stable_sort(lines_.begin(), lines_.end(), [](const SectionLine& a, const SectionLine& b) { return a.shell < b.shell; });
+  if (contact) LeaveOutCommonCuts(lines_, *contact);
+  for (SectionLine& line : lines_) Straighten(line);
   return std::move(lines_);
 }
 

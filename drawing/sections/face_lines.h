@@ -4,6 +4,7 @@
 #include <zbr-drawing/section.h>
 
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -30,8 +31,8 @@ class FaceLines {
 
   std::size_t OpenCount() const { return open_; }
   std::size_t BridgeCount() const { return bridged_; }
-  // Everything added, by shell.
-  std::vector<SectionLine> Take();
+  // Everything added, by shell. With a contact, what outlines of several bodies have in common is one line.
+  std::vector<SectionLine> Take(std::optional<double> contact);
 
  private:
   using Points = std::vector<ZBR_PT>;
@@ -42,14 +43,14 @@ class FaceLines {
 
   void AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_t shell);
   void AddRest(const SectionFace& face, const ZBR_REGION& cover);
-  void Finish(SectionLine& line);
+  void Straighten(SectionLine& line) const;
   // That of the shell or, as the edges of its hollows are of others, of any.
   std::uint32_t TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint32_t shell);
 
   double straight_;
   std::vector<Crossed> crossed_;
   bool isSorted_ = false;
-  std::vector<SectionLine> lines_;
+  std::vector<SectionLine> lines_;  // with a triangle for each edge
   std::size_t open_ = 0, bridged_ = 0;
 };
 

@@ -5,12 +5,13 @@
 // and a step whose face lies in the plane shows as a face. Shells that face inwards within another of their body are its hollows
 // and taken from it; others are bodies turned inside out. Cuts of open shells are joined across the shells of a body, as sheets
 // that meet three at an edge are shells by themselves.
-#include <zbr-drawing/section.h>
+#include "drawing/sections/drawn_section.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "drawing/sections/contours.h"
@@ -186,9 +187,7 @@ ZBR_REGION CutOf(const ShellCut& cut) {
   return common;
 }
 
-}  // namespace
-
-SectionCut FindSection(const Model& model, const View& view, const SectionPlane& plane) {
+SectionCut Find(const Model& model, const View& view, const SectionPlane& plane, std::optional<double> contact) {
   SectionCut section;
   FaceLines lines(model.Diagonal());
   BodyCutter cutter(model, view, plane, lines);
@@ -203,8 +202,18 @@ SectionCut FindSection(const Model& model, const View& view, const SectionPlane&
   }
   section.openLines = lines.OpenCount();
   section.bridged = lines.BridgeCount();
-  section.lines = lines.Take();
+  section.lines = lines.Take(contact);
   return section;
+}
+
+}  // namespace
+
+SectionCut FindSection(const Model& model, const View& view, const SectionPlane& plane) {
+  return Find(model, view, plane, std::nullopt);
+}
+
+SectionCut FindDrawnSection(const Model& model, const View& view, const SectionPlane& plane, double contact) {
+  return Find(model, view, plane, contact);
 }
 
 }  // namespace zbr::drawing

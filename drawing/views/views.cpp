@@ -13,6 +13,7 @@
 #include "drawing/intersections/seams.h"
 #include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
+#include "drawing/sections/drawn_section.h"
 #include "drawing/silhouettes/smooth_silhouettes.h"
 #include "drawing/views/crumbs.h"
 #include "drawing/views/perspective.h"
@@ -64,7 +65,8 @@ Prepared Prepare(const Model& model, const Found& found, const NamedDirection& d
   if (options.contact >= 0) view.scene.contact = options.contact * view.scene.scale;
   if (direction.section) {
     view.whole = ExtentOf(view.scene);
-    view.section = FindSection(model, direction.view, *direction.section);
+    const double contact = std::max(view.scene.contact, kSceneTolerance) / view.scene.scale;
+    view.section = FindDrawnSection(model, direction.view, *direction.section, contact);
     CutScene(model, lines, PlanesOf(*direction.section), view.section, view.scene);
   }
   if (direction.view.perspective) FitPicture(model, lines, view.scene);

@@ -261,11 +261,40 @@ TEST(Sections, ViewsAreThoseOfBodiesThatEndThere) {
     return mesh;
   };
   const View right = *NamedView("right");
-  constexpr double kSeam = 8;  // of two bodies, which draw it once; but cut faces have each all of their outline
-  EXPECT_NEAR(Draw(scene(9), "X=2", right).VisibleLength() - kSeam, Draw(scene(2), "", right).VisibleLength(), 1e-4);
+  EXPECT_NEAR(Draw(scene(9), "X=2", right).VisibleLength(), Draw(scene(2), "", right).VisibleLength(), 1e-4);
   const ViewLines slab = Draw(scene(9), "X=-2..2", right);
   EXPECT_LT(slab.VisibleLength(), Draw(scene(2), "", right).VisibleLength() - 10);  // the far box and the peg are gone
   for (const Line& line : Draw(scene(9), "X=2", right).lines) EXPECT_FALSE(line.hidden);
+}
+
+// Boxes beside each other, one of them on a plate; as they are, and in single precision at a slant.
+TEST(Sections, OutlinesInCommonAreDrawnOnce) {
+  Mesh mesh = Box({0, 0, 0}, {10, 5, 10});
+  Append(mesh, Box({10, -1, 2}, {20, 4, 6}));
+  Append(mesh, Box({-5, -5, -3}, {25, 9, 0}));
+  struct Expected {
+    std::size_t points;
+    double length;
+  };
+  const Expected expected[] = {{6, 40.0}, {4, 28.0 - 4.0}, {6, 66.0 - 10.0}};  // whole ones begin within an edge
+  for (const bool turned : {false, true}) {
+    if (turned) example::Turn(mesh, {0, 1, 0}, 0.3);
+    for (ZBR_PT3& p : mesh.points) {
+      const auto rounded = [](double x) { return static_cast<double>(static_cast<float>(x)); };
+      p.Set(rounded(p.x()), p.y(), rounded(p.z()));
+    }
+    std::size_t found = 0;
+    for (const Line& line : Draw(mesh, "Y=2", SectionView(ParseSection("Y=2"))).lines) {
+      if (line.edgeClass != EdgeClass::kCut) continue;
+      ASSERT_LT(found, 3U);
+      EXPECT_FALSE(line.chain.edges.empty());
+      EXPECT_EQ(line.chain.points.size(), expected[found].points);
+      double length = 0.0;
+      for (std::size_t i = 1; i < line.chain.points.size(); ++i) length += line.chain.points[i].Distance(line.chain.points[i - 1]);
+      EXPECT_NEAR(length, expected[found++].length, 1e-4);
+    }
+    EXPECT_EQ(found, 3U);
+  }
 }
 
 TEST(Sections, HatchingFillsFacesAndTellsBodiesApart) {
