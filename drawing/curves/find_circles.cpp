@@ -11,6 +11,7 @@
 
 #include "drawing/curves/arc_search.h"
 #include "drawing/curves/circle_fit.h"
+#include "drawing/curves/rims.h"
 #include "drawing/curves/roundings.h"
 
 namespace zbr::drawing {
@@ -118,7 +119,9 @@ struct OpenChain {
 
 void AddArcs(const Model& model, std::size_t shell, const Noise& noise, std::vector<FoundArc>& found,
              std::vector<OpenChain>& rest) {
-  for (EdgeChain& chain : ChainEdges(model, shell, kFewestOfShort)) {
+  std::vector<EdgeChain> chains = ChainEdges(model, shell, kFewestOfShort);
+  GoOnInPlane(model, shell, chains);
+  for (EdgeChain& chain : chains) {
     std::size_t chords = 0;
     for (ChainArc& arc : FindArcs(chain, noise)) {
       found.push_back(Collect(model, shell, chain, std::move(arc)));

@@ -386,6 +386,44 @@ TEST(Intersections, SeamsOfPinsInBoresAreWhole) {
   }
 }
 
+// A plate with round corners and a fillet around its top, of which the lowest facets are higher at some of the corners, so that no
+// tangent line is seen there: the silhouette has an arc at each.
+TEST(Curves, EqualCornersHaveEqualArcs) {
+  const double pi = 3.14159265358979;
+  constexpr std::uint32_t kSteps = 6, kBands = 4, kRing = 4 * (kSteps + 1);
+  for (unsigned higher = 0; higher < 16; ++higher) {
+    Mesh mesh;
+    for (std::uint32_t band = 0; band <= kBands + 1; ++band) {
+      for (std::uint32_t k = 0; k < kRing; ++k) {
+        const std::uint32_t corner = k / (kSteps + 1), step = k % (kSteps + 1);
+        const bool isHigher = band == 2 && ((higher >> corner) & 1U) != 0 && step > 0 && step < kSteps;
+        const double up = band == 0 ? 0.0 : (band - 1 + (isHigher ? 0.6 : 0.0)) * pi / 2 / kBands;
+        const double a = (corner + static_cast<double>(step) / kSteps) * pi / 2, radius = 4.5 + 1.5 * std::cos(up);
+        mesh.points.emplace_back((corner == 1 || corner == 2 ? -24 : 24) + radius * std::cos(a),
+                                 (corner < 2 ? 14 : -14) + radius * std::sin(a), band == 0 ? 0.0 : 2.0 + 1.5 * std::sin(up));
+      }
+    }
+    for (std::uint32_t k = 0; k < kRing * (kBands + 1); ++k) {
+      const std::uint32_t next = k % kRing + 1 < kRing ? k + 1 : k + 1 - kRing;
+      mesh.triangles.push_back({k, next, next + kRing});
+      mesh.triangles.push_back({k, next + kRing, k + kRing});
+    }
+    for (std::uint32_t k = 1; k + 1 < kRing; ++k) {
+      mesh.triangles.push_back({0, k + 1, k});
+      mesh.triangles.push_back({kRing * (kBands + 1), kRing * (kBands + 1) + k, kRing * (kBands + 1) + k + 1});
+    }
+    for (ZBR_PT3& p : mesh.points) p.Set(static_cast<float>(p.x()), static_cast<float>(p.y()), static_cast<float>(p.z()));
+    std::size_t arcs = 0, chords = 0;
+    for (const Line& line : DrawView(MakeModel(mesh, 30.0), "top", {}).lines) {
+      if (line.edgeClass != EdgeClass::kSilhouette) continue;
+      for (const CircleRun& run : line.chain.curves) chords += run.last - run.at;
+      arcs += line.chain.curves.size();
+    }
+    EXPECT_EQ(arcs, 4U) << higher;
+    EXPECT_EQ(chords, 4 * kSteps) << higher;
+  }
+}
+
 // Seen at a slant the torus shows its outline, and of its hole the near and the far side up to where they meet.
 TEST(SmoothSilhouettes, AsManyAsTheSurfaceHasHoweverFineTheMesh) {
   for (const std::size_t triangles : {2000U, 9000U, 40000U}) {
