@@ -17,7 +17,12 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 }  // namespace
 
 DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
-    : model_(model), scene_(scene), circles_(circles), seen_(model, scene, circles), threads_(threads) {
+    : model_(model),
+      scene_(scene),
+      circles_(circles),
+      seen_(model, scene, circles),
+      threads_(threads),
+      triangleCount_(scene.TriangleCount()) {
   for (const ZBR_HL_SHELL& shell : scene.shells) begins_.push_back(begins_.back() + static_cast<std::uint32_t>(shell.count));
 }
 
@@ -34,11 +39,11 @@ DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge
   s.triangle = static_cast<std::uint32_t>(t);
   s.shell = s.other = static_cast<std::uint32_t>(shell);
   s.segment.segment = segment;
-  if (t < scene_.TriangleCount()) {
+  if (t < triangleCount_) {
     const auto [source, side] = SourceOf(t, s.side);
     s.segment.edge = {model_.source[source], side};
   } else {
-    const auto [first, second] = scene_.crossing[t - scene_.TriangleCount()];
+    const auto [first, second] = scene_.crossing[t - triangleCount_];
     s.shell = model_.ShellOf(first);
     s.other = model_.ShellOf(second);
     s.segment.edge = {model_.source[first], EdgeRef::kAcross};
@@ -47,7 +52,7 @@ DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge
 }
 
 void DrawnSegments::Locate(DrawnSegment& drawn) const {
-  if (drawn.triangle >= scene_.TriangleCount()) return;
+  if (!IsOfOneShell(drawn)) return;
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
   if (side != EdgeRef::kAcross) seen_.Locate(drawn.shell, source - model_.shellBegin[drawn.shell], side, drawn.segment);
 }
@@ -78,12 +83,12 @@ std::vector<DrawnSegment> DrawnSegments::Hidden() const {
     segments.push_back(Located(Of(static_cast<std::size_t>(at.shell), static_cast<std::size_t>(at.triangle), at.edge, hidden[i])));
   }
   std::erase_if(segments, [](const DrawnSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
-  if (scene_.shells.size() > 1 && !scene_.view.perspective) LeaveOutDoubles(segments);
+  if (ShellCount() > 1 && !scene_.view.perspective) LeaveOutDoubles(segments);
   return segments;
 }
 
 bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const {
-  if (drawn.triangle >= scene_.TriangleCount()) return false;
+  if (!IsOfOneShell(drawn)) return false;
   const EdgeClass edgeClass = kDrawnClasses[drawn.edgeClass];
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
   if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;

@@ -31,7 +31,7 @@ struct DrawnSegment {
 
 class DrawnSegments {
  public:
-  // Refers to model, scene and circles; these may be null.
+  // Refers to model, scene and circles; these may be null. What was found needs the scene's triangles and shells no longer.
   DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads);
 
   // In the order of shells and triangles.
@@ -48,6 +48,10 @@ class DrawnSegments {
 
   // In perspective nothing is told to be a chord.
   DrawnStretch StretchOf(const DrawnSegment& drawn) const;
+
+  std::size_t ShellCount() const { return begins_.size() - 1; }
+  // Intersection lines have two shells.
+  bool IsOfOneShell(const DrawnSegment& drawn) const { return drawn.triangle < triangleCount_; }
 
   const Scene& GetScene() const { return scene_; }
   const Circles* KnownCircles() const { return circles_; }
@@ -83,6 +87,7 @@ class DrawnSegments {
   const Circles* circles_;
   SeenCircles seen_;
   const unsigned threads_;
+  const std::size_t triangleCount_;       // without intersection lines
   std::vector<std::uint32_t> begins_{0};  // of the shells' triangles, counted through, and the end
 };
 
