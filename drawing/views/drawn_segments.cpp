@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
+#include <utility>
 
 #include "drawing/parallel.h"
 
@@ -57,14 +57,31 @@ void DrawnSegments::Locate(DrawnSegment& drawn) const {
   if (side != EdgeRef::kAcross) seen_.Locate(drawn.shell, source - model_.shellBegin[drawn.shell], side, drawn.segment);
 }
 
-// In place: there may be millions of them, and these records are large.
+// In place: there may be millions of them, and these records are large. Those of triangles are larger still, and few have lines:
+// they are gone through once, and those with lines a second time.
 std::vector<DrawnSegment> DrawnSegments::Visible() const {
-  std::vector<std::size_t> counts(RangeCount(begins_.back()) + 1);
-  ForEachVisible([&](std::size_t range, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[range + 1]; });
-  std::partial_sum(counts.begin(), counts.end(), counts.begin());
-  std::vector<DrawnSegment> segments(counts.back());
-  ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
-    segments[counts[range]++] = Located(Of(s, t, edge, segment));
+  struct Seen {
+    std::vector<std::uint32_t> triangles;  // counted through all shells
+    std::size_t segments = 0;
+  };
+  std::vector<Seen> inRange(RangeCount(begins_.back()));
+  ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int, const ZBR_SEG&) {
+    Seen& seen = inRange[range];
+    const std::uint32_t triangle = begins_[s] + static_cast<std::uint32_t>(t);
+    if (seen.triangles.empty() || seen.triangles.back() != triangle) seen.triangles.push_back(triangle);
+    ++seen.segments;
+  });
+  std::size_t count = 0;
+  for (Seen& seen : inRange) count += std::exchange(seen.segments, count);
+  std::vector<DrawnSegment> segments(count);
+  RunParallel(inRange.size(), threads_, [&](std::size_t range) {
+    std::size_t at = inRange[range].segments, s = 0;
+    for (const std::uint32_t triangle : inRange[range].triangles) {
+      if (triangle >= begins_[s + 1])
+        s = static_cast<std::size_t>(std::upper_bound(begins_.begin(), begins_.end(), triangle) - begins_.begin() - 1);
+      const std::size_t t = triangle - begins_[s];
+      ForEachVisibleOf(s, t, [&](int edge, const ZBR_SEG& segment) { segments[at++] = Located(Of(s, t, edge, segment)); });
+    }
   });
   return segments;
 }

@@ -62,13 +62,16 @@ class DrawnSegments {
   template <class Use>
   void ForEachVisible(const Use& use) const {
     ForEachPart(begins_, threads_, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
-      for (std::size_t t = begin; t < end; ++t) {
-        for (int i = 0; i < 3; ++i) {
-          for (const ZBR_HL_INTERVAL& visible : scene_.shells[s].tris[t].intvl_v[i])
-            use(range, s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
-        }
-      }
+      for (std::size_t t = begin; t < end; ++t)
+        ForEachVisibleOf(s, t, [&](int edge, const ZBR_SEG& segment) { use(range, s, t, edge, segment); });
     });
+  }
+  template <class Use>
+  void ForEachVisibleOf(std::size_t shell, std::size_t triangle, const Use& use) const {
+    for (int i = 0; i < 3; ++i) {
+      for (const ZBR_HL_INTERVAL& visible : scene_.shells[shell].tris[triangle].intvl_v[i])
+        use(i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+    }
   }
 
   // Without angles.
