@@ -72,6 +72,8 @@ Beside::Beside(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, 
     bundles_[static_cast<std::size_t>(b)].along = along / along.Length();
   }
   const auto n = static_cast<std::uint32_t>(first.size() + second.size());
+  shorts_.Reserve(n - longCount_);
+  ends_.Reserve(2 * longCount_);
   for (std::uint32_t i = 0; i < n; ++i) {
     if (IsLong(At(i))) {
       AddLong(i);
@@ -92,14 +94,14 @@ void Beside::MeasureLong() {
   width_ += kRounding * largest;
   const double least = kRoom * width_ * kBundles;
   short_ = least + 2.0 * width_;
-  double sum = 0.0, count = 0.0;
+  double sum = 0.0;
   for (std::size_t i = 0; i < first_.size() + second_.size(); ++i) {
     const double length = At(i).s().Distance(At(i).e());
     if (!(length > short_)) continue;
     sum += length;
-    count += 1.0;
+    ++longCount_;
   }
-  piece_ = std::max(short_, count > 0.0 ? sum / count / kPieces : 0.0);
+  piece_ = std::max(short_, longCount_ > 0 ? sum / static_cast<double>(longCount_) / kPieces : 0.0);
 }
 
 void Beside::AddLong(std::uint32_t i) {

@@ -40,6 +40,10 @@ class Beside {
   // the hundred, half of all that a search meets would come too late to matter.
   class PartTree {
    public:
+    void Reserve(std::size_t count) {
+      segments_.reserve(count);
+      boxes_.reserve(count);
+    }
     void Add(std::uint32_t segment, const ZBR_PT& p, const ZBR_PT& q) {
       segments_.push_back(segment);
       boxes_.push_back(BoxOfSegment(p, q));
@@ -100,6 +104,7 @@ class Beside {
   double width_;        // with room for rounding
   double short_ = 0.0;  // length up to which a segment, or a stretch that two have in common, is short
   double piece_ = 0.0;  // length of the pieces of long ones
+  std::size_t longCount_ = 0;
   PartTree shorts_;
   PartTree ends_;    // of long ones
   PartTree pieces_;  // of long ones

@@ -122,6 +122,13 @@ std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<co
   return found;
 }
 
+std::vector<std::uint32_t> OrderOfCentres(std::span<const ZBR_SEG> segments) {
+  std::vector<ZBR_PT> centres;
+  centres.reserve(segments.size());
+  for (const ZBR_SEG& g : segments) centres.push_back((g.s() + g.e()) / 2.0);
+  return SpatialOrder(centres);
+}
+
 // Finds what covers one segment after another.
 class Cover {
  public:
@@ -211,15 +218,12 @@ class Cover {
 std::vector<Gap> UncoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width,
                                 const Sharing& sharing) {
   const std::vector<std::uint32_t> numbers = FindNew(others, segments, width);
+  if (numbers.empty()) return {};
   std::vector<ZBR_SEG> news;
-  std::vector<ZBR_PT> centres;
-  for (const std::uint32_t i : numbers) {
-    news.push_back(segments[i]);
-    centres.push_back((segments[i].s() + segments[i].e()) / 2.0);
-  }
-  if (news.empty()) return {};
+  news.reserve(numbers.size());
+  for (const std::uint32_t i : numbers) news.push_back(segments[i]);
   const Beside beside(news, others, width, sharing);
-  const std::vector<std::uint32_t> order = SpatialOrder(centres);
+  const std::vector<std::uint32_t> order = OrderOfCentres(news);
   constexpr std::size_t kPiece = 4096;
   std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
   sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <span>
 #include <utility>
 
 #include "drawing/model/edge_classes.h"
@@ -30,17 +31,15 @@ void Enclose(const ZBR_PT3& p, ZBR_PT3& low, ZBR_PT3& high) {
 // Joins the points of each body for itself: bodies that touch stay bodies. Returns where each point of the mesh went.
 std::vector<std::uint32_t> WeldBodies(const Mesh& mesh, double weld, unsigned threads, std::vector<ZBR_PT3>& points) {
   const std::vector<MeshObject> starts = BodyStarts(mesh);
-  if (starts.size() == 1) {
-    points = mesh.points;
-    return WeldPoints(points, weld, threads);
-  }
+  const std::span<const ZBR_PT3> all = mesh.points;
+  if (starts.size() == 1) return WeldPoints(all, weld, threads, points);
   std::vector<std::uint32_t> places;
+  places.reserve(all.size());
   for (std::size_t k = 0; k < starts.size(); ++k) {
-    const std::size_t end = k + 1 < starts.size() ? starts[k + 1].firstPoint : mesh.points.size();
-    std::vector<ZBR_PT3> own(mesh.points.begin() + starts[k].firstPoint, mesh.points.begin() + static_cast<std::ptrdiff_t>(end));
-    const auto before = static_cast<std::uint32_t>(points.size());
-    for (const std::uint32_t place : WeldPoints(own, weld, threads)) places.push_back(before + place);
-    points.insert(points.end(), own.begin(), own.end());
+    const std::size_t end = k + 1 < starts.size() ? starts[k + 1].firstPoint : all.size();
+    const auto own = all.subspan(starts[k].firstPoint, end - starts[k].firstPoint);
+    const std::vector<std::uint32_t> ownPlaces = WeldPoints(own, weld, threads, points);
+    places.insert(places.end(), ownPlaces.begin(), ownPlaces.end());
   }
   return places;
 }

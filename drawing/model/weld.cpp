@@ -64,7 +64,7 @@ Cell CellOfPosition(const ZBR_PT3& p) {
 // Equal points have equal hashes: sorted by some bits of them, points fall into groups that have nothing to do with each other.
 class EqualPoints {
  public:
-  EqualPoints(const std::vector<ZBR_PT3>& points, unsigned threads) : points_(points), threads_(threads) {
+  EqualPoints(std::span<const ZBR_PT3> points, unsigned threads) : points_(points), threads_(threads) {
     Sort();
     FindFirst();
   }
@@ -121,29 +121,45 @@ class EqualPoints {
 
   static bool AreEqual(const ZBR_PT3& p, const ZBR_PT3& q) { return p.x() == q.x() && p.y() == q.y() && p.z() == q.z(); }
 
-  const std::vector<ZBR_PT3>& points_;
+  const std::span<const ZBR_PT3> points_;
   const unsigned threads_;
   std::vector<std::uint32_t> hashes_, places_, first_;
   std::array<std::uint32_t, kGroups + 1> groupBegin_{};
 };
 
-std::vector<std::uint32_t> WeldEqual(std::vector<ZBR_PT3>& points, unsigned threads) {
+// Those that stay are counted by range, so that each range knows their numbers.
+std::vector<std::uint32_t> WeldEqual(std::span<const ZBR_PT3> points, unsigned threads, std::vector<ZBR_PT3>& kept) {
   const EqualPoints equal(points, threads);
+  const std::vector<std::uint32_t>& first = equal.First();
+  std::vector<std::size_t> next(RangeCount(points.size()));
+  RunInRanges(points.size(), threads, [&](std::size_t range, std::size_t begin, std::size_t end) {
+    std::size_t count = 0;
+    for (std::size_t i = begin; i < end; ++i) count += first[i] == i ? 1U : 0U;
+    next[range] = count;
+  });
+  std::size_t size = kept.size();
+  for (std::size_t& count : next) size += std::exchange(count, size);
+  kept.resize(size);
   std::vector<std::uint32_t> places(points.size());
-  std::uint32_t kept = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const std::uint32_t first = equal.First()[i];
-    if (first == i) points[kept] = points[i];
-    places[i] = first == i ? kept++ : places[first];
-  }
-  points.resize(kept);
+  RunInRanges(points.size(), threads, [&](std::size_t range, std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      if (first[i] != i) continue;
+      kept[next[range]] = points[i];
+      places[i] = static_cast<std::uint32_t>(next[range]++);
+    }
+  });
+  RunInRanges(points.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      if (first[i] != i) places[i] = places[first[i]];
+    }
+  });
   return places;
 }
 
 // Cells of a grid of the tolerance, counted from a corner of the box of all points.
 class Grid {
  public:
-  Grid(const std::vector<ZBR_PT3>& points, double tolerance) : low_(points.front()), tolerance_(tolerance) {
+  Grid(std::span<const ZBR_PT3> points, double tolerance) : low_(points.front()), tolerance_(tolerance) {
     for (const ZBR_PT3& p : points) low_.Set(std::min(low_.x(), p.x()), std::min(low_.y(), p.y()), std::min(low_.z(), p.z()));
   }
 
@@ -159,7 +175,7 @@ class Grid {
   double tolerance_;
 };
 
-std::uint32_t FindClose(const CellTable& table, const std::vector<ZBR_PT3>& points, const ZBR_PT3& p, const Cell& cell,
+std::uint32_t FindClose(const CellTable& table, std::span<const ZBR_PT3> points, const ZBR_PT3& p, const Cell& cell,
                         double tolerance) {
   for (std::uint64_t i = 0; i < 27; ++i) {
     const Cell around = {cell[0] + i % 3 - 1, cell[1] + i / 3 % 3 - 1, cell[2] + i / 9 - 1};
@@ -171,31 +187,31 @@ std::uint32_t FindClose(const CellTable& table, const std::vector<ZBR_PT3>& poin
 }
 
 // Keeps the points near which none is kept.
-std::vector<std::uint32_t> WeldClose(std::vector<ZBR_PT3>& points, double tolerance) {
+std::vector<std::uint32_t> WeldClose(std::span<const ZBR_PT3> points, double tolerance, std::vector<ZBR_PT3>& kept) {
   const Grid grid(points, tolerance);
   CellTable table(points.size());
   std::vector<std::uint32_t> places;
   places.reserve(points.size());
-  std::uint32_t kept = 0;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    const ZBR_PT3 p = points[i];
+  const std::size_t before = kept.size();
+  for (const ZBR_PT3& p : points) {
     const Cell cell = grid.At(p);
-    std::uint32_t found = FindClose(table, points, p, cell, tolerance);
+    const std::span<const ZBR_PT3> own = std::span(kept).subspan(before);
+    std::uint32_t found = FindClose(table, own, p, cell, tolerance);
     if (found == kNone) {
       table.Add(cell);
-      found = kept;
-      points[kept++] = p;
+      found = static_cast<std::uint32_t>(own.size());
+      kept.push_back(p);
     }
-    places.push_back(found);
+    places.push_back(static_cast<std::uint32_t>(before) + found);
   }
-  points.resize(kept);
   return places;
 }
 
 }  // namespace
 
-std::vector<std::uint32_t> WeldPoints(std::vector<ZBR_PT3>& points, double tolerance, unsigned threads) {
-  return points.empty() || !(tolerance > 0) ? WeldEqual(points, threads) : WeldClose(points, tolerance);
+std::vector<std::uint32_t> WeldPoints(std::span<const ZBR_PT3> points, double tolerance, unsigned threads,
+                                      std::vector<ZBR_PT3>& kept) {
+  return points.empty() || !(tolerance > 0) ? WeldEqual(points, threads, kept) : WeldClose(points, tolerance, kept);
 }
 
 }  // namespace zbr::drawing

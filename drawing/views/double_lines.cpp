@@ -96,13 +96,11 @@ class CommonLines {
            (WeightOf(lines_[i].edgeClass) != kByThemselves && WeightOf(lines_[k].edgeClass) != kByThemselves);
   }
 
-  // Intersection lines have two shells and are found once for both.
-  bool IsOfOneShell(const DrawnSegment& line) const { return line.triangle < drawn_.GetScene().TriangleCount(); }
-
+  // Intersection lines are found once for both of their shells.
   std::vector<std::uint32_t> Order() const {
     std::vector<std::uint32_t> inClass[kByThemselves + 1];
     for (std::uint32_t i = 0; i < lines_.size(); ++i) {
-      if (IsOfOneShell(lines_[i])) inClass[WeightOf(lines_[i].edgeClass)].push_back(i);
+      if (drawn_.IsOfOneShell(lines_[i])) inClass[WeightOf(lines_[i].edgeClass)].push_back(i);
     }
     std::vector<std::uint32_t> order;
     for (const std::vector<std::uint32_t>& lines : inClass) order.insert(order.end(), lines.begin(), lines.end());
@@ -114,7 +112,7 @@ class CommonLines {
     std::vector<EndTree::End> ends;
     ends.reserve(2 * order_.size());
     for (std::uint32_t i = 0; i < lines_.size(); ++i) {
-      if (!IsOfOneShell(lines_[i])) continue;
+      if (!drawn_.IsOfOneShell(lines_[i])) continue;
       const ZBR_SEG& g = lines_[i].segment.segment;
       for (const ZBR_PT& p : {g.s(), g.e()})
         ends.push_back({static_cast<float>(p.x()), static_cast<float>(p.y()), lines_[i].shell, i});
@@ -125,7 +123,7 @@ class CommonLines {
   // Shells that stand apart have nothing in common with others but where it is the others that stand around them.
   std::vector<bool> Crowded() const {
     const double height = heights_.empty() ? 0.0 : *std::max_element(heights_.begin(), heights_.end());
-    std::vector<bool> isCrowded(drawn_.GetScene().shells.size());
+    std::vector<bool> isCrowded(drawn_.ShellCount());
     for (const std::uint32_t shell : ends_.CrowdedShells(height + contact_, threads_)) isCrowded[shell] = true;
     return isCrowded;
   }
@@ -259,7 +257,7 @@ class CommonLines {
 }  // namespace
 
 void LeaveOutVisibleDoubles(const DrawnSegments& drawn, unsigned threads, std::vector<DrawnSegment>& visible) {
-  if (drawn.GetScene().shells.size() < 2) return;
+  if (drawn.ShellCount() < 2) return;
   std::vector<std::size_t> places;
   std::vector<PartOfStretch> parts;
   CommonLines(drawn, visible, threads).Find(places, parts);

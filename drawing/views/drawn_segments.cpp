@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
+#include <utility>
 
 #include "drawing/parallel.h"
 
@@ -17,7 +17,12 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 }  // namespace
 
 DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
-    : model_(model), scene_(scene), circles_(circles), seen_(model, scene, circles), threads_(threads) {
+    : model_(model),
+      scene_(scene),
+      circles_(circles),
+      seen_(model, scene, circles),
+      threads_(threads),
+      triangleCount_(scene.TriangleCount()) {
   for (const ZBR_HL_SHELL& shell : scene.shells) begins_.push_back(begins_.back() + static_cast<std::uint32_t>(shell.count));
 }
 
@@ -34,11 +39,11 @@ DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge
   s.triangle = static_cast<std::uint32_t>(t);
   s.shell = s.other = static_cast<std::uint32_t>(shell);
   s.segment.segment = segment;
-  if (t < scene_.TriangleCount()) {
+  if (t < triangleCount_) {
     const auto [source, side] = SourceOf(t, s.side);
     s.segment.edge = {model_.source[source], side};
   } else {
-    const auto [first, second] = scene_.crossing[t - scene_.TriangleCount()];
+    const auto [first, second] = scene_.crossing[t - triangleCount_];
     s.shell = model_.ShellOf(first);
     s.other = model_.ShellOf(second);
     s.segment.edge = {model_.source[first], EdgeRef::kAcross};
@@ -47,19 +52,36 @@ DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge
 }
 
 void DrawnSegments::Locate(DrawnSegment& drawn) const {
-  if (drawn.triangle >= scene_.TriangleCount()) return;
+  if (!IsOfOneShell(drawn)) return;
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
   if (side != EdgeRef::kAcross) seen_.Locate(drawn.shell, source - model_.shellBegin[drawn.shell], side, drawn.segment);
 }
 
-// In place: there may be millions of them, and these records are large.
+// In place: there may be millions of them, and these records are large. Those of triangles are larger still, and few have lines:
+// they are gone through once, and those with lines a second time.
 std::vector<DrawnSegment> DrawnSegments::Visible() const {
-  std::vector<std::size_t> counts(RangeCount(begins_.back()) + 1);
-  ForEachVisible([&](std::size_t range, std::size_t, std::size_t, int, const ZBR_SEG&) { ++counts[range + 1]; });
-  std::partial_sum(counts.begin(), counts.end(), counts.begin());
-  std::vector<DrawnSegment> segments(counts.back());
-  ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
-    segments[counts[range]++] = Located(Of(s, t, edge, segment));
+  struct Seen {
+    std::vector<std::uint32_t> triangles;  // counted through all shells
+    std::size_t segments = 0;
+  };
+  std::vector<Seen> inRange(RangeCount(begins_.back()));
+  ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int, const ZBR_SEG&) {
+    Seen& seen = inRange[range];
+    const std::uint32_t triangle = begins_[s] + static_cast<std::uint32_t>(t);
+    if (seen.triangles.empty() || seen.triangles.back() != triangle) seen.triangles.push_back(triangle);
+    ++seen.segments;
+  });
+  std::size_t count = 0;
+  for (Seen& seen : inRange) count += std::exchange(seen.segments, count);
+  std::vector<DrawnSegment> segments(count);
+  RunParallel(inRange.size(), threads_, [&](std::size_t range) {
+    std::size_t at = inRange[range].segments, s = 0;
+    for (const std::uint32_t triangle : inRange[range].triangles) {
+      if (triangle >= begins_[s + 1])
+        s = static_cast<std::size_t>(std::upper_bound(begins_.begin(), begins_.end(), triangle) - begins_.begin() - 1);
+      const std::size_t t = triangle - begins_[s];
+      ForEachVisibleOf(s, t, [&](int edge, const ZBR_SEG& segment) { segments[at++] = Located(Of(s, t, edge, segment)); });
+    }
   });
   return segments;
 }
@@ -78,12 +100,12 @@ std::vector<DrawnSegment> DrawnSegments::Hidden() const {
     segments.push_back(Located(Of(static_cast<std::size_t>(at.shell), static_cast<std::size_t>(at.triangle), at.edge, hidden[i])));
   }
   std::erase_if(segments, [](const DrawnSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
-  if (scene_.shells.size() > 1 && !scene_.view.perspective) LeaveOutDoubles(segments);
+  if (ShellCount() > 1 && !scene_.view.perspective) LeaveOutDoubles(segments);
   return segments;
 }
 
 bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const {
-  if (drawn.triangle >= scene_.TriangleCount()) return false;
+  if (!IsOfOneShell(drawn)) return false;
   const EdgeClass edgeClass = kDrawnClasses[drawn.edgeClass];
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
   if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;

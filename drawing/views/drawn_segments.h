@@ -31,7 +31,7 @@ struct DrawnSegment {
 
 class DrawnSegments {
  public:
-  // Refers to model, scene and circles; these may be null.
+  // Refers to model, scene and circles; these may be null. What was found needs the scene's triangles and shells no longer.
   DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads);
 
   // In the order of shells and triangles.
@@ -49,6 +49,10 @@ class DrawnSegments {
   // In perspective nothing is told to be a chord.
   DrawnStretch StretchOf(const DrawnSegment& drawn) const;
 
+  std::size_t ShellCount() const { return begins_.size() - 1; }
+  // Intersection lines have two shells.
+  bool IsOfOneShell(const DrawnSegment& drawn) const { return drawn.triangle < triangleCount_; }
+
   const Scene& GetScene() const { return scene_; }
   const Circles* KnownCircles() const { return circles_; }
   const SeenCircles& Seen() const { return seen_; }
@@ -58,13 +62,16 @@ class DrawnSegments {
   template <class Use>
   void ForEachVisible(const Use& use) const {
     ForEachPart(begins_, threads_, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
-      for (std::size_t t = begin; t < end; ++t) {
-        for (int i = 0; i < 3; ++i) {
-          for (const ZBR_HL_INTERVAL& visible : scene_.shells[s].tris[t].intvl_v[i])
-            use(range, s, t, i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
-        }
-      }
+      for (std::size_t t = begin; t < end; ++t)
+        ForEachVisibleOf(s, t, [&](int edge, const ZBR_SEG& segment) { use(range, s, t, edge, segment); });
     });
+  }
+  template <class Use>
+  void ForEachVisibleOf(std::size_t shell, std::size_t triangle, const Use& use) const {
+    for (int i = 0; i < 3; ++i) {
+      for (const ZBR_HL_INTERVAL& visible : scene_.shells[shell].tris[triangle].intvl_v[i])
+        use(i, ZBR_SEG(visible.s.pt.xy(), visible.e.pt.xy()));
+    }
   }
 
   // Without angles.
@@ -83,6 +90,7 @@ class DrawnSegments {
   const Circles* circles_;
   SeenCircles seen_;
   const unsigned threads_;
+  const std::size_t triangleCount_;       // without intersection lines
   std::vector<std::uint32_t> begins_{0};  // of the shells' triangles, counted through, and the end
 };
 

@@ -87,11 +87,11 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
   std::vector<DrawnSegment> unseen;
   if (hidden) unseen = drawn.Hidden();
   std::vector<DrawnSegment> seen = drawn.Visible();
-  LeaveOutVisibleDoubles(drawn, threads, seen);
   if (spent != nullptr) {
     spent->shells.clear();
     std::vector<ZBR_HL_TRI>().swap(spent->triangles);
   }
+  LeaveOutVisibleDoubles(drawn, threads, seen);
   const Chainer chainer(scene, drawn.Seen(), threads);
   chainer.ChainInto(view.lines, std::move(seen), false);
   chainer.ChainInto(view.lines, std::move(unseen), true);

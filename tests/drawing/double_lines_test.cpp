@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "drawing/views/drawn_segments.h"
+#include "drawing/views/end_tree.h"
 #include "models/models.h"
 
 namespace zbr::drawing {
@@ -46,6 +47,54 @@ std::size_t CountAt(const std::vector<DrawnSegment>& lines, const DrawnSegment& 
 }
 
 // Boxes on a coarse grid, turned or not, many in one place: where a line was there is one, and nowhere are there two bodies'.
+// Shells of all sizes, some around others, by ends on a coarse grid.
+std::vector<EndTree::End> RandomEnds(std::mt19937& random, std::uint32_t shells) {
+  std::vector<EndTree::End> ends;
+  for (std::uint32_t shell = 0; shell < shells; ++shell) {
+    const int size = random() % 8 == 0 ? 200 : 12, x = static_cast<int>(random() % 200), y = static_cast<int>(random() % 200);
+    for (std::size_t k = 0; k < 2 + random() % 40; ++k) {
+      const auto at = [&](int low) { return static_cast<float>(low + static_cast<int>(random()) % size) / 4.0F; };
+      ends.push_back({at(x), at(y), shell, static_cast<std::uint32_t>(ends.size())});
+    }
+  }
+  return ends;
+}
+
+TEST(EndTree, FindsWhatAllPairsFind) {
+  constexpr double kReach = 0.1, kRounding = 1e-4;
+  constexpr std::uint32_t kShells = 60;
+  std::mt19937 random(3);
+  for (int round = 0; round < 20; ++round) {
+    const std::vector<EndTree::End> ends = RandomEnds(random, kShells);
+    const EndTree tree(ends);
+    const std::vector<std::uint32_t> crowded = tree.CrowdedShells(kReach, 2);
+    for (std::uint32_t shell = 0; shell < kShells; ++shell) {
+      Extent box;
+      for (const EndTree::End& e : ends) {
+        if (e.shell == shell) box.Add({e.x, e.y});
+      }
+      const bool hasOthers = std::any_of(ends.begin(), ends.end(), [&](const EndTree::End& e) {
+        return e.shell != shell && e.x >= box.xmin && e.x <= box.xmax && e.y >= box.ymin && e.y <= box.ymax;
+      });
+      ASSERT_EQ(std::count(crowded.begin(), crowded.end(), shell), hasOthers ? 1 : 0) << round << " " << shell;
+    }
+    for (std::size_t k = 0; k + 1 < ends.size(); k += 7) {
+      const ZBR_SEG g(ZBR_PT(ends[k].x, ends[k].y), ZBR_PT(ends[k + 1].x, ends[k + 1].y));
+      const double length = g.s().Distance(g.e());
+      if (!(length > 0)) continue;
+      std::set<std::uint32_t> found;
+      tree.ForEachNear(g, kReach, ends[k].shell, [&](std::uint32_t segment) { found.insert(segment); });
+      for (const EndTree::End& e : ends) {
+        const ZBR_PT u = (g.e() - g.s()) * (1.0 / length), d = ZBR_PT(e.x, e.y) - g.s();
+        const double along = u.InnerProduct(d);
+        const double beyond = std::max({std::fabs(u.OuterProduct(d)), -along, along - length}) - kReach;
+        if (std::fabs(beyond) <= kRounding) continue;
+        ASSERT_EQ(found.contains(e.segment), e.shell != ends[k].shell && beyond < 0) << round << " " << k;
+      }
+    }
+  }
+}
+
 TEST(DoubleLines, EachPlaceKeepsOne) {
   std::mt19937 random(5);
   const auto number = [&](int count) { return static_cast<double>(random() % static_cast<unsigned>(count)); };
