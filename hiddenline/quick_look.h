@@ -26,11 +26,15 @@ class QuickLook {
   QuickLook(const ZBR_PT3& p, const ZBR_PT3& q, double contact)
       : p_(p), q_(q), along_(q.xy() - p.xy()), length2_(along_.Length2()), contact_(contact) {
     const double size = std::max({std::fabs(p.x()), std::fabs(p.y()), std::fabs(q.x()), std::fabs(q.y())});
-    reliable_ = size <= kLargestSize && length2_ > kLeastLength * kLeastLength * (size * size);
+    reliable_ = size <= kLargestUsual && length2_ > kLeastLength * kLeastLength * (size * size);
+    far2_ = length2_ * kFar2;
+    farther2_ = length2_ * kClearAngle2;
   }
 
-  // False when the edge certainly stays whole. front and on receive the ends of the edge in front of and on the triangle's plane.
-  bool CanHide(const ZBR_HL_TRI& o, unsigned& front, unsigned& on) {
+  // False when the edge certainly stays whole. front and on receive the ends of the edge in front of and on the triangle's plane,
+  // unless both are in front. The rule on a triangle with coordinates beyond any drawing's (not of usual size) is as good as its
+  // rounding, and nothing tells what it leaves.
+  bool CanHide(const ZBR_HL_TRI& o, bool ofUsualSize, unsigned& front, unsigned& on) {
     apex_ = -1;
     double dp = o.normal.distance(p_);
     double dq = o.normal.distance(q_);
@@ -38,17 +42,18 @@ class QuickLook {
       dp = -dp;
       dq = -dq;
     }
+    if (dp > contact_ && dq > contact_) return false;
     front = (dp > contact_ ? 1U : 0U) | (dq > contact_ ? 2U : 0U);
     on = (std::fabs(dp) <= contact_ ? 1U : 0U) | (std::fabs(dq) <= contact_ ? 2U : 0U);
     if (o.IsTriVertical()) return on == 3;
-    if (front == 3 || (front != 0 && on != 0)) return false;
+    if (front != 0 && on != 0) return false;
     if (!reliable_) return true;
     if (on == 3) return !IsOffTwoCorners(o);
     if (front != 0) {
       const double nearer = std::min(std::fabs(dp), std::fabs(dq));
       if (nearer < 2.0 * contact_ || nearer < kClearAngle * std::fabs(dp - dq)) return true;
     }
-    return !IsBeside(o);
+    return !IsBeside(o, ofUsualSize);
   }
 
   // Of the triangle last asked about, which can hide something: the vertex that the line of the edge clearly parts from the two
@@ -80,17 +85,9 @@ class QuickLook {
   static constexpr double kFar2 = 4.0 * kOcclusionEps * kOcclusionEps;
   static constexpr double kClearAngle = 1e-4;
   static constexpr double kClearAngle2 = 1e-8;
-  static constexpr double kLargestSize = 1e3;
   static constexpr double kLeastLength = 1e-6;  // of an edge, in its coordinates
   static constexpr double kWide = 4.0 * kOcclusionEps;
   static constexpr double kLeastPart = 10.0 * kOcclusionEps;  // of an edge; the rule drops parts of less than a tenth of that
-
-  // The rule on a triangle with coordinates beyond any drawing's is as good as its rounding, and nothing tells what it leaves.
-  static bool IsOfUsualSize(const ZBR_HL_TRI& o) {
-    return std::all_of(o.pt, o.pt + 3, [](const ZBR_PT3& v) {
-      return std::max({std::fabs(v.x()), std::fabs(v.y()), std::fabs(v.z())}) <= kLargestSize;
-    });
-  }
 
   // Of an edge in the plane of o: whether two corners are clearly off its line, so that it runs along none of the sides. Then it
   // stays, wherever it projects. Of 10,000 boxes a third of what the full rule was asked were halves of faces (bench_hidden).
@@ -106,7 +103,7 @@ class QuickLook {
   }
 
   // Whether the stretch certainly projects outside o. Sets apex_ when it is as certain that its line runs through o.
-  bool IsBeside(const ZBR_HL_TRI& o) {
+  bool IsBeside(const ZBR_HL_TRI& o, bool ofUsualSize) {
     int sides[3];
     int sum = 0;
     int off = 0;
@@ -119,7 +116,7 @@ class QuickLook {
     if (off != 3) return false;
     const int apex = sides[0] == sides[1] ? 2 : sides[0] == sides[2] ? 1 : 0;
     if (IsBeyondApex(o, apex)) return true;
-    if (IsOfUsualSize(o)) apex_ = apex;
+    if (ofUsualSize) apex_ = apex;
     return false;
   }
 
@@ -129,7 +126,7 @@ class QuickLook {
     c = Cross(along_, w);
     const double c2 = c * c;
     side = c > 0.0 ? 1 : -1;
-    if (c2 > length2_ * (kFar2 + kClearAngle2 * w.Length2())) return true;
+    if (c2 > far2_ + farther2_ * w.Length2()) return true;
     side = 0;
     return IsExactly(v, p_.xy()) || IsExactly(v, q_.xy());
   }
@@ -163,6 +160,7 @@ class QuickLook {
   double length2_;
   double contact_;
   bool reliable_;
+  double far2_, farther2_;  // of cross products with the edge, squared: of points twice the tolerance away, and per distance
   // Of the triangle last asked about:
   int apex_ = -1;              // the vertex that the line of the edge parts from the others; -1: that is not clear
   double crosses_[3] = {0.0};  // of vertices: cross product with the edge
