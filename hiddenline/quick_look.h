@@ -104,19 +104,25 @@ class QuickLook {
 
   // Whether the stretch certainly projects outside o. Sets apex_ when it is as certain that its line runs through o.
   bool IsBeside(const ZBR_HL_TRI& o, bool ofUsualSize) {
-    int sides[3];
-    int sum = 0;
-    int off = 0;
-    for (int k = 0; k < 3; ++k) {
-      if (!ClearSide(o.pt[k].xy(), sides[k], crosses_[k])) return false;
-      sum += sides[k];
-      off += sides[k] * sides[k];
+    unsigned left = 0;
+    unsigned right = 0;
+    for (unsigned k = 0; k < 3; ++k) {
+      const ZBR_PT w = o.pt[k].xy() - p_.xy();
+      const double c = crosses_[k] = Cross(along_, w);
+      if (c * c > far2_ + farther2_ * w.Length2()) {
+        left |= (c > 0.0 ? 1U : 0U) << k;
+        right |= (c > 0.0 ? 0U : 1U) << k;
+      } else if (!IsEnd(o.pt[k].xy())) {
+        return false;
+      }
     }
-    if (sum == off || sum == -off) return off >= 2;
-    if (off != 3) return false;
-    const int apex = sides[0] == sides[1] ? 2 : sides[0] == sides[2] ? 1 : 0;
+    const unsigned off = left | right;
+    if (left == 0 || right == 0) return (off & (off - 1U)) != 0;  // two or all, on one side
+    if (off != 7 || !ofUsualSize) return false;
+    const unsigned alone = (left & (left - 1U)) == 0 ? left : right;
+    const int apex = static_cast<int>(alone >> 1U);
     if (IsBeyondApex(o, apex)) return true;
-    if (ofUsualSize) apex_ = apex;
+    apex_ = apex;
     return false;
   }
 
@@ -128,31 +134,29 @@ class QuickLook {
     side = c > 0.0 ? 1 : -1;
     if (c2 > far2_ + farther2_ * w.Length2()) return true;
     side = 0;
-    return IsExactly(v, p_.xy()) || IsExactly(v, q_.xy());
+    return IsEnd(v);
   }
 
   // The line of the edge passes between the apex and the other two vertices: whether the edge lies wholly beyond one of the two
-  // sides that it crosses.
+  // sides that it crosses, which are then both on one hand of it.
   bool IsBeyondApex(const ZBR_HL_TRI& o, int apex) const {
     const ZBR_PT& a = o.pt[apex].xy();
-    const ZBR_PT* after = &o.pt[(apex + 1) % 3].xy();
-    const ZBR_PT* before = &o.pt[(apex + 2) % 3].xy();
-    if (o.clockwise) std::swap(after, before);
-    const int beyondAfter = ClearSideOfEnds(a, *after);
-    return beyondAfter != 0 && ClearSideOfEnds(*before, a) == -beyondAfter;
+    const ZBR_PT p = p_.xy() - a;
+    const ZBR_PT q = q_.xy() - a;
+    const int hand = ClearSideOfEnds(p, q, o.pt[apex == 2 ? 0 : apex + 1].xy() - a);
+    return hand != 0 && ClearSideOfEnds(p, q, o.pt[apex == 0 ? 2 : apex - 1].xy() - a) == hand;
   }
 
-  // The side of the line a->b on which both ends of the edge clearly lie; 0 when they do not.
-  int ClearSideOfEnds(const ZBR_PT& a, const ZBR_PT& b) const {
-    const ZBR_PT line = b - a;
+  // The side of a line, from the point that p and q are given from, on which both clearly lie; 0 when they do not.
+  static int ClearSideOfEnds(const ZBR_PT& p, const ZBR_PT& q, const ZBR_PT& line) {
     const double far2 = kFar2 * line.Length2();
-    const double cp = Cross(line, p_.xy() - a);
-    const double cq = Cross(line, q_.xy() - a);
+    const double cp = Cross(line, p);
+    const double cq = Cross(line, q);
     if (!(cp * cp > far2 && cq * cq > far2)) return 0;
     return cp > 0.0 && cq > 0.0 ? 1 : cp < 0.0 && cq < 0.0 ? -1 : 0;
   }
 
-  static bool IsExactly(const ZBR_PT& a, const ZBR_PT& b) { return a.x() == b.x() && a.y() == b.y(); }
+  bool IsEnd(const ZBR_PT& v) const { return AreIdentical(v, p_.xy()) || AreIdentical(v, q_.xy()); }
 
   const ZBR_PT3& p_;
   const ZBR_PT3& q_;
