@@ -2,10 +2,10 @@
 // that a remover with a ray tracer needs at least, and a plain program.
 //
 // usage: bench_hidden [--quick] [--repetitions N] [--peer-seconds S] [--meshes FOLDER] [FAMILY or MESHFILE...]
-//        bench_hidden --once SCENE
+//        bench_hidden --once [rays/|plain/|occt/]SCENE
 // The first form prints, as comma-separated values: family, scene, triangles, drawable edges, operation, library, value, unit. The
-// second removes the hidden lines of one scene once, for profilers (valgrind --toggle-collect='*HiddenLine_Shells*'): a scene is
-// KIND:SIZE or a file.
+// second removes the hidden lines of one scene once, for profilers (valgrind --toggle-collect='*HiddenLine_Shells*', or
+// '*PlainGrid::Run*' of the plain program): a scene is KIND:SIZE or a file.
 //
 // Times are CPU seconds, medians, and every repetition starts from a freshly loaded scene.
 
@@ -155,7 +155,23 @@ bool MeasureScene(const HiddenScene& scene, const SceneOptions& options) {
   return good;
 }
 
+// "plain/boxes:32" is the plain program's turn.
+bool RunPeerOnce(const std::string& name) {
+  for (const Peer& peer : kPeers) {
+    const std::string prefix = peer.name + std::string("/");
+    if (name.compare(0, prefix.size(), prefix) != 0) continue;
+    const SceneInput input = MakeSceneInput(name.substr(prefix.size()));
+    const std::unique_ptr<HiddenRemover> remover = peer.make();
+    remover->Load(zbr::drawing::MakeModel(input.mesh, kCreaseDegrees), input.view);
+    const double seconds = Time([&] { remover->Run(); });
+    std::printf("%s: %.3f ms, length %.6f\n", name.c_str(), seconds * 1e3, remover->Describe().visible);
+    return true;
+  }
+  return false;
+}
+
 void RunOnce(const std::string& name) {
+  if (RunPeerOnce(name)) return;
   const SceneInput input = MakeSceneInput(name);
   ZbrRemover remover;
   remover.Load(zbr::drawing::MakeModel(input.mesh, kCreaseDegrees), input.view);

@@ -27,23 +27,35 @@ void KeepOneOfEach(std::vector<FlatEdge>& edges) {
 
 }  // namespace
 
-FlatScene MakeFlatScene(const zbr::drawing::Model& model, const zbr::drawing::View& view) {
-  using zbr::drawing::EdgeClass;
+std::vector<GivenTriangle> GiveScene(const zbr::drawing::Model& model, const zbr::drawing::View& view) {
   const zbr::drawing::Scene scene = zbr::drawing::MakeScene(model, view);
-  FlatScene flat;
-  std::vector<FlatEdge> junctions;
+  std::vector<GivenTriangle> given;
   for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    const auto first = static_cast<int>(model.shellBegin[s]);
     for (std::size_t t = model.shellBegin[s]; t < model.shellBegin[s + 1]; ++t) {
       const ZBR_HL_TRI& triangle = scene.triangles[t];
-      const ZBR_PT3* pt = triangle.pt;
-      if (std::abs((pt[1] - pt[0]).OuterProductXY(pt[2] - pt[0])) > kEdgeOn) flat.triangles.push_back({pt[0], pt[1], pt[2]});
+      GivenTriangle& last = given.emplace_back();
       for (std::size_t i = 0; i < 3; ++i) {
-        const EdgeClass drawn = scene.classes[t][i];
-        const int self = static_cast<int>(t - model.shellBegin[s]);
-        if (drawn == EdgeClass::kSmooth || (triangle.adj[i] >= 0 && triangle.adj[i] < self)) continue;
-        const bool junction = drawn == EdgeClass::kJunction;
-        (junction ? junctions : flat.edges).push_back({pt[i], pt[(i + 1) % 3], junction});
+        last.corners[i] = triangle.pt[i];
+        last.neighbours[i] = triangle.adj[i] < 0 ? -1 : first + triangle.adj[i];
+        last.classes[i] = scene.classes[t][i];
       }
+    }
+  }
+  return given;
+}
+
+FlatScene MakeFlatScene(const std::vector<GivenTriangle>& given) {
+  using zbr::drawing::EdgeClass;
+  FlatScene flat;
+  std::vector<FlatEdge> junctions;
+  for (int t = 0; t < static_cast<int>(given.size()); ++t) {
+    const auto& [pt, neighbours, classes] = given[static_cast<std::size_t>(t)];
+    if (std::abs((pt[1] - pt[0]).OuterProductXY(pt[2] - pt[0])) > kEdgeOn) flat.triangles.push_back(pt);
+    for (std::size_t i = 0; i < 3; ++i) {
+      if (classes[i] == EdgeClass::kSmooth || (neighbours[i] >= 0 && neighbours[i] < t)) continue;
+      const bool junction = classes[i] == EdgeClass::kJunction;
+      (junction ? junctions : flat.edges).push_back({pt[i], pt[(i + 1) % 3], junction});
     }
   }
   KeepOneOfEach(junctions);

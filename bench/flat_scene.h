@@ -22,8 +22,17 @@ struct FlatScene {
   std::vector<FlatEdge> edges;
 };
 
+// What a remover is given: for each triangle its corners, the triangles across its edges (-1: none), and which edges are drawn.
+struct GivenTriangle {
+  std::array<ZBR_PT3, 3> corners;
+  std::array<int, 3> neighbours;
+  std::array<zbr::drawing::EdgeClass, 3> classes;
+};
+std::vector<GivenTriangle> GiveScene(const zbr::drawing::Model& model, const zbr::drawing::View& view);
+
 // Leaves out triangles that are seen exactly edge-on, or so nearly that nothing can be told from their corners: they hide nothing.
-FlatScene MakeFlatScene(const zbr::drawing::Model& model, const zbr::drawing::View& view);
+// Part of a removal and timed with it, as ours has to find all that out, too.
+FlatScene MakeFlatScene(const std::vector<GivenTriangle>& given);
 
 // Points so little above an edge are on it, in scene units: what makes its triangles, whose rounding is a hundredth of that, not
 // hide it.

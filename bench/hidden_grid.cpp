@@ -128,32 +128,33 @@ Interval HiddenBy(const Triangle& triangle, const FlatEdge& edge) {
 
 class PlainGrid final : public HiddenRemover {
  public:
-  void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) override { scene_ = MakeFlatScene(model, view); }
+  void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) override { given_ = GiveScene(model, view); }
   void Run() override;
   DrawnLines Describe() const override { return lines_; }
 
  private:
   void KeepVisible(const FlatEdge& edge, std::vector<Interval>& hidden);
 
-  FlatScene scene_;
+  std::vector<GivenTriangle> given_;
   DrawnLines lines_;
 };
 
 void PlainGrid::Run() {
   lines_ = DrawnLines();
-  const Grid grid(scene_.triangles);
+  const FlatScene scene = MakeFlatScene(given_);
+  const Grid grid(scene.triangles);
   std::vector<float> tops;
-  for (const auto& [a, b, c] : scene_.triangles) tops.push_back(static_cast<float>(std::max({a.z(), b.z(), c.z()})));
-  std::vector<std::uint32_t> triedBy(scene_.triangles.size());  // the last edge that met the triangle, counted from 1
+  for (const auto& [a, b, c] : scene.triangles) tops.push_back(static_cast<float>(std::max({a.z(), b.z(), c.z()})));
+  std::vector<std::uint32_t> triedBy(scene.triangles.size());  // the last edge that met the triangle, counted from 1
   std::vector<Interval> hidden;
   std::uint32_t number = 0;
-  for (const FlatEdge& edge : scene_.edges) {
+  for (const FlatEdge& edge : scene.edges) {
     ++number;
     hidden.clear();
     const double bottom = std::min(edge.a.z(), edge.b.z());
     grid.Along(edge.a, edge.b, [&](std::uint32_t t) {
       if (std::exchange(triedBy[t], number) == number || tops[t] <= bottom) return;
-      const Interval by = HiddenBy(scene_.triangles[t], edge);
+      const Interval by = HiddenBy(scene.triangles[t], edge);
       if (by.from < by.to) hidden.push_back(by);
     });
     KeepVisible(edge, hidden);

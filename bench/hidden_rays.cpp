@@ -236,19 +236,20 @@ bool Tree::TriangleHides(std::size_t triangle, const ZBR_PT3& p) const {
 
 class RaysBound final : public HiddenRemover {
  public:
-  void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) override { scene_ = MakeFlatScene(model, view); }
+  void Load(const zbr::drawing::Model& model, const zbr::drawing::View& view) override { given_ = GiveScene(model, view); }
   void Run() override;
   DrawnLines Describe() const override { return lines_; }
 
  private:
-  FlatScene scene_;
+  std::vector<GivenTriangle> given_;
   DrawnLines lines_;
 };
 
 void RaysBound::Run() {
   lines_ = DrawnLines();
-  Tree tree(scene_.triangles);
-  for (const FlatEdge& edge : scene_.edges) {
+  const FlatScene scene = MakeFlatScene(given_);
+  Tree tree(scene.triangles);
+  for (const FlatEdge& edge : scene.edges) {
     int seen = 0;
     std::size_t pieces = 0;
     bool before = false;

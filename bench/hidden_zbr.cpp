@@ -52,8 +52,9 @@ DrawnLines ZbrRemover::Describe() const {
         lines.visible += length;
         if (scene_.classes[t][i] == zbr::drawing::EdgeClass::kJunction) lines.visibleJunctions += length;
         ++lines.pieces;
-        Hash(interval.s.t, lines.checksum);
-        Hash(interval.e.t, lines.checksum);
+        for (const ZBR_HL_INTERVAL::PT_LIN* end : {&interval.s, &interval.e}) {
+          for (const double value : {end->t, end->pt.x(), end->pt.y(), end->pt.z()}) Hash(value, lines.checksum);
+        }
       }
     }
   }

@@ -35,6 +35,10 @@ inline constexpr double kMinPlaneSlope = 1e-100;
 // have vertices equal to within it.
 inline constexpr double kOcclusionEps = 1e-7;
 
+// Coordinates of drawings: up to this size a glance tells what an occlusion rule within kOcclusionEps will say. Larger ones all go
+// through the full rule, which is slower.
+inline constexpr double kLargestUsual = 1e3;
+
 // Length tolerance while visible stretches are chained: gaps left by the rounding of many small stretches close, and a drawing in
 // millimetres loses nothing that can be seen.
 inline constexpr double kChainEps = 0.001;

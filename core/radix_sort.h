@@ -12,17 +12,24 @@
 #include <span>
 #include <vector>
 
+#include "core/small_sort.h"
+
 namespace zbr {
 
 // Sorts items by key(item), an unsigned integer; items of equal key keep their order. `scratch` is resized as needed and holds
 // nothing of use afterwards.
 template <class T, class Key>
 void RadixSort(std::vector<T>& items, std::vector<T>& scratch, Key key) {
+  constexpr std::size_t kFew = 16;             // below, a buffer for merging costs more than moving them along
   constexpr std::size_t kWorthCounting = 256;  // below, counting the buckets costs more than comparing
   constexpr int kDigitBits = 11;
   constexpr std::size_t kBuckets = std::size_t{1} << kDigitBits;
   using KeyType = decltype(key(items[0]));
   const std::size_t n = items.size();
+  if (n <= kFew) {
+    SmallSort(items.begin(), items.end(), [&](const T& a, const T& b) { return key(a) < key(b); });
+    return;
+  }
   if (n < kWorthCounting) {
     std::stable_sort(items.begin(), items.end(), [&](const T& a, const T& b) { return key(a) < key(b); });
     return;

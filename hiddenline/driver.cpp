@@ -103,41 +103,51 @@ struct Pass {
   std::uint64_t pairs = 0;  // that went through the full rule
 };
 
-// One edge of a triangle against all occluders of one shell.
+// One edge of a triangle against the occluders of one shell after the other.
+//
+// Searches within the box of the whole edge, with room for the tolerance, even when part of it is hidden already: what an
+// occluder does to the hidden part can still move a cut by less than the tolerance.
 class EdgeSearch {
  public:
-  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& shell, const Neighbours& met, Pass& pass)
-      : t_(t), edge_(edge), shell_(shell), met_(met), pass_(pass), look_(t.pt[edge], t.pt[(edge + 1) % 3], pass.lists.contact) {}
+  EdgeSearch(ZBR_HL_TRI& t, int edge, Pass& pass) : EdgeSearch(t, edge, t.pt[edge], t.pt[edge == 2 ? 0 : edge + 1], pass) {}
 
-  // Searches within the box of the whole edge, with room for the tolerance, even when part of it is hidden already: what an
-  // occluder does to the hidden part can still move a cut by less than the tolerance.
-  void Run() {
-    const ZBR_PT3& p = t_.pt[edge_];
-    const ZBR_PT3& q = t_.pt[(edge_ + 1) % 3];
-    const OccluderTree& tree = shell_.occluders->tree;
-    tree.Search(
-        tree.MakeQuery(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin), std::min(p.z(), q.z()) - kBoxMargin),
-        [this](int position) { return Try(position); },
-        [this](int position) {
-          const ZBR_HL_TRI& o = shell_.tris[position];
-          PrefetchObject(o.normal);
-          PrefetchObject(o.pt);
+  bool CanReach(const ZBR_HL_SHELL& b) const { return lowest_ <= b.max_z && Overlap(box_, {b.min_x, b.min_y, b.max_x, b.max_y}); }
+
+  // `met` are left out. False when nothing is left of the edge.
+  bool Run(const ZBR_HL_SHELL& shell, const Neighbours& met) {
+    const auto& occluders = *shell.occluders;
+    bool left = true;
+    occluders.tree.Search(
+        occluders.tree.MakeQuery(box_, lowest_),
+        [&](int position) { return left = met.Has(position) || Try(shell.tris[position], occluders.usualSize); },
+        [&](int position) {
+          PrefetchObject(shell.tris[position].normal);
+          PrefetchObject(shell.tris[position].pt);
         });
+    return left;
   }
 
  private:
-  // False when nothing is left of the edge.
-  bool Try(int position) {
-    const ZBR_HL_TRI& o = shell_.tris[position];
-    if (&o == &t_ || met_.Has(position)) return true;  // of small bodies half of what the search meets
+  EdgeSearch(ZBR_HL_TRI& t, int edge, const ZBR_PT3& p, const ZBR_PT3& q, Pass& pass)
+      : t_(t),
+        edge_(edge),
+        p_(p),
+        q_(q),
+        pass_(pass),
+        look_(p, q, pass.lists.contact),
+        box_(BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin)),
+        lowest_(std::min(p.z(), q.z()) - kBoxMargin) {}
+
+  bool Try(const ZBR_HL_TRI& o, bool ofUsualSize) {
+    if (&o == &t_) return true;
     unsigned front = 0;
     unsigned on = 0;
-    if (!look_.CanHide(o, front, on) || o.IsTriSkip()) return true;
+    if (!look_.CanHide(o, ofUsualSize, front, on) || o.IsTriSkip()) return true;
     if (look_.IsHiddenAlready(o, t_.intvl_v[edge_])) return true;
     ++pass_.pairs;
     const Scratch& lists = pass_.lists;
     if (look_.apex() >= 0) {
-      ApexCut cut(t_.pt[edge_], t_.pt[(edge_ + 1) % 3], front, o, look_.apex());
+      ApexCut cut(p_, q_, front, o, look_.apex());
       if (cut.IsKnown()) return NarrowEdge(t_, edge_, cut.Left(), lists.work);
     }
     VisibleParts(t_, edge_, front, on, o, lists.result, lists);
@@ -146,10 +156,12 @@ class EdgeSearch {
 
   ZBR_HL_TRI& t_;
   int edge_;
-  const ZBR_HL_SHELL& shell_;
-  const Neighbours& met_;
+  const ZBR_PT3& p_;
+  const ZBR_PT3& q_;
   Pass& pass_;
   QuickLook look_;
+  Box box_;
+  double lowest_;
 };
 
 // Whole triangles are tried.
@@ -163,18 +175,6 @@ void HideByAny(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, const Scratch& lists, M
   });
 }
 
-bool CanReach(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& b) {
-  return t.min_z <= b.max_z && b.min_x - kBoxMargin <= t.max_x && b.min_y - kBoxMargin <= t.max_y &&
-         t.min_x <= b.max_x + kBoxMargin && t.min_y <= b.max_y + kBoxMargin;
-}
-
-bool CanReachEdge(const ZBR_HL_TRI& t, int edge, const ZBR_HL_SHELL& b) {
-  const ZBR_PT3& p = t.pt[edge];
-  const ZBR_PT3& q = t.pt[(edge + 1) % 3];
-  const Box box = BoxOfSegment(p.xy(), q.xy()).Widened(kBoxMargin);
-  return std::min(p.z(), q.z()) - kBoxMargin <= b.max_z && Overlap(box, {b.min_x, b.min_y, b.max_x, b.max_y});
-}
-
 // In its own shell, after its neighbours.
 void HideInOwn(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, bool isBare, Pass& pass) {
   if (shell.occluders == nullptr) {
@@ -184,17 +184,20 @@ void HideInOwn(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, bool isBare, Pass& pass
   const Neighbours met = MeetNeighbours(t, shell, isBare, pass.lists);
   if (shell.occluders->uniqueIds) {
     for (int i = 0; i < 3; ++i) {
-      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, shell, met, pass).Run();
+      if (t.IsEdgeAvailable(i)) EdgeSearch(t, i, pass).Run(shell, met);
     }
   } else if (t.any_edge_visible) {  // where several triangles may share an idx, any of them can be a neighbour
     HideByAny(t, shell, pass.lists, [&met](int position) { return !met.Has(position); });
   }
 }
 
-void HideInOther(ZBR_HL_TRI& t, const ZBR_HL_SHELL& b, Pass& pass) {
-  if (b.occluders == nullptr || !CanReach(t, b)) return;
+void HideInOthers(ZBR_HL_TRI& t, const ZBR_HL_SHELL& own, const ShellList& shells, Pass& pass) {
   for (int i = 0; i < 3; ++i) {
-    if (t.IsEdgeAvailable(i) && CanReachEdge(t, i, b)) EdgeSearch(t, i, b, {}, pass).Run();
+    if (!t.IsEdgeAvailable(i)) continue;
+    EdgeSearch search(t, i, pass);
+    for (const ZBR_HL_SHELL* b : shells) {
+      if (b != &own && b->occluders != nullptr && search.CanReach(*b) && !search.Run(*b, {})) break;
+    }
   }
 }
 
@@ -212,6 +215,7 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
 
 std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists) {
   Pass pass{lists};
+  const bool isOwnAmongThem = by.search == nullptr && std::find(by.shells.begin(), by.shells.end(), &a) != by.shells.end();
   for (unsigned i = range.begin; i < range.end; ++i) {
     ZBR_HL_TRI& t = a.tris[range.At(i)];
     if (by.isBare ? !Draws(t) : !t.any_edge_visible) continue;
@@ -219,14 +223,8 @@ std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by,
       by.search->Find(BoxOf(t), t.min_z, by.ranks, by.shells);
       std::erase(by.shells, &a);
     }
-    for (const ZBR_HL_SHELL* b : by.shells) {
-      if (b == &a) {
-        HideInOwn(t, a, by.isBare, pass);
-      } else {
-        HideInOther(t, *b, pass);
-      }
-      if (!t.any_edge_visible) break;
-    }
+    if (isOwnAmongThem) HideInOwn(t, a, by.isBare, pass);
+    HideInOthers(t, a, by.shells, pass);
     ZBR_CHECK(VisibleFault(t));
   }
   return pass.pairs;

@@ -15,4 +15,6 @@ struct ZBR_HL_SHELL::Occluders {
   // No two triangles share an idx, so that only the triangles named in `adj` can be neighbours.
   bool uniqueIds;
   zbr::Box pickable;  // the shell's box and a tolerance around it
+  // All of the triangles are of the size of a drawing: no coordinate of theirs is beyond kLargestUsual.
+  bool usualSize;
 };

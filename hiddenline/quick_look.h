@@ -26,11 +26,15 @@ class QuickLook {
   QuickLook(const ZBR_PT3& p, const ZBR_PT3& q, double contact)
       : p_(p), q_(q), along_(q.xy() - p.xy()), length2_(along_.Length2()), contact_(contact) {
     const double size = std::max({std::fabs(p.x()), std::fabs(p.y()), std::fabs(q.x()), std::fabs(q.y())});
-    reliable_ = size <= kLargestSize && length2_ > kLeastLength * kLeastLength * (size * size);
+    reliable_ = size <= kLargestUsual && length2_ > kLeastLength * kLeastLength * (size * size);
+    far2_ = length2_ * kFar2;
+    farther2_ = length2_ * kClearAngle2;
   }
 
-  // False when the edge certainly stays whole. front and on receive the ends of the edge in front of and on the triangle's plane.
-  bool CanHide(const ZBR_HL_TRI& o, unsigned& front, unsigned& on) {
+  // False when the edge certainly stays whole. front and on receive the ends of the edge in front of and on the triangle's plane,
+  // unless both are in front. The rule on a triangle with coordinates beyond any drawing's (not of usual size) is as good as its
+  // rounding, and nothing tells what it leaves.
+  bool CanHide(const ZBR_HL_TRI& o, bool ofUsualSize, unsigned& front, unsigned& on) {
     apex_ = -1;
     double dp = o.normal.distance(p_);
     double dq = o.normal.distance(q_);
@@ -38,17 +42,18 @@ class QuickLook {
       dp = -dp;
       dq = -dq;
     }
+    if (dp > contact_ && dq > contact_) return false;
     front = (dp > contact_ ? 1U : 0U) | (dq > contact_ ? 2U : 0U);
     on = (std::fabs(dp) <= contact_ ? 1U : 0U) | (std::fabs(dq) <= contact_ ? 2U : 0U);
     if (o.IsTriVertical()) return on == 3;
-    if (front == 3 || (front != 0 && on != 0)) return false;
+    if (front != 0 && on != 0) return false;
     if (!reliable_) return true;
     if (on == 3) return !IsOffTwoCorners(o);
     if (front != 0) {
       const double nearer = std::min(std::fabs(dp), std::fabs(dq));
       if (nearer < 2.0 * contact_ || nearer < kClearAngle * std::fabs(dp - dq)) return true;
     }
-    return !IsBeside(o);
+    return !IsBeside(o, ofUsualSize);
   }
 
   // Of the triangle last asked about, which can hide something: the vertex that the line of the edge clearly parts from the two
@@ -80,17 +85,9 @@ class QuickLook {
   static constexpr double kFar2 = 4.0 * kOcclusionEps * kOcclusionEps;
   static constexpr double kClearAngle = 1e-4;
   static constexpr double kClearAngle2 = 1e-8;
-  static constexpr double kLargestSize = 1e3;
   static constexpr double kLeastLength = 1e-6;  // of an edge, in its coordinates
   static constexpr double kWide = 4.0 * kOcclusionEps;
   static constexpr double kLeastPart = 10.0 * kOcclusionEps;  // of an edge; the rule drops parts of less than a tenth of that
-
-  // The rule on a triangle with coordinates beyond any drawing's is as good as its rounding, and nothing tells what it leaves.
-  static bool IsOfUsualSize(const ZBR_HL_TRI& o) {
-    return std::all_of(o.pt, o.pt + 3, [](const ZBR_PT3& v) {
-      return std::max({std::fabs(v.x()), std::fabs(v.y()), std::fabs(v.z())}) <= kLargestSize;
-    });
-  }
 
   // Of an edge in the plane of o: whether two corners are clearly off its line, so that it runs along none of the sides. Then it
   // stays, wherever it projects. Of 10,000 boxes a third of what the full rule was asked were halves of faces (bench_hidden).
@@ -106,20 +103,26 @@ class QuickLook {
   }
 
   // Whether the stretch certainly projects outside o. Sets apex_ when it is as certain that its line runs through o.
-  bool IsBeside(const ZBR_HL_TRI& o) {
-    int sides[3];
-    int sum = 0;
-    int off = 0;
-    for (int k = 0; k < 3; ++k) {
-      if (!ClearSide(o.pt[k].xy(), sides[k], crosses_[k])) return false;
-      sum += sides[k];
-      off += sides[k] * sides[k];
+  bool IsBeside(const ZBR_HL_TRI& o, bool ofUsualSize) {
+    unsigned left = 0;
+    unsigned right = 0;
+    for (unsigned k = 0; k < 3; ++k) {
+      const ZBR_PT w = o.pt[k].xy() - p_.xy();
+      const double c = crosses_[k] = Cross(along_, w);
+      if (c * c > far2_ + farther2_ * w.Length2()) {
+        left |= (c > 0.0 ? 1U : 0U) << k;
+        right |= (c > 0.0 ? 0U : 1U) << k;
+      } else if (!IsEnd(o.pt[k].xy())) {
+        return false;
+      }
     }
-    if (sum == off || sum == -off) return off >= 2;
-    if (off != 3) return false;
-    const int apex = sides[0] == sides[1] ? 2 : sides[0] == sides[2] ? 1 : 0;
+    const unsigned off = left | right;
+    if (left == 0 || right == 0) return (off & (off - 1U)) != 0;  // two or all, on one side
+    if (off != 7 || !ofUsualSize) return false;
+    const unsigned alone = (left & (left - 1U)) == 0 ? left : right;
+    const int apex = static_cast<int>(alone >> 1U);
     if (IsBeyondApex(o, apex)) return true;
-    if (IsOfUsualSize(o)) apex_ = apex;
+    apex_ = apex;
     return false;
   }
 
@@ -129,33 +132,31 @@ class QuickLook {
     c = Cross(along_, w);
     const double c2 = c * c;
     side = c > 0.0 ? 1 : -1;
-    if (c2 > length2_ * (kFar2 + kClearAngle2 * w.Length2())) return true;
+    if (c2 > far2_ + farther2_ * w.Length2()) return true;
     side = 0;
-    return IsExactly(v, p_.xy()) || IsExactly(v, q_.xy());
+    return IsEnd(v);
   }
 
   // The line of the edge passes between the apex and the other two vertices: whether the edge lies wholly beyond one of the two
-  // sides that it crosses.
+  // sides that it crosses, which are then both on one hand of it.
   bool IsBeyondApex(const ZBR_HL_TRI& o, int apex) const {
     const ZBR_PT& a = o.pt[apex].xy();
-    const ZBR_PT* after = &o.pt[(apex + 1) % 3].xy();
-    const ZBR_PT* before = &o.pt[(apex + 2) % 3].xy();
-    if (o.clockwise) std::swap(after, before);
-    const int beyondAfter = ClearSideOfEnds(a, *after);
-    return beyondAfter != 0 && ClearSideOfEnds(*before, a) == -beyondAfter;
+    const ZBR_PT p = p_.xy() - a;
+    const ZBR_PT q = q_.xy() - a;
+    const int hand = ClearSideOfEnds(p, q, o.pt[apex == 2 ? 0 : apex + 1].xy() - a);
+    return hand != 0 && ClearSideOfEnds(p, q, o.pt[apex == 0 ? 2 : apex - 1].xy() - a) == hand;
   }
 
-  // The side of the line a->b on which both ends of the edge clearly lie; 0 when they do not.
-  int ClearSideOfEnds(const ZBR_PT& a, const ZBR_PT& b) const {
-    const ZBR_PT line = b - a;
+  // The side of a line, from the point that p and q are given from, on which both clearly lie; 0 when they do not.
+  static int ClearSideOfEnds(const ZBR_PT& p, const ZBR_PT& q, const ZBR_PT& line) {
     const double far2 = kFar2 * line.Length2();
-    const double cp = Cross(line, p_.xy() - a);
-    const double cq = Cross(line, q_.xy() - a);
+    const double cp = Cross(line, p);
+    const double cq = Cross(line, q);
     if (!(cp * cp > far2 && cq * cq > far2)) return 0;
     return cp > 0.0 && cq > 0.0 ? 1 : cp < 0.0 && cq < 0.0 ? -1 : 0;
   }
 
-  static bool IsExactly(const ZBR_PT& a, const ZBR_PT& b) { return a.x() == b.x() && a.y() == b.y(); }
+  bool IsEnd(const ZBR_PT& v) const { return AreIdentical(v, p_.xy()) || AreIdentical(v, q_.xy()); }
 
   const ZBR_PT3& p_;
   const ZBR_PT3& q_;
@@ -163,6 +164,7 @@ class QuickLook {
   double length2_;
   double contact_;
   bool reliable_;
+  double far2_, farther2_;  // of cross products with the edge, squared: of points twice the tolerance away, and per distance
   // Of the triangle last asked about:
   int apex_ = -1;              // the vertex that the line of the edge parts from the others; -1: that is not clear
   double crosses_[3] = {0.0};  // of vertices: cross product with the edge
