@@ -4,16 +4,12 @@
 #include <zbr-drawing/units.h>
 #include <zbr-formats/drawings.h>
 
-#include <nlohmann/json.hpp>
-
 #include <cmath>
+
+#include "formats/text/json_text.h"
 
 namespace zbr::formats {
 namespace {
-
-std::string JsonString(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
 
 void AppendRing(std::string& text, const std::vector<ZBR_PT>& points) {
   text += '[';
@@ -40,9 +36,9 @@ void AppendPolygon(std::string& text, const ZBR_LOOP& outer) {
 
 // The start of a feature, up to its properties, among them a measure of it.
 std::string FeatureStart(const std::string& name, const char* measure, double value, int units) {
-  std::string text = R"({"type":"Feature","properties":{"name":)" + JsonString(name);
+  std::string text = R"({"type":"Feature","properties":{"name":)" + JsonOf(name);
   if (std::isfinite(value)) text += std::string(",\"") + measure + "\":" + NumberText(value);  // JSON has no infinity
-  if (!UnitName(units).empty()) text += R"(,"units":)" + JsonString(UnitName(units));
+  if (!UnitName(units).empty()) text += R"(,"units":)" + JsonOf(UnitName(units));
   return text;
 }
 

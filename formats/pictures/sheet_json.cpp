@@ -1,18 +1,16 @@
 // Sheets as JSON, for programs that go on with the lines.
 //
-// A tree of JSON values serves what is there once; the lines, of which there may be a million, are written directly, one a line.
+// All is written as text, in the order in which it is to be read: of the lines there may be a million, one a line.
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/sheets.h>
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
 
+#include "formats/text/json_text.h"
+
 namespace zbr::formats {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Coordinates of one view, rounded to a billionth of the model's size: what is beyond says nothing and takes room.
 class Coordinates {
@@ -42,8 +40,12 @@ class Coordinates {
   double power_ = 1.0;
 };
 
-Json Vector(const ZBR_PT3& v) {
-  return {v.x() + 0.0, v.y() + 0.0, v.z() + 0.0};  // without the sign of a zero
+std::string Vector(const ZBR_PT3& v) {
+  return "[" + JsonOf(v.x() + 0.0) + "," + JsonOf(v.y() + 0.0) + "," + JsonOf(v.z() + 0.0) + "]";  // without the sign of a zero
+}
+
+std::string Pair(double x, double y) {
+  return "[" + JsonOf(x) + "," + JsonOf(y) + "]";
 }
 
 const char* BoolText(bool value) {
@@ -93,17 +95,6 @@ void AppendPolyline(std::string& text, const Line& line, const Coordinates& coor
   text += '}';
 }
 
-std::string TextOf(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-// The object with one more member, a list, left open for its elements.
-std::string Opened(const Json& object, const char* name) {
-  std::string text = TextOf(object);
-  text.pop_back();
-  return text + ",\"" + name + "\":[";
-}
-
 void AppendRing(std::string& text, const ZBR_LOOP& ring, const Coordinates& coordinates) {
   text += '[';
   for (const ZBR_PT& p : ring.pt()) {
@@ -140,14 +131,15 @@ std::string OutlinesText(const ViewLines& view, const Coordinates& coordinates) 
 }
 
 std::string SectionText(const SectionOfView& section, const Coordinates& coordinates) {
-  const Json plane = {{"normal", Vector(section.plane.normal)}, {"offset", section.plane.offset + 0.0}};
-  std::string text = "\n],\"section\":{\"letter\":" + TextOf(section.letter) + ",\"plane\":" + TextOf(plane);
-  if (std::isfinite(section.plane.depth)) text += ",\"depth\":" + TextOf(section.plane.depth);
+  JsonObject plane;
+  plane.Add("normal", Vector(section.plane.normal)).Add("offset", JsonOf(section.plane.offset + 0.0));
+  std::string text = "\n],\"section\":{\"letter\":" + JsonOf(section.letter) + ",\"plane\":" + plane.Closed();
+  if (std::isfinite(section.plane.depth)) text += ",\"depth\":" + JsonOf(section.plane.depth);
   text +=
       ",\"open_lines\":" + std::to_string(section.openLines) + ",\"bridged\":" + std::to_string(section.bridged) + ",\"faces\":[\n";
   for (const SectionFace& face : section.faces) {
     if (&face != &section.faces.front()) text += ",\n";
-    text += "{\"shell\":" + std::to_string(face.shell) + ",\"area\":" + TextOf(face.region.area()) + ",";
+    text += "{\"shell\":" + std::to_string(face.shell) + ",\"area\":" + JsonOf(face.region.area()) + ",";
     std::string outline;
     AppendOutline(outline, face.object, zbrLoopsOfRegion(face.region.view()), coordinates);
     text += outline.substr(1);
@@ -159,17 +151,16 @@ std::string SectionText(const SectionOfView& section, const Coordinates& coordin
 std::string ViewText(const Sheet& sheet, const PlacedView& placed) {
   const ViewLines& view = placed.lines;
   const ZBR_PT origin = placed.origin - view.middle.xy() * sheet.perUnit;
-  Json header = {{"name", view.name},
-                 {"right", Vector(view.view.right)},
-                 {"up", Vector(view.view.up)},
-                 {"to_viewer", Vector(view.view.toViewer)},
-                 {"origin", {origin.x(), origin.y()}}};
-  if (view.view.perspective) {
-    header["eye"] = Vector(view.view.perspective->eye);
-    header["distance"] = view.view.perspective->distance;
-  }
+  JsonObject header;
+  header.Add("name", JsonOf(view.name))
+      .Add("right", Vector(view.view.right))
+      .Add("up", Vector(view.view.up))
+      .Add("to_viewer", Vector(view.view.toViewer))
+      .Add("origin", Pair(origin.x(), origin.y()));
+  if (view.view.perspective)
+    header.Add("eye", Vector(view.view.perspective->eye)).Add("distance", JsonOf(view.view.perspective->distance));
   const Coordinates coordinates(view);
-  std::string text = Opened(header, "polylines");
+  std::string text = header.OpenedAt("polylines");
   for (const Line& line : view.lines) {
     text += &line == &view.lines.front() ? "\n" : ",\n";
     AppendPolyline(text, line, coordinates);
@@ -186,20 +177,24 @@ const char* ProjectionName(Projection projection) {
 }  // namespace
 
 std::string WriteSheetJson(const Sheet& sheet, const std::vector<ObjectSource>& objects, std::size_t shells) {
-  Json header = {{"title", sheet.options.title},
-                 {"unit", sheet.options.unit},
-                 {"scale", sheet.scale},
-                 {"millimetres_per_unit", sheet.perUnit},
-                 {"paper", {sheet.paper.width, sheet.paper.height}},
-                 {"projection", ProjectionName(sheet.options.projection)},
-                 {"models", Json::array()},
-                 {"shells", shells}};
+  std::string models;
   for (const ObjectSource& object : objects) {
-    header["models"].push_back({{"file", object.name}, {"first_triangle", object.firstTriangle}});
+    JsonObject model;
+    model.Add("file", JsonOf(object.name)).Add("first_triangle", std::to_string(object.firstTriangle));
     const ZBR_PT3& d = object.shift;
-    if (d.x() != 0 || d.y() != 0 || d.z() != 0) header["models"].back()["shift"] = Vector(d);
+    if (d.x() != 0 || d.y() != 0 || d.z() != 0) model.Add("shift", Vector(d));
+    models += (models.empty() ? "" : ",") + model.Closed();
   }
-  std::string text = Opened(header, "views");
+  JsonObject header;
+  header.Add("title", JsonOf(sheet.options.title))
+      .Add("unit", JsonOf(sheet.options.unit))
+      .Add("scale", JsonOf(sheet.scale))
+      .Add("millimetres_per_unit", JsonOf(sheet.perUnit))
+      .Add("paper", Pair(sheet.paper.width, sheet.paper.height))
+      .Add("projection", JsonOf(ProjectionName(sheet.options.projection)))
+      .Add("models", "[" + models + "]")
+      .Add("shells", std::to_string(shells));
+  std::string text = header.OpenedAt("views");
   for (const PlacedView& view : sheet.views) text += (&view == &sheet.views.front() ? "\n" : ",\n") + ViewText(sheet, view);
   return text + "\n]}\n";
 }

@@ -14,6 +14,7 @@
 
 #include "web/bindings/exchange.h"
 #include "web/bindings/exports.h"
+#include "web/bindings/facts.h"
 #include "web/bindings/options.h"
 
 namespace zbr::web {
@@ -40,10 +41,10 @@ struct Work {
   std::vector<Layer> operands, results;
   std::vector<ZBR_REGION> shapes;  // of operands, then results
   int units = 0;
-  Json notes = Json::array();
+  std::vector<Facts> notes;
 
   void Note(const std::string& file, std::size_t line, const std::string& text) {
-    notes.push_back({{"file", file}, {"line", line}, {"text", text}});
+    notes.emplace_back().Add("file", file).Add("line", line).Add("text", text);
   }
 };
 
@@ -149,19 +150,16 @@ std::string PictureOf(const Work& work) {
   return WriteSvg(picture);
 }
 
-Json FactsOf(const Layer& layer) {
-  return {{"name", layer.name},
-          {"area", layer.area},
-          {"polygons", layer.loops.size()},
-          {"holes", CountHoles(layer.loops)},
-          {"vertices", CountVertices(layer.loops)}};
-}
-
-Json FactsOf(const Work& work) {
-  Json facts = {{"unit", UnitName(work.units)}, {"notes", work.notes}, {"operands", Json::array()}, {"results", Json::array()}};
-  for (const Layer& layer : work.operands) facts["operands"].push_back(FactsOf(layer));
-  for (const Layer& layer : work.results) facts["results"].push_back(FactsOf(layer));
-  return facts;
+std::vector<Facts> FactsOf(const std::vector<Layer>& layers) {
+  std::vector<Facts> all;
+  for (const Layer& layer : layers)
+    all.emplace_back()
+        .Add("name", layer.name)
+        .Add("area", layer.area)
+        .Add("polygons", layer.loops.size())
+        .Add("holes", CountHoles(layer.loops))
+        .Add("vertices", CountVertices(layer.loops));
+  return all;
 }
 
 void ReadWishes(std::size_t count, Options& options, Work& work) {
@@ -204,7 +202,9 @@ int zbrwCombineDrawings(std::size_t count) {
       work.results.push_back(MakeLayer(kOperations[static_cast<std::size_t>(work.ops[work.results.size()])].name, result));
       work.shapes.push_back(std::move(result.rings));
     }
-    out.Give(FactsOf(work).dump(-1, ' ', false, Json::error_handler_t::replace));
+    Facts facts;
+    facts.Add("unit", UnitName(work.units)).Add("notes", work.notes);
+    out.Give(facts.Add("operands", FactsOf(work.operands)).Add("results", FactsOf(work.results)).Text());
     for (const ZBR_REGION& shape : work.shapes) {
       out.Give(shape.points());
       out.Give(shape.ring_offsets());

@@ -2,6 +2,10 @@
 
 #include <emscripten.h>
 
+#include <exception>
+#include <new>
+#include <stdexcept>
+
 #include "web/bindings/exports.h"
 
 // The page's function is a property of the module while a call lasts.
@@ -94,15 +98,30 @@ void Demand(const ZBR_REGION_STATUS& status) {
   if (status.code != ZBR_REGION_OK) throw RegionFailure(status);
 }
 
-void GiveFailure(const Failure& failure) {
-  GiveFailure({static_cast<std::int32_t>(failure.Line()), -1, -1, -1}, failure.what(), failure.File(), failure.Cause());
-}
-
-void GiveFailure(const std::exception& error) {
-  const auto* const region = dynamic_cast<const RegionFailure*>(&error);
-  if (region == nullptr) return GiveFailure({0, -1, -1, -1}, error.what());
-  const ZBR_REGION_STATUS& status = region->status();
-  GiveFailure({0, status.operand, status.ring, status.point}, TextOf(status.code));
+int AnswerOf(void (*work)(void* context, Exchange& out), void* context) {
+  Exchange& exchange = Exchange::Get();
+  exchange.LetGo();
+  Status status = Status::kFailed;
+  try {
+    work(context, exchange);
+    status = Status::kDone;
+  } catch (const Stopped&) {
+    status = Status::kStopped;
+  } catch (const std::bad_alloc&) {
+    status = Status::kNoMemory;
+  } catch (const std::length_error&) {  // of a container
+    status = Status::kNoMemory;
+  } catch (const Failure& failure) {
+    GiveFailure({static_cast<std::int32_t>(failure.Line()), -1, -1, -1}, failure.what(), failure.File(), failure.Cause());
+  } catch (const RegionFailure& failure) {
+    const ZBR_REGION_STATUS& region = failure.status();
+    GiveFailure({0, region.operand, region.ring, region.point}, TextOf(region.code));
+  } catch (const std::exception& error) {
+    GiveFailure({0, -1, -1, -1}, error.what());
+  }
+  exchange.DropTexts();
+  if (status == Status::kStopped || status == Status::kNoMemory) exchange.LetGo();
+  return static_cast<int>(status);
 }
 
 }  // namespace zbr::web

@@ -11,10 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <memory>
-#include <new>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,33 +65,12 @@ bool MayGoOn(double share, void* data);
 // Throws unless the call went well; what was wrong names the place.
 void Demand(const ZBR_REGION_STATUS& status);
 
-// What went wrong, and where.
-void GiveFailure(const Failure& failure);
-void GiveFailure(const std::exception& error);
+// What `work` of `context` gives, or what went wrong and where.
+int AnswerOf(void (*work)(void* context, Exchange& out), void* context);
 
 template <class Work>
 int Answer(Work work) {
-  Exchange& exchange = Exchange::Get();
-  exchange.LetGo();
-  Status status = Status::kDone;
-  try {
-    work(exchange);
-  } catch (const Stopped&) {
-    status = Status::kStopped;
-  } catch (const std::bad_alloc&) {
-    status = Status::kNoMemory;
-  } catch (const std::length_error&) {  // of a container
-    status = Status::kNoMemory;
-  } catch (const Failure& failure) {
-    GiveFailure(failure);
-    status = Status::kFailed;
-  } catch (const std::exception& error) {
-    GiveFailure(error);
-    status = Status::kFailed;
-  }
-  exchange.DropTexts();
-  if (status == Status::kStopped || status == Status::kNoMemory) exchange.LetGo();
-  return static_cast<int>(status);
+  return AnswerOf([](void* context, Exchange& out) { (*static_cast<Work*>(context))(out); }, &work);
 }
 
 }  // namespace zbr::web

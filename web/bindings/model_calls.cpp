@@ -11,20 +11,13 @@
 
 #include "web/bindings/exchange.h"
 #include "web/bindings/exports.h"
+#include "web/bindings/facts.h"
 #include "web/bindings/models.h"
 
 namespace zbr::web {
 namespace {
 
 using Json = Options::Json;
-
-Json Array(const ZBR_PT3& p) {
-  return {p.x(), p.y(), p.z()};
-}
-
-void GiveJson(const Json& json, Exchange& out) {
-  out.Give(json.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
 
 // What makes a model of a mesh; gives its number.
 void HoldMesh(Mesh mesh, const std::string& name, Options& options, Exchange& out) {
@@ -67,31 +60,34 @@ void GiveLines(const ViewLines& view, Exchange& out) {
   out.Give(std::move(sides));
 }
 
-Json FactsOf(const ViewLines& view) {
-  return {{"name", view.name},
-          {"right", Array(view.view.right)},
-          {"up", Array(view.view.up)},
-          {"middle", {view.middle.x(), view.middle.y()}},
-          {"extent", {view.extent.xmin, view.extent.ymin, view.extent.xmax, view.extent.ymax}}};
+Facts FactsOf(const ViewLines& view) {
+  const ZBR_PT3 &right = view.view.right, &up = view.view.up;
+  Facts facts;
+  return facts.Add("name", view.name)
+      .Add("right", {right.x(), right.y(), right.z()})
+      .Add("up", {up.x(), up.y(), up.z()})
+      .Add("middle", {view.middle.x(), view.middle.y()})
+      .Add("extent", {view.extent.xmin, view.extent.ymin, view.extent.xmax, view.extent.ymax});
 }
 
-Json FactsOf(const HeldModel& held, const Model& model) {
+Facts FactsOf(const HeldModel& held, const Model& model) {
   const Survey survey = MakeSurvey(model);
   std::size_t closed = 0;
   for (const ShellSurvey& shell : survey.shells) closed += shell.isClosed ? 1 : 0;
-  return {{"name", held.title},
-          {"triangles", model.TriangleCount()},
-          {"leftOut", model.collapsed + model.repeated},
-          {"points", model.pointCount},
-          {"shells", model.ShellCount()},
-          {"closedShells", closed},
-          {"openEdges", survey.borders},
-          {"junctions", survey.junctions},
-          {"turnedEdges", survey.turned},
-          {"low", Array(model.low)},
-          {"high", Array(model.high)},
-          {"axes", held.objects.mesh.yUp ? "y" : "z"},
-          {"roughCreases", HasRoughCreases(model)}};
+  Facts facts;
+  return facts.Add("name", held.title)
+      .Add("triangles", model.TriangleCount())
+      .Add("leftOut", model.collapsed + model.repeated)
+      .Add("points", model.pointCount)
+      .Add("shells", model.ShellCount())
+      .Add("closedShells", closed)
+      .Add("openEdges", survey.borders)
+      .Add("junctions", survey.junctions)
+      .Add("turnedEdges", survey.turned)
+      .Add("low", {model.low.x(), model.low.y(), model.low.z()})
+      .Add("high", {model.high.x(), model.high.y(), model.high.z()})
+      .Add("axes", held.objects.mesh.yUp ? "y" : "z")
+      .Add("roughCreases", HasRoughCreases(model));
 }
 
 std::vector<std::string> FormatsOf(Options& options) {
@@ -169,7 +165,7 @@ int zbrwMakeModel(const double* points, std::size_t pointCount, const std::uint3
 int zbrwModelInfo(std::uint32_t model) {
   return Answer([&](Exchange& out) {
     HeldModel& held = ModelAt(model);
-    GiveJson(FactsOf(held, held.With(held.crease)), out);
+    out.Give(FactsOf(held, held.With(held.crease)).Text());
   });
 }
 
@@ -186,9 +182,9 @@ int zbrwDraw(std::uint32_t model) {
     Options options(out.TakeText(0));
     const std::vector<ViewLines>& views = ViewsOf(ModelAt(model), options);
     options.Finish();
-    Json facts = Json::array();
+    std::vector<Facts> facts;
     for (const ViewLines& view : views) facts.push_back(FactsOf(view));
-    GiveJson(facts, out);
+    out.Give(Facts::ListOf(facts));
     for (const ViewLines& view : views) GiveLines(view, out);
   });
 }

@@ -1,78 +1,29 @@
-// Drawings of models, and drawings and models from files, beside what 'zbr' has. drawings.d.ts is the reference.
-import { Zbr } from './calls.js';
-import { Instance, ZbrError, textOf } from './instance.js';
-import { Model, edgeClasses } from './models.js';
-import { fromGeoJSON, regionOf, regionOfBuffers, toGeoJSON } from './regions.js';
-import createCore from './zbr-drawings.mjs';
+// Drawings in the plane and models in one object, over the module of each. drawings.d.ts is the reference.
+import { load as loadModels } from './models.js';
+import { ZbrPlanar, start } from './planar.js';
 
-export { Model, ZbrError, edgeClasses, fromGeoJSON, toGeoJSON };
+export { Model, edgeClasses } from './models.js';
+export { ZbrError, fromGeoJSON, toGeoJSON } from './planar.js';
 
-function bytesOf(data, name) {
-  if (typeof data === 'string') return data;
-  if (data instanceof ArrayBuffer) return new Uint8Array(data);
-  if (ArrayBuffer.isView(data)) return new Uint8Array(data.buffer, data.byteOffset, data.byteLength);
-  throw new TypeError(`${name}: a string, an ArrayBuffer or an array of bytes is needed`);
-}
+class ZbrDrawings extends ZbrPlanar {
+  #models;
 
-class ZbrDrawings extends Zbr {
-  #instance;
-
-  constructor(instance) {
+  constructor(instance, models) {
     super(instance);
-    this.#instance = instance;
+    this.#models = models;
   }
 
-  readDrawing(drawing, options = {}) {
-    const { operands, unit, notes, files } = this.#drawings([drawing], { ...options, ops: [] });
-    return { unit, notes, files, ...operands[0] };
-  }
+  readModel(...args) { return this.#models.readModel(...args); }
+  makeModel(...args) { return this.#models.makeModel(...args); }
 
-  combineDrawings(a, b, options = {}) {
-    return this.#drawings([a, b], { ops: ['union', 'intersection', 'a-b', 'b-a', 'xor'], ...options });
+  get memory() {
+    const { bytes, models } = this.#models.memory;
+    return { bytes: super.memory.bytes + bytes, models };
   }
-
-  #drawings(drawings, { onProgress, formats = [], ...options }) {
-    const files = drawings.map(({ name, format }) => ({ name, format }));
-    const texts = drawings.map(({ data }, i) => bytesOf(data, `${'ab'[i]}.data`));
-    texts.unshift(JSON.stringify({ ...options, formats, files }));
-    const [json, ...buffers] = this.#instance.call('zbrwCombineDrawings', [drawings.length], { texts, onProgress });
-    const facts = JSON.parse(textOf(json));
-    const items = [...facts.operands, ...facts.results];
-    items.forEach((item, i) => { item.region = regionOfBuffers(buffers.slice(3 * i, 3 * i + 3)); });
-    facts.files = Object.fromEntries(formats.map((format, i) => [format, textOf(buffers[3 * items.length + i])]));
-    return facts;
-  }
-
-  writeRegions(regions, format, options = {}) {
-    const names = Object.keys(regions);
-    const views = names.map((name) => regionOf(regions[name], name));
-    const texts = [JSON.stringify({ ...options, names, format })];
-    return textOf(this.#instance.call('zbrwWriteRegions', [{ views }], { texts })[0]);
-  }
-
-  readModel(data, { onProgress, beside = {}, ...options } = {}) {
-    const names = Object.keys(beside);
-    const others = names.map((name) => bytesOf(beside[name], `beside['${name}']`));
-    const texts = [JSON.stringify({ ...options, beside: names }), bytesOf(data, 'data'), ...others];
-    const [number] = this.#instance.call('zbrwReadModel', [names.length], { texts, onProgress });
-    return new Model(this.#instance, new Uint32Array(number)[0]);
-  }
-
-  makeModel(points, triangles, { onProgress, shells = [], ...options } = {}) {
-    const coordinates = points instanceof Float64Array ? points : Float64Array.from(points.flat?.() ?? points);
-    const corners = triangles instanceof Uint32Array ? triangles : Uint32Array.from(triangles.flat?.() ?? triangles);
-    if (coordinates.length % 3 !== 0) throw new TypeError('points: x, y and z of each are needed');
-    if (corners.length % 3 !== 0) throw new TypeError('triangles: three corners of each are needed');
-    const numbers = shells instanceof Uint32Array ? shells : Uint32Array.from(shells);
-    const args = [{ bytes: coordinates }, coordinates.length / 3, { bytes: corners }, corners.length / 3, { bytes: numbers }, numbers.length];
-    const [number] = this.#instance.call('zbrwMakeModel', args, { texts: [JSON.stringify(options)], onProgress });
-    return new Model(this.#instance, new Uint32Array(number)[0]);
-  }
-
-  get memory() { return { ...super.memory, models: this.#instance.modelCount }; }
 }
 
-export async function load({ wasm } = {}) {
-  return new ZbrDrawings(await Instance.load(createCore, wasm ?? new URL('./zbr-drawings.wasm', import.meta.url), 'zbrwReadModel'));
+export async function load({ planar, models } = {}) {
+  const [instance, withModels] = await Promise.all([start(planar), loadModels({ wasm: models })]);
+  return new ZbrDrawings(instance, withModels);
 }
 export default load;

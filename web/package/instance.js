@@ -177,6 +177,14 @@ export class Instance {
 
 export const textOf = (buffer) => fromUtf8.decode(buffer);
 
+/** What files hold: texts and bytes. */
+export function bytesOf(data, name) {
+  if (typeof data === 'string') return data;
+  if (data instanceof ArrayBuffer) return new Uint8Array(data);
+  if (ArrayBuffer.isView(data)) return new Uint8Array(data.buffer, data.byteOffset, data.byteLength);
+  throw new TypeError(`${name}: a string, an ArrayBuffer or an array of bytes is needed`);
+}
+
 // The arrays of a call in one block of memory.
 class Room {
   #core;

@@ -2,8 +2,8 @@
 const isNode = typeof self === 'undefined' || typeof self.postMessage !== 'function';
 const threads = 'node:worker_threads';
 const port = isNode ? (await import(/* @vite-ignore */ threads)).parentPort : self;
-const importing = { regions: () => import('./index.js'), drawings: () => import('./drawings.js') };
-const zbr = { api: undefined };
+const importing = { regions: () => import('./index.js'), planar: () => import('./planar.js'), models: () => import('./models.js') };
+const zbr = {}; // what each module has, once loaded
 const models = new Map();
 let last = 0;
 
@@ -22,16 +22,16 @@ function placeOf(error) {
 const bytesOf = (data) => (typeof Blob !== 'undefined' && data instanceof Blob ? data.arrayBuffer() : data);
 
 async function open({ data, triangles, beside = {}, ...options }) {
-  if (triangles) return zbr.api.makeModel(data, triangles, options);
+  if (triangles) return zbr.models.makeModel(data, triangles, options);
   const others = Object.fromEntries(await Promise.all(Object.entries(beside).map(async ([name, file]) => [name, await bytesOf(file)])));
-  return zbr.api.readModel(await bytesOf(data), { ...options, beside: others });
+  return zbr.models.readModel(await bytesOf(data), { ...options, beside: others });
 }
 
-async function run({ method, args, model, progressAt }, onProgress) {
+async function run({ module, method, args, model, progressAt }, onProgress) {
   if (method === 'load') {
-    const [module, wasm] = args;
-    const { load } = await importing[module]();
-    zbr.api = await load({ wasm });
+    const [name, wasm] = args;
+    const { load } = await importing[name]();
+    zbr[name] = await load({ wasm });
     return undefined;
   }
   if (method === 'openModel') {
@@ -48,7 +48,7 @@ async function run({ method, args, model, progressAt }, onProgress) {
     if (arg?.data) arg.data = await bytesOf(arg.data); // of drawings
   }
   if (onProgress) args[progressAt].onProgress = onProgress;
-  const target = model === undefined ? zbr.api : models.get(model);
+  const target = model === undefined ? zbr[module] : models.get(model);
   return target[method](...args);
 }
 

@@ -7,7 +7,7 @@
  *     const drawing = await model.draw({ view: 'iso', signal, onProgress });
  *
  * A signal that is aborted ends the call at once, and the worker with it; the next call gets another. Models are opened again there
- * when they are next used. Of the two modules each is loaded by the first call that needs it.
+ * when they are next used. Of the three modules each is loaded by the first call that needs it.
  */
 import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, SheetFiles, SheetOptions, TracedOutline, View, ViewOptions, ZbrDrawings } from './drawings.js';
 import type { Region, Wasm } from './index.js';
@@ -50,6 +50,8 @@ export type ZbrWorker = { [K in Region1 | Region2]: Later<ZbrDrawings[K]> } & {
   close(): void;
 };
 
-/** Where the modules are, if not beside this file. */
-export function openWorker(options?: { regions?: Wasm; drawings?: Wasm }): Promise<ZbrWorker>;
+/** Where a module is, or a function that tells so when it is first needed. */
+export type Source = Wasm | (() => Wasm | Promise<Wasm>);
+/** Sources of the modules that are not beside this file. */
+export function openWorker(options?: { regions?: Source; planar?: Source; models?: Source }): Promise<ZbrWorker>;
 export default openWorker;

@@ -8,7 +8,7 @@ import { ZbrError, compileModule } from './instance.js';
 const METHODS = {
   regions: ['union', 'intersection', 'difference', 'xor', 'combine', 'combinePairs', 'unite', 'cover', 'makeValid', 'simplify', 'faces',
     'check', 'measure', 'area', 'locate'],
-  drawings: ['readDrawing', 'combineDrawings', 'writeRegions'],
+  planar: ['readDrawing', 'combineDrawings', 'writeRegions'],
 };
 
 async function startThread() {
@@ -57,7 +57,7 @@ class ZbrWorker {
   #sources;
   #modules = {}; // compiled
   #thread;
-  #has; // which module the thread has, if any
+  #has = new Set(); // modules that the thread has
   #generation = 0; // of threads
   #waiting = [];
   #running;
@@ -118,7 +118,7 @@ class ZbrWorker {
     if (this.#isClosed) return Promise.reject(new ZbrError('the worker was closed', 'closed'));
     if (signal?.aborted) return Promise.reject(signal.reason);
     return new Promise((resolve, reject) => {
-      const waiting = { module: 'drawings', ...call, id: ++this.#lastId, resolve, reject, onProgress };
+      const waiting = { module: 'models', ...call, id: ++this.#lastId, resolve, reject, onProgress };
       if (signal) {
         const abort = () => this.#abort(waiting, signal.reason);
         signal.addEventListener('abort', abort, { once: true });
@@ -140,8 +140,8 @@ class ZbrWorker {
 
   #endThread() {
     this.#thread?.end();
-    this.#thread = this.#has = undefined;
-    this.#running = undefined;
+    this.#thread = this.#running = undefined;
+    this.#has.clear();
     ++this.#generation;
   }
 
@@ -150,7 +150,8 @@ class ZbrWorker {
     const call = this.#running = this.#waiting.shift();
     try {
       if (!this.#thread) await this.#start();
-      if (this.#has !== 'drawings' && this.#has !== call.module) await this.#equip(call.module);
+      if (call.module === 'regions' && this.#has.has('planar')) call.module = 'planar';
+      if (!this.#has.has(call.module)) await this.#equip(call.module);
     } catch (error) { // what is around allows no worker, or a module is not where it should be
       if (this.#running === call) this.#settle(() => call.reject(new ZbrError(error.message, 'load')));
       return;
@@ -160,10 +161,10 @@ class ZbrWorker {
       this.#settle(() => call.reject(GONE));
       return;
     }
-    const { id, method, args, model, progressAt } = call;
+    const { id, module, method, args, model, progressAt } = call;
     this.#thread.hold?.(true);
     try {
-      this.#thread.post({ id, method, args, model, progressAt });
+      this.#thread.post({ id, module, method, args, model, progressAt });
     } catch (error) { // what can't be sent, such as a function
       this.#settle(() => call.reject(error));
     }
@@ -184,7 +185,7 @@ class ZbrWorker {
     this.#modules[module] ??= await compileModule(this.#sources[module]());
     if (this.#thread !== thread || !thread) return;
     thread.post({ id: 0, method: 'load', args: [module, this.#modules[module]] });
-    this.#has = module;
+    this.#has.add(module);
   }
 
   #take({ id, share, stage, result, error }) {
@@ -256,10 +257,14 @@ class WorkerModel {
   }
 }
 
-export async function openWorker({ regions, drawings } = {}) {
-  return new ZbrWorker({
-    regions: () => regions ?? new URL('./zbr-regions.wasm', import.meta.url),
-    drawings: () => drawings ?? new URL('./zbr-drawings.wasm', import.meta.url),
-  });
+const found = {
+  regions: () => new URL('./zbr-regions.wasm', import.meta.url),
+  planar: () => new URL('./zbr-planar.wasm', import.meta.url),
+  models: () => new URL('./zbr-models.wasm', import.meta.url),
+};
+
+export async function openWorker(sources = {}) {
+  const given = (name) => (typeof sources[name] === 'function' ? sources[name] : () => sources[name] ?? found[name]());
+  return new ZbrWorker(Object.fromEntries(Object.keys(found).map((name) => [name, given(name)])));
 }
 export default openWorker;

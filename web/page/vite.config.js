@@ -1,4 +1,4 @@
-// The page as static files in build/web/page. The package is the one that was built; its module is served compressed, as servers of
+// The page as static files in build/web/page. The package is the one that was built; its modules are served compressed, as servers of
 // plain files compress nothing.
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
@@ -8,9 +8,10 @@ import { defineConfig } from 'vite';
 
 const root = fileURLToPath(new URL('../..', import.meta.url));
 const folder = process.env.ZBR_PACKAGE ?? join(root, 'build/web/web/package');
-const compressed = join(root, 'build/web/page-module/zbr-drawings.wasm.gz');
-mkdirSync(join(compressed, '..'), { recursive: true });
-writeFileSync(compressed, gzipSync(readFileSync(join(folder, 'zbr-drawings.wasm')), { level: 9 }));
+const compressed = join(root, 'build/web/page-module');
+mkdirSync(compressed, { recursive: true });
+for (const name of ['planar', 'models'])
+  writeFileSync(join(compressed, `${name}.wasm.gz`), gzipSync(readFileSync(join(folder, `zbr-${name}.wasm`)), { level: 9 }));
 
 // Those beside the package's sources are never asked for.
 const withoutPlainModules = {

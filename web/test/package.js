@@ -8,6 +8,8 @@ import { fileURLToPath } from 'node:url';
 export const root = fileURLToPath(new URL('../..', import.meta.url));
 export const folder = process.env.ZBR_PACKAGE ?? join(root, 'build/web/web/package');
 export const { default: load, ...zbr } = await import(join(folder, 'drawings.js'));
+export const { default: loadPlanar } = await import(join(folder, 'planar.js'));
+export const { default: loadModels } = await import(join(folder, 'models.js'));
 export const { default: loadRegions } = await import(join(folder, 'index.js'));
 export const { default: openWorker } = await import(join(folder, 'worker.js'));
 

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { test } from 'node:test';
-import { folder, load, loadRegions, random, zbr as pkg } from './package.js';
+import { folder, loadModels, loadPlanar, loadRegions, random, zbr as pkg } from './package.js';
 
 const { fromGeoJSON, toGeoJSON, ZbrError } = pkg;
 const zbr = await loadRegions();
@@ -139,7 +139,7 @@ test('a module that is none, or another one, is refused', async () => {
   const named = [7, 15, 1, 11, ...Buffer.from('zbrwCombine'), 3, 0]; // (export "zbrwCombine" (global 0))
   const importing = Uint8Array.of(...nothing, 2, 8, 1, 1, 97, 1, 98, 3, 127, 0, ...named); // (import "a" "b" (global i32))
   const regions = readFileSync(join(folder, 'zbr-regions.wasm'));
-  for (const [start, wasm] of [[loadRegions, nothing], [loadRegions, importing], [load, importing], [load, regions]])
+  for (const [start, wasm] of [[loadRegions, nothing], [loadRegions, importing], [loadPlanar, importing], [loadPlanar, regions], [loadModels, regions]])
     await assert.rejects(start({ wasm }), { name: 'ZbrError', code: 'load' });
   assert.throws(() => zbr.simplify(plate, 'x'), /^TypeError: tolerance: /);
 });

@@ -1,20 +1,19 @@
 // The worker that does all the work, and the tasks it is given: one at a time, with progress shown once it takes a moment.
 import openWorker from 'zbr/worker';
-import moduleUrl from 'zbr-module?url';
+import modelsUrl from 'zbr-module/models.wasm.gz?url';
+import planarUrl from 'zbr-module/planar.wasm.gz?url';
 
-async function moduleBytes() {
-  const response = await fetch(moduleUrl);
-  if (!response.ok) throw new Error(`${moduleUrl}: ${response.status} ${response.statusText}`);
+async function bytesAt(url) {
+  const response = await fetch(url);
+  if (!response.ok) throw new Error(`${url}: ${response.status} ${response.statusText}`);
   const bytes = new Uint8Array(await response.arrayBuffer());
   const isPacked = bytes[0] === 0x1f && bytes[1] === 0x8b; // some servers unpack it on the way
   return isPacked ? new Response(new Blob([bytes]).stream().pipeThrough(new DecompressionStream('gzip'))) : bytes;
 }
 
+// A module is fetched when the first model or drawing is opened.
 let opening;
-export const engine = () => (opening ??= moduleBytes().then((drawings) => openWorker({ drawings })).catch((error) => {
-  opening = undefined;
-  throw error;
-}));
+export const engine = () => (opening ??= openWorker({ planar: () => bytesAt(planarUrl), models: () => bytesAt(modelsUrl) }));
 
 const byId = (id) => document.getElementById(id);
 const DELAY = 250; // ms until progress is shown; what is quicker would flicker
