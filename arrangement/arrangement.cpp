@@ -136,7 +136,7 @@ Arrangement::Arrangement(const EdgePoints& edges)
     : Arrangement(edges, Resolution::Coarse(BoxOfRing(edges.points())), edges.size(), Care::kThorough) {}
 
 // Chains go from left to right, so the edge of one that lies above or below the node is found by halving.
-int Arrangement::SideOf(std::uint32_t piece, GridPoint p) const {
+int Arrangement::SideOfChain(std::uint32_t piece, GridPoint p) const {
   std::uint32_t first = 0;
   std::uint32_t last = BendCount(piece);  // p comes after the bends before first, and before the one at last
   while (first < last) {

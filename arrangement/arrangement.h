@@ -90,7 +90,9 @@ class Arrangement {
     return bends == 0 ? nodes_[pieces_[piece].from] : grid_.NodeOf(Bend(piece, bends - 1));
   }
   // Of a node between the piece's ends in the order of a sweep: 1 when it lies above the piece, -1 below, 0 on it. Exact.
-  int SideOf(std::uint32_t piece, GridPoint p) const;
+  int SideOf(std::uint32_t piece, GridPoint p) const {
+    return IsStraight(piece) ? SideSign(nodes_[pieces_[piece].from], nodes_[pieces_[piece].to], p) : SideOfChain(piece, p);
+  }
 
   // Where an edge of a coarse grid begins and ends.
   struct Ends {
@@ -113,6 +115,7 @@ class Arrangement {
  private:
   friend class EdgeCutter;
 
+  int SideOfChain(std::uint32_t piece, GridPoint p) const;
   bool IsStraight(std::uint32_t piece) const { return chainOf_.empty() || chainOf_[piece] == kNoPiece; }
 
   NodeGrid grid_;

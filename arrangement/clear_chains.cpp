@@ -7,12 +7,15 @@
 // angle. Two edges between the same two points are twins, and go on as twins as long as both go on alike. Short edges, which
 // vertices swallow, are left to the arrangement together with their neighbours.
 //
-// The search is a hierarchy of boxes over runs of a few edges. It gives up where it would only find that all edges meet others.
+// The search is a hierarchy of boxes over runs of a few edges. Runs that go one way along an axis all the time are not held against
+// themselves. It gives up where chains would save little: where edges turn back all the time, or most of them meet others.
 #include "arrangement/clear_chains.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
+#include <utility>
 
 #include "core/box_tree.h"
 #include "core/cost.h"
@@ -42,7 +45,7 @@ class ClearSearch {
     ClearChains chains;
     if (edges_.size() < kFewest || margin2_ < std::numeric_limits<double>::min()) return chains;
     isNear_.assign(edges_.size(), false);
-    LookAtNeighbours();
+    if (!LookAlong()) return chains;
     if (!IsGivenUp()) Search();
     if (!IsGivenUp()) TakeTwinsAlong();
     if (!IsGivenUp()) Collect(chains);
@@ -54,6 +57,7 @@ class ClearSearch {
   struct Leaf {
     std::uint32_t first;
     std::uint32_t last;  // exclusive
+    unsigned ways;       // that all of them go, a bit each
   };
   static constexpr std::uint32_t kLeafEdges = 8;
 
@@ -66,10 +70,12 @@ class ClearSearch {
     near_ += isNear_[edge] ? 0 : 1;
     isNear_[edge] = true;
   }
+  // Whether there will be more than half as many chains and edges near others as there are edges, or the search takes too long.
   bool IsGivenUp() const {
     constexpr std::size_t kPairsPerEdge = 16;
-    return 2 * near_ > edges_.size() || pairs_ > kPairsPerEdge * edges_.size();
+    return AreMany(near_ + turns_, edges_.size()) || pairs_ > kPairsPerEdge * edges_.size();
   }
+  static bool AreMany(std::size_t count, std::size_t edges) { return 2 * count > edges; }
 
   // Whether two edges from one point keep apart but for that point.
   bool Part(const ZBR_PT& u, const ZBR_PT& v) const {
@@ -78,13 +84,17 @@ class ClearSearch {
     return side * side > margin2_ * std::max(u.Length2(), v.Length2());
   }
 
-  void LookAtNeighbours();
-  void MakeLeaves();
+  unsigned WaysOf(const ZBR_PT& d) const;
+  bool LookAlong();
+  void LookAtCorner(std::uint32_t edge, const ZBR_PT& d, const ZBR_PT& e);
+  void SortLeaves();
+  void FindStraights();
   void Search();
   void Inside(int level, std::uint32_t node);
+  void Within(const Leaf& leaf);
   void Between(int level, std::uint32_t a, std::uint32_t b);
   void Across(std::uint32_t a, std::uint32_t b);
-  Box BoxOf(std::uint32_t edge) const { return BoxOfSegment(From(edge), To(edge)).Widened(margin_ / 2.0); }
+  Box BoxOf(std::uint32_t edge) const { return BoxOfSegment(From(edge), To(edge)); }
   void LookAt(std::uint32_t i, std::uint32_t j);
   bool LiesAside(std::uint32_t i, std::uint32_t j) const;
   bool Meet(std::uint32_t i, std::uint32_t j);
@@ -103,37 +113,59 @@ class ClearSearch {
   std::vector<bool> isNear_;  // by edge: to something else
   std::size_t near_ = 0;
   std::size_t pairs_ = 0;
+  std::size_t turns_ = 0;  // where edges turn back along the sweep or begin anew
   std::vector<Leaf> leaves_;
+  std::vector<std::uint32_t> goesTo_;  // by leaf: the one behind those that it goes one way with
   BoxTree tree_;
   std::vector<std::uint32_t> twin_;     // by edge, once there are any
   std::vector<std::uint8_t> meetings_;  // by point, once there are any: pairs of edges that share it, neighbours and twins left out
 };
 
-void ClearSearch::LookAtNeighbours() {
-  constexpr double kLong = 4.0;  // margins: at a right angle either one's end is far from the other then
-  const auto isShort = [&](const ZBR_PT& d) { return !(d.Length2() > kLong * kLong * margin2_); };
-  for (std::uint32_t i = 0; i < edges_.size(); ++i) {
-    const ZBR_PT d = To(i) - From(i);
-    const std::uint32_t next = edges_.To(i);
-    const bool goesOn = next < edges_.size();
-    const ZBR_PT e = goesOn ? To(next) - From(next) : d;
-    if (!isShort(d) && !isShort(e) && Part(From(i) - To(i), e)) continue;
-    MarkNear(i);
-    if (goesOn) MarkNear(next);
-  }
+// To the right, to the left, up, down; by more than the margin.
+unsigned ClearSearch::WaysOf(const ZBR_PT& d) const {
+  return static_cast<unsigned>(d.x() > margin_) | static_cast<unsigned>(d.x() < -margin_) << 1U |
+         static_cast<unsigned>(d.y() > margin_) << 2U | static_cast<unsigned>(d.y() < -margin_) << 3U;
 }
 
-void ClearSearch::MakeLeaves() {
-  constexpr std::size_t kLongRing = 64;  // edges: of longer rings the leaves are in a good order as they stand
+// Once along all edges: their corners, and how they turn. False as soon as a share of them tells that there is no hope.
+bool ClearSearch::LookAlong() {
+  constexpr std::size_t kShareToSee = 8;
   leaves_.reserve(edges_.size() / kLeafEdges + 1);
-  std::size_t rings = 0;
+  bool wasBack = false;
+  ZBR_PT e;  // the direction of the next edge
   for (std::uint32_t i = 0; i < edges_.size(); ++i) {
     const bool follows = i > 0 && edges_.To(i - 1) == i;
-    rings += follows ? 0 : 1;
-    if (!follows || i - leaves_.back().first == kLeafEdges) leaves_.push_back({i, i});
+    const ZBR_PT d = follows ? e : To(i) - From(i);
+    const bool isBack = d.x() < 0.0;
+    turns_ += !follows || isBack != wasBack ? 1 : 0;
+    wasBack = isBack;
+    if (!follows || i - leaves_.back().first == kLeafEdges) {
+      if (AreMany(near_ + turns_, i + edges_.size() / kShareToSee)) return false;
+      leaves_.push_back({i, i, ~0U});
+    }
     leaves_.back().last = i + 1;
+    leaves_.back().ways &= WaysOf(d);
+    const std::uint32_t next = edges_.To(i);
+    if (next < edges_.size()) e = To(next) - From(next);
+    LookAtCorner(i, d, next < edges_.size() ? e : d);
   }
-  if (rings * kLongRing < edges_.size()) return;
+  return true;
+}
+
+void ClearSearch::LookAtCorner(std::uint32_t edge, const ZBR_PT& d, const ZBR_PT& e) {
+  constexpr double kLong = 4.0;  // margins: at a right angle either one's end is far from the other then
+  const double least = kLong * kLong * margin2_;
+  if (d.Length2() > least && e.Length2() > least && Part(ZBR_PT() - d, e)) return;
+  MarkNear(edge);
+  if (edges_.To(edge) < edges_.size()) MarkNear(edges_.To(edge));
+}
+
+// Those of long rings are in a good order as they stand.
+void ClearSearch::SortLeaves() {
+  constexpr std::size_t kLong = 64;  // edges
+  const auto begins = [&](const Leaf& leaf) { return leaf.first == 0 || edges_.To(leaf.first - 1) != leaf.first; };
+  const auto rings = static_cast<std::size_t>(std::count_if(leaves_.begin(), leaves_.end(), begins));
+  if (rings * kLong < edges_.size()) return;
   std::vector<ZBR_PT> centres;
   centres.reserve(leaves_.size());
   for (const Leaf& leaf : leaves_) centres.push_back((From(leaf.first) + To(leaf.last - 1)) * 0.5);
@@ -143,35 +175,66 @@ void ClearSearch::MakeLeaves() {
   leaves_.swap(sorted);
 }
 
+// How far leaves go one way together: to the farthest of those for the four ways.
+void ClearSearch::FindStraights() {
+  constexpr std::size_t kWays = 4;
+  goesTo_.resize(leaves_.size());
+  std::array<std::uint32_t, kWays> ends{};
+  for (auto k = static_cast<std::uint32_t>(leaves_.size()); k-- > 0;) {
+    const Leaf& leaf = leaves_[k];
+    const bool goesOn = k + 1 < leaves_.size() && leaves_[k + 1].first == leaf.last && edges_.To(leaf.last - 1) == leaf.last;
+    goesTo_[k] = k;
+    for (std::size_t way = 0; way < kWays; ++way) {
+      const bool goesThere = (leaf.ways >> way & 1U) != 0;
+      const bool isNextToo = goesOn && (leaves_[k + 1].ways >> way & 1U) != 0;
+      ends[way] = !goesThere ? k : isNextToo ? ends[way] : k + 1;
+      goesTo_[k] = std::max(goesTo_[k], ends[way]);
+    }
+  }
+}
+
 void ClearSearch::Search() {
-  MakeLeaves();
+  SortLeaves();
+  FindStraights();
   const std::span<Box> boxes = tree_.StartLeaves(leaves_.size());
   for (std::size_t k = 0; k < leaves_.size(); ++k) {
-    for (std::uint32_t i = leaves_[k].first; i < leaves_[k].last; ++i) boxes[k].Add(BoxOf(i));
+    Box box;
+    for (std::uint32_t i = leaves_[k].first; i < leaves_[k].last; ++i) box.Add(BoxOf(i));
+    boxes[k] = box.Widened(margin_);
   }
   tree_.BuildInner();
   Inside(tree_.TopLevel(), 0);
   tree_.Clear();
   FreeLarge(leaves_);
+  FreeLarge(goesTo_);
 }
 
+// Edges that go one way keep apart from all but their neighbours.
 void ClearSearch::Inside(int level, std::uint32_t node) {
-  if (IsGivenUp()) return;
-  if (level == 0) {
-    const Leaf& leaf = leaves_[node];
-    for (std::uint32_t i = leaf.first; i < leaf.last; ++i) {
-      const Box box = BoxOf(i);
-      for (std::uint32_t j = i + 1; j < leaf.last; ++j) {
-        if (Overlap(box, BoxOf(j))) LookAt(i, j);
-      }
-    }
-    return;
+  std::uint32_t begin = node;  // the leaves below the node
+  std::uint32_t end = node + 1;
+  for (int k = 0; k < level; ++k) {
+    begin *= BoxTree::kFanOut;
+    end *= BoxTree::kFanOut;
   }
+  if (goesTo_[begin] >= std::min(end, tree_.Count(0)) || IsGivenUp()) return;
+  if (level == 0) return Within(leaves_[node]);
   const std::uint32_t first = node * BoxTree::kFanOut;
   const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree_.Count(level - 1));
   for (std::uint32_t i = first; i < last; ++i) {
     Inside(level - 1, i);
     for (std::uint32_t j = i + 1; j < last; ++j) Between(level - 1, i, j);
+  }
+}
+
+void ClearSearch::Within(const Leaf& leaf) {
+  Box boxes[kLeafEdges];
+  for (std::uint32_t i = leaf.first; i < leaf.last; ++i) {
+    boxes[i - leaf.first] = BoxOf(i);
+    const Box box = BoxOf(i).Widened(margin_);
+    for (std::uint32_t j = leaf.first; j + 1 < i; ++j) {
+      if (Overlap(box, boxes[j - leaf.first])) LookAt(i, j);
+    }
   }
 }
 
@@ -197,7 +260,7 @@ void ClearSearch::Across(std::uint32_t a, std::uint32_t b) {
   std::size_t count = 0;
   for (std::uint32_t j = leaves_[b].first; j < leaves_[b].last; ++j) {
     const Box box = BoxOf(j);
-    if (Overlap(box, leaves[a])) meeting[count++] = {box, j};
+    if (Overlap(box, leaves[a])) meeting[count++] = {box.Widened(margin_), j};
   }
   if (count == 0) return;
   for (std::uint32_t i = leaves_[a].first; i < leaves_[a].last; ++i) {

@@ -4,20 +4,23 @@
 
 namespace zbr {
 
-// The ends of the edges are asked for one after the other.
+// The ends of all edges, one after the other.
 template <class EndOf>
 void EdgePoints::Join(EndOf endOf) {
   const auto count = static_cast<std::uint32_t>(points_.size());
-  to_.resize(count);
+  to_.reserve(count);
   std::uint32_t chain = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const ZBR_PT end = endOf(i);
-    const bool goesOn = i + 1 < count && AreIdentical(end, points_[i + 1]);
-    const bool closes = !goesOn && AreIdentical(end, points_[chain]);
-    to_[i] = goesOn ? i + 1 : closes ? chain : static_cast<std::uint32_t>(points_.size());
-    if (!goesOn && !closes) points_.push_back(end);
-    if (!goesOn) chain = i + 1;
-  }
+  for (std::uint32_t i = 0; i < count; ++i) AddEnd(count, endOf(i), chain);
+}
+
+// Of the next of so many edges. `chain` is where its chain began, and becomes where the next edge's did.
+void EdgePoints::AddEnd(std::uint32_t count, const ZBR_PT& end, std::uint32_t& chain) {
+  const auto next = static_cast<std::uint32_t>(to_.size()) + 1;
+  const bool goesOn = next < count && AreIdentical(end, points_[next]);
+  const bool closes = !goesOn && AreIdentical(end, points_[chain]);
+  to_.push_back(goesOn ? next : closes ? chain : static_cast<std::uint32_t>(points_.size()));
+  if (!goesOn && !closes) points_.push_back(end);
+  if (!goesOn) chain = next;
 }
 
 EdgePoints::EdgePoints(std::span<const DirectedEdge> edges) {
@@ -35,11 +38,13 @@ EdgePoints::EdgePoints(const EdgePoints& all, std::span<const std::uint32_t> cho
 EdgePoints::EdgePoints(std::span<const RingSpan> rings) {
   points_.reserve(CountPoints(rings));
   for (const RingSpan& ring : rings) points_.insert(points_.end(), ring.begin(), ring.end());
-  std::size_t ring = 0, begin = 0;
-  Join([&](std::uint32_t i) {
-    while (i == begin + rings[ring].size()) begin += rings[ring++].size();
-    return rings[ring][i + 1 < begin + rings[ring].size() ? i + 1 - begin : 0];
-  });
+  const auto count = static_cast<std::uint32_t>(points_.size());
+  to_.reserve(count);
+  std::uint32_t chain = 0;
+  for (const RingSpan& ring : rings) {
+    for (std::size_t k = 1; k < ring.size(); ++k) to_.push_back(static_cast<std::uint32_t>(to_.size()) + 1);
+    if (!ring.empty()) AddEnd(count, ring[0], chain);
+  }
 }
 
 }  // namespace zbr

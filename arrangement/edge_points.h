@@ -21,7 +21,7 @@ struct DirectedEdge {
 class EdgePoints {
  public:
   explicit EdgePoints(std::span<const DirectedEdge> edges);
-  explicit EdgePoints(std::span<const RingSpan> rings);
+  explicit EdgePoints(std::span<const RingSpan> rings);  // of finite points
   // Some edges of others.
   EdgePoints(const EdgePoints& all, std::span<const std::uint32_t> chosen);
 
@@ -39,6 +39,7 @@ class EdgePoints {
  private:
   template <class EndOf>
   void Join(EndOf endOf);
+  void AddEnd(std::uint32_t count, const ZBR_PT& end, std::uint32_t& chain);
 
   std::vector<ZBR_PT> points_;
   std::vector<std::uint32_t> to_;

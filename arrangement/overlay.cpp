@@ -53,11 +53,14 @@ void TraceBack(const FlatRegion& before, FlatRegion& region) {
 }
 
 Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width)
+    : Overlay(rings, secondOperand, tolerance, width, BoxOfRings(rings)) {}
+
+Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width, const Box& box)
     : tolerance_(tolerance),
       width_(width),
       edges_(rings),
-      resolution_(Resolution::Fine(BoxOfRings(rings), tolerance)),
-      grid_(BoxOfRings(rings), resolution_.step),
+      resolution_(Resolution::Fine(box, tolerance)),
+      grid_(box, resolution_.step),
       chains_(FindClearChains(edges_, grid_, resolution_)),
       arrangement_(Arranged(CountPoints(rings.first(secondOperand)), Arrangement::Care::kQuick)),
       swept_(SweepWindings(arrangement_, Arrangement::Care::kQuick)) {
@@ -201,19 +204,29 @@ class Overlay::Assembler {
   }
 
   void AddPoints(std::span<const std::uint32_t> pieces) {
+    std::size_t count = 0;
+    for (const std::uint32_t corner : corners_) count += overlay_.arrangement_.BendCount(pieces[corner]) + 1;
+    region_.points.resize(begin_ + count);
+    if (beginsInChain_) region_.points[begin_] = BendOf(pieces.back(), overlay_.arrangement_.BendCount(pieces.back()) - 1);
+    ForEachCorner(pieces, [&](std::size_t c, std::size_t from) {
+      const std::uint32_t piece = pieces[corners_[c]];
+      const std::uint32_t bends = EdgeCount(pieces, c) - 1;
+      region_.points[from] = PointAt(piece);
+      for (std::uint32_t k = 0; k < bends; ++k) region_.points[from + 1 + k] = BendOf(piece, k);
+    });
+  }
+
+  // The k-th point that the border passes within a piece.
+  ZBR_PT BendOf(std::uint32_t piece, std::uint32_t k) const {
     const Arrangement& arrangement = overlay_.arrangement_;
-    const auto add = [&](const ZBR_PT& p) { region_.points.push_back(onGrid_ ? arrangement.PlaceOf(p) : p); };
-    // The k-th in walking order.
-    const auto bend = [&](std::uint32_t piece, std::uint32_t k) {
-      return arrangement.Bend(piece, sides_[piece] > 0 ? k : arrangement.BendCount(piece) - 1 - k);
-    };
-    if (beginsInChain_) add(bend(pieces.back(), arrangement.BendCount(pieces.back()) - 1));
-    for (const std::uint32_t corner : corners_) {
-      const std::uint32_t piece = pieces[corner];
-      region_.points.push_back(PointAt(piece));
-      const std::uint32_t bends = arrangement.BendCount(piece) - (beginsInChain_ && corner + 1 == pieces.size() ? 1 : 0);
-      for (std::uint32_t k = 0; k < bends; ++k) add(bend(piece, k));
-    }
+    const ZBR_PT& p = arrangement.Bend(piece, sides_[piece] > 0 ? k : arrangement.BendCount(piece) - 1 - k);
+    return onGrid_ ? arrangement.PlaceOf(p) : p;
+  }
+
+  // How many edges of the ring begin in the piece at a corner, and before the next one; without one that the ring begins with.
+  std::uint32_t EdgeCount(std::span<const std::uint32_t> pieces, std::size_t c) const {
+    const bool isSplit = beginsInChain_ && corners_[c] + 1 == pieces.size();
+    return overlay_.arrangement_.BendCount(pieces[corners_[c]]) + (isSplit ? 0 : 1);
   }
 
   // Calls visit(c, from) for each corner, `from` being the place of the edge that begins there among all points.
@@ -285,8 +298,8 @@ class Overlay::Assembler {
     if (beginsInChain_) AddSourcesOfChain(pieces.back(), overlay_.arrangement_.BendCount(pieces.back()), begin_);
     ForEachCorner(pieces, [&](std::size_t c, std::size_t from) {
       const std::uint32_t piece = pieces[corners_[c]];
-      if (const ClearChain* const chain = overlay_.arrangement_.ChainOf(piece); chain != nullptr) {
-        const std::uint32_t edges = chain->count - (beginsInChain_ && corners_[c] + 1 == pieces.size() ? 1 : 0);
+      if (overlay_.arrangement_.ChainOf(piece) != nullptr) {
+        const std::uint32_t edges = EdgeCount(pieces, c);
         for (std::uint32_t k = 0; k < edges; ++k) AddSourcesOfChain(piece, k, from + k);
         return;
       }

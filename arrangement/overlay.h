@@ -53,6 +53,7 @@ class Overlay {
     kNone,      // it is to be arranged once more
   };
 
+  Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, double tolerance, double width, const Box& box);
   Arrangement Arranged(std::size_t secondOperand, Arrangement::Care care) const;
   FlatRegion Assembled(const Inside& inside, bool withSources, Points points, Rest& rest) const;
   FlatRegion Settled(const FlatRegion& region, Points points, Rest& rest) const;
