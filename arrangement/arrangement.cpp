@@ -129,7 +129,8 @@ Arrangement::Arrangement(const EdgePoints& edges, const ClearChains& chains, con
     lines.push_back(
         {c, runsBack ? last : first, runsBack ? first : last, grid.NodeOf(points[after]), runsBack, runsBack ? -net : net});
   }
-  EdgeCutter(*this, others, resolution, chains.OthersBefore(secondOperand), std::move(lines)).Run(care);
+  EdgeCutter cutter(*this, others, resolution, chains.OthersBefore(secondOperand), std::move(lines));
+  cutter.Run(care);
 }
 
 Arrangement::Arrangement(const EdgePoints& edges)

@@ -209,7 +209,7 @@ void CommandLine::DeclareClip() {
 
 void CommandLine::DeclareFile(const std::string& name, const std::string& description, FileOptions& options) {
   CLI::App& command = *app_.add_subcommand(name, description);
-  command.add_option("file", options.file, "The drawing")->required()->type_name("FILE");
+  command.add_option("file", options.file, "The drawing, or the model")->required()->type_name("FILE");
   DeclareInput(command, options.input);
 }
 

@@ -142,7 +142,7 @@ most 30 degrees, a circle or an arc has at least four, a rounding between its ta
 lie on it within the rounding of coordinates or a fiftieth of the distance between chord and arc; polygons of up to
 eleven sides stay polygons. --curves off draws edges as they are.
 
---fill adds what each object covers, as far as nearer ones leave it visible (see 'zbr help outlines'): a shade
+--fill adds what each object or body covers, as far as nearer ones leave it visible (see 'zbr help outlines'): a shade
 below the lines in SVG, closed polylines on a layer FILL-name in DXF, "outlines" with polygons in JSON.
 
 Triangles are numbered from 0 in the order of the files, polygons split; edge 0 runs from the first vertex to the
@@ -199,7 +199,7 @@ The lines of a drawing within a region, and all of them on layers that tell insi
 
 const std::vector<Topic>& Topics() {
   static const std::vector<Topic> kTopics = {{"formats", kFormats},  {"outputs", kOutputs}, {"outlines", kOutlines},
-                                             {"check", kCheck},      {"views", kViews},     {"exit", kExit},
+                                             {"checks", kCheck},     {"views", kViews},     {"exit", kExit},
                                              {"examples", kExamples}};
   return kTopics;
 }

@@ -22,10 +22,11 @@ TEST_F(Tool, EveryOptionOfEveryCommandIsInTheManual) {
     }
   }
   EXPECT_GT(options, 20U);
-  for (const std::string topic : {"formats", "outputs", "outlines", "check", "views", "exit", "examples"}) {
+  for (const std::string topic : {"formats", "outputs", "outlines", "checks", "views", "exit", "examples"}) {
     const Outcome outcome = Run("help " + topic);
     EXPECT_EQ(outcome.code, 0);
     EXPECT_GT(outcome.out.size(), 80U) << topic;
+    EXPECT_EQ(outcome.out.find("Usage:"), std::string::npos) << topic << " is a command, too";
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <random>
@@ -157,6 +158,17 @@ void ExpectSame(const Model& a, const Model& b) {
   EXPECT_TRUE(std::equal(one.triangles.begin(), one.triangles.end(), several.triangles.begin(), several.triangles.end(), isSame));
 }
 
+void ExpectSources(const Model& model, const Mesh& mesh) {
+  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
+    const ZBR_ZBREPS& shell = model.Shell(s);
+    for (int k = 0; k < shell.GetTriangleCnt(); ++k) {
+      const auto& source = mesh.triangles[model.source[model.shellBegin[s] + static_cast<std::size_t>(k)]];
+      ASSERT_EQ(shell.GetTriangle(k)->GetVertex0()->GetPt(), mesh.points[source[0]]);
+      ASSERT_EQ(shell.GetTriangle(k)->GetVertex1()->GetPt(), mesh.points[source[1]]);
+    }
+  }
+}
+
 // Every corner with a point of its own, as in STL files.
 Mesh Loose(const Mesh& mesh) {
   Mesh loose;
@@ -169,7 +181,7 @@ Mesh Loose(const Mesh& mesh) {
 }
 
 // One surface, many bodies, and many bodies one of which is more than a shell: boxes that
-// meet at an edge or at a corner, a box that is there twice.
+// meet at an edge or at a corner, a box that is there twice, and triangles in any order.
 TEST(SharedWork, ModelsAreThoseOfOneThread) {
   const Mesh boxes = example::BoxesOnPlate(40);
   Mesh joined = boxes, twice = boxes, touching = boxes;
@@ -178,8 +190,11 @@ TEST(SharedWork, ModelsAreThoseOfOneThread) {
   for (const double at : {-9.0, -8.0})
     example::Append(touching, example::Box(ZBR_PT3(at, at, at), ZBR_PT3(at + 1, at + 1, at + 1)));
   for (int k = 0; k < 2; ++k) example::Append(twice, example::Box(ZBR_PT3(-9, -9, 5), ZBR_PT3(-8, -8, 6)));
-  for (const Mesh& mesh : {example::Torus(50000), boxes, joined, twice, touching}) {
+  Mesh mixed = joined;
+  std::shuffle(mixed.triangles.begin(), mixed.triangles.end(), std::mt19937(7));
+  for (const Mesh& mesh : {example::Torus(50000), boxes, joined, twice, touching, mixed}) {
     const Model one = MakeModel(mesh, 30.0), several = MakeModel(mesh, 30.0, 0.0, kThreads);
+    ExpectSources(one, mesh);
     ExpectSame(one, several);
     ExpectSame(one, MakeModel(Loose(mesh), 30.0, 0.0, kThreads));
   }

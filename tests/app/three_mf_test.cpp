@@ -1,4 +1,8 @@
 // Models in 3MF: packages of objects that are placed, copied and spread over documents.
+#include <bit>
+#include <cstdint>
+#include <random>
+
 #include "boxes.h"
 #include "support/zip_file.h"
 #include "tool.h"
@@ -84,6 +88,28 @@ TEST_F(Tool, ThreeMfBodiesStayApart) {
   EXPECT_NE(filled.out.find("-fill-2"), std::string::npos);
   // The first box from below, which hides the second one: no note, as something of the file is seen.
   EXPECT_EQ(filled.err + Shell("zbr draw m.3mf --view bottom --fill -o b.svg").err, "");
+}
+
+// By another program at several levels: codes of all lengths, copies from near and far, and blocks as they are. The archive's check
+// sum tells whether all that comes out is right.
+TEST_F(Tool, ThreeMfPackedByGzip) {
+  std::mt19937 random(1);
+  std::string noise, skewed;
+  for (int k = 0; k < 70000; ++k) {
+    noise += static_cast<char>(random() % 8 == 0 ? ' ' : 'A' + random() % 140);
+    skewed += static_cast<char>('a' + std::countr_zero(static_cast<std::uint32_t>(random()) | 1U << 20U));
+  }
+  const std::string part = noise.substr(0, 30000);
+  for (const std::string& comment : {std::string(), std::string(100000, ' '), noise, skewed, part + part}) {
+    for (const char* level : {"1", "6", "9"}) {
+      const std::string document = Document(Object(1, BoxMesh()), kItem) + "<!--" + comment + "-->";
+      Write("m.model", document);
+      ASSERT_EQ(Shell(std::string("gzip -n -") + level + " <m.model >m.gz").code, 0);
+      const std::string packed = Read("m.gz");
+      Write("m.3mf", ZipFile({{"3D/3dmodel.model", document, packed.substr(10, packed.size() - 18)}}, *level == '9'));
+      EXPECT_EQ(Info("m.3mf", "triangles"), "12") << level << " " << comment.size();
+    }
+  }
 }
 
 // A comment behind the directory may hold what looks like the end of an archive.
