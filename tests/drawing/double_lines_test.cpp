@@ -46,7 +46,6 @@ std::size_t CountAt(const std::vector<DrawnSegment>& lines, const DrawnSegment& 
   return others;
 }
 
-// Boxes on a coarse grid, turned or not, many in one place: where a line was there is one, and nowhere are there two bodies'.
 // Shells of all sizes, some around others, by ends on a coarse grid.
 std::vector<EndTree::End> RandomEnds(std::mt19937& random, std::uint32_t shells) {
   std::vector<EndTree::End> ends;
@@ -95,6 +94,7 @@ TEST(EndTree, FindsWhatAllPairsFind) {
   }
 }
 
+// Boxes on a coarse grid, turned or not, many in one place: where a line was there is one, and nowhere are there two bodies'.
 TEST(DoubleLines, EachPlaceKeepsOne) {
   std::mt19937 random(5);
   const auto number = [&](int count) { return static_cast<double>(random() % static_cast<unsigned>(count)); };
