@@ -3,8 +3,8 @@
 // Of the pairs that have an effect nearly all are of this kind: QuickLook finds that the line of the edge clearly parts one vertex
 // of the occluder, the apex, from the two others. Then the edge keeps a piece at its start, a piece at its end, both or nothing,
 // and no list is needed to say so. The numbers are those of the full rule (occlusion.cpp), to the bit. Where a piece is so short
-// that the rule's cleaning of lists would decide about it, or a side is not crossed as it should, the full rule is asked. Of 3600
-// boxes it took half the time of all pairs (bench_hidden, boxes:60).
+// that the rule's cleaning of lists would decide about it, or a side is not crossed as it should, the full rule is asked. It
+// saves 9 % of the instructions of a removal from a thousand boxes, 6 % from eight gears (bench_hidden, boxes:32 and gears:2).
 #pragma once
 
 #include <cmath>
