@@ -58,7 +58,7 @@ zbr_web_option(zbr_drawing -fignore-exceptions
   sections/ caps contours cut_chains cut_scene face_lines faces join_contours simple_ring
   sheets/ centre_lines frame_and_title hatching marked_planes paths
   silhouettes/ contour smooth_normals smooth_silhouettes visible_runs
-  views/ chains crumbs double_lines drawn_segments end_tree outlines view_lines
+  views/ chains crumbs double_lines drawn_segments end_tree outlines specks view_lines
   ./ numbers touched trigonometry units)
 zbr_web_option(zbr_formats -fignore-exceptions
   drawings/ geojson_writer wkt_writer

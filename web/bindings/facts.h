@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 namespace zbr::web {
 
