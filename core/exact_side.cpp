@@ -31,6 +31,10 @@ Two Product(double a, double b) {
   return {product, x.low * y.low - (((product - x.high * y.high) - x.low * y.high) - x.high * y.low)};
 }
 
+bool IsExactDifference(double a, double b) {
+  return Sum(a, -b).low == 0.0;
+}
+
 class ExactSum {
  public:
   void AddProduct(double a, double b) {
@@ -60,17 +64,33 @@ class ExactSum {
   int count_ = 0;
 };
 
+int SignOf(double d) {
+  return d > 0.0 ? 1 : d < 0.0 ? -1 : 0;
+}
+
 }  // namespace
 
+// Most areas near zero are those of points that were made to lie so: two of the same, or on a lattice, where differences of
+// coordinates have no rounding. Then there are only two products to be compared. Rounding keeps their order, unless it makes them
+// equal; then what it cut off decides.
 int ExactSideOf(const ZBR_PT& a, const ZBR_PT& b, const ZBR_PT& c) {
-  constexpr double kError =
-      0x1p-51;  // more than the errors of the differences, their products and the sum, relative to the products
-  const double plus = (b.x() - a.x()) * (c.y() - a.y());
-  const double minus = (b.y() - a.y()) * (c.x() - a.x());
+  // More than the errors of the differences, their products and the sum, relative to the products.
+  constexpr double kError = 0x1p-51;
+  constexpr double kSmall = 0x1p-800;  // what is cut off from products that are larger is a double still
+  const double bx = b.x() - a.x(), by = b.y() - a.y(), cx = c.x() - a.x(), cy = c.y() - a.y();
+  const double plus = bx * cy;
+  const double minus = by * cx;
   const double value = plus - minus;
   const double error = kError * (std::fabs(plus) + std::fabs(minus));
   if (value > error) return 1;
   if (value < -error) return -1;
+  if ((bx == 0.0 || cy == 0.0) && (by == 0.0 || cx == 0.0)) return 0;
+  if (error > kSmall && IsExactDifference(b.x(), a.x()) && IsExactDifference(b.y(), a.y()) && IsExactDifference(c.x(), a.x()) &&
+      IsExactDifference(c.y(), a.y())) {
+    if (plus != minus) return SignOf(value);
+    const double rest = Product(bx, cy).low - Product(by, cx).low;
+    if (std::isfinite(rest)) return SignOf(rest);
+  }
   ExactSum area;
   area.AddProduct(a.x(), b.y());
   area.AddProduct(-a.y(), b.x());

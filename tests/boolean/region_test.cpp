@@ -25,6 +25,19 @@ ZBR_PT At(const std::vector<Ring>& rings, const ZBR_EDGE_SOURCE& s, double t) {
   return ring.at(edge) + (ring[(edge + 1) % ring.size()] - ring[edge]) * t;
 }
 
+// The rings with their edges in parts, in a plane that is bent: what ran along something else still does.
+std::vector<Ring> Bent(const std::vector<Ring>& rings) {
+  constexpr int kParts = 6;
+  std::vector<Ring> bent(rings.size());
+  ForEachEdge(rings, [&](int ring, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+    for (int k = 0; k < kParts; ++k) {
+      const ZBR_PT r = p + (q - p) * (static_cast<double>(k) / kParts);
+      bent[static_cast<std::size_t>(ring)].emplace_back(r.x() + 0.3 * std::sin(1.7 * r.y()), r.y() + 0.3 * std::sin(1.3 * r.x()));
+    }
+  });
+  return bent;
+}
+
 class RegionOfFamilies : public testing::TestWithParam<Family> {};
 
 // Each edge lies on the pieces that it names; where it lies on edges of both operands it names both.
@@ -68,6 +81,31 @@ TEST_P(RegionOfFamilies, EdgesNameTheirSources) {
     }
   }
   EXPECT_TRUE(shared > Scaled(60) || GetParam().name == std::string("stars"));
+}
+
+// Long rings are arranged in chains of edges; those that coincide, meet or cross must be told from the others.
+TEST_P(RegionOfFamilies, LongRingsAreArrangedInChains) {
+  constexpr double kTolerance = 1e-12;  // of the extent
+  for (int seed = 0; seed < Scaled(20); ++seed) {
+    Random random(static_cast<std::uint64_t>(seed));
+    const OperandPair pair = GetParam().draw(random);
+    const std::vector<Ring> a = Bent(pair.a), b = Bent(pair.b);
+    const RegionJudge judge(a, b);
+    ZBR_REGION_OPTIONS options;
+    options.sources = true;
+    for (const ZBR_BOOLEAN_OPE op : kOps) {
+      const ZBR_REGION region = zbrCombineRegions(RegionOf(a), RegionOf(b), op, options);
+      const Verdict verdict = judge.Judge(op, RingsOf(region));
+      ASSERT_FALSE(judge.IsWrong(verdict, kTolerance * judge.Extent())) << "seed " << seed << " operation " << op;
+      std::size_t point = 0;
+      ForEachEdge(RingsOf(region), [&](int, std::size_t, const ZBR_PT& p, const ZBR_PT& q) {
+        const auto first = static_cast<std::size_t>(region.source_offsets()[point++]);
+        const ZBR_EDGE_SOURCE& s = region.sources().at(first);
+        const std::vector<Ring>& rings = s.operand == 0 ? a : b;
+        ASSERT_LE(At(rings, s, s.t0).Distance(p) + At(rings, s, s.t1).Distance(q), 1e-9 * judge.Extent()) << "seed " << seed;
+      });
+    }
+  }
 }
 
 // What k of three regions cover, by winding numbers: as sums of what pairs of them have in common.
