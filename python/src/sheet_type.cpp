@@ -77,7 +77,8 @@ PyObject* MakeSheet(PyObject*, PyObject* const* args, Py_ssize_t count, PyObject
       const auto data = std::make_shared<SheetData>();
       std::vector<drawing::ViewLines> views;
       for (const DrawingPtr& drawing : drawings) views.push_back(drawing->view);
-      data->sheet = drawing::LayOut(std::move(views), options);
+      const auto layOut = [&] { return drawing::LayOut(std::move(views), options); };
+      data->sheet = options.scale ? ForArgument("scale", layOut) : layOut();
       data->sources = drawings.front()->mesh->sources;
       data->shells = drawings.front()->shells;
       return data;

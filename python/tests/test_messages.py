@@ -5,6 +5,7 @@ import re
 import numpy as np
 import pytest
 import zbr
+from zbr._options import DrawOptions, SheetOptions
 
 RING = [(0, 0), (4, 0), (0, 4)]
 REGION = zbr.Region(RING)
@@ -27,10 +28,10 @@ OPTIONS = {
     zbr.faces: ((RING,), "lines tolerance"),
     REGION.simplify: ((), "tolerance"),
     REGION.svg: ((), "width"),
-    MESH.draw: ((), "view hidden crease weld contact tangents intersections outlines threads progress silhouettes centre_lines curves axes"),
+    MESH.draw: ((), " ".join(["view", *DrawOptions.__annotations__])),
     MESH.outline: ((), "view weld threads"),
     DRAWING.polylines: ((), "kind"),
-    zbr.sheet: (([DRAWING],), "paper projection title number author date unit hidden tangent progress"),
+    zbr.sheet: (([DRAWING],), " ".join(SheetOptions.__annotations__)),
     zbr.Regions.of([REGION]).contains: ((), "points"),
     read_triangle: ((), "deviation join fill layers"),
 }

@@ -4,13 +4,14 @@ from __future__ import annotations
 
 import os
 import warnings
-from typing import Any, Iterable, Mapping, NamedTuple, Sequence
+from typing import Any, Iterable, Mapping, NamedTuple, Sequence, Unpack
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _picture, _zbr
 from ._files import place_of, written
+from ._options import DrawOptions, SheetOptions
 from ._regions import Region
 
 #: What the numbers of `Drawing.kind` mean.
@@ -90,7 +91,7 @@ class Mesh(_zbr.Mesh):
             return thing
         return cls(*_triangles_of(thing))
 
-    def draw(self, view: View = "iso", **options: Any) -> Drawing:
+    def draw(self, view: View = "iso", **options: Unpack[DrawOptions]) -> Drawing:
         """Draws a view: front, back, left, right, top, bottom, iso, dimetric; a direction of looking (3,); that and what is up,
         (2, 3); or the perspective of an eye, {"eye": (x, y, z)}, with the keys at (what it looks at; by default the middle of the
         model), up, and fov (degrees at which the picture is cut off; by default all is drawn).
@@ -106,17 +107,18 @@ class Mesh(_zbr.Mesh):
         """
         return self._draw([view], **options)[0]
 
-    def draw_views(self, views: Iterable[View], **options: Any) -> list[Drawing]:
+    def draw_views(self, views: Iterable[View], **options: Unpack[DrawOptions]) -> list[Drawing]:
         """Draws several views, which costs less than one by one; options as for draw()."""
         return self._draw(views, **options)
 
-    def section(self, plane: str, *, hidden: bool | str = False, **options: Any) -> Drawing:
+    def section(self, plane: str, **options: Unpack[DrawOptions]) -> Drawing:
         """Draws a section: what a plane lays open and what lies behind. The faces are the drawing's section_faces.
 
         plane: "X=10", "Y=10" or "Z=10", seen as right, front and top are; "X=10..25": what lies between the two; "1,0,1=20": at
-        this distance from the origin in this direction. draw_views() takes planes, too. Options as for draw().
+        this distance from the origin in this direction. draw_views() takes planes, too. Options as for draw(), but hidden=False.
         """
-        drawing = self.draw(plane, hidden=hidden, **options)
+        options.setdefault("hidden", False)
+        drawing = self._draw([plane], **options)[0]
         if not np.any(drawing.kind == KINDS.index("cut")):
             warnings.warn(f"{drawing.name}: the plane cuts nothing", stacklevel=2)
         return drawing
@@ -193,24 +195,25 @@ class Drawing(_zbr.Drawing):
         """What is seen at points (n, 2) of the drawing."""
         return Picked(*super().pick(points, **options))
 
-    def sheet(self, **options: Any) -> Sheet:
+    def sheet(self, **options: Unpack[SheetOptions]) -> Sheet:
         """The drawing alone on paper, without frame; options are those of sheet()."""
-        return sheet([self], **{"projection": None, **options})
+        options.setdefault("projection", None)
+        return sheet([self], **options)
 
-    def svg(self, **options: Any) -> str:
+    def svg(self, **options: Unpack[SheetOptions]) -> str:
         return self.sheet(**options).svg()
 
-    def dxf(self, version: str = "R2000", **options: Any) -> bytes:
+    def dxf(self, version: str = "R2000", **options: Unpack[SheetOptions]) -> bytes:
         return self.sheet(**options).dxf(version)
 
-    def pdf(self, **options: Any) -> bytes:
+    def pdf(self, **options: Unpack[SheetOptions]) -> bytes:
         return self.sheet(**options).pdf()
 
-    def json(self, **options: Any) -> str:
+    def json(self, **options: Unpack[SheetOptions]) -> str:
         """Lines, where they come from, outlines: the file that the tool writes. Coordinates are from the model's origin."""
         return self.sheet(**options).json()
 
-    def save(self, path: str | os.PathLike[str], **options: Any) -> None:
+    def save(self, path: str | os.PathLike[str], **options: Unpack[SheetOptions]) -> None:
         """Writes a file: svg, dxf, pdf or json by its name."""
         self.sheet(**options).save(path)
 
@@ -268,7 +271,7 @@ class Sheet(_zbr.Sheet):
         return self.svg()
 
 
-def sheet(drawings: Iterable[Drawing], **options: Any) -> Sheet:
+def sheet(drawings: Iterable[Drawing], **options: Unpack[SheetOptions]) -> Sheet:
     """Places views of one mesh on paper, with frame and title block.
 
     Options: paper=None ("A3", "420x297" in millimetres; None: one that suits), scale=None ("1:2", 0.5, "fit"; None: the largest
@@ -276,7 +279,8 @@ def sheet(drawings: Iterable[Drawing], **options: Any) -> Sheet:
     date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer"). Warns of
     sections whose plane none of the views shows, which takes one that sees it as a line.
     """
-    placed = _zbr.sheet(drawings, **{"projection": "first", **options})
+    options.setdefault("projection", "first")
+    placed = _zbr.sheet(drawings, **options)
     for name in placed._unmarked:
         warnings.warn(f"{name}: none of the views shows where its plane is", stacklevel=2)
     return placed

@@ -5,7 +5,7 @@ import { existsSync, mkdtempSync, readFileSync, readdirSync, writeFileSync } fro
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
-import { packed3mf } from '../../test/package.js';
+import { packed3mf, random } from '../../test/package.js';
 import { root, serve, shoot, startBrowser } from './browser.js';
 
 const scratch = mkdtempSync(join(tmpdir(), 'zbr-page-'));
@@ -222,6 +222,39 @@ test('small and dark screens', async () => {
   await plates.waitForTimeout(300);
   await shoot(plates, 'dark-drawings');
   await plates.close();
+});
+
+// A lobed body whose points are where a scanner's noise puts them, as OBJ.
+function scan(rows = 60, columns = 120) {
+  const below = random(7), lines = [];
+  for (let i = 0; i <= rows; ++i) {
+    for (let j = 0; j < columns; ++j) {
+      const a = (Math.PI * i) / rows, b = (2 * Math.PI * j) / columns, sin = Math.sin(a);
+      const r = 40 + 8 * Math.sin(3 * b) * sin ** 2 + (sin ** 2 * below(1000)) / 1000;
+      lines.push(`v ${r * sin * Math.cos(b)} ${r * sin * Math.sin(b)} ${1.4 * r * Math.cos(a)}`);
+    }
+  }
+  for (let i = 0; i < rows; ++i) {
+    for (let j = 0; j < columns; ++j) {
+      const at = (k, l) => (i + k) * columns + ((j + l) % columns) + 1;
+      lines.push(`f ${at(0, 0)} ${at(1, 0)} ${at(1, 1)} ${at(0, 1)}`);
+    }
+  }
+  return file('scan.obj', lines.join('\n'));
+}
+
+test('a scan reads at the first angle, and is said to be rough', async () => {
+  const page = await openPage();
+  await drop(page, scan());
+  await statusIs(page, 'visible lines.*a rough surface');
+  await page.waitForTimeout(300);
+  await shoot(page, 'scan');
+  const status = await page.textContent('#status'); // 107 with the silhouettes of facets
+  assert.ok(Number(/([0-9,]+) visible/.exec(status)[1].replace(',', '')) < 80, status);
+  await page.fill('#crease', '80');
+  await page.dispatchEvent('#crease', 'change');
+  await statusIs(page, 'visible.* ms$');
+  await page.close();
 });
 
 // Boxes on a plate, as binary STL.
