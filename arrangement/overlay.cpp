@@ -1,11 +1,12 @@
-// Idea: arrange all edges; sweep once for the winding numbers of both operands on either side of every piece; then an operation is
-// nothing but a choice of faces, and its result the border of these. Where the border only passes a vertex, because an edge was led
-// through it or another one ends there, and no second part of the border does, the vertex is left out again: the edge is straight
-// as it was. Nothing comes to cross by that where the vertex lies on the edge but for rounding. Where it lay aside by what the
-// tolerance allows, something may; such a result is arranged once more, as it stands. So is one of pieces that come nearer to
-// nodes than the points lie that these stand for: then crossings are no new places, but vertices that edges are led through.
-// Where something comes nearly as close, the result is looked at without any rounding, and arranged again as long as it crosses
-// itself. One that does not come to rest so is made of the places of the nodes, which keep apart as the pieces do.
+// Idea: arrange all edges, those that nothing comes near in whole chains; sweep once for the winding numbers of both operands on
+// either side of every piece; then an operation is nothing but a choice of faces, and its result the border of these. Where the
+// border only passes a vertex, because an edge was led through it or another one ends there, and no second part of the border does,
+// the vertex is left out again: the edge is straight as it was. Nothing comes to cross by that where the vertex lies on the edge
+// but for rounding. Where it lay aside by what the tolerance allows, something may; such a result is arranged once more, as it
+// stands. So is one of pieces that come nearer to nodes than the points lie that these stand for: then crossings are no new places,
+// but vertices that edges are led through. Where something comes nearly as close, the result is looked at without any rounding, and
+// arranged again as long as it crosses itself. One that does not come to rest so is made of the places of the nodes, which keep
+// apart as the pieces do.
 #include "arrangement/overlay.h"
 
 #include <algorithm>
