@@ -2,6 +2,12 @@
 #
 # -ffp-contract=off: a fused multiply-add rounds differently, and the same input must give the same bits on every machine.
 add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU,Clang,AppleClang>:-ffp-contract=off>)
+# GCC makes fused instructions of neighbouring products all the same (vfmsubadd), where the processor that it compiles for has any.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles("#ifndef __FMA__\n#error\n#endif\nint main() {}" ZBR_TARGET_HAS_FMA)
+if(ZBR_TARGET_HAS_FMA)
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-tree-slp-vectorize>)
+endif()
 add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,MSVC>:/fp:precise$<SEMICOLON>/permissive-$<SEMICOLON>/utf-8>)
 if(WIN32)
   # windows.h would make macros of min and max; Microsoft's compiler warns of functions of the C library.
