@@ -56,12 +56,12 @@ void CommandLine::DeclareSheet(CLI::App& command) {
             "ANGLE");
   AddChoice(
       command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
-      "Hidden lines: none, dashed or layer, on a layer that is switched off; by default dashed in views along an axis, none in "
+      "Hidden lines: none, dashed or layer, on a layer that is not shown; by default dashed in views along an axis, none in "
       "others such as iso",
       "STYLE");
   AddChoice(
       command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
-      "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is switched off",
+      "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is not shown",
       "STYLE");
   AddChoice(
       command, "--silhouettes", draw_.silhouettes, {"facets", "smooth"},
