@@ -54,14 +54,13 @@ void CommandLine::DeclareSheet(CLI::App& command) {
             "Arrange the views in first- or third-angle projection on a sheet with frame and title; by default first for several "
             "views, and no sheet for one",
             "ANGLE");
-  AddChoice(
-      command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
-      "Hidden lines: none, dashed or layer, on a layer that is switched off; by default dashed in views along an axis, none in "
-      "others such as iso",
-      "STYLE");
+  AddChoice(command, "--hidden", draw_.hidden, {"none", "dashed", "layer"},
+            "Hidden lines: none, dashed or layer, on a layer that is not shown; by default dashed in views along an axis, none in "
+            "others such as iso",
+            "STYLE");
   AddChoice(
       command, "--tangent", draw_.tangent, {"none", "thin", "layer"},
-      "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is switched off",
+      "Smooth edges at which fillets and other bent faces end: none (by default), thin, or layer, on a layer that is not shown",
       "STYLE");
   AddChoice(
       command, "--silhouettes", draw_.silhouettes, {"facets", "smooth"},

@@ -129,6 +129,11 @@ void NoteUnmarked(const Sheet& sheet, Progress& progress) {
   }
 }
 
+void NoteShortened(const Sheet& sheet, Progress& progress) {
+  for (const std::string& field : sheet.shortened)
+    progress.Note("title block: note: the field " + field + " has no room for all of its text");
+}
+
 // A crease angle that was chosen is not talked about.
 void NoteRoughness(const Model& model, const std::string& file, const DrawOptions& options, Progress& progress) {
   constexpr double kUsual = 30.0;
@@ -189,6 +194,7 @@ int RunDraw(const DrawOptions& options) {
   progress.Stage("writing");
   const Sheet sheet = LayOut(std::move(views), plan.sheet);
   NoteUnmarked(sheet, progress);
+  NoteShortened(sheet, progress);
   OutputFiles files;
   for (const SheetOutput& output : plan.outputs)
     files.Add(output.file, WriteSheet(output.format, sheet, objects.sources, model.ShellCount(), options.dxf, plan.threads));

@@ -3,9 +3,14 @@
 
 #include <zbr-drawing/sheet.h>
 
+#include <vector>
+
+#include "drawing/sheets/marked_planes.h"
+
 namespace zbr::drawing {
 
-// Adds crosses and axes to the lines of views, as EdgeClass::kCentre, which reach some millimetres beyond what they are of.
-void AddCentreLines(Sheet& sheet);
+// Adds crosses and axes to the lines of views, as EdgeClass::kCentre, which reach some millimetres beyond what they are of. Where a
+// plane that the view marks has its line, this stands for them: two chain lines on each other fill each other's gaps.
+void AddCentreLines(Sheet& sheet, const std::vector<MarkedPlane>& planes);
 
 }  // namespace zbr::drawing

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace zbr::drawing {
 namespace {
@@ -15,7 +16,9 @@ namespace {
 // Millimetres.
 constexpr double kLetterGap = 1.5;           // behind the arrow
 constexpr double kStep = kMarkLetter + 1.5;  // from an end to the next one outwards
+constexpr double kMarkLength = 3;            // steps past arrow and letter of a plane that crosses
 constexpr double kClear = 1.0;               // between marks
+constexpr double kFarthestBeside = 3.0;      // a plane that misses the model is drawn beside the view
 
 double Reach(const Extent& e, const ZBR_PT& direction, bool high) {
   double reach = high ? -HUGE_VAL : HUGE_VAL;
@@ -28,6 +31,22 @@ double Reach(const Extent& e, const ZBR_PT& direction, bool high) {
   return reach;
 }
 
+// The ends of what the line, which meets the box, has in it; of one along a side the side.
+void SetWhereItCrosses(MarkedPlane& line, const Extent& e) {
+  line.low = -HUGE_VAL;
+  line.high = HUGE_VAL;
+  const auto cut = [&](double at, double step, double low, double high) {
+    constexpr double kAlongSide = 1e-6;
+    if (std::abs(step) < kAlongSide) return;
+    const double a = (low - at) / step, b = (high - at) / step;
+    line.low = std::max(line.low, std::min(a, b));
+    line.high = std::min(line.high, std::max(a, b));
+  };
+  cut(line.foot.x(), line.along.x(), e.xmin, e.xmax);
+  cut(line.foot.y(), line.along.y(), e.ymin, e.ymax);
+  if (line.low > line.high) std::swap(line.low, line.high);  // at a corner, by rounding
+}
+
 MarkedPlane LineOf(const Sheet& sheet, std::size_t parent, std::size_t section) {
   const ViewLines& view = sheet.views[parent].lines;
   const SectionPlane& plane = sheet.views[section].lines.section->plane;
@@ -37,9 +56,14 @@ MarkedPlane LineOf(const Sheet& sheet, std::size_t parent, std::size_t section) 
   line.toViewer = view.view.In(plane.normal).xy();
   line.toViewer = line.toViewer * (1.0 / line.toViewer.Length());
   line.along.Set(-line.toViewer.y(), line.toViewer.x());
-  line.foot = line.toViewer * (plane.offset - plane.normal.InnerProduct(view.view.Out(view.middle)));
-  line.low = Reach(view.extent, line.along, false);
-  line.high = Reach(view.extent, line.along, true);
+  const double height = plane.offset - plane.normal.InnerProduct(view.view.Out(view.middle));
+  const double within = std::clamp(height, Reach(view.extent, line.toViewer, false), Reach(view.extent, line.toViewer, true));
+  line.foot = line.toViewer * within;
+  SetWhereItCrosses(line, view.extent);
+  // Nearer than it is, where it is far away: the section shows the same from there.
+  const double beside = std::clamp(height - within, -kFarthestBeside / sheet.perUnit, kFarthestBeside / sheet.perUnit);
+  line.beside = std::abs(beside) * sheet.perUnit;
+  line.foot += line.toViewer * beside;
   return line;
 }
 
@@ -53,32 +77,36 @@ std::optional<std::size_t> ParentOf(const Sheet& sheet, const SectionPlane& plan
   return std::nullopt;
 }
 
-struct Room {
-  ZBR_PT low, high;
+// What a stroke between two points covers.
+PaperBox BoxAround(const ZBR_PT& a, const ZBR_PT& b) {
+  return {{std::min(a.x(), b.x()), std::min(a.y(), b.y())}, {std::max(a.x(), b.x()), std::max(a.y(), b.y())}};
+}
 
-  Room(const ZBR_PT& a, const ZBR_PT& b)
-      : low(std::min(a.x(), b.x()), std::min(a.y(), b.y())), high(std::max(a.x(), b.x()), std::max(a.y(), b.y())) {}
-  bool IsClearOf(const Room& o) const {
-    return low.x() > o.high.x() + kClear || o.low.x() > high.x() + kClear || low.y() > o.high.y() + kClear ||
-           o.low.y() > high.y() + kClear;
-  }
-};
+bool AreApart(const PaperBox& a, const PaperBox& b) {
+  return a.Wider(kClear).IsClearOf(b);
+}
 
 // What the marks of a plane take on paper, at each of its ends.
 struct Marks {
   struct End {
-    Room letter, arrow, line;
+    PaperBox letter, arrow, line;
 
     bool IsClearOf(const End& o) const {
-      return letter.IsClearOf(o.letter) && letter.IsClearOf(o.arrow) && letter.IsClearOf(o.line) && arrow.IsClearOf(o.letter) &&
-             line.IsClearOf(o.letter) && arrow.IsClearOf(o.arrow);
+      return AreApart(letter, o.letter) && AreApart(letter, o.arrow) && AreApart(letter, o.line) && AreApart(arrow, o.letter) &&
+             AreApart(line, o.letter) && AreApart(arrow, o.arrow);
+    }
+    bool IsWithin(const PaperBox& bounds) const {
+      return letter.IsWithin(bounds) && arrow.IsWithin(bounds) && line.IsWithin(bounds);
     }
   };
   std::array<End, 2> ends;
 
-  Marks(const Sheet& sheet, const MarkedPlane& plane)
-      : ends{EndAt(plane, sheet.OnPaper(sheet.views[plane.parent], plane.From(sheet.perUnit)), plane.along),
-             EndAt(plane, sheet.OnPaper(sheet.views[plane.parent], plane.To(sheet.perUnit)), plane.along * -1.0)} {}
+  Marks(const Sheet& sheet, const MarkedPlane& plane) {
+    const PlacedView& parent = sheet.views[plane.parent];
+    const double letter = TextWidth(sheet.views[plane.section].lines.section->letter, kMarkLetter);
+    ends = {EndAt(plane, sheet.OnPaper(parent, plane.From(sheet.perUnit)), plane.along, letter),
+            EndAt(plane, sheet.OnPaper(parent, plane.To(sheet.perUnit)), plane.along * -1.0, letter)};
+  }
 
   bool AreClearOf(const Marks& o) const {
     return std::all_of(ends.begin(), ends.end(),
@@ -86,10 +114,11 @@ struct Marks {
   }
 
  private:
-  static End EndAt(const MarkedPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards) {
-    const ZBR_PT letter = LetterAt(plane, end), half(kMarkLetter * kLetterWidth / 2, kMarkLetter / 2);
-    return {
-        {letter - half, letter + half}, {end, end + plane.toViewer * kArrow}, {end, end + inwards * (kThickEnd + plane.outwards)}};
+  static End EndAt(const MarkedPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards, double width) {
+    const ZBR_PT letter = LetterAt(plane, end), half(width / 2, kMarkLetter / 2);
+    return {{letter - half, letter + half},
+            BoxAround(end, end + plane.toViewer * kArrow),
+            BoxAround(end, end + inwards * (kThickEnd + plane.outwards))};
   }
 };
 
@@ -106,7 +135,9 @@ void MoveApart(const Sheet& sheet, std::vector<MarkedPlane>& planes) {
       const Marks marks(sheet, *plane);
       return std::all_of(placed.begin(), placed.end(), [&](const Marks& o) { return marks.AreClearOf(o); });
     };
-    for (std::size_t k = 1; k < planes.size() && !isClear(); ++k) plane->outwards += kStep;
+    const auto usual = static_cast<double>(planes.size() - 1) * kStep;
+    while (!isClear() && plane->outwards < kMarkLength * usual) plane->outwards += kStep;
+    if (!isClear()) plane->outwards = usual;
     placed.emplace_back(sheet, *plane);
   }
 }
@@ -115,6 +146,16 @@ void MoveApart(const Sheet& sheet, std::vector<MarkedPlane>& planes) {
 
 ZBR_PT LetterAt(const MarkedPlane& plane, const ZBR_PT& end) {
   return end + plane.toViewer * (kArrow + kLetterGap + kMarkLetter / 2);
+}
+
+void KeepMarksWithin(const Sheet& sheet, const PaperBox& bounds, std::vector<MarkedPlane>& planes) {
+  for (MarkedPlane& plane : planes) {
+    const auto isWithin = [&] {
+      const Marks marks(sheet, plane);
+      return marks.ends[0].IsWithin(bounds) && marks.ends[1].IsWithin(bounds);
+    };
+    while (plane.outwards > 0 && !isWithin()) plane.outwards = std::max(plane.outwards - kStep, 0.0);
+  }
 }
 
 std::vector<MarkedPlane> FindMarkedPlanes(const Sheet& sheet) {

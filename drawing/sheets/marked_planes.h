@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "drawing/sheets/lettering.h"
+
 namespace zbr::drawing {
 
 // Millimetres.
@@ -13,7 +15,6 @@ inline constexpr double kPlaneBeyond = 7;  // the plane's line reaches beyond th
 inline constexpr double kThickEnd = 6;
 inline constexpr double kArrow = 8;
 inline constexpr double kMarkLetter = 5;
-inline constexpr double kLetterWidth = 0.7;  // of its height, on the average
 
 // The line of a plane in a view that sees it edge-on, in the view's x and y.
 struct MarkedPlane {
@@ -21,6 +22,7 @@ struct MarkedPlane {
   ZBR_PT along, toViewer;               // of length 1; the second the way the section's viewer is
   ZBR_PT foot;                          // of the line
   double low = 0.0, high = 0.0;         // along it, where it crosses the view
+  double beside = 0.0;                  // millimetres that it is drawn beside the view, where it misses the model
   double outwards = 0.0;                // millimetres beyond the usual: the ends of planes close to each other stand apart
 
   ZBR_PT From(double perUnit) const { return foot + along * (low - (kPlaneBeyond + outwards) / perUnit); }
@@ -29,6 +31,9 @@ struct MarkedPlane {
 
 // Of the sections that another view of the sheet shows, in their order.
 std::vector<MarkedPlane> FindMarkedPlanes(const Sheet& sheet);
+
+// Puts the ends of planes back that stand outside of where the sheet is drawn on, even if they meet those of other planes.
+void KeepMarksWithin(const Sheet& sheet, const PaperBox& bounds, std::vector<MarkedPlane>& planes);
 
 // The middle of the letter behind the arrow at an end, on paper.
 ZBR_PT LetterAt(const MarkedPlane& plane, const ZBR_PT& end);

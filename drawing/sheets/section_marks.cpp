@@ -5,14 +5,13 @@
 #include <string>
 #include <utility>
 
-#include "drawing/sheets/marked_planes.h"
+#include "drawing/sheets/lettering.h"
 
 namespace zbr::drawing {
 namespace {
 
 // Millimetres.
 constexpr double kHead = 3, kHalfHead = 0.6;  // of arrows
-constexpr double kNameGap = 4;                // of a section's name above it
 
 // The letter stands behind the arrow.
 void AddEnd(Sheet& sheet, const MarkedPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards, const std::string& letter) {
@@ -20,7 +19,7 @@ void AddEnd(Sheet& sheet, const MarkedPlane& plane, const ZBR_PT& end, const ZBR
   sheet.paths.push_back({{end, end + inwards * kThickEnd}, false, true});
   sheet.paths.push_back({{tail, neck}, false, false});
   sheet.paths.push_back({{end, neck + aside, neck - aside, end, neck}, false, true});
-  sheet.texts.push_back({LetterAt(plane, end) - ZBR_PT(kMarkLetter * kLetterWidth / 2, kMarkLetter / 2), kMarkLetter, letter});
+  sheet.texts.push_back({LetterAt(plane, end) - ZBR_PT(TextWidth(letter, kMarkLetter), kMarkLetter) * 0.5, kMarkLetter, letter});
 }
 
 void AddPlane(Sheet& sheet, const MarkedPlane& plane) {
@@ -33,24 +32,6 @@ void AddPlane(Sheet& sheet, const MarkedPlane& plane) {
   AddVisible(parent.lines, {std::move(line)});
   AddEnd(sheet, plane, sheet.OnPaper(parent, from), plane.along, section.letter);
   AddEnd(sheet, plane, sheet.OnPaper(parent, to), plane.along * -1.0, section.letter);
-}
-
-// Of what is drawn: a section may be far smaller than the model.
-Extent DrawnExtent(const ViewLines& view) {
-  Extent drawn;
-  for (const Line& line : view.lines) {
-    for (const ZBR_PT& p : line.chain.points) drawn.Add(p);
-  }
-  return drawn.empty() ? view.extent : drawn;
-}
-
-void AddName(Sheet& sheet, const PlacedView& view) {
-  const std::string& letter = view.lines.section->letter;
-  const Extent e = DrawnExtent(view.lines);
-  const ZBR_PT top = sheet.OnPaper(view, ZBR_PT((e.xmin + e.xmax) / 2, e.ymax));
-  constexpr double kLetters = 3;
-  sheet.texts.push_back({top + ZBR_PT(-kLetters * kLetterWidth * kMarkLetter / 2, kNameGap), kMarkLetter,
-                         letter + "\xe2\x80\x93" + letter});  // an en dash
 }
 
 }  // namespace
@@ -72,14 +53,12 @@ void NameSections(std::vector<ViewLines>& views) {
   }
 }
 
-void AddSectionMarks(Sheet& sheet) {
-  const std::vector<MarkedPlane> planes = FindMarkedPlanes(sheet);
+void AddSectionMarks(Sheet& sheet, const std::vector<MarkedPlane>& planes) {
   for (std::size_t v = 0; v < sheet.views.size(); ++v) {
     if (!sheet.views[v].lines.section) continue;
     const auto plane = std::find_if(planes.begin(), planes.end(), [v](const MarkedPlane& p) { return p.section == v; });
     sheet.views[v].lines.section->isMarked = plane != planes.end();
     if (plane != planes.end()) AddPlane(sheet, *plane);
-    AddName(sheet, sheet.views[v]);
   }
 }
 

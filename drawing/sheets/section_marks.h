@@ -5,11 +5,13 @@
 
 #include <vector>
 
+#include "drawing/sheets/marked_planes.h"
+
 namespace zbr::drawing {
 
 // In a view that sees a section's plane edge-on, the plane: a chain line with thick ends, arrows the way the section is looked at,
-// letters; and its name above each section.
-void AddSectionMarks(Sheet& sheet);
+// letters.
+void AddSectionMarks(Sheet& sheet, const std::vector<MarkedPlane>& planes);
 
 // Room that marks take around views, in millimetres.
 inline constexpr double kSectionMarks = 15.0;

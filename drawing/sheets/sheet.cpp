@@ -19,6 +19,7 @@
 #include "drawing/sheets/hatching.h"
 #include "drawing/sheets/marked_planes.h"
 #include "drawing/sheets/section_marks.h"
+#include "drawing/sheets/view_names.h"
 #include "drawing/views/specks.h"
 
 namespace zbr::drawing {
@@ -166,7 +167,7 @@ struct Grid {
   double LargestIn(const DrawingArea& area) const {
     return std::min((area.width - Gaps(columns)) / Sum(columns, &Band::size), (area.height - Gaps(rows)) / Sum(rows, &Band::size));
   }
-  // Room for ends of cutting planes that stand farther out than usual. Whether there was less before.
+  // Room for cutting planes beside the view, and for ends that stand farther out than usual. Whether there was less before.
   bool WidenFor(const std::vector<MarkedPlane>& planes) {
     bool wider = false;
     const auto widen = [&](Band& band, double room) {
@@ -174,8 +175,9 @@ struct Grid {
       band.room = std::max(band.room, room);
     };
     for (const MarkedPlane& plane : planes) {
-      widen(columns[cells[plane.parent].column], 2 * plane.outwards * std::abs(plane.along.x()));
-      widen(rows[cells[plane.parent].row], 2 * plane.outwards * std::abs(plane.along.y()));
+      const auto room = [&](double x, double y) { return 2 * (plane.outwards * std::abs(x) + plane.beside * std::abs(y)); };
+      widen(columns[cells[plane.parent].column], room(plane.along.x(), plane.toViewer.x()));
+      widen(rows[cells[plane.parent].row], room(plane.along.y(), plane.toViewer.y()));
     }
     return wider;
   }
@@ -332,9 +334,12 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   ChooseWidths(sheet);
   for (PlacedView& view : sheet.views) DropSpecks(view.lines, sheet.wide / sheet.perUnit);
   AddHatching(sheet);
-  AddCentreLines(sheet);
-  AddSectionMarks(sheet);
+  std::vector<MarkedPlane> planes = FindMarkedPlanes(sheet);
+  KeepMarksWithin(sheet, BoundsOf(sheet), planes);
+  AddCentreLines(sheet, planes);
+  AddSectionMarks(sheet, planes);
   if (options.projection != Projection::kNone) AddFrame(sheet);
+  AddViewNames(sheet);
   return sheet;
 }
 

@@ -17,11 +17,12 @@ constexpr const char* kIntersection = "INTERSECTION";
 constexpr const char* kTangent = "TANGENT";
 constexpr const char* kSection = "SECTION";
 constexpr const char* kHatching = "HATCHING";
-constexpr const char* kCentre = "CENTER";  // the line type's standard name, too
+constexpr const char* kCentre = "CENTER";
 constexpr const char* kHidden = "HIDDEN";
-// Some programs go by the name of a line type and leave its pattern: of the standard names this comes nearest to the dashes of
-// hidden lines, 3 mm for the usual width.
+// Some programs go by the name of a line type and leave its pattern: of the standard names these come nearest to the dashes of
+// hidden lines, 3 mm for the usual width, and to chain lines, 6 mm and a dot; CENTER has no gap in lines below 30 mm.
 constexpr const char* kDashes = "HIDDEN2";
+constexpr const char* kChain = "DASHDOT2";
 constexpr const char* kFrame = "FRAME";
 constexpr const char* kTitle = "TITLE";
 
@@ -53,40 +54,46 @@ bool HasLines(const Sheet& sheet, const char* layer) {
   });
 }
 
+// Frozen layers are drawn and printed nowhere until they are thawed, which takes one click; ones with a negative colour, as layers
+// that are off have, are printed by programs that read the colour alone.
+DrawingLayer Frozen(DrawingLayer layer, bool frozen) {
+  layer.frozen = frozen;
+  return layer;
+}
+
 // The layers that few sheets have lines on.
 void AddMarks(const Sheet& sheet, DxfSetup& setup) {
   constexpr int kBlack = 7;
   const std::string continuous = "CONTINUOUS";
-  if (HasLines(sheet, kSection)) setup.layers.push_back({kSection, kBlack, Hundredths(sheet.cut), continuous, false});
-  if (HasLines(sheet, kHatching)) setup.layers.push_back({kHatching, kBlack, Hundredths(sheet.thin), continuous, false});
+  if (HasLines(sheet, kSection)) setup.layers.push_back({kSection, kBlack, Hundredths(sheet.cut), continuous});
+  if (HasLines(sheet, kHatching)) setup.layers.push_back({kHatching, kBlack, Hundredths(sheet.thin), continuous});
   if (!HasLines(sheet, kCentre)) return;
-  setup.layers.push_back({kCentre, kBlack, Hundredths(sheet.thin), kCentre, false});
+  setup.layers.push_back({kCentre, kBlack, Hundredths(sheet.thin), kChain});
   const double dash = kLongDash * sheet.thin, gap = -kDashGap * sheet.thin;
-  setup.lineTypes.push_back({kCentre, "Center ____ _ ____ _ ____", {dash, gap, kDot * sheet.thin, gap}});
+  setup.lineTypes.push_back({kChain, "Dash dot (.5x) _._._._._._._._._._", {dash, gap, kDot * sheet.thin, gap}});
 }
 
 DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, DxfVersion version) {
   constexpr int kMillimetres = 4, kBlack = 7, kGrey = 8, kFrameWidth = 70, kTitleWidth = 25;
-  const bool off = sheet.options.hidden == HiddenStyle::kLayer;
   const std::string continuous = "CONTINUOUS";
   DxfSetup setup;
   setup.version = version;
   setup.units = kMillimetres;
   setup.showWidths = true;
   setup.lineTypes = {{kDashes, "Hidden (.5x) _ _ _ _ _", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
-  setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous, false},
-                  {kOutline, kBlack, Hundredths(sheet.wide), continuous, false},
-                  {kIntersection, kBlack, Hundredths(sheet.wide), continuous, false},
-                  {kTangent, kBlack, Hundredths(sheet.thin), continuous, sheet.options.tangent == TangentStyle::kLayer},
-                  {kHidden, kGrey, Hundredths(sheet.thin), kDashes, off},
-                  {kFrame, kBlack, kFrameWidth, continuous, false},
-                  {kTitle, kBlack, kTitleWidth, continuous, false}};
+  setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous},
+                  {kOutline, kBlack, Hundredths(sheet.wide), continuous},
+                  {kIntersection, kBlack, Hundredths(sheet.wide), continuous},
+                  Frozen({kTangent, kBlack, Hundredths(sheet.thin), continuous}, sheet.options.tangent == TangentStyle::kLayer),
+                  Frozen({kHidden, kGrey, Hundredths(sheet.thin), kDashes}, sheet.options.hidden == HiddenStyle::kLayer),
+                  {kFrame, kBlack, kFrameWidth, continuous},
+                  {kTitle, kBlack, kTitleWidth, continuous}};
   AddMarks(sheet, setup);
   if (!HasOutlines(sheet)) return setup;
   constexpr int kFirstGrey = 251, kGreys = 4, kHairline = 5;
   for (std::size_t k = 0; k < objects.size(); ++k) {
     const int grey = kFirstGrey + static_cast<int>(k) % kGreys;
-    setup.layers.push_back({FillLayer(objects[k]), grey, kHairline, continuous, false});
+    setup.layers.push_back({FillLayer(objects[k]), grey, kHairline, continuous});
   }
   return setup;
 }

@@ -22,7 +22,7 @@ namespace zbr::drawing {
 // How views are arranged: kNone places a single view without frame and title.
 enum class Projection { kNone, kFirst, kThird };
 
-enum class HiddenStyle { kNone, kDashed, kLayer };  // kLayer: on a layer that is switched off
+enum class HiddenStyle { kNone, kDashed, kLayer };  // kLayer: on a layer that is not shown
 
 enum class TangentStyle { kThin, kLayer };  // likewise
 
@@ -72,6 +72,7 @@ struct Sheet {
   std::vector<SheetPath> paths;
   std::vector<SheetCircle> circles;
   std::vector<SheetText> texts;
+  std::vector<std::string> shortened;  // fields of the title block that had no room for all of their text: "Title", "Number"
 
   // Of visible lines of this class.
   double WidthOf(EdgeClass edgeClass) const;
@@ -95,10 +96,11 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options);
 // Whether a view of this name shows one side of the model: front, back, left, right, top or bottom.
 bool IsSideView(const std::string& name);
 
-// Adds frame, title block and projection symbol; and the names of views whose place does not tell what they show.
+// Adds frame, title block and projection symbol.
 void AddFrame(Sheet& sheet);
 
-// Room that the frame and the title block leave for views.
+// Room that the frame and the title block leave for views; the frame stands kClearance millimetres around it.
+inline constexpr double kClearance = 8;
 struct DrawingArea {
   double left, bottom, width, height;
 };

@@ -1,5 +1,6 @@
 // Sheets: where views stand, marks of sections, centre lines and hatching on paper.
 
+#include <zbr-drawing/failure.h>
 #include <zbr-drawing/sheet.h>
 #include <zbr-drawing/views.h>
 
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing/sheets/lettering.h"
 #include "models/models.h"
 
 namespace zbr::drawing {
@@ -19,7 +21,7 @@ namespace {
 
 using example::Box;
 
-Sheet SheetOf(const Mesh& mesh, const std::vector<std::string>& views, Projection projection = Projection::kNone) {
+std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>& views) {
   std::vector<NamedDirection> directions;
   for (const std::string& name : views) {
     if (const auto view = NamedView(name)) {
@@ -31,10 +33,14 @@ Sheet SheetOf(const Mesh& mesh, const std::vector<std::string>& views, Projectio
   }
   DrawingOptions drawing;
   drawing.centreLines = true;
+  return DrawViews(MakeModel(mesh, 30.0), directions, drawing);
+}
+
+Sheet SheetOf(const Mesh& mesh, const std::vector<std::string>& views, Projection projection = Projection::kNone) {
   SheetOptions options;
   options.projection = projection;
   options.scale = 1.0;
-  return LayOut(DrawViews(MakeModel(mesh, 30.0), directions, drawing), options);
+  return LayOut(ViewsOf(mesh, views), options);
 }
 
 TEST(Sheets, SidesStandWhereTheProjectionPutsThem) {
@@ -104,6 +110,16 @@ TEST(Sheets, CentreLinesReachBeyondCircles) {
   }
 }
 
+// The plane's line stands for the centre line on which it lies.
+TEST(Sheets, CentreLinesAlongSections) {
+  for (const auto& [plane, count] : {std::pair("Y=0", 1), {"Y=0.3", 1}, {"Y=1", 2}, {"1,1,0=0", 2}}) {
+    const Sheet sheet = SheetOf(example::Cylinder(48, 5, 9), {"top", plane}, Projection::kFirst);
+    const std::vector<Line>& lines = sheet.views[0].lines.lines;
+    const auto isCentre = [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; };
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(), isCentre), count) << plane;
+  }
+}
+
 // Slabs that leave less than half of a cylinder, or more.
 TEST(Sheets, AxesThatSectionsTakeAway) {
   for (const auto& [plane, count] : {std::pair("Y=-3..-1", 0), {"Y=-3..1", 1}, {"Y=1..3", 0}}) {
@@ -135,6 +151,79 @@ TEST(Sheets, HatchingSuitsItsBody) {
     ASSERT_GT(places.size(), 5U);
     for (std::size_t i = 1; i < places.size(); ++i) EXPECT_NEAR(places[i] - places[i - 1], c.spacing, 1e-9);
   }
+}
+
+// Everything is within the frame; no text lies on another one, or is struck by marks, centre lines or the title block.
+void ExpectInOrder(const Sheet& sheet) {
+  const PaperBox bounds = PaperBox{ZBR_PT(20, 10), ZBR_PT(sheet.paper.width - 10, sheet.paper.height - 10)}.Wider(1e-6);
+  std::vector<std::vector<ZBR_PT>> strokes;
+  for (const SheetPath& path : sheet.paths) {
+    strokes.push_back(path.points);
+    if (path.closed) strokes.back().push_back(path.points.front());
+  }
+  for (const PlacedView& view : sheet.views) {
+    for (const Line& line : view.lines.lines) {
+      std::vector<ZBR_PT> points;
+      for (const ZBR_PT& p : line.chain.points) points.push_back(sheet.OnPaper(view, p));
+      for (const ZBR_PT& p : points) ASSERT_TRUE((PaperBox{p, p}.IsWithin(bounds))) << view.lines.name;
+      if (IsChainLine(line.edgeClass)) strokes.push_back(points);
+    }
+  }
+  for (std::size_t i = 0; i < sheet.texts.size(); ++i) {
+    const PaperBox box = BoxOf(sheet.texts[i]);
+    EXPECT_TRUE(box.IsWithin(bounds)) << sheet.texts[i].text;
+    for (std::size_t j = 0; j < i; ++j) EXPECT_TRUE(box.IsClearOf(BoxOf(sheet.texts[j]))) << sheet.texts[j].text;
+    for (const std::vector<ZBR_PT>& stroke : strokes) {
+      for (std::size_t k = 1; k < stroke.size(); ++k) {
+        const double steps = std::ceil(stroke[k - 1].Distance(stroke[k]) * 2);
+        for (double t = 0; t <= steps; ++t) {
+          const ZBR_PT p = stroke[k - 1] + (stroke[k] - stroke[k - 1]) * (t / steps);
+          ASSERT_FALSE((PaperBox{p, p}.IsWithin(box))) << sheet.texts[i].text << " at " << p.x() << " " << p.y();
+          ASSERT_TRUE((PaperBox{p, p}.IsWithin(bounds)));
+        }
+      }
+    }
+  }
+}
+
+// Planes through the middle, far beside the model, at its faces, close to each other, and at a slant; fields long and short.
+TEST(Sheets, NothingLeavesTheFrameOrStrikesText) {
+  std::size_t count = 0;
+  for (const Mesh& mesh : {example::Housing(), example::Cylinder(48, 5, 9)}) {
+    const Model model = MakeModel(mesh, 30.0);
+    const ZBR_PT3 middle = model.Centre(), half = (model.high - model.low) * 0.5;
+    const auto plane = [](const char* axis, double at) { return std::string(axis) + "=" + std::to_string(at); };
+    const std::string x = plane("X", middle.x()), y = plane("Y", middle.y()), beside = plane("X", middle.x() + 9 * half.x());
+    const std::string slanted = plane("1,0,1", (middle.x() + middle.z()) / std::numbers::sqrt2);
+    for (const std::vector<std::string>& names :
+         std::vector<std::vector<std::string>>{{"top", x},
+                                               {"front", "top", "left", "iso", "dimetric"},
+                                               {"bottom", x, y},
+                                               {"front", x, plane("X", middle.x() + half.x() / 20), beside},
+                                               {"top", plane("Y", middle.y() - 9 * half.y()), plane("X", model.high.x())},
+                                               {"front", slanted, plane("1,0,1", 9 * model.Diagonal())},
+                                               {"front", x, x, x, x, x, x}}) {
+      const std::vector<ViewLines> views = ViewsOf(mesh, names);
+      for (const char* paper : {"A3", "A4", "150x150", "60x300"}) {
+        for (const std::string& field : {std::string("Bearing housing"), std::string(200, 'W')}) {
+          SCOPED_TRACE(names.back() + " of " + std::to_string(names.size()) + " on " + paper + ": " + field);
+          SheetOptions options;
+          options.projection = Projection::kFirst;
+          options.paper = ParsePaper(paper);
+          options.title = options.number = options.author = options.date = field;
+          try {
+            const Sheet sheet = LayOut(views, options);
+            ExpectInOrder(sheet);
+            EXPECT_EQ(sheet.shortened.size(), field.front() == 'W' ? 4U : paper[0] == '6' ? 2U : 0U);
+            ++count;
+          } catch (const Failure& failure) {
+            EXPECT_NE(std::string(failure.what()).find("do not fit"), std::string::npos) << failure.what();
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(count, 70U);
 }
 
 }  // namespace
