@@ -13,6 +13,14 @@ namespace {
 constexpr double kSmallestSide = 50;
 constexpr double kLargestSide = 10000;
 
+// As it is called by most, whichever way it lies.
+std::string NameOf(double width, double height, const std::string& text) {
+  for (const Paper& paper : StandardPapers()) {
+    if (paper.width == std::max(width, height) && paper.height == std::min(width, height)) return paper.name;
+  }
+  return text;
+}
+
 }  // namespace
 
 const std::vector<Paper>& StandardPapers() {
@@ -29,7 +37,7 @@ Paper ParsePaper(const std::string& text) {
   if (cross != std::string::npos) {
     const auto width = ParseNumber(text.substr(0, cross)), height = ParseNumber(text.substr(cross + 1));
     const auto fits = [](double side) { return side >= kSmallestSide && side <= kLargestSide; };
-    if (width && height && fits(*width) && fits(*height)) return {text, *width, *height, false};
+    if (width && height && fits(*width) && fits(*height)) return {NameOf(*width, *height, text), *width, *height, false};
   }
   throw Failure(Quoted(text) + " is no paper size; there are A4 to A0 and sizes such as 420x297, 50 to 10000 mm");
 }

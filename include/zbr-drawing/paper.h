@@ -15,8 +15,8 @@ struct Paper {
 // A4 to A0 lying, smallest first.
 const std::vector<Paper>& StandardPapers();
 
-// "A3", which may be turned, or "420x297", the width first. Fails on anything else and on sizes of less than 50 mm or more than 10
-// m.
+// "A3", which may be turned, or "420x297", the width first, which may not but is named A3, too. Fails on anything else and on sizes
+// of less than 50 mm or more than 10 m.
 Paper ParsePaper(const std::string& text);
 
 Paper Turned(const Paper& paper);
