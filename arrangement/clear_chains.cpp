@@ -77,9 +77,9 @@ class ClearSearch {
   }
   static bool AreMany(std::size_t count, std::size_t edges) { return 2 * count > edges; }
 
-  // Whether two edges from one point keep apart but for that point.
+  // Whether two edges from one point keep apart but for that point, and neither end is so near that it becomes one with it.
   bool Part(const ZBR_PT& u, const ZBR_PT& v) const {
-    if (u.InnerProduct(v) < 0.0) return true;
+    if (u.InnerProduct(v) < 0.0) return std::min(u.Length2(), v.Length2()) > margin2_;
     const double side = Cross(u, v);
     return side * side > margin2_ * std::max(u.Length2(), v.Length2());
   }

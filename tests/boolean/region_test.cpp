@@ -108,6 +108,34 @@ TEST_P(RegionOfFamilies, LongRingsAreArrangedInChains) {
   }
 }
 
+// Where a spike within the tolerance sticks out of a corner of a long ring, the corner moves no farther, and edges that lean by
+// less than that stay in order.
+TEST(Region, SpikesAtCornersOfLongRings) {
+  constexpr int kSides = 200;
+  constexpr double kPi = 3.14159265358979;
+  ZBR_REGION_OPTIONS options;
+  options.tolerance = 0.01;
+  Random random(1);
+  for (int k = 0; k < Scaled(200); ++k) {
+    const auto within = [&] { return options.tolerance * Unit(random); };
+    const ZBR_PT corner(0, 0), spike(within(), -0.4 * within());
+    ZBR_REGION large, small;
+    Ring ring = {corner, ZBR_PT(within(), 5)};
+    for (int i = 0; i <= kSides; ++i) {
+      const double t = kPi * (0.5 + static_cast<double>(i) / kSides);
+      ring.emplace_back(-20 + 30 * std::cos(t), 30 * std::sin(t));
+    }
+    large.AddRing(ring);
+    small.AddRing({spike, corner, ZBR_PT(3, -20), ZBR_PT(8, -20), corner});
+    const double most = 100 * options.tolerance, sum = large.area() + small.area();
+    EXPECT_NEAR(zbrCombineRegions(large, small, ZBR_BOOL_OR, options).area(), sum, most) << k;
+    EXPECT_NEAR(zbrCombineRegions(small, large, ZBR_BOOL_AND, options).area(), 0, most) << k;
+    EXPECT_NEAR(zbrCombineRegions(small, large, ZBR_BOOL_A_MINUS_B, options).area(), small.area(), most) << k;
+    const ZBR_REGION alone = zbrCombineRegions(large, ZBR_REGION(), ZBR_BOOL_OR, options);
+    EXPECT_EQ(alone.point_count(), ring.size()) << k;
+  }
+}
+
 // What k of three regions cover, by winding numbers: as sums of what pairs of them have in common.
 TEST_P(RegionOfFamilies, CoverCounts) {
   for (int seed = 0; seed < Scaled(60); ++seed) {
