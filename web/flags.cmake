@@ -50,13 +50,13 @@ zbr_web_option(zbr_drawing "${quick}"
 zbr_web_option(zbr_drawing -fignore-exceptions
   centre_lines/ centres
   contours/ affine carriers chords drawing end_nodes even_rings fillings join meetings names repeats short_ends spline spline_pieces
-  curves/ arc_search chain_runs circle_fit common_parts doubled_curves edge_chains find_circles roundings seen_circles
+  curves/ arc_search chain_runs circle_fit common_parts doubled_curves edge_chains find_circles rims roundings seen_circles
   intersections/ border_winding coaxial convex crossings exact_sign intersections plain_fans sheets slender_tree triangle_trees
   model/ connectivity edge_classes fill_body measures named_shells patches records rough_creases rounding scene survey tangent_lines
          tangents triangulate weld
   regions/ bezier frame measures simplify
-  sections/ caps contours cut_chains cut_scene face_lines faces join_contours simple_ring
-  sheets/ centre_lines frame_and_title hatching marked_planes paths
+  sections/ caps common_cuts contours cut_chains cut_scene face_lines faces join_contours simple_ring
+  sheets/ centre_lines frame_and_title hatching lettering marked_planes paths section_marks view_names
   silhouettes/ contour smooth_normals smooth_silhouettes visible_runs
   views/ chains crumbs double_lines drawn_segments end_tree outlines specks view_lines
   ./ numbers touched trigonometry units)
