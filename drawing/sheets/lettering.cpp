@@ -46,13 +46,22 @@ std::size_t EndOfRoom(const std::string& text, std::size_t begin, double width) 
   return text.size();
 }
 
-// Breaks a text into at most `count` lines; what is left after these starts at the place that is returned.
-std::size_t Break(const std::string& text, double width, std::size_t count, std::vector<std::string>& lines) {
+// Where lines may end: before blanks, and behind what joins the parts of numbers and of names. `begin` where that is nowhere.
+std::size_t LastBreak(const std::string& text, std::size_t begin, std::size_t end) {
+  constexpr std::string_view kJoints = "-/_,;";
+  while (end > begin && text[end] != ' ' && kJoints.find(text[end - 1]) == std::string_view::npos) --end;
+  return end;
+}
+
+// Breaks a text into at most `count` lines, within words only where these may be parted; what is left after these starts at the
+// place that is returned.
+std::size_t Break(const std::string& text, double width, std::size_t count, bool mayPart, std::vector<std::string>& lines) {
   std::size_t begin = std::min(text.find_first_not_of(' '), text.size());
   for (; begin < text.size() && lines.size() < count; begin = std::min(text.find_first_not_of(' ', begin), text.size())) {
     std::size_t end = EndOfRoom(text, begin, width);
-    const std::size_t blank = end < text.size() ? text.rfind(' ', end) : std::string::npos;
-    if (blank != std::string::npos && blank > begin) end = blank;
+    const std::size_t last = end < text.size() ? LastBreak(text, begin, end) : end;
+    if (last == begin && !mayPart) break;
+    if (last > begin) end = last;
     lines.push_back(text.substr(begin, end - begin));
     begin = end;
   }
@@ -88,12 +97,14 @@ bool PaperBox::IsClearOfLine(const ZBR_PT& a, const ZBR_PT& b) const {
 
 Lettering FitText(const std::string& text, double largest, double width, double height) {
   Lettering fitted;
-  for (const double size : kHeights) {
-    if (size > largest) continue;
-    const auto most = static_cast<std::size_t>(std::max((height - size) / (size * kLineSpacing), 0.0)) + 1;
-    for (std::size_t count = 1; count <= most; ++count) {
-      fitted = {size, {}, true};
-      if (Break(text, width / size, count, fitted.lines) == text.size()) return fitted;
+  for (const bool mayPart : {false, true}) {
+    for (const double size : kHeights) {
+      if (size > largest) continue;
+      const auto most = static_cast<std::size_t>(std::max((height - size) / (size * kLineSpacing), 0.0)) + 1;
+      for (std::size_t count = 1; count <= most; ++count) {
+        fitted = {size, {}, true};
+        if (Break(text, width / size, count, mayPart, fitted.lines) == text.size()) return fitted;
+      }
     }
   }
   const std::string dots = "...";

@@ -33,7 +33,7 @@ PaperBox BoxOf(const SheetText& text);
 // From the base line of one line to that of the next one, of the height of capitals.
 inline constexpr double kLineSpacing = 1.4;
 
-// Text in lines, broken at blanks where these are.
+// Text in lines, broken at blanks and hyphens; within words only where these are longer than a line in the smallest letters.
 struct Lettering {
   double height = 0.0;
   std::vector<std::string> lines;
