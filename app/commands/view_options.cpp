@@ -30,10 +30,12 @@ bool YUp(const std::string& axes, bool yUpInFile) {
 
 int UnitOption(const std::string& name) {
   constexpr int kLastCode = 20;
+  std::string names;
   for (int code = 1; code <= kLastCode; ++code) {
     if (UnitName(code) == name) return code;
+    names += (code > 1 ? ", " : "") + UnitName(code);
   }
-  throw Failure("--unit: " + Quoted(name) + " is no unit; there are mm, cm, m, in, ft and others");
+  throw Failure("--unit: " + Quoted(name) + " is no unit; there are " + names);
 }
 
 unsigned ThreadCount(unsigned jobs) {
