@@ -2,6 +2,7 @@
 
 #include <zbr-drawing/failure.h>
 #include <zbr-drawing/sheet.h>
+#include <zbr-drawing/survey.h>
 #include <zbr-drawing/views.h>
 
 #include <gtest/gtest.h>
@@ -625,6 +626,10 @@ TEST(RoughCreases, TheStepStaysAndTheNoiseGoes) {
   for (const Line& line : view.lines) crumbs += LengthOf(line) < 0.01 * view.extent.Size() ? 1 : 0;
   EXPECT_LE(10 * crumbs, view.lines.size());
   EXPECT_FALSE(MakeModel(example::Housing(), 30.0).isRough);
+  // A larger angle leaves out creases: the surface is as rough as before, and its silhouettes are no more pieces for it.
+  const Model fewer = MakeModel(mesh, 60.0);
+  EXPECT_TRUE(HasRoughCreases(fewer));
+  EXPECT_LT(DrawViews(fewer, {{"iso", *NamedView("iso")}}, {}).front().lines.size(), view.lines.size());
 }
 
 }  // namespace
