@@ -485,6 +485,31 @@ TEST(SmoothSilhouettes, OfCoarseFacetsThatEndInCreasesAreTheirEdges) {
   }
 }
 
+// The outline of wide facets lies farther from the curve than a line is wide: it is the same outline, and no gap in it.
+TEST(SmoothSilhouettes, OfACoarseSphereAreOneLine) {
+  constexpr int kSides = 16;
+  const double pi = std::acos(-1.0);
+  std::vector<ZBR_PT> profile;
+  for (int k = 0; k <= kSides / 2; ++k) {
+    const double a = (k * 2.0 / kSides - 0.5) * pi;
+    profile.emplace_back(k % (kSides / 2) == 0 ? 0.0 : std::cos(a), std::sin(a));
+  }
+  Mesh mesh;
+  for (const ZBR_PT& p : profile) {
+    for (int k = 0; k < kSides; ++k)
+      mesh.points.emplace_back(p.x() * std::cos(k * 2 * pi / kSides), p.x() * std::sin(k * 2 * pi / kSides), p.y());
+  }
+  for (std::uint32_t k = 0; k < kSides * kSides / 2; ++k) {
+    const std::uint32_t next = (k + 1) % kSides == 0 ? k + 1 - kSides : k + 1;
+    mesh.triangles.push_back({k, next, next + kSides});
+    mesh.triangles.push_back({k, next + kSides, k + kSides});
+  }
+  for (const char* const name : {"iso", "dimetric", "front", "top"}) {
+    const ViewLines view = DrawSmooth(mesh, *NamedView(name));
+    EXPECT_EQ(Visible(view, EdgeClass::kSilhouette).size(), 1U) << name;
+  }
+}
+
 // Whether a corner is exactly at the side or not.
 TEST(SmoothSilhouettes, OfCylindersAreStraight) {
   for (const int sides : {32, 96}) {
