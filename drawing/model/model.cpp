@@ -121,6 +121,16 @@ double WeldDistance(const std::vector<ZBR_PT3>& points, double weld) {
   return weld * low.Distance(high);
 }
 
+// A larger angle than the usual one leaves few creases to tell it by, and takes nothing of the roughness away.
+bool IsRough(Model& model, double creaseDegrees, unsigned threads) {
+  constexpr double kUsual = 30.0;
+  if (creaseDegrees <= kUsual) return AreCreasesRough(model, threads);
+  ShowEdges(model, kUsual, threads);
+  const bool isRough = AreCreasesRough(model, threads);
+  ShowEdges(model, creaseDegrees, threads);
+  return isRough;
+}
+
 }  // namespace
 
 EdgeClass Model::Class(std::size_t shell, const ZBR_ZBREPE& edge) const {
@@ -146,7 +156,7 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld, unsigned th
   ShowEdges(model, creaseDegrees, threads);
   FindFacing(model, threads);
   NoteTangents(model, threads);
-  model.isRough = AreCreasesRough(model, threads);
+  model.isRough = IsRough(model, creaseDegrees, threads);
   if (model.isRough) TidyRoughCreases(model, creaseDegrees);
   model.objectBegin = FirstShells(mesh.objects, model);
   model.bodyBegin = FirstShells(BodyStarts(mesh), model);

@@ -8,7 +8,6 @@
 #include <cstdint>
 
 #include "drawing/model/disjoint_sets.h"
-#include "drawing/model/rough_creases.h"
 
 namespace zbr::drawing {
 namespace {
@@ -70,7 +69,7 @@ ShellSurvey SurveyShell(const Model& model, std::size_t s) {
 }  // namespace
 
 bool HasRoughCreases(const Model& model) {
-  return model.isRough || AreCreasesRough(model, 1);
+  return model.isRough;
 }
 
 Survey MakeSurvey(const Model& model) {

@@ -29,6 +29,8 @@ constexpr double kNear = 1e-3;
 constexpr double kFar = 5e-3;
 // A smooth silhouette lies that far from the facets' own, in their widths.
 constexpr double kBeside = 0.12;
+// However large they are: where they bend, by twice as much as the surface rises over them.
+constexpr double kRise = 0.25;
 // What closes a gap is farthest from other lines in its middle, by half its length if it is straight. Less than this part of it,
 // and it is shorter than that part of the size: then it runs beside a line.
 constexpr double kApart = 0.35;
@@ -49,23 +51,29 @@ ZBR_PT NearestOn(const ZBR_SEG& segment, const ZBR_PT& p) {
 // Looks up what is drawn near a place, by square cells as large as the longest way that is looked.
 class DrawnLines {
  public:
+  static constexpr std::uint32_t kAnyShell = std::numeric_limits<std::uint32_t>::max();
+
   DrawnLines(const ViewLines& view, double scale, double reach) : cell_(reach) {
     for (const Line& line : view.lines) {
       if (line.hidden) continue;
       const std::vector<ZBR_PT>& points = line.chain.points;
-      for (std::size_t k = 1; k < points.size(); ++k) Add({points[k - 1] * scale, points[k] * scale});
+      const std::uint32_t shell = line.edgeClass == EdgeClass::kSilhouette ? line.shell : kAnyShell;
+      for (std::size_t k = 1; k < points.size(); ++k) Add({{points[k - 1] * scale, points[k] * scale}, shell});
     }
   }
 
-  bool HasNear(const ZBR_PT& p, double reach) const {
-    return !ForEachNear(p, [&](const ZBR_SEG& segment) { return NearestOn(segment, p).Distance(p) > reach; });
+  // Any line, or only silhouettes of a shell.
+  bool HasNear(const ZBR_PT& p, double reach, std::uint32_t shell = kAnyShell) const {
+    return !ForEachNear(p, [&](const Segment& segment) {
+      return (shell != kAnyShell && segment.shell != shell) || NearestOn(segment.ends, p).Distance(p) > reach;
+    });
   }
 
   // The nearest point of a line that is not beyond `reach`, as far as there is one.
   bool Nearest(const ZBR_PT& p, double reach, ZBR_PT& nearest) const {
     bool found = false;
-    ForEachNear(p, [&](const ZBR_SEG& segment) {
-      const ZBR_PT at = NearestOn(segment, p);
+    ForEachNear(p, [&](const Segment& segment) {
+      const ZBR_PT at = NearestOn(segment.ends, p);
       const double distance = at.Distance(p);
       if (distance > reach) return true;
       reach = distance;
@@ -77,6 +85,11 @@ class DrawnLines {
   }
 
  private:
+  struct Segment {
+    ZBR_SEG ends;
+    std::uint32_t shell;  // of a silhouette
+  };
+
   // While what it is told says so. Whether it did to the end.
   template <class GoesOn>
   bool ForEachNear(const ZBR_PT& p, const GoesOn& goesOn) const {
@@ -99,19 +112,20 @@ class DrawnLines {
   }
 
   // Into all cells that it passes: a step of a cell's size may cut the corner of one, which is looked at from next to it.
-  void Add(const ZBR_SEG& segment) {
+  void Add(const Segment& segment) {
     const auto k = static_cast<std::uint32_t>(segments_.size());
     segments_.push_back(segment);
-    const auto steps = static_cast<std::size_t>(std::max(std::ceil(2.0 * segment.s().Distance(segment.e()) / cell_), 1.0));
+    const ZBR_PT from = segment.ends.s(), along = segment.ends.e() - from;
+    const auto steps = static_cast<std::size_t>(std::max(std::ceil(2.0 * along.Length() / cell_), 1.0));
     for (std::size_t step = 0; step <= steps; ++step) {
-      const ZBR_PT p = segment.s() + (segment.e() - segment.s()) * (static_cast<double>(step) / static_cast<double>(steps));
+      const ZBR_PT p = from + along * (static_cast<double>(step) / static_cast<double>(steps));
       std::vector<std::uint32_t>& cell = cells_[Key(Cell(p.x()), Cell(p.y()))];
       if (cell.empty() || cell.back() != k) cell.push_back(k);
     }
   }
 
   double cell_;
-  std::vector<ZBR_SEG> segments_;
+  std::vector<Segment> segments_;
   std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> cells_;
 };
 
@@ -120,33 +134,49 @@ struct FacetEdge {
   ZBR_SEG segment;
   ZBR_PT outwards;     // of length 1
   double width = 0.0;  // of the facets there
+  double rise = 0.0;   // how far the smooth surface may stand off them, as far as that is told from how they bend
   EdgeRef edge;
 };
+
+ZBR_PT3 NormalOf(const ZBR_HL_TRI& t) {
+  return (t.pt[1] - t.pt[0]).OuterProduct(t.pt[2] - t.pt[0]);
+}
 
 // Both facets lie on one side of the edge; one of them may be seen edge-on.
 FacetEdge Look(const Model& model, const Scene& scene, const EdgeRef& edge, std::size_t begin) {
   const ZBR_HL_TRI& triangle = scene.triangles[edge.triangle];
   const std::size_t i = edge.edge;
   const ZBR_PT from = triangle.pt[i].xy(), along = triangle.pt[(i + 1) % 3].xy() - from;
-  double inwards = along.OuterProduct(triangle.pt[(i + 2) % 3].xy() - from);
+  const double width = WidthAround(scene, model, edge.triangle);
+  double rise = 0.0, inwards = along.OuterProduct(triangle.pt[(i + 2) % 3].xy() - from);
   if (triangle.adj[i] >= 0) {
     const ZBR_HL_TRI& other = scene.triangles[begin + static_cast<std::size_t>(triangle.adj[i])];
     const ZBR_PT apex = other.pt[(static_cast<std::size_t>(triangle.adj_edge[i]) + 2) % 3].xy();
     const double there = along.OuterProduct(apex - from);
     if (std::abs(there) > std::abs(inwards)) inwards = there;
+    const ZBR_PT3 m = NormalOf(triangle), n = NormalOf(other);
+    const double lengths = m.Length() * n.Length();
+    if (lengths > 0 && !model.isRough) rise = kRise * width * m.OuterProduct(n).Length() / lengths;
   }
   const double length = along.Length();
   const ZBR_PT outwards = length > 0 ? ZBR_PT(along.y(), -along.x()) * ((inwards > 0 ? 1.0 : -1.0) / length) : ZBR_PT();
-  return {
-      ZBR_SEG(from, from + along), outwards, WidthAround(scene, model, edge.triangle), {model.source[edge.triangle], edge.edge}};
+  return {ZBR_SEG(from, from + along), outwards, width, rise, {model.source[edge.triangle], edge.edge}};
 }
 
-// The parts of an edge that no line is near to and behind which there is nothing.
+double Reach(const FacetEdge& edge, double size) {
+  return std::clamp(kBeside * edge.width, kNear * size, kFar * size);
+}
+
+// The same for silhouettes of the body itself.
+double OwnReach(const FacetEdge& edge, double size) {
+  return std::max(Reach(edge, size), std::min(kBeside * edge.width, edge.rise));
+}
+
+// The parts of a shell's edge that no line is near to and behind which there is nothing.
 class Gaps {
  public:
-  Gaps(const Scene& scene, const DrawnLines& drawn, double size) : scene_(scene), drawn_(drawn), size_(size) {}
-
-  double Reach(const FacetEdge& edge) const { return std::clamp(kBeside * edge.width, kNear * size_, kFar * size_); }
+  Gaps(const Scene& scene, const DrawnLines& drawn, std::uint32_t shell, double size)
+      : scene_(scene), drawn_(drawn), shell_(shell), size_(size) {}
 
   void AddOf(const FacetEdge& edge, std::vector<EdgeSegment>& gaps) const {
     const ZBR_PT from = edge.segment.s(), along = edge.segment.e() - from;
@@ -162,7 +192,9 @@ class Gaps {
   }
 
  private:
-  bool IsBare(const FacetEdge& edge, const ZBR_PT& p) const { return !drawn_.HasNear(p, Reach(edge)); }
+  bool IsBare(const FacetEdge& edge, const ZBR_PT& p) const {
+    return !drawn_.HasNear(p, Reach(edge, size_)) && !drawn_.HasNear(p, OwnReach(edge, size_), shell_);
+  }
 
   bool IsPaper(const ZBR_PT& p) const {
     double height = std::numeric_limits<double>::lowest();
@@ -171,8 +203,22 @@ class Gaps {
 
   const Scene& scene_;
   const DrawnLines& drawn_;
+  std::uint32_t shell_;
   double size_;
 };
+
+// Of a shell, each once. `next` is the first of its edges, and then that of the next one's.
+std::vector<FacetEdge> EdgesOf(const Model& model, const Scene& scene, std::size_t s, const std::vector<EdgeRef>& edges,
+                               std::size_t& next) {
+  const std::size_t begin = model.shellBegin[s];
+  std::vector<FacetEdge> own;
+  for (; next < edges.size() && edges[next].triangle < model.shellBegin[s + 1]; ++next) {
+    const int adjacent = scene.triangles[edges[next].triangle].adj[edges[next].edge];
+    if (adjacent >= 0 && begin + static_cast<std::size_t>(adjacent) < edges[next].triangle) continue;  // the other side's
+    own.push_back(Look(model, scene, edges[next], begin));
+  }
+  return own;
+}
 
 bool IsBeside(const DrawnLines& drawn, const Chain& chain, double size) {
   double length = 0.0;
@@ -216,26 +262,28 @@ std::vector<EdgeRef> SilhouetteEdges(const Scene& scene) {
 void CloseContours(const Model& model, const Scene& scene, const std::vector<EdgeRef>& edges, ViewLines& view) {
   const double size = view.extent.Size() * scene.scale;
   if (!(size > 0) || edges.empty()) return;
-  const DrawnLines drawn(view, scene.scale, (kFar + kStep) * size);
-  const Gaps gaps(scene, drawn, size);
-  std::vector<Line> lines;
+  std::vector<std::vector<FacetEdge>> ofShells(model.ShellCount());
   std::size_t next = 0;
-  for (std::size_t s = 0; s < model.ShellCount(); ++s) {
-    const std::size_t begin = model.shellBegin[s];
+  double farthest = kFar * size;
+  for (std::size_t s = 0; s < ofShells.size(); ++s) {
+    ofShells[s] = EdgesOf(model, scene, s, edges, next);
+    for (const FacetEdge& edge : ofShells[s]) farthest = std::max(farthest, OwnReach(edge, size));
+  }
+  const DrawnLines drawn(view, scene.scale, farthest + kStep * size);
+  std::vector<Line> lines;
+  for (std::size_t s = 0; s < ofShells.size(); ++s) {
+    const auto shell = static_cast<std::uint32_t>(s);
+    const Gaps gaps(scene, drawn, shell, size);
     std::vector<EdgeSegment> found;
     double reach = 0.0;
-    for (; next < edges.size() && edges[next].triangle < model.shellBegin[s + 1]; ++next) {
-      const int adjacent = scene.triangles[edges[next].triangle].adj[edges[next].edge];
-      if (adjacent >= 0 && begin + static_cast<std::size_t>(adjacent) < edges[next].triangle) continue;  // the other side's
-      const FacetEdge edge = Look(model, scene, edges[next], begin);
+    for (const FacetEdge& edge : ofShells[s]) {
       gaps.AddOf(edge, found);
-      reach = std::max(reach, gaps.Reach(edge));
+      reach = std::max(reach, OwnReach(edge, size));
     }
     for (Chain& chain : ChainSegments(found, kChainTolerance, SeenCircles(model, scene, nullptr))) {
       if (IsBeside(drawn, chain, size)) continue;
       LeadOn(drawn, reach + kStep * size, chain);
       for (ZBR_PT& p : chain.points) p.Set(p.x() / scene.scale, p.y() / scene.scale);
-      const auto shell = static_cast<std::uint32_t>(s);
       lines.push_back({EdgeClass::kSilhouette, false, shell, shell, std::move(chain)});
     }
   }

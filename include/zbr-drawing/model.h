@@ -71,7 +71,9 @@ struct Model {
 
   ZBR_PT3 low, high;      // box of the triangles
   double rounding = 0.0;  // of the mesh's coordinates
-  bool isRough = false;   // many creases end nowhere, as on scans: only those that are followed for some way are shown
+  // Many creases of at most 30 degrees end nowhere, as on scans: only creases that are followed for some way are shown, and
+  // silhouettes run across them.
+  bool isRough = false;
 
   // Triangles of the mesh that were left out: with two vertices at the same place; repeating another one.
   std::size_t collapsed = 0;

@@ -39,8 +39,8 @@ struct Survey {
 
 Survey MakeSurvey(const Model& model);
 
-// Whether many creases end where no other line goes on, as on scanned surfaces, whose roughness bends by more than the angle of
-// creases here and there: a larger angle suits such a model. Linear.
+// Whether many edges that bend by 30 degrees, or by the angle of creases if that is less, end where no other line goes on, as on
+// scanned surfaces, which are rough: a larger angle suits such a model. The same as Model::isRough.
 bool HasRoughCreases(const Model& model);
 
 }  // namespace zbr::drawing

@@ -2,6 +2,7 @@
 
 #include <zbr-drawing/failure.h>
 #include <zbr-drawing/sheet.h>
+#include <zbr-drawing/survey.h>
 #include <zbr-drawing/views.h>
 
 #include <gtest/gtest.h>
@@ -484,6 +485,31 @@ TEST(SmoothSilhouettes, OfCoarseFacetsThatEndInCreasesAreTheirEdges) {
   }
 }
 
+// The outline of wide facets lies farther from the curve than a line is wide: it is the same outline, and no gap in it.
+TEST(SmoothSilhouettes, OfACoarseSphereAreOneLine) {
+  constexpr int kSides = 16;
+  const double pi = std::acos(-1.0);
+  std::vector<ZBR_PT> profile;
+  for (int k = 0; k <= kSides / 2; ++k) {
+    const double a = (k * 2.0 / kSides - 0.5) * pi;
+    profile.emplace_back(k % (kSides / 2) == 0 ? 0.0 : std::cos(a), std::sin(a));
+  }
+  Mesh mesh;
+  for (const ZBR_PT& p : profile) {
+    for (int k = 0; k < kSides; ++k)
+      mesh.points.emplace_back(p.x() * std::cos(k * 2 * pi / kSides), p.x() * std::sin(k * 2 * pi / kSides), p.y());
+  }
+  for (std::uint32_t k = 0; k < kSides * kSides / 2; ++k) {
+    const std::uint32_t next = (k + 1) % kSides == 0 ? k + 1 - kSides : k + 1;
+    mesh.triangles.push_back({k, next, next + kSides});
+    mesh.triangles.push_back({k, next + kSides, k + kSides});
+  }
+  for (const char* const name : {"iso", "dimetric", "front", "top"}) {
+    const ViewLines view = DrawSmooth(mesh, *NamedView(name));
+    EXPECT_EQ(Visible(view, EdgeClass::kSilhouette).size(), 1U) << name;
+  }
+}
+
 // Whether a corner is exactly at the side or not.
 TEST(SmoothSilhouettes, OfCylindersAreStraight) {
   for (const int sides : {32, 96}) {
@@ -625,6 +651,10 @@ TEST(RoughCreases, TheStepStaysAndTheNoiseGoes) {
   for (const Line& line : view.lines) crumbs += LengthOf(line) < 0.01 * view.extent.Size() ? 1 : 0;
   EXPECT_LE(10 * crumbs, view.lines.size());
   EXPECT_FALSE(MakeModel(example::Housing(), 30.0).isRough);
+  // A larger angle leaves out creases: the surface is as rough as before, and its silhouettes are no more pieces for it.
+  const Model fewer = MakeModel(mesh, 60.0);
+  EXPECT_TRUE(HasRoughCreases(fewer));
+  EXPECT_LT(DrawViews(fewer, {{"iso", *NamedView("iso")}}, {}).front().lines.size(), view.lines.size());
 }
 
 }  // namespace
