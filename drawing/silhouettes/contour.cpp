@@ -218,6 +218,8 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
   if (!(size > 0) || edges.empty()) return;
   const DrawnLines drawn(view, scene.scale, (kFar + kStep) * size);
   const Gaps gaps(scene, drawn, size);
+  const SeenCircles none(model, scene, nullptr);
+  SegmentChainer chainer(kChainTolerance, none);
   std::vector<Line> lines;
   std::size_t next = 0;
   for (std::size_t s = 0; s < model.ShellCount(); ++s) {
@@ -231,7 +233,7 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
       gaps.AddOf(edge, found);
       reach = std::max(reach, gaps.Reach(edge));
     }
-    for (Chain& chain : ChainSegments(found, kChainTolerance, SeenCircles(model, scene, nullptr))) {
+    for (Chain& chain : chainer.ChainsOf(found)) {
       if (IsBeside(drawn, chain, size)) continue;
       LeadOn(drawn, reach + kStep * size, chain);
       for (ZBR_PT& p : chain.points) p.Set(p.x() / scene.scale, p.y() / scene.scale);
