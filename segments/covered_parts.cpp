@@ -18,8 +18,10 @@
 namespace zbr {
 namespace {
 
-// The range of g over which `other` runs within `width` of it; false when there is none longer than eps.
-bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, double width, std::pair<double, double>& range) {
+using Range = std::pair<double, double>;
+
+// The range of g over which `other` runs within `width` of it; false when there is none longer than `least`.
+bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double least, double width, Range& range) {
   const ZBR_PT along = g.e() - g.s();
   const double length2 = along.Length2();
   double t0 = along.InnerProduct(other.s() - g.s());
@@ -33,7 +35,6 @@ bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, double width
     std::swap(t0, t1);
     std::swap(p0, p1);
   }
-  const double least = eps / std::sqrt(length2);
   range = {std::max(t0, 0.0), std::min(t1, 1.0)};
   if (!(range.second - range.first > least)) return false;
   // Distances at the ends of the common range: a long line may leave g's elsewhere.
@@ -45,12 +46,28 @@ bool RangeAlong(const ZBR_SEG& g, const ZBR_SEG& other, double eps, double width
   return isNear(range.first) && isNear(range.second);
 }
 
-bool IsWhole(const std::pair<double, double>& range, double least) {
+bool IsWhole(const Range& range, double least) {
   return !(range.first > least) && !(1.0 - range.second > least);
 }
 
+// Joins a range to others that are sorted and apart. Returns what it has become.
+Range JoinTo(std::vector<Range>& ranges, Range range) {
+  auto first = ranges.begin();
+  while (first != ranges.end() && first->second < range.first) ++first;
+  auto last = first;
+  for (; last != ranges.end() && last->first <= range.second; ++last)
+    range = {std::min(range.first, last->first), std::max(range.second, last->second)};
+  if (first == last) {
+    ranges.insert(first, range);
+  } else {
+    *first = range;
+    ranges.erase(first + 1, last);
+  }
+  return range;
+}
+
 // Sorts the ranges and joins those that overlap.
-void Join(std::vector<std::pair<double, double>>& ranges) {
+void Join(std::vector<Range>& ranges) {
   std::sort(ranges.begin(), ranges.end());
   std::size_t kept = 0;
   for (const auto& range : ranges) {
@@ -113,10 +130,9 @@ std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<co
   for (std::size_t i = 0; i < segments.size(); ++i) {
     const ZBR_SEG& g = segments[i];
     const ZBR_SEG* const same = all.FindOrAdd(others.size() + i);
-    std::pair<double, double> range;
-    const double eps = t_tolerance.eps;
-    const bool isCovered =
-        same != nullptr && RangeAlong(g, *same, eps, width, range) && IsWhole(range, eps / g.s().Distance(g.e()));
+    Range range;
+    const double least = t_tolerance.eps / g.s().Distance(g.e());
+    const bool isCovered = same != nullptr && RangeAlong(g, *same, least, width, range) && IsWhole(range, least);
     if (!isCovered) found.push_back(static_cast<std::uint32_t>(i));
   }
   return found;
@@ -150,7 +166,7 @@ class Cover {
 
  private:
   static constexpr std::size_t kRecent = 16;  // those asked first: more find more, and each costs
-  static constexpr std::size_t kMany = 8;     // ranges that are joined at once
+  static constexpr std::size_t kFew = 8;      // ranges apart, each joined as it comes; of more, as many again at once
   static constexpr auto kNone = std::numeric_limits<std::uint32_t>::max();
 
   // The covered ranges of segment i, sorted, and joined where they overlap; as many as are needed if they cover all of it.
@@ -158,31 +174,32 @@ class Cover {
     g_ = segments_[i];
     least_ = t_tolerance.eps / g_.s().Distance(g_.e());
     box_ = BoxOfSegment(g_.s(), g_.e()).Widened(width_);
-    limit_ = kMany;
+    limit_ = 2 * kFew;
     ranges_.clear();
     const auto isOfUse = [&](std::uint32_t k) { return k != kNone && !(k >= i && IsOwn(k)); };
     const bool isFilled = std::any_of(recent_.begin(), recent_.end(), [&](std::uint32_t k) { return isOfUse(k) && Fills(k); });
-    Join(ranges_);
+    if (ranges_.size() > kFew) Join(ranges_);
     if (isFilled || std::any_of(ranges_.begin(), ranges_.end(), [&](const auto& range) { return IsWhole(range, least_); })) return;
     best_.fill(kNone);
     beside_.ForEach(i, [this](std::uint32_t k) { return !Fills(k); });
-    Join(ranges_);
+    if (ranges_.size() > kFew) Join(ranges_);
     for (const std::uint32_t k : best_) Remember(k);
   }
 
   // Adds what segment k covers. Whether nothing is left then.
   bool Fills(std::uint32_t k) {
     const ZBR_SEG& other = beside_.At(k);
-    std::pair<double, double> range;
+    Range range;
     if (!Overlap(box_, BoxOfSegment(other.s(), other.e()))) return false;
-    if (!RangeAlong(g_, other, t_tolerance.eps, width_, range)) return false;
+    if (!RangeAlong(g_, other, least_, width_, range)) return false;
     const bool fromStart = !(range.first > least_), toEnd = !(1.0 - range.second > least_);
     std::uint32_t& best = best_[fromStart ? 0 : toEnd ? 1 : 2];
     if (best == kNone || IsBefore(k, best)) best = k;
+    if (ranges_.size() < kFew) return IsWhole(JoinTo(ranges_, range), least_);
     ranges_.push_back(range);
     if (ranges_.size() >= limit_) {
       Join(ranges_);
-      limit_ = std::max(kMany, 2 * ranges_.size());
+      limit_ = std::max(2 * kFew, 2 * ranges_.size());
       range = ranges_.front();
     }
     return IsWhole(range, least_);
@@ -205,8 +222,8 @@ class Cover {
   ZBR_SEG g_;
   double least_ = 0.0;  // parameter of the shortest part that counts
   Box box_;
-  std::vector<std::pair<double, double>> ranges_;
-  std::size_t limit_ = kMany;            // of ranges before they are joined again
+  std::vector<Range> ranges_;            // sorted and apart, unless there are more than a few
+  std::size_t limit_ = 2 * kFew;         // of ranges before they are joined again
   std::array<std::uint32_t, 3> best_{};  // the first that covers its start, its end, a part between
   // Of those before:
   std::array<std::uint32_t, kRecent> recent_{};

@@ -16,10 +16,8 @@ constexpr double kCellWidth = 4.0;  // in units of the tolerance
 
 }  // namespace
 
-VertexGrid::VertexGrid(std::size_t expected)
-    : eps_(t_tolerance.eps), eps2_(t_tolerance.eps2), first_(std::bit_ceil(expected + expected / 2 + 2), -1) {
-  vertices_.reserve(expected);
-}
+VertexGrid::VertexGrid(std::size_t most)
+    : eps_(t_tolerance.eps), eps2_(t_tolerance.eps2), first_(std::bit_ceil(most + most / 2 + 2), -1), vertices_(most) {}
 
 std::size_t VertexGrid::Bucket(double cellX, double cellY) const {
   std::uint64_t h = BitsOf(cellX) * 0x9e3779b97f4a7c15ULL;
@@ -51,7 +49,7 @@ int VertexGrid::At(const ZBR_PT& p) {
   if (best >= 0) return best;
   const int number = size();
   int& first = first_[Bucket(CellOf(p.x(), kCellWidth, eps_), CellOf(p.y(), kCellWidth, eps_))];
-  vertices_.push_back({p, first});
+  vertices_[static_cast<std::size_t>(size_++)] = {p, first};
   first = number;
   return number;
 }

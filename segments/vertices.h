@@ -1,9 +1,11 @@
 // The vertices that the ends of segments share.
 #pragma once
 
-#include <vector>
+#include <cstddef>
 
 #include <zbr/planar.h>
+
+#include "core/small_array.h"
 
 namespace zbr {
 
@@ -12,16 +14,19 @@ namespace zbr {
 // wide as the tolerance, so that a look-up reads one to four cells, however the points are arranged.
 class VertexGrid {
  public:
-  explicit VertexGrid(std::size_t expected);
+  // For so many points at most.
+  explicit VertexGrid(std::size_t most);
 
   // The number of the vertex of p, which is made when there is none.
   int At(const ZBR_PT& p);
-  int size() const { return static_cast<int>(vertices_.size()); }
+  int size() const { return size_; }
 
  private:
+  static constexpr std::size_t kFew = 32;  // points that take no memory
+
   struct Vertex {
     ZBR_PT pt;
-    int next;  // in the same bucket
+    int next = -1;  // in the same bucket
   };
 
   std::size_t Bucket(double cellX, double cellY) const;
@@ -30,8 +35,9 @@ class VertexGrid {
 
   double eps_;
   double eps2_;
-  std::vector<int> first_;
-  std::vector<Vertex> vertices_;
+  int size_ = 0;
+  SmallArray<int, 2 * kFew> first_;
+  SmallArray<Vertex, kFew> vertices_;
 };
 
 }  // namespace zbr

@@ -28,11 +28,11 @@ class RunFinder {
  public:
   RunFinder(const std::vector<EdgeSegment>& segments, const std::vector<int>& entered, Chain& chain)
       : segments_(segments), entered_(entered), chain_(chain) {
+    steps_.reserve(entered.size());
     for (const int end : entered) steps_.emplace_back(SegmentAt(end), end % 2 == 0);
   }
 
   void Run(const SeenCircles& circles) {
-    if (std::all_of(steps_.begin(), steps_.end(), [](const Step& s) { return s.circle == kNoCircle; })) return;
     MarkKept();
     if (chain_.closed) Turn(FirstBreak());
     for (std::size_t k = 0; k < steps_.size();) {
@@ -126,14 +126,19 @@ class RunFinder {
 }  // namespace
 
 void NoteRuns(const std::vector<EdgeSegment>& segments, const std::vector<int>& entered, const SeenCircles& circles, Chain& chain) {
-  if (!entered.empty()) RunFinder(segments, entered, chain).Run(circles);
+  const auto isOnCircle = [&](int end) { return segments[static_cast<std::size_t>(end) / 2].circle != kNoCircle; };
+  if (std::any_of(entered.begin(), entered.end(), isOnCircle)) RunFinder(segments, entered, chain).Run(circles);
 }
 
 std::vector<EdgeRef> EdgesOf(const std::vector<EdgeSegment>& segments, const std::vector<int>& entered) {
+  const auto edgeAt = [&](std::size_t k) -> const EdgeRef& { return segments[static_cast<std::size_t>(entered[k]) / 2].edge; };
+  const auto isNew = [&](std::size_t k) { return k == 0 || !(edgeAt(k - 1) == edgeAt(k)); };
+  std::size_t count = 0;
+  for (std::size_t k = 0; k < entered.size(); ++k) count += isNew(k) ? 1 : 0;
   std::vector<EdgeRef> edges;
-  for (const int end : entered) {
-    const EdgeRef& edge = segments[static_cast<std::size_t>(end) / 2].edge;
-    if (edges.empty() || !(edges.back() == edge)) edges.push_back(edge);
+  edges.reserve(count);
+  for (std::size_t k = 0; k < entered.size(); ++k) {
+    if (isNew(k)) edges.push_back(edgeAt(k));
   }
   return edges;
 }

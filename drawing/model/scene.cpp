@@ -118,12 +118,12 @@ class SceneMaker {
     std::vector<Side> silhouettes;
   };
 
-  // The removal of a whole scene brings its own lists; those of a hundred thousand shells would be as large as their triangles.
+  // The removal of a whole scene brings its own lists; those of a hundred thousand shells would be as large as their triangles. A
+  // copy has none.
   void AddShell(ZBR_HL_TRI* first, std::size_t count) {
-    ZBR_HL_SHELL& shell = scene_.shells.emplace_back(first, static_cast<unsigned>(count));
-    for (auto* list :
-         {&shell.tri_result, &shell.xy_result, &shell.edge_result[0], &shell.edge_result[1], &shell.edge_result[2], &shell.work})
-      *list = std::vector<ZBR_HL_INTERVAL>();  // "{}" would keep the room
+    ZBR_HL_SHELL& shell = scene_.shells.emplace_back(withoutTriangles_);
+    shell.tris = first;
+    shell.count = static_cast<unsigned>(count);
   }
 
   ZBR_PT3 Look(const ZBR_PT3& p) const { return scene_.FromModel(p); }
@@ -255,6 +255,7 @@ class SceneMaker {
   const Model& model_;
   Scene& scene_;
   const bool tangents_;
+  const ZBR_HL_SHELL withoutTriangles_;
   // Of the shell it is at.
   std::size_t shell_ = 0;
   ZBR_HL_TRI* triangles_ = nullptr;

@@ -263,6 +263,8 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
   const double size = view.extent.Size() * scene.scale;
   if (!(size > 0) || edges.empty()) return;
   std::vector<std::vector<FacetEdge>> ofShells(model.ShellCount());
+  const SeenCircles none(model, scene, nullptr);
+  SegmentChainer chainer(kChainTolerance, none);
   std::size_t next = 0;
   double farthest = kFar * size;
   for (std::size_t s = 0; s < ofShells.size(); ++s) {
@@ -280,7 +282,7 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
       gaps.AddOf(edge, found);
       reach = std::max(reach, OwnReach(edge, size));
     }
-    for (Chain& chain : ChainSegments(found, kChainTolerance, SeenCircles(model, scene, nullptr))) {
+    for (Chain& chain : chainer.ChainsOf(found)) {
       if (IsBeside(drawn, chain, size)) continue;
       LeadOn(drawn, reach + kStep * size, chain);
       for (ZBR_PT& p : chain.points) p.Set(p.x() / scene.scale, p.y() / scene.scale);

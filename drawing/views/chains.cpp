@@ -5,8 +5,6 @@
 // joined into longer ones first.
 #include "drawing/views/chains.h"
 
-#include <zbr/outline.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -23,15 +21,6 @@ namespace {
 constexpr double kApart = 1e-3;
 constexpr double kRun = 20.0;
 constexpr double kStep = 2.0;
-
-std::vector<ZBR_HL_OPT_PT> EndsOf(const std::vector<EdgeSegment>& segments) {
-  std::vector<ZBR_HL_OPT_PT> ends(2 * segments.size());
-  for (std::size_t i = 0; i < segments.size(); ++i) {
-    ends[2 * i].pt = segments[i].segment.s();
-    ends[2 * i + 1].pt = segments[i].segment.e();
-  }
-  return ends;
-}
 
 double LengthOf(const EdgeSegment& s) {
   return s.segment.s().Distance(s.segment.e());
@@ -73,40 +62,44 @@ void AddSteps(const std::vector<EdgeSegment>& run, double least, std::vector<Edg
   }
 }
 
+}  // namespace
+
+// Fills in polylines and the ends at which they enter segments. Returns how many are open.
+std::size_t SegmentChainer::Join(const std::vector<EdgeSegment>& segments, double apart) {
+  ends_.resize(2 * segments.size());
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    ends_[2 * i].pt = segments[i].segment.s();
+    ends_[2 * i + 1].pt = segments[i].segment.e();
+  }
+  return static_cast<std::size_t>(zbrOptimizeSegs(ends_, polylines_, entered_, apart));
+}
+
 // Adds segments for runs of those that are too short by themselves.
-void JoinShort(std::vector<EdgeSegment>& segments, double tolerance) {
-  std::vector<EdgeSegment> shorts;
-  std::copy_if(segments.begin(), segments.end(), std::back_inserter(shorts),
-               [&](const EdgeSegment& s) { return LengthOf(s) <= tolerance; });
-  if (LengthOf(shorts) < kRun * tolerance) return;
-  std::vector<ZBR_HL_OPT_PT> ends = EndsOf(shorts);
-  std::vector<std::vector<ZBR_PT>> polylines;
-  std::vector<std::vector<int>> entered;
-  zbrOptimizeSegs(ends, polylines, entered, kApart * tolerance);
-  for (const std::vector<int>& way : entered) {
+void SegmentChainer::JoinShort(std::vector<EdgeSegment>& segments) {
+  shorts_.clear();
+  std::copy_if(segments.begin(), segments.end(), std::back_inserter(shorts_),
+               [&](const EdgeSegment& s) { return LengthOf(s) <= tolerance_; });
+  if (LengthOf(shorts_) < kRun * tolerance_) return;
+  Join(shorts_, kApart * tolerance_);
+  for (const std::vector<int>& way : entered_) {
     std::vector<EdgeSegment> run;
-    for (const int end : way) run.push_back(Turned(shorts[static_cast<std::size_t>(end) / 2], end % 2 == 0));
-    if (LengthOf(run) >= kRun * tolerance) AddSteps(run, kStep * tolerance, segments);
+    for (const int end : way) run.push_back(Turned(shorts_[static_cast<std::size_t>(end) / 2], end % 2 == 0));
+    if (LengthOf(run) >= kRun * tolerance_) AddSteps(run, kStep * tolerance_, segments);
   }
 }
 
-}  // namespace
-
-std::vector<Chain> ChainSegments(std::vector<EdgeSegment> segments, double tolerance, const SeenCircles& circles) {
-  JoinShort(segments, tolerance);
-  std::vector<ZBR_HL_OPT_PT> ends = EndsOf(segments);
-  std::vector<std::vector<ZBR_PT>> polylines;
-  std::vector<std::vector<int>> entered;
-  const auto open = static_cast<std::size_t>(zbrOptimizeSegs(ends, polylines, entered, tolerance));
-
-  std::vector<Chain> chains(polylines.size());
-  for (std::size_t i = 0; i < chains.size(); ++i) {
-    chains[i].closed = i >= open;
-    chains[i].points = std::move(polylines[i]);
-    chains[i].edges = EdgesOf(segments, entered[i]);
-    NoteRuns(segments, entered[i], circles, chains[i]);
+std::vector<Chain>& SegmentChainer::ChainsOf(std::vector<EdgeSegment>& segments) {
+  JoinShort(segments);
+  const std::size_t open = Join(segments, tolerance_);
+  chains_.clear();
+  chains_.resize(polylines_.size());
+  for (std::size_t i = 0; i < chains_.size(); ++i) {
+    chains_[i].closed = i >= open;
+    chains_[i].points = std::move(polylines_[i]);
+    chains_[i].edges = EdgesOf(segments, entered_[i]);
+    NoteRuns(segments, entered_[i], circles_, chains_[i]);
   }
-  return chains;
+  return chains_;
 }
 
 }  // namespace zbr::drawing

@@ -58,14 +58,16 @@ class Chainer {
 
   // Whole bins.
   void ChainBins(std::span<const DrawnSegment> segments, bool hidden, std::vector<Line>& lines) const {
+    SegmentChainer chainer(kChainTolerance, circles_);
     std::vector<EdgeSegment> bin;
     for (std::size_t i = 0; i < segments.size(); ++i) {
       bin.push_back(segments[i].segment);
       if (i + 1 < segments.size() && KeyOf(segments[i + 1]) == KeyOf(segments[i])) continue;
-      for (Chain& chain : ChainSegments(std::exchange(bin, {}), kChainTolerance, circles_)) {
+      for (Chain& chain : chainer.ChainsOf(bin)) {
         for (ZBR_PT& p : chain.points) p.Set(p.x() / scene_.scale, p.y() / scene_.scale);
         lines.push_back({kDrawnClasses[segments[i].edgeClass], hidden, segments[i].shell, segments[i].other, std::move(chain)});
       }
+      bin.clear();
     }
   }
 
