@@ -126,7 +126,7 @@ class Finder {
         settle_(settle),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
-        trees_(grid_, mesh.corners, model.shellBegin),
+        trees_(grid_, mesh.corners, model.shellBegin, threads),
         patches_(mesh.corners.size(), Connectivity::kNone) {}
 
   Lines Run() {
@@ -211,7 +211,7 @@ class Finder {
   template <class Use>
   void ChooseTree(std::size_t s, Use use) const {
     const auto triangles = std::span(mesh_.corners).subspan(model_.shellBegin[s], trees_.Order(s).size());
-    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s], trees_.Leaves(s)); slender.IsBetter()) {
+    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s], trees_.Leaves(s), threads_); slender.IsBetter()) {
       use(slender.View(), slender.Order());
     } else {
       use(trees_.Shell(s), trees_.Order(s));

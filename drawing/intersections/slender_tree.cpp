@@ -64,7 +64,7 @@ Frame FrameAlong(std::span<const GridPoint> points, std::span<const Corners> cor
 }  // namespace
 
 SlenderTree::SlenderTree(std::span<const GridPoint> points, std::span<const Corners> corners, std::uint32_t first,
-                         std::span<const FloatBox> uprightBoxes) {
+                         std::span<const FloatBox> uprightBoxes, unsigned threads) {
   double inside = 0.0, upright = 0.0, slanting = 0.0;
   for (const FloatBox& box : uprightBoxes) upright += AreaOf(box);
   for (const Corners& c : corners) {
@@ -80,14 +80,14 @@ SlenderTree::SlenderTree(std::span<const GridPoint> points, std::span<const Corn
   for (const Corners& c : corners) {
     const GridPoint p = frame.In(points[c[0]]), q = frame.In(points[c[1]]), r = frame.In(points[c[2]]);
     const GridPoint low = Lowest(p, Lowest(q, r)), high = Highest(p, Highest(q, r));
-    leaves.push_back(FloatBox::Around({low.x - kRounding, low.y - kRounding, low.z - kRounding},
-                                      {high.x + kRounding, high.y + kRounding, high.z + kRounding}));
+    const GridPoint before = {low.x - kRounding, low.y - kRounding, low.z - kRounding};
+    leaves.push_back(FloatBox::Around(before, before, {high.x + kRounding, high.y + kRounding, high.z + kRounding}));
     slanting += AreaOf(leaves.back());
     if (slanting > kWorth * upright) return;
   }
   boxes_.resize(TreeView::BoxCount(count));
   order_.resize(count);
-  BuildTree(leaves, boxes_, order_);
+  BuildTree(leaves, boxes_.data(), order_, threads);
   for (std::uint32_t& place : order_) place += first;
 }
 

@@ -18,7 +18,7 @@ class SlenderTree {
  public:
   // Of triangles with numbers from `first` on. Made only for those whose boxes along the axes, given in any order, are mostly air.
   SlenderTree(std::span<const GridPoint> points, std::span<const std::array<std::uint32_t, 3>> corners, std::uint32_t first,
-              std::span<const FloatBox> uprightBoxes);
+              std::span<const FloatBox> uprightBoxes, unsigned threads);
 
   bool IsBetter() const { return !order_.empty(); }
   TreeView View() const { return TreeView(boxes_.data(), static_cast<std::uint32_t>(order_.size())); }

@@ -4,24 +4,16 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <limits>
-#include <numeric>
 #include <utility>
+
+#include "drawing/model/shell_ranges.h"
+#include "drawing/parallel.h"
 
 namespace zbr::drawing {
 namespace {
 
 // Grid coordinates are below 2^51, so rounding to single precision moves them by at most this part of themselves.
 constexpr float kRounding = 1.0F / 8388608.0F;  // 2^-23
-
-float Below(double x) {
-  const auto f = static_cast<float>(x);
-  return f - std::abs(f) * kRounding;
-}
-float Above(double x) {
-  const auto f = static_cast<float>(x);
-  return f + std::abs(f) * kRounding;
-}
 
 std::uint32_t Above(std::uint32_t count) {
   return (count + TreeView::kFanOut - 1) / TreeView::kFanOut;
@@ -36,9 +28,44 @@ std::uint64_t Spread(std::uint64_t x) {
   return (x | x << 2U) & 0x1249249249249249U;
 }
 
+// RunInRanges, but that what is small, like each of many shells, is worked on without ado.
+template <class Work>
+void InRanges(std::size_t count, unsigned threads, Work work) {
+  if (count <= kRange) {
+    work(0, 0, count);
+  } else {
+    RunInRanges(count, threads, work);
+  }
+}
+
 GridPoint MiddleOf(const FloatBox& box) {
   return {static_cast<double>(box.low[0]) + box.high[0], static_cast<double>(box.low[1]) + box.high[1],
           static_cast<double>(box.low[2]) + box.high[2]};
+}
+
+// Lowest and highest coordinates.
+struct Extents {
+  GridPoint low, high;
+
+  void Add(const GridPoint& p) {
+    low = Lowest(low, p);
+    high = Highest(high, p);
+  }
+};
+
+Extents ExtentsOfMiddles(std::span<const FloatBox> boxes, unsigned threads) {
+  const GridPoint first = MiddleOf(boxes.front());
+  std::vector<Extents> parts(RangeCount(boxes.size()), {first, first});
+  InRanges(boxes.size(), threads, [&](std::size_t range, std::size_t begin, std::size_t end) {
+    Extents extents = parts[range];
+    for (std::size_t i = begin; i < end; ++i) extents.Add(MiddleOf(boxes[i]));
+    parts[range] = extents;
+  });
+  for (const Extents& part : parts) {
+    parts[0].Add(part.low);
+    parts[0].Add(part.high);
+  }
+  return parts[0];
 }
 
 // The order in which a space-filling curve through the box around the middles of boxes meets these middles. What is sorted are the
@@ -46,21 +73,18 @@ GridPoint MiddleOf(const FloatBox& box) {
 // digit by digit, the last one first. For a million that takes a fourth of the time of comparing whole places.
 class CurveOrder {
  public:
-  explicit CurveOrder(std::span<const FloatBox> boxes) : boxes_(boxes), low_(MiddleOf(boxes.front())) {
-    GridPoint high = low_;
-    for (const FloatBox& box : boxes) {
-      const GridPoint m = MiddleOf(box);
-      low_ = Lowest(low_, m);
-      high = Highest(high, m);
-    }
-    size_ = std::max({high.x - low_.x, high.y - low_.y, high.z - low_.z, 1.0});
+  CurveOrder(std::span<const FloatBox> boxes, unsigned threads) : boxes_(boxes), threads_(threads) {
+    const auto [low, high] = ExtentsOfMiddles(boxes, threads);
+    low_ = low;
+    size_ = std::max({high.x - low.x, high.y - low.y, high.z - low.z, 1.0});
   }
 
   void Fill(std::span<std::uint32_t> order) const {
     const auto numberBits = static_cast<unsigned>(std::bit_width(boxes_.size()));
-    std::vector<std::uint64_t> keys;
-    keys.reserve(boxes_.size());
-    for (std::uint32_t i = 0; i < boxes_.size(); ++i) keys.push_back(PlaceOf(i) << 1U >> numberBits << numberBits | i);
+    std::vector<std::uint64_t> keys(boxes_.size());
+    InRanges(keys.size(), threads_, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (auto i = static_cast<std::uint32_t>(begin); i < end; ++i) keys[i] = PlaceOf(i) << 1U >> numberBits << numberBits | i;
+    });
     Sort(keys);
     const unsigned crowdBits = std::max(numberBits, kNotCounted);
     const std::uint64_t number = (std::uint64_t{1} << numberBits) - 1;
@@ -76,8 +100,11 @@ class CurveOrder {
 
  private:
   static constexpr unsigned kNotCounted = 20;  // lowest digits of a word, a number's of a million boxes
+  static constexpr unsigned kDigitBits = 11;
+  static constexpr std::size_t kPasses = (64 - kNotCounted) / kDigitBits, kValues = std::size_t{1} << kDigitBits;
 
   using Places = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
+  using Keys = std::vector<std::uint64_t>;
 
   // Of the middle of a box; 63 digits.
   std::uint64_t PlaceOf(std::uint32_t i) const {
@@ -87,27 +114,39 @@ class CurveOrder {
     return cell(m.x - low_.x) << 2U | cell(m.y - low_.y) << 1U | cell(m.z - low_.z);
   }
 
-  static void Sort(std::vector<std::uint64_t>& keys) {
+  void Sort(Keys& keys) const {
     constexpr std::size_t kWorthCounting = 2048;
     if (keys.size() < kWorthCounting) {
       std::sort(keys.begin(), keys.end());
       return;
     }
-    constexpr unsigned kDigitBits = 11;
-    constexpr std::size_t kPasses = (64 - kNotCounted) / kDigitBits, kValues = std::size_t{1} << kDigitBits;
-    const auto digit = [](std::uint64_t key, std::size_t pass) {
-      return (key >> (kNotCounted + kDigitBits * pass)) & (kValues - 1);
-    };
-    std::array<std::array<std::uint32_t, kValues>, kPasses> starts{};
-    for (const std::uint64_t key : keys) {
-      for (std::size_t pass = 0; pass < kPasses; ++pass) ++starts[pass][digit(key, pass)];
-    }
-    std::vector<std::uint64_t> sorted(keys.size());
+    Keys sorted(keys.size());
     for (std::size_t pass = 0; pass < kPasses; ++pass) {
-      std::exclusive_scan(starts[pass].begin(), starts[pass].end(), starts[pass].begin(), 0U);
-      for (const std::uint64_t key : keys) sorted[starts[pass][digit(key, pass)]++] = key;
+      SortByDigit(keys, sorted, kNotCounted + kDigitBits * static_cast<unsigned>(pass));
       keys.swap(sorted);
     }
+  }
+
+  // Each thread has a share of the keys. Equal digits stay in order, so that shares change nothing.
+  void SortByDigit(const Keys& keys, Keys& sorted, unsigned shift) const {
+    const std::size_t shares = std::min<std::size_t>(std::max(threads_, 1U), RangeCount(keys.size()));
+    const auto forShare = [&](std::size_t share, auto use) {
+      const std::size_t end = keys.size() * (share + 1) / shares;
+      for (std::size_t i = keys.size() * share / shares; i < end; ++i) use(keys[i], (keys[i] >> shift) & (kValues - 1));
+    };
+    std::vector<std::array<std::uint32_t, kValues>> starts(shares);
+    RunParallel(shares, threads_, [&](std::size_t share) {
+      auto& counts = starts[share];
+      forShare(share, [&](std::uint64_t, std::size_t digit) { ++counts[digit]; });
+    });
+    std::uint32_t sum = 0;
+    for (std::size_t digit = 0; digit < kValues; ++digit) {
+      for (auto& start : starts) sum += std::exchange(start[digit], sum);
+    }
+    RunParallel(shares, threads_, [&](std::size_t share) {
+      auto& next = starts[share];
+      forShare(share, [&](std::uint64_t key, std::size_t digit) { sorted[next[digit]++] = key; });
+    });
   }
 
   // By the whole places, then by number.
@@ -119,21 +158,34 @@ class CurveOrder {
   }
 
   const std::span<const FloatBox> boxes_;
+  const unsigned threads_;
   GridPoint low_;
-  double size_;
+  double size_ = 1.0;
 };
 
 }  // namespace
 
-FloatBox FloatBox::Empty() {
-  constexpr float kInfinity = std::numeric_limits<float>::infinity();
-  return {{kInfinity, kInfinity, kInfinity, 0}, {-kInfinity, -kInfinity, -kInfinity, 0}};
+#if defined(__SSE2__)
+FloatBox FloatBox::Around(const GridPoint& a, const GridPoint& b, const GridPoint& c) {
+  const auto xy = [](const GridPoint& p) { return _mm_loadu_pd(&p.x); };
+  const auto z = [](const GridPoint& p) { return _mm_load_sd(&p.z); };
+  const auto rounded = [](__m128d first, __m128d second) { return _mm_movelh_ps(_mm_cvtpd_ps(first), _mm_cvtpd_ps(second)); };
+  const __m128 low = rounded(_mm_min_pd(xy(a), _mm_min_pd(xy(b), xy(c))), _mm_min_sd(z(a), _mm_min_sd(z(b), z(c))));
+  const __m128 high = rounded(_mm_max_pd(xy(a), _mm_max_pd(xy(b), xy(c))), _mm_max_sd(z(a), _mm_max_sd(z(b), z(c))));
+  const auto room = [](__m128 x) { return _mm_mul_ps(_mm_andnot_ps(_mm_set1_ps(-0.0F), x), _mm_set1_ps(kRounding)); };
+  FloatBox box;
+  _mm_store_ps(box.low.data(), _mm_sub_ps(low, room(low)));
+  _mm_store_ps(box.high.data(), _mm_add_ps(high, room(high)));
+  return box;
 }
-
-FloatBox FloatBox::Around(const GridPoint& low, const GridPoint& high) {
-  return {{Below(low.x), Below(low.y), Below(low.z), 0},
-          {drawing::Above(high.x), drawing::Above(high.y), drawing::Above(high.z), 0}};
+#else
+FloatBox FloatBox::Around(const GridPoint& a, const GridPoint& b, const GridPoint& c) {
+  const GridPoint low = Lowest(a, Lowest(b, c)), high = Highest(a, Highest(b, c));
+  const auto below = [](double x) { return static_cast<float>(x) - std::abs(static_cast<float>(x)) * kRounding; };
+  const auto above = [](double x) { return static_cast<float>(x) + std::abs(static_cast<float>(x)) * kRounding; };
+  return {{below(low.x), below(low.y), below(low.z), 0}, {above(high.x), above(high.y), above(high.z), 0}};
 }
+#endif
 
 TreeView::TreeView(const FloatBox* boxes, std::uint32_t leaves) {
   levels_[0] = boxes;
@@ -151,54 +203,68 @@ std::size_t TreeView::BoxCount(std::uint32_t leaves) {
   return count;
 }
 
-void TreeView::Build(FloatBox* boxes, std::uint32_t leaves) {
+void TreeView::Build(FloatBox* boxes, std::uint32_t leaves, unsigned threads) {
   while (leaves > 1) {
     FloatBox* const parents = boxes + leaves;
-    for (std::uint32_t i = 0; i < leaves; ++i) {
-      if (i % kFanOut == 0) parents[i / kFanOut] = FloatBox::Empty();
-      parents[i / kFanOut].Add(boxes[i]);
-    }
+    InRanges(Above(leaves), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) {
+        FloatBox parent = boxes[i * kFanOut];
+        for (std::size_t k = i * kFanOut + 1; k < std::min<std::size_t>((i + 1) * kFanOut, leaves); ++k) parent.Add(boxes[k]);
+        parents[i] = parent;
+      }
+    });
     boxes = parents;
     leaves = Above(leaves);
   }
 }
 
-void BuildTree(std::span<const FloatBox> leaves, std::span<FloatBox> boxes, std::span<std::uint32_t> places) {
-  CurveOrder(leaves).Fill(places);
-  for (std::size_t i = 0; i < leaves.size(); ++i) boxes[i] = leaves[places[i]];
-  TreeView::Build(boxes.data(), static_cast<std::uint32_t>(leaves.size()));
+void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std::uint32_t> places, unsigned threads) {
+  CurveOrder(leaves, threads).Fill(places);
+  InRanges(leaves.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) boxes[i] = leaves[places[i]];
+  });
+  TreeView::Build(boxes, static_cast<std::uint32_t>(leaves.size()), threads);
 }
 
 TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::vector<std::array<std::uint32_t, 3>>& corners,
-                             const std::vector<std::uint32_t>& shellBegin)
+                             const std::vector<std::uint32_t>& shellBegin, unsigned threads)
     : shellBegin_(shellBegin), order_(corners.size()) {
   const auto shells = static_cast<std::uint32_t>(shellBegin.size() - 1);
+  boxBegin_.reserve(shellBegin.size());
   boxBegin_.push_back(0);
   for (std::size_t s = 0; s < shells; ++s)
     boxBegin_.push_back(boxBegin_.back() + TreeView::BoxCount(shellBegin[s + 1] - shellBegin[s]));
-  boxes_.resize(boxBegin_.back());
-  std::vector<FloatBox> shellLeaves, leaves;
-  for (std::size_t s = 0; s < shells; ++s) {
+  boxes_.reset(new FloatBox[boxBegin_.back()]);
+  const auto build = [&](std::size_t s, unsigned threadsOfShell) {
     const std::uint32_t first = shellBegin[s], count = shellBegin[s + 1] - first;
-    leaves.clear();
-    leaves.reserve(count);
-    for (std::uint32_t t = first; t < first + count; ++t) {
-      const GridPoint &a = points[corners[t][0]], &b = points[corners[t][1]], &c = points[corners[t][2]];
-      leaves.push_back(FloatBox::Around(Lowest(a, Lowest(b, c)), Highest(a, Highest(b, c))));
-    }
+    const UnfilledBoxes leaves(new FloatBox[count]);
     const std::span<std::uint32_t> places(order_.data() + first, count);
-    BuildTree(leaves, std::span(boxes_).subspan(boxBegin_[s]), places);
+    InRanges(count, threadsOfShell, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) {
+        const auto& c = corners[first + i];
+        leaves[i] = FloatBox::Around(points[c[0]], points[c[1]], points[c[2]]);
+      }
+    });
+    BuildTree({leaves.get(), count}, boxes_.get() + boxBegin_[s], places, threadsOfShell);
     for (std::uint32_t& place : places) place += first;
-    shellLeaves.push_back(Shell(s).Root());
+  };
+  const auto isLarge = [&](std::size_t s) { return shellBegin[s + 1] - shellBegin[s] > kRange; };
+  ForEachShell(shellBegin, threads, [&](std::size_t s) {
+    if (!isLarge(s)) build(s, 1);
+  });
+  std::vector<FloatBox> shellLeaves(shells);
+  for (std::size_t s = 0; s < shells; ++s) {
+    if (isLarge(s)) build(s, threads);
+    shellLeaves[s] = Shell(s).Root();
   }
   if (shells == 0) return;
   shellOrder_.resize(shells);
-  shellBoxes_.resize(TreeView::BoxCount(shells));
-  BuildTree(shellLeaves, shellBoxes_, shellOrder_);
+  shellBoxes_.reset(new FloatBox[TreeView::BoxCount(shells)]);
+  BuildTree(shellLeaves, shellBoxes_.get(), shellOrder_, threads);
 }
 
 TreeView TriangleTrees::Shell(std::size_t s) const {
-  return TreeView(boxes_.data() + boxBegin_[s], shellBegin_[s + 1] - shellBegin_[s]);
+  return TreeView(boxes_.get() + boxBegin_[s], shellBegin_[s + 1] - shellBegin_[s]);
 }
 
 std::span<const std::uint32_t> TriangleTrees::Order(std::size_t s) const {
@@ -206,7 +272,7 @@ std::span<const std::uint32_t> TriangleTrees::Order(std::size_t s) const {
 }
 
 std::span<const FloatBox> TriangleTrees::Leaves(std::size_t s) const {
-  return {boxes_.data() + boxBegin_[s], shellBegin_[s + 1] - shellBegin_[s]};
+  return {boxes_.get() + boxBegin_[s], shellBegin_[s + 1] - shellBegin_[s]};
 }
 
 }  // namespace zbr::drawing

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -25,8 +26,7 @@ namespace zbr::drawing {
 struct alignas(16) FloatBox {
   std::array<float, 4> low, high;
 
-  static FloatBox Empty();
-  static FloatBox Around(const GridPoint& low, const GridPoint& high);
+  static FloatBox Around(const GridPoint& a, const GridPoint& b, const GridPoint& c);
   void Add(const FloatBox& o);
 };
 
@@ -76,7 +76,7 @@ class TreeView {
   TreeView(const FloatBox* boxes, std::uint32_t leaves);
   static std::size_t BoxCount(std::uint32_t leaves);
   // Fills the levels above the leaves.
-  static void Build(FloatBox* boxes, std::uint32_t leaves);
+  static void Build(FloatBox* boxes, std::uint32_t leaves, unsigned threads);
 
   const FloatBox& Root() const { return levels_[top_][0]; }
 
@@ -168,15 +168,18 @@ class TreeView {
   std::size_t top_ = 0;
 };
 
+// Boxes without values: all of them are written to, and clearing them before takes half as long as that.
+using UnfilledBoxes = std::unique_ptr<FloatBox[]>;
+
 // Fills `boxes` with the leaves, of which there is at least one, in the order in which a space-filling curve meets their middles,
-// and the levels above them; `places` says where each was.
-void BuildTree(std::span<const FloatBox> leaves, std::span<FloatBox> boxes, std::span<std::uint32_t> places);
+// and the levels above them; `places` says where each was. The number of threads changes neither.
+void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std::uint32_t> places, unsigned threads);
 
 // Trees of shells whose triangles have consecutive numbers.
 class TriangleTrees {
  public:
   TriangleTrees(const std::vector<GridPoint>& points, const std::vector<std::array<std::uint32_t, 3>>& corners,
-                const std::vector<std::uint32_t>& shellBegin);
+                const std::vector<std::uint32_t>& shellBegin, unsigned threads);
 
   TreeView Shell(std::size_t s) const;
   std::span<const std::uint32_t> Order(std::size_t s) const;  // the triangles of a shell's leaves
@@ -190,16 +193,16 @@ class TriangleTrees {
       const std::uint32_t a = shellOrder_[i], b = shellOrder_[j];
       a < b ? visit(a, b) : visit(b, a);
     };
-    TreeView(shellBoxes_.data(), static_cast<std::uint32_t>(shellOrder_.size())).JoinSelf(inOrder);
+    TreeView(shellBoxes_.get(), static_cast<std::uint32_t>(shellOrder_.size())).JoinSelf(inOrder);
   }
 
  private:
   std::vector<std::uint32_t> shellBegin_;
   std::vector<std::uint32_t> order_;   // triangles
-  std::vector<FloatBox> boxes_;        // of all shells' trees
+  UnfilledBoxes boxes_;                // of all shells' trees
   std::vector<std::size_t> boxBegin_;  // of shells
   std::vector<std::uint32_t> shellOrder_;
-  std::vector<FloatBox> shellBoxes_;
+  UnfilledBoxes shellBoxes_;
 };
 
 }  // namespace zbr::drawing
