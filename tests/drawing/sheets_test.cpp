@@ -21,7 +21,8 @@ namespace {
 
 using example::Box;
 
-std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>& views) {
+std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>& views,
+                               HiddenLines hidden = HiddenLines::kInPrincipalViews) {
   std::vector<NamedDirection> directions;
   for (const std::string& name : views) {
     if (const auto view = NamedView(name)) {
@@ -33,6 +34,7 @@ std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>&
   }
   DrawingOptions drawing;
   drawing.centreLines = true;
+  drawing.hidden = hidden;
   return DrawViews(MakeModel(mesh, 30.0), directions, drawing);
 }
 
@@ -118,6 +120,28 @@ TEST(Sheets, CentreLinesAlongSections) {
     const auto isCentre = [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; };
     EXPECT_EQ(std::count_if(lines.begin(), lines.end(), isCentre), count) << plane;
   }
+}
+
+// Those of hidden circles only where hidden lines are shown; else those that views without hidden lines have.
+TEST(Sheets, CentreLinesOfWhatIsShown) {
+  const auto shown = [](HiddenLines drawn, HiddenStyle style) {
+    SheetOptions options;
+    options.projection = Projection::kFirst;
+    options.hidden = style;
+    const auto views = ViewsOf(example::Housing(), {"front", "back", "left", "right", "top", "bottom", "Y=20"}, drawn);
+    std::vector<std::vector<ZBR_PT>> lines;
+    for (const PlacedView& view : LayOut(views, options).views) {
+      for (const Line& line : view.lines.lines) {
+        EXPECT_FALSE(line.hidden && style == HiddenStyle::kNone);
+        if (line.edgeClass == EdgeClass::kCentre) lines.push_back(line.chain.points);
+      }
+    }
+    return lines;
+  };
+  const auto seen = shown(HiddenLines::kNone, HiddenStyle::kDashed);
+  EXPECT_EQ(shown(HiddenLines::kInAllViews, HiddenStyle::kLayer), seen);
+  EXPECT_EQ(shown(HiddenLines::kInAllViews, HiddenStyle::kNone), seen);
+  EXPECT_NE(shown(HiddenLines::kInAllViews, HiddenStyle::kDashed), seen);
 }
 
 // Slabs that leave less than half of a cylinder, or more.
