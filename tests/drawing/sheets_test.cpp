@@ -95,6 +95,15 @@ TEST(Sheets, MarksOfSections) {
     ASSERT_EQ(reach.size(), 2U);
     EXPECT_GT(reach.begin()->second, reach.rbegin()->second + 5);
   }
+  // Beside the model, in their order.
+  std::map<double, int> places;
+  for (const Arrow& arrow :
+       ArrowsOf(SheetOf(box, {"front", "X=90", "X=42", "X=55..60", "-1,0,0=-60", "X=-30"}, Projection::kFirst)))
+    ++places[std::round(arrow.tip.x())];
+  std::vector<double> steps;
+  for (auto place = std::next(places.begin()); place != places.end(); ++place)
+    steps.push_back(place->first - std::prev(place)->first);
+  EXPECT_EQ(steps, (std::vector<double>{45, 3, 3}));
 }
 
 TEST(Sheets, CentreLinesReachBeyondCircles) {
