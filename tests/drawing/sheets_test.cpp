@@ -219,6 +219,33 @@ void ExpectInOrder(const Sheet& sheet) {
   }
 }
 
+// Its widths in thousandths of the size, of which capitals have 716 as their height.
+TEST(Sheets, TextFitsInArial) {
+  for (const auto& [width, letters] : {std::pair(191, "'"),
+                                       {222, "ijl"},
+                                       {260, "|"},
+                                       {278, " !,./:;I[\\]ft"},
+                                       {333, "()-`r"},
+                                       {334, "{}"},
+                                       {355, "\""},
+                                       {389, "*"},
+                                       {469, "^"},
+                                       {500, "Jckszvxy"},
+                                       {556, "0123456789?Labdeghnopqu_$#"},
+                                       {584, "+<=>~"},
+                                       {611, "FTZ"},
+                                       {667, "&ABEKPSVXY"},
+                                       {722, "CDHNRUw"},
+                                       {778, "GOQ"},
+                                       {833, "Mm"},
+                                       {889, "%"},
+                                       {944, "W"},
+                                       {1015, "@"}}) {
+    for (const char letter : std::string(letters))
+      EXPECT_GE(TextWidth(std::string(1, letter), 1.0) + 0.005, width / 716.0) << letter;
+  }
+}
+
 // Planes through the middle, far beside the model, at its faces, close to each other, and at a slant; fields long and short.
 TEST(Sheets, NothingLeavesTheFrameOrStrikesText) {
   std::size_t count = 0;
