@@ -92,13 +92,14 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const Objects& objec
 }
 
 // All of the model may lie behind one of its own faces: next to an eye that is in the material.
-void NoteUnseen(const std::vector<ViewLines>& views, bool centreLines, Progress& progress) {
+void NoteUnseen(const std::vector<ViewLines>& views, const DrawOptions& options, Progress& progress) {
   for (const ViewLines& view : views) {
     const bool isSeen = std::any_of(view.lines.begin(), view.lines.end(), [](const Line& line) { return !line.hidden; });
     if (!isSeen && !view.section)
       progress.Note(view.name + ": note: nothing of the model is seen" +
                     (view.view.perspective ? ", as where the eye is within the material" : ""));
-    if (centreLines && view.centres.marks.empty() && view.centres.axes.empty())
+    const Centres& centres = options.hidden == "layer" ? view.seenCentres : view.centres;
+    if (options.centreLines && centres.marks.empty() && centres.axes.empty())
       progress.Note(view.name + (view.view.perspective ? ": note: perspectives have no centre lines"
                                                        : ": note: no centre lines: no circle is seen"));
   }
@@ -187,7 +188,7 @@ int RunDraw(const DrawOptions& options) {
   times.views = Clock::now();
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times.stages);
   NoteEmptyOutlines(views, objects, filled, progress);
-  NoteUnseen(views, options.centreLines, progress);
+  NoteUnseen(views, options, progress);
   NoteSections(views, progress);
   watch.Lap();
 

@@ -94,12 +94,13 @@ std::vector<std::uint32_t> PlacesInModel(const Model& model) {
 // The circles that lines of the view have edges of. Rims seen from the side lie on other lines, which are drawn in their place;
 // then the silhouettes of the cylinder tell of them, which run from rim to rim: along edges, or across the triangles between.
 // Of cylinders that a section cuts, along or across, the outlines of the cut do.
-std::vector<Drawn> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view) {
+std::vector<Drawn> DrawnCircles(const Model& model, const Circles& circles, const ViewLines& view, bool isSeenOnly) {
   const std::vector<std::uint32_t> place = PlacesInModel(model);
   std::vector<Drawn> drawn(circles.all.size());
   const auto mark = [&](std::uint32_t k, bool hidden) { drawn[k] = std::max(drawn[k], hidden ? Drawn::kHidden : Drawn::kVisible); };
   Touched seen(model), unseen(model), cut(model);  // by silhouettes, and by the plane of a section
   for (const Line& line : view.lines) {
+    if (line.hidden && isSeenOnly) break;  // visible lines come first
     for (const EdgeRef& ref : line.chain.edges) {
       const bool isAcross = ref.edge == EdgeRef::kAcross;
       if (isAcross && line.edgeClass != EdgeClass::kSilhouette && line.edgeClass != EdgeClass::kCut) continue;
@@ -242,9 +243,9 @@ class Finder {
 
 }  // namespace
 
-Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view) {
+Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view, bool seen) {
   const std::vector<double> turns = TurnsOf(model, circles);
-  const std::vector<Drawn> drawn = DrawnCircles(model, circles, view);
+  const std::vector<Drawn> drawn = DrawnCircles(model, circles, view, seen);
   Finder finder(model, view);
   constexpr double kHalf = kPi * 0.999;
   for (std::size_t k = 0; k < circles.all.size(); ++k) {

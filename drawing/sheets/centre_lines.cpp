@@ -31,14 +31,14 @@ std::vector<Ends> WithoutPlane(const Ends& line, const MarkedPlane& plane, const
   return rest;
 }
 
-// The centre lines of a view, on their own.
-std::vector<Ends> CentreLinesOf(const ViewLines& view, double beyond) {
+// Centre lines on their own.
+std::vector<Ends> CentreLinesOf(const Centres& centres, double beyond) {
   std::vector<Ends> lines;
-  for (const CentreMark& mark : view.centres.marks) {
+  for (const CentreMark& mark : centres.marks) {
     const double arm = mark.radius + std::min(beyond, mark.radius);
     for (const ZBR_PT& along : {ZBR_PT(arm, 0), ZBR_PT(0, arm)}) lines.emplace_back(mark.centre - along, mark.centre + along);
   }
-  for (const CentreAxis& axis : view.centres.axes) {
+  for (const CentreAxis& axis : centres.axes) {
     const double length = axis.from.Distance(axis.to);
     if (!(length > 0)) continue;
     const ZBR_PT more = (axis.to - axis.from) * (std::min(beyond, axis.radius) / length);
@@ -52,7 +52,8 @@ std::vector<Ends> CentreLinesOf(const ViewLines& view, double beyond) {
 void AddCentreLines(Sheet& sheet, const std::vector<MarkedPlane>& planes) {
   for (std::size_t v = 0; v < sheet.views.size(); ++v) {
     ViewLines& view = sheet.views[v].lines;
-    std::vector<Ends> kept = CentreLinesOf(view, kBeyond / sheet.perUnit);
+    const Centres& centres = sheet.options.hidden == HiddenStyle::kDashed ? view.centres : view.seenCentres;
+    std::vector<Ends> kept = CentreLinesOf(centres, kBeyond / sheet.perUnit);
     for (const MarkedPlane& plane : planes) {
       if (plane.parent != v) continue;
       std::vector<Ends> rest;

@@ -1,6 +1,6 @@
 // Programs draw text with the fonts that they have. What is reckoned with is the widest of those that sheets name or that stand in
-// for them: DejaVu Sans for pictures (Arial and Helvetica are narrower), and the strokes of the standard font of LibreCAD for
-// drawings. Text that fits by these widths fits everywhere.
+// for them: DejaVu Sans for pictures, and for drawings, where the height is that of capitals, Arial and the strokes of the standard
+// font of LibreCAD, which has no others. Text that fits by these widths fits everywhere.
 #include "drawing/sheets/lettering.h"
 
 #include <algorithm>
@@ -12,10 +12,10 @@ namespace {
 
 // Of the characters from the blank to the tilde, in hundredths of the height of capitals.
 constexpr std::array<int, 95> kWidths = {
-    75, 56,  73, 116, 88,  132, 108, 45,  54,  54,  97, 116, 44,  78, 44,  78,  88,  88, 88, 88, 89, 88,  88,  88,
-    88, 88,  47, 47,  116, 116, 116, 74,  138, 100, 95, 97,  107, 88, 80,  107, 104, 41, 67, 91, 78, 120, 104, 109,
-    84, 109, 96, 88,  89,  102, 100, 137, 100, 100, 95, 54,  78,  54, 116, 156, 69,  85, 88, 76, 88, 85,  67,  88,
-    88, 39,  56, 80,  45,  135, 88,  85,  88,  88,  67, 73,  67,  88, 82,  113, 82,  82, 78, 88, 47, 88,  116};
+    75, 56,  73,  116, 88,  132, 108, 45,  54,  54,  97, 116, 44,  78, 44,  78,  88,  88, 88, 88, 89, 88,  88,  88,
+    88, 88,  47,  47,  116, 116, 116, 78,  142, 100, 95, 101, 107, 94, 86,  109, 104, 41, 70, 94, 78, 120, 104, 109,
+    94, 109, 101, 94,  89,  102, 100, 137, 100, 100, 95, 54,  78,  54, 116, 156, 69,  85, 88, 76, 88, 85,  67,  88,
+    88, 39,  56,  80,  45,  135, 88,  85,  88,  88,  67, 73,  67,  88, 82,  113, 82,  82, 78, 88, 47, 88,  116};
 constexpr int kOtherWidth = 150;  // as wide as any letters of other alphabets, but for ligatures
 
 constexpr std::string_view kEnDash = "\xe2\x80\x93";  // in the names of sections

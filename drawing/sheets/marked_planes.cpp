@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -18,7 +19,9 @@ constexpr double kLetterGap = 1.5;           // behind the arrow
 constexpr double kStep = kMarkLetter + 1.5;  // from an end to the next one outwards
 constexpr double kMarkLength = 3;            // steps past arrow and letter of a plane that crosses
 constexpr double kClear = 1.0;               // between marks
-constexpr double kFarthestBeside = 3.0;      // a plane that misses the model is drawn beside the view
+constexpr double kFarthestBeside = 3.0;      // a plane that misses the model is drawn beside the view, or the nearer planes there
+constexpr double kSamePlane = 1e-6;
+constexpr double kSameSide = 1e-6;  // between directions
 
 double Reach(const Extent& e, const ZBR_PT& direction, bool high) {
   double reach = high ? -HUGE_VAL : HUGE_VAL;
@@ -60,10 +63,7 @@ MarkedPlane LineOf(const Sheet& sheet, std::size_t parent, std::size_t section) 
   const double within = std::clamp(height, Reach(view.extent, line.toViewer, false), Reach(view.extent, line.toViewer, true));
   line.foot = line.toViewer * within;
   SetWhereItCrosses(line, view.extent);
-  // Nearer than it is, where it is far away: the section shows the same from there.
-  const double beside = std::clamp(height - within, -kFarthestBeside / sheet.perUnit, kFarthestBeside / sheet.perUnit);
-  line.beside = std::abs(beside) * sheet.perUnit;
-  line.foot += line.toViewer * beside;
+  line.past = (height - within) * sheet.perUnit;
   return line;
 }
 
@@ -75,6 +75,29 @@ std::optional<std::size_t> ParentOf(const Sheet& sheet, const SectionPlane& plan
     if (!view.section && IsSideView(view.name) && std::abs(view.view.toViewer.InnerProduct(plane.normal)) < kEdgeOn) return i;
   }
   return std::nullopt;
+}
+
+// Planes that miss the model are drawn nearer than they are, where they are far away: the section shows the same from there. Those
+// on one side stay in their order, and apart.
+void PutBeside(const Sheet& sheet, std::vector<MarkedPlane>& planes) {
+  std::vector<MarkedPlane*> outwards;
+  for (MarkedPlane& plane : planes) {
+    if (plane.past != 0) outwards.push_back(&plane);
+  }
+  const auto distance = [](const MarkedPlane* p) { return std::abs(p->past); };
+  std::stable_sort(outwards.begin(), outwards.end(), [&](auto* a, auto* b) { return distance(a) < distance(b); });
+  const auto away = [](const MarkedPlane* p) { return p->toViewer * (p->past > 0 ? 1.0 : -1.0); };
+  for (auto plane = outwards.begin(); plane != outwards.end(); ++plane) {
+    const auto isOnSameSide = [&](const MarkedPlane* o) {
+      return o->parent == (*plane)->parent && away(o).Distance(away(*plane)) < kSameSide;
+    };
+    const auto nearer = std::find_if(std::make_reverse_iterator(plane), outwards.rend(), isOnSameSide);
+    double farthest = kFarthestBeside;
+    if (nearer != outwards.rend())
+      farthest = (*nearer)->beside + (distance(*plane) - distance(*nearer) > kSamePlane ? kFarthestBeside : 0.0);
+    (*plane)->beside = std::min(distance(*plane), std::max(farthest, kFarthestBeside));
+    (*plane)->foot += away(*plane) * ((*plane)->beside / sheet.perUnit);
+  }
 }
 
 // What a stroke between two points covers.
@@ -165,6 +188,7 @@ std::vector<MarkedPlane> FindMarkedPlanes(const Sheet& sheet) {
     const auto parent = section ? ParentOf(sheet, section->plane) : std::nullopt;
     if (parent) planes.push_back(LineOf(sheet, *parent, i));
   }
+  PutBeside(sheet, planes);
   MoveApart(sheet, planes);
   return planes;
 }

@@ -22,7 +22,8 @@ struct MarkedPlane {
   ZBR_PT along, toViewer;               // of length 1; the second the way the section's viewer is
   ZBR_PT foot;                          // of the line
   double low = 0.0, high = 0.0;         // along it, where it crosses the view
-  double beside = 0.0;                  // millimetres that it is drawn beside the view, where it misses the model
+  double past = 0.0;                    // millimetres that it passes the view by, towards the viewer where positive
+  double beside = 0.0;                  // how many of them it is drawn beside the view
   double outwards = 0.0;                // millimetres beyond the usual: the ends of planes close to each other stand apart
 
   ZBR_PT From(double perUnit) const { return foot + along * (low - (kPlaneBeyond + outwards) / perUnit); }

@@ -327,7 +327,10 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   sheet.options = options;
   NameSections(views);
   Grid grid(views, options.projection);
-  for (ViewLines& view : views) sheet.views.push_back({std::move(view), {}});
+  for (ViewLines& view : views) {
+    if (options.hidden == HiddenStyle::kNone) std::erase_if(view.lines, [](const Line& line) { return line.hidden; });
+    sheet.views.push_back({std::move(view), {}});
+  }
   Arrange(sheet, grid);
   MakeRoomForMarks(sheet, grid);
   if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet, grid.marks);

@@ -101,7 +101,10 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
     AddSection(std::move(view.section), direction, lines);
   }
   DropSpecks(lines, options.lineWidth > 0 ? options.lineWidth : kLineWidth * lines.extent.Size());
-  if (options.centreLines && !direction.view.perspective) lines.centres = FindCentres(model, *found.circles, lines);
+  if (!options.centreLines || direction.view.perspective) return lines;
+  lines.centres = FindCentres(model, *found.circles, lines);
+  const bool hasHidden = !lines.lines.empty() && lines.lines.back().hidden;
+  lines.seenCentres = hasHidden ? FindCentres(model, *found.circles, lines, true) : lines.centres;
   return lines;
 }
 

@@ -32,8 +32,9 @@ struct DxfSetup {
   int units = 0;  // code of the unit of length
   std::vector<DrawingLayer> layers;
   std::vector<LineType> lineTypes;
-  bool showWidths = false;  // on the screen, too, not on paper alone
-  double deviation = 0.0;   // of chords in place of ellipses and splines, which R12 has not; 0: 1/10000 of the curve's size
+  std::string font = "txt";  // of text
+  bool showWidths = false;   // on the screen, too, not on paper alone
+  double deviation = 0.0;    // of chords in place of ellipses and splines, which R12 has not; 0: 1/10000 of the curve's size
 };
 
 // What an entity is drawn with.

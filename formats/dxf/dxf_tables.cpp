@@ -165,10 +165,12 @@ void WriteLayers(DxfOutput& output, const std::vector<DrawingLayer>& layers, Dxf
   EndTable(output);
 }
 
-void WriteStyles(DxfOutput& output) {
+void WriteStyles(DxfOutput& output, const std::string& font) {
   StartTable(output, "STYLE", kStyleTable, 1);
   StartRecord(output, "STYLE", kStyle, kStyleTable, "AcDbTextStyleTableRecord");
-  output.Constants("2|Standard|70|0|40|0.0|41|1.0|50|0.0|71|0|42|2.5|3|txt|4|");
+  output.Constants("2|Standard|70|0|40|0.0|41|1.0|50|0.0|71|0|42|2.5");
+  output.Text(3, font);
+  output.Text(4, "");
   EndTable(output);
 }
 
@@ -280,7 +282,7 @@ void WriteDxfStart(DxfOutput& output, const DxfSetup& setup, const DxfBox& box, 
   WriteViewports(output, box.extent);
   WriteLineTypes(output, setup.lineTypes, next);
   WriteLayers(output, setup.layers, next);
-  WriteStyles(output);
+  WriteStyles(output, setup.font);
   if (!output.IsOld()) WriteNewTables(output);
   output.Constants("0|ENDSEC|0|SECTION|2|BLOCKS");
   if (!output.IsOld()) {

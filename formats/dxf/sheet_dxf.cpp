@@ -23,6 +23,8 @@ constexpr const char* kHidden = "HIDDEN";
 // hidden lines, 3 mm for the usual width, and to chain lines, 6 mm and a dot; CENTER has no gap in lines below 30 mm.
 constexpr const char* kDashes = "HIDDEN2";
 constexpr const char* kChain = "DASHDOT2";
+// The letters of "txt" are all as wide as capitals, which fields have no room for. Programs that have no such font take their own.
+constexpr const char* kFont = "arial.ttf";
 constexpr const char* kFrame = "FRAME";
 constexpr const char* kTitle = "TITLE";
 
@@ -79,6 +81,7 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
   DxfSetup setup;
   setup.version = version;
   setup.units = kMillimetres;
+  setup.font = kFont;
   setup.showWidths = true;
   setup.lineTypes = {{kDashes, "Hidden (.5x) _ _ _ _ _", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
   setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous},

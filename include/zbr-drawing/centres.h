@@ -34,7 +34,8 @@ struct Centres {
 };
 
 // Of circles that at least half of is left: the rounded corners of a plate have no centre lines; and that lines of the view have
-// edges of, or that belong to what its section cuts along the axis or across.
-Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view);
+// edges of, or that belong to what its section cuts along the axis or across. `seen`: of visible lines alone, as if the view had no
+// hidden ones.
+Centres FindCentres(const Model& model, const Circles& circles, const ViewLines& view, bool seen = false);
 
 }  // namespace zbr::drawing

@@ -68,6 +68,7 @@ struct ViewLines {
   std::vector<LoopList> outlines;  // of the objects, as far as nearer ones leave them visible, where asked for
   std::optional<SectionOfView> section;
   Centres centres;           // where centre lines are asked for
+  Centres seenCentres;       // of visible circles: for sheets that don't show hidden lines
   std::size_t drawable = 0;  // edges
   std::uint64_t pairs = 0;   // of edges and triangles that the removal looked at closely
 

@@ -130,6 +130,7 @@ void CheckRestored(const DrawingData& data) {
   for (const drawing::LoopList& loops : view.outlines) CheckPoints(zbrRegionOfLoops(loops));
   if (view.section) CheckSection(*view.section, e);
   CheckCentres(view.centres);
+  CheckCentres(view.seenCentres);
 }
 
 }  // namespace zbr::python

@@ -106,7 +106,7 @@ void Describe(Archive& a, drawing::CentreAxis& axis) {
 template <class Archive>
 void Describe(Archive& a, drawing::ViewLines& view) {
   All(a, view.name, view.view, view.middle, view.extent, view.lines, view.outlines, view.section, view.centres.marks,
-      view.centres.axes, view.pairs);
+      view.centres.axes, view.seenCentres.marks, view.seenCentres.axes, view.pairs);
   DescribeAsNumber(a, view.drawable);
 }
 

@@ -124,12 +124,23 @@ PyObject* Unmarked(PyObject* self, void*) noexcept {
   });
 }
 
+PyObject* Shortened(PyObject* self, void*) noexcept {
+  return Guarded([&] {
+    const std::vector<std::string>& fields = Objects::Of(self)->sheet.shortened;
+    Ref names = Ref::Own(PyTuple_New(static_cast<Py_ssize_t>(fields.size())));
+    for (std::size_t i = 0; i < fields.size(); ++i)
+      PyTuple_SetItem(names.get(), static_cast<Py_ssize_t>(i), Ref::Own(PyUnicode_FromString(fields[i].c_str())).release());
+    return names;
+  });
+}
+
 }  // namespace
 
 void AddSheetType(PyObject* module) {
   static PyGetSetDef properties[] = {
       {"scale", Scale, nullptr, "Millimetres on paper for each of the model.", nullptr},
       {"paper", Paper, nullptr, "(width, height) in millimetres.", nullptr},
+      {"shortened", Shortened, nullptr, "Fields of the title block that had no room for all of their text.", nullptr},
       {"_unmarked", Unmarked, nullptr, nullptr, nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr},
   };

@@ -106,6 +106,8 @@ def test_sections():
     assert [view.name for view in views] == ["front", "A-A", "B-B"] and "A-A" in zbr.sheet(views).svg()
     with pytest.warns(UserWarning, match="^A-A: none of the views shows"):
         zbr.sheet(cube_of_two.draw_views(["iso", "X=1"]))
+    with pytest.warns(UserWarning, match="^title block: the field Title has no room"):
+        assert zbr.sheet([cube_of_two.draw()], title="W" * 400, number="7").shortened == ("Title",)
     for wrong in ({"weld": 0.2}, {"crease": 181}, {"weld": -1}):
         with pytest.raises(ValueError, match=f"^{next(iter(wrong))}: a number from 0 to "):
             cube().draw("top", **wrong)

@@ -246,7 +246,8 @@ class Drawing(_zbr.Drawing):
 
 @_zbr.use_class
 class Sheet(_zbr.Sheet):
-    """Views on paper, as sheet() places them. `scale` and `paper`, its width and height in millimetres, tell what was chosen."""
+    """Views on paper, as sheet() places them. `scale` and `paper`, its width and height in millimetres, tell what was chosen,
+    `shortened` which fields of the title block ("Title", "Number", "Author", "Date") had no room for all of their text."""
 
     __slots__ = ()
 
@@ -277,12 +278,15 @@ def sheet(drawings: Iterable[Drawing], **options: Unpack[SheetOptions]) -> Sheet
     Options: paper=None ("A3", "420x297" in millimetres; None: one that suits), scale=None ("1:2", 0.5, "fit"; None: the largest
     standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number, author,
     date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer"). Warns of
-    sections whose plane none of the views shows, which takes one that sees it as a line.
+    sections whose plane none of the views shows, which takes one that sees it as a line, and of text that the title block has no
+    room for.
     """
     options.setdefault("projection", "first")
     placed = _zbr.sheet(drawings, **options)
     for name in placed._unmarked:
         warnings.warn(f"{name}: none of the views shows where its plane is", stacklevel=2)
+    for field in placed.shortened:
+        warnings.warn(f"title block: the field {field} has no room for all of its text", stacklevel=2)
     return placed
 
 

@@ -21,7 +21,8 @@ namespace {
 
 using example::Box;
 
-std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>& views) {
+std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>& views,
+                               HiddenLines hidden = HiddenLines::kInPrincipalViews) {
   std::vector<NamedDirection> directions;
   for (const std::string& name : views) {
     if (const auto view = NamedView(name)) {
@@ -33,6 +34,7 @@ std::vector<ViewLines> ViewsOf(const Mesh& mesh, const std::vector<std::string>&
   }
   DrawingOptions drawing;
   drawing.centreLines = true;
+  drawing.hidden = hidden;
   return DrawViews(MakeModel(mesh, 30.0), directions, drawing);
 }
 
@@ -93,6 +95,15 @@ TEST(Sheets, MarksOfSections) {
     ASSERT_EQ(reach.size(), 2U);
     EXPECT_GT(reach.begin()->second, reach.rbegin()->second + 5);
   }
+  // Beside the model, in their order.
+  std::map<double, int> places;
+  for (const Arrow& arrow :
+       ArrowsOf(SheetOf(box, {"front", "X=90", "X=42", "X=55..60", "-1,0,0=-60", "X=-30"}, Projection::kFirst)))
+    ++places[std::round(arrow.tip.x())];
+  std::vector<double> steps;
+  for (auto place = std::next(places.begin()); place != places.end(); ++place)
+    steps.push_back(place->first - std::prev(place)->first);
+  EXPECT_EQ(steps, (std::vector<double>{45, 3, 3}));
 }
 
 TEST(Sheets, CentreLinesReachBeyondCircles) {
@@ -118,6 +129,28 @@ TEST(Sheets, CentreLinesAlongSections) {
     const auto isCentre = [](const Line& line) { return line.edgeClass == EdgeClass::kCentre; };
     EXPECT_EQ(std::count_if(lines.begin(), lines.end(), isCentre), count) << plane;
   }
+}
+
+// Those of hidden circles only where hidden lines are shown; else those that views without hidden lines have.
+TEST(Sheets, CentreLinesOfWhatIsShown) {
+  const auto shown = [](HiddenLines drawn, HiddenStyle style) {
+    SheetOptions options;
+    options.projection = Projection::kFirst;
+    options.hidden = style;
+    const auto views = ViewsOf(example::Housing(), {"front", "back", "left", "right", "top", "bottom", "Y=20"}, drawn);
+    std::vector<std::vector<ZBR_PT>> lines;
+    for (const PlacedView& view : LayOut(views, options).views) {
+      for (const Line& line : view.lines.lines) {
+        EXPECT_FALSE(line.hidden && style == HiddenStyle::kNone);
+        if (line.edgeClass == EdgeClass::kCentre) lines.push_back(line.chain.points);
+      }
+    }
+    return lines;
+  };
+  const auto seen = shown(HiddenLines::kNone, HiddenStyle::kDashed);
+  EXPECT_EQ(shown(HiddenLines::kInAllViews, HiddenStyle::kLayer), seen);
+  EXPECT_EQ(shown(HiddenLines::kInAllViews, HiddenStyle::kNone), seen);
+  EXPECT_NE(shown(HiddenLines::kInAllViews, HiddenStyle::kDashed), seen);
 }
 
 // Slabs that leave less than half of a cylinder, or more.
@@ -183,6 +216,33 @@ void ExpectInOrder(const Sheet& sheet) {
         }
       }
     }
+  }
+}
+
+// Its widths in thousandths of the size, of which capitals have 716 as their height.
+TEST(Sheets, TextFitsInArial) {
+  for (const auto& [width, letters] : {std::pair(191, "'"),
+                                       {222, "ijl"},
+                                       {260, "|"},
+                                       {278, " !,./:;I[\\]ft"},
+                                       {333, "()-`r"},
+                                       {334, "{}"},
+                                       {355, "\""},
+                                       {389, "*"},
+                                       {469, "^"},
+                                       {500, "Jckszvxy"},
+                                       {556, "0123456789?Labdeghnopqu_$#"},
+                                       {584, "+<=>~"},
+                                       {611, "FTZ"},
+                                       {667, "&ABEKPSVXY"},
+                                       {722, "CDHNRUw"},
+                                       {778, "GOQ"},
+                                       {833, "Mm"},
+                                       {889, "%"},
+                                       {944, "W"},
+                                       {1015, "@"}}) {
+    for (const char letter : std::string(letters))
+      EXPECT_GE(TextWidth(std::string(1, letter), 1.0) + 0.005, width / 716.0) << letter;
   }
 }
 

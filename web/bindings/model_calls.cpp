@@ -204,6 +204,7 @@ int zbrwWriteSheet(std::uint32_t model) {
     for (const std::string& name : names)
       out.Give(
           formats::WriteSheet(*formats::SheetFormatByName(name), sheet, held.objects.sources, held.model->ShellCount(), version));
+    out.Give(Json(sheet.shortened).dump());
   });
 }
 

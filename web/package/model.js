@@ -73,7 +73,9 @@ export class Model {
     const [text, onProgress] = split({ ...options, formats: list });
     const arrays = this.#call('zbrwWriteSheet', [], { texts: [text], onProgress });
     const files = list.map((format, i) => (format === 'pdf' ? new Uint8Array(arrays[i]) : textOf(arrays[i])));
-    return Array.isArray(formats) ? Object.fromEntries(list.map((format, i) => [format, files[i]])) : files[0];
+    if (!Array.isArray(formats)) return files[0];
+    const shortened = JSON.parse(textOf(arrays[list.length]));
+    return { ...Object.fromEntries(list.map((format, i) => [format, files[i]])), shortened };
   }
 
   outline(view = 'iso', options = {}) {

@@ -149,6 +149,11 @@ export interface SheetFiles {
   pdf: Uint8Array;
 }
 
+export interface SheetNotes {
+  /** Fields of the title block that had no room for all of their text: 'Title', 'Number', 'Author', 'Date'. */
+  shortened: string[];
+}
+
 /** A model in the module's memory. */
 export class Model {
   private constructor();
@@ -159,7 +164,7 @@ export class Model {
   draw(options?: ViewOptions): Drawing;
   /** Views on paper. Views that were drawn last are not drawn again. */
   sheet<F extends keyof SheetFiles>(format: F, options?: SheetOptions): SheetFiles[F];
-  sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions): Pick<SheetFiles, F>;
+  sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions): Pick<SheetFiles, F> & SheetNotes;
   /** What the model covers, in its own coordinates. */
   outline(view?: View, options?: { onProgress?: Progress }): Region;
   /** The same, and where it comes from. */

@@ -9,7 +9,7 @@
  * A signal that is aborted ends the call at once, and the worker with it; the next call gets another. Models are opened again there
  * when they are next used. Of the three modules each is loaded by the first call that needs it.
  */
-import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, SheetFiles, SheetOptions, TracedOutline, View, ViewOptions, ZbrDrawings } from './drawings.js';
+import type { Bytes, Drawing, DrawingFile, ModelInfo, ModelOptions, SheetFiles, SheetNotes, SheetOptions, TracedOutline, View, ViewOptions, ZbrDrawings } from './drawings.js';
 import type { Region, Wasm } from './index.js';
 
 type Signal = { signal?: AbortSignal };
@@ -23,7 +23,7 @@ export interface WorkerModel {
   draw(options: ViewOptions & { views: View[] } & Signal): Promise<Drawing[]>;
   draw(options?: ViewOptions & Signal): Promise<Drawing>;
   sheet<F extends keyof SheetFiles>(format: F, options?: SheetOptions & Signal): Promise<SheetFiles[F]>;
-  sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions & Signal): Promise<Pick<SheetFiles, F>>;
+  sheet<F extends keyof SheetFiles>(formats: F[], options?: SheetOptions & Signal): Promise<Pick<SheetFiles, F> & SheetNotes>;
   outline(view?: View, options?: Pick<ViewOptions, 'onProgress'> & Signal): Promise<Region>;
   tracedOutline(view?: View, options?: Pick<ViewOptions, 'onProgress'> & Signal): Promise<TracedOutline>;
   pick(view: View, points: Float64Array, options?: Signal): Promise<{ triangles: Int32Array; heights: Float64Array }>;

@@ -16,7 +16,9 @@ function tetrahedron() {
 
 test('sheets are those of the tool', native, () => {
   const model = zbr.readModel(housing, { name: 'housing.obj' });
-  const files = model.sheet(['svg', 'dxf', 'pdf', 'json'], { views: ['front', 'top', 'left', 'iso'] });
+  const { shortened, ...files } = model.sheet(['svg', 'dxf', 'pdf', 'json'], { views: ['front', 'top', 'left', 'iso'] });
+  assert.deepEqual(shortened, []);
+  assert.deepEqual(model.sheet(['svg'], { projection: 'first', author: 'W'.repeat(400) }).shortened, ['Author']);
   for (const [format, data] of Object.entries(files))
     assertSame(data, written(['draw', 'housing.obj', '--view', 'front,top,left,iso'], format), format);
   const look = model.sheet('svg', { views: [{ direction: [1, 2, -1], name: 'look' }], hidden: 'none', crease: 60, scale: '1:3', title: 'T' });

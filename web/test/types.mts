@@ -19,7 +19,7 @@ const region: Region = zbr.union(triangle, { type: 'Polygon', coordinates: [] },
 const model = zbr.readModel(new Uint8Array(3), { name: 'a.stl' });
 const views: Float64Array[] = model.draw({ views: ['front', { direction: [1, 2, 3] }, { section: 'X=1' }] }).map((d) => d.coords);
 const one: Int32Array = model.draw().lines;
-const files: { svg: string; pdf: Uint8Array } = model.sheet(['svg', 'pdf']);
+const files: { svg: string; pdf: Uint8Array; shortened: string[] } = model.sheet(['svg', 'pdf']);
 const svg: string = model.sheet('svg');
 // @ts-expect-error a misspelt option
 zbr.union([], [], { fil: 'nonzero' });
