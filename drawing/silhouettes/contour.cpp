@@ -263,8 +263,6 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
   const double size = view.extent.Size() * scene.scale;
   if (!(size > 0) || edges.empty()) return;
   std::vector<std::vector<FacetEdge>> ofShells(model.ShellCount());
-  const SeenCircles none(model, scene, nullptr);
-  SegmentChainer chainer(kChainTolerance, none);
   std::size_t next = 0;
   double farthest = kFar * size;
   for (std::size_t s = 0; s < ofShells.size(); ++s) {
@@ -272,6 +270,8 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
     for (const FacetEdge& edge : ofShells[s]) farthest = std::max(farthest, OwnReach(edge, size));
   }
   const DrawnLines drawn(view, scene.scale, farthest + kStep * size);
+  const SeenCircles none(model, scene, nullptr);
+  SegmentChainer chainer(kChainTolerance, none);
   std::vector<Line> lines;
   for (std::size_t s = 0; s < ofShells.size(); ++s) {
     const auto shell = static_cast<std::uint32_t>(s);
