@@ -238,9 +238,13 @@ class Finder {
   };
 
   std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order, SharedCorners corners) const {
-    std::vector<Leaf> leaves;
-    leaves.reserve(order.size());
-    for (const std::uint32_t t : order) leaves.push_back({mesh_.corners[t], corners == SharedCorners::kMany ? patches_[t] : t});
+    std::vector<Leaf> leaves(order.size());
+    RunInRanges(order.size(), order.size() >= kLarge ? threads_ : 1, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t k = begin; k < end; ++k) {
+        const std::uint32_t t = order[k];
+        leaves[k] = {mesh_.corners[t], corners == SharedCorners::kMany ? patches_[t] : t};
+      }
+    });
     return leaves;
   }
 

@@ -59,11 +59,9 @@ constexpr std::uint32_t kTurned = 0x80000000U;
 
 Sheets::Sheets(const std::vector<GridPoint>& points, const Connectivity& mesh, std::span<const std::uint32_t> order,
                std::uint32_t first, unsigned threads)
-    : points_(points), mesh_(mesh), order_(order), first_(first), place_(order.size()) {
-  const auto count = static_cast<std::uint32_t>(order.size());
-  for (std::uint32_t k = 0; k < count; ++k) place_[order[k] - first] = k;
+    : points_(points), mesh_(mesh), order_(order), first_(first) {
   std::size_t level = 0;
-  std::uint32_t nodes = count;
+  auto nodes = static_cast<std::uint32_t>(order.size());
   while (nodes > 1 && level < kHighest) {
     nodes = (nodes + TreeView::kFanOut - 1) / TreeView::kFanOut;
     if (++level >= kLowest) isSheet_[level - kLowest].resize(nodes);
@@ -75,12 +73,16 @@ Sheets::Sheets(const std::vector<GridPoint>& points, const Connectivity& mesh, s
 
 // In their own order, in which their points and neighbours are near each other.
 void Sheets::LookAtTriangles(unsigned threads) {
-  turns_.resize(order_.size());
-  neighbours_.resize(order_.size());
+  place_.reset(new std::uint32_t[order_.size()]);
+  turns_.reset(new std::uint32_t[order_.size()]);
+  neighbours_.reset(new std::array<std::uint32_t, 3>[order_.size()]);
+  RunInRanges(order_.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t k = begin; k < end; ++k) place_[order_[k] - first_] = static_cast<std::uint32_t>(k);
+  });
   RunInRanges(order_.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
     for (std::size_t t = begin; t < end; ++t) {
       const auto& c = mesh_.corners[first_ + t];
-      turns_[t] = TurnsOf(PlaneThrough(points_[c[0]], points_[c[1]], points_[c[2]]));
+      turns_[place_[t]] = TurnsOf(PlaneThrough(points_[c[0]], points_[c[1]], points_[c[2]]));
       for (std::size_t i = 0; i < 3; ++i) neighbours_[t][i] = Neighbour(static_cast<std::uint32_t>(first_ + t), i);
     }
   });
@@ -107,7 +109,7 @@ Sheets::Triangles Sheets::Leaves(std::size_t level, std::uint32_t node) const {
 void Sheets::Find(std::size_t level, std::uint32_t node) {
   const auto leaves = Leaves(level, node);
   std::uint32_t common = kAllPictures;
-  for (std::uint32_t k = leaves[0]; k < leaves[1]; ++k) common &= turns_[order_[k] - first_];
+  for (std::uint32_t k = leaves[0]; k < leaves[1]; ++k) common &= turns_[k];
   // Another picture of it would hardly do better.
   if (common != 0 && IsInjective(leaves, static_cast<unsigned>(std::countr_zero(common)))) {
     isSheet_[level - kLowest][node] = 1;

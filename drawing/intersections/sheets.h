@@ -15,6 +15,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -53,10 +54,10 @@ class Sheets {
   const Connectivity& mesh_;
   std::span<const std::uint32_t> order_;
   const std::uint32_t first_;
-  // Of triangles, in their own order:
-  std::vector<std::uint32_t> place_;                      // in the other one
-  std::vector<std::uint32_t> turns_;                      // the pictures in which they turn counter-clockwise
-  std::vector<std::array<std::uint32_t, 3>> neighbours_;  // places of what is across their edges
+  // What is filled completely is not cleared before.
+  std::unique_ptr<std::uint32_t[]> place_;                      // in the order, of triangles in their own one
+  std::unique_ptr<std::uint32_t[]> turns_;                      // of leaves: the pictures in which they turn counter-clockwise
+  std::unique_ptr<std::array<std::uint32_t, 3>[]> neighbours_;  // of triangles in their own order: places of what is across edges
   std::array<std::vector<std::uint8_t>, kHighest - kLowest + 1> isSheet_;
   std::atomic<std::size_t> covered_{0};  // triangles
 };
