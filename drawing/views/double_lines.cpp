@@ -1,18 +1,22 @@
 // Idea: lines that run beside each other do so from an end of one of them to an end of one of them. So for each line the ends near
 // it that are another shell's are looked for, and these tell the pairs. The lines are gone through in order, those of the heavier
-// classes first and of these the earlier shells': each keeps what no line that stayed before it has in common with it.
+// classes first, of these the chords of rims of which more is drawn, then the earlier shells': each keeps what no line that stayed
+// before it has in common with it.
 // Difficulty: a line may lie within the contact of one that itself goes for a third which is farther away. Held against what stays,
-// it stays as far as that: nothing goes without a line in its place. Many bodies in one place have pairs in the square of their
-// number. A line that goes as a whole is held against nothing, and pairs are kept for a block of lines at a time.
+// it stays as far as that: nothing goes without a line in its place. Chords of two rims in one place cross over and over: the order
+// is that of the rims, as both would be left in pieces else. Many bodies in one place have pairs in the square of their number. A
+// line that goes as a whole is held against nothing, and pairs are kept for a block of lines at a time.
 #include "drawing/views/double_lines.h"
 
 #include <zbr-drawing/threads.h>
 
 #include <algorithm>
 #include <span>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
+#include "drawing/views/drawn_rims.h"
 #include "drawing/views/end_tree.h"
 
 namespace zbr::drawing {
@@ -46,6 +50,7 @@ class CommonLines {
         lines_(lines),
         threads_(threads),
         contact_(std::max(drawn.GetScene().contact, kSceneTolerance)),
+        rims_(RankRims(drawn, contact_, lines)),
         order_(Order()),
         ends_(Ends()),
         heights_(Heights()),
@@ -86,9 +91,10 @@ class CommonLines {
 
   bool IsChord(const DrawnSegment& line) const { return line.segment.circle != kNoCircle && !drawn_.GetScene().view.perspective; }
 
+  std::uint32_t RimOf(std::uint32_t i) const { return rims_.empty() ? kNoRim : rims_[i]; }
+
   bool IsBefore(std::uint32_t i, std::uint32_t k) const {
-    const Weight a = WeightOf(lines_[i].edgeClass), b = WeightOf(lines_[k].edgeClass);
-    return a != b ? a < b : i < k;
+    return std::tuple(WeightOf(lines_[i].edgeClass), RimOf(i), i) < std::tuple(WeightOf(lines_[k].edgeClass), RimOf(k), k);
   }
 
   bool AreComparable(std::uint32_t i, std::uint32_t k) const {
@@ -98,12 +104,18 @@ class CommonLines {
 
   // Intersection lines are found once for both of their shells.
   std::vector<std::uint32_t> Order() const {
-    std::vector<std::uint32_t> inClass[kByThemselves + 1];
+    std::vector<std::uint32_t> inClass[kByThemselves + 1], chords[kByThemselves + 1];
     for (std::uint32_t i = 0; i < lines_.size(); ++i) {
-      if (drawn_.IsOfOneShell(lines_[i])) inClass[WeightOf(lines_[i].edgeClass)].push_back(i);
+      if (!drawn_.IsOfOneShell(lines_[i])) continue;
+      (RimOf(i) != kNoRim ? chords : inClass)[WeightOf(lines_[i].edgeClass)].push_back(i);
     }
     std::vector<std::uint32_t> order;
-    for (const std::vector<std::uint32_t>& lines : inClass) order.insert(order.end(), lines.begin(), lines.end());
+    for (std::size_t weight = 0; weight <= kByThemselves; ++weight) {
+      std::vector<std::uint32_t>& ofRims = chords[weight];
+      std::stable_sort(ofRims.begin(), ofRims.end(), [&](std::uint32_t i, std::uint32_t k) { return rims_[i] < rims_[k]; });
+      order.insert(order.end(), ofRims.begin(), ofRims.end());
+      order.insert(order.end(), inClass[weight].begin(), inClass[weight].end());
+    }
     return order;
   }
 
@@ -245,6 +257,7 @@ class CommonLines {
   const std::vector<DrawnSegment>& lines_;
   const unsigned threads_;
   const double contact_;
+  const std::vector<std::uint32_t> rims_;  // ranks by line, or empty
   const std::vector<std::uint32_t> order_;
   const EndTree ends_;
   const std::vector<double> heights_;                          // of the arcs over chords, the most by circle

@@ -3,6 +3,7 @@
 #include "drawing/views/double_lines.h"
 
 #include <zbr-drawing/removal.h>
+#include <zbr-drawing/trigonometry.h>
 #include <zbr-drawing/views.h>
 #include <zbr/tolerance.h>
 
@@ -13,6 +14,7 @@
 #include <map>
 #include <random>
 #include <set>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -182,6 +184,33 @@ TEST(DoubleLines, RowsKeepTheHeaviestLineAtEachPlace) {
       }
     }
     EXPECT_EQ(left, expected) << round;
+  }
+}
+
+// Discs on top of each other, divided differently: the corners of the farther one are seen between those of the nearer one, whose
+// rim is whole. That one stays, whichever body is named first and from whichever side it is looked at.
+TEST(DoubleLines, OfTwoRimsTheWholeOneStays) {
+  for (const int sides : {20, 24, 36}) {
+    for (std::size_t upper = 0; upper < 2; ++upper) {
+      Mesh mesh;
+      for (std::size_t k = 0; k < 2; ++k) {
+        Mesh disc = example::Cylinder(k == upper ? sides : 24, 3.0, 1.0);
+        if (k == upper) example::Turn(disc, {0, 0, 1}, 0.5 / sides);
+        if (k == upper) example::Move(disc, {0, 0, 1});
+        mesh.shells.insert(mesh.shells.end(), disc.triangles.size(), static_cast<std::uint32_t>(k));
+        example::Append(mesh, disc);
+      }
+      const Model model = MakeModel(mesh, 30.0);
+      for (const std::string view : {"top", "bottom"}) {
+        DrawingOptions options;
+        options.hidden = HiddenLines::kNone;
+        const ViewLines drawn = DrawView(model, view, options);
+        ASSERT_EQ(drawn.lines.size(), 1U) << sides << " " << upper << " " << view;
+        EXPECT_EQ(drawn.lines[0].shell, view == "top" ? upper : 1 - upper);
+        ASSERT_EQ(drawn.lines[0].chain.curves.size(), 1U);
+        EXPECT_NEAR(std::fabs(drawn.lines[0].chain.curves[0].t1 - drawn.lines[0].chain.curves[0].t0), kFullTurn, 1e-9);
+      }
+    }
   }
 }
 
