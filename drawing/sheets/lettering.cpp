@@ -109,7 +109,7 @@ Lettering FitText(const std::string& text, double largest, double width, double 
   }
   const std::string dots = "...";
   std::string& last = fitted.lines.back();
-  last = last.substr(0, EndOfRoom(last, 0, width / fitted.height - TextWidth(dots, 1.0))) + dots;
+  last.replace(EndOfRoom(last, 0, width / fitted.height - TextWidth(dots, 1.0)), std::string::npos, dots);
   fitted.isWhole = false;
   return fitted;
 }
