@@ -37,8 +37,10 @@ class BoundaryTracer {
         Step(piece);
       }
       ZBR_ASSERT(piece == start);
-      if (beginsInChain) Step(start);
-      if (beginsInChain) rings_.beginningInChain.push_back(static_cast<std::uint32_t>(rings_.size()));
+      if (beginsInChain) {
+        Step(start);
+        rings_.beginningInChain.push_back(static_cast<std::uint32_t>(rings_.size()));
+      }
       TakeRing(0);
     }
     FindParents();

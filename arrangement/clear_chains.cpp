@@ -90,9 +90,7 @@ class ClearSearch {
   void SortLeaves();
   void FindStraights();
   void Search();
-  void Inside(int level, std::uint32_t node);
   void Within(const Leaf& leaf);
-  void Between(int level, std::uint32_t a, std::uint32_t b);
   void Across(std::uint32_t a, std::uint32_t b);
   Box BoxOf(std::uint32_t edge) const { return BoxOfSegment(From(edge), To(edge)); }
   void LookAt(std::uint32_t i, std::uint32_t j);
@@ -193,6 +191,7 @@ void ClearSearch::FindStraights() {
   }
 }
 
+// Leaves that go one way keep apart: each edge from all but its neighbours.
 void ClearSearch::Search() {
   SortLeaves();
   FindStraights();
@@ -203,28 +202,13 @@ void ClearSearch::Search() {
     boxes[k] = box.Widened(margin_);
   }
   tree_.BuildInner();
-  Inside(tree_.TopLevel(), 0);
+  const auto keepApart = [&](std::uint32_t begin, std::uint32_t end) { return goesTo_[begin] >= end; };
+  const auto within = [&](std::uint32_t leaf) { return Within(leaves_[leaf]), !IsGivenUp(); };
+  const auto across = [&](std::uint32_t a, std::uint32_t b) { return Across(a, b), !IsGivenUp(); };
+  BoxSelfJoin(tree_, keepApart, within, across).Run();
   tree_.Clear();
   FreeLarge(leaves_);
   FreeLarge(goesTo_);
-}
-
-// Edges that go one way keep apart from all but their neighbours.
-void ClearSearch::Inside(int level, std::uint32_t node) {
-  std::uint32_t begin = node;  // the leaves below the node
-  std::uint32_t end = node + 1;
-  for (int k = 0; k < level; ++k) {
-    begin *= BoxTree::kFanOut;
-    end *= BoxTree::kFanOut;
-  }
-  if (goesTo_[begin] >= std::min(end, tree_.Count(0)) || IsGivenUp()) return;
-  if (level == 0) return Within(leaves_[node]);
-  const std::uint32_t first = node * BoxTree::kFanOut;
-  const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree_.Count(level - 1));
-  for (std::uint32_t i = first; i < last; ++i) {
-    Inside(level - 1, i);
-    for (std::uint32_t j = i + 1; j < last; ++j) Between(level - 1, i, j);
-  }
 }
 
 void ClearSearch::Within(const Leaf& leaf) {
@@ -235,18 +219,6 @@ void ClearSearch::Within(const Leaf& leaf) {
     for (std::uint32_t j = leaf.first; j + 1 < i; ++j) {
       if (Overlap(box, boxes[j - leaf.first])) LookAt(i, j);
     }
-  }
-}
-
-void ClearSearch::Between(int level, std::uint32_t a, std::uint32_t b) {
-  const Box* boxes = tree_.Level(level);
-  if (!Overlap(boxes[a], boxes[b]) || IsGivenUp()) return;
-  if (level == 0) return Across(a, b);
-  const std::uint32_t count = tree_.Count(level - 1);
-  const Box* below = tree_.Level(level - 1);
-  for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
-    if (!Overlap(below[i], boxes[b])) continue;
-    for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) Between(level - 1, i, j);
   }
 }
 

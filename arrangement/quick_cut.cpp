@@ -50,31 +50,14 @@ class EdgeCutter::PairSearch {
     tree_.BuildInner();
   }
 
-  void Run() { Inside(tree_.TopLevel(), 0); }
+  void Run() {
+    const auto skipNone = [](std::uint32_t, std::uint32_t) { return false; };
+    const auto within = [&](std::uint32_t leaf) { return Within(leaf), true; };
+    const auto across = [&](std::uint32_t a, std::uint32_t b) { return Across(a, b), true; };
+    BoxSelfJoin(tree_, skipNone, within, across).Run();
+  }
 
  private:
-  void Inside(int level, std::uint32_t node) {
-    if (level == 0) return Within(node);
-    const std::uint32_t first = node * BoxTree::kFanOut;
-    const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree_.Count(level - 1));
-    for (std::uint32_t i = first; i < last; ++i) {
-      Inside(level - 1, i);
-      for (std::uint32_t j = i + 1; j < last; ++j) Between(level - 1, i, j);
-    }
-  }
-
-  void Between(int level, std::uint32_t a, std::uint32_t b) {
-    const Box* boxes = tree_.Level(level);
-    if (!Overlap(boxes[a], boxes[b])) return;
-    if (level == 0) return Across(a, b);
-    const std::uint32_t count = tree_.Count(level - 1);
-    const Box* below = tree_.Level(level - 1);
-    for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
-      if (!Overlap(below[i], boxes[b])) continue;
-      for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) Between(level - 1, i, j);
-    }
-  }
-
   std::uint32_t LastOf(std::uint32_t leaf) const {
     return std::min((leaf + 1) * kLeafLines, static_cast<std::uint32_t>(boxes_.size()));
   }

@@ -1,4 +1,4 @@
-// A hierarchy of boxes over a sequence, and the join of two such hierarchies.
+// A hierarchy of boxes over a sequence, and the join of two such hierarchies or of one with itself.
 //
 // Idea: four neighbours of the sequence share a parent box, four parents a grandparent, and so on: no pointers, levels as flat
 // arrays, built in one pass. It is as good as the sequence is coherent in space. The edges of a ring are so by nature; rings and
@@ -7,6 +7,7 @@
 // second whose boxes overlap it, in sequence order too. Callers that need pairs in a given order get them so without sorting.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -136,6 +137,58 @@ class BoxJoin {
   const BoxTree& b_;
   std::vector<std::uint32_t> stack_;
   std::size_t top_ = 1;
+};
+
+// Holds the leaves of one hierarchy against each other: calls leaf(i) for each and pair(i, j), i < j, for those whose boxes
+// overlap, neighbours first, until one of them returns false. Where skip(first, last) says so of leaves in a row, all below one
+// node, these are not held against themselves.
+template <class Skip, class Leaf, class Pair>
+class BoxSelfJoin {
+ public:
+  BoxSelfJoin(const BoxTree& tree, Skip skip, Leaf leaf, Pair pair) : tree_(tree), skip_(skip), leaf_(leaf), pair_(pair) {}
+
+  bool Run() const { return tree_.empty() || Inside(tree_.TopLevel(), 0); }
+
+ private:
+  bool Inside(int level, std::uint32_t node) const {
+    std::uint32_t begin = node;  // the leaves below the node
+    std::uint32_t end = node + 1;
+    for (int k = 0; k < level; ++k) {
+      begin *= BoxTree::kFanOut;
+      end *= BoxTree::kFanOut;
+    }
+    if (skip_(begin, std::min(end, tree_.Count(0)))) return true;
+    if (level == 0) return leaf_(node);
+    const std::uint32_t first = node * BoxTree::kFanOut;
+    const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree_.Count(level - 1));
+    for (std::uint32_t i = first; i < last; ++i) {
+      if (!Inside(level - 1, i)) return false;
+      for (std::uint32_t j = i + 1; j < last; ++j) {
+        if (!Between(level - 1, i, j)) return false;
+      }
+    }
+    return true;
+  }
+
+  bool Between(int level, std::uint32_t a, std::uint32_t b) const {
+    const Box* boxes = tree_.Level(level);
+    if (!Overlap(boxes[a], boxes[b])) return true;
+    if (level == 0) return pair_(a, b);
+    const std::uint32_t count = tree_.Count(level - 1);
+    const Box* below = tree_.Level(level - 1);
+    for (std::uint32_t i = a * BoxTree::kFanOut; i < std::min((a + 1) * BoxTree::kFanOut, count); ++i) {
+      if (!Overlap(below[i], boxes[b])) continue;
+      for (std::uint32_t j = b * BoxTree::kFanOut; j < std::min((b + 1) * BoxTree::kFanOut, count); ++j) {
+        if (!Between(level - 1, i, j)) return false;
+      }
+    }
+    return true;
+  }
+
+  const BoxTree& tree_;
+  Skip skip_;
+  Leaf leaf_;
+  Pair pair_;
 };
 
 // The indices 0..n-1 in the order in which a Hilbert curve meets `centers`: neighbours in it are neighbours in the plane. Linear.
