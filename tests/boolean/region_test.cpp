@@ -136,6 +136,48 @@ TEST(Region, SpikesAtCornersOfLongRings) {
   }
 }
 
+// An arranged ring begins with the edge that ends at its leftmost point, wherever it began; so does a long one, where that edge is
+// within a chain.
+TEST(Region, LongRingsBeginAsShortOnesDo) {
+  for (const int sides : {12, 600}) {
+    for (int turn = 0; turn < sides; turn += sides / 12) {
+      Ring ring;
+      for (int k = 0; k < sides; ++k) {
+        const double t = 6.283185307179586 * (k + turn + 0.3) / sides;
+        ring.emplace_back(9.0 * std::cos(t), 9.0 * std::sin(t));
+      }
+      ZBR_REGION_OPTIONS options;
+      options.sources = true;
+      for (int way = 0; way < 2; ++way) {
+        const ZBR_REGION region = zbrCombineRegions(RegionOf({ring}), ZBR_REGION(), ZBR_BOOL_OR, options);
+        const auto isLeft = [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() < q.x(); };
+        ASSERT_EQ(region.point_count(), ring.size());
+        EXPECT_EQ(std::min_element(region.points().begin(), region.points().end(), isLeft) - region.points().begin(), 1)
+            << "sides " << sides << " turn " << turn;
+        std::reverse(ring.begin(), ring.end());
+      }
+    }
+  }
+}
+
+// A ring that goes one way for some edges and then crosses itself, by a loop that it runs round twice, wherever that begins.
+TEST(Region, LoopsAfterStraightRunsAreSeen) {
+  constexpr double kEnd = 100, kTop = 50, kLoop = 4;
+  for (int before = 0; before < 48; ++before) {
+    Ring ring;
+    const double x = before;
+    for (int k = 0; k <= before; ++k) ring.emplace_back(k, 0);
+    for (const ZBR_PT& p : {ZBR_PT(3, 0), ZBR_PT(3, 2), ZBR_PT(1, 2), ZBR_PT(1, -1)}) ring.push_back(p + ZBR_PT(x, 0));
+    for (double along = x + 2; along <= kEnd; ++along) ring.emplace_back(along, -1);
+    for (double along = kEnd; along >= 0; --along) ring.emplace_back(along, kTop);
+    ZBR_REGION_OPTIONS options;
+    options.sources = true;
+    const ZBR_REGION region = zbrCombineRegions(RegionOf({ring}), ZBR_REGION(), ZBR_BOOL_OR, options);
+    const double strip = kEnd - (x + 1);  // below
+    EXPECT_NEAR(region.area(), kEnd * kTop + strip - kLoop, 1e-9) << before;
+  }
+}
+
 // What k of three regions cover, by winding numbers: as sums of what pairs of them have in common.
 TEST_P(RegionOfFamilies, CoverCounts) {
   for (int seed = 0; seed < Scaled(60); ++seed) {
