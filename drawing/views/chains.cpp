@@ -102,4 +102,10 @@ std::vector<Chain>& SegmentChainer::ChainsOf(std::vector<EdgeSegment>& segments)
   return chains_;
 }
 
+double LengthOf(const Chain& chain) {
+  double length = 0.0;
+  for (std::size_t i = 1; i < chain.points.size(); ++i) length += chain.points[i].Distance(chain.points[i - 1]);
+  return length;
+}
+
 }  // namespace zbr::drawing

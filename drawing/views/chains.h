@@ -42,4 +42,6 @@ class SegmentChainer {
   std::vector<Chain> chains_;
 };
 
+double LengthOf(const Chain& chain);
+
 }  // namespace zbr::drawing

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <unordered_set>
 
+#include "drawing/views/chains.h"
 #include "drawing/views/specks.h"
 
 namespace zbr::drawing {
@@ -14,12 +15,6 @@ namespace {
 
 constexpr double kCrumb = 0.01;   // of the view's size
 constexpr double kJoined = 2e-3;  // the same: lines this close together meet
-
-double LengthOf(const Line& line) {
-  double length = 0.0;
-  for (std::size_t i = 1; i < line.chain.points.size(); ++i) length += line.chain.points[i].Distance(line.chain.points[i - 1]);
-  return length;
-}
 
 class Cells {
  public:
@@ -56,15 +51,15 @@ void DropCrumbs(ViewLines& view) {
   if (!(size > 0)) return;
   Cells joined(kJoined * size);
   for (const Line& line : view.lines) {
-    if (line.hidden || LengthOf(line) < kCrumb * size) continue;
+    if (line.hidden || LengthOf(line.chain) < kCrumb * size) continue;
     for (std::size_t i = 1; i < line.chain.points.size(); ++i) joined.Add(line.chain.points[i - 1], line.chain.points[i]);
   }
   std::erase_if(view.lines, [&](const Line& line) {
     if (line.hidden || (line.edgeClass != EdgeClass::kCrease && line.edgeClass != EdgeClass::kSilhouette)) return false;
-    if (LengthOf(line) >= kCrumb * size) return false;
+    if (LengthOf(line.chain) >= kCrumb * size) return false;
     const std::vector<ZBR_PT>& points = line.chain.points;
     const ZBR_PT middle = points.size() > 2 ? points[points.size() / 2] : (points.front() + points.back()) * 0.5;
-    return line.chain.closed || LengthOf(line) < kLineWidth * size || joined.Has(middle) || !joined.Has(points.front()) ||
+    return line.chain.closed || LengthOf(line.chain) < kLineWidth * size || joined.Has(middle) || !joined.Has(points.front()) ||
            !joined.Has(points.back());
   });
 }

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/views/chains.h"
 #include "drawing/views/end_tree.h"
 
 namespace zbr::drawing {
@@ -20,12 +21,6 @@ namespace {
 
 constexpr double kMeets = 0.1;         // of a line's width: as far as an end may be from a line that it meets
 constexpr double kStraightOn = 0.866;  // cosine of 30 degrees
-
-double LengthOf(const Line& line) {
-  double length = 0.0;
-  for (std::size_t i = 1; i < line.chain.points.size(); ++i) length += line.chain.points[i].Distance(line.chain.points[i - 1]);
-  return length;
-}
 
 double Distance(const ZBR_PT& p, const ZBR_SEG& g) {
   const ZBR_PT along = g.e() - g.s();
@@ -39,7 +34,7 @@ class Specks {
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const Line& line = lines[i];
       if (line.hidden || line.edgeClass != EdgeClass::kSilhouette || line.chain.closed) continue;
-      if (const double length = LengthOf(line); length < width) specks_.push_back({i, length});
+      if (const double length = LengthOf(line.chain); length < width) specks_.push_back({i, length});
     }
     if (specks_.empty()) return;
     FindHolders();
