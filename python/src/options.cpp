@@ -16,9 +16,9 @@ std::string WantedNumber(double least, double most) {
 
 }  // namespace
 
-Arguments::Arguments(const char* function, Words names, std::size_t positional, PyObject* const* args, Py_ssize_t count,
-                     PyObject* keywords) {
-  Name(names);
+Arguments::Arguments(const char* function, const Names& names, std::size_t positional, PyObject* const* args, Py_ssize_t count,
+                     PyObject* keywords)
+    : names_(names) {
   CheckCount(function, static_cast<std::size_t>(count), positional);
   for (Py_ssize_t i = 0; i < count; ++i) values_[static_cast<std::size_t>(i)] = args[i];
   if (keywords == nullptr) return;
@@ -26,8 +26,8 @@ Arguments::Arguments(const char* function, Words names, std::size_t positional, 
   for (Py_ssize_t k = 0; k < named; ++k) Set(function, PyTuple_GetItem(keywords, k), args[count + k]);
 }
 
-Arguments::Arguments(const char* function, Words names, std::size_t positional, PyObject* args, PyObject* keywords) {
-  Name(names);
+Arguments::Arguments(const char* function, const Names& names, std::size_t positional, PyObject* args, PyObject* keywords)
+    : names_(names) {
   const auto count = static_cast<std::size_t>(PyTuple_Size(args));
   CheckCount(function, count, positional);
   for (std::size_t i = 0; i < count; ++i) values_[i] = PyTuple_GetItem(args, static_cast<Py_ssize_t>(i));
@@ -38,7 +38,7 @@ Arguments::Arguments(const char* function, Words names, std::size_t positional, 
 }
 
 PyObject* Arguments::Needed(std::size_t i) const {
-  if (values_[i] == nullptr) throw BadType(names_[i], "is missing");
+  if (values_[i] == nullptr) throw BadType(names_.list[i], "is missing");
   return values_[i];
 }
 
@@ -53,7 +53,7 @@ double Arguments::Number(std::size_t i, double otherwise, double least, double m
   if (values_[i] == nullptr) return otherwise;
   const double value = PyFloat_AsDouble(values_[i]);
   if (value == -1.0 && PyErr_Occurred() != nullptr) Refuse(i, "a number");
-  if (!(value >= least && value <= most)) throw BadArgument(names_[i], WantedNumber(least, most) + " is needed");
+  if (!(value >= least && value <= most)) throw BadArgument(names_.list[i], WantedNumber(least, most) + " is needed");
   return value;
 }
 
@@ -63,10 +63,10 @@ long Arguments::Integer(std::size_t i, long otherwise, long least, long most) co
   if (value == -1 && PyErr_Occurred() != nullptr) {
     if (PyErr_ExceptionMatches(PyExc_OverflowError) == 0) Refuse(i, "an integer");
     DropError();
-    throw BadArgument(names_[i], "is out of range");
+    throw BadArgument(names_.list[i], "is out of range");
   }
   if (value < least || value > most)
-    throw BadArgument(names_[i], "a number from " + std::to_string(least) + " to " + std::to_string(most) + " is needed");
+    throw BadArgument(names_.list[i], "a number from " + std::to_string(least) + " to " + std::to_string(most) + " is needed");
   return value;
 }
 
@@ -77,8 +77,8 @@ unsigned Arguments::Threads(std::size_t i) const {
 
 std::string Arguments::String(std::size_t i, const char* otherwise) const {
   if (values_[i] == nullptr) return otherwise;
-  if (PyUnicode_Check(values_[i]) == 0) throw BadType(names_[i], "a string is needed");
-  return Text(values_[i], names_[i]);
+  if (PyUnicode_Check(values_[i]) == 0) throw BadType(names_.list[i], "a string is needed");
+  return Text(values_[i], names_.list[i]);
 }
 
 std::size_t Arguments::Choice(std::size_t i, std::size_t otherwise, Words words) const {
@@ -90,7 +90,7 @@ std::size_t Arguments::Choice(std::size_t i, std::size_t otherwise, Words words)
     if (one != words.begin()) known += one + 1 == words.end() ? " and " : ", ";
     known += *one;
   }
-  throw BadArgument(names_[i], "one of " + known + " is needed");
+  throw BadArgument(names_.list[i], "one of " + known + " is needed");
 }
 
 std::string Arguments::Text(PyObject* unicode, const char* argument) {
@@ -103,11 +103,6 @@ std::string Arguments::Text(PyObject* unicode, const char* argument) {
   return {PyBytes_AsString(bytes.get()), static_cast<std::size_t>(PyBytes_Size(bytes.get()))};
 }
 
-void Arguments::Name(Words names) {
-  size_ = names.size();
-  std::copy(names.begin(), names.end(), names_.begin());
-}
-
 void Arguments::CheckCount(const char* function, std::size_t count, std::size_t most) const {
   if (count > most)
     throw BadType(function, "takes " + std::to_string(most) + " positional arguments, not " + std::to_string(count));
@@ -115,15 +110,15 @@ void Arguments::CheckCount(const char* function, std::size_t count, std::size_t 
 
 void Arguments::Set(const char* function, PyObject* name, PyObject* value) {
   std::size_t i = 0;
-  while (i < size_ && PyUnicode_CompareWithASCIIString(name, names_[i]) != 0) ++i;
-  if (i == size_ || values_[i] != nullptr)
-    throw BadType(function, (i == size_ ? "unknown argument " : "given twice: ") + Text(name, function));
+  while (i < names_.size && PyUnicode_CompareWithASCIIString(name, names_.list[i]) != 0) ++i;
+  if (i == names_.size || values_[i] != nullptr)
+    throw BadType(function, (i == names_.size ? "unknown argument " : "given twice: ") + Text(name, function));
   values_[i] = value;
 }
 
 void Arguments::Refuse(std::size_t i, const char* wanted) const {
   DropError();
-  throw BadType(names_[i], std::string(wanted) + " is needed");
+  throw BadType(names_.list[i], std::string(wanted) + " is needed");
 }
 
 }  // namespace zbr::python

@@ -17,9 +17,20 @@ class Arguments {
  public:
   using Words = std::initializer_list<const char*>;
 
-  Arguments(const char* function, Words names, std::size_t positional, PyObject* const* args, Py_ssize_t count, PyObject* keywords);
+  static constexpr std::size_t kMost = 16;
+  // At most as many as there is room for.
+  struct Names {
+    template <class... Name>
+    requires(sizeof...(Name) <= kMost) Names(Name... names) : list{names...}, size(sizeof...(names)) {}
+
+    std::array<const char*, kMost> list;
+    std::size_t size;
+  };
+
+  Arguments(const char* function, const Names& names, std::size_t positional, PyObject* const* args, Py_ssize_t count,
+            PyObject* keywords);
   // Of a constructor: a tuple and a dictionary, or null.
-  Arguments(const char* function, Words names, std::size_t positional, PyObject* args, PyObject* keywords);
+  Arguments(const char* function, const Names& names, std::size_t positional, PyObject* args, PyObject* keywords);
 
   PyObject* operator[](std::size_t i) const { return values_[i]; }
   // Null when None was given.
@@ -40,16 +51,13 @@ class Arguments {
 
  private:
   static constexpr double kLargest = std::numeric_limits<double>::max();
-  static constexpr std::size_t kMost = 16;
 
-  void Name(Words names);
   void CheckCount(const char* function, std::size_t count, std::size_t most) const;
   void Set(const char* function, PyObject* name, PyObject* value);
   // Instead of what Python says, which tells the type but not the argument.
   [[noreturn]] void Refuse(std::size_t i, const char* wanted) const;
 
-  std::array<const char*, kMost> names_;
-  std::size_t size_ = 0;
+  Names names_;
   std::array<PyObject*, kMost> values_{};
 };
 

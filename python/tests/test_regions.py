@@ -110,6 +110,19 @@ def test_only_rings_of_polygons_count(valid):
     assert zbr.Region(squares, [0, 4, 8, 12], [1, 2], valid=True).coords.tolist() == [list(p) for p in squares[4:8]]
 
 
+def test_make_valid_takes_no_word_for_it_and_drops_no_option():
+    bow = zbr.Region([(0, 0), (4, 4), (4, 0), (0, 4)], valid=True)
+    pie = "CURVEPOLYGON (COMPOUNDCURVE ((0 0, 1 0), CIRCULARSTRING (1 0, 0.7 0.7, 0 1), (0 1, 0 0)))"
+    assert bow.area == 0.0 and zbr.make_valid(bow).area == 8.0 and zbr.make_valid(bow, fill="positive").area == 4.0
+    near = zbr.make_valid(zbr.Region([(0, 0), (4, 0), (4, 4), (4, 4.01)]), tolerance=0.1)
+    assert len(near.coords) == 3 and len(zbr.make_valid(pie, tolerance=0.2).coords) < len(zbr.Region.of(pie).coords)
+    for thing in (bow, pie, bow.coords):
+        with pytest.raises(TypeError, match="unknown argument nonsense"):
+            zbr.make_valid(thing, nonsense=1)
+    with pytest.raises(TypeError, match="^tolerance: "):
+        zbr.Region.of(bow, tolerance=1.0)
+
+
 def test_unions_of_many_and_coverage():
     many = stars(60, 3)
     shapes = [r.to_shapely() for r in many]

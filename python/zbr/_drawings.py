@@ -46,8 +46,8 @@ class Picked(NamedTuple):
 class TracedOutline(NamedTuple):
     """The outline of an object, and the edges of the mesh that it runs along.
 
-    The edge from region.coords[i] to the next point of its ring runs along the pieces offsets[i] up to offsets[i + 1], one after the
-    other or, where edges lie over each other, side by side: a piece is edge `edge` (from that corner to the next) of triangle
+    The edge from region.coords[i] to the next point of its ring runs along the pieces offsets[i] up to offsets[i + 1], one after
+    the other or, where edges lie over each other, side by side: a piece is edge `edge` (from that corner to the next) of triangle
     `triangle`, from parameter along[:, 0] to along[:, 1], where 0 is the corner that the edge starts at.
     """
 
@@ -103,7 +103,8 @@ class Mesh(_zbr.Mesh):
         (lines where bodies pass through each other), silhouettes=None ("facets": along their edges; "smooth": of the surface that
         they stand for; None: smooth for scans), curves=True (circles, arcs and ellipses in files where chains of edges lie on
         circles), centre_lines=False (of holes and shafts; perspectives have none), outlines=False (what is seen of each object,
-        which sheets fill), axes=None ("y" or "z" points up; None: as the mesh says), threads=1 (0: one for each processor), progress=None. ValueError names what is wrong.
+        which sheets fill), axes=None ("y" or "z" points up; None: as the mesh says), threads=1 (0: one for each processor),
+        progress=None. ValueError names what is wrong.
         """
         return self._draw([view], **options)[0]
 
@@ -276,10 +277,10 @@ def sheet(drawings: Iterable[Drawing], **options: Unpack[SheetOptions]) -> Sheet
     """Places views of one mesh on paper, with frame and title block.
 
     Options: paper=None ("A3", "420x297" in millimetres; None: one that suits), scale=None ("1:2", 0.5, "fit"; None: the largest
-    standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number, author,
-    date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer"). Warns of
-    sections whose plane none of the views shows, which takes one that sees it as a line, and of text that the title block has no
-    room for.
+    standard one that fits), projection="first" (or "third"; None: a single view without frame), title (the mesh's name), number,
+    author, date (text of the title block), unit="mm" (of the model), hidden="dashed" ("none", "layer"), tangent="thin" ("layer").
+    Warns of sections whose plane none of the views shows, which takes one that sees it as a line, and of text
+    that the title block has no room for.
     """
     options.setdefault("projection", "first")
     placed = _zbr.sheet(drawings, **options)
@@ -305,8 +306,8 @@ def _triangles_of(thing: Any) -> tuple[Any, Any]:
         return [tuple(p) for p in points], faces
     if hasattr(thing, "tessellate"):
         box = getattr(thing, "BoundingBox", None)
-        size = float(box().DiagonalLength) if callable(box) else float(getattr(getattr(thing, "BoundBox", None), "DiagonalLength", 100.0))
-        points, faces = thing.tessellate(size / 1000)
+        size = box().DiagonalLength if callable(box) else getattr(getattr(thing, "BoundBox", None), "DiagonalLength", 100.0)
+        points, faces = thing.tessellate(float(size) / 1000)
         return [tuple(p) if not hasattr(p, "toTuple") else p.toTuple() for p in points], faces
     if hasattr(thing, "points") and hasattr(thing, "faces"):  # pyvista: the count of corners before them
         return thing.points, np.asarray(thing.faces).reshape(-1, 4)[:, 1:]

@@ -37,14 +37,16 @@ def written(path: Path, data: bytes) -> None:
             raise
 
 
-def read(file: str | os.PathLike[str] | None = None, *, data: bytes | None = None, format: str | None = None, **options: Any) -> Any:
+def read(
+    file: str | os.PathLike[str] | None = None, *, data: bytes | None = None, format: str | None = None, **options: Any
+) -> Any:
     """Reads a file: a Mesh from stl, obj, ply, off, gltf, glb and 3mf, a Region from dxf, geojson, json, wkt, svg, loops and txt.
 
-    data: the contents, of which `file`, if given, is the name for messages. format: what the name does not tell. Options for regions:
-    deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join (ends of
-    lines at most this far apart belong together), fill (what is inside: evenodd, nonzero, positive, negative), layers (names);
-    for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and tells
-    file, line and cause.
+    data: the contents, of which `file`, if given, is the name for messages. format: what the name does not tell. Options for
+    regions: deviation (largest distance between a curve and the chords that replace it; None: a small part of the extent), join
+    (ends of lines at most this far apart belong together), fill (what is inside: evenodd, nonzero, positive, negative), layers
+    (names); for both: progress. Warns of contours that do not close, which are left out. Raises Failure, which is a ValueError and
+    tells file, line and cause.
     """
     if format is not None and not isinstance(format, str):
         raise TypeError("format: a string is needed")

@@ -52,12 +52,14 @@ class Region(_zbr.Region):
 
         That is: a Region, whatever has __geo_interface__ (shapely, geopandas, fiona), a GeoJSON geometry, feature or collection
         as a dict, WKT (str), WKB (bytes), a GeoArrow array of polygons (all of them united), an (n, 2) array, or a list of such
-        arrays, the rings. Options: tolerance, progress.
+        arrays, the rings. A Region stays as it is, valid or not. Options for all else: tolerance, progress.
 
         >>> Region.of("POLYGON ((0 0, 4 0, 0 4, 0 0))").area
         8.0
         """
         if isinstance(thing, Region):
+            if options:
+                raise TypeError(f"{next(iter(options))}: is nothing for a Region, which stays as it is")
             return thing
         if hasattr(thing, "__arrow_c_array__"):
             return cls(*_zbr.arrays_of_arrow(*thing.__arrow_c_array__())[:3], fill=fill, **options)
@@ -66,7 +68,7 @@ class Region(_zbr.Region):
             region, _, unclosed = _zbr.read_region("WKT", data=thing.encode(), format="wkt", fill=fill)
             if unclosed > 0:
                 raise ValueError(f"WKT: rings have to be closed, and {unclosed} are not")
-            return region
+            return cls(region.coords, region.rings, region.polygons, **options) if options else region
         coords, rings, polygons = arrays
         return cls(coords, rings, polygons, fill=fill, **options)
 
@@ -201,7 +203,7 @@ class Regions(_zbr.Regions):
         return Regions(coords, rings - rings[0], polygons - polygons[0], regions - regions[0], valid=True)
 
     def contains(self, points: ArrayLike, *, progress: Progress | None = None) -> NDArray[np.bool_]:
-        """(m,) bool: whether point i of points (m, 2) lies in the interior of region i, or a single point (1, 2) in that of each."""
+        """(m,) bool: whether point i of points (m, 2) lies in the interior of region i, or one point (1, 2) in that of each."""
         return self.locate(points, progress=progress) > 0
 
     def simplify(self, tolerance: float) -> Regions:
@@ -257,12 +259,15 @@ faces = _zbr.faces
 
 
 def make_valid(coords: Any, rings: ArrayLike | None = None, **options: Any) -> Region:
-    """The region that rings bound, whatever they do to themselves and each other: arrays as Region takes them, or what Region.of()
-    takes. Options: fill="evenodd", tolerance=0.0, progress=None. Regions does the same to many at once.
+    """The region that rings bound, whatever they do to themselves and each other: arrays as Region takes them, a Region that was made
+    of such with valid=True, or what Region.of() takes. Options: fill="evenodd", tolerance=0.0, progress=None. Regions does the same
+    to many at once.
 
     >>> make_valid([(0, 0), (4, 4), (4, 0), (0, 4)]).area
     8.0
     """
+    if isinstance(coords, Region) and rings is None:
+        return Region(coords.coords, coords.rings, coords.polygons, **options)
     return Region.of(coords, **options) if rings is None else Region(coords, rings, **options)
 
 
