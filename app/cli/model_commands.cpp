@@ -83,8 +83,7 @@ void CommandLine::DeclareSheet(CLI::App& command) {
   command.add_flag("--centre-lines", draw_.centreLines, "Draw the centres and axes of circles and cylinders as chain lines");
   command.add_flag("--fill", draw_.fill,
                    "Fill what each object, and each body of 3MF and glTF files, covers and nearer ones leave visible: in SVG in a "
-                   "light shade, in "
-                   "DXF as closed polylines on layers FILL-name, in JSON as polygons");
+                   "light shade, in DXF as closed polylines on layers FILL-name, in JSON as polygons");
   AddUnit(command, draw_.unit);
   command.add_option("--title", draw_.title, "Title of the sheet; by default the name of the model")->type_name("TEXT");
   command.add_option("--number", draw_.number, "Number of the drawing, for the sheet")->type_name("TEXT");

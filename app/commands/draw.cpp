@@ -82,6 +82,7 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const Objects& objec
                        Progress& progress) {
   for (const ViewLines& view : views) {
     for (std::size_t k = 0; k + 1 < begins.size(); ++k) {
+      if (begins[k] == begins[k + 1]) continue;  // of a file without objects
       const auto outline = view.outlines.begin();
       const auto from = static_cast<std::ptrdiff_t>(begins[k]), to = static_cast<std::ptrdiff_t>(begins[k + 1]);
       if (std::all_of(outline + from, outline + to, [](const LoopList& loops) { return loops.empty(); }))

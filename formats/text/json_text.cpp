@@ -2,6 +2,7 @@
 #include "formats/text/json_text.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace zbr::formats {
 namespace {

@@ -15,7 +15,7 @@ class JsonObject {
  public:
   JsonObject& Add(const char* name, const std::string& value);
   std::string Closed() const { return text_ + "}"; }
-  // With one more member, a list, left open for its elements.
+  // With one more member, a list, left open for its elements. Nothing is left here: the text is handed over.
   std::string OpenedAt(const char* name);
 
  private:

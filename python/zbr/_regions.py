@@ -259,8 +259,8 @@ faces = _zbr.faces
 
 
 def make_valid(coords: Any, rings: ArrayLike | None = None, **options: Any) -> Region:
-    """The region that rings bound, whatever they do to themselves and each other: arrays as Region takes them, a Region that was made
-    of such with valid=True, or what Region.of() takes. Options: fill="evenodd", tolerance=0.0, progress=None. Regions does the same
+    """The region that rings bound, whatever they do to themselves and each other: arrays as Region takes them, a Region made of
+    such with valid=True, or what Region.of() takes. Options: fill="evenodd", tolerance=0.0, progress=None. Regions does the same
     to many at once.
 
     >>> make_valid([(0, 0), (4, 4), (4, 0), (0, 4)]).area

@@ -1,4 +1,5 @@
-// What a call tells beside arrays, as JSON: written as text, as trees of values take far more code.
+// What a call tells beside arrays, as JSON: written as text, as trees of values take far more code. The sheet's own writer of such
+// texts is no public header of zbr-formats.
 #pragma once
 
 #include <zbr-drawing/numbers.h>
