@@ -6,7 +6,7 @@ import { test } from 'node:test';
 import { brotliCompressSync } from 'node:zlib';
 import { folder } from './package.js';
 
-const LIMITS = { regions: 121, planar: 243, models: 364 }; // kB as brotli, some two per cent above what they have
+const LIMITS = { regions: 121, planar: 243, models: 372 }; // kB as brotli, some two per cent above what they have
 
 for (const [name, limit] of Object.entries(LIMITS)) {
   test(`zbr-${name}.wasm has at most ${limit} kB`, () => {
