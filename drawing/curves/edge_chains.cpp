@@ -35,8 +35,8 @@ class Chainer {
     for (const bool closed : {false, true}) {
       for (std::uint32_t end = 0; end < link_.size(); ++end) {
         if (taken_[end / 2] || (!closed && link_[end] != kNone)) continue;
-        std::vector<std::uint32_t> entered = Follow(end);
-        if (entered.size() >= fewest) chains.push_back(ChainOf(std::move(entered), closed));
+        const std::vector<std::uint32_t> entered = Follow(end);
+        if (entered.size() >= fewest) chains.push_back(ChainOf(entered, closed));
       }
     }
     return chains;
@@ -107,14 +107,7 @@ class Chainer {
     return entered;
   }
 
-  EdgeChain ChainOf(std::vector<std::uint32_t> entered, bool closed) const {
-    if (closed) {
-      const auto length = [&](std::uint32_t end) { return PointAt(end).Distance(PointAt(end ^ 1U)); };
-      std::rotate(
-          entered.begin(),
-          std::max_element(entered.begin(), entered.end(), [&](std::uint32_t a, std::uint32_t b) { return length(a) < length(b); }),
-          entered.end());
-    }
+  EdgeChain ChainOf(const std::vector<std::uint32_t>& entered, bool closed) const {
     EdgeChain chain;
     chain.isClosed = closed;
     for (const std::uint32_t end : entered) {
@@ -124,7 +117,11 @@ class Chainer {
     }
     chain.points.push_back(PointAt(entered.back() ^ 1U));
     chain.isFree.push_back(closed ? chain.isFree.front() : true);
-    if (!closed) chain.isFree.front() = true;
+    if (closed) {
+      StartWithLongest(chain);
+    } else {
+      chain.isFree.front() = true;
+    }
     return chain;
   }
 
@@ -141,6 +138,20 @@ class Chainer {
 
 std::vector<EdgeChain> ChainEdges(const Model& model, std::size_t shell, std::size_t fewest) {
   return Chainer(model, shell).Run(fewest);
+}
+
+void StartWithLongest(EdgeChain& chain) {
+  std::size_t longest = 0;
+  const auto length = [&](std::size_t k) { return chain.points[k].Distance(chain.points[k + 1]); };
+  for (std::size_t k = 1; k < chain.edges.size(); ++k) longest = length(k) > length(longest) ? k : longest;
+  const auto by = static_cast<std::ptrdiff_t>(longest);
+  chain.points.pop_back();
+  chain.isFree.pop_back();
+  std::rotate(chain.edges.begin(), chain.edges.begin() + by, chain.edges.end());
+  std::rotate(chain.points.begin(), chain.points.begin() + by, chain.points.end());
+  std::rotate(chain.isFree.begin(), chain.isFree.begin() + by, chain.isFree.end());
+  chain.points.push_back(chain.points.front());
+  chain.isFree.push_back(chain.isFree.front());
 }
 
 }  // namespace zbr::drawing

@@ -26,4 +26,7 @@ struct EdgeChain {
 // turn least and are most alike in length. A closed chain starts with its longest edge.
 std::vector<EdgeChain> ChainEdges(const Model& model, std::size_t shell, std::size_t fewest);
 
+// Turns a closed chain until its longest edge comes first.
+void StartWithLongest(EdgeChain& chain);
+
 }  // namespace zbr::drawing

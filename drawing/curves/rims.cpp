@@ -126,20 +126,6 @@ class RimWalk {
     return edge.GetVertex0() == &vertex || edge.GetVertex1() == &vertex;
   }
 
-  static void StartWithLongest(EdgeChain& chain) {
-    std::size_t longest = 0;
-    const auto length = [&](std::size_t k) { return chain.points[k].Distance(chain.points[k + 1]); };
-    for (std::size_t k = 1; k < chain.edges.size(); ++k) longest = length(k) > length(longest) ? k : longest;
-    const auto by = static_cast<std::ptrdiff_t>(longest);
-    chain.points.pop_back();
-    chain.isFree.pop_back();
-    std::rotate(chain.edges.begin(), chain.edges.begin() + by, chain.edges.end());
-    std::rotate(chain.points.begin(), chain.points.begin() + by, chain.points.end());
-    std::rotate(chain.isFree.begin(), chain.isFree.begin() + by, chain.isFree.end());
-    chain.points.push_back(chain.points.front());
-    chain.isFree.push_back(chain.isFree.front());
-  }
-
   const Model& model_;
   const std::size_t index_;
   const ZBR_ZBREPS& shell_;

@@ -52,7 +52,7 @@ class CommonCuts {
     std::vector<EndTree::End> ends;
     for (std::uint32_t k = 0; k < edges_.size(); ++k) {
       for (const ZBR_PT& p : {edges_[k].segment.s(), edges_[k].segment.e()})
-        ends.push_back({static_cast<float>(p.x()), static_cast<float>(p.y()), edges_[k].shell, k});
+        ends.push_back(EndTree::End::At(p, edges_[k].shell, k));
     }
     const EndTree tree(std::move(ends));
     std::vector<std::uint32_t> near;

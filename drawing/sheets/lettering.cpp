@@ -85,7 +85,7 @@ PaperBox BoxOf(const SheetText& text) {
 
 // Clear when the boxes are, or when all corners lie on one side of the line.
 bool PaperBox::IsClearOfLine(const ZBR_PT& a, const ZBR_PT& b) const {
-  if (IsClearOf({{std::min(a.x(), b.x()), std::min(a.y(), b.y())}, {std::max(a.x(), b.x()), std::max(a.y(), b.y())}})) return true;
+  if (IsClearOf(Around(a, b))) return true;
   bool left = false, right = false;
   for (const ZBR_PT& corner : {low, high, ZBR_PT(low.x(), high.y()), ZBR_PT(high.x(), low.y())}) {
     const double side = (b - a).OuterProduct(corner - a);

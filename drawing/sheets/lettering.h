@@ -3,6 +3,7 @@
 
 #include <zbr-drawing/sheet.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -15,6 +16,11 @@ double TextWidth(const std::string& text, double height);
 // A rectangle on paper.
 struct PaperBox {
   ZBR_PT low, high;
+
+  // What a stroke between two points covers.
+  static PaperBox Around(const ZBR_PT& a, const ZBR_PT& b) {
+    return {{std::min(a.x(), b.x()), std::min(a.y(), b.y())}, {std::max(a.x(), b.x()), std::max(a.y(), b.y())}};
+  }
 
   bool IsClearOf(const PaperBox& o) const {
     return low.x() > o.high.x() || o.low.x() > high.x() || low.y() > o.high.y() || o.low.y() > high.y();

@@ -100,11 +100,6 @@ void PutBeside(const Sheet& sheet, std::vector<MarkedPlane>& planes) {
   }
 }
 
-// What a stroke between two points covers.
-PaperBox BoxAround(const ZBR_PT& a, const ZBR_PT& b) {
-  return {{std::min(a.x(), b.x()), std::min(a.y(), b.y())}, {std::max(a.x(), b.x()), std::max(a.y(), b.y())}};
-}
-
 bool AreApart(const PaperBox& a, const PaperBox& b) {
   return a.Wider(kClear).IsClearOf(b);
 }
@@ -140,8 +135,8 @@ struct Marks {
   static End EndAt(const MarkedPlane& plane, const ZBR_PT& end, const ZBR_PT& inwards, double width) {
     const ZBR_PT letter = LetterAt(plane, end), half(width / 2, kMarkLetter / 2);
     return {{letter - half, letter + half},
-            BoxAround(end, end + plane.toViewer * kArrow),
-            BoxAround(end, end + inwards * (kThickEnd + plane.outwards))};
+            PaperBox::Around(end, end + plane.toViewer * kArrow),
+            PaperBox::Around(end, end + inwards * (kThickEnd + plane.outwards))};
   }
 };
 

@@ -126,8 +126,7 @@ class CommonLines {
     for (std::uint32_t i = 0; i < lines_.size(); ++i) {
       if (!drawn_.IsOfOneShell(lines_[i])) continue;
       const ZBR_SEG& g = lines_[i].segment.segment;
-      for (const ZBR_PT& p : {g.s(), g.e()})
-        ends.push_back({static_cast<float>(p.x()), static_cast<float>(p.y()), lines_[i].shell, i});
+      for (const ZBR_PT& p : {g.s(), g.e()}) ends.push_back(EndTree::End::At(p, lines_[i].shell, i));
     }
     return EndTree(std::move(ends));
   }

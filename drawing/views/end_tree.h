@@ -19,6 +19,10 @@ class EndTree {
   struct End {
     float x, y;
     std::uint32_t shell, segment;
+
+    static End At(const ZBR_PT& p, std::uint32_t shell, std::uint32_t segment) {
+      return {static_cast<float>(p.x()), static_cast<float>(p.y()), shell, segment};
+    }
   };
 
   // Ends of one shell that follow one another stay together: a shell with few of them is a leaf.

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/points.h"
 #include "drawing/views/chains.h"
 #include "drawing/views/end_tree.h"
 
@@ -23,9 +24,7 @@ constexpr double kMeets = 0.1;         // of a line's width: as far as an end ma
 constexpr double kStraightOn = 0.866;  // cosine of 30 degrees
 
 double Distance(const ZBR_PT& p, const ZBR_SEG& g) {
-  const ZBR_PT along = g.e() - g.s();
-  const double t = (p - g.s()).InnerProduct(along) / along.InnerProduct(along);
-  return p.Distance(g.s() + along * std::clamp(t, 0.0, 1.0));
+  return p.Distance(g.s() + (g.e() - g.s()) * NearestPart(p, g.s(), g.e()));
 }
 
 class Specks {
@@ -81,11 +80,8 @@ class Specks {
 
   void FindHolders() {
     std::vector<EndTree::End> ends;
-    for (std::uint32_t end = 0; end < 2 * specks_.size(); ++end) {
-      const ZBR_PT& p = At(end);
-      ends.push_back(
-          {static_cast<float>(p.x()), static_cast<float>(p.y()), static_cast<std::uint32_t>(specks_[end / 2].line), end});
-    }
+    for (std::uint32_t end = 0; end < 2 * specks_.size(); ++end)
+      ends.push_back(EndTree::End::At(At(end), static_cast<std::uint32_t>(specks_[end / 2].line), end));
     const EndTree tree(std::move(ends));
     holders_.assign(2 * specks_.size(), 0);
     std::uint32_t next = 0;  // of the specks
