@@ -7,19 +7,17 @@
 #include <zbr/region.h>
 
 #include "boolean/region_input.h"
+#include "core/planar_inline.h"
 #include "core/rings.h"
 
 namespace {
 
+using zbr::IsLess;
 using zbr::RingSpan;
 
 RingSpan RingOf(const ZBR_REGION& region, std::size_t ring) {
   const auto begin = static_cast<std::size_t>(region.ring_offsets()[ring]);
   return RingSpan(region.points()).subspan(begin, static_cast<std::size_t>(region.ring_offsets()[ring + 1]) - begin);
-}
-
-bool IsLess(const ZBR_PT& a, const ZBR_PT& b) {
-  return a.x() != b.x() ? a.x() < b.x() : a.y() < b.y();
 }
 
 // The sum of offsets. Beyond the largest it is of no use, and IsTooLarge tells so later.

@@ -111,6 +111,13 @@ double NetArea(const LoopList& loops) {
   return area;
 }
 
+double DistanceFromSource(const std::vector<Ring>& rings, const ZBR_EDGE_SOURCE& source, const ZBR_PT& p, const ZBR_PT& q) {
+  const Ring& ring = rings.at(static_cast<std::size_t>(source.ring));
+  const auto edge = static_cast<std::size_t>(source.edge);
+  const ZBR_PT from = ring.at(edge), along = ring[(edge + 1) % ring.size()] - from;
+  return (from + along * source.t0).Distance(p) + (from + along * source.t1).Distance(q);
+}
+
 Ring Square(double x, double y, double side) {
   return {{x, y}, {x + side, y}, {x + side, y + side}, {x, y + side}};
 }

@@ -45,6 +45,9 @@ void ForEachEdge(const std::vector<Ring>& rings, Visit visit) {
   }
 }
 
+// How far the edge from p to q is from the stretch that it is said to come from, of these rings: both ends' distances.
+double DistanceFromSource(const std::vector<Ring>& rings, const ZBR_EDGE_SOURCE& source, const ZBR_PT& p, const ZBR_PT& q);
+
 // The axis-parallel square from (x, y) with the given side, counter-clockwise.
 Ring Square(double x, double y, double side);
 
