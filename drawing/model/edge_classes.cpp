@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "drawing/model/round_rims.h"
 #include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
 #include "drawing/touched.h"
@@ -142,23 +143,31 @@ void SetNormals(Model& model, unsigned threads) {
 }
 
 void ShowEdges(Model& model, double creaseDegrees, unsigned threads) {
-  const double limit = Cos(std::clamp(creaseDegrees + kAngleSlack, 0.0, 180.0) * kPi / 180.0);
-  ForEachPart(model.edgeBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
+  const auto cosineOf = [](double degrees) { return Cos(std::clamp(degrees, 0.0, 180.0) * kPi / 180.0); };
+  const double limit = cosineOf(creaseDegrees + kAngleSlack), rimLimit = cosineOf(creaseDegrees * kLeastOfRim);
+  std::vector<std::vector<std::uint32_t>> nearlyInRange(RangeCount(model.edgeBegin.back()));
+  ForEachPart(model.edgeBegin, threads, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
     ZBR_ZBREPS& shell = *model.body.GetShell(static_cast<int>(s));
     const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];
-    const auto isCrease = [&](const ZBR_ZBREPE& edge, const ZBR_ZBREPT& other) {
+    const auto cosineAt = [&](const ZBR_ZBREPE& edge, const ZBR_ZBREPT& other) {
       const ZBR_PT3& a = normals[PlaceOf(*edge.GetTriangle0())];
       const ZBR_PT3& b = normals[PlaceOf(other)];
-      if (IsZero(a) || IsZero(b)) return false;
+      if (IsZero(a) || IsZero(b)) return 1.0;
       const double cosine = a.InnerProduct(b);
-      return (model.Note(s, edge).isSameWay ? -cosine : cosine) < limit;
+      return model.Note(s, edge).isSameWay ? -cosine : cosine;
     };
     for (std::size_t e = begin; e < end; ++e) {
       ZBR_ZBREPE& edge = *shell.GetEdge(static_cast<int>(e));
       const ZBR_ZBREPT* const other = edge.GetTriangle1();
-      edge.SetShow(other == nullptr || model.Note(s, edge).isJunction || isCrease(edge, *other));
+      const bool isEnd = other == nullptr || model.Note(s, edge).isJunction;
+      const double cosine = isEnd ? -1.0 : cosineAt(edge, *other);
+      edge.SetShow(isEnd || cosine < limit);
+      if (!edge.GetShow() && cosine < rimLimit) nearlyInRange[range].push_back(model.edgeBegin[s] + static_cast<std::uint32_t>(e));
     }
   });
+  std::vector<std::uint32_t> nearly;
+  for (const auto& edges : nearlyInRange) nearly.insert(nearly.end(), edges.begin(), edges.end());
+  CompleteRims(model, creaseDegrees, nearly);
 }
 
 void FindFacing(Model& model, unsigned threads) {
