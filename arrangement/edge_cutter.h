@@ -109,6 +109,8 @@ class EdgeCutter {
   class PairSearch;
   class PartsOfLine;
   void QuickCut();
+  // Lines farther apart than this, in steps, do nothing to each other.
+  double Clear() const { return 2.0 * reach_ + 1.0; }
   void LookAtPair(std::uint32_t i, std::uint32_t j);
   void NoteReached(std::uint32_t line, std::uint32_t vertex, double side);
   void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);

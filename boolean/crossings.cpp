@@ -25,6 +25,7 @@
 #include "core/radix_sort.h"
 #include "core/small_sort.h"
 #include "loops/edge_index.h"
+#include "loops/near_edges.h"
 #include "loops/point_in_loop.h"
 
 namespace zbr {
@@ -76,11 +77,16 @@ class CrossingSearch {
     const std::size_t before = out_.size();
     if (!IndexBoth()) return;
     needsOrder_ = a_.size() > 1 || b_.size() > 1;
-    BoxJoin::Run(indexA_.tree(), indexB_.tree(), [&](std::uint32_t leaf, std::span<const std::uint32_t> leavesB) {
-      progress_ = leaf;
-      SearchLeaf(indexA_.leaf(leaf), leavesB);
-      return true;
-    });
+    if (!SearchBoxes(!isCoarse_)) {
+      constexpr double kNear = 64.0;  // tolerances: more than any contact sees
+      std::vector<EdgePair> pairs;
+      Forget(before);
+      if (FindNearEdges(indexA_, indexB_, kNear * t_tolerance.eps, pairs)) {
+        SearchPairs(pairs);
+      } else {
+        SearchBoxes(false);
+      }
+    }
     if (needsOrder_) PutInOrder(before);
   }
 
@@ -95,6 +101,41 @@ class CrossingSearch {
   }
 
  private:
+  // False when there is a limit to what is looked at in vain, and that is reached.
+  bool SearchBoxes(bool isLimited) {
+    constexpr std::size_t kPairsPerLeaf = 1024;
+    constexpr std::size_t kPairsPerCrossing = 8;
+    const std::size_t before = out_.size();
+    const std::size_t most = kPairsPerLeaf * (std::size_t{indexA_.tree().Count(0)} + indexB_.tree().Count(0));
+    looks_ = 0;
+    return BoxJoin::Run(indexA_.tree(), indexB_.tree(), [&](std::uint32_t leaf, std::span<const std::uint32_t> leavesB) {
+      progress_ = leaf;
+      SearchLeaf(indexA_.leaf(leaf), leavesB);
+      return !isLimited || looks_ <= most + kPairsPerCrossing * (out_.size() - before);
+    });
+  }
+
+  void SearchPairs(std::span<const EdgePair> pairs) {
+    for (std::size_t first = 0; first < pairs.size();) {
+      std::size_t last = first + 1;
+      while (last < pairs.size() && pairs[last].a == pairs[first].a) ++last;
+      progress_ = pairs[first].a / EdgeIndex::kLeafEdges;
+      const EdgeIndex::Leaf& leaf = indexA_.leaf(progress_);
+      const IndexedRing& ring = indexA_.rings()[leaf.ring];
+      const std::uint32_t cur = ring.Vertex(leaf.first + pairs[first].a % EdgeIndex::kLeafEdges);
+      const std::uint32_t prev = Before(leaf.ring, cur);
+      if (prev != kNoCorner) SearchCorner(ring, prev, cur, pairs.subspan(first, last - first));
+      first = last;
+    }
+  }
+
+  void Forget(std::size_t before) {
+    out_.resize(before);
+    polygons_.clear();
+    doubts_.clear();
+    contacts_.clear();
+  }
+
   bool IndexBoth() {
     std::vector<IndexedRing> ringsA;
     std::vector<IndexedRing> ringsB;
@@ -150,13 +191,32 @@ class CrossingSearch {
 
   void SearchLeaf(const EdgeIndex::Leaf& leaf, std::span<const std::uint32_t> leavesB) {
     const IndexedRing& ring = indexA_.rings()[leaf.ring];
-    const CornerTable* table = ring.hasRepeats ? &corners_.at(leaf.ring) : nullptr;
     const std::uint32_t last = indexA_.LastSlot(leaf);
     for (std::uint32_t slot = leaf.first; slot < last; ++slot) {
       const std::uint32_t cur = ring.Vertex(slot);
-      const std::uint32_t prev = table != nullptr ? (*table)[cur] : cur == 0 ? ring.n - 1 : cur - 1;
-      if (prev == kNoCorner) continue;
-      SearchCorner(ring, prev, cur, leavesB);
+      const std::uint32_t prev = Before(leaf.ring, cur);
+      if (prev != kNoCorner) SearchCorner(ring, prev, cur, leavesB);
+    }
+  }
+
+  // The corner of A before a vertex, kNoCorner where the vertex is none.
+  std::uint32_t Before(std::uint32_t number, std::uint32_t cur) const {
+    const IndexedRing& ring = indexA_.rings()[number];
+    if (ring.hasRepeats) return corners_.at(number)[cur];
+    return cur == 0 ? ring.n - 1 : cur - 1;
+  }
+
+  void SearchCorner(const IndexedRing& ring, std::uint32_t prev, std::uint32_t cur, std::span<const EdgePair> pairs) {
+    const ZBR_PT& p = ring.points[cur];
+    const ZBR_PT& next = ring.points[ring.Next(cur)];
+    const Box edgeBox = BoxOfSegment(p, next).Widened(kBoxMargin);
+    Corner corner(ring.points[prev], p, next, eps2_, surelyOn_);
+    ZBR_COUNT(pairs, pairs.size());
+    for (const EdgePair& pair : pairs) {
+      const EdgeIndex::Leaf& leaf = indexB_.leaf(pair.b / EdgeIndex::kLeafEdges);
+      const IndexedRing& other = indexB_.rings()[leaf.ring];
+      const std::uint32_t from = other.Vertex(leaf.first + pair.b % EdgeIndex::kLeafEdges);
+      LookAt(ring, cur, corner, edgeBox, other, from);
     }
   }
 
@@ -166,7 +226,6 @@ class CrossingSearch {
     const Box edgeBox = BoxOfSegment(p, next).Widened(kBoxMargin);
     Corner corner(ring.points[prev], p, next, eps2_, surelyOn_);
     const Box* leafBoxes = indexB_.tree().Level(0);
-    Contact contact;
     for (const std::uint32_t l : leavesB) {
       if (!Overlap(edgeBox, leafBoxes[l])) continue;
       const EdgeIndex::Leaf& leaf = indexB_.leaf(l);
@@ -175,22 +234,31 @@ class CrossingSearch {
       std::uint32_t j = other.Vertex(leaf.first);
       unsigned beyond = SidesBeyond(other.points[j], edgeBox);
       ZBR_COUNT(pairs, last - leaf.first);
+      ++looks_;
       for (std::uint32_t edge = leaf.first; edge < last; ++edge) {
         const std::uint32_t from = j;
         const unsigned beyondFrom = beyond;
         j = other.Next(j);
-        const ZBR_PT& q0 = other.points[from];
-        const ZBR_PT& q1 = other.points[j];
-        beyond = SidesBeyond(q1, edgeBox);
+        beyond = SidesBeyond(other.points[j], edgeBox);
         if ((beyondFrom & beyond) != 0) continue;  // the edge's box lies wholly beyond one side
-        if (other.hasRepeats && SamePoint(q0, q1, eps2_)) continue;
-        const bool meets = corner.Meet(q0, q1, contact);
-        if (corner.isDoubtful()) Note({ring.id, other.id}, doubts_);
-        if (corner.hasContact()) Note({ring.id, other.id}, contacts_);
-        if (!meets || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) continue;
-        Record(contact, {ring.id, other.id}, cur, PositionOnB(other, from, contact.tB));
+        LookAt(ring, cur, corner, edgeBox, other, from);
       }
     }
+  }
+
+  // An edge of B beside the edge that leaves a corner of A.
+  void LookAt(const IndexedRing& ring, std::uint32_t cur, Corner& corner, const Box& edgeBox, const IndexedRing& other,
+              std::uint32_t from) {
+    const ZBR_PT& q0 = other.points[from];
+    const ZBR_PT& q1 = other.points[other.Next(from)];
+    if (other.hasRepeats && SamePoint(q0, q1, eps2_)) return;
+    ++looks_;
+    Contact contact;
+    const bool meets = corner.Meet(q0, q1, contact);
+    if (corner.isDoubtful()) Note({ring.id, other.id}, doubts_);
+    if (corner.hasContact()) Note({ring.id, other.id}, contacts_);
+    if (!meets || !LoopBoxesMeet(ring.bounds, other.bounds, edgeBox)) return;
+    Record(contact, {ring.id, other.id}, cur, PositionOnB(other, from, contact.tB));
   }
 
   // The tests on whole loops, by their cached boxes. The search implies them, but for the last bit of a rounded margin and for
@@ -307,6 +375,7 @@ class CrossingSearch {
   std::vector<SortedRecord> sorted_;   // scratch of StableSort, as the next
   std::vector<SortedRecord> scratch_;
   std::uint32_t progress_ = 0;
+  std::size_t looks_ = 0;
   bool needsOrder_ = false;
 };
 

@@ -16,6 +16,7 @@
 
 #include "core/box_tree.h"
 #include "core/planar_inline.h"
+#include "core/slab_search.h"
 #include "loops/nesting.h"
 
 namespace zbr {
@@ -25,9 +26,10 @@ namespace {
 constexpr double kRoundoffScale = 0x1p-44;  // rounding errors of coordinates and offsets, generously, relative to their size
 constexpr double kClearance = 4.0;          // in units of eps: inclusion tests look no farther than one
 
-// Pairs of edges looked at before giving up: the boxes of long slanting edges side by side all overlap, and then comparing them in
-// pairs costs more than nesting level by level.
+// Pairs of edges whose boxes overlap, beyond which slabs are searched, if that is quicker than nesting level by level: the boxes of
+// long slanting edges side by side all do.
 constexpr std::size_t kPairsPerEdge = 64;
+constexpr std::size_t kLoopPairsPerEdge = 64;  // that cost as much as slabs do
 constexpr std::size_t kPairsAtLeast = 65536;
 
 struct Edge {
@@ -66,27 +68,28 @@ class SeparateLoops {
           {reach, std::fabs(leaves[i].xmin), std::fabs(leaves[i].ymin), std::fabs(leaves[i].xmax), std::fabs(leaves[i].ymax)});
     }
     tree_.BuildInner();
+    loopPairs_ = loops.size() * loops.size();
     const double roundoff = reach * kRoundoffScale;
     isMeasurable_ = roundoff < eps;
     clearance_ = kClearance * eps + roundoff;
   }
 
-  // Whether all loops are seen to stay apart by more than the tolerance: coordinates must be small enough to tell, edges must not
-  // be too many to compare.
+  // Whether all loops are seen to stay apart by more than the tolerance: coordinates must be small enough to tell.
   bool KeepClear() const {
     if (!isMeasurable_) return false;
+    bool areMany = false;
     BoxTree widened;
     const std::span<Box> leaves = widened.StartLeaves(edges_.size());
     for (std::size_t i = 0; i < leaves.size(); ++i) leaves[i] = tree_.Level(0)[i].Widened(clearance_);
     widened.BuildInner();
     std::size_t pairsLeft = kPairsAtLeast + kPairsPerEdge * edges_.size();
-    return BoxJoin::Run(widened, tree_, [&](std::uint32_t i, std::span<const std::uint32_t> found) {
-      if (found.size() > pairsLeft) return false;
+    const bool areApart = BoxJoin::Run(widened, tree_, [&](std::uint32_t i, std::span<const std::uint32_t> found) {
+      areMany = found.size() > pairsLeft;
+      if (areMany) return false;
       pairsLeft -= found.size();
-      return std::all_of(found.begin(), found.end(), [&](std::uint32_t j) {
-        return j >= i || edges_[i].loop == edges_[j].loop || KeepApart(edges_[i], edges_[j], clearance_);
-      });
+      return std::all_of(found.begin(), found.end(), [&](std::uint32_t j) { return j >= i || AreClear(i, j); });
     });
+    return areMany ? AreClearInSlabs() : areApart;
   }
 
   // The loop met first to the left of p, which lies on loop `own`. kNoParent: none.
@@ -94,9 +97,20 @@ class SeparateLoops {
 
  private:
   void CollectEdges(std::span<const std::shared_ptr<ZBR_LOOP>> loops);
+  bool AreClear(std::uint32_t i, std::uint32_t j) const {
+    return edges_[i].loop == edges_[j].loop || KeepApart(edges_[i], edges_[j], clearance_);
+  }
+  bool AreClearInSlabs() const {
+    if (loopPairs_ < kLoopPairsPerEdge * edges_.size()) return false;
+    std::vector<SlabSegment> segments;
+    segments.reserve(edges_.size());
+    for (const Edge& edge : edges_) segments.push_back({edge.s, edge.e});
+    return SearchSlabs(segments, clearance_, [this](std::uint32_t i, std::uint32_t j) { return AreClear(i, j); });
+  }
 
   std::vector<Edge> edges_;  // along a space-filling curve through their midpoints
   BoxTree tree_;
+  std::size_t loopPairs_ = 0;
   double clearance_ = 0.0;
   bool isMeasurable_ = false;
 };
