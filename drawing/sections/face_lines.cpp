@@ -48,7 +48,7 @@ std::vector<std::vector<Interval>> TakenOf(const ZBR_REGION& face, const ZBR_REG
 }  // namespace
 
 void FaceLines::Note(const SeenContour& contour) {
-  for (std::size_t i = 0; i < contour.points.size(); ++i) {
+  for (std::size_t i = 0; i < contour.triangles.size(); ++i) {
     const ZBR_PT &a = contour.points[i], &b = contour.points[(i + 1) % contour.points.size()];
     if (contour.triangles[i] == kNoTriangle) continue;
     const auto [low, high] = Precedes(a, b) ? std::pair(a, b) : std::pair(b, a);
@@ -71,13 +71,17 @@ std::uint32_t FaceLines::TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint3
   return found != crossed_.begin() && isThere(*std::prev(found)) ? std::prev(found)->triangle : kNoTriangle;
 }
 
-void FaceLines::AddOpen(const SeenContour& contour) {
+void FaceLines::AddWall(const SeenContour& contour) {
   SectionLine line;
   line.points = contour.points;
   line.triangles = contour.triangles;
   line.shell = contour.shell;
-  ++open_;
   lines_.push_back(std::move(line));
+}
+
+void FaceLines::AddOpen(const SeenContour& contour) {
+  ++open_;
+  AddWall(contour);
 }
 
 void FaceLines::AddFace(const SectionFace& face, const ZBR_REGION& cover) {
