@@ -132,17 +132,33 @@ void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
   }
 }
 
-// Leaves out what lies straight between its neighbours; of closed lines the first point stays.
+bool FaceLines::IsStraight(const ZBR_PT& from, const ZBR_PT& p, const ZBR_PT& to) const {
+  const ZBR_PT along = to - from, off = p - from;
+  const double length = along.Length(), part = off.InnerProduct(along);
+  return length > 0 && part >= 0 && part <= length * length && std::abs(along.OuterProduct(off)) <= straight_ * length;
+}
+
+// From a corner on.
+void FaceLines::Rotate(SectionLine& line) const {
+  std::vector<ZBR_PT>& points = line.points;
+  const std::size_t n = points.size() - 1;
+  std::size_t corner = 0;
+  while (corner < n && IsStraight(points[(corner + n - 1) % n], points[corner], points[corner + 1])) ++corner;
+  if (corner == 0 || corner == n) return;
+  points.pop_back();
+  const auto first = static_cast<std::ptrdiff_t>(corner);
+  std::rotate(points.begin(), points.begin() + first, points.end());
+  std::rotate(line.triangles.begin(), line.triangles.begin() + first, line.triangles.end());
+  points.push_back(points.front());
+}
+
+// Leaves out what lies straight between its neighbours.
 void FaceLines::Straighten(SectionLine& line) const {
+  if (line.closed) Rotate(line);
   std::vector<ZBR_PT> points = std::move(line.points);
   line.points.assign(1, points.front());
   for (std::size_t i = 1; i + 1 < points.size(); ++i) {
-    const ZBR_PT along = points[i + 1] - line.points.back();
-    const double length = along.Length();
-    const ZBR_PT off = points[i] - line.points.back();
-    const bool ahead = off.InnerProduct(along) >= 0 && off.InnerProduct(along) <= length * length;
-    if (length > 0 && ahead && std::abs(along.OuterProduct(off)) <= straight_ * length) continue;
-    line.points.push_back(points[i]);
+    if (!IsStraight(line.points.back(), points[i], points[i + 1])) line.points.push_back(points[i]);
   }
   line.points.push_back(points.back());
   std::erase(line.triangles, kNoTriangle);

@@ -45,6 +45,8 @@ class FaceLines {
 
   void AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_t shell);
   void AddRest(const SectionFace& face, const ZBR_REGION& cover);
+  bool IsStraight(const ZBR_PT& from, const ZBR_PT& p, const ZBR_PT& to) const;
+  void Rotate(SectionLine& line) const;
   void Straighten(SectionLine& line) const;
   // That of the shell or, as the edges of its hollows are of others, of any.
   std::uint32_t TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint32_t shell);
