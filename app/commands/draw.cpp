@@ -9,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 
 #include "app/commands/draw_plan.h"
@@ -106,7 +107,24 @@ void NoteUnseen(const std::vector<ViewLines>& views, const DrawOptions& options,
   }
 }
 
-void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
+// Where the model is, as the option names planes: along an axis by its coordinate.
+std::string ReachAcross(const Model& model, const SectionPlane& plane) {
+  double low = HUGE_VAL, high = -HUGE_VAL;
+  for (const double x : {model.low.x(), model.high.x()}) {
+    for (const double y : {model.low.y(), model.high.y()}) {
+      for (const double z : {model.low.z(), model.high.z()}) {
+        low = std::min(low, plane.normal.InnerProduct({x, y, z}));
+        high = std::max(high, plane.normal.InnerProduct({x, y, z}));
+      }
+    }
+  }
+  const ZBR_PT3& n = plane.normal;
+  const bool isTurned = n.x() == -1 || n.y() == -1 || n.z() == -1;
+  return "the model's box reaches from " + RoundedText(isTurned ? -high : low, 6) + " to " +
+         RoundedText(isTurned ? -low : high, 6) + " there";
+}
+
+void NoteSections(const Model& model, const std::vector<ViewLines>& views, Progress& progress) {
   for (const ViewLines& view : views) {
     if (!view.section) continue;
     const std::size_t open = view.section->openLines, bridged = view.section->bridged;
@@ -117,7 +135,11 @@ void NoteSections(const std::vector<ViewLines>& views, Progress& progress) {
     if (open > 0)
       progress.Note(isOpen + std::to_string(open) + (open == 1 ? " cut does" : " cuts do") +
                     " not close, and nothing is hatched beside " + (open == 1 ? "it" : "them"));
-    if (view.section->faces.empty() && open == 0) progress.Note(view.name + ": note: the plane cuts nothing");
+    if (!view.section->faces.empty() || open > 0) continue;
+    const char* const nothing = !view.lines.empty()                        ? "the plane cuts nothing"
+                                : std::isfinite(view.section->plane.depth) ? "nothing of the model is between the planes"
+                                                                           : "nothing of the model is behind the plane";
+    progress.Note(view.name + ": note: " + nothing + "; " + ReachAcross(model, view.section->plane));
   }
 }
 
@@ -190,7 +212,7 @@ int RunDraw(const DrawOptions& options) {
   std::vector<ViewLines> views = DrawViews(model, plan, progress, times.stages);
   NoteEmptyOutlines(views, objects, filled, progress);
   NoteUnseen(views, options, progress);
-  NoteSections(views, progress);
+  NoteSections(model, views, progress);
   watch.Lap();
 
   progress.Stage("writing");

@@ -83,6 +83,7 @@ std::vector<Contour> CutShell(const ZBR_ZBREPS& shell, const std::vector<double>
     for (const std::uint32_t end : chain.ends) {
       contour.points.push_back(placeOf(end));
       contour.triangles.push_back(cuts.triangles[end / 2]);
+      contour.along += end % 2 == 0 ? 1.0 : -1.0;
     }
     if (!chain.closed) contour.points.push_back(placeOf(chain.last));
   }

@@ -23,11 +23,12 @@ inline bool IsAbove(double height, InPlane inPlane) {
 ZBR_PT3 CrossingOf(const ZBR_PT3& a, double heightA, const ZBR_PT3& b, double heightB);
 
 // Cut k runs across triangle k from point k to point k + 1; around closed contours the last one back to the first point. Seen from
-// above the plane the inside of bodies that face outwards is on the left.
+// above the plane the inside of bodies that face outwards is on the left, as far as triangles are turned alike.
 struct Contour {
   std::vector<ZBR_PT3> points;
   std::vector<std::uint32_t> triangles;  // of the shell
   bool closed = false;
+  double along = 0.0;  // cuts that run this way, less those of triangles turned round
 };
 
 std::vector<Contour> CutShell(const ZBR_ZBREPS& shell, const std::vector<double>& heights, InPlane inPlane);

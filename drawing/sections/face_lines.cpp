@@ -48,7 +48,7 @@ std::vector<std::vector<Interval>> TakenOf(const ZBR_REGION& face, const ZBR_REG
 }  // namespace
 
 void FaceLines::Note(const SeenContour& contour) {
-  for (std::size_t i = 0; i < contour.points.size(); ++i) {
+  for (std::size_t i = 0; i < contour.triangles.size(); ++i) {
     const ZBR_PT &a = contour.points[i], &b = contour.points[(i + 1) % contour.points.size()];
     if (contour.triangles[i] == kNoTriangle) continue;
     const auto [low, high] = Precedes(a, b) ? std::pair(a, b) : std::pair(b, a);
@@ -71,13 +71,17 @@ std::uint32_t FaceLines::TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint3
   return found != crossed_.begin() && isThere(*std::prev(found)) ? std::prev(found)->triangle : kNoTriangle;
 }
 
-void FaceLines::AddOpen(const SeenContour& contour) {
+void FaceLines::AddWall(const SeenContour& contour) {
   SectionLine line;
   line.points = contour.points;
   line.triangles = contour.triangles;
   line.shell = contour.shell;
-  ++open_;
   lines_.push_back(std::move(line));
+}
+
+void FaceLines::AddOpen(const SeenContour& contour) {
+  ++open_;
+  AddWall(contour);
 }
 
 void FaceLines::AddFace(const SectionFace& face, const ZBR_REGION& cover) {
@@ -128,17 +132,33 @@ void FaceLines::AddRest(const SectionFace& face, const ZBR_REGION& cover) {
   }
 }
 
-// Leaves out what lies straight between its neighbours; of closed lines the first point stays.
+bool FaceLines::IsStraight(const ZBR_PT& from, const ZBR_PT& p, const ZBR_PT& to) const {
+  const ZBR_PT along = to - from, off = p - from;
+  const double length = along.Length(), part = off.InnerProduct(along);
+  return length > 0 && part >= 0 && part <= length * length && std::abs(along.OuterProduct(off)) <= straight_ * length;
+}
+
+// From a corner on.
+void FaceLines::Rotate(SectionLine& line) const {
+  std::vector<ZBR_PT>& points = line.points;
+  const std::size_t n = points.size() - 1;
+  std::size_t corner = 0;
+  while (corner < n && IsStraight(points[(corner + n - 1) % n], points[corner], points[corner + 1])) ++corner;
+  if (corner == 0 || corner == n) return;
+  points.pop_back();
+  const auto first = static_cast<std::ptrdiff_t>(corner);
+  std::rotate(points.begin(), points.begin() + first, points.end());
+  std::rotate(line.triangles.begin(), line.triangles.begin() + first, line.triangles.end());
+  points.push_back(points.front());
+}
+
+// Leaves out what lies straight between its neighbours.
 void FaceLines::Straighten(SectionLine& line) const {
+  if (line.closed) Rotate(line);
   std::vector<ZBR_PT> points = std::move(line.points);
   line.points.assign(1, points.front());
   for (std::size_t i = 1; i + 1 < points.size(); ++i) {
-    const ZBR_PT along = points[i + 1] - line.points.back();
-    const double length = along.Length();
-    const ZBR_PT off = points[i] - line.points.back();
-    const bool ahead = off.InnerProduct(along) >= 0 && off.InnerProduct(along) <= length * length;
-    if (length > 0 && ahead && std::abs(along.OuterProduct(off)) <= straight_ * length) continue;
-    line.points.push_back(points[i]);
+    if (!IsStraight(line.points.back(), points[i], points[i + 1])) line.points.push_back(points[i]);
   }
   line.points.push_back(points.back());
   std::erase(line.triangles, kNoTriangle);

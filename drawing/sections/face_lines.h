@@ -19,10 +19,12 @@ class FaceLines {
 
   // Forgets the contours noted: bodies in the same place may have the same cut.
   void StartObject() { crossed_.clear(); }
-  // A contour's edges, by which those of the object's faces find their triangles again.
+  // The edges of a contour, closed or open, by which those of the object's faces find their triangles again.
   void Note(const SeenContour& contour);
   // A cut that bounds nothing.
   void AddOpen(const SeenContour& contour);
+  // One that has the same body on both sides.
+  void AddWall(const SeenContour& contour);
   // The rings of the face, and what the cover of its body has beside them: the borders of faces that lie in the plane. Where the
   // face is not the whole cover it knows its sources there.
   void AddFace(const SectionFace& face, const ZBR_REGION& cover);
@@ -43,6 +45,8 @@ class FaceLines {
 
   void AddRing(const ZBR_REGION& region, std::size_t ring, std::uint32_t shell);
   void AddRest(const SectionFace& face, const ZBR_REGION& cover);
+  bool IsStraight(const ZBR_PT& from, const ZBR_PT& p, const ZBR_PT& to) const;
+  void Rotate(SectionLine& line) const;
   void Straighten(SectionLine& line) const;
   // That of the shell or, as the edges of its hollows are of others, of any.
   std::uint32_t TriangleAt(const ZBR_PT& a, const ZBR_PT& b, std::uint32_t shell);

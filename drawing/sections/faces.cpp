@@ -3,8 +3,8 @@
 // A shell's contours bound what is inside it. Where a face of the body lies in the plane there are two answers, just below the
 // plane and just above it; the first is where the body ends, and what belongs to both is cut. So a plane that touches cuts nothing,
 // and a step whose face lies in the plane shows as a face. Shells that face inwards within another of their body are its hollows
-// and taken from it; others are bodies turned inside out. Cuts of open shells are joined across the shells of a body, as sheets
-// that meet three at an edge are shells by themselves.
+// and taken from it; others are bodies turned inside out, or all of the body is. Cuts of open shells are joined across the shells
+// of a body, as sheets that meet three at an edge are shells by themselves, and face as most of their triangles say.
 #include "drawing/sections/drawn_section.h"
 
 #include <algorithm>
@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "drawing/sections/contours.h"
+#include "drawing/sections/cut_cells.h"
 #include "drawing/sections/face_lines.h"
 #include "drawing/sections/join_contours.h"
 #include "drawing/sections/simple_ring.h"
@@ -30,8 +31,24 @@ struct ShellCut {
   std::uint32_t shell = 0;
   bool isTouched = false;  // vertices lie in the plane: both ways are to be looked at
   bool isOriented = true;
+  Facing facing = Facing::kUnknown;  // of a shell that has none that of its cut, as most of its triangles are turned
   std::array<ZBR_REGION, 2> inside;
 };
+
+// Material is to the left of what runs along its cuts.
+Facing FacingOf(const std::vector<SeenContour>& contours) {
+  double inside = 0.0, whole = 0.0;
+  for (const SeenContour& contour : contours) {
+    const std::vector<ZBR_PT>& points = contour.points;
+    double area = 0.0;
+    for (std::size_t i = 1; i + 1 < points.size(); ++i) area += (points[i] - points[0]).OuterProduct(points[i + 1] - points[0]);
+    const auto gaps = std::count(contour.triangles.begin(), contour.triangles.end(), kNoTriangle);
+    inside += area * contour.along / std::max(static_cast<double>(contour.triangles.size()) - static_cast<double>(gaps), 1.0);
+    whole += std::abs(area);
+  }
+  if (2.0 * std::abs(inside) <= whole) return Facing::kUnknown;
+  return inside > 0 ? Facing::kOutward : Facing::kInward;
+}
 
 ZBR_REGION RegionOf(const std::vector<SeenContour>& contours, bool oriented) {
   ZBR_REGION rings, region;
@@ -86,7 +103,7 @@ class BodyCutter {
     const auto [low, high] = std::minmax_element(heights.begin(), heights.end());
     if (heights.empty() || *low >= 0 || *high < 0) return;
     const bool touched = std::find(heights.begin(), heights.end(), 0.0) != heights.end();
-    cuts_.push_back({s, touched, model_.facing[s] != Facing::kUnknown, {}});
+    cuts_.push_back({s, touched, model_.facing[s] != Facing::kUnknown, model_.facing[s], {}});
     heights_.push_back(std::move(heights));
   }
 
@@ -100,17 +117,9 @@ class BodyCutter {
         (seen.closed ? closed[k] : open).push_back(std::move(seen));
       }
     }
-    std::vector<SeenContour> joined = JoinContours(std::move(open), kGap * model_.Diagonal());
-    for (SeenContour& contour : joined) {
-      const auto cut = std::lower_bound(cuts_.begin(), cuts_.end(), contour.shell,
-                                        [](const ShellCut& c, std::uint32_t shell) { return c.shell < shell; });
-      if (inPlane == InPlane::kAbove && contour.bridged) lines_.CountBridge();
-      if (contour.closed) {
-        closed[static_cast<std::size_t>(cut - cuts_.begin())].push_back(std::move(contour));
-        cut->isOriented = false;
-      } else if (inPlane == InPlane::kAbove) {
-        lines_.AddOpen(contour);
-      }
+    CloseCuts(std::move(open), inPlane, closed);
+    for (std::size_t k = 0; inPlane == InPlane::kAbove && k < cuts_.size(); ++k) {
+      if (cuts_[k].facing == Facing::kUnknown) cuts_[k].facing = FacingOf(closed[k]);
     }
     for (std::size_t k = 0; k < cuts_.size(); ++k) {
       cuts_[k].inside[static_cast<std::size_t>(inPlane)] = RegionOf(closed[k], cuts_[k].isOriented);
@@ -118,10 +127,34 @@ class BodyCutter {
     }
   }
 
+  // Adds the rings that open contours make together to those of their shells. Lines are noted once.
+  void CloseCuts(std::vector<SeenContour> open, InPlane inPlane, std::vector<std::vector<SeenContour>>& closed) {
+    const bool isFirst = inPlane == InPlane::kAbove;
+    const auto addRing = [&](SeenContour&& ring) {
+      const auto cut = std::lower_bound(cuts_.begin(), cuts_.end(), ring.shell,
+                                        [](const ShellCut& c, std::uint32_t shell) { return c.shell < shell; });
+      closed[static_cast<std::size_t>(cut - cuts_.begin())].push_back(std::move(ring));
+      cut->isOriented = false;
+    };
+    CutCells cells = TakeCells(open);
+    for (const SeenContour& contour : cells.used) lines_.Note(contour);
+    for (SeenContour& ring : cells.rings) addRing(std::move(ring));
+    for (std::size_t k = 0; isFirst && k < cells.walls.size(); ++k) lines_.AddWall(cells.walls[k]);
+    for (SeenContour& contour : JoinContours(std::move(open), kGap * model_.Diagonal())) {
+      if (isFirst && contour.bridged) lines_.CountBridge();
+      if (contour.closed) {
+        addRing(std::move(contour));
+      } else if (isFirst) {
+        lines_.AddOpen(contour);
+      }
+    }
+  }
+
   SeenContour Seen(const Contour& contour, std::uint32_t shell) const {
     SeenContour seen;
     seen.shell = shell;
     seen.closed = contour.closed;
+    seen.along = contour.along;
     const ZBR_PT3 centre = model_.Centre();
     for (const ZBR_PT3& p : contour.points) seen.points.push_back(view_.In(p - centre).xy());
     for (const std::uint32_t t : contour.triangles) seen.triangles.push_back(model_.source[model_.shellBegin[shell] + t]);
@@ -129,28 +162,59 @@ class BodyCutter {
   }
 
   // A hollow is mostly inside; what two bodies that pass through each other have in common is not most of either.
-  ShellCut* BodyAround(const ShellCut& hollow, const std::vector<Sized>& bodies) const {
+  static ShellCut* BodyAround(const ShellCut& hollow, const std::vector<Sized>& bodies) {
     const Sized inner(hollow);
     for (const Sized& body : bodies) {
-      if (body.area < inner.area || !body.Meets(inner)) continue;  // a body within the hollow may fill most of it
+      if (body.area < inner.area || body.cut == &hollow || !body.Meets(inner)) continue;  // a body within may fill most of it
       const ZBR_REGION common = zbrCombineRegions(body.cut->inside[0], hollow.inside[0], ZBR_BOOL_AND);
       if (2 * common.area() > inner.area) return body.cut;
     }
     return nullptr;
   }
 
-  void TakeHollows() {
-    std::vector<Sized> bodies;  // the smallest first
+  // All of it may be turned inside out: hollows are smaller than what they are in.
+  void TurnIfInsideOut() {
+    double area = 0.0;
+    for (const ShellCut& cut : cuts_) area += cut.inside[0].area() * (cut.facing == Facing::kInward ? -1.0 : 1.0);
+    if (area >= 0) return;
     for (ShellCut& cut : cuts_) {
-      if (model_.facing[cut.shell] == Facing::kOutward && !cut.inside[0].empty()) bodies.emplace_back(cut);
+      if (cut.facing != Facing::kUnknown) cut.facing = cut.facing == Facing::kOutward ? Facing::kInward : Facing::kOutward;
     }
-    std::stable_sort(bodies.begin(), bodies.end(), [](const Sized& a, const Sized& b) { return a.area < b.area; });
-    std::map<ShellCut*, std::vector<ShellCut*>> hollows;  // by what is around them
+  }
+
+  // What faces nowhere is a hollow if it lies in material; the largest are looked at first.
+  std::map<ShellCut*, std::vector<ShellCut*>> FindHollows() {
+    std::vector<Sized> bodies, unknown;  // the smallest first
     for (ShellCut& cut : cuts_) {
-      if (model_.facing[cut.shell] != Facing::kInward) continue;
+      if (cut.facing != Facing::kInward && !cut.inside[0].empty())
+        (cut.facing == Facing::kOutward ? bodies : unknown).emplace_back(cut);
+    }
+    const auto isSmaller = [](const Sized& a, const Sized& b) { return a.area < b.area; };
+    std::stable_sort(bodies.begin(), bodies.end(), isSmaller);
+    std::stable_sort(unknown.rbegin(), unknown.rend(), isSmaller);
+    std::map<ShellCut*, std::vector<ShellCut*>> hollows;  // by what is around them
+    for (const Sized& inner : unknown) {
+      ShellCut* const around = BodyAround(*inner.cut, bodies);
+      const bool isFree = around == nullptr || std::any_of(hollows[around].begin(), hollows[around].end(), [&](ShellCut* hollow) {
+                            return 2 * zbrCombineRegions(hollow->inside[0], inner.cut->inside[0], ZBR_BOOL_AND).area() > inner.area;
+                          });
+      if (isFree) {
+        bodies.insert(std::upper_bound(bodies.begin(), bodies.end(), inner, isSmaller), inner);
+      } else {
+        hollows[around].push_back(inner.cut);
+      }
+    }
+    for (ShellCut& cut : cuts_) {
+      if (cut.facing != Facing::kInward) continue;
       if (ShellCut* const around = BodyAround(cut, bodies)) hollows[around].push_back(&cut);
     }
-    for (const auto& [around, within] : hollows) {
+    return hollows;
+  }
+
+  void TakeHollows() {
+    TurnIfInsideOut();
+    for (const auto& [around, within] : FindHollows()) {
+      if (within.empty()) continue;
       for (std::size_t k = 0; k < 2; ++k) {
         std::vector<ZBR_REGION> taken;
         for (ShellCut* const hollow : within) {

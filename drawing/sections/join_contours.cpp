@@ -54,6 +54,7 @@ void BridgeIfSmall(SeenContour& contour) {
 }
 
 void Append(SeenContour& joined, SeenContour&& piece, bool backwards) {
+  joined.along += backwards ? -piece.along : piece.along;
   if (backwards) {
     std::reverse(piece.points.begin(), piece.points.end());
     std::reverse(piece.triangles.begin(), piece.triangles.end());

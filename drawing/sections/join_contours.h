@@ -15,6 +15,9 @@ struct SeenContour {
   std::uint32_t shell = 0;
   bool closed = false;
   bool bridged = false;  // closed across an opening
+  double along = 0.0;    // cuts with the inside on the left, less those run the other way
+
+  static constexpr std::uint32_t kNoShell = 0xffffffffU;
 };
 
 inline constexpr std::uint32_t kNoTriangle = 0xffffffffU;

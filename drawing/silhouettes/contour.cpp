@@ -15,6 +15,7 @@
 
 #include "drawing/curves/seen_circles.h"
 #include "drawing/points.h"
+#include "drawing/silhouettes/line_ends.h"
 #include "drawing/views/chains.h"
 
 namespace zbr::drawing {
@@ -35,6 +36,8 @@ constexpr double kRise = 0.25;
 // and it is shorter than that part of the size: then it runs beside a line.
 constexpr double kApart = 0.35;
 constexpr double kShort = 0.01;
+// How much farther a line may go between two places than what goes beside it.
+constexpr double kDetour = 1.5;
 constexpr double kChainTolerance = 1e-3;  // in scene units, as for all lines
 
 // Twice the area over the longest side.
@@ -44,8 +47,10 @@ double WidthOf(const ZBR_HL_TRI& t) {
   return longest2 > 0 ? (t.pt[1] - t.pt[0]).OuterProduct(t.pt[2] - t.pt[0]).Length() / std::sqrt(longest2) : 0.0;
 }
 
+// Ends to the bit.
 ZBR_PT NearestOn(const ZBR_SEG& segment, const ZBR_PT& p) {
-  return segment.s() + (segment.e() - segment.s()) * NearestPart(p, segment.s(), segment.e());
+  const double part = NearestPart(p, segment.s(), segment.e());
+  return part < 1 ? segment.s() + (segment.e() - segment.s()) * part : segment.e();
 }
 
 // Looks up what is drawn near a place, by square cells as large as the longest way that is looked.
@@ -54,11 +59,16 @@ class DrawnLines {
   static constexpr std::uint32_t kAnyShell = std::numeric_limits<std::uint32_t>::max();
 
   DrawnLines(const ViewLines& view, double scale, double reach) : cell_(reach) {
-    for (const Line& line : view.lines) {
+    for (std::uint32_t i = 0; i < view.lines.size(); ++i) {
+      const Line& line = view.lines[i];
       if (line.hidden) continue;
       const std::vector<ZBR_PT>& points = line.chain.points;
       const std::uint32_t shell = line.edgeClass == EdgeClass::kSilhouette ? line.shell : kAnyShell;
-      for (std::size_t k = 1; k < points.size(); ++k) Add({{points[k - 1] * scale, points[k] * scale}, shell});
+      double along = 0.0;
+      for (std::size_t k = 1; k < points.size(); ++k) {
+        Add({{points[k - 1] * scale, points[k] * scale}, shell, i, along});
+        along += points[k].Distance(points[k - 1]) * scale;
+      }
     }
   }
 
@@ -69,15 +79,21 @@ class DrawnLines {
     });
   }
 
+  struct Place {
+    ZBR_PT at;
+    std::uint32_t line = 0;  // of the view
+    double along = 0.0;      // from its start
+  };
+
   // The nearest point of a line that is not beyond `reach`, as far as there is one.
-  bool Nearest(const ZBR_PT& p, double reach, ZBR_PT& nearest) const {
+  bool Nearest(const ZBR_PT& p, double reach, Place& nearest) const {
     bool found = false;
     ForEachNear(p, [&](const Segment& segment) {
       const ZBR_PT at = NearestOn(segment.ends, p);
       const double distance = at.Distance(p);
       if (distance > reach) return true;
       reach = distance;
-      nearest = at;
+      nearest = {at, segment.line, segment.along + at.Distance(segment.ends.s())};
       found = true;
       return true;
     });
@@ -88,6 +104,8 @@ class DrawnLines {
   struct Segment {
     ZBR_SEG ends;
     std::uint32_t shell;  // of a silhouette
+    std::uint32_t line;
+    double along;  // at its start
   };
 
   // While what it is told says so. Whether it did to the end.
@@ -221,20 +239,23 @@ std::vector<FacetEdge> EdgesOf(const Model& model, const Scene& scene, std::size
 }
 
 bool IsBeside(const DrawnLines& drawn, const Chain& chain, double size) {
-  double length = 0.0;
-  for (std::size_t k = 1; k < chain.points.size(); ++k) length += chain.points[k].Distance(chain.points[k - 1]);
+  const double length = LengthOf(chain);
   const std::size_t half = chain.points.size() / 2;
   const ZBR_PT middle = chain.points.size() > 2 ? chain.points[half] : (chain.points.front() + chain.points.back()) * 0.5;
   return length < kShort * size && drawn.HasNear(middle, kApart * length);
 }
 
-// To the line that its end has come near to.
-void LeadOn(const DrawnLines& drawn, double reach, Chain& chain) {
-  if (chain.closed) return;
+// To the lines that its ends have come near to. False for what leaves a line for a little and comes back to it: it closes nothing.
+bool LeadOn(const DrawnLines& drawn, double reach, double size, Chain& chain) {
+  if (chain.closed) return true;
   std::vector<ZBR_PT>& points = chain.points;
-  ZBR_PT nearest;
-  if (drawn.Nearest(points.front(), reach, nearest)) points.insert(points.begin(), nearest);
-  if (drawn.Nearest(points.back(), reach, nearest)) points.push_back(nearest);
+  DrawnLines::Place first, last;
+  const bool hasFirst = drawn.Nearest(points.front(), reach, first), hasLast = drawn.Nearest(points.back(), reach, last);
+  if (hasFirst) points.insert(points.begin(), first.at);
+  if (hasLast) points.push_back(last.at);
+  if (!hasFirst || !hasLast || first.line != last.line) return true;
+  const double length = LengthOf(chain);
+  return length >= kShort * size || std::abs(first.along - last.along) > kDetour * length;
 }
 
 }  // namespace
@@ -284,12 +305,11 @@ void CloseContours(const Model& model, const Scene& scene, const std::vector<Edg
     }
     for (Chain& chain : chainer.ChainsOf(found)) {
       if (IsBeside(drawn, chain, size)) continue;
-      LeadOn(drawn, reach + kStep * size, chain);
-      for (ZBR_PT& p : chain.points) p.Set(p.x() / scene.scale, p.y() / scene.scale);
-      lines.push_back({EdgeClass::kSilhouette, false, shell, shell, std::move(chain)});
+      if (LeadOn(drawn, reach + kStep * size, size, chain))
+        lines.push_back({EdgeClass::kSilhouette, false, shell, shell, std::move(chain)});
     }
   }
-  AddVisible(view, std::move(lines));
+  AddToEnds(view, std::move(lines), scene.scale);
 }
 
 }  // namespace zbr::drawing

@@ -76,6 +76,16 @@ double RiseOver(const ZBR_ZBREPT& t, const std::array<std::uint32_t, 3>& corners
   return (VertexOf(t, 1).GetPt() - a).OuterProduct(VertexOf(t, 2).GetPt() - a).Length() / longest * bend / 8.0;
 }
 
+// How far the facet goes beside a line on it: slivers may reach far to both sides.
+double ExtentAcross(const ZBR_HL_TRI& facet, const ZBR_HL_TRI& line) {
+  const ZBR_PT3 along = line.pt[1] - line.pt[0];
+  const double length = along.Length();
+  if (!(length > 0)) return 0.0;
+  double farthest = 0.0;
+  for (const ZBR_PT3& p : facet.pt) farthest = std::max(farthest, along.OuterProduct(p - line.pt[0]).Length() / length);
+  return farthest;
+}
+
 // Whether most of the silhouette, by length, is on facets too coarse for it, and some of them have creases.
 bool IsCoarse(const Model& model, std::size_t s, const SmoothNormals& normals, const Cuts& cuts,
               const std::vector<std::array<ZBR_PT3, 2>>& places) {
@@ -170,7 +180,9 @@ void SmoothSilhouettes::PutInto(const Model& model, Scene& scene) {
   }
   nearer_.resize(lines_.size());
   for (std::size_t k = 0; k < lines_.size(); ++k) {
-    if (!isHollow_[k]) nearer_[k] = kNearer * WidthAround(scene, model, lines_[k].triangles[0]);
+    const ZBR_HL_TRI& line = scene.triangles[facets + first_ + k];
+    const std::uint32_t t = lines_[k].triangles[0];
+    if (!isHollow_[k]) nearer_[k] = std::max(kNearer * WidthAround(scene, model, t), ExtentAcross(scene.triangles[t], line));
     for (ZBR_PT3& p : scene.triangles[facets + first_ + k].pt) p += ZBR_PT3(0, 0, nearer_[k]);
   }
 }

@@ -6,6 +6,7 @@
 #include <zbr-drawing/removal.h>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -108,6 +109,17 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   return lines;
 }
 
+// A section is looked at along the normal of its plane, from afar.
+void CheckSection(const NamedDirection& direction) {
+  constexpr double kParallel = 1e-6;
+  if (!direction.section) return;
+  const bool isAlong = (direction.view.toViewer - direction.section->normal).Length() <= kParallel;  // not for NaN
+  if (!isAlong || direction.view.perspective)
+    throw Failure("'" + direction.name + "' is a section that is not seen along its plane's normal");
+  if (!(direction.section->depth > 0) || !std::isfinite(direction.section->offset))
+    throw Failure("'" + direction.name + "' is a section without a plane");
+}
+
 ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
                   unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
   at(DrawStage::kScene);
@@ -129,6 +141,7 @@ ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& 
 }  // namespace
 
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
+  for (const NamedDirection& direction : views) CheckSection(direction);
   std::vector<ViewLines> drawn(views.size());
   Found found;
   RunParallel(2, options.threads, [&](std::size_t which) {

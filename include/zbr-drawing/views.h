@@ -21,7 +21,7 @@ namespace zbr::drawing {
 struct NamedDirection {
   std::string name;
   View view;
-  std::optional<SectionPlane> section = std::nullopt;  // at a right angle to the view; its letter is the first of the name
+  std::optional<SectionPlane> section = std::nullopt;  // seen along its normal, in parallel; its letter is the first of the name
 };
 
 // What the work on a view is at; kDone comes last.
@@ -57,7 +57,8 @@ struct DrawingOptions {
   std::function<bool(std::size_t view, double share)> removal;
 };
 
-// The views in their order. A model without triangles gives views without lines.
+// The views in their order. A model without triangles gives views without lines. Fails for sections that are not seen along their
+// normal, or in perspective.
 std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options = {});
 
 // One of the standard views of a model with z up, by its name (view.h). Fails for any other name.

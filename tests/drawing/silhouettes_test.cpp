@@ -84,28 +84,29 @@ TEST(SmoothSilhouettes, OfCoarseFacetsThatEndInCreasesAreTheirEdges) {
   }
 }
 
-// The outline of wide facets lies farther from the curve than a line is wide: it is the same outline, and no gap in it.
-TEST(SmoothSilhouettes, OfACoarseSphereAreOneLine) {
-  constexpr int kSides = 16;
+// The outline of wide facets lies farther from the curve than a line is wide: it is the same outline, and no gap in it. Slivers at
+// the poles reach farther beside the curve than they are wide.
+TEST(SmoothSilhouettes, OfASphereAreOneLine) {
   const double pi = std::acos(-1.0);
-  std::vector<ZBR_PT> profile;
-  for (int k = 0; k <= kSides / 2; ++k) {
-    const double a = (k * 2.0 / kSides - 0.5) * pi;
-    profile.emplace_back(k % (kSides / 2) == 0 ? 0.0 : std::cos(a), std::sin(a));
-  }
-  Mesh mesh;
-  for (const ZBR_PT& p : profile) {
-    for (int k = 0; k < kSides; ++k)
-      mesh.points.emplace_back(p.x() * std::cos(k * 2 * pi / kSides), p.x() * std::sin(k * 2 * pi / kSides), p.y());
-  }
-  for (std::uint32_t k = 0; k < kSides * kSides / 2; ++k) {
-    const std::uint32_t next = (k + 1) % kSides == 0 ? k + 1 - kSides : k + 1;
-    mesh.triangles.push_back({k, next, next + kSides});
-    mesh.triangles.push_back({k, next + kSides, k + kSides});
-  }
-  for (const char* const name : {"iso", "dimetric", "front", "top"}) {
-    const ViewLines view = DrawSmooth(mesh, *NamedView(name));
-    EXPECT_EQ(Visible(view, EdgeClass::kSilhouette).size(), 1U) << name;
+  for (const std::uint32_t sides : {16U, 32U, 48U, 100U}) {
+    Mesh mesh;
+    for (std::uint32_t i = 0; i <= sides / 2; ++i) {
+      const double radius = i % (sides / 2) == 0 ? 0.0 : std::sin(i * 2 * pi / sides);
+      for (std::uint32_t k = 0; k < sides; ++k)
+        mesh.points.emplace_back(radius * std::cos(k * 2 * pi / sides), radius * std::sin(k * 2 * pi / sides),
+                                 -std::cos(i * 2 * pi / sides));
+    }
+    for (std::uint32_t k = 0; k < sides * sides / 2; ++k) {
+      const std::uint32_t next = (k + 1) % sides == 0 ? k + 1 - sides : k + 1;
+      mesh.triangles.push_back({k, next, next + sides});
+      mesh.triangles.push_back({k, next + sides, k + sides});
+    }
+    for (const ZBR_PT3& look : {ZBR_PT3(-1, -1, -1), ZBR_PT3(0, 1, 0), ZBR_PT3(0, 0, -1), ZBR_PT3(-0.2, 1, -0.1),
+                                ZBR_PT3(-0.4455, 0.7033, -0.04944), ZBR_PT3(0.01914, 0.3036, -0.01731)}) {
+      const std::vector<Line> lines = Visible(DrawSmooth(mesh, LookAlong(look, {0, 0.1, 1})), EdgeClass::kSilhouette);
+      ASSERT_EQ(lines.size(), 1U) << sides << ' ' << look.x();
+      EXPECT_TRUE(lines[0].chain.closed) << sides << ' ' << look.x();
+    }
   }
 }
 
@@ -159,7 +160,22 @@ TEST(SmoothSilhouettes, OfWallsSeenEdgeOn) {
   }
 }
 
-// Around all that a rough body covers there is a line, though creases cut its silhouettes to pieces.
+// Silhouettes that leave another one for a little and come back to it.
+std::size_t CountOfBumps(const ViewLines& view) {
+  std::vector<Line> lines = Visible(view, EdgeClass::kSilhouette);
+  std::size_t bumps = 0;
+  for (const Line& line : lines) {
+    if (line.chain.closed || LengthOf(line) > 0.01 * view.extent.Size()) continue;
+    bumps += static_cast<std::size_t>(std::any_of(lines.begin(), lines.end(), [&](const Line& other) {
+      const auto isOn = [&](const ZBR_PT& p) { return DistanceTo({other}, p) < 1e-9; };
+      return &other != &line && LengthOf(other) > 0.05 * view.extent.Size() && isOn(line.chain.points.front()) &&
+             isOn(line.chain.points.back());
+    }));
+  }
+  return bumps;
+}
+
+// Around all that a rough body covers there is a line, though creases cut its silhouettes to pieces, and no second one beside it.
 TEST(RoughSilhouettes, LeaveNoContourOpen) {
   std::mt19937 random(5);
   std::uniform_real_distribution<double> noise(-0.035, 0.035);
@@ -174,6 +190,7 @@ TEST(RoughSilhouettes, LeaveNoContourOpen) {
     options.smoothSilhouettes = smooth;
     for (const char* const name : {"top", "front", "iso", "dimetric"}) {
       const ViewLines view = DrawViews(model, {{name, *NamedView(name)}}, options).front();
+      EXPECT_EQ(CountOfBumps(view), 0U) << name << smooth;
       for (const auto& loop : view.outlines.front()) {
         for (const ZBR_PT& p : loop->pt()) EXPECT_LT(DistanceTo(view.lines, p), 0.005 * view.extent.Size()) << name << smooth;
       }
