@@ -226,9 +226,13 @@ void Cleaner::LookAtTurns() {
     const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
     ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
       std::size_t before = last - 1;
+      bool seen[2] = {false, false};
       for (std::size_t k = first; k < last && isCertain_; before = k++) {
+        seen[list[k].dir == ZBR_CROSS_TO_LEFT ? 0 : 1] = true;
         if (list[before].dir == list[k].dir) isCertain_ = RunSideBySide(RecordOf(list[before]), RecordOf(list[k]), side);
       }
+      // Both ways until touches were dropped: at the tip of a needle, a passage that counts as a touch takes one of them along.
+      isCertain_ = isCertain_ && seen[0] && seen[1];
     });
   }
 }

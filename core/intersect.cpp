@@ -12,11 +12,11 @@ bool IsOnSegment(const ZBR_PT& p, const ZBR_PT& a, const ZBR_PT& b, double eps2,
   if (SideOfLine(p, a, b, eps2) != 0) return false;
   const double s = (p - a).InnerProduct(d) / len2;
   const ZBR_PT f = a + d * s;
+  const bool isWithin = SamePoint(f, a, eps2) || SamePoint(f, b, eps2) || (0.0 < s && s < 1.0);
+  const bool isOn = isWithin && SamePoint(p, f, eps2);
   if (t != nullptr) *t = s;
-  if (foot != nullptr) *foot = f;
-  if (!SamePoint(p, f, eps2)) return false;
-  if (SamePoint(f, a, eps2) || SamePoint(f, b, eps2)) return true;
-  return 0.0 < s && s < 1.0;
+  if (foot != nullptr) *foot = f;  // which may be one of the points that were asked about
+  return isOn;
 }
 
 }  // namespace zbr

@@ -123,12 +123,12 @@ int BesideVertical(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, c
 
 int ZBR_HL_TRI::HiddenLine_EdgeByEdgeCoplaner(const ZBR_PT3& p, const ZBR_PT3& q, int k, const ZBR_HL_TRI& o,
                                               std::vector<ZBR_HL_INTERVAL>& out) {
-  return zbr::BesideEdge(*this, p, q, k, o, out);
+  return zbr::BesideEdge(*this, ZBR_PT3(p), ZBR_PT3(q), k, o, out);  // copies: the points may be those of a record of `out`
 }
 
 int ZBR_HL_TRI::HiddenLine_EdgeByTriCoplaner(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o,
                                              std::vector<ZBR_HL_INTERVAL>& out) {
-  return zbr::BesideVertical(*this, p, q, o, out, *zbr::ShellLists(shell));
+  return zbr::BesideVertical(*this, ZBR_PT3(p), ZBR_PT3(q), o, out, *zbr::ShellLists(shell));
 }
 
 int ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR_PT3& b,
@@ -150,8 +150,9 @@ int ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(const ZBR_PT3& p, const ZBR_PT3& q, c
   if (parts == 1) {
     out.emplace_back(zbr::PointAt(p, q, u0), zbr::PointAt(p, q, u1), u0, u1);
   } else {
+    const ZBR_HL_INTERVAL rest(zbr::PointAt(p, q, u1), q, u1, 1.0);  // before p and q go, which may be those of a record of `out`
     out.emplace_back(p, zbr::PointAt(p, q, u0), 0.0, u0);
-    out.emplace_back(zbr::PointAt(p, q, u1), q, u1, 1.0);
+    out.push_back(rest);
   }
   return parts;
 }

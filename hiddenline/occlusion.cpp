@@ -238,7 +238,8 @@ void ZBR_HL_TRI::HiddenLine_EdgeByTri(int i, const ZBR_HL_TRI& o, std::vector<ZB
 void ZBR_HL_TRI::HiddenLine_EdgeByTriInnerXY(const ZBR_HL_INTERVAL::PT_LIN& s, const ZBR_HL_INTERVAL::PT_LIN& e,
                                              const ZBR_HL_TRI& o, bool from_start, bool coplanar,
                                              std::vector<ZBR_HL_INTERVAL>& out) {
-  zbr::Outside(*this, {s, e, from_start, coplanar}, o, out, *zbr::ShellLists(shell));
+  const ZBR_HL_INTERVAL stretch(s, e);  // a copy: the ends may be those of a record of `out`
+  zbr::Outside(*this, {stretch.s, stretch.e, from_start, coplanar}, o, out, *zbr::ShellLists(shell));
 }
 
 bool ZBR_HL_TRI::HiddenLine_EdgeByLineXY(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_PT3& a, const ZBR_PT3& b,

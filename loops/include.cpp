@@ -6,6 +6,7 @@
 #include "loops/include.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/planar_inline.h"
 #include "loops/point_in_loop.h"
@@ -106,12 +107,48 @@ int SampleInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& s
   return 0;
 }
 
-bool IsLoopInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+int InsideVerdict(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
   const Box& in = a.box();
   const Box& out = b.box();
   if (!(out.xmin - eps <= in.xmax && out.ymin - eps <= in.ymax && in.xmin - eps <= out.xmax && in.ymin - eps <= out.ymax))
-    return false;
-  return SampleInside(a, b, eps, scratch) >= 0;
+    return -1;
+  return SampleInside(a, b, eps, scratch);
+}
+
+bool IsLoopInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {
+  return InsideVerdict(a, b, eps, scratch) >= 0;
+}
+
+// Where two rings share an edge, both have their insides on one side of it or each on its own. The middle of a's longest edge is
+// farthest from the places where b's boundary meets itself. What is about as thin as the tolerance lies on b's boundary on either
+// side of it, and fills nothing.
+bool FillsGap(const LoopProbe& a, double areaA, const LoopProbe& b, double areaB, double eps) {
+  constexpr double kTolerancesAcross = 8.0;
+  if (a.ring().empty()) return false;
+  ZBR_PT middle;
+  ZBR_PT along;
+  double length = 0.0;
+  const ZBR_PT* prev = &a.ring().back();
+  for (const ZBR_PT& v : a.ring()) {
+    length += v.Distance(*prev);
+    if ((v - *prev).Length2() > along.Length2()) {
+      along = v - *prev;
+      middle = (*prev + v) / 2.0;
+    }
+    prev = &v;
+  }
+  if (!(2.0 * std::fabs(areaA) > kTolerancesAcross * eps * length)) return false;
+  const double turn = (areaA < 0.0) == (areaB < 0.0) ? 1.0 : -1.0;
+  bool sharesInside = false;
+  bool sharesOutside = false;
+  prev = &b.ring().back();
+  for (const ZBR_PT& v : b.ring()) {
+    const double sense = turn * (v - *prev).InnerProduct(along);
+    if (sense != 0.0 && IsOnSegment(middle, *prev, v, eps * eps, nullptr, nullptr))
+      (sense > 0.0 ? sharesInside : sharesOutside) = true;
+    prev = &v;
+  }
+  return sharesOutside && !sharesInside;
 }
 
 ZBR_POLY_REL LoopRelation(LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch) {

@@ -61,6 +61,12 @@ class LoopProbe {
 // first that is clearly outside gives -1. 0: all of a lies on b's boundary.
 int SampleInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
 
+// The same, -1 at once for loops whose boxes are apart.
+int InsideVerdict(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
+// Of loops of which all of a lies on b's boundary: whether a fills a gap that b surrounds, a ring that touches itself. Areas are
+// wanted for their signs.
+bool FillsGap(const LoopProbe& a, double areaA, const LoopProbe& b, double areaB, double eps);
+
 // zbrIsInside and zbrCheckInclude for two loops.
 bool IsLoopInside(const LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);
 ZBR_POLY_REL LoopRelation(LoopProbe& a, LoopProbe& b, double eps, IncludeScratch& scratch);

@@ -107,7 +107,9 @@ class Inserter {
   // Notes whether x lies inside y.
   void Decide(std::uint32_t x, std::uint32_t y) {
     ZBR_COUNT(pairs, 1);
-    if (x == y || !IsLoopInside(probes_[x], probes_[y], eps_, scratch_)) return;
+    if (x == y) return;
+    const int verdict = InsideVerdict(probes_[x], probes_[y], eps_, scratch_);
+    if (verdict < 0 || (verdict == 0 && FillsGap(probes_[x], loops_[x]->area(), probes_[y], loops_[y]->area(), eps_))) return;
     inclusions_.push_back(x > y ? Inclusion{x, y, true} : Inclusion{y, x, false});
   }
 

@@ -50,4 +50,20 @@ TEST(Planar, AgreesWithWholeNumbers) {
   EXPECT_GT(onBoundary, Scaled(20000) / 200);
 }
 
+// The foot replaces the point that was put on the line, or an end: the answer is that for the points as they were.
+TEST(Planar, FootMayBeAPointAskedAbout) {
+  const double eps = 1e-5;  // of the guard below
+  const ZBR_TmpEps guard(eps);
+  for (const double along : {-1.5, -0.5, 0.5, 500.0, 999.5, 1000.5, 1001.5}) {
+    for (const double off : {0.0, 0.75, 1.5}) {
+      const ZBR_PT points[3] = {ZBR_PT(along * eps, off * eps), ZBR_PT(0, 0), ZBR_PT(1000.0 * eps, 0)};
+      const bool isOn = off < 1.0 && along > -1.0 && along < 1001.0;
+      for (int k = 0; k < 3; ++k) {
+        ZBR_PT p[3] = {points[0], points[1], points[2]};
+        EXPECT_EQ(zbrIsOnSeg(p[0], p[1], p[2], &p[k], nullptr), isOn) << along << ' ' << off << ' ' << k;
+      }
+    }
+  }
+}
+
 }  // namespace

@@ -27,6 +27,16 @@ std::vector<double> EndsOf(const Intervals& list) {
 }
 using Ends = std::vector<double>;
 
+// The list grows while the pieces are appended.
+TEST(Interval, PiecesOfARecordGoToItsOwnList) {
+  Intervals list = Make({0.0, 1.0});
+  list.shrink_to_fit();
+  ZBR_HL_TRI::HiddenLine_DifferenceOfSeg(list[0].s.pt, list[0].e.pt, kEnd * 0.25, kEnd * 0.5, list);
+  EXPECT_EQ(EndsOf(list), (Ends{0.0, 1.0, 0.0, 0.25, 0.5, 1.0}));
+  EXPECT_EQ(list[2].s.pt.z(), 15.0);
+  EXPECT_EQ(list[2].e.pt.z(), 30.0);
+}
+
 TEST(Interval, DifferencesByName) {
   const struct {
     double a0, a1, b0, b1;
