@@ -73,7 +73,9 @@ class ClearSearch {
   // Whether there will be more than half as many chains and edges near others as there are edges, or the search takes too long.
   bool IsGivenUp() const {
     constexpr std::size_t kPairsPerEdge = 16;
-    return AreMany(near_ + turns_, edges_.size()) || pairs_ > kPairsPerEdge * edges_.size();
+    constexpr std::size_t kLeafPairsPerEdge = 64;
+    return AreMany(near_ + turns_, edges_.size()) || pairs_ > kPairsPerEdge * edges_.size() ||
+           leafPairs_ > kLeafPairsPerEdge * edges_.size();
   }
   static bool AreMany(std::size_t count, std::size_t edges) { return 2 * count > edges; }
 
@@ -111,6 +113,7 @@ class ClearSearch {
   std::vector<bool> isNear_;  // by edge: to something else
   std::size_t near_ = 0;
   std::size_t pairs_ = 0;
+  std::size_t leafPairs_ = 0;
   std::size_t turns_ = 0;  // where edges turn back along the sweep or begin anew
   std::vector<Leaf> leaves_;
   std::vector<std::uint32_t> goesTo_;  // by leaf: the one behind those that it goes one way with
@@ -227,6 +230,7 @@ void ClearSearch::Across(std::uint32_t a, std::uint32_t b) {
     Box box;
     std::uint32_t edge;
   };
+  ++leafPairs_;
   const Box* leaves = tree_.Level(0);
   Boxed meeting[kLeafEdges];
   std::size_t count = 0;

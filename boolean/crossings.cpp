@@ -103,7 +103,7 @@ class CrossingSearch {
  private:
   // False when there is a limit to what is looked at in vain, and that is reached.
   bool SearchBoxes(bool isLimited) {
-    constexpr std::size_t kPairsPerLeaf = 1024;
+    constexpr std::size_t kPairsPerLeaf = 256;
     constexpr std::size_t kPairsPerCrossing = 8;
     const std::size_t before = out_.size();
     const std::size_t most = kPairsPerLeaf * (std::size_t{indexA_.tree().Count(0)} + indexB_.tree().Count(0));

@@ -142,6 +142,32 @@ void Crowd(int n) {  // vertices by the thousand within one tolerance
   zbrCombineRegions(RegionFor({ring}), RegionFor({Square(1, 1, 1)}), ZBR_BOOL_OR, options);
 }
 
+// Rings of 16 edges around each other, and the same moved by half their distance: of slanted edges beside each other all boxes
+// overlap.
+std::vector<Ring> NestedRings(int n, double shift) {
+  std::vector<Ring> rings;
+  for (int k = 1; k <= n; ++k) {
+    Ring& ring = rings.emplace_back();
+    for (int i = 0; i < 16; ++i)
+      ring.push_back(ZBR_PT(std::cos(i * std::acos(-1.0) / 8.0), std::sin(i * std::acos(-1.0) / 8.0)) * k);
+    for (ZBR_PT& p : ring) p = p + ZBR_PT(shift, 0.6 * shift);
+  }
+  return rings;
+}
+
+void NestedRingsByLoops(int n) {
+  std::vector<ZBR_CROSS> crosses;
+  zbrGetLoopsCross(MakeLoops(NestedRings(n, 0.0)), MakeLoops(NestedRings(n, 0.5)), crosses);
+}
+
+void NestedRingsByRegions(int n) {
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = ZBR_FILL_NON_ZERO;
+  ZBR_REGION result;
+  const ZBR_BOOLEAN_OPE op = ZBR_BOOL_XOR;
+  zbrCombineRegions(RegionFor(NestedRings(n, 0.0)).view(), RegionFor(NestedRings(n, 0.5)).view(), &op, &result, 1, options);
+}
+
 class CostOf : public testing::TestWithParam<Family> {};
 
 TEST_P(CostOf, GrowsWithTheInput) {
@@ -210,7 +236,8 @@ INSTANTIATE_TEST_SUITE_P(Families, CostOf,
                                          Family{"nest", NestSquares, 400}, Family{"locate", Locate, 500}, Family{"clip", Clip, 500},
                                          Family{"outline", Outline, 400}, Family{"hidden", HiddenLines, 400},
                                          Family{"copies", Copies, 100}, Family{"copies_united", CopiesUnited, 400},
-                                         Family{"crowd", Crowd, 500}),
+                                         Family{"crowd", Crowd, 500}, Family{"nested_loops", NestedRingsByLoops, 250},
+                                         Family{"nested_regions", NestedRingsByRegions, 400}),
                          testing::PrintToStringParamName());
 
 }  // namespace
