@@ -140,7 +140,8 @@ class BodyCutter {
     for (const SeenContour& contour : cells.used) lines_.Note(contour);
     for (SeenContour& ring : cells.rings) addRing(std::move(ring));
     for (std::size_t k = 0; isFirst && k < cells.walls.size(); ++k) lines_.AddWall(cells.walls[k]);
-    for (SeenContour& contour : JoinContours(std::move(open), kGap * model_.Diagonal())) {
+    std::vector<SeenContour> joined = JoinContours(std::move(open), kGap * model_.Diagonal());
+    for (SeenContour& contour : joined) {
       if (isFirst && contour.bridged) lines_.CountBridge();
       if (contour.closed) {
         addRing(std::move(contour));
