@@ -98,7 +98,7 @@ class ClearSearch {
   void LookAt(std::uint32_t i, std::uint32_t j);
   bool LiesAside(std::uint32_t i, std::uint32_t j) const;
   bool Meet(std::uint32_t i, std::uint32_t j);
-  void NoteMeeting(std::uint32_t i, std::uint32_t j);
+  void NoteMeeting(std::uint32_t p, std::uint32_t q);
   void PairUp(std::uint32_t i, std::uint32_t j);
   void TakeTwinsAlong();
   bool RunsBack(std::uint32_t edge) const;

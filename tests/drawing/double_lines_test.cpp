@@ -187,6 +187,47 @@ TEST(DoubleLines, RowsKeepTheHeaviestLineAtEachPlace) {
   }
 }
 
+// Lines side by side, each another body's, many of them near enough to the next one but not to the one behind it: what goes has a
+// line that stays in its place, however one goes for another that itself goes in part.
+TEST(DoubleLines, NothingGoesWithoutALineInItsPlace) {
+  constexpr int kLength = 20;
+  constexpr std::uint32_t kLines = 30;
+  const Model model = MakeModel(example::BoxesOnPlate(6), 30.0);
+  ASSERT_GT(model.ShellCount(), kLines);
+  const Scene scene = MakeScene(model, *NamedView("top"));
+  const double contact = std::max(scene.contact, kSceneTolerance);
+  const DrawnSegments drawn(model, scene, nullptr, 1);
+  std::mt19937 random(4);
+  std::size_t gone = 0;
+  for (int round = 0; round < 50; ++round) {
+    std::vector<DrawnSegment> lines;
+    for (std::uint32_t k = 0; k < kLines; ++k) {
+      const int from = static_cast<int>(random() % kLength), to = from + 1 + static_cast<int>(random() % (kLength - from));
+      const double aside = static_cast<double>(random() % 16) * 0.4 * contact;
+      DrawnSegment line;
+      line.shell = line.other = k;
+      line.segment.segment = ZBR_SEG(ZBR_PT(from, aside), ZBR_PT(to, aside));
+      lines.push_back(line);
+    }
+    std::vector<DrawnSegment> left = lines;
+    LeaveOutVisibleDoubles(drawn, 1, left);
+    for (const DrawnSegment& line : lines) {
+      const ZBR_SEG& g = line.segment.segment;
+      for (double x = g.s().x() + 0.5; x < g.e().x(); ++x) {
+        const auto isAt = [&](const DrawnSegment& other, double reach) {
+          const ZBR_SEG& h = other.segment.segment;
+          return h.s().x() < x && x < h.e().x() && std::fabs(h.s().y() - g.s().y()) <= reach;
+        };
+        const auto isNear = [&](const DrawnSegment& other) { return isAt(other, 1.01 * contact); };
+        const auto isItself = [&](const DrawnSegment& other) { return other.shell == line.shell && isAt(other, 0.0); };
+        EXPECT_TRUE(std::any_of(left.begin(), left.end(), isNear)) << round << ' ' << line.shell << ' ' << x;
+        gone += std::any_of(left.begin(), left.end(), isItself) ? 0 : 1;
+      }
+    }
+  }
+  EXPECT_GT(gone, 1000U);
+}
+
 // Discs on top of each other, divided differently: the corners of the farther one are seen between those of the nearer one, whose
 // rim is whole. That one stays, whichever body is named first and from whichever side it is looked at.
 TEST(DoubleLines, OfTwoRimsTheWholeOneStays) {

@@ -15,6 +15,7 @@
 #include <string>
 #include <tuple>
 
+#include "drawing/sections/join_contours.h"
 #include "drawing/sections/simple_ring.h"
 #include "models/models.h"
 #include "models/solid.h"
@@ -160,6 +161,26 @@ TEST(Sections, HollowsInvertedBodiesAndOpenOnes) {
   for (const char* const plane : {"X=2.5", "Y=2.5", "Z=2.5"}) EXPECT_NEAR(AreaOf(cracked, plane), 36.0, 1e-3) << plane;
 }
 
+// Whatever rounding of its corners to single precision makes of a face, it is cut as one in the plane: as just below it.
+TEST(Sections, FacesNearlyInThePlane) {
+  example::Solid step;
+  step.Stack(example::Axis::kZ, {0, 2, 5}, {example::Rectangle(0, 0, 4, 4), example::Rectangle(1, 1, 3, 3)});
+  const Mesh straight = step.Take();
+  for (int k = 1; k < 40; ++k) {
+    Mesh mesh = straight, up;
+    up.points = {{0, 0, 1}};
+    for (Mesh* const turned : {&mesh, &up}) example::Turn(*turned, {1, 0.3, -0.2}, 0.02 * k);
+    for (ZBR_PT3& p : mesh.points) p.Set(static_cast<float>(p.x()), static_cast<float>(p.y()), static_cast<float>(p.z()));
+    SectionPlane plane;
+    plane.normal = up.points[0];
+    plane.offset = 2;
+    const SectionCut cut = CutOf(mesh, plane);
+    ASSERT_EQ(cut.faces.size(), 1U) << k;
+    EXPECT_NEAR(cut.faces[0].region.area(), 4.0, 1e-5) << k;
+    EXPECT_NEAR(cut.covers[0].area(), 16.0, 1e-5) << k;
+  }
+}
+
 // Upright sheets along a square's sides, with slits between them: as wide as those that are closed, or an opening of a scan.
 TEST(Sections, SlitsAndOpenings) {
   const double gap = 1e-4 * std::sqrt(3.0);
@@ -181,6 +202,21 @@ TEST(Sections, SlitsAndOpenings) {
   EXPECT_EQ(std::tuple(open.openLines, open.bridged, AreaOf(open)), std::tuple(1U, 0U, 0.0));
   EXPECT_NEAR(AreaOf(closed), 1.0, 1e-12);
   EXPECT_NEAR(AreaOf(bridged), 1.0, 1e-12);
+}
+
+TEST(Sections, OpenContoursAreJoinedAtTheNearestEnds) {
+  const auto contour = [](const ZBR_PT& from, const ZBR_PT& to) { return SeenContour{{from, to}, {0}, 0, false, false}; };
+  std::vector<SeenContour> open = {contour({0, 0}, {1, 0}), contour({1, 0.9}, {1, 5}), contour({1.2, 0}, {5, 0})};
+  do {
+    std::vector<std::size_t> sizes;
+    for (const SeenContour& joined : JoinContours(open, 1.0)) {
+      sizes.push_back(joined.points.size());
+      EXPECT_EQ(sizes.back() == 2, std::max(joined.points.front().y(), joined.points.back().y()) == 5);
+    }
+    std::sort(sizes.begin(), sizes.end());
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 4}));
+    std::rotate(open.begin(), open.begin() + 1, open.end());
+  } while (open[0].points[0].x() != 0);
 }
 
 // Whether a place lies in the body, by the crossings of a ray in a direction that meets no edge.

@@ -298,6 +298,7 @@ TEST(Driver, CloserOfTwoObjects) {
   EXPECT_EQ(closer(high, low, overlap), 1);
   EXPECT_EQ(closer(low, high, overlap), 2);
   EXPECT_EQ(closer(low, low, overlap), 0);
+  EXPECT_EQ(closer(high, low, MakeLoops({{{0, 0}, {0, 1}, {1, 0}}})), 1) << "clockwise: samples lie inside all the same";
   EXPECT_EQ(closer(high, low, crosses), 1);
   EXPECT_EQ(closer(low, high, crosses), 2);
   crosses[0].pt = {5, 5};

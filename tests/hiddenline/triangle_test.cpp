@@ -248,6 +248,28 @@ TEST(Pair, NeighbourCases) {
   }
 }
 
+// A line that two triangles have in common is given up only to one that draws it, whichever of them is a wall.
+TEST(Pair, CoincidentLinesAreLeftToWhatDrawsThem) {
+  const ZBR_PT3 a(0, 0, 0), b(4, 0, 0), face(2, 4, 0), wall(2, 0, -4);
+  for (const ZBR_PT3& own : {face, wall}) {
+    for (const ZBR_PT3& others : {face, wall}) {
+      for (const bool isFirst : {false, true}) {
+        Body body({{a, b, own}, {a, b, others}});
+        body.tris[0].idx = isFirst ? 0 : 2;
+        body.tris[1].idx = 1;
+        for (const bool isDrawn : {false, true}) {
+          body.tris[1].dispj[0] = isDrawn;
+          body.Classified();
+          Intervals left;
+          body.tris[0].HiddenLine_EdgeByEdgeCoplaner(a, b, 0, body.tris[1], left);
+          const bool keepsLine = own.y() != others.y() ? others.y() != 0 : !isFirst;
+          EXPECT_EQ(EndsOf(left), isDrawn && keepsLine ? Ends() : Ends({0, 1})) << own.y() << others.y() << isFirst << isDrawn;
+        }
+      }
+    }
+  }
+}
+
 TEST(Pair, LinesStayOnANeighbourFoldedFlat) {
   Body body({{ZBR_PT3(0, 0, 0), ZBR_PT3(4, 0, 1), ZBR_PT3(0, 4, 0.1)}, {ZBR_PT3(4, 0, 1), ZBR_PT3(0, 0, 0), ZBR_PT3(1, 2, 0.3)}});
   body.tris[0].adj[0] = 1;
