@@ -22,18 +22,11 @@ struct ZBR_HL_INTERVAL {
   PT_LIN e;
 
   ZBR_HL_INTERVAL() = default;
-  ZBR_HL_INTERVAL(const ZBR_PT3& ps, const ZBR_PT3& pe, double ts, double te) { Set(ps, pe, ts, te); }
+  ZBR_HL_INTERVAL(const ZBR_PT3& ps, const ZBR_PT3& pe, double ts, double te) : s{ps, ts}, e{pe, te} {}
   ZBR_HL_INTERVAL(const PT_LIN& start, const PT_LIN& end) : s(start), e(end) {}
-  void Set(const ZBR_PT3& ps, const ZBR_PT3& pe, double ts, double te) {
-    s.pt = ps;
-    s.t = ts;
-    e.pt = pe;
-    e.t = te;
-  }
-  void Set(const PT_LIN& start, const PT_LIN& end) {
-    s = start;
-    e = end;
-  }
+  // Both also with the interval's own ends, exchanged.
+  void Set(const ZBR_PT3& ps, const ZBR_PT3& pe, double ts, double te) { *this = ZBR_HL_INTERVAL(ps, pe, ts, te); }
+  void Set(const PT_LIN& start, const PT_LIN& end) { *this = ZBR_HL_INTERVAL(start, end); }
 };
 
 // Replaces a by the intersection of a and b, both sorted and disjoint (not checked). Overlaps of at most eps are dropped, intervals

@@ -100,10 +100,7 @@ class ZBR_SEG {
  public:
   ZBR_SEG() = default;
   ZBR_SEG(const ZBR_PT& s, const ZBR_PT& e) : s_(s), e_(e) {}
-  void Set(const ZBR_PT& s, const ZBR_PT& e) {
-    s_ = s;
-    e_ = e;
-  }
+  void Set(const ZBR_PT& s, const ZBR_PT& e) { *this = ZBR_SEG(s, e); }  // also its own ends, exchanged
   void Set(double sx, double sy, double ex, double ey) {
     s_.Set(sx, sy);
     e_.Set(ex, ey);

@@ -113,10 +113,7 @@ class ZBR_SEG3 {
  public:
   ZBR_SEG3() = default;
   ZBR_SEG3(const ZBR_PT3& s, const ZBR_PT3& e) : s_(s), e_(e) {}
-  void Set(const ZBR_PT3& s, const ZBR_PT3& e) {
-    s_ = s;
-    e_ = e;
-  }
+  void Set(const ZBR_PT3& s, const ZBR_PT3& e) { *this = ZBR_SEG3(s, e); }  // also its own ends, exchanged
   ZBR_PT3 s() { return s_; }
   ZBR_PT3 e() { return e_; }
   const ZBR_PT3& s() const { return s_; }

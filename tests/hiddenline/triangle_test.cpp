@@ -27,6 +27,23 @@ std::vector<double> EndsOf(const Intervals& list) {
 }
 using Ends = std::vector<double>;
 
+// Records may be given their own ends.
+TEST(Interval, IsReversedInPlace) {
+  ZBR_HL_INTERVAL v(kStart, kEnd, 0.25, 0.75);
+  v.Set(v.e, v.s);
+  EXPECT_TRUE(v.s.pt == kEnd && v.s.t == 0.75 && v.e.pt == kStart && v.e.t == 0.25);
+  v.Set(v.e.pt, v.s.pt, v.e.t, v.s.t);
+  EXPECT_TRUE(v.s.pt == kStart && v.s.t == 0.25 && v.e.pt == kEnd && v.e.t == 0.75);
+  ZBR_SEG3 segment(kStart, kEnd);
+  const ZBR_SEG3& ends = segment;
+  segment.Set(ends.e(), ends.s());
+  EXPECT_TRUE(ends.s() == kEnd && ends.e() == kStart);
+  ZBR_SEG flat(ZBR_PT(1, 2), ZBR_PT(3, 4));
+  const ZBR_SEG& flatEnds = flat;
+  flat.Set(flatEnds.e(), flatEnds.s());
+  EXPECT_TRUE(flatEnds.s() == ZBR_PT(3, 4) && flatEnds.e() == ZBR_PT(1, 2));
+}
+
 // The list grows while the pieces are appended.
 TEST(Interval, PiecesOfARecordGoToItsOwnList) {
   Intervals list = Make({0.0, 1.0});
