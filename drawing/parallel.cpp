@@ -30,6 +30,11 @@ struct Helpers {
 }  // namespace
 
 void RunParallel(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work) {
+  if (threads < 2 || count < 2) {  // a hundred thousand small bodies come here, too
+    const ZBR_TmpEps hold(kSceneTolerance);
+    for (std::size_t i = 0; i < count; ++i) work(i);
+    return;
+  }
   std::atomic<std::size_t> next{0};
   std::exception_ptr failure;
   std::mutex failureMutex;
@@ -45,7 +50,7 @@ void RunParallel(std::size_t count, unsigned threads, const std::function<void(s
   };
   {
     Helpers helpers;
-    const std::size_t helperCount = std::min<std::size_t>(std::max(threads, 1U), count);
+    const std::size_t helperCount = std::min<std::size_t>(threads, count);
     try {
       for (std::size_t i = 1; i < helperCount; ++i) helpers.threads.emplace_back(run);
     } catch (const std::system_error&) {  // the system gives no more threads; those there are will do

@@ -1,6 +1,11 @@
-#include "drawing/touched.h"
+#include <zbr-drawing/threads.h>
 
 #include <algorithm>
+#include <cstdint>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 // Containers of some libraries mark what they have reserved as off limits, for the sanitizer alone.
 #if defined(__GNUC__) || defined(__clang__)
@@ -16,15 +21,29 @@ namespace {
 constexpr std::size_t kPage = 4096;  // no larger than pages are anywhere
 constexpr std::size_t kShare = 256 * kPage;
 
+// Asked for a range, Linux has its pages ready in three quarters of the time that their first writes take one by one. False where
+// the system does not know of that, or has larger pages.
+bool Populate([[maybe_unused]] unsigned char* begin, [[maybe_unused]] std::size_t bytes) {
+#if defined(MADV_POPULATE_WRITE)
+  const std::size_t before = reinterpret_cast<std::uintptr_t>(begin) % kPage;
+  return ::madvise(begin - before, bytes + before, MADV_POPULATE_WRITE) == 0;
+#else
+  return false;
+#endif
+}
+
 ZBR_UNCHECKED void Touch(volatile unsigned char* begin, std::size_t bytes) {
   for (std::size_t at = 0; at < bytes; at += kPage) begin[at] = 0;
 }
 
 }  // namespace
 
-void TouchPages(unsigned char* begin, std::size_t bytes, unsigned threads) {
-  RunParallel((bytes + kShare - 1) / kShare, threads,
-              [&](std::size_t k) { Touch(begin + k * kShare, std::min(kShare, bytes - k * kShare)); });
+void TouchPages(void* begin, std::size_t bytes, unsigned threads) {
+  RunParallel((bytes + kShare - 1) / kShare, threads, [&](std::size_t k) {
+    unsigned char* const share = static_cast<unsigned char*>(begin) + k * kShare;
+    const std::size_t size = std::min(kShare, bytes - k * kShare);
+    if (!Populate(share, size)) Touch(share, size);
+  });
 }
 
 }  // namespace zbr::drawing

@@ -1,6 +1,4 @@
-// Memory that the system hands out page by page, as it is written to for the first time.
-//
-// Clearing its pages takes as long as filling a large array, and vectors fill theirs on one thread.
+// Large vectors, whose memory threads make ready: vectors fill theirs on one.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +8,18 @@
 
 namespace zbr::drawing {
 
-// Writes to every page from `begin` on, on all threads.
-void TouchPages(unsigned char* begin, std::size_t bytes, unsigned threads);
+// values.reserve(count) with the pages of new memory ready.
+template <class T>
+void ReserveTouched(std::vector<T>& values, std::size_t count, unsigned threads) {
+  if (count <= values.capacity()) return;
+  values.reserve(count);
+  TouchPages(values.data() + values.size(), (count - values.size()) * sizeof(T), threads);
+}
 
-// values.resize(count) with the pages of new memory written to by all threads first.
+// values.resize(count) likewise.
 template <class T>
 void ResizeTouched(std::vector<T>& values, std::size_t count, unsigned threads) {
-  if (threads > 1 && count > values.capacity()) {
-    values.reserve(count);
-    TouchPages(reinterpret_cast<unsigned char*>(values.data() + values.size()), (count - values.size()) * sizeof(T), threads);
-  }
+  ReserveTouched(values, count, threads);
   values.resize(count);
 }
 

@@ -1,6 +1,7 @@
 // Reading whole files.
 #include <zbr-formats/files.h>
 
+#include <zbr-drawing/threads.h>
 #include <zbr-formats/types.h>
 
 #include <algorithm>
@@ -31,7 +32,7 @@ std::size_t SizeOf(const std::string& name) {
 
 }  // namespace
 
-std::string ReadFile(const std::string& name, std::size_t most) {
+std::string ReadFile(const std::string& name, std::size_t most, unsigned threads) {
   const bool standardInput = name == "-";
   if (!standardInput && IsDirectory(name)) throw Failure(name, "is a directory");
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> owned(nullptr, &std::fclose);
@@ -49,6 +50,10 @@ std::string ReadFile(const std::string& name, std::size_t most) {
   std::size_t block = std::max(SizeOf(name) + 1, kBlock);  // one more byte than there are: the end shows at once
   for (bool isMore = true; isMore && contents.size() < most; block = kBlock) {
     const std::size_t before = contents.size(), wanted = std::min(most - before, block);
+    if (before == 0) {
+      contents.reserve(wanted);
+      TouchPages(contents.data(), wanted, threads);
+    }
     contents.resize(before + wanted);
     const std::size_t got = std::fread(contents.data() + before, 1, wanted, stream);
     contents.resize(before + got);

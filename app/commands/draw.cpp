@@ -16,6 +16,7 @@
 #include "app/commands/report.h"
 #include "app/io/output_files.h"
 #include "app/io/progress.h"
+#include "app/kept.h"
 #include "app/libraries.h"
 
 namespace tool {
@@ -200,7 +201,7 @@ int RunDraw(const DrawOptions& options) {
   times.read = watch.Lap();
 
   progress.Stage("joining triangles");
-  const Model model = MakeModel(objects.mesh, options.crease, options.weld, plan.threads);
+  const Model& model = Kept(MakeModel(objects.mesh, options.crease, options.weld, plan.threads));
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
   plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
   objects.mesh = {};  // all there is to know is in the model
@@ -216,7 +217,7 @@ int RunDraw(const DrawOptions& options) {
   watch.Lap();
 
   progress.Stage("writing");
-  const Sheet sheet = LayOut(std::move(views), plan.sheet);
+  const Sheet& sheet = Kept(LayOut(std::move(views), plan.sheet));
   NoteUnmarked(sheet, progress);
   NoteShortened(sheet, progress);
   OutputFiles files;

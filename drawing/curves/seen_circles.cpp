@@ -83,7 +83,7 @@ SeenCircles::Seen SeenCircles::Look(const Circle& circle) const {
 
 // Where a chord is cut, the arc is cut at the point that lies outwards of it.
 void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment) const {
-  if (circles_ == nullptr) return;
+  if (circles_ == nullptr || circles_->all.empty()) return;
   const ZBR_ZBREPT& record = *model_.Shell(shell).GetTriangle(static_cast<int>(triangle));
   const std::size_t place = model_.edgeBegin[shell] + static_cast<std::size_t>(EdgeOf(record, edge).GetIndex());
   const std::uint32_t circle = circles_->ofEdge[place];

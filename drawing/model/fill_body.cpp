@@ -43,10 +43,10 @@ std::vector<EdgeUse> FillWhole(Gathered& gathered, unsigned threads, Model& mode
     model.body = ZBR_ZBREPB();
     model.body.SetShellCnt(1);
     filler.Fill(gathered.triangles, *model.body.GetShell(0), threads);
-    return FindJunctions(model.Shell(0));
+    return FindJunctions(model.Shell(0), threads);
   };
   std::vector<EdgeUse> junctions = fill();
-  const std::vector<std::uint32_t> repeated = FindRepeated(model.Shell(0), gathered.triangles, junctions);
+  const std::vector<std::uint32_t> repeated = FindRepeated(model.Shell(0), gathered.triangles, junctions, threads);
   if (repeated.empty()) return junctions;
   model.repeated = repeated.size();
   Remove(repeated, gathered);
@@ -121,9 +121,9 @@ bool FillShells(const Gathered& gathered, std::size_t count, unsigned threads, M
 
 // Whether triangles filled into a shell are one, and all of them stay.
 bool IsOneShell(const ZBR_ZBREPS& shell, std::span<const Corners> triangles) {
-  const std::vector<EdgeUse> junctions = FindJunctions(shell);
+  const std::vector<EdgeUse> junctions = FindJunctions(shell, 1);
   std::uint32_t parts = 0;
-  if (!junctions.empty() || !FindRepeated(shell, triangles, junctions).empty()) return false;
+  if (!junctions.empty() || !FindRepeated(shell, triangles, junctions, 1).empty()) return false;
   NumberParts(shell, junctions, 1, parts);
   return parts == 1;
 }

@@ -7,6 +7,8 @@
 #include <zbr-drawing/model.h>
 
 #include <algorithm>
+#include <atomic>
+#include <mutex>
 
 #include "drawing/model/disjoint_sets.h"
 #include "drawing/parallel.h"
@@ -18,9 +20,20 @@ bool IsNoted(const ZBR_ZBREPE& edge, const ZBR_ZBREPT& triangle) {
   return edge.GetTriangle0() == &triangle || edge.GetTriangle1() == &triangle;
 }
 
-std::size_t CountNotes(const ZBR_ZBREPS& shell) {
-  std::size_t count = 0;
-  for (int e = 0; e < shell.GetEdgeCnt(); ++e) count += shell.GetEdge(e)->GetTriangle1() != nullptr ? 2 : 1;
+// RunInRanges, but for the hundred thousand small shells of some models.
+template <class Work>
+void InRanges(std::size_t count, unsigned threads, const Work& work) {
+  if (count <= kRange) return work(0, count);
+  RunInRanges(count, threads, [&](std::size_t, std::size_t begin, std::size_t end) { work(begin, end); });
+}
+
+std::size_t CountNotes(const ZBR_ZBREPS& shell, unsigned threads) {
+  std::atomic<std::size_t> count{0};
+  InRanges(static_cast<std::size_t>(shell.GetEdgeCnt()), threads, [&](std::size_t begin, std::size_t end) {
+    std::size_t own = 0;
+    for (std::size_t e = begin; e < end; ++e) own += shell.GetEdge(static_cast<int>(e))->GetTriangle1() != nullptr ? 2 : 1;
+    count += own;
+  });
   return count;
 }
 
@@ -56,13 +69,17 @@ void FindRepeatedAtJunctions(std::span<const Corners> triangles, const std::vect
 
 }  // namespace
 
-// Room for the triangles of a large shell takes as long to clear as its points do to be numbered.
+// Room for the triangles of a large shell takes as long to clear as its points do to be numbered. It has as many edges as a closed
+// surface without handles, or more: room for them is made ready on all threads.
 void ShellFiller::Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell, unsigned threads) {
-  RunParallel(2, triangles.size() < kRange ? 1 : threads, [&](std::size_t which) {
+  const bool isLarge = triangles.size() >= kRange;
+  RunParallel(2, isLarge ? threads : 1, [&](std::size_t which) {
     if (which == 0) return FillPoints(triangles, shell);
     shell.SetTriangleCnt(static_cast<int>(triangles.size()));
   });
   shell.ReserveEdge();
+  const std::size_t edges = triangles.size() + static_cast<std::size_t>(shell.GetVertexCnt()) - 2;
+  if (isLarge) TouchPages(shell.GetEdge(0), edges * sizeof(ZBR_ZBREPE), threads);
   int triangle = 0;
   for (const Corners& t : triangles) shell.SetTriangleWithEdge(triangle++, place_[t[0]], place_[t[1]], place_[t[2]]);
   for (const std::uint32_t p : used_) place_[p] = -1;
@@ -82,10 +99,10 @@ void ShellFiller::FillPoints(std::span<const Corners> triangles, ZBR_ZBREPS& she
   for (const std::uint32_t p : used_) shell.SetVertex(vertex++, points_[p].x(), points_[p].y(), points_[p].z());
 }
 
-std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell) {
+std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell, unsigned threads) {
   std::vector<EdgeUse> uses;
   const auto count = static_cast<std::size_t>(shell.GetTriangleCnt());
-  if (CountNotes(shell) == 3 * count) return uses;
+  if (CountNotes(shell, threads) == 3 * count) return uses;
   std::vector<bool> isJunction(static_cast<std::size_t>(shell.GetEdgeCnt()));
   const auto forEachUse = [&](auto f) {
     for (std::size_t use = 0; use < 3 * count; ++use) {
@@ -104,10 +121,15 @@ std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell) {
 }
 
 std::vector<std::uint32_t> FindRepeated(const ZBR_ZBREPS& shell, std::span<const Corners> triangles,
-                                        const std::vector<EdgeUse>& junctions) {
+                                        const std::vector<EdgeUse>& junctions, unsigned threads) {
   std::vector<std::uint32_t> repeated;
-  ForEachPair(shell, junctions, 0, static_cast<std::size_t>(shell.GetEdgeCnt()), [&](std::uint32_t a, std::uint32_t b) {
-    if (Third(triangles[a]) == Third(triangles[b])) repeated.push_back(b);
+  std::mutex mutex;
+  InRanges(static_cast<std::size_t>(shell.GetEdgeCnt()), threads, [&](std::size_t begin, std::size_t end) {
+    ForEachPair(shell, junctions, begin, end, [&](std::uint32_t a, std::uint32_t b) {
+      if (Third(triangles[a]) != Third(triangles[b])) return;
+      const std::lock_guard lock(mutex);  // such are few
+      repeated.push_back(b);
+    });
   });
   FindRepeatedAtJunctions(triangles, junctions, repeated);
   std::sort(repeated.begin(), repeated.end());
@@ -118,7 +140,7 @@ std::vector<std::uint32_t> FindRepeated(const ZBR_ZBREPS& shell, std::span<const
 std::vector<std::uint32_t> NumberParts(const ZBR_ZBREPS& shell, const std::vector<EdgeUse>& junctions, unsigned threads,
                                        std::uint32_t& count) {
   SharedSets sets(static_cast<std::size_t>(shell.GetTriangleCnt()));
-  RunInRanges(static_cast<std::size_t>(shell.GetEdgeCnt()), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+  InRanges(static_cast<std::size_t>(shell.GetEdgeCnt()), threads, [&](std::size_t begin, std::size_t end) {
     ForEachPair(shell, junctions, begin, end, [&](std::uint32_t a, std::uint32_t b) { sets.Unite(a, b); });
   });
   std::vector<std::uint32_t> numbers;

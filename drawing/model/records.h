@@ -37,11 +37,11 @@ struct EdgeUse {
 };
 
 // Sorted, all uses of edges with three and more.
-std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell);
+std::vector<EdgeUse> FindJunctions(const ZBR_ZBREPS& shell, unsigned threads);
 
 // The triangles that repeat an earlier one, in either orientation, in increasing order. `triangles` are those of the shell.
 std::vector<std::uint32_t> FindRepeated(const ZBR_ZBREPS& shell, std::span<const Corners> triangles,
-                                        const std::vector<EdgeUse>& junctions);
+                                        const std::vector<EdgeUse>& junctions, unsigned threads);
 
 // Numbers what hangs together by edges that are no junctions, in order of the first triangles. Returns the number of each triangle;
 // `count` receives how many there are.

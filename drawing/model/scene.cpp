@@ -284,7 +284,7 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.drawable = 0;
   scene.parts.clear();
   scene.outlines.clear();
-  ResizeTouched(scene.triangles, model.TriangleCount() + lines.size(), threads);
+  scene.triangles.resize(model.TriangleCount() + lines.size(), threads);
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();
   scene.shells.reserve(model.ShellCount() + 1);

@@ -77,7 +77,7 @@ class SceneCutter {
       line.idx = static_cast<int>(kept - 1);
       line.pt[0] = scene_.FromModel(from);
       line.pt[1] = line.pt[2] = scene_.FromModel(to);
-      triangles_.push_back(std::move(line));
+      triangles_.emplace_back() = std::move(line);
       classes_.push_back({EdgeClass::kIntersection, EdgeClass::kSmooth, EdgeClass::kSmooth});
       parts_.emplace_back();
     }
@@ -266,7 +266,7 @@ class SceneCutter {
   std::vector<std::vector<double>> heights_;  // by plane
   std::vector<std::uint32_t> first_;          // of the shell's edges: the side met first, 3 x triangle + place
   // To become the scene's.
-  std::vector<ZBR_HL_TRI> triangles_;
+  SceneTriangles triangles_;
   std::vector<std::array<EdgeClass, 3>> classes_;
   std::vector<ScenePart> parts_;
   std::vector<std::size_t> ends_;  // of shells

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "drawing/parallel.h"
+#include "drawing/touched.h"
 
 namespace zbr::drawing {
 namespace {
@@ -73,7 +74,8 @@ std::vector<DrawnSegment> DrawnSegments::Visible() const {
   });
   std::size_t count = 0;
   for (Seen& seen : inRange) count += std::exchange(seen.segments, count);
-  std::vector<DrawnSegment> segments(count);
+  std::vector<DrawnSegment> segments;
+  ResizeTouched(segments, count, threads_);
   RunParallel(inRange.size(), threads_, [&](std::size_t range) {
     std::size_t at = inRange[range].segments, s = 0;
     for (const std::uint32_t triangle : inRange[range].triangles) {

@@ -92,6 +92,7 @@ class Specks {
       for (std::size_t k = 1; k < points.size(); ++k) {
         const ZBR_SEG g(points[k - 1], points[k]);
         tree.ForEachNear(g, width_, i, [&](std::uint32_t end) {
+          if (!isSpeck && holders_[end] != 0) return;
           const bool isNext = (k == 1 && IsNext(end, g.s())) || (k + 1 == points.size() && IsNext(end, g.e()));
           if (!isNext && Distance(At(end), g) > kMeets * width_) return;
           if (isSpeck) {

@@ -91,7 +91,7 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
   std::vector<DrawnSegment> seen = drawn.Visible();
   if (spent != nullptr) {
     spent->shells.clear();
-    std::vector<ZBR_HL_TRI>().swap(spent->triangles);
+    spent->triangles.clear();
   }
   LeaveOutVisibleDoubles(drawn, threads, seen);
   const Chainer chainer(scene, drawn.Seen(), threads);
@@ -168,7 +168,9 @@ ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, cons
 }
 
 ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles, unsigned threads) {
-  for (ZBR_HL_SHELL& shell : scene.shells) shell.occluders.reset();
+  RunInRanges(scene.shells.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t s = begin; s < end; ++s) scene.shells[s].occluders.reset();
+  });
   return CollectFrom(model, scene, &scene, hidden, circles, threads);
 }
 

@@ -4,9 +4,14 @@
 // included, and leaves the text to the reader that goes from line to line: that one knows what to say, and where.
 #pragma once
 
+#include <zbr-drawing/threads.h>
+#include <zbr-formats/types.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -19,16 +24,21 @@ std::vector<std::string_view> LineRanges(std::string_view text, bool (*mayBegin)
 // Calls read(k) for all ranges. False where one of them failed.
 bool AllRead(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& read);
 
-// Puts the values of a range behind those of others, `count` in all, and gives its memory back.
-template <class T>
-void MoveTo(std::vector<T>& all, std::size_t count, std::vector<T>& values) {
-  if (values.size() == count) {
-    all = std::move(values);
-  } else {
-    all.reserve(count);
-    all.insert(all.end(), values.begin(), values.end());
-  }
-  values = {};
+// The values of all ranges one behind the other; values(k) are those of a range, whose memory is given back.
+template <class Values>
+auto Joined(std::size_t count, unsigned threads, const Values& values) {
+  std::vector<std::size_t> begins{0};
+  for (std::size_t k = 0; k < count; ++k) begins.push_back(begins.back() + values(k).size());
+  if (count == 1) return std::move(values(0));
+  std::remove_reference_t<decltype(values(0))> all;
+  all.reserve(begins.back());
+  TouchPages(all.data(), begins.back() * sizeof(all[0]), threads);
+  all.resize(begins.back());
+  RunParallel(count, threads, [&](std::size_t k) {
+    const auto own = std::exchange(values(k), {});
+    std::copy(own.begin(), own.end(), all.begin() + static_cast<std::ptrdiff_t>(begins[k]));
+  });
+  return all;
 }
 
 }  // namespace zbr::formats

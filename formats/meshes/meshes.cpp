@@ -115,7 +115,7 @@ Mesh ReadMesh(const std::string& file, const std::string& format, unsigned threa
     return ReadFile(path);
   };
   if (ReaderOf(chosen) == nullptr) RefuseForeignFile(file);  // what the name does not tell the contents may
-  return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file), file, beside, threads);
+  return ParseMesh(chosen, ReaderOf(chosen) == nullptr ? "" : ReadFile(file, std::string::npos, threads), file, beside, threads);
 }
 
 }  // namespace zbr::formats

@@ -118,12 +118,11 @@ std::vector<ObjPart> ReadInRanges(const Ranges& ranges, const std::string& file,
 
 Mesh Join(std::vector<ObjPart>& parts, unsigned threads) {
   Mesh mesh;
-  std::size_t points = 0, triangles = 0;
-  for (const ObjPart& part : parts) points += part.points.size();
-  for (ObjPart& part : parts) MoveTo(mesh.points, points, part.points);
+  mesh.points = Joined(
+      parts.size(), threads, [&](std::size_t k) -> auto& { return parts[k].points; });
   RunParallel(parts.size(), threads, [&](std::size_t k) { parts[k].MakeTriangles(mesh.points); });
-  for (const ObjPart& part : parts) triangles += part.triangles.size();
-  for (ObjPart& part : parts) MoveTo(mesh.triangles, triangles, part.triangles);
+  mesh.triangles = Joined(
+      parts.size(), threads, [&](std::size_t k) -> auto& { return parts[k].triangles; });
   return mesh;
 }
 

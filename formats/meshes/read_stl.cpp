@@ -2,6 +2,7 @@
 //
 // A binary file may start with the word that text files start with; what tells them apart for certain is the length.
 #include <zbr-drawing/numbers.h>
+#include <zbr-drawing/threads.h>
 #include <zbr-formats/types.h>
 
 #include <algorithm>
@@ -54,35 +55,52 @@ bool IsBrokenBinary(const std::string& text) {
 }
 
 // Every three points are one.
-void AddTriangles(Mesh& mesh) {
+void AddTriangles(Mesh& mesh, unsigned threads) {
   const std::size_t count = mesh.points.size() / 3;
   mesh.triangles.reserve(count);
+  TouchPages(mesh.triangles.data(), count * sizeof(mesh.triangles[0]), threads);
   for (std::size_t t = 0; t < count; ++t) {
     const auto p = static_cast<std::uint32_t>(3 * t);
     mesh.triangles.push_back({p, p + 1, p + 2});
   }
 }
 
-// A record: normal, three points, two bytes of anything.
-Mesh ReadBinary(const std::string& text, const std::string& file) {
+// A record: normal, three points, two bytes of anything. False where a coordinate is not finite.
+bool ReadRecord(const char* record, ZBR_PT3* points) {
+  for (std::size_t i = 0; i < 3; ++i) {
+    std::array<float, 3> p{};
+    for (std::size_t k = 0; k < 3; ++k) {
+      p[k] = std::bit_cast<float>(Number32(record + 12 + 12 * i + 4 * k));
+      if (!std::isfinite(p[k])) return false;
+    }
+    points[i].Set(p[0], p[1], p[2]);
+  }
+  return true;
+}
+
+Mesh ReadBinary(const std::string& text, const std::string& file, unsigned threads) {
   const std::uint32_t count = Number32(text.data() + kHeader);
   if (text.size() < BinarySize(text))
     throw Failure(file, "the file ends before the last of its " + std::to_string(count) + " triangles");
   Mesh mesh;
-  mesh.points.reserve(3 * static_cast<std::size_t>(count));
-  for (std::size_t t = 0; t < count; ++t) {
-    const char* const record = text.data() + kHeader + kCount + t * kRecord;
-    for (std::size_t i = 0; i < 3; ++i) {
-      std::array<float, 3> p{};
-      for (std::size_t k = 0; k < 3; ++k) {
-        p[k] = std::bit_cast<float>(Number32(record + 12 + 12 * i + 4 * k));
-        if (!std::isfinite(p[k]))
-          throw Failure(file, "a coordinate of triangle " + std::to_string(t + 1) + " is not a finite number");
-      }
-      mesh.points.emplace_back(p[0], p[1], p[2]);
-    }
+  const std::size_t points = 3 * static_cast<std::size_t>(count);
+  mesh.points.reserve(points);
+  TouchPages(mesh.points.data(), points * sizeof(ZBR_PT3), threads);
+  mesh.points.resize(points);
+  constexpr std::size_t kTriangles = 16384;  // of a range
+  const std::size_t ranges = (count + kTriangles - 1) / kTriangles;
+  std::vector<std::size_t> good(ranges);  // triangles before the first that has a coordinate which is no number
+  RunParallel(ranges, threads, [&](std::size_t range) {
+    std::size_t t = range * kTriangles;
+    const std::size_t end = std::min<std::size_t>(t + kTriangles, count);
+    while (t < end && ReadRecord(text.data() + kHeader + kCount + t * kRecord, &mesh.points[3 * t])) ++t;
+    good[range] = t;
+  });
+  for (std::size_t range = 0; range < ranges; ++range) {
+    if (good[range] < std::min<std::size_t>((range + 1) * kTriangles, count))
+      throw Failure(file, "a coordinate of triangle " + std::to_string(good[range] + 1) + " is not a finite number");
   }
-  AddTriangles(mesh);
+  AddTriangles(mesh, threads);
   return mesh;
 }
 
@@ -115,11 +133,10 @@ Mesh ReadText(const std::string& text, const std::string& file, unsigned threads
   if (ranges.size() < 2 || !AllRead(ranges.size(), threads, read)) {
     ReadLines(TextLines(text, file), mesh.points);
   } else {
-    std::size_t count = 0;
-    for (const auto& part : parts) count += part.size();
-    for (auto& part : parts) MoveTo(mesh.points, count, part);
+    mesh.points = Joined(
+        parts.size(), threads, [&](std::size_t k) -> auto& { return parts[k]; });
   }
-  AddTriangles(mesh);
+  AddTriangles(mesh, threads);
   return mesh;
 }
 
@@ -131,7 +148,7 @@ bool IsBinaryStl(const std::string& text) {
 }
 
 Mesh ReadStl(const std::string& text, const std::string& file, unsigned threads) {
-  return IsBinaryStl(text) ? ReadBinary(text, file) : ReadText(text, file, threads);
+  return IsBinaryStl(text) ? ReadBinary(text, file, threads) : ReadText(text, file, threads);
 }
 
 }  // namespace zbr::formats

@@ -11,6 +11,7 @@
 
 #include <zbr-drawing/intersections.h>
 #include <zbr-drawing/model.h>
+#include <zbr-drawing/scene_triangles.h>
 #include <zbr-drawing/view.h>
 #include <zbr/hidden_line.h>
 
@@ -51,7 +52,7 @@ struct ScenePart {
 // are any, as a shell of triangles without width, of which edge 0 is the line and nothing hides anything. The shells refer to the
 // triangles: a scene can be moved, but not copied.
 struct Scene {
-  std::vector<ZBR_HL_TRI> triangles;
+  SceneTriangles triangles;
   std::vector<ZBR_HL_SHELL> shells;
   std::vector<std::array<EdgeClass, 3>> classes;       // silhouettes included; all but smooth edges are drawn
   std::vector<std::array<std::uint32_t, 2>> crossing;  // of intersection lines: the triangles of the model that meet there

@@ -7,8 +7,8 @@
 
 namespace zbr::formats {
 
-// The contents of a file, or the first `most` bytes of them. Fails when it cannot be read.
-std::string ReadFile(const std::string& name, std::size_t most = std::string::npos);
+// The contents of a file, or the first `most` bytes of them. Fails when it cannot be read. Threads make the memory ready.
+std::string ReadFile(const std::string& name, std::size_t most = std::string::npos, unsigned threads = 1);
 
 // The same without the mark that some editors put before UTF-8.
 std::string ReadText(const std::string& name);

@@ -47,12 +47,12 @@ struct ZBR_HL_TRI {
   int idx = -1;                 // identifier within its shell; unique; set to the position when the first triangle's is -1
   int shell_idx = -1;           // the shell's index
   ZBR_HL_QUAD* quad = nullptr;  // node of the shell's tree in which the triangle is filed
-  bool any_edge_visible = false;
   double max_x = 0.0, min_x = 0.0, max_y = 0.0, min_y = 0.0, max_z = 0.0, min_z = 0.0;  // by GetMaxMin
   ZBR_PT3 pt[3];
-  int adj[3] = {-1, -1, -1};                // idx of the triangle across edge i; -1: none
-  int adj_edge[3] = {-1, -1, -1};           // which of that triangle's edges it is; -1: found by comparing vertices
-  bool dispj[3] = {false, false, false};    // edge i is to be drawn
+  int adj[3] = {-1, -1, -1};              // idx of the triangle across edge i; -1: none
+  int adj_edge[3] = {-1, -1, -1};         // which of that triangle's edges it is; -1: found by comparing vertices
+  bool dispj[3] = {false, false, false};  // edge i is to be drawn
+  bool any_edge_visible = false;
   int profile[3] = {-1, -1, -1};            // edge i lies on the outline: 0 not, 1 in part, 2 wholly; -1: not examined
   std::vector<ZBR_HL_INTERVAL> intvl_v[3];  // visible intervals of edge i
 
@@ -60,7 +60,6 @@ struct ZBR_HL_TRI {
   int vert_axis = 0;                              // 1: wider in x than in y (or equally), 2: not
   bool vert_upper = false;                        // the apex lies above the long edge
   unsigned char vert_order[3] = {255, 255, 255};  // vertices in decreasing order of the wider coordinate
-  signed char vert_edge = -1;                     // the long edge
   double vert_ratio = -1.0;                       // place of the middle vertex from the lowest to the highest one, 0 to 1
 
   ZBR_HL_SHELL* shell = nullptr;
@@ -68,6 +67,7 @@ struct ZBR_HL_TRI {
   int tri_state = 0;              // 1 general, 2 vertical (seen edge-on), 3 invalid
   int edge_state[3] = {0, 0, 0};  // 1 general, 2 vertical (seen end-on), 3 invalid
   ZBR_HL_POS_BIT pos;             // scratch of CheckPos_TriToTri and of the rule for neighbours
+  signed char vert_edge = -1;     // vertical triangles: the long edge
   bool clockwise = false;         // the vertices run clockwise in projection, or the triangle is seen edge-on
   bool skip = false;              // hides nothing
 

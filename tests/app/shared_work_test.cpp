@@ -7,10 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "models/models.h"
 
@@ -116,6 +120,50 @@ TEST(SharedWork, LongTextsAreReadAsByOneThread) {
 
 // In the place of any line: what is no number, points that come later or never, faces too small, triangles of other than three
 // points, what goes on with the line behind, and points that no line begins with.
+// Triangles beside each other; those named have a coordinate that is no number.
+std::string BinaryStl(std::uint32_t triangles, const std::vector<std::uint32_t>& broken) {
+  std::string text(84 + std::size_t{50} * triangles, '\0');
+  std::memcpy(text.data() + 80, &triangles, 4);
+  for (std::uint32_t t = 0; t < triangles; ++t) {
+    float corners[9] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
+    for (const int x : {0, 3, 6}) corners[x] += static_cast<float>(2 * t);
+    if (std::find(broken.begin(), broken.end(), t) != broken.end()) corners[4] = std::numeric_limits<float>::quiet_NaN();
+    std::memcpy(text.data() + 84 + std::size_t{50} * t + 12, corners, sizeof corners);
+  }
+  return text;
+}
+
+TEST(SharedWork, BinaryStlIsReadInOrderAndItsFirstFaultTold) {
+  constexpr std::uint32_t kTriangles = 50000;
+  for (const unsigned threads : {1U, kThreads}) {
+    const Outcome whole = Read("stl", BinaryStl(kTriangles, {}), threads);
+    ASSERT_EQ(whole.mesh.points.size(), 3 * kTriangles) << whole.failure;
+    for (std::uint32_t t = 0; t < kTriangles; ++t) ASSERT_EQ(whole.mesh.points[3 * t + 1], ZBR_PT3(2.0 * t + 1, 0, 0));
+    EXPECT_NE(Read("stl", BinaryStl(kTriangles, {49999, 33000, 20000}), threads).failure.find("triangle 20001 "),
+              std::string::npos);
+    EXPECT_NE(Read("stl", BinaryStl(kTriangles, {49999}), threads).failure.find("triangle 50000 "), std::string::npos);
+  }
+}
+
+TEST(SharedWork, TrianglesOfScenesKeepTheirListsUntilTheyEnd) {
+  SceneTriangles triangles;
+  triangles.resize(40000, kThreads);
+  for (std::size_t t = 0; t < triangles.size(); ++t) {
+    ASSERT_EQ(triangles[t].idx, -1);
+    triangles[t].idx = static_cast<int>(t);
+    triangles[t].intvl_v[t % 3].resize(1 + t % 2);
+  }
+  triangles.emplace_back().idx = 40000;  // moves all
+  triangles.resize(20000, kThreads);
+  triangles.resize(60000, kThreads);
+  const SceneTriangles moved = std::move(triangles);
+  ASSERT_EQ(moved.size(), 60000U);
+  for (std::size_t t = 0; t < moved.size(); ++t) {
+    ASSERT_EQ(moved[t].idx, t < 20000 ? static_cast<int>(t) : -1);
+    for (std::size_t i = 0; i < 3; ++i) ASSERT_EQ(moved[t].intvl_v[i].size(), t < 20000 && i == t % 3 ? 1 + t % 2 : 0);
+  }
+}
+
 TEST(SharedWork, BrokenTextsSayTheSame) {
   const auto breakAt = [](std::string text, std::size_t at, const std::string& line) {
     at = text.find('\n', at) + 1;
