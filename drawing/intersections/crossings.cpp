@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
+#include <utility>
 
 #include "drawing/intersections/convex.h"
 #include "drawing/intersections/exact_sign.h"
@@ -119,7 +120,8 @@ enum class SharedCorners { kFew, kMany };
 
 class Finder {
  public:
-  Finder(const Model& model, const Connectivity& mesh, unsigned threads, const SettleLines& settle)
+  Finder(const Model& model, const Connectivity& mesh, unsigned threads, const SettleLines& settle,
+         std::vector<std::uint32_t> patches)
       : model_(model),
         mesh_(mesh),
         threads_(threads),
@@ -127,7 +129,10 @@ class Finder {
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
         trees_(grid_, mesh.corners, model.shellBegin, threads),
-        patches_(mesh.corners.size(), Connectivity::kNone) {}
+        arePatchesKnown_(!patches.empty()),
+        patches_(std::move(patches)) {
+    if (!arePatchesKnown_) patches_.resize(mesh.corners.size(), Connectivity::kNone);
+  }
 
   Lines Run() {
     for (std::size_t s = 0; s < model_.ShellCount();) {
@@ -165,10 +170,10 @@ class Finder {
 
   void WithinSmall(std::size_t s, Lines& found) {
     if (IsConvex(model_, mesh_, s)) return;
-    FindPatchesOf(s, model_, mesh_, patches_);
+    if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
     const std::size_t from = found.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const std::vector<Leaf> leaves = LeavesOf(order, SharedCorners::kMany);
+      const std::vector<Leaf> leaves = LeavesOf(order);
       auto visit = [&](std::uint32_t i, std::uint32_t j) {
         MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
       };
@@ -179,19 +184,23 @@ class Finder {
 
   void WithinLarge(std::size_t s) {
     if (IsConvex(model_, mesh_, s)) return;
-    std::once_flag arePatchesKnown;
-    const auto findPatches = [&] { std::call_once(arePatchesKnown, [&] { FindPatchesOf(s, model_, mesh_, patches_); }); };
+    std::once_flag areFound;
+    const auto findPatches = [&] {
+      if (!arePatchesKnown_) std::call_once(areFound, [&] { FindPatchesOf(s, model_, mesh_, patches_); });
+    };
     const std::size_t from = found_.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
       const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
       const auto isSheet = [&](std::size_t level, std::uint32_t node) { return sheets.IsSheet(level, node); };
       const SharedCorners corners = sheets.AreMost() ? SharedCorners::kFew : SharedCorners::kMany;
       if (corners == SharedCorners::kMany) findPatches();
-      const std::vector<Leaf> leaves = LeavesOf(order, corners);
+      // Few are worth no arrays of their own.
+      const std::vector<Leaf> leaves = corners == SharedCorners::kMany ? LeavesOf(order) : std::vector<Leaf>();
+      const auto leafAt = [&](std::uint32_t i) { return leaves.empty() ? Leaf{mesh_.corners[order[i]], order[i]} : leaves[i]; };
       const std::vector<NodePair> pairs = tree.PairsOfNodes(isSheet);
       InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
         auto visit = [&](std::uint32_t i, std::uint32_t j) {
-          MeetWithin(leaves[i], leaves[j], order[i], order[j], corners, found);
+          MeetWithin(leafAt(i), leafAt(j), order[i], order[j], corners, found);
         };
         const std::size_t begin = found.size();
         tree.Join(pairs[k], visit, isSheet);
@@ -237,12 +246,12 @@ class Finder {
     std::uint32_t patch;
   };
 
-  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order, SharedCorners corners) const {
+  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order) const {
     std::vector<Leaf> leaves(order.size());
     RunInRanges(order.size(), order.size() >= kLarge ? threads_ : 1, [&](std::size_t, std::size_t begin, std::size_t end) {
       for (std::size_t k = begin; k < end; ++k) {
         const std::uint32_t t = order[k];
-        leaves[k] = {mesh_.corners[t], corners == SharedCorners::kMany ? patches_[t] : t};
+        leaves[k] = {mesh_.corners[t], patches_[t]};
       }
     });
     return leaves;
@@ -351,7 +360,8 @@ class Finder {
   const std::vector<GridPoint> grid_;
   const Signs signs_;
   const TriangleTrees trees_;
-  std::vector<std::uint32_t> patches_;  // of the triangles of shells that are looked through; of those alone
+  const bool arePatchesKnown_;
+  std::vector<std::uint32_t> patches_;  // of triangles; if not known before, of those of shells that are looked through alone
   mutable std::once_flag isPlainKnown_;
   mutable std::vector<bool> isPlain_;  // points
   Lines found_;
@@ -360,8 +370,8 @@ class Finder {
 }  // namespace
 
 std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, unsigned threads,
-                                            const SettleLines& settle) {
-  return Finder(model, mesh, threads, settle).Run();
+                                            const SettleLines& settle, std::vector<std::uint32_t> patches) {
+  return Finder(model, mesh, threads, settle, std::move(patches)).Run();
 }
 
 }  // namespace zbr::drawing

@@ -17,8 +17,9 @@ using SettleLines = std::function<void(std::vector<IntersectionLine>& lines, std
 
 // The lines that pairs of triangles have in common, but for those of one patch (patches.h). The same with any number of threads.
 // The lines of two shells, or of one, are settled as soon as they are known: a hundred bodies in one place have millions of lines
-// with each other, few of which are wanted. No curve has lines of other shells.
+// with each other, few of which are wanted. No curve has lines of other shells. Patches are those of all shells or, where they are
+// not known, empty.
 std::vector<IntersectionLine> FindCrossings(const Model& model, const Connectivity& mesh, unsigned threads,
-                                            const SettleLines& settle);
+                                            const SettleLines& settle, std::vector<std::uint32_t> patches = {});
 
 }  // namespace zbr::drawing

@@ -179,10 +179,10 @@ void Settle(std::vector<IntersectionLine>& lines, std::size_t from, const Judge&
 }
 
 std::vector<IntersectionLine> Find(const Model& model, double contact, unsigned threads, SlackCurves slackCurves) {
-  const Connectivity mesh = ConnectivityOf(model, threads);
-  const Judge judge(model, mesh, contact);
+  PatchedConnectivity made = TakeConnectivity(model, threads);
+  const Judge judge(model, made.mesh, contact);
   const auto settle = [&](std::vector<IntersectionLine>& lines, std::size_t from) { Settle(lines, from, judge, slackCurves); };
-  return FindCrossings(model, mesh, threads, settle);
+  return FindCrossings(model, made.mesh, threads, settle, std::move(made.patches));
 }
 
 }  // namespace

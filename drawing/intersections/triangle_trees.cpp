@@ -53,12 +53,13 @@ struct Extents {
   }
 };
 
-Extents ExtentsOfMiddles(std::span<const FloatBox> boxes, unsigned threads) {
-  const GridPoint first = MiddleOf(boxes.front());
-  std::vector<Extents> parts(RangeCount(boxes.size()), {first, first});
-  InRanges(boxes.size(), threads, [&](std::size_t range, std::size_t begin, std::size_t end) {
+template <class BoxOf>
+Extents ExtentsOfMiddles(std::size_t count, const BoxOf& boxOf, unsigned threads) {
+  const GridPoint first = MiddleOf(boxOf(0));
+  std::vector<Extents> parts(RangeCount(count), {first, first});
+  InRanges(count, threads, [&](std::size_t range, std::size_t begin, std::size_t end) {
     Extents extents = parts[range];
-    for (std::size_t i = begin; i < end; ++i) extents.Add(MiddleOf(boxes[i]));
+    for (std::size_t i = begin; i < end; ++i) extents.Add(MiddleOf(boxOf(i)));
     parts[range] = extents;
   });
   for (const Extents& part : parts) {
@@ -71,17 +72,19 @@ Extents ExtentsOfMiddles(std::span<const FloatBox> boxes, unsigned threads) {
 // The order in which a space-filling curve through the box around the middles of boxes meets these middles. What is sorted are the
 // highest digits of their places on the curve, hardly ever the same, with the boxes' numbers behind them in one word: of many boxes
 // digit by digit, the last one first. For a million that takes a fourth of the time of comparing whole places.
+// Boxes are asked for by number, and may be made anew each time: those of triangles take less time than their memory would.
+template <class BoxOf>
 class CurveOrder {
  public:
-  CurveOrder(std::span<const FloatBox> boxes, unsigned threads) : boxes_(boxes), threads_(threads) {
-    const auto [low, high] = ExtentsOfMiddles(boxes, threads);
+  CurveOrder(std::size_t count, const BoxOf& boxOf, unsigned threads) : count_(count), boxOf_(boxOf), threads_(threads) {
+    const auto [low, high] = ExtentsOfMiddles(count, boxOf, threads);
     low_ = low;
     size_ = std::max({high.x - low.x, high.y - low.y, high.z - low.z, 1.0});
   }
 
   void Fill(std::span<std::uint32_t> order) const {
-    const auto numberBits = static_cast<unsigned>(std::bit_width(boxes_.size()));
-    std::vector<std::uint64_t> keys(boxes_.size());
+    const auto numberBits = static_cast<unsigned>(std::bit_width(count_));
+    std::vector<std::uint64_t> keys(count_);
     InRanges(keys.size(), threads_, [&](std::size_t, std::size_t begin, std::size_t end) {
       for (auto i = static_cast<std::uint32_t>(begin); i < end; ++i) keys[i] = PlaceOf(i) << 1U >> numberBits << numberBits | i;
     });
@@ -109,7 +112,7 @@ class CurveOrder {
   // Of the middle of a box; 63 digits.
   std::uint64_t PlaceOf(std::uint32_t i) const {
     constexpr double kCells = 2097151.0;  // 2^21 - 1
-    const GridPoint m = MiddleOf(boxes_[i]);
+    const GridPoint m = MiddleOf(boxOf_(i));
     const auto cell = [&](double x) { return Spread(static_cast<std::uint64_t>(x / size_ * kCells)); };
     return cell(m.x - low_.x) << 2U | cell(m.y - low_.y) << 1U | cell(m.z - low_.z);
   }
@@ -157,11 +160,21 @@ class CurveOrder {
     std::transform(places.begin(), places.end(), crowd.begin(), [](const auto& place) { return place.second; });
   }
 
-  const std::span<const FloatBox> boxes_;
+  const std::size_t count_;
+  const BoxOf& boxOf_;
   const unsigned threads_;
   GridPoint low_;
   double size_ = 1.0;
 };
+
+template <class BoxOf>
+void BuildTreeOf(const BoxOf& boxOf, FloatBox* boxes, std::span<std::uint32_t> places, unsigned threads) {
+  CurveOrder(places.size(), boxOf, threads).Fill(places);
+  InRanges(places.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) boxes[i] = boxOf(places[i]);
+  });
+  TreeView::Build(boxes, static_cast<std::uint32_t>(places.size()), threads);
+}
 
 }  // namespace
 
@@ -219,14 +232,10 @@ void TreeView::Build(FloatBox* boxes, std::uint32_t leaves, unsigned threads) {
 }
 
 void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std::uint32_t> places, unsigned threads) {
-  CurveOrder(leaves, threads).Fill(places);
-  InRanges(leaves.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
-    for (std::size_t i = begin; i < end; ++i) boxes[i] = leaves[places[i]];
-  });
-  TreeView::Build(boxes, static_cast<std::uint32_t>(leaves.size()), threads);
+  BuildTreeOf([&](std::size_t i) -> const FloatBox& { return leaves[i]; }, boxes, places, threads);
 }
 
-TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::vector<std::array<std::uint32_t, 3>>& corners,
+TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, std::span<const std::array<std::uint32_t, 3>> corners,
                              const std::vector<std::uint32_t>& shellBegin, unsigned threads)
     : shellBegin_(shellBegin), order_(corners.size()) {
   const auto shells = static_cast<std::uint32_t>(shellBegin.size() - 1);
@@ -237,15 +246,12 @@ TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, const std::ve
   boxes_.reset(new FloatBox[boxBegin_.back()]);
   const auto build = [&](std::size_t s, unsigned threadsOfShell) {
     const std::uint32_t first = shellBegin[s], count = shellBegin[s + 1] - first;
-    const UnfilledBoxes leaves(new FloatBox[count]);
     const std::span<std::uint32_t> places(order_.data() + first, count);
-    InRanges(count, threadsOfShell, [&](std::size_t, std::size_t begin, std::size_t end) {
-      for (std::size_t i = begin; i < end; ++i) {
-        const auto& c = corners[first + i];
-        leaves[i] = FloatBox::Around(points[c[0]], points[c[1]], points[c[2]]);
-      }
-    });
-    BuildTree({leaves.get(), count}, boxes_.get() + boxBegin_[s], places, threadsOfShell);
+    const auto boxOf = [&](std::size_t i) {
+      const auto& c = corners[first + i];
+      return FloatBox::Around(points[c[0]], points[c[1]], points[c[2]]);
+    };
+    BuildTreeOf(boxOf, boxes_.get() + boxBegin_[s], places, threadsOfShell);
     for (std::uint32_t& place : places) place += first;
   };
   const auto isLarge = [&](std::size_t s) { return shellBegin[s + 1] - shellBegin[s] > kRange; };

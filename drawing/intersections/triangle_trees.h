@@ -178,7 +178,7 @@ void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std:
 // Trees of shells whose triangles have consecutive numbers.
 class TriangleTrees {
  public:
-  TriangleTrees(const std::vector<GridPoint>& points, const std::vector<std::array<std::uint32_t, 3>>& corners,
+  TriangleTrees(const std::vector<GridPoint>& points, std::span<const std::array<std::uint32_t, 3>> corners,
                 const std::vector<std::uint32_t>& shellBegin, unsigned threads);
 
   TreeView Shell(std::size_t s) const;

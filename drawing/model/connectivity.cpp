@@ -1,12 +1,20 @@
 #include "drawing/model/connectivity.h"
 
 #include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "drawing/model/shell_ranges.h"
 #include "drawing/touched.h"
 
 namespace zbr::drawing {
 namespace {
+
+std::optional<PatchedConnectivity> TakeKept(const Model& model) {
+  if (model.connectivity == nullptr) return std::nullopt;
+  const std::lock_guard lock(model.connectivity->mutex);
+  return std::exchange(model.connectivity->made, std::nullopt);
+}
 
 // Of the points of shells; one more than shells.
 std::vector<std::uint32_t> PointBegins(const Model& model) {
@@ -23,10 +31,10 @@ Connectivity ConnectivityOf(const Model& model, unsigned threads) {
   Connectivity all;
   const std::vector<std::uint32_t> pointBegin = PointBegins(model);
   ResizeTouched(all.points, pointBegin.back(), threads);
-  ResizeTouched(all.corners, model.TriangleCount(), threads);
-  ResizeTouched(all.edges, model.TriangleCount(), threads);
-  ResizeTouched(all.sides, model.edgeBegin.back(), threads);
-  ResizeTouched(all.shows, model.edgeBegin.back(), threads);
+  all.corners = Unfilled<std::array<std::uint32_t, 3>>(model.TriangleCount());
+  all.edges = Unfilled<std::array<std::uint32_t, 3>>(model.TriangleCount());
+  all.sides = Unfilled<std::array<std::uint32_t, 2>>(model.edgeBegin.back());
+  all.shows = Unfilled<std::uint8_t>(model.edgeBegin.back());
   ForEachPart(pointBegin, threads, [&](std::size_t, std::size_t s, std::size_t begin, std::size_t end) {
     for (std::size_t v = begin; v < end; ++v)
       all.points[pointBegin[s] + v] = model.Shell(s).GetVertex(static_cast<int>(v))->GetPt();
@@ -53,6 +61,20 @@ Connectivity ConnectivityOf(const Model& model, unsigned threads) {
     }
   });
   return all;
+}
+
+void KeepConnectivity(PatchedConnectivity&& made, Model& model) {
+  model.connectivity = std::make_shared<KeptConnectivity>();
+  model.connectivity->made = std::move(made);
+}
+
+PatchedConnectivity TakeConnectivity(const Model& model, unsigned threads) {
+  if (auto kept = TakeKept(model)) return std::move(*kept);
+  return {ConnectivityOf(model, threads), {}};
+}
+
+void DropConnectivity(const Model& model) {
+  TakeKept(model);
 }
 
 }  // namespace zbr::drawing

@@ -9,6 +9,7 @@
 #include <span>
 #include <utility>
 
+#include "drawing/model/connectivity.h"
 #include "drawing/model/edge_classes.h"
 #include "drawing/model/fill_body.h"
 #include "drawing/model/named_shells.h"
@@ -157,7 +158,10 @@ Model MakeModel(const Mesh& mesh, double creaseDegrees, double weld, unsigned th
   FindFacing(model, threads);
   NoteTangents(model, threads);
   model.isRough = IsRough(model, creaseDegrees, threads);
-  if (model.isRough) TidyRoughCreases(model, creaseDegrees);
+  if (model.isRough) {
+    DropConnectivity(model);
+    TidyRoughCreases(model, creaseDegrees);
+  }
   model.objectBegin = FirstShells(mesh.objects, model);
   model.bodyBegin = FirstShells(BodyStarts(mesh), model);
   return model;

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstddef>
 #include <iterator>
-#include <unordered_set>
 #include <utility>
 
 #include "drawing/model/disjoint_sets.h"
@@ -29,6 +28,7 @@ class Lines {
 
   std::vector<std::uint32_t> Connected(std::vector<std::uint32_t> found, double least, const MayGoOn& mayGoOn) {
     for (const std::uint32_t e : found) Use(e);
+    if (std::none_of(found.begin(), found.end(), [&](std::uint32_t e) { return LooseEnds(e) > 0; })) return found;
     FillGaps(found, mayGoOn);
     std::vector<std::uint32_t> dropped;
     std::copy_if(found.begin(), found.end(), std::back_inserter(dropped), [&](std::uint32_t e) { return LooseEnds(e) > 0; });
@@ -149,8 +149,8 @@ class Lines {
 
   // From loose ends back to where other lines meet.
   void DropStubs(std::vector<std::uint32_t>& found, double least) {
-    const std::unordered_set<std::uint32_t> all(found.begin(), found.end());
-    std::unordered_set<std::uint32_t> dropped;
+    std::vector<bool> isFound(mesh_.sides.size()), isDropped(mesh_.sides.size());
+    for (const std::uint32_t e : found) isFound[e] = true;
     for (const std::uint32_t e : found) {
       if (LooseEnds(e) != 1) continue;
       std::vector<std::uint32_t> stub;
@@ -161,11 +161,12 @@ class Lines {
         length += Length(edge);
         p = OtherEnd(edge, p);
         if (uses_[p] != 2) break;
-        edge = Next(edge, p, [&](std::uint32_t next) { return all.contains(next); });
+        edge = Next(edge, p, [&](std::uint32_t next) { return isFound[next]; });
       }
-      if (length < least && uses_[p] > 2) dropped.insert(stub.begin(), stub.end());
+      if (!(length < least && uses_[p] > 2)) continue;
+      for (const std::uint32_t stubEdge : stub) isDropped[stubEdge] = true;
     }
-    std::erase_if(found, [&](std::uint32_t e) { return dropped.contains(e); });
+    std::erase_if(found, [&](std::uint32_t e) { return isDropped[e]; });
   }
 
   const Connectivity& mesh_;
@@ -176,6 +177,7 @@ class Lines {
 
 std::vector<std::uint32_t> ConnectedLines(const Connectivity& mesh, std::vector<std::uint32_t> found, double least,
                                           const MayGoOn& mayGoOn) {
+  if (found.empty()) return found;
   return Lines(mesh).Connected(std::move(found), least, mayGoOn);
 }
 

@@ -33,7 +33,7 @@
 #include "drawing/model/shell_ranges.h"
 #include "drawing/model/tangent_lines.h"
 #include "drawing/parallel.h"
-#include "drawing/touched.h"
+#include "drawing/unfilled.h"
 
 namespace zbr::drawing {
 namespace {
@@ -58,8 +58,8 @@ constexpr Side kNoSide = Connectivity::kNone;
 
 // What a patch is, looked at from one of its sides.
 struct Extent {
-  double width = kWide;  // up to the far side; infinite for a flat face
-  Side far = kNoSide;    // the side met there
+  double width;  // up to the far side; infinite for a flat face
+  Side far;      // the side met there
 };
 
 struct Facet {
@@ -93,12 +93,8 @@ bool HasBends(const Model& model, unsigned threads) {
 
 class Finder {
  public:
-  Finder(const Model& model, unsigned threads)
-      : model_(model),
-        threads_(threads),
-        mesh_(ConnectivityOf(model, threads)),
-        patches_(FindPatches(model, mesh_, threads)),
-        size_(patches_.size()) {
+  Finder(const Model& model, const PatchedConnectivity& made, unsigned threads)
+      : model_(model), threads_(threads), mesh_(made.mesh), patches_(made.patches), size_(patches_.size()) {
     for (const std::uint32_t patch : patches_) ++size_[patch];
     MeasurePatches();
   }
@@ -125,8 +121,6 @@ class Finder {
     return JumpsAt(next) || (!IsFacet(mesh_.sides[next][0]) && !IsFacet(mesh_.sides[next][1]));
   }
 
-  const Connectivity& Mesh() const { return mesh_; }
-
  private:
   bool IsFacet(std::uint32_t t) const { return size_[patches_[t]] > 1; }
 
@@ -143,7 +137,7 @@ class Finder {
   // The outlines of all facets, and from each of their sides the far one.
   void MeasurePatches() {
     const std::vector<std::uint32_t> order = SortedByPatch();
-    ResizeTouched(extents_, order.empty() ? 0 : 3 * patches_.size(), threads_);
+    extents_ = Unfilled<Extent>(order.empty() ? 0 : 3 * patches_.size());
     const auto goesOn = [&](std::size_t k) { return k > 0 && k < order.size() && patches_[order[k]] == patches_[order[k - 1]]; };
     RunInRanges(order.size(), threads_, [&](std::size_t, std::size_t k, std::size_t end) {
       std::vector<Side> outline;
@@ -153,6 +147,7 @@ class Finder {
         const std::uint32_t patch = patches_[order[k]];
         do AddToOutline(order[k], outline);
         while (goesOn(++k));
+        for (const Side s : outline) extents_[s] = {kWide, kNoSide};
         if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patch]);
       }
     });
@@ -249,13 +244,14 @@ class Finder {
     ZBR_PT3 p = (From(s) + To(s)) * 0.5, way = Inwards(s);
     double walked = 0.0;
     for (int k = 0; k < kMostTriangles; ++k) {
-      const Side out = Leave(s, p, way, walked);
+      double across = 0.0;
+      const Side out = Leave(s, p, way, walked, across);
       if (!isRound && walked > upTo) return {upTo, run.turn};
       if (isRound && std::abs(run.turn) >= kLeastTurn && walked > (1.0 + kFarLonger) * run.length) return run;
       if (out == kNoSide || !IsSmooth(EdgeAt(out))) break;
       s = SideAt(EdgeAt(out), mesh_.Across(EdgeAt(out), out / 3));
       const ZBR_PT3 along = (To(s) - From(s)) * (1.0 / (To(s) - From(s)).Length());
-      const double across = -way.InnerProduct(Inwards(out)), bend = across * Bend(EdgeAt(s));
+      const double bend = across * Bend(EdgeAt(s));
       way = along * way.InnerProduct(along) + Inwards(s) * across;
       run.turn += bend;
       if (!isRound || std::abs(bend) > kSmallestBend * kMisfit) run.length = walked;
@@ -272,8 +268,8 @@ class Finder {
     return length > 0 ? inwards * (1.0 / length) : ZBR_PT3();
   }
 
-  // Where the way leaves the triangle that it entered at a side; moves p there.
-  Side Leave(Side s, ZBR_PT3& p, const ZBR_PT3& way, double& walked) const {
+  // Where the way leaves the triangle that it entered at a side; moves p there. `across` is the part of it at a right angle there.
+  Side Leave(Side s, ZBR_PT3& p, const ZBR_PT3& way, double& walked, double& across) const {
     Side out = kNoSide;
     double least = kWide;
     for (const Side side : {3 * (s / 3) + (s + 1) % 3, 3 * (s / 3) + (s + 2) % 3}) {
@@ -284,6 +280,7 @@ class Finder {
       if (length >= least) continue;
       least = length;
       out = side;
+      across = towards;
     }
     if (out == kNoSide) return out;
     p += way * least;
@@ -312,23 +309,23 @@ class Finder {
 
   const Model& model_;
   const unsigned threads_;
-  const Connectivity mesh_;
-  const std::vector<std::uint32_t> patches_;
+  const Connectivity& mesh_;
+  const std::vector<std::uint32_t>& patches_;
   std::vector<std::uint32_t> size_;  // of patches, in triangles
-  std::vector<Extent> extents_;      // of the sides of facets
+  Unfilled<Extent> extents_;         // of the sides of facets, but for those within
 };
 
 }  // namespace
 
 void NoteTangents(Model& model, unsigned threads) {
   if (!HasBends(model, threads)) return;
-  const Finder finder(model, threads);
-  std::vector<std::uint32_t> found = finder.Run();
-  if (found.empty()) return;
+  PatchedConnectivity made{ConnectivityOf(model, threads), {}};
+  made.patches = FindPatches(model, made.mesh, threads);
+  const Finder finder(model, made, threads);
   const auto mayGoOn = [&](std::uint32_t edge, std::uint32_t next) { return finder.MayGoOn(edge, next); };
-  const std::vector<std::uint32_t> connected =
-      ConnectedLines(finder.Mesh(), std::move(found), kShortLine * model.Diagonal(), mayGoOn);
-  for (const std::uint32_t edge : connected) model.notes[edge].isTangent = true;
+  for (const std::uint32_t edge : ConnectedLines(made.mesh, finder.Run(), kShortLine * model.Diagonal(), mayGoOn))
+    model.notes[edge].isTangent = true;
+  KeepConnectivity(std::move(made), model);
 }
 
 }  // namespace zbr::drawing

@@ -16,6 +16,7 @@
 
 #include "drawing/sections/caps.h"
 #include "drawing/sections/contours.h"
+#include "drawing/sections/refilled_scene.h"
 
 namespace zbr::drawing {
 namespace {
@@ -37,15 +38,11 @@ struct Corner {
 class SceneCutter {
  public:
   SceneCutter(const Model& model, const std::vector<CuttingPlane>& planes, Scene& scene)
-      : model_(model), planes_(planes), scene_(scene) {
-    triangles_.reserve(scene.triangles.size());  // most planes leave fewer; what is not used costs nothing
-    classes_.reserve(scene.triangles.size());
-    parts_.reserve(scene.triangles.size());
-  }
+      : model_(model), planes_(planes), scene_(scene), out_(scene) {}
 
   void AddShell(std::size_t s) {
     shell_ = s;
-    begin_ = triangles_.size();
+    begin_ = out_.Count();
     heights_.clear();
     for (const CuttingPlane& cut : planes_) heights_.push_back(HeightsOf(model_, s, cut.plane));
     first_.assign(static_cast<std::size_t>(model_.Shell(s).GetEdgeCnt()), kNone);
@@ -64,7 +61,7 @@ class SceneCutter {
     }
   }
 
-  void EndShell() { ends_.push_back(triangles_.size()); }
+  void EndShell() { ends_.push_back(out_.Count()); }
 
   // Free lines run between points: what is left of each is a line again.
   void AddLines(const std::vector<IntersectionLine>& lines) {
@@ -72,23 +69,19 @@ class SceneCutter {
     for (std::size_t k = 0; k < lines.size(); ++k) {
       ZBR_PT3 from = lines[k].ends[0].place, to = lines[k].ends[1].place;
       if (!Clip(from, to)) continue;
-      ZBR_HL_TRI& line = scene_.triangles[model_.TriangleCount() + k];
+      out_.Read(model_.TriangleCount() + k);
+      ZBR_HL_TRI& line = out_.Keep(ScenePart{});
       scene_.crossing[kept++] = scene_.crossing[k];
       line.idx = static_cast<int>(kept - 1);
       line.pt[0] = scene_.FromModel(from);
       line.pt[1] = line.pt[2] = scene_.FromModel(to);
-      triangles_.emplace_back() = std::move(line);
-      classes_.push_back({EdgeClass::kIntersection, EdgeClass::kSmooth, EdgeClass::kSmooth});
-      parts_.emplace_back();
     }
     scene_.crossing.resize(kept);
-    if (kept > 0) ends_.push_back(triangles_.size());
+    if (kept > 0) ends_.push_back(out_.Count());
   }
 
   void Finish() {
-    scene_.triangles = std::move(triangles_);
-    scene_.classes = std::move(classes_);
-    scene_.parts = std::move(parts_);
+    out_.Finish();
     scene_.shells.clear();
     std::size_t begin = 0;
     scene_.shells.reserve(ends_.size());
@@ -120,15 +113,55 @@ class SceneCutter {
     std::ptrdiff_t count_ = 0;
   };
 
+  // Of a triangle before it was cut.
+  struct Sides {
+    std::array<EdgeClass, 3> classes;
+    std::array<int, 3> adjacent;
+  };
+
   const ZBR_ZBREPT& Record(std::size_t t) const {
     return *model_.Shell(shell_).GetTriangle(static_cast<int>(t - model_.shellBegin[shell_]));
   }
-  double HeightAt(std::size_t k, const ZBR_ZBREPV& vertex) const {
-    return heights_[k][static_cast<std::size_t>(vertex.GetIndex())];
+  double HeightAt(std::size_t k, const ZBR_ZBREPV& vertex) const { return heights_[k][NumberOf(vertex)]; }
+  // The same as its index, without a look at it.
+  std::size_t NumberOf(const ZBR_ZBREPV& vertex) const {
+    return static_cast<std::size_t>(&vertex - model_.Shell(shell_).GetVertex(0));
   }
 
+  // What lies below all planes stays as it is. Where corners are so close that the scene does not tell them apart the model has to.
   void Cut(std::size_t t) {
     const ZBR_ZBREPT& record = Record(t);
+    const ZBR_HL_TRI& triangle = out_.Read(t);
+    bool isWhole = true;
+    for (const std::vector<double>& heights : heights_) {
+      int above = 0;
+      for (std::size_t i = 0; i < 3; ++i) above += IsAbove(heights[NumberOf(VertexOf(record, i))], InPlane::kAbove) ? 1 : 0;
+      if (above == 3) return;
+      isWhole = isWhole && above == 0;
+    }
+    const auto areApart = [&](int i, int k) { return !(triangle.pt[i] == triangle.pt[k]); };
+    if (isWhole && areApart(0, 1) && areApart(1, 2) && areApart(2, 0)) {
+      Keep(t, record);
+    } else {
+      CutInParts(t, record);
+    }
+  }
+
+  void Keep(std::size_t t, const ZBR_ZBREPT& record) {
+    ScenePart part;
+    part.triangle = static_cast<std::uint32_t>(t);
+    part.edges = {0, 1, 2};
+    const std::size_t here = out_.Count();
+    ZBR_HL_TRI& triangle = out_.Keep(part);
+    triangle.idx = static_cast<int>(here - begin_);
+    for (std::size_t i = 0; i < 3; ++i) {
+      const bool isInner = std::exchange(triangle.adj[i], -1) >= 0;
+      triangle.adj_edge[i] = -1;
+      if (isInner) ConnectAcross(here, i, EdgeOf(record, i));
+    }
+  }
+
+  void CutInParts(std::size_t t, const ZBR_ZBREPT& record) {
     Polygon polygon;
     for (std::size_t i = 0; i < 3; ++i) {
       Corner corner;
@@ -142,7 +175,8 @@ class SceneCutter {
       if (polygon.ReachesAbove(k)) polygon = Below(polygon, record, k);
     }
     polygon = WithLength(polygon);
-    for (std::size_t i = 1; i + 1 < polygon.Size(); ++i) AddPart(polygon, i, t);
+    const Sides sides{out_.ClassesRead(t), std::to_array(out_.Read(t).adj)};
+    for (std::size_t i = 1; i + 1 < polygon.Size(); ++i) AddPart(polygon, i, t, sides);
   }
 
   // The part of the polygon below plane k.
@@ -183,7 +217,7 @@ class SceneCutter {
   }
 
   // The triangle of corners 0, i and i + 1.
-  void AddPart(const Polygon& polygon, std::size_t i, std::size_t t) {
+  void AddPart(const Polygon& polygon, std::size_t i, std::size_t t, const Sides& sides) {
     std::array<Corner, 3> corners = {polygon[0], polygon[i], polygon[i + 1]};
     if (i > 1) corners[0].side = kInside;
     if (i + 2 < polygon.Size()) corners[2].side = kInside;
@@ -195,31 +229,33 @@ class SceneCutter {
       part.edges[k] = corners[k].side < kDrawnCut ? corners[k].side : EdgeRef::kAcross;
     }
     AddTriangle(places, part);
-    const std::size_t here = triangles_.size() - 1;
+    const std::size_t here = out_.Count() - 1;
     if (i > 1) Connect(here, 0, here - 1, 2);
     for (std::size_t k = 0; k < 3; ++k) {
-      if (corners[k].side < kDrawnCut) SetEdge(here, k, t, corners[k].side);
+      if (corners[k].side < kDrawnCut) SetEdge(here, k, t, corners[k].side, sides);
       if (corners[k].side == kDrawnCut) Draw(here, k, EdgeClass::kBorder);
     }
   }
 
   void AddTriangle(const std::array<ZBR_PT3, 3>& places, const ScenePart& part) {
-    ZBR_HL_TRI& triangle = triangles_.emplace_back();
-    triangle.idx = static_cast<int>(triangles_.size() - 1 - begin_);
+    ZBR_HL_TRI& triangle = out_.Add(part);
+    triangle.idx = static_cast<int>(out_.Count() - 1 - begin_);
     triangle.skip = false;
     for (std::size_t i = 0; i < 3; ++i) {
       triangle.pt[i] = places[i];
       triangle.profile[i] = triangle.adj[i] = triangle.adj_edge[i] = -1;
       triangle.dispj[i] = false;
     }
-    classes_.push_back({EdgeClass::kSmooth, EdgeClass::kSmooth, EdgeClass::kSmooth});
-    parts_.push_back(part);
   }
 
-  void SetEdge(std::size_t here, std::size_t k, std::size_t t, std::size_t edge) {
-    Draw(here, k, scene_.classes[t][edge]);
-    if (scene_.triangles[t].adj[edge] < 0) return;
-    std::uint32_t& first = first_[static_cast<std::size_t>(EdgeOf(Record(t), edge).GetIndex())];
+  void SetEdge(std::size_t here, std::size_t k, std::size_t t, std::size_t edge, const Sides& sides) {
+    Draw(here, k, sides.classes[edge]);
+    if (sides.adjacent[edge] >= 0) ConnectAcross(here, k, EdgeOf(Record(t), edge));
+  }
+
+  // With what is left on the other side of the edge, as soon as that is there.
+  void ConnectAcross(std::size_t here, std::size_t k, const ZBR_ZBREPE& edge) {
+    std::uint32_t& first = first_[static_cast<std::size_t>(&edge - model_.Shell(shell_).GetEdge(0))];
     if (first == kNone) {
       first = static_cast<std::uint32_t>(3 * here + k);
     } else {
@@ -228,15 +264,16 @@ class SceneCutter {
   }
 
   void Draw(std::size_t here, std::size_t k, EdgeClass edgeClass) {
-    classes_[here][k] = edgeClass;
-    triangles_[here].dispj[k] = edgeClass != EdgeClass::kSmooth;
+    out_.Classes(here)[k] = edgeClass;
+    out_.Triangle(here).dispj[k] = edgeClass != EdgeClass::kSmooth;
   }
 
   void Connect(std::size_t a, std::size_t i, std::size_t b, std::size_t k) {
-    triangles_[a].adj[i] = static_cast<int>(b - begin_);
-    triangles_[a].adj_edge[i] = static_cast<int>(k);
-    triangles_[b].adj[k] = static_cast<int>(a - begin_);
-    triangles_[b].adj_edge[k] = static_cast<int>(i);
+    ZBR_HL_TRI &first = out_.Triangle(a), &second = out_.Triangle(b);
+    first.adj[i] = static_cast<int>(b - begin_);
+    first.adj_edge[i] = static_cast<int>(k);
+    second.adj[k] = static_cast<int>(a - begin_);
+    second.adj_edge[k] = static_cast<int>(i);
   }
 
   // Keeps what of a free line is below all planes. Nothing may be left.
@@ -253,8 +290,9 @@ class SceneCutter {
   // Edges are drawn by either of their triangles.
   void CountDrawable() {
     std::size_t sides = 0;
-    for (const ZBR_HL_TRI& triangle : scene_.triangles) {
-      for (std::size_t i = 0; i < 3; ++i) sides += triangle.dispj[i] ? (triangle.adj[i] < 0 ? 2 : 1) : 0;
+    for (std::size_t t = 0; t < scene_.classes.size(); ++t) {
+      for (std::size_t i = 0; i < 3; ++i)
+        sides += scene_.classes[t][i] != EdgeClass::kSmooth ? (scene_.triangles[t].adj[i] < 0 ? 2 : 1) : 0;
     }
     scene_.drawable = sides / 2;
   }
@@ -265,10 +303,7 @@ class SceneCutter {
   std::size_t shell_ = 0, begin_ = 0;         // what is being cut, and its first triangle
   std::vector<std::vector<double>> heights_;  // by plane
   std::vector<std::uint32_t> first_;          // of the shell's edges: the side met first, 3 x triangle + place
-  // To become the scene's.
-  SceneTriangles triangles_;
-  std::vector<std::array<EdgeClass, 3>> classes_;
-  std::vector<ScenePart> parts_;
+  RefilledScene out_;
   std::vector<std::size_t> ends_;  // of shells
 };
 

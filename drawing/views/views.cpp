@@ -12,6 +12,7 @@
 
 #include "drawing/intersections/coaxial.h"
 #include "drawing/intersections/seams.h"
+#include "drawing/model/connectivity.h"
 #include "drawing/parallel.h"
 #include "drawing/sections/cut_scene.h"
 #include "drawing/sections/drawn_section.h"
@@ -146,6 +147,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
   Found found;
   RunParallel(2, options.threads, [&](std::size_t which) {
     if (which == 0 && options.intersections && !views.empty()) found.crossings = FindSeams(model, options.contact, options.threads);
+    if (which == 0 && !options.intersections) DropConnectivity(model);
     if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
   });
   if (!found.crossings.empty()) {

@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace zbr::drawing {
@@ -53,6 +54,8 @@ struct EdgeNote {
   // NOLINTEND(modernize-use-default-member-init)
 };
 
+struct KeptConnectivity;
+
 // Triangles are numbered through all shells: triangle t of shell s has the number shellBegin[s] + t. Edges are likewise.
 struct Model {
   // A shell is what hangs together by edges other than junctions, or what the mesh says is one. Shells are in the order of their
@@ -82,6 +85,9 @@ struct Model {
   std::size_t pointCount = 0;  // of distinct places
   std::size_t junctions = 0;
   std::size_t junctionCopies = 0;  // uses of junctions but for one of each
+
+  // What was made of all triangles when tangent edges were looked for, until it is taken.
+  std::shared_ptr<KeptConnectivity> connectivity;
 
   // The records know their shell by its address: a model can be moved, but not copied.
   Model() = default;
