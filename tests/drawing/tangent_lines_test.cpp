@@ -30,7 +30,7 @@ class Grid {
     }
     model_ = MakeModel(mesh, 30.0);
     mesh_ = ConnectivityOf(model_, 1);
-    for (const auto& side : mesh_.sides) mesh_.shows[static_cast<std::size_t>(&side - mesh_.sides.data())] = side[1] == kNone;
+    for (const auto& side : mesh_.sides) mesh_.shows[static_cast<std::size_t>(&side - mesh_.sides.begin())] = side[1] == kNone;
   }
 
   // The edges on a line along the grid.
