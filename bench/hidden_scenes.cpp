@@ -30,6 +30,7 @@ constexpr Kind kKinds[] = {
     {"lattice", 10'000, "iso", [](std::size_t n) { return example::BoxesOnPlate(static_cast<int>(n), true); }},
     {"torus", 100'000'000, "iso", [](std::size_t n) { return example::Torus(n); }},
     {"gear", 100'000'000, "iso", [](std::size_t n) { return example::Gear(n); }},
+    {"gear-axis", 100'000'000, "top", [](std::size_t n) { return example::Gear(n); }},  // many edges project to one place
     {"gears", 35, "iso", [](std::size_t k) { return example::Gears(static_cast<int>(k)); }},
 };
 

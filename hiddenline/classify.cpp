@@ -130,9 +130,10 @@ void zbr::Classify(ZBR_HL_TRI& t) {
 }
 
 void zbr::GiveIntervals(ZBR_HL_TRI& t, unsigned except) {
-  if (IsOutlineShared(t)) GiveStretch(t);
+  const auto isExcepted = [except](int i) { return (except >> static_cast<unsigned>(i) & 1U) != 0; };
+  if (IsOutlineShared(t) && !isExcepted(t.vert_edge)) GiveStretch(t);
   for (int i = 0; i < 3; ++i) {
-    if (t.edge_state[i] != kGeneral || !t.dispj[i] || (except >> static_cast<unsigned>(i) & 1U) != 0) continue;
+    if (t.edge_state[i] != kGeneral || !t.dispj[i] || isExcepted(i)) continue;
     if (t.intvl_v[i].empty()) t.intvl_v[i].emplace_back(t.pt[i], t.pt[(i + 1) % 3], 0.0, 1.0);
     t.any_edge_visible = true;
   }

@@ -44,7 +44,7 @@ class NextDoor {
  public:
   NextDoor(const ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell) {
     const int* adj = t.adj;
-    const bool mayBePlain = t.tri_state == kGeneral && adj[0] != adj[1] && adj[1] != adj[2] && adj[2] != adj[0];
+    const bool mayBePlain = !t.IsTriInvalid() && adj[0] != adj[1] && adj[1] != adj[2] && adj[2] != adj[0];
     for (int i = 0; i < 3; ++i) {
       if (adj[i] == -1) continue;
       const int position = PositionOf(shell, adj[i]);
@@ -55,26 +55,38 @@ class NextDoor {
   }
 
   int position(int i) const { return positions_[i]; }  // -1: nobody there
-  // The edges that t leaves to the neighbour, which draws them.
+  // The edges that t leaves to neighbours, which draw them.
   unsigned LeavesTo() const { return leavesTo_; }
-  // Whether the surface goes on there, so that nothing but the shared edge is to be decided (neighbour.cpp).
-  bool GoesOn(int i) const { return (goesOn_ >> static_cast<unsigned>(i) & 1U) != 0; }
+  // Whether nothing but what t leaves is to be decided there.
+  bool IsDone(int i) const { return (done_ >> static_cast<unsigned>(i) & 1U) != 0; }
 
  private:
-  // Of two faces that share but one edge.
+  // Of two that share but one edge: what the rule for neighbours (neighbour.cpp) says without looking at anything else. Of a box
+  // seen from above that is all but the walls' other edges.
   void Compare(const ZBR_HL_TRI& t, int i, const ZBR_HL_TRI& o) {
-    if (o.tri_state != kGeneral || &o == &t || o.idx != t.adj[i] || o.shell_idx != t.shell_idx) return;
+    if (o.IsTriInvalid() || &o == &t || o.idx != t.adj[i] || o.shell_idx != t.shell_idx) return;
     if (t.edge_state[i] != kGeneral) return;
     const int k = t.adj_edge[i] != -1 ? t.adj_edge[i] : t.GetAdjEdge(i, o);
-    if (!IsEdgeNumber(k) || o.edge_state[k] == kVertical) return;
+    if (!IsEdgeNumber(k)) return;
     const unsigned bit = 1U << static_cast<unsigned>(i);
-    if (KeepsLine(o, k, t)) leavesTo_ |= bit;
-    if (ContinuesAt(t, i, o, k)) goesOn_ |= bit;
+    bool isDone = false;
+    if (o.edge_state[k] == kVertical) {  // EndOn
+      isDone = true;
+    } else if (t.IsTriVertical()) {
+      isDone = !o.IsTriVertical();  // WallByFace
+      if (isDone) leavesTo_ |= LeavesToFace(t, i);
+    } else if (o.IsTriVertical()) {
+      isDone = !HidesFaceBeside(o, k);  // FaceByWall
+    } else {
+      if (KeepsLine(o, k, t)) leavesTo_ |= bit;
+      isDone = ContinuesAt(t, i, o, k);  // GoesOn
+    }
+    if (isDone) done_ |= bit;
   }
 
   int positions_[3] = {-1, -1, -1};
   unsigned leavesTo_ = 0;
-  unsigned goesOn_ = 0;
+  unsigned done_ = 0;
 };
 
 // A bare triangle gets its intervals here, but those that it would lose at once.
@@ -92,7 +104,7 @@ Neighbours MeetNeighbours(ZBR_HL_TRI& t, const ZBR_HL_SHELL& shell, bool isBare,
     const int position = next.position(i);
     if (position < 0 || met.Has(position)) continue;
     met.positions[met.count++] = position;
-    if (!next.GoesOn(i)) HideByTriangle(t, shell.tris[position], lists);
+    if (!next.IsDone(i)) HideByTriangle(t, shell.tris[position], lists);
   }
   return met;
 }
@@ -216,6 +228,8 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
 std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists) {
   Pass pass{lists};
   const bool isOwnAmongThem = by.search == nullptr && std::find(by.shells.begin(), by.shells.end(), &a) != by.shells.end();
+  const bool areOthers = by.search != nullptr || by.shells.size() > (isOwnAmongThem ? 1U : 0U);
+  if (!isOwnAmongThem && !areOthers) return 0;
   for (unsigned i = range.begin; i < range.end; ++i) {
     ZBR_HL_TRI& t = a.tris[range.At(i)];
     if (by.isBare ? !Draws(t) : !t.any_edge_visible) continue;
@@ -224,16 +238,33 @@ std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by,
       std::erase(by.shells, &a);
     }
     if (isOwnAmongThem) HideInOwn(t, a, by.isBare, pass);
-    HideInOthers(t, a, by.shells, pass);
+    if (areOthers) HideInOthers(t, a, by.shells, pass);
     ZBR_CHECK(VisibleFault(t));
   }
   return pass.pairs;
 }
 
-void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by) {
+Extents VisibleExtents(const ZBR_HL_SHELL& a) {
+  Extents extents;
+  for (unsigned k = 0; k < a.count; ++k) {
+    const ZBR_HL_TRI& t = a.tris[k];
+    for (int i = 0; i < 3 && t.any_edge_visible; ++i) {
+      if (!t.IsEdgeAvailable(i)) continue;
+      const ZBR_PT3& p = t.pt[i];
+      const ZBR_PT3& q = t.pt[i == 2 ? 0 : i + 1];
+      extents.Add({BoxOfSegment(p.xy(), q.xy()), std::min(p.z(), q.z()), std::max(p.z(), q.z())});
+    }
+  }
+  return extents;
+}
+
+void FindOthersNear(const ZBR_HL_SHELL& a, const Extents& visible, const ShellSearch& search, Occluding& by) {
   // Fewer shells than this are asked one by one faster than through a hierarchy.
   constexpr std::size_t kManyShells = 128;
-  search.Find({a.min_x, a.min_y, a.max_x, a.max_y}, a.min_z, by.ranks, by.shells);
+  by.search = nullptr;
+  by.shells.clear();
+  if (visible.empty()) return;
+  search.Find(visible.box, visible.minZ, by.ranks, by.shells);
   std::erase(by.shells, &a);
   by.search = by.shells.size() > kManyShells && a.count > kManyShells ? &search : nullptr;
 }

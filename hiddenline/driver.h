@@ -7,6 +7,7 @@
 
 #include <zbr/hidden_line.h>
 
+#include "hiddenline/extents.h"
 #include "hiddenline/occlusion.h"
 #include "hiddenline/shell_search.h"
 
@@ -39,8 +40,12 @@ struct Occluding {
   std::vector<std::uint32_t> ranks = {};  // scratch of the search
 };
 
-// Replaces `by` by what may hide something of a, of the shells in `search` but a itself.
-void FindOthersNear(const ZBR_HL_SHELL& a, const ShellSearch& search, Occluding& by);
+// What the edges of a lie within of which anything is visible; empty when there are none. A box seen from above has only its upper
+// edges left when it has been hidden by itself, which are out of reach of whatever it stands on.
+Extents VisibleExtents(const ZBR_HL_SHELL& a);
+// Replaces `by` by what may hide something of a, the visible edges of which lie within `visible`, of the shells in `search` but a
+// itself.
+void FindOthersNear(const ZBR_HL_SHELL& a, const Extents& visible, const ShellSearch& search, Occluding& by);
 
 // Removes from the triangles of a in the range what is hidden. a may be among the occluding shells itself, but not with a search.
 // Only these triangles are written, so different ranges may be processed at once. Returns the number of pairs that went through the

@@ -1,7 +1,6 @@
 // Doubles as floats, and floats as unsigned integers that sort the same way.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -13,7 +12,8 @@ namespace zbr {
 // The nearest float; the largest one of its sign for what is larger.
 inline float ToFloat(double d) {
   constexpr double kLargest = std::numeric_limits<float>::max();
-  return static_cast<float>(std::min(std::max(d, -kLargest), kLargest));
+  d = d < -kLargest ? -kLargest : d;
+  return static_cast<float>(kLargest < d ? kLargest : d);
 }
 
 // Ascending in f; what is no number comes first.

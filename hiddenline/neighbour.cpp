@@ -45,15 +45,6 @@ bool BothVertical(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, const Scr
   return longEdges;
 }
 
-// A wall beside a face: the face draws the shared edge, and all of the wall when it hangs from that edge.
-void WallByFace(ZBR_HL_TRI& self, int i) {
-  self.SetEdgeUnavailable(i);
-  if (!self.vert_upper && i == self.vert_edge) {
-    self.SetEdgeUnavailable((i + 1) % 3);
-    self.SetEdgeUnavailable((i + 2) % 3);
-  }
-}
-
 bool BothFaces(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet) {
   if (KeepsLine(o, k, self)) self.SetEdgeUnavailable(i);
   if (ContinuesAt(self, i, o, k)) return true;  // GoesOn
@@ -78,11 +69,13 @@ bool HideByNeighbour(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& 
   if (o.edge_state[k] == kVertical) return true;  // EndOn
   if (self.IsTriVertical()) {
     if (o.IsTriVertical()) return BothVertical(self, o, i, k, lists);
-    WallByFace(self, i);
+    for (int e = 0; e < 3; ++e) {  // WallByFace
+      if ((LeavesToFace(self, i) >> static_cast<unsigned>(e) & 1U) != 0) self.SetEdgeUnavailable(e);
+    }
     return true;
   }
   if (o.IsTriVertical()) {  // FaceByWall
-    if ((k == o.vert_edge) == o.vert_upper) HideBesideVertical(self, o, i, lists);
+    if (HidesFaceBeside(o, k)) HideBesideVertical(self, o, i, lists);
     return true;
   }
   return BothFaces(self, o, i, k, posSet);

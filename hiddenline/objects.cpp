@@ -14,16 +14,25 @@ namespace {
 
 using Loops = std::vector<std::shared_ptr<ZBR_LOOP>>;
 
-void Process(ZBR_HL_SHELL* shells, unsigned count) {
-  for (unsigned i = 0; i < count; ++i) shells[i].HiddenLineSelf();
+// Hides shells by themselves, and tells what is left of them.
+template <class HideAlone>
+std::vector<zbr::Extents> Process(ZBR_HL_SHELL* shells, unsigned count, HideAlone hideAlone) {
+  std::vector<zbr::Extents> visible;
+  visible.reserve(count);
+  for (unsigned i = 0; i < count; ++i) {
+    hideAlone(shells[i]);
+    visible.push_back(zbr::VisibleExtents(shells[i]));
+  }
+  return visible;
 }
 
-void HideBehind(ZBR_HL_SHELL* a, unsigned na, const ZBR_HL_SHELL* b, unsigned nb) {
+// What is visible of each shell of a is given, so that those that nothing is near to are not looked at again.
+void HideBehind(ZBR_HL_SHELL* a, const std::vector<zbr::Extents>& visible, const ZBR_HL_SHELL* b, unsigned nb) {
   const zbr::ShellSearch search({b, nb});
   zbr::Occluding others;
-  for (unsigned i = 0; i < na; ++i) {
-    zbr::FindOthersNear(a[i], search, others);
-    zbr::HideShell(a[i], others);
+  for (std::size_t i = 0; i < visible.size(); ++i) {
+    zbr::FindOthersNear(a[i], visible[i], search, others);
+    if (!others.shells.empty()) zbr::HideShell(a[i], others);
   }
 }
 
@@ -107,8 +116,8 @@ void ZBR_HiddenLine::GetMaxMin(ZBR_HL_SHELL* shells, unsigned count) {
 
 void ZBR_HiddenLine::HiddenLine_Shells(ZBR_HL_SHELL* shells, unsigned count) {
   zbr::NumberInOrder(shells, count);
-  for (unsigned i = 0; i < count; ++i) zbr::HideInItself(shells[i]);
-  if (count > 1) HideBehind(shells, count, shells, count);
+  const std::vector<zbr::Extents> visible = Process(shells, count, zbr::HideInItself);
+  if (count > 1) HideBehind(shells, visible, shells, count);
 }
 
 void ZBR_HiddenLine::HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector<ZBR_PT>>* out, unsigned count) {
@@ -120,9 +129,10 @@ void ZBR_HiddenLine::HiddenLineObj(ZBR_HL_SHELL* shells, std::vector<std::vector
 
 void ZBR_HiddenLine::HiddenLineObjByObjMain(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb) {
   if (na == 0 || nb == 0) return;
-  Process(a, na);
-  Process(b, nb);
-  HideBehind(a, na, b, nb);
+  const auto hideAlone = [](ZBR_HL_SHELL& shell) { shell.HiddenLineSelf(); };
+  const std::vector<zbr::Extents> visible = Process(a, na, hideAlone);
+  Process(b, nb, hideAlone);
+  HideBehind(a, visible, b, nb);
 }
 
 void ZBR_HiddenLine::HiddenLineObjByObj(ZBR_HL_SHELL* a, ZBR_HL_SHELL* b, unsigned na, unsigned nb, bool both) {

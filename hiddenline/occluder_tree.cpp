@@ -2,29 +2,17 @@
 #include "hiddenline/occluder_tree.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
 #include "core/small_sort.h"
-#include "hiddenline/float_key.h"
 
 namespace zbr {
 namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
-
-// A float at most, or at least, d: the nearest one and a step outwards, which is cheaper than to see whether it is needed.
-constexpr float kStep = 1.2e-7F;  // a little more than the distance between neighbours, relative
-float RoundDown(double d) {
-  const float f = ToFloat(d);
-  return f - std::fabs(f) * kStep - std::numeric_limits<float>::min();
-}
-float RoundUp(double d) {
-  return -RoundDown(-d);
-}
 
 // The 16 bits of c with two zeros between neighbours.
 std::uint64_t Spread(std::uint32_t c) {
@@ -59,6 +47,12 @@ class CurveOrder {
   // of work, so that each is sorted where it lies.
   std::vector<Keyed> Sorted(const Sharing& sharing) const {
     std::vector<Keyed> keyed(triangles_.size());
+    if (keyed.size() <= kFew) {
+      for (std::size_t i = 0; i < keyed.size(); ++i)
+        keyed[i] = {triangles_[i].IsTriInvalid() ? kInvalidKey : 0, static_cast<int>(i)};
+      std::erase_if(keyed, [](const Keyed& k) { return k.key == kInvalidKey; });
+      return keyed;
+    }
     sharing.InPieces(keyed.size(), kPiece, [&](std::size_t, std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i) keyed[i] = KeyOf(i);
     });
@@ -80,6 +74,7 @@ class CurveOrder {
 
  private:
   static constexpr double kCells = 65535.0;
+  static constexpr std::size_t kFew = 16;      // of so few triangles any order does; a box has twelve
   static constexpr int kFineBits = 18;         // of 48: ten bits an axis suffice unless detail is unevenly spread
   static constexpr std::size_t kCrowded = 16;  // triangles in one coarse cell
   static constexpr unsigned kStretchBits = 18;
@@ -165,7 +160,7 @@ OccluderTree::Node OccluderTree::MakeNode(std::span<Lane> lanes) {
 
 OccluderTree::Lane OccluderTree::LaneOf(const Extents& e, int position) const {
   const Query q = MakeQuery(e.box, 0.0);
-  return {q.xmin, q.ymin, q.xmax, q.ymax, RoundUp(e.maxZ - centre_.z()), ~position};
+  return {q.xmin, q.ymin, q.xmax, q.ymax, FloatAbove(e.maxZ - centre_.z()), ~position};
 }
 
 OccluderTree::Lane OccluderTree::Around(const Node& node, std::int32_t child) {
@@ -219,11 +214,6 @@ void OccluderTree::Build(std::span<const ZBR_HL_TRI> triangles, const Extents& b
     fill(begin + count, count, [&](std::size_t i) { return Around(nodes_[begin + i], static_cast<std::int32_t>(begin + i)); });
     begin += count;
   }
-}
-
-OccluderTree::Query OccluderTree::MakeQuery(const Box& box, double z) const {
-  return {RoundDown(box.xmin - centre_.x()), RoundDown(box.ymin - centre_.y()), RoundUp(box.xmax - centre_.x()),
-          RoundUp(box.ymax - centre_.y()), RoundDown(z - centre_.z())};
 }
 
 }  // namespace zbr

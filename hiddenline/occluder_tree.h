@@ -8,7 +8,9 @@
 
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -22,6 +24,7 @@
 #include "core/box.h"
 #include "core/sharing.h"
 #include "hiddenline/extents.h"
+#include "hiddenline/float_key.h"
 
 namespace zbr {
 
@@ -71,6 +74,21 @@ class OccluderTree {
   ZBR_PT3 centre_;
   std::vector<Node> nodes_;  // the root last
 };
+
+// A float at most, or at least, d: the nearest one and a step outwards, which is cheaper than to see whether it is needed.
+inline float FloatBelow(double d) {
+  constexpr float kStep = 1.2e-7F;  // a little more than the distance between neighbours, relative
+  const float f = ToFloat(d);
+  return f - std::fabs(f) * kStep - std::numeric_limits<float>::min();
+}
+inline float FloatAbove(double d) {
+  return -FloatBelow(-d);
+}
+
+inline OccluderTree::Query OccluderTree::MakeQuery(const Box& box, double z) const {
+  return {FloatBelow(box.xmin - centre_.x()), FloatBelow(box.ymin - centre_.y()), FloatAbove(box.xmax - centre_.x()),
+          FloatAbove(box.ymax - centre_.y()), FloatBelow(z - centre_.z())};
+}
 
 template <class Visit>
 void OccluderTree::ForEach(Visit visit) const {

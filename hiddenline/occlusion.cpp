@@ -134,11 +134,20 @@ void Outside(const ZBR_HL_TRI& self, const Stretch& stretch, const ZBR_HL_TRI& o
   OutsideSidesAtApex(stretch, apex, o, out);
 }
 
+// The place where an edge with one end in front of o and the other behind passes through o's plane; false when it does not, because
+// it is parallel. Beyond 1e8 the rounding of coordinates moves places by more than the tolerance, and past the ends of short edges.
+bool CutAtPlane(const ZBR_HL_INTERVAL& whole, const ZBR_HL_TRI& o, PtLin& cut) {
+  if (!o.normal.GetIntersection(whole.s.pt, whole.e.pt, &cut.pt, &cut.t)) return false;
+  if (cut.t < 0.0) cut = whole.s;
+  if (cut.t > 1.0) cut = whole.e;
+  return true;
+}
+
 // An edge with one end in front of o and the other behind.
 void VisiblePartsAcross(const ZBR_HL_TRI& self, const ZBR_HL_INTERVAL& whole, bool startInFront, const ZBR_HL_TRI& o,
                         Intervals& out, const Scratch& lists) {
   PtLin cut;
-  if (!o.normal.GetIntersection(whole.s.pt, whole.e.pt, &cut.pt, &cut.t)) {
+  if (!CutAtPlane(whole, o, cut)) {
     out.push_back(whole);
   } else if (startInFront) {
     out.emplace_back(whole.s, cut);

@@ -89,6 +89,17 @@ inline bool ContinuesAt(const ZBR_HL_TRI& self, int i, const ZBR_HL_TRI& o, int 
   return SamePoint(self.pt[i], o.pt[k], t_tolerance.eps2) == (self.clockwise != o.clockwise);
 }
 
+// The edges, as a mask, that a wall leaves to a face across its edge i: the face draws the shared edge, and all of a wall that
+// hangs from it.
+inline unsigned LeavesToFace(const ZBR_HL_TRI& wall, int i) {
+  return !wall.vert_upper && i == wall.vert_edge ? 7U : 1U << static_cast<unsigned>(i);
+}
+
+// Whether a wall rises above its edge k, and so hides what lies below it on its line of a face across that edge.
+inline bool HidesFaceBeside(const ZBR_HL_TRI& wall, int k) {
+  return (k == wall.vert_edge) == wall.vert_upper;
+}
+
 // The vertices of t in front of, on and behind o's plane (as its normal points), where on it means within `contact`.
 ZBR_HL_POS_BIT PositionsAgainst(const ZBR_HL_TRI& t, const ZBR_HL_TRI& o, double contact);
 

@@ -121,12 +121,14 @@ class Remover {
       states_[i].isBare = true;
       if (!draws.empty() && !shell.quad_built) PutInOrder(i, std::move(draws));  // not where the tree is a former one
     }
+    if (shell.done) states_[i].visible = zbr::VisibleExtents(shell);
     if (shell.done || shell.count > kPiece) return;
     const zbr::ToleranceScope scope(zbr::kOcclusionEps);
     zbr::Occluding by;
     zbr::OwnLists own;
     HideAlone(i, {0, shell.count}, by, own.Lend(zbr::ContactOf(shell)));
     states_[i].isAlone = true;
+    states_[i].visible = zbr::VisibleExtents(shell);
   }
 
   // The triangles of a prepared shell to go through.
@@ -150,7 +152,7 @@ class Remover {
       const zbr::TriangleRange range{piece.range.begin, std::min(piece.range.end, count), state.order.get()};
       const zbr::Scratch lists = own.Lend(zbr::ContactOf(shell));
       if (!state.isAlone) HideAlone(s, range, by, lists);
-      zbr::FindOthersNear(shell, search, by);
+      zbr::FindOthersNear(shell, state.isAlone ? state.visible : AllOf(shell), search, by);
       state.pairs += zbr::HideTriangles(shell, range, by, lists);
       triangles += static_cast<double>(range.end - range.begin) / count * shell.count;
     }
@@ -170,8 +172,11 @@ class Remover {
     bool isAlone = false;                          // hidden by itself
     bool isBare = false;                           // its edges have no intervals before that
     std::unique_ptr<std::vector<unsigned>> order;  // of a large one: what it is gone through in
+    zbr::Extents visible;                          // what is left of it by then
     std::atomic<std::uint64_t> pairs{0};
   };
+
+  static zbr::Extents AllOf(const ZBR_HL_SHELL& s) { return {{s.min_x, s.min_y, s.max_x, s.max_y}, s.min_z, s.max_z}; }
 
   // Of the triangles that have something to draw. In the order of the tree each edge meets the occluders of the one before: of a
   // gear of 200,000 triangles seen along its axis, with steep walls under each other, that is a third of the time.

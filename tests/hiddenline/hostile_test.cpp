@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "hiddenline/check.h"
 #include "hiddenline/scenes.h"
 
 namespace {
@@ -63,6 +64,27 @@ TEST(Hostile, ExtentsThatAreNoNumbersLoseNoTriangle) {
     EXPECT_EQ(changed.GetDispSegNum(), 3U);
     EXPECT_EQ(shell.GetAvailableTriNum(), 5000U);
   }
+}
+
+// Where triangles are a few roundings wide, places at which edges pass through planes came to lie beyond their ends.
+TEST(Hostile, FarFromTheOriginPartsStayOnTheirEdges) {
+  std::size_t parts = 0;
+  for (std::uint64_t seed = 0; seed < 40; ++seed) {
+    Random random(seed);
+    const auto at = [&](double offset) { return offset + 1.52587890625e-5 * static_cast<double>(random() % 12); };
+    std::vector<Corners> triangles(30);
+    for (Corners& corners : triangles) {
+      for (ZBR_PT3& p : corners) p = ZBR_PT3(at(1e11), at(1e11), at(seed % 2 == 0 ? 1e11 : 0.0));
+    }
+    Drawing drawing = DrawTriangles(triangles);
+    ZBR_HL_SHELL shell = drawing.Shells()[0];
+    ZBR_HiddenLine::RemoveAll(&shell, 1);
+    for (const ZBR_HL_TRI& t : drawing.bodies[0]) {
+      ASSERT_EQ(zbr::VisibleFault(t), nullptr) << seed;
+      parts += t.GetDispSegNum();
+    }
+  }
+  EXPECT_GT(parts, 1000U);
 }
 
 // Triangles that are not finite draw and hide nothing: the others are as if they were not there. Those with very large coordinates
