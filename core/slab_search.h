@@ -20,7 +20,8 @@ struct SlabSegment {
 
 // Calls visit(i, j), i < j, for all pairs of segments within `distance` of each other, and for some that are within a few times of
 // that; in no order, and for some more than once. Rounding of coordinates is allowed for. False as soon as a visit says so.
-// n log^2 n, and the pairs.
+// n log^2 n, and the pairs; where segments that cross a slab also cross each other, those that end in it are compared with each of
+// the layers that they make.
 bool SearchSlabs(std::span<const SlabSegment> segments, double distance,
                  const std::function<bool(std::uint32_t, std::uint32_t)>& visit);
 

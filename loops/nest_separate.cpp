@@ -105,7 +105,8 @@ class SeparateLoops {
     std::vector<SlabSegment> segments;
     segments.reserve(edges_.size());
     for (const Edge& edge : edges_) segments.push_back({edge.s, edge.e});
-    return SearchSlabs(segments, clearance_, [this](std::uint32_t i, std::uint32_t j) { return AreClear(i, j); });
+    std::size_t pairsLeft = kPairsAtLeast + kPairsPerEdge * edges_.size();  // a loop that crosses itself may have any number
+    return SearchSlabs(segments, clearance_, [&](std::uint32_t i, std::uint32_t j) { return pairsLeft-- > 0 && AreClear(i, j); });
   }
 
   std::vector<Edge> edges_;  // along a space-filling curve through their midpoints

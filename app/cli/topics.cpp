@@ -112,9 +112,10 @@ right side at equal scales; dimetric shows the front at nearly its true shape. -
 direction.
 
 An edge of a triangle is drawn when it is a border (of one triangle), a crease (the surface bends by more than
---crease), a junction (of three and more triangles), a silhouette (the surface turns away there) or, with --tangent,
-tangent (a fillet or another bent face ends there); and lines are drawn where surfaces pass through each other. Triangles that
-share edges, two at each, form a shell; any number of shells may hide each other, and any may be open.
+--crease; round rims of flat faces are drawn whole), a junction (of three and more triangles), a silhouette (the surface
+turns away there) or, with --tangent, tangent (a fillet or another bent face ends there); and lines are drawn where
+surfaces pass through each other. Triangles that share edges, two at each, form a shell; any number of shells may hide
+each other, and any may be open.
 
 --eye X,Y,Z adds a perspective from that point to the middle of the model, or along --look. --centre-lines marks circles and
 axes. Scans, whose creases end nowhere, show creases that can be followed for some way, and smooth silhouettes

@@ -69,8 +69,8 @@ void FindRepeatedAtJunctions(std::span<const Corners> triangles, const std::vect
 
 }  // namespace
 
-// Room for the triangles of a large shell takes as long to clear as its points do to be numbered. It has as many edges as a closed
-// surface without handles, or more: room for them is made ready on all threads.
+// Room for the triangles of a large shell takes as long to clear as its points do to be numbered. Room for as many edges as
+// a closed surface without handles has is made ready on all threads.
 void ShellFiller::Fill(std::span<const Corners> triangles, ZBR_ZBREPS& shell, unsigned threads) {
   const bool isLarge = triangles.size() >= kRange;
   RunParallel(2, isLarge ? threads : 1, [&](std::size_t which) {

@@ -1,7 +1,7 @@
 // Idea: where a flat face ends at a chamfer, its rim is one edge of the part, drawn or not. Facets of the chamfer bend from the
 // face by angles around the chamfer's, so that at a crease angle of the same size some chords of the rim are creases and some are
 // not. What belongs together is told by the flat face: the edges on its border that bend by about the angle of creases, if they lie
-// on one circle and go round most of it. If then some of them show, all do.
+// on one circle and go round most of it. If then a part of them bends by that angle, or very nearly, all show.
 //
 // Difficulty: the rim may be in parts, as that of a hexagon's chamfer which reaches its sides is in six. So the border is taken
 // ring by ring, and of a ring whatever bends that way.
@@ -26,6 +26,8 @@ constexpr std::size_t kFewestChords = 6;
 // One chord in so many bends by nearly the angle or more: inscribed facets bend by less than what they stand for, but a few do not.
 constexpr std::size_t kOneIn = 10;
 constexpr double kNearly = 0.96;
+// Chamfers bend by less. Walls bend by 90 degrees from a flat face and are not divided otherwise by chance.
+constexpr double kLargestCrease = 60.0;
 constexpr double kLeastTurn = kPi;
 constexpr double kOfRadius = 1e-6;       // how far points may be off the circle, as a part of the radius
 constexpr double kOfChordHeight = 0.02;  // and of the distance between a chord and its arc
@@ -180,7 +182,7 @@ class RimFinder {
 }  // namespace
 
 void CompleteRims(Model& model, double creaseDegrees, const std::vector<std::uint32_t>& nearly) {
-  if (nearly.empty()) return;
+  if (nearly.empty() || creaseDegrees > kLargestCrease) return;
   RimFinder finder(model, creaseDegrees);
   for (const std::uint32_t edge : nearly) finder.At(edge);
 }

@@ -4,6 +4,7 @@
 #include <zbr-drawing/section.h>
 #include <zbr/spatial.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -11,6 +12,11 @@ namespace zbr::drawing {
 
 // Heights of a shell's vertices over the plane, 0 for those in it: no farther away than rounding explains.
 std::vector<double> HeightsOf(const Model& model, std::size_t shell, const SectionPlane& plane);
+
+// For Booleans and equal points of cuts, in the model's unit: that of the library, but less in small models.
+inline double SectionTolerance(const Model& model) {
+  return std::min(1e-5, 1e-7 * model.Diagonal());
+}
 
 // What vertices in the plane count as: to be above it, and taken away, or below. Both choices together tell what only touches it.
 enum class InPlane : std::uint8_t { kAbove, kBelow };

@@ -2,7 +2,8 @@
 // cuts end where others begin, and which of them belong together is not told by their ends.
 //
 // Idea: together they cut the plane into cells, of which each is material, as walls have some on both sides whichever way they
-// face. Only what all its borders turn away from is a void between bodies, such as the bore of two half shells.
+// face. Only what all its borders turn away from is a void between bodies, such as the bore of two half shells, or a hollow that is
+// parted by walls.
 #include "drawing/sections/cut_cells.h"
 
 #include <zbr/region.h>
@@ -62,55 +63,90 @@ class CellTracer {
 
   // What bounds no cell goes back.
   CutCells Run(std::vector<SeenContour>& rest) {
+    for (std::size_t p = 0; p < cells_.polygon_count(); ++p) Look(p);
+    for (Cell& cell : looked_) TellVoid(cell);
     CutCells found;
-    for (std::size_t p = 0; p < cells_.polygon_count(); ++p) AddCell(p, found.rings);
-    for (std::size_t k = 0; k < contours_.size(); ++k) {
+    for (std::size_t p = 0; p < cells_.polygon_count(); ++p) AddRings(p, found.rings);
+    for (std::uint32_t k = 0; k < contours_.size(); ++k) {
       if (sides_[k].empty()) {
         rest.push_back(std::move(contours_[k]));
         continue;
       }
-      if (IsWall(sides_[k])) found.walls.push_back(contours_[k]);
+      if (IsWall(k)) found.walls.push_back(contours_[k]);
       found.used.push_back(std::move(contours_[k]));
     }
     return found;
   }
 
  private:
-  // No ring's border: the same is on both sides, or a void and the open.
-  static bool IsWall(const std::vector<std::uint32_t>& sides) {
-    return (sides.size() > 1 || sides.front() == SeenContour::kNoShell) &&
-           std::all_of(sides.begin(), sides.end(), [&](std::uint32_t side) { return side == sides.front(); });
-  }
-
-  void AddCell(std::size_t polygon, std::vector<SeenContour>& rings) {
-    const auto first = static_cast<std::size_t>(cells_.polygon_offsets()[polygon]),
-               last = static_cast<std::size_t>(cells_.polygon_offsets()[polygon + 1]);
+  struct Cell {
     std::map<std::uint32_t, double> lengths;  // by contour
-    double length = 0.0, away = 0.0;
-    for (std::size_t r = first; r < last; ++r) {
+    std::map<std::uint32_t, double> away;     // what of them turns away from the cell
+    std::uint32_t shell = SeenContour::kNoShell;
+    bool isVoid = false;
+  };
+
+  void Look(std::size_t polygon) {
+    Cell& cell = looked_.emplace_back();
+    for (std::size_t r = RingBegin(polygon); r < RingBegin(polygon + 1); ++r) {
       ForEachEdge(r, [&](const ZBR_PT& a, const ZBR_PT& b, const ZBR_EDGE_SOURCE& source) {
         const auto k = static_cast<std::uint32_t>(source.ring);
         const double part = a.Distance(b);
-        lengths[k] += part;
-        length += part;
-        if ((contours_[k].along > 0) == (source.t1 < source.t0)) away += part;
+        cell.lengths[k] += part;
+        if ((contours_[k].along > 0) == (source.t1 < source.t0)) cell.away[k] += part;
       });
     }
-    if (lengths.empty()) return;
-    const std::uint32_t shell = MainShell(lengths);
-    const bool isVoid = away > kVoid * length;
-    for (const auto& [k, part] : lengths) sides_[k].push_back(isVoid ? SeenContour::kNoShell : shell);
-    for (std::size_t r = first; r < last && !isVoid; ++r) {
+    for (const auto& [k, part] : cell.lengths) sides_[k].push_back(static_cast<std::uint32_t>(polygon));
+    if (!cell.lengths.empty()) cell.shell = MainShell(cell.lengths);
+  }
+
+  // By the borders that it has alone, as walls between two cells face one of them anyway; by all of them where it has walls only.
+  void TellVoid(Cell& cell) const {
+    double length[2] = {}, away[2] = {};
+    for (const auto& [k, part] : cell.lengths) {
+      const std::size_t isShared = sides_[k].size() > 1 ? 1 : 0;
+      const auto turned = cell.away.find(k);
+      length[isShared] += part;
+      away[isShared] += turned != cell.away.end() ? turned->second : 0.0;
+    }
+    const std::size_t by = length[0] > 0 ? 0 : 1;
+    cell.isVoid = length[by] > 0 && away[by] > kVoid * length[by];
+  }
+
+  // Nothing but voids along its border: together they are a hollow of what is around them.
+  bool IsHollow(const Cell& cell) const {
+    return cell.isVoid && std::all_of(cell.lengths.begin(), cell.lengths.end(), [this](const auto& border) {
+             const std::vector<std::uint32_t>& sides = sides_[border.first];
+             return std::all_of(sides.begin(), sides.end(), [this](std::uint32_t side) { return looked_[side].isVoid; });
+           });
+  }
+
+  // No ring's border: the same is on both sides, or a void and the open.
+  bool IsWall(std::uint32_t k) const {
+    const Cell& first = looked_[sides_[k].front()];
+    if (sides_[k].size() == 1) return first.isVoid && !IsHollow(first);
+    return std::all_of(sides_[k].begin(), sides_[k].end(), [&](std::uint32_t side) {
+      return looked_[side].isVoid == first.isVoid && (first.isVoid || looked_[side].shell == first.shell);
+    });
+  }
+
+  // Around what is material, and around hollows, which face inwards.
+  void AddRings(std::size_t polygon, std::vector<SeenContour>& rings) {
+    const Cell& cell = looked_[polygon];
+    if (cell.lengths.empty() || (cell.isVoid && !IsHollow(cell))) return;
+    for (std::size_t r = RingBegin(polygon); r < RingBegin(polygon + 1); ++r) {
       SeenContour& ring = rings.emplace_back();
       const auto begin = static_cast<std::ptrdiff_t>(cells_.ring_offsets()[r]),
                  end = static_cast<std::ptrdiff_t>(cells_.ring_offsets()[r + 1]);
       ring.points.assign(cells_.points().begin() + begin, cells_.points().begin() + end);
       ring.triangles.assign(ring.points.size(), kNoTriangle);
-      ring.shell = shell;
+      ring.shell = cell.shell;
       ring.closed = true;
-      ring.along = 1.0;  // all of it
+      ring.along = cell.isVoid ? -1.0 : 1.0;  // all of it
     }
   }
+
+  std::size_t RingBegin(std::size_t polygon) const { return static_cast<std::size_t>(cells_.polygon_offsets()[polygon]); }
 
   template <class Look>
   void ForEachEdge(std::size_t ring, const Look& look) const {
@@ -132,7 +168,8 @@ class CellTracer {
 
   std::vector<SeenContour> contours_;
   ZBR_REGION cells_;
-  std::vector<std::vector<std::uint32_t>> sides_;  // of contours: the shells of the cells that they bound
+  std::vector<Cell> looked_;                       // by polygon
+  std::vector<std::vector<std::uint32_t>> sides_;  // of contours: the cells that they bound
 };
 
 }  // namespace

@@ -5,6 +5,8 @@
 // Both triangles of an edge are cut at the same point, to the bit, and their parts become neighbours again.
 #include "drawing/sections/cut_scene.h"
 
+#include <zbr/tolerance.h>
+
 #include <algorithm>
 #include <array>
 #include <bitset>
@@ -311,6 +313,7 @@ class SceneCutter {
 
 void CutScene(const Model& model, const std::vector<IntersectionLine>& lines, const std::vector<CuttingPlane>& planes,
               const SectionCut& section, Scene& scene) {
+  const ZBR_TmpEps hold(SectionTolerance(model));
   const ZBR_PT3 inPlane = planes.front().plane.normal * planes.front().plane.offset;
   const double height = scene.FromModel(inPlane).z();
   SceneCutter cutter(model, planes, scene);

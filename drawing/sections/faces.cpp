@@ -7,6 +7,8 @@
 // of a body, as sheets that meet three at an edge are shells by themselves, and face as most of their triangles say.
 #include "drawing/sections/drawn_section.h"
 
+#include <zbr/tolerance.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -68,11 +70,33 @@ bool IsDot(const SeenContour& contour) {
 struct Sized {
   explicit Sized(ShellCut& c) : Sized(std::as_const(c)) { cut = &c; }
   explicit Sized(const ShellCut& c) : area(c.inside[0].area()) { c.inside[0].GetBounds(xmin, ymin, xmax, ymax); }
+  bool Contains(const Sized& o) const {  // to rounding
+    const double slack = kGap * (xmax - xmin + ymax - ymin);
+    return xmin - slack <= o.xmin && ymin - slack <= o.ymin && o.xmax <= xmax + slack && o.ymax <= ymax + slack;
+  }
   bool Meets(const Sized& o) const { return xmin <= o.xmax && o.xmin <= xmax && ymin <= o.ymax && o.ymin <= ymax; }
 
   ShellCut* cut = nullptr;
   double area, xmin = 0, ymin = 0, xmax = 0, ymax = 0;
 };
+
+// Of a shell in space.
+struct Extent {
+  ZBR_PT3 low, high;
+
+  void Add(const ZBR_PT3& p) {
+    low.Set(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
+    high.Set(std::max(high.x(), p.x()), std::max(high.y(), p.y()), std::max(high.z(), p.z()));
+  }
+  bool Contains(const Extent& o) const {
+    return low.x() <= o.low.x() && low.y() <= o.low.y() && low.z() <= o.low.z() && o.high.x() <= high.x() &&
+           o.high.y() <= high.y() && o.high.z() <= high.z();
+  }
+};
+
+bool IsMostlyIn(const ShellCut& inner, const ShellCut& outer) {
+  return 2 * zbrCombineRegions(outer.inside[0], inner.inside[0], ZBR_BOOL_AND).area() > inner.inside[0].area();
+}
 
 // The cuts of a body, one InPlane after the other.
 class BodyCutter {
@@ -162,25 +186,54 @@ class BodyCutter {
     return seen;
   }
 
-  // A hollow is mostly inside; what two bodies that pass through each other have in common is not most of either.
+  // A hollow is mostly inside; what two bodies that pass through each other have in common is not most of either. What faces
+  // nowhere has to be inside: sheets by the thousand may have most of their boxes in common.
   static ShellCut* BodyAround(const ShellCut& hollow, const std::vector<Sized>& bodies) {
     const Sized inner(hollow);
     for (const Sized& body : bodies) {
       if (body.area < inner.area || body.cut == &hollow || !body.Meets(inner)) continue;  // a body within may fill most of it
-      const ZBR_REGION common = zbrCombineRegions(body.cut->inside[0], hollow.inside[0], ZBR_BOOL_AND);
-      if (2 * common.area() > inner.area) return body.cut;
+      if (hollow.facing == Facing::kUnknown && !body.Contains(inner)) continue;
+      if (IsMostlyIn(hollow, *body.cut)) return body.cut;
     }
     return nullptr;
   }
 
-  // All of it may be turned inside out: hollows are smaller than what they are in.
+  // A body that faces inwards with nothing around it is turned inside out, and so is all that lies within it.
   void TurnIfInsideOut() {
-    double area = 0.0;
-    for (const ShellCut& cut : cuts_) area += cut.inside[0].area() * (cut.facing == Facing::kInward ? -1.0 : 1.0);
-    if (area >= 0) return;
+    std::vector<Sized> shells;  // the smallest first
     for (ShellCut& cut : cuts_) {
-      if (cut.facing != Facing::kUnknown) cut.facing = cut.facing == Facing::kOutward ? Facing::kInward : Facing::kOutward;
+      if (!cut.inside[0].empty()) shells.emplace_back(cut);
     }
+    const auto isInward = [](const Sized& sized) { return sized.cut->facing == Facing::kInward; };
+    if (std::none_of(shells.begin(), shells.end(), isInward)) return;
+    std::stable_sort(shells.begin(), shells.end(), [](const Sized& a, const Sized& b) { return a.area < b.area; });
+    std::vector<Extent> extents;
+    for (const Sized& sized : shells) extents.push_back(ExtentOf(sized.cut->shell));
+    const auto sticksOut = [&](std::size_t k, std::size_t outer) {  // cuts of open shells have more than one
+      return shells[k].cut->isOriented && shells[outer].cut->isOriented && !extents[outer].Contains(extents[k]);
+    };
+    const auto isWithin = [&](std::size_t k, std::size_t outer) {
+      return shells[outer].Meets(shells[k]) && !sticksOut(k, outer) && IsMostlyIn(*shells[k].cut, *shells[outer].cut);
+    };
+    std::vector<bool> isTurned(shells.size());
+    for (std::size_t k = 0; k < shells.size(); ++k) {
+      bool isOutermost = isInward(shells[k]);
+      for (std::size_t outer = k + 1; isOutermost && outer < shells.size(); ++outer) isOutermost = !isWithin(k, outer);
+      if (!isOutermost) continue;
+      for (std::size_t i = 0; i < k; ++i) isTurned[i] = isTurned[i] || isWithin(i, k);
+      isTurned[k] = true;
+    }
+    for (std::size_t k = 0; k < shells.size(); ++k) {
+      if (isTurned[k] && shells[k].cut->facing != Facing::kUnknown)
+        shells[k].cut->facing = isInward(shells[k]) ? Facing::kOutward : Facing::kInward;
+    }
+  }
+
+  Extent ExtentOf(std::uint32_t s) const {
+    const ZBR_ZBREPS& shell = model_.Shell(s);
+    Extent extent{shell.GetVertex(0)->GetPt(), shell.GetVertex(0)->GetPt()};
+    for (int v = 1; v < shell.GetVertexCnt(); ++v) extent.Add(shell.GetVertex(v)->GetPt());
+    return extent;
   }
 
   // What faces nowhere is a hollow if it lies in material; the largest are looked at first.
@@ -196,9 +249,8 @@ class BodyCutter {
     std::map<ShellCut*, std::vector<ShellCut*>> hollows;  // by what is around them
     for (const Sized& inner : unknown) {
       ShellCut* const around = BodyAround(*inner.cut, bodies);
-      const bool isFree = around == nullptr || std::any_of(hollows[around].begin(), hollows[around].end(), [&](ShellCut* hollow) {
-                            return 2 * zbrCombineRegions(hollow->inside[0], inner.cut->inside[0], ZBR_BOOL_AND).area() > inner.area;
-                          });
+      const bool isFree = around == nullptr || std::any_of(hollows[around].begin(), hollows[around].end(),
+                                                           [&](ShellCut* hollow) { return IsMostlyIn(*inner.cut, *hollow); });
       if (isFree) {
         bodies.insert(std::upper_bound(bodies.begin(), bodies.end(), inner, isSmaller), inner);
       } else {
@@ -253,6 +305,7 @@ ZBR_REGION CutOf(const ShellCut& cut) {
 }
 
 SectionCut Find(const Model& model, const View& view, const SectionPlane& plane, std::optional<double> contact) {
+  const ZBR_TmpEps hold(SectionTolerance(model));
   SectionCut section;
   FaceLines lines(model.Diagonal());
   BodyCutter cutter(model, view, plane, lines);

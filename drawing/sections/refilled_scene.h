@@ -58,12 +58,14 @@ class RefilledScene {
   }
 
  private:
-  // For as many more as there have been so far.
+  // For as many more as there have been so far, and a part of them, as what is added at the end of a shell tells nothing of the
+  // rest.
   void MakeRoom() {
     constexpr std::size_t kLeast = 1024;
     const double perTriangle = static_cast<double>(Count()) / static_cast<double>(read_ + 1);
     const auto rest = static_cast<double>(before_ - std::min(before_, read_ + 1));
-    const std::size_t room = kLeast + static_cast<std::size_t>(std::max(perTriangle - 1.0, 0.0) * rest), end = before_ + shift_;
+    const std::size_t room = std::max(kLeast, Count() / 4) + static_cast<std::size_t>(std::max(perTriangle - 1.0, 0.0) * rest),
+                      end = before_ + shift_;
     scene_.triangles.resize(end + room);
     std::move_backward(scene_.triangles.begin() + static_cast<std::ptrdiff_t>(std::min(end, read_ + 1 + shift_)),
                        scene_.triangles.begin() + static_cast<std::ptrdiff_t>(end), scene_.triangles.end());

@@ -23,8 +23,9 @@ class SceneTriangles {
   SceneTriangles& operator=(const SceneTriangles&) = delete;
   ~SceneTriangles();
 
-  // As those of a vector. The number of threads stays for giving back.
-  void resize(std::size_t count, unsigned threads = 1);
+  // As those of a vector, on threads, of which the number stays for giving back; without one on as many as before.
+  void resize(std::size_t count, unsigned threads);
+  void resize(std::size_t count) { resize(count, threads_); }
   void reserve(std::size_t count);
   ZBR_HL_TRI& emplace_back();
   void clear() { *this = SceneTriangles(); }

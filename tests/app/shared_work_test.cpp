@@ -118,8 +118,6 @@ TEST(SharedWork, LongTextsAreReadAsByOneThread) {
             3U);
 }
 
-// In the place of any line: what is no number, points that come later or never, faces too small, triangles of other than three
-// points, what goes on with the line behind, and points that no line begins with.
 // Triangles beside each other; those named have a coordinate that is no number.
 std::string BinaryStl(std::uint32_t triangles, const std::vector<std::uint32_t>& broken) {
   std::string text(84 + std::size_t{50} * triangles, '\0');
@@ -164,6 +162,8 @@ TEST(SharedWork, TrianglesOfScenesKeepTheirListsUntilTheyEnd) {
   }
 }
 
+// In the place of any line: what is no number, points that come later or never, faces too small, triangles of other than three
+// points, what goes on with the line behind, and points that no line begins with.
 TEST(SharedWork, BrokenTextsSayTheSame) {
   const auto breakAt = [](std::string text, std::size_t at, const std::string& line) {
     at = text.find('\n', at) + 1;

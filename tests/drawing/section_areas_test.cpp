@@ -125,6 +125,54 @@ TEST(SectionAreas, OfBodiesTurnedInsideOutWithTheirHollows) {
   EXPECT_NEAR(AreasOf(mesh, ParseSection("Z=2")).whole, 36.0 - 12.0, 1e-12);
 }
 
+TEST(SectionAreas, OfACasingBesideABodyTurnedInsideOut) {
+  Mesh hollow = example::Box({1, 1, 1}, {9, 9, 9});
+  for (const double width : {4.0, 40.0}) {
+    Mesh plate = example::Box({20, 0, 0}, {20 + width, 40, 10});
+    Mesh mesh = example::Box({0, 0, 0}, {10, 10, 10});
+    for (Mesh* const part : {&hollow, &plate}) {
+      for (auto& t : part->triangles) std::swap(t[0], t[1]);
+      example::Append(mesh, *part);
+    }
+    EXPECT_NEAR(AreasOf(mesh, ParseSection("Z=5")).whole, 36.0 + 40 * width, 1e-9) << width;
+    for (auto& t : hollow.triangles) std::swap(t[0], t[1]);
+  }
+}
+
+// Whichever way the wall faces, and wherever it stands.
+TEST(SectionAreas, OfAHollowPartedByAWall) {
+  for (const double x : {3.0, 5.0}) {
+    for (const bool isTurned : {false, true}) {
+      Mesh hollow = example::Box({1, 1, 1}, {x, 9, 9});
+      example::Append(hollow, example::Box({x, 1, 1}, {9, 9, 9}));
+      for (auto& t : hollow.triangles) std::swap(t[0], t[1]);
+      std::size_t walls = 0;
+      const auto isWall = [&](const auto& t) {
+        return std::all_of(t.begin(), t.end(), [&](std::uint32_t p) { return hollow.points[p].x() == x; });
+      };
+      std::erase_if(hollow.triangles, [&](const auto& t) { return isWall(t) && (++walls <= 2) == isTurned; });
+      Mesh mesh = example::Box({0, 0, 0}, {10, 10, 10});
+      example::Append(mesh, hollow);
+      const Areas areas = AreasOf(mesh, ParseSection("Z=5"));
+      EXPECT_NEAR(areas.whole, 36.0, 1e-9) << x << isTurned;
+      EXPECT_EQ(areas.open, 0U) << x << isTurned;
+    }
+  }
+}
+
+// A part of a micrometre in a file in metres.
+TEST(SectionAreas, OfSmallModels) {
+  const Mesh housing = example::Housing();
+  Mesh small = housing;
+  const double scale = std::ldexp(1.0, -27);
+  for (ZBR_PT3& p : small.points) p = p * scale;
+  SectionPlane plane = ParseSection("1,0,0.5=3");
+  const double area = AreasOf(housing, plane).whole;
+  plane.offset *= scale;
+  EXPECT_GT(area, 0.0);
+  EXPECT_NEAR(AreasOf(small, plane).whole, area * scale * scale, 1e-6 * area * scale * scale);
+}
+
 // Blocks side by side, of which walls in common were left once.
 TEST(SectionAreas, OfBodiesThatShareWalls) {
   Mesh mesh;
