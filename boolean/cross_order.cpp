@@ -9,14 +9,17 @@
 // crossed one way only has no partner for the other tests; coincidence before ties, since duplicates are ties that need no order;
 // numbering last, it names places in the final lists.
 #include <cmath>
+#include <utility>
 
 #include <zbr/boolean.h>
 
 #include "boolean/check.h"
 #include "boolean/cross_clean.h"
+#include "boolean/polygons.h"
 #include "boolean/spot_order.h"
 #include "core/assert.h"
 #include "core/constants.h"
+#include "core/planar_inline.h"
 #include "core/tolerance_state.h"
 
 namespace zbr {
@@ -62,6 +65,8 @@ class Cleaner {
 
   void LookAtPair(const PlacedCrossing& x, const PlacedCrossing& y, double apart);
   bool RunSideBySide(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) const;
+  void LookAtTouch(const ZBR_CROSS& x, const ZBR_CROSS& y);
+  bool GoesBeyond(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) const;
 
   const LoopList* families_[2];
   bool touches_[2];
@@ -70,6 +75,7 @@ class Cleaner {
   bool isCertain_ = true;
   std::vector<std::int32_t> renamed_;
   std::vector<int> spot_;
+  std::vector<std::pair<int, int>> dropped_;
 };
 
 // A closed boundary goes out as often as it comes in: a polygon crossed one way only has lost a crossing, and keeps none.
@@ -104,8 +110,10 @@ bool Cleaner::DropCoincidentAlongA() {
     ZBR_CROSS& c = RecordOf(list[k]);
     if (!p.valid || !c.valid || p.b.loop.value != c.b.loop.value || !(std::fabs(p.b.pos - c.b.pos) <= t_tolerance.eps)) continue;
     c.valid = false;
-    if (p.dir != c.dir) p.valid = false;
     dropped = true;
+    if (p.dir == c.dir) continue;
+    p.valid = false;
+    LookAtTouch(p, c);
   }
   return dropped;
 }
@@ -135,7 +143,9 @@ bool Cleaner::OrderTies(int side) {
     if (last - first > 1) {
       spot_.clear();
       for (std::size_t k = first; k < last; ++k) spot_.push_back(list[k].index);
-      found |= OrderSpot(crosses_, spot_, side, *families_[side], *families_[1 - side], touches_[1 - side]);
+      dropped_.clear();
+      found |= OrderSpot(crosses_, spot_, side, *families_[side], *families_[1 - side], touches_[1 - side], dropped_);
+      for (const auto& [x, y] : dropped_) LookAtTouch(crosses_[static_cast<std::size_t>(x)], crosses_[static_cast<std::size_t>(y)]);
     }
     first = last;
   }
@@ -235,6 +245,26 @@ void Cleaner::LookAtTurns() {
       isCertain_ = isCertain_ && seen[0] && seen[1];
     });
   }
+}
+
+// Two crossings at one place and in opposite directions, of which nothing stays. Where a tip goes through the other boundary and
+// not just up to it, samples may be in the tip, and what crossings are left need not alternate.
+void Cleaner::LookAtTouch(const ZBR_CROSS& x, const ZBR_CROSS& y) {
+  if (isCertain_) isCertain_ = !GoesBeyond(x, y, 0) && !GoesBeyond(x, y, 1);
+}
+
+// Whether the polygon of a side has no vertex at the place itself, where it turns back: a tip so thin that its sides cross the
+// other boundary at one place, however far it reaches.
+bool Cleaner::GoesBeyond(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) const {
+  const ZBR_LOOP* polygon = PolygonAt(*families_[side], Side(x, side).loop);
+  if (polygon == nullptr || polygon->pt().empty() || Side(x, side).loop.value != Side(y, side).loop.value) return false;
+  const std::vector<ZBR_PT>& p = polygon->pt();
+  const auto edgeOf = [&](const ZBR_CROSS& c) {
+    const double pos = Side(c, side).pos;
+    return pos >= 0.0 && pos <= static_cast<double>(p.size()) ? static_cast<std::size_t>(pos) % p.size() : 0;
+  };
+  const auto endsHere = [&](std::size_t edge) { return SamePoint(p[(edge + 1) % p.size()], x.pt, t_tolerance.eps2); };
+  return edgeOf(x) != edgeOf(y) && !endsHere(edgeOf(x)) && !endsHere(edgeOf(y));
 }
 
 }  // namespace

@@ -125,7 +125,7 @@ void OrderPair(ZBR_CROSS& c1, ZBR_CROSS& c2, int side, Between between) {
 }  // namespace
 
 bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int side, const LoopList& own, const LoopList& other,
-               bool otherTouches) {
+               bool otherTouches, std::vector<std::pair<int, int>>& dropped) {
   bool isTie = false;
   Between between = Between::kNothing;  // of the last two in `left`
   std::vector<int> left;                // what no neighbour cancels
@@ -140,6 +140,7 @@ bool OrderSpot(std::vector<ZBR_CROSS>& crosses, std::span<const int> spot, int s
     if (between != Between::kNothing) continue;
     prev->valid = false;
     cur.valid = false;
+    dropped.emplace_back(left[left.size() - 2], i);
     left.resize(left.size() - 2);
   }
   if (!isTie) return false;
