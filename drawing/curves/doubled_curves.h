@@ -39,8 +39,8 @@ struct PartOfStretch {
 };
 
 // What is left of the hidden ones where each goes as far as it lies along a visible one, or an earlier hidden one, of another
-// shell: chords of one circle, and silhouettes side by side; no farther apart than their curves may lie beside them, and never by
-// more than a line's width. In order.
+// shell: chords of one circle that stand for the same arc, however coarse, and silhouettes side by side, no farther apart than
+// their curves may lie beside them, and never by more than a line's width. In order.
 std::vector<PartOfStretch> WithoutDoubles(const Scene& scene, const Circles* circles, const std::vector<CurvedStretch>& visible,
                                           const std::vector<CurvedStretch>& hidden);
 

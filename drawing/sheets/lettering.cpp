@@ -53,15 +53,31 @@ std::size_t LastBreak(const std::string& text, std::size_t begin, std::size_t en
   return end;
 }
 
-// Breaks a text into at most `count` lines, within words only where these may be parted; what is left after these starts at the
-// place that is returned.
+// Line feeds as such or as blanks, other control characters as blanks; a carriage return belongs to the line feed behind it.
+std::string WithFeeds(const std::string& text, bool feeds) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text.compare(i, 2, "\r\n") == 0) continue;
+    const bool isControl = static_cast<unsigned char>(text[i]) < ' ';
+    plain += feeds && text[i] == '\n' ? '\n' : isControl ? ' ' : text[i];
+  }
+  return plain;
+}
+
+// Breaks a text into at most `count` lines, at line feeds, and within words only where these may be parted; what is left after
+// these starts at the place that is returned.
 std::size_t Break(const std::string& text, double width, std::size_t count, bool mayPart, std::vector<std::string>& lines) {
-  std::size_t begin = std::min(text.find_first_not_of(' '), text.size());
-  for (; begin < text.size() && lines.size() < count; begin = std::min(text.find_first_not_of(' ', begin), text.size())) {
+  constexpr const char* kBetween = " \n";
+  std::size_t begin = std::min(text.find_first_not_of(kBetween), text.size());
+  for (; begin < text.size() && lines.size() < count; begin = std::min(text.find_first_not_of(kBetween, begin), text.size())) {
     std::size_t end = EndOfRoom(text, begin, width);
-    const std::size_t last = end < text.size() ? LastBreak(text, begin, end) : end;
-    if (last == begin && !mayPart) break;
-    if (last > begin) end = last;
+    const std::size_t feed = text.find('\n', begin), last = end < text.size() ? LastBreak(text, begin, end) : end;
+    if (feed > end && last == begin && !mayPart) break;
+    if (feed <= end) {
+      end = feed;
+    } else if (last > begin) {
+      end = last;
+    }
     lines.push_back(text.substr(begin, end - begin));
     begin = end;
   }
@@ -96,14 +112,18 @@ bool PaperBox::IsClearOfLine(const ZBR_PT& a, const ZBR_PT& b) const {
 }
 
 Lettering FitText(const std::string& text, double largest, double width, double height) {
+  struct Way {
+    bool feeds, mayPart;
+  };
   Lettering fitted;
-  for (const bool mayPart : {false, true}) {
+  for (const Way way : {Way{true, false}, Way{false, false}, Way{false, true}}) {
+    const std::string plain = WithFeeds(text, way.feeds);
     for (const double size : kHeights) {
       if (size > largest) continue;
       const auto most = static_cast<std::size_t>(std::max((height - size) / (size * kLineSpacing), 0.0)) + 1;
       for (std::size_t count = 1; count <= most; ++count) {
         fitted = {size, {}, true};
-        if (Break(text, width / size, count, mayPart, fitted.lines) == text.size()) return fitted;
+        if (Break(plain, width / size, count, way.mayPart, fitted.lines) == plain.size()) return fitted;
       }
     }
   }

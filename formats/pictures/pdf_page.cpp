@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "formats/text/utf8.h"
@@ -48,20 +50,39 @@ std::string WideText(const std::string& utf8) {
       AppendHex(text, 0xD800U + ((code - kPairs) >> 10U), 4);
       AppendHex(text, 0xDC00U + ((code - kPairs) & 0x3FFU), 4);
     } else {
-      AppendHex(text, code < 0x20 ? '?' : code, 4);
+      const bool isBlank = code == '\n' || code == '\r' || code == '\t';
+      AppendHex(text, isBlank ? ' ' : code < 0x20 ? '?' : code, 4);
     }
   }
   return text + ">";
 }
 
-// The place of a character in the encoding of western languages; '?' where it has none.
+// What stands for a character that western languages lack: a letter without its marks, or a sign that looks alike; '?' where there
+// is none.
+unsigned Substitute(char32_t code) {
+  constexpr char32_t kFirst = 0x100;
+  constexpr std::string_view kLetters =  // up to the long s
+      "AaAaAaCcCcCcCcDdDdEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIiIiJjKkkLlLlLlLlLlNnNnNnnNnOoOoOoOoRrRrRrSsSsSsSsTtTtTtUuUuUuUuUuUuWwYyYZzZ"
+      "zZzs";
+  static_assert(kLetters.size() == 128);
+  constexpr std::pair<char32_t, char> kSigns[] = {{0x218, 'S'},   {0x219, 's'},  {0x21A, 'T'},  {0x21B, 't'},    {0x2002, ' '},
+                                                  {0x2003, ' '},  {0x2009, ' '}, {0x2010, '-'}, {0x2011, '-'},   {0x202F, ' '},
+                                                  {0x2032, '\''}, {0x2033, '"'}, {0x2212, '-'}, {0x2300, '\xD8'}};
+  if (code >= kFirst && code < kFirst + kLetters.size()) return static_cast<unsigned char>(kLetters[code - kFirst]);
+  const auto* const found =
+      std::find_if(std::begin(kSigns), std::end(kSigns), [&](const auto& sign) { return sign.first == code; });
+  return found != std::end(kSigns) ? static_cast<unsigned char>(found->second) : '?';
+}
+
+// The place of a character in the encoding of western languages, or of what stands for it.
 unsigned WesternCode(char32_t code) {
   constexpr char32_t kAbove127[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
                                       0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
                                       0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
   if ((code >= 0x20 && code < 0x7F) || (code >= 0xA0 && code <= 0xFF)) return code;
   const auto* const found = std::find(std::begin(kAbove127), std::end(kAbove127), code);
-  return code != 0 && found != std::end(kAbove127) ? 0x80U + static_cast<unsigned>(found - std::begin(kAbove127)) : '?';
+  return code != 0 && found != std::end(kAbove127) ? 0x80U + static_cast<unsigned>(found - std::begin(kAbove127))
+                                                   : Substitute(code);
 }
 
 }  // namespace

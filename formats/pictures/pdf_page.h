@@ -45,7 +45,7 @@ class PdfPage {
   // The paths together, by the even-odd rule, with their borders.
   void Fill(const std::vector<Path>& paths);
   void StrokeCircle(const ZBR_PT& centre, double radius);
-  // UTF-8; characters beyond those of western languages become '?'.
+  // UTF-8; letters that western languages lack lose their marks, other characters beyond these become '?'.
   void Text(const ZBR_PT& at, double size, const std::string& text);
 
   std::string Take();

@@ -135,7 +135,7 @@ std::string Escaped(const std::string& text) {
     const auto [code, length] = CharacterAt(text, i);
     const char c = text[i];
     if (code < 0x20) {
-      escaped += '?';
+      escaped += c == '\n' || c == '\r' || c == '\t' ? ' ' : '?';
     } else if (c == '&' || c == '<' || c == '>' || c == '"') {
       escaped += c == '&' ? "&amp;" : (c == '<' ? "&lt;" : (c == '>' ? "&gt;" : "&quot;"));
     } else {

@@ -28,7 +28,8 @@ class PageMap {
   double scale_ = 1.0;
 };
 
-// Attributes and text content with the characters that mean something to XML replaced; bytes that are not valid UTF-8 become '?'.
+// Attributes and text content with the characters that mean something to XML replaced; line feeds become blanks, bytes
+// that are not valid UTF-8 and other control characters '?'.
 std::string Escaped(const std::string& text);
 
 // A coordinate of the page, to a hundredth of a pixel.
