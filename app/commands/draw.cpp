@@ -26,7 +26,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using StageTimes = std::array<Clock::time_point, static_cast<std::size_t>(DrawStage::kDone) + 1>;
 
-std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progress& progress, std::vector<StageTimes>& times) {
+std::vector<ViewLines> DrawPlanned(Model& model, const DrawPlan& plan, Progress& progress, std::vector<StageTimes>& times) {
   times.resize(plan.views.size());
   const std::size_t count = plan.views.size();
   std::atomic<std::size_t> done{0};
@@ -51,7 +51,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const DrawPlan& plan, Progr
         count > 1 ? " (" + std::to_string(done.load()) + " of " + std::to_string(count) + " views done)" : "";
     progress.Stage("removing hidden lines" + counter);
   };
-  return DrawViews(model, plan.views, options);
+  return DrawLastViews(model, plan.views, options);
 }
 
 void CountLines(Report& report, const Sheet& sheet) {
@@ -201,7 +201,7 @@ int RunDraw(const DrawOptions& options) {
   times.read = watch.Lap();
 
   progress.Stage("joining triangles");
-  const Model& model = Kept(MakeModel(objects.mesh, options.crease, options.weld, plan.threads));
+  Model& model = Kept(MakeModel(objects.mesh, options.crease, options.weld, plan.threads));
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
   plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
   objects.mesh = {};  // all there is to know is in the model
@@ -210,7 +210,7 @@ int RunDraw(const DrawOptions& options) {
 
   progress.Stage("looking for intersections and circles");
   times.views = Clock::now();
-  std::vector<ViewLines> views = DrawViews(model, plan, progress, times.stages);
+  std::vector<ViewLines> views = DrawPlanned(model, plan, progress, times.stages);
   NoteEmptyOutlines(views, objects, filled, progress);
   NoteUnseen(views, options, progress);
   NoteSections(model, views, progress);

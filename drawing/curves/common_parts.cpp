@@ -66,10 +66,8 @@ DrawnStretch DrawnStretch::PartFrom(double from, double to) const {
   return part;
 }
 
-DrawnStretch StretchOfChord(const Model& model, const Scene& scene, const Circle& circle, std::size_t shell, std::size_t triangle,
-                            std::size_t edge, const ZBR_SEG& segment) {
-  const ZBR_ZBREPT& record = *model.Shell(shell).GetTriangle(static_cast<int>(triangle));
-  const ZBR_PT3 &p = VertexOf(record, edge).GetPt(), &q = VertexOf(record, (edge + 1) % 3).GetPt();
+DrawnStretch StretchOfChord(const Scene& scene, const Circle& circle, const ChordSides::Side& side, const ZBR_SEG& segment) {
+  const ZBR_PT3 &p = side.start, &q = side.end;
   const ZBR_PT a = scene.FromModel(p).xy(), b = scene.FromModel(q).xy();
   const ZBR_PT3 from = p - circle.centre, along = q - p;
   const auto fromAxis = [&](const ZBR_PT3& d) { return d.OuterProduct(circle.axis).Length(); };

@@ -4,9 +4,9 @@
 #include <zbr-drawing/circles.h>
 #include <zbr-drawing/scene.h>
 
-#include <cstddef>
 #include <cstdint>
 
+#include "drawing/curves/chord_sides.h"
 #include "drawing/curves/parts_beside.h"
 
 namespace zbr::drawing {
@@ -22,9 +22,8 @@ struct DrawnStretch {
   DrawnStretch PartFrom(double from, double to) const;
 };
 
-// `segment` is part of edge `edge` of a shell's triangle. In parallel views.
-DrawnStretch StretchOfChord(const Model& model, const Scene& scene, const Circle& circle, std::size_t shell, std::size_t triangle,
-                            std::size_t edge, const ZBR_SEG& segment);
+// `segment` is part of the side, a chord of the circle. In parallel views.
+DrawnStretch StretchOfChord(const Scene& scene, const Circle& circle, const ChordSides::Side& side, const ZBR_SEG& segment);
 
 // What of a stretch is, within `contact`, the same line or the same curve as another one.
 Part PartInCommon(const Scene& scene, const Circles* circles, double contact, const DrawnStretch& stretch,

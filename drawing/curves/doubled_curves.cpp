@@ -50,8 +50,8 @@ double HeightOverFacets(const Model& model, std::size_t shell, const ZBR_ZBREPT&
 }
 
 // How far the arc's middle is from the chord's.
-double HeightOverChord(const Circle& circle, const ZBR_ZBREPT& triangle, std::size_t edge) {
-  const ZBR_PT3 middle = (VertexOf(triangle, edge).GetPt() + VertexOf(triangle, (edge + 1) % 3).GetPt()) * 0.5;
+double HeightOverChord(const Circle& circle, const ChordSides::Side& side) {
+  const ZBR_PT3 middle = (side.start + side.end) * 0.5;
   return std::max(circle.radius - middle.Distance(circle.centre), 0.0);
 }
 
@@ -240,17 +240,17 @@ bool AreSeenAsOne(const Scene& scene, const Circles& circles, std::uint32_t a, s
          scene.view.In(c.centre - d.centre).xy().Length() <= tolerance;
 }
 
-bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, std::size_t shell, std::size_t triangle,
-              std::size_t edge, EdgeClass edgeClass, CurvedStretch& stretch) {
-  const ZBR_ZBREPT& record = *model.Shell(shell).GetTriangle(static_cast<int>(triangle));
-  double height = 0.0;
+bool IsCurvedChord(const Scene& scene, const Circles& circles, const ChordSides::Side& side, CurvedStretch& stretch) {
+  const double height = HeightOverChord(circles.all[side.circle], side);
+  stretch.circle = side.circle;
+  stretch.height = height * scene.scale;
+  return height > 0;
+}
+
+bool IsCurvedSilhouette(const Model& model, const Scene& scene, std::size_t shell, std::size_t triangle, std::size_t edge,
+                        CurvedStretch& stretch) {
+  const double height = HeightOverFacets(model, shell, *model.Shell(shell).GetTriangle(static_cast<int>(triangle)), edge);
   stretch.circle = kNoCircle;
-  if (edgeClass == EdgeClass::kSilhouette) {
-    height = HeightOverFacets(model, shell, record, edge);
-  } else if (circles != nullptr) {
-    stretch.circle = circles->ofEdge[model.edgeBegin[shell] + static_cast<std::size_t>(EdgeOf(record, edge).GetIndex())];
-    if (stretch.circle != kNoCircle) height = HeightOverChord(circles->all[stretch.circle], record, edge);
-  }
   stretch.height = height * scene.scale;
   return height > 0;
 }

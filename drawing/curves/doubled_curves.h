@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "drawing/curves/chord_sides.h"
+
 namespace zbr::drawing {
 
 // A stretch of a line that stands for a curved one, in the scene.
@@ -18,10 +20,11 @@ struct CurvedStretch {
   double height = 0.0;               // how far the curve may lie beside it
 };
 
-// Whether edge `edge` of a shell's triangle stands for a curve in the scene, which is no perspective: as a chord of a circle, or as
-// the silhouette of a surface that facets stand for. Sets circle and height. `circles` may be null.
-bool IsCurved(const Model& model, const Scene& scene, const Circles* circles, std::size_t shell, std::size_t triangle,
-              std::size_t edge, EdgeClass edgeClass, CurvedStretch& stretch);
+// Whether a line of the scene, which is no perspective, stands for a curve, and which one: circle and height of a chord, or of the
+// silhouette of a surface that facets stand for, along edge `edge` of a shell's triangle.
+bool IsCurvedChord(const Scene& scene, const Circles& circles, const ChordSides::Side& side, CurvedStretch& stretch);
+bool IsCurvedSilhouette(const Model& model, const Scene& scene, std::size_t shell, std::size_t triangle, std::size_t edge,
+                        CurvedStretch& stretch);
 
 // Whether circles, places in `circles`, differ by no more than `reach` in the scene.
 bool AreSeenAsOne(const Scene& scene, const Circles& circles, std::uint32_t a, std::uint32_t b, double reach);

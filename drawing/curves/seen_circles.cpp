@@ -82,15 +82,10 @@ SeenCircles::Seen SeenCircles::Look(const Circle& circle) const {
 }
 
 // Where a chord is cut, the arc is cut at the point that lies outwards of it.
-void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment) const {
-  if (circles_ == nullptr || circles_->all.empty()) return;
-  const ZBR_ZBREPT& record = *model_.Shell(shell).GetTriangle(static_cast<int>(triangle));
-  const std::size_t place = model_.edgeBegin[shell] + static_cast<std::size_t>(EdgeOf(record, edge).GetIndex());
-  const std::uint32_t circle = circles_->ofEdge[place];
-  if (circle == kNoCircle) return;
-  const Seen& seen = seen_[circle];
+void SeenCircles::Locate(const ChordSides::Side& side, EdgeSegment& segment) const {
+  const Seen& seen = seen_[side.circle];
   if (!seen.isCurve) return;
-  segment.circle = circle;
+  segment.circle = side.circle;
   if (scene_.view.perspective) {
     const auto angle = [&](const ZBR_PT& p) {
       const ZBR_PT q = scene_.ToDrawing(p) - seen.centre;
@@ -101,10 +96,9 @@ void SeenCircles::Locate(std::size_t shell, std::size_t triangle, std::size_t ed
     return;
   }
 
-  const ZBR_PT3 &start = VertexOf(record, edge).GetPt(), &end = VertexOf(record, (edge + 1) % 3).GetPt();
-  const ZBR_PT a = scene_.FromModel(start).xy(), b = scene_.FromModel(end).xy();
-  const ZBR_PT3& centre = circles_->all[circle].centre;
-  const ZBR_PT3 from = start - centre, to = end - centre;
+  const ZBR_PT a = scene_.FromModel(side.start).xy(), b = scene_.FromModel(side.end).xy();
+  const ZBR_PT3& centre = circles_->all[side.circle].centre;
+  const ZBR_PT3 from = side.start - centre, to = side.end - centre;
   const auto angle = [&](const ZBR_PT& p) {
     const double t = NearestPart(p, a, b);
     const ZBR_PT3 q = from * (1.0 - t) + to * t;

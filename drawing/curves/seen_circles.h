@@ -5,10 +5,10 @@
 #include <zbr-drawing/scene.h>
 #include <zbr-drawing/view_lines.h>
 
-#include <cstddef>
 #include <optional>
 #include <vector>
 
+#include "drawing/curves/chord_sides.h"
 #include "drawing/views/chains.h"
 
 namespace zbr::drawing {
@@ -18,8 +18,8 @@ class SeenCircles {
   // Refers to all three; `circles` may be null.
   SeenCircles(const Model& model, const Scene& scene, const Circles* circles);
 
-  // Tells the segment, a part of edge `edge` of a shell's triangle in the drawing, its circle and its angles there.
-  void Locate(std::size_t shell, std::size_t triangle, std::size_t edge, EdgeSegment& segment) const;
+  // Tells the segment, a part of a side in the drawing, its circle and its angles there.
+  void Locate(const ChordSides::Side& side, EdgeSegment& segment) const;
 
   // Centre and half axes; the rest of the record is empty.
   CircleRun Curve(std::uint32_t circle) const;

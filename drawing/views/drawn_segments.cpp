@@ -17,10 +17,13 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 
 }  // namespace
 
-DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads)
+DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads,
+                             const ChordSides* sides)
     : model_(model),
       scene_(scene),
       circles_(circles),
+      own_(sides != nullptr ? ChordSides() : ChordSides(model, circles, threads)),
+      sides_(sides != nullptr ? *sides : own_),
       seen_(model, scene, circles),
       threads_(threads),
       triangleCount_(scene.TriangleCount()) {
@@ -54,8 +57,12 @@ DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge
 
 void DrawnSegments::Locate(DrawnSegment& drawn) const {
   if (!IsOfOneShell(drawn)) return;
+  if (const ChordSides::Side* const chord = ChordOf(drawn)) seen_.Locate(*chord, drawn.segment);
+}
+
+const ChordSides::Side* DrawnSegments::ChordOf(const DrawnSegment& drawn) const {
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
-  if (side != EdgeRef::kAcross) seen_.Locate(drawn.shell, source - model_.shellBegin[drawn.shell], side, drawn.segment);
+  return side == EdgeRef::kAcross ? nullptr : sides_.Find(source, side);
 }
 
 // In place: there may be millions of them, and these records are large. Those of triangles are larger still, and few have lines:
@@ -113,16 +120,16 @@ bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) 
   if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;
   stretch.segment = drawn.segment.segment;
   stretch.shell = drawn.shell;
-  return drawing::IsCurved(model_, scene_, circles_, drawn.shell, source - model_.shellBegin[drawn.shell], side, edgeClass,
-                           stretch);
+  if (edgeClass == EdgeClass::kSilhouette)
+    return IsCurvedSilhouette(model_, scene_, drawn.shell, source - model_.shellBegin[drawn.shell], side, stretch);
+  const ChordSides::Side* const chord = sides_.Find(source, side);
+  return chord != nullptr && IsCurvedChord(scene_, *circles_, *chord, stretch);
 }
 
 DrawnStretch DrawnSegments::StretchOf(const DrawnSegment& drawn) const {
   DrawnStretch stretch;
   if (drawn.segment.circle != kNoCircle && !scene_.view.perspective) {
-    const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
-    stretch = StretchOfChord(model_, scene_, circles_->all[drawn.segment.circle], drawn.shell,
-                             source - model_.shellBegin[drawn.shell], side, drawn.segment.segment);
+    stretch = StretchOfChord(scene_, circles_->all[drawn.segment.circle], *ChordOf(drawn), drawn.segment.segment);
     stretch.circle = drawn.segment.circle;
   }
   stretch.segment = drawn.segment.segment;

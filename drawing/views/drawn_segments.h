@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "drawing/curves/chord_sides.h"
 #include "drawing/curves/common_parts.h"
 #include "drawing/curves/doubled_curves.h"
 #include "drawing/curves/seen_circles.h"
@@ -31,8 +32,12 @@ struct DrawnSegment {
 
 class DrawnSegments {
  public:
-  // Refers to model, scene and circles; these may be null. What was found needs the scene's triangles and shells no longer.
-  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads);
+  // Refers to them all; circles may be null, and `sides` those of the circles that are looked for here otherwise. What was found
+  // needs the scene's triangles and shells no longer.
+  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads,
+                const ChordSides* sides = nullptr);
+  DrawnSegments(const DrawnSegments&) = delete;
+  DrawnSegments& operator=(const DrawnSegments&) = delete;
 
   // In the order of shells and triangles.
   std::vector<DrawnSegment> Visible() const;
@@ -81,6 +86,8 @@ class DrawnSegments {
     Locate(drawn);
     return drawn;
   }
+  // The side that a segment of one shell is part of, if it is a chord.
+  const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;
   void LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const;
@@ -88,6 +95,8 @@ class DrawnSegments {
   const Model& model_;
   const Scene& scene_;
   const Circles* circles_;
+  const ChordSides own_;
+  const ChordSides& sides_;
   SeenCircles seen_;
   const unsigned threads_;
   const std::size_t triangleCount_;       // without intersection lines

@@ -17,6 +17,7 @@
 #include "drawing/curves/seen_circles.h"
 #include "drawing/parallel.h"
 #include "drawing/views/chains.h"
+#include "drawing/views/collect_lines.h"
 #include "drawing/views/double_lines.h"
 #include "drawing/views/drawn_segments.h"
 
@@ -75,30 +76,6 @@ class Chainer {
   const SeenCircles& circles_;
   const unsigned threads_;
 };
-
-// `spent` is the scene, if its triangles may go when they have been read.
-ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles, unsigned threads) {
-  const ZBR_TmpEps hold(kSceneTolerance);
-  ViewLines view;
-  view.view = scene.view;
-  view.middle = scene.offset;
-  view.drawable = scene.drawable;
-  for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
-  view.extent = ExtentOf(scene);
-  const DrawnSegments drawn(model, scene, circles, threads);
-  std::vector<DrawnSegment> unseen;
-  if (hidden) unseen = drawn.Hidden();
-  std::vector<DrawnSegment> seen = drawn.Visible();
-  if (spent != nullptr) {
-    spent->shells.clear();
-    spent->triangles.clear();
-  }
-  LeaveOutVisibleDoubles(drawn, threads, seen);
-  const Chainer chainer(scene, drawn.Seen(), threads);
-  chainer.ChainInto(view.lines, std::move(seen), false);
-  chainer.ChainInto(view.lines, std::move(unseen), true);
-  return view;
-}
 
 }  // namespace
 
@@ -163,15 +140,41 @@ Extent ExtentOf(const Scene& scene) {
   return extent;
 }
 
+ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
+                      const ChordSides& sides, unsigned threads) {
+  const ZBR_TmpEps hold(kSceneTolerance);
+  if (spent != nullptr) {
+    RunInRanges(spent->shells.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t s = begin; s < end; ++s) spent->shells[s].occluders.reset();
+    });
+  }
+  ViewLines view;
+  view.view = scene.view;
+  view.middle = scene.offset;
+  view.drawable = scene.drawable;
+  for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
+  view.extent = ExtentOf(scene);
+  const DrawnSegments drawn(model, scene, circles, threads, &sides);
+  std::vector<DrawnSegment> unseen;
+  if (hidden) unseen = drawn.Hidden();
+  std::vector<DrawnSegment> seen = drawn.Visible();
+  if (spent != nullptr) {
+    spent->shells.clear();
+    spent->triangles.clear();
+  }
+  LeaveOutVisibleDoubles(drawn, threads, seen);
+  const Chainer chainer(scene, drawn.Seen(), threads);
+  chainer.ChainInto(view.lines, std::move(seen), false);
+  chainer.ChainInto(view.lines, std::move(unseen), true);
+  return view;
+}
+
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles, unsigned threads) {
-  return CollectFrom(model, scene, nullptr, hidden, circles, threads);
+  return CollectFrom(model, scene, nullptr, hidden, circles, ChordSides(model, circles, threads), threads);
 }
 
 ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles, unsigned threads) {
-  RunInRanges(scene.shells.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
-    for (std::size_t s = begin; s < end; ++s) scene.shells[s].occluders.reset();
-  });
-  return CollectFrom(model, scene, &scene, hidden, circles, threads);
+  return CollectFrom(model, scene, &scene, hidden, circles, ChordSides(model, circles, threads), threads);
 }
 
 }  // namespace zbr::drawing

@@ -17,6 +17,7 @@
 #include "drawing/sections/cut_scene.h"
 #include "drawing/sections/drawn_section.h"
 #include "drawing/silhouettes/smooth_silhouettes.h"
+#include "drawing/views/collect_lines.h"
 #include "drawing/views/crumbs.h"
 #include "drawing/views/perspective.h"
 #include "drawing/views/specks.h"
@@ -29,6 +30,7 @@ struct Found {
   std::optional<Circles> circles;
   std::vector<IntersectionLine> crossings;
   std::vector<SmoothNormals> normals;  // of shells, where silhouettes are to be smooth
+  ChordSides sides;                    // on the circles, where these are wanted as curves
 };
 
 void AddSection(SectionCut&& section, const NamedDirection& direction, ViewLines& view) {
@@ -76,16 +78,39 @@ Prepared Prepare(const Model& model, const Found& found, const NamedDirection& d
   return view;
 }
 
+bool IsHiddenWanted(const NamedDirection& direction, const DrawingOptions& options) {
+  return options.hidden == HiddenLines::kInAllViews ||
+         (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
+}
+
+// Whether scenes are of no use when their lines have been told.
+bool IsSceneSpent(const Model& model, const NamedDirection& direction, const DrawingOptions& options) {
+  return !options.outlines && !model.isRough && !(options.smoothSilhouettes && IsWhole(direction));
+}
+
+bool AreRecordsSpent(const Model& model, const NamedDirection& direction, const DrawingOptions& options) {
+  return IsSceneSpent(model, direction, options) && !options.centreLines &&
+         !NeedsRecords(model, direction.view, IsHiddenWanted(direction, options));
+}
+
+// What views are made of but places and counts.
+void GiveBackRecords(Model& model, unsigned threads) {
+  RunInRanges(model.ShellCount(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
+    for (std::size_t s = begin; s < end; ++s) *model.body.GetShell(static_cast<int>(s)) = ZBR_ZBREPS();
+  });
+  model.body = ZBR_ZBREPB();
+  model.normals = std::vector<ZBR_PT3>();
+  model.notes = std::vector<EdgeNote>();
+}
+
 ViewLines Collect(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
                   unsigned threads, Prepared& view) {
-  const bool hidden = options.hidden == HiddenLines::kInAllViews ||
-                      (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
+  const bool hidden = IsHiddenWanted(direction, options);
   std::vector<Line> silhouettes;
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
   const Circles* const circles = options.curves ? &*found.circles : nullptr;
-  const bool isSpent = !options.outlines && !model.isRough && !view.silhouettes;
-  ViewLines lines = isSpent ? CollectLines(model, std::move(view.scene), hidden, circles, threads)
-                            : CollectLines(model, view.scene, hidden, circles, threads);
+  Scene* const spent = IsSceneSpent(model, direction, options) ? &view.scene : nullptr;
+  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
@@ -121,10 +146,13 @@ void CheckSection(const NamedDirection& direction) {
     throw Failure("'" + direction.name + "' is a section without a plane");
 }
 
-ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
-                  unsigned threads, const std::function<void(DrawStage)>& at, const std::function<bool(double)>& removal) {
+// `spent` is the model, if this is the last of its views.
+ViewLines DrawOne(const Model& model, Model* spent, const Found& found, const NamedDirection& direction,
+                  const DrawingOptions& options, unsigned threads, const std::function<void(DrawStage)>& at,
+                  const std::function<bool(double)>& removal) {
   at(DrawStage::kScene);
   Prepared view = Prepare(model, found, direction, options, threads);
+  if (spent != nullptr && AreRecordsSpent(model, direction, options)) GiveBackRecords(*spent, threads);
   at(DrawStage::kRemoval);
   if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);
@@ -139,9 +167,9 @@ ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& 
   return lines;
 }
 
-}  // namespace
-
-std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
+// `spent` is the model, if it is not needed afterwards.
+std::vector<ViewLines> Draw(const Model& model, Model* spent, const std::vector<NamedDirection>& views,
+                            const DrawingOptions& options) {
   for (const NamedDirection& direction : views) CheckSection(direction);
   std::vector<ViewLines> drawn(views.size());
   Found found;
@@ -156,6 +184,7 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
   }
   for (std::size_t s = 0; options.smoothSilhouettes && s < model.ShellCount(); ++s)
     found.normals.push_back(SmoothNormalsOf(model, s));
+  if (options.curves) found.sides = ChordSides(model, &*found.circles, options.threads);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {
@@ -163,9 +192,20 @@ std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDire
     };
     std::function<bool(double)> removal;
     if (options.removal) removal = [&](double share) { return options.removal(i, share); };
-    drawn[i] = DrawOne(model, found, views[i], options, std::max(options.threads / atOnce, 1U), at, removal);
+    drawn[i] = DrawOne(model, views.size() == 1 ? spent : nullptr, found, views[i], options, std::max(options.threads / atOnce, 1U),
+                       at, removal);
   });
   return drawn;
+}
+
+}  // namespace
+
+std::vector<ViewLines> DrawViews(const Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
+  return Draw(model, nullptr, views, options);
+}
+
+std::vector<ViewLines> DrawLastViews(Model& model, const std::vector<NamedDirection>& views, const DrawingOptions& options) {
+  return Draw(model, &model, views, options);
 }
 
 ViewLines DrawView(const Model& model, const std::string& name, const DrawingOptions& options) {

@@ -183,5 +183,36 @@ TEST(RoughCreases, TheStepStaysAndTheNoiseGoes) {
   EXPECT_LT(DrawViews(fewer, {{"iso", *NamedView("iso")}}, {}).front().lines.size(), view.lines.size());
 }
 
+// Views for which the records are needed to the end, and views for which they are not, of circles above all.
+TEST(Views, LastOnesAreLikeAnyOthers) {
+  Mesh mesh = example::Housing();
+  for (const bool isAlone : {true, false}) {
+    for (const char* const name : {"front", "iso"}) {
+      for (const bool centreLines : {false, true}) {
+        const std::vector<NamedDirection> views{{name, *NamedView(name)}};
+        DrawingOptions options;
+        options.centreLines = centreLines;
+        const Model model = MakeModel(mesh, 30.0);
+        Model spent = MakeModel(mesh, 30.0);
+        const ViewLines kept = DrawViews(model, views, options).front(), last = DrawLastViews(spent, views, options).front();
+        EXPECT_EQ(spent.body.GetShellCnt() == 0, !centreLines && (isAlone || !views.front().view.IsPrincipal())) << name;
+        EXPECT_EQ(spent.TriangleCount(), model.TriangleCount());
+        EXPECT_EQ(last.centres.marks.size(), kept.centres.marks.size());
+        ASSERT_EQ(last.lines.size(), kept.lines.size());
+        std::size_t runs = 0;
+        for (std::size_t i = 0; i < kept.lines.size(); ++i) {
+          const Chain &a = last.lines[i].chain, &b = kept.lines[i].chain;
+          EXPECT_TRUE(std::equal(a.points.begin(), a.points.end(), b.points.begin(), b.points.end(),
+                                 [](const ZBR_PT& p, const ZBR_PT& q) { return p.x() == q.x() && p.y() == q.y(); }));
+          EXPECT_EQ(a.curves.size(), b.curves.size());
+          runs += a.curves.size();
+        }
+        EXPECT_GT(runs, 0U);
+      }
+    }
+    Append(mesh, example::Box({-500, -500, -500}, {-400, -400, -400}));
+  }
+}
+
 }  // namespace
 }  // namespace zbr::drawing
