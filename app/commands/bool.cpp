@@ -190,7 +190,7 @@ int RunBool(const BoolOptions& options) {
   run.operations = FindOperations(options.operations);
   const std::vector<std::string> names = NamesOf(run.operations);
   const std::vector<std::string> inputs = FilesOf(options);
-  run.plans = PlanOutputs(options.outputs, {names, "{op}", true}, FormatOption(options.input), inputs[0]);
+  run.plans = PlanOutputs(options.outputs, {names, "{op}", true}, FormatOption(options.input), inputs);
   NoteUnused(options.input.writing, run.plans, progress);
   const bool isReported = options.stats || run.plans.empty();
 
