@@ -61,7 +61,7 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
     const Format format = OutputFormat(output, chosen, inputs.empty() ? "" : inputs.front());
     const std::size_t place = results.placeholder.empty() ? std::string::npos : output.find(results.placeholder);
     if (place == std::string::npos) {
-      plans.push_back({output, format, onePerResult ? std::vector<std::size_t>{i} : all});
+      plans.push_back({output, format, onePerResult ? std::vector<std::size_t>{i} : all, onePerResult});
       continue;
     }
     for (const std::size_t k : all) {
@@ -98,6 +98,16 @@ void NoteUnused(const Writing& writing, const std::vector<OutputPlan>& plans, Pr
   note(writing.dxf.keepsPens, Format::kDxf, "--layer-by source says how DXF is written");
   note(writing.dxf.version == DxfVersion::kR12, Format::kDxf, "--dxf-version says how DXF is written");
   note(writing.curves, Format::kWkt, "--curves says how WKT is written");
+}
+
+void NoteSharedOut(const Results& results, const std::vector<OutputPlan>& plans, Progress& progress) {
+  const auto isOther = [&](const OutputPlan& plan) { return plan.format != plans.front().format; };
+  if (std::none_of(plans.begin(), plans.end(), isOther)) return;
+  std::string text;
+  for (const OutputPlan& plan : plans) {
+    if (plan.isShare) text += (text.empty() ? "" : ", ") + (plan.file + " holds ") + results.names[plan.results.front()];
+  }
+  if (!text.empty()) progress.Note("note: as many outputs as operations: " + text);
 }
 
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans) {
