@@ -109,16 +109,13 @@ void CommandLine::DeclareBool() {
           "OP,...")
       ->required();
   constexpr int kAnyNumber = 1 << 20;
-  command.add_option("files", bool_.files, "The drawings, A, B and so on; nothing is written to them unless -o names them")
+  command.add_option("files", bool_.files, "The drawings, A, B and so on; nothing is written to them")
       ->required()
       ->expected(1, kAnyNumber)
       ->type_name("A B ...");
-  command
-      .add_option("-o,--output", bool_.outputs,
-                  "File for the results, the format by its extension; may be repeated. "
-                  "Without it the table of --stats is printed. See 'zbr help outputs'")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, bool_.outputs,
+             "File for the results, the format by its extension; may be repeated. "
+             "Without it the table of --stats is printed. See 'zbr help outputs'");
   AddList(command, "--layer-a", bool_.layersA,
           "Read only these layers of the first drawing; with --layer-b one file may be both operands", "NAME,...");
   AddList(command, "--layer-b", bool_.layersB, "The same of the second drawing", "NAME,...");
@@ -131,9 +128,7 @@ void CommandLine::DeclareBool() {
 void CommandLine::DeclareNest() {
   CLI::App& command = *app_.add_subcommand("nest", "Tell outer loops from holes; list them or write them oriented accordingly");
   command.add_option("file", nest_.file, "The drawing")->required()->type_name("FILE");
-  command.add_option("-o,--output", nest_.outputs, "File for the nested loops; without it they are listed")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, nest_.outputs, "File for the nested loops; without it they are listed");
   DeclareInput(command, nest_.input);
   AddWriting(command, nest_.input);
 }
@@ -142,11 +137,7 @@ void CommandLine::DeclareTransform() {
   CLI::App& command = *app_.add_subcommand(
       "transform", "Mirror, scale, turn and move a drawing, in this order; to DXF with all its layers and open lines");
   command.add_option("file", transform_.file, "The drawing")->required()->type_name("FILE");
-  command
-      .add_option("-o,--output", transform_.outputs, "File for the drawing; formats other than DXF get the region that it bounds")
-      ->required()
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, transform_.outputs, "File for the drawing; formats other than DXF get the region that it bounds")->required();
   AddChoice(command, "--mirror", transform_.placement.mirror, {"x", "y"}, "Negate the x or the y coordinates", "AXIS");
   AddNumber(command, "--scale", kFactor, transform_.placement.scale, "Factor of all lengths");
   AddNumber(command, "--turn", kTurn, transform_.placement.turn, "Angle, counter-clockwise");
@@ -175,9 +166,7 @@ void CommandLine::DeclareCheck() {
       "check", "Find open, degenerate, crossing and overlapping loops and repeated points; exit with 1 if there are any");
   command.add_option("file", check_.file, "The drawing")->required()->type_name("FILE");
   command.add_flag("--fix", check_.fix, "Write the region that the drawing is taken for, valid, to the files of -o; exit with 0");
-  command.add_option("-o,--output", check_.outputs, "File for the repaired region; needs --fix")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, check_.outputs, "File for the repaired region; needs --fix");
   command.add_flag("--json", check_.json, "Print a JSON object with every place of every finding");
   DeclareInput(command, check_.input);
   AddWriting(command, check_.input);
@@ -189,12 +178,9 @@ void CommandLine::DeclareClip() {
       ->required()
       ->type_name("LINES");
   command.add_option("region", clip_.region, "The drawing that bounds the region")->required()->type_name("REGION");
-  command
-      .add_option("-o,--output", clip_.outputs,
-                  "File for the lines, the format by its extension; may be repeated. {side} in a name stands for one file for each "
-                  "side. Without it the table of --stats is printed")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, clip_.outputs,
+             "File for the lines, the format by its extension; may be repeated. {side} in a name stands for one file for each "
+             "side. Without it the table of --stats is printed");
   command.add_flag("--outside", clip_.outside, "Keep what is outside of the region");
   command.add_flag("--both", clip_.both, "Keep both, on layers of their own; what is inside comes first");
   command.add_flag("--stats", clip_.stats, "Print numbers of lines, their lengths in space and the milliseconds of each stage");

@@ -8,11 +8,8 @@ void CommandLine::DeclareDraw() {
   CLI::App& command = *app_.add_subcommand("draw", "Draw models of triangles without their hidden lines, in one or several views");
   AddObjects(command, draw_.models, draw_.objects);
   AddModelFormat(command, draw_.modelFormat);
-  command
-      .add_option("-o,--output", draw_.outputs,
-                  "File for the drawing, .svg, .pdf, .dxf or .json; may be repeated. Without it the table of --stats is printed")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, draw_.outputs,
+             "File for the drawing, .svg, .pdf, .dxf or .json; may be repeated. Without it the table of --stats is printed");
   AddList(command, "--view", draw_.views,
           "One or several of front, back, left, right, top, bottom, iso and dimetric; by default iso. See 'zbr help views'",
           "VIEW,...");
@@ -110,13 +107,9 @@ void CommandLine::DeclareOutline() {
       "outline", "Find what models cover in a view: their silhouettes as regions, loops with holes, in the unit of the model");
   AddObjects(command, outline_.models, outline_.objects);
   AddModelFormat(command, outline_.modelFormat);
-  command
-      .add_option(
-          "-o,--output", outline_.outputs,
-          "File for the outlines of all objects, the format by its extension; may be repeated. {object} in a name stands for "
-          "one file for each object. Without it the table of --stats is printed. See 'zbr help outlines'")
-      ->allow_extra_args(false)
-      ->type_name("OUT");
+  AddOutputs(command, outline_.outputs,
+             "File for the outlines of all objects, the format by its extension; may be repeated. {object} in a name stands for "
+             "one file for each object. Without it the table of --stats is printed. See 'zbr help outlines'");
   AddView(command, outline_.view);
   command.add_flag("--whole", outline_.whole, "Whole outlines, even where nearer objects cover them");
   AddWeld(command, outline_.weld);

@@ -49,6 +49,17 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& 
   return command.add_option(name, value, description)->check(CLI::IsMember(choices).description(""))->type_name(typeName);
 }
 
+CLI::Option* AddOutputs(CLI::App& command, std::vector<std::string>& outputs, const std::string& description) {
+  const auto refuseEmpty = [](const std::string& name) -> std::string {
+    if (name.empty()) throw Failure("-o: no name of a file");
+    return "";
+  };
+  return command.add_option("-o,--output", outputs, description)
+      ->check(CLI::Validator(refuseEmpty, ""))
+      ->allow_extra_args(false)
+      ->type_name("OUT");
+}
+
 void AddDxfVersion(CLI::App& command, DxfVersion& version) {
   command
       .add_option_function<std::string>(

@@ -38,6 +38,8 @@ CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std
                      const std::string& typeName);
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value, const std::vector<std::string>& choices,
                        const std::string& description, const std::string& typeName);
+// -o, which may be repeated. An empty name, as of a variable that is not set, is refused.
+CLI::Option* AddOutputs(CLI::App& command, std::vector<std::string>& outputs, const std::string& description);
 void AddDxfVersion(CLI::App& command, DxfVersion& version);
 void AddWeld(CLI::App& command, double& weld);
 void AddObjects(CLI::App& command, std::vector<std::string>& models, std::vector<std::string>& objects);

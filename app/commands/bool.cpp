@@ -190,7 +190,9 @@ int RunBool(const BoolOptions& options) {
   run.operations = FindOperations(options.operations);
   const std::vector<std::string> names = NamesOf(run.operations);
   const std::vector<std::string> inputs = FilesOf(options);
-  run.plans = PlanOutputs(options.outputs, {names, "{op}", true}, FormatOption(options.input), inputs[0]);
+  const Results results{names, "{op}", true};
+  run.plans = PlanOutputs(options.outputs, results, FormatOption(options.input), inputs);
+  NoteSharedOut(results, run.plans, progress);
   NoteUnused(options.input.writing, run.plans, progress);
   const bool isReported = options.stats || run.plans.empty();
 

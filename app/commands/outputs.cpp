@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <numeric>
 
+#include "app/io/output_files.h"
 #include "app/libraries.h"
 
 namespace tool {
@@ -20,6 +21,14 @@ Format OutputFormat(const std::string& file, Format chosen, const std::string& i
         file,
         "the name does not tell the format; names end in .dxf, .geojson, .json, .wkt, .loops, .txt or .svg, else give --format");
   return format;
+}
+
+void CheckNotRead(const std::vector<OutputPlan>& plans, const std::vector<std::string>& inputs) {
+  for (const OutputPlan& plan : plans) {
+    const auto isRead = [&](const std::string& input) { return plan.file != "-" && IsSameFile(input, plan.file); };
+    if (std::any_of(inputs.begin(), inputs.end(), isRead))
+      throw Failure(plan.file, "is a drawing to be read; the result needs another name");
+  }
 }
 
 bool IsSmallLetter(char c) {
@@ -41,7 +50,7 @@ void CheckPlaceholders(const std::string& file, const std::string& placeholder) 
 }
 
 std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const Results& results, Format chosen,
-                                    const std::string& input) {
+                                    const std::vector<std::string>& inputs) {
   std::vector<std::size_t> all(results.names.size());
   std::iota(all.begin(), all.end(), std::size_t{0});
   const bool onePerResult = results.sharedOut && all.size() > 1 && outputs.size() == all.size();
@@ -49,10 +58,10 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     const std::string& output = outputs[i];
     CheckPlaceholders(output, results.placeholder);
-    const Format format = OutputFormat(output, chosen, input);
+    const Format format = OutputFormat(output, chosen, inputs.empty() ? "" : inputs.front());
     const std::size_t place = results.placeholder.empty() ? std::string::npos : output.find(results.placeholder);
     if (place == std::string::npos) {
-      plans.push_back({output, format, onePerResult ? std::vector<std::size_t>{i} : all});
+      plans.push_back({output, format, onePerResult ? std::vector<std::size_t>{i} : all, onePerResult});
       continue;
     }
     for (const std::size_t k : all) {
@@ -60,6 +69,7 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
       plans.push_back({name.replace(place, results.placeholder.size(), results.names[k]), format, {k}});
     }
   }
+  CheckNotRead(plans, inputs);
   return plans;
 }
 
@@ -88,6 +98,16 @@ void NoteUnused(const Writing& writing, const std::vector<OutputPlan>& plans, Pr
   note(writing.dxf.keepsPens, Format::kDxf, "--layer-by source says how DXF is written");
   note(writing.dxf.version == DxfVersion::kR12, Format::kDxf, "--dxf-version says how DXF is written");
   note(writing.curves, Format::kWkt, "--curves says how WKT is written");
+}
+
+void NoteSharedOut(const Results& results, const std::vector<OutputPlan>& plans, Progress& progress) {
+  const auto isOther = [&](const OutputPlan& plan) { return plan.format != plans.front().format; };
+  if (std::none_of(plans.begin(), plans.end(), isOther)) return;
+  std::string text;
+  for (const OutputPlan& plan : plans) {
+    if (plan.isShare) text += (text.empty() ? "" : ", ") + (plan.file + " holds ") + results.names[plan.results.front()];
+  }
+  if (!text.empty()) progress.Note("note: as many outputs as operations: " + text);
 }
 
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans) {

@@ -23,13 +23,14 @@ struct OutputPlan {
   std::string file;
   Format format = Format::kUnknown;
   std::vector<std::size_t> results;  // indices
+  bool isShare = false;              // one of all, as there are as many outputs
 };
 
 // An output with the placeholder in its name stands for one file for each result, every other one gets all results unless they are
 // shared out. The format follows from the name; for standard output and names that tell nothing it is `chosen`, and if none was
-// chosen standard output gets that of the input file.
+// chosen standard output gets that of the first input file. Fails where an output is a drawing that is read.
 std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const Results& results, Format chosen,
-                                    const std::string& input);
+                                    const std::vector<std::string>& inputs);
 
 // Fails where a name has a placeholder, a word in braces, other than this one.
 void CheckPlaceholders(const std::string& file, const std::string& placeholder);
@@ -42,6 +43,10 @@ std::string WriteRegion(Format format, const Layer& layer, int units, const Writ
 
 // Notes of options that say how DXF or WKT is written where none is.
 void NoteUnused(const Writing& writing, const std::vector<OutputPlan>& plans, Progress& progress);
+
+// A note of what each file holds, where results are shared out among files of different formats: as likely as not all of them were
+// wanted in each format.
+void NoteSharedOut(const Results& results, const std::vector<OutputPlan>& plans, Progress& progress);
 
 // Whether a plan writes to standard output, so that reports have to go to standard error.
 bool UsesStandardOutput(const std::vector<OutputPlan>& plans);

@@ -91,9 +91,12 @@ void IgnoreClosedPipes() {
 
 bool NameOneFile(const std::string& a, const std::string& b) {
   std::error_code error;
-  const fs::path first = fs::weakly_canonical(fs::absolute(a), error);
-  if (error) return false;
-  return first == fs::weakly_canonical(fs::absolute(b), error) && !error;
+  const auto whole = [&](const std::string& name) {
+    const fs::path path = fs::absolute(name, error);  // fails for an empty name
+    return error ? fs::path() : fs::weakly_canonical(path, error);
+  };
+  const fs::path first = whole(a);
+  return !error && first == whole(b) && !error;
 }
 
 TargetKind KindOfTarget(const std::string& name) {

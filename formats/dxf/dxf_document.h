@@ -34,6 +34,7 @@ struct DxfSetup {
   std::vector<LineType> lineTypes;
   std::string font = "txt";  // of text
   bool showWidths = false;   // on the screen, too, not on paper alone
+  ZBR_PT paper;              // width and height of the sheet, from the origin; 0: the drawing is on none
   double deviation = 0.0;    // of chords in place of ellipses and splines, which R12 has not; 0: 1/10000 of the curve's size
 };
 

@@ -78,6 +78,13 @@ void WriteHeader(DxfOutput& output, const DxfSetup& setup, const DxfBox& box, Dx
   output.Point(10, e.empty() ? ZBR_PT(kNothing, kNothing) : ZBR_PT(e.xmin, e.ymin), e.empty() ? kNothing : box.low);
   variable("$EXTMAX");
   output.Point(10, e.empty() ? ZBR_PT(-kNothing, -kNothing) : ZBR_PT(e.xmax, e.ymax), e.empty() ? -kNothing : box.high);
+  // Programs that print without asking take their paper from here, else A4, upright.
+  if (setup.paper.x() > 0 && setup.paper.y() > 0) {
+    variable("$PLIMMIN");
+    output.Point(10, {0, 0});
+    variable("$PLIMMAX");
+    output.Point(10, setup.paper);
+  }
   integer("$INSUNITS", 70, setup.units);
   if (!output.IsOld()) {
     integer("$MEASUREMENT", 70, IsImperial(setup.units) ? 0 : 1);

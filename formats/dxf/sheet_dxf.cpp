@@ -83,6 +83,7 @@ DxfSetup SetupOf(const Sheet& sheet, const std::vector<ObjectSource>& objects, D
   setup.units = kMillimetres;
   setup.font = kFont;
   setup.showWidths = true;
+  setup.paper = {sheet.paper.width, sheet.paper.height};
   setup.lineTypes = {{kDashes, "Hidden (.5x) _ _ _ _ _", {kDash * sheet.thin, -kDashGap * sheet.thin}}};
   setup.layers = {{kVisible, kBlack, Hundredths(sheet.wide), continuous},
                   {kOutline, kBlack, Hundredths(sheet.wide), continuous},
