@@ -109,7 +109,7 @@ void CommandLine::DeclareBool() {
           "OP,...")
       ->required();
   constexpr int kAnyNumber = 1 << 20;
-  command.add_option("files", bool_.files, "The drawings, A, B and so on; nothing is written to them")
+  command.add_option("files", bool_.files, "The drawings, A, B and so on; nothing is written to them unless -o names them")
       ->required()
       ->expected(1, kAnyNumber)
       ->type_name("A B ...");

@@ -191,7 +191,7 @@ int RunBool(const BoolOptions& options) {
   const std::vector<std::string> names = NamesOf(run.operations);
   const std::vector<std::string> inputs = FilesOf(options);
   const Results results{names, "{op}", true};
-  run.plans = PlanOutputs(options.outputs, results, FormatOption(options.input), inputs);
+  run.plans = PlanOutputs(options.outputs, results, FormatOption(options.input), inputs[0]);
   NoteSharedOut(results, run.plans, progress);
   NoteUnused(options.input.writing, run.plans, progress);
   const bool isReported = options.stats || run.plans.empty();

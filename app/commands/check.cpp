@@ -145,7 +145,7 @@ int RunCheck(const CheckOptions& options) {
   if (options.fix != !options.outputs.empty()) throw Failure("--fix and -o need each other");
   Progress progress;
   const std::string name = StemOf(options.file);
-  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), {options.file});
+  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   NoteUnused(options.input.writing, plans, progress);
   InputOptions input = options.input;
   input.leftOutIsFound = true;

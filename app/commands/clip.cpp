@@ -285,7 +285,7 @@ int RunClip(const ClipOptions& options) {
   if (options.outside || options.both || options.outputs.empty()) run.parts.push_back({Side::kOutside, {}});
   Results results{{}, "{side}", false};
   for (const Part& part : run.parts) results.names.emplace_back(NameOf(part.side));
-  const auto plans = PlanOutputs(options.outputs, results, FormatOption(options.input), {options.lines, options.region});
+  const auto plans = PlanOutputs(options.outputs, results, FormatOption(options.input), options.lines);
   Writing writing = options.input.writing;
   writing.dxf.keepsPens = options.layerBy == "source";
   NoteUnused(writing, plans, progress);

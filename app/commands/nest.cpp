@@ -93,7 +93,7 @@ std::string WriteCells(Format format, const std::string& name, const std::vector
 int RunNest(const NestOptions& options) {
   Progress progress;
   const std::string name = StemOf(options.file);
-  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), {options.file});
+  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, FormatOption(options.input), options.file);
   NoteUnused(options.input.writing, plans, progress);
   const Loaded loaded = Load({options.file}, options.input, progress);
   OutputFiles files;

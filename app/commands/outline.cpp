@@ -21,7 +21,7 @@ std::vector<OutputPlan> PlanOutputs(const OutlineOptions& options, const std::ve
   const Format chosen = options.format.empty() ? Format::kUnknown : FormatByName(options.format);
   Results results{{}, "{object}", false};
   for (const PlacedFile& object : objects) results.names.push_back(object.id);
-  std::vector<OutputPlan> plans = PlanOutputs(options.outputs, results, chosen, {});
+  std::vector<OutputPlan> plans = PlanOutputs(options.outputs, results, chosen, "");
   for (const OutputPlan& plan : plans) {
     if (AreRead(objects, plan.file)) throw Failure(plan.file, "is a model to be read; the outline needs another name");
   }

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <numeric>
 
-#include "app/io/output_files.h"
 #include "app/libraries.h"
 
 namespace tool {
@@ -21,14 +20,6 @@ Format OutputFormat(const std::string& file, Format chosen, const std::string& i
         file,
         "the name does not tell the format; names end in .dxf, .geojson, .json, .wkt, .loops, .txt or .svg, else give --format");
   return format;
-}
-
-void CheckNotRead(const std::vector<OutputPlan>& plans, const std::vector<std::string>& inputs) {
-  for (const OutputPlan& plan : plans) {
-    const auto isRead = [&](const std::string& input) { return plan.file != "-" && IsSameFile(input, plan.file); };
-    if (std::any_of(inputs.begin(), inputs.end(), isRead))
-      throw Failure(plan.file, "is a drawing to be read; the result needs another name");
-  }
 }
 
 bool IsSmallLetter(char c) {
@@ -50,7 +41,7 @@ void CheckPlaceholders(const std::string& file, const std::string& placeholder) 
 }
 
 std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const Results& results, Format chosen,
-                                    const std::vector<std::string>& inputs) {
+                                    const std::string& input) {
   std::vector<std::size_t> all(results.names.size());
   std::iota(all.begin(), all.end(), std::size_t{0});
   const bool onePerResult = results.sharedOut && all.size() > 1 && outputs.size() == all.size();
@@ -58,7 +49,7 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     const std::string& output = outputs[i];
     CheckPlaceholders(output, results.placeholder);
-    const Format format = OutputFormat(output, chosen, inputs.empty() ? "" : inputs.front());
+    const Format format = OutputFormat(output, chosen, input);
     const std::size_t place = results.placeholder.empty() ? std::string::npos : output.find(results.placeholder);
     if (place == std::string::npos) {
       plans.push_back({output, format, onePerResult ? std::vector<std::size_t>{i} : all, onePerResult});
@@ -69,7 +60,6 @@ std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, con
       plans.push_back({name.replace(place, results.placeholder.size(), results.names[k]), format, {k}});
     }
   }
-  CheckNotRead(plans, inputs);
   return plans;
 }
 

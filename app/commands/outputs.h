@@ -28,9 +28,9 @@ struct OutputPlan {
 
 // An output with the placeholder in its name stands for one file for each result, every other one gets all results unless they are
 // shared out. The format follows from the name; for standard output and names that tell nothing it is `chosen`, and if none was
-// chosen standard output gets that of the first input file. Fails where an output is a drawing that is read.
+// chosen standard output gets that of the input file.
 std::vector<OutputPlan> PlanOutputs(const std::vector<std::string>& outputs, const Results& results, Format chosen,
-                                    const std::vector<std::string>& inputs);
+                                    const std::string& input);
 
 // Fails where a name has a placeholder, a word in braces, other than this one.
 void CheckPlaceholders(const std::string& file, const std::string& placeholder);

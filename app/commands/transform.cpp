@@ -41,7 +41,7 @@ int RunTransform(const TransformOptions& options) {
   Progress progress;
   const std::string name = std::filesystem::path(BaseName(options.file)).stem().string();
   const Format format = FormatOption(options.input);
-  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, format, {options.file});
+  const auto plans = PlanOutputs(options.outputs, {{name}, "", false}, format, options.file);
   NoteUnused(options.input.writing, plans, progress);
   const Affine map = MapOf(options.placement);
   const auto isDxf = [](const OutputPlan& plan) { return plan.format == Format::kDxf; };
