@@ -72,7 +72,7 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
       .add_option("--format", input.format,
                   "Format of '-' and of files whose extension does not tell it: dxf, geojson, wkt, text or svg")
       ->check(CLI::Validator(CheckModelFormat, ""))
-      ->check(CLI::IsMember({"dxf", "geojson", "wkt", "text", "svg"}).description(""))
+      ->check(OneOf({"dxf", "geojson", "wkt", "text", "svg"}))
       ->type_name("FORMAT");
   AddList(command, "--layer", input.layers, "Read only these layers of DXF files, or features of this name of GeoJSON files",
           "NAME,...");
@@ -97,7 +97,7 @@ void CommandLine::DeclareInput(CLI::App& command, InputOptions& input) {
           "What open lines bound where more than two meet. Where an even number meets everywhere: what contours do that were cut "
           "there; elsewhere what they enclose together (rings, by default). That everywhere (outer). Or every cell into which all "
           "lines, closed and open ones, cut the plane (all)")
-      ->check(CLI::IsMember({"rings", "outer", "all"}).description(""))
+      ->check(OneOf({"rings", "outer", "all"}))
       ->type_name("FACES");
 }
 

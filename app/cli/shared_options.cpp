@@ -3,6 +3,7 @@
 #include <zbr-drawing/numbers.h>
 #include <zbr-formats/meshes.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tool {
@@ -44,9 +45,19 @@ CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std
   return command.add_option(name, values, description)->delimiter(',')->allow_extra_args(false)->type_name(typeName);
 }
 
+CLI::Validator OneOf(const std::vector<std::string>& choices) {
+  const auto check = [choices](const std::string& word) -> std::string {
+    if (std::find(choices.begin(), choices.end(), word) != choices.end()) return "";
+    std::string text = Quoted(word) + " is none of ";
+    for (const std::string& choice : choices) text += (&choice == choices.data() ? "" : ", ") + choice;
+    return text;
+  };
+  return {check, ""};
+}
+
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value, const std::vector<std::string>& choices,
                        const std::string& description, const std::string& typeName) {
-  return command.add_option(name, value, description)->check(CLI::IsMember(choices).description(""))->type_name(typeName);
+  return command.add_option(name, value, description)->check(OneOf(choices))->type_name(typeName);
 }
 
 CLI::Option* AddOutputs(CLI::App& command, std::vector<std::string>& outputs, const std::string& description) {
@@ -66,7 +77,7 @@ void AddDxfVersion(CLI::App& command, DxfVersion& version) {
           "--dxf-version", [&version](const std::string& name) { version = name == "R12" ? DxfVersion::kR12 : DxfVersion::kR2000; },
           "Of DXF files that are written: R2000 by default; R12, which has neither ellipses nor splines, for machines and old "
           "programs")
-      ->check(CLI::IsMember({"R12", "R2000"}).description(""))
+      ->check(OneOf({"R12", "R2000"}))
       ->type_name("VERSION");
 }
 
@@ -121,7 +132,7 @@ void AddWriting(CLI::App& command, InputOptions& input) {
           "--layer-by", [&input](const std::string& by) { input.flatten.pens = input.writing.dxf.keepsPens = by == "source"; },
           "Layers of DXF files that are written: one for each operation (by default), or those of the drawings that edges come "
           "from (source), with their colours and line types")
-      ->check(CLI::IsMember({"operation", "source"}).description(""))
+      ->check(OneOf({"operation", "source"}))
       ->type_name("WHAT");
   AddDxfVersion(command, writing.dxf.version);
 }

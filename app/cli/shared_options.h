@@ -36,6 +36,8 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, const NumberK
 
 CLI::Option* AddList(CLI::App& command, const std::string& name, std::vector<std::string>& values, const std::string& description,
                      const std::string& typeName);
+// Words that an option takes, and no others.
+CLI::Validator OneOf(const std::vector<std::string>& choices);
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, std::string& value, const std::vector<std::string>& choices,
                        const std::string& description, const std::string& typeName);
 // -o, which may be repeated. An empty name, as of a variable that is not set, is refused.

@@ -171,7 +171,10 @@ std::vector<OperandOptions> OperandsOf(const BoolOptions& options, std::size_t c
   std::vector<OperandOptions> operands;
   for (const std::optional<Affine>& map : MapsOf(options.placements, count)) operands.push_back({{}, map});
   operands[0].layers = options.layersA;
-  if (count > 1) operands[1].layers = options.layersB;
+  operands[0].layersFrom = "--layer-a";
+  if (count == 1) return operands;
+  operands[1].layers = options.layersB;
+  operands[1].layersFrom = "--layer-b";
   return operands;
 }
 

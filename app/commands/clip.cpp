@@ -169,6 +169,7 @@ Frame FrameAround(const Extent& region, const Extent& lines) {
 void Read(const ClipOptions& options, Run& run, Progress& progress) {
   InputOptions ofRegion = options.input;
   ofRegion.layers = options.regionLayers;
+  ofRegion.layersFrom = "--region-layer";
   run.drawing = ReadInput(options.lines, Content::kLines, options.input, progress);
   Drawing region = ReadInput(options.region, Content::kRegions, ofRegion, progress);
   run.units = run.drawing.units != 0 ? run.drawing.units : region.units;

@@ -27,8 +27,9 @@ struct Writing {
 
 // Options of every command that reads drawings.
 struct InputOptions {
-  std::string format;               // of files whose names do not tell
-  std::vector<std::string> layers;  // empty: all
+  std::string format;                  // of files whose names do not tell
+  std::vector<std::string> layers;     // empty: all
+  std::string layersFrom = "--layer";  // the option that named them
   FlattenOptions flatten{-1.0, -1.0};
   std::string fill;             // the rule that tells what is inside; empty: even-odd
   Writing writing;              // of commands that write regions

@@ -15,7 +15,8 @@
 namespace tool {
 namespace {
 
-void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers, Progress& progress) {
+void KeepLayers(Drawing& drawing, const InputOptions& options, Progress& progress) {
+  const std::vector<std::string>& layers = options.layers;
   if (layers.empty()) return;
   std::set<std::string> known;
   for (const Path& path : drawing.paths) {
@@ -24,7 +25,8 @@ void KeepLayers(Drawing& drawing, const std::vector<std::string>& layers, Progre
   std::erase_if(drawing.paths,
                 [&](const Path& path) { return std::find(layers.begin(), layers.end(), path.layer) == layers.end(); });
   if (drawing.paths.empty())
-    throw Failure(drawing.file, "nothing on the chosen layers; " + (known.empty() ? "it has none" : "there are " + Listed(known)));
+    throw Failure(drawing.file, "nothing on what " + options.layersFrom + " names, " + Listed({layers.begin(), layers.end()}) +
+                                    "; " + (known.empty() ? "it has no layers" : "there are " + Listed(known)));
   for (const std::string& layer : layers) {
     if (!known.contains(layer))
       progress.Note(drawing.file + ": note: nothing on layer " + Quoted(layer) + "; there are " + Listed(known));
@@ -67,7 +69,7 @@ Drawing ReadInput(const std::string& file, Content content, const InputOptions& 
   if (FormatOf(file, FormatOption(options)) == Format::kUnknown && IsMeshFile(file))
     throw Failure(file, "is a model, no drawing; 'zbr info' examines it, 'zbr draw' and 'zbr outline' make drawings of it");
   Drawing drawing = OrHint("--format", [&] { return ReadDrawing(file, FormatOption(options), content); });
-  KeepLayers(drawing, options.layers, progress);
+  KeepLayers(drawing, options, progress);
   LeaveOut(drawing, options, progress);
   if (content == Content::kRegions && drawing.joinsEnds) LeaveOutRepeats(drawing, progress);
   return drawing;
@@ -94,7 +96,10 @@ Loaded Load(const std::vector<std::string>& files, const InputOptions& options, 
     const std::size_t place = drawings.size();
     const bool isOwn = place < operands.size() && !operands[place].layers.empty();
     InputOptions ofFile = options;
-    if (isOwn) ofFile.layers = operands[place].layers;
+    if (isOwn) {
+      ofFile.layers = operands[place].layers;
+      ofFile.layersFrom = operands[place].layersFrom;
+    }
     Drawing& drawing = drawings.emplace_back(ReadInput(file, Content::kRegions, ofFile, progress));
     ConvertUnits(drawing, drawings.front().units, progress);
     for (Path& path : drawing.paths) {
