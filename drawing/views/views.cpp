@@ -19,6 +19,7 @@
 #include "drawing/silhouettes/smooth_silhouettes.h"
 #include "drawing/views/crumbs.h"
 #include "drawing/views/perspective.h"
+#include "drawing/views/section_outlines.h"
 #include "drawing/views/specks.h"
 
 namespace zbr::drawing {
@@ -128,11 +129,12 @@ ViewLines DrawOne(const Model& model, const Found& found, const NamedDirection& 
   at(DrawStage::kRemoval);
   if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);
+  std::vector<CutFace> faces;
+  if (options.outlines && direction.section) faces = CutFacesOf(view.section, view.scene);
   ViewLines lines = Collect(model, found, direction, options, threads, view);
   if (options.outlines) {
     at(DrawStage::kOutlines);
-    constexpr bool kNarrow = true;
-    FindOutlines(model, view.scene, kNarrow, threads);
+    FindSectionOutlines(model, view.scene, faces, threads);
     lines.outlines = OutlinesAroundMiddle(model, view.scene);
   }
   at(DrawStage::kDone);
