@@ -3,9 +3,14 @@
 // A scene is centred and scaled, and what is merely scaled back is off by rounding: a width of 10 would come out
 // as 10.000000000000002, and outlines of parts that fit would no longer share their edges. So the vertices of outlines are taken
 // from the model where they are vertices of it.
+//
+// Of two objects one counts as nearer as a whole, which a section makes wrong as a rule: a pin lies behind the bush around it and
+// before its far half. Nothing lies before what is cut, so cut faces go to their objects before objects are compared, and are in no
+// overlap then.
 #include <zbr-drawing/outlines.h>
 
 #include <zbr-drawing/removal.h>
+#include <zbr/boolean.h>
 #include <zbr/tolerance.h>
 
 #include <bit>
@@ -15,6 +20,7 @@
 
 #include "drawing/parallel.h"
 #include "drawing/views/bare_scene.h"
+#include "drawing/views/section_outlines.h"
 
 namespace zbr::drawing {
 namespace {
@@ -68,6 +74,13 @@ bool MayOverlap(LoopList& a, LoopList& b) {
     }
   }
   return false;
+}
+
+void TakeAway(LoopList& from, LoopList& what) {
+  if (!MayOverlap(from, what)) return;
+  LoopList rest;
+  zbrBooleanLoops(from, what, ZBR_BOOL_A_MINUS_B, rest);
+  from = std::move(rest);
 }
 
 void Narrow(const std::vector<ObjectShells>& objects) {
@@ -160,10 +173,38 @@ OutlinePiece PieceOf(const Model& model, std::uint32_t firstShell, const ZBR_HL_
 }  // namespace
 
 void FindOutlines(const Model& model, Scene& scene, bool narrow, unsigned threads) {
+  std::vector<CutFace> none;
+  if (narrow) {
+    FindSectionOutlines(model, scene, none, threads);
+  } else {
+    OutlineAll(model, scene, false, threads);
+  }
+}
+
+std::vector<CutFace> CutFacesOf(const SectionCut& section, const Scene& scene) {
+  std::vector<CutFace> faces;
+  for (std::size_t i = 0; i < section.faces.size(); ++i) {
+    LoopList loops = zbrLoopsOfRegion(section.covers[i].view());
+    faces.push_back({section.faces[i].object, Moved(loops, [&](const ZBR_PT& p) { return p * scene.scale; })});
+    for (std::size_t k = 0; k < i; ++k) {
+      if (faces[k].object != faces[i].object) TakeAway(faces[i].loops, faces[k].loops);
+    }
+  }
+  return faces;
+}
+
+void FindSectionOutlines(const Model& model, Scene& scene, std::vector<CutFace>& faces, unsigned threads) {
   const std::vector<ObjectShells> objects = OutlineAll(model, scene, false, threads);
-  if (!narrow || objects.size() < 2) return;
+  if (objects.size() < 2) return;
   RemoveHidden(scene, threads);
   const ZBR_TmpEps hold(kSceneTolerance);
+  for (std::size_t k = 0; k < model.ObjectCount(); ++k) {
+    const std::uint32_t begin = model.objectBegin[k];
+    if (begin == model.objectBegin[k + 1]) continue;
+    for (CutFace& face : faces) {
+      if (face.object != k) TakeAway(scene.shells[begin].outline, face.loops);
+    }
+  }
   Narrow(objects);
 }
 

@@ -20,6 +20,7 @@
 #include "drawing/views/collect_lines.h"
 #include "drawing/views/crumbs.h"
 #include "drawing/views/perspective.h"
+#include "drawing/views/section_outlines.h"
 #include "drawing/views/specks.h"
 
 namespace zbr::drawing {
@@ -156,11 +157,12 @@ ViewLines DrawOne(const Model& model, Model* spent, const Found& found, const Na
   at(DrawStage::kRemoval);
   if (!RemoveHidden(view.scene, threads, removal)) throw Failure("the removal of hidden lines was ended");
   at(DrawStage::kLines);
+  std::vector<CutFace> faces;
+  if (options.outlines && direction.section) faces = CutFacesOf(view.section, view.scene);
   ViewLines lines = Collect(model, found, direction, options, threads, view);
   if (options.outlines) {
     at(DrawStage::kOutlines);
-    constexpr bool kNarrow = true;
-    FindOutlines(model, view.scene, kNarrow, threads);
+    FindSectionOutlines(model, view.scene, faces, threads);
     lines.outlines = OutlinesAroundMiddle(model, view.scene);
   }
   at(DrawStage::kDone);
