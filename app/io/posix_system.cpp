@@ -90,13 +90,13 @@ void IgnoreClosedPipes() {
 }
 
 bool NameOneFile(const std::string& a, const std::string& b) {
-  std::error_code error;
-  const auto whole = [&](const std::string& name) {
-    const fs::path path = fs::absolute(name, error);  // fails for an empty name
+  const auto whole = [](const std::string& name) {  // nothing for what has no place, as an empty name
+    std::error_code error;
+    const fs::path path = fs::absolute(name, error);
     return error ? fs::path() : fs::weakly_canonical(path, error);
   };
   const fs::path first = whole(a);
-  return !error && first == whole(b) && !error;
+  return !first.empty() && first == whole(b);
 }
 
 TargetKind KindOfTarget(const std::string& name) {
