@@ -13,9 +13,9 @@ namespace zbr::drawing {
 inline constexpr double kLeastOfRim = 0.8;
 inline constexpr double kMostOfRim = 1.25;
 
-// Lets the whole of a round rim show where a part of it bends by the angle, or very nearly; for angles up to 60 degrees. `nearly` are
-// the edges, numbered through all shells, that do not show and bend by kLeastOfRim or more. Linear in these and the flat faces that
-// they end.
+// Lets the whole of a round rim show where a part of it bends by the angle, or very nearly; for angles up to 60 degrees. `nearly`
+// are the edges, numbered through all shells, that do not show and bend by kLeastOfRim or more. Linear in these and the flat faces
+// that they end.
 void CompleteRims(Model& model, double creaseDegrees, const std::vector<std::uint32_t>& nearly);
 
 }  // namespace zbr::drawing
