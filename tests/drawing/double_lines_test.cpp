@@ -202,7 +202,8 @@ TEST(DoubleLines, NothingGoesWithoutALineInItsPlace) {
   for (int round = 0; round < 50; ++round) {
     std::vector<DrawnSegment> lines;
     for (std::uint32_t k = 0; k < kLines; ++k) {
-      const int from = static_cast<int>(random() % kLength), to = from + 1 + static_cast<int>(random() % (kLength - from));
+      const auto from = static_cast<int>(random() % kLength);
+      const int to = from + 1 + static_cast<int>(random() % static_cast<unsigned>(kLength - from));
       const double aside = static_cast<double>(random() % 16) * 0.4 * contact;
       DrawnSegment line;
       line.shell = line.other = k;
