@@ -1,7 +1,8 @@
-// Points among others, and beside edges.
+// Points among others, in boxes, and beside edges.
 #pragma once
 
 #include <zbr/planar.h>
+#include <zbr/spatial.h>
 
 #include <algorithm>
 
@@ -10,6 +11,12 @@ namespace zbr::drawing {
 // Order by x, then y.
 inline bool IsLess(const ZBR_PT& p, const ZBR_PT& q) {
   return p.x() != q.x() ? p.x() < q.x() : p.y() < q.y();
+}
+
+// Lets the box reach to p.
+inline void Enclose(const ZBR_PT3& p, ZBR_PT3& low, ZBR_PT3& high) {
+  low.Set(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
+  high.Set(std::max(high.x(), p.x()), std::max(high.y(), p.y()), std::max(high.z(), p.z()));
 }
 
 // How far along an edge, from 0 to 1, its point nearest to p is; 0 on an edge without length.

@@ -142,25 +142,27 @@ void SetNormals(Model& model, unsigned threads) {
   }
 }
 
+double CosineOfBend(double degrees) {
+  return Cos(std::clamp(degrees, 0.0, 180.0) * kPi / 180.0);
+}
+
+double CosineOfBend(const Model& model, std::size_t shell, const ZBR_ZBREPE& edge) {
+  const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[shell];
+  const ZBR_PT3 &a = normals[PlaceOf(*edge.GetTriangle0())], &b = normals[PlaceOf(*edge.GetTriangle1())];
+  if (IsZero(a) || IsZero(b)) return 1.0;
+  const double cosine = a.InnerProduct(b);
+  return model.Note(shell, edge).isSameWay ? -cosine : cosine;
+}
+
 void ShowEdges(Model& model, double creaseDegrees, unsigned threads) {
-  const auto cosineOf = [](double degrees) { return Cos(std::clamp(degrees, 0.0, 180.0) * kPi / 180.0); };
-  const double limit = cosineOf(creaseDegrees + kAngleSlack), rimLimit = cosineOf(creaseDegrees * kLeastOfRim);
+  const double limit = CosineOfBend(creaseDegrees + kAngleSlack), rimLimit = CosineOfBend(creaseDegrees * kLeastOfRim);
   std::vector<std::vector<std::uint32_t>> nearlyInRange(RangeCount(model.edgeBegin.back()));
   ForEachPart(model.edgeBegin, threads, [&](std::size_t range, std::size_t s, std::size_t begin, std::size_t end) {
     ZBR_ZBREPS& shell = *model.body.GetShell(static_cast<int>(s));
-    const ZBR_PT3* const normals = model.normals.data() + model.shellBegin[s];
-    const auto cosineAt = [&](const ZBR_ZBREPE& edge, const ZBR_ZBREPT& other) {
-      const ZBR_PT3& a = normals[PlaceOf(*edge.GetTriangle0())];
-      const ZBR_PT3& b = normals[PlaceOf(other)];
-      if (IsZero(a) || IsZero(b)) return 1.0;
-      const double cosine = a.InnerProduct(b);
-      return model.Note(s, edge).isSameWay ? -cosine : cosine;
-    };
     for (std::size_t e = begin; e < end; ++e) {
       ZBR_ZBREPE& edge = *shell.GetEdge(static_cast<int>(e));
-      const ZBR_ZBREPT* const other = edge.GetTriangle1();
-      const bool isEnd = other == nullptr || model.Note(s, edge).isJunction;
-      const double cosine = isEnd ? -1.0 : cosineAt(edge, *other);
+      const bool isEnd = edge.GetTriangle1() == nullptr || model.Note(s, edge).isJunction;
+      const double cosine = isEnd ? -1.0 : CosineOfBend(model, s, edge);
       edge.SetShow(isEnd || cosine < limit);
       if (!edge.GetShow() && cosine < rimLimit) nearlyInRange[range].push_back(model.edgeBegin[s] + static_cast<std::uint32_t>(e));
     }

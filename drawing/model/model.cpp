@@ -17,17 +17,13 @@
 #include "drawing/model/tangents.h"
 #include "drawing/model/weld.h"
 #include "drawing/parallel.h"
+#include "drawing/points.h"
 
 namespace zbr::drawing {
 namespace {
 
 // Smallest part of the diagonal worth welding by; below it only rounding of the cells' numbers would decide.
 constexpr double kSmallestWeld = 1e-15;
-
-void Enclose(const ZBR_PT3& p, ZBR_PT3& low, ZBR_PT3& high) {
-  low.Set(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
-  high.Set(std::max(high.x(), p.x()), std::max(high.y(), p.y()), std::max(high.z(), p.z()));
-}
 
 // Joins the points of each body for itself: bodies that touch stay bodies. Returns where each point of the mesh went.
 std::vector<std::uint32_t> WeldBodies(const Mesh& mesh, double weld, unsigned threads, std::vector<ZBR_PT3>& points) {

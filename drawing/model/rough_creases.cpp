@@ -17,6 +17,7 @@
 
 #include "drawing/model/disjoint_sets.h"
 #include "drawing/model/shell_ranges.h"
+#include "drawing/points.h"
 
 namespace zbr::drawing {
 namespace {
@@ -151,8 +152,7 @@ class ShellTidier {
       const ZBR_PT3& p = Place(v);
       if (box.isEmpty) box.low = box.high = p;
       box.isEmpty = false;
-      box.low.Set(std::min(box.low.x(), p.x()), std::min(box.low.y(), p.y()), std::min(box.low.z(), p.z()));
-      box.high.Set(std::max(box.high.x(), p.x()), std::max(box.high.y(), p.y()), std::max(box.high.z(), p.z()));
+      Enclose(p, box.low, box.high);
       for (const std::uint32_t e : lines_[v]) box.isKept = box.isKept || !IsCrease(e);
     }
     for (std::uint32_t v = 0; v < lines_.size(); ++v) {

@@ -16,6 +16,7 @@
 
 #include "drawing/curves/circle_fit.h"
 #include "drawing/model/disjoint_sets.h"
+#include "drawing/model/edge_classes.h"
 #include "drawing/model/patches.h"
 
 namespace zbr::drawing {
@@ -37,9 +38,9 @@ class RimFinder {
   RimFinder(Model& model, double creaseDegrees)
       : model_(model),
         tolerance_(PlaneTolerance(model)),
-        least_(CosineOf(creaseDegrees * kMostOfRim)),
-        most_(CosineOf(creaseDegrees * kLeastOfRim)),
-        nearly_(CosineOf(creaseDegrees * kNearly)),
+        least_(CosineOfBend(creaseDegrees * kMostOfRim)),
+        most_(CosineOfBend(creaseDegrees * kLeastOfRim)),
+        nearly_(CosineOfBend(creaseDegrees * kNearly)),
         face_(model.TriangleCount(), 0) {}
 
   void At(std::uint32_t edge) {
@@ -54,8 +55,6 @@ class RimFinder {
   }
 
  private:
-  static double CosineOf(double degrees) { return Cos(std::clamp(degrees, 0.0, 180.0) * kPi / 180.0); }
-
   std::uint32_t& FaceOf(std::size_t s, const ZBR_ZBREPT& t) {
     return face_[model_.shellBegin[s] + static_cast<std::uint32_t>(t.GetIndex())];
   }
@@ -85,7 +84,7 @@ class RimFinder {
 
   struct BorderEdge {
     ZBR_ZBREPE* edge;
-    const ZBR_ZBREPT *here, *there;  // the second null at borders and junctions
+    bool isEnd;  // a border or a junction
     std::uint32_t ring = 0;
   };
 
@@ -95,7 +94,7 @@ class RimFinder {
       for (std::size_t i = 0; i < 3; ++i) {
         ZBR_ZBREPE& edge = EdgeOf(*t, i);
         const ZBR_ZBREPT* const u = model_.Across(s, *t, edge);
-        if (u == nullptr || FaceOf(s, *u) != faces_) border.push_back({&edge, t, u});
+        if (u == nullptr || FaceOf(s, *u) != faces_) border.push_back({&edge, u == nullptr});
       }
     }
     SetRings(border);
@@ -103,7 +102,7 @@ class RimFinder {
     std::vector<ZBR_ZBREPE*> rim;
     std::size_t sharp = 0;
     for (std::size_t k = 0; k < border.size(); ++k) {
-      const double cosine = CosineAt(s, border[k]);
+      const double cosine = border[k].isEnd ? -1.0 : CosineOfBend(model_, s, *border[k].edge);
       if (cosine >= least_ && cosine <= most_) rim.push_back(border[k].edge);
       if (cosine >= least_ && cosine <= nearly_) ++sharp;
       if (k + 1 < border.size() && border[k + 1].ring == border[k].ring) continue;
@@ -127,12 +126,6 @@ class RimFinder {
     DisjointSets rings(vertices.size());
     for (const BorderEdge& b : border) rings.Unite(place(b.edge->GetV0()), place(b.edge->GetV1()));
     for (BorderEdge& b : border) b.ring = rings.Find(place(b.edge->GetV0()));
-  }
-
-  double CosineAt(std::size_t s, const BorderEdge& b) const {
-    if (b.there == nullptr) return -1.0;
-    const double cosine = NormalOf(s, *b.here).InnerProduct(NormalOf(s, *b.there));
-    return model_.Note(s, *b.edge).isSameWay ? -cosine : cosine;
   }
 
   // Whether the edges go round most of a circle.

@@ -1,7 +1,6 @@
 // Triangles are gone through in ranges. What ends is the memory of their lists: beyond that they have nothing to give back.
 #include <zbr-drawing/scene_triangles.h>
 
-#include <algorithm>
 #include <limits>
 #include <memory>
 #include <new>
@@ -39,11 +38,6 @@ void SceneTriangles::resize(std::size_t count, unsigned threads) {
     std::uninitialized_default_construct_n(first, end - begin);
   });
   size_ = count;
-}
-
-ZBR_HL_TRI& SceneTriangles::emplace_back() {
-  if (size_ == capacity_) reserve(std::max<std::size_t>(2 * capacity_, 16));
-  return *::new (static_cast<void*>(first_ + size_++)) ZBR_HL_TRI;
 }
 
 // May be begun again where threads cannot be had for lack of memory.

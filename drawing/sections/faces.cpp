@@ -16,6 +16,7 @@
 #include <optional>
 #include <utility>
 
+#include "drawing/points.h"
 #include "drawing/sections/contours.h"
 #include "drawing/sections/cut_cells.h"
 #include "drawing/sections/face_lines.h"
@@ -81,14 +82,10 @@ struct Sized {
 };
 
 // Of a shell in space.
-struct Extent {
+struct ShellBox {
   ZBR_PT3 low, high;
 
-  void Add(const ZBR_PT3& p) {
-    low.Set(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
-    high.Set(std::max(high.x(), p.x()), std::max(high.y(), p.y()), std::max(high.z(), p.z()));
-  }
-  bool Contains(const Extent& o) const {
+  bool Contains(const ShellBox& o) const {
     return low.x() <= o.low.x() && low.y() <= o.low.y() && low.z() <= o.low.z() && o.high.x() <= high.x() &&
            o.high.y() <= high.y() && o.high.z() <= high.z();
   }
@@ -207,10 +204,10 @@ class BodyCutter {
     const auto isInward = [](const Sized& sized) { return sized.cut->facing == Facing::kInward; };
     if (std::none_of(shells.begin(), shells.end(), isInward)) return;
     std::stable_sort(shells.begin(), shells.end(), [](const Sized& a, const Sized& b) { return a.area < b.area; });
-    std::vector<Extent> extents;
-    for (const Sized& sized : shells) extents.push_back(ExtentOf(sized.cut->shell));
+    std::vector<ShellBox> boxes;
+    for (const Sized& sized : shells) boxes.push_back(BoxOf(sized.cut->shell));
     const auto sticksOut = [&](std::size_t k, std::size_t outer) {  // cuts of open shells have more than one
-      return shells[k].cut->isOriented && shells[outer].cut->isOriented && !extents[outer].Contains(extents[k]);
+      return shells[k].cut->isOriented && shells[outer].cut->isOriented && !boxes[outer].Contains(boxes[k]);
     };
     const auto isWithin = [&](std::size_t k, std::size_t outer) {
       return shells[outer].Meets(shells[k]) && !sticksOut(k, outer) && IsMostlyIn(*shells[k].cut, *shells[outer].cut);
@@ -229,11 +226,11 @@ class BodyCutter {
     }
   }
 
-  Extent ExtentOf(std::uint32_t s) const {
+  ShellBox BoxOf(std::uint32_t s) const {
     const ZBR_ZBREPS& shell = model_.Shell(s);
-    Extent extent{shell.GetVertex(0)->GetPt(), shell.GetVertex(0)->GetPt()};
-    for (int v = 1; v < shell.GetVertexCnt(); ++v) extent.Add(shell.GetVertex(v)->GetPt());
-    return extent;
+    ShellBox box{shell.GetVertex(0)->GetPt(), shell.GetVertex(0)->GetPt()};
+    for (int v = 1; v < shell.GetVertexCnt(); ++v) Enclose(shell.GetVertex(v)->GetPt(), box.low, box.high);
+    return box;
   }
 
   // What faces nowhere is a hollow if it lies in material; the largest are looked at first.

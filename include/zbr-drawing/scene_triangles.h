@@ -27,7 +27,6 @@ class SceneTriangles {
   void resize(std::size_t count, unsigned threads);
   void resize(std::size_t count) { resize(count, threads_); }
   void reserve(std::size_t count);
-  ZBR_HL_TRI& emplace_back();
   void clear() { *this = SceneTriangles(); }
 
   std::size_t size() const { return size_; }

@@ -151,7 +151,8 @@ TEST(SharedWork, TrianglesOfScenesKeepTheirListsUntilTheyEnd) {
     triangles[t].idx = static_cast<int>(t);
     triangles[t].intvl_v[t % 3].resize(1 + t % 2);
   }
-  triangles.emplace_back().idx = 40000;  // moves all
+  triangles.resize(40001);  // moves all
+  triangles.back().idx = 40000;
   triangles.resize(20000, kThreads);
   triangles.resize(60000, kThreads);
   const SceneTriangles moved = std::move(triangles);
