@@ -86,8 +86,8 @@ struct Model {
   std::size_t junctions = 0;
   std::size_t junctionCopies = 0;  // uses of junctions but for one of each
 
-  // What was made of all triangles when tangent edges were looked for, until a drawing takes it. It goes with `body` as MakeModel left
-  // it: whoever changes that before the first drawing clears it.
+  // What was made of all triangles when tangent edges were looked for, until a drawing takes it. It goes with `body` as MakeModel
+  // left it: whoever changes that before the first drawing clears it.
   std::shared_ptr<KeptConnectivity> connectivity;
 
   // The records know their shell by its address: a model can be moved, but not copied.
