@@ -101,9 +101,9 @@ void EdgeCutter::AddChain(const ChainLine& chain) {
   out_.pieces_.push_back({number_[chain.from], number_[chain.to], chain.net});
 }
 
-Arrangement::Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care)
+Arrangement::Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care, Sense sense)
     : grid_(BoxOfRing(edges.points()), resolution.step) {
-  if (edges.size() > 0) EdgeCutter(*this, edges, resolution, secondOperand, {}).Run(care);
+  if (edges.size() > 0) EdgeCutter(*this, edges, resolution, secondOperand, {}, sense).Run(care);
 }
 
 Arrangement::Arrangement(const EdgePoints& edges, const ClearChains& chains, const NodeGrid& grid, const Resolution& resolution,
@@ -129,7 +129,7 @@ Arrangement::Arrangement(const EdgePoints& edges, const ClearChains& chains, con
     lines.push_back(
         {c, runsBack ? last : first, runsBack ? first : last, grid.NodeOf(points[after]), runsBack, runsBack ? -net : net});
   }
-  EdgeCutter cutter(*this, others, resolution, chains.OthersBefore(secondOperand), std::move(lines));
+  EdgeCutter cutter(*this, others, resolution, chains.OthersBefore(secondOperand), std::move(lines), Sense::kDirected);
   cutter.Run(care);
 }
 

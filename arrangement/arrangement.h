@@ -29,7 +29,8 @@ struct Winding {
 };
 
 // A piece of an arrangement between two vertices, from < to: straight, or the edges of a chain. `net` counts the edges along it,
-// those that run from `from` to `to` positive, the others negative; it is never zero for both operands.
+// those that run from `from` to `to` positive, the others negative; it is never zero for both operands. Lines without a sense all
+// count positive.
 struct ArrangedPiece {
   std::uint32_t from;
   std::uint32_t to;
@@ -51,8 +52,16 @@ class Arrangement {
     kQuick      // not at all: where three edges cross in almost one place the pieces may cross still, which a sweep notices
   };
 
+  // Whether edges that run opposite ways along each other cancel. Where three cross in almost one place, short parts of any two may
+  // come to do so, whatever the directions of the whole edges are.
+  enum class Sense {
+    kDirected,  // they do: sides of regions
+    kNone       // they don't: lines
+  };
+
   // Edges must have finite ends; those from `secondOperand` on count for the second operand.
-  Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care);
+  Arrangement(const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand, Care care,
+              Sense sense = Sense::kDirected);
   // Of one operand, on the coarse grid.
   explicit Arrangement(const EdgePoints& edges);
   // On the given grid, the edges of chains uncut. Only the other edges have numbers, by their place among these. `edges` and

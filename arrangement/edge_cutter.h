@@ -40,9 +40,10 @@ class EdgeCutter {
  public:
   // Chains come with their ends among the points.
   EdgeCutter(Arrangement& out, const EdgePoints& edges, const Resolution& resolution, std::size_t secondOperand,
-             std::vector<ChainLine> chains)
+             std::vector<ChainLine> chains, Arrangement::Sense sense)
       : out_(out),
         edges_(edges),
+        isDirected_(sense == Arrangement::Sense::kDirected),
         isFine_(resolution.reach > kCoarseReach * resolution.step),
         grid_(out.grid_),
         vertices_(grid_, resolution, edges.size() / (isFine_ ? kPointsPerCrowded : kEdgesPerVertex) + 16),
@@ -66,7 +67,7 @@ class EdgeCutter {
 
   // A line between the two vertices, in the order of a sweep.
   CutLine LineBetween(std::uint32_t from, std::uint32_t to, const Winding& net, std::uint32_t origin) const {
-    return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, -net, origin};
+    return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, isDirected_ ? -net : net, origin};
   }
 
   void NumberVertices();
@@ -128,6 +129,7 @@ class EdgeCutter {
 
   Arrangement& out_;
   const EdgePoints& edges_;
+  bool isDirected_;
   bool isFine_;  // so that every node is itself a point to stand for
   NodeGrid grid_;
   VertexSet vertices_;

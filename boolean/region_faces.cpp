@@ -23,13 +23,12 @@ namespace {
 
 constexpr std::uint32_t kNone = ~std::uint32_t{0};
 
-// An edge of a line, directed by its place alone, so that two along each other do not cancel.
+// An edge of a line, from left to right.
 struct LineEdge {
   DirectedEdge along;
   std::uint32_t number;  // counted through the points of all lines
 
-  bool IsSteep() const { return std::fabs(along.to.x() - along.from.x()) < std::fabs(along.to.y() - along.from.y()); }
-  auto Key() const { return std::tuple(IsSteep(), along.from.x(), along.from.y(), along.to.x(), along.to.y(), number); }
+  auto Key() const { return std::tuple(along.from.x(), along.from.y(), along.to.x(), along.to.y(), number); }
 };
 
 std::vector<LineEdge> EdgesOf(std::span<const RingSpan> lines) {
@@ -39,7 +38,7 @@ std::vector<LineEdge> EdgesOf(std::span<const RingSpan> lines) {
     for (std::size_t i = 0; i + 1 < line.size(); ++i) {
       LineEdge edge{{line[i], line[i + 1]}, number + static_cast<std::uint32_t>(i)};
       const ZBR_PT d = line[i + 1] - line[i];
-      if ((edge.IsSteep() ? d.y() : d.x()) < 0.0) std::swap(edge.along.from, edge.along.to);
+      if (d.x() < 0.0 || (d.x() == 0.0 && d.y() < 0.0)) std::swap(edge.along.from, edge.along.to);
       edges.push_back(edge);
     }
     number += static_cast<std::uint32_t>(line.size());
@@ -207,8 +206,8 @@ class CellRegion {
       : edges_(EdgesOf(input.rings())),
         width_(tolerance),
         withSources_(withSources),
-        arrangement_(Directed(edges_), Resolution::Fine(BoxOfRings(input.rings()), tolerance), CountFlat(edges_),
-                     Arrangement::Care::kThorough),
+        arrangement_(Directed(edges_), Resolution::Fine(BoxOfRings(input.rings()), tolerance), edges_.size(),
+                     Arrangement::Care::kThorough, Arrangement::Sense::kNone),
         points_(InputPoints(input)) {
     CollectSources();
   }
@@ -234,11 +233,6 @@ class CellRegion {
     std::vector<DirectedEdge> directed;
     for (const LineEdge& edge : edges) directed.push_back(edge.along);
     return EdgePoints(directed);
-  }
-
-  static std::size_t CountFlat(const std::vector<LineEdge>& edges) {
-    const auto isFlat = [](const LineEdge& edge) { return !edge.IsSteep(); };
-    return static_cast<std::size_t>(std::partition_point(edges.begin(), edges.end(), isFlat) - edges.begin());
   }
 
   static std::vector<ZBR_PT> InputPoints(const RegionInput& input) {

@@ -35,12 +35,18 @@ class RegionCutter {
   void FindCuts(const ZBR_PT& a, const ZBR_PT& b);
   void CutAtEdge(const ZBR_PT& a, const ZBR_PT& b, const ZBR_PT& p, const ZBR_PT& q);
   void KeepApart(double least);
+  ZBR_POLY_INSIDE LocateAt(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1, double share) const;
   ZBR_POLY_INSIDE LocateStretch(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1) const;
+  void AddRun(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1, double least);
+  void AddPiece(double t0, double t1, bool inside);
 
   double eps_;
+  double size_ = 0.0;  // the largest coordinate of the region
+  double away_ = 0.0;  // what lies farther from the segment than this, certainly does
   RingLocator locator_;
   std::vector<double> cuts_;
-  bool plain_ = true;  // every edge near the segment crosses it, steeply and well away from the edge's ends
+  std::vector<double> near_;  // vertices that lie near the segment, though not on it
+  bool plain_ = true;         // every edge near the segment crosses it, steeply and well away from the edge's ends
   std::vector<CutPiece> pieces_;
 };
 

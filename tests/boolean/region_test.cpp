@@ -197,6 +197,22 @@ TEST(Region, SimplifiesAndNests) {
   }
 }
 
+// Turned, three of the lines cross in three places a step of the grid apart, and parts of two run opposite ways between these.
+TEST(Region, CellsStayWhereLinesCrossInAlmostOnePlace) {
+  const std::vector<Ring> lines = {{{4, 4}, {1, 1}}, {{0, 3}, {4, 1}}, {{1, 2}, {5, 2}}, {{2, 0}, {5, 5}}};
+  for (int k = 0; k < 2000; ++k) {
+    const double c = std::cos(k * 0.00314), s = std::sin(k * 0.00314);
+    ZBR_REGION turned, cells;
+    for (Ring line : lines) {
+      for (ZBR_PT& p : line) p = ZBR_PT(p.x() * c - p.y() * s, p.x() * s + p.y() * c);
+      turned.AddRing(line);
+    }
+    zbrTraceFaces(turned.view(), cells);
+    ASSERT_EQ(cells.polygon_count(), 1U) << k;
+    ASSERT_NEAR(cells.area(), 18.0 / 65.0, 1e-9) << k;
+  }
+}
+
 TEST(Region, FaultyArraysAreRefusedWithTheirPlace) {
   const double bad[] = {std::nan(""), HUGE_VAL, 1e200};
   for (const double value : bad) {
