@@ -23,7 +23,7 @@ struct CutLine {
   std::uint32_t from;
   std::uint32_t to;
   Winding net;           // from `from` to `to`
-  std::uint32_t origin;  // the line that it was cut from in the first place
+  std::uint32_t origin;  // the strand that it was cut from in the first place
 };
 
 // A chain on the way to being a piece.
@@ -93,8 +93,9 @@ class EdgeCutter {
   bool PassesCell(const CutLine& line, std::uint32_t v) const;
   std::uint32_t SpansFor(std::size_t vertices) const;
   BoxTree TreeOverLines(double margin, std::uint32_t spans) const;
+  enum class Cuts { kNone, kSome, kTooMany };
   template <class IsHit>
-  bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
+  Cuts CutLines(std::uint32_t firstVertex, double margin, bool isLimited, IsHit isHit);
   void AddCrossings();
 
   // quick_cut.cpp
@@ -109,6 +110,7 @@ class EdgeCutter {
   class PairSearch;
   class PartsOfLine;
   void QuickCut();
+  bool SearchPairs(bool isLimited);
   // Lines farther apart than this, in steps, do nothing to each other.
   double Clear() const { return 2.0 * reach_ + 1.0; }
   void LookAtPair(std::uint32_t i, std::uint32_t j);
@@ -116,6 +118,11 @@ class EdgeCutter {
   void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);
   void CrossPair(std::uint32_t i, std::uint32_t j);
   void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
+
+  // strands.cpp
+  class StrandMaker;
+  bool AreTooMany(std::size_t hits) const;
+  void SplitIntoStrands();
 
   // crowded_cut.cpp
   bool AreCrowded() const;

@@ -57,19 +57,23 @@ class EdgeCutter::PairSearch {
     tree_.BuildInner();
   }
 
-  void Run() {
-    if (RunBoxes(true)) return;
-    Forget();
-    if (RunSlabs()) return SortAsBoxesDo();
-    Forget();
-    RunBoxes(false);
+  // False, and nothing is found, when there are too many hits for lines that don't lie on each other.
+  bool Run(bool isLimited) {
+    isLimited_ = isLimited;
+    if (RunBoxes(true)) return true;
+    if (!AreTooMany() && (Forget(), RunSlabs())) return SortAsBoxesDo(), true;
+    if (!AreTooMany() && (Forget(), RunBoxes(false))) return true;
+    return Forget(), false;
   }
 
  private:
+  bool AreTooMany() const { return isLimited_ && cutter_.AreTooMany(cutter_.hits_.size()); }
+
   // False when there is a limit to what is looked at in vain, and that is reached.
   bool RunBoxes(bool isLimited) {
     looks_ = 0;
     const auto goesOn = [&] {
+      if (AreTooMany()) return false;
       return !isLimited || looks_ <= kLooksPerLine * boxes_.size() + kLooksPerPair * cutter_.pairs_.size();
     };
     const auto skipNone = [](std::uint32_t, std::uint32_t) { return false; };
@@ -91,7 +95,7 @@ class EdgeCutter::PairSearch {
     const std::size_t most = kMostPerLine * boxes_.size();
     return SearchSlabs(segments, kFar * cutter_.Clear(), [&](std::uint32_t i, std::uint32_t j) {
       if (boxes_[i].Meets(boxes_[j])) cutter_.LookAtPair(i, j);
-      return ++looks_ <= most + kLooksPerPair * cutter_.pairs_.size();
+      return !AreTooMany() && ++looks_ <= most + kLooksPerPair * cutter_.pairs_.size();
     });
   }
 
@@ -156,6 +160,7 @@ class EdgeCutter::PairSearch {
   std::vector<NarrowBox> boxes_;
   BoxTree tree_;
   std::size_t looks_ = 0;
+  bool isLimited_ = false;
 };
 
 void EdgeCutter::NoteReached(std::uint32_t line, std::uint32_t vertex, double side) {
@@ -303,10 +308,18 @@ void EdgeCutter::CrossPair(std::uint32_t i, std::uint32_t j) {
   if (vertex != b.from && vertex != b.to) hits_.push_back({j, vertex});
 }
 
-void EdgeCutter::QuickCut() {
+bool EdgeCutter::SearchPairs(bool isLimited) {
+  lengths_.clear();
   lengths_.reserve(lines_.size());
   for (const CutLine& line : lines_) lengths_.push_back(std::sqrt(Along(Node(line.from), Node(line.to), Node(line.to))));
-  if (!lines_.empty()) PairSearch(*this).Run();
+  return lines_.empty() || PairSearch(*this).Run(isLimited);
+}
+
+void EdgeCutter::QuickCut() {
+  if (!SearchPairs(true)) {
+    SplitIntoStrands();
+    SearchPairs(false);
+  }
   FreeLarge(lengths_);
   std::vector<std::uint32_t> begin;
   CutAt(hits_, begin);
