@@ -107,10 +107,8 @@ class EdgeCutter {
     std::uint32_t a;
     std::uint32_t b;
   };
-  class PairSearch;
   class PartsOfLine;
   void QuickCut();
-  bool SearchPairs(bool isLimited);
   // Lines farther apart than this, in steps, do nothing to each other.
   double Clear() const { return 2.0 * reach_ + 1.0; }
   void LookAtPair(std::uint32_t i, std::uint32_t j);
@@ -118,6 +116,10 @@ class EdgeCutter {
   void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);
   void CrossPair(std::uint32_t i, std::uint32_t j);
   void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
+
+  // pair_search.cpp
+  class PairSearch;
+  bool SearchPairs(bool isLimited);
 
   // strands.cpp
   class StrandMaker;

@@ -20,7 +20,7 @@ namespace zbr {
 
 // Different lines and vertices by the thousand have fewer hits for each line, wherever they lie (Szemeredi and Trotter 1983).
 bool EdgeCutter::AreTooMany(std::size_t hits) const {
-  constexpr std::size_t kMostPerLine = 16;
+  constexpr std::size_t kMostPerLine = 8;
   constexpr std::size_t kFew = 4096;  // that cost nothing
   return hits > kMostPerLine * lines_.size() + kFew;
 }
@@ -36,14 +36,14 @@ class EdgeCutter::StrandMaker {
   void Run() {
     FindBundles();
     strandsOfLine_.resize(lines_.size());
-    for (std::uint32_t i = 0; i < lines_.size(); ++i) {
-      if (bundleOf_[i] == kNone) {
-        const auto strand = static_cast<std::uint32_t>(strands_.size());
-        strandsOfLine_[i] = {strand, strand + 1};
-        AddStrand(lines_[i].from, lines_[i].to, lines_[i].net);
-      } else if (bundles_[bundleOf_[i]][0] == i) {
+    for (const std::uint32_t i : FirstsInOrder()) {
+      if (bundleOf_[i] != kNone) {
         Split(bundles_[bundleOf_[i]]);
+        continue;
       }
+      const auto strand = static_cast<std::uint32_t>(strands_.size());
+      strandsOfLine_[i] = {strand, strand + 1};
+      AddStrand(lines_[i].from, lines_[i].to, lines_[i].net);
     }
     lines_.swap(strands_);
     cutter_.out_.lineBegin_.resize(lines_.size() + 1);
@@ -76,6 +76,20 @@ class EdgeCutter::StrandMaker {
 
   void AddStrand(std::uint32_t from, std::uint32_t to, const Winding& net) {
     strands_.push_back(cutter_.LineBetween(from, to, net, static_cast<std::uint32_t>(strands_.size())));
+  }
+
+  // The first lines of bundles, and lines in none, neighbours in the plane next to each other.
+  std::vector<std::uint32_t> FirstsInOrder() const {
+    std::vector<std::uint32_t> firsts;
+    std::vector<ZBR_PT> centres;
+    for (std::uint32_t i = 0; i < lines_.size(); ++i) {
+      if (bundleOf_[i] != kNone && bundles_[bundleOf_[i]][0] != i) continue;
+      firsts.push_back(i);
+      centres.push_back((From(i).Point() + To(i).Point()) * 0.5);
+    }
+    std::vector<std::uint32_t> order = SpatialOrder(centres);
+    for (std::uint32_t& place : order) place = firsts[place];
+    return order;
   }
 
   void FindBundles() {
