@@ -116,9 +116,26 @@ class Arrangement {
   // other. An edge whose ends merged visits nothing.
   template <class Visit>
   void PiecesOf(std::size_t edge, Visit visit) const {
-    const std::uint32_t first = lineOfEdge_[edge];
-    if (first == kNoPiece) return;
-    for (std::uint32_t line = lineBegin_[first]; line < lineBegin_[first + 1]; ++line) visit(pieceOfLine_[line]);
+    if (lineOfEdge_[edge] == kNoPiece) return;
+    const Strands strands = StrandsOf(lineOfEdge_[edge]);
+    for (std::uint32_t part = lineBegin_[strands.first]; part < lineBegin_[strands.last]; ++part) visit(pieceOfLine_[part]);
+  }
+
+  // Lines stand for the edges between the same two vertices, and run along strands, a row of them. Mostly that is one; only lines
+  // that lie on each other by the hundred have strands in common. Strands are what was cut into pieces.
+  struct Strands {
+    std::uint32_t first;
+    std::uint32_t last;  // exclusive
+  };
+  // kNoPiece for an edge whose ends merged, or which others cancel.
+  std::uint32_t LineOf(std::size_t edge) const { return lineOfEdge_[edge]; }
+  Strands StrandsOf(std::uint32_t line) const { return !strandsOfLine_.empty() ? strandsOfLine_[line] : Strands{line, line + 1}; }
+  // By line, empty when each is a strand of its own.
+  const std::vector<Strands>& strandsOfLines() const { return strandsOfLine_; }
+  std::size_t strandCount() const { return lineBegin_.empty() ? 0 : lineBegin_.size() - 1; }
+  template <class Visit>
+  void PiecesOfStrand(std::uint32_t strand, Visit visit) const {
+    for (std::uint32_t part = lineBegin_[strand]; part < lineBegin_[strand + 1]; ++part) visit(pieceOfLine_[part]);
   }
 
  private:
@@ -132,7 +149,8 @@ class Arrangement {
   std::vector<ZBR_PT> points_;
   std::vector<Piece> pieces_;
   std::vector<std::uint32_t> lineOfEdge_;   // the edge before it was cut
-  std::vector<std::uint32_t> lineBegin_;    // where the parts of that begin
+  std::vector<Strands> strandsOfLine_;      // none when each line is its own strand
+  std::vector<std::uint32_t> lineBegin_;    // by strand: where its parts begin
   std::vector<std::uint32_t> pieceOfLine_;  // which piece such a part is
   std::vector<Ends> ends_;                  // by edge, on a coarse grid
   std::span<const ZBR_PT> chainPoints_;     // that the chains run along

@@ -23,7 +23,7 @@ struct CutLine {
   std::uint32_t from;
   std::uint32_t to;
   Winding net;           // from `from` to `to`
-  std::uint32_t origin;  // the line that it was cut from in the first place
+  std::uint32_t origin;  // the strand that it was cut from in the first place
 };
 
 // A chain on the way to being a piece.
@@ -65,9 +65,12 @@ class EdgeCutter {
   const CutLine& Origin(std::uint32_t origin) const { return origins_.empty() ? lines_[origin] : origins_[origin]; }
   std::size_t OriginCount() const { return out_.lineBegin_.size() - 1; }
 
+  // What a line counts, seen the other way.
+  Winding Backward(const Winding& net) const { return isDirected_ ? -net : net; }
+
   // A line between the two vertices, in the order of a sweep.
   CutLine LineBetween(std::uint32_t from, std::uint32_t to, const Winding& net, std::uint32_t origin) const {
-    return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, isDirected_ ? -net : net, origin};
+    return IsBefore(Node(from), Node(to)) ? CutLine{from, to, net, origin} : CutLine{to, from, Backward(net), origin};
   }
 
   void NumberVertices();
@@ -94,8 +97,9 @@ class EdgeCutter {
   bool PassesCell(const CutLine& line, std::uint32_t v) const;
   std::uint32_t SpansFor(std::size_t vertices) const;
   BoxTree TreeOverLines(double margin, std::uint32_t spans) const;
+  enum class Cuts { kNone, kSome, kTooMany };
   template <class IsHit>
-  bool CutLines(std::uint32_t firstVertex, double margin, IsHit isHit);
+  Cuts CutLines(std::uint32_t firstVertex, double margin, bool isLimited, IsHit isHit);
   void AddCrossings();
 
   // quick_cut.cpp
@@ -107,7 +111,6 @@ class EdgeCutter {
     std::uint32_t a;
     std::uint32_t b;
   };
-  class PairSearch;
   class PartsOfLine;
   void QuickCut();
   // Lines farther apart than this, in steps, do nothing to each other.
@@ -117,6 +120,15 @@ class EdgeCutter {
   void CrossParts(const LinePair& pair, const std::vector<std::uint32_t>& begin);
   void CrossPair(std::uint32_t i, std::uint32_t j);
   void CutAt(std::vector<Hit>& hits, std::vector<std::uint32_t>& begin);
+
+  // pair_search.cpp
+  class PairSearch;
+  bool SearchPairs(bool isLimited);
+
+  // strands.cpp
+  class StrandMaker;
+  bool AreTooMany(std::size_t hits) const;
+  void SplitIntoStrands();
 
   // crowded_cut.cpp
   bool AreCrowded() const;

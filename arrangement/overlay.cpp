@@ -11,8 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "core/planar_inline.h"
@@ -70,7 +70,7 @@ Overlay::Overlay(std::span<const RingSpan> rings, std::size_t secondOperand, dou
     swept_ = SweepWindings(arrangement_, Arrangement::Care::kThorough);
     swept_.isNear = true;
   }
-  along_ = EdgesAlong(arrangement_, chains_.empty() ? edges_.size() : chains_.others.size());
+  along_ = StrandsAlong(arrangement_);
 }
 
 Arrangement Overlay::Arranged(std::size_t secondOperand, Arrangement::Care care) const {
@@ -88,6 +88,8 @@ class Overlay::Assembler {
         rings_(TraceBoundary(overlay.arrangement_, sides_, overlay.swept_)),
         withSources_(withSources),
         onGrid_(points == Points::kOfGrid) {
+    if (withSources)
+      edgesOf_.emplace(overlay.arrangement_, overlay.chains_.empty() ? overlay.edges_.size() : overlay.chains_.others.size());
     CountTouches();
   }
 
@@ -135,12 +137,7 @@ class Overlay::Assembler {
   // turns before that piece, as it does at the ends of chains, whose edges are not among those.
   bool GoesOn(std::uint32_t next) {
     if (passes_[Start(next)] != 1 || onGrid_) return false;
-    const std::span<const std::uint32_t> sources = overlay_.along_[next];
-    common_.clear();
-    std::set_intersection(along_.begin(), along_.end(), sources.begin(), sources.end(), std::back_inserter(common_));
-    if (common_.empty()) return false;
-    along_.swap(common_);
-    return true;
+    return overlay_.along_.GoOn(next, along_);
   }
 
   bool LiesAside(std::uint32_t vertex, const DirectedEdge& edge) const {
@@ -150,11 +147,6 @@ class Overlay::Assembler {
     return std::fabs(side) > kOnEdge * overlay_.arrangement_.step() * d.Length();
   }
 
-  void StartAlong(std::uint32_t piece) {
-    const std::span<const std::uint32_t> sources = overlay_.along_[piece];
-    along_.assign(sources.begin(), sources.end());
-  }
-
   // Where the border turns, as places in the ring's list of pieces. The walk begins at a sure corner; the leftmost point is one
   // when neighbours have edges in common all around.
   void FindCorners(std::span<const std::uint32_t> pieces) {
@@ -162,7 +154,7 @@ class Overlay::Assembler {
     std::size_t first = n;
     std::size_t leftmost = 0;
     for (std::size_t i = 0; i < n && first == n; ++i) {
-      StartAlong(pieces[i == 0 ? n - 1 : i - 1]);
+      overlay_.along_.Start(pieces[i == 0 ? n - 1 : i - 1], along_);
       if (!GoesOn(pieces[i])) first = i;
       if (Start(pieces[i]) < Start(pieces[leftmost])) leftmost = i;
     }
@@ -175,13 +167,13 @@ class Overlay::Assembler {
       if (k > 0 && GoesOn(pieces[i])) continue;
       if (k > 0) EndRun();
       corners_.push_back(static_cast<std::uint32_t>(i));
-      StartAlong(pieces[i]);
+      overlay_.along_.Start(pieces[i], along_);
     }
     EndRun();
   }
 
   void EndRun() {
-    if (withSources_) runSources_.insert(runSources_.end(), along_.begin(), along_.end());
+    if (withSources_) edgesOf_->Append(along_, runSources_);
     runEnds_.push_back(static_cast<std::uint32_t>(runSources_.size()));
   }
 
@@ -343,9 +335,9 @@ class Overlay::Assembler {
   std::vector<std::uint64_t> crowdedEdges_;  // of the result, by their vertices
   std::vector<std::uint8_t> passes_;         // by vertex: 1 when the border passes it once, 2 when more often
   std::vector<std::uint32_t> corners_;       // of the ring in work, as places in its list of pieces
-  std::vector<std::uint32_t> along_;         // edges that the border has run along since its last corner
-  std::vector<std::uint32_t> common_;
-  std::vector<std::uint32_t> runSources_;  // the edges along each of the ring's edges
+  std::optional<EdgesOfStrands> edgesOf_;    // when sources are asked for
+  StrandsAlong::Rows along_;                 // what the border has run along since its last corner
+  std::vector<std::uint32_t> runSources_;    // the edges along each of the ring's edges
   std::vector<std::uint32_t> runEnds_;
   FlatRegion region_;
 };

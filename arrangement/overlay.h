@@ -9,6 +9,7 @@
 #include "arrangement/arrangement.h"
 #include "arrangement/boundary.h"
 #include "arrangement/flat_region.h"
+#include "arrangement/strands_along.h"
 #include "arrangement/winding_sweep.h"
 
 namespace zbr {
@@ -66,7 +67,7 @@ class Overlay {
   ClearChains chains_;
   Arrangement arrangement_;
   SweptPieces swept_;
-  EdgesAlong along_;
+  StrandsAlong along_;
 };
 
 }  // namespace zbr

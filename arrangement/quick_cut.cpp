@@ -6,158 +6,14 @@
 // the reach, so lines that cross then are still among the pairs, and only the parts of these are crossed. Not searched for: a third
 // line through the cell of a crossing. It takes three edges within a step of the grid, and the sweep notices when pieces cross
 // because of it.
-//
-// Boxes are searched first. Where they overlap all the time and hardly any lines come near each other, as in nested curves and
-// slanted hatches, slabs are searched instead; what is found is put in the order in which boxes give it.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numeric>
 
 #include "arrangement/edge_cutter.h"
 #include "core/cost.h"
-#include "core/slab_search.h"
 
 namespace zbr {
-namespace {
-
-constexpr std::uint32_t kLeafLines = 8;
-
-// Beyond this distance, in widths of what is clear, no two lines are looked at for what they do to each other.
-constexpr double kFar = 4.0;
-
-}  // namespace
-
-// Visits the pairs of lines whose boxes meet, each once, and some that just don't. Consecutive lines share a leaf of the hierarchy.
-class EdgeCutter::PairSearch {
-  // Of half the size; rounded outwards.
-  struct NarrowBox {
-    float xmin, ymin, xmax, ymax;
-
-    explicit NarrowBox(const Box& box)
-        : xmin(Below(box.xmin)), ymin(Below(box.ymin)), xmax(-Below(-box.xmax)), ymax(-Below(-box.ymax)) {}
-    bool Meets(const NarrowBox& o) const { return xmin <= o.xmax && o.xmin <= xmax && ymin <= o.ymax && o.ymin <= ymax; }
-
-    // A float no larger than the number.
-    static float Below(double c) { return static_cast<float>(c - std::fabs(c) * std::numeric_limits<float>::epsilon()); }
-  };
-
- public:
-  explicit PairSearch(EdgeCutter& cutter) : cutter_(cutter) {
-    const auto lines = static_cast<std::uint32_t>(cutter.lines_.size());
-    boxes_.reserve(lines);
-    const std::span<Box> leaves = tree_.StartLeaves((lines + kLeafLines - 1) / kLeafLines);
-    for (std::uint32_t i = 0; i < lines; ++i) {
-      const CutLine& line = cutter.lines_[i];
-      const Box box =
-          cutter.frame_.Around(cutter.Node(line.from).Point(), cutter.Node(line.to).Point()).Widened(cutter.reach_ / 2.0);
-      boxes_.emplace_back(box);
-      leaves[i / kLeafLines].Add(box);
-    }
-    tree_.BuildInner();
-  }
-
-  void Run() {
-    if (RunBoxes(true)) return;
-    Forget();
-    if (RunSlabs()) return SortAsBoxesDo();
-    Forget();
-    RunBoxes(false);
-  }
-
- private:
-  // False when there is a limit to what is looked at in vain, and that is reached.
-  bool RunBoxes(bool isLimited) {
-    looks_ = 0;
-    const auto goesOn = [&] {
-      return !isLimited || looks_ <= kLooksPerLine * boxes_.size() + kLooksPerPair * cutter_.pairs_.size();
-    };
-    const auto skipNone = [](std::uint32_t, std::uint32_t) { return false; };
-    const auto within = [&](std::uint32_t leaf) { return Within(leaf), true; };
-    const auto across = [&](std::uint32_t a, std::uint32_t b) { return Across(a, b), goesOn(); };
-    return BoxSelfJoin(tree_, skipNone, within, across).Run();
-  }
-
-  // False when there are as many pairs to be looked at as boxes would give.
-  bool RunSlabs() {
-    constexpr std::size_t kMostPerLine = 512;
-    std::vector<SlabSegment> segments;
-    segments.reserve(boxes_.size());
-    for (const CutLine& line : cutter_.lines_) {
-      const auto place = [&](std::uint32_t v) { return cutter_.frame_.Turned(cutter_.Node(v).Point()); };
-      segments.push_back({place(line.from), place(line.to)});
-    }
-    looks_ = 0;
-    const std::size_t most = kMostPerLine * boxes_.size();
-    return SearchSlabs(segments, kFar * cutter_.Clear(), [&](std::uint32_t i, std::uint32_t j) {
-      if (boxes_[i].Meets(boxes_[j])) cutter_.LookAtPair(i, j);
-      return ++looks_ <= most + kLooksPerPair * cutter_.pairs_.size();
-    });
-  }
-
-  void Forget() {
-    cutter_.hits_.clear();
-    cutter_.pairs_.clear();
-  }
-
-  // Crossings make vertices in the order of the pairs. Boxes give those of pairs of nodes from the top of the hierarchy on.
-  void SortAsBoxesDo() {
-    const auto key = [](const LinePair& pair) {
-      std::uint64_t k = 0;
-      for (int digit = 28; digit >= 0; digit -= 2) {
-        k = k << 4U | (pair.a / kLeafLines >> static_cast<unsigned>(digit) & 3U) << 2U |
-            (pair.b / kLeafLines >> static_cast<unsigned>(digit) & 3U);
-      }
-      return k;
-    };
-    std::vector<std::pair<std::uint64_t, LinePair>> keyed;
-    keyed.reserve(cutter_.pairs_.size());
-    for (const LinePair& pair : cutter_.pairs_) keyed.emplace_back(key(pair), pair);
-    std::sort(keyed.begin(), keyed.end(), [](const auto& x, const auto& y) {
-      return x.first != y.first ? x.first < y.first : x.second.a != y.second.a ? x.second.a < y.second.a : x.second.b < y.second.b;
-    });
-    cutter_.pairs_.clear();
-    for (const auto& [k, pair] : keyed) {
-      if (cutter_.pairs_.empty() || cutter_.pairs_.back().a != pair.a || cutter_.pairs_.back().b != pair.b)
-        cutter_.pairs_.push_back(pair);
-    }
-  }
-
-  std::uint32_t LastOf(std::uint32_t leaf) const {
-    return std::min((leaf + 1) * kLeafLines, static_cast<std::uint32_t>(boxes_.size()));
-  }
-
-  void Within(std::uint32_t leaf) {
-    for (std::uint32_t i = leaf * kLeafLines; i < LastOf(leaf); ++i) {
-      for (std::uint32_t j = i + 1; j < LastOf(leaf); ++j) {
-        if (boxes_[i].Meets(boxes_[j])) cutter_.LookAtPair(i, j);
-      }
-    }
-  }
-
-  void Across(std::uint32_t a, std::uint32_t b) {
-    const NarrowBox other(tree_.Level(0)[b]);
-    ++looks_;
-    for (std::uint32_t i = a * kLeafLines; i < LastOf(a); ++i) {
-      if (!boxes_[i].Meets(other)) continue;
-      for (std::uint32_t j = b * kLeafLines; j < LastOf(b); ++j) {
-        if (!boxes_[i].Meets(boxes_[j])) continue;
-        ++looks_;
-        cutter_.LookAtPair(i, j);
-      }
-    }
-  }
-
-  // With more of them than this, pairs of leaves and of lines, slabs are as quick.
-  static constexpr std::size_t kLooksPerLine = 64;
-  static constexpr std::size_t kLooksPerPair = 8;
-
-  EdgeCutter& cutter_;
-  std::vector<NarrowBox> boxes_;
-  BoxTree tree_;
-  std::size_t looks_ = 0;
-};
-
 void EdgeCutter::NoteReached(std::uint32_t line, std::uint32_t vertex, double side) {
   if (std::fabs(side) > reach_ * lengths_[line]) return;
   const GridPoint p = Node(lines_[line].from);
@@ -304,9 +160,10 @@ void EdgeCutter::CrossPair(std::uint32_t i, std::uint32_t j) {
 }
 
 void EdgeCutter::QuickCut() {
-  lengths_.reserve(lines_.size());
-  for (const CutLine& line : lines_) lengths_.push_back(std::sqrt(Along(Node(line.from), Node(line.to), Node(line.to))));
-  if (!lines_.empty()) PairSearch(*this).Run();
+  if (!SearchPairs(true)) {
+    SplitIntoStrands();
+    SearchPairs(false);
+  }
   FreeLarge(lengths_);
   std::vector<std::uint32_t> begin;
   CutAt(hits_, begin);

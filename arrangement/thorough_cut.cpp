@@ -130,15 +130,17 @@ class EdgeCutter::CutInOrder {
   std::vector<std::uint32_t> begin_;
 };
 
-// Cuts every line at those vertices, from the given one on, that isHit says. Returns whether there were any.
+// Cuts every line at those vertices, from the given one on, that isHit says. With a limit to them, kTooMany tells that nothing was
+// cut.
 template <class IsHit>
-bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit) {
+EdgeCutter::Cuts EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, bool isLimited, IsHit isHit) {
   std::vector<ZBR_PT> places;
   places.reserve(vertices_.size() - firstVertex);
   for (std::uint32_t v = firstVertex; v < vertices_.size(); ++v) places.push_back(frame_.Turned(Node(v).Point()));
   const PlaceGroups groups(places);
   CutInOrder cut(*this, places.size());
   std::vector<std::uint32_t> hits;  // of the line in work
+  std::size_t count = 0;            // of all lines
   std::uint32_t line = 0;
   const std::uint32_t spans = SpansFor(places.size());
   BoxJoin::Run(TreeOverLines(margin, spans), groups.tree, [&](std::uint32_t leaf, std::span<const std::uint32_t> near) {
@@ -148,13 +150,16 @@ bool EdgeCutter::CutLines(std::uint32_t firstVertex, double margin, IsHit isHit)
       ZBR_COUNT(pairs, groups.Group(group).size());
       for (const std::uint32_t place : groups.Group(group)) {
         const std::uint32_t v = firstVertex + place;
-        if (v != lines_[line].from && v != lines_[line].to && isHit(lines_[line], v)) hits.push_back(v);
+        if (v == lines_[line].from || v == lines_[line].to || !isHit(lines_[line], v)) continue;
+        hits.push_back(v);
+        ++count;
       }
     }
-    return true;
+    return !isLimited || !AreTooMany(count);
   });
+  if (isLimited && AreTooMany(count)) return Cuts::kTooMany;
   cut.Cut(line, hits);
-  return cut.Finish(lines_, out_.lineBegin_);
+  return cut.Finish(lines_, out_.lineBegin_) ? Cuts::kSome : Cuts::kNone;
 }
 
 // Makes a vertex of every crossing.
@@ -177,12 +182,19 @@ void EdgeCutter::AddCrossings() {
 }
 
 void EdgeCutter::ThoroughCut() {
+  const auto isWithinReach = [this](const CutLine& line, std::uint32_t v) { return IsWithinReach(line, v); };
   origins_ = lines_;
-  const bool anyBent = CutLines(0, reach_, [this](const CutLine& line, std::uint32_t v) { return IsWithinReach(line, v); });
+  Cuts bent = CutLines(0, reach_, isFine_, isWithinReach);
+  if (bent == Cuts::kTooMany) {
+    SplitIntoStrands();
+    origins_ = lines_;
+    bent = CutLines(0, reach_, false, isWithinReach);
+  }
   const std::uint32_t firstCrossing = vertices_.size();
   AddCrossings();
   // Lines that were not led through vertices above pass none of those, so only the crossings are left to be passed.
-  CutLines(anyBent ? 0 : firstCrossing, kCellReach, [this](const CutLine& line, std::uint32_t v) { return PassesCell(line, v); });
+  CutLines(bent == Cuts::kSome ? 0 : firstCrossing, kCellReach, false,
+           [this](const CutLine& line, std::uint32_t v) { return PassesCell(line, v); });
 }
 
 }  // namespace zbr

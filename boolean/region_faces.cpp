@@ -8,13 +8,13 @@
 // Independent of the order of the lines: their edges are sorted before they are arranged.
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <tuple>
 #include <utility>
 
 #include <zbr/region.h>
 
 #include "arrangement/overlay.h"
+#include "arrangement/strands_along.h"
 #include "boolean/region_input.h"
 #include "core/rings.h"
 
@@ -208,9 +208,9 @@ class CellRegion {
         withSources_(withSources),
         arrangement_(Directed(edges_), Resolution::Fine(BoxOfRings(input.rings()), tolerance), edges_.size(),
                      Arrangement::Care::kThorough, Arrangement::Sense::kNone),
-        points_(InputPoints(input)) {
-    CollectSources();
-  }
+        points_(InputPoints(input)),
+        along_(arrangement_),
+        edgesOf_(arrangement_, edges_.size()) {}
 
   FlatRegion Run() {
     const SweptPieces swept = SweepWindings(arrangement_, Arrangement::Care::kThorough);
@@ -241,54 +241,42 @@ class CellRegion {
     return points;
   }
 
-  void CollectSources() {
-    sources_.resize(arrangement_.pieces().size());
-    for (std::size_t e = 0; e < edges_.size(); ++e) {
-      arrangement_.PiecesOf(e, [&](std::uint32_t piece) {
-        if (piece != Arrangement::kNoPiece) sources_[piece].push_back(edges_[e].number);
-      });
-    }
-    for (auto& list : sources_) std::sort(list.begin(), list.end());
-  }
-
-  // What runs along both pieces.
-  std::vector<std::uint32_t> Common(const std::vector<std::uint32_t>& along, std::uint32_t piece) const {
-    std::vector<std::uint32_t> common;
-    const auto& other = sources_[piece];
-    std::set_intersection(along.begin(), along.end(), other.begin(), other.end(), std::back_inserter(common));
-    return common;
-  }
-
   // Without the vertices where an edge only goes on; a ring that is narrow on the average is none.
   bool AddRing(const FaceTracer& tracer, std::uint32_t r) {
     const auto& sides = tracer.rings()[r];
     const std::size_t n = sides.size();
-    const auto goesOn = [&](std::size_t i, const std::vector<std::uint32_t>& along) {
-      return tracer.IsPlain(tracer.Start(sides[i])) && !Common(along, sides[i] / 2).empty();
-    };
+    StrandsAlong::Rows rows;
+    const auto start = [&](std::size_t i) { along_.Start(sides[i] / 2, rows); };
+    const auto goesOn = [&](std::size_t i) { return tracer.IsPlain(tracer.Start(sides[i])) && along_.GoOn(sides[i] / 2, rows); };
     std::size_t first = 0;
-    while (first < n && goesOn(first, sources_[sides[(first + n - 1) % n] / 2])) ++first;
+    for (; first < n; ++first) {
+      start((first + n - 1) % n);
+      if (!goesOn(first)) break;
+    }
     std::vector<ZBR_PT> points;
-    std::vector<std::vector<std::uint32_t>> along;
+    std::vector<StrandsAlong::Rows> along;
     for (std::size_t k = 0; k < n; ++k) {
       const std::size_t i = (first + k) % n;
-      if (k > 0 && goesOn(i, along.back())) {
-        along.back() = Common(along.back(), sides[i] / 2);
-        continue;
-      }
+      if (k > 0 && goesOn(i)) continue;
+      if (k > 0) along.push_back(rows);
       points.push_back(arrangement_.points()[tracer.Start(sides[i])]);
-      along.push_back(sources_[sides[i] / 2]);
+      start(i);
     }
+    along.push_back(rows);
     if (points.size() < 3 || !(std::fabs(TwiceArea(points)) > width_ * Perimeter(points))) return false;
     for (std::size_t i = 0; i < points.size(); ++i) AddEdge(points[i], points[(i + 1) % points.size()], along[i]);
     region_.ringEnds.push_back(static_cast<std::uint32_t>(region_.points.size()));
     return true;
   }
 
-  void AddEdge(const ZBR_PT& from, const ZBR_PT& to, const std::vector<std::uint32_t>& along) {
+  void AddEdge(const ZBR_PT& from, const ZBR_PT& to, const StrandsAlong::Rows& along) {
     region_.points.push_back(from);
     if (!withSources_) return;
-    for (const std::uint32_t edge : along) {
+    std::vector<std::uint32_t> sources;
+    edgesOf_.Append(along, sources);
+    for (std::uint32_t& edge : sources) edge = edges_[edge].number;
+    std::sort(sources.begin(), sources.end());
+    for (const std::uint32_t edge : sources) {
       const ZBR_PT start = points_[edge], d = points_[edge + 1] - start;
       const double length2 = d.Length2();
       region_.sources.push_back({edge, (from - start).InnerProduct(d) / length2, (to - start).InnerProduct(d) / length2});
@@ -301,7 +289,8 @@ class CellRegion {
   bool withSources_;
   Arrangement arrangement_;
   std::vector<ZBR_PT> points_;
-  std::vector<std::vector<std::uint32_t>> sources_;  // edges by piece
+  StrandsAlong along_;
+  EdgesOfStrands edgesOf_;
   FlatRegion region_;
 };
 

@@ -1,6 +1,7 @@
 // Search for crossing and overlapping edges within one set of rings.
 //
-// Idea: the hierarchy of boxes over all edges, joined with itself, yields the pairs of leaves, and so of edges, with common boxes.
+// Idea: the hierarchy of boxes over all edges, joined with itself, yields the pairs of leaves, and so of edges, with common boxes;
+// where these are many and have little in common but that, slabs yield the pairs.
 // Difficulty: what happens at a vertex is seen by up to four pairs of edges. Each contact has one owner: a vertex belongs to the
 // edge that starts there, and whether the boundaries cross at it is decided by the two edges that meet there.
 // Edges that are exactly apart may come within the tolerance all the same, or a corner be so narrow. So what is found counts only
@@ -14,6 +15,7 @@
 #include "core/exact_side.h"
 #include "core/planar_inline.h"
 #include "core/tolerance_state.h"
+#include "loops/near_edges.h"
 
 namespace zbr {
 namespace {
@@ -84,13 +86,11 @@ class RingContactSearch {
   }
 
   bool Run() {
-    const BoxTree& tree = index_.tree();
-    const bool wasDone = BoxJoin::Run(tree, tree, [this](std::uint32_t leaf, std::span<const std::uint32_t> others) {
-      return std::all_of(others.begin(), others.end(), [&](std::uint32_t other) {
-        if (other >= leaf) ExamineLeaves(leaf, other);
-        return certain_ < most_;
-      });
-    });
+    if (!ExamineBoxes(true) && (Forget(), !ExamineSlabs())) {
+      Forget();
+      ExamineBoxes(false);
+    }
+    const bool wasDone = certain_ < most_;
     DropDoubtful();
     candidates_.resize(std::min(candidates_.size(), most_));
     for (const Candidate& c : candidates_) found_.push_back(c.contact);
@@ -98,9 +98,54 @@ class RingContactSearch {
   }
 
  private:
+  // With more pairs than this, slabs are as quick.
+  static constexpr std::size_t kExaminedPerEdge = 64;
+  static constexpr std::size_t kExaminedPerContact = 8;
+
   // What only comes near some edge is kept for the case that the edge proves to be faulty elsewhere, as long as there is little of
   // it.
   static constexpr std::size_t kMostDoubtful = std::size_t{1} << 20U;
+
+  // False when there is a limit to what is looked at in vain, and that is reached.
+  bool ExamineBoxes(bool isLimited) {
+    const BoxTree& tree = index_.tree();
+    const auto isVain = [&] {
+      return isLimited && examined_ > kExaminedPerEdge * isFaulty_.size() + kExaminedPerContact * candidates_.size();
+    };
+    BoxJoin::Run(tree, tree, [&](std::uint32_t leaf, std::span<const std::uint32_t> others) {
+      return std::all_of(others.begin(), others.end(), [&](std::uint32_t other) {
+        if (other >= leaf) ExamineLeaves(leaf, other);
+        return certain_ < most_ && !isVain();
+      });
+    });
+    return certain_ >= most_ || !isVain();
+  }
+
+  // Pairs of edges in the order in which boxes give them. False when there are too many.
+  bool ExamineSlabs() {
+    constexpr double kFar = 16.0;  // tolerances: what is farther apart has no contact
+    std::vector<EdgePair> pairs;
+    if (!FindNearEdges(index_, index_, kFar * eps_, pairs)) return false;
+    constexpr std::uint32_t kLeaf = EdgeIndex::kLeafEdges;
+    std::sort(pairs.begin(), pairs.end(), [](const EdgePair& x, const EdgePair& y) {
+      return std::tuple(x.a / kLeaf, x.b / kLeaf, x.a, x.b) < std::tuple(y.a / kLeaf, y.b / kLeaf, y.a, y.b);
+    });
+    for (const EdgePair& pair : pairs) {
+      if (pair.b > pair.a) ExamineEdges(EdgeOf(pair.a), EdgeOf(pair.b));
+      if (certain_ >= most_) break;
+    }
+    return true;
+  }
+  Edge EdgeOf(std::uint32_t place) const {
+    const std::uint32_t leaf = place / EdgeIndex::kLeafEdges;
+    return EdgeAt(leaf, index_.leaf(leaf).first + place % EdgeIndex::kLeafEdges);
+  }
+
+  void Forget() {
+    candidates_.clear();
+    isFaulty_.assign(isFaulty_.size(), false);
+    certain_ = 0;
+  }
 
   void DropDoubtful() {
     std::erase_if(candidates_, [this](const Candidate& c) { return !isFaulty_[c.edges[0]] && !isFaulty_[c.edges[1]]; });
@@ -127,12 +172,14 @@ class RingContactSearch {
     const std::uint32_t lastB = index_.LastSlot(index_.leaf(b));
     for (std::uint32_t i = index_.leaf(a).first; i < lastA; ++i) {
       const Edge e = EdgeAt(a, i);
-      const Box box = BoxOfSegment(e.From(), e.To()).Widened(2.0 * eps_);
-      for (std::uint32_t j = a == b ? i + 1 : index_.leaf(b).first; j < lastB; ++j) {
-        const Edge f = EdgeAt(b, j);
-        if (Overlap(box, BoxOfSegment(f.From(), f.To()))) Examine(e, f);
-      }
+      for (std::uint32_t j = a == b ? i + 1 : index_.leaf(b).first; j < lastB; ++j) ExamineEdges(e, EdgeAt(b, j));
     }
+  }
+
+  void ExamineEdges(const Edge& e, const Edge& f) {
+    if (!Overlap(BoxOfSegment(e.From(), e.To()).Widened(2.0 * eps_), BoxOfSegment(f.From(), f.To()))) return;
+    ++examined_;
+    Examine(e, f);
   }
 
   void Examine(const Edge& e, const Edge& f) {
@@ -217,7 +264,8 @@ class RingContactSearch {
   std::vector<std::size_t> firstEdge_;  // by ring
   std::vector<bool> isFaulty_;          // by edge
   std::vector<Candidate> candidates_;
-  std::size_t certain_ = 0;  // candidates
+  std::size_t certain_ = 0;   // candidates
+  std::size_t examined_ = 0;  // pairs of edges
 };
 
 }  // namespace

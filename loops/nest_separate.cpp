@@ -8,10 +8,13 @@
 // the innermost container, which is the parent found here. Two conditions are checked rather than assumed: that the curves stay
 // apart by more than the tolerances of the inclusion test, and that every parent comes before its children in the insertion order
 // (else loops would move, and lists would be ordered differently).
-// Both searches use one hierarchy over single edges along a space-filling curve. Ring order would not do: the edges of concentric
-// rings have boxes that all overlap as soon as a few of a ring are taken together.
+// Whether edges come near each other, a hierarchy over single edges along a space-filling curve tells, and slabs where boxes say
+// little. Ring order would not do: the edges of concentric rings have boxes that all overlap as soon as a few of a ring are taken
+// together.
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "core/box_tree.h"
@@ -92,8 +95,9 @@ class SeparateLoops {
     return areMany ? AreClearInSlabs() : areApart;
   }
 
-  // The loop met first to the left of p, which lies on loop `own`. kNoParent: none.
-  std::uint32_t FirstToTheLeft(const ZBR_PT& p, std::uint32_t own) const;
+  const std::vector<Edge>& edges() const { return edges_; }
+  // What edges of different loops are farther apart than, then.
+  double clearance() const { return clearance_; }
 
  private:
   void CollectEdges(std::span<const std::shared_ptr<ZBR_LOOP>> loops);
@@ -131,50 +135,145 @@ void SeparateLoops::CollectEdges(std::span<const std::shared_ptr<ZBR_LOOP>> loop
   for (const std::uint32_t i : SpatialOrder(middles)) edges_.push_back(edges[i]);
 }
 
-std::uint32_t SeparateLoops::FirstToTheLeft(const ZBR_PT& p, std::uint32_t own) const {
-  struct Node {
-    int level;
-    std::uint32_t index;
-  };
-  double best = -std::numeric_limits<double>::infinity();
-  std::uint32_t found = kNoParent;
-  const auto reaches = [&](const Box& box) {
-    return box.ymin <= p.y() && p.y() <= box.ymax && box.xmin <= p.x() && box.xmax >= best;
-  };
-  std::vector<Node> stack{{tree_.TopLevel(), 0}};
-  while (!stack.empty()) {
-    const Node node = stack.back();
-    stack.pop_back();
-    const Box* boxes = tree_.Level(node.level);
-    if (!reaches(boxes[node.index])) continue;
-    if (node.level > 0) {
-      // The child that reaches farthest right is taken next: it is the likeliest to hold the answer and so to rule out the rest.
-      const std::size_t mark = stack.size();
-      const std::uint32_t first = node.index * BoxTree::kFanOut;
-      const std::uint32_t last = std::min(first + BoxTree::kFanOut, tree_.Count(node.level - 1));
-      const Box* below = tree_.Level(node.level - 1);
-      for (std::uint32_t i = first; i < last; ++i) {
-        if (reaches(below[i])) stack.push_back({node.level - 1, i});
+// What is met first to the left of points, asked by their place in the order of y. A binary tree over these places: each edge waits
+// in the few nodes that together make up the points that it passes. All edges of a node pass all of its points; so their order from
+// left to right is the same at each of these, but for edges of one loop that cross or are too near to tell.
+class LookLeft {
+ public:
+  // `heights` ascending.
+  LookLeft(const std::vector<Edge>& edges, const std::vector<double>& heights, double clearance)
+      : edges_(edges), clearance_(clearance), leaves_(std::bit_ceil(heights.size())), isOrdered_(2 * leaves_) {
+    begin_.assign(2 * leaves_ + 1, 0);
+    const auto forEach = [&](auto visit) {
+      for (std::uint32_t i = 0; i < edges.size(); ++i) {
+        ForEachNode(PlacesOf(edges[i], heights), [&](std::size_t node) { visit(i, node); });
       }
-      std::sort(stack.begin() + static_cast<std::ptrdiff_t>(mark), stack.end(),
-                [&](const Node& a, const Node& b) { return below[a.index].xmax < below[b.index].xmax; });
-      continue;
-    }
-    const Edge& edge = edges_[node.index];
-    // Half-open in y, as if the line of sight ran just above p: a vertex on it counts for one edge of the two or for both.
-    if (edge.loop == own || (edge.s.y() <= p.y()) == (edge.e.y() <= p.y())) continue;
-    const double t = (p.y() - edge.s.y()) / (edge.e.y() - edge.s.y());
-    const double x = edge.s.x() + t * (edge.e.x() - edge.s.x());
-    if (x < p.x() && x > best) {
-      best = x;
-      found = edge.loop;
+    };
+    forEach([&](std::uint32_t, std::size_t node) { ++begin_[node + 1]; });
+    std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
+    waiting_.resize(begin_.back());
+    std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
+    forEach([&](std::uint32_t edge, std::size_t node) { waiting_[place[node]++] = edge; });
+    for (std::size_t level = leaves_, width = 1; level > 0; level /= 2, width *= 2) {
+      for (std::size_t k = 0; k < level && k * width < heights.size(); ++k) {
+        Sort(level + k, heights[k * width], heights[std::min((k + 1) * width, heights.size()) - 1]);
+      }
     }
   }
-  return found;
-}
+
+  // The loop met first to the left of p, the leftmost point of loop `own`. kNoParent: none.
+  std::uint32_t FirstFrom(std::size_t place, const ZBR_PT& p, std::uint32_t own) const {
+    double best = -std::numeric_limits<double>::infinity();
+    std::uint32_t found = kNoParent;
+    for (std::size_t node = leaves_ + place; node > 0; node /= 2) {
+      const std::uint32_t edge = LastLeft(node, p, own);
+      if (edge == kNone || !(XAt(edges_[edge], p.y()) > best)) continue;
+      best = XAt(edges_[edge], p.y());
+      found = edges_[edge].loop;
+    }
+    return found;
+  }
+
+ private:
+  struct Places {
+    std::size_t first;
+    std::size_t last;  // exclusive
+  };
+
+  // Half-open in y, as if the line of sight ran just above the point: a vertex on it counts for one edge of two or for both.
+  static Places PlacesOf(const Edge& edge, const std::vector<double>& heights) {
+    const auto [low, high] = std::minmax({edge.s.y(), edge.e.y()});
+    const auto place = [&](double y) {
+      return static_cast<std::size_t>(std::lower_bound(heights.begin(), heights.end(), y) - heights.begin());
+    };
+    return {place(low), place(high)};
+  }
+
+  template <class Visit>
+  void ForEachNode(Places places, Visit visit) const {
+    for (std::size_t i = places.first + leaves_, j = places.last + leaves_; i < j; i /= 2, j /= 2) {
+      if (i % 2 == 1) visit(i++);
+      if (j % 2 == 1) visit(--j);
+    }
+  }
+
+  static double XAt(const Edge& edge, double y) {
+    const double t = (y - edge.s.y()) / (edge.e.y() - edge.s.y());
+    return edge.s.x() + t * (edge.e.x() - edge.s.x());
+  }
+
+  std::span<const std::uint32_t> Waiting(std::size_t node) const {
+    return std::span(waiting_).subspan(begin_[node], begin_[node + 1] - begin_[node]);
+  }
+
+  void Sort(std::size_t node, double lowest, double highest) {
+    struct Passing {
+      double x[2];
+      std::uint32_t edge;
+    };
+    std::vector<Passing> passing;
+    passing.reserve(begin_[node + 1] - begin_[node]);
+    for (const std::uint32_t i : Waiting(node)) passing.push_back({{XAt(edges_[i], lowest), XAt(edges_[i], highest)}, i});
+    std::sort(passing.begin(), passing.end(), [](const Passing& a, const Passing& b) {
+      return a.x[0] + a.x[1] != b.x[0] + b.x[1] ? a.x[0] + a.x[1] < b.x[0] + b.x[1] : a.edge < b.edge;
+    });
+    isOrdered_[node] = true;
+    double most[2] = {-std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (std::size_t k = 0; k < passing.size(); ++k) {
+      waiting_[begin_[node] + k] = passing[k].edge;
+      for (const int end : {0, 1}) {
+        if (passing[k].x[end] < most[end] - clearance_) isOrdered_[node] = false;
+        most[end] = std::max(most[end], passing[k].x[end]);
+      }
+    }
+  }
+
+  // Of the edges at a node that lie to the left of p the nearest. Where a loop crosses itself all are looked at.
+  std::uint32_t LastLeft(std::size_t node, const ZBR_PT& p, std::uint32_t own) const {
+    const std::span<const std::uint32_t> here = Waiting(node);
+    const auto isLeft = [&](std::uint32_t edge, const ZBR_PT& at) { return XAt(edges_[edge], at.y()) < at.x(); };
+    std::uint32_t last = kNone;
+    if (!isOrdered_[node]) {
+      for (const std::uint32_t i : here) {
+        if (edges_[i].loop != own && isLeft(i, p) && (last == kNone || XAt(edges_[i], p.y()) > XAt(edges_[last], p.y()))) last = i;
+      }
+      return last;
+    }
+    auto next = std::lower_bound(here.begin(), here.end(), p, isLeft);
+    while (next != here.begin() && last == kNone) {
+      if (edges_[*--next].loop != own) last = *next;
+    }
+    return last;
+  }
+
+  static constexpr std::uint32_t kNone = ~std::uint32_t{0};
+
+  const std::vector<Edge>& edges_;
+  double clearance_;
+  std::size_t leaves_;
+  std::vector<bool> isOrdered_;         // by node, 1 being the root
+  std::vector<std::uint32_t> begin_;    // by node
+  std::vector<std::uint32_t> waiting_;  // edges, by node and there from left to right
+};
 
 const ZBR_PT& LeftmostPoint(const ZBR_LOOP& loop) {
   return *std::min_element(loop.pt().begin(), loop.pt().end(), [](const ZBR_PT& a, const ZBR_PT& b) { return a.x() < b.x(); });
+}
+
+// By loop: the one met first to the left of its leftmost point.
+std::vector<std::uint32_t> FirstToTheLeft(std::span<const std::shared_ptr<ZBR_LOOP>> loops, const SeparateLoops& separate) {
+  std::vector<std::pair<double, std::uint32_t>> byHeight;
+  for (std::uint32_t i = 0; i < loops.size(); ++i) byHeight.emplace_back(LeftmostPoint(*loops[i]).y(), i);
+  std::sort(byHeight.begin(), byHeight.end());
+  std::vector<double> heights;
+  for (const auto& [y, loop] : byHeight) heights.push_back(y);
+  const LookLeft look(separate.edges(), heights, separate.clearance());
+  std::vector<std::uint32_t> met(loops.size());
+  for (std::size_t k = 0; k < byHeight.size(); ++k) {
+    const std::uint32_t loop = byHeight[k].second;
+    met[loop] = look.FirstFrom(k, LeftmostPoint(*loops[loop]), loop);
+  }
+  return met;
 }
 
 }  // namespace
@@ -184,6 +283,7 @@ bool NestSeparateLoops(std::span<const std::shared_ptr<ZBR_LOOP>> loops, std::sp
   const SeparateLoops separate(loops, eps);
   if (!separate.KeepClear()) return false;
 
+  const std::vector<std::uint32_t> met = FirstToTheLeft(loops, separate);
   std::vector<std::uint32_t> fromLeft(loops.size());
   std::iota(fromLeft.begin(), fromLeft.end(), 0U);
   std::sort(fromLeft.begin(), fromLeft.end(),
@@ -191,9 +291,8 @@ bool NestSeparateLoops(std::span<const std::shared_ptr<ZBR_LOOP>> loops, std::sp
 
   std::vector<std::uint32_t> found(loops.size(), kNoParent);
   for (const std::uint32_t i : fromLeft) {
-    const std::uint32_t met = separate.FirstToTheLeft(LeftmostPoint(*loops[i]), i);
-    if (met == kNoParent) continue;
-    found[i] = IsLoopInside(probes[i], probes[met], eps, scratch) ? met : found[met];
+    if (met[i] == kNoParent) continue;
+    found[i] = IsLoopInside(probes[i], probes[met[i]], eps, scratch) ? met[i] : found[met[i]];
     if (found[i] != kNoParent && found[i] > i) return false;
   }
   parents = std::move(found);

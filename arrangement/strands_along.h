@@ -1,0 +1,61 @@
+// Which edges run along the pieces of an arrangement, for borders that leave out vertices which an edge only passes.
+//
+// Lists of edges for each piece would be as long as edges and pieces multiplied where many lie on each other. But lines run along
+// rows of strands; so all edges along some pieces are those whose rows hold the strands of these, from the first to the last. There
+// are such as long as the line that begins at or before the first strand and ends last gets there.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "arrangement/arrangement.h"
+
+namespace zbr {
+
+class StrandsAlong {
+ public:
+  StrandsAlong() = default;
+  explicit StrandsAlong(const Arrangement& arrangement);
+
+  // What has edges along all pieces of a walk: some rows of strands, mostly one.
+  using Rows = std::vector<Arrangement::Strands>;
+
+  // The walk begins with a piece.
+  void Start(std::uint32_t piece, Rows& rows) const;
+  // The walk goes on along a piece. False, and nothing changes, when no edge does.
+  bool GoOn(std::uint32_t piece, Rows& rows) const;
+
+ private:
+  static void DropRepeated(Rows& rows);
+  std::span<const std::uint32_t> Of(std::uint32_t piece) const {
+    return std::span(strands_).subspan(begin_[piece], begin_[piece + 1] - begin_[piece]);
+  }
+  // Where the lines end that go on farthest from a strand.
+  std::uint32_t FarthestFrom(std::uint32_t strand) const { return farthest_.empty() ? strand + 1 : farthest_[strand]; }
+
+  std::vector<std::uint32_t> begin_;  // by piece
+  std::vector<std::uint32_t> strands_;
+  std::vector<std::uint32_t> farthest_;  // none where each line is its own strand
+};
+
+// The edges whose lines run along all of a row of strands.
+class EdgesOfStrands {
+ public:
+  EdgesOfStrands(const Arrangement& arrangement, std::size_t edgeCount);
+
+  // Appends the edges of all rows, ascending, each once.
+  void Append(const StrandsAlong::Rows& rows, std::vector<std::uint32_t>& edges) const;
+
+ private:
+  void AppendLine(std::uint32_t line, std::vector<std::uint32_t>& edges) const;
+  void AppendLines(std::size_t node, const Arrangement::Strands& row, std::vector<std::uint32_t>& edges) const;
+
+  std::vector<std::uint32_t> begin_;  // by line
+  std::vector<std::uint32_t> edges_;
+  // Lines with common strands, by their first, and above them a binary tree of where those below end last.
+  std::vector<std::uint32_t> order_;
+  std::vector<Arrangement::Strands> tree_;  // the least first strand, and the last one
+};
+
+}  // namespace zbr
