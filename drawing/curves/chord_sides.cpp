@@ -1,5 +1,7 @@
 #include "drawing/curves/chord_sides.h"
 
+#include <algorithm>
+
 #include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
 
@@ -35,6 +37,12 @@ const ChordSides::Side* ChordSides::Find(std::size_t triangle, std::size_t edge)
     if (sides_[k].number == number) return &sides_[k];
   }
   return nullptr;
+}
+
+const ChordSides::Crossing* ChordSides::FindCrossing(const std::array<std::uint32_t, 2>& triangles) const {
+  const auto found =
+      std::partition_point(crossings_.begin(), crossings_.end(), [&](const Crossing& c) { return c.triangles < triangles; });
+  return found != crossings_.end() && found->triangles == triangles ? &*found : nullptr;
 }
 
 }  // namespace zbr::drawing

@@ -86,7 +86,10 @@ class DrawnSegments {
     Locate(drawn);
     return drawn;
   }
-  // The side that a segment of one shell is part of, if it is a chord.
+  // The rim that an intersection line is part of; null if it stands for itself.
+  const ChordSides::Crossing* RimOf(const DrawnSegment& drawn) const;
+  bool IsPartOfRim(const DrawnSegment& drawn, CurvedStretch& stretch) const;
+  // The side that a segment is part of, or the intersection line, if it is a chord.
   const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;

@@ -180,13 +180,14 @@ std::vector<ViewLines> Draw(const Model& model, Model* spent, const std::vector<
     if (which == 0 && !options.intersections) DropConnectivity(model);
     if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
   });
+  if (options.curves) found.sides = ChordSides(model, &*found.circles, options.threads);
   if (!found.crossings.empty()) {
     const Circles own = found.circles ? Circles() : FindCircles(model);
     DropCoaxial(model, found.circles ? *found.circles : own, found.crossings);
+    if (options.curves) found.sides.SetCrossings(FindCrossingsOfRims(model, *found.circles, found.crossings));
   }
   for (std::size_t s = 0; options.smoothSilhouettes && s < model.ShellCount(); ++s)
     found.normals.push_back(SmoothNormalsOf(model, s));
-  if (options.curves) found.sides = ChordSides(model, &*found.circles, options.threads);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {
