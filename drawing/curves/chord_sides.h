@@ -37,6 +37,12 @@ class ChordSides {
   // Null where the edge is no chord.
   const Side* Find(std::size_t triangle, std::size_t edge) const;
 
+  // Calls use(triangle, side) for all, in order.
+  template <class Use>
+  void ForEach(const Use& use) const {
+    for (const Side& side : sides_) use(side.number / 3, side);
+  }
+
   // In the order of their triangles, of which no two have more than one line in common.
   void SetCrossings(std::vector<Crossing> crossings) { crossings_ = std::move(crossings); }
   // Null where the line stands for itself.

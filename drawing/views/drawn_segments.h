@@ -54,12 +54,16 @@ class DrawnSegments {
   // In perspective nothing is told to be a chord.
   DrawnStretch StretchOf(const DrawnSegment& drawn) const;
 
+  // The side that a segment is part of, or the intersection line, if it is a chord.
+  const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
+
   std::size_t ShellCount() const { return begins_.size() - 1; }
   // Intersection lines have two shells.
   bool IsOfOneShell(const DrawnSegment& drawn) const { return drawn.triangle < triangleCount_; }
 
   const Scene& GetScene() const { return scene_; }
   const Circles* KnownCircles() const { return circles_; }
+  const ChordSides& Sides() const { return sides_; }
   const SeenCircles& Seen() const { return seen_; }
 
  private:
@@ -89,8 +93,6 @@ class DrawnSegments {
   // The rim that an intersection line is part of; null if it stands for itself.
   const ChordSides::Crossing* RimOf(const DrawnSegment& drawn) const;
   bool IsPartOfRim(const DrawnSegment& drawn, CurvedStretch& stretch) const;
-  // The side that a segment is part of, or the intersection line, if it is a chord.
-  const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;
   void LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const;

@@ -18,6 +18,7 @@
 #include "drawing/parallel.h"
 #include "drawing/views/chains.h"
 #include "drawing/views/collect_lines.h"
+#include "drawing/views/common_rims.h"
 #include "drawing/views/double_lines.h"
 #include "drawing/views/drawn_segments.h"
 
@@ -163,6 +164,7 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
     spent->triangles.clear();
   }
   LeaveOutVisibleDoubles(drawn, threads, seen);
+  GiveRimsToOneBody(model, drawn, seen);
   const Chainer chainer(scene, drawn.Seen(), threads);
   chainer.ChainInto(view.lines, std::move(seen), false);
   chainer.ChainInto(view.lines, std::move(unseen), true);
