@@ -23,11 +23,20 @@ ChordSides::ChordSides(const Model& model, const Circles* circles, unsigned thre
     }
   });
   for (const std::vector<Side>& sides : inRange) sides_.insert(sides_.end(), sides.begin(), sides.end());
-  begins_.reserve(3 * model.TriangleCount() / kBlock + 2);
+  FindBlocks(model.TriangleCount());
+}
+
+ChordSides::ChordSides(std::vector<Side> sides, std::size_t triangleCount) : sides_(std::move(sides)) {
+  std::stable_sort(sides_.begin(), sides_.end(), [](const Side& a, const Side& b) { return a.number < b.number; });
+  FindBlocks(triangleCount);
+}
+
+void ChordSides::FindBlocks(std::size_t triangleCount) {
+  begins_.reserve(3 * triangleCount / kBlock + 2);
   for (std::uint32_t k = 0; k < sides_.size(); ++k) {
     while (begins_.size() <= sides_[k].number / kBlock) begins_.push_back(k);
   }
-  begins_.resize(3 * model.TriangleCount() / kBlock + 2, static_cast<std::uint32_t>(sides_.size()));
+  begins_.resize(3 * triangleCount / kBlock + 2, static_cast<std::uint32_t>(sides_.size()));
 }
 
 const ChordSides::Side* ChordSides::Find(std::size_t triangle, std::size_t edge) const {

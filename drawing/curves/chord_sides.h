@@ -34,6 +34,9 @@ class ChordSides {
   // `circles` may be null.
   ChordSides(const Model& model, const Circles* circles, unsigned threads);
 
+  // In any order; of those of one number the first counts.
+  ChordSides(std::vector<Side> sides, std::size_t triangleCount);
+
   // Null where the edge is no chord.
   const Side* Find(std::size_t triangle, std::size_t edge) const;
 
@@ -50,6 +53,8 @@ class ChordSides {
 
  private:
   static constexpr std::size_t kBlock = 64;
+
+  void FindBlocks(std::size_t triangleCount);
 
   std::vector<Side> sides_;
   std::vector<std::uint32_t> begins_;  // of blocks, and the end

@@ -11,6 +11,8 @@
 #include <map>
 #include <utility>
 
+#include "drawing/curves/angle_ranges.h"
+
 namespace zbr::drawing {
 namespace {
 
@@ -28,38 +30,20 @@ class Directions {
   void Add(const ChordSides::Side& side) {
     const double a = Of(side.start), b = Of(side.end), low = std::min(a, b), high = std::max(a, b);
     if (high - low <= kPi) {
-      covered_.emplace_back(low, high);
+      covered_.Add(low, high);
     } else {
-      covered_.emplace_back(-kPi, low);
-      covered_.emplace_back(high, kPi);
+      covered_.Add(high, low + kFullTurn);
     }
   }
 
   // Chords that follow one another leave nothing between them.
-  void Join() {
-    constexpr double kGap = 1e-6;
-    std::sort(covered_.begin(), covered_.end());
-    std::vector<std::pair<double, double>> joined;
-    for (const auto& [low, high] : covered_) {
-      if (!joined.empty() && low <= joined.back().second + kGap) {
-        joined.back().second = std::max(joined.back().second, high);
-      } else {
-        joined.emplace_back(low, high);
-      }
-    }
-    covered_ = std::move(joined);
-  }
+  void Join() { covered_.Join(1e-6); }
 
-  bool Has(double direction) const {
-    const auto behind = std::partition_point(covered_.begin(), covered_.end(), [&](const auto& c) { return c.first <= direction; });
-    return behind != covered_.begin() && direction <= std::prev(behind)->second;
-  }
+  bool Has(double direction) const { return covered_.Has(direction); }
 
  private:
-  static constexpr double kPi = 3.14159265358979323846;
-
   ZBR_PT3 centre_, x_, y_;
-  std::vector<std::pair<double, double>> covered_;
+  AngleRanges covered_;
 };
 
 class Owners {

@@ -18,12 +18,13 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 }  // namespace
 
 DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads,
-                             const ChordSides* sides)
+                             const ChordSides* sides, const RoundWalls* walls)
     : model_(model),
       scene_(scene),
       circles_(circles),
       own_(sides != nullptr ? ChordSides() : ChordSides(model, circles, threads)),
       sides_(sides != nullptr ? *sides : own_),
+      walls_(walls != nullptr && !walls->ofRims.empty() ? walls : nullptr),
       seen_(model, scene, circles),
       threads_(threads),
       triangleCount_(scene.TriangleCount()) {
@@ -74,7 +75,17 @@ const ChordSides::Side* DrawnSegments::ChordOf(const DrawnSegment& drawn) const 
     return rim != nullptr ? &rim->side : nullptr;
   }
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
-  return side == EdgeRef::kAcross ? nullptr : sides_.Find(source, side);
+  if (side == EdgeRef::kAcross) return nullptr;
+  const ChordSides::Side* const own = sides_.Find(source, side);
+  if (walls_ == nullptr || (own != nullptr && walls_->ofRims[own->circle] != RoundWalls::kNone)) return own;
+  const ChordSides::Side* const onWall = walls_->sides.Find(source, side);
+  return onWall != nullptr ? onWall : own;
+}
+
+bool DrawnSegments::IsOwnChord(const DrawnSegment& drawn) const {
+  if (!IsOfOneShell(drawn)) return true;
+  const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
+  return ChordOf(drawn) == sides_.Find(source, side);
 }
 
 // In place: there may be millions of them, and these records are large. Those of triangles are larger still, and few have lines:

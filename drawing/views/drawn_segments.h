@@ -12,6 +12,7 @@
 #include "drawing/curves/chord_sides.h"
 #include "drawing/curves/common_parts.h"
 #include "drawing/curves/doubled_curves.h"
+#include "drawing/curves/round_walls.h"
 #include "drawing/curves/seen_circles.h"
 #include "drawing/model/shell_ranges.h"
 #include "drawing/views/chains.h"
@@ -32,10 +33,10 @@ struct DrawnSegment {
 
 class DrawnSegments {
  public:
-  // Refers to them all; circles may be null, and `sides` those of the circles that are looked for here otherwise. What was found
-  // needs the scene's triangles and shells no longer.
-  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads,
-                const ChordSides* sides = nullptr);
+  // Refers to them all; circles may be null, `sides` those of the circles that are looked for here otherwise, and `walls` those
+  // that the view is along. What was found needs the scene's triangles and shells no longer.
+  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads, const ChordSides* sides = nullptr,
+                const RoundWalls* walls = nullptr);
   DrawnSegments(const DrawnSegments&) = delete;
   DrawnSegments& operator=(const DrawnSegments&) = delete;
 
@@ -54,8 +55,10 @@ class DrawnSegments {
   // In perspective nothing is told to be a chord.
   DrawnStretch StretchOf(const DrawnSegment& drawn) const;
 
-  // The side that a segment is part of, or the intersection line, if it is a chord.
+  // The side that a segment is part of, or the intersection line, if it is a chord, or in this view is seen as one.
   const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
+  // Whether it is one in space.
+  bool IsOwnChord(const DrawnSegment& drawn) const;
 
   std::size_t ShellCount() const { return begins_.size() - 1; }
   // Intersection lines have two shells.
@@ -64,6 +67,7 @@ class DrawnSegments {
   const Scene& GetScene() const { return scene_; }
   const Circles* KnownCircles() const { return circles_; }
   const ChordSides& Sides() const { return sides_; }
+  const RoundWalls* Walls() const { return walls_; }
   const SeenCircles& Seen() const { return seen_; }
 
  private:
@@ -102,6 +106,7 @@ class DrawnSegments {
   const Circles* circles_;
   const ChordSides own_;
   const ChordSides& sides_;
+  const RoundWalls* walls_;
   SeenCircles seen_;
   const unsigned threads_;
   const std::size_t triangleCount_;       // without intersection lines

@@ -55,6 +55,7 @@ struct Prepared {
   SectionCut section;
   Extent whole;  // of what a section is made of
   std::optional<SmoothSilhouettes> silhouettes;
+  RoundWalls walls;  // where circles are wanted as curves
 };
 
 bool IsWhole(const NamedDirection& direction) {
@@ -74,6 +75,7 @@ Prepared Prepare(const Model& model, const Found& found, const NamedDirection& d
     view.section = FindDrawnSection(model, direction.view, *direction.section, contact);
     CutScene(model, lines, PlanesOf(*direction.section), view.section, view.scene);
   }
+  if (options.curves) view.walls = FindRoundWalls(model, *found.circles, found.sides, direction.view);
   if (direction.view.perspective) FitPicture(model, lines, view.scene);
   if (view.silhouettes) view.silhouettes->PutInto(model, view.scene);
   return view;
@@ -111,7 +113,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
   const Circles* const circles = options.curves ? &*found.circles : nullptr;
   Scene* const spent = IsSceneSpent(model, direction, options) ? &view.scene : nullptr;
-  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, threads);
+  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, view.walls, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
