@@ -13,6 +13,7 @@
 #include <cstdio>
 
 #include "app/commands/draw_plan.h"
+#include "app/commands/eye.h"
 #include "app/commands/report.h"
 #include "app/io/output_files.h"
 #include "app/io/progress.h"
@@ -94,13 +95,18 @@ void NoteEmptyOutlines(const std::vector<ViewLines>& views, const Objects& objec
   }
 }
 
-// All of the model may lie behind one of its own faces: next to an eye that is in the material.
+// Lines have no meaning there: what is seen is backs of faces.
+void NoteEyes(const Model& model, const std::vector<NamedDirection>& views, Progress& progress) {
+  for (const NamedDirection& direction : views) {
+    if (direction.view.perspective && IsWithinMaterial(model, direction.view.perspective->eye))
+      progress.Note(direction.name + ": note: the eye is within the material; only backs of faces are seen from there");
+  }
+}
+
 void NoteUnseen(const std::vector<ViewLines>& views, const DrawOptions& options, Progress& progress) {
   for (const ViewLines& view : views) {
     const bool isSeen = std::any_of(view.lines.begin(), view.lines.end(), [](const Line& line) { return !line.hidden; });
-    if (!isSeen && !view.section)
-      progress.Note(view.name + ": note: nothing of the model is seen" +
-                    (view.view.perspective ? ", as where the eye is within the material" : ""));
+    if (!isSeen && !view.section) progress.Note(view.name + ": note: nothing of the model is seen");
     const Centres& centres = options.hidden == "layer" ? view.seenCentres : view.centres;
     if (options.centreLines && centres.marks.empty() && centres.axes.empty())
       progress.Note(view.name + (view.view.perspective ? ": note: perspectives have no centre lines"
@@ -205,6 +211,7 @@ int RunDraw(const DrawOptions& options) {
   if (model.TriangleCount() == 0) throw Failure(plan.objects.front().file, "no triangle has an area");
   plan.views = ChooseViews(options, objects.mesh.yUp, model.Centre());
   objects.mesh = {};  // all there is to know is in the model
+  NoteEyes(model, plan.views, progress);
   NoteRoughness(model, plan.objects.front().file, options, progress);
   times.model = watch.Lap();
 

@@ -1,5 +1,7 @@
 #include "drawing/curves/chord_sides.h"
 
+#include <algorithm>
+
 #include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
 
@@ -21,11 +23,20 @@ ChordSides::ChordSides(const Model& model, const Circles* circles, unsigned thre
     }
   });
   for (const std::vector<Side>& sides : inRange) sides_.insert(sides_.end(), sides.begin(), sides.end());
-  begins_.reserve(3 * model.TriangleCount() / kBlock + 2);
+  FindBlocks(model.TriangleCount());
+}
+
+ChordSides::ChordSides(std::vector<Side> sides, std::size_t triangleCount) : sides_(std::move(sides)) {
+  std::stable_sort(sides_.begin(), sides_.end(), [](const Side& a, const Side& b) { return a.number < b.number; });
+  FindBlocks(triangleCount);
+}
+
+void ChordSides::FindBlocks(std::size_t triangleCount) {
+  begins_.reserve(3 * triangleCount / kBlock + 2);
   for (std::uint32_t k = 0; k < sides_.size(); ++k) {
     while (begins_.size() <= sides_[k].number / kBlock) begins_.push_back(k);
   }
-  begins_.resize(3 * model.TriangleCount() / kBlock + 2, static_cast<std::uint32_t>(sides_.size()));
+  begins_.resize(3 * triangleCount / kBlock + 2, static_cast<std::uint32_t>(sides_.size()));
 }
 
 const ChordSides::Side* ChordSides::Find(std::size_t triangle, std::size_t edge) const {
@@ -35,6 +46,12 @@ const ChordSides::Side* ChordSides::Find(std::size_t triangle, std::size_t edge)
     if (sides_[k].number == number) return &sides_[k];
   }
   return nullptr;
+}
+
+const ChordSides::Crossing* ChordSides::FindCrossing(const std::array<std::uint32_t, 2>& triangles) const {
+  const auto found =
+      std::partition_point(crossings_.begin(), crossings_.end(), [&](const Crossing& c) { return c.triangles < triangles; });
+  return found != crossings_.end() && found->triangles == triangles ? &*found : nullptr;
 }
 
 }  // namespace zbr::drawing

@@ -31,7 +31,7 @@ const std::vector<Paper>& StandardPapers() {
 
 Paper ParsePaper(const std::string& text) {
   for (const Paper& paper : StandardPapers()) {
-    if (paper.name == text) return paper;
+    if (paper.name == text || (!text.empty() && text.front() == 'a' && paper.name.substr(1) == text.substr(1))) return paper;
   }
   const std::size_t cross = text.find('x');
   if (cross != std::string::npos) {

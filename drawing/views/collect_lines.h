@@ -4,6 +4,7 @@
 #include <zbr-drawing/view_lines.h>
 
 #include "drawing/curves/chord_sides.h"
+#include "drawing/curves/round_walls.h"
 
 namespace zbr::drawing {
 
@@ -12,8 +13,8 @@ inline bool NeedsRecords(const Model& model, const View& view, bool hidden) {
   return hidden && model.ShellCount() > 1 && !view.perspective;
 }
 
-// `spent` is the scene, if it is not needed afterwards; `sides` those on the circles.
+// `spent` is the scene, if it is not needed afterwards; `sides` those on the circles, `walls` those that the view is along.
 ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
-                      const ChordSides& sides, unsigned threads);
+                      const ChordSides& sides, const RoundWalls& walls, unsigned threads);
 
 }  // namespace zbr::drawing

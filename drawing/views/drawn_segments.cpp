@@ -18,12 +18,13 @@ std::uint8_t ClassPlace(EdgeClass edgeClass) {
 }  // namespace
 
 DrawnSegments::DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads,
-                             const ChordSides* sides)
+                             const ChordSides* sides, const RoundWalls* walls)
     : model_(model),
       scene_(scene),
       circles_(circles),
       own_(sides != nullptr ? ChordSides() : ChordSides(model, circles, threads)),
       sides_(sides != nullptr ? *sides : own_),
+      walls_(walls != nullptr && !walls->ofRims.empty() ? walls : nullptr),
       seen_(model, scene, circles),
       threads_(threads),
       triangleCount_(scene.TriangleCount()) {
@@ -51,18 +52,40 @@ DrawnSegment DrawnSegments::Of(std::size_t shell, std::size_t triangle, int edge
     s.shell = model_.ShellOf(first);
     s.other = model_.ShellOf(second);
     s.segment.edge = {model_.source[first], EdgeRef::kAcross};
+    if (const ChordSides::Crossing* const rim = RimOf(s); rim != nullptr) {
+      if (rim->shell != s.shell) s.segment.edge.triangle = model_.source[second];
+      s.shell = s.other = rim->shell;
+      s.edgeClass = ClassPlace(EdgeClass::kCrease);
+    }
   }
   return s;
 }
 
 void DrawnSegments::Locate(DrawnSegment& drawn) const {
-  if (!IsOfOneShell(drawn)) return;
   if (const ChordSides::Side* const chord = ChordOf(drawn)) seen_.Locate(*chord, drawn.segment);
 }
 
+const ChordSides::Crossing* DrawnSegments::RimOf(const DrawnSegment& drawn) const {
+  return IsOfOneShell(drawn) ? nullptr : sides_.FindCrossing(scene_.crossing[drawn.triangle - triangleCount_]);
+}
+
 const ChordSides::Side* DrawnSegments::ChordOf(const DrawnSegment& drawn) const {
+  if (!IsOfOneShell(drawn)) {
+    const ChordSides::Crossing* const rim = RimOf(drawn);
+    return rim != nullptr ? &rim->side : nullptr;
+  }
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
-  return side == EdgeRef::kAcross ? nullptr : sides_.Find(source, side);
+  if (side == EdgeRef::kAcross) return nullptr;
+  const ChordSides::Side* const own = sides_.Find(source, side);
+  if (walls_ == nullptr || (own != nullptr && walls_->ofRims[own->circle] != RoundWalls::kNone)) return own;
+  const ChordSides::Side* const onWall = walls_->sides.Find(source, side);
+  return onWall != nullptr ? onWall : own;
+}
+
+bool DrawnSegments::IsOwnChord(const DrawnSegment& drawn) const {
+  if (!IsOfOneShell(drawn)) return true;
+  const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
+  return ChordOf(drawn) == sides_.Find(source, side);
 }
 
 // In place: there may be millions of them, and these records are large. Those of triangles are larger still, and few have lines:
@@ -114,7 +137,7 @@ std::vector<DrawnSegment> DrawnSegments::Hidden() const {
 }
 
 bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const {
-  if (!IsOfOneShell(drawn)) return false;
+  if (!IsOfOneShell(drawn)) return IsPartOfRim(drawn, stretch);
   const EdgeClass edgeClass = kDrawnClasses[drawn.edgeClass];
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
   if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;
@@ -124,6 +147,16 @@ bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) 
     return IsCurvedSilhouette(model_, scene_, drawn.shell, source - model_.shellBegin[drawn.shell], side, stretch);
   const ChordSides::Side* const chord = sides_.Find(source, side);
   return chord != nullptr && IsCurvedChord(scene_, *circles_, *chord, stretch);
+}
+
+// It lies on the other body, and beside what that hides of the rim.
+bool DrawnSegments::IsPartOfRim(const DrawnSegment& drawn, CurvedStretch& stretch) const {
+  const ChordSides::Crossing* const rim = RimOf(drawn);
+  if (rim == nullptr) return false;
+  const std::uint32_t first = model_.ShellOf(rim->triangles[0]), second = model_.ShellOf(rim->triangles[1]);
+  stretch.segment = drawn.segment.segment;
+  stretch.shell = first == rim->shell ? second : first;
+  return IsCurvedChord(scene_, *circles_, rim->side, stretch);
 }
 
 DrawnStretch DrawnSegments::StretchOf(const DrawnSegment& drawn) const {

@@ -12,6 +12,7 @@
 #include "drawing/curves/chord_sides.h"
 #include "drawing/curves/common_parts.h"
 #include "drawing/curves/doubled_curves.h"
+#include "drawing/curves/round_walls.h"
 #include "drawing/curves/seen_circles.h"
 #include "drawing/model/shell_ranges.h"
 #include "drawing/views/chains.h"
@@ -32,10 +33,10 @@ struct DrawnSegment {
 
 class DrawnSegments {
  public:
-  // Refers to them all; circles may be null, and `sides` those of the circles that are looked for here otherwise. What was found
-  // needs the scene's triangles and shells no longer.
-  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads,
-                const ChordSides* sides = nullptr);
+  // Refers to them all; circles may be null, `sides` those of the circles that are looked for here otherwise, and `walls` those
+  // that the view is along. What was found needs the scene's triangles and shells no longer.
+  DrawnSegments(const Model& model, const Scene& scene, const Circles* circles, unsigned threads, const ChordSides* sides = nullptr,
+                const RoundWalls* walls = nullptr);
   DrawnSegments(const DrawnSegments&) = delete;
   DrawnSegments& operator=(const DrawnSegments&) = delete;
 
@@ -54,12 +55,19 @@ class DrawnSegments {
   // In perspective nothing is told to be a chord.
   DrawnStretch StretchOf(const DrawnSegment& drawn) const;
 
+  // The side that a segment is part of, or the intersection line, if it is a chord, or in this view is seen as one.
+  const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
+  // Whether it is one in space.
+  bool IsOwnChord(const DrawnSegment& drawn) const;
+
   std::size_t ShellCount() const { return begins_.size() - 1; }
   // Intersection lines have two shells.
   bool IsOfOneShell(const DrawnSegment& drawn) const { return drawn.triangle < triangleCount_; }
 
   const Scene& GetScene() const { return scene_; }
   const Circles* KnownCircles() const { return circles_; }
+  const ChordSides& Sides() const { return sides_; }
+  const RoundWalls* Walls() const { return walls_; }
   const SeenCircles& Seen() const { return seen_; }
 
  private:
@@ -86,8 +94,9 @@ class DrawnSegments {
     Locate(drawn);
     return drawn;
   }
-  // The side that a segment of one shell is part of, if it is a chord.
-  const ChordSides::Side* ChordOf(const DrawnSegment& drawn) const;
+  // The rim that an intersection line is part of; null if it stands for itself.
+  const ChordSides::Crossing* RimOf(const DrawnSegment& drawn) const;
+  bool IsPartOfRim(const DrawnSegment& drawn, CurvedStretch& stretch) const;
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;
   void LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const;
@@ -97,6 +106,7 @@ class DrawnSegments {
   const Circles* circles_;
   const ChordSides own_;
   const ChordSides& sides_;
+  const RoundWalls* walls_;
   SeenCircles seen_;
   const unsigned threads_;
   const std::size_t triangleCount_;       // without intersection lines

@@ -18,8 +18,10 @@
 #include "drawing/parallel.h"
 #include "drawing/views/chains.h"
 #include "drawing/views/collect_lines.h"
+#include "drawing/views/common_rims.h"
 #include "drawing/views/double_lines.h"
 #include "drawing/views/drawn_segments.h"
+#include "drawing/views/wall_rims.h"
 
 namespace zbr::drawing {
 namespace {
@@ -141,7 +143,7 @@ Extent ExtentOf(const Scene& scene) {
 }
 
 ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
-                      const ChordSides& sides, unsigned threads) {
+                      const ChordSides& sides, const RoundWalls& walls, unsigned threads) {
   const ZBR_TmpEps hold(kSceneTolerance);
   if (spent != nullptr) {
     RunInRanges(spent->shells.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
@@ -154,7 +156,7 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
   view.drawable = scene.drawable;
   for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
   view.extent = ExtentOf(scene);
-  const DrawnSegments drawn(model, scene, circles, threads, &sides);
+  const DrawnSegments drawn(model, scene, circles, threads, &sides, &walls);
   std::vector<DrawnSegment> unseen;
   if (hidden) unseen = drawn.Hidden();
   std::vector<DrawnSegment> seen = drawn.Visible();
@@ -163,6 +165,8 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
     spent->triangles.clear();
   }
   LeaveOutVisibleDoubles(drawn, threads, seen);
+  GiveRimsToOneBody(model, drawn, seen);
+  LeaveOutRimsOfOneWall(drawn, seen, unseen);
   const Chainer chainer(scene, drawn.Seen(), threads);
   chainer.ChainInto(view.lines, std::move(seen), false);
   chainer.ChainInto(view.lines, std::move(unseen), true);
@@ -170,11 +174,15 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
 }
 
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles, unsigned threads) {
-  return CollectFrom(model, scene, nullptr, hidden, circles, ChordSides(model, circles, threads), threads);
+  const ChordSides sides(model, circles, threads);
+  const RoundWalls walls = circles != nullptr ? FindRoundWalls(model, *circles, sides, scene.view) : RoundWalls();
+  return CollectFrom(model, scene, nullptr, hidden, circles, sides, walls, threads);
 }
 
 ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles, unsigned threads) {
-  return CollectFrom(model, scene, &scene, hidden, circles, ChordSides(model, circles, threads), threads);
+  const ChordSides sides(model, circles, threads);
+  const RoundWalls walls = circles != nullptr ? FindRoundWalls(model, *circles, sides, scene.view) : RoundWalls();
+  return CollectFrom(model, scene, &scene, hidden, circles, sides, walls, threads);
 }
 
 }  // namespace zbr::drawing

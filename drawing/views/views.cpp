@@ -55,6 +55,7 @@ struct Prepared {
   SectionCut section;
   Extent whole;  // of what a section is made of
   std::optional<SmoothSilhouettes> silhouettes;
+  RoundWalls walls;  // where circles are wanted as curves
 };
 
 bool IsWhole(const NamedDirection& direction) {
@@ -74,6 +75,7 @@ Prepared Prepare(const Model& model, const Found& found, const NamedDirection& d
     view.section = FindDrawnSection(model, direction.view, *direction.section, contact);
     CutScene(model, lines, PlanesOf(*direction.section), view.section, view.scene);
   }
+  if (options.curves) view.walls = FindRoundWalls(model, *found.circles, found.sides, direction.view);
   if (direction.view.perspective) FitPicture(model, lines, view.scene);
   if (view.silhouettes) view.silhouettes->PutInto(model, view.scene);
   return view;
@@ -111,7 +113,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
   const Circles* const circles = options.curves ? &*found.circles : nullptr;
   Scene* const spent = IsSceneSpent(model, direction, options) ? &view.scene : nullptr;
-  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, threads);
+  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, view.walls, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
@@ -180,13 +182,14 @@ std::vector<ViewLines> Draw(const Model& model, Model* spent, const std::vector<
     if (which == 0 && !options.intersections) DropConnectivity(model);
     if (which == 1 && (options.curves || options.centreLines)) found.circles = FindCircles(model);
   });
+  if (options.curves) found.sides = ChordSides(model, &*found.circles, options.threads);
   if (!found.crossings.empty()) {
     const Circles own = found.circles ? Circles() : FindCircles(model);
     DropCoaxial(model, found.circles ? *found.circles : own, found.crossings);
+    if (options.curves) found.sides.SetCrossings(FindCrossingsOfRims(model, *found.circles, found.crossings));
   }
   for (std::size_t s = 0; options.smoothSilhouettes && s < model.ShellCount(); ++s)
     found.normals.push_back(SmoothNormalsOf(model, s));
-  if (options.curves) found.sides = ChordSides(model, &*found.circles, options.threads);
   const unsigned atOnce = static_cast<unsigned>(std::clamp<std::size_t>(views.size(), 1, std::max(options.threads, 1U)));
   RunParallel(views.size(), atOnce, [&](std::size_t i) {
     const auto at = [&](DrawStage stage) {

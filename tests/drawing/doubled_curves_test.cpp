@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "models/models.h"
+#include "models/solid.h"
 
 namespace zbr::drawing {
 namespace {
@@ -138,7 +139,25 @@ TEST(DoubledCurves, RimsOfCoarseDiscsAreWhole) {
       }
     }
     EXPECT_NEAR(turn, kPi, 0.6);
+    EXPECT_EQ(DrawView(model, "front", {}).lines.size(), 7U);  // three rims from the side, two silhouettes of each
   }
+}
+
+TEST(DoubledCurves, HalvesOfARimAreTheirBodies) {
+  Mesh mesh;
+  for (const double side : {-10.0, 0.0}) {
+    example::Solid half;
+    half.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 9, 60), example::Rectangle(-10, side, 10, side + 10)), 0,
+                 5);
+    example::Append(mesh, half.Take());
+  }
+  const ViewLines view = DrawView(MakeModel(mesh, 30.0), "top", {});
+  std::vector<std::uint32_t> shells;
+  for (const Line& line : view.lines) {
+    if (!line.chain.curves.empty()) shells.push_back(line.shell);
+  }
+  ASSERT_EQ(shells.size(), 2U);
+  EXPECT_NE(shells[0], shells[1]);
 }
 
 }  // namespace

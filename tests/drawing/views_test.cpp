@@ -59,6 +59,7 @@ TEST(Intersections, FacetsOfCoaxialCylindersHaveNone) {
     Append(mesh, ring.Take());
     DrawingOptions options;
     options.hidden = HiddenLines::kInAllViews;
+    options.curves = false;  // the lines at the mouths are parts of the rims else
     double alongAxis = 0.0, across = 0.0;
     const ViewLines view = DrawView(MakeModel(mesh, 30.0), "iso", options);
     for (const Line& line : view.lines) {
@@ -99,6 +100,36 @@ TEST(Intersections, SeamsOfPinsInBoresAreWhole) {
       missing += DistanceTo(view.lines, (view.view.In(at) - view.middle).xy()) < 1e-3 ? 0 : 1;
     }
     EXPECT_LE(missing, 5U) << sides;
+  }
+}
+
+// What is seen of the rim is chords of the bore in part, and in part lines where the pin's facets pass through the plate.
+TEST(Intersections, SeamsOfPinsInBoresAreArcsOfTheRim) {
+  for (const int sides : {16, 24, 40, 61}) {
+    SCOPED_TRACE(sides);
+    Mesh mesh = example::Cylinder(sides, 10, 50);
+    example::Turn(mesh, {0, 0, 1}, 0.0005);
+    example::Move(mesh, {0, 0, -10});
+    example::Solid ring;
+    ring.Extrude(example::Axis::kZ, example::Minus(example::Circle(0, 0, 20, 60), example::Circle(0, 0, 10, 25)), 0, 30);
+    Append(mesh, ring.Take());
+    DrawingOptions options;
+    options.hidden = HiddenLines::kInAllViews;
+    const ViewLines view = DrawView(MakeModel(mesh, 30.0), "iso", options);
+    const ZBR_PT centre = (view.view.In({0, 0, 30}) - view.middle).xy();
+    std::vector<double> turns[2];
+    for (const Line& line : view.lines) {
+      EXPECT_NE(line.edgeClass, EdgeClass::kIntersection);
+      for (const CircleRun& run : line.chain.curves) {
+        const double turn = std::abs(run.t1 - run.t0);
+        const bool isRim = run.centre.Distance(centre) < 1e-6 && run.u.Length() < 11;
+        if (isRim && turn > 0.01) turns[line.hidden ? 1 : 0].push_back(turn);
+      }
+    }
+    for (const std::vector<double>& half : turns) {
+      ASSERT_EQ(half.size(), 1U);
+      EXPECT_NEAR(half.front(), 3.14159265358979, 0.25);
+    }
   }
 }
 
