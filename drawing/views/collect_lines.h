@@ -4,16 +4,18 @@
 #include <zbr-drawing/view_lines.h>
 
 #include "drawing/curves/chord_sides.h"
+#include "drawing/curves/silhouette_heights.h"
 
 namespace zbr::drawing {
 
-// Whether it takes the records of the model to tell a view's lines: hidden ones of several shells hang on the facets beside them.
-inline bool NeedsRecords(const Model& model, const View& view, bool hidden) {
-  return hidden && model.ShellCount() > 1 && !view.perspective;
+// What hidden lines are told by, where these are wanted.
+inline SilhouetteHeights HeightsFor(const Model& model, const Scene& scene, bool hidden, unsigned threads) {
+  const bool areNeeded = hidden && model.ShellCount() > 1 && !scene.view.perspective;
+  return areNeeded ? SilhouetteHeights(model, scene, threads) : SilhouetteHeights();
 }
 
-// `spent` is the scene, if it is not needed afterwards; `sides` those on the circles.
+// `spent` is the scene, if it is not needed afterwards; `sides` those on the circles, `heights` those of the scene.
 ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
-                      const ChordSides& sides, unsigned threads);
+                      const ChordSides& sides, const SilhouetteHeights& heights, unsigned threads);
 
 }  // namespace zbr::drawing

@@ -141,7 +141,7 @@ Extent ExtentOf(const Scene& scene) {
 }
 
 ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
-                      const ChordSides& sides, unsigned threads) {
+                      const ChordSides& sides, const SilhouetteHeights& heights, unsigned threads) {
   const ZBR_TmpEps hold(kSceneTolerance);
   if (spent != nullptr) {
     RunInRanges(spent->shells.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
@@ -156,7 +156,7 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
   view.extent = ExtentOf(scene);
   const DrawnSegments drawn(model, scene, circles, threads, &sides);
   std::vector<DrawnSegment> unseen;
-  if (hidden) unseen = drawn.Hidden();
+  if (hidden) unseen = drawn.Hidden(heights);
   std::vector<DrawnSegment> seen = drawn.Visible();
   if (spent != nullptr) {
     spent->shells.clear();
@@ -170,11 +170,13 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
 }
 
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles, unsigned threads) {
-  return CollectFrom(model, scene, nullptr, hidden, circles, ChordSides(model, circles, threads), threads);
+  return CollectFrom(model, scene, nullptr, hidden, circles, ChordSides(model, circles, threads),
+                     HeightsFor(model, scene, hidden, threads), threads);
 }
 
 ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles, unsigned threads) {
-  return CollectFrom(model, scene, &scene, hidden, circles, ChordSides(model, circles, threads), threads);
+  return CollectFrom(model, scene, &scene, hidden, circles, ChordSides(model, circles, threads),
+                     HeightsFor(model, scene, hidden, threads), threads);
 }
 
 }  // namespace zbr::drawing
