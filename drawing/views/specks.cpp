@@ -117,7 +117,7 @@ class Specks {
   }
 
   std::vector<std::atomic<bool>> HeldByLonger() const {
-    const EndTree tree(EndsIf([](std::uint32_t) { return true; }));
+    const EndTree tree(EndsIf([](std::uint32_t) { return true; }), threads_);
     std::vector<std::atomic<bool>> isHeld(2 * specks_.size());
     RunParallel((lines_.size() + kRangeOfLines - 1) / kRangeOfLines, threads_, [&](std::size_t range) {
       const std::size_t begin = range * kRangeOfLines, end = std::min(begin + kRangeOfLines, lines_.size());
@@ -139,7 +139,7 @@ class Specks {
   std::vector<Hold> HoldsOf(const std::vector<EndTree::End>& ends) const {
     std::vector<Hold> holds;
     if (ends.empty()) return holds;
-    const EndTree tree(ends);
+    const EndTree tree(ends, threads_);
     std::vector<std::vector<Hold>> inRange((specks_.size() + kRangeOfLines - 1) / kRangeOfLines);
     RunParallel(inRange.size(), threads_, [&](std::size_t range) {
       std::vector<Hold>& own = inRange[range];
