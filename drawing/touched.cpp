@@ -1,4 +1,4 @@
-#include <zbr-drawing/threads.h>
+#include "drawing/touched.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -20,6 +20,9 @@ namespace {
 
 constexpr std::size_t kPage = 4096;  // no larger than pages are anywhere
 constexpr std::size_t kShare = 256 * kPage;
+
+// Smaller arrays may lie in memory that is to be used again, without having been taken back between.
+constexpr std::size_t kLeastGivenBack = std::size_t{1} << 25U;
 
 // Asked for a range, Linux has its pages ready in three quarters of the time that their first writes take one by one. False where
 // the system does not know of that, or has larger pages.
@@ -44,6 +47,22 @@ void TouchPages(void* begin, std::size_t bytes, unsigned threads) {
     const std::size_t size = std::min(kShare, bytes - k * kShare);
     if (!Populate(share, size)) Touch(share, size);
   });
+}
+
+// Only whole pages of the array; where threads cannot be had, the array's owner gives back the rest.
+void GiveBackPages([[maybe_unused]] void* begin, std::size_t bytes, [[maybe_unused]] unsigned threads) noexcept {
+  if (bytes < kLeastGivenBack) return;
+#if defined(__linux__)
+  const std::size_t before = (kPage - reinterpret_cast<std::uintptr_t>(begin) % kPage) % kPage;
+  unsigned char* const first = static_cast<unsigned char*>(begin) + before;
+  const std::size_t size = (bytes - before) / kPage * kPage;
+  try {
+    RunParallel((size + kShare - 1) / kShare, threads,
+                [&](std::size_t k) { ::madvise(first + k * kShare, std::min(kShare, size - k * kShare), MADV_DONTNEED); });
+  } catch (...) {
+    return;
+  }
+#endif
 }
 
 }  // namespace zbr::drawing

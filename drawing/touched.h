@@ -1,4 +1,4 @@
-// Large vectors, whose memory threads make ready: vectors fill theirs on one.
+// Large arrays, whose memory threads make ready and give back: vectors do so on one.
 #pragma once
 
 #include <cstddef>
@@ -22,5 +22,9 @@ void ResizeTouched(std::vector<T>& values, std::size_t count, unsigned threads) 
   ReserveTouched(values, count, threads);
   values.resize(count);
 }
+
+// Gives back the pages of an array that is about to be freed and holds nothing more, on all threads: freed, a hundred thousand
+// pages are taken back one by one.
+void GiveBackPages(void* begin, std::size_t bytes, unsigned threads) noexcept;
 
 }  // namespace zbr::drawing

@@ -8,6 +8,8 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <utility>
 
 #include "core/planar_inline.h"
@@ -80,33 +82,71 @@ void Join(std::vector<Range>& ranges) {
   ranges.resize(kept);
 }
 
-// Segments of two lists by their ends, in either direction.
+// Segments of two lists by their ends, in either direction. Equal ones have equal hashes: sorted by some bits of these, segments
+// fall into groups that have nothing to do with each other, each with a table that the processor's cache holds.
 class EqualSegments {
  public:
-  EqualSegments(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second)
-      : first_(first), second_(second), slots_(std::bit_ceil(2 * (first.size() + second.size()) + 1), kNone) {}
+  EqualSegments(std::span<const ZBR_SEG> first, std::span<const ZBR_SEG> second, const Sharing& sharing)
+      : first_(first),
+        second_(second),
+        count_(first.size() + second.size()),
+        hashes_(new std::uint32_t[count_]),
+        places_(new std::uint32_t[count_]) {
+    Sort(sharing);
+  }
 
-  // The one that was added before segment i, or null: then it is added.
-  const ZBR_SEG* FindOrAdd(std::size_t i) {
-    const ZBR_SEG& g = At(i);
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t slot = Hash(g) & mask;
-    while (slots_[slot] != kNone && !AreEqual(At(slots_[slot]), g)) slot = (slot + 1) & mask;
-    if (slots_[slot] != kNone) return &At(slots_[slot]);
-    slots_[slot] = static_cast<std::uint32_t>(i);
-    return nullptr;
+  // Calls use(i, same) for each segment that equals one before it, of which `same` is the first; groups at once.
+  template <class Use>
+  void ForEachRepeat(const Sharing& sharing, const Use& use) const {
+    sharing.Run(kGroups, [&](std::size_t group) {
+      const std::size_t begin = begins_[group], end = begins_[group + 1];
+      std::vector<std::uint32_t> slots(std::bit_ceil(2 * (end - begin) + 1), kNone);
+      for (std::size_t k = begin; k < end; ++k) {
+        const std::uint32_t i = places_[k];
+        std::size_t slot = hashes_[i] / kGroups & (slots.size() - 1);
+        while (slots[slot] != kNone && !AreEqual(At(slots[slot]), At(i))) slot = (slot + 1) & (slots.size() - 1);
+        if (slots[slot] == kNone) {
+          slots[slot] = i;
+        } else {
+          use(i, At(slots[slot]));
+        }
+      }
+    });
   }
 
  private:
+  static constexpr std::size_t kGroups = 64;
+  static constexpr std::size_t kPiece = 16384;
+
+  // Within a group segments stay in their order.
+  void Sort(const Sharing& sharing) {
+    std::vector<std::array<std::uint32_t, kGroups>> next(Sharing::PieceCount(count_, kPiece));
+    sharing.InPieces(count_, kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) {
+        hashes_[i] = Hash(At(i));
+        ++next[piece][hashes_[i] % kGroups];
+      }
+    });
+    std::uint32_t before = 0;
+    for (std::size_t group = 0; group < kGroups; ++group) {
+      begins_[group] = before;
+      for (auto& own : next) before += std::exchange(own[group], before);
+    }
+    begins_[kGroups] = before;
+    sharing.InPieces(count_, kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+      for (std::size_t i = begin; i < end; ++i) places_[next[piece][hashes_[i] % kGroups]++] = static_cast<std::uint32_t>(i);
+    });
+  }
+
   static std::uint64_t Mixed(double d) {
     std::uint64_t h = std::bit_cast<std::uint64_t>(d + 0.0) * 0x9e3779b97f4a7c15U;  // -0 is 0
     h ^= h >> 32U;
     return h * 0x9e3779b97f4a7c15U;
   }
   static std::uint64_t Hash(const ZBR_PT& p) { return Mixed(p.x()) + 3 * Mixed(p.y()); }
-  static std::size_t Hash(const ZBR_SEG& g) {
+  static std::uint32_t Hash(const ZBR_SEG& g) {
     const std::uint64_t sum = Hash(g.s()) + Hash(g.e());
-    return static_cast<std::size_t>(sum ^ sum >> 32U);
+    return static_cast<std::uint32_t>(sum ^ sum >> 32U);
   }
   static bool AreEqual(const ZBR_SEG& g, const ZBR_SEG& h) {
     return (AreIdentical(g.s(), h.s()) && AreIdentical(g.e(), h.e())) || (AreIdentical(g.s(), h.e()) && AreIdentical(g.e(), h.s()));
@@ -116,24 +156,28 @@ class EqualSegments {
 
   const ZBR_SEG& At(std::size_t i) const { return i < first_.size() ? first_[i] : second_[i - first_.size()]; }
 
-  std::span<const ZBR_SEG> first_, second_;
-  std::vector<std::uint32_t> slots_;
+  const std::span<const ZBR_SEG> first_, second_;
+  const std::size_t count_;
+  const std::unique_ptr<std::uint32_t[]> hashes_, places_;  // places by group
+  std::array<std::uint32_t, kGroups + 1> begins_{};
 };
 
 // The segments that do not repeat one of the others or an earlier one: what those cover, repeats do not add to, and of a wall seen
 // edge-on most lines are repeats.
-std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width) {
+std::vector<std::uint32_t> FindNew(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width,
+                                   const Sharing& sharing) {
   std::vector<std::uint32_t> found;
   if (segments.empty()) return found;
-  EqualSegments all(others, segments);
-  for (std::size_t i = 0; i < others.size(); ++i) all.FindOrAdd(i);
-  for (std::size_t i = 0; i < segments.size(); ++i) {
-    const ZBR_SEG& g = segments[i];
-    const ZBR_SEG* const same = all.FindOrAdd(others.size() + i);
+  std::vector<char> isCovered(segments.size());
+  EqualSegments(others, segments, sharing).ForEachRepeat(sharing, [&](std::size_t i, const ZBR_SEG& same) {
+    if (i < others.size()) return;
+    const ZBR_SEG& g = segments[i - others.size()];
     Range range;
     const double least = t_tolerance.eps / g.s().Distance(g.e());
-    const bool isCovered = same != nullptr && RangeAlong(g, *same, least, width, range) && IsWhole(range, least);
-    if (!isCovered) found.push_back(static_cast<std::uint32_t>(i));
+    isCovered[i - others.size()] = RangeAlong(g, same, least, width, range) && IsWhole(range, least);
+  });
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    if (!isCovered[i]) found.push_back(static_cast<std::uint32_t>(i));
   }
   return found;
 }
@@ -234,13 +278,18 @@ class Cover {
 
 std::vector<Gap> UncoveredParts(std::span<const ZBR_SEG> others, std::span<const ZBR_SEG> segments, double width,
                                 const Sharing& sharing) {
-  const std::vector<std::uint32_t> numbers = FindNew(others, segments, width);
+  const std::vector<std::uint32_t> numbers = FindNew(others, segments, width, sharing);
   if (numbers.empty()) return {};
   std::vector<ZBR_SEG> news;
   news.reserve(numbers.size());
   for (const std::uint32_t i : numbers) news.push_back(segments[i]);
-  const Beside beside(news, others, width, sharing);
-  const std::vector<std::uint32_t> order = OrderOfCentres(news);
+  std::optional<Beside> built;
+  std::vector<std::uint32_t> order;
+  sharing.Run(2, [&](std::size_t which) {
+    if (which == 0) built.emplace(news, others, width, sharing);
+    if (which == 1) order = OrderOfCentres(news);
+  });
+  const Beside& beside = *built;
   constexpr std::size_t kPiece = 4096;
   std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
   sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {

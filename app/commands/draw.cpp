@@ -224,7 +224,7 @@ int RunDraw(const DrawOptions& options) {
   watch.Lap();
 
   progress.Stage("writing");
-  const Sheet& sheet = Kept(LayOut(std::move(views), plan.sheet));
+  const Sheet& sheet = Kept(LayOut(std::move(views), plan.sheet, plan.threads));
   NoteUnmarked(sheet, progress);
   NoteShortened(sheet, progress);
   OutputFiles files;

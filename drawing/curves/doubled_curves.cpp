@@ -24,31 +24,6 @@ constexpr double kLineWidth = 0.2;
 constexpr double kRounding = 1e-6;    // in the same: of lines that are at one place
 constexpr double kLargestTurn = 0.5;  // sine of the angle between chords of one circle that are at one place
 
-// Twice the area of the triangle over the edge, over the edge's length.
-double WidthOver(const ZBR_ZBREPT& triangle, std::size_t edge) {
-  const ZBR_PT3 &a = VertexOf(triangle, edge).GetPt(), &b = VertexOf(triangle, (edge + 1) % 3).GetPt();
-  const double length = a.Distance(b);
-  return length > 0 ? (b - a).OuterProduct(VertexOf(triangle, (edge + 2) % 3).GetPt() - a).Length() / length : 0.0;
-}
-
-std::size_t PlaceOfEdge(const ZBR_ZBREPT& triangle, const ZBR_ZBREPE& edge) {
-  std::size_t i = 0;
-  while (i < 2 && &EdgeOf(triangle, i) != &edge) ++i;
-  return i;
-}
-
-// Of arcs over facets as wide and as bent as those at a smooth edge, over the chord.
-double HeightOverFacets(const Model& model, std::size_t shell, const ZBR_ZBREPT& triangle, std::size_t edge) {
-  ZBR_ZBREPE& record = EdgeOf(triangle, edge);
-  const ZBR_ZBREPT* const other = model.Across(shell, triangle, record);
-  if (other == nullptr) return 0.0;
-  const auto normal = [&](const ZBR_ZBREPT& t) {
-    return model.normals[model.shellBegin[shell] + static_cast<std::size_t>(t.GetIndex())];
-  };
-  const double width = std::max(WidthOver(triangle, edge), WidthOver(*other, PlaceOfEdge(*other, record)));
-  return width * normal(triangle).Distance(normal(*other)) / 8.0;
-}
-
 // How far the arc's middle is from the chord's.
 double HeightOverChord(const Circle& circle, const ChordSides::Side& side) {
   const ZBR_PT3 middle = (side.start + side.end) * 0.5;
@@ -243,14 +218,6 @@ bool AreSeenAsOne(const Scene& scene, const Circles& circles, std::uint32_t a, s
 bool IsCurvedChord(const Scene& scene, const Circles& circles, const ChordSides::Side& side, CurvedStretch& stretch) {
   const double height = HeightOverChord(circles.all[side.circle], side);
   stretch.circle = side.circle;
-  stretch.height = height * scene.scale;
-  return height > 0;
-}
-
-bool IsCurvedSilhouette(const Model& model, const Scene& scene, std::size_t shell, std::size_t triangle, std::size_t edge,
-                        CurvedStretch& stretch) {
-  const double height = HeightOverFacets(model, shell, *model.Shell(shell).GetTriangle(static_cast<int>(triangle)), edge);
-  stretch.circle = kNoCircle;
   stretch.height = height * scene.scale;
   return height > 0;
 }

@@ -20,11 +20,8 @@ struct CurvedStretch {
   double height = 0.0;               // how far the curve may lie beside it
 };
 
-// Whether a line of the scene, which is no perspective, stands for a curve, and which one: circle and height of a chord, or of the
-// silhouette of a surface that facets stand for, along edge `edge` of a shell's triangle.
+// Whether a chord in the scene, which is no perspective, lies beside its arc; circle and height then.
 bool IsCurvedChord(const Scene& scene, const Circles& circles, const ChordSides::Side& side, CurvedStretch& stretch);
-bool IsCurvedSilhouette(const Model& model, const Scene& scene, std::size_t shell, std::size_t triangle, std::size_t edge,
-                        CurvedStretch& stretch);
 
 // Whether circles, places in `circles`, differ by no more than `reach` in the scene.
 bool AreSeenAsOne(const Scene& scene, const Circles& circles, std::uint32_t a, std::uint32_t b, double reach);

@@ -71,6 +71,14 @@ class SceneMaker {
       part.Enter(s);
       for (std::size_t t = begin; t < end; ++t) part.Fill(t, inRange[range]);
     });
+    // Mostly no facet beside one is narrow, and nothing there is raised.
+    RunParallel(inRange.size(), threads, [&](std::size_t range) {
+      std::erase_if(inRange[range].silhouettes, [&](const Side& side) {
+        const ZBR_HL_TRI& t = scene_.triangles[side.triangle];
+        const std::size_t begin = model_.shellBegin[model_.ShellOf(static_cast<std::uint32_t>(side.triangle))];
+        return !IsNarrow(t) && !IsNarrow(scene_.triangles[begin + static_cast<std::size_t>(t.adj[side.edge])]);
+      });
+    });
     std::vector<Side> silhouettes;
     for (const Found& found : inRange) {
       scene_.drawable += found.drawable;
@@ -287,7 +295,7 @@ void MakeScene(const Model& model, const View& view, Scene& scene, const std::ve
   scene.triangles.resize(model.TriangleCount() + lines.size(), threads);
   scene.classes.resize(model.TriangleCount() + lines.size());
   scene.shells.clear();
-  scene.shells.reserve(model.ShellCount() + 1);
+  ReserveTouched(scene.shells, model.ShellCount() + 1, threads);
   SceneMaker maker(model, scene, tangents);
   maker.FillShells(threads);
   scene.drawable -= model.junctionCopies;

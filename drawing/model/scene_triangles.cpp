@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "drawing/parallel.h"
+#include "drawing/touched.h"
 
 namespace zbr::drawing {
 
@@ -14,6 +15,7 @@ static_assert(alignof(ZBR_HL_TRI) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 
 SceneTriangles::~SceneTriangles() {
   EndFrom(0);
+  GiveBackPages(first_, capacity_ * sizeof(ZBR_HL_TRI), threads_);
   ::operator delete(first_);
 }
 

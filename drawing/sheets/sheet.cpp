@@ -322,7 +322,7 @@ bool IsSideView(const std::string& name) {
   return SideCell(name, Projection::kThird).has_value();
 }
 
-Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
+Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options, unsigned threads) {
   Sheet sheet;
   sheet.options = options;
   NameSections(views);
@@ -335,7 +335,7 @@ Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options) {
   MakeRoomForMarks(sheet, grid);
   if (options.projection == Projection::kNone && !options.paper) CutPaper(sheet, grid.marks);
   ChooseWidths(sheet);
-  for (PlacedView& view : sheet.views) DropSpecks(view.lines, sheet.wide / sheet.perUnit);
+  for (PlacedView& view : sheet.views) DropSpecks(view.lines, sheet.wide / sheet.perUnit, threads);
   AddHatching(sheet);
   std::vector<MarkedPlane> planes = FindMarkedPlanes(sheet);
   KeepMarksWithin(sheet, BoundsOf(sheet), planes);

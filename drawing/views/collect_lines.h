@@ -5,16 +5,26 @@
 
 #include "drawing/curves/chord_sides.h"
 #include "drawing/curves/round_walls.h"
+#include "drawing/curves/silhouette_heights.h"
 
 namespace zbr::drawing {
 
-// Whether it takes the records of the model to tell a view's lines: hidden ones of several shells hang on the facets beside them.
-inline bool NeedsRecords(const Model& model, const View& view, bool hidden) {
-  return hidden && model.ShellCount() > 1 && !view.perspective;
-}
+// What tells which lines of a view stand for curves.
+struct CurveNotes {
+  RoundWalls walls;           // that the view is along; none without circles
+  SilhouetteHeights heights;  // where there are hidden lines of several shells to tell apart
 
-// `spent` is the scene, if it is not needed afterwards; `sides` those on the circles, `walls` those that the view is along.
+  CurveNotes() = default;
+  // `sides` are those on the circles, which may be null.
+  CurveNotes(const Model& model, const Circles* circles, const ChordSides& sides, const Scene& scene, bool hidden,
+             unsigned threads) {
+    if (circles != nullptr) walls = FindRoundWalls(model, *circles, sides, scene.view);
+    if (hidden && model.ShellCount() > 1 && !scene.view.perspective) heights = SilhouetteHeights(model, scene, threads);
+  }
+};
+
+// `spent` is the scene, if it is not needed afterwards; `sides` those on the circles.
 ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
-                      const ChordSides& sides, const RoundWalls& walls, unsigned threads);
+                      const ChordSides& sides, const CurveNotes& notes, unsigned threads);
 
 }  // namespace zbr::drawing

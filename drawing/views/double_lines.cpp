@@ -80,7 +80,7 @@ class CommonLines {
 
  private:
   // Of a block; fewer where lines have so many neighbours that these would take more room than the drawing.
-  static constexpr std::size_t kFewLines = 64, kManyLines = 4096, kManyHits = 100000;
+  static constexpr std::size_t kFewLines = 64, kManyLines = 32768, kManyHits = 400000;
   static constexpr std::size_t kSlice = 256;  // of a block, for a thread
 
   // The later one of two lines has the part in common with the earlier one.
@@ -128,7 +128,7 @@ class CommonLines {
       const ZBR_SEG& g = lines_[i].segment.segment;
       for (const ZBR_PT& p : {g.s(), g.e()}) ends.push_back(EndTree::End::At(p, lines_[i].shell, i));
     }
-    return EndTree(std::move(ends));
+    return EndTree(std::move(ends), threads_);
   }
 
   // Shells that stand apart have nothing in common with others but where it is the others that stand around them.

@@ -118,7 +118,7 @@ std::vector<DrawnSegment> DrawnSegments::Visible() const {
   return segments;
 }
 
-std::vector<DrawnSegment> DrawnSegments::Hidden() const {
+std::vector<DrawnSegment> DrawnSegments::Hidden(const SilhouetteHeights& heights) const {
   std::vector<ZBR_SEG> hidden;
   std::vector<ZBR_HL_SOURCE> sources;
   constexpr int kAsDrawn = 3;
@@ -132,19 +132,22 @@ std::vector<DrawnSegment> DrawnSegments::Hidden() const {
     segments.push_back(Located(Of(static_cast<std::size_t>(at.shell), static_cast<std::size_t>(at.triangle), at.edge, hidden[i])));
   }
   std::erase_if(segments, [](const DrawnSegment& s) { return kDrawnClasses[s.edgeClass] == EdgeClass::kTangent; });
-  if (ShellCount() > 1 && !scene_.view.perspective) LeaveOutDoubles(segments);
+  if (ShellCount() > 1 && !scene_.view.perspective) LeaveOutDoubles(heights, segments);
   return segments;
 }
 
-bool DrawnSegments::IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const {
+bool DrawnSegments::IsCurved(const DrawnSegment& drawn, const SilhouetteHeights& heights, CurvedStretch& stretch) const {
   if (!IsOfOneShell(drawn)) return IsPartOfRim(drawn, stretch);
   const EdgeClass edgeClass = kDrawnClasses[drawn.edgeClass];
   const auto [source, side] = SourceOf(drawn.triangle, drawn.side);
   if (side == EdgeRef::kAcross || edgeClass == EdgeClass::kTangent) return false;
   stretch.segment = drawn.segment.segment;
   stretch.shell = drawn.shell;
-  if (edgeClass == EdgeClass::kSilhouette)
-    return IsCurvedSilhouette(model_, scene_, drawn.shell, source - model_.shellBegin[drawn.shell], side, stretch);
+  if (edgeClass == EdgeClass::kSilhouette) {
+    stretch.circle = kNoCircle;
+    stretch.height = heights.Over(source, side) * scene_.scale;
+    return stretch.height > 0;
+  }
   const ChordSides::Side* const chord = sides_.Find(source, side);
   return chord != nullptr && IsCurvedChord(scene_, *circles_, *chord, stretch);
 }
@@ -170,12 +173,12 @@ DrawnStretch DrawnSegments::StretchOf(const DrawnSegment& drawn) const {
 }
 
 // Curves that bodies have in common are dashed once.
-void DrawnSegments::LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const {
+void DrawnSegments::LeaveOutDoubles(const SilhouetteHeights& heights, std::vector<DrawnSegment>& hidden) const {
   std::vector<CurvedStretch> curved;
   std::vector<std::size_t> places;
   CurvedStretch stretch;
   for (std::size_t i = 0; i < hidden.size(); ++i) {
-    if (!IsCurved(hidden[i], stretch)) continue;
+    if (!IsCurved(hidden[i], heights, stretch)) continue;
     curved.push_back(stretch);
     places.push_back(i);
   }
@@ -183,7 +186,7 @@ void DrawnSegments::LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const {
   std::vector<std::vector<CurvedStretch>> inRange(RangeCount(begins_.back()));
   ForEachVisible([&](std::size_t range, std::size_t s, std::size_t t, int edge, const ZBR_SEG& segment) {
     CurvedStretch seen;
-    if (IsCurved(Of(s, t, edge, segment), seen)) inRange[range].push_back(seen);
+    if (IsCurved(Of(s, t, edge, segment), heights, seen)) inRange[range].push_back(seen);
   });
   std::vector<CurvedStretch> visible;
   for (const auto& stretches : inRange) visible.insert(visible.end(), stretches.begin(), stretches.end());

@@ -14,6 +14,7 @@
 #include "drawing/curves/doubled_curves.h"
 #include "drawing/curves/round_walls.h"
 #include "drawing/curves/seen_circles.h"
+#include "drawing/curves/silhouette_heights.h"
 #include "drawing/model/shell_ranges.h"
 #include "drawing/views/chains.h"
 
@@ -42,11 +43,8 @@ class DrawnSegments {
 
   // In the order of shells and triangles.
   std::vector<DrawnSegment> Visible() const;
-  // None along a visible line, and none twice.
-  std::vector<DrawnSegment> Hidden() const;
-
-  // Whether a stretch stands for a curve.
-  bool IsCurved(const DrawnSegment& drawn, CurvedStretch& stretch) const;
+  // None along a visible line, and none twice; of several shells, none beside another one's line for the same curve.
+  std::vector<DrawnSegment> Hidden(const SilhouetteHeights& heights) const;
 
   // Of the segments at these places the parts, which name them by their order; all of the others. They stay in order.
   void KeepParts(const std::vector<std::size_t>& places, const std::vector<PartOfStretch>& parts,
@@ -99,7 +97,9 @@ class DrawnSegments {
   bool IsPartOfRim(const DrawnSegment& drawn, CurvedStretch& stretch) const;
   // The triangle of the model and its edge.
   EdgeRef SourceOf(std::size_t triangle, std::size_t edge) const;
-  void LeaveOutDoubles(std::vector<DrawnSegment>& hidden) const;
+  // Whether a stretch stands for a curve.
+  bool IsCurved(const DrawnSegment& drawn, const SilhouetteHeights& heights, CurvedStretch& stretch) const;
+  void LeaveOutDoubles(const SilhouetteHeights& heights, std::vector<DrawnSegment>& hidden) const;
 
   const Model& model_;
   const Scene& scene_;

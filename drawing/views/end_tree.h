@@ -26,7 +26,7 @@ class EndTree {
   };
 
   // Ends of one shell that follow one another stay together: a shell with few of them is a leaf.
-  explicit EndTree(std::vector<End> ends);
+  explicit EndTree(std::vector<End> ends, unsigned threads = 1);
 
   // The shells that have ends of others in their box, `reach` wider. No line of another shell is near an end that is not its own.
   std::vector<std::uint32_t> CrowdedShells(double reach, unsigned threads) const;
@@ -48,9 +48,18 @@ class EndTree {
     bool IsOf(std::uint32_t shell) const { return leastShell == shell && mostShell == shell; }
   };
 
+  // A part of the tree that is built by itself: shells, and where its nodes begin.
+  struct Branch {
+    std::span<std::uint32_t> order;
+    std::size_t at;
+  };
+
   Node BoxOf(std::uint32_t begin, std::uint32_t end) const;
-  void BuildShells(std::span<std::uint32_t> order);
-  void BuildEnds(const Node& node);
+  std::size_t NodesOf(std::span<const std::uint32_t> order) const;
+  // Build into the nodes from `at` on.
+  std::size_t Split(std::span<std::uint32_t> order, std::size_t at);
+  void BuildShells(std::span<std::uint32_t> order, std::size_t at);
+  std::size_t BuildEnds(const Node& node, std::size_t at);
   bool HasOthers(const Node& box, double wide) const;
 
   // Calls use(end) for all in the leaves that can be entered.

@@ -10,6 +10,6 @@ inline constexpr double kLineWidth = 3e-3;
 
 // Drops the visible silhouettes shorter than the width that end in nothing, and those that follow on such a one as long as together
 // they are shorter than the width. Closed ones stay, and those that lead from line to line.
-void DropSpecks(ViewLines& view, double width);
+void DropSpecks(ViewLines& view, double width, unsigned threads = 1);
 
 }  // namespace zbr::drawing

@@ -143,7 +143,7 @@ Extent ExtentOf(const Scene& scene) {
 }
 
 ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool hidden, const Circles* circles,
-                      const ChordSides& sides, const RoundWalls& walls, unsigned threads) {
+                      const ChordSides& sides, const CurveNotes& notes, unsigned threads) {
   const ZBR_TmpEps hold(kSceneTolerance);
   if (spent != nullptr) {
     RunInRanges(spent->shells.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
@@ -156,9 +156,9 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
   view.drawable = scene.drawable;
   for (const ZBR_HL_SHELL& shell : scene.shells) view.pairs += shell.pairs_tried;
   view.extent = ExtentOf(scene);
-  const DrawnSegments drawn(model, scene, circles, threads, &sides, &walls);
+  const DrawnSegments drawn(model, scene, circles, threads, &sides, &notes.walls);
   std::vector<DrawnSegment> unseen;
-  if (hidden) unseen = drawn.Hidden();
+  if (hidden) unseen = drawn.Hidden(notes.heights);
   std::vector<DrawnSegment> seen = drawn.Visible();
   if (spent != nullptr) {
     spent->shells.clear();
@@ -175,14 +175,12 @@ ViewLines CollectFrom(const Model& model, const Scene& scene, Scene* spent, bool
 
 ViewLines CollectLines(const Model& model, const Scene& scene, bool hidden, const Circles* circles, unsigned threads) {
   const ChordSides sides(model, circles, threads);
-  const RoundWalls walls = circles != nullptr ? FindRoundWalls(model, *circles, sides, scene.view) : RoundWalls();
-  return CollectFrom(model, scene, nullptr, hidden, circles, sides, walls, threads);
+  return CollectFrom(model, scene, nullptr, hidden, circles, sides, {model, circles, sides, scene, hidden, threads}, threads);
 }
 
 ViewLines CollectLines(const Model& model, Scene&& scene, bool hidden, const Circles* circles, unsigned threads) {
   const ChordSides sides(model, circles, threads);
-  const RoundWalls walls = circles != nullptr ? FindRoundWalls(model, *circles, sides, scene.view) : RoundWalls();
-  return CollectFrom(model, scene, &scene, hidden, circles, sides, walls, threads);
+  return CollectFrom(model, scene, &scene, hidden, circles, sides, {model, circles, sides, scene, hidden, threads}, threads);
 }
 
 }  // namespace zbr::drawing

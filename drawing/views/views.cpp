@@ -55,11 +55,16 @@ struct Prepared {
   SectionCut section;
   Extent whole;  // of what a section is made of
   std::optional<SmoothSilhouettes> silhouettes;
-  RoundWalls walls;  // where circles are wanted as curves
+  CurveNotes curves;
 };
 
 bool IsWhole(const NamedDirection& direction) {
   return !direction.section && !direction.view.perspective;
+}
+
+bool IsHiddenWanted(const NamedDirection& direction, const DrawingOptions& options) {
+  return options.hidden == HiddenLines::kInAllViews ||
+         (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
 }
 
 Prepared Prepare(const Model& model, const Found& found, const NamedDirection& direction, const DrawingOptions& options,
@@ -75,15 +80,11 @@ Prepared Prepare(const Model& model, const Found& found, const NamedDirection& d
     view.section = FindDrawnSection(model, direction.view, *direction.section, contact);
     CutScene(model, lines, PlanesOf(*direction.section), view.section, view.scene);
   }
-  if (options.curves) view.walls = FindRoundWalls(model, *found.circles, found.sides, direction.view);
   if (direction.view.perspective) FitPicture(model, lines, view.scene);
   if (view.silhouettes) view.silhouettes->PutInto(model, view.scene);
+  const Circles* const circles = options.curves ? &*found.circles : nullptr;
+  view.curves = {model, circles, found.sides, view.scene, IsHiddenWanted(direction, options), threads};
   return view;
-}
-
-bool IsHiddenWanted(const NamedDirection& direction, const DrawingOptions& options) {
-  return options.hidden == HiddenLines::kInAllViews ||
-         (options.hidden == HiddenLines::kInPrincipalViews && direction.view.IsPrincipal() && !direction.section);
 }
 
 // Whether scenes are of no use when their lines have been told.
@@ -92,8 +93,7 @@ bool IsSceneSpent(const Model& model, const NamedDirection& direction, const Dra
 }
 
 bool AreRecordsSpent(const Model& model, const NamedDirection& direction, const DrawingOptions& options) {
-  return IsSceneSpent(model, direction, options) && !options.centreLines &&
-         !NeedsRecords(model, direction.view, IsHiddenWanted(direction, options));
+  return IsSceneSpent(model, direction, options) && !options.centreLines;
 }
 
 // What views are made of but places and counts.
@@ -113,7 +113,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
   if (view.silhouettes) silhouettes = view.silhouettes->TakeFrom(model, view.scene, hidden);
   const Circles* const circles = options.curves ? &*found.circles : nullptr;
   Scene* const spent = IsSceneSpent(model, direction, options) ? &view.scene : nullptr;
-  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, view.walls, threads);
+  ViewLines lines = CollectFrom(model, view.scene, spent, hidden, circles, found.sides, view.curves, threads);
   lines.name = direction.name;
   const auto isHidden = [](const Line& line) { return line.hidden; };
   const auto unseen = std::stable_partition(silhouettes.begin(), silhouettes.end(), [&](const Line& l) { return !isHidden(l); });
@@ -130,7 +130,7 @@ ViewLines Collect(const Model& model, const Found& found, const NamedDirection& 
     lines.extent = view.whole;  // views of one model line up, whatever was cut away
     AddSection(std::move(view.section), direction, lines);
   }
-  DropSpecks(lines, options.lineWidth > 0 ? options.lineWidth : kLineWidth * lines.extent.Size());
+  DropSpecks(lines, options.lineWidth > 0 ? options.lineWidth : kLineWidth * lines.extent.Size(), threads);
   if (!options.centreLines || direction.view.perspective) return lines;
   lines.centres = FindCentres(model, *found.circles, lines);
   const bool hasHidden = !lines.lines.empty() && lines.lines.back().hidden;

@@ -90,8 +90,9 @@ inline constexpr double kLongDash = 24.0;
 inline constexpr double kDot = 1.0;
 bool IsChainLine(EdgeClass edgeClass);
 
-// Arranges the views, hatches sections and marks where they are. Fails when paper and scale are given and the views do not fit.
-Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options);
+// Arranges the views, hatches sections and marks where they are. Fails when paper and scale are given and the views do not fit. The
+// same sheet with any number of threads.
+Sheet LayOut(std::vector<ViewLines> views, const SheetOptions& options, unsigned threads = 1);
 
 // Whether a view of this name shows one side of the model: front, back, left, right, top or bottom.
 bool IsSideView(const std::string& name);

@@ -160,5 +160,19 @@ TEST(DoubledCurves, HalvesOfARimAreTheirBodies) {
   EXPECT_NE(shells[0], shells[1]);
 }
 
+// In a box, divided differently: on the left the silhouettes of their facets are farther apart than lines that are one on paper.
+TEST(DoubledCurves, SilhouettesOfCylindersInOnePlaceAreDashedOnce) {
+  Mesh mesh = example::Cylinder(24, 10, 5);
+  example::Append(mesh, example::Cylinder(23, 10.001, 5));
+  example::Append(mesh, example::Box({-20, -20, -1}, {20, 20, 9}));
+  Model model = MakeModel(mesh, 30.0);
+  ASSERT_EQ(model.ShellCount(), 3U);
+  const std::vector<NamedDirection> front{{"front", *NamedView("front")}};
+  const auto isDashed = [](const Line& line) { return line.hidden && line.edgeClass == EdgeClass::kSilhouette; };
+  const ViewLines view = DrawViews(model, front).front(), last = DrawLastViews(model, front).front();
+  EXPECT_EQ(std::count_if(view.lines.begin(), view.lines.end(), isDashed), 2);
+  EXPECT_EQ(std::count_if(last.lines.begin(), last.lines.end(), isDashed), 2);
+}
+
 }  // namespace
 }  // namespace zbr::drawing
