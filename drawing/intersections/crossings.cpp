@@ -24,8 +24,10 @@
 #include "drawing/intersections/plain_fans.h"
 #include "drawing/intersections/sheets.h"
 #include "drawing/intersections/slender_tree.h"
+#include "drawing/intersections/star_shaped.h"
 #include "drawing/intersections/triangle_trees.h"
 #include "drawing/model/patches.h"
+#include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
 
 namespace zbr::drawing {
@@ -128,7 +130,7 @@ class Finder {
         settle_(settle),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
-        trees_(grid_, mesh.corners, model.shellBegin, threads),
+        trees_(grid_, mesh.corners, model.shellBegin, mesh.pointBegin, threads),
         arePatchesKnown_(!patches.empty()),
         patches_(std::move(patches)) {
     if (!arePatchesKnown_) patches_.resize(mesh.corners.size(), Connectivity::kNone);
@@ -168,8 +170,20 @@ class Finder {
     for (const Lines& part : parts) found_.insert(found_.end(), part.begin(), part.end());
   }
 
+  // Whether a look at the shell as a whole shows that it does not meet itself.
+  bool IsSurelyApart(std::size_t s) const {
+    if (model_.facing[s] == Facing::kUnknown) return false;
+    const std::uint32_t firstPoint = mesh_.pointBegin[s], points = mesh_.pointBegin[s + 1] - firstPoint;
+    return IsStarShaped(grid_, firstPoint, points, TrianglesOf(s)) || IsConvex(model_, mesh_, s);
+  }
+
+  std::span<const Corners> TrianglesOf(std::size_t s) const {
+    return {&mesh_.corners[model_.shellBegin[s]], model_.shellBegin[s + 1] - model_.shellBegin[s]};
+  }
+
   void WithinSmall(std::size_t s, Lines& found) {
-    if (IsConvex(model_, mesh_, s)) return;
+    if (IsSurelyApart(s)) return;
+    trees_.Make(s, 1);
     if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
     const std::size_t from = found.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
@@ -183,7 +197,8 @@ class Finder {
   }
 
   void WithinLarge(std::size_t s) {
-    if (IsConvex(model_, mesh_, s)) return;
+    if (IsSurelyApart(s)) return;
+    trees_.Make(s, threads_);
     std::once_flag areFound;
     const auto findPatches = [&] {
       if (!arePatchesKnown_) std::call_once(areFound, [&] { FindPatchesOf(s, model_, mesh_, patches_); });
@@ -219,8 +234,7 @@ class Finder {
 
   template <class Use>
   void ChooseTree(std::size_t s, Use use) const {
-    const auto triangles = std::span(mesh_.corners).subspan(model_.shellBegin[s], trees_.Order(s).size());
-    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s], trees_.Leaves(s), threads_); slender.IsBetter()) {
+    if (const SlenderTree slender(grid_, TrianglesOf(s), model_.shellBegin[s], trees_.Leaves(s), threads_); slender.IsBetter()) {
       use(slender.View(), slender.Order());
     } else {
       use(trees_.Shell(s), trees_.Order(s));
@@ -230,6 +244,7 @@ class Finder {
   void BetweenShells() {
     std::vector<std::array<std::uint32_t, 2>> pairs;
     trees_.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) { pairs.push_back({a, b}); });
+    MakeTreesOf(pairs);
     InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
       const auto [a, b] = pairs[k];
       const std::size_t from = found.size();
@@ -238,6 +253,17 @@ class Finder {
       trees_.Shell(a).Join(trees_.Shell(b), visit);
       settle_(found, from);
     });
+  }
+
+  void MakeTreesOf(const std::vector<std::array<std::uint32_t, 2>>& pairs) {
+    std::vector<bool> isNeeded(model_.ShellCount());
+    for (const auto& [a, b] : pairs) isNeeded[a] = isNeeded[b] = true;
+    ForEachShell(model_.shellBegin, threads_, [&](std::size_t s) {
+      if (isNeeded[s] && !IsLarge(s)) trees_.Make(s, 1);
+    });
+    for (std::size_t s = 0; s < model_.ShellCount(); ++s) {
+      if (isNeeded[s] && IsLarge(s)) trees_.Make(s, threads_);
+    }
   }
 
   // What is asked of most pairs, in the order of a tree's leaves. Where patches are not known, each triangle is one.
@@ -359,7 +385,7 @@ class Finder {
   const SettleLines& settle_;
   const std::vector<GridPoint> grid_;
   const Signs signs_;
-  const TriangleTrees trees_;
+  TriangleTrees trees_;
   const bool arePatchesKnown_;
   std::vector<std::uint32_t> patches_;  // of triangles; if not known before, of those of shells that are looked through alone
   mutable std::once_flag isPlainKnown_;

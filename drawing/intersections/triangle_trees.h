@@ -19,6 +19,7 @@
 #endif
 
 #include "drawing/intersections/exact_sign.h"
+#include "drawing/unfilled.h"
 
 namespace zbr::drawing {
 
@@ -29,13 +30,6 @@ struct alignas(16) FloatBox {
   static FloatBox Around(const GridPoint& a, const GridPoint& b, const GridPoint& c);
   void Add(const FloatBox& o);
 };
-
-inline GridPoint Lowest(const GridPoint& a, const GridPoint& b) {
-  return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
-}
-inline GridPoint Highest(const GridPoint& a, const GridPoint& b) {
-  return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
-}
 
 inline void FloatBox::Add(const FloatBox& o) {
 #if defined(__SSE2__)
@@ -175,12 +169,16 @@ using UnfilledBoxes = std::unique_ptr<FloatBox[]>;
 // and the levels above them; `places` says where each was. The number of threads changes neither.
 void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std::uint32_t> places, unsigned threads);
 
-// Trees of shells whose triangles have consecutive numbers.
+// Trees of shells whose triangles and points have consecutive numbers.
 class TriangleTrees {
  public:
+  // Both with one number more than there are shells.
   TriangleTrees(const std::vector<GridPoint>& points, std::span<const std::array<std::uint32_t, 3>> corners,
-                const std::vector<std::uint32_t>& shellBegin, unsigned threads);
+                const std::vector<std::uint32_t>& shellBegin, const std::vector<std::uint32_t>& pointBegin, unsigned threads);
 
+  // A shell's tree is made when it is first asked for: most shells are known not to meet themselves, nor others. Several threads may
+  // have several shells' made.
+  void Make(std::size_t s, unsigned threads);
   TreeView Shell(std::size_t s) const;
   std::span<const std::uint32_t> Order(std::size_t s) const;  // the triangles of a shell's leaves
   std::span<const FloatBox> Leaves(std::size_t s) const;
@@ -197,8 +195,11 @@ class TriangleTrees {
   }
 
  private:
-  std::vector<std::uint32_t> shellBegin_;
-  std::vector<std::uint32_t> order_;   // triangles
+  const std::vector<GridPoint>& points_;
+  std::span<const std::array<std::uint32_t, 3>> corners_;
+  const std::vector<std::uint32_t>& shellBegin_;
+  std::vector<std::uint8_t> isMade_;  // of shells
+  Unfilled<std::uint32_t> order_;     // triangles
   UnfilledBoxes boxes_;                // of all shells' trees
   std::vector<std::size_t> boxBegin_;  // of shells
   std::vector<std::uint32_t> shellOrder_;
