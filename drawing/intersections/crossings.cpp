@@ -15,6 +15,7 @@
 #include "drawing/intersections/crossings.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <mutex>
 #include <utility>
@@ -22,6 +23,7 @@
 #include "drawing/intersections/convex.h"
 #include "drawing/intersections/exact_sign.h"
 #include "drawing/intersections/plain_fans.h"
+#include "drawing/intersections/sheet_cover.h"
 #include "drawing/intersections/sheets.h"
 #include "drawing/intersections/slender_tree.h"
 #include "drawing/intersections/star_shaped.h"
@@ -197,7 +199,7 @@ class Finder {
   }
 
   void WithinLarge(std::size_t s) {
-    if (IsSurelyApart(s)) return;
+    if (IsSurelyApart(s) || IsApartInParts(s)) return;
     trees_.Make(s, threads_);
     std::once_flag areFound;
     const auto findPatches = [&] {
@@ -225,6 +227,36 @@ class Finder {
       });
     });
     settle_(found_, from);
+  }
+
+  // Whether nothing is found where parts of the shell are in doubt. What is, is not kept: lines come in the order of a tree.
+  bool IsApartInParts(std::size_t s) {
+    if (!IsOrientedAlike(s)) return false;
+    const SheetCover cover(grid_, mesh_, model_.normals, TrianglesOf(s), model_.shellBegin[s], threads_);
+    if (!cover.IsMade()) return false;
+    const std::size_t from = found_.size();
+    std::atomic<bool> isKnown{true};
+    InPieces(cover.Doubtful().size(), [&](std::size_t k, Lines& found) {
+      const auto visit = [&](std::uint32_t t, std::uint32_t u) {
+        const Leaf a{mesh_.corners[t], arePatchesKnown_ ? patches_[t] : t}, b{mesh_.corners[u], arePatchesKnown_ ? patches_[u] : u};
+        MeetWithin(a, b, t, u, SharedCorners::kFew, found);
+      };
+      if (isKnown && !cover.LookInto(cover.Doubtful()[k], visit)) isKnown = false;
+    });
+    if (isKnown && found_.size() > from) {
+      if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
+      DropWithinPatches(found_, from);
+      settle_(found_, from);
+    }
+    const bool isApart = isKnown && found_.size() == from;
+    found_.resize(from);
+    return isApart;
+  }
+
+  bool IsOrientedAlike(std::size_t s) const {
+    if (model_.facing[s] != Facing::kUnknown) return true;
+    const auto first = model_.notes.begin() + model_.edgeBegin[s], last = model_.notes.begin() + model_.edgeBegin[s + 1];
+    return std::none_of(first, last, [](const EdgeNote& note) { return note.isSameWay; });
   }
 
   void DropWithinPatches(Lines& found, std::size_t from) const {

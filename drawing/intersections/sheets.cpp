@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "drawing/intersections/border_winding.h"
+#include "drawing/intersections/pictures.h"
 #include "drawing/intersections/triangle_trees.h"
 #include "drawing/parallel.h"
 
@@ -14,43 +15,6 @@ namespace {
 // Edges of a border, in roots of the number of triangles. A compact part has 3 to 6; looking at the border of a crumbled one takes
 // longer than what it is to spare.
 constexpr double kMostBorder = 16.0;
-
-// What is seen of points from far along a direction: the products with two vectors, of which the direction is the cross product.
-// Those of whole numbers are such numbers.
-struct Picture {
-  GridPoint right, up;
-
-  PicturePoint Of(const GridPoint& p) const { return {Dot(right, p), Dot(up, p)}; }
-  static double Dot(const GridPoint& a, const GridPoint& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-};
-
-// Along (1, 0, 0), (0, 1, 0), (0, 0, 1), (0, 1, 1), (0, 1, -1), (1, 0, 1), (-1, 0, 1), (1, 1, 0) and (1, -1, 0). Each stands for
-// its opposite, too.
-constexpr std::array<Picture, 9> kPictures = {{{{0, 1, 0}, {0, 0, 1}},
-                                               {{0, 0, 1}, {1, 0, 0}},
-                                               {{1, 0, 0}, {0, 1, 0}},
-                                               {{0, 1, -1}, {-1, 0, 0}},
-                                               {{0, 1, 1}, {1, 0, 0}},
-                                               {{-1, 0, 1}, {0, -1, 0}},
-                                               {{1, 0, 1}, {0, 1, 0}},
-                                               {{1, -1, 0}, {0, 0, -1}},
-                                               {{1, 1, 0}, {0, 0, 1}}}};
-constexpr std::uint32_t kAllPictures = (1U << 2 * kPictures.size()) - 1;
-
-// The pictures in which the plane is clearly seen from its front, two bits for each direction and its opposite.
-std::uint32_t TurnsOf(const PlaneThrough& plane) {
-  const auto [n, e] = std::pair(plane.Normal(), plane.NormalError());
-  const std::array<double, kPictures.size()> along = {n.x,       n.y,       n.z,       n.y + n.z, n.y - n.z,
-                                                      n.x + n.z, n.z - n.x, n.x + n.y, n.x - n.y};
-  const std::array<double, kPictures.size()> error = {e.x,       e.y,       e.z,       e.y + e.z, e.y + e.z,
-                                                      e.x + e.z, e.x + e.z, e.x + e.y, e.x + e.y};
-  std::uint32_t turns = 0;
-  for (std::size_t k = 0; k < kPictures.size(); ++k) {
-    turns |= static_cast<std::uint32_t>(along[k] > error[k]) << (2 * k);
-    turns |= static_cast<std::uint32_t>(along[k] < -error[k]) << (2 * k + 1);
-  }
-  return turns;
-}
 
 // Added to a neighbour that runs along the common edge the same way: there are fewer triangles than this.
 constexpr std::uint32_t kTurned = 0x80000000U;
@@ -108,7 +72,7 @@ Sheets::Triangles Sheets::Leaves(std::size_t level, std::uint32_t node) const {
 
 void Sheets::Find(std::size_t level, std::uint32_t node) {
   const auto leaves = Leaves(level, node);
-  std::uint32_t common = kAllPictures;
+  Turns common = kAllTurns;
   for (std::uint32_t k = leaves[0]; k < leaves[1]; ++k) common &= turns_[k];
   // Another picture of it would hardly do better.
   if (common != 0 && IsInjective(leaves, static_cast<unsigned>(std::countr_zero(common)))) {
@@ -124,11 +88,7 @@ void Sheets::Find(std::size_t level, std::uint32_t node) {
 
 // Two triangles that run along an edge the same way lie on the same side of it.
 bool Sheets::IsInjective(const Triangles& leaves, unsigned turn) const {
-  const Picture& picture = kPictures[turn / 2];
-  const auto see = [&](std::uint32_t p) {
-    const PicturePoint seen = picture.Of(points_[p]);
-    return turn % 2 == 0 ? seen : PicturePoint{seen.y, seen.x};  // from behind
-  };
+  const auto see = [&](std::uint32_t p) { return See(turn, points_[p]); };
   const auto isInside = [&](std::uint32_t place) { return place >= leaves[0] && place < leaves[1]; };
   std::vector<BorderEdge> border;
   const double most = kMostBorder * std::sqrt(static_cast<double>(leaves[1] - leaves[0]));
