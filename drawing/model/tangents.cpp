@@ -25,6 +25,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -56,10 +57,10 @@ constexpr double kWide = std::numeric_limits<double>::infinity();
 using Side = std::uint32_t;
 constexpr Side kNoSide = Connectivity::kNone;
 
-// What a patch is, looked at from one of its sides.
-struct Extent {
-  double width;  // up to the far side; infinite for a flat face
-  Side far;      // the side met there
+// A side of a facet's outline.
+struct OutlineSide {
+  Side side;
+  ZBR_PT3 from, to;
 };
 
 struct Facet {
@@ -97,6 +98,7 @@ class Finder {
       : model_(model), threads_(threads), mesh_(made.mesh), patches_(made.patches), size_(patches_.size()) {
     for (const std::uint32_t patch : patches_) ++size_[patch];
     MeasurePatches();
+    MeasureBends();
   }
 
   std::vector<std::uint32_t> Run() const {
@@ -137,7 +139,8 @@ class Finder {
   // The outlines of all facets, and from each of their sides the far one.
   void MeasurePatches() {
     const std::vector<std::uint32_t> order = SortedByPatch();
-    extents_ = Unfilled<Extent>(order.empty() ? 0 : 3 * patches_.size());
+    widths_ = Unfilled<double>(order.empty() ? 0 : 3 * patches_.size());
+    far_ = Unfilled<Side>(widths_.size());
     const auto goesOn = [&](std::size_t k) { return k > 0 && k < order.size() && patches_[order[k]] == patches_[order[k - 1]]; };
     RunInRanges(order.size(), threads_, [&](std::size_t, std::size_t k, std::size_t end) {
       std::vector<Side> outline;
@@ -147,7 +150,10 @@ class Finder {
         const std::uint32_t patch = patches_[order[k]];
         do AddToOutline(order[k], outline);
         while (goesOn(++k));
-        for (const Side s : outline) extents_[s] = {kWide, kNoSide};
+        for (const Side s : outline) {
+          widths_[s] = kWide;
+          far_[s] = kNoSide;
+        }
         if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patch]);
       }
     });
@@ -175,21 +181,46 @@ class Finder {
     return order;
   }
 
-  void MeasureFacet(const std::vector<Side>& outline, const ZBR_PT3& normal) {
-    for (const Side s : outline) {
-      const ZBR_PT3 along = To(s) - From(s);
-      const ZBR_PT3 middle = (From(s) + To(s)) * 0.5, inwards = normal.OuterProduct(along) * (1.0 / along.Length());
-      for (const Side f : outline) {
-        const double a = along.InnerProduct(From(f) - middle), b = along.InnerProduct(To(f) - middle);
-        if (f == s || (a > 0) == (b > 0)) continue;
-        const double width = inwards.InnerProduct(From(f) + (To(f) - From(f)) * (a / (a - b)) - middle);
-        if (width > 0 && width < extents_[s].width) extents_[s] = {width, f};
+  void MeasureFacet(std::span<const Side> outline, const ZBR_PT3& normal) {
+    std::array<OutlineSide, kMostSides> sides;
+    for (std::size_t k = 0; k < outline.size(); ++k) sides[k] = {outline[k], From(outline[k]), To(outline[k])};
+    for (std::size_t k = 0; k < outline.size(); ++k) {
+      const OutlineSide& s = sides[k];
+      const ZBR_PT3 along = s.to - s.from;
+      const ZBR_PT3 middle = (s.from + s.to) * 0.5, inwards = normal.OuterProduct(along) * (1.0 / along.Length());
+      for (std::size_t j = 0; j < outline.size(); ++j) {
+        const OutlineSide& f = sides[j];
+        const double a = along.InnerProduct(f.from - middle), b = along.InnerProduct(f.to - middle);
+        if (j == k || (a > 0) == (b > 0)) continue;
+        const double width = inwards.InnerProduct(f.from + (f.to - f.from) * (a / (a - b)) - middle);
+        if (!(width > 0 && width < widths_[s.side])) continue;
+        widths_[s.side] = width;
+        far_[s.side] = f.side;
       }
     }
   }
 
+  // Each is asked for by three edges.
+  void MeasureBends() {
+    bends_ = Unfilled<double>(mesh_.sides.size());
+    RunInRanges(mesh_.sides.size(), threads_, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t e = begin; e < end; ++e) {
+        const auto edge = static_cast<std::uint32_t>(e);
+        bends_[e] = IsSmooth(edge) && IsAtFacet(edge) ? BendAt(edge) : kUnknown;
+      }
+    });
+  }
+
+  // Whether it is on the outline of one.
+  bool IsAtFacet(std::uint32_t edge) const {
+    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
+    return patches_[t] != patches_[u] && (IsFacet(t) || IsFacet(u));
+  }
+
+  double Bend(std::uint32_t edge) const { return std::isnan(bends_[edge]) ? BendAt(edge) : bends_[edge]; }
+
   // Positive where the surface bends away from its normals.
-  double Bend(std::uint32_t edge) const {
+  double BendAt(std::uint32_t edge) const {
     const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     const ZBR_PT3 &a = model_.normals[t], &b = model_.normals[u];
     const double angle = BendBetween(a, b);
@@ -199,7 +230,7 @@ class Finder {
   bool IsSmooth(std::uint32_t edge) const { return !mesh_.shows[edge] && mesh_.sides[edge][1] != Connectivity::kNone; }
 
   double Width(Side s) const {
-    if (IsFacet(s / 3)) return extents_[s].width;
+    if (IsFacet(s / 3)) return widths_[s];
     const ZBR_PT3 along = To(s) - From(s);
     return along.OuterProduct(Apex(s) - From(s)).Length() / along.Length();
   }
@@ -209,20 +240,19 @@ class Finder {
     const double width = Width(s);
     if (!IsFacet(s / 3)) return {width, kUnknown};
     if (width == kWide) return {width, 0.0};
-    const std::uint32_t far = EdgeAt(extents_[s].far);
+    const std::uint32_t far = EdgeAt(far_[s]);
     if (!IsSmooth(far)) return {width, kUnknown};
-    const double behind = Width(SideAt(far, mesh_.Across(far, extents_[s].far / 3)));
+    const double behind = Width(SideAt(far, mesh_.Across(far, far_[s] / 3)));
     if (width > kFarLonger * behind) return {width, 0.0};
     return {width, 2.0 * Bend(far) / (behind > kFarLonger * width ? width : width + behind)};
   }
 
   // From facet to facet.
   bool JumpsAt(std::uint32_t edge) const {
-    if (!IsSmooth(edge)) return false;
-    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
-    if (patches_[t] == patches_[u] || (!IsFacet(t) && !IsFacet(u))) return false;
-    const double bend = Bend(edge);
+    const double bend = bends_[edge];
+    if (std::isnan(bend)) return false;
     if (std::abs(bend) < kSmallestBend) return false;
+    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     Facet a = Look(SideAt(edge, t)), b = Look(SideAt(edge, u));
     if (a.width == kWide && b.width == kWide) return false;
     if (std::isnan(a.curvature) && std::isnan(b.curvature)) {
@@ -312,7 +342,10 @@ class Finder {
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
   std::vector<std::uint32_t> size_;  // of patches, in triangles
-  Unfilled<Extent> extents_;         // of the sides of facets, but for those within
+  // Of the sides of facets, but for those within: how wide the facet is from there, infinite for a flat face, and the side met there.
+  Unfilled<double> widths_;
+  Unfilled<Side> far_;
+  Unfilled<double> bends_;  // of edges at facets
 };
 
 }  // namespace
