@@ -48,7 +48,7 @@ constexpr double kFarLonger = 3.0;       // a facet this many times as wide as t
 // radians. What turns less ends nowhere that can be seen.
 constexpr double kRunTurn = 0.3;
 constexpr double kLeastTurn = 0.1;
-constexpr int kMostTriangles = 200;  // of a run
+constexpr std::size_t kMostTriangles = 200;  // of a run
 constexpr double kShortLine = 0.03;  // of the diagonal: lines that end loosely are longer
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kWide = std::numeric_limits<double>::infinity();
@@ -267,29 +267,67 @@ class Finder {
 
   static bool Differ(double a, double b) { return std::abs(a - b) > kJump * std::max(std::abs(a), std::abs(b)); }
 
-  // The way over the surface from the middle of a side, at a right angle to it: as far as it is round, or up to a length.
-  Way Follow(Side s, double upTo) const {
-    const bool isRound = upTo == kWide;
-    Way run;
-    ZBR_PT3 p = (From(s) + To(s)) * 0.5, way = Inwards(s);
-    double walked = 0.0;
-    for (int k = 0; k < kMostTriangles; ++k) {
-      double across = 0.0;
-      const Side out = Leave(s, p, way, walked, across);
-      if (!isRound && walked > upTo) return {upTo, run.turn};
-      if (isRound && std::abs(run.turn) >= kLeastTurn && walked > (1.0 + kFarLonger) * run.length) return run;
-      if (out == kNoSide || !IsSmooth(EdgeAt(out))) break;
-      s = SideAt(EdgeAt(out), mesh_.Across(EdgeAt(out), out / 3));
-      const ZBR_PT3 along = (To(s) - From(s)) * (1.0 / (To(s) - From(s)).Length());
-      const double bend = across * Bend(EdgeAt(s));
-      way = along * way.InnerProduct(along) + Inwards(s) * across;
-      run.turn += bend;
-      if (!isRound || std::abs(bend) > kSmallestBend * kMisfit) run.length = walked;
-      if (isRound && std::abs(run.turn) >= kRunTurn) return run;
+  // A way over the surface from the middle of a side, at a right angle to it, triangle by triangle.
+  class Walk {
+   public:
+    Walk(const Finder& finder, Side s)
+        : finder_(finder), s_(s), p_((finder.From(s) + finder.To(s)) * 0.5), way_(finder.Inwards(s)) {}
+
+    // As far as the surface is round.
+    Way Round() {
+      Way run;
+      for (std::size_t k = 0; k < kMostTriangles; ++k) {
+        Step();
+        if (std::abs(run.turn) >= kLeastTurn && walked_ > (1.0 + kFarLonger) * run.length) return run;
+        if (hasEnded_) return run;
+        run.turn += bend_;
+        if (std::abs(bend_) > kSmallestBend * kMisfit) run.length = walked_;
+        if (std::abs(run.turn) >= kRunTurn) return run;
+      }
+      return run;
     }
-    if (!isRound) run.length = walked;
-    return run;
-  }
+
+    // Up to a length. What has been walked before is not walked again.
+    Way UpTo(double length) {
+      Way run;
+      for (std::size_t k = 0; k < kMostTriangles; ++k) {
+        if (k == count_) Step();
+        run.length = steps_[k].walked;
+        if (run.length > length) return {length, run.turn};
+        if (hasEnded_ && k + 1 == count_) return run;
+        run.turn += steps_[k].bend;
+      }
+      return run;
+    }
+
+   private:
+    // Through a triangle and over its edge.
+    void Step() {
+      double across = 0.0;
+      const Side out = finder_.Leave(s_, p_, way_, walked_, across);
+      hasEnded_ = out == kNoSide || !finder_.IsSmooth(finder_.EdgeAt(out));
+      if (!hasEnded_) {
+        const std::uint32_t edge = finder_.EdgeAt(out);
+        s_ = finder_.SideAt(edge, finder_.mesh_.Across(edge, out / 3));
+        const ZBR_PT3 along = (finder_.To(s_) - finder_.From(s_)) * (1.0 / (finder_.To(s_) - finder_.From(s_)).Length());
+        bend_ = across * finder_.Bend(edge);
+        way_ = along * way_.InnerProduct(along) + finder_.Inwards(s_) * across;
+      }
+      steps_[count_++] = {walked_, bend_};
+    }
+
+    struct Taken {
+      double walked, bend;
+    };
+
+    const Finder& finder_;
+    Side s_;
+    ZBR_PT3 p_, way_;
+    double walked_ = 0.0, bend_ = 0.0;
+    bool hasEnded_ = false;
+    std::size_t count_ = 0;
+    std::array<Taken, kMostTriangles> steps_;
+  };
 
   // At a right angle to the side, within its triangle.
   ZBR_PT3 Inwards(Side s) const {
@@ -320,11 +358,12 @@ class Finder {
 
   bool HoldsForRuns(std::uint32_t edge) const {
     const Side s = SideAt(edge, mesh_.sides[edge][0]), o = SideAt(edge, mesh_.sides[edge][1]);
-    const Way there = Follow(s, kWide), here = Follow(o, kWide);
+    Walk fromS(*this, s), fromO(*this, o);
+    const Way there = fromS.Round(), here = fromO.Round();
     const bool isFirst = here.turn == 0 || std::abs(there.turn) * here.length > std::abs(here.turn) * there.length;
     const Way& round = isFirst ? there : here;
     if (!(std::abs(round.turn) >= kLeastTurn)) return false;
-    const Way flat = Follow(isFirst ? o : s, round.length);
+    const Way flat = (isFirst ? fromO : fromS).UpTo(round.length);
     return Differ(round.turn * flat.length, flat.turn * round.length);
   }
 
