@@ -24,7 +24,6 @@
 #include "drawing/intersections/exact_sign.h"
 #include "drawing/intersections/plain_fans.h"
 #include "drawing/intersections/sheet_cover.h"
-#include "drawing/intersections/sheets.h"
 #include "drawing/intersections/slender_tree.h"
 #include "drawing/intersections/star_shaped.h"
 #include "drawing/intersections/triangle_trees.h"
@@ -199,58 +198,69 @@ class Finder {
   }
 
   void WithinLarge(std::size_t s) {
-    if (IsSurelyApart(s) || IsApartInParts(s)) return;
-    trees_.Make(s, threads_);
-    std::once_flag areFound;
-    const auto findPatches = [&] {
-      if (!arePatchesKnown_) std::call_once(areFound, [&] { FindPatchesOf(s, model_, mesh_, patches_); });
-    };
+    if (IsSurelyApart(s)) return;
     const std::size_t from = found_.size();
+    const bool isFound = FindByParts(s);
+    if (isFound && found_.size() == from) return;
+    if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
+    trees_.Make(s, threads_);
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
-      const auto isSheet = [&](std::size_t level, std::uint32_t node) { return sheets.IsSheet(level, node); };
-      const SharedCorners corners = sheets.AreMost() ? SharedCorners::kFew : SharedCorners::kMany;
-      if (corners == SharedCorners::kMany) findPatches();
-      // Few are worth no arrays of their own.
-      const std::vector<Leaf> leaves = corners == SharedCorners::kMany ? LeavesOf(order) : std::vector<Leaf>();
-      const auto leafAt = [&](std::uint32_t i) { return leaves.empty() ? Leaf{mesh_.corners[order[i]], order[i]} : leaves[i]; };
-      const std::vector<NodePair> pairs = tree.PairsOfNodes(isSheet);
-      InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
-        auto visit = [&](std::uint32_t i, std::uint32_t j) {
-          MeetWithin(leafAt(i), leafAt(j), order[i], order[j], corners, found);
-        };
-        const std::size_t begin = found.size();
-        tree.Join(pairs[k], visit, isSheet);
-        if (begin == found.size() || corners == SharedCorners::kMany) return;
-        findPatches();
-        DropWithinPatches(found, begin);
-      });
+      if (isFound) {
+        DropWithinPatches(from);
+        SortAsFoundBy(order, from);
+      } else {
+        found_.resize(from);
+        FindByTree(tree, order);
+      }
     });
     settle_(found_, from);
   }
 
-  // Whether nothing is found where parts of the shell are in doubt. What is, is not kept: lines come in the order of a tree.
-  bool IsApartInParts(std::size_t s) {
+  // Looks at what parts of the shell leave in doubt. False when that is too much; then some lines may be missing.
+  bool FindByParts(std::size_t s) {
     if (!IsOrientedAlike(s)) return false;
     const SheetCover cover(grid_, mesh_, model_.normals, TrianglesOf(s), model_.shellBegin[s], threads_);
     if (!cover.IsMade()) return false;
-    const std::size_t from = found_.size();
-    std::atomic<bool> isKnown{true};
+    std::atomic<bool> isAll{true};
     InPieces(cover.Doubtful().size(), [&](std::size_t k, Lines& found) {
       const auto visit = [&](std::uint32_t t, std::uint32_t u) {
-        const Leaf a{mesh_.corners[t], arePatchesKnown_ ? patches_[t] : t}, b{mesh_.corners[u], arePatchesKnown_ ? patches_[u] : u};
-        MeetWithin(a, b, t, u, SharedCorners::kFew, found);
+        MeetWithin(LeafOf(t), LeafOf(u), t, u, SharedCorners::kFew, found);
       };
-      if (isKnown && !cover.LookInto(cover.Doubtful()[k], visit)) isKnown = false;
+      if (isAll && !cover.LookInto(cover.Doubtful()[k], visit)) isAll = false;
     });
-    if (isKnown && found_.size() > from) {
-      if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
-      DropWithinPatches(found_, from);
-      settle_(found_, from);
-    }
-    const bool isApart = isKnown && found_.size() == from;
-    found_.resize(from);
-    return isApart;
+    return isAll;
+  }
+
+  void FindByTree(const TreeView& tree, std::span<const std::uint32_t> order) {
+    const std::vector<Leaf> leaves = LeavesOf(order);
+    const auto none = [](std::size_t, std::uint32_t) { return false; };
+    const std::vector<NodePair> pairs = tree.PairsOfNodes(none);
+    InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
+      auto visit = [&](std::uint32_t i, std::uint32_t j) {
+        MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
+      };
+      tree.Join(pairs[k], visit, none);
+    });
+  }
+
+  // As if a tree with this order of leaves had found them: its nodes are gone through in pairs, from the root down. Leaves in four
+  // are siblings, so the order is that of the places' digits to the base of 4, the two taken by turns.
+  void SortAsFoundBy(std::span<const std::uint32_t> order, std::size_t from) {
+    static_assert(TreeView::kFanOut == 4);
+    const std::uint32_t first = *std::min_element(order.begin(), order.end());
+    std::vector<std::uint32_t> place(order.size());
+    for (std::uint32_t k = 0; k < order.size(); ++k) place[order[k] - first] = k;
+    const auto key = [&](const IntersectionLine& line) {
+      const auto [i, j] = std::minmax(place[line.triangles[0] - first], place[line.triangles[1] - first]);
+      std::uint64_t digits = 0;
+      for (unsigned at = 32; at > 0; at -= 2) digits = digits << 4U | (i >> (at - 2) & 3U) << 2U | (j >> (at - 2) & 3U);
+      return digits;
+    };
+    std::vector<std::pair<std::uint64_t, IntersectionLine>> keyed;
+    for (std::size_t k = from; k < found_.size(); ++k) keyed.emplace_back(key(found_[k]), found_[k]);
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::transform(keyed.begin(), keyed.end(), found_.begin() + static_cast<std::ptrdiff_t>(from),
+                   [](const auto& line) { return line.second; });
   }
 
   bool IsOrientedAlike(std::size_t s) const {
@@ -259,9 +269,9 @@ class Finder {
     return std::none_of(first, last, [](const EdgeNote& note) { return note.isSameWay; });
   }
 
-  void DropWithinPatches(Lines& found, std::size_t from) const {
+  void DropWithinPatches(std::size_t from) {
     const auto isWithin = [&](const IntersectionLine& line) { return patches_[line.triangles[0]] == patches_[line.triangles[1]]; };
-    found.erase(std::remove_if(found.begin() + static_cast<std::ptrdiff_t>(from), found.end(), isWithin), found.end());
+    found_.erase(std::remove_if(found_.begin() + static_cast<std::ptrdiff_t>(from), found_.end(), isWithin), found_.end());
   }
 
   template <class Use>
@@ -303,6 +313,8 @@ class Finder {
     Corners corners;
     std::uint32_t patch;
   };
+
+  Leaf LeafOf(std::uint32_t t) const { return {mesh_.corners[t], arePatchesKnown_ ? patches_[t] : t}; }
 
   std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order) const {
     std::vector<Leaf> leaves(order.size());

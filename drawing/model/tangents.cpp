@@ -49,7 +49,7 @@ constexpr double kFarLonger = 3.0;       // a facet this many times as wide as t
 constexpr double kRunTurn = 0.3;
 constexpr double kLeastTurn = 0.1;
 constexpr std::size_t kMostTriangles = 200;  // of a run
-constexpr double kShortLine = 0.03;  // of the diagonal: lines that end loosely are longer
+constexpr double kShortLine = 0.03;          // of the diagonal: lines that end loosely are longer
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kWide = std::numeric_limits<double>::infinity();
 
@@ -381,7 +381,8 @@ class Finder {
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
   std::vector<std::uint32_t> size_;  // of patches, in triangles
-  // Of the sides of facets, but for those within: how wide the facet is from there, infinite for a flat face, and the side met there.
+  // Of the sides of facets, but for those within: how wide the facet is from there, infinite for a flat face, and the side met
+  // there.
   Unfilled<double> widths_;
   Unfilled<Side> far_;
   Unfilled<double> bends_;  // of edges at facets
