@@ -4,8 +4,10 @@
 #include "drawing/intersections/border_winding.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 
 #include "drawing/model/disjoint_sets.h"
 
@@ -45,20 +47,63 @@ bool AreApart(const BorderEdge& e, const BorderEdge& f) {
   return (a != 0 && a == ClearSide(e.a, e.b, f.b)) || (b != 0 && b == ClearSide(f.a, f.b, e.b));
 }
 
-bool AreAllApart(std::vector<BorderEdge>& edges) {
-  const auto left = [](const BorderEdge& e) { return std::min(e.a.x, e.b.x); };
-  std::sort(edges.begin(), edges.end(), [&](const BorderEdge& e, const BorderEdge& f) { return left(e) < left(f); });
-  for (std::size_t i = 0; i < edges.size(); ++i) {
-    const BorderEdge& e = edges[i];
-    const double right = std::max(e.a.x, e.b.x), low = std::min(e.a.y, e.b.y), high = std::max(e.a.y, e.b.y);
-    for (std::size_t j = i + 1; j < edges.size() && left(edges[j]) <= right; ++j) {
-      const BorderEdge& f = edges[j];
-      if (std::max(f.a.y, f.b.y) < low || std::min(f.a.y, f.b.y) > high) continue;
-      if (!AreApart(e, f)) return false;
+// Edges in slots across a picture, so that only those of slots next to each other are compared. The slots lie aslant: borders that
+// run along the axes would fill a few of them.
+class Slots {
+ public:
+  explicit Slots(const std::vector<BorderEdge>& edges) {
+    double low = HUGE_VAL, high = -HUGE_VAL;
+    for (const BorderEdge& e : edges) {
+      low = std::min({low, Along(e.a), Along(e.b)});
+      high = std::max({high, Along(e.a), Along(e.b)});
+    }
+    low_ = low;
+    perUnit_ = static_cast<double>(edges.size()) / std::max(high - low, 1.0);
+    begins_.resize(edges.size() + 2);
+    for (const BorderEdge& e : edges) ++begins_[First(e) + 1];
+    for (std::size_t i = 1; i < begins_.size(); ++i) begins_[i] += begins_[i - 1];
+    boxed_.resize(edges.size());
+    for (std::uint32_t k = 0; k < edges.size(); ++k) {
+      const BorderEdge& e = edges[k];
+      const auto [left, right] = std::minmax(e.a.x, e.b.x);
+      const auto [below, above] = std::minmax(e.a.y, e.b.y);
+      boxed_[begins_[First(e)]++] = {left, right, below, above, k, Last(e)};
     }
   }
-  return true;
-}
+
+  // False once test(i, j) is, for edges whose boxes meet.
+  template <class Test>
+  bool ForPairs(const Test& test) const {
+    for (std::size_t i = 0; i < boxed_.size(); ++i) {
+      const Boxed& e = boxed_[i];
+      for (std::size_t j = i + 1; j < begins_[e.last]; ++j) {
+        const Boxed& f = boxed_[j];
+        if ((e.left > f.right) | (f.left > e.right) | (e.below > f.above) | (f.below > e.above)) continue;
+        if (!test(e.edge, f.edge)) return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  struct Boxed {
+    double left, right, below, above;
+    std::uint32_t edge, last;  // the last of its slots
+  };
+
+  static double Along(const PicturePoint& p) { return p.x + 0.618034 * p.y; }
+  std::uint32_t At(double along) const { return static_cast<std::uint32_t>((along - low_) * perUnit_); }
+  std::uint32_t First(const BorderEdge& e) const { return At(std::min(Along(e.a), Along(e.b))); }
+  // A hundredth of a slot further, as edges must not miss each other by rounding.
+  std::uint32_t Last(const BorderEdge& e) const {
+    const double last = (std::max(Along(e.a), Along(e.b)) - low_) * perUnit_ + 0.01;
+    return std::min(static_cast<std::uint32_t>(last), static_cast<std::uint32_t>(begins_.size() - 2));
+  }
+
+  double low_ = 0.0, perUnit_ = 0.0;
+  std::vector<std::uint32_t> begins_;  // of slots; in the end, where each ends
+  std::vector<Boxed> boxed_;           // by their first slot
+};
 
 // An edge as it goes off from one of its ends.
 struct Arm {
@@ -67,19 +112,51 @@ struct Arm {
   PicturePoint at, along;
 };
 
-std::vector<Arm> ArmsOf(const std::vector<BorderEdge>& edges) {
-  std::vector<Arm> arms;
-  arms.reserve(2 * edges.size());
-  for (std::uint32_t k = 0; k < edges.size(); ++k) {
-    const BorderEdge& e = edges[k];
-    arms.push_back({e.from, k, true, e.a, Minus(e.b, e.a)});
-    arms.push_back({e.to, k, false, e.b, Minus(e.a, e.b)});
-  }
-  std::sort(arms.begin(), arms.end(), [](const Arm& a, const Arm& b) {
-    return a.point != b.point ? a.point < b.point : a.edge < b.edge;  // none has both ends at one point
-  });
-  return arms;
+Arm ArmOf(const std::vector<BorderEdge>& edges, std::uint32_t edge, bool leaves) {
+  const BorderEdge& e = edges[edge];
+  return leaves ? Arm{e.from, edge, true, e.a, Minus(e.b, e.a)} : Arm{e.to, edge, false, e.b, Minus(e.a, e.b)};
 }
+
+// The edges at points, of which nearly all have one that comes and one that leaves.
+class Ends {
+ public:
+  static constexpr std::uint32_t kNone = 0xffffffffU;
+
+  struct Point {
+    std::uint32_t number = kNone, comes = kNone, leaves = kNone;
+  };
+
+  explicit Ends(const std::vector<BorderEdge>& edges) : points_(std::bit_ceil(2 * edges.size() + 1)) {
+    for (std::uint32_t k = 0; k < edges.size(); ++k) {
+      Put(edges, k, true);
+      Put(edges, k, false);
+    }
+  }
+
+  // Also those without any edge.
+  const std::vector<Point>& Points() const { return points_; }
+  // What comes or leaves at a point besides.
+  void AddFurther(std::uint32_t number, std::vector<Arm>& arms) const {
+    std::copy_if(further_.begin(), further_.end(), std::back_inserter(arms), [&](const Arm& arm) { return arm.point == number; });
+  }
+
+ private:
+  void Put(const std::vector<BorderEdge>& edges, std::uint32_t k, bool leaves) {
+    const std::uint32_t number = leaves ? edges[k].from : edges[k].to;
+    std::size_t i = number * 2654435769U & (points_.size() - 1);
+    while (points_[i].number != number && points_[i].number != kNone) i = (i + 1) & (points_.size() - 1);
+    points_[i].number = number;
+    std::uint32_t& edge = leaves ? points_[i].leaves : points_[i].comes;
+    if (edge == kNone) {
+      edge = k;
+    } else {
+      further_.push_back(ArmOf(edges, k, leaves));
+    }
+  }
+
+  std::vector<Point> points_;  // by a hash of their numbers
+  std::vector<Arm> further_;
+};
 
 // From the direction of -x on, counter-clockwise.
 bool IsBefore(const Arm& a, const Arm& b, bool& isClear) {
@@ -122,26 +199,32 @@ int ClearSide(const PicturePoint& a, const PicturePoint& b, const PicturePoint& 
   return CrossSign(Minus(b, a), Minus(c, a));
 }
 
-bool WindsOnce(std::vector<BorderEdge>& edges) {
-  if (!AreAllApart(edges)) return false;
-  std::vector<Arm> arms = ArmsOf(edges);
+bool WindsOnce(const std::vector<BorderEdge>& edges) {
+  if (edges.empty()) return true;
+  if (!Slots(edges).ForPairs([&](std::uint32_t i, std::uint32_t j) { return AreApart(edges[i], edges[j]); })) return false;
+  Ends ends(edges);
   DisjointSets sets(edges.size());
-  for (auto begin = arms.begin(); begin != arms.end();) {
-    auto end = begin;
-    for (; end != arms.end() && end->point == begin->point; ++end) sets.Unite(begin->edge, end->edge);
-    if (!TakeTurns(begin, end)) return false;
-    begin = end;
+  std::vector<Arm> arms, last;  // at a point; at each point
+  last.reserve(edges.size());
+  for (const Ends::Point& point : ends.Points()) {
+    if (point.number == Ends::kNone) continue;
+    if (point.comes == Ends::kNone || point.leaves == Ends::kNone) return false;
+    arms = {ArmOf(edges, point.comes, false), ArmOf(edges, point.leaves, true)};
+    ends.AddFurther(point.number, arms);
+    if (!TakeTurns(arms.begin(), arms.end())) return false;
+    for (const Arm& arm : arms) sets.Unite(arms[0].edge, arm.edge);
+    last.push_back(arms.back());
   }
   constexpr std::size_t kNone = ~std::size_t{0};
   std::vector<std::size_t> leftmost(edges.size(), kNone);  // of sets: the last arm there is at the point, the lowest of several
-  for (std::size_t k = 0; k < arms.size(); ++k) {
-    std::size_t& best = leftmost[sets.Find(arms[k].edge)];
-    const auto isFurther = [&](const PicturePoint& p, const PicturePoint& q) { return p.x != q.x ? p.x < q.x : p.y <= q.y; };
-    if (best == kNone || isFurther(arms[k].at, arms[best].at)) best = k;
+  for (std::size_t k = 0; k < last.size(); ++k) {
+    std::size_t& best = leftmost[sets.Find(last[k].edge)];
+    const auto isFurther = [&](const PicturePoint& p, const PicturePoint& q) { return p.x != q.x ? p.x < q.x : p.y < q.y; };
+    if (best == kNone || isFurther(last[k].at, last[best].at)) best = k;
   }
   for (std::uint32_t set = 0; set < edges.size(); ++set) {
     if (leftmost[set] == kNone) continue;
-    const Arm& arm = arms[leftmost[set]];  // no arm is between it and the direction of -x: the part is there if the edge leaves
+    const Arm& arm = last[leftmost[set]];  // no arm is between it and the direction of -x: the part is there if the edge leaves
     int turns = 0;
     if (!CountTurns(edges, sets, set, arm.at, turns) || turns != (arm.leaves ? 1 : 0)) return false;
   }

@@ -41,8 +41,8 @@ double AngleAtMost(const ZBR_PT3& u, const ZBR_PT3& v) {
 template <class AngleOf>
 std::vector<double> AngleSums(const Model& model, const Connectivity& mesh, std::size_t shell, AngleOf angle) {
   const std::uint32_t begin = model.shellBegin[shell], end = model.shellBegin[shell + 1];
-  const std::uint32_t firstPoint = mesh.corners[begin][0];  // the first vertex that a shell needs is its first one
-  std::vector<double> sums(static_cast<std::size_t>(model.Shell(shell).GetVertexCnt()));
+  const std::uint32_t firstPoint = mesh.pointBegin[shell];
+  std::vector<double> sums(mesh.pointBegin[shell + 1] - firstPoint);
   for (std::uint32_t t = begin; t < end; ++t) {
     const auto& c = mesh.corners[t];
     for (std::size_t i = 0; i < 3; ++i) {

@@ -15,6 +15,7 @@
 #include "drawing/intersections/crossings.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <mutex>
 #include <utility>
@@ -22,10 +23,12 @@
 #include "drawing/intersections/convex.h"
 #include "drawing/intersections/exact_sign.h"
 #include "drawing/intersections/plain_fans.h"
-#include "drawing/intersections/sheets.h"
+#include "drawing/intersections/sheet_cover.h"
 #include "drawing/intersections/slender_tree.h"
+#include "drawing/intersections/star_shaped.h"
 #include "drawing/intersections/triangle_trees.h"
 #include "drawing/model/patches.h"
+#include "drawing/model/shell_ranges.h"
 #include "drawing/parallel.h"
 
 namespace zbr::drawing {
@@ -128,7 +131,7 @@ class Finder {
         settle_(settle),
         grid_(OnGrid(mesh.points, model.low, model.high)),
         signs_(grid_),
-        trees_(grid_, mesh.corners, model.shellBegin, threads),
+        trees_(grid_, mesh.corners, model.shellBegin, mesh.pointBegin, threads),
         arePatchesKnown_(!patches.empty()),
         patches_(std::move(patches)) {
     if (!arePatchesKnown_) patches_.resize(mesh.corners.size(), Connectivity::kNone);
@@ -168,8 +171,20 @@ class Finder {
     for (const Lines& part : parts) found_.insert(found_.end(), part.begin(), part.end());
   }
 
+  // Whether a look at the shell as a whole shows that it does not meet itself.
+  bool IsSurelyApart(std::size_t s) const {
+    if (model_.facing[s] == Facing::kUnknown) return false;
+    const std::uint32_t firstPoint = mesh_.pointBegin[s], points = mesh_.pointBegin[s + 1] - firstPoint;
+    return IsStarShaped(grid_, firstPoint, points, TrianglesOf(s)) || IsConvex(model_, mesh_, s);
+  }
+
+  std::span<const Corners> TrianglesOf(std::size_t s) const {
+    return {&mesh_.corners[model_.shellBegin[s]], model_.shellBegin[s + 1] - model_.shellBegin[s]};
+  }
+
   void WithinSmall(std::size_t s, Lines& found) {
-    if (IsConvex(model_, mesh_, s)) return;
+    if (IsSurelyApart(s)) return;
+    trees_.Make(s, 1);
     if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
     const std::size_t from = found.size();
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
@@ -183,44 +198,85 @@ class Finder {
   }
 
   void WithinLarge(std::size_t s) {
-    if (IsConvex(model_, mesh_, s)) return;
-    std::once_flag areFound;
-    const auto findPatches = [&] {
-      if (!arePatchesKnown_) std::call_once(areFound, [&] { FindPatchesOf(s, model_, mesh_, patches_); });
-    };
+    if (IsSurelyApart(s)) return;
     const std::size_t from = found_.size();
+    const bool isFound = FindByParts(s);
+    if (isFound && found_.size() == from) return;
+    if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
+    trees_.Make(s, threads_);
     ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const Sheets sheets(grid_, mesh_, order, model_.shellBegin[s], threads_);
-      const auto isSheet = [&](std::size_t level, std::uint32_t node) { return sheets.IsSheet(level, node); };
-      const SharedCorners corners = sheets.AreMost() ? SharedCorners::kFew : SharedCorners::kMany;
-      if (corners == SharedCorners::kMany) findPatches();
-      // Few are worth no arrays of their own.
-      const std::vector<Leaf> leaves = corners == SharedCorners::kMany ? LeavesOf(order) : std::vector<Leaf>();
-      const auto leafAt = [&](std::uint32_t i) { return leaves.empty() ? Leaf{mesh_.corners[order[i]], order[i]} : leaves[i]; };
-      const std::vector<NodePair> pairs = tree.PairsOfNodes(isSheet);
-      InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
-        auto visit = [&](std::uint32_t i, std::uint32_t j) {
-          MeetWithin(leafAt(i), leafAt(j), order[i], order[j], corners, found);
-        };
-        const std::size_t begin = found.size();
-        tree.Join(pairs[k], visit, isSheet);
-        if (begin == found.size() || corners == SharedCorners::kMany) return;
-        findPatches();
-        DropWithinPatches(found, begin);
-      });
+      if (isFound) {
+        DropWithinPatches(from);
+        SortAsFoundBy(order, from);
+      } else {
+        found_.resize(from);
+        FindByTree(tree, order);
+      }
     });
     settle_(found_, from);
   }
 
-  void DropWithinPatches(Lines& found, std::size_t from) const {
+  // Looks at what parts of the shell leave in doubt. False when that is too much; then some lines may be missing.
+  bool FindByParts(std::size_t s) {
+    if (!IsOrientedAlike(s)) return false;
+    const SheetCover cover(grid_, mesh_, model_.normals, TrianglesOf(s), model_.shellBegin[s], threads_);
+    if (!cover.IsMade()) return false;
+    std::atomic<bool> isAll{true};
+    InPieces(cover.Doubtful().size(), [&](std::size_t k, Lines& found) {
+      const auto visit = [&](std::uint32_t t, std::uint32_t u) {
+        MeetWithin(LeafOf(t), LeafOf(u), t, u, SharedCorners::kFew, found);
+      };
+      if (isAll && !cover.LookInto(cover.Doubtful()[k], visit)) isAll = false;
+    });
+    return isAll;
+  }
+
+  void FindByTree(const TreeView& tree, std::span<const std::uint32_t> order) {
+    const std::vector<Leaf> leaves = LeavesOf(order);
+    const auto none = [](std::size_t, std::uint32_t) { return false; };
+    const std::vector<NodePair> pairs = tree.PairsOfNodes(none);
+    InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
+      auto visit = [&](std::uint32_t i, std::uint32_t j) {
+        MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
+      };
+      tree.Join(pairs[k], visit, none);
+    });
+  }
+
+  // As if a tree with this order of leaves had found them: its nodes are gone through in pairs, from the root down. Leaves in four
+  // are siblings, so the order is that of the places' digits to the base of 4, the two taken by turns.
+  void SortAsFoundBy(std::span<const std::uint32_t> order, std::size_t from) {
+    static_assert(TreeView::kFanOut == 4);
+    const std::uint32_t first = *std::min_element(order.begin(), order.end());
+    std::vector<std::uint32_t> place(order.size());
+    for (std::uint32_t k = 0; k < order.size(); ++k) place[order[k] - first] = k;
+    const auto key = [&](const IntersectionLine& line) {
+      const auto [i, j] = std::minmax(place[line.triangles[0] - first], place[line.triangles[1] - first]);
+      std::uint64_t digits = 0;
+      for (unsigned at = 32; at > 0; at -= 2) digits = digits << 4U | (i >> (at - 2) & 3U) << 2U | (j >> (at - 2) & 3U);
+      return digits;
+    };
+    std::vector<std::pair<std::uint64_t, IntersectionLine>> keyed;
+    for (std::size_t k = from; k < found_.size(); ++k) keyed.emplace_back(key(found_[k]), found_[k]);
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::transform(keyed.begin(), keyed.end(), found_.begin() + static_cast<std::ptrdiff_t>(from),
+                   [](const auto& line) { return line.second; });
+  }
+
+  bool IsOrientedAlike(std::size_t s) const {
+    if (model_.facing[s] != Facing::kUnknown) return true;
+    const auto first = model_.notes.begin() + model_.edgeBegin[s], last = model_.notes.begin() + model_.edgeBegin[s + 1];
+    return std::none_of(first, last, [](const EdgeNote& note) { return note.isSameWay; });
+  }
+
+  void DropWithinPatches(std::size_t from) {
     const auto isWithin = [&](const IntersectionLine& line) { return patches_[line.triangles[0]] == patches_[line.triangles[1]]; };
-    found.erase(std::remove_if(found.begin() + static_cast<std::ptrdiff_t>(from), found.end(), isWithin), found.end());
+    found_.erase(std::remove_if(found_.begin() + static_cast<std::ptrdiff_t>(from), found_.end(), isWithin), found_.end());
   }
 
   template <class Use>
   void ChooseTree(std::size_t s, Use use) const {
-    const auto triangles = std::span(mesh_.corners).subspan(model_.shellBegin[s], trees_.Order(s).size());
-    if (const SlenderTree slender(grid_, triangles, model_.shellBegin[s], trees_.Leaves(s), threads_); slender.IsBetter()) {
+    if (const SlenderTree slender(grid_, TrianglesOf(s), model_.shellBegin[s], trees_.Leaves(s), threads_); slender.IsBetter()) {
       use(slender.View(), slender.Order());
     } else {
       use(trees_.Shell(s), trees_.Order(s));
@@ -230,6 +286,7 @@ class Finder {
   void BetweenShells() {
     std::vector<std::array<std::uint32_t, 2>> pairs;
     trees_.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) { pairs.push_back({a, b}); });
+    MakeTreesOf(pairs);
     InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
       const auto [a, b] = pairs[k];
       const std::size_t from = found.size();
@@ -240,11 +297,24 @@ class Finder {
     });
   }
 
+  void MakeTreesOf(const std::vector<std::array<std::uint32_t, 2>>& pairs) {
+    std::vector<bool> isNeeded(model_.ShellCount());
+    for (const auto& [a, b] : pairs) isNeeded[a] = isNeeded[b] = true;
+    ForEachShell(model_.shellBegin, threads_, [&](std::size_t s) {
+      if (isNeeded[s] && !IsLarge(s)) trees_.Make(s, 1);
+    });
+    for (std::size_t s = 0; s < model_.ShellCount(); ++s) {
+      if (isNeeded[s] && IsLarge(s)) trees_.Make(s, threads_);
+    }
+  }
+
   // What is asked of most pairs, in the order of a tree's leaves. Where patches are not known, each triangle is one.
   struct Leaf {
     Corners corners;
     std::uint32_t patch;
   };
+
+  Leaf LeafOf(std::uint32_t t) const { return {mesh_.corners[t], arePatchesKnown_ ? patches_[t] : t}; }
 
   std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order) const {
     std::vector<Leaf> leaves(order.size());
@@ -359,7 +429,7 @@ class Finder {
   const SettleLines& settle_;
   const std::vector<GridPoint> grid_;
   const Signs signs_;
-  const TriangleTrees trees_;
+  TriangleTrees trees_;
   const bool arePatchesKnown_;
   std::vector<std::uint32_t> patches_;  // of triangles; if not known before, of those of shells that are looked through alone
   mutable std::once_flag isPlainKnown_;

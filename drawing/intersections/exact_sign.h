@@ -8,6 +8,7 @@
 
 #include <zbr/spatial.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -19,6 +20,13 @@ namespace zbr::drawing {
 struct GridPoint {
   double x = 0.0, y = 0.0, z = 0.0;
 };
+
+inline GridPoint Lowest(const GridPoint& a, const GridPoint& b) {
+  return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
+}
+inline GridPoint Highest(const GridPoint& a, const GridPoint& b) {
+  return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
+}
 
 // Rounding of the nine products and five sums of a determinant of differences, in parts of the sum of the absolute values; rounded
 // up.

@@ -236,37 +236,41 @@ void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std:
 }
 
 TriangleTrees::TriangleTrees(const std::vector<GridPoint>& points, std::span<const std::array<std::uint32_t, 3>> corners,
-                             const std::vector<std::uint32_t>& shellBegin, unsigned threads)
-    : shellBegin_(shellBegin), order_(corners.size()) {
+                             const std::vector<std::uint32_t>& shellBegin, const std::vector<std::uint32_t>& pointBegin,
+                             unsigned threads)
+    : points_(points), corners_(corners), shellBegin_(shellBegin), isMade_(shellBegin.size() - 1), order_(corners.size()) {
   const auto shells = static_cast<std::uint32_t>(shellBegin.size() - 1);
   boxBegin_.reserve(shellBegin.size());
   boxBegin_.push_back(0);
   for (std::size_t s = 0; s < shells; ++s)
     boxBegin_.push_back(boxBegin_.back() + TreeView::BoxCount(shellBegin[s + 1] - shellBegin[s]));
   boxes_.reset(new FloatBox[boxBegin_.back()]);
-  const auto build = [&](std::size_t s, unsigned threadsOfShell) {
-    const std::uint32_t first = shellBegin[s], count = shellBegin[s + 1] - first;
-    const std::span<std::uint32_t> places(order_.data() + first, count);
-    const auto boxOf = [&](std::size_t i) {
-      const auto& c = corners[first + i];
-      return FloatBox::Around(points[c[0]], points[c[1]], points[c[2]]);
-    };
-    BuildTreeOf(boxOf, boxes_.get() + boxBegin_[s], places, threadsOfShell);
-    for (std::uint32_t& place : places) place += first;
-  };
-  const auto isLarge = [&](std::size_t s) { return shellBegin[s + 1] - shellBegin[s] > kRange; };
-  ForEachShell(shellBegin, threads, [&](std::size_t s) {
-    if (!isLarge(s)) build(s, 1);
-  });
-  std::vector<FloatBox> shellLeaves(shells);
-  for (std::size_t s = 0; s < shells; ++s) {
-    if (isLarge(s)) build(s, threads);
-    shellLeaves[s] = Shell(s).Root();
-  }
   if (shells == 0) return;
+  std::vector<FloatBox> shellLeaves(shells);
+  ForEachShell(pointBegin, threads, [&](std::size_t s) {
+    GridPoint low = points[pointBegin[s]], high = low;
+    for (std::uint32_t p = pointBegin[s] + 1; p < pointBegin[s + 1]; ++p) {
+      low = Lowest(low, points[p]);
+      high = Highest(high, points[p]);
+    }
+    shellLeaves[s] = FloatBox::Around(low, high, high);
+  });
   shellOrder_.resize(shells);
   shellBoxes_.reset(new FloatBox[TreeView::BoxCount(shells)]);
   BuildTree(shellLeaves, shellBoxes_.get(), shellOrder_, threads);
+}
+
+void TriangleTrees::Make(std::size_t s, unsigned threads) {
+  if (isMade_[s] != 0) return;
+  isMade_[s] = 1;
+  const std::uint32_t first = shellBegin_[s], count = shellBegin_[s + 1] - first;
+  const std::span<std::uint32_t> places(&order_[first], count);
+  const auto boxOf = [&](std::size_t i) {
+    const auto& c = corners_[first + i];
+    return FloatBox::Around(points_[c[0]], points_[c[1]], points_[c[2]]);
+  };
+  BuildTreeOf(boxOf, boxes_.get() + boxBegin_[s], places, threads);
+  for (std::uint32_t& place : places) place += first;
 }
 
 TreeView TriangleTrees::Shell(std::size_t s) const {
@@ -274,7 +278,7 @@ TreeView TriangleTrees::Shell(std::size_t s) const {
 }
 
 std::span<const std::uint32_t> TriangleTrees::Order(std::size_t s) const {
-  return std::span(order_).subspan(shellBegin_[s], shellBegin_[s + 1] - shellBegin_[s]);
+  return {&order_[shellBegin_[s]], shellBegin_[s + 1] - shellBegin_[s]};
 }
 
 std::span<const FloatBox> TriangleTrees::Leaves(std::size_t s) const {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 #if defined(__SSE2__)
@@ -19,6 +20,7 @@
 #endif
 
 #include "drawing/intersections/exact_sign.h"
+#include "drawing/unfilled.h"
 
 namespace zbr::drawing {
 
@@ -29,13 +31,6 @@ struct alignas(16) FloatBox {
   static FloatBox Around(const GridPoint& a, const GridPoint& b, const GridPoint& c);
   void Add(const FloatBox& o);
 };
-
-inline GridPoint Lowest(const GridPoint& a, const GridPoint& b) {
-  return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
-}
-inline GridPoint Highest(const GridPoint& a, const GridPoint& b) {
-  return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
-}
 
 inline void FloatBox::Add(const FloatBox& o) {
 #if defined(__SSE2__)
@@ -103,10 +98,11 @@ class TreeView {
       Join(pair.level, pair.first, *this, pair.level, pair.second, visit);
     }
   }
-  // Calls visit(i, j) for leaves i of this tree and j of the other whose boxes meet.
+  // Calls visit(i, j) for leaves i of this tree and j of the other whose boxes meet. Where it returns false, there are no more
+  // calls, and the result is false, too.
   template <class Visit>
-  void Join(const TreeView& other, Visit& visit) const {
-    if (Meet(Root(), other.Root())) Join(top_, 0, other, other.top_, 0, visit);
+  bool Join(const TreeView& other, Visit& visit) const {
+    return !Meet(Root(), other.Root()) || Join(top_, 0, other, other.top_, 0, visit);
   }
 
  private:
@@ -142,23 +138,28 @@ class TreeView {
     }
   }
 
-  // The two nodes meet.
+  // The two nodes meet. False once a visit, if it says anything, is.
   template <class Visit>
-  void Join(std::size_t level, std::uint32_t node, const TreeView& other, std::size_t otherLevel, std::uint32_t otherNode,
+  bool Join(std::size_t level, std::uint32_t node, const TreeView& other, std::size_t otherLevel, std::uint32_t otherNode,
             Visit& visit) const {
     if (level == 0 && otherLevel == 0) {
-      visit(node, otherNode);
+      if constexpr (std::is_void_v<decltype(visit(node, otherNode))>) {
+        visit(node, otherNode);
+      } else {
+        return visit(node, otherNode);
+      }
     } else if (level >= otherLevel) {
       const FloatBox box = other.levels_[otherLevel][otherNode];
       for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-        if (Meet(levels_[level - 1][i], box)) Join(level - 1, i, other, otherLevel, otherNode, visit);
+        if (Meet(levels_[level - 1][i], box) && !Join(level - 1, i, other, otherLevel, otherNode, visit)) return false;
       }
     } else {
       const FloatBox box = levels_[level][node];
       for (std::uint32_t j = otherNode * kFanOut, end = other.End(otherLevel, otherNode); j < end; ++j) {
-        if (Meet(box, other.levels_[otherLevel - 1][j])) Join(level, node, other, otherLevel - 1, j, visit);
+        if (Meet(box, other.levels_[otherLevel - 1][j]) && !Join(level, node, other, otherLevel - 1, j, visit)) return false;
       }
     }
+    return true;
   }
 
   static constexpr std::size_t kLevels = 17;  // 4^16 leaves
@@ -175,12 +176,16 @@ using UnfilledBoxes = std::unique_ptr<FloatBox[]>;
 // and the levels above them; `places` says where each was. The number of threads changes neither.
 void BuildTree(std::span<const FloatBox> leaves, FloatBox* boxes, std::span<std::uint32_t> places, unsigned threads);
 
-// Trees of shells whose triangles have consecutive numbers.
+// Trees of shells whose triangles and points have consecutive numbers.
 class TriangleTrees {
  public:
+  // Both with one number more than there are shells.
   TriangleTrees(const std::vector<GridPoint>& points, std::span<const std::array<std::uint32_t, 3>> corners,
-                const std::vector<std::uint32_t>& shellBegin, unsigned threads);
+                const std::vector<std::uint32_t>& shellBegin, const std::vector<std::uint32_t>& pointBegin, unsigned threads);
 
+  // A shell's tree is made when it is first asked for: most shells are known not to meet themselves, nor others. Several threads
+  // may have several shells' made.
+  void Make(std::size_t s, unsigned threads);
   TreeView Shell(std::size_t s) const;
   std::span<const std::uint32_t> Order(std::size_t s) const;  // the triangles of a shell's leaves
   std::span<const FloatBox> Leaves(std::size_t s) const;
@@ -197,8 +202,11 @@ class TriangleTrees {
   }
 
  private:
-  std::vector<std::uint32_t> shellBegin_;
-  std::vector<std::uint32_t> order_;   // triangles
+  const std::vector<GridPoint>& points_;
+  std::span<const std::array<std::uint32_t, 3>> corners_;
+  const std::vector<std::uint32_t>& shellBegin_;
+  std::vector<std::uint8_t> isMade_;   // of shells
+  Unfilled<std::uint32_t> order_;      // triangles
   UnfilledBoxes boxes_;                // of all shells' trees
   std::vector<std::size_t> boxBegin_;  // of shells
   std::vector<std::uint32_t> shellOrder_;

@@ -29,7 +29,8 @@ std::vector<std::uint32_t> PointBegins(const Model& model) {
 
 Connectivity ConnectivityOf(const Model& model, unsigned threads) {
   Connectivity all;
-  const std::vector<std::uint32_t> pointBegin = PointBegins(model);
+  all.pointBegin = PointBegins(model);
+  const std::vector<std::uint32_t>& pointBegin = all.pointBegin;
   ResizeTouched(all.points, pointBegin.back(), threads);
   all.corners = Unfilled<std::array<std::uint32_t, 3>>(model.TriangleCount());
   all.edges = Unfilled<std::array<std::uint32_t, 3>>(model.TriangleCount());

@@ -18,6 +18,7 @@ struct Connectivity {
   static constexpr std::uint32_t kNone = 0xffffffffU;
 
   std::vector<ZBR_PT3> points;
+  std::vector<std::uint32_t> pointBegin;           // of shells; one more than shells
   Unfilled<std::array<std::uint32_t, 3>> corners;  // of triangles
   Unfilled<std::array<std::uint32_t, 3>> edges;    // of triangles; edge i runs from corner i to the next
   Unfilled<std::array<std::uint32_t, 2>> sides;    // of edges: the triangles, the second kNone at borders and junctions

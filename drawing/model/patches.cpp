@@ -1,7 +1,6 @@
 #include "drawing/model/patches.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -25,25 +24,29 @@ class Grower {
   void Grow(std::uint32_t seed) {
     const ZBR_PT3& normal = model_.normals[seed];
     const ZBR_PT3& origin = mesh_.points[mesh_.corners[seed][0]];
+    const auto isInPlane = [&](std::uint32_t p) { return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_; };
     patches_[seed] = seed;
     open_.assign(1, seed);
     while (!open_.empty()) {
       const std::uint32_t t = open_.back();
       open_.pop_back();
-      for (const std::uint32_t edge : mesh_.edges[t]) {
-        const std::uint32_t u = mesh_.Across(edge, t);
+      for (std::size_t i = 0; i < 3; ++i) {
+        const std::uint32_t u = mesh_.Across(mesh_.edges[t][i], t);
         if (u == Connectivity::kNone || patches_[u] != Connectivity::kNone) continue;
-        if (!(model_.normals[u].InnerProduct(normal) > 0) || !IsInPlane(u, origin, normal)) continue;
+        if (!(model_.normals[u].InnerProduct(normal) > 0)) continue;
+        // The ends of the edge are in the plane; not so if the first triangle has no area and its normal from elsewhere.
+        if (t == seed && (!isInPlane(mesh_.corners[t][i]) || !isInPlane(mesh_.corners[t][(i + 1) % 3]))) continue;
+        if (!isInPlane(ApexBeyond(t, i, u))) continue;
         patches_[u] = seed;
         open_.push_back(u);
       }
     }
   }
 
-  bool IsInPlane(std::uint32_t t, const ZBR_PT3& origin, const ZBR_PT3& normal) const {
-    const auto& c = mesh_.corners[t];
-    return std::all_of(c.begin(), c.end(),
-                       [&](std::uint32_t p) { return std::abs(normal.InnerProduct(mesh_.points[p] - origin)) <= tolerance_; });
+  // The corner of a neighbour that is not on edge i.
+  std::uint32_t ApexBeyond(std::uint32_t t, std::size_t i, std::uint32_t neighbour) const {
+    const auto &c = mesh_.corners[t], &n = mesh_.corners[neighbour];
+    return n[0] ^ n[1] ^ n[2] ^ c[i] ^ c[(i + 1) % 3];
   }
 
   const Model& model_;

@@ -25,6 +25,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -47,8 +48,8 @@ constexpr double kFarLonger = 3.0;       // a facet this many times as wide as t
 // radians. What turns less ends nowhere that can be seen.
 constexpr double kRunTurn = 0.3;
 constexpr double kLeastTurn = 0.1;
-constexpr int kMostTriangles = 200;  // of a run
-constexpr double kShortLine = 0.03;  // of the diagonal: lines that end loosely are longer
+constexpr std::size_t kMostTriangles = 200;  // of a run
+constexpr double kShortLine = 0.03;          // of the diagonal: lines that end loosely are longer
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double kWide = std::numeric_limits<double>::infinity();
 
@@ -56,10 +57,10 @@ constexpr double kWide = std::numeric_limits<double>::infinity();
 using Side = std::uint32_t;
 constexpr Side kNoSide = Connectivity::kNone;
 
-// What a patch is, looked at from one of its sides.
-struct Extent {
-  double width;  // up to the far side; infinite for a flat face
-  Side far;      // the side met there
+// A side of a facet's outline.
+struct OutlineSide {
+  Side side;
+  ZBR_PT3 from, to;
 };
 
 struct Facet {
@@ -97,6 +98,7 @@ class Finder {
       : model_(model), threads_(threads), mesh_(made.mesh), patches_(made.patches), size_(patches_.size()) {
     for (const std::uint32_t patch : patches_) ++size_[patch];
     MeasurePatches();
+    MeasureBends();
   }
 
   std::vector<std::uint32_t> Run() const {
@@ -137,7 +139,8 @@ class Finder {
   // The outlines of all facets, and from each of their sides the far one.
   void MeasurePatches() {
     const std::vector<std::uint32_t> order = SortedByPatch();
-    extents_ = Unfilled<Extent>(order.empty() ? 0 : 3 * patches_.size());
+    widths_ = Unfilled<double>(order.empty() ? 0 : 3 * patches_.size());
+    far_ = Unfilled<Side>(widths_.size());
     const auto goesOn = [&](std::size_t k) { return k > 0 && k < order.size() && patches_[order[k]] == patches_[order[k - 1]]; };
     RunInRanges(order.size(), threads_, [&](std::size_t, std::size_t k, std::size_t end) {
       std::vector<Side> outline;
@@ -147,7 +150,10 @@ class Finder {
         const std::uint32_t patch = patches_[order[k]];
         do AddToOutline(order[k], outline);
         while (goesOn(++k));
-        for (const Side s : outline) extents_[s] = {kWide, kNoSide};
+        for (const Side s : outline) {
+          widths_[s] = kWide;
+          far_[s] = kNoSide;
+        }
         if (outline.size() <= kMostSides) MeasureFacet(outline, model_.normals[patch]);
       }
     });
@@ -175,21 +181,46 @@ class Finder {
     return order;
   }
 
-  void MeasureFacet(const std::vector<Side>& outline, const ZBR_PT3& normal) {
-    for (const Side s : outline) {
-      const ZBR_PT3 along = To(s) - From(s);
-      const ZBR_PT3 middle = (From(s) + To(s)) * 0.5, inwards = normal.OuterProduct(along) * (1.0 / along.Length());
-      for (const Side f : outline) {
-        const double a = along.InnerProduct(From(f) - middle), b = along.InnerProduct(To(f) - middle);
-        if (f == s || (a > 0) == (b > 0)) continue;
-        const double width = inwards.InnerProduct(From(f) + (To(f) - From(f)) * (a / (a - b)) - middle);
-        if (width > 0 && width < extents_[s].width) extents_[s] = {width, f};
+  void MeasureFacet(std::span<const Side> outline, const ZBR_PT3& normal) {
+    std::array<OutlineSide, kMostSides> sides;
+    for (std::size_t k = 0; k < outline.size(); ++k) sides[k] = {outline[k], From(outline[k]), To(outline[k])};
+    for (std::size_t k = 0; k < outline.size(); ++k) {
+      const OutlineSide& s = sides[k];
+      const ZBR_PT3 along = s.to - s.from;
+      const ZBR_PT3 middle = (s.from + s.to) * 0.5, inwards = normal.OuterProduct(along) * (1.0 / along.Length());
+      for (std::size_t j = 0; j < outline.size(); ++j) {
+        const OutlineSide& f = sides[j];
+        const double a = along.InnerProduct(f.from - middle), b = along.InnerProduct(f.to - middle);
+        if (j == k || (a > 0) == (b > 0)) continue;
+        const double width = inwards.InnerProduct(f.from + (f.to - f.from) * (a / (a - b)) - middle);
+        if (!(width > 0 && width < widths_[s.side])) continue;
+        widths_[s.side] = width;
+        far_[s.side] = f.side;
       }
     }
   }
 
+  // Each is asked for by three edges.
+  void MeasureBends() {
+    bends_ = Unfilled<double>(mesh_.sides.size());
+    RunInRanges(mesh_.sides.size(), threads_, [&](std::size_t, std::size_t begin, std::size_t end) {
+      for (std::size_t e = begin; e < end; ++e) {
+        const auto edge = static_cast<std::uint32_t>(e);
+        bends_[e] = IsSmooth(edge) && IsAtFacet(edge) ? BendAt(edge) : kUnknown;
+      }
+    });
+  }
+
+  // Whether it is on the outline of one.
+  bool IsAtFacet(std::uint32_t edge) const {
+    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
+    return patches_[t] != patches_[u] && (IsFacet(t) || IsFacet(u));
+  }
+
+  double Bend(std::uint32_t edge) const { return std::isnan(bends_[edge]) ? BendAt(edge) : bends_[edge]; }
+
   // Positive where the surface bends away from its normals.
-  double Bend(std::uint32_t edge) const {
+  double BendAt(std::uint32_t edge) const {
     const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     const ZBR_PT3 &a = model_.normals[t], &b = model_.normals[u];
     const double angle = BendBetween(a, b);
@@ -199,7 +230,7 @@ class Finder {
   bool IsSmooth(std::uint32_t edge) const { return !mesh_.shows[edge] && mesh_.sides[edge][1] != Connectivity::kNone; }
 
   double Width(Side s) const {
-    if (IsFacet(s / 3)) return extents_[s].width;
+    if (IsFacet(s / 3)) return widths_[s];
     const ZBR_PT3 along = To(s) - From(s);
     return along.OuterProduct(Apex(s) - From(s)).Length() / along.Length();
   }
@@ -209,20 +240,19 @@ class Finder {
     const double width = Width(s);
     if (!IsFacet(s / 3)) return {width, kUnknown};
     if (width == kWide) return {width, 0.0};
-    const std::uint32_t far = EdgeAt(extents_[s].far);
+    const std::uint32_t far = EdgeAt(far_[s]);
     if (!IsSmooth(far)) return {width, kUnknown};
-    const double behind = Width(SideAt(far, mesh_.Across(far, extents_[s].far / 3)));
+    const double behind = Width(SideAt(far, mesh_.Across(far, far_[s] / 3)));
     if (width > kFarLonger * behind) return {width, 0.0};
     return {width, 2.0 * Bend(far) / (behind > kFarLonger * width ? width : width + behind)};
   }
 
   // From facet to facet.
   bool JumpsAt(std::uint32_t edge) const {
-    if (!IsSmooth(edge)) return false;
-    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
-    if (patches_[t] == patches_[u] || (!IsFacet(t) && !IsFacet(u))) return false;
-    const double bend = Bend(edge);
+    const double bend = bends_[edge];
+    if (std::isnan(bend)) return false;
     if (std::abs(bend) < kSmallestBend) return false;
+    const std::uint32_t t = mesh_.sides[edge][0], u = mesh_.sides[edge][1];
     Facet a = Look(SideAt(edge, t)), b = Look(SideAt(edge, u));
     if (a.width == kWide && b.width == kWide) return false;
     if (std::isnan(a.curvature) && std::isnan(b.curvature)) {
@@ -237,29 +267,67 @@ class Finder {
 
   static bool Differ(double a, double b) { return std::abs(a - b) > kJump * std::max(std::abs(a), std::abs(b)); }
 
-  // The way over the surface from the middle of a side, at a right angle to it: as far as it is round, or up to a length.
-  Way Follow(Side s, double upTo) const {
-    const bool isRound = upTo == kWide;
-    Way run;
-    ZBR_PT3 p = (From(s) + To(s)) * 0.5, way = Inwards(s);
-    double walked = 0.0;
-    for (int k = 0; k < kMostTriangles; ++k) {
-      double across = 0.0;
-      const Side out = Leave(s, p, way, walked, across);
-      if (!isRound && walked > upTo) return {upTo, run.turn};
-      if (isRound && std::abs(run.turn) >= kLeastTurn && walked > (1.0 + kFarLonger) * run.length) return run;
-      if (out == kNoSide || !IsSmooth(EdgeAt(out))) break;
-      s = SideAt(EdgeAt(out), mesh_.Across(EdgeAt(out), out / 3));
-      const ZBR_PT3 along = (To(s) - From(s)) * (1.0 / (To(s) - From(s)).Length());
-      const double bend = across * Bend(EdgeAt(s));
-      way = along * way.InnerProduct(along) + Inwards(s) * across;
-      run.turn += bend;
-      if (!isRound || std::abs(bend) > kSmallestBend * kMisfit) run.length = walked;
-      if (isRound && std::abs(run.turn) >= kRunTurn) return run;
+  // A way over the surface from the middle of a side, at a right angle to it, triangle by triangle.
+  class Walk {
+   public:
+    Walk(const Finder& finder, Side s)
+        : finder_(finder), s_(s), p_((finder.From(s) + finder.To(s)) * 0.5), way_(finder.Inwards(s)) {}
+
+    // As far as the surface is round.
+    Way Round() {
+      Way run;
+      for (std::size_t k = 0; k < kMostTriangles; ++k) {
+        Step();
+        if (std::abs(run.turn) >= kLeastTurn && walked_ > (1.0 + kFarLonger) * run.length) return run;
+        if (hasEnded_) return run;
+        run.turn += bend_;
+        if (std::abs(bend_) > kSmallestBend * kMisfit) run.length = walked_;
+        if (std::abs(run.turn) >= kRunTurn) return run;
+      }
+      return run;
     }
-    if (!isRound) run.length = walked;
-    return run;
-  }
+
+    // Up to a length. What has been walked before is not walked again.
+    Way UpTo(double length) {
+      Way run;
+      for (std::size_t k = 0; k < kMostTriangles; ++k) {
+        if (k == count_) Step();
+        run.length = steps_[k].walked;
+        if (run.length > length) return {length, run.turn};
+        if (hasEnded_ && k + 1 == count_) return run;
+        run.turn += steps_[k].bend;
+      }
+      return run;
+    }
+
+   private:
+    // Through a triangle and over its edge.
+    void Step() {
+      double across = 0.0;
+      const Side out = finder_.Leave(s_, p_, way_, walked_, across);
+      hasEnded_ = out == kNoSide || !finder_.IsSmooth(finder_.EdgeAt(out));
+      if (!hasEnded_) {
+        const std::uint32_t edge = finder_.EdgeAt(out);
+        s_ = finder_.SideAt(edge, finder_.mesh_.Across(edge, out / 3));
+        const ZBR_PT3 along = (finder_.To(s_) - finder_.From(s_)) * (1.0 / (finder_.To(s_) - finder_.From(s_)).Length());
+        bend_ = across * finder_.Bend(edge);
+        way_ = along * way_.InnerProduct(along) + finder_.Inwards(s_) * across;
+      }
+      steps_[count_++] = {walked_, bend_};
+    }
+
+    struct Taken {
+      double walked, bend;
+    };
+
+    const Finder& finder_;
+    Side s_;
+    ZBR_PT3 p_, way_;
+    double walked_ = 0.0, bend_ = 0.0;
+    bool hasEnded_ = false;
+    std::size_t count_ = 0;
+    std::array<Taken, kMostTriangles> steps_;
+  };
 
   // At a right angle to the side, within its triangle.
   ZBR_PT3 Inwards(Side s) const {
@@ -290,11 +358,12 @@ class Finder {
 
   bool HoldsForRuns(std::uint32_t edge) const {
     const Side s = SideAt(edge, mesh_.sides[edge][0]), o = SideAt(edge, mesh_.sides[edge][1]);
-    const Way there = Follow(s, kWide), here = Follow(o, kWide);
+    Walk fromS(*this, s), fromO(*this, o);
+    const Way there = fromS.Round(), here = fromO.Round();
     const bool isFirst = here.turn == 0 || std::abs(there.turn) * here.length > std::abs(here.turn) * there.length;
     const Way& round = isFirst ? there : here;
     if (!(std::abs(round.turn) >= kLeastTurn)) return false;
-    const Way flat = Follow(isFirst ? o : s, round.length);
+    const Way flat = (isFirst ? fromO : fromS).UpTo(round.length);
     return Differ(round.turn * flat.length, flat.turn * round.length);
   }
 
@@ -312,7 +381,11 @@ class Finder {
   const Connectivity& mesh_;
   const std::vector<std::uint32_t>& patches_;
   std::vector<std::uint32_t> size_;  // of patches, in triangles
-  Unfilled<Extent> extents_;         // of the sides of facets, but for those within
+  // Of the sides of facets, but for those within: how wide the facet is from there, infinite for a flat face, and the side met
+  // there.
+  Unfilled<double> widths_;
+  Unfilled<Side> far_;
+  Unfilled<double> bends_;  // of edges at facets
 };
 
 }  // namespace
