@@ -31,13 +31,14 @@ struct TriangleRange {
   unsigned At(unsigned place) const { return order == nullptr ? place : (*order)[place]; }
 };
 
-// The shells, each of them prepared, that hide something; with a search, those that it finds for each triangle, which take the
+// The shells, each of them prepared, that hide something; with a search, those that it finds for each edge, which take the
 // place of the others.
 struct Occluding {
   ShellList shells;
   const ShellSearch* search = nullptr;
-  bool isBare = false;                    // the edges have no intervals yet; the only shell is then the triangles' own
-  std::vector<std::uint32_t> ranks = {};  // scratch of the search
+  bool isBare = false;  // the edges have no intervals yet; the only shell is then the triangles' own
+
+  bool empty() const { return search == nullptr && shells.empty(); }
 };
 
 // What the edges of a lie within of which anything is visible; empty when there are none. A box seen from above has only its upper

@@ -141,7 +141,8 @@ void PrepareWhole(ZBR_HL_SHELL& shell) {
 void HideInItself(ZBR_HL_SHELL& shell) {
   if (shell.done) return;
   if (shell.count != 0) {
-    Occluding itself{{&shell}, nullptr, !shell.prepared};
+    Occluding itself{{&shell}};
+    itself.isBare = !shell.prepared;
     if (!shell.prepared) PrepareShell(shell, Sharing());
     if (!shell.quad_built && shell.occluders != nullptr) BuildQuadOf(shell);
     HideShell(shell, itself);
