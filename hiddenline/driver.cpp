@@ -200,7 +200,7 @@ void HideInOthers(ZBR_HL_TRI& t, const ZBR_HL_SHELL& own, const Occluding& by, P
   for (int i = 0; i < 3; ++i) {
     if (!t.IsEdgeAvailable(i)) continue;
     EdgeSearch search(t, i, pass);
-    by.search == nullptr ? search.RunList(by.shells, own) : search.RunSearch(*by.search, own);
+    by.search == nullptr ? search.RunList(by.others, own) : search.RunSearch(*by.search, own);
   }
 }
 
@@ -216,15 +216,14 @@ int PositionOf(const ZBR_HL_SHELL& shell, int idx) {
   return place != map.end() && place->first == idx ? place->second : -1;
 }
 
-std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists) {
+std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, const Occluding& by, const Scratch& lists) {
   Pass pass{lists};
-  const bool isOwnAmongThem = by.search == nullptr && std::find(by.shells.begin(), by.shells.end(), &a) != by.shells.end();
-  const bool areOthers = by.search != nullptr || by.shells.size() > (isOwnAmongThem ? 1U : 0U);
-  if (!isOwnAmongThem && !areOthers) return 0;
+  const bool areOthers = by.areOthers();
+  if (!by.own && !areOthers) return 0;
   for (unsigned i = range.begin; i < range.end; ++i) {
     ZBR_HL_TRI& t = a.tris[range.At(i)];
     if (by.isBare ? !Draws(t) : !t.any_edge_visible) continue;
-    if (isOwnAmongThem) HideInOwn(t, a, by.isBare, pass);
+    if (by.own) HideInOwn(t, a, by.isBare, pass);
     if (areOthers) HideInOthers(t, a, by, pass);
     ZBR_CHECK(VisibleFault(t));
   }
@@ -248,19 +247,20 @@ Extents VisibleExtents(const ZBR_HL_SHELL& a) {
 void FindOthersNear(const ZBR_HL_SHELL& a, const Extents& visible, const ShellSearch& search, Occluding& by) {
   // So many shells are asked one by one, edge by edge, faster than through a tree.
   constexpr std::size_t kFewShells = 32;
+  by.own = false;
   by.search = nullptr;
-  by.shells.clear();
+  by.others.clear();
   if (visible.empty()) return;
   search.Search(visible.box, visible.minZ, OccluderTree::Order::kHighestFirst, [&](const ZBR_HL_SHELL& b) {
-    if (&b != &a) by.shells.push_back(&b);
-    return by.shells.size() <= kFewShells;
+    if (&b != &a) by.others.push_back(&b);
+    return by.others.size() <= kFewShells;
   });
-  if (by.shells.size() <= kFewShells) return;
-  by.shells.clear();
+  if (by.others.size() <= kFewShells) return;
+  by.others.clear();
   by.search = &search;
 }
 
-void HideShell(ZBR_HL_SHELL& a, Occluding& by) {
+void HideShell(ZBR_HL_SHELL& a, const Occluding& by) {
   const ToleranceScope scope(kOcclusionEps);
   const ShellLists lists(&a);
   a.pairs_tried += HideTriangles(a, {0, a.count}, by, *lists);
@@ -277,6 +277,8 @@ void HideWholeTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s) {
 
 void ZBR_HiddenLine::HiddenLine_ShellByShell(ZBR_HL_SHELL& a, const ZBR_HL_SHELL& b) {
   if (b.count == 0) return;
-  zbr::Occluding by{{&b}};
+  zbr::Occluding by;
+  by.own = &a == &b;
+  if (!by.own) by.others.push_back(&b);
   zbr::HideShell(a, by);
 }
