@@ -27,6 +27,10 @@ struct Range {
   double hi;
 };
 
+bool IsAlongX(const ZBR_PT3& p, const ZBR_PT3& q) {
+  return std::fabs(q.y() - p.y()) < std::fabs(q.x() - p.x());
+}
+
 double Coordinate(const ZBR_PT3& p, bool alongX) {
   return alongX ? p.x() : p.y();
 }
@@ -60,11 +64,34 @@ void AppendWithout(const ZBR_PT3& p, const ZBR_PT3& q, Range hidden, Intervals& 
 
 }  // namespace
 
+bool IsApart(const ZBR_PT3& p, const ZBR_PT3& q, int k, const ZBR_HL_TRI& o) {
+  const ZBR_PT3& a = o.pt[k];
+  const ZBR_PT3& b = o.pt[(k + 1) % 3];
+  if (std::min(p.z(), q.z()) > std::max(a.z(), b.z())) return true;
+  const auto at = [alongX = IsAlongX(p, q)](const ZBR_PT3& v) { return Coordinate(v, alongX); };
+  const double low = std::max(std::min(at(p), at(q)), std::min(at(a), at(b)));
+  return !(low < std::min(std::max(at(p), at(q)), std::max(at(a), at(b))));
+}
+
+// Over a level edge the heights at the ends of the wall's edges are what BesideEdge compares: none is above, and of each edge one
+// is lower.
+bool IsLowerWall(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& wall) {
+  if (p.z() != q.z()) return false;
+  const double eps = t_tolerance.eps;
+  int reaching = 0;
+  for (const ZBR_PT3& v : wall.pt) {
+    const double above = v.z() - p.z();
+    if (above > eps) return false;
+    reaching += above < -2.0 * eps ? 0 : 1;
+  }
+  return reaching < 2;
+}
+
 int BesideEdge(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, int k, const ZBR_HL_TRI& o, Intervals& out) {
   const Tolerance& tol = t_tolerance;
   const ZBR_PT3& a = o.pt[k];
   const ZBR_PT3& b = o.pt[(k + 1) % 3];
-  const bool alongX = std::fabs(q.y() - p.y()) < std::fabs(q.x() - p.x());
+  const bool alongX = IsAlongX(p, q);
   const double fromP = Coordinate(p, alongX);
   const double toQ = Coordinate(q, alongX);
   const double fromA = Coordinate(a, alongX);
@@ -74,8 +101,7 @@ int BesideEdge(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, int k
     return 1;
   };
   out.clear();
-  const bool overlap = std::max(std::min(fromP, toQ), std::min(fromA, toB)) < std::min(std::max(fromP, toQ), std::max(fromA, toB));
-  if (std::min(p.z(), q.z()) > std::max(a.z(), b.z()) || !overlap) return keepWhole();  // Apart
+  if (IsApart(p, q, k, o)) return keepWhole();  // Apart
   const bool same =
       (SamePoint(p, a, tol.eps2) && SamePoint(q, b, tol.eps2)) || (SamePoint(p, b, tol.eps2) && SamePoint(q, a, tol.eps2));
   if (same) return GivesUp(self, o, k) ? 0 : keepWhole();  // Same

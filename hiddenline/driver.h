@@ -31,13 +31,14 @@ struct TriangleRange {
   unsigned At(unsigned place) const { return order == nullptr ? place : (*order)[place]; }
 };
 
-// The shells, each of them prepared, that hide something; with a search, those that it finds for each triangle, which take the
-// place of the others.
+// What hides something: a shell itself, and others, each of them prepared; with a search, those others that it finds for each edge.
 struct Occluding {
-  ShellList shells;
-  const ShellSearch* search = nullptr;
-  bool isBare = false;                    // the edges have no intervals yet; the only shell is then the triangles' own
-  std::vector<std::uint32_t> ranks = {};  // scratch of the search
+  bool own = false;
+  ShellList others;
+  const ShellSearch* search = nullptr;  // not beside a list
+  bool isBare = false;                  // the edges have no intervals before the shell's own pass
+
+  bool areOthers() const { return search != nullptr || !others.empty(); }
 };
 
 // What the edges of a lie within of which anything is visible; empty when there are none. A box seen from above has only its upper
@@ -47,12 +48,12 @@ Extents VisibleExtents(const ZBR_HL_SHELL& a);
 // itself.
 void FindOthersNear(const ZBR_HL_SHELL& a, const Extents& visible, const ShellSearch& search, Occluding& by);
 
-// Removes from the triangles of a in the range what is hidden. a may be among the occluding shells itself, but not with a search.
+// Removes from the triangles of a in the range what is hidden. a is not among the others of a list.
 // Only these triangles are written, so different ranges may be processed at once. Returns the number of pairs that went through the
 // full rule. Under the tolerance kOcclusionEps.
-std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, Occluding& by, const Scratch& lists);
+std::uint64_t HideTriangles(ZBR_HL_SHELL& a, TriangleRange range, const Occluding& by, const Scratch& lists);
 // All of a, with the lists of a; sets the tolerance itself.
-void HideShell(ZBR_HL_SHELL& a, Occluding& by);
+void HideShell(ZBR_HL_SHELL& a, const Occluding& by);
 // Removes from t what any triangle of s hides, as wholes.
 void HideWholeTriangle(ZBR_HL_TRI& t, const ZBR_HL_SHELL& s);
 

@@ -32,7 +32,7 @@ void HideBehind(ZBR_HL_SHELL* a, const std::vector<zbr::Extents>& visible, const
   zbr::Occluding others;
   for (std::size_t i = 0; i < visible.size(); ++i) {
     zbr::FindOthersNear(a[i], visible[i], search, others);
-    if (!others.shells.empty()) zbr::HideShell(a[i], others);
+    if (others.areOthers()) zbr::HideShell(a[i], others);
   }
 }
 

@@ -24,32 +24,52 @@ std::uint64_t Spread(std::uint32_t c) {
   return v;
 }
 
-// Triangles in one piece of work.
+// Items in one piece of work.
 constexpr std::size_t kPiece = 16384;
+
+// What trees are built over. Those left out hide nothing.
+struct Triangles {
+  std::span<const ZBR_HL_TRI> of;
+
+  std::size_t size() const { return of.size(); }
+  bool IsLeftOut(std::size_t i) const { return of[i].IsTriInvalid(); }
+  Extents ExtentsAt(std::size_t i) const { return ExtentsOf(of[i]); }
+  void Announce(std::size_t i) const {
+    Prefetch(&of[i].max_x);
+    Prefetch(&of[i].min_z);
+  }
+};
+struct Bodies {
+  std::span<const Extents> of;
+
+  std::size_t size() const { return of.size(); }
+  bool IsLeftOut(std::size_t i) const { return of[i].empty(); }
+  const Extents& ExtentsAt(std::size_t i) const { return of[i]; }
+  void Announce(std::size_t) const {}
+};
 
 // Morton's order of the centres of boxes on a cubic grid (as in Lauterbach et al., "Fast BVH construction on GPUs", 2009). Depth
 // counts like width: on a closed surface, clusters that are compact in space have small boxes seen from anywhere.
+struct Keyed {
+  std::uint32_t key;
+  int position;
+};
+
+template <class Items>
 class CurveOrder {
  public:
-  struct Keyed {
-    std::uint32_t key;
-    int position;
-  };
-
-  CurveOrder(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds)
-      : triangles_(triangles), low_(bounds.box.xmin, bounds.box.ymin, bounds.minZ) {
+  CurveOrder(const Items& items, const Extents& bounds) : items_(items), low_(bounds.box.xmin, bounds.box.ymin, bounds.minZ) {
     const Box& box = bounds.box;
     const double size = std::max({box.xmax - box.xmin, box.ymax - box.ymin, bounds.maxZ - bounds.minZ});
     scale_ = size > 0.0 ? kCells / size : 0.0;
   }
 
-  // The triangles that are not invalid, in order. They are dealt out to stretches of the curve first, several of which make a piece
+  // The items that are not left out, in order. They are dealt out to stretches of the curve first, several of which make a piece
   // of work, so that each is sorted where it lies.
   std::vector<Keyed> Sorted(const Sharing& sharing) const {
-    std::vector<Keyed> keyed(triangles_.size());
+    std::vector<Keyed> keyed(items_.size());
     if (keyed.size() <= kFew) {
-      for (std::size_t i = 0; i < keyed.size(); ++i)
-        keyed[i] = {triangles_[i].IsTriInvalid() ? kInvalidKey : 0, static_cast<int>(i)};
+      for (std::size_t i = 0; i < keyed.size(); ++i) keyed[i] = {items_.IsLeftOut(i) ? kInvalidKey : 0, static_cast<int>(i)};
       std::erase_if(keyed, [](const Keyed& k) { return k.key == kInvalidKey; });
       return keyed;
     }
@@ -115,11 +135,11 @@ class CurveOrder {
 
   Keyed KeyOf(std::size_t i) const {
     const int position = static_cast<int>(i);
-    if (triangles_[i].IsTriInvalid()) return {kInvalidKey, position};
+    if (items_.IsLeftOut(i)) return {kInvalidKey, position};
     return {static_cast<std::uint32_t>(FullKey(position) >> kFineBits), position};
   }
   std::uint64_t FullKey(int position) const {
-    const Extents e = ExtentsOf(triangles_[static_cast<std::size_t>(position)]);
+    const Extents e = items_.ExtentsAt(static_cast<std::size_t>(position));
     const ZBR_PT centre = e.box.Center();
     return Spread(Cell(centre.x() - low_.x())) | Spread(Cell(centre.y() - low_.y())) << 1U |
            Spread(Cell((e.minZ + e.maxZ) / 2.0 - low_.z())) << 2U;
@@ -135,7 +155,7 @@ class CurveOrder {
     for (std::size_t i = 0; i < cell.size(); ++i) cell[i].position = fine[i].second;
   }
 
-  std::span<const ZBR_HL_TRI> triangles_;
+  const Items& items_;
   ZBR_PT3 low_;
   double scale_;
 };
@@ -184,10 +204,21 @@ std::size_t NodeCount(std::size_t leaves) {
 }  // namespace
 
 void OccluderTree::Build(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds, const Sharing& sharing) {
+  BuildOver(Triangles{triangles}, bounds, sharing);
+}
+
+void OccluderTree::Build(std::span<const Extents> bodies) {
+  Extents bounds;
+  for (const Extents& body : bodies) bounds.Add(body);
+  BuildOver(Bodies{bodies}, bounds, Sharing());
+}
+
+template <class Items>
+void OccluderTree::BuildOver(const Items& items, const Extents& bounds, const Sharing& sharing) {
   nodes_.clear();
   centre_ = ZBR_PT3((bounds.box.xmin + bounds.box.xmax) / 2.0, (bounds.box.ymin + bounds.box.ymax) / 2.0,
                     (bounds.minZ + bounds.maxZ) / 2.0);
-  const std::vector<CurveOrder::Keyed> order = CurveOrder(triangles, bounds).Sorted(sharing);
+  const std::vector<Keyed> order = CurveOrder(items, bounds).Sorted(sharing);
   if (order.empty()) return;
   nodes_.resize(NodeCount(order.size()));
   const auto fill = [&](std::size_t first, std::size_t below, auto laneOf) {  // nodes above so many lanes
@@ -202,12 +233,8 @@ void OccluderTree::Build(std::span<const ZBR_HL_TRI> triangles, const Extents& b
   };
   fill(0, order.size(), [&](std::size_t i) {
     const int position = order[i].position;
-    if (i + kItemsAhead < order.size()) {
-      const ZBR_HL_TRI& ahead = triangles[static_cast<std::size_t>(order[i + kItemsAhead].position)];
-      Prefetch(&ahead.max_x);
-      Prefetch(&ahead.min_z);
-    }
-    return LaneOf(ExtentsOf(triangles[static_cast<std::size_t>(position)]), position);
+    if (i + kItemsAhead < order.size()) items.Announce(static_cast<std::size_t>(order[i + kItemsAhead].position));
+    return LaneOf(items.ExtentsAt(static_cast<std::size_t>(position)), position);
   });
   std::size_t begin = 0;
   for (std::size_t count = Sharing::PieceCount(order.size(), kFanOut); count > 1; count = Sharing::PieceCount(count, kFanOut)) {

@@ -1,4 +1,4 @@
-// A search tree over triangles: which can hide something within a box and above a height.
+// A search tree over triangles, or over whole bodies: which can hide something within a box and above a height.
 //
 // Idea: triangles in the order of a space-filling curve through their centres, four neighbours to a node, four nodes to a parent,
 // and so on. A node holds the boxes of its four children side by side in single precision (rounded outwards, relative to the
@@ -37,21 +37,26 @@ class OccluderTree {
     float xmin, ymin, xmax, ymax, z;
   };
 
+  // Which of two neighbours in the tree comes first.
+  enum class Order { kHighestFirst, kLowestFirst };
+
   // Of those triangles that are not invalid, all of which lie within the bounds.
   void Build(std::span<const ZBR_HL_TRI> triangles, const Extents& bounds, const Sharing& sharing);
+  // Of bodies, those without extents left out.
+  void Build(std::span<const Extents> bodies);
   bool empty() const { return nodes_.empty(); }
   // Calls visit(position) for all triangles, neighbours in space one after the other.
   template <class Visit>
   void ForEach(Visit visit) const;
   Query MakeQuery(const Box& box, double z) const;
 
-  // Visits triangles whose boxes meet the query, roughly from the highest down, by position. `visit` returns false to end the
+  // Visits triangles whose boxes meet the query, roughly in the given order, by position. `visit` returns false to end the
   // search. `announce` is called for the few that will be visited next.
   template <class Visit, class Announce>
-  void Search(const Query& query, Visit visit, Announce announce) const;
+  void Search(const Query& query, Order order, Visit visit, Announce announce) const;
   template <class Visit>
-  void Search(const Query& query, Visit visit) const {
-    Search(query, visit, [](int) {});
+  void Search(const Query& query, Visit visit, Order order = Order::kHighestFirst) const {
+    Search(query, order, visit, [](int) {});
   }
 
  private:
@@ -66,6 +71,8 @@ class OccluderTree {
     std::int32_t child;
   };
 
+  template <class Items>
+  void BuildOver(const Items& items, const Extents& bounds, const Sharing& sharing);
   static Node MakeNode(std::span<Lane> lanes);
   Lane LaneOf(const Extents& e, int position) const;
   static Lane Around(const Node& node, std::int32_t child);
@@ -121,7 +128,7 @@ inline unsigned OccluderTree::Hits(const Node& node, const Query& q) {
 }
 
 template <class Visit, class Announce>
-void OccluderTree::Search(const Query& query, Visit visit, Announce announce) const {
+void OccluderTree::Search(const Query& query, Order order, Visit visit, Announce announce) const {
   if (empty()) return;
   std::int32_t stack[64];  // three siblings wait per level, and sixteen levels hold more than there are ints
   int depth = 0;
@@ -130,11 +137,11 @@ void OccluderTree::Search(const Query& query, Visit visit, Announce announce) co
     const Node& node = nodes_[static_cast<std::size_t>(stack[--depth])];
     unsigned hits = Hits(node, query);
     if (node.child[0] >= 0) {
-      // The highest goes on top of the stack.
+      // What is to be visited first goes on top of the stack.
       while (hits != 0) {
-        const unsigned last = static_cast<unsigned>(std::bit_width(hits)) - 1U;
-        hits ^= 1U << last;
-        stack[depth++] = node.child[last];
+        const int last = order == Order::kHighestFirst ? static_cast<int>(std::bit_width(hits)) - 1 : std::countr_zero(hits);
+        hits ^= 1U << static_cast<unsigned>(last);
+        stack[depth++] = node.child[static_cast<unsigned>(last)];
       }
     } else {
       for (unsigned left = hits; left != 0; left &= left - 1U) {

@@ -121,6 +121,10 @@ inline bool IsOutOfReach(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o
 int BesideVertical(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& o, Intervals& out,
                    const Scratch& lists);
 int BesideEdge(const ZBR_HL_TRI& self, const ZBR_PT3& p, const ZBR_PT3& q, int k, const ZBR_HL_TRI& o, Intervals& out);
+// Cases of these in which p-q certainly stays: o's edge k is wholly lower, or has no stretch in common; a wall nowhere rises above
+// a level p-q, and reaches it in one corner at most.
+bool IsApart(const ZBR_PT3& p, const ZBR_PT3& q, int k, const ZBR_HL_TRI& o);
+bool IsLowerWall(const ZBR_PT3& p, const ZBR_PT3& q, const ZBR_HL_TRI& wall);
 
 // The rule for a neighbour, which has the shared edge i as its edge k (neighbour.cpp).
 bool HideByNeighbour(ZBR_HL_TRI& self, const ZBR_HL_TRI& o, int i, int k, bool& posSet, const Scratch& lists);

@@ -65,18 +65,25 @@ class Checker {
 Bounds CheckAll(ZBR_HL_SHELL& shell, const Sharing& sharing, std::vector<char>* draws) {
   if (draws != nullptr) draws->resize(shell.count);
   Checker checker(shell);
-  std::vector<Bounds> bounds(Sharing::PieceCount(shell.count, kPiece));
-  sharing.InPieces(shell.count, kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
+  const auto check = [&](std::size_t begin, std::size_t end, Bounds& bounds) {
     for (std::size_t i = begin; i < end; ++i) {
       if (!shell.maxmin_valid) shell.tris[i].GetMaxMin();
       checker.Check(i);
-      bounds[piece].Add(shell.tris[i]);
+      bounds.Add(shell.tris[i]);
       if (draws != nullptr) (*draws)[i] = Draws(shell.tris[i]) ? 1 : 0;
     }
-  });
+  };
+  Bounds all;
+  if (shell.count <= kPiece) {
+    check(0, shell.count, all);
+  } else {
+    std::vector<Bounds> bounds(Sharing::PieceCount(shell.count, kPiece));
+    sharing.InPieces(shell.count, kPiece,
+                     [&](std::size_t piece, std::size_t begin, std::size_t end) { check(begin, end, bounds[piece]); });
+    for (const Bounds& of : bounds) all.Add(of);
+  }
   checker.Finish();
-  for (std::size_t k = 1; k < bounds.size(); ++k) bounds[0].Add(bounds[k]);
-  return bounds[0];
+  return all;
 }
 
 // A little larger than the shell's box, so that what lies on its border lies strictly inside.

@@ -45,7 +45,7 @@ class QuickLook {
     if (dp > contact_ && dq > contact_) return false;
     front = (dp > contact_ ? 1U : 0U) | (dq > contact_ ? 2U : 0U);
     on = (std::fabs(dp) <= contact_ ? 1U : 0U) | (std::fabs(dq) <= contact_ ? 2U : 0U);
-    if (o.IsTriVertical()) return on == 3;
+    if (o.IsTriVertical()) return on == 3 && !IsLowerWall(p_, q_, o);
     if (front != 0 && on != 0) return false;
     if (!reliable_) return true;
     if (on == 3) return !IsOffTwoCorners(o);
@@ -123,7 +123,7 @@ class QuickLook {
       }
     }
     const unsigned off = left | right;
-    if (left == 0 || right == 0) return (off & (off - 1U)) != 0;  // two or all, on one side
+    if (left == 0 || right == 0) return (off & (off - 1U)) != 0 || (isWhole && off != 0 && IsApart(p_, q_, OppositeOf(off), o));
     if (off != 7 || !areClear || !ofUsualSize) return false;
     const unsigned alone = (left & (left - 1U)) == 0 ? left : right;
     const int apex = static_cast<int>(alone >> 1U);
@@ -131,6 +131,9 @@ class QuickLook {
     apex_ = apex;
     return false;
   }
+
+  // The edge opposite the only vertex in the mask.
+  static int OppositeOf(unsigned vertex) { return vertex == 1 ? 1 : vertex == 2 ? 2 : 0; }
 
   // The side of the edge's line on which v lies, 0 for an end of the edge itself; false when that is not clear.
   bool ClearSide(const ZBR_PT& v, int& side, double& c) const {

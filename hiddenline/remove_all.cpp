@@ -192,7 +192,8 @@ class Remover {
   }
 
   void HideAlone(std::size_t i, zbr::TriangleRange range, zbr::Occluding& by, const zbr::Scratch& lists) {
-    by.shells.assign(1, &shells_[i]);
+    by.own = true;
+    by.others.clear();
     by.search = nullptr;
     by.isBare = states_[i].isBare;
     states_[i].pairs += zbr::HideTriangles(shells_[i], range, by, lists);

@@ -3,13 +3,16 @@
 // The order by height and the quadtree, which are part of the interface but not needed for a drawing, are made only for those who
 // process a shell by itself or ask, from extents kept apart from the bulky records.
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numeric>
 #include <span>
 
 #include <zbr/hidden_line.h>
 
+#include "core/constants.h"
 #include "core/radix_sort.h"
+#include "core/small_sort.h"
 #include "hiddenline/driver.h"
 #include "hiddenline/float_key.h"
 #include "hiddenline/occluders.h"
@@ -112,10 +115,23 @@ std::vector<int> OrderByHeight(std::span<const zbr::Extents> extents) {
   return order;
 }
 
+// The same of a handful of triangles, where the extents have been left.
+std::vector<int> OrderOfFewByHeight(std::span<const ZBR_HL_TRI> tris) {
+  std::vector<int> order(tris.size());
+  std::iota(order.begin(), order.end(), 0);
+  const auto height = [&tris](int position) { return tris[static_cast<std::size_t>(position)].max_z; };
+  zbr::SmallSort(order.begin(), order.end(),
+                 [&height](int a, int b) { return height(a) > height(b) || (std::isnan(height(b)) && !std::isnan(height(a))); });
+  return order;
+}
+
 void BuildQuadOf(ZBR_HL_SHELL& shell) {
-  std::vector<zbr::Extents> extents(shell.count);
-  for (unsigned i = 0; i < shell.count; ++i) extents[i] = zbr::ExtentsOf(shell.tris[i]);
-  shell.order = OrderByHeight(extents);
+  constexpr unsigned kFew = 16;  // not more than stay in one node
+  static_assert(kFew <= zbr::kQuadLeafSize);
+  const bool areFew = shell.count <= kFew;
+  std::vector<zbr::Extents> extents(areFew ? 0 : shell.count);
+  for (std::size_t i = 0; i < extents.size(); ++i) extents[i] = zbr::ExtentsOf(shell.tris[i]);
+  shell.order = areFew ? OrderOfFewByHeight({shell.tris, shell.count}) : OrderByHeight(extents);
   const zbr::Box box = shell.occluders->pickable;
   shell.root = ZBR_HL_QUAD();
   shell.root.tris = shell.order;
@@ -123,7 +139,11 @@ void BuildQuadOf(ZBR_HL_SHELL& shell) {
   shell.root.min_x = box.xmin;
   shell.root.max_y = box.ymax;
   shell.root.min_y = box.ymin;
-  zbr::BuildQuad(shell.root, extents, shell.tris);
+  if (areFew) {
+    for (unsigned i = 0; i < shell.count; ++i) shell.tris[i].quad = &shell.root;
+  } else {
+    zbr::BuildQuad(shell.root, extents, shell.tris);
+  }
   const bool anyInvalid = std::any_of(shell.tris, shell.tris + shell.count, [](const ZBR_HL_TRI& t) { return t.IsTriInvalid(); });
   if (anyInvalid) shell.QuadRemoveInvalid(shell.root);
   shell.quad_built = true;
@@ -141,7 +161,9 @@ void PrepareWhole(ZBR_HL_SHELL& shell) {
 void HideInItself(ZBR_HL_SHELL& shell) {
   if (shell.done) return;
   if (shell.count != 0) {
-    Occluding itself{{&shell}, nullptr, !shell.prepared};
+    Occluding itself;
+    itself.own = true;
+    itself.isBare = !shell.prepared;
     if (!shell.prepared) PrepareShell(shell, Sharing());
     if (!shell.quad_built && shell.occluders != nullptr) BuildQuadOf(shell);
     HideShell(shell, itself);

@@ -1,31 +1,35 @@
 // Finding, among many shells, those that can hide something.
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <vector>
 
 #include <zbr/hidden_line.h>
 
-#include "core/box_tree.h"
+#include "core/constants.h"
+#include "hiddenline/occluder_tree.h"
 
 namespace zbr {
 
 using ShellList = std::vector<const ZBR_HL_SHELL*>;
 
-// A box hierarchy over shells that have triangles, in spatial order. The shells must stay in place, and their extents as they are.
+// A tree over shells that have triangles. The shells must stay in place, and their extents as they are.
 class ShellSearch {
  public:
   explicit ShellSearch(std::span<const ZBR_HL_SHELL> shells);
 
-  // Replaces `found` by the shells whose boxes meet the given one, widened by kBoxMargin, and reach the height; highest first,
-  // since what is nearest the viewer hides the most. Of equal height the one that comes first in space. `ranks` is scratch.
-  void Find(const Box& box, double minZ, std::vector<std::uint32_t>& ranks, ShellList& found) const;
+  // Visits the shells whose boxes meet the given one, widened by kBoxMargin, and reach the height, roughly in the given order.
+  // `visit` returns false to end the search.
+  template <class Visit>
+  void Search(const Box& box, double minZ, OccluderTree::Order order, Visit visit) const {
+    tree_.Search(
+        tree_.MakeQuery(box.Widened(kBoxMargin), minZ), [&](int place) { return visit(shells_[static_cast<std::size_t>(place)]); },
+        order);
+  }
 
  private:
-  ShellList byHeight_;
-  std::vector<std::uint32_t> rank_;  // of the tree's leaves: their places by height
-  BoxTree tree_;
+  std::span<const ZBR_HL_SHELL> shells_;
+  OccluderTree tree_;
 };
 
 }  // namespace zbr
