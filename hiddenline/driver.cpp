@@ -87,22 +87,18 @@ class EdgeSearch {
   // `met` are left out. False when nothing is left of the edge.
   bool Run(const ZBR_HL_SHELL& shell, const Neighbours& met) {
     const auto& occluders = *shell.occluders;
-    bool left = true;
-    for (bool mayLosePatience = true; left && mayLosePatience;) {  // twice at most
-      const unsigned most = IsPatient() ? kPatience : std::numeric_limits<unsigned>::max();
+    for (bool again = true; again && isLeft_;) {  // twice at most
+      most_ = IsPatient() ? kPatience : std::numeric_limits<unsigned>::max();
       occluders.tree.Search(
           occluders.tree.MakeQuery(box_, lowest_), InOrder(),
-          [&](int position) {
-            left = met.Has(position) || Try(shell.tris[position], occluders.usualSize);
-            return left && cuts_ <= most;
-          },
+          [&](int position) { return met.Has(position) || Try(shell.tris[position], occluders.usualSize); },
           [&](int position) {
             PrefetchObject(shell.tris[position].normal);
             PrefetchObject(shell.tris[position].pt);
           });
-      mayLosePatience = cuts_ > most;
+      again = cuts_ > most_;
     }
-    return left;
+    return isLeft_;
   }
   // Against all of the shells, or all that are found, but the triangle's own.
   void RunList(const ShellList& shells, const ZBR_HL_SHELL& own) {
@@ -115,10 +111,9 @@ class EdgeSearch {
     }
   }
   void RunSearch(const ShellSearch& search, const ZBR_HL_SHELL& own) {
-    bool left = true;
-    const auto visit = [&](const ZBR_HL_SHELL& b) { return left = RunOther(b, own); };
+    const auto visit = [&](const ZBR_HL_SHELL& b) { return RunOther(b, own); };
     search.Search(box_, lowest_, InOrder(), [&](const ZBR_HL_SHELL& b) { return IsPatient() && visit(b); });
-    if (left && !IsPatient()) search.Search(box_, lowest_, InOrder(), visit);
+    if (isLeft_ && !IsPatient()) search.Search(box_, lowest_, InOrder(), visit);
   }
 
  private:
@@ -141,6 +136,7 @@ class EdgeSearch {
     return &b == &own || b.occluders == nullptr || !CanReach(b) || Run(b, {});
   }
 
+  // False when the search is to end.
   bool Try(const ZBR_HL_TRI& o, bool ofUsualSize) {
     if (&o == &t_) return true;
     unsigned front = 0;
@@ -149,6 +145,12 @@ class EdgeSearch {
     if (look_.IsHiddenAlready(o, t_.intvl_v[edge_])) return true;
     ++pass_.pairs;
     ++cuts_;
+    isLeft_ = Cut(o, front, on);
+    return isLeft_ && cuts_ <= most_;
+  }
+
+  // False when nothing is left of the edge.
+  bool Cut(const ZBR_HL_TRI& o, unsigned front, unsigned on) {
     const Scratch& lists = pass_.lists;
     if (look_.apex() >= 0) {
       ApexCut cut(p_, q_, front, o, look_.apex());
@@ -167,6 +169,8 @@ class EdgeSearch {
   Box box_;
   double lowest_;
   unsigned cuts_ = 0;
+  unsigned most_ = kPatience;  // of them before the search ends
+  bool isLeft_ = true;
 };
 
 // Whole triangles are tried.

@@ -128,6 +128,24 @@ std::vector<Mesh> Sheets(Random& random) {
   return bodies;
 }
 
+std::vector<Mesh> Stacks(Random& random) {
+  std::vector<Mesh> bodies;
+  const bool shrink = Below(random, 2) == 0;
+  const int kind = Below(random, 3);
+  const int n = 34 + Below(random, 8);
+  for (int k = 0; k < n; ++k) {
+    const double side = shrink ? 2.0 - 1.5 * k / n : 2.0;
+    const double thickness = kind == 0 ? 0.0625 : 0.03125;  // those of kind 0 touch
+    bodies.push_back(k % 4 == 0 ? example::Box({-side / 2.0, 0, 0}, {side / 2.0, side, thickness})
+                                : Moved(Sheet(1, {0.0, 0.0, 0.0, 0.0}), {-1, 0, 0}));
+    bodies.back() = Moved(std::move(bodies.back()), {kind == 2 ? 0.03125 * Below(random, 3) : 0.0, 0, 0.0625 * k});
+  }
+  if (Below(random, 2) == 0) return bodies;
+  Mesh one;
+  for (const Mesh& body : bodies) example::Append(one, body);
+  return {one};
+}
+
 std::vector<Mesh> Soups(Random& random) {
   std::vector<Mesh> bodies;
   const bool lattice = Below(random, 2) == 0;
@@ -323,8 +341,8 @@ std::string StateText(const std::vector<ZBR_HL_SHELL>& shells) {
 
 const std::vector<SceneFamily>& SceneFamilies() {
   static const std::vector<SceneFamily> families = {
-      {"boxes", Boxes},           {"poses", Poses}, {"prisms", Prisms}, {"plates", Plates<false>},
-      {"lattices", Plates<true>}, {"round", Round}, {"sheets", Sheets}, {"soups", Soups},
+      {"boxes", Boxes}, {"poses", Poses},   {"prisms", Prisms}, {"plates", Plates<false>}, {"lattices", Plates<true>},
+      {"round", Round}, {"sheets", Sheets}, {"stacks", Stacks}, {"soups", Soups},
   };
   return families;
 }

@@ -71,6 +71,7 @@ inline void PrintTo(const SceneFamily& family, std::ostream* out) {
 // lattices the same with many coincident projections
 // round    a torus or a gear
 // sheets   open sheets, flat or bumpy, facing either way, over and through each other
+// stacks   dozens of thin plates behind one another, a shell each or a comb
 // soups    triangles at random, or between lattice points so that they share vertices and edges
 const std::vector<SceneFamily>& SceneFamilies();
 
