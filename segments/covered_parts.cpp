@@ -9,7 +9,6 @@
 #include <cmath>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "core/planar_inline.h"
@@ -283,13 +282,8 @@ std::vector<Gap> UncoveredParts(std::span<const ZBR_SEG> others, std::span<const
   std::vector<ZBR_SEG> news;
   news.reserve(numbers.size());
   for (const std::uint32_t i : numbers) news.push_back(segments[i]);
-  std::optional<Beside> built;
-  std::vector<std::uint32_t> order;
-  sharing.Run(2, [&](std::size_t which) {
-    if (which == 0) built.emplace(news, others, width, sharing);
-    if (which == 1) order = OrderOfCentres(news);
-  });
-  const Beside& beside = *built;
+  const Beside beside(news, others, width, sharing);
+  const std::vector<std::uint32_t> order = OrderOfCentres(news);
   constexpr std::size_t kPiece = 4096;
   std::vector<std::vector<Gap>> parts(Sharing::PieceCount(order.size(), kPiece));
   sharing.InPieces(order.size(), kPiece, [&](std::size_t piece, std::size_t begin, std::size_t end) {
