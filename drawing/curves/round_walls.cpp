@@ -96,7 +96,7 @@ class Walls {
     const ZBR_PT3 start = inPlane(VertexOf(TriangleAt(t), i).GetPt()), end = inPlane(VertexOf(TriangleAt(t), (i + 1) % 3).GetPt());
     const double length = start.Distance(end);
     if (length > tolerance_ && length <= kLongest * circle.radius)
-      sides_.push_back({static_cast<std::uint32_t>(3 * t + i), circle_, start, end});
+      sides_.push_back({3 * t + static_cast<std::uint32_t>(i), circle_, start, end});
   }
 
   const Model& model_;

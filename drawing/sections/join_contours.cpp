@@ -2,6 +2,7 @@
 #include "drawing/sections/join_contours.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
 #include <utility>
 
@@ -45,10 +46,14 @@ std::vector<std::size_t> Partners(const std::vector<SeenContour>& open, double g
 // The opening that may be bridged, as a part of the contour's length: of a half circle it is two thirds.
 constexpr double kOpening = 0.1;
 
-void BridgeIfSmall(SeenContour& contour) {
+double LengthOf(const SeenContour& contour) {
   double length = 0.0;
   for (std::size_t i = 1; i < contour.points.size(); ++i) length += contour.points[i].Distance(contour.points[i - 1]);
-  if (contour.points.front().Distance(contour.points.back()) > kOpening * length) return;
+  return length;
+}
+
+void BridgeIfSmall(SeenContour& contour) {
+  if (contour.points.front().Distance(contour.points.back()) > kOpening * LengthOf(contour)) return;
   contour.closed = contour.bridged = true;
   contour.triangles.push_back(kNoTriangle);
 }
@@ -68,6 +73,64 @@ void Append(SeenContour& joined, SeenContour&& piece, bool backwards) {
   }
   joined.points.insert(joined.points.end(), piece.points.begin(), piece.points.end());
   joined.triangles.insert(joined.triangles.end(), piece.triangles.begin(), piece.triangles.end());
+}
+
+// Contours that follow one another across openings.
+struct Round {
+  std::vector<std::size_t> entered;  // ends
+  double openings = 0.0, length = 0.0;
+  bool isClosed = false;
+};
+
+Round RoundFrom(std::size_t contour, const std::vector<SeenContour>& open, const std::vector<std::size_t>& partner,
+                std::vector<bool>& done) {
+  Round round;
+  for (std::size_t end = 2 * contour; !done[end / 2]; end = partner[end ^ 1U]) {
+    done[end / 2] = true;
+    round.entered.push_back(end);
+    round.length += LengthOf(open[end / 2]);
+    const std::size_t next = partner[end ^ 1U];
+    if (next == kNone) return round;
+    round.openings += PlaceOf(open, end ^ 1U).Distance(PlaceOf(open, next));
+    round.isClosed = next == 2 * contour;
+  }
+  return round;
+}
+
+// A contour that a mesh has several openings along is in pieces, none of which nearly comes back to itself. The rings stand at the
+// places of their first pieces, and nothing at those of others. Of one shell.
+void BridgeTogether(const std::vector<std::size_t>& places, std::vector<SeenContour>& joined) {
+  std::vector<SeenContour> open;
+  double length = 0.0;
+  for (const std::size_t k : places) {
+    open.push_back(joined[k]);
+    length += LengthOf(joined[k]);
+  }
+  if (open.size() < 2) return;
+  const std::vector<std::size_t> partner = Partners(open, kOpening * length);
+  std::vector<bool> done(open.size());
+  for (std::size_t k = 0; k < open.size(); ++k) {
+    const Round round = RoundFrom(k, open, partner, done);
+    if (!round.isClosed || round.entered.size() < 2 || round.openings > kOpening * round.length) continue;
+    SeenContour ring;
+    ring.shell = open[k].shell;
+    for (const std::size_t end : round.entered) {
+      Append(ring, std::move(open[end / 2]), end % 2 == 1);
+      joined[places[end / 2]].points.clear();
+    }
+    ring.closed = ring.bridged = true;
+    ring.triangles.push_back(kNoTriangle);
+    joined[places[k]] = std::move(ring);
+  }
+}
+
+void BridgeShells(std::vector<SeenContour>& joined) {
+  std::map<std::uint32_t, std::vector<std::size_t>> ofShell;
+  for (std::size_t k = 0; k < joined.size(); ++k) {
+    if (!joined[k].closed) ofShell[joined[k].shell].push_back(k);
+  }
+  for (const auto& [shell, places] : ofShell) BridgeTogether(places, joined);
+  std::erase_if(joined, [](const SeenContour& contour) { return contour.points.empty(); });
 }
 
 }  // namespace
@@ -98,6 +161,7 @@ std::vector<SeenContour> JoinContours(std::vector<SeenContour> open, double gap)
   for (std::size_t end = 0; end < partner.size(); end += 2) {
     if (!done[end / 2]) follow(end);
   }
+  BridgeShells(joined);
   return joined;
 }
 

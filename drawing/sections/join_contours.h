@@ -23,7 +23,8 @@ struct SeenContour {
 inline constexpr std::uint32_t kNoTriangle = 0xffffffffU;
 
 // Joins open contours end to end, the nearest ends first, up to `gap` apart, and closes those that come back to themselves; and
-// those that come back so nearly that the opening is a small part of their length, as at the holes of scans.
+// those that come back so nearly, alone or one of a shell across an opening to the next, that the openings are a small part of
+// their length, as at the holes of scans.
 std::vector<SeenContour> JoinContours(std::vector<SeenContour> open, double gap);
 
 }  // namespace zbr::drawing

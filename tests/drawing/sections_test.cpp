@@ -204,6 +204,27 @@ TEST(Sections, SlitsAndOpenings) {
   EXPECT_NEAR(AreaOf(bridged), 1.0, 1e-12);
 }
 
+// A square in two halves.
+TEST(Sections, OpeningsOfOneShellAreBridgedTogether) {
+  for (const double opening : {0.15, 0.25}) {  // two of them, which may be a tenth of the rest together
+    for (const std::uint32_t shell : {0U, 1U}) {
+      SeenContour low, high;
+      low.points = {{0, 0.4}, {0, 0}, {1, 0}, {1, 0.4}};
+      high.points = {{0, 0.4 + opening}, {0, 1}, {1, 1}, {1, 0.4 + opening}};
+      low.triangles = high.triangles = {0, 1, 2};
+      high.shell = shell;
+      const std::vector<SeenContour> joined = JoinContours({low, high}, 0.01);
+      const bool isBridged = opening < 0.2 && shell == 0;
+      ASSERT_EQ(joined.size(), isBridged ? 1U : 2U) << opening << " " << shell;
+      EXPECT_EQ(std::pair(joined[0].closed, joined[0].bridged), std::pair(isBridged, isBridged));
+      if (!isBridged) continue;
+      EXPECT_EQ(joined[0].points.size(), 8U);
+      EXPECT_EQ(joined[0].triangles.size(), 8U);
+      for (std::size_t k = 0; k < 8; ++k) EXPECT_LE(joined[0].points[k].Distance(joined[0].points[(k + 1) % 8]), 1.0);
+    }
+  }
+}
+
 TEST(Sections, OpenContoursAreJoinedAtTheNearestEnds) {
   const auto contour = [](const ZBR_PT& from, const ZBR_PT& to) { return SeenContour{{from, to}, {0}, 0, false, false}; };
   std::vector<SeenContour> open = {contour({0, 0}, {1, 0}), contour({1, 0.9}, {1, 5}), contour({1.2, 0}, {5, 0})};
