@@ -17,10 +17,10 @@ namespace {
 constexpr double kAlike = 0.86;
 // Triangles up to which a part is not cut: looking at pairs of so few takes no longer than at their borders.
 constexpr std::uint32_t kFew = 32;
-// How often a triangle is looked at, and how many parts there are: of more, nothing is won.
+// How often a triangle is looked at, and how many parts there are: beyond that, looking at pairs of triangles is faster.
 constexpr std::size_t kMostLooks = 4;
 constexpr std::size_t kMostParts(std::size_t triangles) {
-  return triangles / 16 + 8;
+  return triangles / 64;
 }
 
 GridPoint MiddleOf(const std::vector<GridPoint>& points, const std::array<std::uint32_t, 3>& c) {
