@@ -51,24 +51,29 @@ bool AreApart(const BorderEdge& e, const BorderEdge& f) {
 // run along the axes would fill a few of them.
 class Slots {
  public:
-  explicit Slots(const std::vector<BorderEdge>& edges) {
+  explicit Slots(const std::vector<BorderEdge>& edges) : begins_(edges.size() + 2), boxed_(edges.size()) {
+    std::vector<Extent> extents;
+    extents.reserve(edges.size());
     double low = HUGE_VAL, high = -HUGE_VAL;
     for (const BorderEdge& e : edges) {
-      low = std::min({low, Along(e.a), Along(e.b)});
-      high = std::max({high, Along(e.a), Along(e.b)});
+      const double a = Along(e.a), b = Along(e.b);
+      extents.push_back({std::min(a, b), std::max(a, b)});
+      low = std::min(low, extents.back().first);
+      high = std::max(high, extents.back().last);
     }
-    low_ = low;
-    perUnit_ = static_cast<double>(edges.size()) / std::max(high - low, 1.0);
-    begins_.resize(edges.size() + 2);
-    for (const BorderEdge& e : edges) ++begins_[First(e) + 1];
+    const double perUnit = static_cast<double>(edges.size()) / std::max(high - low, 1.0);
+    const auto slot = [&](double along) { return static_cast<std::uint32_t>((along - low) * perUnit); };
+    for (const Extent& extent : extents) ++begins_[slot(extent.first) + 1];
     for (std::size_t i = 1; i < begins_.size(); ++i) begins_[i] += begins_[i - 1];
-    boxed_.resize(edges.size());
     for (std::uint32_t k = 0; k < edges.size(); ++k) {
       const BorderEdge& e = edges[k];
       const auto [left, right] = std::minmax(e.a.x, e.b.x);
       const auto [below, above] = std::minmax(e.a.y, e.b.y);
-      boxed_[begins_[First(e)]++] = {left, right, below, above, k, Last(e)};
+      // A hundredth of a slot further, as edges must not miss each other by rounding.
+      const auto last = static_cast<std::uint32_t>((extents[k].last - low) * perUnit + 0.01);
+      boxed_[begins_[slot(extents[k].first)]++] = {left, right, below, above, k, last};
     }
+    for (Boxed& e : boxed_) e.last = std::min(e.last, static_cast<std::uint32_t>(begins_.size() - 2));
   }
 
   // False once test(i, j) is, for edges whose boxes meet.
@@ -91,16 +96,12 @@ class Slots {
     std::uint32_t edge, last;  // the last of its slots
   };
 
-  static double Along(const PicturePoint& p) { return p.x + 0.618034 * p.y; }
-  std::uint32_t At(double along) const { return static_cast<std::uint32_t>((along - low_) * perUnit_); }
-  std::uint32_t First(const BorderEdge& e) const { return At(std::min(Along(e.a), Along(e.b))); }
-  // A hundredth of a slot further, as edges must not miss each other by rounding.
-  std::uint32_t Last(const BorderEdge& e) const {
-    const double last = (std::max(Along(e.a), Along(e.b)) - low_) * perUnit_ + 0.01;
-    return std::min(static_cast<std::uint32_t>(last), static_cast<std::uint32_t>(begins_.size() - 2));
-  }
+  struct Extent {
+    double first, last;
+  };
 
-  double low_ = 0.0, perUnit_ = 0.0;
+  static double Along(const PicturePoint& p) { return p.x + 0.618034 * p.y; }
+
   std::vector<std::uint32_t> begins_;  // of slots; in the end, where each ends
   std::vector<Boxed> boxed_;           // by their first slot
 };
@@ -124,6 +125,7 @@ class Ends {
 
   struct Point {
     std::uint32_t number = kNone, comes = kNone, leaves = kNone;
+    bool hasMore = false;
   };
 
   explicit Ends(const std::vector<BorderEdge>& edges) : points_(std::bit_ceil(2 * edges.size() + 1)) {
@@ -135,9 +137,11 @@ class Ends {
 
   // Also those without any edge.
   const std::vector<Point>& Points() const { return points_; }
-  // What comes or leaves at a point besides.
-  void AddFurther(std::uint32_t number, std::vector<Arm>& arms) const {
-    std::copy_if(further_.begin(), further_.end(), std::back_inserter(arms), [&](const Arm& arm) { return arm.point == number; });
+  std::vector<Arm> ArmsAt(const std::vector<BorderEdge>& edges, const Point& point) const {
+    std::vector<Arm> arms = {ArmOf(edges, point.comes, false), ArmOf(edges, point.leaves, true)};
+    if (!point.hasMore) return arms;
+    std::copy_if(more_.begin(), more_.end(), std::back_inserter(arms), [&](const Arm& arm) { return arm.point == point.number; });
+    return arms;
   }
 
  private:
@@ -150,12 +154,13 @@ class Ends {
     if (edge == kNone) {
       edge = k;
     } else {
-      further_.push_back(ArmOf(edges, k, leaves));
+      points_[i].hasMore = true;
+      more_.push_back(ArmOf(edges, k, leaves));
     }
   }
 
   std::vector<Point> points_;  // by a hash of their numbers
-  std::vector<Arm> further_;
+  std::vector<Arm> more_;      // what comes or leaves where others did so before
 };
 
 // From the direction of -x on, counter-clockwise.
@@ -168,7 +173,8 @@ bool IsBefore(const Arm& a, const Arm& b, bool& isClear) {
 }
 
 // Sorts what goes off from one point by direction.
-bool TakeTurns(std::vector<Arm>::iterator begin, std::vector<Arm>::iterator end) {
+bool TakeTurns(std::vector<Arm>& arms) {
+  const auto begin = arms.begin(), end = arms.end();
   bool isClear = true;
   for (auto sorted = begin; sorted != end; ++sorted) {
     for (auto arm = sorted; arm != begin && IsBefore(*arm, *(arm - 1), isClear); --arm) std::iter_swap(arm, arm - 1);
@@ -202,31 +208,32 @@ int ClearSide(const PicturePoint& a, const PicturePoint& b, const PicturePoint& 
 bool WindsOnce(const std::vector<BorderEdge>& edges) {
   if (edges.empty()) return true;
   if (!Slots(edges).ForPairs([&](std::uint32_t i, std::uint32_t j) { return AreApart(edges[i], edges[j]); })) return false;
-  Ends ends(edges);
+  const Ends ends(edges);
   DisjointSets sets(edges.size());
-  std::vector<Arm> arms, last;  // at a point; at each point
-  last.reserve(edges.size());
   for (const Ends::Point& point : ends.Points()) {
     if (point.number == Ends::kNone) continue;
     if (point.comes == Ends::kNone || point.leaves == Ends::kNone) return false;
-    arms = {ArmOf(edges, point.comes, false), ArmOf(edges, point.leaves, true)};
-    ends.AddFurther(point.number, arms);
-    if (!TakeTurns(arms.begin(), arms.end())) return false;
-    for (const Arm& arm : arms) sets.Unite(arms[0].edge, arm.edge);
-    last.push_back(arms.back());
+    sets.Unite(point.comes, point.leaves);
+    if (!point.hasMore) continue;
+    std::vector<Arm> arms = ends.ArmsAt(edges, point);
+    if (!TakeTurns(arms)) return false;
+    for (const Arm& arm : arms) sets.Unite(point.comes, arm.edge);
   }
-  constexpr std::size_t kNone = ~std::size_t{0};
-  std::vector<std::size_t> leftmost(edges.size(), kNone);  // of sets: the last arm there is at the point, the lowest of several
-  for (std::size_t k = 0; k < last.size(); ++k) {
-    std::size_t& best = leftmost[sets.Find(last[k].edge)];
+  std::vector<const Ends::Point*> leftmost(edges.size());  // of sets; the lowest of several
+  const auto at = [&](const Ends::Point* point) { return edges[point->leaves].a; };
+  for (const Ends::Point& point : ends.Points()) {
+    if (point.number == Ends::kNone) continue;
+    const Ends::Point*& best = leftmost[sets.Find(point.leaves)];
     const auto isFurther = [&](const PicturePoint& p, const PicturePoint& q) { return p.x != q.x ? p.x < q.x : p.y < q.y; };
-    if (best == kNone || isFurther(last[k].at, last[best].at)) best = k;
+    if (best == nullptr || isFurther(at(&point), at(best))) best = &point;
   }
   for (std::uint32_t set = 0; set < edges.size(); ++set) {
-    if (leftmost[set] == kNone) continue;
-    const Arm& arm = last[leftmost[set]];  // no arm is between it and the direction of -x: the part is there if the edge leaves
+    if (leftmost[set] == nullptr) continue;
+    std::vector<Arm> arms = ends.ArmsAt(edges, *leftmost[set]);
+    if (!TakeTurns(arms)) return false;
+    // No arm is between the last one and the direction of -x: the part is there if the edge leaves.
     int turns = 0;
-    if (!CountTurns(edges, sets, set, arm.at, turns) || turns != (arm.leaves ? 1 : 0)) return false;
+    if (!CountTurns(edges, sets, set, at(leftmost[set]), turns) || turns != (arms.back().leaves ? 1 : 0)) return false;
   }
   return true;
 }

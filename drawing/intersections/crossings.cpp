@@ -140,12 +140,12 @@ class Finder {
   Lines Run() {
     for (std::size_t s = 0; s < model_.ShellCount();) {
       if (IsLarge(s)) {
-        WithinLarge(s++);
+        Within(s++, threads_, found_);
         continue;
       }
       const std::size_t first = s;
       while (s < model_.ShellCount() && !IsLarge(s)) ++s;
-      InPieces(s - first, [&](std::size_t i, Lines& found) { WithinSmall(first + i, found); });
+      InPieces(s - first, threads_, found_, [&](std::size_t i, Lines& found) { Within(first + i, 1, found); });
     }
     BetweenShells();
     return std::move(found_);
@@ -154,21 +154,43 @@ class Finder {
  private:
   // Triangles of a shell that is worth sharing out.
   static constexpr std::size_t kLarge = 4096;
+  // Triangles from which on parts of a shell are worth looking for.
+  static constexpr std::size_t kWorthParting = 1024;
 
-  bool IsLarge(std::size_t s) const { return trees_.Order(s).size() >= kLarge; }
+  bool IsLarge(std::size_t s) const { return TrianglesOf(s).size() >= kLarge; }
 
   // Runs work(i, where its lines go) for all i below count, some hundred of them as one piece of work, so that the lines come in
   // order.
   template <class Work>
-  void InPieces(std::size_t count, Work work) {
+  static void InPieces(std::size_t count, unsigned threads, Lines& found, Work work) {
     constexpr std::size_t kPieces = 64;
     const std::size_t size = count / kPieces + 1, pieces = (count + size - 1) / size;
     std::vector<Lines> parts(pieces);
-    RunParallel(pieces, threads_, [&](std::size_t piece) {
-      Lines& found = threads_ > 1 ? parts[piece] : found_;
-      for (std::size_t i = piece * size; i < std::min((piece + 1) * size, count); ++i) work(i, found);
+    RunParallel(pieces, threads, [&](std::size_t piece) {
+      Lines& foundHere = threads > 1 ? parts[piece] : found;
+      for (std::size_t i = piece * size; i < std::min((piece + 1) * size, count); ++i) work(i, foundHere);
     });
-    for (const Lines& part : parts) found_.insert(found_.end(), part.begin(), part.end());
+    for (const Lines& part : parts) found.insert(found.end(), part.begin(), part.end());
+  }
+
+  // Of one shell.
+  void Within(std::size_t s, unsigned threads, Lines& found) {
+    if (IsSurelyApart(s)) return;
+    const std::size_t from = found.size();
+    const bool isFound = FindByParts(s, threads, found);
+    if (isFound && found.size() == from) return;
+    if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
+    trees_.Make(s, threads);
+    ChooseTree(s, threads, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
+      if (isFound) {
+        DropWithinPatches(found, from);
+        SortAsFoundBy(order, found, from);
+      } else {
+        found.resize(from);
+        FindByTree(tree, order, threads, found);
+      }
+    });
+    settle_(found, from);
   }
 
   // Whether a look at the shell as a whole shows that it does not meet itself.
@@ -182,47 +204,13 @@ class Finder {
     return {&mesh_.corners[model_.shellBegin[s]], model_.shellBegin[s + 1] - model_.shellBegin[s]};
   }
 
-  void WithinSmall(std::size_t s, Lines& found) {
-    if (IsSurelyApart(s)) return;
-    trees_.Make(s, 1);
-    if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
-    const std::size_t from = found.size();
-    ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      const std::vector<Leaf> leaves = LeavesOf(order);
-      auto visit = [&](std::uint32_t i, std::uint32_t j) {
-        MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
-      };
-      tree.JoinSelf(visit);
-    });
-    settle_(found, from);
-  }
-
-  void WithinLarge(std::size_t s) {
-    if (IsSurelyApart(s)) return;
-    const std::size_t from = found_.size();
-    const bool isFound = FindByParts(s);
-    if (isFound && found_.size() == from) return;
-    if (!arePatchesKnown_) FindPatchesOf(s, model_, mesh_, patches_);
-    trees_.Make(s, threads_);
-    ChooseTree(s, [&](const TreeView& tree, std::span<const std::uint32_t> order) {
-      if (isFound) {
-        DropWithinPatches(from);
-        SortAsFoundBy(order, from);
-      } else {
-        found_.resize(from);
-        FindByTree(tree, order);
-      }
-    });
-    settle_(found_, from);
-  }
-
   // Looks at what parts of the shell leave in doubt. False when that is too much; then some lines may be missing.
-  bool FindByParts(std::size_t s) {
-    if (!IsOrientedAlike(s)) return false;
-    const SheetCover cover(grid_, mesh_, model_.normals, TrianglesOf(s), model_.shellBegin[s], threads_);
+  bool FindByParts(std::size_t s, unsigned threads, Lines& all) const {
+    if (TrianglesOf(s).size() < kWorthParting || !IsOrientedAlike(s)) return false;
+    const SheetCover cover(grid_, mesh_, model_.normals, TrianglesOf(s), model_.shellBegin[s], threads);
     if (!cover.IsMade()) return false;
     std::atomic<bool> isAll{true};
-    InPieces(cover.Doubtful().size(), [&](std::size_t k, Lines& found) {
+    InPieces(cover.Doubtful().size(), threads, all, [&](std::size_t k, Lines& found) {
       const auto visit = [&](std::uint32_t t, std::uint32_t u) {
         MeetWithin(LeafOf(t), LeafOf(u), t, u, SharedCorners::kFew, found);
       };
@@ -231,21 +219,20 @@ class Finder {
     return isAll;
   }
 
-  void FindByTree(const TreeView& tree, std::span<const std::uint32_t> order) {
-    const std::vector<Leaf> leaves = LeavesOf(order);
-    const auto none = [](std::size_t, std::uint32_t) { return false; };
-    const std::vector<NodePair> pairs = tree.PairsOfNodes(none);
-    InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
+  void FindByTree(const TreeView& tree, std::span<const std::uint32_t> order, unsigned threads, Lines& all) const {
+    const std::vector<Leaf> leaves = LeavesOf(order, threads);
+    const std::vector<NodePair> pairs = tree.PairsOfNodes();
+    InPieces(pairs.size(), threads, all, [&](std::size_t k, Lines& found) {
       auto visit = [&](std::uint32_t i, std::uint32_t j) {
         MeetWithin(leaves[i], leaves[j], order[i], order[j], SharedCorners::kMany, found);
       };
-      tree.Join(pairs[k], visit, none);
+      tree.Join(pairs[k], visit);
     });
   }
 
   // As if a tree with this order of leaves had found them: its nodes are gone through in pairs, from the root down. Leaves in four
   // are siblings, so the order is that of the places' digits to the base of 4, the two taken by turns.
-  void SortAsFoundBy(std::span<const std::uint32_t> order, std::size_t from) {
+  static void SortAsFoundBy(std::span<const std::uint32_t> order, Lines& found, std::size_t from) {
     static_assert(TreeView::kFanOut == 4);
     const std::uint32_t first = *std::min_element(order.begin(), order.end());
     std::vector<std::uint32_t> place(order.size());
@@ -257,9 +244,9 @@ class Finder {
       return digits;
     };
     std::vector<std::pair<std::uint64_t, IntersectionLine>> keyed;
-    for (std::size_t k = from; k < found_.size(); ++k) keyed.emplace_back(key(found_[k]), found_[k]);
+    for (std::size_t k = from; k < found.size(); ++k) keyed.emplace_back(key(found[k]), found[k]);
     std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::transform(keyed.begin(), keyed.end(), found_.begin() + static_cast<std::ptrdiff_t>(from),
+    std::transform(keyed.begin(), keyed.end(), found.begin() + static_cast<std::ptrdiff_t>(from),
                    [](const auto& line) { return line.second; });
   }
 
@@ -269,14 +256,14 @@ class Finder {
     return std::none_of(first, last, [](const EdgeNote& note) { return note.isSameWay; });
   }
 
-  void DropWithinPatches(std::size_t from) {
+  void DropWithinPatches(Lines& found, std::size_t from) const {
     const auto isWithin = [&](const IntersectionLine& line) { return patches_[line.triangles[0]] == patches_[line.triangles[1]]; };
-    found_.erase(std::remove_if(found_.begin() + static_cast<std::ptrdiff_t>(from), found_.end(), isWithin), found_.end());
+    found.erase(std::remove_if(found.begin() + static_cast<std::ptrdiff_t>(from), found.end(), isWithin), found.end());
   }
 
   template <class Use>
-  void ChooseTree(std::size_t s, Use use) const {
-    if (const SlenderTree slender(grid_, TrianglesOf(s), model_.shellBegin[s], trees_.Leaves(s), threads_); slender.IsBetter()) {
+  void ChooseTree(std::size_t s, unsigned threads, Use use) const {
+    if (const SlenderTree slender(grid_, TrianglesOf(s), model_.shellBegin[s], trees_.Leaves(s), threads); slender.IsBetter()) {
       use(slender.View(), slender.Order());
     } else {
       use(trees_.Shell(s), trees_.Order(s));
@@ -287,7 +274,7 @@ class Finder {
     std::vector<std::array<std::uint32_t, 2>> pairs;
     trees_.ForEachPairOfShells([&](std::uint32_t a, std::uint32_t b) { pairs.push_back({a, b}); });
     MakeTreesOf(pairs);
-    InPieces(pairs.size(), [&](std::size_t k, Lines& found) {
+    InPieces(pairs.size(), threads_, found_, [&](std::size_t k, Lines& found) {
       const auto [a, b] = pairs[k];
       const std::size_t from = found.size();
       const auto orderA = trees_.Order(a), orderB = trees_.Order(b);
@@ -316,9 +303,9 @@ class Finder {
 
   Leaf LeafOf(std::uint32_t t) const { return {mesh_.corners[t], arePatchesKnown_ ? patches_[t] : t}; }
 
-  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order) const {
+  std::vector<Leaf> LeavesOf(std::span<const std::uint32_t> order, unsigned threads) const {
     std::vector<Leaf> leaves(order.size());
-    RunInRanges(order.size(), order.size() >= kLarge ? threads_ : 1, [&](std::size_t, std::size_t begin, std::size_t end) {
+    RunInRanges(order.size(), threads, [&](std::size_t, std::size_t begin, std::size_t end) {
       for (std::size_t k = begin; k < end; ++k) {
         const std::uint32_t t = order[k];
         leaves[k] = {mesh_.corners[t], patches_[t]};

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "drawing/intersections/border_winding.h"
 #include "drawing/intersections/exact_sign.h"

@@ -17,10 +17,10 @@ namespace {
 constexpr double kAlike = 0.86;
 // Triangles up to which a part is not cut: looking at pairs of so few takes no longer than at their borders.
 constexpr std::uint32_t kFew = 32;
-// How often a triangle is looked at, and how many parts there are: of more, nothing is won.
+// How often a triangle is looked at, and how many parts there are: beyond that, looking at pairs of triangles is faster.
 constexpr std::size_t kMostLooks = 4;
 constexpr std::size_t kMostParts(std::size_t triangles) {
-  return triangles / 16 + 8;
+  return triangles / 64;
 }
 
 GridPoint MiddleOf(const std::vector<GridPoint>& points, const std::array<std::uint32_t, 3>& c) {
@@ -131,7 +131,7 @@ std::vector<std::uint32_t> SheetCover::PiecesOf(const Part& part) const {
   std::uint32_t components = 0;
   for (std::uint32_t k = 0; k < pieces.size(); ++k) components += pieces[k] == k ? 1 : 0;
   if (components > 1 && components * kFew <= pieces.size()) return pieces;
-  const FloatBox& box = part.Tree().Root();
+  const FloatBox box = part.Tree().Root();
   const std::array<double, 3> size = {static_cast<double>(box.high[0]) - box.low[0], static_cast<double>(box.high[1]) - box.low[1],
                                       static_cast<double>(box.high[2]) - box.low[2]};
   const double longest = *std::max_element(size.begin(), size.end());

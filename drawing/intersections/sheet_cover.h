@@ -6,9 +6,9 @@
 // 1994). Two parts likewise, where both together are one. That takes the borders alone to be looked at: of a million triangles,
 // some ten thousand edges.
 // Difficulty: where a body bends sharply, and where it comes close to itself, no picture shows both sides.
-// Way taken: triangles are parted by cells of a grid and, where a cell has no picture, by the side to which they face; parts that
-// are none yet are cut into smaller ones. What pairs of parts are in doubt then is left to those who ask. A sign that is not clear,
-// an edge that touches another one, and a part is no sheet.
+// Way taken: parts grow from triangle to triangle as long as these face about the same way, so that faces of a body are parts;
+// those that are no sheets are cut into smaller ones. What pairs of parts are in doubt then is left to those who ask. A sign that
+// is not clear, an edge that touches another one, and a part is no sheet.
 #pragma once
 
 #include <algorithm>

@@ -78,22 +78,19 @@ class TreeView {
   // Calls visit(i, j) once for each two different leaves whose boxes meet.
   template <class Visit>
   void JoinSelf(Visit& visit) const {
-    const auto none = [](std::size_t, std::uint32_t) { return false; };
-    JoinSelf(top_, 0, visit, none);
+    JoinSelf(top_, 0, visit);
   }
-  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree. Pairs within a node are left out where
-  // leaveOut(level, node).
-  template <class LeaveOut>
-  std::vector<NodePair> PairsOfNodes(const LeaveOut& leaveOut) const {
+  // What JoinSelf does, as pieces of work in its order, some hundreds of a large tree.
+  std::vector<NodePair> PairsOfNodes() const {
     constexpr std::size_t kDepth = 4;
     std::vector<NodePair> pairs;
-    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, leaveOut, pairs);
+    AddPairs(top_, 0, top_ > kDepth ? top_ - kDepth : 0, pairs);
     return pairs;
   }
-  template <class Visit, class LeaveOut>
-  void Join(const NodePair& pair, Visit& visit, const LeaveOut& leaveOut) const {
+  template <class Visit>
+  void Join(const NodePair& pair, Visit& visit) const {
     if (pair.first == pair.second) {
-      JoinSelf(pair.level, pair.first, visit, leaveOut);
+      JoinSelf(pair.level, pair.first, visit);
     } else {
       Join(pair.level, pair.first, *this, pair.level, pair.second, visit);
     }
@@ -111,27 +108,24 @@ class TreeView {
     return end < counts_[level - 1] ? end : counts_[level - 1];
   }
 
-  template <class Visit, class LeaveOut>
-  void JoinSelf(std::size_t level, std::uint32_t node, Visit& visit, const LeaveOut& leaveOut) const {
-    if (level == 0 || leaveOut(level, node)) return;
+  template <class Visit>
+  void JoinSelf(std::size_t level, std::uint32_t node, Visit& visit) const {
+    if (level == 0) return;
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-      JoinSelf(level - 1, i, visit, leaveOut);
+      JoinSelf(level - 1, i, visit);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) Join(level - 1, i, *this, level - 1, j, visit);
       }
     }
   }
 
-  template <class LeaveOut>
-  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, const LeaveOut& leaveOut,
-                std::vector<NodePair>& pairs) const {
-    if (leaveOut(level, node)) return;
+  void AddPairs(std::size_t level, std::uint32_t node, std::size_t lowest, std::vector<NodePair>& pairs) const {
     if (level == lowest) {
       pairs.push_back({level, node, node});
       return;
     }
     for (std::uint32_t i = node * kFanOut, end = End(level, node); i < end; ++i) {
-      AddPairs(level - 1, i, lowest, leaveOut, pairs);
+      AddPairs(level - 1, i, lowest, pairs);
       for (std::uint32_t j = i + 1; j < end; ++j) {
         if (Meet(levels_[level - 1][i], levels_[level - 1][j])) pairs.push_back({level - 1, i, j});
       }
