@@ -168,6 +168,30 @@ void NestedRingsByRegions(int n) {
   zbrCombineRegions(RegionFor(NestedRings(n, 0.0)).view(), RegionFor(NestedRings(n, 0.5)).view(), &op, &result, 1, options);
 }
 
+void BarsOnOneLine(int n) {  // n edges along n ends
+  std::vector<Ring> bars;
+  for (int k = 0; k < n; ++k) bars.push_back({{-1.0 - k, 0}, {1.0 + k, 0}, {1.0 + k, n * 1.0}, {-1.0 - k, n * 1.0}});
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = ZBR_FILL_NON_ZERO;
+  zbrCombineRegions(RegionFor(bars), RegionFor({{{0, -1}, {1, n / 2.0}, {-1, n / 2.0}}}), ZBR_BOOL_OR, options);
+}
+
+void Fan(int n) {  // n edges in one vertex
+  std::vector<Ring> fan;
+  const auto at = [n](double k) { return ZBR_PT(std::cos(k / n), std::sin(k / n)); };
+  for (int k = 0; k < n; ++k) fan.push_back({{0, 0}, at(k), at(k + 0.5)});
+  ZBR_REGION_OPTIONS options;
+  options.fill_a = ZBR_FILL_NON_ZERO;
+  zbrCombineRegions(RegionFor(fan), RegionFor({Square(0.2, 0.2, 0.5)}), ZBR_BOOL_OR, options);
+}
+
+void Slivers(int n) {  // one above the other, slanted, so that all boxes overlap
+  std::vector<Ring> slivers;
+  for (int k = 0; k < n; ++k) slivers.push_back({{0, k * 1e-3}, {n * 1.0, (k + n) * 1e-3}, {n * 1.0, (k + n + 0.5) * 1e-3}});
+  std::vector<int> depths, parents;
+  zbrNestRegion(RegionFor(slivers).view(), depths, parents);
+}
+
 class CostOf : public testing::TestWithParam<Family> {};
 
 TEST_P(CostOf, GrowsWithTheInput) {
@@ -237,7 +261,8 @@ INSTANTIATE_TEST_SUITE_P(Families, CostOf,
                                          Family{"outline", Outline, 400}, Family{"hidden", HiddenLines, 400},
                                          Family{"copies", Copies, 100}, Family{"copies_united", CopiesUnited, 400},
                                          Family{"crowd", Crowd, 500}, Family{"nested_loops", NestedRingsByLoops, 250},
-                                         Family{"nested_regions", NestedRingsByRegions, 400}),
+                                         Family{"nested_regions", NestedRingsByRegions, 400}, Family{"bars", BarsOnOneLine, 400},
+                                         Family{"fan", Fan, 400}, Family{"slivers", Slivers, 400}),
                          testing::PrintToStringParamName());
 
 }  // namespace
