@@ -141,7 +141,7 @@ std::vector<ChordSides::Crossing> FindCrossingsOfRims(const Model& model, const 
   std::optional<Rims> rims;
   std::vector<ChordSides::Crossing> found;
   for (const IntersectionLine& line : lines) {
-    for (const std::size_t side : {0, 1}) {
+    for (std::size_t side = 0; side < 2; ++side) {
       const std::optional<CylinderFacet> facet = facets.FacetAt(line.triangles[side]);
       if (!facet) continue;
       if (!rims) rims.emplace(model, circles);
