@@ -22,8 +22,8 @@ constexpr double kLongest = 0.55;        // chord over radius: some 30 degrees
 
 class Walls {
  public:
-  Walls(const Model& model, const Circles& circles, std::vector<bool> isFaceOn)
-      : model_(model), circles_(circles), isFaceOn_(std::move(isFaceOn)), walls_(circles.all.size()) {
+  Walls(const Model& model, const Circles& circles, const ZBR_PT3& along, std::vector<bool> isFaceOn)
+      : model_(model), circles_(circles), along_(along), isFaceOn_(std::move(isFaceOn)), walls_(circles.all.size()) {
     isRim_.assign(circles.all.size(), false);
     isTaken_.assign(model.TriangleCount(), false);
   }
@@ -57,13 +57,21 @@ class Walls {
     return *model_.Shell(s).GetTriangle(static_cast<int>(t - model_.shellBegin[s]));
   }
 
+  // As the viewer sees it: far along the axis a slight tilt moves a rim off the other one.
+  double DistanceFromCentre(const ZBR_PT3& p) const { return along_.OuterProduct(p - circles_.all[circle_].centre).Length(); }
+
   bool IsOnWall(std::uint32_t t) const {
-    const Circle& circle = circles_.all[circle_];
     for (std::size_t i = 0; i < 3; ++i) {
-      const double distance = circle.axis.OuterProduct(VertexOf(TriangleAt(t), i).GetPt() - circle.centre).Length();
-      if (!(std::abs(distance - circle.radius) <= tolerance_)) return false;
+      const double distance = DistanceFromCentre(VertexOf(TriangleAt(t), i).GetPt());
+      if (!(std::abs(distance - circles_.all[circle_].radius) <= tolerance_)) return false;
     }
     return true;
+  }
+
+  // Walls of different circles may have a chord in common.
+  bool IsSameCircle(std::uint32_t other) const {
+    const Circle& circle = circles_.all[other];
+    return DistanceFromCentre(circle.centre) <= tolerance_ && std::abs(circle.radius - circles_.all[circle_].radius) <= tolerance_;
   }
 
   void Pass(std::uint32_t t, std::size_t i) {
@@ -75,6 +83,7 @@ class Walls {
     const auto beyond =
         across == nullptr ? t : static_cast<std::uint32_t>(model_.shellBegin[s]) + static_cast<std::uint32_t>(across->GetIndex());
     if (own != kNoCircle && isFaceOn_[own]) {
+      if (!IsSameCircle(own)) return;
       isRim_[own] = true;
       walls_.Unite(own, circle_);
       return;
@@ -101,6 +110,7 @@ class Walls {
 
   const Model& model_;
   const Circles& circles_;
+  const ZBR_PT3 along_;  // to the viewer
   const std::vector<bool> isFaceOn_;
   DisjointSets walls_;  // of circles
   std::vector<bool> isRim_, isTaken_;
@@ -117,7 +127,7 @@ RoundWalls FindRoundWalls(const Model& model, const Circles& circles, const Chor
   std::vector<bool> isFaceOn;
   for (const Circle& circle : circles.all) isFaceOn.push_back(circle.axis.OuterProduct(view.toViewer).Length() <= kFaceOn);
   if (std::find(isFaceOn.begin(), isFaceOn.end(), true) == isFaceOn.end()) return {};
-  Walls walls(model, circles, isFaceOn);
+  Walls walls(model, circles, view.toViewer, isFaceOn);
   sides.ForEach([&](std::size_t triangle, const ChordSides::Side& side) {
     if (isFaceOn[side.circle]) walls.GrowFrom(static_cast<std::uint32_t>(triangle), side);
   });

@@ -252,8 +252,10 @@ class Finder {
 
   bool IsOrientedAlike(std::size_t s) const {
     if (model_.facing[s] != Facing::kUnknown) return true;
-    const auto first = model_.notes.begin() + model_.edgeBegin[s], last = model_.notes.begin() + model_.edgeBegin[s + 1];
-    return std::none_of(first, last, [](const EdgeNote& note) { return note.isSameWay; });
+    for (std::uint32_t e = model_.edgeBegin[s]; e < model_.edgeBegin[s + 1]; ++e) {
+      if (model_.notes[e].isSameWay && mesh_.sides[e][1] != Connectivity::kNone) return false;  // of borders it says nothing
+    }
+    return true;
   }
 
   void DropWithinPatches(Lines& found, std::size_t from) const {

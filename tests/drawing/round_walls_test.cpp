@@ -10,6 +10,7 @@
 
 #include "drawing/curves/angle_ranges.h"
 #include "models/models.h"
+#include "models/solid.h"
 
 namespace zbr::drawing {
 namespace {
@@ -72,6 +73,44 @@ TEST(RoundWalls, ThatTaperHaveTheirRims) {
     for (std::size_t i = 1; i < line.chain.points.size(); ++i) length += line.chain.points[i].Distance(line.chain.points[i - 1]);
   }
   EXPECT_GT(length, 1.5 * kFullTurn * kRadius);
+}
+
+double VisibleLength(const Mesh& mesh, const View& view) {
+  double length = 0.0;
+  const std::vector<ViewLines> views = DrawViews(MakeModel(mesh, 30.0), {{"view", view}}, {});
+  for (const Line& line : views.front().lines) {
+    const std::vector<ZBR_PT>& points = line.chain.points;
+    if (line.hidden) continue;
+    for (std::size_t i = 1; i < points.size(); ++i) length += points[i].Distance(points[i - 1]);
+    if (line.chain.closed) length += points.front().Distance(points.back());
+  }
+  return length;
+}
+
+// Of sides of length 1, one of which ends in (0, -1/2) and (0, 1/2).
+example::Region PolygonAtTheOrigin(std::uint32_t sides) {
+  const double half = kFullTurn / 2 / sides, radius = 0.5 / Sin(half);
+  std::vector<ZBR_PT> points{{0.0, 0.5}, {0.0, -0.5}};
+  for (std::uint32_t k = 2; k < sides; ++k) {
+    const double a = kFullTurn / 2 - half + kFullTurn * k / sides;
+    points.emplace_back(radius * (Cos(half) + Cos(a)), radius * Sin(a));
+  }
+  return example::Polygon(points);
+}
+
+TEST(RoundWalls, OfCirclesThatShareAChordKeepBothRims) {
+  for (const auto& [thin, thick] : {std::pair(12U, 24U), {16U, 24U}, {24U, 48U}}) {
+    example::Solid shaft;
+    shaft.Stack(example::Axis::kZ, {-3.0, 0.0, 3.0}, {PolygonAtTheOrigin(thick), PolygonAtTheOrigin(thin)});
+    EXPECT_NEAR(VisibleLength(shaft.Take(), *NamedView("top")), thin + thick - 1.0, 1e-4);
+  }
+}
+
+// The lower rim comes out from under the upper one.
+TEST(RoundWalls, SeenASlantHaveBothRims) {
+  const Mesh rod = example::Cylinder(24, 1, 2000);
+  const double around = VisibleLength(rod, *NamedView("top"));
+  EXPECT_GT(VisibleLength(rod, LookAlong({0.00009, 0, -1}, {0, 1, 0})), 1.49 * around);
 }
 
 TEST(RoundWalls, RangesOfAnglesLeaveTheRest) {
