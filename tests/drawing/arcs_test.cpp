@@ -316,6 +316,32 @@ TEST(Arcs, MirroredHalvesAreNoRepeats) {
   EXPECT_EQ(MakeContours(drawing, {1e-4, 1e-6}).rings.size(), 1U);
 }
 
+// Whole contours drawn again, from another vertex or in the other direction, go; others with the same vertices stay.
+TEST(Arcs, ContoursThatRepeatOthersAreLeftOut) {
+  std::vector<Path> paths;
+  Path& plate = paths.emplace_back();
+  plate.closed = true;
+  plate.points = {{0, 0}, {10, 0}, {10, 4}, {0, 4}};
+  plate.curves = {{1, {10, 2}, {0, -2}, {2, 0}, 0.0, kPi}};
+  Path again = plate;
+  std::rotate(again.points.begin(), again.points.begin() + 3, again.points.end());
+  again.curves[0].at = 2;
+  Path back = plate;
+  std::reverse(back.points.begin(), back.points.end());
+  std::swap(back.curves[0].t0, back.curves[0].t1);
+  Path dented = plate;
+  dented.curves[0] = {1, {10, 2}, {0, -2}, {-2, 0}, 0.0, kPi};
+  Path straight = plate, open = plate;
+  straight.curves.clear();
+  open.closed = false;
+  paths.insert(paths.end(), {again, dented, straight, back, open, plate, straight});
+  EXPECT_EQ(DropRepeats(paths), 4U);
+  ASSERT_EQ(paths.size(), 4U);
+  EXPECT_LT(paths[1].curves[0].v.x(), 0.0);
+  EXPECT_TRUE(paths[2].curves.empty());
+  EXPECT_FALSE(paths[3].closed);
+}
+
 // A closed spline beside the pieces it was cut into, each with parameters of its own, some turned round: one region, with the same
 // vertices, also where the spline crosses itself.
 TEST(Arcs, PiecesOfSplinesAreTheirSpline) {
