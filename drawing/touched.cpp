@@ -5,6 +5,7 @@
 
 #if defined(__linux__)
 #include <sys/mman.h>
+#include <unistd.h>
 #endif
 
 // Containers of some libraries mark what they have reserved as off limits, for the sanitizer alone.
@@ -53,12 +54,13 @@ void TouchPages(void* begin, std::size_t bytes, unsigned threads) {
 void GiveBackPages([[maybe_unused]] void* begin, std::size_t bytes, [[maybe_unused]] unsigned threads) noexcept {
   if (bytes < kLeastGivenBack) return;
 #if defined(__linux__)
-  const std::size_t before = (kPage - reinterpret_cast<std::uintptr_t>(begin) % kPage) % kPage;
+  const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));  // lengths are rounded up to whole ones
+  const std::size_t before = (page - reinterpret_cast<std::uintptr_t>(begin) % page) % page;
   unsigned char* const first = static_cast<unsigned char*>(begin) + before;
-  const std::size_t size = (bytes - before) / kPage * kPage;
+  const std::size_t size = (bytes - before) / page * page, share = 256 * page;
   try {
-    RunParallel((size + kShare - 1) / kShare, threads,
-                [&](std::size_t k) { ::madvise(first + k * kShare, std::min(kShare, size - k * kShare), MADV_DONTNEED); });
+    RunParallel((size + share - 1) / share, threads,
+                [&](std::size_t k) { ::madvise(first + k * share, std::min(share, size - k * share), MADV_DONTNEED); });
   } catch (...) {
     return;
   }

@@ -152,7 +152,7 @@ class LookLeft {
     forEach([&](std::uint32_t, std::size_t node) { ++begin_[node + 1]; });
     std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
     waiting_.resize(begin_.back());
-    std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
+    std::vector<std::size_t> place(begin_.begin(), begin_.end() - 1);
     forEach([&](std::uint32_t edge, std::size_t node) { waiting_[place[node]++] = edge; });
     for (std::size_t level = leaves_, width = 1; level > 0; level /= 2, width *= 2) {
       for (std::size_t k = 0; k < level && k * width < heights.size(); ++k) {
@@ -252,7 +252,7 @@ class LookLeft {
   double clearance_;
   std::size_t leaves_;
   std::vector<bool> isOrdered_;         // by node, 1 being the root
-  std::vector<std::uint32_t> begin_;    // by node
+  std::vector<std::size_t> begin_;      // by node
   std::vector<std::uint32_t> waiting_;  // edges, by node and there from left to right
 };
 

@@ -160,7 +160,7 @@ std::span<const CutPiece> RegionCutter::Cut(const ZBR_PT3& a, const ZBR_PT3& b) 
     } else {
       place = LocateAt(a.xy(), b.xy(), from, to, 0.5);
     }
-    if (IsOn(place)) {
+    if (IsOn(place) || !near_.empty()) {
       AddRun(a.xy(), b.xy(), from, to, least);
     } else {
       AddPiece(from, to, place == ZBR_PI_IN);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <span>
 #include <unordered_map>
@@ -70,7 +71,7 @@ class CircleGrid {
     for (unsigned i = 0; i < 4; ++i) {
       double cell = std::floor(at[i]);
       if ((corner >> i & 1U) != 0) cell += at[i] - cell < 0.5 ? -1.0 : 1.0;
-      key = (key ^ static_cast<std::uint64_t>(static_cast<std::int64_t>(cell))) * 0x9e3779b97f4a7c15ULL;
+      key = (key ^ std::bit_cast<std::uint64_t>(cell + 0.0)) * 0x9e3779b97f4a7c15ULL;  // of circles that are nearly lines, too
       key ^= key >> 29;
     }
     return key;

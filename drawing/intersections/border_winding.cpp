@@ -227,6 +227,9 @@ bool WindsOnce(const std::vector<BorderEdge>& edges) {
     const auto isFurther = [&](const PicturePoint& p, const PicturePoint& q) { return p.x != q.x ? p.x < q.x : p.y < q.y; };
     if (best == nullptr || isFurther(at(&point), at(best))) best = &point;
   }
+  constexpr std::ptrdiff_t kMostSets = 64;  // all edges are counted around each
+  if (std::count_if(leftmost.begin(), leftmost.end(), [](const Ends::Point* point) { return point != nullptr; }) > kMostSets)
+    return false;
   for (std::uint32_t set = 0; set < edges.size(); ++set) {
     if (leftmost[set] == nullptr) continue;
     std::vector<Arm> arms = ends.ArmsAt(edges, *leftmost[set]);
