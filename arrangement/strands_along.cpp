@@ -28,15 +28,9 @@ StrandsAlong::StrandsAlong(const Arrangement& arrangement) : begin_(arrangement.
   for (std::uint32_t s = 1; s < count; ++s) farthest_[s] = std::max(farthest_[s], farthest_[s - 1]);
 }
 
-void StrandsAlong::Start(std::uint32_t piece, Rows& rows) const {
-  rows.clear();
-  for (const std::uint32_t s : Of(piece)) rows.push_back({s, s + 1});
-}
-
 // Of the piece's strands those count from which a line gets to the end of the row, and to which one gets from its start: some that
 // follow each other.
-bool StrandsAlong::GoOn(std::uint32_t piece, Rows& rows) const {
-  const std::span<const std::uint32_t> strands = Of(piece);
+bool StrandsAlong::KeepReached(std::span<const std::uint32_t> strands, Rows& rows) const {
   const auto before = static_cast<std::ptrdiff_t>(rows.size());
   for (std::ptrdiff_t i = 0; i < before; ++i) {
     const Arrangement::Strands row = rows[static_cast<std::size_t>(i)];
@@ -49,7 +43,17 @@ bool StrandsAlong::GoOn(std::uint32_t piece, Rows& rows) const {
   }
   if (static_cast<std::ptrdiff_t>(rows.size()) == before) return false;
   rows.erase(rows.begin(), rows.begin() + before);
-  if (!farthest_.empty() && rows.size() > 1) DropRepeated(rows);
+  if (rows.size() > 1) DropRepeated(rows);
+  return true;
+}
+
+bool StrandsAlong::KeepCommon(std::span<const std::uint32_t> strands, Rows& rows) {
+  std::size_t kept = 0;
+  for (const Arrangement::Strands& row : rows) {
+    if (std::binary_search(strands.begin(), strands.end(), row.first)) rows[kept++] = row;
+  }
+  if (kept == 0) return false;
+  rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(kept), rows.end());
   return true;
 }
 

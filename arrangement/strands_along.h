@@ -22,17 +22,29 @@ class StrandsAlong {
   using Rows = std::vector<Arrangement::Strands>;
 
   // The walk begins with a piece.
-  void Start(std::uint32_t piece, Rows& rows) const;
+  void Start(std::uint32_t piece, Rows& rows) const {
+    const std::span<const std::uint32_t> strands = Of(piece);
+    rows.resize(strands.size());
+    for (std::size_t i = 0; i < strands.size(); ++i) rows[i] = {strands[i], strands[i] + 1};
+  }
   // The walk goes on along a piece. False, and nothing changes, when no edge does.
-  bool GoOn(std::uint32_t piece, Rows& rows) const;
+  bool GoOn(std::uint32_t piece, Rows& rows) const {
+    const std::span<const std::uint32_t> strands = Of(piece);
+    if (!farthest_.empty()) return KeepReached(strands, rows);
+    if (rows.size() != 1 || strands.size() != 1) return KeepCommon(strands, rows);
+    return rows[0].first == strands[0];
+  }
 
  private:
+  bool KeepReached(std::span<const std::uint32_t> strands, Rows& rows) const;
+  // The same where each line is its own strand, and rows are no longer.
+  static bool KeepCommon(std::span<const std::uint32_t> strands, Rows& rows);
   static void DropRepeated(Rows& rows);
   std::span<const std::uint32_t> Of(std::uint32_t piece) const {
     return std::span(strands_).subspan(begin_[piece], begin_[piece + 1] - begin_[piece]);
   }
   // Where the lines end that go on farthest from a strand.
-  std::uint32_t FarthestFrom(std::uint32_t strand) const { return farthest_.empty() ? strand + 1 : farthest_[strand]; }
+  std::uint32_t FarthestFrom(std::uint32_t strand) const { return farthest_[strand]; }
 
   std::vector<std::uint32_t> begin_;  // by piece
   std::vector<std::uint32_t> strands_;

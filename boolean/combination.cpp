@@ -66,8 +66,7 @@ std::optional<LoopList> Combination::Walk(ZBR_BOOLEAN_OPE op) {
 
 void Combination::MarkDone() {
   if (!arePathsPrepared_) return;
-  for (std::size_t k = 0; k < crosses_.size(); ++k)
-    crosses_[static_cast<std::size_t>(sorted_.side[0][k].index)].done = paths_.done(k);
+  for (ZBR_CROSS& c : crosses_) c.done = paths_.done(static_cast<std::size_t>(c.a.seq));
 }
 
 // Once for each run of crossings on one polygon.
@@ -75,8 +74,7 @@ void Combination::NoteCrossedPolygons(int side) {
   Family& family = families_[side];
   family.touched.assign(family.polygons.size(), false);
   const std::vector<PlacedCrossing>& list = sorted_.side[side];
-  const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
-  ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t) {
+  ForEachPolygonRun(list, [&](std::size_t first, std::size_t) {
     const std::size_t number = family.Number(list[first].loop);
     family.touched[number] = true;
     traced_.polygons[side].push_back(family.seen[number]);
@@ -86,12 +84,8 @@ void Combination::NoteCrossedPolygons(int side) {
 
 void Combination::PrepareTracing() {
   paths_.Prepare(sorted_);
-  std::vector<PlacedCrossing>().swap(sorted_.side[1]);
-  traced_.crossings.reserve(crosses_.size());
-  for (const PlacedCrossing& p : sorted_.side[0]) {
-    const ZBR_CROSS& c = crosses_[static_cast<std::size_t>(p.index)];
-    traced_.crossings.push_back({c.pt, {c.a.pos, c.b.pos}});
-  }
+  traced_.crossings = std::move(sorted_.traced);
+  sorted_ = {};
   arePathsPrepared_ = true;
 }
 

@@ -1,6 +1,7 @@
 // Clean-up of crossings, as the Boolean uses it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -10,9 +11,18 @@
 
 namespace zbr {
 
+// What tracing needs of a crossing, close together: paths meet the crossings in an order of their own, and every record they touch
+// is a wait for memory.
+struct TracedCrossing {
+  ZBR_PT pt;
+  double pos[2];  // along A and B
+};
+
 // The crossings left after clean-up, in order along both sides.
 struct SortedCrossings {
   std::vector<PlacedCrossing> side[2];
+  std::vector<TracedCrossing> traced;    // by place along A
+  std::vector<std::uint32_t> placesOnB;  // of the same
 };
 
 // Which families hold rings that touch each other or themselves.

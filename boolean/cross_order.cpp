@@ -29,12 +29,9 @@ namespace {
 class Cleaner {
  public:
   Cleaner(const LoopList& a, const LoopList& b, std::vector<ZBR_CROSS>& crosses, SortedCrossings& sorted, Touching touching)
-      : families_{&a, &b}, touches_{touching.a, touching.b}, crosses_(crosses), side_(sorted.side) {}
+      : families_{&a, &b}, touches_{touching.a, touching.b}, crosses_(crosses), sorted_(sorted), side_(sorted.side) {}
 
-  void Sort() {
-    SortAlongSide(crosses_, 0, side_[0]);
-    SortAlongSide(crosses_, 1, side_[1]);
-  }
+  void Sort() { SortAlongSides(crosses_, side_); }
 
   bool DropUnbalanced(int side);
   bool DropCoincidentAlongA();
@@ -71,7 +68,9 @@ class Cleaner {
   const LoopList* families_[2];
   bool touches_[2];
   std::vector<ZBR_CROSS>& crosses_;
+  SortedCrossings& sorted_;
   std::vector<PlacedCrossing>* side_;
+  bool mayBeTied_[2] = {true, true};  // some neighbours along a side, as far as is known
   bool isCertain_ = true;
   std::vector<std::int32_t> renamed_;
   std::vector<int> spot_;
@@ -82,8 +81,7 @@ class Cleaner {
 bool Cleaner::DropUnbalanced(int side) {
   bool dropped = false;
   const std::vector<PlacedCrossing>& list = side_[side];
-  const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
-  ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
+  ForEachPolygonRun(list, [&](std::size_t first, std::size_t last) {
     bool seen[2] = {false, false};
     for (std::size_t k = first; k < last && !(seen[0] && seen[1]); ++k) {
       if (RecordOf(list[k]).valid) seen[list[k].dir == ZBR_CROSS_TO_LEFT ? 0 : 1] = true;
@@ -101,7 +99,7 @@ bool Cleaner::DropUnbalanced(int side) {
 bool Cleaner::DropCoincidentAlongA() {
   const std::vector<PlacedCrossing>& list = side_[0];
   const std::size_t n = list.size();
-  if (n < 2) return false;
+  if (n < 2 || !mayBeTied_[0]) return false;
   bool dropped = false;
   for (std::size_t k = 0; k < (n == 2 ? 1 : n); ++k) {
     const PlacedCrossing& before = list[k == 0 ? n - 1 : k - 1];
@@ -136,6 +134,7 @@ bool Cleaner::DropTouchesAlongB() {
 }
 
 bool Cleaner::OrderTies(int side) {
+  if (!mayBeTied_[side]) return false;
   bool found = false;
   const std::vector<PlacedCrossing>& list = side_[side];
   for (std::size_t first = 0; first < list.size();) {
@@ -169,6 +168,7 @@ bool Cleaner::Compact() {
   }
   if (kept == crosses_.size()) return true;
   crosses_.resize(kept);
+  mayBeTied_[0] = mayBeTied_[1] = true;
   for (int side = 0; side < 2; ++side) {
     std::vector<PlacedCrossing>& list = side_[side];
     std::size_t out = 0;
@@ -182,17 +182,20 @@ bool Cleaner::Compact() {
 }
 
 void Cleaner::Number() {
-  // By way of a small array per side: a record is written once, and records are written in their own order.
-  std::vector<std::int32_t>& seqA = renamed_;
-  std::vector<std::int32_t> seqB(crosses_.size());
-  seqA.resize(crosses_.size());
-  for (std::size_t k = 0; k < crosses_.size(); ++k) {
-    seqA[static_cast<std::size_t>(side_[0][k].index)] = static_cast<std::int32_t>(k);
-    seqB[static_cast<std::size_t>(side_[1][k].index)] = static_cast<std::int32_t>(k);
-  }
-  for (std::size_t i = 0; i < crosses_.size(); ++i) {
-    crosses_[i].a.seq = seqA[i];
-    crosses_[i].b.seq = seqB[i];
+  // A record is visited once, in the order along A, which is nearly its own. The places along B come by way of a small array.
+  const std::size_t n = crosses_.size();
+  std::vector<std::int32_t>& seqB = renamed_;
+  seqB.resize(n);
+  for (std::size_t k = 0; k < n; ++k) seqB[static_cast<std::size_t>(side_[1][k].index)] = static_cast<std::int32_t>(k);
+  sorted_.traced.reserve(n);
+  sorted_.placesOnB.reserve(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    const auto i = static_cast<std::size_t>(side_[0][k].index);
+    ZBR_CROSS& c = crosses_[i];
+    c.a.seq = static_cast<int>(k);
+    c.b.seq = seqB[i];
+    sorted_.traced.push_back({c.pt, {c.a.pos, c.b.pos}});
+    sorted_.placesOnB.push_back(static_cast<std::uint32_t>(seqB[i]));
   }
 }
 
@@ -206,13 +209,19 @@ void Cleaner::LookAtPair(const PlacedCrossing& x, const PlacedCrossing& y, doubl
   isCertain_ = isOnePlace ? distance2 <= kSurelyOn * kSurelyOn * eps2 : distance2 >= kSurelyOff * kSurelyOff * eps2;
 }
 
+// The ends of a tie are the tolerance apart and what rounding adds, at most as much.
 void Cleaner::LookAtNeighbours() {
+  const double tied = 2.0 * t_tolerance.eps;
   for (int side = 0; side < 2; ++side) {
     const std::vector<PlacedCrossing>& list = side_[side];
-    const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
-    ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
-      for (std::size_t k = first + 1; k < last; ++k) LookAtPair(list[k - 1], list[k], list[k].pos - list[k - 1].pos);
-    });
+    bool mayBeTied = false;
+    for (std::size_t k = 1; k < list.size(); ++k) {
+      if (list[k - 1].loop != list[k].loop) continue;
+      const double apart = list[k].pos - list[k - 1].pos;
+      mayBeTied |= !(apart > tied);
+      LookAtPair(list[k - 1], list[k], apart);
+    }
+    mayBeTied_[side] = mayBeTied || (!list.empty() && AreCoincident(list.back(), list.front()));
   }
 }
 
@@ -233,8 +242,7 @@ bool Cleaner::RunSideBySide(const ZBR_CROSS& x, const ZBR_CROSS& y, int side) co
 void Cleaner::LookAtTurns() {
   for (int side = 0; side < 2 && isCertain_; ++side) {
     const std::vector<PlacedCrossing>& list = side_[side];
-    const auto loopAt = [&list](std::size_t k) { return list[k].loop; };
-    ForEachPolygonRun(list.size(), loopAt, [&](std::size_t first, std::size_t last) {
+    ForEachPolygonRun(list, [&](std::size_t first, std::size_t last) {
       std::size_t before = last - 1;
       bool seen[2] = {false, false};
       for (std::size_t k = first; k < last && isCertain_; before = k++) {

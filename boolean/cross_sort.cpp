@@ -52,36 +52,70 @@ std::uint64_t LoopKey(const PlacedCrossing& p) {
   return static_cast<std::uint64_t>(p.loop) ^ (std::uint64_t{1} << 63U);
 }
 
-}  // namespace
+bool IsOnEarlierEdge(const PlacedCrossing& x, const PlacedCrossing& y) {
+  return x.loop != y.loop ? x.loop < y.loop : EdgeOf(x) < EdgeOf(y);
+}
 
-void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed) {
-  const ZBR_CROSS_SORT_FUNCTOR less(crosses, side, 1 - side);
-  placed.resize(crosses.size());
+// What is seen of the crossings of a side while they are listed.
+struct SideGlance {
   bool haveEdges = true;
-  for (std::size_t i = 0; i < crosses.size(); ++i) {
-    const ZBR_CROSS_AB& at = Side(crosses[i], side);
-    placed[i] = {at.loop.value, at.pos, static_cast<std::int32_t>(i), crosses[i].dir};
-    haveEdges &= HasEdge(at.pos);
+  bool haveOneLoop = true;
+  bool areInOrder = true;  // of their edges
+  std::int64_t loop = 0;   // of the last one
+  std::uint32_t edge = 0;
+
+  void Add(std::int64_t newLoop, double pos) {
+    if (!HasEdge(pos)) {
+      haveEdges = false;
+      return;
+    }
+    const auto newEdge = static_cast<std::uint32_t>(pos);
+    haveOneLoop &= newLoop == loop;
+    areInOrder &= loop < newLoop || (loop == newLoop && edge <= newEdge);
+    loop = newLoop;
+    edge = newEdge;
   }
-  if (!haveEdges) {
+};
+
+void SortPlaced(const std::vector<ZBR_CROSS>& crosses, int side, const SideGlance& seen, std::vector<PlacedCrossing>& placed) {
+  const ZBR_CROSS_SORT_FUNCTOR less(crosses, side, 1 - side);
+  if (!seen.haveEdges) {
     std::stable_sort(placed.begin(), placed.end(),
                      [&less](const PlacedCrossing& x, const PlacedCrossing& y) { return less(x.index, y.index); });
     return;
   }
-  const auto byEdge = [](const PlacedCrossing& x, const PlacedCrossing& y) {
-    return x.loop != y.loop ? x.loop < y.loop : EdgeOf(x) < EdgeOf(y);
-  };
-  if (!std::is_sorted(placed.begin(), placed.end(), byEdge)) {
+  if (!seen.areInOrder) {
     std::vector<PlacedCrossing> scratch;
     RadixSort(placed, scratch, [](const PlacedCrossing& p) { return EdgeOf(p); });
-    RadixSort(placed, scratch, [](const PlacedCrossing& p) { return LoopKey(p); });
+    if (!seen.haveOneLoop) RadixSort(placed, scratch, [](const PlacedCrossing& p) { return LoopKey(p); });
   }
   for (std::size_t first = 0; first < placed.size();) {
     std::size_t last = first + 1;
-    while (last < placed.size() && !byEdge(placed[first], placed[last])) ++last;
+    while (last < placed.size() && !IsOnEarlierEdge(placed[first], placed[last])) ++last;
     if (last - first > 1) SortOneEdge(placed, first, last, less);
     first = last;
   }
+}
+
+}  // namespace
+
+void SortAlongSides(const std::vector<ZBR_CROSS>& crosses, std::vector<PlacedCrossing>* placed) {
+  placed[0].clear();
+  placed[1].clear();
+  placed[0].reserve(crosses.size());
+  placed[1].reserve(crosses.size());
+  if (crosses.empty()) return;
+  SideGlance seenA{.loop = crosses[0].a.loop.value};
+  SideGlance seenB{.loop = crosses[0].b.loop.value};
+  for (std::size_t i = 0; i < crosses.size(); ++i) {  // the records are large: both sides are taken from them at once
+    const ZBR_CROSS& c = crosses[i];
+    seenA.Add(c.a.loop.value, c.a.pos);
+    seenB.Add(c.b.loop.value, c.b.pos);
+    placed[0].push_back({c.a.loop.value, c.a.pos, static_cast<std::int32_t>(i), c.dir});
+    placed[1].push_back({c.b.loop.value, c.b.pos, static_cast<std::int32_t>(i), c.dir});
+  }
+  SortPlaced(crosses, 0, seenA, placed[0]);
+  SortPlaced(crosses, 1, seenB, placed[1]);
 }
 
 void ResortTies(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed) {

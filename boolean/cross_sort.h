@@ -1,6 +1,8 @@
 // Crossings in order along one side.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -27,9 +29,9 @@ struct PlacedCrossing {
   ZBR_CROSS_DIR dir;
 };
 
-// Fills `placed` with all crossings in the order of ZBR_CROSS_SORT_FUNCTOR(crosses, side, 1 - side); crossings that are equal in it
-// keep their order.
-void SortAlongSide(const std::vector<ZBR_CROSS>& crosses, int side, std::vector<PlacedCrossing>& placed);
+// Fills placed[side] with all crossings in the order of ZBR_CROSS_SORT_FUNCTOR(crosses, side, 1 - side), for both sides; crossings
+// that are equal in it keep their order.
+void SortAlongSides(const std::vector<ZBR_CROSS>& crosses, std::vector<PlacedCrossing>* placed);
 
 // Whether two neighbours along a side share one place: positions that differ by less than the tolerance are one, since each pair of
 // edges computes its own. The band is built around the second position, which may differ in its last bit.
@@ -55,6 +57,20 @@ void ForEachPolygonRun(std::size_t count, LoopAt loopAt, Visit visit) {
     std::size_t last = first + 1;
     while (last < count && loopAt(last) == loop) ++last;
     visit(first, last);
+    first = last;
+  }
+}
+
+// The same of a sorted side, where the end of a run is found by doubling steps: long runs are not read to be told apart.
+template <class Visit>
+void ForEachPolygonRun(const std::vector<PlacedCrossing>& sorted, Visit visit) {
+  const auto begin = sorted.begin();
+  for (auto first = begin; first != sorted.end();) {
+    std::ptrdiff_t step = 1;
+    while (step < sorted.end() - first && first[step].loop == first->loop) step *= 2;
+    const auto last = std::partition_point(first + step / 2 + 1, first + std::min(step, sorted.end() - first),
+                                           [&](const PlacedCrossing& p) { return p.loop == first->loop; });
+    visit(static_cast<std::size_t>(first - begin), static_cast<std::size_t>(last - begin));
     first = last;
   }
 }

@@ -7,6 +7,8 @@
 // links that are shortened as they are followed, so that finding all paths is linear but for a factor nobody can measure.
 #include "boolean/paths.h"
 
+#include <utility>
+
 #include "boolean/check.h"
 #include "core/assert.h"
 #include "core/cost.h"
@@ -15,8 +17,7 @@ namespace zbr {
 
 void SideOrder::FindRuns(const std::vector<PlacedCrossing>& sorted) {
   runs.clear();
-  const auto loopAt = [&sorted](std::size_t k) { return sorted[k].loop; };
-  ForEachPolygonRun(sorted.size(), loopAt, [&](std::size_t first, std::size_t last) {
+  ForEachPolygonRun(sorted, [&](std::size_t first, std::size_t last) {
     runs.push_back({static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(last - 1)});
   });
   run.clear();
@@ -25,25 +26,15 @@ void SideOrder::FindRuns(const std::vector<PlacedCrossing>& sorted) {
   for (std::uint32_t r = 0; r < runs.size(); ++r) run.insert(run.end(), runs[r].last - runs[r].first + 1, r);
 }
 
-void PathFinder::Prepare(const SortedCrossings& sorted) {
-  const std::vector<PlacedCrossing>& alongA = sorted.side[0];
-  const std::vector<PlacedCrossing>& alongB = sorted.side[1];
-  const std::size_t n = alongA.size();
-  order_[0].FindRuns(alongA);
-  order_[1].FindRuns(alongB);
+void PathFinder::Prepare(SortedCrossings& sorted) {
+  const std::size_t n = sorted.side[0].size();
+  for (int side = 0; side < 2; ++side) order_[side].FindRuns(sorted.side[side]);
   goesLeft_.resize(n);
-  done_.assign(n, 0);
-  std::vector<std::uint32_t> placeOnA(n);  // of each record
-  for (std::size_t k = 0; k < n; ++k) {
-    placeOnA[static_cast<std::size_t>(alongA[k].index)] = static_cast<std::uint32_t>(k);
-    goesLeft_[k] = alongA[k].dir == ZBR_CROSS_TO_LEFT;
-  }
+  order_[1].place = std::move(sorted.placesOnB);
   order_[1].at.resize(n);
-  order_[1].place.resize(n);
-  for (std::size_t k = 0; k < n; ++k) {
-    const std::uint32_t crossing = placeOnA[static_cast<std::size_t>(alongB[k].index)];
-    order_[1].at[k] = crossing;
-    order_[1].place[crossing] = static_cast<std::uint32_t>(k);
+  for (std::uint32_t k = 0; k < n; ++k) {
+    goesLeft_[k] = sorted.side[0][k].dir == ZBR_CROSS_TO_LEFT;
+    order_[1].at[order_[1].place[k]] = k;
   }
 }
 

@@ -32,7 +32,8 @@ struct SideOrder {
 // Chains crossings into closed paths. A path alternates a stretch along A (from a crossing that goes to the left) and one along B.
 class PathFinder {
  public:
-  void Prepare(const SortedCrossings& sorted);
+  // Takes `placesOnB` over.
+  void Prepare(SortedCrossings& sorted);
 
   // Finds the closed paths that walk A forward or backward and B forward or backward. Starts from scratch. Returns whether all
   // paths that were begun closed.

@@ -62,7 +62,7 @@ struct Stretch {
 class Tracer {
  public:
   Tracer(const TracedRegions& regions, const PathFinder& paths, bool forwardA, bool forwardB)
-      : regions_(regions), paths_(paths), forward_{forwardA, forwardB} {}
+      : regions_(regions), paths_(paths), forward_{forwardA, forwardB}, eps_(t_tolerance.eps), eps2_(t_tolerance.eps2) {}
 
   // Asks for the crossings of a path that is built soon.
   void PrefetchPath(std::span<const std::uint32_t> path) const {
@@ -73,25 +73,26 @@ class Tracer {
   // The loop of a path, or null when it is degenerate.
   std::shared_ptr<ZBR_LOOP> Build(std::span<const std::uint32_t> path) {
     std::size_t bound = 0;
-    stretches_.clear();
+    if (stretches_.size() < path.size()) stretches_.resize(2 * path.size());
     for (std::size_t i = 0; i + 1 < path.size(); ++i) {
-      stretches_.push_back(StretchBetween(path[i], path[i + 1], static_cast<int>(i % 2)));  // a path starts along A
-      if (!stretches_.back().isNothing) bound += 1 + stretches_.back().vertices.count;
+      Stretch& stretch = stretches_[i];
+      FindStretch(path[i], path[i + 1], static_cast<int>(i % 2), stretch);  // a path starts along A
+      if (!stretch.isNothing) bound += 1 + stretch.vertices.count;
     }
     if (bound <= 2) return nullptr;
     auto loop = std::make_shared<ZBR_LOOP>();
     std::vector<ZBR_PT>& points = loop->pt();
     points.reserve(bound);
-    for (std::size_t i = 0; i < stretches_.size(); ++i) {
+    for (std::size_t i = 0; i + 1 < path.size(); ++i) {
       if (!stretches_[i].isNothing) AppendStretch(regions_.crossings[path[i]].pt, stretches_[i], points);
     }
     if (points.size() <= 2) return nullptr;
     loop->Setup();
-    return WithinTol(loop->area(), t_tolerance.eps) ? nullptr : loop;
+    return WithinTol(loop->area(), eps_) ? nullptr : loop;
   }
 
  private:
-  Stretch StretchBetween(std::uint32_t c1, std::uint32_t c2, int side) const {
+  void FindStretch(std::uint32_t c1, std::uint32_t c2, int side, Stretch& stretch) const {
     const SideOrder& order = paths_.order(side);
     const bool forward = forward_[side];
     const std::uint32_t run = order.run.empty() ? 0 : order.run[order.PlaceOf(c1)];
@@ -99,31 +100,34 @@ class Tracer {
     const double from = regions_.crossings[c1].pos[side];
     const double to = regions_.crossings[c2].pos[side];
     const std::size_t n = polygon.count;
-    Stretch stretch{{polygon.points, n}, {}, forward, polygon.hasRepeats, false};
-    const bool isTie = WithinTol(from, to, t_tolerance.eps);
+    stretch.ring = {polygon.points, n};
+    stretch.vertices = {};
+    stretch.forward = forward;
+    stretch.hasRepeats = polygon.hasRepeats;
+    stretch.isNothing = false;
+    const bool isTie = WithinTol(from, to, eps_);
     const bool isAheadByPosition = forward ? to > from : to < from;
     if (isTie || !isAheadByPosition) {
       const std::int64_t steps = forward ? StepsBetween(order, c1, c2) : StepsBetween(order, c2, c1);
       stretch.isNothing = steps == 1 && isTie;
       // What the list has ahead though its position is not, lies at the same place.
-      if (stretch.isNothing || (steps > 0 && !isAheadByPosition)) return stretch;
+      if (stretch.isNothing || (steps > 0 && !isAheadByPosition)) return;
     }
     // A position may have been rounded up to n; that is vertex 0.
     const double p1 = from >= static_cast<double>(n) ? 0.0 : from;
     const double p2 = to >= static_cast<double>(n) ? 0.0 : to;
     stretch.vertices = forward ? ForwardRange(p1, p2, n) : BackwardRange(p1, p2, n);
-    return stretch;
   }
 
   static std::int64_t StepsBetween(const SideOrder& order, std::uint32_t from, std::uint32_t to) {
     return static_cast<std::int64_t>(order.PlaceOf(to)) - static_cast<std::int64_t>(order.PlaceOf(from));
   }
 
-  static void AppendDistinct(const ZBR_PT& p, std::vector<ZBR_PT>& points) {
-    if (points.empty() || !SamePoint(p, points.back(), t_tolerance.eps2)) points.push_back(p);
+  void AppendDistinct(const ZBR_PT& p, std::vector<ZBR_PT>& points) const {
+    if (points.empty() || !SamePoint(p, points.back(), eps2_)) points.push_back(p);
   }
 
-  static void AppendStretch(const ZBR_PT& start, const Stretch& stretch, std::vector<ZBR_PT>& points) {
+  void AppendStretch(const ZBR_PT& start, const Stretch& stretch, std::vector<ZBR_PT>& points) const {
     AppendDistinct(start, points);
     const std::span<const ZBR_PT> ring = stretch.ring;
     const std::size_t n = ring.size();
@@ -157,7 +161,9 @@ class Tracer {
   const TracedRegions& regions_;
   const PathFinder& paths_;
   bool forward_[2];
-  std::vector<Stretch> stretches_;
+  double eps_;
+  double eps2_;
+  std::vector<Stretch> stretches_;  // of the path at hand, and room for longer ones
 };
 
 }  // namespace

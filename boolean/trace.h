@@ -13,13 +13,6 @@
 
 namespace zbr {
 
-// What tracing needs of a crossing, close together: paths meet the crossings in an order of their own, and every record they touch
-// is a wait for memory.
-struct TracedCrossing {
-  ZBR_PT pt;
-  double pos[2];  // along A and B
-};
-
 // What the operations of one call trace in common.
 struct TracedRegions {
   std::vector<TracedCrossing> crossings;     // by place along A

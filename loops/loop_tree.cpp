@@ -32,10 +32,9 @@ std::uint64_t DescendingKey(double area) {
   return std::isfinite(area) ? ~zbr::BitsOf(std::fabs(area)) : ~std::uint64_t{0};
 }
 
-void SortBySize(LoopList& loops) {
-  std::vector<SizedLoop> sized(loops.size());
+// `sized` has the loops in their order.
+void SortBySize(std::vector<SizedLoop>& sized, LoopList& loops) {
   std::vector<SizedLoop> scratch;
-  for (std::uint32_t i = 0; i < loops.size(); ++i) sized[i] = {DescendingKey(loops[i]->area()), i};
   zbr::RadixSort(sized, scratch, [](const SizedLoop& s) { return s.key; });
   LoopList sorted(loops.size());
   for (std::size_t i = 0; i < loops.size(); ++i) sorted[i] = std::move(loops[sized[i].index]);
@@ -114,17 +113,19 @@ void zbrMakeLoopTree(std::vector<std::shared_ptr<ZBR_LOOP>>& loops) {
     loop->level() = kUnseen;
     allDegenerate &= IsDegenerate(*loop, eps);
   }
-  // A loop that is in the list twice would become its own child; it stays once.
+  // A loop that is in the list twice would become its own child; it stays once. Loops are far apart in memory: what is wanted of
+  // one, is done or noted in one visit.
+  std::vector<SizedLoop> sized;
+  sized.reserve(loops.size());
   const auto isLeftOut = [&](const std::shared_ptr<ZBR_LOOP>& loop) {
     const bool isSeen = std::exchange(loop->level(), 0) != kUnseen;
-    return !allDegenerate && (isSeen || IsDegenerate(*loop, eps));
+    if (!allDegenerate && (isSeen || IsDegenerate(*loop, eps))) return true;
+    sized.push_back({DescendingKey(loop->area()), static_cast<std::uint32_t>(sized.size())});
+    if (!allDegenerate) loop->children().clear();
+    return false;
   };
   std::erase_if(loops, isLeftOut);
-  for (const std::shared_ptr<ZBR_LOOP>& loop : loops) {
-    loop->level() = 0;
-    if (!allDegenerate) loop->children().clear();
-  }
-  SortBySize(loops);
+  SortBySize(sized, loops);
   if (allDegenerate) return;
   loops = OuterLoopsWithHoles(loops, Forest(zbr::NestLoops(loops, eps)));
   ZBR_CHECK(zbr::NestingFault(loops, eps));

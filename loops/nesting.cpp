@@ -11,11 +11,13 @@
 #include "loops/nesting.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/cost.h"
 #include "core/planar_inline.h"
 #include "core/prefetch.h"
 #include "core/radix_sort.h"
+#include "core/rings.h"
 
 namespace zbr {
 
@@ -28,6 +30,16 @@ constexpr std::size_t kPairsAtLeast = 4096;
 // With fewer loops than this, all pairs are looked at without a hierarchy.
 constexpr std::size_t kMinLoopsToJoin = 16;
 
+std::vector<LoopProbe> ProbesOf(std::span<const std::shared_ptr<ZBR_LOOP>> loops) {
+  std::vector<LoopProbe> probes;
+  probes.reserve(loops.size());
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    if (i + kItemsAhead < loops.size()) PrefetchObject(*loops[i + kItemsAhead]);
+    probes.emplace_back(*loops[i]);
+  }
+  return probes;
+}
+
 // Two loops of which one lies inside the other.
 struct Inclusion {
   std::uint32_t later;
@@ -39,14 +51,8 @@ struct Inclusion {
 
 class Inserter {
  public:
-  Inserter(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps)
-      : loops_(loops), eps_(eps), parents_(loops.size(), kNoParent) {
-    probes_.reserve(loops.size());
-    for (std::size_t i = 0; i < loops.size(); ++i) {
-      if (i + kItemsAhead < loops.size()) PrefetchObject(*loops[i + kItemsAhead]);
-      probes_.emplace_back(*loops[i]);
-    }
-  }
+  Inserter(std::span<const std::shared_ptr<ZBR_LOOP>> loops, std::vector<LoopProbe> probes, double eps)
+      : loops_(loops), eps_(eps), parents_(loops.size(), kNoParent), probes_(std::move(probes)) {}
 
   std::vector<std::uint32_t> Run() {
     if (loops_.size() < kMinLoopsToJoin) {
@@ -169,11 +175,11 @@ class Inserter {
   bool anyMoved_ = false;
 };
 
-// Whether the loops have the same points in the same order, wherever they start.
-bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
-  const std::vector<ZBR_PT>& p = a.pt();
-  const std::vector<ZBR_PT>& q = b.pt();
-  if (p.size() != q.size()) return false;
+// Whether the loops have the same points in the same order, wherever they start. Boxes are at hand, points are not.
+bool AreCopies(const LoopProbe& a, const LoopProbe& b) {
+  const RingSpan p = a.ring();
+  const RingSpan q = b.ring();
+  if (p.size() != q.size() || a.box().xmin != b.box().xmin || a.box().ymin != b.box().ymin) return false;
   if (p.empty()) return true;
   const auto start = std::find_if(q.begin(), q.end(), [&](const ZBR_PT& point) { return AreIdentical(point, p[0]); });
   const auto rest = static_cast<std::ptrdiff_t>(q.end() - start);
@@ -184,10 +190,11 @@ bool AreCopies(const ZBR_LOOP& a, const ZBR_LOOP& b) {
 // Runs of copies, of which each lies in the one before. They are nested as one: what lies in the first lies in the last.
 class CopyRuns {
  public:
-  CopyRuns(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps) : count_(loops.size()) {
-    for (std::uint32_t i = 0; i < loops.size(); ++i) {
-      const bool isCopy = i > 0 && AreCopies(*loops[i - 1], *loops[i]);
-      if (!isCopy || !(i - 1 > first_.back() || LiesInCopy(*loops[i], eps))) first_.push_back(i);
+  CopyRuns(std::span<const LoopProbe> probes, double eps) : count_(probes.size()) {
+    first_.reserve(count_);
+    for (std::uint32_t i = 0; i < count_; ++i) {
+      const bool isCopy = i > 0 && AreCopies(probes[i - 1], probes[i]);
+      if (!isCopy || !(i - 1 > first_.back() || LiesInCopy(probes[i], eps))) first_.push_back(i);
     }
   }
   bool AreAlone() const { return first_.size() == count_; }
@@ -208,10 +215,10 @@ class CopyRuns {
   }
 
  private:
-  static bool LiesInCopy(const ZBR_LOOP& loop, double eps) {
+  static bool LiesInCopy(const LoopProbe& probe, double eps) {
     IncludeScratch scratch;
-    LoopProbe copy(loop);
-    return IsLoopInside(LoopProbe(loop), copy, eps, scratch);
+    LoopProbe copy(probe.ring(), probe.box());
+    return IsLoopInside(probe, copy, eps, scratch);
   }
   std::uint32_t EndOf(std::uint32_t run) const {
     return run + 1 < first_.size() ? first_[run + 1] : static_cast<std::uint32_t>(count_);
@@ -224,9 +231,11 @@ class CopyRuns {
 }  // namespace
 
 std::vector<std::uint32_t> NestLoops(std::span<const std::shared_ptr<ZBR_LOOP>> loops, double eps) {
-  const CopyRuns runs(loops, eps);
-  if (runs.AreAlone()) return Inserter(loops, eps).Run();
-  return runs.ParentsOfAll(Inserter(runs.Firsts(loops), eps).Run());
+  std::vector<LoopProbe> probes = ProbesOf(loops);
+  const CopyRuns runs(probes, eps);
+  if (runs.AreAlone()) return Inserter(loops, std::move(probes), eps).Run();
+  const std::vector<std::shared_ptr<ZBR_LOOP>> firsts = runs.Firsts(loops);
+  return runs.ParentsOfAll(Inserter(firsts, ProbesOf(firsts), eps).Run());
 }
 
 }  // namespace zbr
