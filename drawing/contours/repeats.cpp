@@ -2,6 +2,7 @@
 // left of their contour would not close; closed contours that repeat each other bound nothing.
 //
 // Contours are the same whose edges are, whatever their first vertices and directions. Only those with the same box are compared.
+// Whole contours on different layers may well be the hole in one thing and the other thing in it; lines and arcs are shared anyway.
 
 #include <zbr-drawing/contours.h>
 
@@ -9,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -62,9 +64,10 @@ struct Summary {
   std::array<double, 4> box;
   std::size_t edges;
   bool fills;
+  std::string_view layer;  // of more than one edge
   std::size_t path;
 
-  auto Common() const { return std::tie(box, edges, fills); }
+  auto Common() const { return std::tie(box, edges, fills, layer); }
 };
 
 std::vector<Summary> SummariesOf(const std::vector<Path>& paths) {
@@ -78,7 +81,8 @@ std::vector<Summary> SummariesOf(const std::vector<Path>& paths) {
       box = {std::min(box[0], p.x()), std::min(box[1], p.y()), std::max(box[2], p.x()), std::max(box[3], p.y())};
       isFinite = isFinite && std::isfinite(p.x()) && std::isfinite(p.y());
     }
-    if (isFinite) summaries.push_back({box, paths[i].EdgeCount(), paths[i].fills, i});
+    const bool isSingle = !paths[i].closed && points.size() == 2;
+    if (isFinite) summaries.push_back({box, paths[i].EdgeCount(), paths[i].fills, isSingle ? "" : paths[i].layer, i});
   }
   std::sort(summaries.begin(), summaries.end(), [](const Summary& a, const Summary& b) {
     return a.Common() != b.Common() ? a.Common() < b.Common() : a.path < b.path;

@@ -37,8 +37,8 @@ void FlattenPath(const Path& path, double deviation, const std::function<void(co
 Contours MakeContours(Drawing drawing, const FlattenOptions& options);
 std::vector<Contours> MakeContours(std::vector<Drawing> drawings, const FlattenOptions& options);
 
-// Leaves out lines, arcs and whole contours that repeat an earlier one exactly, drawn from any vertex in either direction, and
-// returns how many those were.
+// Leaves out lines and arcs that repeat an earlier one exactly, and whole contours that repeat one on their layer, from any vertex
+// in either direction. Returns how many those were.
 std::size_t DropRepeats(std::vector<Path>& paths);
 
 // Leaves out boundaries of hatches where other contours are drawn, and returns how many those were.

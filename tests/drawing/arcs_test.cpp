@@ -334,9 +334,11 @@ TEST(Arcs, ContoursThatRepeatOthersAreLeftOut) {
   Path straight = plate, open = plate;
   straight.curves.clear();
   open.closed = false;
-  paths.insert(paths.end(), {again, dented, straight, back, open, plate, straight});
+  Path pin = plate;  // of another part, in a hole of this shape
+  pin.layer = "PIN";
+  paths.insert(paths.end(), {again, dented, straight, back, open, plate, straight, pin});
   EXPECT_EQ(DropRepeats(paths), 4U);
-  ASSERT_EQ(paths.size(), 4U);
+  ASSERT_EQ(paths.size(), 5U);
   EXPECT_LT(paths[1].curves[0].v.x(), 0.0);
   EXPECT_TRUE(paths[2].curves.empty());
   EXPECT_FALSE(paths[3].closed);

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <map>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include "drawing/intersections/border_winding.h"
@@ -21,8 +23,10 @@ using Ring = std::vector<PicturePoint>;
 
 // Points at the same place are the same one, but for those of the last ring if it is to be apart.
 bool RingsWindOnce(const std::vector<Ring>& rings, bool isLastApart = false) {
+  std::map<std::tuple<bool, double, double>, std::uint32_t> numbers;
   const auto number = [&](std::size_t r, const PicturePoint& p) {
-    return static_cast<std::uint32_t>(p.x * 1000 + p.y + (isLastApart && r + 1 == rings.size() ? 1e6 : 0));
+    const auto next = static_cast<std::uint32_t>(numbers.size());
+    return numbers.emplace(std::tuple(isLastApart && r + 1 == rings.size(), p.x, p.y), next).first->second;
   };
   std::vector<BorderEdge> edges;
   for (std::size_t r = 0; r < rings.size(); ++r) {
