@@ -137,6 +137,8 @@ class Ends {
 
   // Also those without any edge.
   const std::vector<Point>& Points() const { return points_; }
+  // Edges that come or leave where others did so before.
+  std::size_t MoreCount() const { return more_.size(); }
   std::vector<Arm> ArmsAt(const std::vector<BorderEdge>& edges, const Point& point) const {
     std::vector<Arm> arms = {ArmOf(edges, point.comes, false), ArmOf(edges, point.leaves, true)};
     if (!point.hasMore) return arms;
@@ -205,16 +207,24 @@ int ClearSide(const PicturePoint& a, const PicturePoint& b, const PicturePoint& 
   return CrossSign(Minus(b, a), Minus(c, a));
 }
 
+// All edges are counted around each ring, and arms looked through at each point that more than two edges have in common. Around
+// more holes than that it is faster to look at triangles.
+constexpr std::size_t kMostRings = 64;
+
 bool WindsOnce(const std::vector<BorderEdge>& edges) {
   if (edges.empty()) return true;
-  if (!Slots(edges).ForPairs([&](std::uint32_t i, std::uint32_t j) { return AreApart(edges[i], edges[j]); })) return false;
   const Ends ends(edges);
   DisjointSets sets(edges.size());
+  std::size_t rings = edges.size();
   for (const Ends::Point& point : ends.Points()) {
     if (point.number == Ends::kNone) continue;
     if (point.comes == Ends::kNone || point.leaves == Ends::kNone) return false;
-    sets.Unite(point.comes, point.leaves);
-    if (!point.hasMore) continue;
+    if (sets.Unite(point.comes, point.leaves)) --rings;
+  }
+  if (rings > kMostRings || ends.MoreCount() > kMostRings) return false;
+  if (!Slots(edges).ForPairs([&](std::uint32_t i, std::uint32_t j) { return AreApart(edges[i], edges[j]); })) return false;
+  for (const Ends::Point& point : ends.Points()) {
+    if (point.number == Ends::kNone || !point.hasMore) continue;
     std::vector<Arm> arms = ends.ArmsAt(edges, point);
     if (!TakeTurns(arms)) return false;
     for (const Arm& arm : arms) sets.Unite(point.comes, arm.edge);
@@ -227,9 +237,6 @@ bool WindsOnce(const std::vector<BorderEdge>& edges) {
     const auto isFurther = [&](const PicturePoint& p, const PicturePoint& q) { return p.x != q.x ? p.x < q.x : p.y < q.y; };
     if (best == nullptr || isFurther(at(&point), at(best))) best = &point;
   }
-  constexpr std::ptrdiff_t kMostSets = 64;  // all edges are counted around each
-  if (std::count_if(leftmost.begin(), leftmost.end(), [](const Ends::Point* point) { return point != nullptr; }) > kMostSets)
-    return false;
   for (std::uint32_t set = 0; set < edges.size(); ++set) {
     if (leftmost[set] == nullptr) continue;
     std::vector<Arm> arms = ends.ArmsAt(edges, *leftmost[set]);

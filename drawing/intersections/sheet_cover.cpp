@@ -250,15 +250,8 @@ void SheetCover::AddSeen(const Part& part, unsigned turn, const Part& without, s
   }
 }
 
-// A border of n triangles laid out like a square has some 4 sqrt(n) edges. Of many more, as around many holes, it takes longer to
-// tell how they wind than to look at the triangles.
-bool SheetCover::IsFrayed(const Part& part) {
-  constexpr double kMostPerSide = 16.0;
-  return static_cast<double>(part.border.size()) > kMostPerSide * std::sqrt(static_cast<double>(part.end - part.begin));
-}
-
 bool SheetCover::IsSheet(const Part& part) const {
-  if (part.border.empty() || IsFrayed(part)) return false;
+  if (part.border.empty()) return false;
   std::vector<BorderEdge> edges;
   edges.reserve(part.border.size());
   AddSeen(part, BestTurn(part.turns, FacingOf(part)), part, edges);

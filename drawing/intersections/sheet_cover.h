@@ -81,7 +81,6 @@ class SheetCover {
   void LookAt(Part& part) const;
   void FindBorder(Part& part) const;
   GridPoint FacingOf(const Part& part) const;
-  static bool IsFrayed(const Part& part);
   bool IsSheet(const Part& part) const;
   bool AreSheet(const Pair& pair) const;
   void AddSeen(const Part& part, unsigned turn, const Part& without, std::vector<BorderEdge>& edges) const;
