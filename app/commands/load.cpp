@@ -36,7 +36,8 @@ void KeepLayers(Drawing& drawing, const InputOptions& options, Progress& progres
 void LeaveOutRepeats(Drawing& drawing, Progress& progress) {
   const std::size_t count = DropRepeats(drawing.paths);
   if (count == 0) return;
-  const std::string what = count == 1 ? " line, arc or contour that repeats another one" : " lines, arcs and contours that repeat others";
+  const std::string what =
+      count == 1 ? " line, arc or contour that repeats another one" : " lines, arcs and contours that repeat others";
   progress.Note(drawing.file + ": note: left out " + std::to_string(count) + what);
 }
 

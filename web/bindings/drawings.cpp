@@ -64,7 +64,9 @@ void Prepare(Drawing& drawing, Work& work) {
     work.Note(drawing.file, 0,
               "left out " + Counted(count, "boundary", "boundaries") + " of hatches, as other contours are drawn there");
   const std::size_t repeats = drawing.joinsEnds ? DropRepeats(drawing.paths) : 0;
-  if (repeats > 0) work.Note(drawing.file, 0, "left out " + Counted(repeats, "line or contour that repeats", "lines or contours that repeat") + " others");
+  if (repeats > 0)
+    work.Note(drawing.file, 0,
+              "left out " + Counted(repeats, "line or contour that repeats", "lines or contours that repeat") + " others");
 }
 
 void Convert(Drawing& drawing, int units, Work& work) {
