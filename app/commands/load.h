@@ -29,7 +29,7 @@ struct Loaded {
 struct OperandOptions {
   std::vector<std::string> layers;  // wanted; empty: those of the input
   std::optional<Affine> map;        // where it is put
-  std::string layersFrom = "";      // the option that named the layers
+  std::string layersFrom = {};      // the option that named the layers
 };
 
 // Reads the files and makes contours of them, with one set of tolerances, so that what coincides in the files still does. A file in
