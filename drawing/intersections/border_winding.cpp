@@ -149,7 +149,8 @@ class Ends {
  private:
   void Put(const std::vector<BorderEdge>& edges, std::uint32_t k, bool leaves) {
     const std::uint32_t number = leaves ? edges[k].from : edges[k].to;
-    std::size_t i = number * 2654435769U & (points_.size() - 1);
+    const std::uint32_t hash = number * 2654435769U;
+    std::size_t i = hash & (points_.size() - 1);
     while (points_[i].number != number && points_[i].number != kNone) i = (i + 1) & (points_.size() - 1);
     points_[i].number = number;
     std::uint32_t& edge = leaves ? points_[i].leaves : points_[i].comes;
