@@ -161,19 +161,14 @@ std::uint32_t Arrangement::PieceBetween(std::uint32_t u, std::uint32_t v) const 
   return isThere ? static_cast<std::uint32_t>(place - pieces_.begin()) : kNoPiece;
 }
 
-EdgesAlong::EdgesAlong(const Arrangement& arrangement, std::size_t edgeCount) : begin_(arrangement.pieces().size() + 1, 0) {
-  const auto forEach = [&](auto visit) {
-    for (std::uint32_t e = 0; e < edgeCount; ++e) {
-      arrangement.PiecesOf(e, [&](std::uint32_t piece) {
-        if (piece != Arrangement::kNoPiece) visit(e, piece);
-      });
-    }
-  };
-  forEach([&](std::uint32_t, std::uint32_t piece) { ++begin_[piece + 1]; });
-  std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
-  edges_.resize(begin_.back());
-  std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
-  forEach([&](std::uint32_t e, std::uint32_t piece) { edges_[place[piece]++] = e; });
+NumberLists EdgesAlong(const Arrangement& arrangement, std::size_t edgeCount) {
+  return {arrangement.pieces().size(), [&](const auto& add) {
+            for (std::uint32_t e = 0; e < edgeCount; ++e) {
+              arrangement.PiecesOf(e, [&](std::uint32_t piece) {
+                if (piece != Arrangement::kNoPiece) add(piece, e);
+              });
+            }
+          }};
 }
 
 }  // namespace zbr

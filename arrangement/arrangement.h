@@ -11,6 +11,7 @@
 #include "arrangement/edge_points.h"
 #include "arrangement/grid_point.h"
 #include "arrangement/vertex_set.h"
+#include "core/number_lists.h"
 
 namespace zbr {
 
@@ -159,18 +160,6 @@ class Arrangement {
 };
 
 // Which edges run along each piece of an arrangement, ascending.
-class EdgesAlong {
- public:
-  EdgesAlong() = default;
-  EdgesAlong(const Arrangement& arrangement, std::size_t edgeCount);
-
-  std::span<const std::uint32_t> operator[](std::uint32_t piece) const {
-    return std::span(edges_).subspan(begin_[piece], begin_[piece + 1] - begin_[piece]);
-  }
-
- private:
-  std::vector<std::uint32_t> begin_;  // by piece
-  std::vector<std::uint32_t> edges_;
-};
+NumberLists EdgesAlong(const Arrangement& arrangement, std::size_t edgeCount);
 
 }  // namespace zbr

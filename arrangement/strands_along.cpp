@@ -7,20 +7,15 @@
 
 namespace zbr {
 
-StrandsAlong::StrandsAlong(const Arrangement& arrangement) : begin_(arrangement.pieces().size() + 1, 0) {
+StrandsAlong::StrandsAlong(const Arrangement& arrangement) {
   const auto count = static_cast<std::uint32_t>(arrangement.strandCount());
-  const auto forEach = [&](auto visit) {
-    for (std::uint32_t s = 0; s < count; ++s) {
-      arrangement.PiecesOfStrand(s, [&](std::uint32_t piece) {
-        if (piece != Arrangement::kNoPiece) visit(s, piece);
-      });
-    }
-  };
-  forEach([&](std::uint32_t, std::uint32_t piece) { ++begin_[piece + 1]; });
-  std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
-  strands_.resize(begin_.back());
-  std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
-  forEach([&](std::uint32_t s, std::uint32_t piece) { strands_[place[piece]++] = s; });
+  strandsOf_ = {arrangement.pieces().size(), [&](const auto& add) {
+                  for (std::uint32_t s = 0; s < count; ++s) {
+                    arrangement.PiecesOfStrand(s, [&](std::uint32_t piece) {
+                      if (piece != Arrangement::kNoPiece) add(piece, s);
+                    });
+                  }
+                }};
   if (arrangement.strandsOfLines().empty()) return;
   farthest_.assign(count, 0);
   for (const Arrangement::Strands& row : arrangement.strandsOfLines())
@@ -70,17 +65,11 @@ void StrandsAlong::DropRepeated(Rows& rows) {
 EdgesOfStrands::EdgesOfStrands(const Arrangement& arrangement, std::size_t edgeCount) {
   const std::vector<Arrangement::Strands>& rows = arrangement.strandsOfLines();
   const std::size_t lines = rows.empty() ? arrangement.strandCount() : rows.size();
-  const auto forEach = [&](auto visit) {
-    for (std::uint32_t e = 0; e < edgeCount; ++e) {
-      if (arrangement.LineOf(e) != Arrangement::kNoPiece) visit(e, arrangement.LineOf(e));
-    }
-  };
-  begin_.assign(lines + 1, 0);
-  forEach([&](std::uint32_t, std::uint32_t line) { ++begin_[line + 1]; });
-  std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
-  edges_.resize(begin_.back());
-  std::vector<std::uint32_t> place(begin_.begin(), begin_.end() - 1);
-  forEach([&](std::uint32_t e, std::uint32_t line) { edges_[place[line]++] = e; });
+  edgesOf_ = {lines, [&](const auto& add) {
+                for (std::uint32_t e = 0; e < edgeCount; ++e) {
+                  if (arrangement.LineOf(e) != Arrangement::kNoPiece) add(arrangement.LineOf(e), e);
+                }
+              }};
   if (rows.empty()) return;
   order_.resize(lines);
   std::iota(order_.begin(), order_.end(), 0U);
@@ -107,7 +96,7 @@ void EdgesOfStrands::Append(const StrandsAlong::Rows& rows, std::vector<std::uin
 }
 
 void EdgesOfStrands::AppendLine(std::uint32_t line, std::vector<std::uint32_t>& edges) const {
-  edges.insert(edges.end(), edges_.begin() + begin_[line], edges_.begin() + begin_[line + 1]);
+  edges.insert(edges.end(), edgesOf_[line].begin(), edgesOf_[line].end());
 }
 
 // Of the lines below a node of the tree those that begin at or before the row and end at or behind it.

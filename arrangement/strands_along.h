@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "arrangement/arrangement.h"
+#include "core/number_lists.h"
 
 namespace zbr {
 
@@ -23,13 +24,13 @@ class StrandsAlong {
 
   // The walk begins with a piece.
   void Start(std::uint32_t piece, Rows& rows) const {
-    const std::span<const std::uint32_t> strands = Of(piece);
+    const std::span<const std::uint32_t> strands = strandsOf_[piece];
     rows.resize(strands.size());
     for (std::size_t i = 0; i < strands.size(); ++i) rows[i] = {strands[i], strands[i] + 1};
   }
   // The walk goes on along a piece. False, and nothing changes, when no edge does.
   bool GoOn(std::uint32_t piece, Rows& rows) const {
-    const std::span<const std::uint32_t> strands = Of(piece);
+    const std::span<const std::uint32_t> strands = strandsOf_[piece];
     if (!farthest_.empty()) return KeepReached(strands, rows);
     if (rows.size() != 1 || strands.size() != 1) return KeepCommon(strands, rows);
     return rows[0].first == strands[0];
@@ -40,14 +41,10 @@ class StrandsAlong {
   // The same where each line is its own strand, and rows are no longer.
   static bool KeepCommon(std::span<const std::uint32_t> strands, Rows& rows);
   static void DropRepeated(Rows& rows);
-  std::span<const std::uint32_t> Of(std::uint32_t piece) const {
-    return std::span(strands_).subspan(begin_[piece], begin_[piece + 1] - begin_[piece]);
-  }
   // Where the lines end that go on farthest from a strand.
   std::uint32_t FarthestFrom(std::uint32_t strand) const { return farthest_[strand]; }
 
-  std::vector<std::uint32_t> begin_;  // by piece
-  std::vector<std::uint32_t> strands_;
+  NumberLists strandsOf_;                // by piece
   std::vector<std::uint32_t> farthest_;  // none where each line is its own strand
 };
 
@@ -63,8 +60,7 @@ class EdgesOfStrands {
   void AppendLine(std::uint32_t line, std::vector<std::uint32_t>& edges) const;
   void AppendLines(std::size_t node, const Arrangement::Strands& row, std::vector<std::uint32_t>& edges) const;
 
-  std::vector<std::uint32_t> begin_;  // by line
-  std::vector<std::uint32_t> edges_;
+  NumberLists edgesOf_;  // by line
   // Lines with common strands, by their first, and above them a binary tree of where those below end last.
   std::vector<std::uint32_t> order_;
   std::vector<Arrangement::Strands> tree_;  // the least first strand, and the last one

@@ -17,7 +17,7 @@ class SourceFinder {
       : shells_(shells),
         bare_(bare),
         arrangement_(arrangement),
-        along_(arrangement, bare.edges.size()),
+        along_(EdgesAlong(arrangement, bare.edges.size())),
         corners_(arrangement.points().size()) {
     out_.offsets.push_back(0);
     for (std::size_t s = 0; s < bare_.sides.size(); ++s) NoteCorners(s);
@@ -108,7 +108,7 @@ class SourceFinder {
   const ZBR_HL_SHELL* shells_;
   const BareEdges& bare_;
   const Arrangement& arrangement_;
-  EdgesAlong along_;
+  NumberLists along_;
   std::vector<ZBR_HL_SOURCE> corners_;  // by vertex
   std::vector<Open> open_;              // by ascending side
   ZBR_HL_OUTLINE_SOURCES out_;

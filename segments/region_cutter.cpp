@@ -113,7 +113,7 @@ ZBR_POLY_INSIDE RegionCutter::LocateStretch(const ZBR_PT& a, const ZBR_PT& b, do
   return IsOn(middle) ? LocateAt(a, b, t0, t1, kAnother) : middle;
 }
 
-// A stretch whose middle is on the boundary. It may come away from it beside the vertices near it.
+// A stretch that is on the boundary in the middle, or may be on a part of it. It may come away from it beside the vertices near it.
 void RegionCutter::AddRun(const ZBR_PT& a, const ZBR_PT& b, double t0, double t1, double least) {
   const auto add = [&](double from, double to) {
     const ZBR_POLY_INSIDE place = LocateStretch(a, b, from, to);

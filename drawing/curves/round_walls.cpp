@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <optional>
 #include <utility>
 
 #include "drawing/model/disjoint_sets.h"

@@ -20,7 +20,7 @@ struct BorderEdge {
 // On which side of the line from a to b lies c: 1 on the left, -1 on the right, 0 where rounding does not let it be told.
 int ClearSide(const PicturePoint& a, const PicturePoint& b, const PicturePoint& c);
 
-// False also where edges touch other than at a common point, and in doubt.
+// False also where edges touch other than at a common point, for more than some dozens of rings, and in doubt.
 bool WindsOnce(const std::vector<BorderEdge>& edges);
 
 }  // namespace zbr::drawing
