@@ -131,7 +131,7 @@ std::vector<std::uint32_t> SheetCover::PiecesOf(const Part& part) const {
   std::vector<std::uint32_t> pieces = ComponentsOf(part);
   std::uint32_t components = 0;
   for (std::uint32_t k = 0; k < pieces.size(); ++k) components += pieces[k] == k ? 1 : 0;
-  if (components > 1 && components * kFew <= pieces.size()) return pieces;
+  if (components > 1 && std::size_t{components} * kFew <= pieces.size()) return pieces;
   const FloatBox box = part.Tree().Root();
   const std::array<double, 3> size = {static_cast<double>(box.high[0]) - box.low[0], static_cast<double>(box.high[1]) - box.low[1],
                                       static_cast<double>(box.high[2]) - box.low[2]};
